@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace m47 {
+
+/// A run-time fault of a handler: something that cannot go on, such as a record move with no plan
+/// open. Whoever does not trap it on purpose lets it end the running handler, which then shows one
+/// message box; the program goes on.
+class Fault : public std::runtime_error {
+  public:
+    explicit Fault(const std::string& what) : std::runtime_error(what) {}
+};
+
+/// Thrown by the link when the user has asked the program to end (SIGINT, SIGTERM) while a
+/// measurement waits: no fault, so that no error trap of a cycle swallows it.
+class Interrupted {};
+
+}  // namespace m47

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+
+#include "texts.h"
+
+namespace m47 {
+
+/// The level units of the meter, in the order of its own unit index.
+enum LevelUnit { kDbuv = 0, kDbmv = 1, kDbm = 2 };
+
+/// What every screen shares and no screen owns.
+struct ProgramState {
+    /// The folder the program works in, as `folder_with_separator` gives it.
+    QString base_dir;
+    Texts texts;
+    /// The level unit in force, a LevelUnit; shared by the plan and the real-time screen.
+    int unit_index = kDbuv;
+};
+
+/// `folder` with one separator at its end: none is added where it ends in one already (a root).
+QString folder_with_separator(const QString& folder);
+
+/// How many dB a level in `unit` lies below the same level in dBuV: 0, 60 or 109.
+double unit_offset(int unit);
+
+}  // namespace m47

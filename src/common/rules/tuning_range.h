@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+namespace m47 {
+
+/// The frequencies in MHz that the meter can tune, both ends included.
+struct TuningRange {
+    double minimum;
+    double maximum;
+};
+
+/// The receiver covers the satellite intermediate band, 920 to 2150 MHz. Tuned directly (no local
+/// oscillator) that is the range itself. An oscillator of 7000 MHz or more lies below the received
+/// band, one below 7000 MHz above it. `oscillator` in MHz, ignored when `direct`.
+TuningRange tuning_range(bool direct, double oscillator);
+
+/// `frequency` brought into `range`; a value of exactly 0 that the range allows becomes its upper
+/// end, since 0 means that nothing was entered.
+double inside_range(double frequency, const TuningRange& range);
+
+/// The local oscillators that exist for LNBs, in MHz: 3070 to 12000.
+inline constexpr double kOscillatorMinimum = 3070;
+inline constexpr double kOscillatorMaximum = 12000;
+
+}  // namespace m47

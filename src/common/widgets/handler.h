@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QObject>
+#include <QWidget>
+#include <functional>
+#include <type_traits>
+
+namespace m47 {
+
+/// Shows what a handler could not do. By default a message box over `screen`; an unattended run
+/// replaces it.
+using FaultReporter = std::function<void(QWidget* screen, const QString& what)>;
+void set_fault_reporter(FaultReporter reporter);
+void report_fault(QWidget* screen, const QString& what);
+
+/// Runs `body`. A fault ends it with one message box that names `name`; the program goes on.
+void run_handler(QWidget* screen, const char* name, const std::function<void()>& body);
+
+/// Connects `signal` to `body`, run as the handler `name` of `screen`. `body` takes the signal's
+/// arguments or none.
+template <class Sender, class Signal, class Body>
+void on(Sender* sender, Signal signal, QWidget* screen, const char* name, Body body) {
+    if constexpr (std::is_invocable_v<Body>) {
+        QObject::connect(sender, signal, screen,
+                         [screen, name, body] { run_handler(screen, name, body); });
+    } else {
+        QObject::connect(sender, signal, screen, [screen, name, body](auto argument) {
+            run_handler(screen, name, [&] { body(argument); });
+        });
+    }
+}
+
+}  // namespace m47

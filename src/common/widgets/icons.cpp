@@ -1,0 +1,217 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "icons.h"
+
+#include <QFile>
+#include <QGuiApplication>
+#include <QIconEngine>
+#include <QImage>
+#include <QPainter>
+#include <QPalette>
+#include <QPixmap>
+#include <QSvgRenderer>
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <utility>
+#include <vector>
+
+// The folder is a static library: its resources are linked only when somebody asks for them, and
+// the macro wants to be outside of every namespace.
+static void register_resources() {
+    Q_INIT_RESOURCE(icons);
+}
+
+namespace m47 {
+namespace {
+
+/// The least contrast at which text, and so a thin glyph, can be read.
+constexpr double kReadable = 4.5;
+/// The side, in pixels, at which a themed icon is judged: that of a toolbar at 100 %.
+constexpr int kJudgedSide = 24;
+/// The opacity, to 255, from which a pixel belongs to the drawing and not to its soft edge.
+constexpr int kFilled = 0xc0;
+/// How far the channels of a drawing in one colour may differ.
+constexpr int kOneColour = 0x20;
+/// How much of the text colour is left in the glyph of a disabled button.
+constexpr double kDisabledShare = 0.4;
+
+struct ThemedKey {
+    const char* key;
+    const char* name;
+};
+
+/// Only what every desktop draws alike. The plan's steps stay the program's own, so that they are
+/// told apart from the program's steps next to them.
+constexpr std::array kThemedKeys{
+    ThemedKey{"open", "document-open"},        ThemedKey{"save", "document-save"},
+    ThemedKey{"stampa", "document-print"},     ThemedKey{"cancella", "edit-clear"},
+    ThemedKey{"previous_prog", "go-previous"}, ThemedKey{"next_prog", "go-next"},
+};
+
+QIcon desktop_icon(const QString& key) {
+    for (const ThemedKey& themed : kThemedKeys) {
+        const QString name = QString::fromLatin1(themed.name);
+        if (key == QLatin1String(themed.key) && QIcon::hasThemeIcon(name)) {
+            return QIcon::fromTheme(name);
+        }
+    }
+    return {};
+}
+
+double linear(int channel) {
+    const double value = channel / 255.0;
+    return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+}
+
+double luminance(QRgb colour) {
+    return 0.2126 * linear(qRed(colour)) + 0.7152 * linear(qGreen(colour)) +
+           0.0722 * linear(qBlue(colour));
+}
+
+double contrast(QRgb one, QRgb other) {
+    const auto [dark, light] = std::minmax({luminance(one), luminance(other)});
+    return (light + 0.05) / (dark + 0.05);
+}
+
+/// The colours of the pixels that `icon` fills, at a toolbar's size.
+std::vector<QRgb> filled_pixels(const QIcon& icon) {
+    const QPixmap pixmap = icon.pixmap(QSize(kJudgedSide, kJudgedSide), 1.0);
+    const QImage image = pixmap.toImage().convertToFormat(QImage::Format_ARGB32);
+    std::vector<QRgb> pixels;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (qAlpha(image.pixel(x, y)) >= kFilled) pixels.push_back(image.pixel(x, y));
+        }
+    }
+    return pixels;
+}
+
+int spread(const std::vector<QRgb>& pixels, int (*channel)(QRgb)) {
+    const auto [least, most] = std::minmax_element(
+        pixels.begin(), pixels.end(),
+        [channel](QRgb one, QRgb other) { return channel(one) < channel(other); });
+    return channel(*most) - channel(*least);
+}
+
+/// True when `icon` is a drawing in one colour, as the glyphs next to it are, and all of it can be
+/// read on `background`. The coloured pictures of older themes would stand out, and half of each
+/// is lost on a dark window.
+bool fits_glyphs(const QIcon& icon, const QColor& background) {
+    const std::vector<QRgb> pixels = filled_pixels(icon);
+    return !pixels.empty() && spread(pixels, qRed) <= kOneColour &&
+           spread(pixels, qGreen) <= kOneColour && spread(pixels, qBlue) <= kOneColour &&
+           std::all_of(pixels.begin(), pixels.end(), [&background](QRgb pixel) {
+               return contrast(pixel, background.rgb()) >= kReadable;
+           });
+}
+
+QColor glyph_colour(QIcon::Mode mode) {
+    const QPalette palette = QGuiApplication::palette();
+    const QColor window = palette.color(QPalette::Active, QPalette::Window);
+    const QColor text = palette.color(QPalette::Active, QPalette::WindowText);
+    if (mode == QIcon::Selected) return palette.color(QPalette::Active, QPalette::HighlightedText);
+    if (mode != QIcon::Disabled) return text;
+    const auto mixed = [](int front, int back) {
+        return static_cast<int>(std::lround(kDisabledShare * front + (1 - kDisabledShare) * back));
+    };
+    return QColor(mixed(text.red(), window.red()), mixed(text.green(), window.green()),
+                  mixed(text.blue(), window.blue()));
+}
+
+QRectF centred_square(const QRectF& rect) {
+    const double side = std::min(rect.width(), rect.height());
+    QRectF square(0, 0, side, side);
+    square.moveCenter(rect.center());
+    return square;
+}
+
+void draw_svg(QPainter* painter, const QByteArray& svg, const QRectF& rect) {
+    QSvgRenderer renderer(svg);
+    renderer.render(painter, centred_square(rect));
+}
+
+QPixmap svg_pixmap(const QByteArray& svg, const QSize& size) {
+    QPixmap pixmap(size);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    draw_svg(&painter, svg, QRectF(QPointF(), QSizeF(size)));
+    return pixmap;
+}
+
+QPixmap dimmed(const QPixmap& pixmap) {
+    QPixmap faint(pixmap.size());
+    faint.fill(Qt::transparent);
+    QPainter painter(&faint);
+    painter.setOpacity(kDisabledShare);
+    painter.drawPixmap(0, 0, pixmap);
+    return faint;
+}
+
+/// A line drawing whose `currentColor` is the palette's text colour at the moment of painting.
+class GlyphEngine : public QIconEngine {
+  public:
+    GlyphEngine(QByteArray svg, QIcon themed) : svg_(std::move(svg)), themed_(std::move(themed)) {}
+
+    QIconEngine* clone() const override { return new GlyphEngine(*this); }
+
+    void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode,
+               QIcon::State state) override {
+        const QRect square = centred_square(rect).toRect();
+        const qreal scale = painter->device()->devicePixelRatio();
+        const QPixmap themed = themed_pixmap((QSizeF(square.size()) * scale).toSize(), mode, state);
+        if (themed.isNull()) {
+            draw_svg(painter, coloured(mode), rect);
+        } else {
+            painter->drawPixmap(square, themed);
+        }
+    }
+
+    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
+        const QPixmap themed = themed_pixmap(size, mode, state);
+        return themed.isNull() ? svg_pixmap(coloured(mode), size) : themed;
+    }
+
+  private:
+    /// `size` is in device pixels. Null where the glyph is to be drawn: also in place of a themed
+    /// icon that only exists smaller and would be blurred.
+    QPixmap themed_pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) const {
+        const QColor window = QGuiApplication::palette().color(QPalette::Active, QPalette::Window);
+        if (themed_.isNull() || !fits_glyphs(themed_, window)) return {};
+        const QIcon::Mode shown = mode == QIcon::Disabled ? QIcon::Normal : mode;
+        const QPixmap found = themed_.pixmap(size, 1.0, shown, state);
+        if (found.width() < size.width() && found.height() < size.height()) return {};
+        return mode == QIcon::Disabled ? dimmed(found) : found;
+    }
+
+    QByteArray coloured(QIcon::Mode mode) const {
+        return QByteArray(svg_).replace("currentColor", glyph_colour(mode).name().toLatin1());
+    }
+
+    QByteArray svg_;
+    QIcon themed_;
+};
+
+/// The text of a drawing in the program, empty where there is none of this name.
+QByteArray drawing(const QString& name) {
+    register_resources();
+    QFile file(QStringLiteral(":/m47/%1.svg").arg(name));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+}  // namespace
+
+QIcon toolbar_icon(const QString& key) {
+    const QByteArray svg = drawing(QStringLiteral("toolbar/") + key);
+    return svg.isEmpty() ? QIcon() : QIcon(new GlyphEngine(svg, desktop_icon(key)));
+}
+
+QIcon application_icon() {
+    const QByteArray svg = drawing(QStringLiteral("m47-remote"));
+    QIcon icon;
+    for (const int side : {16, 22, 24, 32, 48, 64, 128, 256}) {
+        icon.addPixmap(svg_pixmap(svg, QSize(side, side)));
+    }
+    return icon;
+}
+
+}  // namespace m47

@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "texts.h"
+
+#include <QTest>
+
+#include "fault.h"
+
+namespace m47 {
+namespace {
+
+// The wording as the technicians know it, with its missing and trailing blanks.
+struct Wording {
+    const char* english;
+    const char* italian;
+};
+
+const Wording kWordings[] = {
+    {"Download is too long.Data are saved in ''.",
+     "Download e' troppo lungo.I dati sono stati salvati in ''."},
+    {"Define a Temporary file name.", "Definire Nome per un file temporaneo"},
+    {"Filename Error.", "Nome file errato."},
+    {"No Data Download.", "Non ci sono Dati da scaricare."},
+    {"Do you want to continue?", "Vuoi continuare?"},
+    {"The Programme in the data base already exist.",
+     "Il programma esiste gi\xc3\xa0 nel database."},
+    {"The Programme in the logger status table already exist.",
+     "Il programma nella tabella del datalogger gi\xc3\xa0 esiste."},
+    {"Remove program: ", "Rimuovi il programma: "},
+    {"Select file '*.upg', press 'Download'", "Selezionare il file '*.upg', premere 'Download'"},
+    {"Turn off the instuments!", "Spegnere lo strumento!"},
+    {"Select file '*.upg'!", "Selezionare il file '*.upg'!"},
+    {"Select file '*.upg', turn on the instruments and press 'Download'.",
+     "Selezionare il file '*.upg',\raccendere lo strumento e premere 'Download'"},
+    {"Do you want download FW application?",
+     "Vuoi trasmettere l'upgrade Firmware dell'applicazione?"},
+    {"Do you want save program configuration?", "Vuoi salvare la configurazione dei programmi?"},
+    {"Do you want restore program configuration?",
+     "Vuoi reimpostare la configurazione dei programmi?"},
+    {"Satellite already exist! Do you want restore it?",
+     "Il nome del satellite esiste! vuoi risalvarlo?"},
+    {"Satellite already exist! Do you want reprogram it?",
+     "Il satellite esiste! Vuoi riprogrammarlo?"},
+    {"Do you want save M47 configuration?", "Salvare la configurazione del M47?"},
+    {"(Add)Program plan code.", "Aggiungi un piano di programmi"},
+    {"Do you want delete satellite from list? ", "Vuoi cancellare il satellite dalla lista? "},
+    {"Do you want learn a satellite?", "Vuoi acquisire un satellite?"},
+    {"Insert Satellite name:", "Inserire il nome del Satellite:"},
+    {"Invalid Satellite name!", "Nome non valido del Satellite!"},
+};
+
+constexpr int kTurnOn = 11;
+constexpr const char* kTurnOnWithComma =
+    "Select file '*.upg', turn on the instruments and press 'Download',";
+
+}  // namespace
+
+class TextsTest : public QObject {
+    Q_OBJECT
+
+  private Q_SLOTS:
+    void wording_data() {
+        QTest::addColumn<int>("number");
+        for (int number = 0; number < Texts::kMessages; ++number)
+            QTest::addRow("%d", number) << number;
+    }
+
+    void wording() {
+        QFETCH(int, number);
+        const Wording& expected = kWordings[number];
+        Texts texts;
+        texts.load_messages(QString());
+        for (const int language : {0, 1, 2, 3}) {
+            texts.language = language;
+            const bool reserved = language > 0 && number == kTurnOn;
+            QCOMPARE(texts.message(number),
+                     QString::fromUtf8(reserved ? kTurnOnWithComma : expected.english));
+        }
+        texts.language = 4;
+        QCOMPARE(texts.message(number), QString::fromUtf8(expected.italian));
+        texts.language = 5;
+        QCOMPARE(texts.message(number), QString());
+    }
+
+    void there_are_as_many_as_expected() {
+        QCOMPARE(static_cast<int>(std::size(kWordings)), int{Texts::kMessages});
+        QCOMPARE(int{Texts::kLanguages}, 6);
+    }
+
+    void the_message_with_a_full_stop_in_english() {
+        Texts texts;
+        texts.load_messages(QString());
+        texts.language = kEnglish;
+        QVERIFY(texts.message(kTurnOn).endsWith(u'.'));
+    }
+
+    void the_temporary_file_as_it_stands_at_loading() {
+        Texts texts;
+        texts.load_messages("C:\\50%1.dat");
+        texts.language = kEnglish;
+        QCOMPARE(texts.message(kDownloadTooLong),
+                 QString("Download is too long.Data are saved in 'C:\\50%1.dat'."));
+        texts.language = kItalian;
+        QCOMPARE(texts.message(kDownloadTooLong),
+                 QString("Download e' troppo lungo.I dati sono stati salvati in 'C:\\50%1.dat'."));
+        texts.language = 5;
+        QCOMPARE(texts.message(kDownloadTooLong), QString());
+    }
+
+    void a_box_shown_after_the_change_is_in_the_new_language() {
+        Texts texts;
+        texts.load_messages(QString());
+        texts.language = kItalian;
+        QCOMPARE(texts.message(kContinue), QString("Vuoi continuare?"));
+        texts.language = kEnglish;
+        QCOMPARE(texts.message(kContinue), QString("Do you want to continue?"));
+    }
+
+    void out_of_bounds_data() {
+        QTest::addColumn<int>("language");
+        QTest::addColumn<int>("number");
+        QTest::newRow("language 6") << 6 << 0;
+        QTest::newRow("language 255") << 255 << 0;
+        QTest::newRow("language -1") << -1 << 0;
+        QTest::newRow("message 23") << 0 << 23;
+        QTest::newRow("message -1") << 0 << -1;
+    }
+
+    void out_of_bounds() {
+        QFETCH(int, language);
+        QFETCH(int, number);
+        Texts texts;
+        texts.load_messages(QString());
+        texts.language = language;
+        QVERIFY_EXCEPTION_THROWN(texts.message(number), Fault);
+    }
+
+    void one_of_a_pair() {
+        const Bilingual pair{"Time", "Citt\xc3\xa0"};
+        Texts texts;
+        for (const int language : {0, 1, 2, 3, 5, 6}) {
+            texts.language = language;
+            QCOMPARE(texts.pick(pair), QString("Time"));
+        }
+        texts.language = kItalian;
+        QCOMPARE(texts.pick(pair), QStringLiteral("Citt\u00e0"));
+    }
+};
+
+}  // namespace m47
+
+QTEST_APPLESS_MAIN(m47::TextsTest)
+#include "texts_test.moc"
