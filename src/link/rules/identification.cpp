@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "identification.h"
+
+#include "numbers.h"
+
+namespace m47 {
+namespace {
+
+/// From this firmware on only the PLUS model has the satellite locator.
+constexpr double kPlusVersion = 300;
+
+}  // namespace
+
+QStringList port_entries() {
+    QStringList entries;
+    for (int number = 1; number <= PortList::kPorts; ++number) entries += QString::number(number);
+    return entries;
+}
+
+double version_number(const QString& reply) {
+    // The reply is looked for in "S", not the other way round: the firmware of every meter in the
+    // field is told apart by the places that come out of it.
+    const qsizetype place = QStringLiteral("S").indexOf(reply, 0, Qt::CaseInsensitive) + 1;
+    const QString digits =
+        reply.mid(place + 1, 1) + reply.mid(place + 3, 1) + reply.mid(place + 5, 1);
+    return meter_value(digits);
+}
+
+void Identification::porta_Click(int index) {
+    const int number = index + 1;
+    close_link(number);
+    if (number < 1 || number > PortList::kPorts) return;
+
+    link_.port_number = number;
+    link_.port().select(ports_.device(number));
+    link_.port_connected = true;
+    // The dialogue with the meter and all that follows is in English until a language is picked.
+    texts_.language = kEnglish;
+
+    link_.command_text = QStringLiteral("ATTEN?");
+    link_.send_command();
+    show_presence(number);
+    link_.command_text = QStringLiteral("VER?");
+    link_.send_command();
+    show_version();
+}
+
+void Identification::close_link(int number) {
+    link_.port_connected = false;
+    if (link_.port().is_open()) link_.port().close();
+    if (link_.port().is_open()) {
+        link_.port().close();
+        link_.view().set_port_state(port_state_text(number, false), false);
+    }
+}
+
+void Identification::show_presence(int number) {
+    const bool present = !link_.reply_text.isEmpty();
+    if (present)
+        link_.port_connected = true;
+    else
+        link_.port().close();
+    link_.view().set_port_state(port_state_text(number, present), present);
+}
+
+void Identification::show_version() {
+    const QString version = link_.reply_text;
+    window_.set_caption(window_.caption() + u' ' + version);
+    link_.view().set_progress(0);
+    if (version_number(version) >= kPlusVersion)
+        window_.enable_asl(version.contains(QLatin1String("PLUS")));
+}
+
+}  // namespace m47

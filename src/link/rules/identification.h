@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include "link.h"
+#include "port_list.h"
+#include "texts.h"
+
+namespace m47 {
+
+/// What picking a port changes on the main window besides the link's own display.
+class MainWindowView {
+  public:
+    virtual ~MainWindowView() = default;
+
+    virtual QString caption() const = 0;
+    virtual void set_caption(const QString& caption) = 0;
+    /// The toolbar button "asl".
+    virtual void enable_asl(bool on) = 0;
+};
+
+/// The entries of the list of ports: "1" to "10".
+QStringList port_entries();
+
+/// The firmware version in an answer to "VER?", 305 for "V3.0.5": three single characters at fixed
+/// places, joined. 0 where they are no number.
+double version_number(const QString& reply);
+
+/// Picking a port: asks the meter behind it who it is.
+class Identification {
+  public:
+    Identification(Link& link, Texts& texts, const PortList& ports, MainWindowView& window)
+        : link_(link), texts_(texts), ports_(ports), window_(window) {}
+
+    /// The user picks entry `index` (0 to 9) of the list; any other index only closes the link. On
+    /// success the link is up and the status green; otherwise red. The language is English then,
+    /// and the window's caption has grown by the meter's version, in any case.
+    void porta_Click(int index);
+
+  private:
+    void close_link(int number);
+    void show_presence(int number);
+    void show_version();
+
+    Link& link_;
+    Texts& texts_;
+    const PortList& ports_;
+    MainWindowView& window_;
+};
+
+}  // namespace m47

@@ -1,0 +1,181 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "link.h"
+
+#include <algorithm>
+#include <chrono>
+
+#include "fault.h"
+#include "numbers.h"
+#include "srecord.h"
+
+namespace m47 {
+namespace {
+
+constexpr int kAttempts = 3;
+constexpr double kEchoLimit = 2;
+/// More than any answer of the meter; what comes behind is noise and dropped.
+constexpr qsizetype kLongestReply = 4 * 1024 * 1024;
+constexpr std::chrono::milliseconds kPollSlice{5};
+constexpr double kPumpInterval = 0.02;
+
+}  // namespace
+
+Link::Link(SerialPort& port, Clock& clock, LinkView& view)
+    : port_(port), clock_(clock), view_(view) {}
+
+void Link::send_command() {
+    view_.show_progress_bar();
+    view_.set_progress(0);
+    if (!can_send()) return;
+    end_when_interrupted();
+
+    const ClockSpan span(clock_);
+    view_.set_hourglass(true);
+    Outcome outcome = Outcome::failed;
+    for (int attempt = 0; attempt < kAttempts && outcome == Outcome::failed; ++attempt)
+        outcome = run_attempt();
+    if (outcome != Outcome::answered) show_port_state();
+    close_port();
+    reply_text = reduce_answer(command_text, reply_text);
+    view_.set_hourglass(false);
+    view_.set_progress(0);
+}
+
+bool Link::send(const QString& command) {
+    command_text = command;
+    const bool sent = can_send();
+    send_command();
+    return sent && port_connected;
+}
+
+void Link::wait_time(double seconds) {
+    const ClockSpan span(clock_);
+    const float start = clock_.now();
+    for (;;) {
+        end_when_interrupted();
+        const double passed = clock_.now() - start;
+        if (passed > seconds) return;
+        // Towards the end it goes tick by tick: the wait ends with the first reading beyond it.
+        const bool far = seconds - passed > kPumpInterval;
+        clock_.sleep(far ? kPumpInterval : clock_.until_next_tick());
+        if (far) view_.pump();
+    }
+}
+
+void Link::show_port_state() {
+    view_.set_hourglass(false);
+    reply_text.clear();
+    port_connected = false;
+    close_port();
+    view_.set_port_state(port_state_text(port_number, false), false);
+}
+
+QString Link::make_srecord(int slot) {
+    reply_text = srecord_text(slot);
+    command_frame = srecord_body(reply_text);
+    return QStringLiteral("S0") + command_frame + srecord_checksum(command_frame);
+}
+
+Link::Outcome Link::run_attempt() {
+    port_.clear();
+    if (!open_port()) return Outcome::lost;
+    port_.read_all();
+    reply_text.clear();
+
+    const float start = clock_.now();
+    command_frame = command_text + u'\r';
+    send_frame();
+    return poll_answer(start, clock_.now());
+}
+
+Link::Outcome Link::poll_answer(float start, float sent) {
+    const double limit = answer_limit(command_text);
+    ReplyWatch watch;
+    view_.set_progress(1);
+    for (;;) {
+        collect_input();
+        advance_progress();
+        const ReplyWatch::Verdict verdict = watch.look_at(reply_text);
+        const float now = clock_.now();
+        if (verdict == ReplyWatch::Verdict::error) {
+            close_port();
+            return Outcome::failed;
+        }
+        if (reply_text.size() < command_text.size() && now - sent > kEchoLimit) {
+            wake_meter();
+            return Outcome::failed;
+        }
+        if (now - start > limit) return Outcome::lost;
+        if (verdict == ReplyWatch::Verdict::complete) return Outcome::answered;
+        // An unplugged line brings nothing any more: the limit need not be waited for.
+        if (!port_.is_open()) return Outcome::lost;
+        port_.wait_for_input(kPollSlice);
+        pump_when_due();
+    }
+}
+
+void Link::collect_input() {
+    const QByteArray input = port_.read_all();
+    const qsizetype room = kLongestReply - reply_text.size();
+    reply_text += QString::fromLatin1(input.first(std::min(input.size(), room)));
+}
+
+bool Link::open_port() {
+    return port_.is_open() || port_.open();
+}
+
+void Link::close_port() {
+    if (port_.is_open()) port_.close();
+}
+
+/// The pause of a clock tick behind each character is the meter's: it cannot take a burst.
+void Link::send_frame() {
+    view_.set_progress(0);
+    for (const char character : command_frame.toLatin1()) {
+        // A character that does not go out shows in the missing echo; a lost line at once.
+        if (!port_.write(character) && !port_.is_open()) return;
+        wait_tick();
+        advance_progress();
+        pump_when_due();
+    }
+}
+
+/// A meter that does not even echo is asleep; a lone CR wakes it for the next attempt.
+void Link::wake_meter() {
+    close_port();
+    if (!open_port()) return;
+    port_.write('\r');
+    wait_tick();
+    close_port();
+}
+
+void Link::advance_progress() {
+    const int value = view_.progress();
+    view_.set_progress(view_.progress_maximum() < value + 1 ? 1 : value + 1);
+}
+
+/// As wait_time(0), but a transaction that has begun goes on to its end.
+void Link::wait_tick() {
+    const float start = clock_.now();
+    while (!(clock_.now() - start > 0)) clock_.sleep(clock_.until_next_tick());
+}
+
+void Link::pump_when_due() {
+    const double passed = clock_.now() - last_pump_;
+    // Back in time is a clock behind midnight.
+    if (passed >= 0 && passed < kPumpInterval) return;
+    view_.pump();
+    last_pump_ = clock_.now();
+}
+
+void Link::end_when_interrupted() const {
+    if (interrupted && interrupted()) throw Interrupted();
+}
+
+QString port_state_text(int port_number, bool connected) {
+    QString text = QStringLiteral("RS232 ComPort");
+    if (port_number > 0) text += format_number(port_number, " 0");
+    return text + (connected ? QStringLiteral(" Connected") : QStringLiteral(" NOT Connected"));
+}
+
+}  // namespace m47

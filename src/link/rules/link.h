@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+#include <functional>
+
+#include "clock.h"
+#include "link_view.h"
+#include "reply.h"
+#include "serial_port.h"
+
+namespace m47 {
+
+/// The link to the meter: one command at a time, each a whole transaction that opens the port,
+/// sends character by character, polls for the answer, retries, closes the port and reduces the
+/// answer. Not re-entrant; single-threaded.
+class Link {
+  public:
+    Link(SerialPort& port, Clock& clock, LinkView& view);
+
+    /// The command to send, without terminator; left unchanged by the transaction.
+    QString command_text;
+    /// The reduced answer; the receive accumulator while the transaction runs.
+    QString reply_text;
+    /// The bytes on the wire: `command_text` and one CR; scratch of make_srecord.
+    QString command_frame;
+    /// The meter has been identified on a port. While false nothing is sent.
+    bool port_connected = false;
+    /// A screen only refreshes its controls from stored records. While true nothing is sent.
+    bool commands_suspended = false;
+    /// Number (1 to 10) of the port in use, for the status text; 0 before the first choice.
+    int port_number = 0;
+    /// Asked while waiting; true ends the wait or the next transaction with Interrupted.
+    std::function<bool()> interrupted;
+
+    /// Sends `command_text` and leaves the reduced answer in `reply_text` ("OK" for a setting, the
+    /// value for a query, "0" for a query answered "Invalid Parameter(s)", empty after a lost
+    /// link).
+    void send_command();
+
+    /// True when send_command would put something on the wire.
+    bool can_send() const { return port_connected && !commands_suspended; }
+
+    /// `command_text` := `command`, then send_command. True when it was sent and the link is still
+    /// up, so that `reply_text` is this command's answer; false leaves nothing to read.
+    bool send(const QString& command);
+
+    /// Waits until more than `seconds` (0 or more) have passed on the clock; 0 waits for the next
+    /// clock tick. No midnight correction of its own.
+    void wait_time(double seconds);
+
+    /// Declares the link lost: `port_connected` false, `reply_text` empty, port closed, status red.
+    void show_port_state();
+
+    /// The S0 header record of satellite slot `slot` (0 to 999). Leaves its text ("ASL 001") in
+    /// `reply_text` and the record's body in `command_frame`.
+    QString make_srecord(int slot);
+
+    SerialPort& port() { return port_; }
+    Clock& clock() { return clock_; }
+    LinkView& view() { return view_; }
+
+  private:
+    enum class Outcome { answered, failed, lost };
+
+    Outcome run_attempt();
+    Outcome poll_answer(float start, float sent);
+    void collect_input();
+    bool open_port();
+    void close_port();
+    void send_frame();
+    void wake_meter();
+    void advance_progress();
+    void wait_tick();
+    void pump_when_due();
+    void end_when_interrupted() const;
+
+    SerialPort& port_;
+    Clock& clock_;
+    LinkView& view_;
+    float last_pump_ = 0;
+};
+
+/// "RS232 ComPort 2 Connected" or "RS232 ComPort 2 NOT Connected".
+QString port_state_text(int port_number, bool connected);
+
+}  // namespace m47

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+
+#include "serial_port.h"
+#include "texts.h"
+
+namespace m47 {
+
+/// The absolute path of `device`: a bare name ("ttyUSB0") lies in /dev unless the current directory
+/// has a file of that name, every other relative path starts from the current directory. Empty for
+/// an empty name.
+QString device_path(const QString& device);
+
+/// Why `device` could not be used just now; `none` where nothing speaks against it. A line that
+/// this process has open itself is reported as busy.
+PortFault look_at(const QString& device);
+
+/// One sentence or two for the user: what is wrong with `device` and what helps. Empty for `none`.
+QString port_fault_text(PortFault fault, const QString& device, const Texts& texts);
+
+}  // namespace m47

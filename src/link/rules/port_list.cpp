@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "port_list.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSerialPortInfo>
+#include <algorithm>
+#include <utility>
+
+#include "port_diagnosis.h"
+
+namespace m47 {
+namespace {
+
+QString on_board_name(int number) {
+    return QStringLiteral("ttyS%1").arg(number - 1);
+}
+
+/// The ports that have a number of their own, whether it is used for them or not.
+bool is_on_board(const QString& device) {
+    const QString name = QFileInfo(device).fileName();
+    for (int number = 1; number <= PortList::kPorts; ++number)
+        if (name == on_board_name(number)) return true;
+    return false;
+}
+
+/// The one path of a device that has several.
+QString true_path(const QString& device) {
+    const QString path = QFileInfo(device).canonicalFilePath();
+    return path.isEmpty() ? device : path;
+}
+
+/// From the true path of each adapter to the name that it keeps when it is plugged in elsewhere.
+QMap<QString, QString> persistent_names(const QString& dev) {
+    QMap<QString, QString> names;
+    const QDir by_id(dev + QStringLiteral("/serial/by-id"));
+    const QFileInfoList links = by_id.entryInfoList(QDir::System | QDir::Files, QDir::Name);
+    for (const QFileInfo& link : links) names.insert(true_path(link.filePath()), link.filePath());
+    return names;
+}
+
+}  // namespace
+
+QStringList reported_devices() {
+    QStringList devices;
+    const QList<QSerialPortInfo> ports = QSerialPortInfo::availablePorts();
+    for (const QSerialPortInfo& port : ports) devices += port.systemLocation();
+    return devices;
+}
+
+PortList::PortList(PortSources sources) : sources_(std::move(sources)) {
+    refresh();
+}
+
+bool PortList::add(const QString& entry) {
+    const qsizetype equals = entry.indexOf(u'=');
+    if (equals < 0) return false;
+    bool whole = false;
+    const int number = entry.left(equals).toInt(&whole);
+    const QString device = entry.mid(equals + 1);
+    if (!whole || number < 1 || number > kPorts || device.isEmpty()) return false;
+    entries_.insert(number, device_path(device));
+    refresh();
+    return true;
+}
+
+void PortList::refresh() {
+    devices_ = entries_;
+    find_on_board();
+    find_adapters();
+}
+
+void PortList::find_on_board() {
+    for (int number = 1; number <= kPorts; ++number) {
+        if (devices_.contains(number)) continue;
+        const QString name = on_board_name(number);
+        const QString device = sources_.dev + u'/' + name;
+        QFile type(sources_.sys + QStringLiteral("/class/tty/") + name + QStringLiteral("/type"));
+        if (!QFileInfo::exists(device) || !type.open(QIODevice::ReadOnly)) continue;
+        // Type 0 is a number that the driver keeps for a port that is not built in.
+        if (type.readAll().trimmed() != "0") devices_.insert(number, device);
+    }
+}
+
+void PortList::find_adapters() {
+    const QMap<QString, QString> names = persistent_names(sources_.dev);
+    QStringList adapters;
+    const QStringList reported = sources_.reported();
+    for (const QString& device : reported)
+        if (!is_on_board(device) && !knows(device))
+            adapters += names.value(true_path(device), device);
+    adapters.removeDuplicates();
+    std::sort(adapters.begin(), adapters.end());
+    for (int number = 1; number <= kPorts && !adapters.isEmpty(); ++number)
+        if (!devices_.contains(number)) devices_.insert(number, adapters.takeFirst());
+}
+
+bool PortList::knows(const QString& device) const {
+    const QString path = true_path(device);
+    return std::any_of(devices_.begin(), devices_.end(),
+                       [&](const QString& known) { return true_path(known) == path; });
+}
+
+}  // namespace m47

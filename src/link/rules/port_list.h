@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QMap>
+#include <QString>
+#include <QStringList>
+#include <functional>
+
+namespace m47 {
+
+/// The system locations of the serial lines that the system reports now.
+QStringList reported_devices();
+
+/// Where PortList looks for serial lines.
+struct PortSources {
+    QString sys = QStringLiteral("/sys");
+    QString dev = QStringLiteral("/dev");
+    std::function<QStringList()> reported = reported_devices;
+};
+
+/// The device behind each of the port numbers 1 to 10. A number with an entry of its own stands for
+/// that device; number N else for on-board port N where there is hardware behind it; adapters take
+/// the numbers that are left, in the order of their persistent names.
+class PortList {
+  public:
+    static constexpr int kPorts = 10;
+
+    explicit PortList(PortSources sources = {});
+
+    /// Adds an entry "N=DEVICE", N from 1 to 10; a later one for the same number replaces it. False
+    /// for anything else, and the list is unchanged then.
+    bool add(const QString& entry);
+
+    /// Looks anew which lines there are.
+    void refresh();
+
+    /// The device behind `number`, empty when there is none.
+    QString device(int number) const { return devices_.value(number); }
+
+  private:
+    void find_on_board();
+    void find_adapters();
+    bool knows(const QString& device) const;
+
+    PortSources sources_;
+    QMap<int, QString> entries_;
+    QMap<int, QString> devices_;
+};
+
+}  // namespace m47

@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "real_port.h"
+
+#include <sys/file.h>
+#include <sys/ioctl.h>
+#include <termios.h>
+
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <thread>
+
+#include "port_diagnosis.h"
+
+namespace m47 {
+namespace {
+
+using std::chrono::milliseconds;
+
+/// Twenty times what the line brings within one turn of the link; the rest waits in the kernel.
+constexpr qint64 kReadBuffer = 64 * 1024;
+constexpr milliseconds kDrainLimit{50};
+
+bool line_alive(int descriptor) {
+    termios settings{};
+    return tcgetattr(descriptor, &settings) == 0;
+}
+
+}  // namespace
+
+RealPort::RealPort() {
+    port_.setBaudRate(QSerialPort::Baud38400);
+    port_.setDataBits(QSerialPort::Data8);
+    port_.setParity(QSerialPort::NoParity);
+    port_.setStopBits(QSerialPort::TwoStop);
+    port_.setFlowControl(QSerialPort::NoFlowControl);
+    port_.setReadBufferSize(kReadBuffer);
+}
+
+RealPort::~RealPort() {
+    RealPort::close();
+}
+
+void RealPort::select(const QString& device) {
+    device_ = device_path(device);
+}
+
+bool RealPort::open() {
+    fault_ = PortFault::none;
+    if (device_.isEmpty()) return fail(PortFault::missing);
+    // By its own name, not by that of a link to it: that is how other programs lock it.
+    const QString node = QFileInfo(device_).canonicalFilePath();
+    port_.setPortName(node.isEmpty() ? device_ : node);
+    if (!port_.open(QIODevice::ReadWrite)) {
+        // The error does not tell a busy port from one without permission. Where nothing else
+        // speaks against the device, another program has left its lock file.
+        const bool refused = port_.error() == QSerialPort::PermissionError;
+        const PortFault seen = look_at(device_);
+        if (seen != PortFault::none) return fail(seen);
+        return fail(refused ? PortFault::busy : PortFault::other);
+    }
+    // The terminal's exclusive flag does not keep out a second program that runs as root.
+    if (flock(port_.handle(), LOCK_EX | LOCK_NB) != 0) return fail(PortFault::busy);
+    clear();
+    return true;
+}
+
+bool RealPort::fail(PortFault fault) {
+    if (port_.isOpen()) port_.close();
+    port_.clearError();
+    fault_ = fault;
+    return false;
+}
+
+void RealPort::close() {
+    if (!port_.isOpen()) return;
+    drain();
+    port_.close();
+    port_.clearError();
+}
+
+bool RealPort::is_open() const {
+    return port_.isOpen();
+}
+
+void RealPort::clear() {
+    if (port_.isOpen()) port_.clear();
+    port_.clearError();
+}
+
+QByteArray RealPort::read_all() {
+    if (!port_.isOpen()) return {};
+    if (port_.bytesAvailable() == 0) {
+        // Takes over what still lies in the kernel.
+        port_.waitForReadyRead(0);
+        port_.clearError();
+    }
+    return port_.readAll();
+}
+
+bool RealPort::write(char character) {
+    if (!port_.isOpen()) return false;
+    const bool gone_out = port_.putChar(character) && port_.flush();
+    if (!gone_out) {
+        // The same error stands for an unplugged line and for one whose other side does not read.
+        port_.clearError();
+        close_when_lost();
+    }
+    return gone_out;
+}
+
+bool RealPort::wait_for_input(milliseconds limit) {
+    if (!port_.isOpen()) return false;
+    if (port_.bytesAvailable() > 0) return true;
+    QElapsedTimer timer;
+    timer.start();
+    if (port_.waitForReadyRead(static_cast<int>(limit.count()))) return true;
+    port_.clearError();
+    close_when_lost();
+    const milliseconds left = limit - milliseconds(timer.elapsed());
+    if (port_.isOpen() && left.count() > 0) std::this_thread::sleep_for(left);
+    return false;
+}
+
+void RealPort::close_when_lost() {
+    if (line_alive(port_.handle())) return;
+    port_.close();
+    port_.clearError();
+    fault_ = PortFault::vanished;
+}
+
+/// Closing puts the line's old settings back: a character still on its way would go out wrong.
+void RealPort::drain() const {
+    QElapsedTimer timer;
+    timer.start();
+    int waiting = 0;
+    while (ioctl(port_.handle(), TIOCOUTQ, &waiting) == 0 && waiting > 0) {
+        if (timer.hasExpired(kDrainLimit.count())) return;
+        std::this_thread::sleep_for(milliseconds{1});
+    }
+    tcdrain(port_.handle());
+}
+
+}  // namespace m47

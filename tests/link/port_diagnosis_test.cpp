@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "port_diagnosis.h"
+
+#include <sys/file.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include "pty.h"
+
+namespace m47 {
+
+class PortDiagnosisTest : public QObject {
+    Q_OBJECT
+
+  private Q_SLOTS:
+    void paths();
+    void a_line_ready_for_use();
+    void a_missing_device();
+    void no_port();
+    void without_permission();
+    void held_by_another_program();
+    void held_under_a_lock();
+    void texts_name_device_and_help();
+    void texts_in_italian();
+    void the_group_that_may_use_the_device();
+    void a_group_that_may_not_use_it_is_not_named();
+
+  private:
+    QString make_file(const QString& name, QFile::Permissions permissions) const;
+
+    QTemporaryDir folder_;
+};
+
+QString PortDiagnosisTest::make_file(const QString& name, QFile::Permissions permissions) const {
+    QFile file(folder_.filePath(name));
+    if (!file.open(QIODevice::WriteOnly) || !file.setPermissions(permissions)) return {};
+    return file.fileName();
+}
+
+void PortDiagnosisTest::paths() {
+    QCOMPARE(device_path(""), QString());
+    QCOMPARE(device_path("/dev/ttyUSB0"), QString("/dev/ttyUSB0"));
+    QCOMPARE(device_path("ttyUSB0"), QString("/dev/ttyUSB0"));
+    QCOMPARE(device_path("./link"), QDir::currentPath() + "/link");
+    QCOMPARE(device_path("a/../b/link"), QDir::currentPath() + "/b/link");
+    const QString before = QDir::currentPath();
+    QVERIFY(!make_file("meter", QFile::ReadOwner).isEmpty());
+    QVERIFY(QDir::setCurrent(folder_.path()));
+    QCOMPARE(device_path("meter"), QDir::currentPath() + "/meter");
+    QVERIFY(QDir::setCurrent(before));
+}
+
+void PortDiagnosisTest::a_line_ready_for_use() {
+    const Pty pty;
+    QCOMPARE(look_at(pty.path()), PortFault::none);
+    const QString link = folder_.filePath("symlink");
+    QVERIFY(QFile::link(pty.path(), link));
+    QCOMPARE(look_at(link), PortFault::none);
+    // Looking leaves no lock behind.
+    QCOMPARE(look_at(pty.path()), PortFault::none);
+}
+
+void PortDiagnosisTest::a_missing_device() {
+    QCOMPARE(look_at(""), PortFault::missing);
+    QCOMPARE(look_at("/dev/ttyNothing"), PortFault::missing);
+    QCOMPARE(look_at("/dev/null/x"), PortFault::missing);
+    const QString dangling = folder_.filePath("dangling");
+    QVERIFY(QFile::link(folder_.filePath("unplugged"), dangling));
+    QCOMPARE(look_at(dangling), PortFault::missing);
+}
+
+void PortDiagnosisTest::no_port() {
+    QCOMPARE(look_at(make_file("text", QFile::ReadOwner | QFile::WriteOwner)),
+             PortFault::not_a_port);
+    QCOMPARE(look_at("/dev/null"), PortFault::not_a_port);
+    QCOMPARE(look_at(folder_.path()), PortFault::not_a_port);
+}
+
+void PortDiagnosisTest::without_permission() {
+    const Pty pty;
+    QCOMPARE(fchmod(pty.slave(), 0), 0);
+    const int fault = as_ordinary_user([&] { return static_cast<int>(look_at(pty.path())); });
+    QCOMPARE(fault, static_cast<int>(PortFault::no_permission));
+}
+
+void PortDiagnosisTest::held_by_another_program() {
+    const Pty pty;
+    QCOMPARE(fchmod(pty.slave(), 0666), 0);
+    QCOMPARE(ioctl(pty.slave(), TIOCEXCL), 0);
+    const int fault = as_ordinary_user([&] { return static_cast<int>(look_at(pty.path())); });
+    QCOMPARE(fault, static_cast<int>(PortFault::busy));
+}
+
+void PortDiagnosisTest::held_under_a_lock() {
+    const Pty pty;
+    QCOMPARE(flock(pty.slave(), LOCK_EX | LOCK_NB), 0);
+    QCOMPARE(look_at(pty.path()), PortFault::busy);
+    QCOMPARE(flock(pty.slave(), LOCK_UN), 0);
+    QCOMPARE(look_at(pty.path()), PortFault::none);
+}
+
+void PortDiagnosisTest::texts_name_device_and_help() {
+    const Texts texts;
+    const auto text = [&](PortFault fault) { return port_fault_text(fault, "/dev/ttyX", texts); };
+    QCOMPARE(text(PortFault::none), QString());
+    QCOMPARE(text(PortFault::missing), QString("There is no device /dev/ttyX."));
+    QCOMPARE(text(PortFault::busy), QString("/dev/ttyX is used by another program."));
+    QCOMPARE(text(PortFault::not_a_port), QString("/dev/ttyX is no serial port."));
+    QCOMPARE(text(PortFault::vanished),
+             QString("The line to /dev/ttyX was lost: the device has been unplugged."));
+    QCOMPARE(text(PortFault::other), QString("/dev/ttyX cannot be opened."));
+    QCOMPARE(port_fault_text(PortFault::missing, {}, texts),
+             QString("No device stands behind this port number."));
+}
+
+void PortDiagnosisTest::texts_in_italian() {
+    Texts texts;
+    texts.language = kItalian;
+    const auto text = [&](PortFault fault) { return port_fault_text(fault, "/dev/ttyX", texts); };
+    QCOMPARE(text(PortFault::missing), QString("Il dispositivo /dev/ttyX non esiste."));
+    QCOMPARE(text(PortFault::busy), QStringLiteral("/dev/ttyX è usato da un altro programma."));
+    QCOMPARE(text(PortFault::no_permission), QString("Non hai il permesso di usare /dev/ttyX."));
+}
+
+void PortDiagnosisTest::the_group_that_may_use_the_device() {
+    using Permission = QFile::Permission;
+    const QString device = make_file("grouped", Permission::ReadOwner | Permission::WriteOwner |
+                                                    Permission::ReadGroup | Permission::WriteGroup);
+    const QString group = QFileInfo(device).group();
+    const QString user = QFileInfo(device).owner();
+    Texts texts;
+    QCOMPARE(port_fault_text(PortFault::no_permission, device, texts),
+             QStringLiteral("You have no permission to use %1. It belongs to the group %2: run "
+                            "\"sudo usermod -aG %2 %3\", then log in again.")
+                 .arg(device, group, user));
+    texts.language = kItalian;
+    QVERIFY(port_fault_text(PortFault::no_permission, device, texts)
+                .contains(QStringLiteral("\"sudo usermod -aG %1 %2\", poi").arg(group, user)));
+}
+
+void PortDiagnosisTest::a_group_that_may_not_use_it_is_not_named() {
+    const QString device = make_file("private", QFile::ReadOwner | QFile::WriteOwner);
+    const QString text = port_fault_text(PortFault::no_permission, device, Texts());
+    QCOMPARE(text, QStringLiteral("You have no permission to use %1.").arg(device));
+}
+
+}  // namespace m47
+
+QTEST_APPLESS_MAIN(m47::PortDiagnosisTest)
+#include "port_diagnosis_test.moc"

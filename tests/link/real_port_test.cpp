@@ -1,0 +1,408 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "real_port.h"
+
+#include <sys/file.h>
+#include <sys/stat.h>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+#include <chrono>
+
+#include "fake_link_view.h"
+#include "fake_port.h"
+#include "link.h"
+#include "pty.h"
+#include "real_clock.h"
+
+namespace m47 {
+
+using namespace std::chrono_literals;
+
+/// The serial line on a pseudo-terminal.
+class RealPortTest : public QObject {
+    Q_OBJECT
+
+  private Q_SLOTS:
+    void a_whole_transaction();
+    void an_event_loop_runs_meanwhile();
+    void the_line_settings();
+    void characters_go_out_at_once();
+    void old_bytes_are_cleared();
+    void a_wait_ends_with_its_limit_or_with_input();
+    void more_than_the_buffer_holds();
+    void unplugged_while_waiting();
+    void unplugged_within_a_transaction();
+    void unplugged_while_writing();
+    void the_other_side_does_not_read();
+    void a_closed_port();
+    void missing();
+    void not_a_port();
+    void busy_for_the_same_user();
+    void busy_for_an_ordinary_user();
+    void busy_under_a_lock();
+    void busy_by_a_lock_file();
+    void no_permission();
+    void links_and_relative_paths();
+    void opened_a_hundred_times();
+};
+
+namespace {
+
+struct Setup {
+    RealPort port;
+    RealClock clock;
+    FakeLinkView view;
+    Link link{port, clock, view};
+
+    explicit Setup(const QString& device) {
+        port.select(device);
+        link.port_connected = true;
+        link.port_number = 1;
+    }
+};
+
+QByteArray level(const QByteArray& command) {
+    return FakePort::good(command, "73.5");
+}
+
+/// The fault on opening `device`, none where it opens.
+PortFault fault_on_open(const QString& device) {
+    RealPort port;
+    port.select(device);
+    return port.open() ? PortFault::none : port.fault();
+}
+
+/// What arrives at `port` until `length` bytes are there or nothing comes for a second.
+QByteArray read_some(RealPort& port, qsizetype length) {
+    QByteArray bytes = port.read_all();
+    while (bytes.size() < length && port.wait_for_input(1s)) bytes += port.read_all();
+    return bytes;
+}
+
+}  // namespace
+
+void RealPortTest::a_whole_transaction() {
+    const Pty pty;
+    const PtyMeter meter(pty, level);
+    Setup s(pty.path());
+    for (int i = 0; i < 3; ++i) {
+        QVERIFY(s.link.send("LEVANL?"));
+        QCOMPARE(s.link.reply_text, QString("73.5"));
+        QVERIFY(!s.port.is_open());
+    }
+}
+
+void RealPortTest::an_event_loop_runs_meanwhile() {
+    const Pty pty;
+    const PtyMeter meter(pty, [](const QByteArray& command) {
+        std::this_thread::sleep_for(200ms);
+        return level(command);
+    });
+    Setup s(pty.path());
+    s.view.on_pump = [] { QCoreApplication::processEvents(); };
+    QVERIFY(s.link.send("LEVANL?"));
+    QCOMPARE(s.link.reply_text, QString("73.5"));
+    QVERIFY(s.view.pumps >= 5);
+}
+
+void RealPortTest::the_line_settings() {
+    const Pty pty;
+    RealPort port;
+    port.select(pty.path());
+    QVERIFY(port.open());
+    termios settings{};
+    QCOMPARE(tcgetattr(pty.slave(), &settings), 0);
+    QCOMPARE(cfgetispeed(&settings), speed_t{B38400});
+    QCOMPARE(cfgetospeed(&settings), speed_t{B38400});
+    QCOMPARE(settings.c_cflag & CSIZE, tcflag_t{CS8});
+    QCOMPARE(settings.c_cflag & CSTOPB, tcflag_t{CSTOPB});
+    QCOMPARE(settings.c_cflag & (PARENB | CRTSCTS), tcflag_t{0});
+    QCOMPARE(settings.c_iflag & (ICRNL | INLCR | IGNCR | IXON | IXOFF), tcflag_t{0});
+    QCOMPARE(settings.c_oflag & OPOST, tcflag_t{0});
+    QCOMPARE(settings.c_lflag & (ECHO | ICANON | ISIG), tcflag_t{0});
+}
+
+void RealPortTest::characters_go_out_at_once() {
+    const Pty pty;
+    RealPort port;
+    port.select(pty.path());
+    QVERIFY(port.open());
+    for (int value = 0; value < 256; ++value) {
+        const char character = static_cast<char>(value);
+        QVERIFY(port.write(character));
+        QCOMPARE(pty.take(1), QByteArray(1, character));
+    }
+}
+
+void RealPortTest::old_bytes_are_cleared() {
+    const Pty pty;
+    pty.feed("LEVANL?\r1.0\rOK\r");
+    RealPort port;
+    port.select(pty.path());
+    QVERIFY(port.open());
+    QVERIFY(!port.wait_for_input(50ms));
+    QCOMPARE(port.read_all(), QByteArray());
+    pty.feed("old");
+    QVERIFY(port.wait_for_input(1s));
+    port.clear();
+    QCOMPARE(port.read_all(), QByteArray());
+    pty.feed("new");
+    QCOMPARE(read_some(port, 3), QByteArray("new"));
+}
+
+void RealPortTest::a_wait_ends_with_its_limit_or_with_input() {
+    const Pty pty;
+    RealPort port;
+    port.select(pty.path());
+    QVERIFY(port.open());
+    QElapsedTimer timer;
+    for (int i = 0; i < 10; ++i) {
+        timer.start();
+        QVERIFY(!port.wait_for_input(5ms));
+        QVERIFY(timer.elapsed() >= 4);
+        QVERIFY(port.is_open());
+    }
+    pty.feed("x");
+    timer.start();
+    QVERIFY(port.wait_for_input(5s));
+    // Input that was not read yet is input still.
+    QVERIFY(port.wait_for_input(5s));
+    QVERIFY(timer.elapsed() < 1000);
+    QCOMPARE(port.read_all(), QByteArray("x"));
+}
+
+void RealPortTest::more_than_the_buffer_holds() {
+    const Pty pty;
+    RealPort port;
+    port.select(pty.path());
+    QVERIFY(port.open());
+    QByteArray sent;
+    while (sent.size() < 300'000) sent += QByteArray::number(sent.size()) + '\r';
+    std::thread writer([&] { pty.feed(sent); });
+    // A window that is slow to repaint leaves the line alone for a while.
+    std::this_thread::sleep_for(50ms);
+    QCoreApplication::processEvents();
+    const QByteArray received = read_some(port, sent.size());
+    writer.join();
+    QCOMPARE(received.size(), sent.size());
+    QVERIFY(received == sent);
+}
+
+void RealPortTest::unplugged_while_waiting() {
+    Pty pty;
+    RealPort port;
+    port.select(pty.path());
+    QVERIFY(port.open());
+    std::atomic<bool> gone = false;
+    std::thread hand([&] {
+        std::this_thread::sleep_for(100ms);
+        gone = true;
+        pty.unplug();
+    });
+    QElapsedTimer since;
+    int waits_after = 0;
+    while (port.is_open() && waits_after < 1000) {
+        if (gone && ++waits_after == 1) since.start();
+        port.wait_for_input(5ms);
+    }
+    hand.join();
+    QVERIFY(!port.is_open());
+    QCOMPARE(port.fault(), PortFault::vanished);
+    QVERIFY(!since.isValid() || since.elapsed() < 100);
+    QVERIFY(waits_after < 20);
+}
+
+void RealPortTest::unplugged_within_a_transaction() {
+    for (const bool event_loop : {false, true}) {
+        Pty pty;
+        Setup s(pty.path());
+        if (event_loop) s.view.on_pump = [] { QCoreApplication::processEvents(); };
+        QElapsedTimer since;
+        std::thread hand([&] {
+            std::this_thread::sleep_for(500ms);
+            since.start();
+            pty.unplug();
+        });
+        QVERIFY(!s.link.send("LEVANL?"));
+        hand.join();
+        QVERIFY(since.elapsed() < 100);
+        QVERIFY(!s.link.port_connected);
+        QCOMPARE(s.port.fault(), PortFault::vanished);
+        QCOMPARE(s.view.state_text, QString("RS232 ComPort 1 NOT Connected"));
+        QVERIFY(s.view.pumps < 60);
+    }
+}
+
+void RealPortTest::unplugged_while_writing() {
+    Pty pty;
+    RealPort port;
+    port.select(pty.path());
+    QVERIFY(port.open());
+    pty.unplug();
+    QVERIFY(!port.write('x'));
+    QVERIFY(!port.is_open());
+    QCOMPARE(port.fault(), PortFault::vanished);
+}
+
+void RealPortTest::the_other_side_does_not_read() {
+    const Pty pty;
+    RealPort port;
+    port.select(pty.path());
+    QVERIFY(port.open());
+    QElapsedTimer timer;
+    timer.start();
+    int written = 0;
+    while (written < 1'000'000 && port.write('x')) ++written;
+    QVERIFY(written > 0 && written < 1'000'000);
+    QVERIFY(port.is_open());
+    QVERIFY(!port.write('x'));
+    QVERIFY(port.is_open());
+    QCOMPARE(port.fault(), PortFault::none);
+    // Waiting for its answer does not spin.
+    QElapsedTimer wait;
+    wait.start();
+    QVERIFY(!port.wait_for_input(30ms));
+    QVERIFY(wait.elapsed() >= 29);
+    port.close();
+    QVERIFY(!port.is_open());
+    QVERIFY(timer.elapsed() < 5000);
+    // Opening anew drops what the other side never read.
+    QVERIFY(port.open());
+    QVERIFY(port.write('y'));
+}
+
+void RealPortTest::a_closed_port() {
+    RealPort port;
+    QVERIFY(!port.is_open());
+    QVERIFY(!port.write('x'));
+    QVERIFY(!port.wait_for_input(1s));
+    QCOMPARE(port.read_all(), QByteArray());
+    port.clear();
+    port.close();
+    QVERIFY(!port.open());
+    QCOMPARE(port.fault(), PortFault::missing);
+}
+
+void RealPortTest::missing() {
+    QCOMPARE(fault_on_open("/dev/ttyNothing"), PortFault::missing);
+    QCOMPARE(fault_on_open(""), PortFault::missing);
+    Setup s("/dev/ttyNothing");
+    QElapsedTimer timer;
+    timer.start();
+    QVERIFY(!s.link.send("ATTEN?"));
+    QVERIFY(timer.elapsed() < 1000);
+    QCOMPARE(s.view.state_text, QString("RS232 ComPort 1 NOT Connected"));
+}
+
+void RealPortTest::not_a_port() {
+    QTemporaryDir folder;
+    QFile file(folder.filePath("text"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(fault_on_open(file.fileName()), PortFault::not_a_port);
+    QCOMPARE(fault_on_open("/dev/null"), PortFault::not_a_port);
+}
+
+void RealPortTest::busy_for_the_same_user() {
+    const Pty pty;
+    RealPort first;
+    first.select(pty.path());
+    QVERIFY(first.open());
+    QCOMPARE(fault_on_open(pty.path()), PortFault::busy);
+    QVERIFY(first.is_open());
+    QVERIFY(first.write('x'));
+    first.close();
+    QCOMPARE(fault_on_open(pty.path()), PortFault::none);
+}
+
+void RealPortTest::busy_for_an_ordinary_user() {
+    const Pty pty;
+    QCOMPARE(fchmod(pty.slave(), 0666), 0);
+    const auto fault_for_others = [&] {
+        return as_ordinary_user([&] { return static_cast<int>(fault_on_open(pty.path())); });
+    };
+    QCOMPARE(fault_for_others(), static_cast<int>(PortFault::none));
+    RealPort first;
+    first.select(pty.path());
+    QVERIFY(first.open());
+    QCOMPARE(fault_for_others(), static_cast<int>(PortFault::busy));
+    first.close();
+    QCOMPARE(fault_for_others(), static_cast<int>(PortFault::none));
+}
+
+void RealPortTest::busy_under_a_lock() {
+    // A second program of root's is not kept out by the exclusive flag.
+    const Pty pty;
+    QCOMPARE(flock(pty.slave(), LOCK_EX | LOCK_NB), 0);
+    RealPort port;
+    port.select(pty.path());
+    QVERIFY(!port.open());
+    QVERIFY(!port.is_open());
+    QCOMPARE(port.fault(), PortFault::busy);
+    QCOMPARE(flock(pty.slave(), LOCK_UN), 0);
+    QVERIFY(port.open());
+    QCOMPARE(port.fault(), PortFault::none);
+}
+
+void RealPortTest::busy_by_a_lock_file() {
+    const Pty pty;
+    QSerialPort other_program;
+    other_program.setPortName(pty.path());
+    QVERIFY(other_program.open(QIODevice::ReadWrite));
+    QCOMPARE(fault_on_open(pty.path()), PortFault::busy);
+    // Nor does another name for the device lead around the lock.
+    QTemporaryDir folder;
+    QVERIFY(QFile::link(pty.path(), folder.filePath("meter")));
+    QCOMPARE(fault_on_open(folder.filePath("meter")), PortFault::busy);
+    other_program.close();
+    QCOMPARE(fault_on_open(pty.path()), PortFault::none);
+}
+
+void RealPortTest::no_permission() {
+    const Pty pty;
+    QCOMPARE(fchmod(pty.slave(), 0), 0);
+    const int fault = as_ordinary_user([&] { return static_cast<int>(fault_on_open(pty.path())); });
+    QCOMPARE(fault, static_cast<int>(PortFault::no_permission));
+}
+
+void RealPortTest::links_and_relative_paths() {
+    const Pty pty;
+    QTemporaryDir folder;
+    QVERIFY(QFile::link(pty.path(), folder.filePath("meter")));
+    QCOMPARE(fault_on_open(folder.filePath("meter")), PortFault::none);
+    const QString before = QDir::currentPath();
+    QVERIFY(QDir::setCurrent(folder.path()));
+    RealPort port;
+    port.select("./meter");
+    QVERIFY(QDir::setCurrent(before));
+    QVERIFY(port.open());
+    port.close();
+    port.select(QString(pty.path()).remove("/dev/").prepend("../dev/"));
+    QCOMPARE(port.device(), QDir::cleanPath(before + "/../dev/" + pty.path().mid(5)));
+}
+
+void RealPortTest::opened_a_hundred_times() {
+    const Pty pty;
+    const auto descriptors = [] {
+        return QDir("/proc/self/fd")
+            .entryList(QDir::NoDotAndDotDot | QDir::System | QDir::Files)
+            .size();
+    };
+    RealPort port;
+    port.select(pty.path());
+    const auto before = descriptors();
+    for (int i = 0; i < 100; ++i) {
+        QVERIFY(port.open());
+        QVERIFY(port.write('x'));
+        port.close();
+    }
+    QCOMPARE(descriptors(), before);
+}
+
+}  // namespace m47
+
+QTEST_GUILESS_MAIN(m47::RealPortTest)
+#include "real_port_test.moc"

@@ -1,0 +1,494 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <QTest>
+#include <memory>
+
+#include "fake_link_view.h"
+#include "fake_port.h"
+#include "fault.h"
+#include "link.h"
+#include "virtual_clock.h"
+
+namespace m47 {
+
+/// The tick of the virtual clock's time of day, 10:00.
+constexpr double kTick = 1 / 256.0;
+
+/// One transaction after the other with a meter that the test scripts.
+class TransactionTest : public QObject {
+    Q_OBJECT
+
+  private Q_SLOTS:
+    void init();
+    void without_a_link_nothing_is_sent();
+    void suspended_commands_are_not_sent();
+    void a_query();
+    void a_setting();
+    void a_refused_argument_is_zero();
+    void the_error_rate_keeps_one_character_more();
+    void text_is_latin_1();
+    void one_tick_behind_each_character();
+    void the_answer_is_split_at_any_byte_data();
+    void the_answer_is_split_at_any_byte();
+    void byte_by_byte();
+    void an_error_is_repeated_data();
+    void an_error_is_repeated();
+    void limits_data();
+    void limits();
+    void the_limit_counts_from_before_sending();
+    void an_answer_seen_behind_the_limit_is_late();
+    void a_sleeping_meter_is_woken();
+    void an_echo_just_in_time_needs_no_waking();
+    void old_input_is_dropped();
+    void a_silent_meter_loses_the_link();
+    void progress_steps_and_wraps();
+    void the_hourglass_stands_meanwhile();
+    void windows_are_pumped_while_waiting();
+    void a_wait_ends_on_the_first_reading_beyond_it();
+    void waiting_for_a_tick();
+    void an_interruption_ends_waits_and_the_next_transaction();
+    void a_transaction_that_has_begun_goes_on();
+    void each_wait_and_transaction_is_one_span();
+    void midnight_within_a_transaction();
+    void midnight_within_a_wait();
+    void send_tells_whether_there_is_an_answer();
+
+  private:
+    void make(double time_of_day = 36000.0);
+    void run(const QString& command);
+    void answer_with(const QByteArray& value);
+
+    std::unique_ptr<VirtualClock> clock_;
+    std::unique_ptr<FakePort> port_;
+    std::unique_ptr<FakeLinkView> view_;
+    std::unique_ptr<Link> link_;
+};
+
+void TransactionTest::init() {
+    make();
+}
+
+void TransactionTest::make(double time_of_day) {
+    clock_ = std::make_unique<VirtualClock>(time_of_day);
+    port_ = std::make_unique<FakePort>(*clock_);
+    view_ = std::make_unique<FakeLinkView>();
+    link_ = std::make_unique<Link>(*port_, *clock_, *view_);
+    link_->port_connected = true;
+    link_->port_number = 2;
+}
+
+void TransactionTest::run(const QString& command) {
+    link_->command_text = command;
+    link_->send_command();
+}
+
+void TransactionTest::answer_with(const QByteArray& value) {
+    port_->answer = [value](const QByteArray& command) { return FakePort::good(command, value); };
+}
+
+void TransactionTest::without_a_link_nothing_is_sent() {
+    link_->port_connected = false;
+    link_->reply_text = "as it was";
+    view_->set_progress(7);
+    run("LEVANL?");
+    QCOMPARE(link_->reply_text, QString("as it was"));
+    QVERIFY(view_->bar_shown);
+    QCOMPARE(view_->progress(), 0);
+    QVERIFY(!view_->hourglass);
+    QVERIFY(view_->state_text.isEmpty());
+    QCOMPARE(port_->opens, 0);
+    QCOMPARE(port_->written, QByteArray());
+    QCOMPARE(clock_->elapsed(), 0.0);
+}
+
+void TransactionTest::suspended_commands_are_not_sent() {
+    link_->commands_suspended = true;
+    link_->reply_text = "as it was";
+    QVERIFY(!link_->can_send());
+    run("LEVANL?");
+    QCOMPARE(link_->reply_text, QString("as it was"));
+    QCOMPARE(port_->opens, 0);
+    QVERIFY(link_->port_connected);
+    QVERIFY(view_->bar_shown);
+}
+
+void TransactionTest::a_query() {
+    answer_with("73.5");
+    run("LEVANL?");
+    QCOMPARE(link_->reply_text, QString("73.5"));
+    QCOMPARE(link_->command_text, QString("LEVANL?"));
+    QCOMPARE(link_->command_frame, QString("LEVANL?\r"));
+    QCOMPARE(port_->written, QByteArray("LEVANL?\r"));
+    QVERIFY(link_->port_connected);
+    QVERIFY(!port_->is_open());
+    QCOMPARE(port_->opens, 1);
+    QCOMPARE(port_->closes, 1);
+    QCOMPARE(view_->progress(), 0);
+    QVERIFY(!view_->hourglass);
+    QVERIFY(view_->state_text.isEmpty());
+}
+
+void TransactionTest::a_setting() {
+    answer_with({});
+    run("FREQ 1234.5");
+    QCOMPARE(link_->reply_text, QString("OK"));
+    QCOMPARE(port_->written, QByteArray("FREQ 1234.5\r"));
+}
+
+void TransactionTest::a_refused_argument_is_zero() {
+    answer_with("Invalid Parameter(s)");
+    run("MASTERCOPY 6?");
+    QCOMPARE(link_->reply_text, QString("0"));
+    QVERIFY(link_->port_connected);
+    QCOMPARE(view_->progress(), 0);
+    QVERIFY(!view_->hourglass);
+}
+
+void TransactionTest::the_error_rate_keeps_one_character_more() {
+    port_->answer = [](const QByteArray& command) { return command + "\r1.2E-4OK\r"; };
+    run("BERQPSK?");
+    QCOMPARE(link_->reply_text, QString("1.2E-4"));
+    run("BERQAM?");
+    QCOMPARE(link_->reply_text, QString("1.2E-"));
+}
+
+void TransactionTest::text_is_latin_1() {
+    answer_with("\xB0");
+    run(QStringLiteral("LOGO \u00e8\u20ac?"));
+    QCOMPARE(port_->written, QByteArray("LOGO \xE8??\r"));
+    QCOMPARE(link_->reply_text, QStringLiteral("\u00b0"));
+}
+
+void TransactionTest::one_tick_behind_each_character() {
+    QList<double> times;
+    clock_->sleep(kTick / 4);
+    view_->on_pump = [] {};
+    port_->answer = [&](const QByteArray& command) {
+        times += clock_->elapsed();
+        return FakePort::good(command, "1");
+    };
+    port_->answer_delay = 0;
+    run("LEVANL?");
+    // The first wait ends at the next tick, six whole ones lie between it and the CR.
+    QCOMPARE(times, QList<double>{7 * kTick});
+    QCOMPARE(clock_->elapsed(), 8 * kTick);
+}
+
+void TransactionTest::the_answer_is_split_at_any_byte_data() {
+    QTest::addColumn<int>("place");
+    const int length = static_cast<int>(FakePort::good("LEVANL?", "73.5").size());
+    for (int place = 0; place <= length; ++place) QTest::addRow("at %d", place) << place;
+}
+
+void TransactionTest::the_answer_is_split_at_any_byte() {
+    QFETCH(int, place);
+    const QByteArray whole = FakePort::good("LEVANL?", "73.5");
+    port_->answer = [&](const QByteArray&) {
+        port_->feed(whole.mid(place), 1.5);
+        return whole.left(place);
+    };
+    run("LEVANL?");
+    QCOMPARE(link_->reply_text, QString("73.5"));
+    QCOMPARE(port_->written, QByteArray("LEVANL?\r"));
+}
+
+void TransactionTest::byte_by_byte() {
+    port_->answer = [&](const QByteArray& command) {
+        const QByteArray whole = FakePort::good(command, "73.5");
+        for (qsizetype i = 0; i < whole.size(); ++i)
+            port_->feed(whole.mid(i, 1), 0.1 + static_cast<double>(i) * 0.1);
+        return QByteArray();
+    };
+    run("LEVANL?");
+    QCOMPARE(link_->reply_text, QString("73.5"));
+    QCOMPARE(port_->written, QByteArray("LEVANL?\r"));
+}
+
+void TransactionTest::an_error_is_repeated_data() {
+    QTest::addColumn<int>("errors");
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("reply");
+    QTest::newRow("one") << 1 << QByteArray("COMMAND ERROR\r") << "73.5";
+    QTest::newRow("two") << 2 << QByteArray("LEVANL?\rERROR 3\r") << "73.5";
+    QTest::newRow("three") << 3 << QByteArray("LEVANL?\rCOMMAND ERROR\r") << "";
+    QTest::newRow("three, then OK") << 3 << QByteArray("LEVANL?\rERROR\rOK\r") << "";
+    QTest::newRow("in the echo") << 3 << QByteArray("ERROR") << "";
+}
+
+void TransactionTest::an_error_is_repeated() {
+    QFETCH(int, errors);
+    QFETCH(QByteArray, text);
+    QFETCH(QString, reply);
+    int asked = 0;
+    port_->answer = [&](const QByteArray& command) {
+        return asked++ < errors ? text : FakePort::good(command, "73.5");
+    };
+    run("LEVANL?");
+    const int attempts = std::min(errors + 1, 3);
+    QCOMPARE(link_->reply_text, reply);
+    QCOMPARE(port_->written, QByteArray("LEVANL?\r").repeated(attempts));
+    QCOMPARE(port_->opens, attempts);
+    QCOMPARE(port_->closes, attempts);
+    QCOMPARE(link_->port_connected, errors < 3);
+    QCOMPARE(view_->state_text, errors < 3 ? QString() : QString("RS232 ComPort 2 NOT Connected"));
+    QVERIFY(!view_->state_connected);
+    QVERIFY(!view_->hourglass);
+    QVERIFY(clock_->elapsed() < 1.0);
+}
+
+void TransactionTest::limits_data() {
+    QTest::addColumn<QByteArray>("command");
+    QTest::addColumn<double>("limit");
+    QTest::newRow("usual") << QByteArray("FREQ 1000.0") << 15.0;
+    QTest::newRow("satellites") << QByteArray("ASLDEL 3") << 60.0;
+    QTest::newRow("master copy") << QByteArray("MASTERCOPY 6?") << 120.0;
+    QTest::newRow("data") << QByteArray("DATAOUT") << 240.0;
+    QTest::newRow("delete data") << QByteArray("DATADELALL") << 240.0;
+    QTest::newRow("delete") << QByteArray("DELETE 1") << 240.0;
+}
+
+void TransactionTest::limits() {
+    QFETCH(QByteArray, command);
+    QFETCH(double, limit);
+    const auto answer_after = [&](double seconds) {
+        make();
+        port_->feed(command, 0.5);
+        port_->feed("\rOK\r", seconds);
+        run(QString::fromLatin1(command));
+        return link_->port_connected;
+    };
+    QVERIFY(answer_after(limit - kTick));
+    QVERIFY(std::abs(clock_->elapsed() - limit) < 2 * kTick);
+    QVERIFY(!answer_after(limit + 3 * kTick));
+    QVERIFY(clock_->elapsed() > limit);
+    QVERIFY(clock_->elapsed() < limit + 3 * kTick);
+    QCOMPARE(link_->reply_text, QString());
+    QCOMPARE(view_->state_text, QString("RS232 ComPort 2 NOT Connected"));
+    // No further attempt after a limit.
+    QCOMPARE(port_->written, command + '\r');
+    QCOMPARE(port_->opens, 1);
+}
+
+void TransactionTest::the_limit_counts_from_before_sending() {
+    // 1000 characters take 3.9 s of the 15.
+    const QString command = "LOGO " + QString(995, u'X');
+    port_->answer = [](const QByteArray& sent) { return sent; };
+    run(command);
+    QVERIFY(!link_->port_connected);
+    QVERIFY(clock_->elapsed() < 15 + 3 * kTick);
+}
+
+void TransactionTest::an_answer_seen_behind_the_limit_is_late() {
+    const auto slow_window = [&](const QByteArray& end) {
+        make();
+        view_->on_pump = [&] {
+            if (clock_->elapsed() > 14 && clock_->elapsed() < 15) clock_->sleep(2);
+        };
+        port_->feed("FREQ 1", 0.5);
+        port_->feed(end, 14.5);
+        run("FREQ 1");
+    };
+    slow_window("\rOK\r");
+    QVERIFY(!link_->port_connected);
+    QCOMPARE(port_->opens, 1);
+    // An error is looked for before the limit, and so repeated.
+    slow_window("\rERROR");
+    QCOMPARE(port_->written.left(14), QByteArray("FREQ 1\rFREQ 1\r"));
+}
+
+void TransactionTest::a_sleeping_meter_is_woken() {
+    bool awake = false;
+    port_->answer = [&](const QByteArray& command) {
+        const bool heard = awake;
+        if (command.isEmpty()) awake = true;
+        return heard ? FakePort::good(command, "73.5") : QByteArray();
+    };
+    run("LEVANL?");
+    QCOMPARE(link_->reply_text, QString("73.5"));
+    QCOMPARE(port_->written, QByteArray("LEVANL?\r\rLEVANL?\r"));
+    QCOMPARE(port_->opens, 3);
+    QCOMPARE(port_->closes, 3);
+    QVERIFY(clock_->elapsed() > 2 && clock_->elapsed() < 2.2);
+}
+
+void TransactionTest::an_echo_just_in_time_needs_no_waking() {
+    const auto written_with_echo_after = [&](double seconds, const QByteArray& echo) {
+        make();
+        bool first = true;
+        port_->answer = [&, first](const QByteArray&) mutable {
+            if (std::exchange(first, false)) {
+                port_->feed(echo, seconds);
+                port_->feed("LEVANL?\r73.5\rOK\r", 2.5);
+            }
+            return QByteArray();
+        };
+        run("LEVANL?");
+        return port_->written;
+    };
+    QCOMPARE(written_with_echo_after(1.99, "LEVANL?"), QByteArray("LEVANL?\r"));
+    // One byte short, or too late: the meter is taken to be asleep.
+    QVERIFY(written_with_echo_after(1.99, "LEVANL").startsWith("LEVANL?\r\rLEVANL?\r"));
+    QVERIFY(written_with_echo_after(2.1, "LEVANL?").startsWith("LEVANL?\r\rLEVANL?\r"));
+}
+
+void TransactionTest::old_input_is_dropped() {
+    port_->feed("FREQ 1\rOK\r");
+    port_->feed("LEVANL?\r1.0\rOK\r");
+    answer_with("73.5");
+    run("LEVANL?");
+    QCOMPARE(link_->reply_text, QString("73.5"));
+}
+
+void TransactionTest::a_silent_meter_loses_the_link() {
+    run("LEVANL?");
+    QCOMPARE(port_->written, QByteArray("LEVANL?\r\rLEVANL?\r\rLEVANL?\r\r"));
+    QCOMPARE(port_->opens, 6);
+    QCOMPARE(port_->closes, 6);
+    QVERIFY(!link_->port_connected);
+    QCOMPARE(link_->reply_text, QString());
+    QCOMPARE(view_->state_text, QString("RS232 ComPort 2 NOT Connected"));
+    QVERIFY(clock_->elapsed() > 6 && clock_->elapsed() < 6.3);
+}
+
+void TransactionTest::progress_steps_and_wraps() {
+    view_->maximum = 3;
+    port_->answer_delay = 0;
+    answer_with({});
+    run("LNB 1");
+    // Start; attempt; six characters, wrapped to 0 before a step beyond 3; polling starts at 1.
+    QCOMPARE(view_->progress_values, (QList<int>{0, 0, 0, 1, 2, 3, 1, 2, 3, 1, 2, 0}));
+}
+
+void TransactionTest::the_hourglass_stands_meanwhile() {
+    QList<bool> seen;
+    port_->answer = [&](const QByteArray& command) {
+        seen += view_->hourglass;
+        return FakePort::good(command);
+    };
+    run("FREQ 1");
+    QCOMPARE(seen, QList<bool>{true});
+    QVERIFY(!view_->hourglass);
+}
+
+void TransactionTest::windows_are_pumped_while_waiting() {
+    port_->feed("DATAOUT", 0.1);
+    run("DATAOUT");
+    QVERIFY(view_->pumps > 240 / 0.03);
+    QVERIFY(view_->pumps < 240 / 0.019);
+    view_->pumps = 0;
+    link_->wait_time(10);
+    QVERIFY(view_->pumps > 10 / 0.03);
+    QVERIFY(view_->pumps < 10 / 0.019);
+}
+
+void TransactionTest::a_wait_ends_on_the_first_reading_beyond_it() {
+    for (const double seconds : {0.0, 0.001, 0.1, 0.5, 3.0}) {
+        make();
+        clock_->sleep(kTick / 3);
+        link_->wait_time(seconds);
+        const double ticks = std::floor(seconds / kTick) + 1;
+        QVERIFY(std::abs(clock_->elapsed() - ticks * kTick) < 1e-9);
+    }
+}
+
+void TransactionTest::waiting_for_a_tick() {
+    for (int i = 1; i <= 10; ++i) {
+        link_->wait_time(0);
+        QCOMPARE(clock_->elapsed(), i * kTick);
+    }
+    QCOMPARE(view_->pumps, 0);
+}
+
+void TransactionTest::an_interruption_ends_waits_and_the_next_transaction() {
+    answer_with("73.5");
+    link_->interrupted = [&] { return clock_->elapsed() > 1; };
+    run("LEVANL?");
+    QCOMPARE(link_->reply_text, QString("73.5"));
+    QVERIFY_THROWS_EXCEPTION(Interrupted, link_->wait_time(100));
+    QVERIFY(clock_->elapsed() < 1.1);
+    QVERIFY_THROWS_EXCEPTION(Interrupted, link_->wait_time(0));
+    port_->written.clear();
+    QVERIFY_THROWS_EXCEPTION(Interrupted, run("LEVANL?"));
+    QCOMPARE(port_->written, QByteArray());
+    QVERIFY(!view_->hourglass);
+    QVERIFY(link_->port_connected);
+    // With nothing to send there is nothing to end.
+    link_->commands_suspended = true;
+    run("LEVANL?");
+}
+
+void TransactionTest::a_transaction_that_has_begun_goes_on() {
+    bool ending = false;
+    view_->on_pump = [&] { ending = true; };
+    link_->interrupted = [&] { return ending; };
+    answer_with("73.5");
+    run("LEVANL?");
+    QVERIFY(ending);
+    QCOMPARE(link_->reply_text, QString("73.5"));
+    QCOMPARE(port_->written, QByteArray("LEVANL?\r"));
+}
+
+void TransactionTest::each_wait_and_transaction_is_one_span() {
+    class CountingClock : public VirtualClock {
+      public:
+        using VirtualClock::VirtualClock;
+        void begin_span() override { ++begun, ++open; }
+        void end_span() override { --open; }
+        int begun = 0;
+        int open = 0;
+    } clock;
+    FakePort port(clock);
+    Link link(port, clock, *view_);
+    int open_while_answering = 0;
+    port.answer = [&](const QByteArray& command) {
+        open_while_answering = clock.open;
+        return FakePort::good(command);
+    };
+    link.port_connected = true;
+    link.command_text = "FREQ 1";
+    link.send_command();
+    QCOMPARE(open_while_answering, 1);
+    QCOMPARE(clock.open, 0);
+    clock.begun = 0;
+    link.wait_time(1);
+    QCOMPARE(clock.begun, 1);
+    link.interrupted = [] { return true; };
+    QVERIFY_THROWS_EXCEPTION(Interrupted, link.wait_time(1));
+    QCOMPARE(clock.open, 0);
+}
+
+void TransactionTest::midnight_within_a_transaction() {
+    // A clock that wraps makes the passed time negative: no limit is reached on the new day.
+    make(86395.0);
+    port_->feed("LEVANL?\r", 1);
+    port_->feed("73.5\rOK\r", 100);
+    run("LEVANL?");
+    QCOMPARE(link_->reply_text, QString("73.5"));
+    QVERIFY(clock_->elapsed() >= 100);
+}
+
+void TransactionTest::midnight_within_a_wait() {
+    // Nor does a wait end before the clock has passed its end again.
+    make(86399.0);
+    link_->interrupted = [&] { return clock_->elapsed() > 3600; };
+    QVERIFY_THROWS_EXCEPTION(Interrupted, link_->wait_time(2));
+    QVERIFY(clock_->elapsed() > 3600);
+}
+
+void TransactionTest::send_tells_whether_there_is_an_answer() {
+    answer_with("73.5");
+    QVERIFY(link_->send("LEVANL?"));
+    QCOMPARE(link_->reply_text, QString("73.5"));
+    QCOMPARE(link_->command_text, QString("LEVANL?"));
+    link_->commands_suspended = true;
+    QVERIFY(!link_->send("ATTEN?"));
+    QCOMPARE(link_->command_text, QString("ATTEN?"));
+    link_->commands_suspended = false;
+    port_->answer = nullptr;
+    QVERIFY(!link_->send("ATTEN?"));
+    QVERIFY(!link_->send("ATTEN?"));
+}
+
+}  // namespace m47
+
+QTEST_APPLESS_MAIN(m47::TransactionTest)
+#include "transaction_test.moc"
