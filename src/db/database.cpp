@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "database.h"
+
+#include <utility>
+
+#include "database_check.h"
+#include "engine.h"
+
+namespace m47 {
+
+std::unique_ptr<Database> Database::open(const QString& path, DatabaseError& error) {
+    if (const auto fault = fault_of_file(path)) {
+        error = *fault;
+        return nullptr;
+    }
+    try {
+        auto connection = std::make_unique<Connection>(path);
+        const QSqlDatabase& database = connection->database();
+        Query(database, QStringLiteral("PRAGMA synchronous = FULL"));
+        // Damage inside a page is met where the page is read, not rows later.
+        Query(database, QStringLiteral("PRAGMA cell_size_check = ON"));
+        if (const auto fault = fault_of_content(database, path)) {
+            error = *fault;
+            return nullptr;
+        }
+        Query(database, QStringLiteral("PRAGMA journal_mode = DELETE"));
+        return std::unique_ptr<Database>(new Database(std::move(connection)));
+    } catch (const EngineFault& fault) {
+        error = error_of(fault, path);
+        return nullptr;
+    }
+}
+
+Database::Database(std::unique_ptr<Connection> connection)
+    : connection_(std::move(connection)),
+      programmi_(Recordset::table(this->connection(), QStringLiteral("programmi"))),
+      configurazione_(Recordset::table(this->connection(), QStringLiteral("configurazione"))),
+      gruppo_(Recordset::table(this->connection(), QStringLiteral("gruppo"))),
+      asl_(Recordset::table(this->connection(), QStringLiteral("asl"))) {}
+
+Database::~Database() = default;
+
+const QSqlDatabase& Database::connection() const {
+    return connection_->database();
+}
+
+Recordset Database::of_plan(const QString& table, const QString& plan) const {
+    return Recordset::where(connection(), table, QStringLiteral("nome"), plan);
+}
+
+}  // namespace m47

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QSqlDatabase>
+#include <QString>
+#include <memory>
+
+#include "recordset.h"
+
+namespace m47 {
+
+class Connection;
+
+/// The name of the database file in the program's folder.
+inline constexpr const char* kDatabaseFile = "VKDM47_03.mdb";
+
+/// Why the database file cannot be used.
+enum class DatabaseFault {
+    missing,
+    unreadable,     ///< no permission to read it, or no regular file
+    read_only,      ///< the file or its folder cannot be written
+    old_engine,     ///< a file of the old Jet engine
+    foreign,        ///< a file of another kind, or another program's SQLite file
+    damaged,        ///< the quick check does not pass
+    table_missing,  ///< one of the four tables, or a field of one, is not there
+    locked,         ///< another program holds it locked for longer than 3 s
+    cannot_create,  ///< --create-database could not make it
+};
+
+struct DatabaseError {
+    DatabaseFault fault;
+    QString path;
+    /// The engine's own words, or the name of the table; may be empty.
+    QString detail;
+};
+
+/// The program's one database file and its four shared record sets, open for the whole run.
+class Database {
+  public:
+    /// Opens the file at `path` for reading and writing after a quick check and a write probe that
+    /// leaves nothing behind. Nullptr with `error` filled when it cannot be used; nothing is
+    /// created or changed then.
+    static std::unique_ptr<Database> open(const QString& path, DatabaseError& error);
+
+    /// Makes the file at `path` with one plan "PLAN 1" that holds one empty program, whole or not
+    /// at all. An existing file is left alone (true). False with `error` filled on failure.
+    static bool create(const QString& path, DatabaseError& error);
+
+    ~Database();
+    Database(const Database&) = delete;
+    Database& operator=(const Database&) = delete;
+
+    Recordset& programmi() { return programmi_; }
+    Recordset& configurazione() { return configurazione_; }
+    Recordset& gruppo() { return gruppo_; }
+    Recordset& asl() { return asl_; }
+
+    /// A further set on `table`: the rows whose `nome` is `plan`.
+    Recordset of_plan(const QString& table, const QString& plan) const;
+
+    const QSqlDatabase& connection() const;
+
+  private:
+    explicit Database(std::unique_ptr<Connection> connection);
+
+    std::unique_ptr<Connection> connection_;
+    Recordset programmi_;
+    Recordset configurazione_;
+    Recordset gruppo_;
+    Recordset asl_;
+};
+
+}  // namespace m47

@@ -1,0 +1,164 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "database_check.h"
+
+#include <sys/stat.h>
+
+#include <QFile>
+#include <QFileInfo>
+#include <QSet>
+#include <cerrno>
+#include <cstring>
+
+#include "schema.h"
+
+namespace m47 {
+namespace {
+
+// How the files of the two engines begin.
+const QByteArray kSqliteMark("SQLite format 3\0", 16);
+const QByteArray kOldEngineMark("Standard Jet DB");
+constexpr int kOldEngineMarkAt = 4;
+
+// Primary result codes of the engine.
+constexpr int kStatementRefused = 1;
+constexpr int kPermissionDenied = 3;
+constexpr int kBusy = 5;
+constexpr int kTableLocked = 6;
+constexpr int kReadOnly = 8;
+constexpr int kFull = 13;
+constexpr int kCannotOpen = 14;
+
+std::optional<DatabaseError> fault_of_place(const QString& path) {
+    struct stat about {};
+    if (::stat(QFile::encodeName(path).constData(), &about) != 0) {
+        const int reason = errno;
+        const bool absent = reason == ENOENT || reason == ENOTDIR;
+        return DatabaseError{absent ? DatabaseFault::missing : DatabaseFault::unreadable, path,
+                             QString::fromLocal8Bit(std::strerror(reason))};
+    }
+    // A pipe would never answer.
+    if (!S_ISREG(about.st_mode)) return DatabaseError{DatabaseFault::unreadable, path, QString()};
+    return std::nullopt;
+}
+
+std::optional<DatabaseError> fault_of_kind(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        return DatabaseError{DatabaseFault::unreadable, path, file.errorString()};
+    const QByteArray start = file.read(kOldEngineMarkAt + kOldEngineMark.size());
+    if (start.mid(kOldEngineMarkAt) == kOldEngineMark)
+        return DatabaseError{DatabaseFault::old_engine, path, QString()};
+    if (!start.startsWith(kSqliteMark))
+        return DatabaseError{DatabaseFault::foreign, path, QString()};
+    return std::nullopt;
+}
+
+QVariant single_answer(const QSqlDatabase& database, const QString& statement) {
+    Query query(database, statement);
+    return query.next() ? query.value(0) : QVariant();
+}
+
+std::optional<DatabaseError> damage_of(const QSqlDatabase& database, const QString& path) {
+    const QString findings =
+        single_answer(database, QStringLiteral("PRAGMA quick_check(1)")).toString();
+    if (findings != QLatin1String("ok"))
+        return DatabaseError{DatabaseFault::damaged, path, findings};
+    // The engine takes the missing part of the last page for zeros.
+    const qint64 pages = single_answer(database, QStringLiteral("PRAGMA page_count")).toLongLong();
+    const qint64 size = single_answer(database, QStringLiteral("PRAGMA page_size")).toLongLong();
+    if (QFileInfo(path).size() < pages * size)
+        return DatabaseError{
+            DatabaseFault::damaged, path,
+            QStringLiteral("%1 < %2 bytes").arg(QFileInfo(path).size()).arg(pages * size)};
+    return std::nullopt;
+}
+
+QSet<QString> names_in(const QSqlDatabase& database, const QString& statement,
+                       const QVariantList& values) {
+    QSet<QString> names;
+    Query query(database, statement, values);
+    // The engine does not tell capitals from small letters in names.
+    while (query.next()) names.insert(query.value(0).toString().toLower());
+    return names;
+}
+
+std::optional<DatabaseError> fault_of_tables(const QSqlDatabase& database, const QString& path) {
+    const QSet<QString> tables = names_in(
+        database, QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table'"), {});
+    QStringList missing;
+    qsizetype missing_tables = 0;
+    for (const Table& table : schema()) {
+        const QString name = QString::fromLatin1(table.name);
+        if (!tables.contains(name)) {
+            missing += name;
+            ++missing_tables;
+            continue;
+        }
+        const QSet<QString> fields =
+            names_in(database, QStringLiteral("SELECT name FROM pragma_table_info(?)"), {name});
+        for (const Field& field : table.fields) {
+            const QString field_name = QString::fromLatin1(field.name);
+            if (!fields.contains(field_name.toLower())) missing += name + u'.' + field_name;
+        }
+    }
+    if (missing.isEmpty()) return std::nullopt;
+    const bool none_is_ours = missing_tables == static_cast<qsizetype>(schema().size());
+    return DatabaseError{none_is_ours ? DatabaseFault::foreign : DatabaseFault::table_missing, path,
+                         missing.join(QStringLiteral(", "))};
+}
+
+// Permission bits do not tell whether a write passes: the folder has to take the journal, the
+// medium may be write-protected. So one is begun, and undone before it reaches the file.
+void probe_write(const QSqlDatabase& database) {
+    Query(database, QStringLiteral("BEGIN IMMEDIATE"));
+    try {
+        Query(database, QStringLiteral("CREATE TABLE m47_write_probe (unused)"));
+    } catch (const EngineFault&) {
+        QSqlQuery(QStringLiteral("ROLLBACK"), database);
+        throw;
+    }
+    Query(database, QStringLiteral("ROLLBACK"));
+}
+
+}  // namespace
+
+std::optional<DatabaseError> fault_of_file(const QString& path) {
+    if (const auto fault = fault_of_place(path)) return fault;
+    if (const auto fault = fault_of_kind(path)) return fault;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly | QIODevice::Unbuffered))
+        return DatabaseError{DatabaseFault::read_only, path, file.errorString()};
+    return std::nullopt;
+}
+
+std::optional<DatabaseError> fault_of_content(const QSqlDatabase& database, const QString& path) {
+    if (const auto fault = damage_of(database, path)) return fault;
+    if (const auto fault = fault_of_tables(database, path)) return fault;
+    probe_write(database);
+    return std::nullopt;
+}
+
+DatabaseError error_of(const EngineFault& fault, const QString& path) {
+    DatabaseFault kind = DatabaseFault::damaged;
+    switch (fault.code()) {
+        case kBusy:
+        case kTableLocked:
+            kind = DatabaseFault::locked;
+            break;
+        case kPermissionDenied:
+        case kReadOnly:
+        case kFull:
+        case kCannotOpen:
+            kind = DatabaseFault::read_only;
+            break;
+        case kStatementRefused:
+            // Our statements do not suit the tables: they are not made as ours.
+            kind = DatabaseFault::foreign;
+            break;
+        default:
+            break;
+    }
+    return {kind, path, QString::fromUtf8(fault.what())};
+}
+
+}  // namespace m47

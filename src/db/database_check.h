@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QSqlDatabase>
+#include <QString>
+#include <optional>
+
+#include "database.h"
+#include "engine.h"
+
+namespace m47 {
+
+/// What is wrong with the file at `path` as far as can be told without the engine: whether it is
+/// there, may be read and written, and is a file of the engine in use. Nothing where all is well.
+///
+/// The system drops every lock this process holds on a file as soon as it closes any handle of it:
+/// not to be called while a transaction of this process runs on the same file.
+std::optional<DatabaseError> fault_of_file(const QString& path);
+
+/// The same for what the engine finds: damage, missing tables and fields, a write that does not
+/// pass. The write probe is rolled back. An error of the engine is an EngineFault.
+std::optional<DatabaseError> fault_of_content(const QSqlDatabase& database, const QString& path);
+
+/// Which fault of the database an error of the engine stands for.
+DatabaseError error_of(const EngineFault& fault, const QString& path);
+
+}  // namespace m47

@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine.h"
+
+#include <QFileInfo>
+#include <QUrl>
+#include <atomic>
+
+namespace m47 {
+namespace {
+
+// Extended result codes keep the primary one in their low byte.
+constexpr int kPrimaryCode = 0xff;
+
+std::string words_of(const QSqlError& error) {
+    const QString words = error.databaseText().isEmpty() ? error.text() : error.databaseText();
+    return words.toStdString();
+}
+
+int code_of(const QSqlError& error) {
+    bool is_number = false;
+    const int code = error.nativeErrorCode().toInt(&is_number);
+    return is_number ? code & kPrimaryCode : -1;
+}
+
+QString next_connection_name() {
+    static std::atomic<unsigned> count{0};
+    return QStringLiteral("m47-database-%1").arg(++count);
+}
+
+}  // namespace
+
+EngineFault::EngineFault(const QSqlError& error) : Fault(words_of(error)), code_(code_of(error)) {}
+
+Query::Query(const QSqlDatabase& database, const QString& statement, const QVariantList& values)
+    : query_(database) {
+    query_.setForwardOnly(true);
+    if (!query_.prepare(statement)) throw EngineFault(query_.lastError());
+    for (const QVariant& value : values) query_.addBindValue(value);
+    if (!query_.exec()) throw EngineFault(query_.lastError());
+}
+
+bool Query::next() {
+    if (query_.next()) return true;
+    if (query_.lastError().isValid()) throw EngineFault(query_.lastError());
+    return false;
+}
+
+QVariant Query::value(int column) const {
+    return query_.isNull(column) ? QVariant() : query_.value(column);
+}
+
+Connection::Connection(const QString& path)
+    : database_(QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), next_connection_name())) {
+    // As an address with mode=rw the engine does not make a file that has vanished meanwhile.
+    const QUrl address = QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath());
+    database_.setDatabaseName(QString::fromLatin1(address.toEncoded()) +
+                              QStringLiteral("?mode=rw"));
+    database_.setConnectOptions(QStringLiteral("QSQLITE_OPEN_URI;QSQLITE_BUSY_TIMEOUT=3000"));
+    if (database_.open()) return;
+    const EngineFault fault(database_.lastError());
+    forget();
+    throw fault;
+}
+
+Connection::~Connection() {
+    forget();
+}
+
+void Connection::forget() {
+    const QString name = database_.connectionName();
+    database_.close();
+    // The last handle has to be gone before the name is.
+    database_ = QSqlDatabase();
+    QSqlDatabase::removeDatabase(name);
+}
+
+}  // namespace m47

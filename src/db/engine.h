@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QString>
+#include <QVariant>
+#include <QVariantList>
+
+#include "fault.h"
+
+namespace m47 {
+
+/// An error of the database engine, in its own words.
+class EngineFault : public Fault {
+  public:
+    explicit EngineFault(const QSqlError& error);
+    /// The engine's primary result code; -1 where the engine gave none.
+    int code() const { return code_; }
+
+  private:
+    int code_;
+};
+
+/// One statement, executed at once with its values bound in their order. Every failure, also one
+/// met while reading on, is an EngineFault. It holds a lock on the file while it lives.
+class Query {
+  public:
+    Query(const QSqlDatabase& database, const QString& statement, const QVariantList& values = {});
+
+    /// To the next row of the answer; false behind the last.
+    bool next();
+    /// An unset field is a null QVariant.
+    QVariant value(int column) const;
+    int rows_changed() const { return query_.numRowsAffected(); }
+    qint64 inserted_row() const { return query_.lastInsertId().toLongLong(); }
+
+  private:
+    QSqlQuery query_;
+};
+
+/// A connection of its own to the file at `path`, which has to be there; closed and forgotten with
+/// this object. Waits up to 3 s for a lock of another program.
+class Connection {
+  public:
+    explicit Connection(const QString& path);
+    ~Connection();
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+
+    const QSqlDatabase& database() const { return database_; }
+
+  private:
+    void forget();
+
+    QSqlDatabase database_;
+};
+
+}  // namespace m47

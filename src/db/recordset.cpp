@@ -1,0 +1,263 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "recordset.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "engine.h"
+#include "fault.h"
+
+namespace m47 {
+namespace {
+
+const QString kComma = QStringLiteral(", ");
+
+// As the engine gives it back: a Boolean as 0 or 1. An empty text is no unset field, however it was
+// made.
+QVariant stored_form(const QVariant& value) {
+    if (value.typeId() == QMetaType::Bool) return value.toInt();
+    if (value.typeId() == QMetaType::QString && value.toString().isNull())
+        return QStringLiteral("");
+    return value;
+}
+
+}  // namespace
+
+Recordset Recordset::table(const QSqlDatabase& database, const QString& table) {
+    return Recordset(database, table_named(table), QString(), QVariant());
+}
+
+Recordset Recordset::where(const QSqlDatabase& database, const QString& table, const QString& field,
+                           const QVariant& value) {
+    const Table& layout = table_named(table);
+    return Recordset(database, layout, checked_field(layout, field), stored_form(value));
+}
+
+Recordset::Recordset(const QSqlDatabase& database, const Table& table, const QString& field,
+                     const QVariant& value)
+    : connection_(database.connectionName()), table_(&table), field_(field), filter_(value) {
+    requery();
+}
+
+QSqlDatabase Recordset::database() const {
+    QSqlDatabase database = QSqlDatabase::database(connection_, false);
+    if (!database.isOpen()) throw Fault("the database is closed");
+    return database;
+}
+
+void Recordset::requery() {
+    QString statement = QStringLiteral("SELECT rowid FROM %1").arg(QLatin1String(table_->name));
+    QVariantList values;
+    if (!field_.isEmpty()) {
+        statement += QStringLiteral(" WHERE %1 = ?").arg(field_);
+        values += filter_;
+    }
+    std::vector<qint64> rows;
+    Query query(database(), statement + QStringLiteral(" ORDER BY rowid"), values);
+    while (query.next()) rows.push_back(query.value(0).toLongLong());
+    rows_ = std::move(rows);
+    settle(-1, std::nullopt);
+    if (!rows_.empty()) seek(0, 1);
+}
+
+std::optional<Recordset::Row> Recordset::read(qint64 id) const {
+    Query query(database(),
+                QStringLiteral("SELECT %1 FROM %2 WHERE rowid = ?")
+                    .arg(field_list(*table_), QLatin1String(table_->name)),
+                {id});
+    if (!query.next()) return std::nullopt;
+    Row row;
+    int column = 0;
+    for (const Field& field : table_->fields)
+        row.insert(QString::fromLatin1(field.name), query.value(column++));
+    return row;
+}
+
+void Recordset::settle(qsizetype position, std::optional<Row> row) {
+    position_ = position;
+    current_ = std::move(row);
+    removed_ = false;
+    cancel();
+}
+
+// To the row at `position`, or to the next in the direction of `step` that is still there. The
+// rows that are gone leave the set only once nothing can fail any more.
+void Recordset::seek(qsizetype position, qsizetype step) {
+    const auto size = static_cast<qsizetype>(rows_.size());
+    qsizetype target = position;
+    std::optional<Row> row;
+    for (; target >= 0 && target < size; target += step) {
+        row = read(rows_[static_cast<std::size_t>(target)]);
+        if (row) break;
+    }
+    const qsizetype first_gone = step > 0 ? position : target + 1;
+    const qsizetype gone = step > 0 ? target - position : position - target;
+    const auto from = rows_.begin() + first_gone;
+    rows_.erase(from, from + gone);
+    settle(step > 0 ? position : target, std::move(row));
+}
+
+void Recordset::move_first() {
+    if (rows_.empty()) throw Fault("no current record");
+    seek(0, 1);
+}
+
+void Recordset::move_last() {
+    if (rows_.empty()) throw Fault("no current record");
+    seek(static_cast<qsizetype>(rows_.size()) - 1, -1);
+}
+
+void Recordset::move_next() {
+    if (!removed_ && end_of_set()) throw Fault("no current record");
+    seek(removed_ ? position_ : position_ + 1, 1);
+}
+
+void Recordset::move_previous() {
+    if (!removed_ && begin_of_set()) throw Fault("no current record");
+    seek(position_ - 1, -1);
+}
+
+bool Recordset::begin_of_set() const {
+    return rows_.empty() || position_ < 0;
+}
+
+bool Recordset::end_of_set() const {
+    return rows_.empty() || (!removed_ && position_ >= static_cast<qsizetype>(rows_.size()));
+}
+
+bool Recordset::empty() const {
+    return rows_.empty();
+}
+
+int Recordset::count() const {
+    return static_cast<int>(rows_.size());
+}
+
+bool Recordset::find_first(const QString& field, const QString& value) {
+    QString statement = QStringLiteral("SELECT rowid FROM %1 WHERE %2 = ?")
+                            .arg(QLatin1String(table_->name), checked_field(*table_, field));
+    QVariantList values{stored_form(value)};
+    if (!field_.isEmpty()) {
+        statement += QStringLiteral(" AND %1 = ?").arg(field_);
+        values += filter_;
+    }
+    Query query(database(), statement + QStringLiteral(" ORDER BY rowid"), values);
+    while (query.next()) {
+        const qint64 id = query.value(0).toLongLong();
+        const auto place = std::ranges::lower_bound(rows_, id);
+        if (place == rows_.end() || *place != id) continue;
+        settle(place - rows_.begin(), read(id));
+        return true;
+    }
+    return false;
+}
+
+qint64 Recordset::current_id() const {
+    if (!current_) throw Fault("no current record");
+    return rows_[static_cast<std::size_t>(position_)];
+}
+
+QVariant Recordset::value(const QString& field) const {
+    checked_field(*table_, field);
+    current_id();
+    return current_->value(field);
+}
+
+QString Recordset::text(const QString& field) const {
+    return value(field).toString();
+}
+
+void Recordset::add_new() {
+    changed_.clear();
+    pending_ = Pending::added;
+}
+
+void Recordset::edit() {
+    std::optional<Row> row = read(current_id());
+    if (!row) throw Fault("the record has been deleted");
+    current_ = std::move(row);
+    changed_.clear();
+    pending_ = Pending::edited;
+}
+
+void Recordset::set(const QString& field, const QVariant& value) {
+    checked_field(*table_, field);
+    if (pending_ == Pending::nothing) throw Fault("no record is open for writing");
+    changed_.insert(field, stored_form(value));
+}
+
+void Recordset::update() {
+    if (pending_ == Pending::nothing) throw Fault("no record is open for writing");
+    // One statement is one transaction: the engine keeps the old row or the new one whole.
+    if (pending_ == Pending::added)
+        insert_changed();
+    else
+        write_changed();
+    cancel();
+}
+
+void Recordset::insert_changed() {
+    const QString name = QString::fromLatin1(table_->name);
+    QString statement = QStringLiteral("INSERT INTO %1 DEFAULT VALUES").arg(name);
+    if (!changed_.isEmpty()) {
+        const QStringList places(changed_.size(), QStringLiteral("?"));
+        statement = QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
+                        .arg(name, QStringList(changed_.keys()).join(kComma), places.join(kComma));
+    }
+    last_added_ = Query(database(), statement, changed_.values()).inserted_row();
+    join(last_added_);
+}
+
+void Recordset::write_changed() {
+    if (changed_.isEmpty()) return;
+    QStringList places;
+    for (const QString& field : changed_.keys()) places += QStringLiteral("%1 = ?").arg(field);
+    const Query query(database(),
+                      QStringLiteral("UPDATE %1 SET %2 WHERE rowid = ?")
+                          .arg(QLatin1String(table_->name), places.join(kComma)),
+                      changed_.values() << current_id());
+    if (query.rows_changed() == 0) throw Fault("the record has been deleted");
+    current_->insert(changed_);
+}
+
+void Recordset::join(qint64 id) {
+    const auto place = std::ranges::lower_bound(rows_, id);
+    if (place != rows_.end() && *place == id) return;
+    const qsizetype position = place - rows_.begin();
+    rows_.insert(place, id);
+    if (position < position_ || (position == position_ && !removed_)) ++position_;
+}
+
+void Recordset::cancel() {
+    changed_.clear();
+    pending_ = Pending::nothing;
+}
+
+void Recordset::remove() {
+    const Query query(
+        database(),
+        QStringLiteral("DELETE FROM %1 WHERE rowid = ?").arg(QLatin1String(table_->name)),
+        {current_id()});
+    if (query.rows_changed() == 0) throw Fault("the record has been deleted");
+    rows_.erase(rows_.begin() + position_);
+    settle(position_, std::nullopt);
+    removed_ = true;
+}
+
+Bookmark Recordset::bookmark() const {
+    return current_id();
+}
+
+void Recordset::go_to(Bookmark bookmark) {
+    const auto place = std::ranges::lower_bound(rows_, bookmark);
+    if (place == rows_.end() || *place != bookmark) throw Fault("not a record of this set");
+    std::optional<Row> row = read(bookmark);
+    if (!row) throw Fault("the record has been deleted");
+    settle(place - rows_.begin(), std::move(row));
+}
+
+Bookmark Recordset::last_added() const {
+    return last_added_;
+}
+
+}  // namespace m47

@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QMap>
+#include <QSqlDatabase>
+#include <QString>
+#include <QVariant>
+#include <optional>
+#include <vector>
+
+#include "schema.h"
+
+namespace m47 {
+
+/// A row of a record set, to come back to it. It holds for every set on the same table.
+using Bookmark = qint64;
+
+/// An updatable record set over one table: it knows which rows belong to it and reads a row anew
+/// at each move. Before the first and behind the last row there is no current row; reading, editing
+/// or deleting there is a Fault, and so is any error of the database engine. A row that another
+/// program has deleted meanwhile is skipped in the direction of the move and leaves the set; rows
+/// added elsewhere join at requery(). A set that outlives its Database only faults.
+class Recordset {
+  public:
+    /// The whole of `table`, in the order its rows were added.
+    static Recordset table(const QSqlDatabase& database, const QString& table);
+
+    /// The rows of `table` whose `field` equals `value`, in the order they were added. The value is
+    /// bound: quotes in it are just characters.
+    static Recordset where(const QSqlDatabase& database, const QString& table, const QString& field,
+                           const QVariant& value);
+
+    /// Reads anew which rows belong to the set and moves to the first.
+    void requery();
+
+    /// Each move on an empty set is a Fault. Moving on from the last row reaches the end, back from
+    /// the first the begin; moving further than that is a Fault. A move drops an open row.
+    void move_first();
+    void move_next();
+    void move_previous();
+    void move_last();
+
+    bool begin_of_set() const;
+    bool end_of_set() const;
+    bool empty() const;
+    int count() const;
+
+    /// Moves to the first row whose `field` equals `value` (text, compared as it stands). False and
+    /// the current row unchanged where there is none.
+    bool find_first(const QString& field, const QString& value);
+
+    /// The current row's field; an unset one is a null QVariant. An unknown field is a Fault. What
+    /// has been set but not yet updated does not show here.
+    QVariant value(const QString& field) const;
+    /// As value(), as text; empty when unset.
+    QString text(const QString& field) const;
+
+    /// Opens a new row or the current one for set(); update() writes it in one transaction and
+    /// cancel() drops it. A new row joins the set at its end without becoming current. After an
+    /// update() that failed the row is open as it was. A null QVariant unsets a field, an empty
+    /// text does not.
+    void add_new();
+    void edit();
+    void set(const QString& field, const QVariant& value);
+    void update();
+    void cancel();
+
+    /// Deletes the current row; there is no current row then until the next move, which starts from
+    /// where the row was.
+    void remove();
+
+    Bookmark bookmark() const;
+    void go_to(Bookmark bookmark);
+    /// The row last added by update(); 0, which is no row, before the first.
+    Bookmark last_added() const;
+
+  private:
+    enum class Pending { nothing, added, edited };
+    using Row = QMap<QString, QVariant>;
+
+    Recordset(const QSqlDatabase& database, const Table& table, const QString& field,
+              const QVariant& value);
+
+    QSqlDatabase database() const;
+    std::optional<Row> read(qint64 id) const;
+    qint64 current_id() const;
+    void seek(qsizetype position, qsizetype step);
+    void settle(qsizetype position, std::optional<Row> row);
+    void insert_changed();
+    void write_changed();
+    void join(qint64 id);
+
+    // A name and no handle: the Database can close its connection while sets on it still live.
+    QString connection_;
+    const Table* table_;
+    QString field_;
+    QVariant filter_;
+    /// The rows of the set in rising order.
+    std::vector<qint64> rows_;
+    /// Of the current row; -1 before the first, the number of rows behind the last. Where a row has
+    /// just been removed: of the row that followed it.
+    qsizetype position_ = -1;
+    bool removed_ = false;
+    std::optional<Row> current_;
+    Row changed_;
+    Pending pending_ = Pending::nothing;
+    qint64 last_added_ = 0;
+};
+
+}  // namespace m47

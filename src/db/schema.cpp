@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "schema.h"
+
+#include <algorithm>
+#include <array>
+
+#include "fault.h"
+
+namespace m47 {
+namespace {
+
+using enum FieldKind;
+
+// One row a plan. A plan's name is kept trimmed and in upper case and ties the tables together.
+constexpr std::array kGruppo{Field{"nome", text}};
+constexpr std::array kGruppoIndices{Index{"nome", true}};
+
+// One row a plan: what its programs share.
+constexpr std::array kConfigurazione{
+    Field{"nome", text},
+    // The local oscillators its programs choose from, MHz.
+    Field{"loc_osc1", number},
+    Field{"loc_osc2", number},
+    Field{"loc_osc3", number},
+    Field{"loc_osc4", number},
+    // The plan's own switch entries, in the order of the list.
+    Field{"user_sc0", text},
+    Field{"user_sc1", text},
+    Field{"user_sc2", text},
+    Field{"user_sc3", text},
+};
+constexpr std::array kConfigurazioneIndices{Index{"nome", false}};
+
+// One row a program of a plan. Texts that hold a number are kept as they stand on the screen.
+constexpr std::array kProgrammi{
+    Field{"nome", text},
+    // Number in the meter, "000" to "099"; unique within the plan.
+    Field{"pg_num", text},
+    // Tuning frequency, MHz with one decimal; the sky frequency unless `loc_osc`.
+    Field{"frequenza", number},
+    // Direct tuning; otherwise through the plan's local oscillator number `loc_osc0` (0 to 3).
+    Field{"loc_osc", boolean},
+    Field{"loc_osc0", whole},
+    // 1: digital (QPSK) acquisition; 0: analog.
+    Field{"sat_ad", whole},
+    // kS/s.
+    Field{"qpsk_symbolrate", text},
+    // Bandwidth of the channel power measurement, MHz.
+    Field{"satchbw", number},
+    // Places in the list of DiSEqC commands.
+    Field{"diseqc_cmd", whole},
+    Field{"diseqc_cmd2", whole},
+    // LNB supply: 0 off, 1 13 V, 2 18 V; the 22 kHz tone: 0 off, 1 on.
+    Field{"lnb_volt", whole},
+    Field{"K22", whole},
+    // Line in the meter's logger table, two digits or empty; unique within the plan.
+    Field{"logger_pos", text},
+    // 1: active in the meter's logger table; 1: takes part in monitored acquisition.
+    Field{"logger_state", whole},
+    Field{"monitor_state", whole},
+    // Alarm limits: level in the unit of the screen, C/N in dB, channel BER such as "1E-8", MER
+    // in dB.
+    Field{"lev_min", text},
+    Field{"lev_max", text},
+    Field{"noise_min", text},
+    Field{"noise_max", text},
+    Field{"chber_min", text},
+    Field{"chber_max", text},
+    Field{"mer_min", text},
+    Field{"mer_max", text},
+};
+// Number and position are unique by the checks of the plan screen, which may let a duplicate
+// through: the file must not refuse what the screen stores.
+constexpr std::array kProgrammiIndices{
+    Index{"nome", false},
+    Index{"nome, pg_num", false},
+    Index{"nome, logger_pos", false},
+};
+
+// One row a satellite kept on the PC: its name and its slot's data block as S-records.
+constexpr std::array kAsl{
+    Field{"nome", text},
+    Field{"dati", text},
+};
+constexpr std::array kAslIndices{Index{"nome", false}};
+
+const std::array kTables{
+    Table{"programmi", kProgrammi, kProgrammiIndices},
+    Table{"configurazione", kConfigurazione, kConfigurazioneIndices},
+    Table{"gruppo", kGruppo, kGruppoIndices},
+    Table{"asl", kAsl, kAslIndices},
+};
+
+const char* storage_of(FieldKind kind) {
+    switch (kind) {
+        case text:
+            return "TEXT";
+        case number:
+            return "REAL";
+        case whole:
+        case boolean:
+            break;
+    }
+    return "INTEGER";
+}
+
+QString index_statement(const Table& table, const Index& index, qsizetype number) {
+    return QStringLiteral("CREATE %1INDEX %2_%3 ON %2 (%4)")
+        .arg(QLatin1String(index.unique ? "UNIQUE " : ""), QLatin1String(table.name),
+             QString::number(number), QLatin1String(index.fields));
+}
+
+}  // namespace
+
+std::span<const Table> schema() {
+    return kTables;
+}
+
+const Table& table_named(const QString& name) {
+    for (const Table& table : kTables)
+        if (name == QLatin1String(table.name)) return table;
+    throw Fault("the database has no table '" + name.toStdString() + "'");
+}
+
+QString checked_field(const Table& table, const QString& field) {
+    const bool known = std::ranges::any_of(
+        table.fields, [&](const Field& one) { return field == QLatin1String(one.name); });
+    if (!known)
+        throw Fault("the table '" + std::string(table.name) + "' has no field '" +
+                    field.toStdString() + "'");
+    return field;
+}
+
+QString field_list(const Table& table) {
+    QStringList names;
+    for (const Field& field : table.fields) names += QString::fromLatin1(field.name);
+    return names.join(QStringLiteral(", "));
+}
+
+QStringList creation_statements(const Table& table) {
+    QStringList columns;
+    for (const Field& field : table.fields)
+        columns += QStringLiteral("%1 %2").arg(QLatin1String(field.name),
+                                               QLatin1String(storage_of(field.kind)));
+    // The row's identity: it survives every reorganisation of the file and is never given to
+    // another row, so that a deleted row is not mistaken for a new one.
+    columns += QStringLiteral("id INTEGER PRIMARY KEY AUTOINCREMENT");
+    QStringList statements{QStringLiteral("CREATE TABLE %1 (%2)")
+                               .arg(QLatin1String(table.name), columns.join(QStringLiteral(", ")))};
+    for (const Index& index : table.indices)
+        statements += index_statement(table, index, statements.size());
+    return statements;
+}
+
+}  // namespace m47
