@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "instrument.h"
+
+namespace meter {
+
+Instrument::Instrument(const Options& options)
+    : jitter_(options.seed),
+      line_noise_(~options.seed),
+      receiver_(jitter_),
+      state_(options.version_text),
+      interpreter_(state_, receiver_),
+      faults_(options.faults, options.fault_after, options.fault_on),
+      late_seconds_(options.late_seconds) {
+    prefill_logger(state_, options.logger_bytes, receiver_);
+}
+
+Delivery Instrument::handle(const std::string& line) {
+    Delivery delivery;
+    if (line.empty()) {
+        asleep_ = false;
+        return delivery;
+    }
+    if (asleep_) {
+        return delivery;
+    }
+    const FaultKind* fault = faults_.next(line);
+    if (fault == nullptr || fault->carried_out) {
+        delivery.bytes = interpreter_.answer(line);
+    }
+    if (fault != nullptr) {
+        fault->spoil(delivery, {line, line_noise_, late_seconds_});
+    }
+    asleep_ = delivery.falls_asleep;
+    return delivery;
+}
+
+}  // namespace meter

@@ -1,0 +1,148 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "options.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+#include "text.h"
+
+namespace meter {
+
+namespace {
+
+constexpr int largest_count = 999999999;
+
+/** One option; `take` stores its value and says whether the value was good. */
+struct Option {
+    std::string_view name;
+    std::string_view value_name;  ///< empty for an option without a value
+    std::string_view help;
+    bool (*take)(Options& options, const std::string& value);
+};
+
+bool take_text(std::string& target, const std::string& value) {
+    target = value;
+    return !value.empty();
+}
+
+bool take_decimal(double& target, const std::string& value) {
+    const auto number = decimal_number(value);
+    target = number.value_or(target);
+    return number.has_value();
+}
+
+bool take_count(int& target, const std::string& value) {
+    const auto number = whole_number(value, 0, largest_count);
+    target = number.value_or(target);
+    return number.has_value();
+}
+
+bool take_logger_bytes(Options& options, const std::string& value) {
+    int bytes = 0;
+    const bool good = take_count(bytes, value);
+    options.logger_bytes = static_cast<std::size_t>(bytes);
+    return good;
+}
+
+bool take_seed(Options& options, const std::string& value) {
+    int seed = 0;
+    const bool good = take_count(seed, value);
+    options.seed = static_cast<std::uint64_t>(seed);
+    return good;
+}
+
+bool take_fault(Options& options, const std::string& value) {
+    const auto fault = parse_fault(value);
+    if (fault) {
+        options.faults.push_back(*fault);
+    }
+    return fault.has_value();
+}
+
+constexpr std::array table{
+    Option{"--link", "PATH", "make PATH a symbolic link to the device",
+           [](Options& o, const std::string& v) { return take_text(o.link, v); }},
+    Option{"--version-text", "TEXT", "firmware version that VER? answers",
+           [](Options& o, const std::string& v) { return take_text(o.version_text, v); }},
+    Option{"--logger-bytes", "N", "fill the logger with about N bytes of logs", take_logger_bytes},
+    Option{"--seed", "N", "seed of the measuring jitter (1)", take_seed},
+    Option{"--baud-factor", "X", "answer at X times 38400 baud; 0: at once (1)",
+           [](Options& o, const std::string& v) { return take_decimal(o.baud_factor, v); }},
+    Option{"--delay", "MS", "processing time before an answer (2)",
+           [](Options& o, const std::string& v) { return take_decimal(o.delay_ms, v); }},
+    Option{"--fault", "KIND[:N]", "spoil the next N answers, or all; repeatable", take_fault},
+    Option{"--fault-after", "M", "let M commands through well first",
+           [](Options& o, const std::string& v) { return take_count(o.fault_after, v); }},
+    Option{"--fault-on", "TEXT", "only commands that contain TEXT count for faults",
+           [](Options& o, const std::string& v) { return take_text(o.fault_on, v); }},
+    Option{"--late", "SECONDS", "delay of the fault late (3)",
+           [](Options& o, const std::string& v) { return take_decimal(o.late_seconds, v); }},
+    Option{"--trace", "FILE", "write every exchange to FILE",
+           [](Options& o, const std::string& v) { return take_text(o.trace, v); }},
+    Option{"--state", "FILE", "write the kept state to FILE on SIGUSR1 and at the end",
+           [](Options& o, const std::string& v) { return take_text(o.state, v); }},
+    Option{"--help", "", "show this help and end",
+           [](Options& o, const std::string&) { return o.help = true; }},
+    Option{"--version", "", "show the version of this program and end",
+           [](Options& o, const std::string&) { return o.version = true; }},
+};
+
+const Option* find_option(std::string_view name) {
+    const auto found = std::find_if(table.begin(), table.end(),
+                                    [&](const Option& option) { return option.name == name; });
+    return found == table.end() ? nullptr : &*found;
+}
+
+std::string help_line(std::string_view left, std::string_view right) {
+    return "  " + blank_filled(left, 24) + std::string(right) + "\n";
+}
+
+}  // namespace
+
+std::variant<Options, std::string> parse_options(const std::vector<std::string>& arguments) {
+    Options options;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string& argument = arguments[i];
+        const auto equals = argument.find('=');
+        const std::string name = argument.substr(0, equals);
+        const Option* option = find_option(name);
+        if (option == nullptr) {
+            return "unknown option '" + argument + "'";
+        }
+        std::string value;
+        if (equals != std::string::npos) {
+            if (option->value_name.empty()) {
+                return "option '" + name + "' takes no value";
+            }
+            value = argument.substr(equals + 1);
+        } else if (!option->value_name.empty()) {
+            if (++i == arguments.size()) {
+                return "option '" + name + "' needs a value";
+            }
+            value = arguments[i];
+        }
+        if (!option->take(options, value)) {
+            return "bad value '" + value + "' for option '" + name + "'";
+        }
+    }
+    return options;
+}
+
+std::string help_text() {
+    std::string text =
+        "Usage: m47-meter [OPTION]...\n"
+        "Simulates the meter on a pseudo-terminal, whose path it prints first.\n\n";
+    for (const Option& option : table) {
+        const std::string gap = option.value_name.empty() ? "" : " ";
+        text +=
+            help_line(std::string(option.name) + gap + std::string(option.value_name), option.help);
+    }
+    text += "\nKinds of fault:\n";
+    for (const FaultKind& kind : fault_kinds()) {
+        text += help_line(kind.name, kind.help);
+    }
+    return text;
+}
+
+}  // namespace meter

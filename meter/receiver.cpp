@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "receiver.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace meter {
+
+namespace {
+
+constexpr double filter_mhz = 8.0;
+constexpr double analog_channel_mhz = 27.0;
+constexpr double roll_off = 1.2;
+constexpr double level_jitter_db = 0.2;
+constexpr double ratio_jitter_db = 0.15;
+constexpr double lowest_dbuv = 20.0;
+constexpr double highest_dbuv = 120.0;
+constexpr double lowest_cn_db = 1.0;
+constexpr double highest_cn_db = 40.0;
+
+constexpr double ber_ceiling = 3.0e-2;
+constexpr double ber_floor = 1.0e-8;
+constexpr double mer_floor_db = 1.0;
+constexpr double mer_ceiling_db = 30.0;
+constexpr double demodulator_loss_db = 1.0;
+constexpr double mer_loss_db = 0.3;
+constexpr double lowest_lock_cn_db = 3.0;
+constexpr double rate_tolerance = 0.005;
+
+double linear(double decibel) {
+    return std::pow(10.0, decibel / 10.0);
+}
+
+double decibel(double ratio) {
+    return 10.0 * std::log10(ratio);
+}
+
+/** C/N of the strongest carrier in a channel: the meter's own noise adds to that of the link. */
+double channel_cn(const Spectrum& spectrum, double if_mhz, double width_mhz) {
+    const double low = if_mhz - width_mhz / 2;
+    const double high = if_mhz + width_mhz / 2;
+    const Carrier* carrier = strongest(spectrum, low, high);
+    if (carrier == nullptr) {
+        return 0.0;
+    }
+    const double signal = linear(carrier->level_dbuv) * power_share(*carrier, low, high);
+    const double full = linear(carrier->level_dbuv);
+    const double noise = linear(spectrum.noise_density(if_mhz)) * width_mhz;
+    return decibel(signal / (noise + full / linear(carrier->link_cn_db)) + 1.0e-6);
+}
+
+double demodulator_width(const Settings& settings) {
+    return settings.symbol_rate / 1000.0 * roll_off;
+}
+
+/** The carrier that the demodulator locks on, or null: frequency and symbol rate must fit. */
+const Carrier* locked_carrier(const Spectrum& spectrum, const Settings& settings) {
+    const double half = demodulator_width(settings) / 2;
+    const Carrier* carrier = strongest(spectrum, settings.if_mhz - half, settings.if_mhz + half);
+    if (carrier == nullptr || !carrier->digital()) {
+        return nullptr;
+    }
+    const double rate_error = std::abs(settings.symbol_rate - carrier->symbol_rate);
+    if (rate_error > carrier->symbol_rate * rate_tolerance) {
+        return nullptr;
+    }
+    const double capture = carrier->symbol_rate / 1000.0 * 0.12;
+    const double offset = std::abs(carrier->if_mhz + carrier->drift_mhz - settings.if_mhz);
+    return offset <= capture ? carrier : nullptr;
+}
+
+double qpsk_ber(double cn_db) {
+    return 0.5 * std::erfc(std::sqrt(linear(cn_db) / 2.0));
+}
+
+}  // namespace
+
+Receiver::Receiver(Jitter& jitter) : jitter_(jitter) {}
+
+double Receiver::span_level(const Settings& settings, double if_mhz) {
+    const Spectrum& spectrum = received_spectrum(settings);
+    return band_power(spectrum, if_mhz - filter_mhz / 2, if_mhz + filter_mhz / 2);
+}
+
+double Receiver::level(const Settings& settings) {
+    return span_level(settings, settings.if_mhz) + jitter_.around_zero(level_jitter_db);
+}
+
+double Receiver::channel_power(const Settings& settings, double if_mhz) {
+    const double half = settings.channel_bandwidth / 2.0;
+    const Spectrum& spectrum = received_spectrum(settings);
+    return band_power(spectrum, if_mhz - half, if_mhz + half) +
+           jitter_.around_zero(level_jitter_db);
+}
+
+double Receiver::analog_cn(const Settings& settings) {
+    const Spectrum& spectrum = received_spectrum(settings);
+    return channel_cn(spectrum, settings.if_mhz, analog_channel_mhz) +
+           jitter_.around_zero(ratio_jitter_db);
+}
+
+double Receiver::digital_cn(const Settings& settings) {
+    const Spectrum& spectrum = received_spectrum(settings);
+    return channel_cn(spectrum, settings.if_mhz, demodulator_width(settings)) +
+           jitter_.around_zero(ratio_jitter_db);
+}
+
+QpskQuality Receiver::qpsk(const Settings& settings) {
+    const Spectrum& spectrum = received_spectrum(settings);
+    const Carrier* carrier = locked_carrier(spectrum, settings);
+    const double channel = digital_cn(settings);
+    const double drift_noise = jitter_.around_zero(0.02);
+    QpskQuality result{false, ber_ceiling, ber_ceiling, 0.0, mer_floor_db};
+    if (carrier == nullptr || channel < lowest_lock_cn_db) {
+        return result;
+    }
+    const double offset = carrier->if_mhz + carrier->drift_mhz - settings.if_mhz;
+    const double capture = carrier->symbol_rate / 1000.0 * 0.12;
+    const double off_centre_loss = 3.0 * (offset / capture) * (offset / capture);
+    const double useful = channel - off_centre_loss;
+    result.locked = true;
+    result.channel_ber = std::clamp(qpsk_ber(useful - demodulator_loss_db), ber_floor, ber_ceiling);
+    result.corrected_ber =
+        std::clamp(25.0 * std::pow(result.channel_ber, 2.5), ber_floor / 10, ber_ceiling);
+    result.offset_mhz = offset + drift_noise;
+    result.mer_db = std::clamp(useful - mer_loss_db, mer_floor_db, mer_ceiling_db);
+    return result;
+}
+
+Reading level_reading(double level_dbuv, const Settings& settings) {
+    const double top = std::min(highest_dbuv, 60.0 + 10.0 * settings.attenuator);
+    const double offset = unit_offset(settings.unit);
+    if (level_dbuv < lowest_dbuv) {
+        return {'<', lowest_dbuv - offset};
+    }
+    if (level_dbuv > top) {
+        return {'>', top - offset};
+    }
+    return {' ', level_dbuv - offset};
+}
+
+Reading ratio_reading(double cn_db) {
+    if (cn_db < lowest_cn_db) {
+        return {'<', lowest_cn_db};
+    }
+    if (cn_db > highest_cn_db) {
+        return {'>', highest_cn_db};
+    }
+    return {' ', cn_db};
+}
+
+}  // namespace meter

@@ -1,0 +1,239 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "server.h"
+
+#include <poll.h>
+#include <signal.h>
+#include <time.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+namespace meter {
+
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+constexpr auto idle_tick = 100ms;
+constexpr auto unread_limit = 2s;
+constexpr auto trickle_interval = 250ms;
+constexpr auto fine_wait = 2ms;
+constexpr std::size_t input_limit = 256;
+constexpr std::size_t traced_filler = 256;
+constexpr std::size_t filler_block = 64;
+
+volatile sig_atomic_t stop_requested = 0;
+volatile sig_atomic_t state_requested = 0;
+
+void on_stop(int) {
+    stop_requested = 1;
+}
+
+void on_state(int) {
+    state_requested = 1;
+}
+
+void handle_signal(int number, void (*handler)(int)) {
+    struct sigaction action {};
+    action.sa_handler = handler;
+    sigemptyset(&action.sa_mask);
+    sigaction(number, &action, nullptr);
+}
+
+std::chrono::nanoseconds from_seconds(double seconds) {
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(
+        std::chrono::duration<double>(seconds));
+}
+
+/** Sleeps to a point of the monotonic clock, so that late wake-ups do not add up. */
+void sleep_until(TimePoint when) {
+    const auto time = when.time_since_epoch();
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(time);
+    timespec target{};
+    target.tv_sec = seconds.count();
+    target.tv_nsec = std::chrono::nanoseconds(time - seconds).count();
+    clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &target, nullptr);
+}
+
+}  // namespace
+
+Server::Server(const Options& options, PtyLine& line, Instrument& instrument, Trace& trace)
+    : line_(line),
+      instrument_(instrument),
+      trace_(trace),
+      pacing_(options.baud_factor),
+      delay_(from_seconds(options.delay_ms / 1000.0)),
+      state_file_(options.state) {}
+
+void Server::catch_signals() {
+    handle_signal(SIGINT, on_stop);
+    handle_signal(SIGTERM, on_stop);
+    handle_signal(SIGUSR1, on_state);
+    handle_signal(SIGPIPE, SIG_IGN);
+}
+
+bool Server::stopping() {
+    if (state_requested != 0) {
+        state_requested = 0;
+        write_state();
+    }
+    return stop_requested != 0;
+}
+
+bool Server::wait_for_input(std::chrono::milliseconds longest) {
+    pollfd input{line_.descriptor(), POLLIN, 0};
+    return poll(&input, 1, static_cast<int>(longest.count())) > 0 && (input.revents & POLLIN) != 0;
+}
+
+void Server::take_input() {
+    if (input_.waiting() < input_limit) {
+        input_.push(line_.read_pending(), Clock::now());
+    }
+}
+
+bool Server::wait_until(TimePoint when) {
+    while (!stopping()) {
+        const auto left = when - Clock::now();
+        if (left <= 0ns) {
+            return true;
+        }
+        if (left <= fine_wait) {
+            sleep_until(when);
+            continue;
+        }
+        const auto slice = std::chrono::floor<std::chrono::milliseconds>(left - 1ms);
+        if (input_.waiting() >= input_limit) {
+            std::this_thread::sleep_for(std::min<Clock::duration>(slice, idle_tick));
+        } else if (wait_for_input(std::min<std::chrono::milliseconds>(slice, idle_tick))) {
+            take_input();
+        }
+    }
+    return false;
+}
+
+bool Server::write_all(std::string_view bytes) {
+    auto give_up = Clock::now() + unread_limit;
+    while (!bytes.empty() && !stopping()) {
+        const std::size_t count = line_.write_some(bytes);
+        bytes.remove_prefix(count);
+        if (count > 0) {
+            give_up = Clock::now() + unread_limit;
+            continue;
+        }
+        if (Clock::now() >= give_up) {
+            return false;
+        }
+        pollfd output{line_.descriptor(), POLLOUT, 0};
+        poll(&output, 1, 10);
+        take_input();
+    }
+    return bytes.empty();
+}
+
+std::size_t Server::send_paced(std::string_view bytes, TimePoint start) {
+    std::size_t sent = 0;
+    while (sent < bytes.size()) {
+        if (!wait_until(start + pacing_.due(sent))) {
+            return sent;
+        }
+        take_input();
+        const std::size_t due = pacing_.due_count(Clock::now() - start, bytes.size());
+        const std::size_t upto = std::max(due, sent + 1);
+        if (!write_all(bytes.substr(sent, upto - sent))) {
+            // Nobody reads: what a real line would have carried away is gone.
+            line_.discard_unread();
+            return sent;
+        }
+        sent = upto;
+    }
+    return sent;
+}
+
+void Server::send_filler(Ending ending, std::string& sent, TimePoint& last) {
+    const std::string_view filler = filler_bytes();
+    const TimePoint start = Clock::now();
+    std::size_t count = 0;
+    while (!input_.has_line()) {
+        const bool slow = ending == Ending::trickle;
+        const TimePoint due = slow ? Clock::now() + trickle_interval : start + pacing_.due(count);
+        if (!wait_until(due)) {
+            return;
+        }
+        take_input();
+        const std::size_t block = slow || pacing_.paced() ? 1 : filler_block;
+        for (std::size_t i = 0; i < block; ++i, ++count) {
+            const char byte = filler[count % filler.size()];
+            if (line_.write_some({&byte, 1}) == 0) {
+                // Nobody reads; the byte is lost, as on a real line.
+                std::this_thread::sleep_for(1ms);
+            } else if (sent.size() < traced_filler) {
+                sent += byte;
+            }
+        }
+        last = Clock::now();
+    }
+}
+
+void Server::answer(const ReceivedLine& received) {
+    trace_.received(received);
+    const Delivery delivery = instrument_.handle(received.text);
+    const TimePoint start =
+        std::max(Clock::now(), received.last + delay_) + from_seconds(delivery.wait_seconds);
+    if (delivery.bytes.empty() && delivery.ending == Ending::none) {
+        return;
+    }
+    if (!wait_until(start)) {
+        return;
+    }
+    const std::size_t count = send_paced(delivery.bytes, start);
+    std::string sent = delivery.bytes.substr(0, count);
+    TimePoint last = Clock::now();
+    if (delivery.ending == Ending::close_line) {
+        line_.close();
+    } else if (delivery.ending != Ending::none) {
+        send_filler(delivery.ending, sent, last);
+    }
+    trace_.sent(start + pacing_.due(0), last, sent);
+}
+
+void Server::run() {
+    while (!stopping()) {
+        if (wait_for_input(idle_tick)) {
+            take_input();
+        } else {
+            line_.clear_stale_lock();
+        }
+        while (!stopping()) {
+            const auto received = input_.next();
+            if (!received) {
+                break;
+            }
+            answer(*received);
+        }
+    }
+    write_state();
+}
+
+void Server::write_state() const {
+    if (state_file_.empty()) {
+        return;
+    }
+    // A reader never sees a half-written file.
+    const std::string unfinished = state_file_ + ".new";
+    std::ofstream file(unfinished, std::ios::binary | std::ios::trunc);
+    file << instrument_.state().report();
+    file.close();
+    std::error_code error;
+    if (file) {
+        std::filesystem::rename(unfinished, state_file_, error);
+    }
+    if (!file || error) {
+        std::fprintf(stderr, "m47-meter: cannot write %s\n", state_file_.c_str());
+    }
+}
+
+}  // namespace meter

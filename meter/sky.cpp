@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "sky.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace meter {
+
+namespace {
+
+constexpr double terrestrial_end_mhz = 900.0;
+constexpr int lowest_high_volt = 16;
+
+double normal_cdf(double x) {
+    return 0.5 * std::erfc(-x / std::sqrt(2.0));
+}
+
+double linear(double decibel) {
+    return std::pow(10.0, decibel / 10.0);
+}
+
+}  // namespace
+
+double Spectrum::noise_density(double if_mhz) const {
+    return floor_dbuv_per_mhz + tilt_db * (if_mhz - 920.0) / (2150.0 - 920.0);
+}
+
+double power_share(const Carrier& carrier, double low_mhz, double high_mhz) {
+    if (carrier.digital()) {
+        // A modulated digital carrier is flat over its bandwidth.
+        const double low = std::max(low_mhz, carrier.if_mhz - carrier.bandwidth_mhz / 2);
+        const double high = std::min(high_mhz, carrier.if_mhz + carrier.bandwidth_mhz / 2);
+        return std::max(0.0, high - low) / carrier.bandwidth_mhz;
+    }
+    // An FM carrier keeps most of its power close to its centre.
+    const double sigma = carrier.bandwidth_mhz / 8.0;
+    return normal_cdf((high_mhz - carrier.if_mhz) / sigma) -
+           normal_cdf((low_mhz - carrier.if_mhz) / sigma);
+}
+
+double band_power(const Spectrum& spectrum, double low_mhz, double high_mhz) {
+    const double centre = (low_mhz + high_mhz) / 2;
+    double sum = linear(spectrum.noise_density(centre)) * (high_mhz - low_mhz);
+    for (const Carrier& carrier : spectrum.carriers) {
+        sum += linear(carrier.level_dbuv) * power_share(carrier, low_mhz, high_mhz);
+    }
+    return 10.0 * std::log10(sum);
+}
+
+const Carrier* strongest(const Spectrum& spectrum, double low_mhz, double high_mhz) {
+    const Carrier* best = nullptr;
+    double best_power = 0.0;
+    for (const Carrier& carrier : spectrum.carriers) {
+        const double power = linear(carrier.level_dbuv) * power_share(carrier, low_mhz, high_mhz);
+        if (power > best_power) {
+            best = &carrier;
+            best_power = power;
+        }
+    }
+    return best;
+}
+
+const Spectrum& received_spectrum(const Settings& settings) {
+    if (settings.oscillator.number == 0 && settings.if_mhz < terrestrial_end_mhz) {
+        return terrestrial_spectrum();
+    }
+    const bool high_voltage = settings.lnb_on && settings.lnb_volt >= lowest_high_volt;
+    return satellite_spectrum(high_voltage, settings.lnb_on && settings.tone_on);
+}
+
+}  // namespace meter
