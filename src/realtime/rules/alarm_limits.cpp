@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "alarm_limits.h"
+
+#include <algorithm>
+
+#include "numbers.h"
+
+namespace m47 {
+namespace {
+
+constexpr double kLevelMinimum = 20;  // dBuV
+constexpr double kLevelMaximum = 120;
+
+struct Row {
+    bool enabled;
+    double minimum;
+    double maximum;
+};
+
+Row row_of(AlarmRow row, const RealtimePanel& panel) {
+    const auto limits = [](bool enabled, const QString& minimum, const QString& maximum) {
+        return Row{enabled, typed_value(minimum), typed_value(maximum)};
+    };
+    switch (row) {
+        case AlarmRow::dcp_level:
+            return limits(panel.alarm_stated[0], panel.lev_mind, panel.lev_maxd);
+        case AlarmRow::cn_digital:
+            return limits(panel.alarm_stated[1], panel.cn_mind, panel.cn_maxd);
+        case AlarmRow::chber:
+            return limits(panel.alarm_stated[2], panel.chber_mind, panel.chber_maxd);
+        case AlarmRow::mer:
+            return limits(panel.alarm_stated[3], panel.mer_mind, panel.mer_maxd);
+        case AlarmRow::level_analog:
+            return limits(panel.alarm_statea[0], panel.lev_mina, panel.lev_maxa);
+        case AlarmRow::cn_analog:
+            break;
+    }
+    return limits(panel.alarm_statea[1], panel.cn_mina, panel.cn_maxa);
+}
+
+bool any(const auto& boxes) {
+    return std::ranges::find(boxes, true) != boxes.end();
+}
+
+}  // namespace
+
+void check_limits(AlarmRow row, double value, RealtimePanel& panel, RealtimeState& state) {
+    const Row limits = row_of(row, panel);
+    if (!limits.enabled) return;
+    const bool failed = value <= limits.minimum || value >= limits.maximum;
+    if (failed) state.alarm_raised = true;
+    panel.alarm_light[static_cast<std::size_t>(row)] = failed ? LampColour::red : LampColour::green;
+}
+
+void clamp_analog_limits(RealtimePanel& panel, double offset) {
+    const double lowest = kLevelMinimum - offset;
+    const double highest = kLevelMaximum - offset;
+    if (typed_value(panel.lev_mina) < lowest) panel.lev_mina = plain_text(lowest);
+    if (typed_value(panel.lev_mina) > highest) panel.lev_mina = plain_text(highest);
+    const double minimum = typed_value(panel.lev_mina);
+    if (minimum > typed_value(panel.lev_maxa)) panel.lev_maxa = plain_text(minimum + 1);
+    if (typed_value(panel.lev_maxa) > highest) panel.lev_maxa = plain_text(highest);
+}
+
+bool measure_activestate(const RealtimePanel& panel) {
+    return any(panel.meas_stated) || any(panel.meas_statea);
+}
+
+bool alarm_activestate(const RealtimePanel& panel) {
+    return any(panel.alarm_stated) || any(panel.alarm_statea);
+}
+
+}  // namespace m47

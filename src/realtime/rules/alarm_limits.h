@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "realtime_panel.h"
+
+namespace m47 {
+
+/// The values that have limits; the index is that of the lamp in `alarm_light`.
+enum class AlarmRow { dcp_level, cn_digital, chber, mer, level_analog, cn_analog };
+
+/// Compares `value` with the limits of `row`, lights its lamp and raises `alarm_raised` on failure.
+/// A value equal to a limit fails. A row whose alarm is not ticked is left alone.
+void check_limits(AlarmRow row, double value, RealtimePanel& panel, RealtimeState& state);
+
+/// Brings the analog level limits into the meter's range, 20 to 120 dBuV seen in the unit that lies
+/// `offset` dB below dBuV (0, 60 or 109), and writes corrected ones back.
+void clamp_analog_limits(RealtimePanel& panel, double offset);
+
+/// True when at least one measure (of either presentation) is ticked.
+bool measure_activestate(const RealtimePanel& panel);
+
+/// True when at least one alarm (of either presentation) is ticked.
+bool alarm_activestate(const RealtimePanel& panel);
+
+/// The keys that a limit box accepts besides Backspace; others are swallowed.
+struct LimitKeys {
+    const char* box;
+    const char* accepted;
+};
+inline constexpr std::array<LimitKeys, 12> kLimitKeys{{
+    {"chber_mind", "0123456789eE-"},
+    {"chber_maxd", "0123456789eE-"},
+    {"lev_mina", "0123456789-"},
+    {"lev_mind", "0123456789-"},
+    {"mer_mind", "0123456789-"},
+    {"mer_maxd", "0123456789-"},
+    {"lev_maxa", "0123456789"},
+    {"lev_maxd", "0123456789"},
+    {"cn_mina", "0123456789"},
+    {"cn_maxa", "0123456789"},
+    {"cn_mind", "0123456789"},
+    {"cn_maxd", "0123456789"},
+}};
+
+}  // namespace m47

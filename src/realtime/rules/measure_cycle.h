@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QStringList>
+#include <functional>
+
+#include "measure_steps.h"
+#include "measurement_log.h"
+#include "page_model.h"
+
+namespace m47 {
+
+/// One measurement: `measure` asks the meter for every ticked value, `storemeas` keeps the outcome
+/// as a row of the page and a line of the log. Always called as this pair.
+class MeasureCycle {
+  public:
+    MeasureCycle(Link& link, ProgramState& program, RealtimePanel& panel, RealtimeState& state,
+                 Tuning& tuning, MeasureSteps& steps, PageModel& page, MeasurementLog& log)
+        : link_(link),
+          program_(program),
+          panel_(panel),
+          state_(state),
+          tuning_(tuning),
+          steps_(steps),
+          page_(page),
+          log_(log) {}
+
+    /// Called with the eleven cells of each row that storemeas has put on the page.
+    std::function<void(const QStringList&)> on_row;
+
+    /// Called after each line for the log with the reason why it was lost, empty when it was kept.
+    std::function<void(const QString& reason)> on_log_written;
+
+    /// Runs one cycle. A fault inside ends it at once, silently; the values shown so far stay.
+    void measure();
+
+    /// Records the cycle just run; does nothing while the link is down or no measure is ticked.
+    void storemeas();
+
+  private:
+    void run_cycle();
+    void blank_results();
+    void digital_cycle();
+    void analog_cycle();
+    void write_row();
+
+    Link& link_;
+    ProgramState& program_;
+    RealtimePanel& panel_;
+    RealtimeState& state_;
+    Tuning& tuning_;
+    MeasureSteps& steps_;
+    PageModel& page_;
+    MeasurementLog& log_;
+};
+
+}  // namespace m47

@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "measure_steps.h"
+
+#include "fault.h"
+#include "measure_replies.h"
+#include "numbers.h"
+
+namespace m47 {
+namespace {
+
+// The meter needs these pauses, in seconds, before its reading has settled.
+constexpr double kAfterRanging = 1;
+constexpr double kAfterAttenuator = 0.1;
+constexpr double kAfterTuning = 1;
+constexpr double kAfterQpsk = 5;
+
+constexpr double kAttenuatorStep = 10;  // dB
+constexpr double kFirstStepLevel = 60;  // dBuV
+
+}  // namespace
+
+void MeasureSteps::format_att() {
+    link_.send(QStringLiteral("ATTEN 6"));
+    link_.wait_time(kAfterRanging);
+    if (program_.unit_index != kDbuv) link_.send(QStringLiteral("UNIT 00"));
+    link_.send(QStringLiteral("ATTEN?"));
+    double attenuation = meter_value(link_.reply_text);
+    link_.send(QStringLiteral("LEVANL?"));
+    double level = 0;
+    if (level_for_attenuator(link_.reply_text, level)) {
+        if (level > attenuation * kAttenuatorStep + kFirstStepLevel) {
+            attenuation += 1;
+            link_.send(QStringLiteral("ATTEN") + format_number(attenuation, " 0"));
+            link_.wait_time(kAfterAttenuator);
+        }
+    }
+    if (program_.unit_index != kDbuv) cmdlev_Click(program_.unit_index);
+}
+
+void MeasureSteps::carr_satdig() {
+    format_att();
+    link_.send(QStringLiteral("LEVDCP?"));
+    panel_.dcplev = trimmed_from(link_.reply_text, 2);
+    panel_.repaint();
+    check(AlarmRow::dcp_level, delete_segno(panel_.dcplev));
+    panel_.repaint();
+}
+
+QString& MeasureSteps::noise_entry(QString& entry) const {
+    // Without the complete C/N and noise measures these steps have no frequency entry of their
+    // own, and the cycle ends here.
+    if (!panel_.cmdcomplete) throw Fault("no frequency entry for C/N and noise");
+    return entry;
+}
+
+QString MeasureSteps::noise_frequency(QString& entry) const {
+    const QString frequency = noise_entry(entry).trimmed();
+    // The meter would refuse a frequency command without a frequency until the link is given up.
+    if (frequency.isEmpty()) throw Fault("no frequency for the noise");
+    return frequency;
+}
+
+void MeasureSteps::frequency_check(QString& entry) const {
+    entry = tuning_.checked_frequency(noise_entry(entry));
+}
+
+void MeasureSteps::cn_satdig() {
+    link_.send(QStringLiteral("ATTEN 6"));
+    link_.send(QStringLiteral("MARKER 1 1"));
+    frequency_check(panel_.noise_freqd);
+    link_.send(QStringLiteral("LEVCND?"));
+    panel_.cndlev = link_.reply_text.trimmed();
+    panel_.repaint();
+    state_.cn_value = meter_value(link_.reply_text.mid(1));
+    check(AlarmRow::cn_digital, state_.cn_value);
+    panel_.repaint();
+    state_.cn_done = true;
+}
+
+void MeasureSteps::levn_satdig() {
+    const QString frequency = noise_frequency(panel_.noise_freqd);
+    link_.send(QStringLiteral("FREQ ") + frequency);
+    link_.wait_time(kAfterTuning);
+    format_att();
+    link_.send(QStringLiteral("LEVDCP?") + frequency);
+    panel_.noisedlev = noise_power(link_.reply_text);
+    panel_.repaint();
+    tuning_.fsat_KeyPress(kEnterKey);
+}
+
+void MeasureSteps::qpsk_real() {
+    // PvBER and CFO alone read what the meter has; only CHBER and MER start its QPSK mode.
+    const bool start_qpsk = panel_.meas_stated[kChber] || panel_.meas_stated[kMer];
+    if (start_qpsk) {
+        tuning_.fsat_KeyPress(kEnterKey);
+        link_.send(QStringLiteral("ATTEN 00"));
+        tuning_.srqpsk_txt_KeyPress(kEnterKey);
+        link_.send(QStringLiteral("BERQPSK"));
+        link_.wait_time(kAfterQpsk);
+    }
+    digital_acquire();
+    if (start_qpsk) link_.send(QStringLiteral("MEASURE"));
+}
+
+void MeasureSteps::show_field(DigitalMeasure measure, const char* label, QString& result) {
+    if (!panel_.meas_stated[measure]) return;
+    result = delete_cr(QString::fromLatin1(label), link_.reply_text);
+    panel_.repaint();
+    if (measure == kChber) check(AlarmRow::chber, delete_segno(result.trimmed()));
+    if (measure == kMer) check(AlarmRow::mer, delete_segno(result.trimmed()));
+}
+
+void MeasureSteps::digital_acquire() {
+    const auto& ticked = panel_.meas_stated;
+    if (ticked[kChber] || ticked[kPvBer] || ticked[kCfo] || ticked[kMer])
+        link_.send(QStringLiteral("BERQPSK?"));
+    show_field(kChber, "CHBER :", panel_.bercomune);
+    show_field(kPvBer, "PvBER :", panel_.pvbercomune);
+    show_field(kCfo, "CFO   :", panel_.cfcomune);
+    show_field(kMer, "MER   :", panel_.mercomune);
+}
+
+void MeasureSteps::carr_satanl() {
+    link_.send(QStringLiteral("ATTEN 6"));
+    link_.wait_time(kAfterRanging);
+    link_.send(QStringLiteral("LEVANL?"));
+    panel_.leva = trimmed_from(link_.reply_text, 2);
+    panel_.repaint();
+    check(AlarmRow::level_analog, delete_segno(panel_.leva));
+    panel_.repaint();
+}
+
+void MeasureSteps::cn_satanl() {
+    link_.send(QStringLiteral("ATTEN 6"));
+    link_.send(QStringLiteral("MARKER 1 0"));
+    frequency_check(panel_.noise_freqa);
+    link_.send(QStringLiteral("LEVCNA?"));
+    panel_.cnalev = link_.reply_text.mid(3);
+    panel_.repaint();
+    check(AlarmRow::cn_analog, delete_segno(panel_.cnalev.trimmed()));
+    panel_.repaint();
+}
+
+void MeasureSteps::levn_satanl() {
+    const QString frequency = noise_frequency(panel_.noise_freqa);
+    link_.send(QStringLiteral("FREQ ") + frequency);
+    link_.wait_time(kAfterTuning);
+    link_.send(QStringLiteral("LEVANL?"));
+    panel_.noisealev = link_.reply_text.trimmed();
+    panel_.repaint();
+}
+
+}  // namespace m47

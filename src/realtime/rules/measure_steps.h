@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "alarm_limits.h"
+#include "link.h"
+#include "program_state.h"
+#include "realtime_panel.h"
+#include "tuning.h"
+
+namespace m47 {
+
+/// The measurement steps: each sends its commands, shows the value in its result label at once and
+/// hands the number to the limit check. None reports a failed command: it parses what stands in the
+/// answer. A step whose answer or frequency entry is missing ends in a Fault, which ends the cycle.
+class MeasureSteps {
+  public:
+    MeasureSteps(Link& link, ProgramState& program, RealtimePanel& panel, RealtimeState& state,
+                 Tuning& tuning)
+        : link_(link), program_(program), panel_(panel), state_(state), tuning_(tuning) {}
+
+    /// Run to restore the user's level unit after a reading in dBuV: the unit menu's handler.
+    std::function<void(int)> cmdlev_Click;
+
+    /// Sets the meter's attenuator for a level reading: one step more when the level asks for it.
+    void format_att();
+
+    void carr_satdig();      ///< digital channel power, dB of the unit in force
+    void cn_satdig();        ///< digital C/N, dB
+    void levn_satdig();      ///< digital noise
+    void qpsk_real();        ///< CHBER, PvBER, CFO, MER
+    void digital_acquire();  ///< reads CHBER, PvBER, CFO, MER
+    void carr_satanl();      ///< analog carrier level, dB of the unit in force
+    void cn_satanl();        ///< analog C/N, dB
+    void levn_satanl();      ///< analog noise
+
+  private:
+    void check(AlarmRow row, double value) { check_limits(row, value, panel_, state_); }
+    QString& noise_entry(QString& entry) const;
+    QString noise_frequency(QString& entry) const;
+    void frequency_check(QString& entry) const;
+    void show_field(DigitalMeasure measure, const char* label, QString& result);
+
+    Link& link_;
+    ProgramState& program_;
+    RealtimePanel& panel_;
+    RealtimeState& state_;
+    Tuning& tuning_;
+};
+
+}  // namespace m47

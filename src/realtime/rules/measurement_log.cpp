@@ -1,0 +1,164 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "measurement_log.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <QFile>
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace m47 {
+namespace {
+
+constexpr std::size_t kBlockBytes = std::size_t{256} * 1024;
+
+// A name may be that of a pipe or of a serial device: neither may hold the program up.
+constexpr int kNeverWait = O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+
+class OpenFile {
+  public:
+    explicit OpenFile(int descriptor) : descriptor_(descriptor) {}
+    ~OpenFile() { close(); }
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
+
+    int get() const { return descriptor_; }
+    bool opened() const { return descriptor_ >= 0; }
+
+    /// False when the system reports only now that something was not written.
+    bool close() { return !opened() || ::close(std::exchange(descriptor_, -1)) == 0; }
+
+    /// The length in bytes; nothing for what is not a plain file, such as a pipe or a device.
+    std::optional<off_t> length() const {
+        struct stat status {};
+        if (fstat(descriptor_, &status) != 0 || !S_ISREG(status.st_mode)) return {};
+        return status.st_size;
+    }
+
+  private:
+    int descriptor_;
+};
+
+const char* find_end(const char* from, const char* stop, char line_end) {
+    const void* found = std::memchr(from, line_end, static_cast<std::size_t>(stop - from));
+    return found ? static_cast<const char*>(found) : stop;
+}
+
+/// Adds the lines of `text` to `store` and returns how many bytes they took. A last line without a
+/// line end, or with a CR that may be half of one, is taken only when `last` says that nothing
+/// follows. Nothing is returned when a line does not fit the page.
+std::optional<std::size_t> take_lines(std::string_view text, bool last, PageStore& store) {
+    const char* const begin = text.data();
+    const char* const stop = begin + text.size();
+    const char* at = begin;
+    const char* feed = find_end(at, stop, '\n');
+    const char* carriage = find_end(at, stop, '\r');
+    while (at != stop) {
+        // Each is looked up again only once it has been passed, so that a file with one kind of
+        // line end is not searched to its end for the other at every line.
+        if (feed < at) feed = find_end(at, stop, '\n');
+        if (carriage < at) carriage = find_end(at, stop, '\r');
+        const char* const end = std::min(feed, carriage);
+        const bool unsure = end == stop || (end == carriage && end + 1 == stop);
+        if (unsure && !last) break;
+        if (!store.append_line({at, static_cast<std::size_t>(end - at)})) return {};
+        at = end;
+        if (at != stop) ++at;
+        if (end == carriage && at == feed && at != stop) ++at;
+    }
+    return static_cast<std::size_t>(at - begin);
+}
+
+ssize_t read_some(int descriptor, char* into, std::size_t room) {
+    for (;;) {
+        const ssize_t got = ::read(descriptor, into, room);
+        if (got >= 0 || errno != EINTR) return got;
+    }
+}
+
+void read_lines(int descriptor, PageStore& store) {
+    std::vector<char> block(kBlockBytes);
+    std::size_t held = 0;
+    for (;;) {
+        const ssize_t got = read_some(descriptor, block.data() + held, block.size() - held);
+        if (got < 0) return;
+        held += static_cast<std::size_t>(got);
+        const auto taken = take_lines({block.data(), held}, got == 0, store);
+        if (got == 0 || !taken || (*taken == 0 && held == block.size())) return;
+        held -= *taken;
+        std::memmove(block.data(), block.data() + *taken, held);
+    }
+}
+
+int open_to_append(const QByteArray& name) {
+    constexpr int kFlags = O_APPEND | O_CREAT | kNeverWait;
+    const int descriptor = ::open(name.constData(), O_RDWR | kFlags, 0666);
+    if (descriptor >= 0 || errno != EACCES) return descriptor;
+    // A log that may be written but not read still takes its lines.
+    return ::open(name.constData(), O_WRONLY | kFlags, 0666);
+}
+
+bool breaks_off_within_a_line(int descriptor, off_t length) {
+    char last = '\n';
+    if (length > 0 && pread(descriptor, &last, 1, length - 1) != 1) return false;
+    return last != '\n' && last != '\r';
+}
+
+bool write_all(int descriptor, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
+        if (written > 0)
+            bytes.remove_prefix(static_cast<std::size_t>(written));
+        else if (written == 0 || errno != EINTR)
+            return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+void MeasurementLog::open(const QString& path, PageModel& page) {
+    if (path.isEmpty()) return;
+    path_ = path;
+    log_open_ = true;
+    OpenFile file(::open(QFile::encodeName(path).constData(), O_RDONLY | kNeverWait));
+    if (!file.opened() || !file.length()) return;
+    PageStore store;
+    read_lines(file.get(), store);
+    page.replace(std::move(store));
+}
+
+bool MeasurementLog::append(std::string_view line) {
+    if (!log_open_) return failed(QStringLiteral("no log is open"));
+    const QByteArray name = QFile::encodeName(path_);
+    OpenFile file(open_to_append(name));
+    if (!file.opened()) return failed(qt_error_string(errno));
+    const auto length = file.length();
+    if (!length) return failed(QStringLiteral("not a plain file"));
+
+    std::string record;
+    if (breaks_off_within_a_line(file.get(), *length)) record += "\r\n";
+    record.append(line).append("\r\n");
+    // A full disk may show in a write that comes back short, or no sooner than at the closing.
+    if (write_all(file.get(), record) && file.close()) {
+        reason_.clear();
+        return true;
+    }
+    QString reason = qt_error_string(errno);
+    if (truncate(name.constData(), *length) != 0)
+        reason += QStringLiteral("; a part of the line is left: ") + qt_error_string(errno);
+    return failed(reason);
+}
+
+bool MeasurementLog::failed(const QString& reason) {
+    reason_ = reason;
+    return false;
+}
+
+}  // namespace m47

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "measurement_row.h"
+
+namespace m47 {
+namespace {
+
+constexpr int kAnalog = 2;
+constexpr int kDigital = 3;
+
+}  // namespace
+
+QStringList measurement_row(const MeasurementTexts& shown) {
+    const bool digital = shown.meas_mode == kDigital;
+    const bool measured = digital || shown.meas_mode == kAnalog;
+    const auto text = [](const QString& value, bool wanted) {
+        return wanted ? value.trimmed() : QString();
+    };
+    return {
+        shown.date_time.toString(QStringLiteral("dd/MM/yy")),
+        shown.date_time.toString(QStringLiteral("HH:mm:ss")),
+        text(shown.fsat, measured),
+        text(shown.ol_freq, measured),
+        text(shown.level, measured),
+        text(shown.ber, digital),
+        text(shown.pvber, digital),
+        text(shown.cfo, digital),
+        text(shown.mer, digital),
+        text(shown.ru, digital),
+        text(shown.status, true),
+    };
+}
+
+}  // namespace m47

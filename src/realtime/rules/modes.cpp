@@ -1,0 +1,190 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "modes.h"
+
+#include <algorithm>
+
+#include "fault.h"
+#include "numbers.h"
+#include "time_delays.h"
+
+namespace m47 {
+namespace {
+
+constexpr int kTone22kOff = 1;  // the second entry of `k22_state`
+
+/// While it lives the controls change without sending their commands.
+class RecallGuard {
+  public:
+    explicit RecallGuard(RealtimeState& state) : state_(state) { state_.recall_in_progress = true; }
+    ~RecallGuard() { state_.recall_in_progress = false; }
+    RecallGuard(const RecallGuard&) = delete;
+    RecallGuard& operator=(const RecallGuard&) = delete;
+
+  private:
+    RealtimeState& state_;
+};
+
+/// The unit index in an answer: what is no number, or none of the meter's three units, is 0.
+int unit_of(const QString& reply) {
+    const int index = static_cast<int>(std::clamp(meter_value(reply), -1.0, 3.0));
+    return index >= kDbuv && index <= kDbm ? index : kDbuv;
+}
+
+QString number_text(const Recordset& set, const QString& field) {
+    const QVariant value = set.value(field);
+    return value.isNull() ? QString() : plain_text(typed_value(value.toString()));
+}
+
+int whole_number(const Recordset& set, const QString& field) {
+    return static_cast<int>(std::clamp(typed_value(set.text(field)), -1e6, 1e6));
+}
+
+}  // namespace
+
+void Modes::Form_Load() {
+    state_.field_separator = u'\t';
+    panel_.repaint();
+    {
+        const RecallGuard guard(state_);
+        link_.send(QStringLiteral("MEASURE"));
+        link_.send(QStringLiteral("ATTEN 6"));
+        panel_.satlnb_state = 0;
+        configurazione_prmt();
+        read_unit();
+        panel_.repaint();
+        link_.send(QStringLiteral("LOCOSC 00"));
+        link_.send(QStringLiteral("FREQ 1000"));
+        panel_.time_delay = 0;
+        time_delay_Click();
+        state_.acq_kind = 1;
+        state_.plan_run_active = false;
+    }
+    panel_.repaint();
+}
+
+void Modes::read_unit() {
+    // With no answer the unit that the program works in stays.
+    const bool answered = link_.send(QStringLiteral("UNIT?"));
+    cmdlev_Click(answered ? unit_of(link_.reply_text) : program_.unit_index);
+}
+
+void Modes::Form_Activate() {
+    link_.send(QStringLiteral("ATTEN 6"));
+    state_.meas_mode = kAnalogMode;
+    panel_.digitalresults_visible = false;
+    panel_.analogresults_visible = true;
+    panel_.repaint();
+}
+
+void Modes::analogmode() {
+    state_.meas_mode = kAnalogMode;
+    panel_.satdigmea_visible = false;
+    panel_.analogresults_visible = true;
+    panel_.digitalresults_visible = false;
+}
+
+void Modes::digitalmode() {
+    if (!panel_.sat_opt_visible) return;
+    panel_.satdigmea_visible = true;
+    state_.meas_mode = kDigitalMode;
+    for (const int measure : {kChber, kPvBer, kCfo, kMer})
+        panel_.meas_stated_enabled[static_cast<std::size_t>(measure)] = true;
+    panel_.meas_stated_enabled[kRu] = false;
+    panel_.rucomune_enabled = false;
+    if (!link_.commands_suspended) configurazione_prmt();
+    panel_.digitalresults_visible = true;
+    panel_.analogresults_visible = false;
+}
+
+void Modes::configurazione_prmt() {
+    starteast_s_Click();
+    panel_.repaint();
+    startwest_s_Click();
+    panel_.repaint();
+    link_.send(QStringLiteral("TONE22K 00"));
+    panel_.k22_state = kTone22kOff;
+    if (!link_.can_send()) return;
+    link_.send(QStringLiteral("SYMBRATEQPSK?"));
+    panel_.srqpsk_txt = link_.reply_text.trimmed();
+}
+
+void Modes::crea_records_realtime() {
+    rs_programs = database_.of_plan(QStringLiteral("programmi"), panel_.grp_name);
+    rs_config = database_.of_plan(QStringLiteral("configurazione"), panel_.grp_name);
+    rs_programs->move_first();
+    rs_config->move_first();
+    mostra_record_realtime();
+    rs_programs->move_first();
+    rs_config->move_first();
+}
+
+void Modes::mostra_record_realtime() {
+    try {
+        if (!rs_programs || whole_number(*rs_programs, QStringLiteral("monitor_state")) != 1)
+            return;
+        panel_.prog_num = rs_programs->text(QStringLiteral("pg_num")).trimmed();
+        {
+            const RecallGuard guard(state_);
+            recall_tuning();
+        }
+        recall_limits();
+    } catch (const Fault&) {
+        // The controls stay as far as they were set.
+    }
+    panel_.repaint();
+}
+
+void Modes::recall_tuning() {
+    const Recordset& program = *rs_programs;
+    panel_.fsat = number_text(program, QStringLiteral("frequenza"));
+    const bool direct = whole_number(program, QStringLiteral("loc_osc")) != 0;
+    if (direct != panel_.locopt[0]) {
+        panel_.locopt = {direct, !direct};
+        tuning_.locopt_Click(direct ? 0 : 1);
+    }
+    const QVariant oscillator = program.value(QStringLiteral("loc_osc0"));
+    if (!oscillator.isNull() && oscillator.toInt() == 0)
+        panel_.ol_freq = number_text(*rs_config, QStringLiteral("loc_osc1"));
+    if (oscillator.toInt() == 1)
+        panel_.ol_freq = number_text(*rs_config, QStringLiteral("loc_osc2"));
+    panel_.satlnb_state = whole_number(program, QStringLiteral("lnb_volt"));
+    panel_.k22_state = whole_number(program, QStringLiteral("K22"));
+    const QVariant digital = program.value(QStringLiteral("sat_ad"));
+    if (!digital.isNull() && digital.toInt() == 0) analogmode();
+    if (digital.toInt() == 1) digitalmode();
+    panel_.srqpsk_txt = program.text(QStringLiteral("qpsk_symbolrate"));
+}
+
+void Modes::recall_limits() {
+    const Recordset& program = *rs_programs;
+    panel_.lev_mina = panel_.lev_mind = program.text(QStringLiteral("lev_min"));
+    panel_.lev_maxa = panel_.lev_maxd = program.text(QStringLiteral("lev_max"));
+    panel_.cn_mina = panel_.cn_mind = program.text(QStringLiteral("noise_min"));
+    panel_.cn_maxa = panel_.cn_maxd = program.text(QStringLiteral("noise_max"));
+    panel_.chber_mind = program.text(QStringLiteral("chber_min"));
+    panel_.chber_maxd = program.text(QStringLiteral("chber_max"));
+    panel_.mer_mind = program.text(QStringLiteral("mer_min"));
+    panel_.mer_maxd = program.text(QStringLiteral("mer_max"));
+}
+
+void Modes::cmdlev_Click(int index) {
+    panel_.cmdlev = index;
+    if (!state_.recall_in_progress)
+        link_.send(QStringLiteral("UNIT") + format_number(index, " 00"));
+    program_.unit_index = index;
+}
+
+void Modes::time_delay_Click() {
+    const int index = panel_.time_delay;
+    if (index < 0 || index >= static_cast<int>(kTimeDelays.size())) return;
+    state_.ticks_left = kTimeDelays[static_cast<std::size_t>(index)].seconds;
+}
+
+void Modes::single() {
+    panel_.plan_controls_visible = false;
+    panel_.sat_opt_enabled = true;
+    panel_.limits_enabled = true;
+    state_.acq_kind = 1;
+}
+
+}  // namespace m47

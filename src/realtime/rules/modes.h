@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <optional>
+
+#include "database.h"
+#include "link.h"
+#include "program_state.h"
+#include "realtime_panel.h"
+#include "tuning.h"
+
+namespace m47 {
+
+/// How the real-time screen prepares the meter, changes between the analog and the digital
+/// presentation and recalls stored programs.
+class Modes {
+  public:
+    Modes(Link& link, ProgramState& program, Database& database, RealtimePanel& panel,
+          RealtimeState& state, Tuning& tuning)
+        : link_(link),
+          program_(program),
+          database_(database),
+          panel_(panel),
+          state_(state),
+          tuning_(tuning) {}
+
+    /// The record sets of the plan in `grp_name`; none before crea_records_realtime.
+    std::optional<Recordset> rs_programs;
+    std::optional<Recordset> rs_config;
+
+    /// Prepares the meter and the panel when the screen is opened.
+    void Form_Load();
+    /// Each time the screen comes to the front: always back to the analog presentation.
+    void Form_Activate();
+
+    void analogmode();
+    void digitalmode();
+
+    /// Reads the satellite defaults back from the meter.
+    void configurazione_prmt();
+
+    /// Opens the record sets of the plan in `grp_name`, as it stands, and recalls its first
+    /// program. A plan that does not exist is a Fault.
+    void crea_records_realtime();
+
+    /// Shows the current program where it is monitored; errors end it silently.
+    void mostra_record_realtime();
+
+    /// Level unit `index` (a LevelUnit); sent unless a recall is in progress.
+    void cmdlev_Click(int index);
+
+    /// Loads the seconds of the chosen delay into `ticks_left`; without a choice they stay.
+    void time_delay_Click();
+
+    /// Single-program operation: no plan controls, limits and tuning free.
+    void single();
+
+    // Which box of a direction the motor commands use: "_s" or "_t".
+    void starteast_s_Click() { state_.east_limit_set = false; }
+    void startwest_s_Click() { state_.west_limit_set = false; }
+
+  private:
+    void recall_tuning();
+    void recall_limits();
+    void read_unit();
+
+    Link& link_;
+    ProgramState& program_;
+    Database& database_;
+    RealtimePanel& panel_;
+    RealtimeState& state_;
+    Tuning& tuning_;
+};
+
+}  // namespace m47

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QStringList>
+#include <array>
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace m47 {
+
+/// The rows of the measurement page as the bytes of a log line: 11 cells in Latin-1 joined by TAB.
+/// A page that is left running for weeks holds a million rows, so a row costs little more than its
+/// characters, and nothing that is already stored is copied when the page grows.
+class PageStore {
+  public:
+    static constexpr int kColumns = 11;
+
+    int rows() const;
+
+    /// Adds one row. Missing cells are empty, cells past the 11th are left out. A TAB, CR or LF
+    /// within a cell becomes a blank, so that a row is always one line of 11 fields; a character
+    /// that Latin-1 lacks becomes "?".
+    void append(const QStringList& cells);
+
+    /// Adds the fields of one line (without its line end) as a row. False when the line holds more
+    /// than 11: the first 11 have then been added.
+    bool append_line(std::string_view line);
+
+    /// Row `row` (0 to rows() - 1): 11 fields, 10 TABs, no line end. Valid until the next change.
+    std::string_view line(int row) const;
+
+    /// One cell, `column` 0 to 10. Valid until the next change.
+    std::string_view cell(int row, int column) const;
+
+    void clear();
+
+    /// Bytes of memory the rows hold, those set aside included.
+    std::size_t memory_bytes() const;
+
+  private:
+    static constexpr std::size_t kChunkRows = 1024;
+    struct Chunk {
+        std::string bytes;
+        std::array<std::size_t, kChunkRows> ends;
+        std::size_t rows = 0;
+    };
+
+    Chunk& open_chunk();
+    static void end_row(Chunk& chunk);
+
+    std::vector<std::unique_ptr<Chunk>> chunks_;
+};
+
+}  // namespace m47

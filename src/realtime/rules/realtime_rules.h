@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "measure_cycle.h"
+#include "measure_steps.h"
+#include "measurement_log.h"
+#include "modes.h"
+#include "page_model.h"
+#include "realtime_panel.h"
+#include "tuning.h"
+
+namespace m47 {
+
+/// Everything the real-time screen does, without the screen: it owns the panel and the state that
+/// the handlers share, and wires the rules to each other.
+class RealtimeRules {
+  public:
+    RealtimeRules(Link& link, ProgramState& program, Database& database);
+    RealtimeRules(const RealtimeRules&) = delete;
+    RealtimeRules& operator=(const RealtimeRules&) = delete;
+
+    RealtimePanel panel;
+    RealtimeState state;
+    PageModel page;
+    MeasurementLog log;
+    Tuning tuning;
+    MeasureSteps steps;
+    Modes modes;
+    MeasureCycle cycle;
+
+    /// One measurement now, as the key "single_acq" takes it.
+    void single_acq();
+
+    /// Ticks the measures of the present presentation whose steps run to their end.
+    void tick_complete_measures();
+};
+
+}  // namespace m47

@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tuning.h"
+
+#include "numbers.h"
+#include "tuning_range.h"
+
+namespace m47 {
+namespace {
+
+constexpr double kSymbolRateMinimum = 1500;  // kS/s
+constexpr double kSymbolRateMaximum = 45000;
+constexpr double kBandwidthMinimum = 5;  // MHz
+constexpr double kBandwidthMaximum = 36;
+constexpr qsizetype kOscillatorLength = 6;
+
+QString clamped(const QString& text, double minimum, const char* below, double maximum,
+                const char* above) {
+    QString result = text;
+    if (typed_value(result) < minimum) result = QString::fromLatin1(below);
+    if (typed_value(result) > maximum) result = QString::fromLatin1(above);
+    return result;
+}
+
+}  // namespace
+
+QString Tuning::checked_frequency(const QString& text) const {
+    const TuningRange range = tuning_range(panel_.locopt[0], typed_value(panel_.ol_freq));
+    return format_freq(plain_text(inside_range(typed_value(text), range)));
+}
+
+void Tuning::fsat_KeyPress(int key) {
+    if (key != kEnterKey) return;
+    panel_.fsat = checked_frequency(panel_.fsat);
+    panel_.repaint();
+    link_.send(QStringLiteral("FREQ ") + panel_.fsat);
+}
+
+void Tuning::locopt_Click(int index) {
+    if (!state_.recall_in_progress) {
+        panel_.ol_freq_enabled = index == 1;
+        if (index == 0) {
+            link_.send(QStringLiteral("LOCOSC 00"));
+        } else {
+            // The option stores and selects oscillator "1 A"; the frequency box below has a form
+            // of its own.
+            const double oscillator = typed_value(panel_.ol_freq);
+            link_.send(QStringLiteral("LOCOSC 1 A") + format_number(oscillator, " 00000"));
+            link_.send(QStringLiteral("LOCOSC 1 A"));
+        }
+    }
+    if (!link_.can_send()) return;
+    link_.send(QStringLiteral("FREQ?"));
+    panel_.fsat = link_.reply_text;
+}
+
+void Tuning::ol_freq_KeyPress(int key) {
+    if (key != kEnterKey) return;
+    panel_.ol_freq =
+        clamped(panel_.ol_freq, kOscillatorMinimum, "03070", kOscillatorMaximum, "12000")
+            .left(kOscillatorLength);
+    panel_.repaint();
+    const QString digits = format_number(typed_value(panel_.ol_freq), "00000");
+    link_.send(QStringLiteral("LOCOSC01") + digits);
+    link_.send(QStringLiteral("LOCOSC01"));
+    fsat_KeyPress(kEnterKey);
+    panel_.noise_freqa = checked_frequency(panel_.noise_freqa);
+    panel_.noise_freqd = checked_frequency(panel_.noise_freqd);
+}
+
+void Tuning::send_supply(int volts) {
+    if (volts == 0) {
+        link_.send(QStringLiteral("LNB 00"));
+        return;
+    }
+    // The voltage goes first, so that the supply never comes up at the one set before.
+    link_.send(QStringLiteral("LNVOLT") + format_number(volts, " 00"));
+    link_.send(QStringLiteral("LNB 01"));
+}
+
+void Tuning::satlnb_state_Click(int index) {
+    constexpr std::array<int, 3> kVolts{0, 13, 18};
+    if (state_.recall_in_progress || index < 0 || index >= static_cast<int>(kVolts.size())) return;
+    send_supply(kVolts[static_cast<std::size_t>(index)]);
+}
+
+void Tuning::lnb_supply_Click(int index) {
+    constexpr std::array<int, 5> kVolts{0, 13, 15, 18, 24};
+    if (state_.recall_in_progress || index < 0 || index >= static_cast<int>(kVolts.size())) return;
+    send_supply(kVolts[static_cast<std::size_t>(index)]);
+}
+
+int Tuning::list_Click(const QString& word, int index, int count) {
+    if (state_.recall_in_progress) return index;
+    link_.send(word + format_number(index, " 00"));
+    if (!link_.send(word + u'?')) return index;
+    const double accepted = meter_value(link_.reply_text);
+    return accepted >= 0 && accepted < count ? static_cast<int>(accepted) : index;
+}
+
+void Tuning::k22_state_Click(int index) {
+    if (state_.recall_in_progress) return;
+    if (index == 0) link_.send(QStringLiteral("TONE22K 01"));
+    if (index == 1) link_.send(QStringLiteral("TONE22K 00"));
+}
+
+void Tuning::srqpsk_txt_KeyPress(int key) {
+    if (key != kEnterKey) return;
+    const QString rate =
+        clamped(panel_.srqpsk_txt, kSymbolRateMinimum, "1500", kSymbolRateMaximum, "45000");
+    panel_.srqpsk_txt = format_number(typed_value(rate), "00000");
+    panel_.repaint();
+    link_.send(QStringLiteral("SYMBRATEQPSK ") + panel_.srqpsk_txt);
+}
+
+void Tuning::chbws_KeyPress(int key) {
+    if (key != kEnterKey) return;
+    const QString bandwidth =
+        clamped(panel_.chbws, kBandwidthMinimum, "5", kBandwidthMaximum, "36");
+    panel_.chbws = format_number(typed_value(bandwidth), "00");
+    panel_.repaint();
+    link_.send(QStringLiteral("CHBW ") + panel_.chbws);
+}
+
+}  // namespace m47

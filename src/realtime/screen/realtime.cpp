@@ -1,0 +1,222 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "realtime.h"
+
+#include <QFileDialog>
+#include <QHeaderView>
+#include <QScrollBar>
+
+#include "handler.h"
+#include "icons.h"
+#include "key_filter.h"
+#include "realtime_tooltips.h"
+#include "text_printer.h"
+#include "ui_realtime.h"
+
+namespace m47 {
+namespace {
+
+// A column was 750 twips wide, 15 twips to the pixel at 96 dots per inch; it grows with the font so
+// that a date still fits at 200 %.
+constexpr int kColumnTwips = 750;
+constexpr int kTwipsPerPixel = 15;
+
+}  // namespace
+
+Realtime::Realtime(Link& link, ProgramState& program, Database& database, QWidget* parent)
+    : QMainWindow(parent),
+      rules(link, program, database),
+      program_(program),
+      ui_(std::make_unique<Ui::Realtime>()) {
+    ui_->setupUi(this);
+    binding_ = std::make_unique<PanelBinding>(this, rules.panel);
+    rules.panel.on_repaint = [this] { binding_->show(); };
+    rules.cycle.on_log_written = [this](const QString& reason) { show_log_state(reason); };
+    ui_->cmdmenu->setToolTipsVisible(true);
+    set_icons();
+    connect_tuning();
+    connect_lists();
+    connect_limits();
+    connect_menu();
+    connect_toolbar();
+    prepare_page();
+    show_log_name();
+    single();
+    binding_->show();
+}
+
+Realtime::~Realtime() = default;
+
+template <class Body>
+void Realtime::handle(const char* name, Body body) {
+    run_handler(this, name, body);
+    binding_->show();
+}
+
+void Realtime::Form_Load() {
+    set_tooltips(this, realtime_tooltips(), program_.texts);
+    handle("Form_Load", [this] { rules.modes.Form_Load(); });
+    set_tooltip(ui_->save, QString::fromLatin1(kOpenFileTooltip));
+    file_name_tooltip_ = ui_->file_name->toolTip();
+}
+
+void Realtime::Form_Activate() {
+    handle("Form_Activate", [this] { rules.modes.Form_Activate(); });
+}
+
+void Realtime::set_icons() {
+    for (QAction* key : ui_->barracomandi->actions()) key->setIcon(toolbar_icon(key->objectName()));
+}
+
+void Realtime::connect_tuning() {
+    const auto on_enter = [this](QLineEdit* box, const char* name, void (Tuning::*handler)(int)) {
+        connect(box, &QLineEdit::returnPressed, this, [this, name, handler] {
+            handle(name, [this, handler] { (rules.tuning.*handler)(kEnterKey); });
+        });
+    };
+    on_enter(ui_->fsat, "fsat_KeyPress", &Tuning::fsat_KeyPress);
+    on_enter(ui_->ol_freq, "ol_freq_KeyPress", &Tuning::ol_freq_KeyPress);
+    on_enter(ui_->srqpsk_txt, "srqpsk_txt_KeyPress", &Tuning::srqpsk_txt_KeyPress);
+    on_enter(ui_->chbws, "chbws_KeyPress", &Tuning::chbws_KeyPress);
+    const auto on_noise_enter = [this](QLineEdit* box, QString& frequency) {
+        connect(box, &QLineEdit::returnPressed, this, [this, &frequency] {
+            handle("noise_freq_KeyPress",
+                   [this, &frequency] { frequency = rules.tuning.checked_frequency(frequency); });
+        });
+    };
+    on_noise_enter(ui_->noise_freqa, rules.panel.noise_freqa);
+    on_noise_enter(ui_->noise_freqd, rules.panel.noise_freqd);
+    const ControlArray<QRadioButton> locopt(this, QStringLiteral("locopt"));
+    for (std::size_t k = 0; k < locopt.size(); ++k)
+        connect(locopt[k], &QRadioButton::clicked, this, [this, k] {
+            handle("locopt_Click", [this, k] { rules.tuning.locopt_Click(static_cast<int>(k)); });
+        });
+}
+
+void Realtime::connect_lists() {
+    const auto on_pick = [this](QComboBox* list, const char* name, void (Tuning::*handler)(int)) {
+        new WheelGuard(list);
+        connect(list, &QComboBox::activated, this, [this, name, handler](int index) {
+            handle(name, [this, handler, index] { (rules.tuning.*handler)(index); });
+        });
+    };
+    on_pick(ui_->satlnb_state, "satlnb_state_Click", &Tuning::satlnb_state_Click);
+    on_pick(ui_->k22_state, "k22_state_Click", &Tuning::k22_state_Click);
+    on_pick(ui_->lnb_supply, "lnb_supply_Click", &Tuning::lnb_supply_Click);
+    new WheelGuard(ui_->time_delay);
+    connect(ui_->time_delay, &QComboBox::activated, this,
+            [this] { handle("time_delay_Click", [this] { rules.modes.time_delay_Click(); }); });
+    new KeyFilter(ui_->satlnb_state, QString());
+    new WheelGuard(ui_->atten_list);
+    connect(ui_->atten_list, &QComboBox::activated, this, [this](int index) {
+        handle("atten_list_Click", [this, index] {
+            rules.panel.atten_list =
+                rules.tuning.list_Click(QStringLiteral("ATTEN"), index, ui_->atten_list->count());
+        });
+    });
+}
+
+void Realtime::connect_limits() {
+    for (const LimitKeys& limit : kLimitKeys)
+        new KeyFilter(findChild<QLineEdit*>(QString::fromLatin1(limit.box)),
+                      QString::fromLatin1(limit.accepted));
+}
+
+void Realtime::connect_menu() {
+    const ControlArray<QAction> units(this, QStringLiteral("cmdlev"));
+    for (std::size_t k = 0; k < units.size(); ++k)
+        connect(units[k], &QAction::triggered, this, [this, k] {
+            handle("cmdlev_Click", [this, k] { rules.modes.cmdlev_Click(static_cast<int>(k)); });
+        });
+    connect(ui_->cmdexit, &QAction::triggered, this, &Realtime::exit_asked);
+}
+
+void Realtime::connect_toolbar() {
+    connect(ui_->barracomandi, &QToolBar::actionTriggered, this, [this](QAction* key) {
+        handle("barracomandi_ButtonClick",
+               [this, key] { barracomandi_ButtonClick(key->objectName()); });
+    });
+}
+
+void Realtime::barracomandi_ButtonClick(const QString& key) {
+    if (key == QLatin1String("save")) datamenagment();
+    if (key == QLatin1String("single")) single();
+    if (key == QLatin1String("analogico")) rules.modes.analogmode();
+    if (key == QLatin1String("qpsk")) rules.modes.digitalmode();
+    if (key == QLatin1String("single_acq")) rules.single_acq();
+    if (key == QLatin1String("cancella")) rules.page.clear();
+    if (key == QLatin1String("stampa")) createdoc();
+}
+
+void Realtime::single() {
+    rules.modes.single();
+    for (QAction* key :
+         {ui_->previous, ui_->next, ui_->previous_prog, ui_->next_prog, ui_->multiple_acq})
+        key->setVisible(false);
+    ui_->single_acq->setVisible(true);
+}
+
+void Realtime::prepare_page() {
+    ui_->measgrid->setModel(&rules.page);
+    ui_->measgrid->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    ui_->measgrid->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 4);
+    const int fitting = fontMetrics().horizontalAdvance(QStringLiteral("00/00/00")) + 12;
+    const int width = qMax(kColumnTwips / kTwipsPerPixel, fitting);
+    for (int column = 0; column < rules.page.columnCount(); ++column)
+        ui_->measgrid->setColumnWidth(column, width);
+    connect(&rules.page, &PageModel::rowsInserted, this, &Realtime::follow_page);
+}
+
+void Realtime::follow_page() {
+    // The newest row stays in sight unless the user has scrolled back to look at older ones.
+    const QScrollBar* bar = ui_->measgrid->verticalScrollBar();
+    if (bar->value() >= bar->maximum() - 1) ui_->measgrid->scrollToBottom();
+}
+
+QString Realtime::ask_log_name() {
+    QFileDialog dialog(this);
+    dialog.setAcceptMode(QFileDialog::AcceptOpen);
+    dialog.setFileMode(QFileDialog::AnyFile);
+    dialog.setNameFilter(QStringLiteral("(*.log)"));
+    dialog.setDefaultSuffix(QStringLiteral("log"));
+    dialog.setDirectory(program_.base_dir);
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return {};
+    return dialog.selectedFiles().constFirst();
+}
+
+void Realtime::datamenagment() {
+    if (rules.log.log_open()) {
+        set_tooltip(ui_->save, QString::fromLatin1(kOpenFileTooltip));
+        rules.log.close();
+    } else {
+        set_tooltip(ui_->save, QString::fromLatin1(kCloseFileTooltip));
+        const QString name = ask_log_name();
+        if (!name.isEmpty()) open_log(name);
+    }
+    show_log_name();
+}
+
+void Realtime::open_log(const QString& file) {
+    rules.log.open(file, rules.page);
+    show_log_name();
+    ui_->measgrid->scrollToBottom();
+}
+
+void Realtime::show_log_name() {
+    ui_->file_name->setText(rules.log.log_open() ? rules.log.path() : QString());
+    ui_->file_label->setVisible(rules.log.log_open());
+    ui_->file_name->setVisible(rules.log.log_open());
+}
+
+void Realtime::show_log_state(const QString& reason) {
+    // A full disk must be seen, though no box may stop a run that nobody watches.
+    QPalette colours = palette();
+    if (!reason.isEmpty()) colours.setColor(QPalette::WindowText, QColor::fromRgb(kRed));
+    ui_->file_name->setPalette(colours);
+    ui_->file_name->setToolTip(reason.isEmpty() ? file_name_tooltip_ : reason);
+}
+
+void Realtime::createdoc() {
+    print_text(this, windowTitle(), print_lines(rules.page).join(u'\n'));
+}
+
+}  // namespace m47

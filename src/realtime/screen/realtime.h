@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QMainWindow>
+#include <memory>
+
+#include "panel_binding.h"
+#include "realtime_rules.h"
+
+namespace Ui {
+class Realtime;
+}
+
+namespace m47 {
+
+/// The screen "Real Time Function Mode": binds the real-time rules to its controls.
+class Realtime : public QMainWindow {
+    Q_OBJECT
+  public:
+    Realtime(Link& link, ProgramState& program, Database& database, QWidget* parent = nullptr);
+    ~Realtime() override;
+
+    RealtimeRules rules;
+
+    /// Prepares screen and meter; run once, when the screen is already visible.
+    void Form_Load();
+    /// Run each time the screen comes to the front.
+    void Form_Activate();
+
+    /// A click on the toolbar key `key`.
+    void barracomandi_ButtonClick(const QString& key);
+
+    /// Opens `file` as the log, as the key "save" does with the chosen name.
+    void open_log(const QString& file);
+
+  Q_SIGNALS:
+    /// The menu entry "&Exit": the screen asks to be closed.
+    void exit_asked();
+
+  private:
+    template <class Body>
+    void handle(const char* name, Body body);
+    void set_icons();
+    void connect_tuning();
+    void connect_lists();
+    void connect_menu();
+    void connect_toolbar();
+    void connect_limits();
+    void prepare_page();
+    void datamenagment();
+    QString ask_log_name();
+    void show_log_name();
+    void show_log_state(const QString& reason);
+    void single();
+    void createdoc();
+    void follow_page();
+
+    ProgramState& program_;
+    std::unique_ptr<Ui::Realtime> ui_;
+    std::unique_ptr<PanelBinding> binding_;
+    QString file_name_tooltip_;
+};
+
+}  // namespace m47

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "realtime_tooltips.h"
+
+namespace m47 {
+namespace {
+
+// The slips in these texts ("Gropu", "sucessivo", the repeated texts) are the screen's own.
+constexpr Tooltip kTooltips[] = {
+    {"save", "Open / Close file", "Apri/chidi file"},
+    {"single", "Single Element", "Elemento singolo"},
+    {"group", "Multiple acquisition elements from selected Plan",
+     "Acquisizione multipla di elementi di un piano"},
+    {"previous", "Move to Previous Plan", "Seleziona il piano precedente"},
+    {"next", "Move to Next Plan", "Seleziona il piano sucessivo"},
+    {"previous_prog", "Move to Previous Program", "Seleziona il programma precedente"},
+    {"next_prog", "Move to Next Program", "Seleziona il programma sucessivo"},
+    {"satellite", "Satellite Mode", "Modo satellite"},
+    {"terrestre", "Terrestrial Mode", "Modo terrestre"},
+    {"analogico", "Analog Mode", "Modo analogico"},
+    {"qpsk", "QPSK Digital Satellite", "Modo QPSK"},
+    {"qam", "QAM Digital Terrestrial", "Modo QAM"},
+    {"ofdm", "OFDM Digital Terrestrial", "Modo OFDM"},
+    {"single_acq", "Single Acquisition Element", "Acquisizione singolo elemento"},
+    {"multiple_acq", "Single Plan Acquisitions Elements",
+     "Acquisizione singola elementi del piano"},
+    {"start", "Timed Acquisition", "Timer acquisizioni"},
+    {"stop", "Stop Acquisition", "Stop acquisizioni"},
+    {"cancella", "Clear measurement page", "Cancella misure"},
+    {"stampa", "Print measurement page", "Stampa misure"},
+
+    {"grp_name", "Gropu name recall from database", nullptr},
+    {"prog_num", "Program number recall from database", nullptr},
+    {"file_name", "File name for data rescue", nullptr},
+
+    {"sat_opt", "Satellite options", "Opzioni satellite"},
+    {"fsat", "Select frequency", "Selezione frequenza"},
+    {"satlnb_state", "Select LNB options", "Selezione opzioni LNB"},
+    {"k22_state", "Select 22kHz tone", "Selezione tono 22K"},
+    {"locosc", "Select local oscillator", "Selezione oscillatore locale"},
+    {"locopt_0", "1IF No Local Oscillator", "1°IF No oscillatore locale"},
+    {"locopt_1", "Set Local Oscillator", "Selezione oscillatore locale"},
+    {"ol_freq", "Local Oscillator Frequency", "Frequenza oscillatore locale"},
+    {"satdigmea", "Digital measurement options", "Opzioni misura digitale"},
+    {"chbws", "Select channel bandwidth for digital channel power measurement",
+     "Selezione larghezza banda per misura DCP"},
+    {"srqpsk_txt", "Select symbol rate", "Selezione SymbolRate"},
+    {"meas_statea_0", nullptr, "Abilita misura livello"},
+    {"meas_statea_1", nullptr, "Abilita misura livello C/N"},
+    {"meas_statea_2", nullptr, "Abilita misura livello del noise per C/N"},
+    {"alarm_statea_0", "Enable level alarm", "Abilita allarme livello"},
+    {"alarm_statea_1", "Enabled CN alarm", "Abilita allarme C/N"},
+    {"meas_stated_0", "Enable DCP measurement", "Abilita misura DCP"},
+    {"meas_stated_1", "Enable CN digital measurement", "Abilita misura del C/N digitale"},
+    {"meas_stated_2", "Enable DCP noise for digital CN", "Abilita misura DCP del noise per CN"},
+    {"meas_stated_3", "Enable CHBER measurement", "Abilita misura CHBER"},
+    {"meas_stated_4", "Enable PvBER measurement", "Abilita misura PvBER"},
+    {"meas_stated_5", "Enable CFO measurement", "Abilita misura CFO"},
+    {"meas_stated_6", "Enable CFO measurement", "Abilita misura MER"},
+    {"meas_stated_7", "Enable RU measurement", "Abilita misura Noise Margin"},
+    {"alarm_stated_0", "Enable DCP alarm", "Abilita allarme DCP"},
+    {"alarm_stated_1", "Enabled CN  alarm", "Abilita allarme DCP"},
+    {"alarm_stated_2", "Enable CHBER alarm", "Abilita allarme CHBER"},
+    {"alarm_stated_3", "Enable MER alarm", "Abilita allarme MER"},
+    {"lev_mina", "Minimum alarm level", "Livello minimo d'allarme"},
+    {"lev_mind", "Minimum alarm level", "Livello minimo d'allarme"},
+    {"lev_maxa", "Maximum alarm level", "Livello massimo d'allarme"},
+    {"lev_maxd", "Maximum alarm level", "Livello massimo d'allarme"},
+    {"cn_mina", "Minimuml alarm NOISE level", "Livello minimo CN d'allarme"},
+    {"cn_mind", "Minimum alarm NOISE level", "Livello minimo CN d'allarme"},
+    {"cn_maxa", "Maximum alarm NOISE level", "Livello massimo CN d'allarme"},
+    {"cn_maxd", "Maximum alarm NOISE level", "Livello massimo CN d'allarme"},
+    {"chber_mind", "Minimum alarm CHBER level", "Livello minimo CHBER d'allarme"},
+    {"chber_maxd", "Maximum alarm CHBER level", "Livello massimo CHBER d'allarme"},
+    {"mer_mind", "Minimum alarm MER level", "Livello minimo MER d'allarme"},
+    {"mer_maxd", "Maximum alarm MER level", "Livello massimo MER d'allarme"},
+    {"time_delay", "Expected Time", "Tempo d'attesa ciclo"},
+    {"measgrid", nullptr, "Elenco misure"},
+
+    {"cmdcomplete", nullptr, "Completa le misure C/N e rumore"},
+};
+
+}  // namespace
+
+std::span<const Tooltip> realtime_tooltips() {
+    return kTooltips;
+}
+
+}  // namespace m47

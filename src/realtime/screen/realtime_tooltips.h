@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <span>
+
+#include "tooltips.h"
+
+namespace m47 {
+
+/// The tooltips of the real-time screen's controls and toolbar keys, in both languages.
+std::span<const Tooltip> realtime_tooltips();
+
+/// What the key "save" says once the screen is open: the log is closed, or open.
+inline constexpr const char* kOpenFileTooltip = "Open file";
+inline constexpr const char* kCloseFileTooltip = "Close file";
+
+}  // namespace m47
