@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "application.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QMessageBox>
+#include <QTimer>
+#include <cstdio>
+
+#include "database_error.h"
+#include "fault.h"
+#include "handler.h"
+#include "icons.h"
+#include "program.h"
+#include "unattended.h"
+
+namespace m47 {
+namespace {
+
+/// Last resort: a fault that reaches the event loop ends its event, not the program.
+class GuardedApplication : public QApplication {
+  public:
+    using QApplication::QApplication;
+    bool notify(QObject* receiver, QEvent* event) override {
+        bool handled = false;
+        run_handler(activeWindow(), receiver->metaObject()->className(),
+                    [&] { handled = QApplication::notify(receiver, event); });
+        return handled;
+    }
+};
+
+void print(std::FILE* stream, const QString& text) {
+    std::fprintf(stream, "%s\n", text.toLocal8Bit().constData());
+}
+
+/// The command line without the options of the window system, which QApplication reads itself.
+QStringList own_arguments(int argc, char** argv) {
+    static const QStringList kWithValue{
+        QStringLiteral("-platform"), QStringLiteral("-style"),    QStringLiteral("-stylesheet"),
+        QStringLiteral("-display"),  QStringLiteral("-geometry"), QStringLiteral("-platformtheme")};
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i) {
+        const QString word = QString::fromLocal8Bit(argv[i]);
+        if (kWithValue.contains(word))
+            ++i;
+        else
+            arguments.append(word);
+    }
+    return arguments;
+}
+
+bool platform_chosen(int argc, char** argv) {
+    if (!qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) return true;
+    for (int i = 1; i < argc; ++i)
+        if (QByteArray(argv[i]) == "-platform") return true;
+    return false;
+}
+
+bool has_display() {
+    return !qEnvironmentVariableIsEmpty("DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+}
+
+/// One clear message: on stderr always, in a box when somebody looks.
+void tell(const QString& text, const Options& options) {
+    print(stderr, QStringLiteral("m47-remote: ") + text);
+    if (!options.measure) QMessageBox::critical(nullptr, QStringLiteral("M47"), text);
+}
+
+std::unique_ptr<Database> open_database(const ProgramState& state, const Options& options) {
+    const QString path = state.base_dir + QLatin1String(kDatabaseFile);
+    DatabaseError error{};
+    std::unique_ptr<Database> database;
+    if (!options.create_database || Database::create(path, error))
+        database = Database::open(path, error);
+    if (!database) tell(database_error_text(error, state.texts), options);
+    return database;
+}
+
+int run_windows(Program& program, const Options& options) {
+    program.window().show();
+    QTimer::singleShot(0, &program.window(), [&program, &options] {
+        run_handler(&program.window(), "start", [&] {
+            if (options.on_port > 0) program.identify(options.on_port);
+            program.window().open_screen(options.open);
+        });
+    });
+    return QApplication::exec();
+}
+
+int run_with_options(int argc, char** argv, const Options& options) {
+    GuardedApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("m47-remote"));
+    QApplication::setApplicationVersion(QStringLiteral(M47_VERSION));
+    QApplication::setDesktopFileName(QStringLiteral("m47-remote"));
+    ProgramState state;
+    state.texts.language = kItalian;
+    if (!options.directory.isEmpty() && !QDir::setCurrent(options.directory)) {
+        tell(QStringLiteral("cannot work in the folder %1").arg(options.directory), options);
+        return options.measure ? kDatabase : 1;
+    }
+    state.base_dir = folder_with_separator(QDir::currentPath());
+    std::unique_ptr<Database> database = open_database(state, options);
+    if (!database) return options.measure ? kDatabase : 1;
+    PortList ports;
+    for (const QString& entry : options.ports) ports.add(entry);
+    Program program(state, std::move(database), std::move(ports));
+    return options.measure ? run_unattended(program, options) : run_windows(program, options);
+}
+
+}  // namespace
+
+int run_program(int argc, char** argv) {
+    const Options options = parse_options(own_arguments(argc, argv));
+    switch (options.action) {
+        case Options::Action::help:
+            print(stdout, help_text().trimmed());
+            return kGood;
+        case Options::Action::version:
+            print(stdout, QStringLiteral("m47-remote " M47_VERSION));
+            return kGood;
+        case Options::Action::wrong:
+            print(stderr, QStringLiteral("m47-remote: ") + options.error);
+            return kUsage;
+        case Options::Action::run:
+            break;
+    }
+    if (!platform_chosen(argc, argv)) {
+        if (options.measure) {
+            // Nothing is shown, so a display that cannot be reached must not stop a measurement.
+            qputenv("QT_QPA_PLATFORM", "offscreen");
+        } else if (!has_display()) {
+            print(stderr, QStringLiteral("m47-remote: there is no display; see --measure"));
+            return 1;
+        }
+    }
+    return run_with_options(argc, argv, options);
+}
+
+}  // namespace m47

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "busy_pump.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QTimerEvent>
+#include <utility>
+
+namespace m47 {
+
+BusyPump::BusyPump() {
+    qApp->installEventFilter(this);
+}
+
+BusyPump::~BusyPump() = default;
+
+void BusyPump::pump() {
+    if (pumping_) return;
+    pumping_ = true;
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents |
+                                    QEventLoop::X11ExcludeTimers);
+    pumping_ = false;
+}
+
+bool BusyPump::eventFilter(QObject* watched, QEvent* event) {
+    if (!pumping_ || event->type() != QEvent::Close) return QObject::eventFilter(watched, event);
+    auto* window = qobject_cast<QWidget*>(watched);
+    if (!window) return QObject::eventFilter(watched, event);
+    event->ignore();
+    // A timer, since timers rest until the running handler has ended.
+    if (closing_.isEmpty()) startTimer(0);
+    if (!closing_.contains(window)) closing_.append(window);
+    return true;
+}
+
+void BusyPump::timerEvent(QTimerEvent* event) {
+    killTimer(event->timerId());
+    const auto windows = std::exchange(closing_, {});
+    for (const auto& window : windows)
+        if (window) window->close();
+}
+
+}  // namespace m47

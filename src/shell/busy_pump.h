@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QList>
+#include <QObject>
+#include <QPointer>
+#include <QWidget>
+
+namespace m47 {
+
+/// Keeps the windows alive while the meter is being waited for: they repaint and answer the
+/// desktop, but nothing that the user does and no timer is acted on. Clicks and keys stay in the
+/// queue, timers come late and once, and a window that was told to close closes afterwards.
+class BusyPump : public QObject {
+    Q_OBJECT
+  public:
+    BusyPump();
+    ~BusyPump() override;
+
+    void pump();
+    /// True inside pump(): what arrives now must not start anything.
+    bool pumping() const { return pumping_; }
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  protected:
+    void timerEvent(QTimerEvent* event) override;
+
+  private:
+    bool pumping_ = false;
+    QList<QPointer<QWidget>> closing_;
+};
+
+}  // namespace m47

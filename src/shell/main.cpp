@@ -1,0 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "application.h"
+
+int main(int argc, char** argv) {
+    return m47::run_program(argc, argv);
+}

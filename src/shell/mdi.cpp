@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "mdi.h"
+
+#include "handler.h"
+#include "icons.h"
+#include "ui_mdi.h"
+
+namespace m47 {
+
+M47MDI::M47MDI(ProgramState& program, QWidget* parent)
+    : QMainWindow(parent),
+      program_(program),
+      ui_(std::make_unique<Ui::M47MDI>()),
+      status_(new StatusPanel) {
+    ui_->setupUi(this);
+    caption_ = windowTitle();
+    ui_->status_line->addPermanentWidget(status_);
+    setWindowIcon(application_icon());
+    for (QAction* key : ui_->barracomandi->actions()) key->setIcon(toolbar_icon(key->objectName()));
+    on(ui_->barracomandi, &QToolBar::actionTriggered, this, "barracomandi_ButtonClick",
+       [this](QAction* key) { open_screen(key->objectName()); });
+    on(ui_->cmdinglese, &QAction::triggered, this, "cmdinglese_Click",
+       [this] { cmdinglese_Click(); });
+    on(ui_->cmditaliano, &QAction::triggered, this, "cmditaliano_Click",
+       [this] { cmditaliano_Click(); });
+    connect(ui_->cmdexit, &QAction::triggered, this, &QWidget::close);
+    connect(ui_->screens, &QMdiArea::subWindowActivated, this, &M47MDI::screen_activated);
+    ui_->cmdinglese->setChecked(true);
+    cmditaliano_Click();
+}
+
+M47MDI::~M47MDI() {
+    // The views go after this object; none of them comes to the front any more.
+    ui_->screens->disconnect(this);
+}
+
+void M47MDI::add_screen(const QString& key, const ScreenMaker& maker) {
+    makers_[key] = maker;
+}
+
+QWidget* M47MDI::screen_of(const QString& key) const {
+    const QMdiSubWindow* view = views_.value(key);
+    return view ? view->widget() : nullptr;
+}
+
+void M47MDI::open_screen(const QString& key) {
+    if (!makers_.contains(key)) return;
+    if (QMdiSubWindow* view = views_.value(key)) {
+        view->showNormal();
+        ui_->screens->setActiveSubWindow(view);
+        return;
+    }
+    const ScreenMaker& maker = makers_[key];
+    QWidget* screen = maker.create();
+    QMdiSubWindow* view = ui_->screens->addSubWindow(screen);
+    view->setAttribute(Qt::WA_DeleteOnClose);
+    view->setWindowIcon(toolbar_icon(key));
+    // The screen is already at the front while it loads; its activation comes after that, once.
+    front_ = view;
+    views_[key] = view;
+    view->show();
+    keep_inside(view);
+    maker.load(screen);
+    if (maker.activate) maker.activate(screen);
+}
+
+void M47MDI::keep_inside(QMdiSubWindow* view) const {
+    const QSize room = ui_->screens->viewport()->size();
+    view->resize(view->size().boundedTo(room));
+    const QPoint furthest(room.width() - view->width(), room.height() - view->height());
+    view->move(qMin(view->x(), furthest.x()), qMin(view->y(), furthest.y()));
+}
+
+QString M47MDI::key_of(const QMdiSubWindow* view) const {
+    for (auto it = views_.cbegin(); it != views_.cend(); ++it)
+        if (it.value() == view) return it.key();
+    return {};
+}
+
+void M47MDI::screen_activated(QMdiSubWindow* view) {
+    // Leaving the program for another window of the desktop and coming back is no activation.
+    if (!view || view == front_) return;
+    front_ = view;
+    const QString key = key_of(view);
+    if (!key.isEmpty() && makers_[key].activate) makers_[key].activate(view->widget());
+}
+
+void M47MDI::cmdinglese_Click() {
+    program_.texts.language = kEnglish;
+    ui_->cmdinglese->setChecked(true);
+    ui_->cmditaliano->setChecked(false);
+    status_->show_reason();
+}
+
+void M47MDI::cmditaliano_Click() {
+    program_.texts.language = kItalian;
+    ui_->cmdinglese->setChecked(false);
+    ui_->cmditaliano->setChecked(true);
+    status_->show_reason();
+}
+
+QString M47MDI::caption() const {
+    // Not windowTitle(): a maximised screen adds its own name there.
+    return caption_;
+}
+
+void M47MDI::set_caption(const QString& caption) {
+    caption_ = caption;
+    setWindowTitle(caption);
+}
+
+void M47MDI::enable_asl(bool on) {
+    ui_->asl->setEnabled(on);
+}
+
+}  // namespace m47

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QMainWindow>
+#include <QMap>
+#include <QMdiSubWindow>
+#include <QPointer>
+#include <functional>
+#include <memory>
+
+#include "identification.h"
+#include "program_state.h"
+#include "status_panel.h"
+
+namespace Ui {
+class M47MDI;
+}
+
+namespace m47 {
+
+/// How the main window makes one of its screens.
+struct ScreenMaker {
+    std::function<QWidget*()> create;
+    /// Run once when the screen is there and visible.
+    std::function<void(QWidget*)> load;
+    /// Run each time the screen comes to the front, may be empty.
+    std::function<void(QWidget*)> activate;
+};
+
+/// The main window: toolbar and menus, the child views, the link's status.
+class M47MDI : public QMainWindow, public MainWindowView {
+    Q_OBJECT
+  public:
+    explicit M47MDI(ProgramState& program, QWidget* parent = nullptr);
+    ~M47MDI() override;
+
+    StatusPanel& status() { return *status_; }
+
+    /// The screen that toolbar key `key` opens.
+    void add_screen(const QString& key, const ScreenMaker& maker);
+
+    /// Shows the screen of `key`, made where it does not exist yet; a key without one does nothing.
+    void open_screen(const QString& key);
+    /// The screen of `key` where it is open, else nullptr.
+    QWidget* screen_of(const QString& key) const;
+
+    void cmdinglese_Click();
+    void cmditaliano_Click();
+
+    QString caption() const override;
+    void set_caption(const QString& caption) override;
+    void enable_asl(bool on) override;
+
+  private:
+    void screen_activated(QMdiSubWindow* view);
+    /// A new screen opens wholly visible, scaled to the room there is.
+    void keep_inside(QMdiSubWindow* view) const;
+    QString key_of(const QMdiSubWindow* view) const;
+
+    ProgramState& program_;
+    QString caption_;
+    std::unique_ptr<Ui::M47MDI> ui_;
+    StatusPanel* status_;
+    QMap<QString, ScreenMaker> makers_;
+    QMap<QString, QPointer<QMdiSubWindow>> views_;
+    QPointer<QMdiSubWindow> front_;
+};
+
+}  // namespace m47

@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "options.h"
+
+#include <QCommandLineParser>
+#include <QRegularExpression>
+#include <cmath>
+
+#include "port_list.h"
+
+namespace m47 {
+namespace {
+
+const QStringList kAlarmNames{QStringLiteral("level"), QStringLiteral("cn"), QStringLiteral("ber"),
+                              QStringLiteral("mer")};
+const QStringList kScreens{QStringLiteral("program"),        QStringLiteral("download"),
+                           QStringLiteral("realtime"),       QStringLiteral("asl"),
+                           QStringLiteral("configurazione"), QStringLiteral("setport")};
+
+void add_options(QCommandLineParser& parser) {
+    parser.setApplicationDescription(
+        QStringLiteral("Remote control for the M47 TV signal level meter."));
+    const QList<QCommandLineOption> options{
+        {{"h", "help"}, "Show this help and end."},
+        {{"v", "version"}, "Show the version and end."},
+        {"directory", "Work in DIR instead of the current directory.", "DIR"},
+        {"port", "The device behind port number N (1 to 10); repeatable.", "N=DEVICE"},
+        {"create-database", "First create the database file where it does not exist."},
+        {"on-port", "Connect to the meter on port number N at start.", "N"},
+        {"open", "Open the screen of toolbar key KEY at start.", "KEY"},
+        {"measure", "Measure without a window and print each row, TAB-separated."},
+        {"analog", "Measure the analog way (the default)."},
+        {"digital", "Measure the digital way (QPSK)."},
+        {"freq", "Frequency to measure at.", "MHZ"},
+        {"bandwidth", "Channel bandwidth for the digital channel power.", "MHZ"},
+        {"symbol-rate", "QPSK symbol rate.", "KS"},
+        {"alarm", "Check limits, NAME one of level, cn, ber, mer; repeatable.", "NAME=MIN:MAX"},
+        {"count", "How many measurements to take (default 1).", "K"},
+        {"log", "Append each row to FILE as well.", "FILE"},
+        {"screenshot", "Write a picture of the real-time screen at the end.", "FILE"},
+    };
+    for (const QCommandLineOption& option : options) parser.addOption(option);
+}
+
+/// A whole number from `minimum` to `maximum` as the value of `name`; an error text otherwise.
+QString read_number(const QCommandLineParser& parser, const QString& name, int minimum, int maximum,
+                    int& number) {
+    if (!parser.isSet(name)) return {};
+    bool good = false;
+    const int value = parser.value(name).toInt(&good);
+    if (!good || value < minimum || value > maximum)
+        return QStringLiteral("--%1 takes a whole number from %2 to %3")
+            .arg(name)
+            .arg(minimum)
+            .arg(maximum);
+    number = value;
+    return {};
+}
+
+QString read_alarms(const QCommandLineParser& parser, QList<AlarmOption>& alarms) {
+    static const QRegularExpression kForm(QStringLiteral("^([a-z]+)=([^:]*):([^:]*)$"));
+    const QStringList values = parser.values(QStringLiteral("alarm"));
+    for (const QString& value : values) {
+        const QRegularExpressionMatch match = kForm.match(value);
+        if (!match.hasMatch() || !kAlarmNames.contains(match.captured(1)))
+            return QStringLiteral(
+                "--alarm takes NAME=MIN:MAX with NAME one of level, cn, ber, mer");
+        alarms.append({match.captured(1), match.captured(2), match.captured(3)});
+    }
+    return {};
+}
+
+QString read_positive(const QCommandLineParser& parser, const QString& name, QString& text) {
+    if (!parser.isSet(name)) return {};
+    bool good = false;
+    text = parser.value(name);
+    const double value = text.toDouble(&good);
+    if (good && std::isfinite(value) && value > 0) return {};
+    return QStringLiteral("--%1 takes a number above 0").arg(name);
+}
+
+QString read_values(const QCommandLineParser& parser, Options& options) {
+    PortList entries({.sys = {}, .dev = {}, .reported = [] { return QStringList(); }});
+    options.ports = parser.values(QStringLiteral("port"));
+    for (const QString& entry : std::as_const(options.ports))
+        if (!entries.add(entry))
+            return QStringLiteral("--port takes N=DEVICE with N from 1 to 10, not \"%1\"")
+                .arg(entry);
+    QString error =
+        read_number(parser, QStringLiteral("on-port"), 1, PortList::kPorts, options.on_port);
+    if (error.isEmpty())
+        error = read_number(parser, QStringLiteral("count"), 1, 1'000'000'000, options.count);
+    if (error.isEmpty()) error = read_positive(parser, QStringLiteral("freq"), options.frequency);
+    if (error.isEmpty())
+        error = read_positive(parser, QStringLiteral("bandwidth"), options.bandwidth);
+    if (error.isEmpty())
+        error = read_positive(parser, QStringLiteral("symbol-rate"), options.symbol_rate);
+    if (error.isEmpty()) error = read_alarms(parser, options.alarms);
+    return error;
+}
+
+QString check_combination(const QCommandLineParser& parser, const Options& options) {
+    if (options.measure) {
+        if (options.on_port == 0) return QStringLiteral("--measure needs --on-port");
+        if (parser.isSet(QStringLiteral("analog")) && options.digital)
+            return QStringLiteral("--analog and --digital exclude each other");
+        if (!options.open.isEmpty()) return QStringLiteral("--open does not go with --measure");
+        return {};
+    }
+    for (const char* name : {"analog", "digital", "freq", "bandwidth", "symbol-rate", "alarm",
+                             "count", "log", "screenshot"})
+        if (parser.isSet(QString::fromLatin1(name)))
+            return QStringLiteral("--%1 goes with --measure only").arg(QLatin1String(name));
+    if (!options.open.isEmpty() && !kScreens.contains(options.open))
+        return QStringLiteral("--open takes one of %1").arg(kScreens.join(QStringLiteral(", ")));
+    return {};
+}
+
+Options wrong(const QString& error) {
+    Options options;
+    options.action = Options::Action::wrong;
+    options.error = error;
+    return options;
+}
+
+}  // namespace
+
+Options parse_options(const QStringList& arguments) {
+    QCommandLineParser parser;
+    add_options(parser);
+    Options options;
+    const bool parsed = parser.parse(QStringList{QStringLiteral("m47-remote")} + arguments);
+    if (!parsed) return wrong(parser.errorText());
+    if (parser.isSet(QStringLiteral("help"))) options.action = Options::Action::help;
+    if (parser.isSet(QStringLiteral("version"))) options.action = Options::Action::version;
+    if (options.action != Options::Action::run) return options;
+    if (!parser.positionalArguments().isEmpty())
+        return wrong(QStringLiteral("unexpected argument \"%1\"")
+                         .arg(parser.positionalArguments().constFirst()));
+    options.directory = parser.value(QStringLiteral("directory"));
+    options.create_database = parser.isSet(QStringLiteral("create-database"));
+    options.open = parser.value(QStringLiteral("open"));
+    options.measure = parser.isSet(QStringLiteral("measure"));
+    options.digital = parser.isSet(QStringLiteral("digital"));
+    options.log = parser.value(QStringLiteral("log"));
+    options.screenshot = parser.value(QStringLiteral("screenshot"));
+    QString error = read_values(parser, options);
+    if (error.isEmpty()) error = check_combination(parser, options);
+    return error.isEmpty() ? options : wrong(error);
+}
+
+QString help_text() {
+    QCommandLineParser parser;
+    add_options(parser);
+    // Without a window system there is no program name to show but our own.
+    return parser.helpText().replace(QStringLiteral("<executable_name>"),
+                                     QStringLiteral("m47-remote"));
+}
+
+}  // namespace m47

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QMap>
+#include <QString>
+#include <QStringList>
+
+namespace m47 {
+
+/// One alarm of an unattended measurement: its limits as they would be typed on the screen.
+struct AlarmOption {
+    QString name;  ///< "level", "cn", "ber" or "mer"
+    QString minimum;
+    QString maximum;
+};
+
+/// What the command line asks for.
+struct Options {
+    enum class Action { run, help, version, wrong };
+
+    Action action = Action::run;
+    QString error;  ///< one line, when the action is wrong
+    QString directory;
+    QStringList ports;  ///< "N=DEVICE"
+    bool create_database = false;
+    int on_port = 0;  ///< port to identify at start, 0 for none
+    QString open;     ///< toolbar key of a screen to open at start
+
+    bool measure = false;
+    bool digital = false;
+    QString frequency;    ///< MHz, as it would be typed; empty leaves the screen's own
+    QString bandwidth;    ///< MHz
+    QString symbol_rate;  ///< kS/s
+    int count = 1;
+    QString log;
+    QString screenshot;
+    QList<AlarmOption> alarms;
+};
+
+/// Reads the command line without its first word (the program's name).
+Options parse_options(const QStringList& arguments);
+
+/// The text of --help.
+QString help_text();
+
+}  // namespace m47

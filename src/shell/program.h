@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <memory>
+
+#include "database.h"
+#include "identification.h"
+#include "link.h"
+#include "mdi.h"
+#include "port_list.h"
+#include "program_state.h"
+#include "real_clock.h"
+#include "real_port.h"
+
+namespace m47 {
+
+class Realtime;
+
+/// The whole program: the parts that live as long as it does, and who knows whom.
+class Program {
+  public:
+    /// `state` with `base_dir` set and `database` already open.
+    Program(ProgramState& state, std::unique_ptr<Database> database, PortList ports);
+    ~Program();
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+
+    M47MDI& window() { return window_; }
+    Link& link() { return link_; }
+
+    /// Identifies the meter on port `number` (1 to 10), as picking it on the port screen does.
+    void identify(int number);
+
+    /// A real-time screen, neither loaded nor shown; `parent` owns it.
+    Realtime* make_realtime(QWidget* parent);
+
+  private:
+    void add_screens();
+    QString link_fault() const;
+
+    ProgramState& state_;
+    std::unique_ptr<Database> database_;
+    PortList ports_;
+    RealClock clock_;
+    RealPort port_;
+    M47MDI window_;
+    Link link_;
+    Identification identification_;
+};
+
+}  // namespace m47

@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "status_panel.h"
+
+#include <QApplication>
+#include <QHBoxLayout>
+
+#include "lamp.h"
+
+namespace m47 {
+
+StatusPanel::StatusPanel(QWidget* parent)
+    : QFrame(parent), pbar1_(new QProgressBar(this)), port_state_(new QLabel(this)) {
+    setObjectName(QStringLiteral("Picture1"));
+    pbar1_->setObjectName(QStringLiteral("pbar1"));
+    pbar1_->setTextVisible(false);
+    pbar1_->setFixedWidth(fontMetrics().averageCharWidth() * 24);
+    // Its place is kept, so that the screens do not jump when it appears.
+    QSizePolicy place = pbar1_->sizePolicy();
+    place.setRetainSizeWhenHidden(true);
+    pbar1_->setSizePolicy(place);
+    pbar1_->hide();
+    setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
+    port_state_->setObjectName(QStringLiteral("port_state"));
+    port_state_->setTextFormat(Qt::PlainText);
+    port_state_->setMargin(3);
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(pbar1_);
+    layout->addWidget(port_state_);
+    show_state(QStringLiteral("RS232 ComPort NOT Connected"), false);
+}
+
+void StatusPanel::show_progress_bar() {
+    pbar1_->show();
+}
+
+void StatusPanel::set_progress(int value) {
+    pbar1_->setValue(value);
+}
+
+int StatusPanel::progress() const {
+    return pbar1_->value();
+}
+
+int StatusPanel::progress_maximum() const {
+    return pbar1_->maximum();
+}
+
+void StatusPanel::set_hourglass(bool on) {
+    if (on == hourglass_) return;
+    hourglass_ = on;
+    if (on)
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+    else
+        QApplication::restoreOverrideCursor();
+}
+
+void StatusPanel::set_port_state(const QString& text, bool connected) {
+    show_state(text, connected);
+    show_reason();
+}
+
+void StatusPanel::show_state(const QString& text, bool connected) {
+    connected_ = connected;
+    port_state_->setText(text);
+    // Black on the exact status colour reads well in a light and in a dark palette.
+    QPalette colours = port_state_->palette();
+    colours.setColor(QPalette::Window, QColor::fromRgb(connected ? kGreen : kRed));
+    colours.setColor(QPalette::WindowText, Qt::black);
+    port_state_->setAutoFillBackground(true);
+    port_state_->setPalette(colours);
+}
+
+void StatusPanel::show_reason() {
+    port_state_->setToolTip(!connected_ && reason ? reason() : QString());
+}
+
+void StatusPanel::pump() {
+    pump_.pump();
+}
+
+}  // namespace m47

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QFrame>
+#include <QLabel>
+#include <QProgressBar>
+#include <functional>
+
+#include "busy_pump.h"
+#include "link_view.h"
+
+namespace m47 {
+
+/// The panel `Picture1` of the main window: progress bar and link status.
+class StatusPanel : public QFrame, public LinkView {
+    Q_OBJECT
+  public:
+    explicit StatusPanel(QWidget* parent = nullptr);
+
+    /// Asked for the reason whenever the status turns red, and when the language changes.
+    std::function<QString()> reason;
+    void show_reason();
+
+    void show_progress_bar() override;
+    void set_progress(int value) override;
+    int progress() const override;
+    int progress_maximum() const override;
+    void set_hourglass(bool on) override;
+    void set_port_state(const QString& text, bool connected) override;
+    void pump() override;
+
+    const BusyPump& busy_pump() const { return pump_; }
+
+  private:
+    void show_state(const QString& text, bool connected);
+
+    QProgressBar* pbar1_;
+    QLabel* port_state_;
+    BusyPump pump_;
+    bool hourglass_ = false;
+    bool connected_ = false;
+};
+
+}  // namespace m47

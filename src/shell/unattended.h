@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "options.h"
+#include "program.h"
+
+namespace m47 {
+
+/// The exit statuses of an unattended run.
+enum ExitStatus {
+    kGood = 0,
+    kAlarmFailed = 1,
+    kUsage = 2,
+    kNoLink = 3,
+    kDatabase = 4,
+    kOutputLost = 5,  ///< a row is missing in the log or on stdout, or the picture is
+};
+
+/// Measures without showing a window: connects, runs the handlers that the buttons run and prints
+/// each row of the page on stdout as it comes. SIGINT and SIGTERM end it after the running
+/// transaction. Returns the exit status.
+int run_unattended(Program& program, const Options& options);
+
+}  // namespace m47

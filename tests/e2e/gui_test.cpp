@@ -1,0 +1,281 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The whole program in its windows, clicked and typed at as a technician does, against the
+// simulated meter on a pseudo-terminal.
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QElapsedTimer>
+#include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTableView>
+#include <QTest>
+#include <QTimer>
+
+#include "process_support.h"
+#include "program.h"
+#include "realtime.h"
+
+namespace m47 {
+
+class GuiTest : public QObject {
+    Q_OBJECT
+
+  private:
+    std::unique_ptr<QTemporaryDir> folder_;
+    std::unique_ptr<MeterProcess> meter_;
+    ProgramState state_;
+    std::unique_ptr<Program> program_;
+
+    template <class Kind>
+    Kind* find(const char* name, QObject* in = nullptr) {
+        auto* found = (in ? in : &program_->window())->findChild<Kind*>(QString::fromLatin1(name));
+        if (!found) qFatal("no %s", name);
+        return found;
+    }
+
+    void start(const QStringList& meter_options = {}) {
+        program_.reset();
+        folder_ = std::make_unique<QTemporaryDir>();
+        meter_ = std::make_unique<MeterProcess>(
+            folder_->path(), QStringList{QStringLiteral("--baud-factor"), QStringLiteral("0"),
+                                         QStringLiteral("--delay"), QStringLiteral("0")} +
+                                 meter_options);
+        state_ = ProgramState();
+        state_.base_dir = folder_with_separator(folder_->path());
+        const QString path = state_.base_dir + QLatin1String(kDatabaseFile);
+        DatabaseError error{};
+        QVERIFY(Database::create(path, error));
+        PortList ports;
+        QVERIFY(ports.add(QStringLiteral("3=") + meter_->link()));
+        program_ = std::make_unique<Program>(state_, Database::open(path, error), ports);
+        program_->window().resize(1024, 600);
+        program_->window().show();
+        QVERIFY(QTest::qWaitForWindowExposed(&program_->window()));
+    }
+
+    /// Picks a number in the list of ports with the keyboard.
+    void pick_port(int number) {
+        find<QAction>("setport")->trigger();
+        auto* porta = find<QComboBox>("porta");
+        porta->setFocus();
+        porta->showPopup();
+        auto* popup = QApplication::activePopupWidget();
+        QVERIFY(popup);
+        auto* view = porta->view();
+        view->setCurrentIndex(porta->model()->index(number - 1, 0));
+        QTest::keyClick(view, Qt::Key_Return);
+    }
+
+    Realtime* open_realtime() {
+        find<QAction>("realtime")->trigger();
+        return qobject_cast<Realtime*>(program_->window().screen_of(QStringLiteral("realtime")));
+    }
+
+    /// The commands since the last call.
+    QStringList new_commands() {
+        QTest::qWait(50);
+        const QStringList all = meter_->commands();
+        const QStringList fresh = all.mid(seen_);
+        seen_ = all.size();
+        return fresh;
+    }
+    qsizetype seen_ = 0;
+
+    void tick(const char* name, QObject* screen) {
+        auto* box = find<QCheckBox>(name, screen);
+        QTest::mouseClick(box, Qt::LeftButton, {}, {8, box->height() / 2});
+        QVERIFY(box->isChecked());
+    }
+    void type(const char* name, QObject* screen, const QString& text) {
+        auto* box = find<QLineEdit>(name, screen);
+        box->selectAll();
+        QTest::keyClicks(box, text);
+        QTest::keyClick(box, Qt::Key_Return);
+    }
+    QStringList row(const Realtime* screen, int number) {
+        QStringList cells;
+        for (int column = 0; column < screen->rules.page.columnCount(); ++column)
+            cells += screen->rules.page.index(number, column).data().toString();
+        return cells;
+    }
+
+  private Q_SLOTS:
+    void init() { seen_ = 0; }
+    void cleanup() {
+        program_.reset();
+        meter_.reset();
+    }
+
+    void picking_a_port_identifies_the_meter() {
+        start();
+        pick_port(3);
+        const auto* status = find<QLabel>("port_state");
+        QCOMPARE(status->text(), QStringLiteral("RS232 ComPort 3 Connected"));
+        QCOMPARE(status->palette().color(QPalette::Window), QColor(0, 255, 0));
+        QCOMPARE(new_commands(), QStringList({"ATTEN?", "VER?"}));
+        QCOMPARE(program_->window().windowTitle(),
+                 QStringLiteral("VKD M47_03 REMOTE CONTROL V3.1.0 PLUS"));
+        QVERIFY(find<QAction>("asl")->isEnabled());
+        QCOMPARE(state_.texts.language, int(kEnglish));
+        QVERIFY(find<QAction>("cmditaliano")->isChecked());
+        QCOMPARE(find<QComboBox>("porta")->itemData(2, Qt::ToolTipRole).toString(), meter_->link());
+        pick_port(3);
+        QCOMPARE(program_->window().windowTitle(),
+                 QStringLiteral("VKD M47_03 REMOTE CONTROL V3.1.0 PLUS V3.1.0 PLUS"));
+    }
+
+    void the_version_decides_over_the_satellite_key_data() {
+        QTest::addColumn<QString>("version");
+        QTest::addColumn<bool>("enabled");
+        QTest::newRow("old") << QStringLiteral("V2.9.9") << true;
+        QTest::newRow("new without") << QStringLiteral("V3.1.0") << false;
+        QTest::newRow("new with") << QStringLiteral("V3.1.0 PLUS") << true;
+    }
+    void the_version_decides_over_the_satellite_key() {
+        QFETCH(QString, version);
+        start({QStringLiteral("--version-text"), version});
+        pick_port(3);
+        QTEST(find<QAction>("asl")->isEnabled(), "enabled");
+    }
+
+    void an_analog_measurement_becomes_a_row_and_a_line() {
+        start();
+        pick_port(3);
+        Realtime* screen = open_realtime();
+        QCOMPARE(new_commands(),
+                 QStringList({"ATTEN?", "VER?", "MEASURE", "ATTEN 6", "TONE22K 00", "SYMBRATEQPSK?",
+                              "UNIT?", "LOCOSC 00", "FREQ 1000", "ATTEN 6"}));
+        const QString log = folder_->filePath(QStringLiteral("day.log"));
+        screen->open_log(log);
+        tick("meas_statea_0", screen);
+        tick("alarm_statea_0", screen);
+        find<QLineEdit>("lev_mina", screen)->setText(QStringLiteral("30"));
+        find<QLineEdit>("lev_maxa", screen)->setText(QStringLiteral("110"));
+        find<QAction>("single_acq", screen)->trigger();
+        QCOMPARE(new_commands(), QStringList({"MEASURE", "FREQ 1000.0", "ATTEN 6", "LEVANL?"}));
+        const QString level = find<QLabel>("leva", screen)->text();
+        QVERIFY(level.toDouble() > 30);
+        const QStringList cells = row(screen, 0);
+        QCOMPARE(cells.mid(2), QStringList({"1000.0", "10600", level, "", "", "", "", "", "PASS"}));
+        QCOMPARE(screen->rules.page.rowCount(), 2);
+        QCOMPARE(content_of(log), cells.join(u'\t').toLatin1() + "\r\n");
+    }
+
+    void a_digital_measurement_asks_for_what_is_ticked() {
+        start();
+        pick_port(3);
+        Realtime* screen = open_realtime();
+        new_commands();
+        find<QAction>("qpsk", screen)->trigger();
+        QCOMPARE(new_commands(), QStringList({"TONE22K 00", "SYMBRATEQPSK?"}));
+        for (const char* measure : {"meas_stated_0", "meas_stated_3", "meas_stated_6"})
+            tick(measure, screen);
+        find<QAction>("single_acq", screen)->trigger();
+        QCOMPARE(new_commands(),
+                 QStringList({"MEASURE", "FREQ 1000.0", "CHBW 05", "ATTEN 6", "ATTEN?", "LEVANL?",
+                              "LEVDCP?", "FREQ 1000.0", "ATTEN 00", "SYMBRATEQPSK 27500", "BERQPSK",
+                              "BERQPSK?", "MEASURE"}));
+        const QStringList cells = row(screen, 0);
+        QVERIFY(cells[4].toDouble() > 40);
+        QVERIFY(cells[5].toDouble() > 0 && cells[5].toDouble() < 1e-2);
+        QCOMPARE(cells[6], QString());
+        QCOMPARE(cells[7], QString());
+        QVERIFY(cells[8].toDouble() > 5);
+        QCOMPARE(cells[10], QString());
+    }
+
+    void tuning_controls_send_what_they_show() {
+        start();
+        pick_port(3);
+        Realtime* screen = open_realtime();
+        new_commands();
+        type("fsat", screen, QStringLiteral("100"));
+        QCOMPARE(new_commands(), QStringList({"FREQ 0920.0"}));
+        QTest::mouseClick(find<QRadioButton>("locopt_1", screen), Qt::LeftButton, {}, {8, 8});
+        QCOMPARE(new_commands(), QStringList({"LOCOSC 1 A 10600", "LOCOSC 1 A", "FREQ?"}));
+        type("ol_freq", screen, QStringLiteral("9750"));
+        QCOMPARE(new_commands().mid(0, 2), QStringList({"LOCOSC0109750", "LOCOSC01"}));
+        QTest::mouseClick(find<QRadioButton>("locopt_0", screen), Qt::LeftButton, {}, {8, 8});
+        QCOMPARE(new_commands(), QStringList({"LOCOSC 00", "FREQ?"}));
+        auto* supply = find<QComboBox>("satlnb_state", screen);
+        supply->setFocus();
+        QTest::keyClick(supply, Qt::Key_Down);
+        QCOMPARE(new_commands(), QStringList({"LNVOLT 13", "LNB 01"}));
+        auto* attenuator = find<QComboBox>("atten_list", screen);
+        attenuator->setFocus();
+        QTest::keyClick(attenuator, Qt::Key_Up);
+        QCOMPARE(new_commands(), QStringList({"ATTEN 05", "ATTEN?"}));
+        QCOMPARE(attenuator->currentText(), QStringLiteral("5"));
+        find<QAction>("cmdlev_2", screen)->trigger();
+        find<QAction>("cmdlev_2", screen)->trigger();
+        QCOMPARE(new_commands(), QStringList({"UNIT 02", "UNIT 02"}));
+        QVERIFY(find<QAction>("cmdlev_2", screen)->isChecked());
+        QCOMPARE(state_.unit_index, int(kDbm));
+    }
+
+    void the_unit_of_the_meter_is_taken_over() {
+        start();
+        pick_port(3);
+        Realtime* screen = open_realtime();
+        find<QAction>("cmdlev_1", screen)->trigger();
+        screen->parentWidget()->close();
+        QTRY_VERIFY(!program_->window().screen_of(QStringLiteral("realtime")));
+        state_.unit_index = kDbuv;
+        screen = open_realtime();
+        QVERIFY(find<QAction>("cmdlev_1", screen)->isChecked());
+        QCOMPARE(state_.unit_index, int(kDbmv));
+    }
+
+    void a_vanished_meter_turns_the_status_red_within_a_moment() {
+        start();
+        pick_port(3);
+        Realtime* screen = open_realtime();
+        tick("meas_statea_0", screen);
+        meter_->kill_now();
+        QElapsedTimer timer;
+        timer.start();
+        find<QAction>("single_acq", screen)->trigger();
+        QVERIFY2(timer.elapsed() < 1500, qPrintable(QString::number(timer.elapsed())));
+        const auto* status = find<QLabel>("port_state");
+        QCOMPARE(status->text(), QStringLiteral("RS232 ComPort 3 NOT Connected"));
+        QCOMPARE(status->palette().color(QPalette::Window), QColor(255, 0, 0));
+        QVERIFY(!status->toolTip().isEmpty());
+        QCOMPARE(screen->rules.page.rowCount(), 1);
+        QVERIFY(!program_->link().port_connected);
+    }
+
+    void clicks_and_ticks_wait_while_the_meter_answers() {
+        start({QStringLiteral("--fault"), QStringLiteral("late:1"), QStringLiteral("--fault-on"),
+               QStringLiteral("LEVANL"), QStringLiteral("--late"), QStringLiteral("1")});
+        pick_port(3);
+        Realtime* screen = open_realtime();
+        tick("meas_statea_0", screen);
+        int ticks = 0;
+        bool inside = false;
+        QTimer timer;
+        connect(&timer, &QTimer::timeout, this, [&] {
+            ++ticks;
+            QVERIFY(!inside);
+        });
+        timer.start(100);
+        QTest::qWait(10);
+        ticks = 0;
+        inside = true;
+        screen->barracomandi_ButtonClick(QStringLiteral("single_acq"));
+        inside = false;
+        QCOMPARE(ticks, 0);
+        QCoreApplication::processEvents();
+        QCOMPARE(ticks, 1);
+        QCOMPARE(screen->rules.page.rowCount(), 2);
+    }
+};
+
+}  // namespace m47
+
+QTEST_MAIN(m47::GuiTest)
+#include "gui_test.moc"

@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <QTest>
+#include <map>
+
+#include "process_support.h"
+
+namespace m47 {
+
+/// Faults of the line that the link gets over: the row is there all the same.
+class HealingFaultTest : public QObject {
+    Q_OBJECT
+
+  private Q_SLOTS:
+    void initTestCase();
+    void cleanupTestCase();
+    void repeated_until_answered_data();
+    void repeated_until_answered();
+    void pause_before_the_wake_up();
+    void noise_within_an_answer_data();
+    void noise_within_an_answer();
+
+  private:
+    void start(const QString& name, const QStringList& faults);
+
+    std::map<QString, TestStand> stands_;
+};
+
+namespace {
+
+const QString kLevel = QStringLiteral("LEVANL?");
+/// A lone CR, which wakes the meter.
+const QString kWakeUp = QString();
+
+/// The commands of one analog row at the screen's own frequency, with `identification` in the place
+/// of "ATTEN?" and `level` in the place of "LEVANL?".
+QStringList commands_of_a_row(const QStringList& identification, const QStringList& level) {
+    return identification + QStringList{"VER?",          "MEASURE", "ATTEN 6",     "TONE22K 00",
+                                        "SYMBRATEQPSK?", "UNIT?",   "LOCOSC 00",   "FREQ 1000",
+                                        "ATTEN 6",       "MEASURE", "FREQ 1000.0", "ATTEN 6"} +
+           level;
+}
+
+}  // namespace
+
+void HealingFaultTest::start(const QString& name, const QStringList& faults) {
+    TestStand& stand = stands_.try_emplace(name, faults).first->second;
+    stand.start_measuring({"--log", "run.log"});
+}
+
+/// All runs go on at the same time, since most of them only wait.
+void HealingFaultTest::initTestCase() {
+    start("error", {"--fault", "error:1"});
+    start("error twice", {"--fault", "error:2"});
+    start("error in the measurement", {"--fault-on", kLevel, "--fault", "error:2"});
+    start("command error", {"--fault-on", kLevel, "--fault", "commanderror:2"});
+    start("asleep", {"--fault", "asleep:1"});
+    start("asleep twice", {"--fault-on", kLevel, "--fault", "asleep:2"});
+    start("error, then asleep",
+          {"--fault-on", kLevel, "--fault", "error:1", "--fault", "asleep:1"});
+    start("late", {"--fault-on", kLevel, "--fault", "late:1", "--late", "1.5"});
+    // The delay keeps the answer to the repeated command apart from the late one.
+    start("later than the echo limit",
+          {"--delay", "400", "--fault-on", kLevel, "--fault", "late:1", "--late", "1.8"});
+    start("spoilt echo", {"--fault", "wrongecho", "--fault-on", kLevel});
+    for (const char* seed : {"1", "2", "3"})
+        start(QStringLiteral("noise ") + seed,
+              {"--seed", seed, "--fault-on", kLevel, "--fault", "noise"});
+}
+
+void HealingFaultTest::cleanupTestCase() {
+    stands_.clear();
+}
+
+void HealingFaultTest::repeated_until_answered_data() {
+    QTest::addColumn<QStringList>("identification");
+    QTest::addColumn<QStringList>("level");
+    const QStringList once{"ATTEN?"};
+    const QStringList level{kLevel};
+    QTest::newRow("error") << QStringList{"ATTEN?", "ATTEN?"} << level;
+    QTest::newRow("error twice") << QStringList{"ATTEN?", "ATTEN?", "ATTEN?"} << level;
+    QTest::newRow("error in the measurement") << once << QStringList{kLevel, kLevel, kLevel};
+    QTest::newRow("command error") << once << QStringList{kLevel, kLevel, kLevel};
+    QTest::newRow("asleep") << QStringList{"ATTEN?", kWakeUp, "ATTEN?"} << level;
+    QTest::newRow("asleep twice") << once << QStringList{kLevel, kWakeUp, kLevel, kWakeUp, kLevel};
+    QTest::newRow("error, then asleep") << once << QStringList{kLevel, kLevel, kWakeUp, kLevel};
+    QTest::newRow("late") << once << level;
+    QTest::newRow("later than the echo limit") << once << QStringList{kLevel, kWakeUp, kLevel};
+    QTest::newRow("spoilt echo") << once << level;
+}
+
+void HealingFaultTest::repeated_until_answered() {
+    QFETCH(QStringList, identification);
+    QFETCH(QStringList, level);
+    TestStand& stand = stands_.at(QTest::currentDataTag());
+    const Ending ending = stand.remote.wait();
+    QCOMPARE(ending.status, 0);
+    QCOMPARE(ending.err, QByteArray());
+    QTRY_COMPARE(stand.meter.commands(), commands_of_a_row(identification, level));
+
+    const QList<QStringList> rows = rows_of(ending.out);
+    QCOMPARE(rows.size(), 1);
+    QCOMPARE(rows[0].size(), 11);
+    const QByteArray answer = stand.meter.answers_to(kLevel).constLast();
+    QCOMPARE(rows[0][4].toUtf8(), answer.split('\r')[1].trimmed());
+    QCOMPARE(stand.content("run.log"), as_log(ending.out));
+}
+
+void HealingFaultTest::pause_before_the_wake_up() {
+    TestStand& stand = stands_.at("asleep twice");
+    stand.remote.wait();
+    double asked = 0;
+    int pauses = 0;
+    for (const TraceEntry& entry : stand.meter.trace()) {
+        if (entry.bytes == "\r") {
+            ++pauses;
+            // Two seconds without an echo; both ends see the characters a little late.
+            const double pause = entry.first - asked;
+            QVERIFY2(pause > 1900 && pause < 3500, qPrintable(QString::number(pause)));
+        }
+        asked = entry.last;
+    }
+    QCOMPARE(pauses, 2);
+}
+
+void HealingFaultTest::noise_within_an_answer_data() {
+    QTest::addColumn<QString>("name");
+    for (const char* name : {"noise 1", "noise 2", "noise 3"}) QTest::newRow(name) << name;
+}
+
+/// Noise shifts what is cut out of the answer: the value may be spoilt, the row may not.
+void HealingFaultTest::noise_within_an_answer() {
+    QFETCH(QString, name);
+    TestStand& stand = stands_.at(name);
+    const Ending ending = stand.remote.wait();
+    QCOMPARE(ending.status, 0);
+    QCOMPARE(ending.err, QByteArray());
+    QCOMPARE(stand.meter.commands(), commands_of_a_row({"ATTEN?"}, {kLevel}));
+    const QByteArray answer = stand.meter.answers_to(kLevel).value(0);
+    QCOMPARE(answer.size(), QByteArray("LEVANL?\r  61.9\rOK\r").size() + 3);
+
+    const QList<QStringList> rows = rows_of(ending.out);
+    QCOMPARE(rows.size(), 1);
+    QCOMPARE(rows[0].size(), 11);
+    QVERIFY(!rows[0][4].isEmpty());
+    QVERIFY2(!ending.out.contains('\r'), "a line end in the middle of a row");
+    QCOMPARE(stand.content("run.log"), as_log(ending.out));
+}
+
+}  // namespace m47
+
+QTEST_GUILESS_MAIN(m47::HealingFaultTest)
+#include "healing_fault_test.moc"

@@ -1,0 +1,281 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTest>
+
+#include "process_support.h"
+
+namespace m47 {
+
+/// What the command line, the folder and the database make of a start.
+class StartTest : public QObject {
+    Q_OBJECT
+
+  private Q_SLOTS:
+    void wrong_usage_data();
+    void wrong_usage();
+    void help();
+    void version();
+    void no_display();
+    void measuring_with_an_unreachable_display();
+    void database_created_once();
+    void database_that_exists_is_left_alone();
+    void relative_directory();
+    void directory_of_another_place();
+    void missing_directory();
+    void unusable_database_data();
+    void unusable_database();
+    void missing_database_of_the_windows();
+
+  private:
+    /// A database as the program makes it.
+    static QByteArray new_database();
+};
+
+namespace {
+
+const QString kDatabase = QStringLiteral("VKDM47_03.mdb");
+
+}  // namespace
+
+QByteArray StartTest::new_database() {
+    static const QByteArray content = [] {
+        EmptyStand stand;
+        stand.remote.run(stand.measuring({"--create-database"}));
+        return stand.files().value(kDatabase);
+    }();
+    return content;
+}
+
+void StartTest::wrong_usage_data() {
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QByteArray>("named");  // what the message has to name
+    const auto row = [](const char* name, const QStringList& arguments, const char* named) {
+        QTest::newRow(name) << arguments << QByteArray(named);
+    };
+    const auto measuring = [&](const char* name, const QStringList& options, const char* named) {
+        row(name, EmptyStand::measuring(options), named);
+    };
+    row("unknown option", {"--bogus"}, "bogus");
+    row("unknown letter", {"-x"}, "x");
+    measuring("unknown option of a measurement", {"--bogus"}, "bogus");
+    row("argument too many", {"meter.mdb"}, "meter.mdb");
+    row("value missing", {"--measure", "--on-port"}, "on-port");
+    row("value too many", {"--measure=yes", "--on-port", "1"}, "measure");
+    measuring("frequency without number", {"--freq", "abc"}, "--freq");
+    measuring("frequency with a unit", {"--freq", "1275.5MHz"}, "--freq");
+    measuring("frequency 0", {"--freq", "0"}, "--freq");
+    measuring("negative frequency", {"--freq", "-1000"}, "--freq");
+    measuring("frequency nan", {"--freq", "nan"}, "--freq");
+    measuring("frequency without end", {"--freq", "inf"}, "--freq");
+    measuring("empty frequency", {"--freq", ""}, "--freq");
+    measuring("bandwidth", {"--digital", "--bandwidth", "wide"}, "--bandwidth");
+    measuring("symbol rate", {"--digital", "--symbol-rate", "-1"}, "--symbol-rate");
+    measuring("count 0", {"--count", "0"}, "--count");
+    measuring("half a count", {"--count", "1.5"}, "--count");
+    measuring("count without number", {"--count", "many"}, "--count");
+    measuring("alarm without limits", {"--alarm", "level"}, "--alarm");
+    measuring("alarm with one limit", {"--alarm", "level=20"}, "--alarm");
+    measuring("unknown alarm", {"--alarm", "noise=1:2"}, "--alarm");
+    row("port without device", {"--port", "1="}, "--port");
+    row("port without number", {"--port", "/dev/ttyS0"}, "--port");
+    row("port number 0", {"--port", "0=/dev/ttyS0"}, "--port");
+    row("port number 11", {"--port", "11=/dev/ttyS0"}, "--port");
+    row("on port 0", {"--on-port", "0"}, "--on-port");
+    row("on port 11", {"--measure", "--on-port", "11"}, "--on-port");
+    row("on port x", {"--measure", "--on-port", "x"}, "--on-port");
+    row("measurement without port", {"--measure"}, "--on-port");
+    measuring("two modes", {"--analog", "--digital"}, "--analog");
+    measuring("screen and measurement", {"--open", "realtime"}, "--open");
+    row("unknown screen", {"--open", "nowhere"}, "--open");
+    row("mode without measurement", {"--on-port", "1", "--analog"}, "--analog");
+    row("other mode without measurement", {"--on-port", "1", "--digital"}, "--digital");
+    row("frequency without measurement", {"--freq", "1000"}, "--freq");
+    row("bandwidth without measurement", {"--bandwidth", "27"}, "--bandwidth");
+    row("symbol rate without measurement", {"--symbol-rate", "22000"}, "--symbol-rate");
+    row("alarm without measurement", {"--alarm", "level=20:110"}, "--alarm");
+    row("count without measurement", {"--count", "2"}, "--count");
+    row("log without measurement", {"--log", "run.log"}, "--log");
+    row("picture without measurement", {"--screenshot", "s.png"}, "--screenshot");
+}
+
+void StartTest::wrong_usage() {
+    QFETCH(QStringList, arguments);
+    QFETCH(QByteArray, named);
+    EmptyStand stand;
+    const Ending ending = stand.remote.run(QStringList{"--create-database"} + arguments);
+    QCOMPARE(ending.status, 2);
+    QCOMPARE(ending.out, QByteArray());
+    QVERIFY(ending.err.startsWith("m47-remote: "));
+    QVERIFY2(ending.err.contains(named), ending.err.constData());
+    QCOMPARE(ending.err.count('\n'), 1);
+    QVERIFY(ending.err.endsWith('\n'));
+    QVERIFY2(stand.files().isEmpty(), "a command line that is wrong does nothing");
+}
+
+void StartTest::help() {
+    for (const char* option : {"--help", "-h"}) {
+        EmptyStand stand;
+        const Ending ending = stand.remote.run({option});
+        QCOMPARE(ending.status, 0);
+        QCOMPARE(ending.err, QByteArray());
+        QVERIFY(ending.out.startsWith("Usage: m47-remote "));
+        QVERIFY(ending.out.endsWith('\n'));
+        for (const char* name :
+             {"--help", "--version", "--directory", "--port", "--create-database", "--on-port",
+              "--open", "--measure", "--analog", "--digital", "--freq", "--bandwidth",
+              "--symbol-rate", "--alarm", "--count", "--log", "--screenshot"})
+            QVERIFY2(ending.out.contains(name), name);
+        QVERIFY(stand.files().isEmpty());
+    }
+}
+
+void StartTest::version() {
+    EmptyStand stand;
+    const Ending ending = stand.remote.run({"--version"});
+    QCOMPARE(ending.status, 0);
+    QCOMPARE(ending.err, QByteArray());
+    QCOMPARE(ending.out, QByteArray("m47-remote " M47_VERSION "\n"));
+    QVERIFY(stand.files().isEmpty());
+}
+
+void StartTest::no_display() {
+    EmptyStand stand;
+    const Ending ending = stand.remote.run({"--create-database", "--open", "realtime"});
+    QCOMPARE(ending.status, 1);
+    QCOMPARE(ending.out, QByteArray());
+    QCOMPARE(ending.err.count('\n'), 1);
+    QVERIFY(ending.err.contains("display"));
+    QVERIFY(ending.err.contains("--measure"));
+    QVERIFY(stand.files().isEmpty());
+}
+
+/// A display left over in the environment, as in a session that has been moved to another machine.
+void StartTest::measuring_with_an_unreachable_display() {
+    TestStand stand;
+    stand.remote.environment.insert("DISPLAY", "127.0.0.1:99");
+    const Ending ending = stand.measure({});
+    QCOMPARE(ending.err, QByteArray());
+    QCOMPARE(ending.status, 0);
+    QCOMPARE(rows_of(ending.out).size(), 1);
+}
+
+void StartTest::database_created_once() {
+    EmptyStand stand;
+    const Ending first = stand.remote.run(stand.measuring({"--create-database"}));
+    QCOMPARE(first.status, 3);
+    QCOMPARE(stand.files().keys(), QStringList(kDatabase));
+    const QByteArray content = stand.files().value(kDatabase);
+    QVERIFY(content.startsWith("SQLite format 3"));
+    QVERIFY(content.contains("PLAN 1"));
+
+    const Ending second = stand.remote.run(stand.measuring({"--create-database"}));
+    QCOMPARE(second.status, 3);
+    QCOMPARE(stand.files().keys(), QStringList(kDatabase));
+    QVERIFY2(stand.files().value(kDatabase) == content, "the database was made anew");
+
+    const Ending third = stand.remote.run(stand.measuring({}));
+    QCOMPARE(third.status, 3);
+    QVERIFY(stand.files().value(kDatabase) == content);
+}
+
+void StartTest::database_that_exists_is_left_alone() {
+    EmptyStand stand;
+    stand.write(kDatabase, "my shopping list\n");
+    const QMap<QString, QByteArray> before = stand.files();
+    const Ending ending = stand.remote.run(stand.measuring({"--create-database"}));
+    QCOMPARE(ending.status, 4);
+    QCOMPARE(ending.out, QByteArray());
+    QVERIFY(stand.files() == before);
+}
+
+void StartTest::relative_directory() {
+    TestStand stand;
+    QVERIFY(QDir().mkdir(stand.path("here")));
+    const Ending ending =
+        stand.measure({"--directory", "here", "--log", "run.log", "--screenshot", "s.png"});
+    QCOMPARE(ending.status, 0);
+    QCOMPARE(ending.err, QByteArray());
+    QCOMPARE(QDir(stand.path("")).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+             QStringList("here"));
+    QCOMPARE(QDir(stand.path("here")).entryList(QDir::Files, QDir::Name),
+             QStringList({kDatabase, "run.log", "s.png"}));
+    QCOMPARE(stand.content("here/run.log"), as_log(ending.out));
+}
+
+void StartTest::directory_of_another_place() {
+    EmptyStand stand;
+    const QTemporaryDir other;
+    const Ending ending = stand.remote.run(
+        stand.measuring({"--create-database", "--directory=" + other.path() + "/"}));
+    QCOMPARE(ending.status, 3);
+    QVERIFY(stand.files().isEmpty());
+    QCOMPARE(QDir(other.path()).entryList(QDir::Files), QStringList(kDatabase));
+}
+
+void StartTest::missing_directory() {
+    EmptyStand stand;
+    for (const char* folder : {"no-such-folder", "/no-such-folder/inside"}) {
+        const Ending ending =
+            stand.remote.run(stand.measuring({"--create-database", "--directory", folder}));
+        QCOMPARE(ending.status, 4);
+        QCOMPARE(ending.out, QByteArray());
+        QCOMPARE(ending.err.count('\n'), 1);
+        QVERIFY2(ending.err.contains(folder), ending.err.constData());
+    }
+    QVERIFY(stand.files().isEmpty());
+}
+
+void StartTest::unusable_database_data() {
+    QTest::addColumn<QByteArray>("content");  // null where there is no file
+    QTest::addColumn<QByteArray>("named");
+    QTest::newRow("missing") << QByteArray() << QByteArray("--create-database");
+    QTest::newRow("empty") << QByteArray("") << kDatabase.toLatin1();
+    QTest::newRow("of another program") << QByteArray("my shopping list\n") << kDatabase.toLatin1();
+    QTest::newRow("old engine")
+        << QByteArray("\x00\x01\x00\x00Standard Jet DB\x00", 20).append(QByteArray(4096, '\x5A'))
+        << QByteArray("Jet");
+    const QByteArray good = new_database();
+    QTest::newRow("cut off") << good.left(good.size() / 2) << kDatabase.toLatin1();
+    QByteArray spoilt = good;
+    // The first page ends with the table of tables.
+    spoilt.replace(100, 3000, QByteArray(3000, '\x5A'));
+    QTest::newRow("overwritten") << spoilt << kDatabase.toLatin1();
+}
+
+void StartTest::unusable_database() {
+    QFETCH(QByteArray, content);
+    QFETCH(QByteArray, named);
+    EmptyStand stand;
+    if (!content.isNull()) stand.write(kDatabase, content);
+    const QMap<QString, QByteArray> before = stand.files();
+    const Ending ending = stand.remote.run(stand.measuring({"--log", "run.log"}));
+    QCOMPARE(ending.status, 4);
+    QCOMPARE(ending.out, QByteArray());
+    QVERIFY(ending.err.startsWith("m47-remote: "));
+    QCOMPARE(ending.err.count("m47-remote: "), 1);
+    QVERIFY2(ending.err.contains(kDatabase.toLatin1()), ending.err.constData());
+    QVERIFY2(ending.err.contains(named), ending.err.constData());
+    QVERIFY2(stand.files() == before, "something was created or changed in the folder");
+}
+
+/// With windows the message stands in a box as well, which waits for the user.
+void StartTest::missing_database_of_the_windows() {
+    EmptyStand stand;
+    stand.remote.environment.insert("QT_QPA_PLATFORM", "offscreen");
+    stand.remote.start({});
+    QVERIFY(stand.remote.wait_for_error_lines(1));
+    QTest::qWait(300);
+    QCOMPARE(stand.remote.process().state(), QProcess::Running);
+    stand.remote.kill_now();
+    const Ending ending = stand.remote.wait();
+    QVERIFY(ending.err.startsWith("m47-remote: "));
+    QVERIFY(ending.err.contains(kDatabase.toLatin1()));
+    QVERIFY(stand.files().isEmpty());
+}
+
+}  // namespace m47
+
+QTEST_GUILESS_MAIN(m47::StartTest)
+#include "start_test.moc"

@@ -1,0 +1,303 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <QDateTime>
+#include <QFile>
+#include <QImage>
+#include <QTest>
+#include <map>
+
+#include "process_support.h"
+
+namespace m47 {
+
+/// Measurements that succeed: what goes over the wire and what comes out.
+class UnattendedTest : public QObject {
+    Q_OBJECT
+
+  private Q_SLOTS:
+    void initTestCase();
+    void cleanupTestCase();
+    void analog_rows();
+    void frequencies();
+    void alarms();
+    void log_goes_on();
+    void output_that_cannot_be_written();
+    void digital_row();
+    void digital_row_with_all_options();
+    void digital_alarm();
+
+  private:
+    void start(const QString& name, const QStringList& options);
+
+    std::map<QString, TestStand> digital_;
+};
+
+namespace {
+
+enum Field {
+    kDate,
+    kTime,
+    kFrequency,
+    kOscillator,
+    kLevel,
+    kBer,
+    kPvBer,
+    kCfo,
+    kMer,
+    kRu,
+    kStatus
+};
+constexpr qsizetype kFields = 11;
+
+const QStringList kIdentification{"ATTEN?", "VER?"};
+const QStringList kScreenOpening{"MEASURE", "ATTEN 6",   "TONE22K 00", "SYMBRATEQPSK?",
+                                 "UNIT?",   "LOCOSC 00", "FREQ 1000",  "ATTEN 6"};
+const QStringList kDigitalMode{"TONE22K 00", "SYMBRATEQPSK?"};
+
+QStringList analog_cycle(const QString& frequency) {
+    return {"MEASURE", "FREQ " + frequency, "ATTEN 6", "LEVANL?"};
+}
+
+QStringList digital_cycle(const QString& frequency, const QString& bandwidth,
+                          const QString& symbol_rate) {
+    return {"MEASURE",
+            "FREQ " + frequency,
+            "CHBW " + bandwidth,
+            "ATTEN 6",
+            "ATTEN?",
+            "LEVANL?",
+            "LEVDCP?",
+            "FREQ " + frequency,
+            "ATTEN 00",
+            "SYMBRATEQPSK " + symbol_rate,
+            "BERQPSK",
+            "BERQPSK?",
+            "MEASURE"};
+}
+
+/// Line number `line` of an answer, counted from 0 behind the echo, without the blanks around it.
+QString line_of(const QByteArray& answer, int line) {
+    return QString::fromLatin1(answer.split('\r').value(line + 1)).trimmed();
+}
+
+/// What stands behind the colon in such a line.
+QString value_of(const QByteArray& answer, int line) {
+    return line_of(answer, line).section(u':', 1).trimmed();
+}
+
+QDateTime time_of(const QStringList& row) {
+    const QString text = row[kDate].left(6) + "20" + row[kDate].mid(6) + ' ' + row[kTime];
+    return QDateTime::fromString(text, "dd/MM/yyyy HH:mm:ss");
+}
+
+/// Row times are whole seconds, cut off.
+QDateTime whole_seconds(const QDateTime& time) {
+    return time.addMSecs(-time.time().msec());
+}
+
+qsizetype count_pixels(const QImage& picture, QRgb colour) {
+    qsizetype count = 0;
+    for (int y = 0; y < picture.height(); ++y)
+        for (int x = 0; x < picture.width(); ++x) count += picture.pixel(x, y) == colour ? 1 : 0;
+    return count;
+}
+
+constexpr QRgb kRedLamp = 0xFFFF0000;
+constexpr QRgb kGreenLamp = 0xFF00FF00;
+
+}  // namespace
+
+void UnattendedTest::start(const QString& name, const QStringList& options) {
+    digital_.try_emplace(name).first->second.start_measuring(QStringList("--digital") + options);
+}
+
+/// Digital runs wait five seconds for the demodulator: they go on while the other tests run.
+void UnattendedTest::initTestCase() {
+    start("plain", {"--freq", "1000", "--log", "run.log"});
+    start("all options",
+          {"--freq", "1097.5", "--bandwidth", "27", "--symbol-rate", "22000", "--alarm", "mer=5:40",
+           "--alarm", "ber=1E-9:3E-2", "--alarm", "level=20:110", "--screenshot", "s.png"});
+    start("alarm", {"--freq", "1000", "--alarm", "level=20:110", "--alarm", "mer=40:50"});
+}
+
+void UnattendedTest::cleanupTestCase() {
+    digital_.clear();
+}
+
+void UnattendedTest::analog_rows() {
+    TestStand stand;
+    const QDateTime begin = whole_seconds(QDateTime::currentDateTime());
+    const Ending ending = stand.measure({"--analog", "--freq", "1275.5", "--count", "2", "--log",
+                                         "run.log", "--screenshot", "screen.png"});
+    const QDateTime end = QDateTime::currentDateTime();
+    QCOMPARE(ending.status, 0);
+    QCOMPARE(ending.err, QByteArray());
+
+    QCOMPARE(stand.meter.commands(), kIdentification + kScreenOpening + QStringList("FREQ 1275.5") +
+                                         analog_cycle("1275.5") + analog_cycle("1275.5"));
+
+    const QList<QByteArray> levels = stand.meter.answers_to("LEVANL?");
+    const QList<QStringList> rows = rows_of(ending.out);
+    QCOMPARE(rows.size(), 2);
+    for (qsizetype k = 0; k < rows.size(); ++k) {
+        QCOMPARE(rows[k].size(), kFields);
+        QVERIFY2(time_of(rows[k]) >= begin && time_of(rows[k]) <= end, ending.out.constData());
+        const QStringList expected{"1275.5", "10600", line_of(levels[k], 0), "", "", "", "",
+                                   "",       ""};
+        QCOMPARE(rows[k].mid(kFrequency), expected);
+    }
+    QVERIFY(time_of(rows[0]) < time_of(rows[1]));
+    QVERIFY(ending.out.endsWith('\n'));
+    QCOMPARE(stand.content("run.log"), as_log(ending.out));
+
+    const QImage picture(stand.path("screen.png"), "PNG");
+    QVERIFY(picture.width() >= 900 && picture.height() >= 560);
+    QVERIFY(picture.width() <= 4000 && picture.height() <= 4000);
+    QVERIFY2(
+        count_pixels(picture, picture.pixel(2, 2)) < picture.width() * picture.height() * 9 / 10,
+        "an empty picture");
+    QCOMPARE(count_pixels(picture, kRedLamp) + count_pixels(picture, kGreenLamp), 0);
+}
+
+void UnattendedTest::frequencies() {
+    TestStand own;
+    TestStand below;
+    TestStand above;
+    own.start_measuring({});
+    below.start_measuring({"--freq", "47"});
+    above.start_measuring({"--freq", "12000.5"});
+    const Ending without = own.remote.wait();
+    const Ending low = below.remote.wait();
+    const Ending high = above.remote.wait();
+    QCOMPARE(without.status, 0);
+    QCOMPARE(without.err, QByteArray());
+    QCOMPARE(own.meter.commands(), kIdentification + kScreenOpening + analog_cycle("1000.0"));
+    QCOMPARE(rows_of(without.out).value(0).value(kFrequency), QString("1000.0"));
+
+    // Outside the receiver's band the nearest end of it is taken.
+    QCOMPARE(low.status, 0);
+    QCOMPARE(high.status, 0);
+    QCOMPARE(below.meter.commands(), kIdentification + kScreenOpening + QStringList("FREQ 0920.0") +
+                                         analog_cycle("0920.0"));
+    QCOMPARE(above.meter.commands(), kIdentification + kScreenOpening + QStringList("FREQ 2150.0") +
+                                         analog_cycle("2150.0"));
+    QCOMPARE(rows_of(low.out).value(0).value(kFrequency), QString("0920.0"));
+    QCOMPARE(rows_of(high.out).value(0).value(kFrequency), QString("2150.0"));
+}
+
+void UnattendedTest::alarms() {
+    TestStand inside;
+    TestStand outside;
+    inside.start_measuring(
+        {"--freq", "1275.5", "--alarm", "level=20:110", "--screenshot", "s.png"});
+    outside.start_measuring({"--freq", "1275.5", "--alarm", "level=100:110", "--count", "2",
+                             "--log", "run.log", "--screenshot", "s.png"});
+    const Ending good = inside.remote.wait();
+    const Ending bad = outside.remote.wait();
+
+    QCOMPARE(good.status, 0);
+    QCOMPARE(good.err, QByteArray());
+    QCOMPARE(rows_of(good.out).value(0).value(kStatus), QString("PASS"));
+    const QImage green(inside.path("s.png"), "PNG");
+    QVERIFY(count_pixels(green, kGreenLamp) > 0);
+    QCOMPARE(count_pixels(green, kRedLamp), 0);
+
+    // An alarm does not end the run: all rows are taken, then the status tells.
+    QCOMPARE(bad.status, 1);
+    QCOMPARE(bad.err, QByteArray());
+    QCOMPARE(rows_of(bad.out).size(), 2);
+    QCOMPARE(rows_of(bad.out)[0].value(kStatus), QString("FAIL"));
+    QCOMPARE(rows_of(bad.out)[1].value(kStatus), QString("FAIL"));
+    QCOMPARE(outside.content("run.log"), as_log(bad.out));
+    const QImage red(outside.path("s.png"), "PNG");
+    QVERIFY(count_pixels(red, kRedLamp) > 0);
+    QCOMPARE(count_pixels(red, kGreenLamp), 0);
+}
+
+void UnattendedTest::log_goes_on() {
+    TestStand stand;
+    const QByteArray before("20/11/26\t23:59:59\t1000.0\t10600\t59.9\t\t\t\t\t\tPASS\r\n");
+    QFile log(stand.path("run.log"));
+    QVERIFY(log.open(QIODevice::WriteOnly));
+    log.write(before);
+    log.close();
+    const Ending ending = stand.measure({"--log", "run.log"});
+    QCOMPARE(ending.status, 0);
+    QCOMPARE(rows_of(ending.out).size(), 1);
+    QCOMPARE(stand.content("run.log"), before + as_log(ending.out));
+}
+
+void UnattendedTest::output_that_cannot_be_written() {
+    TestStand log;
+    TestStand picture;
+    log.start_measuring({"--count", "2", "--log", "no-such-folder/run.log"});
+    picture.start_measuring({"--screenshot", "no-such-folder/s.png"});
+    const Ending without_log = log.remote.wait();
+    const Ending without_picture = picture.remote.wait();
+
+    // The measured rows are out in any case; that something is missing must be told.
+    QCOMPARE(rows_of(without_picture.out).size(), 1);
+    QVERIFY(without_picture.status != 0);
+    QCOMPARE(without_picture.err.count('\n'), 1);
+    QVERIFY(without_picture.err.contains("no-such-folder/s.png"));
+    QCOMPARE(rows_of(without_log.out).size(), 2);
+    QVERIFY2(without_log.err.contains("no-such-folder/run.log"), without_log.err.constData());
+    QVERIFY(without_log.status != 0);
+}
+
+void UnattendedTest::digital_row() {
+    TestStand& stand = digital_.at("plain");
+    const Ending ending = stand.remote.wait();
+    QCOMPARE(ending.status, 0);
+    QCOMPARE(ending.err, QByteArray());
+    QCOMPARE(stand.meter.commands(), kIdentification + kScreenOpening + kDigitalMode +
+                                         QStringList("FREQ 1000.0") +
+                                         digital_cycle("1000.0", "05", "27500"));
+    QCOMPARE(stand.content("run.log"), as_log(ending.out));
+    const QList<QStringList> rows = rows_of(ending.out);
+    QCOMPARE(rows.size(), 1);
+    QCOMPARE(rows[0].size(), kFields);
+    QCOMPARE(rows[0][kFrequency], QString("1000.0"));
+    QCOMPARE(rows[0][kStatus], QString());
+}
+
+void UnattendedTest::digital_row_with_all_options() {
+    TestStand& stand = digital_.at("all options");
+    const Ending ending = stand.remote.wait();
+    QCOMPARE(ending.status, 0);
+    QCOMPARE(ending.err, QByteArray());
+    QCOMPARE(stand.meter.commands(), kIdentification + kScreenOpening + kDigitalMode +
+                                         QStringList("FREQ 1097.5") +
+                                         digital_cycle("1097.5", "27", "22000"));
+    const QByteArray power = stand.meter.answers_to("LEVDCP?").value(0);
+    const QByteArray quality = stand.meter.answers_to("BERQPSK?").value(0);
+    QVERIFY2(value_of(quality, 3).toDouble() > 5, "the simulated carrier is not received");
+    const QStringList expected{"1097.5",
+                               "10600",
+                               line_of(power, 0),
+                               value_of(quality, 0),
+                               value_of(quality, 1),
+                               value_of(quality, 2),
+                               value_of(quality, 3),
+                               "",
+                               "PASS"};
+    const QList<QStringList> rows = rows_of(ending.out);
+    QCOMPARE(rows.size(), 1);
+    QCOMPARE(rows[0].size(), kFields);
+    QCOMPARE(rows[0].mid(kFrequency), expected);
+    const QImage picture(stand.path("s.png"), "PNG");
+    QVERIFY(count_pixels(picture, kGreenLamp) > 0);
+    QCOMPARE(count_pixels(picture, kRedLamp), 0);
+}
+
+/// One alarm of two is enough.
+void UnattendedTest::digital_alarm() {
+    const Ending ending = digital_.at("alarm").remote.wait();
+    QCOMPARE(ending.status, 1);
+    QCOMPARE(ending.err, QByteArray());
+    QCOMPARE(rows_of(ending.out).value(0).value(kStatus), QString("FAIL"));
+}
+
+}  // namespace m47
+
+QTEST_GUILESS_MAIN(m47::UnattendedTest)
+#include "unattended_test.moc"

@@ -1,0 +1,235 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "options.h"
+
+#include <QTest>
+
+namespace m47 {
+
+/// The command line as it is read, without anything being done.
+class OptionsTest : public QObject {
+    Q_OBJECT
+
+  private Q_SLOTS:
+    void nothing();
+    void window_options();
+    void measurement_options();
+    void value_behind_an_equals_sign();
+    void several_ports_and_alarms();
+    void alarm_limits_as_typed();
+    void bounds_of_numbers_data();
+    void bounds_of_numbers();
+    void screens_data();
+    void screens();
+    void help_and_version_come_first();
+    void wrong_data();
+    void wrong();
+    void wrong_options_keep_nothing();
+    void help_names_every_option();
+};
+
+namespace {
+
+using Action = Options::Action;
+
+QStringList measuring(const QStringList& options) {
+    return QStringList{"--measure", "--on-port", "1"} + options;
+}
+
+}  // namespace
+
+void OptionsTest::nothing() {
+    const Options options = parse_options({});
+    QCOMPARE(options.action, Action::run);
+    QCOMPARE(options.error, QString());
+    QCOMPARE(options.directory, QString());
+    QCOMPARE(options.ports, QStringList());
+    QVERIFY(!options.create_database);
+    QCOMPARE(options.on_port, 0);
+    QCOMPARE(options.open, QString());
+    QVERIFY(!options.measure);
+    QCOMPARE(options.count, 1);
+}
+
+void OptionsTest::window_options() {
+    const Options options =
+        parse_options({"--directory", "some where", "--create-database", "--on-port", "10",
+                       "--port", "10=/dev/ttyUSB0", "--open", "setport"});
+    QCOMPARE(options.action, Action::run);
+    QCOMPARE(options.directory, QString("some where"));
+    QVERIFY(options.create_database);
+    QCOMPARE(options.on_port, 10);
+    QCOMPARE(options.ports, QStringList("10=/dev/ttyUSB0"));
+    QCOMPARE(options.open, QString("setport"));
+    QVERIFY(!options.measure);
+}
+
+void OptionsTest::measurement_options() {
+    const Options options = parse_options(
+        measuring({"--digital", "--freq", "1275.5", "--bandwidth", "27", "--symbol-rate", "22000",
+                   "--count", "12", "--log", "a.log", "--screenshot", "a.png"}));
+    QCOMPARE(options.action, Action::run);
+    QVERIFY(options.measure);
+    QVERIFY(options.digital);
+    QCOMPARE(options.on_port, 1);
+    QCOMPARE(options.frequency, QString("1275.5"));
+    QCOMPARE(options.bandwidth, QString("27"));
+    QCOMPARE(options.symbol_rate, QString("22000"));
+    QCOMPARE(options.count, 12);
+    QCOMPARE(options.log, QString("a.log"));
+    QCOMPARE(options.screenshot, QString("a.png"));
+
+    const Options plain = parse_options(measuring({"--analog"}));
+    QCOMPARE(plain.action, Action::run);
+    QVERIFY(!plain.digital);
+    QCOMPARE(plain.frequency, QString());
+    QVERIFY(plain.alarms.isEmpty());
+}
+
+void OptionsTest::value_behind_an_equals_sign() {
+    const Options options =
+        parse_options({"--measure", "--on-port=3", "--port=3=/dev/a=b", "--freq=1000"});
+    QCOMPARE(options.action, Action::run);
+    QCOMPARE(options.on_port, 3);
+    QCOMPARE(options.ports, QStringList("3=/dev/a=b"));
+    QCOMPARE(options.frequency, QString("1000"));
+}
+
+void OptionsTest::several_ports_and_alarms() {
+    const Options options =
+        parse_options(measuring({"--port", "1=/dev/a", "--port", "2=/dev/b", "--alarm",
+                                 "level=20:110", "--alarm", "ber=1E-8:3E-2"}));
+    QCOMPARE(options.action, Action::run);
+    QCOMPARE(options.ports, QStringList({"1=/dev/a", "2=/dev/b"}));
+    QCOMPARE(options.alarms.size(), 2);
+    QCOMPARE(options.alarms[0].name, QString("level"));
+    QCOMPARE(options.alarms[0].minimum, QString("20"));
+    QCOMPARE(options.alarms[0].maximum, QString("110"));
+    QCOMPARE(options.alarms[1].name, QString("ber"));
+    QCOMPARE(options.alarms[1].minimum, QString("1E-8"));
+    QCOMPARE(options.alarms[1].maximum, QString("3E-2"));
+}
+
+void OptionsTest::alarm_limits_as_typed() {
+    for (const char* name : {"level", "cn", "ber", "mer"}) {
+        const Options options =
+            parse_options(measuring({"--alarm", QString::fromLatin1(name) + "=-10.5:40"}));
+        QCOMPARE(options.action, Action::run);
+        QCOMPARE(options.alarms.value(0).name, QString::fromLatin1(name));
+        QCOMPARE(options.alarms.value(0).minimum, QString("-10.5"));
+        QCOMPARE(options.alarms.value(0).maximum, QString("40"));
+    }
+}
+
+void OptionsTest::bounds_of_numbers_data() {
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<bool>("good");
+    QTest::newRow("on port 0") << QStringList{"--on-port", "0"} << false;
+    QTest::newRow("on port 1") << QStringList{"--on-port", "1"} << true;
+    QTest::newRow("on port 10") << QStringList{"--on-port", "10"} << true;
+    QTest::newRow("on port 11") << QStringList{"--on-port", "11"} << false;
+    QTest::newRow("port 0") << QStringList{"--port", "0=/dev/a"} << false;
+    QTest::newRow("port 1") << QStringList{"--port", "1=/dev/a"} << true;
+    QTest::newRow("port 10") << QStringList{"--port", "10=/dev/a"} << true;
+    QTest::newRow("port 11") << QStringList{"--port", "11=/dev/a"} << false;
+    QTest::newRow("port -1") << QStringList{"--port", "-1=/dev/a"} << false;
+    QTest::newRow("count 0") << measuring({"--count", "0"}) << false;
+    QTest::newRow("count 1") << measuring({"--count", "1"}) << true;
+    QTest::newRow("count 1000000000") << measuring({"--count", "1000000000"}) << true;
+    QTest::newRow("count 1000000001") << measuring({"--count", "1000000001"}) << false;
+    QTest::newRow("count too long") << measuring({"--count", "99999999999"}) << false;
+    QTest::newRow("frequency 0") << measuring({"--freq", "0"}) << false;
+    QTest::newRow("frequency 0.1") << measuring({"--freq", "0.1"}) << true;
+    QTest::newRow("frequency -0.1") << measuring({"--freq", "-0.1"}) << false;
+    QTest::newRow("frequency nan") << measuring({"--freq", "nan"}) << false;
+    QTest::newRow("frequency inf") << measuring({"--freq", "inf"}) << false;
+}
+
+void OptionsTest::bounds_of_numbers() {
+    QFETCH(QStringList, arguments);
+    QFETCH(bool, good);
+    const Options options = parse_options(arguments);
+    QCOMPARE(options.action, good ? Action::run : Action::wrong);
+    QCOMPARE(options.error.isEmpty(), good);
+}
+
+void OptionsTest::screens_data() {
+    QTest::addColumn<QString>("key");
+    for (const char* key : {"program", "download", "realtime", "asl", "configurazione", "setport"})
+        QTest::newRow(key) << QString::fromLatin1(key);
+}
+
+void OptionsTest::screens() {
+    QFETCH(QString, key);
+    const Options options = parse_options({"--open", key});
+    QCOMPARE(options.action, Action::run);
+    QCOMPARE(options.open, key);
+}
+
+void OptionsTest::help_and_version_come_first() {
+    QCOMPARE(parse_options({"--help"}).action, Action::help);
+    QCOMPARE(parse_options({"-h"}).action, Action::help);
+    QCOMPARE(parse_options({"--version"}).action, Action::version);
+    QCOMPARE(parse_options({"-v"}).action, Action::version);
+    // What else stands there need not make sense then.
+    QCOMPARE(parse_options({"--measure", "--help"}).action, Action::help);
+    QCOMPARE(parse_options({"--freq", "x", "--version", "y"}).action, Action::version);
+}
+
+void OptionsTest::wrong_data() {
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("named");
+    const auto row = [](const char* name, const QStringList& arguments, const char* named) {
+        QTest::newRow(name) << arguments << QString::fromLatin1(named);
+    };
+    row("unknown", {"--bogus"}, "bogus");
+    row("argument", {"--", "--measure"}, "--measure");
+    row("missing value", {"--directory"}, "directory");
+    row("value too many", {"--create-database=1"}, "create-database");
+    row("measurement without port", {"--measure"}, "--on-port");
+    row("two modes", measuring({"--digital", "--analog"}), "--analog");
+    row("screen in a measurement", measuring({"--open", "realtime"}), "--open");
+    row("screen in capitals", {"--open", "Realtime"}, "--open");
+    row("alarm without limits", measuring({"--alarm", "level"}), "--alarm");
+    row("alarm with three limits", measuring({"--alarm", "level=1:2:3"}), "--alarm");
+    row("alarm in capitals", measuring({"--alarm", "LEVEL=1:2"}), "--alarm");
+    row("second alarm", measuring({"--alarm", "cn=1:2", "--alarm", "x=1:2"}), "--alarm");
+    row("second port", {"--port", "1=/dev/a", "--port", "b"}, "--port");
+    row("port without device", {"--port", "1="}, "--port");
+    for (const char* option : {"--freq", "--bandwidth", "--symbol-rate"})
+        row(option, measuring({option, "1 000"}), option);
+    for (const char* option : {"--analog", "--digital"}) row(option, {option}, option);
+    row("count alone", {"--count", "1"}, "--count");
+    row("log alone", {"--log", "a"}, "--log");
+    row("picture alone", {"--screenshot", "a"}, "--screenshot");
+    row("alarm alone", {"--alarm", "cn=1:2"}, "--alarm");
+}
+
+void OptionsTest::wrong() {
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, named);
+    const Options options = parse_options(arguments);
+    QCOMPARE(options.action, Action::wrong);
+    QVERIFY2(options.error.contains(named), qPrintable(options.error));
+    QVERIFY2(!options.error.contains(u'\n'), "one line only");
+}
+
+void OptionsTest::wrong_options_keep_nothing() {
+    const Options options = parse_options(measuring({"--create-database", "--count", "0"}));
+    QCOMPARE(options.action, Action::wrong);
+    QVERIFY(!options.create_database);
+    QVERIFY(!options.measure);
+}
+
+void OptionsTest::help_names_every_option() {
+    const QString help = help_text();
+    for (const char* name :
+         {"--help", "--version", "--directory", "--port", "--create-database", "--on-port",
+          "--open", "--measure", "--analog", "--digital", "--freq", "--bandwidth", "--symbol-rate",
+          "--alarm", "--count", "--log", "--screenshot"})
+        QVERIFY2(help.contains(QLatin1String(name)), name);
+}
+
+}  // namespace m47
+
+QTEST_GUILESS_MAIN(m47::OptionsTest)
+#include "options_test.moc"

@@ -1,0 +1,317 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The main window and its screens, used as a person does, on a link without a meter.
+#include <QAction>
+#include <QComboBox>
+#include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTableView>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+#include <QToolBar>
+
+#include "fault.h"
+#include "handler.h"
+#include "program.h"
+#include "realtime.h"
+#include "realtime_tooltips.h"
+
+namespace m47 {
+
+class ScreensTest : public QObject {
+    Q_OBJECT
+
+  private:
+    std::unique_ptr<QTemporaryDir> folder_;
+    ProgramState state_;
+    std::unique_ptr<Program> program_;
+
+    M47MDI& window() { return program_->window(); }
+    template <class Kind>
+    Kind* find(const char* name, QObject* in = nullptr) {
+        auto* found = (in ? in : &window())->findChild<Kind*>(QString::fromLatin1(name));
+        if (!found) qFatal("no %s", name);
+        return found;
+    }
+    Realtime* open_realtime() {
+        find<QAction>("realtime")->trigger();
+        return qobject_cast<Realtime*>(window().screen_of(QStringLiteral("realtime")));
+    }
+
+  private Q_SLOTS:
+    void init() {
+        folder_ = std::make_unique<QTemporaryDir>();
+        state_ = ProgramState();
+        state_.base_dir = folder_with_separator(folder_->path());
+        const QString path = state_.base_dir + QLatin1String(kDatabaseFile);
+        DatabaseError error{};
+        QVERIFY(Database::create(path, error));
+        program_ = std::make_unique<Program>(state_, Database::open(path, error), PortList());
+        window().resize(1024, 600);
+        window().show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window()));
+    }
+    void cleanup() { program_.reset(); }
+
+    void main_window_is_as_technicians_know_it() {
+        QCOMPARE(window().objectName(), QStringLiteral("M47MDI"));
+        QCOMPARE(window().windowTitle(), QStringLiteral("VKD M47_03 REMOTE CONTROL"));
+        QStringList keys, tips;
+        for (const QAction* key : find<QToolBar>("barracomandi")->actions()) {
+            keys += key->objectName();
+            tips += key->toolTip();
+        }
+        QCOMPARE(keys, QStringList({"program", "download", "realtime", "asl", "configurazione",
+                                    "setport"}));
+        QCOMPARE(tips, QStringList({"Plan Setup", "Download Data Logged", "Real Time Function Mode",
+                                    "Automatic Satellite Locator", "Configuration",
+                                    "RS232 Port Selection"}));
+        QCOMPARE(find<QMenu>("cmdlingua")->title(), QStringLiteral("&Language"));
+        QVERIFY(find<QAction>("asl")->isEnabled());
+        QVERIFY(!find<QWidget>("pbar1")->isVisible());
+    }
+
+    void it_starts_in_italian_and_the_menu_changes_only_what_comes_after() {
+        QCOMPARE(state_.texts.language, int(kItalian));
+        QVERIFY(find<QAction>("cmditaliano")->isChecked());
+        QVERIFY(!find<QAction>("cmdinglese")->isChecked());
+        Realtime* first = open_realtime();
+        QCOMPARE(find<QLineEdit>("fsat", first)->toolTip(), QStringLiteral("Selezione frequenza"));
+        find<QAction>("cmdinglese")->trigger();
+        QCOMPARE(state_.texts.language, int(kEnglish));
+        QVERIFY(find<QAction>("cmdinglese")->isChecked());
+        QVERIFY(!find<QAction>("cmditaliano")->isChecked());
+        QCOMPARE(state_.texts.message(kContinue), QStringLiteral("Do you want to continue?"));
+        QCOMPARE(find<QLineEdit>("fsat", first)->toolTip(), QStringLiteral("Selezione frequenza"));
+        first->parentWidget()->close();
+        QTRY_VERIFY(!window().screen_of(QStringLiteral("realtime")));
+        QCOMPARE(find<QLineEdit>("fsat", open_realtime())->toolTip(),
+                 QStringLiteral("Select frequency"));
+    }
+
+    void every_tooltip_stands_in_both_languages() {
+        for (const int language : {int(kEnglish), int(kItalian)}) {
+            state_.texts.language = language;
+            Realtime* screen = open_realtime();
+            for (const Tooltip& tooltip : realtime_tooltips()) {
+                if (QLatin1String(tooltip.control) == QLatin1String("save")) continue;
+                auto* control = find<QObject>(tooltip.control, screen);
+                const bool italian = language == kItalian && tooltip.italian;
+                const char* text = italian ? tooltip.italian : tooltip.english;
+                if (!text) continue;
+                QCOMPARE(control->property("toolTip").toString(), QString::fromUtf8(text));
+            }
+            QCOMPARE(find<QAction>("save", screen)->toolTip(), QStringLiteral("Open file"));
+            screen->parentWidget()->close();
+            QTRY_VERIFY(!window().screen_of(QStringLiteral("realtime")));
+        }
+    }
+
+    void a_screen_opens_once() {
+        find<QAction>("setport")->trigger();
+        find<QAction>("setport")->trigger();
+        QCOMPARE(find<QMdiArea>("screens")->subWindowList().size(), 1);
+        find<QPushButton>("cmdexit", window().screen_of(QStringLiteral("setport")))->click();
+        QTRY_COMPARE(find<QMdiArea>("screens")->subWindowList().size(), 0);
+    }
+
+    void a_new_screen_lies_inside_the_window() {
+        find<QAction>("setport")->trigger();
+        const QWidget* view = open_realtime()->parentWidget();
+        const QRect area = find<QMdiArea>("screens")->viewport()->rect();
+        QVERIFY2(area.contains(view->geometry()), qPrintable(QStringLiteral("%1x%2 in %3x%4")
+                                                                 .arg(view->width())
+                                                                 .arg(view->height())
+                                                                 .arg(area.width())
+                                                                 .arg(area.height())));
+    }
+
+    void port_list_is_empty_until_a_choice_and_has_ten_numbers() {
+        find<QAction>("setport")->trigger();
+        const auto* porta = find<QComboBox>("porta");
+        QCOMPARE(porta->count(), 10);
+        QCOMPARE(porta->itemText(0), QStringLiteral("1"));
+        QCOMPARE(porta->itemText(9), QStringLiteral("10"));
+        QCOMPARE(porta->currentIndex(), -1);
+        QCOMPARE(find<QLabel>("Label1", window().screen_of(QStringLiteral("setport")))->text(),
+                 QStringLiteral("Instrument setup: 38400 Baud Rate  8 Word  2 Stop  Parity "
+                                "Disabled"));
+    }
+
+    void a_port_that_does_not_exist_turns_red_and_says_why() {
+        find<QAction>("setport")->trigger();
+        auto* porta = find<QComboBox>("porta");
+        porta->setCurrentIndex(9);
+        Q_EMIT porta->activated(9);
+        const auto* state = find<QLabel>("port_state");
+        QCOMPARE(state->text(), QStringLiteral("RS232 ComPort 10 NOT Connected"));
+        QCOMPARE(state->palette().color(QPalette::Window), QColor(255, 0, 0));
+        QVERIFY(!state->toolTip().isEmpty());
+        QCOMPARE(window().windowTitle(), QStringLiteral("VKD M47_03 REMOTE CONTROL "));
+        QCOMPARE(state_.texts.language, int(kEnglish));
+        QVERIFY(find<QAction>("cmditaliano")->isChecked());
+        const QString english = state->toolTip();
+        find<QAction>("cmditaliano")->trigger();
+        QVERIFY(state->toolTip() != english);
+    }
+
+    void realtime_opens_in_the_analog_presentation() {
+        Realtime* screen = open_realtime();
+        QCOMPARE(screen->objectName(), QStringLiteral("realtime"));
+        QCOMPARE(screen->windowTitle(), QStringLiteral("Real Time Function Mode"));
+        QVERIFY(find<QWidget>("analogresults", screen)->isVisible());
+        QVERIFY(!find<QWidget>("digitalresults", screen)->isVisible());
+        QVERIFY(!find<QWidget>("satdigmea", screen)->isVisible());
+        QVERIFY(!find<QWidget>("grp_name", screen)->isVisible());
+        QVERIFY(!find<QAction>("multiple_acq", screen)->isVisible());
+        QVERIFY(find<QAction>("single_acq", screen)->isVisible());
+        QCOMPARE(find<QLineEdit>("fsat", screen)->text(), QStringLiteral("1000.0"));
+        QCOMPARE(find<QLineEdit>("ol_freq", screen)->text(), QStringLiteral("10600"));
+        QCOMPARE(find<QLineEdit>("chber_mind", screen)->text(), QStringLiteral("1E-8"));
+        QCOMPARE(find<QLineEdit>("chber_maxd", screen)->text(), QStringLiteral("3E-2"));
+        QCOMPARE(find<QComboBox>("satlnb_state", screen)->currentText(), QStringLiteral("OFF"));
+        QVERIFY(find<QAction>("cmdlev_0", screen)->isChecked());
+        QCOMPARE(find<QTableView>("measgrid", screen)->model()->rowCount(), 1);
+    }
+
+    void qpsk_and_analogico_change_the_frames() {
+        Realtime* screen = open_realtime();
+        find<QAction>("qpsk", screen)->trigger();
+        QVERIFY(find<QWidget>("digitalresults", screen)->isVisible());
+        QVERIFY(find<QWidget>("satdigmea", screen)->isVisible());
+        QVERIFY(!find<QWidget>("meas_stated_7", screen)->isEnabled());
+        find<QAction>("analogico", screen)->trigger();
+        QVERIFY(!find<QWidget>("digitalresults", screen)->isVisible());
+        QVERIFY(!find<QWidget>("satdigmea", screen)->isVisible());
+    }
+
+    void coming_back_to_the_screen_shows_the_analog_frame() {
+        Realtime* screen = open_realtime();
+        find<QAction>("qpsk", screen)->trigger();
+        find<QAction>("setport")->trigger();
+        find<QAction>("realtime")->trigger();
+        QVERIFY(!find<QWidget>("digitalresults", screen)->isVisible());
+        QVERIFY(find<QWidget>("analogresults", screen)->isVisible());
+        QCOMPARE(screen->rules.state.meas_mode, kAnalogMode);
+        QVERIFY(find<QWidget>("satdigmea", screen)->isVisible());
+    }
+
+    void limit_boxes_swallow_what_they_do_not_accept() {
+        Realtime* screen = open_realtime();
+        auto* maximum = find<QLineEdit>("lev_maxa", screen);
+        QTest::keyClicks(maximum, QStringLiteral("-1.2a3"));
+        QCOMPARE(maximum->text(), QStringLiteral("123"));
+        auto* minimum = find<QLineEdit>("lev_mina", screen);
+        QTest::keyClicks(minimum, QStringLiteral("-1.2"));
+        QTest::keyClick(minimum, Qt::Key_Backspace);
+        QCOMPARE(minimum->text(), QStringLiteral("-1"));
+        find<QAction>("qpsk", screen)->trigger();
+        auto* ber = find<QLineEdit>("chber_mind", screen);
+        ber->clear();
+        QTest::keyClicks(ber, QStringLiteral("5.E-9x"));
+        QCOMPARE(ber->text(), QStringLiteral("5E-9"));
+    }
+
+    void enter_corrects_a_box_without_a_link_too() {
+        Realtime* screen = open_realtime();
+        auto* frequency = find<QLineEdit>("fsat", screen);
+        frequency->setText(QStringLiteral("100"));
+        QTest::keyClick(frequency, Qt::Key_Return);
+        QCOMPARE(frequency->text(), QStringLiteral("0920.0"));
+        auto* oscillator = find<QLineEdit>("ol_freq", screen);
+        oscillator->setText(QStringLiteral("2000"));
+        QTest::keyClick(oscillator, Qt::Key_Return);
+        QCOMPARE(oscillator->text(), QStringLiteral("03070"));
+    }
+
+    void the_lnb_list_swallows_keys_and_the_wheel() {
+        Realtime* screen = open_realtime();
+        auto* list = find<QComboBox>("satlnb_state", screen);
+        list->setFocus();
+        QTest::keyClicks(list, QStringLiteral("1"));
+        QCOMPARE(list->currentIndex(), 0);
+    }
+
+    void a_measurement_without_a_link_writes_no_row() {
+        Realtime* screen = open_realtime();
+        QTest::mouseClick(find<QWidget>("meas_statea_0", screen), Qt::LeftButton, {}, {8, 8});
+        QVERIFY(screen->rules.panel.meas_statea[0]);
+        find<QAction>("single_acq", screen)->trigger();
+        QCOMPARE(find<QTableView>("measgrid", screen)->model()->rowCount(), 1);
+    }
+
+    void complete_noise_shows_its_boxes() {
+        Realtime* screen = open_realtime();
+        QVERIFY(!find<QWidget>("noise_freqa", screen)->isVisible());
+        find<QAction>("cmdcomplete", screen)->trigger();
+        QVERIFY(find<QWidget>("noise_freqa", screen)->isVisible());
+        find<QAction>("qpsk", screen)->trigger();
+        QVERIFY(find<QWidget>("noise_freqd", screen)->isVisible());
+        screen->parentWidget()->close();
+        QTRY_VERIFY(!window().screen_of(QStringLiteral("realtime")));
+        QVERIFY(!find<QAction>("cmdcomplete", open_realtime())->isChecked());
+    }
+
+    void the_log_is_opened_reloaded_and_closed_with_the_save_key() {
+        const QString log = folder_->filePath(QStringLiteral("old.log"));
+        QFile file(log);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("a\tb\r\nc\r\nd\te\tf\r\n");
+        file.close();
+        Realtime* screen = open_realtime();
+        QVERIFY(!find<QWidget>("file_name", screen)->isVisible());
+        QTimer::singleShot(100, screen, [log] {
+            auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+            QVERIFY(dialog);
+            QCOMPARE(dialog->nameFilters(), QStringList{QStringLiteral("(*.log)")});
+            dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(log);
+            QTest::keyClick(dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit")),
+                            Qt::Key_Return);
+        });
+        find<QAction>("save", screen)->trigger();
+        QCOMPARE(find<QLabel>("file_name", screen)->text(), log);
+        QVERIFY(find<QWidget>("file_label", screen)->isVisible());
+        QCOMPARE(find<QAction>("save", screen)->toolTip(), QStringLiteral("Close file"));
+        const auto* model = find<QTableView>("measgrid", screen)->model();
+        QCOMPARE(model->rowCount(), 4);
+        QCOMPARE(model->index(2, 2).data().toString(), QStringLiteral("f"));
+        find<QAction>("save", screen)->trigger();
+        QVERIFY(!find<QWidget>("file_name", screen)->isVisible());
+        QCOMPARE(find<QAction>("save", screen)->toolTip(), QStringLiteral("Open file"));
+        find<QAction>("cancella", screen)->trigger();
+        QCOMPARE(model->rowCount(), 1);
+    }
+
+    void a_cancelled_dialog_leaves_the_tooltip_at_close_file() {
+        Realtime* screen = open_realtime();
+        QTimer::singleShot(100, screen, [] { QApplication::activeModalWidget()->close(); });
+        find<QAction>("save", screen)->trigger();
+        QVERIFY(!screen->rules.log.log_open());
+        QCOMPARE(find<QAction>("save", screen)->toolTip(), QStringLiteral("Close file"));
+    }
+
+    void a_fault_in_a_handler_shows_one_box_and_the_program_goes_on() {
+        QString text;
+        QTimer::singleShot(100, &window(), [&text] {
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            QVERIFY(box);
+            text = box->text();
+            box->accept();
+        });
+        run_handler(&window(), "fsat_KeyPress", [] { throw Fault("no record"); });
+        QCOMPARE(text, QStringLiteral("fsat_KeyPress: no record"));
+        QVERIFY(open_realtime());
+    }
+};
+
+}  // namespace m47
+
+QTEST_MAIN(m47::ScreensTest)
+#include "screens_test.moc"
