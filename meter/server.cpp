@@ -72,6 +72,7 @@ Server::Server(const Options& options, PtyLine& line, Instrument& instrument, Tr
 void Server::catch_signals() {
     handle_signal(SIGINT, on_stop);
     handle_signal(SIGTERM, on_stop);
+    handle_signal(SIGHUP, on_stop);
     handle_signal(SIGUSR1, on_state);
     handle_signal(SIGPIPE, SIG_IGN);
 }

@@ -44,19 +44,18 @@ std::optional<double> Settings::to_if(double mhz) const {
     }
     const double result =
         oscillator.mhz < oscillator_below_band ? oscillator.mhz - mhz : mhz - oscillator.mhz;
-    return within(result, if_low, if_high) ? std::optional(result) : std::nullopt;
+    if (within(result, if_low, if_high)) {
+        return result;
+    }
+    // A frequency of the intermediate band itself is taken as one, oscillator or not.
+    return within(mhz, if_low, if_high) ? std::optional(mhz) : std::nullopt;
 }
 
 std::string frequency_text(double mhz) {
     const double rounded = std::round(mhz * 10.0) / 10.0;
     char buffer[32];
-    if (within(rounded, 900.0, 2150.0)) {
-        std::snprintf(buffer, sizeof buffer, "%06.1f", rounded);
-    } else if (rounded == std::floor(rounded)) {
-        std::snprintf(buffer, sizeof buffer, "%05.0f", rounded);
-    } else {
-        std::snprintf(buffer, sizeof buffer, "%06.1f", rounded);
-    }
+    const bool whole = !within(rounded, 900.0, 2150.0) && rounded == std::floor(rounded);
+    std::snprintf(buffer, sizeof buffer, whole ? "%05.0f" : "%06.1f", rounded);
     return buffer;
 }
 

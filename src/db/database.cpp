@@ -5,6 +5,7 @@
 
 #include "database_check.h"
 #include "engine.h"
+#include "tables.h"
 
 namespace m47 {
 
@@ -33,10 +34,10 @@ std::unique_ptr<Database> Database::open(const QString& path, DatabaseError& err
 
 Database::Database(std::unique_ptr<Connection> connection)
     : connection_(std::move(connection)),
-      programmi_(Recordset::table(this->connection(), QStringLiteral("programmi"))),
-      configurazione_(Recordset::table(this->connection(), QStringLiteral("configurazione"))),
-      gruppo_(Recordset::table(this->connection(), QStringLiteral("gruppo"))),
-      asl_(Recordset::table(this->connection(), QStringLiteral("asl"))) {}
+      programmi_(Recordset::table(this->connection(), QLatin1String(table::kProgrammi))),
+      configurazione_(Recordset::table(this->connection(), QLatin1String(table::kConfigurazione))),
+      gruppo_(Recordset::table(this->connection(), QLatin1String(table::kGruppo))),
+      asl_(Recordset::table(this->connection(), QLatin1String(table::kAsl))) {}
 
 Database::~Database() = default;
 

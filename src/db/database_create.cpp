@@ -10,8 +10,10 @@
 #include <cstring>
 
 #include "database.h"
+
 #include "engine.h"
 #include "schema.h"
+#include "tables.h"
 
 namespace m47 {
 namespace {
@@ -90,7 +92,7 @@ void fill(const QString& path) {
     Query(database, QStringLiteral("BEGIN"));
     for (const Table& table : schema())
         for (const QString& statement : creation_statements(table)) Query(database, statement);
-    for (const char* table : {"gruppo", "configurazione", "programmi"})
+    for (const char* table : {table::kGruppo, table::kConfigurazione, table::kProgrammi})
         Query(database,
               QStringLiteral("INSERT INTO %1 (nome) VALUES (?)").arg(QLatin1String(table)),
               {kFirstPlan});

@@ -5,6 +5,7 @@
 #include <array>
 
 #include "fault.h"
+#include "tables.h"
 
 namespace m47 {
 namespace {
@@ -85,10 +86,10 @@ constexpr std::array kAsl{
 constexpr std::array kAslIndices{Index{"nome", false}};
 
 const std::array kTables{
-    Table{"programmi", kProgrammi, kProgrammiIndices},
-    Table{"configurazione", kConfigurazione, kConfigurazioneIndices},
-    Table{"gruppo", kGruppo, kGruppoIndices},
-    Table{"asl", kAsl, kAslIndices},
+    Table{table::kProgrammi, kProgrammi, kProgrammiIndices},
+    Table{table::kConfigurazione, kConfigurazione, kConfigurazioneIndices},
+    Table{table::kGruppo, kGruppo, kGruppoIndices},
+    Table{table::kAsl, kAsl, kAslIndices},
 };
 
 const char* storage_of(FieldKind kind) {

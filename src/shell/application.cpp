@@ -8,6 +8,7 @@
 #include <cstdio>
 
 #include "database_error.h"
+#include "display.h"
 #include "fault.h"
 #include "handler.h"
 #include "icons.h"
@@ -16,6 +17,9 @@
 
 namespace m47 {
 namespace {
+
+constexpr Bilingual kNoFolder{"Cannot work in the folder %1.",
+                              "Non si può lavorare nella cartella %1."};
 
 /// Last resort: a fault that reaches the event loop ends its event, not the program.
 class GuardedApplication : public QApplication {
@@ -56,11 +60,6 @@ bool platform_chosen(int argc, char** argv) {
     return false;
 }
 
-bool has_display() {
-    return !qEnvironmentVariableIsEmpty("DISPLAY") ||
-           !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
-}
-
 /// One clear message: on stderr always, in a box when somebody looks.
 void tell(const QString& text, const Options& options) {
     print(stderr, QStringLiteral("m47-remote: ") + text);
@@ -94,9 +93,10 @@ int run_with_options(int argc, char** argv, const Options& options) {
     QApplication::setApplicationVersion(QStringLiteral(M47_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("m47-remote"));
     ProgramState state;
-    state.texts.language = kItalian;
+    // What an unattended run says goes to a log, not to a screen.
+    state.texts.language = options.measure ? kEnglish : kItalian;
     if (!options.directory.isEmpty() && !QDir::setCurrent(options.directory)) {
-        tell(QStringLiteral("cannot work in the folder %1").arg(options.directory), options);
+        tell(state.texts.pick(kNoFolder).arg(options.directory), options);
         return options.measure ? kDatabase : 1;
     }
     state.base_dir = folder_with_separator(QDir::currentPath());
@@ -129,9 +129,9 @@ int run_program(int argc, char** argv) {
         if (options.measure) {
             // Nothing is shown, so a display that cannot be reached must not stop a measurement.
             qputenv("QT_QPA_PLATFORM", "offscreen");
-        } else if (!has_display()) {
+        } else if (!display_reachable()) {
             print(stderr, QStringLiteral("m47-remote: there is no display; see --measure"));
-            return 1;
+            return kNoDisplay;
         }
     }
     return run_with_options(argc, argv, options);

@@ -11,11 +11,16 @@ M47MDI::M47MDI(ProgramState& program, QWidget* parent)
     : QMainWindow(parent),
       program_(program),
       ui_(std::make_unique<Ui::M47MDI>()),
+      progress_(new QLabel),
       status_(new StatusPanel) {
     ui_->setupUi(this);
     caption_ = windowTitle();
+    progress_->setObjectName(QStringLiteral("plan_progress"));
+    ui_->status_line->addWidget(progress_);
     ui_->status_line->addPermanentWidget(status_);
     setWindowIcon(application_icon());
+    // Its menu would hide the toolbar, and nothing would bring it back.
+    setContextMenuPolicy(Qt::NoContextMenu);
     for (QAction* key : ui_->barracomandi->actions()) key->setIcon(toolbar_icon(key->objectName()));
     on(ui_->barracomandi, &QToolBar::actionTriggered, this, "barracomandi_ButtonClick",
        [this](QAction* key) { open_screen(key->objectName()); });
@@ -30,8 +35,9 @@ M47MDI::M47MDI(ProgramState& program, QWidget* parent)
 }
 
 M47MDI::~M47MDI() {
-    // The views go after this object; none of them comes to the front any more.
+    // The screens go while this window is whole; none of them comes to the front any more.
     ui_->screens->disconnect(this);
+    delete ui_->screens;
 }
 
 void M47MDI::add_screen(const QString& key, const ScreenMaker& maker) {
@@ -46,7 +52,7 @@ QWidget* M47MDI::screen_of(const QString& key) const {
 void M47MDI::open_screen(const QString& key) {
     if (!makers_.contains(key)) return;
     if (QMdiSubWindow* view = views_.value(key)) {
-        view->showNormal();
+        if (view->isMinimized()) view->showNormal();
         ui_->screens->setActiveSubWindow(view);
         return;
     }
@@ -97,6 +103,10 @@ void M47MDI::cmditaliano_Click() {
     ui_->cmdinglese->setChecked(false);
     ui_->cmditaliano->setChecked(true);
     status_->show_reason();
+}
+
+void M47MDI::show_progress(const QString& text) {
+    progress_->setText(text);
 }
 
 QString M47MDI::caption() const {

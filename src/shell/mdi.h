@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QLabel>
 #include <QMainWindow>
 #include <QMap>
 #include <QMdiSubWindow>
@@ -44,6 +45,9 @@ class M47MDI : public QMainWindow, public MainWindowView {
     /// The screen of `key` where it is open, else nullptr.
     QWidget* screen_of(const QString& key) const;
 
+    /// Progress of a plan pass in the status line; empty clears it.
+    void show_progress(const QString& text);
+
     void cmdinglese_Click();
     void cmditaliano_Click();
 
@@ -60,6 +64,7 @@ class M47MDI : public QMainWindow, public MainWindowView {
     ProgramState& program_;
     QString caption_;
     std::unique_ptr<Ui::M47MDI> ui_;
+    QLabel* progress_;
     StatusPanel* status_;
     QMap<QString, ScreenMaker> makers_;
     QMap<QString, QPointer<QMdiSubWindow>> views_;

@@ -2,6 +2,7 @@
 #include "options.h"
 
 #include <QCommandLineParser>
+#include <QLocale>
 #include <QRegularExpression>
 #include <cmath>
 
@@ -10,7 +11,7 @@
 namespace m47 {
 namespace {
 
-const QStringList kAlarmNames{QStringLiteral("level"), QStringLiteral("cn"), QStringLiteral("ber"),
+const QStringList kAlarmNames{QStringLiteral("level"), QStringLiteral("ber"),
                               QStringLiteral("mer")};
 const QStringList kScreens{QStringLiteral("program"),        QStringLiteral("download"),
                            QStringLiteral("realtime"),       QStringLiteral("asl"),
@@ -22,7 +23,8 @@ void add_options(QCommandLineParser& parser) {
     const QList<QCommandLineOption> options{
         {{"h", "help"}, "Show this help and end."},
         {{"v", "version"}, "Show the version and end."},
-        {"directory", "Work in DIR instead of the current directory.", "DIR"},
+        {"directory",
+         "Work in DIR instead of the current directory; other relative names start there.", "DIR"},
         {"port", "The device behind port number N (1 to 10); repeatable.", "N=DEVICE"},
         {"create-database", "First create the database file where it does not exist."},
         {"on-port", "Connect to the meter on port number N at start.", "N"},
@@ -33,7 +35,7 @@ void add_options(QCommandLineParser& parser) {
         {"freq", "Frequency to measure at.", "MHZ"},
         {"bandwidth", "Channel bandwidth for the digital channel power.", "MHZ"},
         {"symbol-rate", "QPSK symbol rate.", "KS"},
-        {"alarm", "Check limits, NAME one of level, cn, ber, mer; repeatable.", "NAME=MIN:MAX"},
+        {"alarm", "Check limits, NAME one of level, ber, mer; repeatable.", "NAME=MIN:MAX"},
         {"count", "How many measurements to take (default 1).", "K"},
         {"log", "Append each row to FILE as well.", "FILE"},
         {"screenshot", "Write a picture of the real-time screen at the end.", "FILE"},
@@ -61,9 +63,12 @@ QString read_alarms(const QCommandLineParser& parser, QList<AlarmOption>& alarms
     const QStringList values = parser.values(QStringLiteral("alarm"));
     for (const QString& value : values) {
         const QRegularExpressionMatch match = kForm.match(value);
-        if (!match.hasMatch() || !kAlarmNames.contains(match.captured(1)))
-            return QStringLiteral(
-                "--alarm takes NAME=MIN:MAX with NAME one of level, cn, ber, mer");
+        bool minimum_good = false;
+        bool maximum_good = false;
+        match.captured(2).toDouble(&minimum_good);
+        match.captured(3).toDouble(&maximum_good);
+        if (!kAlarmNames.contains(match.captured(1)) || !minimum_good || !maximum_good)
+            return QStringLiteral("--alarm takes NAME=MIN:MAX with NAME one of level, ber, mer");
         alarms.append({match.captured(1), match.captured(2), match.captured(3)});
     }
     return {};
@@ -73,7 +78,8 @@ QString read_positive(const QCommandLineParser& parser, const QString& name, QSt
     if (!parser.isSet(name)) return {};
     bool good = false;
     text = parser.value(name);
-    const double value = text.toDouble(&good);
+    const double value =
+        QString(text).replace(QLocale().decimalPoint(), QStringLiteral(".")).toDouble(&good);
     if (good && std::isfinite(value) && value > 0) return {};
     return QStringLiteral("--%1 takes a number above 0").arg(name);
 }
@@ -104,6 +110,9 @@ QString check_combination(const QCommandLineParser& parser, const Options& optio
         if (parser.isSet(QStringLiteral("analog")) && options.digital)
             return QStringLiteral("--analog and --digital exclude each other");
         if (!options.open.isEmpty()) return QStringLiteral("--open does not go with --measure");
+        for (const AlarmOption& alarm : options.alarms)
+            if (!options.digital && alarm.name != QLatin1String("level"))
+                return QStringLiteral("--alarm %1 needs --digital").arg(alarm.name);
         return {};
     }
     for (const char* name : {"analog", "digital", "freq", "bandwidth", "symbol-rate", "alarm",

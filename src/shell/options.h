@@ -9,7 +9,7 @@ namespace m47 {
 
 /// One alarm of an unattended measurement: its limits as they would be typed on the screen.
 struct AlarmOption {
-    QString name;  ///< "level", "cn", "ber" or "mer"
+    QString name;  ///< "level", or with --digital "ber" or "mer"
     QString minimum;
     QString maximum;
 };

@@ -61,6 +61,9 @@ void Program::add_screens() {
              [this] {
                  Realtime* screen = make_realtime(nullptr);
                  close_on_exit(screen);
+                 QObject::connect(screen, &Realtime::progress, &window_, &M47MDI::show_progress);
+                 QObject::connect(screen, &QObject::destroyed, &window_,
+                                  [this] { window_.show_progress(QString()); });
                  return screen;
              },
          .load = [](QWidget* screen) { static_cast<Realtime*>(screen)->Form_Load(); },

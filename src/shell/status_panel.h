@@ -29,8 +29,6 @@ class StatusPanel : public QFrame, public LinkView {
     void set_port_state(const QString& text, bool connected) override;
     void pump() override;
 
-    const BusyPump& busy_pump() const { return pump_; }
-
   private:
     void show_state(const QString& text, bool connected);
 

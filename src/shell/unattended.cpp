@@ -38,7 +38,7 @@ struct Run {
 };
 
 void print_row(Run& run, const QStringList& row) {
-    const QByteArray line = row.join(u'\t').toUtf8();
+    const QByteArray line = row.join(run.screen.rules.state.field_separator).toUtf8();
     if (std::printf("%s\n", line.constData()) < 0 || std::fflush(stdout) != 0)
         run.stdout_lost = true;
     if (row.constLast() == QLatin1String("FAIL")) run.alarm_failed = true;
@@ -61,9 +61,6 @@ void set_alarm(RealtimePanel& panel, const AlarmOption& alarm) {
     if (alarm.name == QLatin1String("level")) {
         set(panel.alarm_stated[0], panel.lev_mind, panel.lev_maxd);
         set(panel.alarm_statea[0], panel.lev_mina, panel.lev_maxa);
-    } else if (alarm.name == QLatin1String("cn")) {
-        set(panel.alarm_stated[1], panel.cn_mind, panel.cn_maxd);
-        set(panel.alarm_statea[1], panel.cn_mina, panel.cn_maxa);
     } else if (alarm.name == QLatin1String("ber")) {
         set(panel.alarm_stated[2], panel.chber_mind, panel.chber_maxd);
     } else {
@@ -91,7 +88,9 @@ void write_screenshot(Run& run) {
     if (run.options.screenshot.isEmpty()) return;
     run.screen.rules.panel.repaint();
     run.screen.resize(run.screen.sizeHint().expandedTo({900, 560}));
-    if (run.screen.grab().save(run.options.screenshot, "PNG")) return;
+    const QPixmap picture = run.screen.grab();
+    // The kind follows from the name; a name that tells none is PNG.
+    if (picture.save(run.options.screenshot) || picture.save(run.options.screenshot, "PNG")) return;
     complain(QStringLiteral("cannot write the picture %1").arg(run.options.screenshot));
     run.file_lost = true;
 }

@@ -6,7 +6,7 @@
 
 namespace m47 {
 
-/// The exit statuses of an unattended run.
+/// The exit statuses of the program; 1 also says that its windows could not start.
 enum ExitStatus {
     kGood = 0,
     kAlarmFailed = 1,
@@ -14,6 +14,7 @@ enum ExitStatus {
     kNoLink = 3,
     kDatabase = 4,
     kOutputLost = 5,  ///< a row is missing in the log or on stdout, or the picture is
+    kNoDisplay = 6,   ///< windows were wanted and there is no display
 };
 
 /// Measures without showing a window: connects, runs the handlers that the buttons run and prints

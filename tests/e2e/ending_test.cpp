@@ -54,7 +54,7 @@ void EndingTest::while_it_waits() {
     for (std::size_t k = 0; k < stands.size(); ++k) {
         TestStand& stand = stands[k];
         // The second after the attenuator has been set; the first two times it is not waited for.
-        QTRY_VERIFY(stand.meter.answers_to("ATTEN 6").size() > 3);
+        QVERIFY(stand.meter.wait_for_command("ATTEN 6", 4));
         QVERIFY(stand.remote.wait_for_lines(1));
         stand.remote.send_signal(signals_to_end[k]);
         const Ending ending = stand.remote.wait();

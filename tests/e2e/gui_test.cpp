@@ -203,8 +203,9 @@ class GuiTest : public QObject {
         QTest::mouseClick(find<QRadioButton>("locopt_0", screen), Qt::LeftButton, {}, {8, 8});
         QCOMPARE(new_commands(), QStringList({"LOCOSC 00", "FREQ?"}));
         auto* supply = find<QComboBox>("satlnb_state", screen);
-        supply->setFocus();
-        QTest::keyClick(supply, Qt::Key_Down);
+        supply->showPopup();
+        supply->view()->setCurrentIndex(supply->model()->index(1, 0));
+        QTest::keyClick(supply->view(), Qt::Key_Return);
         QCOMPARE(new_commands(), QStringList({"LNVOLT 13", "LNB 01"}));
         auto* attenuator = find<QComboBox>("atten_list", screen);
         attenuator->setFocus();
@@ -229,6 +230,76 @@ class GuiTest : public QObject {
         screen = open_realtime();
         QVERIFY(find<QAction>("cmdlev_1", screen)->isChecked());
         QCOMPARE(state_.unit_index, int(kDbmv));
+    }
+
+    /// Adds a monitored or unmonitored analog program to the plan that a new database holds.
+    void add_program(const char* number, double frequency, int monitored) {
+        Recordset& programs = program_->database().programmi();
+        programs.add_new();
+        programs.set(QStringLiteral("nome"), QStringLiteral("PLAN 1"));
+        programs.set(QStringLiteral("pg_num"), QString::fromLatin1(number));
+        programs.set(QStringLiteral("frequenza"), frequency);
+        programs.set(QStringLiteral("loc_osc"), 1);
+        programs.set(QStringLiteral("sat_ad"), 0);
+        programs.set(QStringLiteral("monitor_state"), monitored);
+        programs.update();
+    }
+
+    void a_plan_is_measured_program_by_program() {
+        start();
+        add_program("001", 1000, 1);
+        add_program("002", 1100, 0);
+        add_program("003", 1200.5, 1);
+        pick_port(3);
+        Realtime* screen = open_realtime();
+        tick("meas_statea_0", screen);
+        find<QAction>("group", screen)->trigger();
+        QCOMPARE(find<QLineEdit>("grp_name", screen)->text(), QStringLiteral("PLAN 1"));
+        QVERIFY(find<QAction>("multiple_acq", screen)->isVisible());
+        QVERIFY(!find<QAction>("single_acq", screen)->isVisible());
+        QVERIFY(!find<QWidget>("sat_opt", screen)->isEnabled());
+        new_commands();
+        const auto* progress = find<QLabel>("plan_progress");
+        QStringList shown;
+        QTimer watch;
+        connect(&watch, &QTimer::timeout, this, [&] {
+            if (!progress->text().isEmpty() && !shown.contains(progress->text()))
+                shown += progress->text();
+        });
+        watch.start(20);
+        find<QAction>("multiple_acq", screen)->trigger();
+        QTRY_VERIFY_WITH_TIMEOUT(!screen->rules.state.plan_run_active, 20000);
+        QCOMPARE(new_commands(), QStringList({"MEASURE", "FREQ 1000.0", "ATTEN 6", "LEVANL?",
+                                              "MEASURE", "FREQ 1200.5", "ATTEN 6", "LEVANL?"}));
+        QCOMPARE(screen->rules.page.measurements(), 2);
+        QCOMPARE(row(screen, 0)[2], QStringLiteral("1000.0"));
+        QCOMPARE(row(screen, 1)[2], QStringLiteral("1200.5"));
+        QCOMPARE(shown, QStringList({"1/2", "2/2"}));
+        QCOMPARE(progress->text(), QString());
+        QCOMPARE(find<QLabel>("prog_num", screen)->text(), QStringLiteral("003"));
+    }
+
+    void timed_acquisition_measures_every_second_and_stops() {
+        start();
+        pick_port(3);
+        Realtime* screen = open_realtime();
+        tick("meas_statea_0", screen);
+        QVERIFY(!find<QWidget>("timer_opt", screen)->isVisible());
+        find<QAction>("start", screen)->trigger();
+        QVERIFY(find<QWidget>("timer_opt", screen)->isVisible());
+        auto* button = find<QPushButton>("cmdstart", screen);
+        QCOMPARE(button->text(), QStringLiteral("&Start"));
+        QTest::mouseClick(button, Qt::LeftButton);
+        QCOMPARE(button->text(), QStringLiteral("&Stop"));
+        QTRY_VERIFY_WITH_TIMEOUT(screen->rules.page.measurements() == 2, 10000);
+        QCOMPARE(find<Lamp>("time_state", screen)->colour(), QColor(0, 255, 0));
+        QVERIFY(!find<QLabel>("time_act", screen)->text().isEmpty());
+        find<QAction>("stop", screen)->trigger();
+        QVERIFY(!find<QWidget>("timer_opt", screen)->isVisible());
+        QCOMPARE(find<Lamp>("time_state", screen)->colour(), QColor(192, 192, 192));
+        const int rows = screen->rules.page.measurements();
+        QTest::qWait(2500);
+        QCOMPARE(screen->rules.page.measurements(), rows);
     }
 
     void a_vanished_meter_turns_the_status_red_within_a_moment() {

@@ -49,6 +49,12 @@ QString folder_in(const QTemporaryDir& folder, const QString& name) {
 
 }  // namespace
 
+QString folder_template() {
+    const QString memory = QStringLiteral("/dev/shm");
+    return (QFileInfo(memory).isWritable() ? memory : QDir::tempPath()) +
+           QStringLiteral("/m47-e2e-XXXXXX");
+}
+
 ChildProcess::ChildProcess() {
     process_.setChildProcessModifier([] {
         ::setpgid(0, 0);

@@ -12,6 +12,10 @@
 
 namespace m47 {
 
+/// The template for a test's temporary folder, in memory where the system has such a place, so that
+/// a busy disk does not hold up a trace or a log in the middle of a timed exchange.
+QString folder_template();
+
 /// What the meter received up to a CR, or sent as one answer.
 struct TraceEntry {
     bool received = false;
@@ -108,7 +112,7 @@ class TestStand {
     /// The meter answers at once, unless `meter_options` say otherwise.
     explicit TestStand(const QStringList& meter_options = {});
 
-    QTemporaryDir folder;
+    QTemporaryDir folder{folder_template()};
     MeterProcess meter;
     RemoteProcess remote;
 
@@ -127,7 +131,7 @@ class EmptyStand {
   public:
     EmptyStand();
 
-    QTemporaryDir folder;
+    QTemporaryDir folder{folder_template()};
     RemoteProcess remote;
 
     QString path(const QString& name) const;

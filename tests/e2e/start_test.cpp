@@ -18,6 +18,7 @@ class StartTest : public QObject {
     void help();
     void version();
     void no_display();
+    void a_display_that_is_gone();
     void measuring_with_an_unreachable_display();
     void database_created_once();
     void database_that_exists_is_left_alone();
@@ -143,12 +144,22 @@ void StartTest::version() {
 void StartTest::no_display() {
     EmptyStand stand;
     const Ending ending = stand.remote.run({"--create-database", "--open", "realtime"});
-    QCOMPARE(ending.status, 1);
+    QCOMPARE(ending.status, 6);
     QCOMPARE(ending.out, QByteArray());
     QCOMPARE(ending.err.count('\n'), 1);
     QVERIFY(ending.err.contains("display"));
     QVERIFY(ending.err.contains("--measure"));
     QVERIFY(stand.files().isEmpty());
+}
+
+/// The window toolkit alone would end the program by a signal here.
+void StartTest::a_display_that_is_gone() {
+    EmptyStand stand;
+    stand.remote.environment.insert("DISPLAY", "127.0.0.1:99");
+    const Ending ending = stand.remote.run({"--create-database"});
+    QCOMPARE(ending.status, 6);
+    QCOMPARE(ending.err.count('\n'), 1);
+    QVERIFY(ending.err.contains("display"));
 }
 
 /// A display left over in the environment, as in a session that has been moved to another machine.

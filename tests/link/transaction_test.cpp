@@ -51,6 +51,7 @@ class TransactionTest : public QObject {
     void midnight_within_a_transaction();
     void midnight_within_a_wait();
     void send_tells_whether_there_is_an_answer();
+    void no_transaction_starts_inside_another();
 
   private:
     void make(double time_of_day = 36000.0);
@@ -472,6 +473,23 @@ void TransactionTest::midnight_within_a_wait() {
     link_->interrupted = [&] { return clock_->elapsed() > 3600; };
     QVERIFY_THROWS_EXCEPTION(Interrupted, link_->wait_time(2));
     QVERIFY(clock_->elapsed() > 3600);
+}
+
+void TransactionTest::no_transaction_starts_inside_another() {
+    port_->answer_delay = 0.5;
+    answer_with("73.5");
+    int refused = 0;
+    view_->on_pump = [&] {
+        try {
+            link_->send_command();
+        } catch (const Fault&) {
+            ++refused;
+        }
+    };
+    run(QStringLiteral("LEVANL?"));
+    QVERIFY(refused > 0);
+    QCOMPARE(port_->take_commands(), QStringList{QStringLiteral("LEVANL?")});
+    QCOMPARE(link_->reply_text, QStringLiteral("73.5"));
 }
 
 void TransactionTest::send_tells_whether_there_is_an_answer() {

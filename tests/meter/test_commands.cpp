@@ -232,7 +232,10 @@ void TestCommands::frequency_limits_follow_the_oscillator() {
     accepted("LOCOSC 1 10600");
     accepted("LOCOSC 1");
     QVERIFY(accepted("FREQ 11520") && accepted("FREQ 12750"));
-    QVERIFY(!accepted("FREQ 11519") && !accepted("FREQ 12751") && !accepted("FREQ 1000"));
+    QVERIFY(!accepted("FREQ 11519") && !accepted("FREQ 12751") && !accepted("FREQ 919"));
+    // A frequency of the intermediate band is taken as one.
+    QVERIFY(accepted("FREQ 1000"));
+    QCOMPARE(value(instrument, "FREQ?"), std::string("11600"));
     accepted("LOCOSC 3 05150");
     accepted("LOCOSC 3");
     QVERIFY(accepted("FREQ 3000") && accepted("FREQ 4230"));

@@ -549,7 +549,7 @@ void MeasureCycleTest::link_lost_at_any_moment() {
         if (panel().cmdcomplete) tick({kCnDigital, kNoiseDigital});
         panel().alarm_stated.fill(true);
         f_->port.vanish_in(moment);
-        f_->rules.single_acq();
+        f_->rules.acquisition.single_acq();
         const QByteArray words = QByteArray::number(moment);
         QVERIFY2(!f_->link.port_connected, words);
         QVERIFY2(page().measurements() == 0, words);
@@ -585,7 +585,7 @@ void MeasureCycleTest::the_end_of_the_program_passes_through() {
     bool ends = false;
     f_->on_command = [&](const QByteArray& command) { ends = ends || command == at; };
     f_->link.interrupted = [&] { return ends; };
-    QVERIFY_EXCEPTION_THROWN(f_->rules.single_acq(), Interrupted);
+    QVERIFY_EXCEPTION_THROWN(f_->rules.acquisition.single_acq(), Interrupted);
     // The transaction that had begun came to its end, nothing was sent behind it.
     QCOMPARE(f_->commands().last(), QString::fromLatin1(at));
     QCOMPARE(page().measurements(), 0);
@@ -598,7 +598,7 @@ void MeasureCycleTest::one_measurement_now() {
     panel().meas_statea[kLevel] = true;
     bool active = false;
     f_->on_command = [&](const QByteArray&) { active = state().plan_run_active; };
-    f_->rules.single_acq();
+    f_->rules.acquisition.single_acq();
     QVERIFY(active);
     QVERIFY(!state().plan_run_active);
     QCOMPARE(f_->commands(), (QStringList{"MEASURE", "FREQ 1000.0", "ATTEN 6", "LEVANL?"}));

@@ -57,7 +57,6 @@ class ModesTest : public QObject {
     void unit_menu();
     void the_same_unit_twice();
     void unit_menu_during_a_recall();
-    void single_program();
 
     void recall_of_an_analog_program();
     void recall_of_a_digital_program();
@@ -393,18 +392,6 @@ void ModesTest::unit_menu_during_a_recall() {
     QCOMPARE(f_->program.unit_index, 2);
 }
 
-void ModesTest::single_program() {
-    panel().plan_controls_visible = true;
-    panel().sat_opt_enabled = panel().limits_enabled = false;
-    state().acq_kind = 2;
-    modes().single();
-    QVERIFY(!panel().plan_controls_visible);
-    QVERIFY(panel().sat_opt_enabled);
-    QVERIFY(panel().limits_enabled);
-    QCOMPARE(state().acq_kind, 1);
-    QCOMPARE(f_->port.opens, 0);
-}
-
 void ModesTest::recall_of_an_analog_program() {
     // The oscillator choice is the program's already.
     panel().locopt = {false, true};
@@ -570,7 +557,7 @@ void ModesTest::empty_fields() {
     // The cycle of such a program brings what it needs into its range.
     panel().meas_statea[kLevel] = true;
     f_->values["LEVANL?"] = "L 58.3";
-    f_->rules.single_acq();
+    f_->rules.acquisition.single_acq();
     QCOMPARE(f_->commands(), (QStringList{"MEASURE", "FREQ 11520", "ATTEN 6", "LEVANL?"}));
     QCOMPARE(f_->rules.page.measurements(), 1);
 }

@@ -96,7 +96,7 @@ void OptionsTest::value_behind_an_equals_sign() {
 
 void OptionsTest::several_ports_and_alarms() {
     const Options options =
-        parse_options(measuring({"--port", "1=/dev/a", "--port", "2=/dev/b", "--alarm",
+        parse_options(measuring({"--digital", "--port", "1=/dev/a", "--port", "2=/dev/b", "--alarm",
                                  "level=20:110", "--alarm", "ber=1E-8:3E-2"}));
     QCOMPARE(options.action, Action::run);
     QCOMPARE(options.ports, QStringList({"1=/dev/a", "2=/dev/b"}));
@@ -110,9 +110,9 @@ void OptionsTest::several_ports_and_alarms() {
 }
 
 void OptionsTest::alarm_limits_as_typed() {
-    for (const char* name : {"level", "cn", "ber", "mer"}) {
-        const Options options =
-            parse_options(measuring({"--alarm", QString::fromLatin1(name) + "=-10.5:40"}));
+    for (const char* name : {"level", "ber", "mer"}) {
+        const Options options = parse_options(
+            measuring({"--digital", "--alarm", QString::fromLatin1(name) + "=-10.5:40"}));
         QCOMPARE(options.action, Action::run);
         QCOMPARE(options.alarms.value(0).name, QString::fromLatin1(name));
         QCOMPARE(options.alarms.value(0).minimum, QString("-10.5"));
@@ -190,9 +190,11 @@ void OptionsTest::wrong_data() {
     row("screen in a measurement", measuring({"--open", "realtime"}), "--open");
     row("screen in capitals", {"--open", "Realtime"}, "--open");
     row("alarm without limits", measuring({"--alarm", "level"}), "--alarm");
+    row("alarm limit that is no number", measuring({"--alarm", "level=abc:110"}), "--alarm");
+    row("alarm with an empty limit", measuring({"--alarm", "level=:110"}), "--alarm");
     row("alarm with three limits", measuring({"--alarm", "level=1:2:3"}), "--alarm");
     row("alarm in capitals", measuring({"--alarm", "LEVEL=1:2"}), "--alarm");
-    row("second alarm", measuring({"--alarm", "cn=1:2", "--alarm", "x=1:2"}), "--alarm");
+    row("second alarm", measuring({"--alarm", "level=1:2", "--alarm", "x=1:2"}), "--alarm");
     row("second port", {"--port", "1=/dev/a", "--port", "b"}, "--port");
     row("port without device", {"--port", "1="}, "--port");
     for (const char* option : {"--freq", "--bandwidth", "--symbol-rate"})
@@ -201,7 +203,10 @@ void OptionsTest::wrong_data() {
     row("count alone", {"--count", "1"}, "--count");
     row("log alone", {"--log", "a"}, "--log");
     row("picture alone", {"--screenshot", "a"}, "--screenshot");
-    row("alarm alone", {"--alarm", "cn=1:2"}, "--alarm");
+    row("alarm alone", {"--alarm", "level=1:2"}, "--alarm");
+    row("alarm that an analog row does not have", measuring({"--alarm", "ber=1:2"}), "--digital");
+    row("alarm on C/N, which no cycle measures", measuring({"--digital", "--alarm", "cn=1:2"}),
+        "--alarm");
 }
 
 void OptionsTest::wrong() {

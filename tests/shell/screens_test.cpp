@@ -16,6 +16,7 @@
 #include <QTest>
 #include <QTimer>
 #include <QToolBar>
+#include <QWheelEvent>
 
 #include "fault.h"
 #include "handler.h"
@@ -120,6 +121,20 @@ class ScreensTest : public QObject {
         QCOMPARE(find<QMdiArea>("screens")->subWindowList().size(), 1);
         find<QPushButton>("cmdexit", window().screen_of(QStringLiteral("setport")))->click();
         QTRY_COMPARE(find<QMdiArea>("screens")->subWindowList().size(), 0);
+    }
+
+    void a_maximised_screen_stays_so_when_brought_up_again() {
+        auto* view = qobject_cast<QMdiSubWindow*>(open_realtime()->parentWidget());
+        view->showMaximized();
+        find<QAction>("setport")->trigger();
+        find<QAction>("realtime")->trigger();
+        QVERIFY(view->isMaximized());
+        QCOMPARE(window().caption(), QStringLiteral("VKD M47_03 REMOTE CONTROL"));
+    }
+
+    void no_menu_hides_a_toolbar() {
+        QCOMPARE(window().contextMenuPolicy(), Qt::NoContextMenu);
+        QCOMPARE(open_realtime()->contextMenuPolicy(), Qt::NoContextMenu);
     }
 
     void a_new_screen_lies_inside_the_window() {
@@ -236,6 +251,11 @@ class ScreensTest : public QObject {
         auto* list = find<QComboBox>("satlnb_state", screen);
         list->setFocus();
         QTest::keyClicks(list, QStringLiteral("1"));
+        for (const Qt::Key key : {Qt::Key_Down, Qt::Key_PageDown, Qt::Key_End})
+            QTest::keyClick(list, key);
+        QWheelEvent wheel({5, 5}, list->mapToGlobal(QPointF(5, 5)), {}, {0, -120}, Qt::NoButton,
+                          Qt::NoModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(list, &wheel);
         QCOMPARE(list->currentIndex(), 0);
     }
 

@@ -29,6 +29,28 @@ bool KeyFilter::refuses(const QKeyEvent& key) const {
     });
 }
 
+ListKeyFilter::ListKeyFilter(QComboBox* list) : QObject(list) {
+    list->installEventFilter(this);
+}
+
+bool ListKeyFilter::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::KeyPress) return QObject::eventFilter(watched, event);
+    const auto* key = static_cast<QKeyEvent*>(event);
+    switch (key->key()) {
+        case Qt::Key_Up:
+        case Qt::Key_Down:
+            // With Alt they open the list.
+            return !(key->modifiers() & Qt::AltModifier);
+        case Qt::Key_Space:
+        case Qt::Key_F4:
+        case Qt::Key_Tab:
+        case Qt::Key_Backtab:
+            return QObject::eventFilter(watched, event);
+        default:
+            return !(key->modifiers() & (Qt::AltModifier | Qt::ControlModifier));
+    }
+}
+
 WheelGuard::WheelGuard(QComboBox* list) : QObject(list) {
     list->installEventFilter(this);
 }

@@ -22,6 +22,13 @@ class KeyFilter : public QObject {
     QString accepted_;
 };
 
+/// Leaves a list only the keys that open it or leave it: its entry changes by choosing alone.
+class ListKeyFilter : public QObject {
+  public:
+    explicit ListKeyFilter(QComboBox* list);
+    bool eventFilter(QObject* watched, QEvent* event) override;
+};
+
 /// Keeps the mouse wheel from changing a list that it merely passes over: a turn of the wheel must
 /// not switch the supply of a dish.
 class WheelGuard : public QObject {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "identification.h"
 
+#include "commands.h"
 #include "numbers.h"
 
 namespace m47 {
@@ -37,10 +38,10 @@ void Identification::porta_Click(int index) {
     // The dialogue with the meter and all that follows is in English until a language is picked.
     texts_.language = kEnglish;
 
-    link_.command_text = QStringLiteral("ATTEN?");
+    link_.command_text = command::query(command::kAttenuator);
     link_.send_command();
     show_presence(number);
-    link_.command_text = QStringLiteral("VER?");
+    link_.command_text = command::query(command::kVersion);
     link_.send_command();
     show_version();
 }

@@ -14,9 +14,24 @@ namespace {
 constexpr int kAttempts = 3;
 constexpr double kEchoLimit = 2;
 /// More than any answer of the meter; what comes behind is noise and dropped.
-constexpr qsizetype kLongestReply = 4 * 1024 * 1024;
+constexpr qsizetype kLongestReply = qsizetype{4} * 1024 * 1024;
 constexpr std::chrono::milliseconds kPollSlice{5};
 constexpr double kPumpInterval = 0.02;
+
+/// No two transactions overlap: whoever starts one from inside another is at fault.
+class Transaction {
+  public:
+    explicit Transaction(bool& busy) : busy_(busy) {
+        if (busy_) throw Fault("the link is busy");
+        busy_ = true;
+    }
+    ~Transaction() { busy_ = false; }
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+
+  private:
+    bool& busy_;
+};
 
 }  // namespace
 
@@ -28,6 +43,7 @@ void Link::send_command() {
     view_.set_progress(0);
     if (!can_send()) return;
     end_when_interrupted();
+    const Transaction transaction(busy_);
 
     const ClockSpan span(clock_);
     view_.set_hourglass(true);

@@ -35,7 +35,7 @@ class Link {
 
     /// Sends `command_text` and leaves the reduced answer in `reply_text` ("OK" for a setting, the
     /// value for a query, "0" for a query answered "Invalid Parameter(s)", empty after a lost
-    /// link).
+    /// link). A call from inside a running transaction is a Fault.
     void send_command();
 
     /// True when send_command would put something on the wire.
@@ -79,6 +79,7 @@ class Link {
     Clock& clock_;
     LinkView& view_;
     float last_pump_ = 0;
+    bool busy_ = false;
 };
 
 /// "RS232 ComPort 2 Connected" or "RS232 ComPort 2 NOT Connected".

@@ -17,7 +17,7 @@ namespace {
 using std::chrono::milliseconds;
 
 /// Twenty times what the line brings within one turn of the link; the rest waits in the kernel.
-constexpr qint64 kReadBuffer = 64 * 1024;
+constexpr qint64 kReadBuffer = qint64{64} * 1024;
 constexpr milliseconds kDrainLimit{50};
 
 bool line_alive(int descriptor) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "measure_cycle.h"
 
+#include "commands.h"
 #include "fault.h"
 #include "measurement_row.h"
 
@@ -39,7 +40,7 @@ void MeasureCycle::blank_results() {
 }
 
 void MeasureCycle::digital_cycle() {
-    link_.send(QStringLiteral("MEASURE"));
+    link_.send(command::kMeasure);
     tuning_.fsat_KeyPress(kEnterKey);
     tuning_.chbws_KeyPress(kEnterKey);
     if (panel_.meas_stated[kDcpLevel]) steps_.carr_satdig();
@@ -49,7 +50,7 @@ void MeasureCycle::digital_cycle() {
 }
 
 void MeasureCycle::analog_cycle() {
-    link_.send(QStringLiteral("MEASURE"));
+    link_.send(command::kMeasure);
     tuning_.fsat_KeyPress(kEnterKey);
     if (panel_.meas_statea[kLevel]) steps_.carr_satanl();
     if (panel_.meas_statea[kCnAnalog]) steps_.cn_satanl();

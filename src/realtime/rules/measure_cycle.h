@@ -14,10 +14,9 @@ namespace m47 {
 /// as a row of the page and a line of the log. Always called as this pair.
 class MeasureCycle {
   public:
-    MeasureCycle(Link& link, ProgramState& program, RealtimePanel& panel, RealtimeState& state,
-                 Tuning& tuning, MeasureSteps& steps, PageModel& page, MeasurementLog& log)
+    MeasureCycle(Link& link, RealtimePanel& panel, RealtimeState& state, Tuning& tuning,
+                 MeasureSteps& steps, PageModel& page, MeasurementLog& log)
         : link_(link),
-          program_(program),
           panel_(panel),
           state_(state),
           tuning_(tuning),
@@ -45,7 +44,6 @@ class MeasureCycle {
     void write_row();
 
     Link& link_;
-    ProgramState& program_;
     RealtimePanel& panel_;
     RealtimeState& state_;
     Tuning& tuning_;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "measure_steps.h"
 
+#include "commands.h"
 #include "fault.h"
 #include "measure_replies.h"
 #include "numbers.h"
@@ -20,17 +21,17 @@ constexpr double kFirstStepLevel = 60;  // dBuV
 }  // namespace
 
 void MeasureSteps::format_att() {
-    link_.send(QStringLiteral("ATTEN 6"));
+    link_.send(command::kFullAttenuation);
     link_.wait_time(kAfterRanging);
-    if (program_.unit_index != kDbuv) link_.send(QStringLiteral("UNIT 00"));
-    link_.send(QStringLiteral("ATTEN?"));
+    if (program_.unit_index != kDbuv) link_.send(command::kUnit + QStringLiteral(" 00"));
+    link_.send(command::query(command::kAttenuator));
     double attenuation = meter_value(link_.reply_text);
-    link_.send(QStringLiteral("LEVANL?"));
+    link_.send(command::query(command::kLevel));
     double level = 0;
     if (level_for_attenuator(link_.reply_text, level)) {
         if (level > attenuation * kAttenuatorStep + kFirstStepLevel) {
             attenuation += 1;
-            link_.send(QStringLiteral("ATTEN") + format_number(attenuation, " 0"));
+            link_.send(command::kAttenuator + format_number(attenuation, " 0"));
             link_.wait_time(kAfterAttenuator);
         }
     }
@@ -39,7 +40,7 @@ void MeasureSteps::format_att() {
 
 void MeasureSteps::carr_satdig() {
     format_att();
-    link_.send(QStringLiteral("LEVDCP?"));
+    link_.send(command::query(command::kChannelPower));
     panel_.dcplev = trimmed_from(link_.reply_text, 2);
     panel_.repaint();
     check(AlarmRow::dcp_level, delete_segno(panel_.dcplev));
@@ -65,10 +66,10 @@ void MeasureSteps::frequency_check(QString& entry) const {
 }
 
 void MeasureSteps::cn_satdig() {
-    link_.send(QStringLiteral("ATTEN 6"));
-    link_.send(QStringLiteral("MARKER 1 1"));
+    link_.send(command::kFullAttenuation);
+    link_.send(command::kMarker + QStringLiteral(" 1 1"));
     frequency_check(panel_.noise_freqd);
-    link_.send(QStringLiteral("LEVCND?"));
+    link_.send(command::query(command::kDigitalCn));
     panel_.cndlev = link_.reply_text.trimmed();
     panel_.repaint();
     state_.cn_value = meter_value(link_.reply_text.mid(1));
@@ -79,10 +80,10 @@ void MeasureSteps::cn_satdig() {
 
 void MeasureSteps::levn_satdig() {
     const QString frequency = noise_frequency(panel_.noise_freqd);
-    link_.send(QStringLiteral("FREQ ") + frequency);
+    link_.send(command::kFrequency + u' ' + frequency);
     link_.wait_time(kAfterTuning);
     format_att();
-    link_.send(QStringLiteral("LEVDCP?") + frequency);
+    link_.send(command::query(command::kChannelPower) + frequency);
     panel_.noisedlev = noise_power(link_.reply_text);
     panel_.repaint();
     tuning_.fsat_KeyPress(kEnterKey);
@@ -93,13 +94,13 @@ void MeasureSteps::qpsk_real() {
     const bool start_qpsk = panel_.meas_stated[kChber] || panel_.meas_stated[kMer];
     if (start_qpsk) {
         tuning_.fsat_KeyPress(kEnterKey);
-        link_.send(QStringLiteral("ATTEN 00"));
+        link_.send(command::kAttenuator + QStringLiteral(" 00"));
         tuning_.srqpsk_txt_KeyPress(kEnterKey);
-        link_.send(QStringLiteral("BERQPSK"));
+        link_.send(command::kQpskQuality);
         link_.wait_time(kAfterQpsk);
     }
     digital_acquire();
-    if (start_qpsk) link_.send(QStringLiteral("MEASURE"));
+    if (start_qpsk) link_.send(command::kMeasure);
 }
 
 void MeasureSteps::show_field(DigitalMeasure measure, const char* label, QString& result) {
@@ -113,7 +114,7 @@ void MeasureSteps::show_field(DigitalMeasure measure, const char* label, QString
 void MeasureSteps::digital_acquire() {
     const auto& ticked = panel_.meas_stated;
     if (ticked[kChber] || ticked[kPvBer] || ticked[kCfo] || ticked[kMer])
-        link_.send(QStringLiteral("BERQPSK?"));
+        link_.send(command::query(command::kQpskQuality));
     show_field(kChber, "CHBER :", panel_.bercomune);
     show_field(kPvBer, "PvBER :", panel_.pvbercomune);
     show_field(kCfo, "CFO   :", panel_.cfcomune);
@@ -121,9 +122,9 @@ void MeasureSteps::digital_acquire() {
 }
 
 void MeasureSteps::carr_satanl() {
-    link_.send(QStringLiteral("ATTEN 6"));
+    link_.send(command::kFullAttenuation);
     link_.wait_time(kAfterRanging);
-    link_.send(QStringLiteral("LEVANL?"));
+    link_.send(command::query(command::kLevel));
     panel_.leva = trimmed_from(link_.reply_text, 2);
     panel_.repaint();
     check(AlarmRow::level_analog, delete_segno(panel_.leva));
@@ -131,10 +132,10 @@ void MeasureSteps::carr_satanl() {
 }
 
 void MeasureSteps::cn_satanl() {
-    link_.send(QStringLiteral("ATTEN 6"));
-    link_.send(QStringLiteral("MARKER 1 0"));
+    link_.send(command::kFullAttenuation);
+    link_.send(command::kMarker + QStringLiteral(" 1 0"));
     frequency_check(panel_.noise_freqa);
-    link_.send(QStringLiteral("LEVCNA?"));
+    link_.send(command::query(command::kAnalogCn));
     panel_.cnalev = link_.reply_text.mid(3);
     panel_.repaint();
     check(AlarmRow::cn_analog, delete_segno(panel_.cnalev.trimmed()));
@@ -143,9 +144,9 @@ void MeasureSteps::cn_satanl() {
 
 void MeasureSteps::levn_satanl() {
     const QString frequency = noise_frequency(panel_.noise_freqa);
-    link_.send(QStringLiteral("FREQ ") + frequency);
+    link_.send(command::kFrequency + u' ' + frequency);
     link_.wait_time(kAfterTuning);
-    link_.send(QStringLiteral("LEVANL?"));
+    link_.send(command::query(command::kLevel));
     panel_.noisealev = link_.reply_text.trimmed();
     panel_.repaint();
 }

@@ -2,16 +2,10 @@
 #include "measurement_row.h"
 
 namespace m47 {
-namespace {
-
-constexpr int kAnalog = 2;
-constexpr int kDigital = 3;
-
-}  // namespace
 
 QStringList measurement_row(const MeasurementTexts& shown) {
-    const bool digital = shown.meas_mode == kDigital;
-    const bool measured = digital || shown.meas_mode == kAnalog;
+    const bool digital = shown.meas_mode == kDigitalMode;
+    const bool measured = digital || shown.meas_mode == kAnalogMode;
     const auto text = [](const QString& value, bool wanted) {
         return wanted ? value.trimmed() : QString();
     };

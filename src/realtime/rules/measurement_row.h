@@ -5,6 +5,8 @@
 #include <QString>
 #include <QStringList>
 
+#include "realtime_panel.h"
+
 namespace m47 {
 
 /// What the real-time screen shows when a cycle ends: the texts of its fields and labels as they
@@ -12,7 +14,7 @@ namespace m47 {
 struct MeasurementTexts {
     QDateTime date_time;
     /// The presentation in force: 2 analog, 3 digital satellite.
-    int meas_mode = 2;
+    int meas_mode = kAnalogMode;
     QString fsat;
     QString ol_freq;
     QString level;

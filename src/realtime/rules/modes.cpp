@@ -3,8 +3,10 @@
 
 #include <algorithm>
 
+#include "commands.h"
 #include "fault.h"
 #include "numbers.h"
+#include "tables.h"
 #include "time_delays.h"
 
 namespace m47 {
@@ -46,14 +48,14 @@ void Modes::Form_Load() {
     panel_.repaint();
     {
         const RecallGuard guard(state_);
-        link_.send(QStringLiteral("MEASURE"));
-        link_.send(QStringLiteral("ATTEN 6"));
+        link_.send(command::kMeasure);
+        link_.send(command::kFullAttenuation);
         panel_.satlnb_state = 0;
         configurazione_prmt();
         read_unit();
         panel_.repaint();
-        link_.send(QStringLiteral("LOCOSC 00"));
-        link_.send(QStringLiteral("FREQ 1000"));
+        link_.send(command::kNoOscillator);
+        link_.send(command::kFrequency + QStringLiteral(" 1000"));
         panel_.time_delay = 0;
         time_delay_Click();
         state_.acq_kind = 1;
@@ -64,12 +66,12 @@ void Modes::Form_Load() {
 
 void Modes::read_unit() {
     // With no answer the unit that the program works in stays.
-    const bool answered = link_.send(QStringLiteral("UNIT?"));
+    const bool answered = link_.send(command::query(command::kUnit));
     cmdlev_Click(answered ? unit_of(link_.reply_text) : program_.unit_index);
 }
 
 void Modes::Form_Activate() {
-    link_.send(QStringLiteral("ATTEN 6"));
+    link_.send(command::kFullAttenuation);
     state_.meas_mode = kAnalogMode;
     panel_.digitalresults_visible = false;
     panel_.analogresults_visible = true;
@@ -101,16 +103,16 @@ void Modes::configurazione_prmt() {
     panel_.repaint();
     startwest_s_Click();
     panel_.repaint();
-    link_.send(QStringLiteral("TONE22K 00"));
+    link_.send(command::kToneOff);
     panel_.k22_state = kTone22kOff;
     if (!link_.can_send()) return;
-    link_.send(QStringLiteral("SYMBRATEQPSK?"));
+    link_.send(command::query(command::kSymbolRate));
     panel_.srqpsk_txt = link_.reply_text.trimmed();
 }
 
 void Modes::crea_records_realtime() {
-    rs_programs = database_.of_plan(QStringLiteral("programmi"), panel_.grp_name);
-    rs_config = database_.of_plan(QStringLiteral("configurazione"), panel_.grp_name);
+    rs_programs = database_.of_plan(QLatin1String(table::kProgrammi), panel_.grp_name);
+    rs_config = database_.of_plan(QLatin1String(table::kConfigurazione), panel_.grp_name);
     rs_programs->move_first();
     rs_config->move_first();
     mostra_record_realtime();
@@ -169,8 +171,7 @@ void Modes::recall_limits() {
 
 void Modes::cmdlev_Click(int index) {
     panel_.cmdlev = index;
-    if (!state_.recall_in_progress)
-        link_.send(QStringLiteral("UNIT") + format_number(index, " 00"));
+    if (!state_.recall_in_progress) link_.send(command::kUnit + format_number(index, " 00"));
     program_.unit_index = index;
 }
 
@@ -178,13 +179,6 @@ void Modes::time_delay_Click() {
     const int index = panel_.time_delay;
     if (index < 0 || index >= static_cast<int>(kTimeDelays.size())) return;
     state_.ticks_left = kTimeDelays[static_cast<std::size_t>(index)].seconds;
-}
-
-void Modes::single() {
-    panel_.plan_controls_visible = false;
-    panel_.sat_opt_enabled = true;
-    panel_.limits_enabled = true;
-    state_.acq_kind = 1;
 }
 
 }  // namespace m47

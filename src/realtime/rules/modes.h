@@ -52,9 +52,6 @@ class Modes {
     /// Loads the seconds of the chosen delay into `ticks_left`; without a choice they stay.
     void time_delay_Click();
 
-    /// Single-program operation: no plan controls, limits and tuning free.
-    void single();
-
     // Which box of a direction the motor commands use: "_s" or "_t".
     void starteast_s_Click() { state_.east_limit_set = false; }
     void startwest_s_Click() { state_.west_limit_set = false; }

@@ -13,6 +13,9 @@ enum class LampColour { grey, red, green };
 enum DigitalMeasure { kDcpLevel, kCnDigital, kNoiseDigital, kChber, kPvBer, kCfo, kMer, kRu };
 enum AnalogMeasure { kLevel, kCnAnalog, kNoiseAnalog };
 
+inline const QString kStartCaption = QStringLiteral("&Start");
+inline const QString kStopCaption = QStringLiteral("&Stop");
+
 /// What the real-time screen shows, without a screen: each member is the content of the control of
 /// that name. The rules work on it; the screen copies the user's entries into it and shows it.
 struct RealtimePanel {
@@ -57,10 +60,16 @@ struct RealtimePanel {
 
     // Plan
     bool plan_controls_visible = false;
+    bool plan_keys_visible = false;  ///< the toolbar keys that walk through plans
+    bool single_acq_visible = true;
     QString grp_name, prog_num;
 
     // Timed acquisition
     int time_delay = -1;  ///< index into kTimeDelays
+    LampColour time_state = LampColour::grey;
+    QString time_act;
+    QString time_left;  ///< until the next timed firing, empty while none is expected
+    QString cmdstart = QStringLiteral("Start");
 
     // Menu
     int cmdlev = 0;
@@ -74,6 +83,10 @@ struct RealtimePanel {
     }
 };
 
+/// What a timed firing measures.
+inline constexpr int kSingleElement = 1;
+inline constexpr int kPlan = 2;
+
 /// What the rules of the real-time screen share and the user does not see.
 struct RealtimeState {
     /// The screen is being loaded or a program recalled: the handlers of the tuning controls and
@@ -84,7 +97,7 @@ struct RealtimeState {
     bool alarm_raised = false;
     bool cn_done = false;
     double cn_value = 0;
-    int acq_kind = 1;    ///< 1 single element, 2 plan
+    int acq_kind = kSingleElement;
     int ticks_left = 1;  ///< seconds before the next timed firing
     bool plan_run_active = false;
     bool east_limit_set = false;

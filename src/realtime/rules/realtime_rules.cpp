@@ -7,20 +7,10 @@ RealtimeRules::RealtimeRules(Link& link, ProgramState& program, Database& databa
     : tuning(link, panel, state),
       steps(link, program, panel, state, tuning),
       modes(link, program, database, panel, state, tuning),
-      cycle(link, program, panel, state, tuning, steps, page, log) {
+      cycle(link, panel, state, tuning, steps, page, log),
+      acquisition(link, database, panel, state, modes, cycle) {
     panel.cmdlev = program.unit_index;
     steps.cmdlev_Click = [this](int index) { modes.cmdlev_Click(index); };
-}
-
-void RealtimeRules::single_acq() {
-    state.plan_run_active = true;
-    // A timed firing must not stay locked out when the program is told to end in the middle.
-    struct Running {
-        bool& active;
-        ~Running() { active = false; }
-    } running{state.plan_run_active};
-    cycle.measure();
-    cycle.storemeas();
 }
 
 void RealtimeRules::tick_complete_measures() {

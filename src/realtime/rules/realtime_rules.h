@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "acquisition.h"
 #include "measure_cycle.h"
 #include "measure_steps.h"
 #include "measurement_log.h"
@@ -27,9 +28,7 @@ class RealtimeRules {
     MeasureSteps steps;
     Modes modes;
     MeasureCycle cycle;
-
-    /// One measurement now, as the key "single_acq" takes it.
-    void single_acq();
+    Acquisition acquisition;
 
     /// Ticks the measures of the present presentation whose steps run to their end.
     void tick_complete_measures();

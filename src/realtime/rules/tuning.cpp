@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tuning.h"
 
+#include "commands.h"
 #include "numbers.h"
 #include "tuning_range.h"
 
@@ -32,24 +33,24 @@ void Tuning::fsat_KeyPress(int key) {
     if (key != kEnterKey) return;
     panel_.fsat = checked_frequency(panel_.fsat);
     panel_.repaint();
-    link_.send(QStringLiteral("FREQ ") + panel_.fsat);
+    link_.send(command::kFrequency + u' ' + panel_.fsat);
 }
 
 void Tuning::locopt_Click(int index) {
     if (!state_.recall_in_progress) {
         panel_.ol_freq_enabled = index == 1;
         if (index == 0) {
-            link_.send(QStringLiteral("LOCOSC 00"));
+            link_.send(command::kNoOscillator);
         } else {
             // The option stores and selects oscillator "1 A"; the frequency box below has a form
             // of its own.
             const double oscillator = typed_value(panel_.ol_freq);
-            link_.send(QStringLiteral("LOCOSC 1 A") + format_number(oscillator, " 00000"));
-            link_.send(QStringLiteral("LOCOSC 1 A"));
+            link_.send(command::kOptionOscillator + format_number(oscillator, " 00000"));
+            link_.send(command::kOptionOscillator);
         }
     }
     if (!link_.can_send()) return;
-    link_.send(QStringLiteral("FREQ?"));
+    link_.send(command::query(command::kFrequency));
     panel_.fsat = link_.reply_text;
 }
 
@@ -60,8 +61,8 @@ void Tuning::ol_freq_KeyPress(int key) {
             .left(kOscillatorLength);
     panel_.repaint();
     const QString digits = format_number(typed_value(panel_.ol_freq), "00000");
-    link_.send(QStringLiteral("LOCOSC01") + digits);
-    link_.send(QStringLiteral("LOCOSC01"));
+    link_.send(command::kBoxOscillator + digits);
+    link_.send(command::kBoxOscillator);
     fsat_KeyPress(kEnterKey);
     panel_.noise_freqa = checked_frequency(panel_.noise_freqa);
     panel_.noise_freqd = checked_frequency(panel_.noise_freqd);
@@ -69,12 +70,12 @@ void Tuning::ol_freq_KeyPress(int key) {
 
 void Tuning::send_supply(int volts) {
     if (volts == 0) {
-        link_.send(QStringLiteral("LNB 00"));
+        link_.send(command::kSupply + QStringLiteral(" 00"));
         return;
     }
     // The voltage goes first, so that the supply never comes up at the one set before.
-    link_.send(QStringLiteral("LNVOLT") + format_number(volts, " 00"));
-    link_.send(QStringLiteral("LNB 01"));
+    link_.send(command::kSupplyVoltage + format_number(volts, " 00"));
+    link_.send(command::kSupply + QStringLiteral(" 01"));
 }
 
 void Tuning::satlnb_state_Click(int index) {
@@ -99,8 +100,8 @@ int Tuning::list_Click(const QString& word, int index, int count) {
 
 void Tuning::k22_state_Click(int index) {
     if (state_.recall_in_progress) return;
-    if (index == 0) link_.send(QStringLiteral("TONE22K 01"));
-    if (index == 1) link_.send(QStringLiteral("TONE22K 00"));
+    if (index == 0) link_.send(command::kToneOn);
+    if (index == 1) link_.send(command::kToneOff);
 }
 
 void Tuning::srqpsk_txt_KeyPress(int key) {
@@ -109,7 +110,7 @@ void Tuning::srqpsk_txt_KeyPress(int key) {
         clamped(panel_.srqpsk_txt, kSymbolRateMinimum, "1500", kSymbolRateMaximum, "45000");
     panel_.srqpsk_txt = format_number(typed_value(rate), "00000");
     panel_.repaint();
-    link_.send(QStringLiteral("SYMBRATEQPSK ") + panel_.srqpsk_txt);
+    link_.send(command::kSymbolRate + u' ' + panel_.srqpsk_txt);
 }
 
 void Tuning::chbws_KeyPress(int key) {
@@ -118,7 +119,7 @@ void Tuning::chbws_KeyPress(int key) {
         clamped(panel_.chbws, kBandwidthMinimum, "5", kBandwidthMaximum, "36");
     panel_.chbws = format_number(typed_value(bandwidth), "00");
     panel_.repaint();
-    link_.send(QStringLiteral("CHBW ") + panel_.chbws);
+    link_.send(command::kBandwidth + u' ' + panel_.chbws);
 }
 
 }  // namespace m47

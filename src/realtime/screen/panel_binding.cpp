@@ -2,6 +2,7 @@
 #include "panel_binding.h"
 
 #include <QAction>
+#include <QPushButton>
 
 #include "alarm_limits.h"
 #include "fault.h"
@@ -36,6 +37,7 @@ PanelBinding::PanelBinding(QMainWindow* screen, RealtimePanel& panel)
     bind_tuning();
     bind_measures();
     bind_frames();
+    bind_keys();
     bind_menu();
     show();
 }
@@ -112,6 +114,12 @@ void PanelBinding::bind_tuning() {
     auto* delays = control<QComboBox>("time_delay");
     for (const TimeDelay& delay : kTimeDelays) delays->addItem(QString::fromLatin1(delay.entry));
     bind_list("time_delay", panel_.time_delay);
+    bind_result("time_act", panel_.time_act);
+    bind_result("time_left", panel_.time_left);
+    auto* state = control<Lamp>("time_state");
+    shows_.emplace_back([this, state] { state->set_colour(lamp_colour(panel_.time_state)); });
+    auto* start = control<QPushButton>("cmdstart");
+    shows_.emplace_back([this, start] { start->setText(panel_.cmdstart); });
     bind_text("grp_name", panel_.grp_name);
     bind_result("prog_num", panel_.prog_num);
 }
@@ -162,6 +170,16 @@ void PanelBinding::bind_frames() {
     bind_visible("timer_opt", panel_.timer_opt_visible);
     for (const char* name : {"grp_label", "grp_name", "pglabel", "prog_num"})
         bind_visible(name, panel_.plan_controls_visible);
+}
+
+void PanelBinding::bind_keys() {
+    const auto bind_key = [this](const char* name, const bool& visible) {
+        auto* key = control<QAction>(name);
+        shows_.emplace_back([key, &visible] { key->setVisible(visible); });
+    };
+    for (const char* name : {"previous", "next", "previous_prog", "next_prog", "multiple_acq"})
+        bind_key(name, panel_.plan_keys_visible);
+    bind_key("single_acq", panel_.single_acq_visible);
 }
 
 void PanelBinding::bind_menu() {

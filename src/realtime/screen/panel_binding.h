@@ -36,6 +36,7 @@ class PanelBinding {
     void bind_tuning();
     void bind_measures();
     void bind_frames();
+    void bind_keys();
     void bind_menu();
     template <class Control>
     Control* control(const char* name) const;

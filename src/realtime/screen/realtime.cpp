@@ -5,6 +5,7 @@
 #include <QHeaderView>
 #include <QScrollBar>
 
+#include "commands.h"
 #include "handler.h"
 #include "icons.h"
 #include "key_filter.h"
@@ -32,15 +33,19 @@ Realtime::Realtime(Link& link, ProgramState& program, Database& database, QWidge
     rules.panel.on_repaint = [this] { binding_->show(); };
     rules.cycle.on_log_written = [this](const QString& reason) { show_log_state(reason); };
     ui_->cmdmenu->setToolTipsVisible(true);
+    // Its menu would hide the toolbar, and nothing would bring it back.
+    setContextMenuPolicy(Qt::NoContextMenu);
     set_icons();
     connect_tuning();
     connect_lists();
     connect_limits();
     connect_menu();
     connect_toolbar();
+    connect_timers();
+    fill_keys();
     prepare_page();
     show_log_name();
-    single();
+    rules.acquisition.single();
     binding_->show();
 }
 
@@ -103,14 +108,15 @@ void Realtime::connect_lists() {
     on_pick(ui_->k22_state, "k22_state_Click", &Tuning::k22_state_Click);
     on_pick(ui_->lnb_supply, "lnb_supply_Click", &Tuning::lnb_supply_Click);
     new WheelGuard(ui_->time_delay);
-    connect(ui_->time_delay, &QComboBox::activated, this,
-            [this] { handle("time_delay_Click", [this] { rules.modes.time_delay_Click(); }); });
-    new KeyFilter(ui_->satlnb_state, QString());
+    connect(ui_->time_delay, &QComboBox::activated, this, [this] {
+        handle("time_delay_Click", [this] { rules.acquisition.time_delay_Click(); });
+    });
+    new ListKeyFilter(ui_->satlnb_state);
     new WheelGuard(ui_->atten_list);
     connect(ui_->atten_list, &QComboBox::activated, this, [this](int index) {
         handle("atten_list_Click", [this, index] {
             rules.panel.atten_list =
-                rules.tuning.list_Click(QStringLiteral("ATTEN"), index, ui_->atten_list->count());
+                rules.tuning.list_Click(command::kAttenuator, index, ui_->atten_list->count());
         });
     });
 }
@@ -138,21 +144,50 @@ void Realtime::connect_toolbar() {
 }
 
 void Realtime::barracomandi_ButtonClick(const QString& key) {
-    if (key == QLatin1String("save")) datamenagment();
-    if (key == QLatin1String("single")) single();
-    if (key == QLatin1String("analogico")) rules.modes.analogmode();
-    if (key == QLatin1String("qpsk")) rules.modes.digitalmode();
-    if (key == QLatin1String("single_acq")) rules.single_acq();
-    if (key == QLatin1String("cancella")) rules.page.clear();
-    if (key == QLatin1String("stampa")) createdoc();
+    // "satellite", "terrestre", "qam" and "ofdm" are shown and do nothing.
+    const auto action = keys_.constFind(key);
+    if (action != keys_.constEnd()) (*action)();
 }
 
-void Realtime::single() {
-    rules.modes.single();
-    for (QAction* key :
-         {ui_->previous, ui_->next, ui_->previous_prog, ui_->next_prog, ui_->multiple_acq})
-        key->setVisible(false);
-    ui_->single_acq->setVisible(true);
+void Realtime::fill_keys() {
+    const auto add = [this](const char* key, void (Acquisition::*action)()) {
+        keys_.insert(QString::fromLatin1(key), [this, action] { (rules.acquisition.*action)(); });
+    };
+    add("single", &Acquisition::single);
+    add("group", &Acquisition::group);
+    add("previous", &Acquisition::previous);
+    add("next", &Acquisition::next);
+    add("previous_prog", &Acquisition::previous_prog);
+    add("next_prog", &Acquisition::next_prog);
+    add("single_acq", &Acquisition::single_acq);
+    add("multiple_acq", &Acquisition::multiple_acq);
+    add("start", &Acquisition::start);
+    add("stop", &Acquisition::stop);
+    keys_.insert(QStringLiteral("save"), [this] { datamenagment(); });
+    keys_.insert(QStringLiteral("analogico"), [this] { rules.modes.analogmode(); });
+    keys_.insert(QStringLiteral("qpsk"), [this] { rules.modes.digitalmode(); });
+    keys_.insert(QStringLiteral("cancella"), [this] { rules.page.clear(); });
+    keys_.insert(QStringLiteral("stampa"), [this] { createdoc(); });
+}
+
+void Realtime::connect_timers() {
+    const auto drive = [this](TimerTicker& ticker, const char* name, void (Acquisition::*tick)()) {
+        connect(&ticker.timer(), &QTimer::timeout, this, [this, name, tick] {
+            handle(name, [this, tick] { (rules.acquisition.*tick)(); });
+        });
+    };
+    drive(timer1_, "Timer1_Timer", &Acquisition::Timer1_Timer);
+    drive(timer2_, "Timer2_Timer", &Acquisition::Timer2_Timer);
+    drive(timer3_, "Timer3_Timer", &Acquisition::Timer3_Timer);
+    rules.acquisition.Timer1 = &timer1_;
+    rules.acquisition.Timer2 = &timer2_;
+    rules.acquisition.Timer3 = &timer3_;
+    connect(ui_->cmdstart, &QPushButton::clicked, this,
+            [this] { handle("cmdstart_Click", [this] { rules.acquisition.cmdstart_Click(); }); });
+    rules.acquisition.on_progress = [this](int place, int monitored) {
+        Q_EMIT progress(monitored > 0 ? QStringLiteral("%1/%2").arg(place).arg(monitored)
+                                      : QString());
+    };
 }
 
 void Realtime::prepare_page() {

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QHash>
 #include <QMainWindow>
+#include <functional>
 #include <memory>
 
 #include "panel_binding.h"
 #include "realtime_rules.h"
+#include "timer_ticker.h"
 
 namespace Ui {
 class Realtime;
@@ -37,6 +40,9 @@ class Realtime : public QMainWindow {
     /// The menu entry "&Exit": the screen asks to be closed.
     void exit_asked();
 
+    /// How far a plan pass is, "12/30"; empty when none runs.
+    void progress(const QString& text);
+
   private:
     template <class Body>
     void handle(const char* name, Body body);
@@ -46,12 +52,13 @@ class Realtime : public QMainWindow {
     void connect_menu();
     void connect_toolbar();
     void connect_limits();
+    void connect_timers();
+    void fill_keys();
     void prepare_page();
     void datamenagment();
     QString ask_log_name();
     void show_log_name();
     void show_log_state(const QString& reason);
-    void single();
     void createdoc();
     void follow_page();
 
@@ -59,6 +66,10 @@ class Realtime : public QMainWindow {
     std::unique_ptr<Ui::Realtime> ui_;
     std::unique_ptr<PanelBinding> binding_;
     QString file_name_tooltip_;
+    QHash<QString, std::function<void()>> keys_;
+    TimerTicker timer1_;
+    TimerTicker timer2_;
+    TimerTicker timer3_;
 };
 
 }  // namespace m47

@@ -73,6 +73,8 @@ constexpr Tooltip kTooltips[] = {
     {"chber_maxd", "Maximum alarm CHBER level", "Livello massimo CHBER d'allarme"},
     {"mer_mind", "Minimum alarm MER level", "Livello minimo MER d'allarme"},
     {"mer_maxd", "Maximum alarm MER level", "Livello massimo MER d'allarme"},
+    {"cmdstart", "Start Timing Acquisition", nullptr},
+    {"time_act", nullptr, "Data e ora del sistema"},
     {"time_delay", "Expected Time", "Tempo d'attesa ciclo"},
     {"measgrid", nullptr, "Elenco misure"},
 

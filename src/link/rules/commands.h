@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+
+/// The command words of the meter. An argument follows with the blanks that its command wants; a
+/// query is the word and "?".
+namespace m47::command {
+
+inline const QString kMeasure = QStringLiteral("MEASURE");
+inline const QString kVersion = QStringLiteral("VER");
+
+// Receiver
+inline const QString kFrequency = QStringLiteral("FREQ");           ///< MHz
+inline const QString kOscillator = QStringLiteral("LOCOSC");        ///< number and MHz
+inline const QString kSupply = QStringLiteral("LNB");               ///< 00 off, 01 on
+inline const QString kSupplyVoltage = QStringLiteral("LNVOLT");     ///< V
+inline const QString kTone = QStringLiteral("TONE22K");             ///< 00 off, 01 on
+inline const QString kSymbolRate = QStringLiteral("SYMBRATEQPSK");  ///< kS/s
+inline const QString kBandwidth = QStringLiteral("CHBW");           ///< MHz
+inline const QString kAttenuator = QStringLiteral("ATTEN");         ///< steps of 10 dB
+inline const QString kUnit = QStringLiteral("UNIT");                ///< 00 dBuV, 01 dBmV, 02 dBm
+inline const QString kMarker = QStringLiteral("MARKER");            ///< number, 0 analog, 1 digital
+
+// Measurements
+inline const QString kLevel = QStringLiteral("LEVANL");
+inline const QString kChannelPower = QStringLiteral("LEVDCP");
+inline const QString kAnalogCn = QStringLiteral("LEVCNA");
+inline const QString kDigitalCn = QStringLiteral("LEVCND");
+inline const QString kQpskQuality = QStringLiteral("BERQPSK");
+
+/// The query form of `word`.
+inline QString query(const QString& word) {
+    return word + u'?';
+}
+
+/// All attenuation, as before each level reading.
+inline const QString kFullAttenuation = kAttenuator + QStringLiteral(" 6");
+inline const QString kToneOff = kTone + QStringLiteral(" 00");
+inline const QString kToneOn = kTone + QStringLiteral(" 01");
+inline const QString kNoOscillator = kOscillator + QStringLiteral(" 00");
+/// The one oscillator of the real-time screen, as its option and as its frequency box name it: the
+/// two forms differ on purpose.
+inline const QString kOptionOscillator = kOscillator + QStringLiteral(" 1 A");
+inline const QString kBoxOscillator = kOscillator + QStringLiteral("01");
+
+}  // namespace m47::command

@@ -1,0 +1,282 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "acquisition.h"
+
+#include <QTime>
+#include <algorithm>
+
+#include "fault.h"
+#include "numbers.h"
+#include "tables.h"
+
+namespace m47 {
+namespace {
+
+const QString kMonitorState = QStringLiteral("monitor_state");
+
+/// While it lives a recall only refreshes the screen.
+class Suspended {
+  public:
+    explicit Suspended(Link& link) : link_(link) { link_.commands_suspended = true; }
+    ~Suspended() { link_.commands_suspended = false; }
+    Suspended(const Suspended&) = delete;
+    Suspended& operator=(const Suspended&) = delete;
+
+  private:
+    Link& link_;
+};
+
+/// With no plan open the record sets cannot move; that ends the handler and needs no message.
+void quietly(const std::function<void()>& body) {
+    try {
+        body();
+    } catch (const Fault&) {
+        return;
+    }
+}
+
+bool is_monitored(const Recordset& programs) {
+    return typed_value(programs.text(kMonitorState)) == 1;
+}
+
+}  // namespace
+
+QString time_left_text(int seconds) {
+    return QTime(0, 0).addSecs(qMax(0, seconds)).toString(QStringLiteral("h:mm:ss"));
+}
+
+Recordset& Acquisition::programs() {
+    if (!modes_.rs_programs) throw Fault("no plan is open");
+    return *modes_.rs_programs;
+}
+
+bool Acquisition::monitored() {
+    return is_monitored(programs());
+}
+
+void Acquisition::single() {
+    panel_.plan_controls_visible = false;
+    panel_.plan_keys_visible = false;
+    panel_.single_acq_visible = true;
+    panel_.sat_opt_enabled = true;
+    panel_.limits_enabled = true;
+    state_.acq_kind = kSingleElement;
+}
+
+void Acquisition::group() {
+    panel_.plan_controls_visible = true;
+    panel_.plan_keys_visible = true;
+    panel_.single_acq_visible = false;
+    panel_.sat_opt_enabled = false;
+    panel_.limits_enabled = false;
+    quietly([this] {
+        const Suspended suspended(link_);
+        database_.gruppo().requery();
+        database_.gruppo().move_first();
+        panel_.grp_name = database_.gruppo().text(QStringLiteral("nome"));
+        modes_.crea_records_realtime();
+        state_.acq_kind = kPlan;
+    });
+}
+
+void Acquisition::move_plan(Direction direction) {
+    quietly([this, direction] {
+        const Suspended suspended(link_);
+        Recordset& plans = database_.gruppo();
+        if (direction == Direction::back) {
+            plans.move_previous();
+            if (plans.begin_of_set()) plans.move_first();
+        } else {
+            plans.move_next();
+            if (plans.end_of_set()) plans.move_last();
+        }
+        panel_.grp_name = plans.text(QStringLiteral("nome"));
+        modes_.crea_records_realtime();
+    });
+}
+
+void Acquisition::previous() {
+    move_plan(Direction::back);
+}
+
+void Acquisition::next() {
+    move_plan(Direction::forward);
+}
+
+void Acquisition::move_program(Direction direction) {
+    quietly([this, direction] {
+        const Suspended suspended(link_);
+        Recordset& set = programs();
+        bool at_end = false;
+        do {
+            if (direction == Direction::back) {
+                set.move_previous();
+                at_end = set.begin_of_set();
+                if (at_end) set.move_first();
+            } else {
+                set.move_next();
+                at_end = set.end_of_set();
+                if (at_end) set.move_last();
+            }
+        } while (!at_end && !monitored());
+        modes_.mostra_record_realtime();
+    });
+}
+
+void Acquisition::previous_prog() {
+    move_program(Direction::back);
+}
+
+void Acquisition::next_prog() {
+    move_program(Direction::forward);
+}
+
+void Acquisition::single_acq() {
+    // A timed firing must not stay locked out when the program is told to end in the middle.
+    struct Running {
+        bool& active;
+        ~Running() { active = false; }
+    } running{state_.plan_run_active};
+    state_.plan_run_active = true;
+    cycle_.measure();
+    cycle_.storemeas();
+}
+
+void Acquisition::begin_pass() {
+    quietly([this] {
+        programs().move_first();
+        list_monitored();
+        state_.plan_run_active = true;
+        Timer2->start();
+    });
+}
+
+void Acquisition::multiple_acq() {
+    begin_pass();
+}
+
+void Acquisition::start() {
+    panel_.timer_opt_visible = true;
+    panel_.cmdstart = kStartCaption;
+    Timer3->start();
+}
+
+void Acquisition::stop() {
+    state_.plan_run_active = false;
+    Timer1->stop();
+    panel_.time_state = LampColour::grey;
+    panel_.timer_opt_visible = false;
+    panel_.cmdstart = kStopCaption;
+    show_time_left();
+    if (state_.acq_kind != kPlan) return;
+    quietly([this] {
+        programs().move_last();
+        Timer2->stop();
+        report_progress(0, 0);
+    });
+}
+
+void Acquisition::cmdstart_Click() {
+    quietly([this] {
+        if (state_.acq_kind == kPlan) programs().move_first();
+        if (Timer1->running())
+            Timer1->stop();
+        else
+            Timer1->start();
+        panel_.time_state = LampColour::grey;
+        panel_.cmdstart = Timer1->running() ? kStopCaption : kStartCaption;
+    });
+    show_time_left();
+}
+
+void Acquisition::time_delay_Click() {
+    modes_.time_delay_Click();
+    show_time_left();
+}
+
+void Acquisition::show_time_left() {
+    panel_.time_left = Timer1->running() ? time_left_text(state_.ticks_left) : QString();
+}
+
+void Acquisition::Timer1_Timer() {
+    if (state_.plan_run_active) return;
+    state_.ticks_left -= 1;
+    show_time_left();
+    if (state_.ticks_left != 0) return;
+    panel_.time_state = LampColour::red;
+    panel_.repaint();
+    if (state_.acq_kind == kSingleElement) {
+        cycle_.measure();
+        cycle_.storemeas();
+        // The interval runs from the end of a firing: a tick that fell into it does not count.
+        Timer1->start();
+    } else {
+        begin_pass();
+    }
+    panel_.time_state = LampColour::green;
+    time_delay_Click();
+}
+
+void Acquisition::Timer2_Timer() {
+    panel_.time_state = LampColour::red;
+    panel_.repaint();
+    Timer2->stop();
+    bool goes_on = false;
+    try {
+        goes_on = acq_multi();
+    } catch (const Fault&) {
+        // A plan that was deleted meanwhile ends its pass; the timed firings go on.
+        end_pass();
+    }
+    if (goes_on) Timer2->start();
+}
+
+void Acquisition::Timer3_Timer() {
+    panel_.time_act = link_.clock().date_time().toString(QStringLiteral("dd'/'MM hh:mm:ss"));
+}
+
+void Acquisition::end_pass() {
+    state_.plan_run_active = false;
+    report_progress(0, 0);
+}
+
+void Acquisition::list_monitored() {
+    pass_.clear();
+    Recordset all = database_.of_plan(QLatin1String(table::kProgrammi), panel_.grp_name);
+    for (all.move_first(); !all.end_of_set(); all.move_next())
+        if (is_monitored(all)) pass_.push_back(all.bookmark());
+}
+
+void Acquisition::report_place() {
+    const auto place = std::find(pass_.begin(), pass_.end(), programs().bookmark());
+    if (place == pass_.end()) return;
+    report_progress(static_cast<int>(place - pass_.begin()) + 1, static_cast<int>(pass_.size()));
+}
+
+void Acquisition::report_progress(int place, int monitored) const {
+    if (on_progress) on_progress(place, monitored);
+}
+
+bool Acquisition::acq_multi() {
+    Recordset& set = programs();
+    {
+        const Suspended suspended(link_);
+        // At most one unmonitored program is passed over; a second one in a row is recalled and
+        // not measured.
+        if (!set.end_of_set() && !monitored()) set.move_next();
+        if (set.end_of_set()) {
+            set.move_first();
+            end_pass();
+            return false;
+        }
+        modes_.mostra_record_realtime();
+    }
+    if (monitored()) {
+        report_place();
+        cycle_.measure();
+        cycle_.storemeas();
+    }
+    set.move_next();
+    return true;
+}
+
+}  // namespace m47

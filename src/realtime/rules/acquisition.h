@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include "database.h"
+#include "link.h"
+#include "measure_cycle.h"
+#include "modes.h"
+#include "realtime_panel.h"
+#include "ticker.h"
+
+namespace m47 {
+
+/// The time until the next firing, "h:mm:ss".
+QString time_left_text(int seconds);
+
+/// When a measurement is taken: on demand, for every monitored program of a plan, or again and
+/// again at a chosen interval. It is driven by three one-second ticks and knows no timer itself.
+class Acquisition {
+  public:
+    Acquisition(Link& link, Database& database, RealtimePanel& panel, RealtimeState& state,
+                Modes& modes, MeasureCycle& cycle)
+        : link_(link),
+          database_(database),
+          panel_(panel),
+          state_(state),
+          modes_(modes),
+          cycle_(cycle) {}
+
+    /// The three ticks: timed acquisition, plan pass, clock. The owner of the screen sets them.
+    Ticker* Timer1 = nullptr;
+    Ticker* Timer2 = nullptr;
+    Ticker* Timer3 = nullptr;
+
+    /// How far a plan pass is: the place of the program being measured among the monitored ones of
+    /// the plan and how many there are. 0 of 0 when the pass has ended.
+    std::function<void(int place, int monitored)> on_progress;
+
+    // The toolbar keys.
+    void single();
+    void group();
+    void previous();
+    void next();
+    void previous_prog();
+    void next_prog();
+    void single_acq();
+    void multiple_acq();
+    void start();
+    void stop();
+
+    void cmdstart_Click();
+    /// Loads the seconds of the chosen delay into `ticks_left`; without a choice they stay.
+    void time_delay_Click();
+
+    void Timer1_Timer();
+    void Timer2_Timer();
+    void Timer3_Timer();
+
+    /// One step of a plan pass. True while the pass goes on, false at the end of the plan.
+    bool acq_multi();
+
+  private:
+    enum class Direction { back, forward };
+
+    Recordset& programs();
+    bool monitored();
+    void move_plan(Direction direction);
+    void move_program(Direction direction);
+    void show_time_left();
+    void begin_pass();
+    void list_monitored();
+    void report_place();
+    void end_pass();
+    void report_progress(int place, int monitored) const;
+
+    Link& link_;
+    Database& database_;
+    RealtimePanel& panel_;
+    RealtimeState& state_;
+    Modes& modes_;
+    MeasureCycle& cycle_;
+    std::vector<Bookmark> pass_;  ///< the monitored programs of the pass that runs
+};
+
+}  // namespace m47
