@@ -33,6 +33,15 @@ class GuardedApplication : public QApplication {
     }
 };
 
+QtMessageHandler g_toolkit_messages = nullptr;
+
+/// Lets through what the toolkit has to say, but for one remark that every root shell and every
+/// service would see and that concerns nothing here.
+void pass_message(QtMsgType type, const QMessageLogContext& context, const QString& text) {
+    if (!text.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR not set")))
+        g_toolkit_messages(type, context, text);
+}
+
 void print(std::FILE* stream, const QString& text) {
     std::fprintf(stream, "%s\n", text.toLocal8Bit().constData());
 }
@@ -88,6 +97,7 @@ int run_windows(Program& program, const Options& options) {
 }
 
 int run_with_options(int argc, char** argv, const Options& options) {
+    g_toolkit_messages = qInstallMessageHandler(pass_message);
     GuardedApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("m47-remote"));
     QApplication::setApplicationVersion(QStringLiteral(M47_VERSION));
