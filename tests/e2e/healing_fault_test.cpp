@@ -27,10 +27,6 @@ class HealingFaultTest : public QObject {
 
 namespace {
 
-const QString kLevel = QStringLiteral("LEVANL?");
-/// A lone CR, which wakes the meter.
-const QString kWakeUp = QString();
-
 /// The commands of one analog row at the screen's own frequency, with `identification` in the place
 /// of "ATTEN?" and `level` in the place of "LEVANL?".
 QStringList commands_of_a_row(const QStringList& identification, const QStringList& level) {
@@ -51,20 +47,20 @@ void HealingFaultTest::start(const QString& name, const QStringList& faults) {
 void HealingFaultTest::initTestCase() {
     start("error", {"--fault", "error:1"});
     start("error twice", {"--fault", "error:2"});
-    start("error in the measurement", {"--fault-on", kLevel, "--fault", "error:2"});
-    start("command error", {"--fault-on", kLevel, "--fault", "commanderror:2"});
+    start("error in the measurement", {"--fault-on", wire::kLevel, "--fault", "error:2"});
+    start("command error", {"--fault-on", wire::kLevel, "--fault", "commanderror:2"});
     start("asleep", {"--fault", "asleep:1"});
-    start("asleep twice", {"--fault-on", kLevel, "--fault", "asleep:2"});
+    start("asleep twice", {"--fault-on", wire::kLevel, "--fault", "asleep:2"});
     start("error, then asleep",
-          {"--fault-on", kLevel, "--fault", "error:1", "--fault", "asleep:1"});
-    start("late", {"--fault-on", kLevel, "--fault", "late:1", "--late", "1.5"});
+          {"--fault-on", wire::kLevel, "--fault", "error:1", "--fault", "asleep:1"});
+    start("late", {"--fault-on", wire::kLevel, "--fault", "late:1", "--late", "1.5"});
     // The delay keeps the answer to the repeated command apart from the late one.
     start("later than the echo limit",
-          {"--delay", "400", "--fault-on", kLevel, "--fault", "late:1", "--late", "1.8"});
-    start("spoilt echo", {"--fault", "wrongecho", "--fault-on", kLevel});
+          {"--delay", "400", "--fault-on", wire::kLevel, "--fault", "late:1", "--late", "1.8"});
+    start("spoilt echo", {"--fault", "wrongecho", "--fault-on", wire::kLevel});
     for (const char* seed : {"1", "2", "3"})
         start(QStringLiteral("noise ") + seed,
-              {"--seed", seed, "--fault-on", kLevel, "--fault", "noise"});
+              {"--seed", seed, "--fault-on", wire::kLevel, "--fault", "noise"});
 }
 
 void HealingFaultTest::cleanupTestCase() {
@@ -75,16 +71,21 @@ void HealingFaultTest::repeated_until_answered_data() {
     QTest::addColumn<QStringList>("identification");
     QTest::addColumn<QStringList>("level");
     const QStringList once{"ATTEN?"};
-    const QStringList level{kLevel};
+    const QStringList level{wire::kLevel};
     QTest::newRow("error") << QStringList{"ATTEN?", "ATTEN?"} << level;
     QTest::newRow("error twice") << QStringList{"ATTEN?", "ATTEN?", "ATTEN?"} << level;
-    QTest::newRow("error in the measurement") << once << QStringList{kLevel, kLevel, kLevel};
-    QTest::newRow("command error") << once << QStringList{kLevel, kLevel, kLevel};
-    QTest::newRow("asleep") << QStringList{"ATTEN?", kWakeUp, "ATTEN?"} << level;
-    QTest::newRow("asleep twice") << once << QStringList{kLevel, kWakeUp, kLevel, kWakeUp, kLevel};
-    QTest::newRow("error, then asleep") << once << QStringList{kLevel, kLevel, kWakeUp, kLevel};
+    QTest::newRow("error in the measurement")
+        << once << QStringList{wire::kLevel, wire::kLevel, wire::kLevel};
+    QTest::newRow("command error") << once << QStringList{wire::kLevel, wire::kLevel, wire::kLevel};
+    QTest::newRow("asleep") << QStringList{"ATTEN?", wire::kWakeUp, "ATTEN?"} << level;
+    QTest::newRow("asleep twice") << once
+                                  << QStringList{wire::kLevel, wire::kWakeUp, wire::kLevel,
+                                                 wire::kWakeUp, wire::kLevel};
+    QTest::newRow("error, then asleep")
+        << once << QStringList{wire::kLevel, wire::kLevel, wire::kWakeUp, wire::kLevel};
     QTest::newRow("late") << once << level;
-    QTest::newRow("later than the echo limit") << once << QStringList{kLevel, kWakeUp, kLevel};
+    QTest::newRow("later than the echo limit")
+        << once << QStringList{wire::kLevel, wire::kWakeUp, wire::kLevel};
     QTest::newRow("spoilt echo") << once << level;
 }
 
@@ -100,7 +101,7 @@ void HealingFaultTest::repeated_until_answered() {
     const QList<QStringList> rows = rows_of(ending.out);
     QCOMPARE(rows.size(), 1);
     QCOMPARE(rows[0].size(), 11);
-    const QByteArray answer = stand.meter.answers_to(kLevel).constLast();
+    const QByteArray answer = stand.meter.answers_to(wire::kLevel).constLast();
     QCOMPARE(rows[0][4].toUtf8(), answer.split('\r')[1].trimmed());
     QCOMPARE(stand.content("run.log"), as_log(ending.out));
 }
@@ -134,8 +135,8 @@ void HealingFaultTest::noise_within_an_answer() {
     const Ending ending = stand.remote.wait();
     QCOMPARE(ending.status, 0);
     QCOMPARE(ending.err, QByteArray());
-    QCOMPARE(stand.meter.commands(), commands_of_a_row({"ATTEN?"}, {kLevel}));
-    const QByteArray answer = stand.meter.answers_to(kLevel).value(0);
+    QCOMPARE(stand.meter.commands(), commands_of_a_row({"ATTEN?"}, {wire::kLevel}));
+    const QByteArray answer = stand.meter.answers_to(wire::kLevel).value(0);
     QCOMPARE(answer.size(), QByteArray("LEVANL?\r  61.9\rOK\r").size() + 3);
 
     const QList<QStringList> rows = rows_of(ending.out);

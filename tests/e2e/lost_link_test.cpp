@@ -33,10 +33,6 @@ class LostLinkTest : public QObject {
 
 namespace {
 
-const QString kLevel = QStringLiteral("LEVANL?");
-/// A lone CR, which wakes the meter.
-const QString kWakeUp = QString();
-
 const QStringList kOpened{"ATTEN?",        "VER?",  "MEASURE",   "ATTEN 6",   "TONE22K 00",
                           "SYMBRATEQPSK?", "UNIT?", "LOCOSC 00", "FREQ 1000", "ATTEN 6"};
 /// A cycle up to its last question.
@@ -56,7 +52,7 @@ void LostLinkTest::initTestCase() {
     start("errors", {"--fault", "error:3"});
     start("command errors", {"--fault", "commanderror:3"});
     start("error and sleep", {"--fault", "error:1", "--fault", "asleep:2"});
-    const QStringList second{"--fault-on", kLevel, "--fault-after", "1", "--fault"};
+    const QStringList second{"--fault-on", wire::kLevel, "--fault-after", "1", "--fault"};
     for (const char* fault :
          {"garbage:1", "partial:1", "trickle", "endless", "error:3", "silence", "drop"})
         start(fault, second + QStringList(fault) + QStringList{"--baud-factor", "1"});
@@ -106,9 +102,9 @@ void LostLinkTest::unplugged_between_transactions() {
 }
 
 void LostLinkTest::unplugged_within_a_transaction() {
-    TestStand stand({"--fault-on", kLevel, "--fault-after", "1", "--fault", "silence"});
+    TestStand stand({"--fault-on", wire::kLevel, "--fault-after", "1", "--fault", "silence"});
     stand.start_measuring({"--count", "1000", "--log", "run.log"});
-    QVERIFY(stand.meter.wait_for_command(kLevel, 2));
+    QVERIFY(stand.meter.wait_for_command(wire::kLevel, 2));
     stand.meter.kill_now();
     const Ending ending = stand.remote.wait();
     QCOMPARE(ending.status, 3);
@@ -122,9 +118,10 @@ void LostLinkTest::not_identified_data() {
     QTest::addColumn<QStringList>("commands");
     QTest::newRow("errors") << QStringList{"ATTEN?", "ATTEN?", "ATTEN?"};
     QTest::newRow("command errors") << QStringList{"ATTEN?", "ATTEN?", "ATTEN?"};
-    QTest::newRow("silent meter") << QStringList{"ATTEN?", kWakeUp,  "ATTEN?",
-                                                 kWakeUp,  "ATTEN?", kWakeUp};
-    QTest::newRow("error and sleep") << QStringList{"ATTEN?", "ATTEN?", kWakeUp, "ATTEN?", kWakeUp};
+    QTest::newRow("silent meter") << QStringList{"ATTEN?",      wire::kWakeUp, "ATTEN?",
+                                                 wire::kWakeUp, "ATTEN?",      wire::kWakeUp};
+    QTest::newRow("error and sleep")
+        << QStringList{"ATTEN?", "ATTEN?", wire::kWakeUp, "ATTEN?", wire::kWakeUp};
 }
 
 void LostLinkTest::not_identified() {
@@ -143,13 +140,14 @@ void LostLinkTest::not_identified() {
 void LostLinkTest::lost_in_the_second_cycle_data() {
     QTest::addColumn<QStringList>("question");
     QTest::addColumn<double>("seconds");  // from the first question to the end of the link
-    QTest::newRow("error:3") << QStringList{kLevel, kLevel, kLevel} << 0.0;
-    QTest::newRow("drop") << QStringList{kLevel} << 0.0;
-    QTest::newRow("silence") << QStringList{kLevel, kWakeUp, kLevel, kWakeUp, kLevel, kWakeUp}
+    QTest::newRow("error:3") << QStringList{wire::kLevel, wire::kLevel, wire::kLevel} << 0.0;
+    QTest::newRow("drop") << QStringList{wire::kLevel} << 0.0;
+    QTest::newRow("silence") << QStringList{wire::kLevel,  wire::kWakeUp, wire::kLevel,
+                                            wire::kWakeUp, wire::kLevel,  wire::kWakeUp}
                              << 6.0;
     // Enough has come to know that the meter is awake: it is waited for, and not asked again.
     for (const char* fault : {"garbage:1", "partial:1", "trickle", "endless"})
-        QTest::newRow(fault) << QStringList{kLevel} << 15.0;
+        QTest::newRow(fault) << QStringList{wire::kLevel} << 15.0;
 }
 
 void LostLinkTest::lost_in_the_second_cycle() {
@@ -161,7 +159,7 @@ void LostLinkTest::lost_in_the_second_cycle() {
     QCOMPARE(ending.err.count('\n'), 1);
     QVERIFY(ending.err.startsWith("m47-remote: "));
     QTRY_COMPARE(stand.meter.commands(),
-                 kOpened + kCycle + QStringList(kLevel) + kCycle + question);
+                 kOpened + kCycle + QStringList(wire::kLevel) + kCycle + question);
 
     // The row before stands, printed and logged; the one that was being measured is none.
     const QList<QStringList> rows = rows_of(ending.out);

@@ -16,6 +16,15 @@ namespace m47 {
 /// a busy disk does not hold up a trace or a log in the middle of a timed exchange.
 QString folder_template();
 
+namespace wire {
+
+/// The last question of an analog cycle.
+inline const QString kLevel = QStringLiteral("LEVANL?");
+/// A lone CR, which wakes the meter.
+inline const QString kWakeUp = QString();
+
+}  // namespace wire
+
 /// What the meter received up to a CR, or sent as one answer.
 struct TraceEntry {
     bool received = false;

@@ -50,7 +50,9 @@ void PageModel::replace(PageStore store) {
 }
 
 void PageModel::clear() {
-    replace({});
+    beginResetModel();
+    store_.clear();
+    endResetModel();
 }
 
 QStringList PageModel::cells(int row) const {
