@@ -22,6 +22,10 @@ inline const QString kAttenuator = QStringLiteral("ATTEN");         ///< steps o
 inline const QString kUnit = QStringLiteral("UNIT");                ///< 00 dBuV, 01 dBmV, 02 dBm
 inline const QString kMarker = QStringLiteral("MARKER");            ///< number, 0 analog, 1 digital
 
+// Antenna
+inline const QString kDiseqc = QStringLiteral("DISEQC");          ///< place in kDiseqcCommands
+inline const QString kDiseqcMotor = QStringLiteral("DISEQCMOT");  ///< motor command and argument
+
 // Measurements
 inline const QString kLevel = QStringLiteral("LEVANL");
 inline const QString kChannelPower = QStringLiteral("LEVDCP");
@@ -36,6 +40,8 @@ inline QString query(const QString& word) {
 
 /// All attenuation, as before each level reading.
 inline const QString kFullAttenuation = kAttenuator + QStringLiteral(" 6");
+inline const QString kSupplyOff = kSupply + QStringLiteral(" 00");
+inline const QString kSupplyOn = kSupply + QStringLiteral(" 01");
 inline const QString kToneOff = kTone + QStringLiteral(" 00");
 inline const QString kToneOn = kTone + QStringLiteral(" 01");
 inline const QString kNoOscillator = kOscillator + QStringLiteral(" 00");

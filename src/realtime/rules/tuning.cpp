@@ -70,12 +70,12 @@ void Tuning::ol_freq_KeyPress(int key) {
 
 void Tuning::send_supply(int volts) {
     if (volts == 0) {
-        link_.send(command::kSupply + QStringLiteral(" 00"));
+        link_.send(command::kSupplyOff);
         return;
     }
     // The voltage goes first, so that the supply never comes up at the one set before.
     link_.send(command::kSupplyVoltage + format_number(volts, " 00"));
-    link_.send(command::kSupply + QStringLiteral(" 01"));
+    link_.send(command::kSupplyOn);
 }
 
 void Tuning::satlnb_state_Click(int index) {
