@@ -28,6 +28,7 @@ M47MDI::M47MDI(ProgramState& program, QWidget* parent)
        [this] { cmdinglese_Click(); });
     on(ui_->cmditaliano, &QAction::triggered, this, "cmditaliano_Click",
        [this] { cmditaliano_Click(); });
+    connect(ui_->cmdreconnect, &QAction::triggered, this, &M47MDI::reconnect_asked);
     connect(ui_->cmdexit, &QAction::triggered, this, &QWidget::close);
     connect(ui_->screens, &QMdiArea::subWindowActivated, this, &M47MDI::screen_activated);
     ui_->cmdinglese->setChecked(true);
@@ -107,6 +108,10 @@ void M47MDI::cmditaliano_Click() {
 
 void M47MDI::show_progress(const QString& text) {
     progress_->setText(text);
+}
+
+void M47MDI::allow_reconnect() {
+    ui_->cmdreconnect->setEnabled(true);
 }
 
 QString M47MDI::caption() const {

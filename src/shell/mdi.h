@@ -48,12 +48,19 @@ class M47MDI : public QMainWindow, public MainWindowView {
     /// Progress of a plan pass in the status line; empty clears it.
     void show_progress(const QString& text);
 
+    /// There is a port whose identification cmdreconnect can run again.
+    void allow_reconnect();
+
     void cmdinglese_Click();
     void cmditaliano_Click();
 
     QString caption() const override;
     void set_caption(const QString& caption) override;
     void enable_asl(bool on) override;
+
+  Q_SIGNALS:
+    /// The menu entry "&Reconnect".
+    void reconnect_asked();
 
   private:
     void screen_activated(QMdiSubWindow* view);

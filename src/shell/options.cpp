@@ -35,8 +35,17 @@ void add_options(QCommandLineParser& parser) {
         {"freq", "Frequency to measure at.", "MHZ"},
         {"bandwidth", "Channel bandwidth for the digital channel power.", "MHZ"},
         {"symbol-rate", "QPSK symbol rate.", "KS"},
-        {"alarm", "Check limits, NAME one of level, ber, mer; repeatable.", "NAME=MIN:MAX"},
+        {"alarm",
+         "Check limits, NAME one of level, ber, mer; repeatable. With --plan NAME alone: the "
+         "limits "
+         "are the plan's.",
+         "NAME=MIN:MAX"},
         {"count", "How many measurements to take (default 1).", "K"},
+        {"plan", "Measure the monitored programs of the plan NAME.", "NAME"},
+        {"passes", "How often to measure the plan (default 1, 0 until told to stop).", "K"},
+        {"every", "Begin a pass over the plan every so many SECONDS.", "SECONDS"},
+        {"full-tune", "Set oscillator, LNB, tone and DiSEqC of each program of the plan too."},
+        {"reconnect", "After a lost link go on when the plan's meter answers again."},
         {"log", "Append each row to FILE as well.", "FILE"},
         {"screenshot", "Write a picture of the real-time screen at the end.", "FILE"},
     };
@@ -58,20 +67,33 @@ QString read_number(const QCommandLineParser& parser, const QString& name, int m
     return {};
 }
 
-QString read_alarms(const QCommandLineParser& parser, QList<AlarmOption>& alarms) {
-    static const QRegularExpression kForm(QStringLiteral("^([a-z]+)=([^:]*):([^:]*)$"));
-    const QStringList values = parser.values(QStringLiteral("alarm"));
-    for (const QString& value : values) {
-        const QRegularExpressionMatch match = kForm.match(value);
-        bool minimum_good = false;
-        bool maximum_good = false;
-        match.captured(2).toDouble(&minimum_good);
-        match.captured(3).toDouble(&maximum_good);
-        if (!kAlarmNames.contains(match.captured(1)) || !minimum_good || !maximum_good)
-            return QStringLiteral("--alarm takes NAME=MIN:MAX with NAME one of level, ber, mer");
-        alarms.append({match.captured(1), match.captured(2), match.captured(3)});
-    }
+/// The limits of the plan hold where an alarm is only named.
+QString read_alarm_name(const QString& name, QList<AlarmOption>& alarms) {
+    if (!kAlarmNames.contains(name))
+        return QStringLiteral("--alarm with --plan takes one of level, ber, mer");
+    alarms.append({name, {}, {}});
     return {};
+}
+
+QString read_alarm_limits(const QString& value, QList<AlarmOption>& alarms) {
+    static const QRegularExpression kForm(QStringLiteral("^([a-z]+)=([^:]*):([^:]*)$"));
+    const QRegularExpressionMatch match = kForm.match(value);
+    bool minimum_good = false;
+    bool maximum_good = false;
+    match.captured(2).toDouble(&minimum_good);
+    match.captured(3).toDouble(&maximum_good);
+    if (!kAlarmNames.contains(match.captured(1)) || !minimum_good || !maximum_good)
+        return QStringLiteral("--alarm takes NAME=MIN:MAX with NAME one of level, ber, mer");
+    alarms.append({match.captured(1), match.captured(2), match.captured(3)});
+    return {};
+}
+
+QString read_alarms(const QCommandLineParser& parser, QList<AlarmOption>& alarms) {
+    const auto read = parser.isSet(QStringLiteral("plan")) ? read_alarm_name : read_alarm_limits;
+    QString error;
+    for (const QString& value : parser.values(QStringLiteral("alarm")))
+        if (error.isEmpty()) error = read(value, alarms);
+    return error;
 }
 
 QString read_positive(const QCommandLineParser& parser, const QString& name, QString& text) {
@@ -95,6 +117,10 @@ QString read_values(const QCommandLineParser& parser, Options& options) {
         read_number(parser, QStringLiteral("on-port"), 1, PortList::kPorts, options.on_port);
     if (error.isEmpty())
         error = read_number(parser, QStringLiteral("count"), 1, 1'000'000'000, options.count);
+    if (error.isEmpty())
+        error = read_number(parser, QStringLiteral("passes"), 0, 1'000'000'000, options.passes);
+    if (error.isEmpty())
+        error = read_number(parser, QStringLiteral("every"), 1, 31'536'000, options.every);
     if (error.isEmpty()) error = read_positive(parser, QStringLiteral("freq"), options.frequency);
     if (error.isEmpty())
         error = read_positive(parser, QStringLiteral("bandwidth"), options.bandwidth);
@@ -104,21 +130,39 @@ QString read_values(const QCommandLineParser& parser, Options& options) {
     return error;
 }
 
-QString check_combination(const QCommandLineParser& parser, const Options& options) {
-    if (options.measure) {
-        if (options.on_port == 0) return QStringLiteral("--measure needs --on-port");
-        if (parser.isSet(QStringLiteral("analog")) && options.digital)
-            return QStringLiteral("--analog and --digital exclude each other");
-        if (!options.open.isEmpty()) return QStringLiteral("--open does not go with --measure");
-        for (const AlarmOption& alarm : options.alarms)
-            if (!options.digital && alarm.name != QLatin1String("level"))
-                return QStringLiteral("--alarm %1 needs --digital").arg(alarm.name);
-        return {};
+/// The first of `names` that is on the command line, empty for none.
+QString first_set(const QCommandLineParser& parser, std::initializer_list<const char*> names) {
+    for (const char* name : names)
+        if (parser.isSet(QString::fromLatin1(name))) return QString::fromLatin1(name);
+    return {};
+}
+
+QString check_measurement(const QCommandLineParser& parser, const Options& options) {
+    if (options.on_port == 0) return QStringLiteral("--measure needs --on-port");
+    if (parser.isSet(QStringLiteral("analog")) && options.digital)
+        return QStringLiteral("--analog and --digital exclude each other");
+    if (!options.open.isEmpty()) return QStringLiteral("--open does not go with --measure");
+    if (parser.isSet(QStringLiteral("plan"))) {
+        // A program of a plan brings its own kind, frequency and symbol rate.
+        const QString name =
+            first_set(parser, {"analog", "digital", "freq", "symbol-rate", "count"});
+        return name.isEmpty() ? QString()
+                              : QStringLiteral("--%1 does not go with --plan").arg(name);
     }
-    for (const char* name : {"analog", "digital", "freq", "bandwidth", "symbol-rate", "alarm",
-                             "count", "log", "screenshot"})
-        if (parser.isSet(QString::fromLatin1(name)))
-            return QStringLiteral("--%1 goes with --measure only").arg(QLatin1String(name));
+    const QString name = first_set(parser, {"passes", "every", "full-tune", "reconnect"});
+    if (!name.isEmpty()) return QStringLiteral("--%1 needs --plan").arg(name);
+    for (const AlarmOption& alarm : options.alarms)
+        if (!options.digital && alarm.name != QLatin1String("level"))
+            return QStringLiteral("--alarm %1 needs --digital").arg(alarm.name);
+    return {};
+}
+
+QString check_combination(const QCommandLineParser& parser, const Options& options) {
+    if (options.measure) return check_measurement(parser, options);
+    const QString name = first_set(
+        parser, {"analog", "digital", "freq", "bandwidth", "symbol-rate", "alarm", "count", "log",
+                 "screenshot", "plan", "passes", "every", "full-tune", "reconnect"});
+    if (!name.isEmpty()) return QStringLiteral("--%1 goes with --measure only").arg(name);
     if (!options.open.isEmpty() && !kScreens.contains(options.open))
         return QStringLiteral("--open takes one of %1").arg(kScreens.join(QStringLiteral(", ")));
     return {};
@@ -150,6 +194,9 @@ Options parse_options(const QStringList& arguments) {
     options.open = parser.value(QStringLiteral("open"));
     options.measure = parser.isSet(QStringLiteral("measure"));
     options.digital = parser.isSet(QStringLiteral("digital"));
+    options.plan = parser.value(QStringLiteral("plan"));
+    options.full_tune = parser.isSet(QStringLiteral("full-tune"));
+    options.reconnect = parser.isSet(QStringLiteral("reconnect"));
     options.log = parser.value(QStringLiteral("log"));
     options.screenshot = parser.value(QStringLiteral("screenshot"));
     QString error = read_values(parser, options);

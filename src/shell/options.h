@@ -7,7 +7,8 @@
 
 namespace m47 {
 
-/// One alarm of an unattended measurement: its limits as they would be typed on the screen.
+/// One alarm of an unattended measurement: its limits as they would be typed on the screen, or none
+/// where those of a plan hold.
 struct AlarmOption {
     QString name;  ///< "level", or with --digital "ber" or "mer"
     QString minimum;
@@ -34,6 +35,11 @@ struct Options {
     int count = 1;
     QString log;
     QString screenshot;
+    QString plan;  ///< measure the monitored programs of this plan
+    int passes = 1;
+    int every = 0;  ///< seconds from pass to pass
+    bool reconnect = false;
+    bool full_tune = false;
     QList<AlarmOption> alarms;
 };
 

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "program.h"
 
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QMdiSubWindow>
 #include <QScreen>
+#include <chrono>
 
 #include "handler.h"
 #include "port_diagnosis.h"
@@ -14,6 +16,11 @@ namespace m47 {
 namespace {
 
 constexpr QSize kWindowSize(1100, 720);
+constexpr std::chrono::seconds kDeviceWatchInterval{1};
+
+constexpr Bilingual kDeviceIsBack{
+    "The device %1 is there again: \"Reconnect\" in the menu connects it.",
+    "Il dispositivo %1 è di nuovo presente: \"Reconnect\" nel menu lo collega."};
 
 /// The child view that holds `screen` closes with it.
 template <class Screen>
@@ -36,18 +43,37 @@ Program::Program(ProgramState& state, std::unique_ptr<Database> database, PortLi
     state_.texts.load_messages(QString());
     window_.status().reason = [this] { return link_fault(); };
     add_screens();
+    identification_.on_picked = [this] {
+        watch_.reset();
+        window_.allow_reconnect();
+    };
+    on(&window_, &M47MDI::reconnect_asked, &window_, "cmdreconnect_Click", [this] { reconnect(); });
+    QObject::connect(&watch_timer_, &QTimer::timeout, &window_, [this] { watch_device(); });
+    watch_timer_.start(kDeviceWatchInterval);
     window_.resize(kWindowSize.boundedTo(QGuiApplication::primaryScreen()->availableSize()));
 }
 
 Program::~Program() = default;
 
 QString Program::link_fault() const {
+    if (watch_.came_back()) return state_.texts.pick(kDeviceIsBack).arg(identification_.device());
     return port_fault_text(port_.fault(), port_.device(), state_.texts);
 }
 
 void Program::identify(int number) {
     ports_.refresh();
     identification_.porta_Click(number - 1);
+}
+
+bool Program::reconnect() {
+    watch_.reset();
+    identification_.reconnect();
+    return link_.port_connected;
+}
+
+void Program::watch_device() {
+    if (identification_.device().isEmpty() || link_.port_connected) return;
+    if (watch_.look(QFileInfo::exists(identification_.device()))) window_.status().show_reason();
 }
 
 Realtime* Program::make_realtime(QWidget* parent) {

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QTimer>
 #include <memory>
 
 #include "database.h"
+#include "device_watch.h"
 #include "identification.h"
 #include "link.h"
 #include "mdi.h"
@@ -32,12 +34,16 @@ class Program {
     /// Identifies the meter on port `number` (1 to 10), as picking it on the port screen does.
     void identify(int number);
 
+    /// Identifies the meter behind the device picked last again. True when it answers.
+    bool reconnect();
+
     /// A real-time screen, neither loaded nor shown; `parent` owns it.
     Realtime* make_realtime(QWidget* parent);
 
   private:
     void add_screens();
     QString link_fault() const;
+    void watch_device();
 
     ProgramState& state_;
     std::unique_ptr<Database> database_;
@@ -47,6 +53,8 @@ class Program {
     M47MDI window_;
     Link link_;
     Identification identification_;
+    DeviceWatch watch_;
+    QTimer watch_timer_;
 };
 
 }  // namespace m47

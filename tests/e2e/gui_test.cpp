@@ -111,6 +111,32 @@ class GuiTest : public QObject {
         meter_.reset();
     }
 
+    void a_meter_that_was_unplugged_is_connected_again_by_the_menu() {
+        start();
+        auto* reconnect = find<QAction>("cmdreconnect");
+        QVERIFY(!reconnect->isEnabled());
+        pick_port(3);
+        QVERIFY(reconnect->isEnabled());
+        const auto* status = find<QLabel>("port_state");
+        meter_.reset();
+        find<QAction>("realtime")->trigger();
+        QCOMPARE(status->text(), QStringLiteral("RS232 ComPort 3 NOT Connected"));
+        QVERIFY(!status->toolTip().contains(QStringLiteral("Reconnect")));
+        QTest::qWait(1100);
+        meter_ = std::make_unique<MeterProcess>(folder_->path(),
+                                                QStringList{"--baud-factor", "0", "--delay", "0"});
+        QTRY_VERIFY_WITH_TIMEOUT(
+            status->toolTip().contains(meter_->link() + QStringLiteral(" is there again")), 5000);
+        // Nothing is sent until the user wants it.
+        QCOMPARE(meter_->commands(), QStringList());
+        reconnect->trigger();
+        QCOMPARE(status->text(), QStringLiteral("RS232 ComPort 3 Connected"));
+        QCOMPARE(status->toolTip(), QString());
+        QTRY_COMPARE(meter_->commands(), QStringList({"ATTEN?", "VER?"}));
+        QCOMPARE(program_->window().windowTitle(),
+                 QStringLiteral("VKD M47_03 REMOTE CONTROL V3.1.0 PLUS"));
+    }
+
     void picking_a_port_identifies_the_meter() {
         start();
         pick_port(3);

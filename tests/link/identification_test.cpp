@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "identification.h"
 
+#include <QDir>
+#include <QTemporaryDir>
 #include <QTest>
 #include <optional>
 
+#include "device_watch.h"
 #include "fake_link_view.h"
 #include "fake_port.h"
 #include "virtual_clock.h"
@@ -57,6 +60,10 @@ class IdentificationTest : public QObject {
     void an_empty_answer_is_no_meter();
     void the_link_drops_between_the_two_questions();
     void the_caption_grows();
+    void reconnecting_asks_the_same_device_again();
+    void reconnecting_before_a_port_was_picked();
+    void reconnecting_to_an_adapter_that_was_plugged_in_elsewhere();
+    void a_device_that_comes_back();
     void an_open_port_is_closed_first();
     void a_port_that_stays_open_is_shown();
     void other_entries_only_close_the_link();
@@ -137,6 +144,81 @@ void IdentificationTest::the_caption_grows() {
     s.port.open_fault = PortFault::missing;
     s.identification.porta_Click(1);
     QCOMPARE(s.window.text, QString("VKD M47_03 REMOTE CONTROL V3.0.5 V3.0.5 "));
+}
+
+void IdentificationTest::reconnecting_asks_the_same_device_again() {
+    Setup s;
+    int picked = 0;
+    s.identification.on_picked = [&picked] { ++picked; };
+    s.identification.porta_Click(2);
+    s.texts.language = kItalian;
+    s.link.show_port_state();
+    s.port.take_commands();
+    s.identification.reconnect();
+    QCOMPARE(s.port.device, QString("/dev/line3"));
+    QCOMPARE(s.port.take_commands(), (QStringList{"ATTEN?", "VER?"}));
+    QVERIFY(s.link.port_connected);
+    QCOMPARE(s.view.state_text, QString("RS232 ComPort 3 Connected"));
+    // It is the same dialogue: neither the language nor the caption starts anew.
+    QCOMPARE(s.texts.language, static_cast<int>(kItalian));
+    QCOMPARE(s.window.text, QString("VKD M47_03 REMOTE CONTROL V3.0.5"));
+    s.port.answer = nullptr;
+    s.identification.reconnect();
+    QVERIFY(!s.link.port_connected);
+    QCOMPARE(s.view.state_text, QString("RS232 ComPort 3 NOT Connected"));
+    QCOMPARE(picked, 1);
+}
+
+void IdentificationTest::reconnecting_before_a_port_was_picked() {
+    Setup s;
+    s.identification.reconnect();
+    QCOMPARE(s.port.opens, 0);
+    QVERIFY(!s.link.port_connected);
+    QCOMPARE(s.identification.device(), QString());
+}
+
+void IdentificationTest::reconnecting_to_an_adapter_that_was_plugged_in_elsewhere() {
+    // Two adapters; the system numbers them in the order in which they were plugged in.
+    QTemporaryDir dev;
+    QVERIFY(QDir(dev.path()).mkpath("serial/by-id"));
+    const auto plug = [&dev](const QString& node, const QString& name) {
+        QFile file(dev.filePath(node));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QFile::remove(dev.filePath("serial/by-id/" + name));
+        QVERIFY(QFile::link(dev.filePath(node), dev.filePath("serial/by-id/" + name)));
+    };
+    plug("ttyUSB0", "usb-adapter-A");
+    plug("ttyUSB1", "usb-adapter-B");
+    Setup s;
+    PortList ports({"/nonexistent", dev.path(), [] { return QStringList(); }});
+    QVERIFY(ports.add("1=" + dev.filePath("ttyUSB0")));
+    Identification identification(s.link, s.texts, ports, s.window);
+    identification.porta_Click(0);
+    QCOMPARE(s.port.device, dev.filePath("ttyUSB0"));
+    QCOMPARE(identification.device(), dev.filePath("serial/by-id/usb-adapter-A"));
+    // Both are pulled and come back the other way round.
+    plug("ttyUSB0", "usb-adapter-B");
+    plug("ttyUSB1", "usb-adapter-A");
+    identification.reconnect();
+    QCOMPARE(s.port.device, dev.filePath("serial/by-id/usb-adapter-A"));
+}
+
+void IdentificationTest::a_device_that_comes_back() {
+    DeviceWatch watch;
+    QVERIFY(!watch.look(true));
+    QVERIFY(!watch.came_back());
+    QVERIFY(!watch.look(false));
+    QVERIFY(!watch.came_back());
+    QVERIFY(watch.look(true));
+    QVERIFY(watch.came_back());
+    QVERIFY(!watch.look(true));
+    QVERIFY(watch.came_back());
+    QVERIFY(watch.look(false));
+    QVERIFY(!watch.came_back());
+    QVERIFY(watch.look(true));
+    watch.reset();
+    QVERIFY(!watch.came_back());
+    QVERIFY(!watch.look(true));
 }
 
 void IdentificationTest::an_open_port_is_closed_first() {

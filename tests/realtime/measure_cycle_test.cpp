@@ -607,12 +607,12 @@ void MeasureCycleTest::one_measurement_now() {
 
 void MeasureCycleTest::measures_that_run_to_their_end() {
     QVERIFY(!measure_activestate(panel()));
-    f_->rules.tick_complete_measures();
+    f_->rules.tick_measures(kAnalogMode);
     QCOMPARE(panel().meas_statea, (std::array{true, false, false}));
     QCOMPARE(panel().meas_stated, (std::array<bool, 8>{}));
     show_digital();
     panel().meas_statea.fill(false);
-    f_->rules.tick_complete_measures();
+    f_->rules.tick_measures(kDigitalMode);
     QCOMPARE(panel().meas_statea, (std::array<bool, 3>{}));
     QCOMPARE(panel().meas_stated, (std::array{true, false, false, true, true, true, true, false}));
 }

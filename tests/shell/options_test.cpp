@@ -13,6 +13,7 @@ class OptionsTest : public QObject {
     void nothing();
     void window_options();
     void measurement_options();
+    void plan_options();
     void value_behind_an_equals_sign();
     void several_ports_and_alarms();
     void alarm_limits_as_typed();
@@ -83,6 +84,28 @@ void OptionsTest::measurement_options() {
     QVERIFY(!plain.digital);
     QCOMPARE(plain.frequency, QString());
     QVERIFY(plain.alarms.isEmpty());
+}
+
+void OptionsTest::plan_options() {
+    const Options options = parse_options(
+        measuring({"--plan", "Hotel roof", "--passes", "0", "--every", "300", "--full-tune",
+                   "--reconnect", "--bandwidth", "36", "--alarm", "level", "--alarm", "mer"}));
+    QCOMPARE(options.action, Action::run);
+    QCOMPARE(options.plan, QString("Hotel roof"));
+    QCOMPARE(options.passes, 0);
+    QCOMPARE(options.every, 300);
+    QVERIFY(options.full_tune);
+    QVERIFY(options.reconnect);
+    QCOMPARE(options.alarms.size(), 2);
+    QCOMPARE(options.alarms[1].name, QString("mer"));
+    QCOMPARE(options.alarms[1].minimum, QString());
+
+    const Options plain = parse_options(measuring({"--plan", "A"}));
+    QCOMPARE(plain.action, Action::run);
+    QCOMPARE(plain.passes, 1);
+    QCOMPARE(plain.every, 0);
+    QVERIFY(!plain.full_tune);
+    QVERIFY(!plain.reconnect);
 }
 
 void OptionsTest::value_behind_an_equals_sign() {
@@ -200,6 +223,18 @@ void OptionsTest::wrong_data() {
     for (const char* option : {"--freq", "--bandwidth", "--symbol-rate"})
         row(option, measuring({option, "1 000"}), option);
     for (const char* option : {"--analog", "--digital"}) row(option, {option}, option);
+    for (const char* option : {"--plan", "--passes", "--every"}) row(option, {option, "1"}, option);
+    for (const char* option : {"--full-tune", "--reconnect"}) row(option, {option}, option);
+    row("passes without a plan", measuring({"--passes", "2"}), "--plan");
+    row("interval without a plan", measuring({"--every", "2"}), "--plan");
+    row("reconnecting without a plan", measuring({"--reconnect"}), "--plan");
+    row("full tune without a plan", measuring({"--full-tune"}), "--plan");
+    row("plan and frequency", measuring({"--plan", "A", "--freq", "1000"}), "--freq");
+    row("plan and count", measuring({"--plan", "A", "--count", "2"}), "--count");
+    row("plan and presentation", measuring({"--plan", "A", "--digital"}), "--digital");
+    row("plan and limits", measuring({"--plan", "A", "--alarm", "level=1:2"}), "--alarm");
+    row("no passes", measuring({"--plan", "A", "--passes", "-1"}), "--passes");
+    row("no interval", measuring({"--plan", "A", "--every", "0"}), "--every");
     row("count alone", {"--count", "1"}, "--count");
     row("log alone", {"--log", "a"}, "--log");
     row("picture alone", {"--screenshot", "a"}, "--screenshot");
@@ -228,9 +263,11 @@ void OptionsTest::wrong_options_keep_nothing() {
 void OptionsTest::help_names_every_option() {
     const QString help = help_text();
     for (const char* name :
-         {"--help", "--version", "--directory", "--port", "--create-database", "--on-port",
-          "--open", "--measure", "--analog", "--digital", "--freq", "--bandwidth", "--symbol-rate",
-          "--alarm", "--count", "--log", "--screenshot"})
+         {"--help",      "--version",    "--directory",   "--port",   "--create-database",
+          "--on-port",   "--open",       "--measure",     "--analog", "--digital",
+          "--freq",      "--bandwidth",  "--symbol-rate", "--alarm",  "--count",
+          "--log",       "--screenshot", "--plan",        "--passes", "--every",
+          "--full-tune", "--reconnect"})
         QVERIFY2(help.contains(QLatin1String(name)), name);
 }
 

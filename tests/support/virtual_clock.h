@@ -17,6 +17,7 @@ class VirtualClock : public Clock {
     double until_next_tick() const override;
     void sleep(double seconds) override;
     QDateTime date_time() const override;
+    double steady() const override { return elapsed(); }
 
     /// Exact virtual seconds since the clock was made.
     double elapsed() const;

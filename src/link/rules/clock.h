@@ -23,6 +23,9 @@ class Clock {
     /// Date and time of day for rows and the screen's clock.
     virtual QDateTime date_time() const = 0;
 
+    /// Seconds since some moment in the past. Nobody sets this clock: for intervals of any length.
+    virtual double steady() const = 0;
+
     /// Between begin_span and end_span (nestable) readings only grow, past 86400 if need be.
     virtual void begin_span() {}
     virtual void end_span() {}

@@ -33,14 +33,27 @@ void Identification::porta_Click(int index) {
     if (number < 1 || number > PortList::kPorts) return;
 
     link_.port_number = number;
-    link_.port().select(ports_.device(number));
-    link_.port_connected = true;
+    device_ = ports_.persistent_name(ports_.device(number));
+    caption_ = window_.caption();
     // The dialogue with the meter and all that follows is in English until a language is picked.
     texts_.language = kEnglish;
+    if (on_picked) on_picked();
+    identify(ports_.device(number));
+}
 
+void Identification::reconnect() {
+    if (link_.port_number == 0) return;
+    close_link(link_.port_number);
+    window_.set_caption(caption_);
+    identify(device_);
+}
+
+void Identification::identify(const QString& device) {
+    link_.port().select(device);
+    link_.port_connected = true;
     link_.command_text = command::query(command::kAttenuator);
     link_.send_command();
-    show_presence(number);
+    show_presence(link_.port_number);
     link_.command_text = command::query(command::kVersion);
     link_.send_command();
     show_version();

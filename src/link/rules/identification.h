@@ -3,6 +3,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <functional>
 
 #include "link.h"
 #include "port_list.h"
@@ -39,7 +40,19 @@ class Identification {
     /// and the window's caption has grown by the meter's version, in any case.
     void porta_Click(int index);
 
+    /// Called when a port has been picked, before its meter is asked.
+    std::function<void()> on_picked;
+
+    /// Identifies the meter behind the device picked last once more, wherever that is plugged in
+    /// now. The language stays and the caption does not grow again. Does nothing before a port has
+    /// been picked.
+    void reconnect();
+
+    /// The device picked last, by its persistent name where it has one; empty before the first.
+    const QString& device() const { return device_; }
+
   private:
+    void identify(const QString& device);
     void close_link(int number);
     void show_presence(int number);
     void show_version();
@@ -48,6 +61,8 @@ class Identification {
     Texts& texts_;
     const PortList& ports_;
     MainWindowView& window_;
+    QString device_;
+    QString caption_;  ///< of the window before the version was added
 };
 
 }  // namespace m47

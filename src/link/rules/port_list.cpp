@@ -96,6 +96,10 @@ void PortList::find_adapters() {
         if (!devices_.contains(number)) devices_.insert(number, adapters.takeFirst());
 }
 
+QString PortList::persistent_name(const QString& device) const {
+    return persistent_names(sources_.dev).value(true_path(device), device);
+}
+
 bool PortList::knows(const QString& device) const {
     const QString path = true_path(device);
     return std::any_of(devices_.begin(), devices_.end(),

@@ -34,6 +34,10 @@ class PortList {
     /// Looks anew which lines there are.
     void refresh();
 
+    /// The name under which `device` comes back wherever it is plugged in; `device` itself where it
+    /// has none.
+    QString persistent_name(const QString& device) const;
+
     /// The device behind `number`, empty when there is none.
     QString device(int number) const { return devices_.value(number); }
 

@@ -55,6 +55,11 @@ QDateTime RealClock::date_time() const {
     return QDateTime::currentDateTime();
 }
 
+double RealClock::steady() const {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
 void RealClock::begin_span() {
     if (spans_ == 0) {
         span_time_of_day_ = time_of_day_();

@@ -24,6 +24,7 @@ class RealClock : public Clock {
     double until_next_tick() const override;
     void sleep(double seconds) override;
     QDateTime date_time() const override;
+    double steady() const override;
     void begin_span() override;
     void end_span() override;
 

@@ -4,13 +4,16 @@
 #include <QTime>
 #include <algorithm>
 
+#include "diseqc_commands.h"
 #include "fault.h"
 #include "numbers.h"
+#include "program_commands.h"
 #include "tables.h"
 
 namespace m47 {
 namespace {
 
+const QString kPlanName = QStringLiteral("nome");
 const QString kMonitorState = QStringLiteral("monitor_state");
 
 /// While it lives a recall only refreshes the screen.
@@ -32,6 +35,11 @@ void quietly(const std::function<void()>& body) {
     } catch (const Fault&) {
         return;
     }
+}
+
+/// A whole number of the database; unset is 0, and nothing is too long for an int.
+int stored_number(const Recordset& set, const QString& field) {
+    return static_cast<int>(std::clamp(typed_value(set.text(field)), -1e6, 1e6));
 }
 
 bool is_monitored(const Recordset& programs) {
@@ -62,20 +70,44 @@ void Acquisition::single() {
     state_.acq_kind = kSingleElement;
 }
 
-void Acquisition::group() {
+void Acquisition::present_plan() {
     panel_.plan_controls_visible = true;
     panel_.plan_keys_visible = true;
     panel_.single_acq_visible = false;
     panel_.sat_opt_enabled = false;
     panel_.limits_enabled = false;
+}
+
+/// Opens the plan at which the set of plans stands.
+void Acquisition::open_plan() {
+    panel_.grp_name = database_.gruppo().text(kPlanName);
+    modes_.crea_records_realtime();
+    state_.acq_kind = kPlan;
+}
+
+void Acquisition::group() {
+    present_plan();
     quietly([this] {
         const Suspended suspended(link_);
         database_.gruppo().requery();
         database_.gruppo().move_first();
-        panel_.grp_name = database_.gruppo().text(QStringLiteral("nome"));
-        modes_.crea_records_realtime();
-        state_.acq_kind = kPlan;
+        open_plan();
     });
+}
+
+bool Acquisition::choose_plan(const QString& name) {
+    present_plan();
+    const Suspended suspended(link_);
+    database_.gruppo().requery();
+    // A plan's name is kept trimmed and in upper case.
+    if (!database_.gruppo().find_first(kPlanName, name.trimmed().toUpper())) return false;
+    open_plan();
+    return true;
+}
+
+int Acquisition::monitored_programs() {
+    list_monitored();
+    return static_cast<int>(pass_.size());
 }
 
 void Acquisition::move_plan(Direction direction) {
@@ -89,7 +121,7 @@ void Acquisition::move_plan(Direction direction) {
             plans.move_next();
             if (plans.end_of_set()) plans.move_last();
         }
-        panel_.grp_name = plans.text(QStringLiteral("nome"));
+        panel_.grp_name = plans.text(kPlanName);
         modes_.crea_records_realtime();
     });
 }
@@ -272,11 +304,31 @@ bool Acquisition::acq_multi() {
     }
     if (monitored()) {
         report_place();
+        if (panel_.cmdfulltune) tune_everything();
         cycle_.measure();
         cycle_.storemeas();
     }
     set.move_next();
     return true;
+}
+
+/// Oscillator, supply, tone and DiSEqC of the program, for plans over several polarisations, bands
+/// or satellites. The frequency follows with the measurement.
+void Acquisition::tune_everything() {
+    const Recordset& program = programs();
+    const bool direct = stored_number(program, QStringLiteral("loc_osc")) != 0;
+    const int oscillator = stored_number(program, QStringLiteral("loc_osc0"));
+    const QString field = QStringLiteral("loc_osc%1").arg(oscillator + 1);
+    const double mhz = direct ? 0 : typed_value(modes_.rs_config->text(field));
+    QStringList commands = oscillator_commands(direct, oscillator, mhz);
+    commands += supply_commands(stored_number(program, QStringLiteral("lnb_volt")));
+    commands += tone_command(stored_number(program, QStringLiteral("K22")));
+    for (const char* name : {"diseqc_cmd", "diseqc_cmd2"}) {
+        const QVariant entry = program.value(QString::fromLatin1(name));
+        if (!entry.isNull() && entry.toInt() != kDiseqcNone)
+            commands += diseqc_command(entry.toInt());
+    }
+    for (const QString& command : std::as_const(commands)) link_.send(command);
 }
 
 }  // namespace m47

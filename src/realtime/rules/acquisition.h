@@ -58,6 +58,12 @@ class Acquisition {
     void Timer2_Timer();
     void Timer3_Timer();
 
+    /// Opens the plan `name` for passes, as "group" opens the first one. False, and nothing changed
+    /// but the presentation, where there is no such plan.
+    bool choose_plan(const QString& name);
+    /// How many programs of the plan take part in a pass.
+    int monitored_programs();
+
     /// One step of a plan pass. True while the pass goes on, false at the end of the plan.
     bool acq_multi();
 
@@ -66,6 +72,9 @@ class Acquisition {
 
     Recordset& programs();
     bool monitored();
+    void present_plan();
+    void open_plan();
+    void tune_everything();
     void move_plan(Direction direction);
     void move_program(Direction direction);
     void show_time_left();

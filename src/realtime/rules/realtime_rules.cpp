@@ -13,8 +13,8 @@ RealtimeRules::RealtimeRules(Link& link, ProgramState& program, Database& databa
     steps.cmdlev_Click = [this](int index) { modes.cmdlev_Click(index); };
 }
 
-void RealtimeRules::tick_complete_measures() {
-    if (state.meas_mode == kDigitalMode) {
+void RealtimeRules::tick_measures(int mode) {
+    if (mode == kDigitalMode) {
         for (const int measure : {kDcpLevel, kChber, kPvBer, kCfo, kMer})
             panel.meas_stated[static_cast<std::size_t>(measure)] = true;
     } else {

@@ -30,8 +30,8 @@ class RealtimeRules {
     MeasureCycle cycle;
     Acquisition acquisition;
 
-    /// Ticks the measures of the present presentation whose steps run to their end.
-    void tick_complete_measures();
+    /// Ticks the measures of `mode` (kAnalogMode or kDigitalMode) whose steps run to their end.
+    void tick_measures(int mode);
 };
 
 }  // namespace m47

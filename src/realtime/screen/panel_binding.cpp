@@ -200,6 +200,10 @@ void PanelBinding::bind_menu() {
         show();
     });
     shows_.emplace_back([this, complete] { complete->setChecked(panel_.cmdcomplete); });
+    auto* full_tune = control<QAction>("cmdfulltune");
+    QObject::connect(full_tune, &QAction::toggled, screen_,
+                     [this](bool ticked) { panel_.cmdfulltune = ticked; });
+    shows_.emplace_back([this, full_tune] { full_tune->setChecked(panel_.cmdfulltune); });
 }
 
 }  // namespace m47

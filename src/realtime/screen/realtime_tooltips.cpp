@@ -78,6 +78,7 @@ constexpr Tooltip kTooltips[] = {
     {"time_delay", "Expected Time", "Tempo d'attesa ciclo"},
     {"measgrid", nullptr, "Elenco misure"},
 
+    {"cmdfulltune", nullptr, "Imposta tutto per ogni programma"},
     {"cmdcomplete", nullptr, "Completa le misure C/N e rumore"},
 };
 

@@ -1,0 +1,180 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "plan_run.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace m47 {
+namespace {
+
+constexpr double kWaitSlice = 0.2;    // seconds; how late a wish to stop is seen
+constexpr double kLongestPause = 60;  // between two tries to find the meter again
+constexpr double kIdlePause = 1;
+constexpr double kProgressInterval = 1;  // seconds between two countdown texts
+
+/// A tick without a timer: the run calls the handlers itself.
+class StepTicker : public Ticker {
+  public:
+    void start() override { running_ = true; }
+    void stop() override { running_ = false; }
+    bool running() const override { return running_; }
+
+  private:
+    bool running_ = false;
+};
+
+/// While it lives the walk is driven by hand; afterwards by the screen's timers again.
+class WalkByHand {
+  public:
+    explicit WalkByHand(Acquisition& walk)
+        : walk_(walk), ticker_(walk.Timer2), on_progress_(walk.on_progress) {
+        walk_.Timer2 = &step_;
+    }
+    ~WalkByHand() {
+        walk_.Timer2 = ticker_;
+        walk_.on_progress = on_progress_;
+    }
+    WalkByHand(const WalkByHand&) = delete;
+    WalkByHand& operator=(const WalkByHand&) = delete;
+
+  private:
+    StepTicker step_;
+    Acquisition& walk_;
+    Ticker* ticker_;
+    std::function<void(int, int)> on_progress_;
+};
+
+}  // namespace
+
+PlanRun::End PlanRun::run() {
+    const WalkByHand by_hand(rules_.acquisition);
+    rules_.acquisition.on_progress = [this](int place, int monitored) {
+        show_program(place, monitored);
+    };
+    begin_ = next_pass_ = link_.clock().steady();
+    for (;;) {
+        if (!wait_for_pass()) return End::stopped;
+        ++pass_;
+        const End end = run_pass();
+        if (end != End::done || last_pass()) return end;
+    }
+}
+
+/// False when told to stop before the time of the next pass has come.
+bool PlanRun::wait_for_pass() {
+    const double now = link_.clock().steady();
+    if (order_.every > 0 && pass_ > 0) {
+        const double intervals = std::ceil((now - begin_) / order_.every);
+        const double wanted = next_pass_ + order_.every;
+        next_pass_ = std::max(wanted, begin_ + intervals * order_.every);
+        const auto missed = std::lround((next_pass_ - wanted) / order_.every);
+        if (missed > 0)
+            remark(QStringLiteral("pass %1 took longer than the interval: %2 left out")
+                       .arg(pass_)
+                       .arg(missed));
+    }
+    return order_.every > 0 ? wait(next_pass_ - now) : !stop_asked();
+}
+
+PlanRun::End PlanRun::run_pass() {
+    measured_ = false;
+    const End end = walk();
+    if (end != End::done) return end;
+    if (measured_) {
+        idle_ = false;
+        return end;
+    }
+    // A plan that has been emptied meanwhile, or a database that cannot be read just now: it may
+    // come back. Told once, and no reason to walk without a pause.
+    if (!idle_) remark(QStringLiteral("%1: pass %2 measured nothing").arg(time_text()).arg(pass_));
+    idle_ = true;
+    if (order_.every > 0 || last_pass()) return end;
+    return wait(kIdlePause) ? end : End::stopped;
+}
+
+PlanRun::End PlanRun::walk() {
+    rules_.acquisition.multiple_acq();
+    while (rules_.acquisition.Timer2->running()) {
+        const End end = next_step();
+        if (end != End::done) {
+            rules_.acquisition.stop();
+            return end;
+        }
+    }
+    return End::done;
+}
+
+PlanRun::End PlanRun::next_step() {
+    if (stop_asked()) return End::stopped;
+    Recordset& programs = *rules_.modes.rs_programs;
+    const bool at_program = !programs.end_of_set();
+    const Bookmark place = at_program ? programs.bookmark() : 0;
+    rules_.acquisition.Timer2_Timer();
+    if (link_.port_connected) {
+        pause_ = kFirstPause;
+        return End::done;
+    }
+    if (!order_.reconnect) return End::link_lost;
+    if (!find_meter()) return End::stopped;
+    // The measurement that was lost with the link is taken again; the pass goes on from there.
+    if (at_program) {
+        programs.go_to(place);
+        rules_.acquisition.Timer2->start();
+    }
+    return End::done;
+}
+
+/// Tries at intervals that grow until something has been measured again. False when told to stop
+/// before it was found.
+bool PlanRun::find_meter() {
+    const double lost = link_.clock().steady();
+    remark(QStringLiteral("%1: the link to the meter was lost, trying to connect again")
+               .arg(time_text()));
+    for (bool found = false; !found; found = connect && connect()) {
+        report(QStringLiteral("pass %1, no link, next try in %2 s").arg(pass_).arg(pause_));
+        if (!wait(pause_)) return false;
+        pause_ = std::min(2 * pause_, kLongestPause);
+    }
+    remark(QStringLiteral("%1: connected again, nothing was measured for %2 s")
+               .arg(time_text())
+               .arg(std::lround(link_.clock().steady() - lost)));
+    return true;
+}
+
+/// Waits without using the processor. False when told to stop meanwhile.
+bool PlanRun::wait(double seconds) {
+    const double end = link_.clock().steady() + seconds;
+    double next_report = link_.clock().steady();
+    for (;;) {
+        if (stop_asked()) return false;
+        const double now = link_.clock().steady();
+        if (now >= end) return true;
+        if (link_.port_connected && now >= next_report) {
+            report(QStringLiteral("pass %1 done, next in %2")
+                       .arg(pass_)
+                       .arg(time_left_text(static_cast<int>(std::ceil(end - now)))));
+            next_report = now + kProgressInterval;
+        }
+        link_.clock().sleep(std::min(kWaitSlice, end - now));
+    }
+}
+
+void PlanRun::show_program(int place, int monitored) {
+    if (monitored == 0) return;
+    measured_ = true;
+    report(QStringLiteral("pass %1, program %2/%3").arg(pass_).arg(place).arg(monitored));
+}
+
+void PlanRun::report(const QString& text) const {
+    if (on_progress) on_progress(text);
+}
+
+void PlanRun::remark(const QString& text) const {
+    if (on_remark) on_remark(text);
+}
+
+QString PlanRun::time_text() const {
+    return link_.clock().date_time().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+}
+
+}  // namespace m47

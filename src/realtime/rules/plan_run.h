@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+#include <functional>
+
+#include "realtime_rules.h"
+
+namespace m47 {
+
+/// What a run over a plan is asked for.
+struct PlanRunOrder {
+    int passes = 1;          ///< 0: until told to stop
+    int every = 0;           ///< seconds from the start of a pass to the start of the next
+    bool reconnect = false;  ///< go on after a lost link
+};
+
+/// Passes over the open plan with nobody at the screen: the walk of the screen's own plan pass, one
+/// pass after the other at fixed times. A pass that takes longer than the interval makes the next
+/// one wait for the next of those times, so that none is doubled. After a lost link the program
+/// whose measurement was lost is measured first.
+class PlanRun {
+  public:
+    enum class End { done, stopped, link_lost };
+
+    PlanRun(Link& link, RealtimeRules& rules, const PlanRunOrder& order)
+        : link_(link), rules_(rules), order_(order) {}
+
+    /// True when the run shall end; looked at between measurements and while waiting.
+    std::function<bool()> told_to_stop;
+    /// Tries once to find the meter again and to prepare it. True when it can measure.
+    std::function<bool()> connect;
+    /// Called when it is clear what the run does now; a text of one line.
+    std::function<void(const QString& text)> on_progress;
+    /// Called with what a later reader has to know: a gap begins or ends, a firing fell out.
+    std::function<void(const QString& text)> on_remark;
+
+    /// `rules` with a plan open and the meter prepared.
+    End run();
+
+  private:
+    End run_pass();
+    End walk();
+    End next_step();
+    bool find_meter();
+    bool wait(double seconds);
+    bool wait_for_pass();
+    bool stop_asked() const { return told_to_stop && told_to_stop(); }
+    bool last_pass() const { return order_.passes > 0 && pass_ >= order_.passes; }
+    void show_program(int place, int monitored);
+    void report(const QString& text) const;
+    void remark(const QString& text) const;
+    QString time_text() const;
+
+    Link& link_;
+    RealtimeRules& rules_;
+    PlanRunOrder order_;
+    static constexpr double kFirstPause = 1;
+    double pause_ = kFirstPause;  ///< seconds before the next try to find the meter again
+    int pass_ = 0;
+    bool measured_ = false;  ///< in the present pass
+    bool idle_ = false;      ///< the last pass measured nothing
+    double begin_ = 0;       ///< of the run, on the steady clock
+    double next_pass_ = 0;   ///< on the same clock
+};
+
+}  // namespace m47

@@ -1,0 +1,186 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <signal.h>
+
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QTest>
+
+#include "process_support.h"
+
+namespace m47 {
+
+/// Plans that are measured with nobody at the screen.
+class PlanTest : public QObject {
+    Q_OBJECT
+
+  private Q_SLOTS:
+    void two_passes_of_a_plan();
+    void full_tune();
+    void no_such_plan_data();
+    void no_such_plan();
+    void a_signal_ends_after_the_running_measurement();
+    void a_lost_link_ends_the_run();
+    void the_run_goes_on_when_the_meter_is_back();
+    void progress_on_a_terminal();
+};
+
+namespace {
+
+const QStringList kOpening{"ATTEN?",        "VER?",  "MEASURE",   "ATTEN 6",   "TONE22K 00",
+                           "SYMBRATEQPSK?", "UNIT?", "LOCOSC 00", "FREQ 1000", "ATTEN 6"};
+
+/// A database with the plan "ROOF" of three analog programs, the second of them not monitored.
+/// With `two_bands` the third is received through the plan's oscillator.
+void make_plan(TestStand& stand, bool two_bands = false) {
+    const Ending ending = stand.remote.run(EmptyStand::measuring({"--create-database"}));
+    QCOMPARE(ending.status, 3);
+    {
+        QSqlDatabase database = QSqlDatabase::addDatabase("QSQLITE", "plan");
+        database.setDatabaseName(stand.path("VKDM47_03.mdb"));
+        QVERIFY(database.open());
+        QSqlQuery query(database);
+        QVERIFY(query.exec("INSERT INTO gruppo (nome) VALUES ('ROOF')"));
+        QVERIFY(query.exec("INSERT INTO configurazione (nome, loc_osc1) VALUES ('ROOF', 9750)"));
+        for (int number = 1; number <= 3; ++number) {
+            query.prepare(
+                "INSERT INTO programmi (nome, pg_num, frequenza, loc_osc, loc_osc0, sat_ad, "
+                "lnb_volt, K22, diseqc_cmd, diseqc_cmd2, monitor_state, lev_min, lev_max) "
+                "VALUES ('ROOF', ?, ?, ?, 0, 0, 2, 1, 5, 73, ?, '5', '120')");
+            query.addBindValue(QStringLiteral("00%1").arg(number));
+            query.addBindValue(number == 3 && two_bands ? 10750 : 1000 + 100 * number);
+            query.addBindValue(number == 3 && two_bands ? 0 : 1);
+            query.addBindValue(number == 2 ? 0 : 1);
+            QVERIFY(query.exec());
+        }
+    }
+    QSqlDatabase::removeDatabase("plan");
+}
+
+QStringList frequencies(const QByteArray& out) {
+    QStringList all;
+    for (const QStringList& row : rows_of(out)) all += row.value(2);
+    return all;
+}
+
+}  // namespace
+
+void PlanTest::two_passes_of_a_plan() {
+    TestStand stand;
+    make_plan(stand);
+    const Ending ending =
+        stand.measure({"--plan", "roof", "--passes", "2", "--alarm", "level", "--log", "r.log"});
+    QCOMPARE(ending.status, 0);
+    QCOMPARE(ending.err, QByteArray());
+    QCOMPARE(frequencies(ending.out), QStringList({"1100.0", "1300.0", "1100.0", "1300.0"}));
+    for (const QStringList& row : rows_of(ending.out)) QCOMPARE(row.constLast(), QString("PASS"));
+    QCOMPARE(stand.content("r.log"), as_log(ending.out));
+    const QStringList pass{"MEASURE", "FREQ 1100.0", "ATTEN 6", "LEVANL?",
+                           "MEASURE", "FREQ 1300.0", "ATTEN 6", "LEVANL?"};
+    QCOMPARE(stand.meter.commands(), kOpening + pass + pass);
+}
+
+void PlanTest::full_tune() {
+    TestStand stand;
+    make_plan(stand, true);
+    const Ending ending = stand.measure({"--plan", "ROOF", "--full-tune"});
+    QCOMPARE(ending.status, 0);
+    const QStringList rest{"LNB 01", "LNVOLT 18", "TONE22K 01", "DISEQC 05", "MEASURE"};
+    const QStringList measurement{"ATTEN 6", "LEVANL?"};
+    QCOMPARE(stand.meter.commands().mid(kOpening.size()),
+             QStringList("LOCOSC 0") + rest + QStringList("FREQ 1100.0") + measurement +
+                 QStringList({"LOCOSC 1 09750", "LOCOSC 1"}) + rest + QStringList("FREQ 10750") +
+                 measurement);
+}
+
+void PlanTest::no_such_plan_data() {
+    QTest::addColumn<QString>("plan");
+    QTest::addColumn<QByteArray>("said");
+    QTest::newRow("unknown") << "nowhere" << QByteArray("there is no plan NOWHERE");
+    QTest::newRow("nothing monitored")
+        << "PLAN 1" << QByteArray("no program of the plan PLAN 1 is monitored");
+}
+
+void PlanTest::no_such_plan() {
+    QFETCH(QString, plan);
+    QFETCH(QByteArray, said);
+    TestStand stand;
+    const Ending ending = stand.measure({"--plan", plan});
+    QCOMPARE(ending.status, 4);
+    QCOMPARE(ending.err, "m47-remote: " + said + "\n");
+    QCOMPARE(stand.meter.commands(), QStringList());
+}
+
+void PlanTest::a_signal_ends_after_the_running_measurement() {
+    TestStand stand(
+        {"--fault-on", wire::kLevel, "--fault-after", "1", "--fault", "late", "--late", "1.5"});
+    make_plan(stand);
+    stand.start_measuring({"--plan", "ROOF", "--passes", "0", "--log", "r.log"});
+    QVERIFY(stand.meter.wait_for_command(wire::kLevel, 2));
+    stand.remote.send_signal(SIGTERM);
+    const Ending ending = stand.remote.wait();
+    QCOMPARE(ending.status, 0);
+    QCOMPARE(ending.err, QByteArray());
+    // The answer that was awaited when the signal came became a row.
+    QCOMPARE(frequencies(ending.out), QStringList({"1100.0", "1300.0"}));
+    QCOMPARE(stand.content("r.log"), as_log(ending.out));
+    QCOMPARE(stand.meter.commands().count(wire::kLevel), 2);
+}
+
+void PlanTest::a_lost_link_ends_the_run() {
+    TestStand stand;
+    make_plan(stand);
+    stand.start_measuring({"--plan", "ROOF", "--passes", "0"});
+    QVERIFY(stand.remote.wait_for_lines(2));
+    stand.meter.kill_now();
+    const Ending ending = stand.remote.wait();
+    QCOMPARE(ending.status, 3);
+    QCOMPARE(ending.err, QByteArray("m47-remote: the link to the meter was lost\n"));
+}
+
+void PlanTest::the_run_goes_on_when_the_meter_is_back() {
+    auto first = std::make_unique<TestStand>();
+    TestStand& stand = *first;
+    make_plan(stand);
+    stand.start_measuring({"--plan", "ROOF", "--passes", "0", "--reconnect", "--log", "r.log"});
+    QVERIFY(stand.remote.wait_for_lines(2));
+    stand.meter.kill_now();
+    QVERIFY(stand.remote.wait_for_error_lines(1));
+    QTest::qWait(1500);
+    MeterProcess again(stand.folder.path(), {"--baud-factor", "0", "--delay", "0"});
+    QVERIFY(stand.remote.wait_for_error_lines(2));
+    // The new meter has been prepared like the old one before it was measured with.
+    QVERIFY(again.wait_for_command(wire::kLevel, 3));
+    stand.remote.send_signal(SIGINT);
+    const Ending ending = stand.remote.wait();
+    QCOMPARE(ending.status, 0);
+    QCOMPARE(ending.err.count('\n'), 2);
+    QVERIFY(ending.err.contains("the link to the meter was lost, trying to connect again\n"));
+    QVERIFY(ending.err.contains("connected again, nothing was measured for "));
+    QVERIFY(again.commands().mid(0, 10) == kOpening);
+    // The programs follow each other in their order: the lost one was taken again, none was made
+    // up.
+    const QStringList rows = frequencies(ending.out);
+    for (qsizetype k = 0; k < rows.size(); ++k)
+        QCOMPARE(rows[k], k % 2 == 0 ? QString("1100.0") : QString("1300.0"));
+    QCOMPARE(stand.content("r.log"), as_log(ending.out));
+}
+
+void PlanTest::progress_on_a_terminal() {
+    TestStand stand;
+    make_plan(stand);
+    stand.remote.start_in_shell(
+        R"(exec bash -c 'script -qec "$(printf "%q " "$@") >rows" screen >/dev/null' x "$0" "$@")",
+        stand.measuring({"--plan", "ROOF", "--passes", "2", "--every", "3"}));
+    QCOMPARE(stand.remote.wait().status, 0);
+    QCOMPARE(frequencies(stand.content("rows")),
+             QStringList({"1100.0", "1300.0", "1100.0", "1300.0"}));
+    const QByteArray screen = stand.content("screen");
+    for (const char* text : {"pass 1, program 1/2", "pass 1, program 2/2",
+                             "pass 1 done, next in 0:00:0", "pass 2, program 2/2"})
+        QVERIFY2(screen.contains(text), text);
+}
+
+}  // namespace m47
+
+QTEST_GUILESS_MAIN(m47::PlanTest)
+#include "plan_test.moc"

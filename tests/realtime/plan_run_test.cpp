@@ -1,0 +1,309 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "plan_run.h"
+
+#include <QTest>
+
+#include "realtime_fixture.h"
+
+namespace m47 {
+namespace {
+
+class NoTicker : public Ticker {
+  public:
+    void start() override {}
+    void stop() override {}
+    bool running() const override { return false; }
+};
+
+}  // namespace
+
+/// Passes over a plan without anybody at the screen.
+class PlanRunTest : public QObject {
+    Q_OBJECT
+
+  private Q_SLOTS:
+    void init();
+    void cleanup() { f_.reset(); }
+
+    void one_pass();
+    void passes_back_to_back();
+    void passes_at_fixed_times();
+    void a_pass_longer_than_the_interval_leaves_firings_out();
+    void told_to_stop_between_two_measurements();
+    void told_to_stop_while_waiting();
+    void a_lost_link_ends_the_run();
+    void after_a_lost_link_the_lost_program_comes_first();
+    void tries_come_at_growing_intervals();
+    void told_to_stop_while_the_meter_is_away();
+    void a_plan_that_was_emptied_is_told_once();
+    void progress();
+    void full_tune();
+    void full_tune_leaves_out_what_is_none();
+    void without_full_tune_nothing_more_is_sent();
+    void plans_are_chosen_by_their_name();
+
+  private:
+    void add_program(int number, const QMap<QString, QVariant>& fields = {});
+    PlanRun make_run(const PlanRunOrder& order);
+    /// The frequencies on the page, without their decimals.
+    QStringList measured() const;
+    int asked(const QString& command) const { return static_cast<int>(begun_.count(command)); }
+    double now() const { return f_->clock.elapsed(); }
+
+    std::unique_ptr<RealtimeFixture> f_;
+    NoTicker ticker_;
+    QStringList begun_;      ///< the commands in the order of their arrival
+    QList<double> firings_;  ///< when the first program of the plan was tuned
+    QStringList remarks_;
+    QStringList progress_;
+    QList<double> tries_;
+};
+
+void PlanRunTest::init() {
+    f_ = std::make_unique<RealtimeFixture>();
+    f_->values["LEVANL?"] = "L 58.3";
+    begun_.clear();
+    firings_.clear();
+    remarks_.clear();
+    progress_.clear();
+    tries_.clear();
+    for (Ticker** ticker : {&f_->rules.acquisition.Timer1, &f_->rules.acquisition.Timer2,
+                            &f_->rules.acquisition.Timer3})
+        *ticker = &ticker_;
+    f_->panel().meas_statea[kLevel] = true;
+    f_->on_command = [this](const QByteArray& command) {
+        begun_ += QString::fromLatin1(command);
+        if (command == "FREQ 1000.0") firings_ += now();
+    };
+    RealtimeFixture::add_row(f_->database().gruppo(), {{"nome", "P"}});
+    RealtimeFixture::add_row(f_->database().configurazione(),
+                             {{"nome", "P"}, {"loc_osc1", 9750}, {"loc_osc2", 10600}});
+    for (int number = 0; number < 3; ++number) add_program(number);
+    QVERIFY(f_->rules.acquisition.choose_plan("p"));
+}
+
+void PlanRunTest::add_program(int number, const QMap<QString, QVariant>& fields) {
+    QMap<QString, QVariant> row{{"nome", "P"},
+                                {"pg_num", QString::number(number).rightJustified(3, u'0')},
+                                {"frequenza", 1000 + 10 * number},
+                                {"loc_osc", true},
+                                {"loc_osc0", 0},
+                                {"sat_ad", 0},
+                                {"lnb_volt", 1},
+                                {"K22", 0},
+                                {"monitor_state", 1}};
+    row.insert(fields);
+    RealtimeFixture::add_row(f_->database().programmi(), row);
+}
+
+PlanRun PlanRunTest::make_run(const PlanRunOrder& order) {
+    PlanRun run(f_->link, f_->rules, order);
+    run.on_remark = [this](const QString& text) { remarks_ += text; };
+    run.on_progress = [this](const QString& text) { progress_ += text; };
+    return run;
+}
+
+QStringList PlanRunTest::measured() const {
+    QStringList all;
+    const PageModel& page = f_->rules.page;
+    for (int row = 0; row < page.measurements(); ++row)
+        all += page.cells(row)[2].section(u'.', 0, 0);
+    return all;
+}
+
+void PlanRunTest::one_pass() {
+    QCOMPARE(make_run({}).run(), PlanRun::End::done);
+    QCOMPARE(measured(), QStringList({"1000", "1010", "1020"}));
+    QStringList expected;
+    for (const char* frequency : {"1000.0", "1010.0", "1020.0"})
+        expected += {"MEASURE", QStringLiteral("FREQ ") + frequency, "ATTEN 6", "LEVANL?"};
+    QCOMPARE(begun_, expected);
+    QVERIFY(remarks_.isEmpty());
+}
+
+void PlanRunTest::passes_back_to_back() {
+    QCOMPARE(make_run({.passes = 4}).run(), PlanRun::End::done);
+    QCOMPARE(measured().size(), 12);
+    // Nothing but the measurements takes time: far less than a minute each.
+    QVERIFY(now() < 60);
+}
+
+void PlanRunTest::passes_at_fixed_times() {
+    const double start = now();
+    QCOMPARE(make_run({.passes = 5, .every = 3600}).run(), PlanRun::End::done);
+    QCOMPARE(firings_.size(), 5);
+    for (int pass = 0; pass < 5; ++pass) {
+        const double late = firings_[pass] - start - 3600 * pass;
+        QVERIFY2(late >= 0 && late < 1, qPrintable(QString::number(late)));
+    }
+    QVERIFY(remarks_.isEmpty());
+}
+
+void PlanRunTest::a_pass_longer_than_the_interval_leaves_firings_out() {
+    f_->port.answer_delay = 2;  // 12 answers a pass: 24 s and the settling times
+    const double start = now();
+    QCOMPARE(make_run({.passes = 3, .every = 10}).run(), PlanRun::End::done);
+    QCOMPARE(measured().size(), 9);
+    QCOMPARE(firings_.size(), 3);
+    for (const double firing : firings_) {
+        // Each pass begins at a multiple of the interval; FREQ is its second command.
+        const double in_interval = std::fmod(firing - start, 10);
+        QVERIFY2(in_interval < 3, qPrintable(QString::number(in_interval)));
+    }
+    QVERIFY(firings_[1] - firings_[0] >= 29);
+    QCOMPARE(remarks_.size(), 2);
+    QVERIFY(remarks_[0].startsWith("pass 1 took longer than the interval: "));
+}
+
+void PlanRunTest::told_to_stop_between_two_measurements() {
+    PlanRun run = make_run({.passes = 0});
+    run.told_to_stop = [this] { return begun_.contains("FREQ 1010.0"); };
+    QCOMPARE(run.run(), PlanRun::End::stopped);
+    // What was being measured when the wish came is measured and kept.
+    QCOMPARE(measured(), QStringList({"1000", "1010"}));
+    QCOMPARE(begun_.constLast(), QString("LEVANL?"));
+}
+
+void PlanRunTest::told_to_stop_while_waiting() {
+    PlanRun run = make_run({.passes = 0, .every = 86400});
+    run.told_to_stop = [this] { return now() > 100; };
+    QCOMPARE(run.run(), PlanRun::End::stopped);
+    QCOMPARE(measured().size(), 3);
+    QVERIFY(now() < 101);
+}
+
+void PlanRunTest::a_lost_link_ends_the_run() {
+    f_->on_command = [this](const QByteArray& command) {
+        if (command == "FREQ 1010.0") f_->port.vanish_in(0);
+    };
+    QCOMPARE(make_run({.passes = 2}).run(), PlanRun::End::link_lost);
+    QCOMPARE(measured(), QStringList("1000"));
+}
+
+void PlanRunTest::after_a_lost_link_the_lost_program_comes_first() {
+    PlanRun run = make_run({.passes = 2, .reconnect = true});
+    bool pulled = false;
+    f_->on_command = [&](const QByteArray& command) {
+        if (command == "FREQ 1010.0" && !pulled) f_->port.vanish_in(0);
+        pulled = pulled || command == "FREQ 1010.0";
+    };
+    run.connect = [this] {
+        f_->port.open_fault = PortFault::none;
+        f_->link.port_connected = true;
+        return true;
+    };
+    QCOMPARE(run.run(), PlanRun::End::done);
+    QCOMPARE(measured(), QStringList({"1000", "1010", "1020", "1000", "1010", "1020"}));
+    QCOMPARE(remarks_.size(), 2);
+    QCOMPARE(remarks_[0].mid(19),
+             QString(": the link to the meter was lost, trying to connect again"));
+    QVERIFY2(remarks_[1].contains(": connected again, nothing was measured for 1 s"),
+             qPrintable(remarks_[1]));
+}
+
+void PlanRunTest::tries_come_at_growing_intervals() {
+    PlanRun run = make_run({.reconnect = true});
+    f_->on_command = [this](const QByteArray& command) {
+        if (command == "FREQ 1020.0" && tries_.isEmpty()) f_->port.vanish_in(0);
+    };
+    run.connect = [this] {
+        tries_ += now();
+        if (tries_.size() < 9) return false;
+        f_->port.open_fault = PortFault::none;
+        f_->link.port_connected = true;
+        return true;
+    };
+    QCOMPARE(run.run(), PlanRun::End::done);
+    QList<int> pauses;
+    for (int k = 1; k < tries_.size(); ++k)
+        pauses += static_cast<int>(std::lround(tries_[k] - tries_[k - 1]));
+    QCOMPARE(pauses, QList<int>({2, 4, 8, 16, 32, 60, 60, 60}));
+    QCOMPARE(measured(), QStringList({"1000", "1010", "1020"}));
+}
+
+void PlanRunTest::told_to_stop_while_the_meter_is_away() {
+    PlanRun run = make_run({.reconnect = true});
+    f_->on_command = [this](const QByteArray& command) {
+        if (command == "FREQ 1010.0") f_->port.vanish_in(0);
+    };
+    run.connect = [this] {
+        tries_ += now();
+        return false;
+    };
+    run.told_to_stop = [this] { return tries_.size() == 3; };
+    QCOMPARE(run.run(), PlanRun::End::stopped);
+    QCOMPARE(measured(), QStringList("1000"));
+}
+
+void PlanRunTest::a_plan_that_was_emptied_is_told_once() {
+    PlanRun run = make_run({.passes = 6});
+    f_->on_command = [this](const QByteArray& command) {
+        if (command != "FREQ 1020.0") return;
+        Recordset set = f_->database().of_plan("programmi", "P");
+        for (; !set.empty(); set.requery()) set.remove();
+    };
+    QCOMPARE(run.run(), PlanRun::End::done);
+    QCOMPARE(measured().size(), 3);
+    QCOMPARE(remarks_.size(), 1);
+    QVERIFY(remarks_[0].endsWith(": pass 2 measured nothing"));
+    // The walk over nothing pauses: it does not run in circles.
+    QVERIFY(now() >= 4);
+}
+
+void PlanRunTest::progress() {
+    QCOMPARE(make_run({.passes = 2, .every = 60}).run(), PlanRun::End::done);
+    QCOMPARE(progress_.mid(0, 3),
+             QStringList({"pass 1, program 1/3", "pass 1, program 2/3", "pass 1, program 3/3"}));
+    QVERIFY2(progress_[3].startsWith("pass 1 done, next in 0:00:"), qPrintable(progress_[3]));
+    QCOMPARE(progress_.constLast(), QString("pass 2, program 3/3"));
+    // One text a second while it waits.
+    QVERIFY(progress_.size() > 50 && progress_.size() < 70);
+}
+
+void PlanRunTest::full_tune() {
+    Recordset& set = *f_->rules.modes.rs_programs;
+    set.move_first();
+    RealtimeFixture::change_row(set, {{"loc_osc", false},
+                                      {"loc_osc0", 1},
+                                      {"frequenza", 11778},
+                                      {"lnb_volt", 2},
+                                      {"K22", 1},
+                                      {"diseqc_cmd", 37},
+                                      {"diseqc_cmd2", 3}});
+    f_->panel().cmdfulltune = true;
+    f_->values["FREQ?"] = "11778";
+    QCOMPARE(make_run({}).run(), PlanRun::End::done);
+    QCOMPARE(begun_.mid(0, 12), QStringList({"LOCOSC 2 10600", "LOCOSC 2", "LNB 01", "LNVOLT 18",
+                                             "TONE22K 01", "DISEQC 37", "DISEQC 03", "MEASURE",
+                                             "FREQ 11778", "ATTEN 6", "LEVANL?", "LOCOSC 0"}));
+}
+
+void PlanRunTest::full_tune_leaves_out_what_is_none() {
+    Recordset& set = *f_->rules.modes.rs_programs;
+    set.move_first();
+    RealtimeFixture::change_row(set, {{"lnb_volt", 0}, {"diseqc_cmd", 73}});
+    f_->panel().cmdfulltune = true;
+    QCOMPARE(make_run({}).run(), PlanRun::End::done);
+    QCOMPARE(begun_.mid(0, 11),
+             QStringList({"LOCOSC 0", "LNB 00", "TONE22K 00", "MEASURE", "FREQ 1000.0", "ATTEN 6",
+                          "LEVANL?", "LOCOSC 0", "LNB 01", "LNVOLT 13", "TONE22K 00"}));
+    QCOMPARE(begun_.filter("DISEQC"), QStringList());
+}
+
+void PlanRunTest::without_full_tune_nothing_more_is_sent() {
+    QCOMPARE(make_run({}).run(), PlanRun::End::done);
+    QCOMPARE(begun_.filter("LOCOSC") + begun_.filter("LNB") + begun_.filter("TONE"), QStringList());
+}
+
+void PlanRunTest::plans_are_chosen_by_their_name() {
+    QVERIFY(!f_->rules.acquisition.choose_plan("Q"));
+    QVERIFY(f_->rules.acquisition.choose_plan(" p "));
+    QCOMPARE(f_->panel().grp_name, QString("P"));
+    QCOMPARE(f_->rules.acquisition.monitored_programs(), 3);
+    QCOMPARE(f_->port.opens, 0);
+}
+
+}  // namespace m47
+
+QTEST_APPLESS_MAIN(m47::PlanRunTest)
+#include "plan_run_test.moc"
