@@ -99,9 +99,9 @@ void Modes::digitalmode() {
 }
 
 void Modes::configurazione_prmt() {
-    starteast_s_Click();
+    diseqc_.starteast_s_Click();
     panel_.repaint();
-    startwest_s_Click();
+    diseqc_.startwest_s_Click();
     panel_.repaint();
     link_.send(command::kToneOff);
     panel_.k22_state = kTone22kOff;

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "database.h"
+#include "diseqc.h"
 #include "link.h"
 #include "program_state.h"
 #include "realtime_panel.h"
@@ -16,13 +17,14 @@ namespace m47 {
 class Modes {
   public:
     Modes(Link& link, ProgramState& program, Database& database, RealtimePanel& panel,
-          RealtimeState& state, Tuning& tuning)
+          RealtimeState& state, Tuning& tuning, Diseqc& diseqc)
         : link_(link),
           program_(program),
           database_(database),
           panel_(panel),
           state_(state),
-          tuning_(tuning) {}
+          tuning_(tuning),
+          diseqc_(diseqc) {}
 
     /// The record sets of the plan in `grp_name`; none before crea_records_realtime.
     std::optional<Recordset> rs_programs;
@@ -52,10 +54,6 @@ class Modes {
     /// Loads the seconds of the chosen delay into `ticks_left`; without a choice they stay.
     void time_delay_Click();
 
-    // Which box of a direction the motor commands use: "_s" or "_t".
-    void starteast_s_Click() { state_.east_limit_set = false; }
-    void startwest_s_Click() { state_.west_limit_set = false; }
-
   private:
     void recall_tuning();
     void recall_limits();
@@ -67,6 +65,7 @@ class Modes {
     RealtimePanel& panel_;
     RealtimeState& state_;
     Tuning& tuning_;
+    Diseqc& diseqc_;
 };
 
 }  // namespace m47

@@ -31,6 +31,18 @@ struct RealtimePanel {
     int lnb_supply = 0;
     int atten_list = 6;
 
+    // DiSEqC: positions and amounts of two digits; of each pair the box in red is in use
+    QString storesat = QStringLiteral("01");
+    QString recallsat = QStringLiteral("01");
+    QString starteast_s = QStringLiteral("01");
+    QString starteast_t = QStringLiteral("01");
+    QString startwest_s = QStringLiteral("01");
+    QString startwest_t = QStringLiteral("01");
+    LampColour starteast_s_colour = LampColour::red;
+    LampColour starteast_t_colour = LampColour::green;
+    LampColour startwest_s_colour = LampColour::red;
+    LampColour startwest_t_colour = LampColour::green;
+
     // Measures and alarms
     std::array<bool, 8> meas_stated{};
     std::array<bool, 3> meas_statea{};
@@ -101,8 +113,8 @@ struct RealtimeState {
     int acq_kind = kSingleElement;
     int ticks_left = 1;  ///< seconds before the next timed firing
     bool plan_run_active = false;
-    bool east_limit_set = false;
-    bool west_limit_set = false;
+    bool east_limit_set = false;  ///< the motor drives east by `starteast_t`, not `starteast_s`
+    bool west_limit_set = false;  ///< the same for the west
 };
 
 inline constexpr int kAnalogMode = 2;

@@ -5,8 +5,9 @@ namespace m47 {
 
 RealtimeRules::RealtimeRules(Link& link, ProgramState& program, Database& database)
     : tuning(link, panel, state),
+      diseqc(link, panel, state),
       steps(link, program, panel, state, tuning),
-      modes(link, program, database, panel, state, tuning),
+      modes(link, program, database, panel, state, tuning, diseqc),
       cycle(link, panel, state, tuning, steps, page, log),
       acquisition(link, database, panel, state, modes, cycle) {
     panel.cmdlev = program.unit_index;

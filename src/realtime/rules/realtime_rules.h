@@ -2,6 +2,7 @@
 #pragma once
 
 #include "acquisition.h"
+#include "diseqc.h"
 #include "measure_cycle.h"
 #include "measure_steps.h"
 #include "measurement_log.h"
@@ -25,6 +26,7 @@ class RealtimeRules {
     PageModel page;
     MeasurementLog log;
     Tuning tuning;
+    Diseqc diseqc;
     MeasureSteps steps;
     Modes modes;
     MeasureCycle cycle;

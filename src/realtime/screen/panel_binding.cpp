@@ -35,6 +35,7 @@ Control* PanelBinding::control(const char* name) const {
 PanelBinding::PanelBinding(QMainWindow* screen, RealtimePanel& panel)
     : screen_(screen), panel_(panel) {
     bind_tuning();
+    bind_diseqc();
     bind_measures();
     bind_frames();
     bind_keys();
@@ -122,6 +123,32 @@ void PanelBinding::bind_tuning() {
     shows_.emplace_back([this, start] { start->setText(panel_.cmdstart); });
     bind_text("grp_name", panel_.grp_name);
     bind_result("prog_num", panel_.prog_num);
+}
+
+void PanelBinding::bind_diseqc() {
+    bind_text("storesat", panel_.storesat);
+    bind_text("recallsat", panel_.recallsat);
+    bind_text("starteast_s", panel_.starteast_s);
+    bind_text("starteast_t", panel_.starteast_t);
+    bind_text("startwest_s", panel_.startwest_s);
+    bind_text("startwest_t", panel_.startwest_t);
+    bind_box_colour("starteast_s", panel_.starteast_s_colour);
+    bind_box_colour("starteast_t", panel_.starteast_t_colour);
+    bind_box_colour("startwest_s", panel_.startwest_s_colour);
+    bind_box_colour("startwest_t", panel_.startwest_t_colour);
+}
+
+void PanelBinding::bind_box_colour(const char* name, const LampColour& colour) {
+    auto* box = control<QLineEdit>(name);
+    shows_.emplace_back([box, &colour] {
+        const QColor wanted = lamp_colour(colour);
+        QPalette colours = box->palette();
+        if (colours.color(QPalette::Base) == wanted) return;
+        colours.setColor(QPalette::Base, wanted);
+        // Black can be read on both colours, whatever the palette of the desktop.
+        colours.setColor(QPalette::Text, Qt::black);
+        box->setPalette(colours);
+    });
 }
 
 void PanelBinding::bind_measures() {

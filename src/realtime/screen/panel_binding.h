@@ -34,6 +34,8 @@ class PanelBinding {
     void bind_buttons(const char* name, Flags& flags);
     void bind_lamps();
     void bind_tuning();
+    void bind_diseqc();
+    void bind_box_colour(const char* name, const LampColour& colour);
     void bind_measures();
     void bind_frames();
     void bind_keys();

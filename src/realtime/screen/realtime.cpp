@@ -6,20 +6,20 @@
 #include <QScrollBar>
 
 #include "commands.h"
+#include "diseqc_folding.h"
 #include "handler.h"
 #include "icons.h"
 #include "key_filter.h"
 #include "realtime_tooltips.h"
 #include "text_printer.h"
+#include "twips.h"
 #include "ui_realtime.h"
 
 namespace m47 {
 namespace {
 
-// A column was 750 twips wide, 15 twips to the pixel at 96 dots per inch; it grows with the font so
-// that a date still fits at 200 %.
+// A column was 750 twips wide; it grows with the font so that a date still fits at 200 %.
 constexpr int kColumnTwips = 750;
-constexpr int kTwipsPerPixel = 15;
 
 }  // namespace
 
@@ -37,6 +37,7 @@ Realtime::Realtime(Link& link, ProgramState& program, Database& database, QWidge
     setContextMenuPolicy(Qt::NoContextMenu);
     set_icons();
     connect_tuning();
+    connect_diseqc();
     connect_lists();
     connect_limits();
     connect_menu();
@@ -59,6 +60,8 @@ void Realtime::handle(const char* name, Body body) {
 
 void Realtime::Form_Load() {
     set_tooltips(this, realtime_tooltips(), program_.texts);
+    ui_->diseqc->set_captions(program_.texts);
+    ui_->diseqc->add_diseqc_command();
     handle("Form_Load", [this] { rules.modes.Form_Load(); });
     set_tooltip(ui_->save, QString::fromLatin1(kOpenFileTooltip));
     file_name_tooltip_ = ui_->file_name->toolTip();
@@ -95,6 +98,19 @@ void Realtime::connect_tuning() {
         connect(locopt[k], &QRadioButton::clicked, this, [this, k] {
             handle("locopt_Click", [this, k] { rules.tuning.locopt_Click(static_cast<int>(k)); });
         });
+}
+
+void Realtime::connect_diseqc() {
+    ui_->diseqc->connect_to(
+        rules.diseqc,
+        [this](const char* name, const std::function<void()>& body) { handle(name, body); });
+    new DiseqcFolding(ui_->sat_opt, ui_->diseqc);
+    QWidget* previous = ui_->k22_state;
+    for (QWidget* control : ui_->diseqc->findChildren<QWidget*>()) {
+        if (!(control->focusPolicy() & Qt::TabFocus)) continue;
+        setTabOrder(previous, control);
+        previous = control;
+    }
 }
 
 void Realtime::connect_lists() {
@@ -195,7 +211,7 @@ void Realtime::prepare_page() {
     ui_->measgrid->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     ui_->measgrid->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 4);
     const int fitting = fontMetrics().horizontalAdvance(QStringLiteral("00/00/00")) + 12;
-    const int width = qMax(kColumnTwips / kTwipsPerPixel, fitting);
+    const int width = qMax(pixels_of(kColumnTwips), fitting);
     for (int column = 0; column < rules.page.columnCount(); ++column)
         ui_->measgrid->setColumnWidth(column, width);
     connect(&rules.page, &PageModel::rowsInserted, this, &Realtime::follow_page);

@@ -48,6 +48,7 @@ class Realtime : public QMainWindow {
     void handle(const char* name, Body body);
     void set_icons();
     void connect_tuning();
+    void connect_diseqc();
     void connect_lists();
     void connect_menu();
     void connect_toolbar();

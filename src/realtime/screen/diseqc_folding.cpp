@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "diseqc_folding.h"
+
+#include <QApplication>
+#include <QLayout>
+#include <QMouseEvent>
+
+namespace m47 {
+namespace {
+
+/// `rectangle` moved as little as needed to lie inside `room`; its top left corner always does.
+QRect kept_inside(QRect rectangle, const QRect& room) {
+    rectangle.moveRight(qMin(rectangle.right(), room.right()));
+    rectangle.moveBottom(qMin(rectangle.bottom(), room.bottom()));
+    rectangle.moveLeft(qMax(rectangle.left(), room.left()));
+    rectangle.moveTop(qMax(rectangle.top(), room.top()));
+    return rectangle;
+}
+
+}  // namespace
+
+DiseqcFolding::DiseqcFolding(QWidget* sat_opt, DiseqcPanel* diseqc)
+    : QObject(sat_opt),
+      sat_opt_(sat_opt),
+      diseqc_(diseqc),
+      place_(new QWidget(sat_opt->parentWidget())) {
+    delete sat_opt->parentWidget()->layout()->replaceWidget(sat_opt, place_);
+    // It lies over other controls when it is open.
+    sat_opt->setAutoFillBackground(true);
+    watch(place_);
+    watch(sat_opt->parentWidget());
+    watch(sat_opt);
+    for (QWidget* widget : sat_opt->findChildren<QWidget*>()) watch(widget);
+    connect(diseqc, &DiseqcPanel::dsqopt_Click, this, [this] { diseqc_MouseMove(); });
+    connect(qApp, &QApplication::focusChanged, this,
+            [this](const QWidget*, const QWidget* now) { focus_changed(now); });
+    settle();
+}
+
+void DiseqcFolding::watch(QWidget* widget) {
+    widget->installEventFilter(this);
+    if (belongs_to(sat_opt_, widget)) widget->setMouseTracking(true);
+}
+
+bool DiseqcFolding::eventFilter(QObject* watched, QEvent* event) {
+    auto* widget = static_cast<QWidget*>(watched);
+    const QEvent::Type type = event->type();
+    if (!belongs_to(sat_opt_, widget)) {
+        if (type == QEvent::Move || type == QEvent::Resize) settle();
+    } else if (type == QEvent::MouseMove) {
+        // With a button held the pointer selects text or drags, wherever it goes.
+        const auto* mouse = static_cast<QMouseEvent*>(event);
+        if (mouse->buttons() == Qt::NoButton) pointer_at(widget->mapTo(sat_opt_, mouse->pos()));
+    } else if (watched == sat_opt_) {
+        watch_frame(type);
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+void DiseqcFolding::watch_frame(QEvent::Type type) {
+    switch (type) {
+        case QEvent::Leave:
+            sat_opt_MouseMove();
+            break;
+        case QEvent::EnabledChange:
+            if (!sat_opt_->isEnabled()) show_state(DiseqcState::folded);
+            break;
+        case QEvent::Show:
+        case QEvent::FontChange:
+        case QEvent::StyleChange:
+            settle();
+            break;
+        default:
+            break;
+    }
+}
+
+void DiseqcFolding::pointer_at(const QPoint& position) {
+    if (!sat_opt_->isEnabled()) return;
+    if (diseqc_->geometry().contains(position))
+        diseqc_MouseMove();
+    else
+        sat_opt_MouseMove();
+}
+
+void DiseqcFolding::diseqc_MouseMove() {
+    show_state(diseqc_->opened());
+}
+
+void DiseqcFolding::sat_opt_MouseMove() {
+    if (!diseqc_->busy()) show_state(DiseqcState::folded);
+}
+
+void DiseqcFolding::focus_changed(const QWidget* now) {
+    // Without any focus another program is in front: what was open is there on coming back.
+    if (!now || folding_) return;
+    const bool was_inside = focus_inside_;
+    focus_inside_ = belongs_to(diseqc_, now);
+    if (focus_inside_)
+        show_state(diseqc_->opened());
+    else if (was_inside)
+        show_state(DiseqcState::folded);
+}
+
+void DiseqcFolding::show_state(DiseqcState state) {
+    if (state == state_) return;
+    state_ = state;
+    if (state == DiseqcState::folded) {
+        folding_ = true;
+        diseqc_->keep_focus();
+        folding_ = false;
+    }
+    settle();
+}
+
+void DiseqcFolding::settle() {
+    const DiseqcLayout layout = diseqc_layout(state_);
+    diseqc_->show_layout(layout);
+    const QSize size = layout.sat_opt.expandedTo(sat_opt_->minimumSizeHint());
+    if (state_ == DiseqcState::folded) {
+        place_->setFixedSize(size);
+        sat_opt_->setGeometry(QRect(place_->pos(), size));
+    } else {
+        const QRect room = sat_opt_->parentWidget()->rect();
+        sat_opt_->setGeometry(kept_inside(QRect(place_->pos(), size), room));
+        sat_opt_->raise();
+    }
+}
+
+}  // namespace m47
