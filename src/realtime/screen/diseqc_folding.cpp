@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QLayout>
 #include <QMouseEvent>
+#include <QTimer>
 
 namespace m47 {
 namespace {
@@ -25,6 +26,7 @@ DiseqcFolding::DiseqcFolding(QWidget* sat_opt, DiseqcPanel* diseqc)
       diseqc_(diseqc),
       place_(new QWidget(sat_opt->parentWidget())) {
     delete sat_opt->parentWidget()->layout()->replaceWidget(sat_opt, place_);
+    place_->lower();
     // It lies over other controls when it is open.
     sat_opt->setAutoFillBackground(true);
     watch(place_);
@@ -51,6 +53,9 @@ bool DiseqcFolding::eventFilter(QObject* watched, QEvent* event) {
         // With a button held the pointer selects text or drags, wherever it goes.
         const auto* mouse = static_cast<QMouseEvent*>(event);
         if (mouse->buttons() == Qt::NoButton) pointer_at(widget->mapTo(sat_opt_, mouse->pos()));
+    } else if (watched == diseqc_ && type == QEvent::Enter) {
+        // A pointer that stops where it came into the window sends no movement.
+        if (sat_opt_->isEnabled()) diseqc_MouseMove();
     } else if (watched == sat_opt_) {
         watch_frame(type);
     }
@@ -60,7 +65,10 @@ bool DiseqcFolding::eventFilter(QObject* watched, QEvent* event) {
 void DiseqcFolding::watch_frame(QEvent::Type type) {
     switch (type) {
         case QEvent::Leave:
-            sat_opt_MouseMove();
+            // A list that opens takes the pointer away too; that it is open shows after this.
+            QTimer::singleShot(0, this, [this] {
+                if (!sat_opt_->underMouse()) sat_opt_MouseMove();
+            });
             break;
         case QEvent::EnabledChange:
             if (!sat_opt_->isEnabled()) show_state(DiseqcState::folded);
@@ -116,6 +124,8 @@ void DiseqcFolding::show_state(DiseqcState state) {
 void DiseqcFolding::settle() {
     const DiseqcLayout layout = diseqc_layout(state_);
     diseqc_->show_layout(layout);
+    // The layout of the frame learns of the new size of the panel in it only when it is activated.
+    sat_opt_->layout()->activate();
     const QSize size = layout.sat_opt.expandedTo(sat_opt_->minimumSizeHint());
     if (state_ == DiseqcState::folded) {
         place_->setFixedSize(size);

@@ -126,6 +126,7 @@ void DiseqcPanel::set_captions(const Texts& texts) {
 void DiseqcPanel::show_layout(const DiseqcLayout& layout) {
     ui_->dsq11opt->setVisible(layout.dsq11opt);
     ui_->dsq12opt->setVisible(layout.dsq12opt);
+    this->layout()->activate();
     // Not minimumSizeHint(), which adds more to the title than the frame draws around it.
     const QSize title(fontMetrics().horizontalAdvance(this->title()) + kTitleFrame, 0);
     setFixedSize(layout.diseqc.expandedTo(title).expandedTo(this->layout()->totalMinimumSize()));
