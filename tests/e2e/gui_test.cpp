@@ -15,6 +15,7 @@
 #include <QTableView>
 #include <QTest>
 #include <QTimer>
+#include <csignal>
 
 #include "process_support.h"
 #include "program.h"
@@ -243,6 +244,65 @@ class GuiTest : public QObject {
         QCOMPARE(new_commands(), QStringList({"UNIT 02", "UNIT 02"}));
         QVERIFY(find<QAction>("cmdlev_2", screen)->isChecked());
         QCOMPARE(state_.unit_index, int(kDbm));
+    }
+
+    /// What the meter says of itself now, one subject a line.
+    QString meter_state(const QString& file) {
+        QFile::remove(file);
+        meter_->send_signal(SIGUSR1);
+        if (!QTest::qWaitFor([&] { return QFile::exists(file); })) return {};
+        return QString::fromLatin1(content_of(file));
+    }
+
+    void dish_and_switches_obey_the_screen() {
+        const QTemporaryDir states;
+        const QString file = states.filePath(QStringLiteral("state"));
+        start({QStringLiteral("--state"), file});
+        pick_port(3);
+        Realtime* screen = open_realtime();
+        new_commands();
+        const auto click = [&](const char* name) {
+            QTest::mouseClick(find<QWidget>(name, screen), Qt::LeftButton);
+        };
+        QTest::mouseMove(find<QWidget>("diseqc", screen));
+        auto* list = find<QComboBox>("diseqc_cmd", screen);
+        QVERIFY(list->isVisible());
+        for (const int entry : {3, 73}) {
+            list->showPopup();
+            list->view()->setCurrentIndex(list->model()->index(entry, 0));
+            QTest::keyClick(list->view(), Qt::Key_Return);
+        }
+        QCOMPARE(new_commands(), QStringList({"DISEQC 03", "DISEQC 73"}));
+        click("dsqopt_1");
+        QCOMPARE(find<QWidget>("diseqc", screen)->size(), QSize(245, 277));
+        find<QLineEdit>("starteast_s", screen)->setText(QStringLiteral("12"));
+        click("dsqmtr_8");
+        find<QLineEdit>("storesat", screen)->setText(QStringLiteral("5"));
+        click("dsqmtr_6");
+        type("startwest_t", screen, QStringLiteral("3"));
+        click("startwest_t");
+        click("dsqmtr_9");
+        const QStringList driven{"DISEQCMOT 08 12 01", "DISEQCMOT 0605", "DISEQCMOT 09 03 00"};
+        QCOMPARE(new_commands(), driven);
+        // 12 steps east, then 3 s west of 10 steps each.
+        QVERIFY2(meter_state(file).contains(QStringLiteral(
+                     "motor position -18 stopped east-limit 700 west-limit -700 stored[5]=12\n")),
+                 qPrintable(meter_state(file)));
+        type("recallsat", screen, QStringLiteral("5"));
+        for (int item = 0; item < 12; ++item)
+            click(qPrintable(QStringLiteral("dsqmtr_%1").arg(item)));
+        const QStringList sent{"DISEQCMOT 00",       "DISEQCMOT 01",   "DISEQCMOT 02",
+                               "DISEQCMOT 03",       "DISEQCMOT 04",   "DISEQCMOT 05",
+                               "DISEQCMOT 0605",     "DISEQCMOT 0705", "DISEQCMOT 08 12 01",
+                               "DISEQCMOT 09 03 00", "DISEQCMOT 10",   "DISEQCMOT 11"};
+        QCOMPARE(new_commands(), sent);
+        // The meter understood every one of them.
+        for (const QString& command : QStringList{"DISEQC 03", "DISEQC 73"} + driven + sent)
+            for (const QByteArray& answer : meter_->answers_to(command))
+                QCOMPARE(answer, command.toLatin1() + "\rOK\r");
+        QVERIFY(meter_state(file).contains(
+            QStringLiteral("motor position 0 stopped east-limit 700 west-limit -700\n")));
+        QVERIFY(meter_state(file).contains(QStringLiteral("diseqc-sent 2\n")));
     }
 
     void the_unit_of_the_meter_is_taken_over() {
