@@ -11,15 +11,15 @@ namespace {
 constexpr double kLevelMinimum = 20;  // dBuV
 constexpr double kLevelMaximum = 120;
 
-struct Row {
-    bool enabled;
-    double minimum;
-    double maximum;
-};
+bool any(const auto& boxes) {
+    return std::ranges::find(boxes, true) != boxes.end();
+}
 
-Row row_of(AlarmRow row, const RealtimePanel& panel) {
+}  // namespace
+
+AlarmLimits limits_of(AlarmRow row, const RealtimePanel& panel) {
     const auto limits = [](bool enabled, const QString& minimum, const QString& maximum) {
-        return Row{enabled, typed_value(minimum), typed_value(maximum)};
+        return AlarmLimits{enabled, typed_value(minimum), typed_value(maximum)};
     };
     switch (row) {
         case AlarmRow::dcp_level:
@@ -38,14 +38,8 @@ Row row_of(AlarmRow row, const RealtimePanel& panel) {
     return limits(panel.alarm_statea[1], panel.cn_mina, panel.cn_maxa);
 }
 
-bool any(const auto& boxes) {
-    return std::ranges::find(boxes, true) != boxes.end();
-}
-
-}  // namespace
-
 void check_limits(AlarmRow row, double value, RealtimePanel& panel, RealtimeState& state) {
-    const Row limits = row_of(row, panel);
+    const AlarmLimits limits = limits_of(row, panel);
     if (!limits.enabled) return;
     const bool failed = value <= limits.minimum || value >= limits.maximum;
     if (failed) state.alarm_raised = true;

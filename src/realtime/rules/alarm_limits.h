@@ -8,6 +8,15 @@ namespace m47 {
 /// The values that have limits; the index is that of the lamp in `alarm_light`.
 enum class AlarmRow { dcp_level, cn_digital, chber, mer, level_analog, cn_analog };
 
+/// What the user has set for one value: it is within its limits above `minimum` and below
+/// `maximum`, and is looked at only while `enabled`.
+struct AlarmLimits {
+    bool enabled;
+    double minimum;
+    double maximum;
+};
+AlarmLimits limits_of(AlarmRow row, const RealtimePanel& panel);
+
 /// Compares `value` with the limits of `row`, lights its lamp and raises `alarm_raised` on failure.
 /// A value equal to a limit fails. A row whose alarm is not ticked is left alone.
 void check_limits(AlarmRow row, double value, RealtimePanel& panel, RealtimeState& state);

@@ -21,6 +21,9 @@ namespace {
 // A column was 750 twips wide; it grows with the font so that a date still fits at 200 %.
 constexpr int kColumnTwips = 750;
 
+constexpr Bilingual kPageTab{"Measurement page", "Pagina misure"};
+constexpr Bilingual kTrendTab{"Trend", "Andamento"};
+
 }  // namespace
 
 Realtime::Realtime(Link& link, ProgramState& program, Database& database, QWidget* parent)
@@ -56,6 +59,7 @@ template <class Body>
 void Realtime::handle(const char* name, Body body) {
     run_handler(this, name, body);
     binding_->show();
+    ui_->trend->limits_changed();
 }
 
 void Realtime::Form_Load() {
@@ -64,6 +68,7 @@ void Realtime::Form_Load() {
     ui_->diseqc->add_diseqc_command();
     handle("Form_Load", [this] { rules.modes.Form_Load(); });
     set_tooltip(ui_->save, QString::fromLatin1(kOpenFileTooltip));
+    show_tab_captions();
     file_name_tooltip_ = ui_->file_name->toolTip();
 }
 
@@ -141,6 +146,14 @@ void Realtime::connect_limits() {
     for (const LimitKeys& limit : kLimitKeys)
         new KeyFilter(findChild<QLineEdit*>(QString::fromLatin1(limit.box)),
                       QString::fromLatin1(limit.accepted));
+    for (const LimitKeys& limit : kLimitKeys)
+        connect(findChild<QLineEdit*>(QString::fromLatin1(limit.box)), &QLineEdit::textChanged,
+                ui_->trend, &TrendView::limits_changed);
+    for (const char* alarms : {"alarm_stated", "alarm_statea"}) {
+        const ControlArray<QCheckBox> boxes(this, QString::fromLatin1(alarms));
+        for (std::size_t k = 0; k < boxes.size(); ++k)
+            connect(boxes[k], &QCheckBox::toggled, ui_->trend, &TrendView::limits_changed);
+    }
 }
 
 void Realtime::connect_menu() {
@@ -215,6 +228,15 @@ void Realtime::prepare_page() {
     for (int column = 0; column < rules.page.columnCount(); ++column)
         ui_->measgrid->setColumnWidth(column, width);
     connect(&rules.page, &PageModel::rowsInserted, this, &Realtime::follow_page);
+    ui_->trend->set_page(&rules.page, [this](Quantity quantity) {
+        return trend_limits(quantity, rules.panel, rules.state);
+    });
+}
+
+void Realtime::show_tab_captions() {
+    ui_->page_tabs->setTabText(0, program_.texts.pick(kPageTab));
+    ui_->page_tabs->setTabText(1, program_.texts.pick(kTrendTab));
+    ui_->trend->set_texts(program_.texts);
 }
 
 void Realtime::follow_page() {

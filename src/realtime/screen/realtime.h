@@ -56,6 +56,7 @@ class Realtime : public QMainWindow {
     void connect_timers();
     void fill_keys();
     void prepare_page();
+    void show_tab_captions();
     void datamenagment();
     QString ask_log_name();
     void show_log_name();

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "page_store.h"
+#include "trend_series.h"
+
+namespace m47 {
+
+/// A stretch of an axis, `lower` not above `upper`: seconds as row_time gives them, or a quantity.
+struct TrendRange {
+    double lower = 0;
+    double upper = 0;
+
+    double span() const { return upper - lower; }
+};
+
+/// The rows of the page as one series a program. What a row holds of its program is the frequency
+/// and the oscillator: programs that share both (the other polarisation) share a series.
+class TrendData {
+  public:
+    /// Takes the rows that `page` has gained since the last call; O(1) a row. Rows without a date
+    /// and time, or without a frequency, have no place on the trend and are left out.
+    void update(const PageStore& page);
+
+    /// Forgets everything: the page begins anew.
+    void clear() { *this = TrendData(); }
+
+    bool empty() const { return series_.empty(); }
+
+    /// The programs in the order in which they first came.
+    const std::vector<std::unique_ptr<TrendSeries>>& series() const { return series_; }
+
+    /// From the earliest to the latest row; only when not empty().
+    TrendRange time() const { return time_; }
+
+    /// The time of the row that came last, which a clock that was set back makes not the latest.
+    double newest() const { return newest_; }
+
+  private:
+    void take(std::string_view line);
+    std::optional<double> time_of(std::string_view date, std::string_view time);
+    std::size_t series_of(std::string_view key);
+    bool left_out(std::size_t series);
+
+    int rows_taken_ = 0;
+    std::vector<std::unique_ptr<TrendSeries>> series_;
+    std::unordered_map<std::string_view, std::size_t> places_;
+    std::vector<std::size_t> last_rows_;  ///< of each series: the number of its latest row, from 1
+    std::size_t rows_ = 0;
+    std::size_t repeated_since_ = 0;
+    std::size_t latest_series_ = 0;
+    TrendRange time_;
+    double newest_ = 0;
+};
+
+}  // namespace m47

@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "trend_limits.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace m47 {
+namespace {
+
+constexpr double kRoom = 0.08;      // of the axis, on either side
+constexpr double kMostPressed = 6;  // times as long as the values alone need
+
+/// How an axis is measured out: in dB, or in decades of the bit error rate.
+struct Scale {
+    bool decades;
+    double least_span;
+    TrendRange nothing_in_sight;
+
+    double from(double value) const {
+        return decades ? std::log10(std::max(value, kLeastBer)) : value;
+    }
+    double to(double place) const { return decades ? std::pow(10.0, place) : place; }
+};
+
+Scale scale_of(Quantity quantity) {
+    switch (quantity) {
+        case Quantity::ber:
+            return {true, 2, {-9, -1}};
+        case Quantity::mer:
+            return {false, 5, {0, 30}};
+        case Quantity::level:
+            break;
+    }
+    return {false, 10, {20, 120}};
+}
+
+TrendRange at_least(TrendRange range, double span) {
+    const double missing = std::max(0.0, span - range.span()) / 2;
+    return {range.lower - missing, range.upper + missing};
+}
+
+TrendRange with_limits(TrendRange range, const TrendRange& limits) {
+    const double longest = kMostPressed * range.span();
+    const TrendRange alone = range;
+    for (const double limit : {limits.lower, limits.upper}) {
+        if (alone.upper - limit > longest || limit - alone.lower > longest) continue;
+        range.lower = std::min(range.lower, limit);
+        range.upper = std::max(range.upper, limit);
+    }
+    return range;
+}
+
+}  // namespace
+
+std::optional<TrendRange> trend_limits(Quantity quantity, const RealtimePanel& panel,
+                                       const RealtimeState& state) {
+    const bool digital = state.meas_mode == kDigitalMode;
+    AlarmRow row = digital ? AlarmRow::dcp_level : AlarmRow::level_analog;
+    if (quantity == Quantity::ber) row = AlarmRow::chber;
+    if (quantity == Quantity::mer) row = AlarmRow::mer;
+    const AlarmLimits limits = limits_of(row, panel);
+    if (!limits.enabled) return {};
+    return TrendRange{limits.minimum, limits.maximum};
+}
+
+TrendRange value_axis(Quantity quantity, const std::optional<TrendRange>& values,
+                      const std::optional<TrendRange>& limits) {
+    const Scale scale = scale_of(quantity);
+    TrendRange range = scale.nothing_in_sight;
+    if (values)
+        range = at_least({scale.from(values->lower), scale.from(values->upper)}, scale.least_span);
+    if (limits) range = with_limits(range, {scale.from(limits->lower), scale.from(limits->upper)});
+    const double room = kRoom * range.span();
+    return {scale.to(range.lower - room), scale.to(range.upper + room)};
+}
+
+}  // namespace m47

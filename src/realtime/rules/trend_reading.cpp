@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "trend_reading.h"
+
+#include <algorithm>
+#include <charconv>
+#include <chrono>
+#include <cstdio>
+
+namespace m47 {
+namespace {
+
+constexpr int kCentury = 2000;
+
+bool digit_at(std::string_view text, std::size_t place) {
+    return place < text.size() && text[place] >= '0' && text[place] <= '9';
+}
+
+void skip_blanks(std::string_view& text) {
+    text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
+}
+
+RangeMark take_mark(std::string_view& text) {
+    if (text.empty() || (text[0] != '<' && text[0] != '>')) return RangeMark::none;
+    const RangeMark mark = text[0] == '<' ? RangeMark::below : RangeMark::above;
+    text.remove_prefix(1);
+    return mark;
+}
+
+/// The number that `text` begins with, as the limits read it; nothing where it begins with none.
+std::optional<double> leading_value(std::string_view text) {
+    if (text.starts_with('+')) text.remove_prefix(1);
+    const std::size_t sign = text.starts_with('-') ? 1 : 0;
+    const std::size_t point = text.substr(sign).starts_with('.') ? 1 : 0;
+    // Words such as "inf" are numbers to the library, not to the meter.
+    if (!digit_at(text, sign + point)) return {};
+    double value = 0;
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (result.ec != std::errc()) return {};
+    return value;
+}
+
+/// Three numbers of one to four digits with one other character between each two.
+std::optional<std::array<int, 3>> three_numbers(std::string_view text) {
+    std::array<int, 3> numbers{};
+    for (std::size_t k = 0; k < numbers.size(); ++k) {
+        if (k > 0) {
+            if (text.empty()) return {};
+            text.remove_prefix(1);
+        }
+        std::size_t digits = 0;
+        for (; digits < 4 && digit_at(text, digits); ++digits)
+            numbers[k] = numbers[k] * 10 + (text[digits] - '0');
+        if (digits == 0) return {};
+        text.remove_prefix(digits);
+    }
+    if (!text.empty()) return {};
+    return numbers;
+}
+
+QString exponent_text(float value) {
+    // The meter writes its exponents without a leading zero.
+    return QString::number(static_cast<double>(value), 'E', 1)
+        .replace(QLatin1String("E-0"), QLatin1String("E-"))
+        .replace(QLatin1String("E+0"), QLatin1String("E+"));
+}
+
+}  // namespace
+
+Reading reading_of(Quantity quantity, std::string_view cell) {
+    skip_blanks(cell);
+    const RangeMark mark = take_mark(cell);
+    skip_blanks(cell);
+    const std::optional<double> value = leading_value(cell);
+    if (!value || std::fabs(*value) > std::numeric_limits<float>::max()) return {};
+    if (quantity == Quantity::ber && *value < 0) return {};
+    return {static_cast<float>(*value), mark};
+}
+
+QString reading_text(Quantity quantity, const Reading& reading) {
+    if (!reading.measured()) return QStringLiteral("–");
+    QString text;
+    if (reading.mark == RangeMark::below) text += u'<';
+    if (reading.mark == RangeMark::above) text += u'>';
+    if (quantity == Quantity::ber)
+        return text + (reading.value > 0 ? exponent_text(reading.value) : QStringLiteral("0"));
+    return text + QString::number(static_cast<double>(reading.value), 'f', 1);
+}
+
+double plotted_value(Quantity quantity, float value) {
+    const auto number = static_cast<double>(value);
+    return quantity == Quantity::ber ? std::max(number, kLeastBer) : number;
+}
+
+std::optional<double> row_time(std::string_view date, std::string_view time) {
+    const auto day = three_numbers(date);
+    const auto clock = three_numbers(time);
+    if (!day || !clock) return {};
+    const auto [of_month, month, year] = *day;
+    const auto [hours, minutes, seconds] = *clock;
+    const std::chrono::year_month_day ymd{std::chrono::year(year < 100 ? kCentury + year : year),
+                                          std::chrono::month(static_cast<unsigned>(month)),
+                                          std::chrono::day(static_cast<unsigned>(of_month))};
+    if (!ymd.ok() || hours > 23 || minutes > 59 || seconds > 59) return {};
+    const auto days = std::chrono::sys_days(ymd).time_since_epoch().count();
+    return static_cast<double>(days) * 86400.0 + (hours * 60.0 + minutes) * 60.0 + seconds;
+}
+
+std::string time_text(double time) {
+    const auto whole = static_cast<std::int64_t>(std::floor(time));
+    const std::chrono::sys_seconds moment{std::chrono::seconds(whole)};
+    const auto midnight = std::chrono::floor<std::chrono::days>(moment);
+    const std::chrono::year_month_day day(midnight);
+    const std::chrono::hh_mm_ss clock(moment - midnight);
+    std::array<char, 64> text{};
+    const int length = std::snprintf(
+        text.data(), text.size(), "%04d-%02u-%02u %02d:%02d:%02d", static_cast<int>(day.year()),
+        static_cast<unsigned>(day.month()), static_cast<unsigned>(day.day()),
+        static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
+        static_cast<int>(clock.seconds().count()));
+    return {text.data(), static_cast<std::size_t>(length)};
+}
+
+}  // namespace m47

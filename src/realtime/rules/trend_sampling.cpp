@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "trend_sampling.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+
+namespace m47 {
+namespace {
+
+constexpr std::ptrdiff_t kPointsPerColumn = 4;  // from here on columns are summed up
+constexpr std::ptrdiff_t kColumnsPerDot = 8;    // a dot needs room to be told from its neighbours
+constexpr double kNoNumber = std::numeric_limits<double>::quiet_NaN();
+
+/// Collects the points of one column at a time.
+class Sampler {
+  public:
+    Sampler(Quantity quantity, TrendRange shown, double columns_per_second, double longest_spacing,
+            bool every_dot)
+        : quantity_(quantity),
+          shown_(shown),
+          columns_per_second_(columns_per_second),
+          longest_spacing_(longest_spacing),
+          every_dot_(every_dot) {}
+
+    void take(const TrendPoint& point) {
+        if (point.apart || point.time - previous_time_ > longest_spacing_) broken_ = true;
+        previous_time_ = point.time;
+        const float value = point.values[static_cast<std::size_t>(quantity_)];
+        if (std::isnan(value)) {
+            broken_ = true;
+            return;
+        }
+        add({point.time, plotted_value(quantity_, value)}, point.status == RowStatus::fail);
+        broken_ = false;
+    }
+
+    TrendSamples finish() {
+        end_column(false);
+        return std::move(samples_);
+    }
+
+  private:
+    /// The points of a column that matter, in the order in which they came.
+    struct ColumnOfPoints {
+        double number = kNoNumber;
+        std::size_t points = 0;
+        TrendSpot first, least, greatest, last;
+        bool joined = false;  ///< a line leads here from the column before
+        bool broken = false;  ///< a line is broken within it
+        std::size_t fails = 0;
+        TrendSpot least_failed, greatest_failed;
+    };
+
+    void add(const TrendSpot& spot, bool failed) {
+        // Without columns every point is one of its own.
+        const double number = std::floor((spot.time - shown_.lower) * columns_per_second_);
+        if (column_.points > 0 && columns_per_second_ > 0 && column_.number == number) {
+            column_.broken = column_.broken || broken_;
+        } else {
+            const bool joined = column_.points > 0 && !broken_ && !column_.broken;
+            end_column(joined);
+            column_ = {};
+            column_.number = number;
+            column_.joined = joined;
+            column_.first = column_.least = column_.greatest = spot;
+        }
+        ++column_.points;
+        column_.last = spot;
+        if (spot.value < column_.least.value) column_.least = spot;
+        if (spot.value > column_.greatest.value) column_.greatest = spot;
+        if (failed) add_failed(spot);
+        if (spot.time >= shown_.lower && spot.time <= shown_.upper) widen(spot.value);
+        if (every_dot_) samples_.dots.push_back(spot);
+    }
+
+    void add_failed(const TrendSpot& spot) {
+        if (column_.fails == 0 || spot.value < column_.least_failed.value)
+            column_.least_failed = spot;
+        if (column_.fails == 0 || spot.value > column_.greatest_failed.value)
+            column_.greatest_failed = spot;
+        ++column_.fails;
+    }
+
+    void widen(double value) {
+        if (!samples_.values) samples_.values = TrendRange{value, value};
+        samples_.values->lower = std::min(samples_.values->lower, value);
+        samples_.values->upper = std::max(samples_.values->upper, value);
+    }
+
+    void end_column(bool joined_to_next) {
+        if (column_.points == 0) return;
+        if (column_.fails > 0) samples_.failed.push_back(column_.least_failed);
+        if (column_.fails > 1 && column_.least_failed.value != column_.greatest_failed.value)
+            samples_.failed.push_back(column_.greatest_failed);
+        const bool flat = column_.least.value == column_.greatest.value;
+        if (flat && !column_.joined && !joined_to_next) {
+            if (!every_dot_) samples_.dots.push_back(column_.first);
+            return;
+        }
+        if (!column_.joined && !samples_.line.empty())
+            samples_.line.push_back({column_.first.time, kNoNumber});
+        draw_column();
+    }
+
+    void draw_column() {
+        auto [second, third] = std::pair(column_.least, column_.greatest);
+        if (third.time < second.time) std::swap(second, third);
+        std::vector<TrendSpot>& line = samples_.line;
+        line.push_back(column_.first);
+        for (const TrendSpot& spot : {second, third, column_.last})
+            if (spot.time != line.back().time || spot.value != line.back().value)
+                line.push_back(spot);
+    }
+
+    const Quantity quantity_;
+    const TrendRange shown_;
+    const double columns_per_second_;
+    const double longest_spacing_;
+    const bool every_dot_;
+    double previous_time_ = std::numeric_limits<double>::infinity();
+    bool broken_ = false;
+    ColumnOfPoints column_;
+    TrendSamples samples_;
+};
+
+}  // namespace
+
+TrendSamples sample_trend(const TrendSeries& series, Quantity quantity, TrendRange shown,
+                          int columns) {
+    const auto& points = series.points();
+    auto from =
+        std::lower_bound(points.begin(), points.end(), shown.lower,
+                         [](const TrendPoint& point, double time) { return point.time < time; });
+    auto to =
+        std::upper_bound(from, points.end(), shown.upper,
+                         [](double time, const TrendPoint& point) { return time < point.time; });
+    const std::ptrdiff_t in_sight = to - from;
+    // The neighbours out of sight say where the line comes from and where it goes.
+    if (from != points.begin()) --from;
+    if (to != points.end()) ++to;
+    const bool dense = in_sight > columns * kPointsPerColumn && shown.span() > 0;
+    Sampler sampler(quantity, shown, dense ? columns / shown.span() : 0, series.longest_spacing(),
+                    in_sight * kColumnsPerDot <= columns);
+    std::for_each(from, to, [&](const TrendPoint& point) { sampler.take(point); });
+    return sampler.finish();
+}
+
+}  // namespace m47

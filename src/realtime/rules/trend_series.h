@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <array>
+#include <deque>
+#include <string>
+#include <string_view>
+
+#include "trend_reading.h"
+
+namespace m47 {
+
+/// What the STATUS cell of a row says.
+enum class RowStatus : std::uint8_t { none, pass, fail };
+
+/// One row of the page as the trend keeps it: 24 bytes.
+struct TrendPoint {
+    double time = 0;  ///< seconds, as row_time gives them
+    std::array<float, kQuantities.size()> values{};
+    std::array<RangeMark, kQuantities.size()> marks{};
+    RowStatus status : 7 = RowStatus::none;
+    /// The program was left out since its row before: no line leads here.
+    bool apart : 1 = false;
+
+    Reading reading(Quantity quantity) const {
+        const auto k = static_cast<std::size_t>(quantity);
+        return {values[k], marks[k]};
+    }
+};
+static_assert(sizeof(TrendPoint) == 24);
+
+/// The rows of one program in the order of their time.
+class TrendSeries {
+  public:
+    /// `key` is what the rows hold of the program: the cells FR and OSC with the TAB between them.
+    explicit TrendSeries(std::string_view key) : key_(key) {}
+
+    const std::string& key() const { return key_; }
+
+    /// As the user knows the program: "11778.0 / 10600", the frequency alone where that is all.
+    QString name() const;
+
+    /// Adds a row; O(1). Rows may come out of order (a clock that was set back): settle() has to be
+    /// called before the points are looked at.
+    void add(const TrendPoint& point);
+
+    /// Brings the rows added since the last call into their order of time; O(1) when they are.
+    void settle();
+
+    const std::deque<TrendPoint>& points() const { return points_; }
+
+    /// The extremes of all rows; not measured when no row was.
+    Reading minimum(Quantity quantity) const { return of(extremes_, quantity).minimum; }
+    Reading maximum(Quantity quantity) const { return of(extremes_, quantity).maximum; }
+
+    /// The value in the row that came last; not measured when that row holds none, whatever the
+    /// rows before it say.
+    Reading last(Quantity quantity) const { return last_.reading(quantity); }
+
+    /// The longest time between two rows, in seconds, that is no pause: over four times the usual
+    /// spacing of the rows. Without limit until there are enough of them to tell what is usual.
+    double longest_spacing() const;
+
+  private:
+    struct Extremes {
+        Reading minimum;
+        Reading maximum;
+    };
+    static const Extremes& of(const std::array<Extremes, kQuantities.size()>& all,
+                              Quantity quantity) {
+        return all[static_cast<std::size_t>(quantity)];
+    }
+    void count_spacing(double seconds);
+
+    std::string key_;
+    std::deque<TrendPoint> points_;  // grows without copying what it holds
+    std::size_t settled_ = 0;
+    std::array<Extremes, kQuantities.size()> extremes_{};
+    TrendPoint last_;
+    /// How many spacings lie below 1, 2, 4, 8 ... seconds (and not below the one before).
+    std::array<std::size_t, 32> spacings_{};
+    std::size_t spacings_counted_ = 0;
+};
+
+}  // namespace m47

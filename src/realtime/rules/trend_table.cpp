@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "trend_table.h"
+
+#include <array>
+#include <charconv>
+#include <string>
+
+namespace m47 {
+namespace {
+
+constexpr std::array<const char*, kQuantities.size()> kNames{"LEV", "BER", "MER"};
+constexpr std::size_t kBlockBytes = std::size_t{256} * 1024;
+
+void add_number(std::string& text, float value) {
+    std::array<char, 64> digits{};
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
+    text.append(digits.data(), end);
+}
+
+const char* status_text(RowStatus status) {
+    if (status == RowStatus::none) return "";
+    return status == RowStatus::fail ? "FAIL" : "PASS";
+}
+
+void add_row(std::string& text, const std::string& program, const TrendPoint& point) {
+    text.append(time_text(point.time)).append(1, '\t').append(program);
+    std::string marks;
+    for (const Quantity quantity : kQuantities) {
+        text += '\t';
+        const Reading reading = point.reading(quantity);
+        if (!reading.measured()) continue;
+        add_number(text, reading.value);
+        if (reading.mark == RangeMark::none) continue;
+        if (!marks.empty()) marks += ' ';
+        marks += kNames[static_cast<std::size_t>(quantity)];
+        marks += reading.mark == RangeMark::below ? '<' : '>';
+    }
+    text.append(1, '\t').append(status_text(point.status));
+    text.append(1, '\t').append(marks).append(1, '\n');
+}
+
+bool put_out(QIODevice& file, std::string& text) {
+    const auto size = static_cast<qint64>(text.size());
+    const bool whole = file.write(text.data(), size) == size;
+    text.clear();
+    return whole;
+}
+
+}  // namespace
+
+bool write_trend_table(QIODevice& file, std::span<const TrendSeries* const> series) {
+    std::string text = "TIME\tPROGRAM";
+    for (const char* name : kNames) text.append(1, '\t').append(name);
+    text += "\tSTATUS\tMARKS\n";
+    for (const TrendSeries* each : series) {
+        const std::string program = each->name().toLatin1().toStdString();
+        for (const TrendPoint& point : each->points()) {
+            add_row(text, program, point);
+            if (text.size() >= kBlockBytes && !put_out(file, text)) return false;
+        }
+    }
+    return put_out(file, text);
+}
+
+}  // namespace m47

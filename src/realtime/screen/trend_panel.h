@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "plot_library.h"
+#include "trend_colours.h"
+#include "trend_legend.h"
+#include "trend_limits.h"
+#include "trend_sampling.h"
+
+namespace m47 {
+
+/// A series to be drawn and the number that gives it its colour.
+struct TrendCurve {
+    const TrendSeries* series;
+    std::size_t number;
+};
+
+/// The chart of one quantity: an axis rect, its legend, a curve for each program, the points that
+/// failed and the bands outside of the limits. What it makes belongs to the plot.
+class TrendPanel {
+  public:
+    TrendPanel(QCustomPlot* plot, Quantity quantity);
+
+    Quantity quantity() const { return quantity_; }
+    QCPAxisRect* axis_rect() const { return rect_; }
+    QCPAxis* time_axis() const { return rect_->axis(QCPAxis::atBottom); }
+    QCPAxis* value_axis() const { return rect_->axis(QCPAxis::atLeft); }
+    TrendLegend* legend() const { return legend_; }
+
+    void set_colours(const TrendColours& colours, const QFont& font);
+
+    /// Draws the curves as seen in `shown` on `columns` columns of pixels, and what the legend says
+    /// of them.
+    void show_curves(std::span<const TrendCurve> curves, TrendRange shown, int columns);
+
+    void show_limits(const std::optional<TrendRange>& limits);
+
+    /// Keeps the value axis as the user has just set it; release_values() lets it follow what is in
+    /// sight again.
+    void hold_values() { held_ = true; }
+    void release_values() { held_ = false; }
+
+  private:
+    struct Drawn {
+        QCPGraph* line;
+        QCPGraph* dots;
+    };
+    QCPGraph* add_graph();
+    QCPItemRect* add_band();
+    void draw_curve(const Drawn& drawn, const TrendSamples& samples, const QColor& colour);
+
+    QCustomPlot* plot_;
+    Quantity quantity_;
+    QCPAxisRect* rect_;
+    TrendLegend* legend_;
+    std::vector<Drawn> drawn_;
+    QCPGraph* failed_;
+    QCPItemRect* below_;
+    QCPItemRect* above_;
+    std::optional<TrendRange> limits_;
+    TrendColours colours_;
+    bool held_ = false;
+};
+
+}  // namespace m47

@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QAction>
+#include <QComboBox>
+#include <QLabel>
+#include <QStackedWidget>
+#include <QWidget>
+
+#include "page_model.h"
+#include "texts.h"
+#include "trend_plot.h"
+
+namespace m47 {
+
+/// The tab "Trend": what the measurement page holds, over time. It looks at the page only while it
+/// is seen: a run that nobody watches pays nothing for it.
+class TrendView : public QWidget {
+    Q_OBJECT
+  public:
+    explicit TrendView(QWidget* parent = nullptr);
+    ~TrendView() override;
+
+    /// Plots `page` with the limits that `limits` gives at the time; both outlive the view.
+    void set_page(const PageModel* page, TrendPlot::Limits limits);
+
+    /// Captions and tooltips in the language in use now.
+    void set_texts(const Texts& texts);
+
+    /// The limits may have changed.
+    void limits_changed();
+
+    /// Saves to `path`, in the kind that its suffix says; a failure shows one message box.
+    void save(const QString& path);
+
+  protected:
+    void showEvent(QShowEvent* event) override;
+
+  private:
+    QAction* add_action(const char* name);
+    QAction* add_toggle(const char* name);
+    void make_bar();
+    void make_plot();
+    void page_replaced();
+    void catch_up();
+    void list_programs();
+    void choose();
+    void ask_and_save();
+
+    Texts texts_;
+    const PageModel* page_ = nullptr;
+    TrendPlot::Limits limits_;
+    TrendData data_;
+    bool replaced_ = false;
+    QComboBox* programs_;
+    std::array<QAction*, kQuantities.size()> quantities_{};
+    QAction* follow_ = nullptr;
+    QAction* reset_ = nullptr;
+    QAction* save_ = nullptr;
+    QStackedWidget* pages_;
+    QLabel* nothing_;
+    TrendPlot* plot_ = nullptr;  ///< made when the tab is first seen
+};
+
+}  // namespace m47
