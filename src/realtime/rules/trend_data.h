@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -12,7 +13,8 @@
 
 namespace m47 {
 
-/// A stretch of an axis, `lower` not above `upper`: seconds as row_time gives them, or a quantity.
+/// A stretch of an axis, `lower` not above `upper`: seconds since 1970 on the clock of the
+/// rows, or a quantity.
 struct TrendRange {
     double lower = 0;
     double upper = 0;
@@ -57,6 +59,8 @@ class TrendData {
     std::size_t latest_series_ = 0;
     TrendRange time_;
     double newest_ = 0;
+    std::string date_;  ///< of the row before, with the midnight it means
+    std::optional<double> midnight_;
 };
 
 }  // namespace m47

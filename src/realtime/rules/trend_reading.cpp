@@ -91,18 +91,23 @@ double plotted_value(Quantity quantity, float value) {
     return quantity == Quantity::ber ? std::max(number, kLeastBer) : number;
 }
 
-std::optional<double> row_time(std::string_view date, std::string_view time) {
-    const auto day = three_numbers(date);
-    const auto clock = three_numbers(time);
-    if (!day || !clock) return {};
-    const auto [of_month, month, year] = *day;
-    const auto [hours, minutes, seconds] = *clock;
-    const std::chrono::year_month_day ymd{std::chrono::year(year < 100 ? kCentury + year : year),
+std::optional<double> row_midnight(std::string_view date) {
+    const auto numbers = three_numbers(date);
+    if (!numbers) return {};
+    const auto [of_month, month, year] = *numbers;
+    const std::chrono::year_month_day day{std::chrono::year(year < 100 ? kCentury + year : year),
                                           std::chrono::month(static_cast<unsigned>(month)),
                                           std::chrono::day(static_cast<unsigned>(of_month))};
-    if (!ymd.ok() || hours > 23 || minutes > 59 || seconds > 59) return {};
-    const auto days = std::chrono::sys_days(ymd).time_since_epoch().count();
-    return static_cast<double>(days) * 86400.0 + (hours * 60.0 + minutes) * 60.0 + seconds;
+    if (!day.ok()) return {};
+    return 86400.0 * static_cast<double>(std::chrono::sys_days(day).time_since_epoch().count());
+}
+
+std::optional<double> row_clock(std::string_view time) {
+    const auto numbers = three_numbers(time);
+    if (!numbers) return {};
+    const auto [hours, minutes, seconds] = *numbers;
+    if (hours > 23 || minutes > 59 || seconds > 59) return {};
+    return (hours * 60.0 + minutes) * 60.0 + seconds;
 }
 
 std::string time_text(double time) {

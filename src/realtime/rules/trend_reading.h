@@ -41,11 +41,15 @@ QString reading_text(Quantity quantity, const Reading& reading);
 /// Where on its axis a measured value lies: a bit error rate below kLeastBer lies at that.
 double plotted_value(Quantity quantity, float value);
 
-/// The date "dd/mm/yy" (a year of four digits is taken too) and time "hh:mm:ss" of a row as seconds
-/// since 1970 on the clock that wrote them; time zones are left out of it. Nothing when it is none.
-std::optional<double> row_time(std::string_view date, std::string_view time);
+/// The midnight that begins the date "dd/mm/yy" of a row (a year of four digits is taken too), as
+/// seconds since 1970 on the clock that wrote it; time zones are left out of it. Nothing when it is
+/// no date.
+std::optional<double> row_midnight(std::string_view date);
 
-/// Seconds as row_time gives them, as "yyyy-mm-dd hh:mm:ss".
+/// The time "hh:mm:ss" of a row as seconds since midnight; nothing when it is none.
+std::optional<double> row_clock(std::string_view time);
+
+/// Seconds since 1970 as "yyyy-mm-dd hh:mm:ss".
 std::string time_text(double time);
 
 }  // namespace m47

@@ -21,7 +21,9 @@ class Sampler {
           shown_(shown),
           columns_per_second_(columns_per_second),
           longest_spacing_(longest_spacing),
-          every_dot_(every_dot) {}
+          every_dot_(every_dot) {
+        samples_.dense = columns_per_second > 0;
+    }
 
     void take(const TrendPoint& point) {
         if (point.apart || point.time - previous_time_ > longest_spacing_) broken_ = true;
@@ -43,7 +45,7 @@ class Sampler {
   private:
     /// The points of a column that matter, in the order in which they came.
     struct ColumnOfPoints {
-        double number = kNoNumber;
+        double end = kNoNumber;  ///< the time at which the next column begins
         std::size_t points = 0;
         TrendSpot first, least, greatest, last;
         bool joined = false;  ///< a line leads here from the column before
@@ -53,17 +55,11 @@ class Sampler {
     };
 
     void add(const TrendSpot& spot, bool failed) {
-        // Without columns every point is one of its own.
-        const double number = std::floor((spot.time - shown_.lower) * columns_per_second_);
-        if (column_.points > 0 && columns_per_second_ > 0 && column_.number == number) {
+        // Without columns the end is no number: every point is one of its own.
+        if (column_.points > 0 && spot.time < column_.end) {
             column_.broken = column_.broken || broken_;
         } else {
-            const bool joined = column_.points > 0 && !broken_ && !column_.broken;
-            end_column(joined);
-            column_ = {};
-            column_.number = number;
-            column_.joined = joined;
-            column_.first = column_.least = column_.greatest = spot;
+            begin_column(spot);
         }
         ++column_.points;
         column_.last = spot;
@@ -72,6 +68,18 @@ class Sampler {
         if (failed) add_failed(spot);
         if (spot.time >= shown_.lower && spot.time <= shown_.upper) widen(spot.value);
         if (every_dot_) samples_.dots.push_back(spot);
+    }
+
+    void begin_column(const TrendSpot& spot) {
+        const bool joined = column_.points > 0 && !broken_ && !column_.broken;
+        end_column(joined);
+        column_ = {};
+        if (columns_per_second_ > 0) {
+            const double number = std::floor((spot.time - shown_.lower) * columns_per_second_);
+            column_.end = shown_.lower + (number + 1) / columns_per_second_;
+        }
+        column_.joined = joined;
+        column_.first = column_.least = column_.greatest = spot;
     }
 
     void add_failed(const TrendSpot& spot) {

@@ -21,6 +21,8 @@ struct TrendSamples {
     std::vector<TrendSpot> dots;
     /// Points of rows that failed.
     std::vector<TrendSpot> failed;
+    /// The points lie closer than the columns, so that the line is drawn from summed-up ones.
+    bool dense = false;
     /// The least and the greatest value in sight; nothing when none is.
     std::optional<TrendRange> values;
 };

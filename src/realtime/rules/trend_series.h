@@ -15,7 +15,7 @@ enum class RowStatus : std::uint8_t { none, pass, fail };
 
 /// One row of the page as the trend keeps it: 24 bytes.
 struct TrendPoint {
-    double time = 0;  ///< seconds, as row_time gives them
+    double time = 0;  ///< seconds since 1970 on the clock of the row
     std::array<float, kQuantities.size()> values{};
     std::array<RangeMark, kQuantities.size()> marks{};
     RowStatus status : 7 = RowStatus::none;

@@ -19,13 +19,15 @@ class TrendLegend : public QCPLayoutElement {
         QColor colour;
         QString name;
         std::array<QString, kFigures> figures;
+
+        bool operator==(const Line&) const = default;
     };
 
     explicit TrendLegend(QCustomPlot* plot);
 
-    void set_captions(const std::array<QString, kFigures>& captions) { captions_ = captions; }
-    void set_lines(std::vector<Line> lines) { lines_ = std::move(lines); }
-    void set_font(const QFont& font) { font_ = font; }
+    void set_captions(const std::array<QString, kFigures>& captions);
+    void set_lines(std::vector<Line> lines);
+    void set_font(const QFont& font);
     void set_text_colour(const QColor& colour) { text_colour_ = colour; }
     const std::vector<Line>& lines() const { return lines_; }
 
@@ -36,10 +38,8 @@ class TrendLegend : public QCPLayoutElement {
     void draw(QCPPainter* painter) override;
 
   private:
-    int sample_width() const;
-    int name_width() const;
-    int figure_width(std::size_t figure) const;
-    int whole_width() const;
+    void measure();
+    void draw_text(QCPPainter* painter, int top, const QString& text) const;
     void draw_line(QCPPainter* painter, const Line& line, int top) const;
     void draw_figures(QCPPainter* painter, const std::array<QString, kFigures>& figures,
                       int top) const;
@@ -48,6 +48,11 @@ class TrendLegend : public QCPLayoutElement {
     std::vector<Line> lines_;
     QFont font_;
     QColor text_colour_;
+    // Measured whenever one of the above has changed: every frame asks for them.
+    int line_height_ = 0;
+    int name_left_ = 0;
+    std::array<int, kFigures> figure_rights_{};
+    std::array<int, kFigures> figure_widths_{};
 };
 
 }  // namespace m47

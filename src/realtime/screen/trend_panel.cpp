@@ -8,6 +8,10 @@ namespace {
 
 constexpr double kDotSize = 4;
 constexpr double kFailedSize = 7;
+// The most points that the curves of a chart are summed up to together, four in a column: more
+// than that make a carpet on any screen, but slow every frame.
+constexpr std::size_t kMostPoints = 60000;
+constexpr int kFailedCell = 5;  // pixels: crosses that lie closer cannot be told apart
 
 QVector<QCPGraphData> graph_data(const std::vector<TrendSpot>& spots) {
     QVector<QCPGraphData> data;
@@ -43,7 +47,10 @@ TrendPanel::TrendPanel(QCustomPlot* plot, Quantity quantity)
       legend_(new TrendLegend(plot)) {
     rect_->addAxes(QCPAxis::atLeft | QCPAxis::atBottom);
     rect_->setMinimumSize(40, 20);
-    rect_->setMinimumMargins({0, 4, 8, 2});
+    // An item looks for the plot's axis rects, so this one has to have its place first.
+    const int row = plot->plotLayout()->rowCount();
+    plot->plotLayout()->addElement(row, 0, rect_);
+    plot->plotLayout()->addElement(row, 1, legend_);
     rect_->setRangeDragAxes(time_axis(), value_axis());
     rect_->setRangeZoomAxes(time_axis(), value_axis());
     set_up_time_axis(time_axis());
@@ -84,6 +91,9 @@ QCPItemRect* TrendPanel::add_band() {
 
 void TrendPanel::set_colours(const TrendColours& colours, const QFont& font) {
     colours_ = colours;
+    // The last time on the axis reaches half its width beyond it.
+    const int half_a_date = QFontMetrics(font).horizontalAdvance(QStringLiteral("00/00/00")) / 2;
+    rect_->setMinimumMargins({0, 4, half_a_date, 2});
     for (QCPAxis* axis : rect_->axes()) {
         axis->setLabelFont(font);
         axis->setTickLabelFont(font);
@@ -105,6 +115,8 @@ void TrendPanel::set_colours(const TrendColours& colours, const QFont& font) {
 
 void TrendPanel::show_curves(std::span<const TrendCurve> curves, TrendRange shown, int columns) {
     while (drawn_.size() < curves.size()) drawn_.push_back({add_graph(), add_graph()});
+    const std::size_t most = kMostPoints / 4 / std::max<std::size_t>(1, curves.size());
+    columns = std::min(columns, static_cast<int>(most));
     std::vector<TrendLegend::Line> lines;
     std::vector<TrendSpot> failed;
     std::optional<TrendRange> values;
@@ -129,15 +141,37 @@ void TrendPanel::show_curves(std::span<const TrendCurve> curves, TrendRange show
                           reading_text(quantity_, series.maximum(quantity_)),
                           reading_text(quantity_, series.last(quantity_))}});
     }
-    failed_->data()->set(graph_data(failed));
     legend_->set_lines(std::move(lines));
-    if (held_) return;
-    const TrendRange axis = m47::value_axis(quantity_, values, limits_);
-    value_axis()->setRange(axis.lower, axis.upper);
+    if (!held_) {
+        const TrendRange axis = m47::value_axis(quantity_, values, limits_);
+        value_axis()->setRange(axis.lower, axis.upper);
+    }
+    draw_failed(failed);
+}
+
+void TrendPanel::draw_failed(const std::vector<TrendSpot>& failed) {
+    const QRect area = rect_->rect();
+    const int across = area.width() / kFailedCell + 1;
+    const int down = area.height() / kFailedCell + 1;
+    std::vector<bool> taken(static_cast<std::size_t>(across) * static_cast<std::size_t>(down));
+    std::vector<TrendSpot> marks;
+    for (const TrendSpot& spot : failed) {
+        const double x = time_axis()->coordToPixel(spot.time) - area.left();
+        const double y = value_axis()->coordToPixel(spot.value) - area.top();
+        if (x < 0 || y < 0 || x > area.width() || y > area.height()) continue;
+        const auto cell = static_cast<std::size_t>(static_cast<int>(y) / kFailedCell * across +
+                                                   static_cast<int>(x) / kFailedCell);
+        if (!taken[cell]) marks.push_back(spot);
+        taken[cell] = true;
+    }
+    failed_->setAntialiasedScatters(marks.size() == failed.size());
+    failed_->data()->set(graph_data(marks));
 }
 
 void TrendPanel::draw_curve(const Drawn& drawn, const TrendSamples& samples, const QColor& colour) {
     drawn.line->setPen(QPen(colour, 0));
+    // Strokes a pixel apart gain nothing by it and take many times as long.
+    drawn.line->setAntialiased(!samples.dense);
     drawn.line->data()->set(graph_data(samples.line), true);
     drawn.dots->setPen(Qt::NoPen);
     drawn.dots->setLineStyle(QCPGraph::lsNone);

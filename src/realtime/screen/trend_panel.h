@@ -23,6 +23,7 @@ struct TrendCurve {
 /// failed and the bands outside of the limits. What it makes belongs to the plot.
 class TrendPanel {
   public:
+    /// Puts the chart as a further row at the bottom of `plot`.
     TrendPanel(QCustomPlot* plot, Quantity quantity);
 
     Quantity quantity() const { return quantity_; }
@@ -51,6 +52,7 @@ class TrendPanel {
     };
     QCPGraph* add_graph();
     QCPItemRect* add_band();
+    void draw_failed(const std::vector<TrendSpot>& failed);
     void draw_curve(const Drawn& drawn, const TrendSamples& samples, const QColor& colour);
 
     QCustomPlot* plot_;

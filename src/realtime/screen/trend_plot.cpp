@@ -47,9 +47,6 @@ void TrendPlot::build_panels() {
     for (const Quantity quantity : kQuantities) {
         if (!choice_.quantities[static_cast<std::size_t>(quantity)]) continue;
         auto panel = std::make_unique<TrendPanel>(this, quantity);
-        const int row = plotLayout()->rowCount();
-        plotLayout()->addElement(row, 0, panel->axis_rect());
-        plotLayout()->addElement(row, 1, panel->legend());
         panel->axis_rect()->setMarginGroup(QCP::msLeft | QCP::msRight, edges_.get());
         connect(panel->time_axis(), qOverload<const QCPRange&>(&QCPAxis::rangeChanged), this,
                 [this](const QCPRange& range) { range_chosen(range); });
