@@ -151,6 +151,7 @@ void TrendPanel::show_curves(std::span<const TrendCurve> curves, TrendRange show
 
 void TrendPanel::draw_failed(const std::vector<TrendSpot>& failed) {
     const QRect area = rect_->rect();
+    if (area.isEmpty()) return failed_->data()->set(graph_data(failed));  // not laid out yet
     const int across = area.width() / kFailedCell + 1;
     const int down = area.height() / kFailedCell + 1;
     std::vector<bool> taken(static_cast<std::size_t>(across) * static_cast<std::size_t>(down));
