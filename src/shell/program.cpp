@@ -7,6 +7,7 @@
 #include <QScreen>
 #include <chrono>
 
+#include "download.h"
 #include "handler.h"
 #include "port_diagnosis.h"
 #include "port_setting.h"
@@ -40,7 +41,7 @@ Program::Program(ProgramState& state, std::unique_ptr<Database> database, PortLi
       link_(port_, clock_, window_.status()),
       identification_(link_, state.texts, ports_, window_) {
     // The logger's temporary file has no name yet, and message 0 is composed with that.
-    state_.texts.load_messages(QString());
+    state_.texts.load_messages(state_.temp_file_name);
     window_.status().reason = [this] { return link_fault(); };
     add_screens();
     identification_.on_picked = [this] {
@@ -94,6 +95,17 @@ void Program::add_screens() {
              },
          .load = [](QWidget* screen) { static_cast<Realtime*>(screen)->Form_Load(); },
          .activate = [](QWidget* screen) { static_cast<Realtime*>(screen)->Form_Activate(); }});
+    window_.add_screen(
+        QStringLiteral("download"),
+        {.create =
+             [this] {
+                 auto* screen = new Download(link_, state_);
+                 close_on_exit(screen);
+                 QObject::connect(screen, &Download::progress, &window_, &M47MDI::show_progress);
+                 return screen;
+             },
+         .load = [](QWidget* screen) { static_cast<Download*>(screen)->Form_Load(); },
+         .activate = [](QWidget* screen) { static_cast<Download*>(screen)->Form_Activate(); }});
     window_.add_screen(
         QStringLiteral("setport"),
         {.create =

@@ -41,6 +41,7 @@ class TransactionTest : public QObject {
     void old_input_is_dropped();
     void a_silent_meter_loses_the_link();
     void progress_steps_and_wraps();
+    void the_bytes_that_have_arrived_are_told();
     void the_hourglass_stands_meanwhile();
     void windows_are_pumped_while_waiting();
     void a_wait_ends_on_the_first_reading_beyond_it();
@@ -357,6 +358,21 @@ void TransactionTest::progress_steps_and_wraps() {
     run("LNB 1");
     // Start; attempt; six characters, wrapped to 0 before a step beyond 3; polling starts at 1.
     QCOMPARE(view_->progress_values, (QList<int>{0, 0, 0, 1, 2, 3, 1, 2, 3, 1, 2, 0}));
+}
+
+void TransactionTest::the_bytes_that_have_arrived_are_told() {
+    QList<qsizetype> told;
+    link_->on_received = [&told](qsizetype bytes) { told += bytes; };
+    int asked = 0;
+    port_->answer = [&](const QByteArray& command) {
+        if (++asked == 1) return command + "\rERROR\r";
+        port_->feed("73", 0.5);
+        port_->feed(".5\rOK\r", 1);
+        return command + "\r";
+    };
+    run(QStringLiteral("LEVANL?"));
+    QCOMPARE(link_->reply_text, QStringLiteral("73.5"));
+    QCOMPARE(told, QList<qsizetype>({14, 8, 10, 16}));
 }
 
 void TransactionTest::the_hourglass_stands_meanwhile() {

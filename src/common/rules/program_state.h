@@ -17,6 +17,8 @@ struct ProgramState {
     Texts texts;
     /// The level unit in force, a LevelUnit; shared by the plan and the real-time screen.
     int unit_index = kDbuv;
+    /// The name of the logger's temporary file in `base_dir`; empty before the first download.
+    QString temp_file_name;
 };
 
 /// `folder` with one separator at its end: none is added where it ends in one already (a root).

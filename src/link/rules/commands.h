@@ -33,6 +33,16 @@ inline const QString kAnalogCn = QStringLiteral("LEVCNA");
 inline const QString kDigitalCn = QStringLiteral("LEVCND");
 inline const QString kQpskQuality = QStringLiteral("BERQPSK");
 
+// Data logger and span
+inline const QString kDevice = QStringLiteral("DEVICE");        ///< 0 the meter itself
+inline const QString kAllLogs = QStringLiteral("DATAOUT");      ///< sends every log
+inline const QString kLastLog = QStringLiteral("DATALASTOUT");  ///< sends the latest log
+inline const QString kDeleteAllLogs = QStringLiteral("DATADELALL");
+inline const QString kDeleteLastLog = QStringLiteral("DATADELLAST");
+inline const QString kStartLog = QStringLiteral("DATAIN");
+inline const QString kOutputMode = QStringLiteral("outputmode");  ///< 1: TAB between the columns
+inline const QString kSpan = QStringLiteral("spanout");           ///< sends the span's points
+
 /// The query form of `word`.
 inline QString query(const QString& word) {
     return word + u'?';
@@ -40,6 +50,8 @@ inline QString query(const QString& word) {
 
 /// All attenuation, as before each level reading.
 inline const QString kFullAttenuation = kAttenuator + QStringLiteral(" 6");
+inline const QString kMeterDevice = kDevice + QStringLiteral(" 0");
+inline const QString kTabbedOutput = kOutputMode + QStringLiteral(" 1");
 inline const QString kSupplyOff = kSupply + QStringLiteral(" 00");
 inline const QString kSupplyOn = kSupply + QStringLiteral(" 01");
 inline const QString kToneOff = kTone + QStringLiteral(" 00");

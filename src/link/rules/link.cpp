@@ -134,6 +134,7 @@ void Link::collect_input() {
     const QByteArray input = port_.read_all();
     const qsizetype room = kLongestReply - reply_text.size();
     reply_text += QString::fromLatin1(input.first(std::min(input.size(), room)));
+    if (on_received && !input.isEmpty()) on_received(reply_text.size());
 }
 
 bool Link::open_port() {

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "logger_data.h"
+
+#include <QFile>
+
+namespace m47 {
+namespace {
+
+/// Reports the bytes of one download; other commands of the link are nobody's concern.
+class ByteReport {
+  public:
+    ByteReport(Link& link, const std::function<void(qsizetype)>& report) : link_(link) {
+        link_.on_received = report;
+    }
+    ~ByteReport() { link_.on_received = nullptr; }
+    ByteReport(const ByteReport&) = delete;
+    ByteReport& operator=(const ByteReport&) = delete;
+
+  private:
+    Link& link_;
+};
+
+}  // namespace
+
+LoggerData::LoggerData(Link& link, ProgramState& program) : link_(link), program_(program) {}
+
+NameFault LoggerData::download(const QString& command, const QString& name) {
+    program_.temp_file_name = name.toUpper();
+    const NameFault fault = temporary_name_fault(program_.temp_file_name);
+    if (fault != NameFault::none) return fault;
+    {
+        const ByteReport report(link_, on_bytes);
+        link_.send(command);
+    }
+    visualizza(link_.reply_text.toLatin1());
+    return NameFault::none;
+}
+
+void LoggerData::visualizza(const QByteArray& answer) {
+    text_.clear();
+    const QString path = program_.base_dir + program_.temp_file_name;
+    if (write_file(path, answer)) show_file(path);
+}
+
+bool LoggerData::show_file(const QString& path) {
+    const auto content = read_file(path);
+    if (content) text_ = with_line_ends(*content);
+    return content.has_value();
+}
+
+void LoggerData::open(const QString& path) {
+    text_.clear();
+    if (show_file(path)) file_name_ = path;
+}
+
+void LoggerData::save(const QString& path) {
+    if (write_file(path, text_)) file_name_ = path;
+}
+
+void LoggerData::remove(const QString& path) {
+    text_.clear();
+    QFile::remove(path);
+}
+
+QString print_page(const QByteArray& text) {
+    return QStringLiteral("\r\n\r\n") + QString::fromLatin1(text);
+}
+
+}  // namespace m47

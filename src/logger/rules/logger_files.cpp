@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "logger_files.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include "database.h"
+
+namespace m47 {
+namespace {
+
+constexpr qint64 kLongestFile = qint64{64} * 1024 * 1024;
+constexpr char kLineEnd[] = "\r\n";
+
+/// A name that stands for something else than a plain file cannot be meant, and a pipe would hold
+/// the program up for ever.
+bool plain_file_or_none(const QString& path) {
+    const QFileInfo info(path);
+    return !info.exists() || info.isFile();
+}
+
+}  // namespace
+
+NameFault temporary_name_fault(const QString& name) {
+    const QString trimmed = name.trimmed();
+    if (trimmed.isEmpty()) return NameFault::empty;
+    const bool leaves = name.contains(u'/') || name.contains(u'\\') ||
+                        name.contains(QLatin1String("..")) || trimmed == QLatin1String(".");
+    // On a disk that knows no case the two would be one file.
+    const bool database = trimmed.startsWith(QLatin1String(kDatabaseFile), Qt::CaseInsensitive);
+    return leaves || database ? NameFault::forbidden : NameFault::none;
+}
+
+QByteArray with_line_ends(const QByteArray& content) {
+    QByteArray text;
+    text.reserve(content.size() + 2);
+    for (qsizetype at = 0; at < content.size(); ++at) {
+        const char character = content[at];
+        if (character != '\r' && character != '\n') {
+            text += character;
+            continue;
+        }
+        text += kLineEnd;
+        if (character == '\r' && at + 1 < content.size() && content[at + 1] == '\n') ++at;
+    }
+    if (!content.isEmpty() && !content.endsWith('\r') && !content.endsWith('\n')) text += kLineEnd;
+    return text;
+}
+
+std::optional<QByteArray> read_file(const QString& path) {
+    QFile file(path);
+    if (!plain_file_or_none(path) || !file.open(QIODevice::ReadOnly)) return {};
+    if (file.size() > kLongestFile) return {};
+    QByteArray content = file.readAll();
+    if (file.error() != QFileDevice::NoError) return {};
+    return content;
+}
+
+bool write_file(const QString& path, const QByteArray& content) {
+    QFile file(path);
+    if (!plain_file_or_none(path) || !file.open(QIODevice::WriteOnly)) return false;
+    // A full disk may show in a write that comes back short, or no sooner than at the flush.
+    const QByteArray bytes = content + kLineEnd;
+    return file.write(bytes) == bytes.size() && file.flush();
+}
+
+}  // namespace m47

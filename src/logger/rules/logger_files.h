@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <optional>
+
+namespace m47 {
+
+/// What is wrong with a name for the temporary download file.
+enum class NameFault {
+    none,
+    empty,      ///< nothing but blanks
+    forbidden,  ///< would leave the folder, or is the database's
+};
+
+/// Looks at `name` before anything is sent to the meter: the file must lie in the program's folder
+/// and leave the database (and the files beside it that begin with its name) alone.
+NameFault temporary_name_fault(const QString& name);
+
+/// `content` with every line ended by CR LF. A line ends at CR, LF or CR LF; a last line without
+/// its end counts as one.
+QByteArray with_line_ends(const QByteArray& content);
+
+/// The bytes of a plain file. Nothing when it cannot be read, is no plain file (a pipe would be
+/// waited for) or is longer than 64 MiB, which no logger holds.
+std::optional<QByteArray> read_file(const QString& path);
+
+/// Creates or overwrites a file with `content` and one line end. False when it could not be
+/// written completely; what is on the disk then is not to be relied on.
+bool write_file(const QString& path, const QByteArray& content);
+
+}  // namespace m47

@@ -1,0 +1,212 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "download.h"
+
+#include <QFileDialog>
+#include <QFontDatabase>
+
+#include "column_headers.h"
+#include "commands.h"
+#include "download_tooltips.h"
+#include "handler.h"
+#include "icons.h"
+#include "text_printer.h"
+#include "ui_download.h"
+
+namespace m47 {
+namespace {
+
+/// The keys of the toolbar in their order. They are no part of the form, since "delete" is no name
+/// for a member.
+constexpr const char* kToolbarKeys[] = {"open",  "save",   "delete", "dwl",   "dwl_c",
+                                        "dwl_m", "to_ana", "to_dig", "stampa"};
+
+constexpr Bilingual kBytesSoFar{"%1 bytes", "%1 byte"};
+constexpr Bilingual kCopyRows{"Copy rows", "Copia righe"};
+
+}  // namespace
+
+Download::Download(Link& link, ProgramState& program, QWidget* parent)
+    : QMainWindow(parent),
+      data(link, program),
+      link_(link),
+      program_(program),
+      ui_(std::make_unique<Ui::Download>()) {
+    ui_->setupUi(this);
+    ui_->dwl_txt->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    ui_->span_panel->hide();
+    // Its menu would hide the toolbar, and nothing would bring it back.
+    setContextMenuPolicy(Qt::NoContextMenu);
+    add_keys();
+    connect_buttons();
+    connect_table();
+    data.on_bytes = [this](qsizetype bytes) { show_bytes(bytes); };
+}
+
+Download::~Download() = default;
+
+void Download::Form_Load() {
+    set_tooltips(this, download_tooltips(), program_.texts);
+    ui_->record_table->copy_action()->setText(program_.texts.pick(kCopyRows));
+    // The logged text brings headers of its own, so these are not shown anywhere.
+    static_cast<void>(column_headers(link_.reply_text));
+}
+
+void Download::Form_Activate() {
+    run_handler(this, "Form_Activate", [this] { link_.send(command::kMeterDevice); });
+}
+
+void Download::add_keys() {
+    for (const char* name : kToolbarKeys) {
+        const QString key = QString::fromLatin1(name);
+        ui_->Toolbar1->addAction(toolbar_icon(key), key)->setObjectName(key);
+    }
+    // "dwl_c", "dwl_m", "to_ana" and "to_dig" are shown and do nothing.
+    keys_.insert(QStringLiteral("open"), [this] { cmdrecall_Click(); });
+    keys_.insert(QStringLiteral("save"), [this] { cmdsave_Click(); });
+    keys_.insert(QStringLiteral("delete"), [this] { cmddelete_Click(); });
+    keys_.insert(QStringLiteral("dwl"), [this] { cmddownload_Click(); });
+    keys_.insert(QStringLiteral("stampa"), [this] { createdoc(); });
+    on(ui_->Toolbar1, &QToolBar::actionTriggered, this, "Toolbar1_ButtonClick",
+       [this](QAction* key) { Toolbar1_ButtonClick(key->objectName()); });
+}
+
+void Download::Toolbar1_ButtonClick(const QString& key) {
+    const auto action = keys_.constFind(key);
+    if (action != keys_.constEnd()) (*action)();
+}
+
+void Download::connect_buttons() {
+    const auto click = [this](QPushButton* button, const char* name, void (Download::*handler)()) {
+        on(button, &QPushButton::clicked, this, name, [this, handler] { (this->*handler)(); });
+    };
+    click(ui_->cmddownload, "cmddownload_Click", &Download::cmddownload_Click);
+    click(ui_->cmddownloadlast, "cmddownloadlast_Click", &Download::cmddownloadlast_Click);
+    click(ui_->cmdclearall, "cmdclearall_Click", &Download::cmdclearall_Click);
+    click(ui_->cmdclearlast, "cmdclearlast_Click", &Download::cmdclearlast_Click);
+    click(ui_->cmddatain, "cmddatain_Click", &Download::cmddatain_Click);
+    click(ui_->cmdspan, "cmdspan_Click", &Download::cmdspan_Click);
+    connect(ui_->span_chart, &SpanChart::point_clicked, this, &Download::show_span_point);
+    connect(ui_->cmdexit, &QAction::triggered, this, &Download::exit_asked);
+}
+
+void Download::connect_table() {
+    // A text that nobody looks at as a table is not taken to pieces.
+    connect(ui_->pages, &QTabWidget::currentChanged, this, &Download::fill_table);
+}
+
+void Download::cmddownload_Click() {
+    download(command::kAllLogs);
+}
+
+void Download::cmddownloadlast_Click() {
+    download(command::kLastLog);
+}
+
+void Download::cmdclearall_Click() {
+    link_.send(command::kDeleteAllLogs);
+}
+
+void Download::cmdclearlast_Click() {
+    link_.send(command::kDeleteLastLog);
+}
+
+void Download::cmddatain_Click() {
+    link_.send(command::kStartLog);
+}
+
+void Download::download(const QString& command) {
+    const NameFault fault = data.download(command, ui_->tmpfile->text());
+    Q_EMIT progress(QString());
+    if (fault == NameFault::none) {
+        show_text();
+        return;
+    }
+    show_message(QMessageBox::NoIcon, QStringLiteral("Data Error"),
+                 fault == NameFault::empty ? kDefineTemporaryName : kFilenameError);
+    ui_->tmpfile->setFocus();
+}
+
+void Download::show_bytes(qsizetype bytes) {
+    Q_EMIT progress(program_.texts.pick(kBytesSoFar).arg(bytes));
+}
+
+void Download::show_text() {
+    ui_->dwl_txt->setPlainText(QString::fromLatin1(data.text()));
+    table_filled_ = false;
+    fill_table();
+}
+
+void Download::fill_table() {
+    if (table_filled_ || ui_->pages->currentWidget() != ui_->table_page) return;
+    ui_->record_table->set_text(data.text());
+    table_filled_ = true;
+}
+
+void Download::show_message(QMessageBox::Icon icon, const QString& title, int number) {
+    QMessageBox box(icon, title, program_.texts.message(number), QMessageBox::Ok, this);
+    box.setTextFormat(Qt::PlainText);
+    box.exec();
+}
+
+QString Download::ask_file(const std::function<void(QFileDialog&)>& set_up) {
+    QFileDialog dialog(this);
+    // Any name will do: what cannot be opened is told by nothing being shown.
+    dialog.setFileMode(QFileDialog::AnyFile);
+    dialog.setNameFilter(QStringLiteral("(*.dwl)"));
+    dialog.setDefaultSuffix(QStringLiteral("dwl"));
+    dialog.setDirectory(program_.base_dir);
+    set_up(dialog);
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return {};
+    return dialog.selectedFiles().constFirst();
+}
+
+void Download::cmdrecall_Click() {
+    const QString path =
+        ask_file([](QFileDialog& dialog) { dialog.setAcceptMode(QFileDialog::AcceptOpen); });
+    if (path.isEmpty()) return;
+    data.open(path);
+    show_text();
+    ui_->nome_file->setText(data.file_name());
+}
+
+void Download::cmdsave_Click() {
+    if (data.text().isEmpty()) {
+        show_message(QMessageBox::Critical, QStringLiteral("Error"), kNoDataDownload);
+        return;
+    }
+    const QString path = ask_file([](QFileDialog& dialog) {
+        dialog.setAcceptMode(QFileDialog::AcceptSave);
+        dialog.setOption(QFileDialog::DontConfirmOverwrite);
+    });
+    if (path.isEmpty()) return;
+    data.save(path);
+    ui_->nome_file->setText(data.file_name());
+}
+
+void Download::cmddelete_Click() {
+    const QString path = ask_file([this](QFileDialog& dialog) {
+        dialog.setAcceptMode(QFileDialog::AcceptOpen);
+        dialog.setWindowTitle(ui_->Toolbar1->actions().at(2)->toolTip());
+        dialog.setLabelText(QFileDialog::Accept, dialog.windowTitle());
+    });
+    if (path.isEmpty()) return;
+    data.remove(path);
+    show_text();
+}
+
+void Download::cmdspan_Click() {
+    ui_->span_panel->show();
+    ui_->span_point->clear();
+    ui_->span_chart->show_points(read_span(link_));
+}
+
+void Download::show_span_point(int row) {
+    ui_->span_point->setText(
+        span_point_text(ui_->span_chart->points(), static_cast<std::size_t>(row)));
+}
+
+void Download::createdoc() {
+    print_text(this, windowTitle(), print_page(data.text()));
+}
+
+}  // namespace m47

@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <span>
+
+#include "tooltips.h"
+
+namespace m47 {
+
+/// The tooltips of the logger screen's controls and toolbar keys, in both languages.
+std::span<const Tooltip> download_tooltips();
+
+}  // namespace m47

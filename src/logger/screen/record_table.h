@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QAction>
+#include <QTableView>
+
+#include "record_model.h"
+
+namespace m47 {
+
+/// The logged data as a table that is sorted by a click on a column's name. Ctrl+C and the context
+/// menu copy the selected rows, or all, to the clipboard.
+class RecordTable : public QTableView {
+    Q_OBJECT
+  public:
+    explicit RecordTable(QWidget* parent = nullptr);
+
+    /// Shows `text`, in the order of its lines.
+    void set_text(const QByteArray& text);
+
+    QAction* copy_action() const { return copy_; }
+
+    /// Puts the selected rows (all where none is selected) on the clipboard, TAB-separated.
+    void copy_rows() const;
+
+  private:
+    RecordModel* records_;
+    QAction* copy_;
+};
+
+}  // namespace m47
