@@ -362,17 +362,24 @@ void TransactionTest::progress_steps_and_wraps() {
 
 void TransactionTest::the_bytes_that_have_arrived_are_told() {
     QList<qsizetype> told;
-    link_->on_received = [&told](qsizetype bytes) { told += bytes; };
+    link_->on_received = [&](qsizetype bytes) {
+        QCOMPARE(bytes, link_->reply_text.size());
+        if (told.isEmpty() || told.last() != bytes) told += bytes;
+    };
     int asked = 0;
     port_->answer = [&](const QByteArray& command) {
-        if (++asked == 1) return command + "\rERROR\r";
+        if (++asked == 1) {
+            port_->feed("\rERROR\r", 0.5);
+            return command;
+        }
         port_->feed("73", 0.5);
-        port_->feed(".5\rOK\r", 1);
+        port_->feed(".5\rOK", 1);
+        port_->feed("\r", 1.5);
         return command + "\r";
     };
     run(QStringLiteral("LEVANL?"));
     QCOMPARE(link_->reply_text, QStringLiteral("73.5"));
-    QCOMPARE(told, QList<qsizetype>({14, 8, 10, 16}));
+    QCOMPARE(told, QList<qsizetype>({7, 8, 10, 15}));
 }
 
 void TransactionTest::the_hourglass_stands_meanwhile() {

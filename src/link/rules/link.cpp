@@ -134,7 +134,6 @@ void Link::collect_input() {
     const QByteArray input = port_.read_all();
     const qsizetype room = kLongestReply - reply_text.size();
     reply_text += QString::fromLatin1(input.first(std::min(input.size(), room)));
-    if (on_received && !input.isEmpty()) on_received(reply_text.size());
 }
 
 bool Link::open_port() {
@@ -181,6 +180,7 @@ void Link::pump_when_due() {
     const double passed = clock_.now() - last_pump_;
     // Back in time is a clock behind midnight.
     if (passed >= 0 && passed < kPumpInterval) return;
+    if (on_received && !reply_text.isEmpty()) on_received(reply_text.size());
     view_.pump();
     last_pump_ = clock_.now();
 }

@@ -32,8 +32,9 @@ class Link {
     int port_number = 0;
     /// Asked while waiting; true ends the wait or the next transaction with Interrupted.
     std::function<bool()> interrupted;
-    /// Told, as an answer grows, how many of its bytes have arrived so far (echo included; a new
-    /// attempt starts from 0). It may show them and nothing else: the line is being read meanwhile.
+    /// Told before each pump of the windows how many bytes of the answer have arrived so far (echo
+    /// included; a new attempt starts from 0). It may show them and nothing else: the line is being
+    /// read meanwhile.
     std::function<void(qsizetype bytes)> on_received;
 
     /// Sends `command_text` and leaves the reduced answer in `reply_text` ("OK" for a setting, the

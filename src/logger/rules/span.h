@@ -21,8 +21,8 @@ inline constexpr std::size_t kSpanRows = 100;
 
 /// The points of a span reply: lines of a label, a TAB and a number, each ended by CR (and LF). The
 /// meter's detector counts from 30 dB below, so 30 is taken off every value. Ends at a line that
-/// begins with "OK", at row 100 or at a line that has no end; a line without a TAB, or whose number
-/// is beyond all measure, is no point. Any text at all may be passed.
+/// begins with "OK", at row 100 or at a line that has no end. A line without a TAB is no point;
+/// text behind the TAB that is no number counts as 0. Any text at all may be passed.
 SpanPoints parse_span(const QString& reply);
 
 /// Asks the meter for its span. Empty when nothing could be sent or the link was lost.
