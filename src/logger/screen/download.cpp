@@ -20,6 +20,10 @@ namespace {
 constexpr const char* kToolbarKeys[] = {"open",  "save",   "delete", "dwl",   "dwl_c",
                                         "dwl_m", "to_ana", "to_dig", "stampa"};
 
+/// The size at which the screen opens, in characters and in lines.
+constexpr int kColumns = 120;
+constexpr int kLines = 34;
+
 constexpr Bilingual kBytesSoFar{"%1 bytes", "%1 byte"};
 constexpr Bilingual kCopyRows{"Copy rows", "Copia righe"};
 
@@ -33,7 +37,7 @@ Download::Download(Link& link, ProgramState& program, QWidget* parent)
       ui_(std::make_unique<Ui::Download>()) {
     ui_->setupUi(this);
     ui_->dwl_txt->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-    ui_->span_panel->hide();
+    show_span_panel(false);
     // Its menu would hide the toolbar, and nothing would bring it back.
     setContextMenuPolicy(Qt::NoContextMenu);
     add_keys();
@@ -43,6 +47,10 @@ Download::Download(Link& link, ProgramState& program, QWidget* parent)
 }
 
 Download::~Download() = default;
+
+QSize Download::sizeHint() const {
+    return {fontMetrics().averageCharWidth() * kColumns, fontMetrics().height() * kLines};
+}
 
 void Download::Form_Load() {
     set_tooltips(this, download_tooltips(), program_.texts);
@@ -195,9 +203,14 @@ void Download::cmddelete_Click() {
 }
 
 void Download::cmdspan_Click() {
-    ui_->span_panel->show();
+    show_span_panel(true);
+    ui_->pages->setCurrentWidget(ui_->span_panel);
     ui_->span_point->clear();
     ui_->span_chart->show_points(read_span(link_));
+}
+
+void Download::show_span_panel(bool on) {
+    ui_->pages->setTabVisible(ui_->pages->indexOf(ui_->span_panel), on);
 }
 
 void Download::show_span_point(int row) {

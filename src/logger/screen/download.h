@@ -26,6 +26,9 @@ class Download : public QMainWindow {
     Download(Link& link, ProgramState& program, QWidget* parent = nullptr);
     ~Download() override;
 
+    /// Wide enough for a record, high enough for a few logs.
+    QSize sizeHint() const override;
+
     LoggerData data;
 
     /// Sets the tooltips and composes the column headers; run once, when the screen is there.
@@ -61,6 +64,7 @@ class Download : public QMainWindow {
     void show_text();
     void fill_table();
     void show_bytes(qsizetype bytes);
+    void show_span_panel(bool on);
     void show_span_point(int row);
     void createdoc();
     QString ask_file(const std::function<void(QFileDialog&)>& set_up);

@@ -14,6 +14,8 @@ constexpr double kPointSize = 3;
 constexpr int kReach = 2;
 /// Room for a row's name, in characters of the axis.
 constexpr int kNameWidth = 9;
+/// The axis goes on beyond the last row, so that half its name still lies inside.
+constexpr double kRoomForLastName = 1.05;
 
 void colour_axis(QCPAxis* axis, const QColor& text, const QColor& faint) {
     axis->setBasePen(QPen(text));
@@ -48,7 +50,7 @@ void SpanChart::show_points(SpanPoints points) {
     mark_->data()->clear();
     name_rows();
     const double last = std::max<double>(2, static_cast<double>(points_.size()));
-    xAxis->setRange(0, last + 1);
+    xAxis->setRange(0, last * kRoomForLastName);
     if (points_.empty()) {
         yAxis->setRange(0, 100);
     } else {
