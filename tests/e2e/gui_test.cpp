@@ -123,7 +123,7 @@ class GuiTest : public QObject {
         find<QAction>("realtime")->trigger();
         QCOMPARE(status->text(), QStringLiteral("RS232 ComPort 3 NOT Connected"));
         QVERIFY(!status->toolTip().contains(QStringLiteral("Reconnect")));
-        QTest::qWait(1100);
+        QTest::qWait(3000);
         meter_ = std::make_unique<MeterProcess>(folder_->path(),
                                                 QStringList{"--baud-factor", "0", "--delay", "0"});
         QTRY_VERIFY_WITH_TIMEOUT(

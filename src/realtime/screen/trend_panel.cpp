@@ -160,8 +160,9 @@ void TrendPanel::draw_failed(const std::vector<TrendSpot>& failed) {
         const double x = time_axis()->coordToPixel(spot.time) - area.left();
         const double y = value_axis()->coordToPixel(spot.value) - area.top();
         if (x < 0 || y < 0 || x > area.width() || y > area.height()) continue;
-        const auto cell = static_cast<std::size_t>(static_cast<int>(y) / kFailedCell * across +
-                                                   static_cast<int>(x) / kFailedCell);
+        const auto row = static_cast<std::size_t>(static_cast<int>(y) / kFailedCell);
+        const auto column = static_cast<std::size_t>(static_cast<int>(x) / kFailedCell);
+        const std::size_t cell = row * static_cast<std::size_t>(across) + column;
         if (!taken[cell]) marks.push_back(spot);
         taken[cell] = true;
     }
