@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "transaction.h"
+
+#include <QSqlQuery>
+
+#include "engine.h"
+
+namespace m47 {
+
+DatabaseTransaction::DatabaseTransaction(const QSqlDatabase& database) : database_(database) {
+    Query(database_, QStringLiteral("BEGIN IMMEDIATE"));
+}
+
+DatabaseTransaction::~DatabaseTransaction() {
+    if (open_) QSqlQuery(QStringLiteral("ROLLBACK"), database_);
+}
+
+void DatabaseTransaction::commit() {
+    Query(database_, QStringLiteral("COMMIT"));
+    open_ = false;
+}
+
+}  // namespace m47
