@@ -107,7 +107,12 @@ void M47MDI::cmditaliano_Click() {
 }
 
 void M47MDI::show_progress(const QString& text) {
+    show_upload(text, QString());
+}
+
+void M47MDI::show_upload(const QString& text, const QString& tooltip) {
     progress_->setText(text);
+    progress_->setToolTip(tooltip);
 }
 
 void M47MDI::allow_reconnect() {

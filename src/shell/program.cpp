@@ -11,6 +11,7 @@
 #include "handler.h"
 #include "port_diagnosis.h"
 #include "port_setting.h"
+#include "program_set.h"
 #include "realtime.h"
 
 namespace m47 {
@@ -82,6 +83,18 @@ Realtime* Program::make_realtime(QWidget* parent) {
 }
 
 void Program::add_screens() {
+    window_.add_screen(
+        QStringLiteral("program"),
+        {.create =
+             [this] {
+                 auto* screen = new ProgramSet(link_, state_, *database_);
+                 close_on_exit(screen);
+                 QObject::connect(screen, &ProgramSet::upload_state, &window_,
+                                  &M47MDI::show_upload);
+                 return screen;
+             },
+         .load = [](QWidget* screen) { static_cast<ProgramSet*>(screen)->Form_Load(); },
+         .activate = [](QWidget* screen) { static_cast<ProgramSet*>(screen)->Form_Activate(); }});
     window_.add_screen(
         QStringLiteral("realtime"),
         {.create =

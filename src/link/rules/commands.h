@@ -26,6 +26,12 @@ inline const QString kMarker = QStringLiteral("MARKER");            ///< number,
 inline const QString kDiseqc = QStringLiteral("DISEQC");          ///< place in kDiseqcCommands
 inline const QString kDiseqcMotor = QStringLiteral("DISEQCMOT");  ///< motor command and argument
 
+// Programs and data logger
+inline const QString kProgram = QStringLiteral("PROGRAM");          ///< number, 0 to 99
+inline const QString kStore = QStringLiteral("STORE");              ///< into the chosen program
+inline const QString kDelete = QStringLiteral("DELETE");            ///< first and last program
+inline const QString kLoggerTable = QStringLiteral("DATAPROGRAM");  ///< line, program, state
+
 // Measurements
 inline const QString kLevel = QStringLiteral("LEVANL");
 inline const QString kChannelPower = QStringLiteral("LEVDCP");
@@ -52,6 +58,10 @@ inline QString query(const QString& word) {
 inline const QString kFullAttenuation = kAttenuator + QStringLiteral(" 6");
 inline const QString kMeterDevice = kDevice + QStringLiteral(" 0");
 inline const QString kTabbedOutput = kOutputMode + QStringLiteral(" 1");
+/// Every line of the logger table.
+inline const QString kClearLoggerTable = kLoggerTable + QStringLiteral(" *");
+inline const QString kAnalogMarker = kMarker + QStringLiteral(" 1 0");
+inline const QString kDigitalMarker = kMarker + QStringLiteral(" 1 1");
 inline const QString kSupplyOff = kSupply + QStringLiteral(" 00");
 inline const QString kSupplyOn = kSupply + QStringLiteral(" 01");
 inline const QString kToneOff = kTone + QStringLiteral(" 00");

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+#include <vector>
+
+#include "program_record.h"
+
+namespace m47 {
+
+/// What a program shares with another one of its plan, though it must not.
+enum class Clash { none, number, logger_position };
+
+/// The first clash of `record` with one of `others`, the other programs of its plan. Numbers are
+/// compared by value; an empty number or position clashes with nothing.
+Clash find_clash(const std::vector<ProgramRecord>& others, const ProgramRecord& record);
+
+/// The position behind the last one in use, "01" where none is; empty when the meter's table, which
+/// ends at 41, is full.
+QString next_logger_position(const std::vector<ProgramRecord>& programs);
+
+/// The last line of the meter's logger table.
+inline constexpr int kLastLoggerLine = 41;
+
+}  // namespace m47

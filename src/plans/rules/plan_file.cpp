@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "plan_file.h"
+
+#include <algorithm>
+
+#include "numbers.h"
+#include "scan_table.h"
+
+namespace m47 {
+namespace {
+
+constexpr qsizetype kLargestFile = qsizetype{1024} * 1024;
+const QString kPlanColumn = QStringLiteral("nome");
+
+QString quoted(QString cell, QChar separator) {
+    const bool plain = !cell.contains(separator) && !cell.contains(u'"') && !cell.contains(u'\n') &&
+                       !cell.contains(u'\r');
+    if (plain) return cell;
+    return u'"' + cell.replace(u'"', QStringLiteral("\"\"")) + u'"';
+}
+
+QString line_of(const QStringList& cells, QChar separator) {
+    QStringList written;
+    for (const QString& cell : cells) written += quoted(cell, separator);
+    return written.join(separator) + u'\n';
+}
+
+QStringList header() {
+    QStringList names{kPlanColumn};
+    for (const ProgramField& field : program_fields()) names += QString::fromLatin1(field.name);
+    return names << QString::fromLatin1(kOscillatorColumn);
+}
+
+/// A row of cells and the line of the file it begins in.
+struct CellRow {
+    int line;
+    QStringList cells;
+};
+
+/// Takes a text apart into cells. A cell in quotes may hold separators, line ends and, doubled,
+/// quotes; a quote that is never closed reaches to the end.
+class CellReader {
+  public:
+    CellReader(const QString& text, QChar separator) : text_(text), separator_(separator) {}
+
+    std::vector<CellRow> read() {
+        for (at_ = 0; at_ < text_.size(); ++at_) take(text_[at_]);
+        end_row();
+        return rows_;
+    }
+
+  private:
+    void take(QChar c) {
+        if (in_quotes_) {
+            take_quoted(c);
+        } else if (c == u'"' && cell_.isEmpty()) {
+            in_quotes_ = true;
+        } else if (c == separator_) {
+            end_cell();
+        } else if (c == u'\r' || c == u'\n') {
+            if (c == u'\r' && next() == u'\n') ++at_;
+            end_row();
+            row_line_ = ++line_;
+        } else {
+            cell_ += c;
+        }
+    }
+
+    void take_quoted(QChar c) {
+        if (c == u'"' && next() == u'"') {
+            cell_ += c;
+            ++at_;
+        } else if (c == u'"') {
+            in_quotes_ = false;
+        } else {
+            if (c == u'\n' || (c == u'\r' && next() != u'\n')) ++line_;
+            cell_ += c;
+        }
+    }
+
+    QChar next() const { return at_ + 1 < text_.size() ? text_[at_ + 1] : QChar(); }
+
+    void end_cell() {
+        cells_ += cell_.trimmed();
+        cell_.clear();
+    }
+
+    void end_row() {
+        end_cell();
+        if (cells_.size() > 1 || !cells_.constFirst().isEmpty())
+            rows_.push_back({row_line_, cells_});
+        cells_.clear();
+    }
+
+    const QString& text_;
+    QChar separator_;
+    qsizetype at_ = 0;
+    bool in_quotes_ = false;
+    int line_ = 1;
+    int row_line_ = 1;
+    QString cell_;
+    QStringList cells_;
+    std::vector<CellRow> rows_;
+};
+
+/// By the header, which holds no number that could have a decimal comma.
+QChar separator_of(const QString& text) {
+    const QString first = text.section(u'\n', 0, 0);
+    for (const QChar separator : {QChar(u'\t'), QChar(u';')})
+        if (first.contains(separator)) return separator;
+    return u',';
+}
+
+ImportCandidate candidate_of_row(const QStringList& names, const CellRow& row, double unit_offset) {
+    ImportCandidate candidate{.line = row.line, .record = import_defaults(unit_offset)};
+    const auto cell = [&](const char* name) {
+        const qsizetype column = names.indexOf(QString::fromLatin1(name));
+        return row.cells.value(column).replace(u',', u'.');
+    };
+    candidate.oscillator = cell(kOscillatorColumn);
+    candidate.record.loc_osc = candidate.oscillator.isEmpty();
+    for (const ProgramField& field : program_fields())
+        if (!cell(field.name).isEmpty()) set_field(candidate.record, field, cell(field.name));
+    // 1 alone is digital.
+    candidate.record.sat_ad = typed_value(cell("sat_ad")) == 1;
+    return candidate;
+}
+
+ImportFile parse_plan_file(const QString& text, double unit_offset) {
+    ImportFile file;
+    const std::vector<CellRow> rows = CellReader(text, separator_of(text)).read();
+    if (rows.empty()) return file;
+    const QStringList known = header();
+    const QStringList& names = rows.front().cells;
+    for (const QString& name : names)
+        if (!known.contains(name)) file.unknown_columns += name;
+    // Without a frequency it is a table of something else.
+    file.understood = names.contains(QStringLiteral("frequenza"));
+    if (!file.understood) return file;
+    for (std::size_t k = 1; k < rows.size(); ++k)
+        file.candidates.push_back(candidate_of_row(names, rows[k], unit_offset));
+    return file;
+}
+
+}  // namespace
+
+QString plan_file_text(const QString& name, const std::vector<ProgramRecord>& programs,
+                       const Oscillators& oscillators, QChar separator) {
+    QString text = line_of(header(), separator);
+    for (const ProgramRecord& program : programs) {
+        QStringList cells{name};
+        for (const ProgramField& field : program_fields())
+            cells += field_text(program, field).replace(u',', u'.');
+        const int index = std::clamp(program.loc_osc0, 0, 3);
+        cells += program.loc_osc ? QString() : oscillators[static_cast<std::size_t>(index)];
+        text += line_of(cells, separator);
+    }
+    return text;
+}
+
+ImportFile parse_import_file(const QByteArray& bytes, double unit_offset) {
+    if (bytes.size() > kLargestFile) return {};
+    QString text = QString::fromUtf8(bytes);
+    if (text.startsWith(QChar(QChar::ByteOrderMark))) text.remove(0, 1);
+    if (!is_scan_table(text)) return parse_plan_file(text, unit_offset);
+    return {parse_scan_table(text, unit_offset), {}, true};
+}
+
+}  // namespace m47

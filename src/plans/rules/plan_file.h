@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QByteArray>
+#include <QStringList>
+#include <vector>
+
+#include "plan_import.h"
+
+namespace m47 {
+
+/// The column of a plan file behind those of the table: the MHz of the program's oscillator, since
+/// its number alone says nothing in another plan.
+inline constexpr const char* kOscillatorColumn = "oscillator";
+
+/// The plan `name` as a text with one line a program under a line of field names, separated by
+/// `separator` (TAB or comma), numbers with ".".
+QString plan_file_text(const QString& name, const std::vector<ProgramRecord>& programs,
+                       const Oscillators& oscillators, QChar separator);
+
+/// What a file offers to import.
+struct ImportFile {
+    std::vector<ImportCandidate> candidates;
+    QStringList unknown_columns;
+    /// False where it is neither a plan nor a scan table, or larger than any plan.
+    bool understood = false;
+};
+
+/// A plan file, separated by TAB, comma or semicolon, with "." or "," in its numbers, or a DVB scan
+/// table.
+ImportFile parse_import_file(const QByteArray& bytes, double unit_offset);
+
+}  // namespace m47

@@ -1,0 +1,188 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "plan_import.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "diseqc_commands.h"
+#include "numbers.h"
+#include "plan_clashes.h"
+#include "program_checks.h"
+
+namespace m47 {
+namespace {
+
+constexpr int kProgramNumbers = 100;
+constexpr const char* kNumber = "000";
+
+QString first_free_number(const std::vector<ProgramRecord>& taken) {
+    for (int number = 0; number < kProgramNumbers; ++number) {
+        // What has no number goes to the meter as program 0.
+        const bool used = std::ranges::any_of(taken, [number](const ProgramRecord& program) {
+            return typed_value(program.pg_num) == number;
+        });
+        if (!used) return format_number(number, kNumber);
+    }
+    return {};
+}
+
+/// The entry of `oscillators` for `mhz`, taken there if need be; best the one that is `preferred`.
+std::optional<int> place_oscillator(Oscillators& oscillators, int preferred, const QString& mhz) {
+    std::array<std::size_t, 4> order{0, 1, 2, 3};
+    if (preferred >= 0 && preferred < 4) {
+        const auto first = order.begin() + preferred;
+        std::rotate(order.begin(), first, first + 1);
+    }
+    const auto same = [&](std::size_t k) {
+        return typed_value(oscillators[k]) == typed_value(mhz);
+    };
+    const auto free = [&](std::size_t k) { return oscillators[k].trimmed().isEmpty(); };
+    auto place = std::ranges::find_if(order, same);
+    if (place == order.end()) place = std::ranges::find_if(order, free);
+    if (place == order.end()) return std::nullopt;
+    if (free(*place)) oscillators[*place] = mhz;
+    return static_cast<int>(*place);
+}
+
+QString checked_position(const QString& text) {
+    const double line = typed_value(text);
+    const bool good = !text.trimmed().isEmpty() && line >= 0 && line <= kLastLoggerLine;
+    return good ? format_number(line, "00") : QString();
+}
+
+QStringList differences(const ProgramRecord& before, const ProgramRecord& after) {
+    QStringList list;
+    for (const ProgramField& field : program_fields()) {
+        const QString old_text = field_text(before, field);
+        const QString new_text = field_text(after, field);
+        // Another form of the same number is no correction, nor is what fills a gap.
+        const bool gap =
+            old_text.isEmpty() && QLatin1String(field.name) != QLatin1String("frequenza");
+        if (gap || old_text == new_text) continue;
+        if (!old_text.isEmpty() && !new_text.isEmpty() &&
+            typed_value(old_text) == typed_value(new_text))
+            continue;
+        list += QStringLiteral("%1: %2 → %3").arg(QLatin1String(field.name), old_text, new_text);
+    }
+    return list;
+}
+
+/// Makes the preview program by program: each one sees those before it as part of the plan.
+class Importer {
+  public:
+    Importer(const std::vector<ProgramRecord>& programs, const Oscillators& oscillators,
+             double unit_offset)
+        : taken_(programs), unit_offset_(unit_offset) {
+        preview_.oscillators = oscillators;
+        preview_.replaces_blank = taken_.size() == 1 && is_blank(taken_.front());
+        if (preview_.replaces_blank) taken_.clear();
+    }
+
+    void take(const ImportCandidate& candidate) {
+        ImportRow row{
+            candidate.line, candidate.record, candidate.oscillator, {}, candidate.problem};
+        if (row.added()) row.problem = fit(row);
+        if (row.added()) taken_.push_back(row.record);
+        row.corrections = row.added() ? differences(candidate.record, row.record) : QStringList();
+        preview_.rows.push_back(row);
+    }
+
+    ImportPreview result() {
+        if (preview_.added() == 0) preview_.replaces_blank = false;
+        return preview_;
+    }
+
+  private:
+    ImportProblem fit(ImportRow& row) {
+        ProgramRecord& record = row.record;
+        record.pg_num = record.pg_num.isEmpty() ? first_free_number(taken_)
+                                                : checked_program_number(record.pg_num);
+        if (record.pg_num.isEmpty()) return ImportProblem::no_number;
+        const QString position = checked_position(record.logger_pos);
+        // Without a line it cannot be active in the table.
+        if (position.isEmpty() && !record.logger_pos.isEmpty()) record.logger_state = false;
+        record.logger_pos = position;
+        switch (find_clash(taken_, record)) {
+            case Clash::number:
+                return ImportProblem::number_taken;
+            case Clash::logger_position:
+                return ImportProblem::position_taken;
+            case Clash::none:
+                break;
+        }
+        return tune(row);
+    }
+
+    ImportProblem tune(ImportRow& row) {
+        ProgramRecord& record = row.record;
+        if (!record.loc_osc && !row.oscillator.isEmpty()) {
+            row.oscillator = plain_text(typed_value(checked_oscillator(row.oscillator)));
+            const auto place =
+                place_oscillator(preview_.oscillators, record.loc_osc0, row.oscillator);
+            if (!place) return ImportProblem::no_oscillator;
+            record.loc_osc0 = *place;
+        }
+        const int index = std::clamp(record.loc_osc0, 0, 3);
+        QString oscillator = preview_.oscillators[static_cast<std::size_t>(index)];
+        correct_fields(record, oscillator, unit_offset_);
+        row.oscillator = record.loc_osc ? QString() : oscillator;
+        return ImportProblem::none;
+    }
+
+    std::vector<ProgramRecord> taken_;
+    double unit_offset_;
+    ImportPreview preview_;
+};
+
+}  // namespace
+
+int ImportPreview::added() const {
+    return static_cast<int>(std::ranges::count_if(rows, &ImportRow::added));
+}
+
+ProgramRecord import_defaults(double unit_offset) {
+    ProgramRecord record;
+    record.loc_osc = true;
+    record.qpsk_symbolrate = QStringLiteral("27500");
+    record.satchbw = QStringLiteral("36");
+    record.diseqc_cmd = record.diseqc_cmd2 = kDiseqcNone;
+    record.lev_min = plain_text(20 - unit_offset);
+    record.lev_max = plain_text(120 - unit_offset);
+    record.noise_min = record.mer_min = QStringLiteral("1");
+    record.noise_max = record.mer_max = QStringLiteral("40");
+    record.chber_min = QStringLiteral("1E-8");
+    record.chber_max = QStringLiteral("3E-2");
+    return record;
+}
+
+ImportPreview preview_import(const std::vector<ImportCandidate>& candidates,
+                             const std::vector<ProgramRecord>& programs,
+                             const Oscillators& oscillators, double unit_offset) {
+    Importer importer(programs, oscillators, unit_offset);
+    for (const ImportCandidate& candidate : candidates) importer.take(candidate);
+    return importer.result();
+}
+
+QString import_problem_text(ImportProblem problem, const Texts& texts) {
+    switch (problem) {
+        case ImportProblem::number_taken:
+            return texts.message(kProgramExists);
+        case ImportProblem::position_taken:
+            return texts.message(kLoggerPositionExists);
+        case ImportProblem::no_number:
+            return texts.pick({"Left out: the plan is full.", "Escluso: il piano è pieno."});
+        case ImportProblem::no_oscillator:
+            return texts.pick({"Left out: the plan has no free oscillator.",
+                               "Escluso: il piano non ha oscillatori liberi."});
+        case ImportProblem::out_of_range:
+            return texts.pick({"Left out: the meter cannot tune it.",
+                               "Escluso: lo strumento non può sintonizzarlo."});
+        case ImportProblem::unreadable:
+            return texts.pick({"Left out: not understood.", "Escluso: non interpretabile."});
+        case ImportProblem::none:
+            break;
+    }
+    return {};
+}
+
+}  // namespace m47

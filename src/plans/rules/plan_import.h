@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <vector>
+
+#include "program_record.h"
+#include "texts.h"
+
+namespace m47 {
+
+/// Why a program of a file does not come into the plan.
+enum class ImportProblem {
+    none,
+    number_taken,
+    position_taken,
+    no_number,      ///< all numbers of the plan are in use
+    no_oscillator,  ///< all oscillators of the plan are in use, at other frequencies
+    out_of_range,   ///< no oscillator brings its frequency into the meter's range
+    unreadable,
+};
+
+/// A program as a file describes it.
+struct ImportCandidate {
+    int line = 0;          ///< where it stands in the file, from 1
+    ProgramRecord record;  ///< an empty number asks for the first free one
+    QString oscillator{};  ///< MHz; empty: entry `loc_osc0` of the plan as it is
+    ImportProblem problem = ImportProblem::none;
+};
+
+/// A program as it will be stored, or why it will not be.
+struct ImportRow {
+    int line = 0;
+    ProgramRecord record;
+    QString oscillator;
+    QStringList corrections;  ///< "frequenza: 500 → 920.0"
+    ImportProblem problem = ImportProblem::none;
+
+    bool added() const { return problem == ImportProblem::none; }
+};
+
+/// What an import will do, before anything is written.
+struct ImportPreview {
+    std::vector<ImportRow> rows;
+    Oscillators oscillators;      ///< of the plan after the import
+    bool replaces_blank = false;  ///< the one program that a new plan starts with goes
+
+    int added() const;
+};
+
+/// The program that a file's gaps are filled from: tuned directly, no supply, no DiSEqC command,
+/// the widest alarm limits in the unit that lies `unit_offset` dB below dBuV.
+ProgramRecord import_defaults(double unit_offset);
+
+/// What becomes of `candidates` in a plan that holds `programs` and `oscillators`.
+ImportPreview preview_import(const std::vector<ImportCandidate>& candidates,
+                             const std::vector<ProgramRecord>& programs,
+                             const Oscillators& oscillators, double unit_offset);
+
+QString import_problem_text(ImportProblem problem, const Texts& texts);
+
+}  // namespace m47

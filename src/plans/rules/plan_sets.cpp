@@ -1,0 +1,300 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "plan_sets.h"
+
+#include <utility>
+
+#include "program_checks.h"
+#include "tables.h"
+#include "transaction.h"
+
+namespace m47 {
+namespace {
+
+constexpr qsizetype kNameLength = 10;
+const QString kPlanField = QStringLiteral("nome");
+
+QString name_of(const char* table) {
+    return QString::fromLatin1(table);
+}
+
+bool step_back(Recordset& set) {
+    if (!set.begin_of_set()) set.move_previous();
+    if (!set.begin_of_set()) return true;
+    if (!set.empty()) set.move_first();
+    return false;
+}
+
+bool step_on(Recordset& set) {
+    if (!set.end_of_set()) set.move_next();
+    if (!set.end_of_set()) return true;
+    if (!set.empty()) set.move_last();
+    return false;
+}
+
+QString chosen_oscillator(const Oscillators& oscillators, int index) {
+    const bool known = index >= 0 && index < static_cast<int>(oscillators.size());
+    return known ? oscillators[static_cast<std::size_t>(index)] : QString();
+}
+
+}  // namespace
+
+QString plan_name(const QString& text) {
+    return text.left(kNameLength).trimmed().toUpper();
+}
+
+PlanSets::PlanSets(Database& database)
+    : database_(database),
+      plans_(Recordset::table(database.connection(), name_of(table::kGruppo))) {
+    first_plan();
+}
+
+void PlanSets::crea_records(const QString& plan) {
+    plan_ = plan.trimmed().toUpper();
+    programs_ = database_.of_plan(name_of(table::kProgrammi), plan_);
+    config_ = database_.of_plan(name_of(table::kConfigurazione), plan_);
+}
+
+/// Makes the plan current in the list of plans as well, so that the next one follows it.
+void PlanSets::show_plan(const QString& name) {
+    plans_.requery();
+    plans_.find_first(kPlanField, name);
+    crea_records(name);
+}
+
+void PlanSets::first_plan() {
+    if (!plans_.empty()) plans_.move_first();
+    crea_records(plans_.empty() ? QString() : plans_.text(kPlanField));
+}
+
+bool PlanSets::previous_plan() {
+    const bool moved = step_back(plans_);
+    if (!plans_.empty()) crea_records(plans_.text(kPlanField));
+    return moved;
+}
+
+bool PlanSets::next_plan() {
+    const bool moved = step_on(plans_);
+    if (!plans_.empty()) crea_records(plans_.text(kPlanField));
+    return moved;
+}
+
+void PlanSets::first_program() {
+    if (has_program()) programs_->move_first();
+}
+
+bool PlanSets::previous_program() {
+    return step_back(*programs_);
+}
+
+bool PlanSets::next_program() {
+    return step_on(*programs_);
+}
+
+void PlanSets::last_program() {
+    if (has_program()) programs_->move_last();
+}
+
+ProgramRecord PlanSets::program() const {
+    return has_program() ? read_program(*programs_) : ProgramRecord();
+}
+
+std::vector<ProgramRecord> PlanSets::programs() const {
+    return programs_of(plan_, std::nullopt);
+}
+
+std::vector<ProgramRecord> PlanSets::programs_of(const QString& plan,
+                                                 std::optional<Bookmark> without) const {
+    std::vector<ProgramRecord> records;
+    Recordset set = database_.of_plan(name_of(table::kProgrammi), plan);
+    for (; !set.end_of_set(); set.move_next())
+        if (set.bookmark() != without) records.push_back(read_program(set));
+    return records;
+}
+
+Oscillators PlanSets::oscillators() const {
+    return config_ && !config_->empty() ? read_oscillators(*config_) : Oscillators();
+}
+
+bool PlanSets::has_plan(const QString& name) const {
+    return !database_.of_plan(name_of(table::kGruppo), name).empty();
+}
+
+/// Reads anew what a failed change may have left behind in the sets, and comes back to the program
+/// that was current.
+void PlanSets::reopen(std::optional<Bookmark> current) {
+    show_plan(plan_);
+    if (!current || !has_program()) return;
+    while (!programs_->end_of_set() && programs_->bookmark() != *current) programs_->move_next();
+    if (programs_->end_of_set()) programs_->move_first();
+}
+
+template <class Body>
+void PlanSets::all_or_nothing(Body body) {
+    const QString plan = plan_;
+    std::optional<Bookmark> current;
+    if (has_program()) current = programs_->bookmark();
+    try {
+        DatabaseTransaction transaction(database_.connection());
+        body();
+        transaction.commit();
+    } catch (...) {
+        plan_ = plan;
+        reopen(current);
+        throw;
+    }
+}
+
+void PlanSets::add_rows(const QString& name) {
+    for (const char* table : {table::kGruppo, table::kProgrammi, table::kConfigurazione}) {
+        Recordset set = database_.of_plan(name_of(table), name);
+        set.add_new();
+        set.set(kPlanField, name);
+        set.update();
+    }
+}
+
+void PlanSets::add_new(const QString& name) {
+    if (!has_plan(name)) all_or_nothing([&] { add_rows(name); });
+    show_plan(name);
+}
+
+bool PlanSets::can_delete_plan() const {
+    return plans_.count() > 1 && !plan_.isEmpty();
+}
+
+void PlanSets::del_old() {
+    if (!can_delete_plan()) return;
+    all_or_nothing([this] {
+        for (const char* table : {table::kGruppo, table::kConfigurazione, table::kProgrammi}) {
+            Recordset set = database_.of_plan(name_of(table), plan_);
+            while (!set.empty()) {
+                set.move_first();
+                set.remove();
+            }
+        }
+    });
+    plans_.requery();
+    first_plan();
+}
+
+bool PlanSets::can_delete_program() const {
+    return programs_ && programs_->count() > 1;
+}
+
+void PlanSets::delete_program() {
+    if (!can_delete_program()) return;
+    programs_->remove();
+    crea_records(plan_);
+}
+
+void PlanSets::store_oscloc(int index, const QString& oscillator) {
+    config_->edit();
+    write_oscillator(*config_, index, oscillator);
+    config_->update();
+}
+
+Clash PlanSets::store_record(ProgramRecord& record, QString& oscillator, double unit_offset,
+                             bool over) {
+    record.pg_num = checked_program_number(record.pg_num);
+    std::optional<Bookmark> current;
+    if (over) current = programs_->bookmark();
+    if (!over) record.logger_pos.clear();
+    const std::vector<ProgramRecord> others = programs_of(plan_, current);
+    const Clash clash = find_clash(others, record);
+    if (clash != Clash::none) return clash;
+    if (!over) record.logger_pos = next_logger_position(others);
+    correct_fields(record, oscillator, unit_offset);
+    all_or_nothing([&] {
+        store_oscloc(record.loc_osc0, oscillator);
+        if (over)
+            programs_->edit();
+        else
+            programs_->add_new();
+        programs_->set(kPlanField, plan_);
+        write_program(*programs_, record);
+        programs_->update();
+    });
+    return Clash::none;
+}
+
+void PlanSets::write_oscillators(const Oscillators& oscillators) {
+    config_->edit();
+    for (std::size_t index = 0; index < oscillators.size(); ++index)
+        write_oscillator(*config_, static_cast<int>(index), oscillators[index]);
+    config_->update();
+}
+
+void PlanSets::apply_import(const ImportPreview& import) {
+    all_or_nothing([&] {
+        if (import.replaces_blank) {
+            programs_->move_first();
+            programs_->remove();
+        }
+        for (const ImportRow& row : import.rows) {
+            if (!row.added()) continue;
+            programs_->add_new();
+            programs_->set(kPlanField, plan_);
+            write_program(*programs_, row.record);
+            programs_->update();
+        }
+        if (import.oscillators != oscillators()) write_oscillators(import.oscillators);
+    });
+    crea_records(plan_);
+}
+
+void PlanSets::copy_rows(Recordset& from, Recordset& to, const QString& table,
+                         const QString& name) {
+    for (; !from.end_of_set(); from.move_next()) {
+        to.add_new();
+        for (const Field& field : table_named(table).fields) {
+            const QString key = QString::fromLatin1(field.name);
+            to.set(key, key == kPlanField ? QVariant(name) : from.value(key));
+        }
+        to.update();
+    }
+}
+
+void PlanSets::copy_plan(const QString& name) {
+    all_or_nothing([&] {
+        for (const char* table : {table::kGruppo, table::kConfigurazione, table::kProgrammi}) {
+            Recordset from = database_.of_plan(name_of(table), plan_);
+            Recordset to = database_.of_plan(name_of(table), name);
+            copy_rows(from, to, name_of(table), name);
+        }
+    });
+    show_plan(name);
+}
+
+ImportPreview PlanSets::copy_program(const QString& name, double unit_offset) {
+    ImportCandidate candidate{.line = 1, .record = program()};
+    candidate.oscillator = chosen_oscillator(oscillators(), candidate.record.loc_osc0);
+    const bool exists = has_plan(name);
+    const std::vector<ProgramRecord> others = programs_of(name, std::nullopt);
+    if (find_clash(others, candidate.record) == Clash::number) candidate.record.pg_num.clear();
+    if (find_clash(others, candidate.record) == Clash::logger_position) {
+        candidate.record.logger_pos = next_logger_position(others);
+        // Without a line it cannot be active in the table.
+        if (candidate.record.logger_pos.isEmpty()) candidate.record.logger_state = false;
+    }
+    Oscillators known;
+    const Recordset config = database_.of_plan(name_of(table::kConfigurazione), name);
+    if (!config.empty()) known = read_oscillators(config);
+    ImportPreview preview = preview_import({candidate}, others, known, unit_offset);
+    if (preview.added() == 0) return preview;
+    preview.replaces_blank = preview.replaces_blank || !exists;
+    all_or_nothing([&] {
+        if (!exists) add_rows(name);
+        crea_records(name);
+        if (preview.replaces_blank) programs_->remove();
+        programs_->add_new();
+        programs_->set(kPlanField, name);
+        write_program(*programs_, preview.rows.front().record);
+        programs_->update();
+        write_oscillators(preview.oscillators);
+    });
+    show_plan(name);
+    last_program();
+    return preview;
+}
+
+}  // namespace m47

@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+#include <optional>
+#include <vector>
+
+#include "database.h"
+#include "plan_clashes.h"
+#include "plan_import.h"
+#include "program_record.h"
+
+namespace m47 {
+
+/// A plan's name as it is kept: the first 10 characters, trimmed, in upper case.
+QString plan_name(const QString& text);
+
+/// The plans of the database and the one that is being worked on. Every change comes true as a
+/// whole or, with a Fault, not at all.
+class PlanSets {
+  public:
+    explicit PlanSets(Database& database);
+
+    /// The current plan's name; empty where the database has no plan.
+    const QString& plan() const { return plan_; }
+
+    /// Makes `plan` the current one and moves to its first program.
+    void crea_records(const QString& plan);
+
+    // To another plan or program. At the end of the list the last one stays and the answer is
+    // false.
+    void first_plan();
+    bool previous_plan();
+    bool next_plan();
+    void first_program();
+    bool previous_program();
+    bool next_program();
+    void last_program();
+
+    bool has_program() const { return programs_ && !programs_->empty(); }
+    /// The current program, a blank one where the plan has none.
+    ProgramRecord program() const;
+    /// All programs of the plan.
+    std::vector<ProgramRecord> programs() const;
+    /// Of the plan.
+    Oscillators oscillators() const;
+
+    bool has_plan(const QString& name) const;
+
+    /// Makes the plan `name` with one blank program, unless there is one, and makes it current.
+    void add_new(const QString& name);
+    /// The last plan cannot be deleted.
+    bool can_delete_plan() const;
+    /// Deletes the current plan and moves to the first one.
+    void del_old();
+    /// The last program of a plan cannot be deleted.
+    bool can_delete_program() const;
+    /// Deletes the current program and moves to the first one.
+    void delete_program();
+
+    /// Sets oscillator `index` (0 to 3) of the plan; an empty text is none.
+    void store_oscloc(int index, const QString& oscillator);
+
+    /// Stores `record` with its oscillator `oscillator` over the current program (`over`) or as a
+    /// new one behind the last. Both come back as corrected. Where it clashes with another program
+    /// of the plan, only the number has been corrected and nothing is stored.
+    Clash store_record(ProgramRecord& record, QString& oscillator, double unit_offset, bool over);
+
+    /// Adds what `import` says to the current plan.
+    void apply_import(const ImportPreview& import);
+
+    /// Makes the plan `name`, which must not exist, as a copy of the current one, and makes it
+    /// current.
+    void copy_plan(const QString& name);
+
+    /// Copies the current program into the plan `name`, which is made where it does not exist, and
+    /// makes that plan current. A number or logger position that is taken there is replaced by a
+    /// free one. Where the plan has no room, its preview says why and nothing is changed.
+    ImportPreview copy_program(const QString& name, double unit_offset);
+
+  private:
+    template <class Body>
+    void all_or_nothing(Body body);
+    void reopen(std::optional<Bookmark> current);
+    void show_plan(const QString& name);
+    void add_rows(const QString& name);
+    void write_oscillators(const Oscillators& oscillators);
+    void copy_rows(Recordset& from, Recordset& to, const QString& table, const QString& name);
+    std::vector<ProgramRecord> programs_of(const QString& plan,
+                                           std::optional<Bookmark> without) const;
+
+    Database& database_;
+    Recordset plans_;
+    std::optional<Recordset> programs_;
+    std::optional<Recordset> config_;
+    QString plan_;
+};
+
+}  // namespace m47

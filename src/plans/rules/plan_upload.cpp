@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "plan_upload.h"
+
+#include "commands.h"
+#include "table_backup.h"
+
+namespace m47 {
+namespace {
+
+const QString kAccepted = QStringLiteral("OK");
+constexpr qsizetype kShownRefusals = 20;
+constexpr Bilingual kSummary{"%1 of %2 commands answered OK", "%1 comandi su %2 con risposta OK"};
+
+}  // namespace
+
+UploadResult PlanUpload::run(const UploadPlan& plan, UploadMode mode) {
+    UploadResult result;
+    const QStringList opening = opening_commands(mode);
+    QStringList rest = plan_commands(plan);
+    result.commands = static_cast<int>(opening.size() + rest.size());
+    send_all(opening, result);
+    if (mode == kDisable && link_.can_send()) {
+        result.table = link_.reply_text;
+        keep_table(program_.base_dir, result.table, link_.clock().date_time());
+        rest = disabling_commands(lines_through_file(program_.base_dir, result.table)) + rest;
+        result.commands = static_cast<int>(opening.size() + rest.size());
+    }
+    send_all(rest, result);
+    return result;
+}
+
+void PlanUpload::send_all(const QStringList& commands, UploadResult& result) {
+    for (const QString& command : commands) send_one(command, result);
+}
+
+void PlanUpload::send_one(const QString& command, UploadResult& result) {
+    if (on_progress)
+        on_progress(result.accepted + static_cast<int>(result.refused.size()), result.commands);
+    // The value of a query comes without the "OK" that ended it.
+    const bool query = command.endsWith(u'?');
+    const bool answered = link_.can_send() && link_.send(command);
+    if (answered && (query || link_.reply_text == kAccepted))
+        ++result.accepted;
+    else
+        result.refused += command;
+}
+
+QString PlanUpload::ask_table() {
+    return link_.send(command::query(command::kLoggerTable)) ? link_.reply_text : QString();
+}
+
+QString upload_summary(const UploadResult& result, const Texts& texts) {
+    return texts.pick(kSummary).arg(result.accepted).arg(result.commands);
+}
+
+QString upload_refusals(const UploadResult& result) {
+    QStringList shown = result.refused.mid(0, kShownRefusals);
+    if (result.refused.size() > kShownRefusals) shown += QStringLiteral("…");
+    return shown.join(u'\n');
+}
+
+}  // namespace m47

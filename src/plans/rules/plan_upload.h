@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QStringList>
+#include <functional>
+
+#include "link.h"
+#include "program_state.h"
+#include "upload_commands.h"
+
+namespace m47 {
+
+/// What became of an upload.
+struct UploadResult {
+    int commands = 0;     ///< the upload has
+    int accepted = 0;     ///< of them, answered with "OK"
+    QStringList refused;  ///< all others, in their order
+    QString table;        ///< the logger table before the upload, where it was asked for
+};
+
+/// Sends a plan to the meter.
+class PlanUpload {
+  public:
+    PlanUpload(Link& link, const ProgramState& program) : link_(link), program_(program) {}
+
+    /// Told before each command how many have been sent and how many there are.
+    std::function<void(int sent, int commands)> on_progress;
+
+    /// Sends the whole upload. A refused command does not stop it, a lost link does. The logger
+    /// table that it asks for is kept in a file first; where that fails a Fault ends the upload
+    /// before anything has been changed in the meter.
+    UploadResult run(const UploadPlan& plan, UploadMode mode);
+
+    /// The meter's logger table now; empty when the link is down.
+    QString ask_table();
+
+  private:
+    void send_all(const QStringList& commands, UploadResult& result);
+    void send_one(const QString& command, UploadResult& result);
+
+    Link& link_;
+    const ProgramState& program_;
+};
+
+/// "123 of 125 commands answered OK" in the language in use.
+QString upload_summary(const UploadResult& result, const Texts& texts);
+
+/// The commands that were not answered with "OK", one a line, the first twenty of them; empty when
+/// all were.
+QString upload_refusals(const UploadResult& result);
+
+}  // namespace m47

@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "program_checks.h"
+
+#include <algorithm>
+
+#include "diseqc_commands.h"
+#include "numbers.h"
+#include "tuning_range.h"
+
+namespace m47 {
+namespace {
+
+constexpr double kHighestProgram = 99;
+constexpr double kLowestSymbolRate = 1500;
+constexpr double kHighestSymbolRate = 45000;
+constexpr double kLowestBandwidth = 1;
+constexpr double kHighestBandwidth = 40;
+constexpr double kUsualBandwidth = 36;
+constexpr double kLowestLevel = 20;  // dBuV
+constexpr double kHighestLevel = 120;
+constexpr double kLowestRatio = 1;  // dB
+constexpr double kHighestRatio = 40;
+constexpr double kHighestChber = 0.03;
+
+constexpr const char* kTwoDigits = "00";
+constexpr const char* kFiveDigits = "00000";
+
+/// A maximum below its minimum moves one above it.
+void lift_maximum(const QString& minimum, QString& maximum) {
+    const double low = typed_value(minimum);
+    if (low > typed_value(maximum)) maximum = plain_text(low + 1);
+}
+
+/// An entry that the list does not have is no selection, which counts as the first.
+int selected(int index, int entries) {
+    return index >= 0 && index < entries ? index : 0;
+}
+
+void correct_selections(ProgramRecord& record) {
+    constexpr int kCommands = static_cast<int>(kDiseqcCommands.size());
+    record.diseqc_cmd = selected(record.diseqc_cmd, kCommands);
+    record.diseqc_cmd2 = selected(record.diseqc_cmd2, kCommands);
+    record.lnb_volt = selected(record.lnb_volt, 3);
+    record.K22 = selected(record.K22, 2);
+    record.loc_osc0 = selected(record.loc_osc0, static_cast<int>(Oscillators().size()));
+}
+
+}  // namespace
+
+QString checked_program_number(const QString& text) {
+    return format_number(std::clamp(typed_value(text), 0.0, kHighestProgram), "000");
+}
+
+QString checked_frequency(const QString& text, bool direct, const QString& oscillator) {
+    const double mhz = typed_value(oscillator);
+    if (!direct && mhz == 0) return text;
+    const double typed = typed_value(text);
+    const double corrected = inside_range(typed, tuning_range(direct, mhz));
+    return corrected == typed ? text : frequency_box_text(corrected, direct);
+}
+
+QString checked_symbol_rate(const QString& text) {
+    const double rate = typed_value(text);
+    if (rate < kLowestSymbolRate) return plain_text(kLowestSymbolRate);
+    return rate > kHighestSymbolRate ? plain_text(kHighestSymbolRate) : text;
+}
+
+QString bandwidth_on_enter(const QString& text) {
+    const double mhz = std::clamp(typed_value(text), kLowestBandwidth, kHighestBandwidth);
+    return format_number(mhz, kTwoDigits);
+}
+
+QString bandwidth_on_leaving(const QString& text) {
+    const double mhz = typed_value(text);
+    const bool good = mhz >= kLowestBandwidth && mhz <= kHighestBandwidth;
+    return format_number(good ? mhz : kUsualBandwidth, kTwoDigits);
+}
+
+QString checked_oscillator(const QString& text) {
+    if (text.trimmed().isEmpty()) return {};
+    const double mhz = typed_value(text);
+    if (mhz < kOscillatorMinimum) return format_number(kOscillatorMinimum, kFiveDigits);
+    return mhz > kOscillatorMaximum ? format_number(kOscillatorMaximum, kFiveDigits) : text;
+}
+
+void correct_level_limits(QString& minimum, QString& maximum, double unit_offset) {
+    const double lowest = kLowestLevel - unit_offset;
+    const double highest = kHighestLevel - unit_offset;
+    if (typed_value(minimum) < lowest) minimum = plain_text(lowest);
+    // Room is left for a maximum above it.
+    if (typed_value(minimum) > highest) minimum = plain_text(highest - 1);
+    lift_maximum(minimum, maximum);
+    if (typed_value(maximum) > highest) maximum = plain_text(highest);
+}
+
+void correct_ratio_limits(QString& minimum, QString& maximum) {
+    const double low = typed_value(minimum);
+    if (low < kLowestRatio || low > kHighestRatio) minimum = plain_text(kLowestRatio);
+    lift_maximum(minimum, maximum);
+}
+
+void correct_chber_limits(QString& minimum, QString& maximum) {
+    const double low = typed_value(minimum);
+    if (low < 0) minimum = QStringLiteral("1E-8");
+    if (low > kHighestChber) minimum = QStringLiteral("3E-2");
+    // The step is that of the dB limits on purpose, though a ratio above 1 never alarms.
+    lift_maximum(minimum, maximum);
+}
+
+void correct_limits(ProgramRecord& record, double unit_offset) {
+    correct_level_limits(record.lev_min, record.lev_max, unit_offset);
+    correct_ratio_limits(record.noise_min, record.noise_max);
+    correct_chber_limits(record.chber_min, record.chber_max);
+    correct_ratio_limits(record.mer_min, record.mer_max);
+}
+
+void correct_fields(ProgramRecord& record, QString& oscillator, double unit_offset) {
+    oscillator = checked_oscillator(oscillator);
+    record.frequenza = checked_frequency(record.frequenza, record.loc_osc, oscillator);
+    record.qpsk_symbolrate = checked_symbol_rate(record.qpsk_symbolrate);
+    record.satchbw = bandwidth_on_enter(record.satchbw);
+    correct_selections(record);
+    record.logger_pos = record.logger_pos.trimmed();
+    correct_limits(record, unit_offset);
+}
+
+}  // namespace m47

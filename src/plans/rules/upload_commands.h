@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QStringList>
+#include <vector>
+
+#include "logger_table.h"
+#include "program_record.h"
+
+namespace m47 {
+
+/// All that an upload needs to know of a plan.
+struct UploadPlan {
+    std::vector<ProgramRecord> programs;
+    Oscillators oscillators;
+    QString bandwidth;   ///< of the program that is shown, MHz; it goes for all
+    int unit_index = 0;  ///< a LevelUnit
+};
+
+// The parts of an upload in the order they are sent.
+
+/// What comes before the meter's logger table can be known. In mode kDisable it ends with the query
+/// for that table.
+QStringList opening_commands(UploadMode mode);
+
+/// Disables the active ones of `lines`, the lines of the logger table.
+QStringList disabling_commands(const QStringList& lines);
+
+/// Tunes the meter as `program` says, stores it, switches the supplies off again and enters it in
+/// the logger table where it is active.
+QStringList commands_of_program(const ProgramRecord& program, const Oscillators& oscillators);
+
+/// Bandwidth, unit and every program.
+QStringList plan_commands(const UploadPlan& plan);
+
+/// The whole upload; `table` is the meter's answer to the query of mode kDisable.
+QStringList upload_commands(const UploadPlan& plan, UploadMode mode, const QString& table);
+
+}  // namespace m47

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QListWidget>
+
+#include "program_record.h"
+
+namespace Ui {
+class ProgramSet;
+}
+
+namespace m47 {
+
+/// The controls of the plan screen that hold a program.
+class PlanBoxes {
+  public:
+    explicit PlanBoxes(Ui::ProgramSet& ui) : ui_(ui) {}
+
+    /// Fills the lists whose entries are the same for every plan.
+    void fill_lists();
+
+    /// Shows `record` and enables what goes with it; runs no check.
+    void show(const ProgramRecord& record);
+    ProgramRecord read() const;
+
+    /// Empties the list of oscillators and fills it anew; the chosen entry stays.
+    void load_oscloc(const Oscillators& oscillators);
+    QString oscillator() const;
+    void set_oscillator(const QString& text);
+
+    /// What goes with direct tuning and with digital acquisition.
+    void follow_tuning();
+    void follow_digital();
+
+  private:
+    void show_position(const QString& position);
+
+    Ui::ProgramSet& ui_;
+};
+
+/// Empties `list` and fills it with the user switches of the plan in `configurazione`'s row.
+void associa_user_sc(QListWidget* list, const Recordset& configurazione);
+
+}  // namespace m47

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "plan_questions.h"
+
+#include <QInputDialog>
+#include <QMessageBox>
+
+#include "database_check.h"
+#include "database_error.h"
+#include "handler.h"
+#include "plan_sets.h"
+
+namespace m47 {
+namespace {
+
+const QString kRemoveTitle = QStringLiteral("VKDM47");
+const QString kQuestionTitle = QStringLiteral("M47");
+const QString kErrorTitle = QStringLiteral("Error");
+
+}  // namespace
+
+bool ask_remove(QWidget* screen, const Texts& texts, const QString& what) {
+    return QMessageBox::question(screen, kRemoveTitle, texts.message(kRemoveProgram) + what,
+                                 QMessageBox::Ok | QMessageBox::Cancel) == QMessageBox::Ok;
+}
+
+bool ask_continue(QWidget* screen, const Texts& texts, const QString& prompt) {
+    return QMessageBox::question(screen, kQuestionTitle,
+                                 prompt + u'\r' + texts.message(kContinue)) == QMessageBox::Yes;
+}
+
+QString ask_plan_name(QWidget* screen, const QString& prompt, const QString& preset) {
+    return plan_name(
+        QInputDialog::getText(screen, kRemoveTitle, prompt, QLineEdit::Normal, preset));
+}
+
+void tell_clash(QWidget* screen, const Texts& texts, Clash clash) {
+    const int number = clash == Clash::number ? kProgramExists : kLoggerPositionExists;
+    QMessageBox::warning(screen, kErrorTitle, texts.message(number));
+}
+
+void tell_problem(QWidget* screen, const QString& text) {
+    QMessageBox::warning(screen, kErrorTitle, text);
+}
+
+void tell_database_fault(QWidget* screen, const ProgramState& program, const EngineFault& fault) {
+    const QString path = program.base_dir + QLatin1String(kDatabaseFile);
+    report_fault(screen, database_error_text(error_of(fault, path), program.texts));
+}
+
+}  // namespace m47

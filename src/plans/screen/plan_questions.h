@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+#include <QWidget>
+
+#include "engine.h"
+#include "plan_clashes.h"
+#include "program_state.h"
+
+namespace m47 {
+
+/// "Remove program: " and `what`, the name of a plan or the number of a program.
+bool ask_remove(QWidget* screen, const Texts& texts, const QString& what);
+
+/// `prompt` and whether to go on.
+bool ask_continue(QWidget* screen, const Texts& texts, const QString& prompt);
+
+/// A plan's name as it is kept, with `preset` in the box; empty when the user gave none.
+QString ask_plan_name(QWidget* screen, const QString& prompt, const QString& preset);
+
+/// Why a program was not stored.
+void tell_clash(QWidget* screen, const Texts& texts, Clash clash);
+
+/// Something that could not be done.
+void tell_problem(QWidget* screen, const QString& text);
+
+/// Why the database did not take a change.
+void tell_database_fault(QWidget* screen, const ProgramState& program, const EngineFault& fault);
+
+}  // namespace m47

@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <span>
+
+#include "tooltips.h"
+
+namespace m47 {
+
+/// The tooltips of the plan screen's controls, toolbar keys and menu entries, in both languages.
+std::span<const Tooltip> plan_tooltips();
+
+}  // namespace m47

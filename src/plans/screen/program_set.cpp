@@ -1,0 +1,301 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "program_set.h"
+
+#include <QApplication>
+
+#include "handler.h"
+#include "icons.h"
+#include "key_filter.h"
+#include "plan_keys.h"
+#include "plan_questions.h"
+#include "plan_tooltips.h"
+#include "program_checks.h"
+#include "ui_program_set.h"
+#include "verify_dialog.h"
+
+namespace m47 {
+namespace {
+
+constexpr qsizetype kOscillatorLength = 6;
+
+}  // namespace
+
+ProgramSet::ProgramSet(Link& link, ProgramState& program, Database& database, QWidget* parent)
+    : QMainWindow(parent),
+      beep([] { QApplication::beep(); }),
+      link_(link),
+      program_(program),
+      sets_(database),
+      ui_(std::make_unique<Ui::ProgramSet>()),
+      boxes_(*ui_) {
+    ui_->setupUi(this);
+    // These keys are words of the language, which a form cannot use as names.
+    ui_->new_plan->setObjectName(QStringLiteral("new"));
+    ui_->delete_plan->setObjectName(QStringLiteral("delete"));
+    // Its menu would hide the toolbar, and nothing would bring it back.
+    setContextMenuPolicy(Qt::NoContextMenu);
+    set_icons();
+    show_monitor(false);
+    connect_boxes();
+    connect_oscillators();
+    connect_lists();
+    connect_menu();
+    fill_keys();
+    on(ui_->barracomando, &QToolBar::actionTriggered, this, "barracomando_ButtonClick",
+       [this](QAction* key) { barracomando_ButtonClick(key->objectName()); });
+}
+
+ProgramSet::~ProgramSet() = default;
+
+template <class Body>
+void ProgramSet::handle(const char* name, Body body) {
+    run_handler(this, name, [&] {
+        try {
+            body();
+        } catch (const EngineFault& fault) {
+            tell_database_fault(this, program_, fault);
+        }
+    });
+}
+
+void ProgramSet::set_icons() {
+    for (QAction* key : ui_->barracomando->actions()) key->setIcon(toolbar_icon(key->objectName()));
+}
+
+void ProgramSet::Form_Load() {
+    set_tooltips(this, plan_tooltips(), program_.texts);
+    handle("Form_Load", [this] {
+        boxes_.fill_lists();
+        show_unit();
+        sets_.first_plan();
+        move_plan(true);
+    });
+}
+
+void ProgramSet::Form_Activate() {
+    show_unit();
+}
+
+double ProgramSet::offset() const {
+    return unit_offset(program_.unit_index);
+}
+
+void ProgramSet::connect_boxes() {
+    const auto check = [this](QLineEdit* box, const char* name, auto on_enter, auto on_leaving) {
+        connect(box, &QLineEdit::returnPressed, this,
+                [this, name, on_enter] { handle(name, on_enter); });
+        filters_.push_back(std::make_unique<LeaveFilter>(
+            box, [this, name, on_leaving] { handle(name, on_leaving); }));
+    };
+    check(
+        ui_->prog_num, "prog_num_KeyPress",
+        [this] {
+            check_prog_num();
+            store_as_new();
+        },
+        [this] { check_prog_num(); });
+    const auto frequency = [this] { sat_freq_KeyPress(); };
+    check(ui_->sat_freq_txt, "sat_freq_KeyPress", frequency, frequency);
+    const auto rate = [this] {
+        ui_->srqpsk_txt->setText(checked_symbol_rate(ui_->srqpsk_txt->text()));
+    };
+    check(ui_->srqpsk_txt, "srqpsk_txt_KeyPress", rate, rate);
+    check(
+        ui_->chbw_txt, "chbw_txt_KeyPress",
+        [this] { ui_->chbw_txt->setText(bandwidth_on_enter(ui_->chbw_txt->text())); },
+        [this] { ui_->chbw_txt->setText(bandwidth_on_leaving(ui_->chbw_txt->text())); });
+}
+
+void ProgramSet::connect_oscillators() {
+    QLineEdit* box = ui_->ol_optval->lineEdit();
+    // What is typed belongs to the chosen entry: neither completion nor an equal entry elsewhere
+    // may choose another one.
+    ui_->ol_optval->setCompleter(nullptr);
+    disconnect(box, SIGNAL(editingFinished()), ui_->ol_optval, nullptr);
+    connect(box, &QLineEdit::textEdited, this, [box](const QString& text) {
+        if (text.size() > kOscillatorLength) box->setText(text.left(kOscillatorLength));
+    });
+    connect(box, &QLineEdit::returnPressed, this,
+            [this] { handle("ol_optval_KeyPress", [this] { ol_optval_KeyPress(); }); });
+    filters_.push_back(std::make_unique<LeaveFilter>(ui_->ol_optval, [this] {
+        handle("ol_optval_LostFocus", [this] { sat_freq_KeyPress(); });
+    }));
+    connect(ui_->ol_optval, &QComboBox::activated, this,
+            [this] { handle("ol_optval_Click", [this] { sat_freq_KeyPress(); }); });
+    for (QRadioButton* option : {ui_->ol_opt_0, ui_->ol_opt_1})
+        connect(option, &QRadioButton::clicked, this, [this] {
+            boxes_.follow_tuning();
+            handle("ol_opt_Click", [this] { sat_freq_KeyPress(); });
+        });
+}
+
+void ProgramSet::connect_lists() {
+    for (QComboBox* list : {ui_->diseqc_cmd, ui_->diseqc_cmd2, ui_->k22_state, ui_->lnb_state})
+        new KeyFilter(list, QStringLiteral(" "));
+    for (QComboBox* list : {ui_->diseqc_cmd, ui_->diseqc_cmd2, ui_->k22_state, ui_->lnb_state,
+                            ui_->logger_pos, ui_->ol_optval})
+        new WheelGuard(list);
+    filters_.push_back(std::make_unique<TypedKeyFilter>(ui_->logger_pos, [this] {
+        handle("logger_pos_KeyPress", [this] { store_record(true); });
+    }));
+    connect(ui_->cmd_dig, &QCheckBox::toggled, this, [this] { boxes_.follow_digital(); });
+}
+
+void ProgramSet::connect_menu() {
+    const std::array<QAction*, 3> units{ui_->cmdlev_0, ui_->cmdlev_1, ui_->cmdlev_2};
+    for (std::size_t k = 0; k < units.size(); ++k)
+        connect(units[k], &QAction::triggered, this,
+                [this, k] { cmdlev_Click(static_cast<int>(k)); });
+    const auto entry = [this](QAction* action, const char* name, void (ProgramSet::*handler)()) {
+        connect(action, &QAction::triggered, this,
+                [this, name, handler] { handle(name, [this, handler] { (this->*handler)(); }); });
+    };
+    entry(ui_->cmdimport, "cmdimport_Click", &ProgramSet::cmdimport_Click);
+    entry(ui_->cmdexport, "cmdexport_Click", &ProgramSet::cmdexport_Click);
+    entry(ui_->cmdcopyprog, "cmdcopyprog_Click", &ProgramSet::cmdcopyprog_Click);
+    entry(ui_->cmdcopyplan, "cmdcopyplan_Click", &ProgramSet::cmdcopyplan_Click);
+    connect(ui_->cmdexit, &QAction::triggered, this, &ProgramSet::exit_asked);
+}
+
+void ProgramSet::fill_keys() {
+    const auto add = [this](QAction* key, std::function<void()> action) {
+        keys_.insert(key->objectName(), std::move(action));
+    };
+    add(ui_->previous, [this] { move_plan(sets_.previous_plan()); });
+    add(ui_->next, [this] { move_plan(sets_.next_plan()); });
+    add(ui_->new_plan, [this] { add_new(); });
+    add(ui_->delete_plan, [this] { del_old(); });
+    add(ui_->store_new, [this] { store_as_new(); });
+    add(ui_->store, [this] { store_record(true); });
+    add(ui_->programma_delete, [this] { delete_program(); });
+    add(ui_->previous_prog, [this] { move_program(sets_.previous_program()); });
+    add(ui_->next_prog, [this] { move_program(sets_.next_program()); });
+    add(ui_->accoda, [this] { download_group(ui_->accoda->toolTip(), kAppend); });
+    add(ui_->sostituisci, [this] { download_group(ui_->sostituisci->toolTip(), kDisable); });
+    add(ui_->nuovo, [this] { download_group(ui_->nuovo->toolTip(), kReplace); });
+    add(ui_->monitor, [this] { show_monitor(ui_->monitor_opt->isHidden()); });
+}
+
+void ProgramSet::barracomando_ButtonClick(const QString& key) {
+    // "storing" is known and does nothing.
+    const auto action = keys_.constFind(key);
+    if (action != keys_.constEnd()) handle("barracomando_ButtonClick", *action);
+}
+
+void ProgramSet::show_monitor(bool visible) {
+    ui_->monitor_opt->setVisible(visible);
+    ui_->monitor->setChecked(visible);
+}
+
+void ProgramSet::mostra_record() {
+    load_oscloc();
+    boxes_.show(sets_.program());
+}
+
+void ProgramSet::load_oscloc() {
+    boxes_.load_oscloc(sets_.oscillators());
+}
+
+/// Shows the plan that has been moved to, or sounds the end of the list.
+void ProgramSet::move_plan(bool moved) {
+    if (!moved) beep();
+    ui_->grp_name->setText(sets_.plan());
+    mostra_record();
+}
+
+void ProgramSet::move_program(bool moved) {
+    if (!moved) beep();
+    mostra_record();
+}
+
+void ProgramSet::store_record(bool over) {
+    ProgramRecord record = boxes_.read();
+    QString oscillator = boxes_.oscillator();
+    const Clash clash = sets_.store_record(record, oscillator, offset(), over);
+    if (clash == Clash::none) {
+        load_oscloc();
+        boxes_.show(record);
+        return;
+    }
+    ui_->prog_num->setText(record.pg_num);
+    beep();
+    beep();
+    tell_clash(this, program_.texts, clash);
+}
+
+void ProgramSet::store_as_new() {
+    store_record(false);
+    sets_.last_program();
+    mostra_record();
+}
+
+void ProgramSet::add_new() {
+    const QString name = ask_plan_name(this, program_.texts.message(kAddPlan), QString());
+    if (name.isEmpty()) return;
+    sets_.add_new(name);
+    move_plan(true);
+}
+
+void ProgramSet::del_old() {
+    if (!sets_.can_delete_plan() || !ask_remove(this, program_.texts, sets_.plan())) return;
+    sets_.del_old();
+    move_plan(true);
+}
+
+void ProgramSet::delete_program() {
+    if (!sets_.can_delete_program()) return;
+    if (!ask_remove(this, program_.texts, sets_.program().pg_num)) return;
+    sets_.delete_program();
+    mostra_record();
+}
+
+void ProgramSet::check_prog_num() {
+    ui_->prog_num->setText(checked_program_number(ui_->prog_num->text()));
+}
+
+void ProgramSet::sat_freq_KeyPress() {
+    ui_->sat_freq_txt->setText(checked_frequency(ui_->sat_freq_txt->text(),
+                                                 ui_->ol_opt_0->isChecked(), boxes_.oscillator()));
+}
+
+void ProgramSet::ol_optval_KeyPress() {
+    boxes_.set_oscillator(checked_oscillator(boxes_.oscillator()));
+    sets_.store_oscloc(boxes_.read().loc_osc0, boxes_.oscillator());
+    store_record(true);
+}
+
+void ProgramSet::cmdlev_Click(int index) {
+    program_.unit_index = index;
+    show_unit();
+}
+
+void ProgramSet::show_unit() {
+    const std::array<QAction*, 3> units{ui_->cmdlev_0, ui_->cmdlev_1, ui_->cmdlev_2};
+    for (std::size_t k = 0; k < units.size(); ++k)
+        units[k]->setChecked(program_.unit_index == static_cast<int>(k));
+}
+
+void ProgramSet::download_group(const QString& prompt, UploadMode mode) {
+    store_record(true);
+    if (!ask_continue(this, program_.texts, prompt)) return;
+    PlanUpload upload(link_, program_);
+    upload.on_progress = [this](int sent, int commands) {
+        Q_EMIT upload_state(QStringLiteral("%1/%2").arg(sent).arg(commands), QString());
+    };
+    const UploadPlan plan{sets_.programs(), sets_.oscillators(), sets_.program().satchbw,
+                          program_.unit_index};
+    const UploadResult result = upload.run(plan, mode);
+    sets_.first_program();
+    mostra_record();
+    Q_EMIT upload_state(upload_summary(result, program_.texts), upload_refusals(result));
+    if (ui_->cmdverify->isChecked() && link_.can_send()) verify_upload(upload, mode, result.table);
+}
+
+void ProgramSet::verify_upload(PlanUpload& upload, UploadMode mode, const QString& before) {
+    const QString found = upload.ask_table();
+    if (!link_.can_send()) return;
+    VerifyDialog dialog(compare_table(sets_.programs(), mode, before, found), program_.texts, this);
+    dialog.exec();
+}
+
+}  // namespace m47

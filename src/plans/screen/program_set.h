@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QHash>
+#include <QMainWindow>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "link.h"
+#include "plan_boxes.h"
+#include "plan_sets.h"
+#include "plan_upload.h"
+#include "program_state.h"
+
+namespace Ui {
+class ProgramSet;
+}
+
+namespace m47 {
+
+/// The screen "Plan Setup": plans and their programs, and their upload to the meter.
+class ProgramSet : public QMainWindow {
+    Q_OBJECT
+  public:
+    ProgramSet(Link& link, ProgramState& program, Database& database, QWidget* parent = nullptr);
+    ~ProgramSet() override;
+
+    /// The sound of a refusal and of an end of the list.
+    std::function<void()> beep;
+
+    /// Fills the lists and shows the first program of the first plan.
+    void Form_Load();
+    /// Each time the screen comes to the front: the level unit may have changed elsewhere.
+    void Form_Activate();
+
+    /// A click on the toolbar key `key`.
+    void barracomando_ButtonClick(const QString& key);
+
+  Q_SIGNALS:
+    /// The menu entry "&Exit": the screen asks to be closed.
+    void exit_asked();
+
+    /// How far an upload is, and what became of it.
+    void upload_state(const QString& text, const QString& tooltip);
+
+  private:
+    template <class Body>
+    void handle(const char* name, Body body);
+    void set_icons();
+    void connect_boxes();
+    void connect_oscillators();
+    void connect_lists();
+    void connect_menu();
+    void fill_keys();
+    double offset() const;
+
+    // Plans and programs
+    void mostra_record();
+    void store_record(bool over);
+    void store_as_new();
+    void add_new();
+    void del_old();
+    void delete_program();
+    void move_plan(bool moved);
+    void move_program(bool moved);
+
+    // Fields
+    void check_prog_num();
+    void sat_freq_KeyPress();
+    void ol_optval_KeyPress();
+    void cmdlev_Click(int index);
+    void show_unit();
+    void load_oscloc();
+    void show_monitor(bool visible);
+
+    // Upload
+    void download_group(const QString& prompt, UploadMode mode);
+    void verify_upload(PlanUpload& upload, UploadMode mode, const QString& before);
+
+    // Menu
+    void cmdimport_Click();
+    void cmdexport_Click();
+    void cmdcopyprog_Click();
+    void cmdcopyplan_Click();
+    QString ask_file(bool save, const QStringList& filters);
+
+    Link& link_;
+    ProgramState& program_;
+    PlanSets sets_;
+    std::unique_ptr<Ui::ProgramSet> ui_;
+    PlanBoxes boxes_;
+    QHash<QString, std::function<void()>> keys_;
+    /// They call this screen and go before its controls, one of which may lose the focus by going.
+    std::vector<std::unique_ptr<QObject>> filters_;
+};
+
+}  // namespace m47

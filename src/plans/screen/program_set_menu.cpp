@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The menu entries of the plan screen that bring programs in and out.
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QSaveFile>
+
+#include "fault.h"
+#include "import_dialog.h"
+#include "plan_file.h"
+#include "plan_questions.h"
+#include "program_set.h"
+#include "ui_program_set.h"
+
+namespace m47 {
+namespace {
+
+constexpr Bilingual kNotUnderstood{"%1 is neither a plan nor a DVB scan table.",
+                                   "%1 non è un piano né una tabella DVB."};
+constexpr Bilingual kPlanExists{"The plan %1 already exists.", "Il piano %1 esiste già."};
+constexpr Bilingual kCopyInto{"Copy the program into the plan:", "Copia il programma nel piano:"};
+constexpr Bilingual kCopyPlanAs{"Copy the plan under the name:", "Copia il piano con il nome:"};
+
+[[noreturn]] void throw_plan_file_fault(const QFileDevice& file) {
+    throw Fault((file.fileName() + QStringLiteral(": ") + file.errorString()).toStdString());
+}
+
+QByteArray read_plan_file(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) throw_plan_file_fault(file);
+    return file.readAll();
+}
+
+/// Writes the file whole or not at all.
+void write_plan_file(const QString& path, const QByteArray& bytes) {
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
+        throw_plan_file_fault(file);
+}
+
+}  // namespace
+
+QString ProgramSet::ask_file(bool save, const QStringList& filters) {
+    QFileDialog dialog(this);
+    dialog.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    dialog.setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    dialog.setNameFilters(filters);
+    if (save) {
+        // The suffix follows the chosen kind of file.
+        const auto follow = [&dialog](const QString& filter) {
+            dialog.setDefaultSuffix(filter.contains(QLatin1String("csv")) ? QStringLiteral("csv")
+                                                                          : QStringLiteral("tsv"));
+        };
+        follow(filters.constFirst());
+        connect(&dialog, &QFileDialog::filterSelected, &dialog, follow);
+        dialog.selectFile(sets_.plan());
+    }
+    dialog.setDirectory(program_.base_dir);
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return {};
+    return dialog.selectedFiles().constFirst();
+}
+
+void ProgramSet::cmdimport_Click() {
+    const QString path = ask_file(false, {QStringLiteral("(*)"), QStringLiteral("(*.tsv *.csv)")});
+    if (path.isEmpty()) return;
+    const ImportFile file = parse_import_file(read_plan_file(path), offset());
+    if (!file.understood) {
+        tell_problem(this, program_.texts.pick(kNotUnderstood).arg(QFileInfo(path).fileName()));
+        return;
+    }
+    const ImportPreview preview =
+        preview_import(file.candidates, sets_.programs(), sets_.oscillators(), offset());
+    ImportDialog dialog(preview, file.unknown_columns, program_.texts, this);
+    if (dialog.exec() != QDialog::Accepted) return;
+    sets_.apply_import(preview);
+    mostra_record();
+}
+
+void ProgramSet::cmdexport_Click() {
+    const QString path = ask_file(true, {QStringLiteral("(*.tsv)"), QStringLiteral("(*.csv)")});
+    if (path.isEmpty()) return;
+    const bool comma = QFileInfo(path).suffix().toLower() == QLatin1String("csv");
+    const QString text = plan_file_text(sets_.plan(), sets_.programs(), sets_.oscillators(),
+                                        comma ? QChar(u',') : QChar(u'\t'));
+    write_plan_file(path, text.toUtf8());
+}
+
+void ProgramSet::cmdcopyprog_Click() {
+    if (!sets_.has_program()) return;
+    const QString name = ask_plan_name(this, program_.texts.pick(kCopyInto), sets_.plan());
+    if (name.isEmpty()) return;
+    const ImportPreview copy = sets_.copy_program(name, offset());
+    if (copy.added() == 0)
+        tell_problem(this, import_problem_text(copy.rows.front().problem, program_.texts));
+    move_plan(true);
+}
+
+void ProgramSet::cmdcopyplan_Click() {
+    const QString name = ask_plan_name(this, program_.texts.pick(kCopyPlanAs), QString());
+    if (name.isEmpty()) return;
+    if (sets_.has_plan(name)) {
+        tell_problem(this, program_.texts.pick(kPlanExists).arg(name));
+        return;
+    }
+    sets_.copy_plan(name);
+    move_plan(true);
+}
+
+}  // namespace m47

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QDialog>
+#include <vector>
+
+#include "logger_table.h"
+#include "texts.h"
+
+namespace m47 {
+
+/// The logger table as the plan wants it beside the one that the meter has.
+class VerifyDialog : public QDialog {
+    Q_OBJECT
+  public:
+    VerifyDialog(const std::vector<TableComparison>& rows, const Texts& texts, QWidget* parent);
+};
+
+}  // namespace m47

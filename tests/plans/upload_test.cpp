@@ -1,0 +1,296 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The commands of an upload as text, and how they are sent.
+#include <QDir>
+#include <QFile>
+#include <QLocale>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include "fake_link_view.h"
+#include "fake_port.h"
+#include "fault.h"
+#include "plan_upload.h"
+#include "table_backup.h"
+
+namespace m47 {
+namespace {
+
+ProgramRecord direct_program() {
+    ProgramRecord program;
+    program.pg_num = QStringLiteral("007");
+    program.frequenza = QStringLiteral("1234.5");
+    program.loc_osc = true;
+    program.satchbw = QStringLiteral("36");
+    program.diseqc_cmd = 73;
+    program.logger_pos = QStringLiteral("03");
+    return program;
+}
+
+ProgramRecord digital_program() {
+    ProgramRecord program = direct_program();
+    program.pg_num = QStringLiteral("008");
+    program.frequenza = QStringLiteral("11778");
+    program.loc_osc = false;
+    program.loc_osc0 = 1;
+    program.sat_ad = true;
+    program.qpsk_symbolrate = QStringLiteral("27500");
+    program.diseqc_cmd = 5;
+    program.lnb_volt = 2;
+    program.K22 = 1;
+    program.logger_pos = QStringLiteral("04");
+    program.logger_state = true;
+    return program;
+}
+
+const Oscillators kKu{QStringLiteral("9750"), QStringLiteral("10600"), QString(), QString()};
+const QStringList kDigitalCommands{"PROGRAM 08", "LOCOSC 2 10600",      "LOCOSC 2",  "FREQ 11778",
+                                   "MARKER 1 1", "SYMBRATEQPSK 27500",  "DISEQC 05", "LNB 01",
+                                   "LNVOLT 18",  "TONE22K 01",          "STORE",     "LNB 00",
+                                   "TONE22K 00", "DATAPROGRAM 04 08 01"};
+const QStringList kDirectCommands{"PROGRAM 07", "LOCOSC 0", "FREQ 1234.5", "MARKER 1 0",
+                                  "DISEQC 73",  "LNB 00",   "TONE22K 00",  "STORE"};
+
+}  // namespace
+
+class UploadTest : public QObject {
+    Q_OBJECT
+
+  private:
+    QTemporaryDir folder_;
+    VirtualClock clock_;
+    FakePort port_{clock_};
+    FakeLinkView view_;
+    Link link_{port_, clock_, view_};
+    ProgramState program_;
+    QByteArray table_;
+    QByteArray refused_;
+
+    static UploadPlan plan() { return {{direct_program(), digital_program()}, kKu, "36", kDbmv}; }
+    static QStringList plan_part() {
+        return QStringList{"CHBW 36", "UNIT 01"} + kDirectCommands + kDigitalCommands;
+    }
+    QStringList backups() const {
+        return QDir(folder_.filePath(QStringLiteral("backup"))).entryList(QDir::Files);
+    }
+
+  private Q_SLOTS:
+    void init() {
+        QLocale::setDefault(QLocale::c());
+        QDir(folder_.filePath(QStringLiteral("backup"))).removeRecursively();
+        program_.base_dir = folder_with_separator(folder_.path());
+        link_.port_connected = true;
+        table_ = "01 05 01\r02 06 00\r03 09 01";
+        refused_.clear();
+        port_.answer = [this](const QByteArray& command) {
+            if (!refused_.isEmpty() && command == refused_) return command + "\rNO\rOK\r";
+            if (command.endsWith('?')) return FakePort::good(command, table_);
+            return FakePort::good(command);
+        };
+        port_.take_commands();
+    }
+
+    void a_program_tuned_directly() {
+        QCOMPARE(commands_of_program(direct_program(), kKu), kDirectCommands);
+    }
+
+    void a_program_through_an_oscillator() {
+        QCOMPARE(commands_of_program(digital_program(), kKu), kDigitalCommands);
+    }
+
+    void the_first_oscillator_has_number_one() {
+        ProgramRecord program = digital_program();
+        program.loc_osc0 = 0;
+        QCOMPARE(commands_of_program(program, kKu).mid(1, 2),
+                 QStringList({"LOCOSC 1 09750", "LOCOSC 1"}));
+    }
+
+    void thirteen_volts_and_no_tone() {
+        ProgramRecord program = digital_program();
+        program.lnb_volt = 1;
+        program.K22 = 0;
+        QCOMPARE(commands_of_program(program, kKu).mid(7),
+                 QStringList({"LNB 01", "LNVOLT 13", "TONE22K 00", "STORE", "LNB 00",
+                              "DATAPROGRAM 04 08 01"}));
+    }
+
+    void a_frequency_goes_out_with_a_full_stop_and_one_decimal() {
+        QLocale::setDefault(QLocale(QLocale::Italian));
+        ProgramRecord program = direct_program();
+        program.frequenza = QStringLiteral("503.25");
+        QCOMPARE(commands_of_program(program, kKu)[2], QStringLiteral("FREQ 0503.3"));
+        program.frequenza = QStringLiteral("503,2");
+        QCOMPARE(commands_of_program(program, kKu)[2], QStringLiteral("FREQ 0503.2"));
+    }
+
+    void empty_fields_go_out_as_zero() {
+        QCOMPARE(commands_of_program(ProgramRecord(), Oscillators()),
+                 QStringList({"PROGRAM 00", "LOCOSC 1 00000", "LOCOSC 1", "FREQ 00000",
+                              "MARKER 1 0", "DISEQC 00", "LNB 00", "TONE22K 00", "STORE"}));
+        QCOMPARE(plan_commands({{}, {}, {}, 0}), QStringList({"CHBW 00", "UNIT 00"}));
+    }
+
+    void an_active_program_without_a_position_takes_line_0() {
+        ProgramRecord program = digital_program();
+        program.logger_pos.clear();
+        QCOMPARE(commands_of_program(program, kKu).constLast(),
+                 QStringLiteral("DATAPROGRAM 00 08 01"));
+    }
+
+    void each_mode_begins_in_its_way() {
+        QCOMPARE(upload_commands(plan(), kAppend, QString()), QStringList{"MEASURE"} + plan_part());
+        QCOMPARE(upload_commands(plan(), kReplace, QString()),
+                 QStringList({"MEASURE", "DELETE 00 99", "DATAPROGRAM *"}) + plan_part());
+        QCOMPARE(upload_commands(plan(), kDisable, QString::fromLatin1(table_)),
+                 QStringList(
+                     {"MEASURE", "DATAPROGRAM?", "DATAPROGRAM 01 05 00", "DATAPROGRAM 03 09 00"}) +
+                     plan_part());
+    }
+
+    void a_table_without_active_lines_disables_nothing() {
+        QCOMPARE(disabling_commands({"01 05 00", "", "03", "04 07 0x"}), QStringList());
+        QCOMPARE(disabling_commands({"01 05 10"}), QStringList{"DATAPROGRAM 01 05 00"});
+    }
+
+    void it_is_sent_command_by_command() {
+        PlanUpload upload(link_, program_);
+        for (const UploadMode mode : {kAppend, kDisable, kReplace}) {
+            const UploadResult result = upload.run(plan(), mode);
+            const QStringList expected = upload_commands(plan(), mode, QString::fromLatin1(table_));
+            QCOMPARE(port_.take_commands(), expected);
+            QCOMPARE(result.accepted, static_cast<int>(expected.size()));
+            QCOMPARE(result.commands, static_cast<int>(expected.size()));
+            QCOMPARE(result.refused, QStringList());
+        }
+    }
+
+    void the_table_is_kept_before_it_is_changed() {
+        PlanUpload upload(link_, program_);
+        QByteArray kept;
+        port_.answer = [&](const QByteArray& command) {
+            if (command.endsWith('?')) return FakePort::good(command, table_);
+            if (command.startsWith("DATAPROGRAM") && kept.isEmpty()) {
+                QFile file(folder_.filePath(QStringLiteral("backup/")) + backups().value(0));
+                if (file.open(QIODevice::ReadOnly)) kept = file.readAll();
+            }
+            return FakePort::good(command);
+        };
+        const UploadResult result = upload.run(plan(), kDisable);
+        QCOMPARE(kept, table_);
+        QCOMPARE(result.table, QString::fromLatin1(table_));
+        QVERIFY(backups()[0].startsWith(QStringLiteral("logger-20261121-")));
+        QVERIFY(!QFile::exists(folder_.filePath(QStringLiteral("temp.dat"))));
+        upload.run(plan(), kAppend);
+        upload.run(plan(), kReplace);
+        QCOMPARE(backups().size(), 1);
+    }
+
+    void of_the_kept_tables_the_last_thirty_stay() {
+        const QDateTime now(QDate(2026, 11, 21), QTime(10, 0));
+        for (int k = 0; k < 33; ++k)
+            keep_table(program_.base_dir, QString::number(k), now.addSecs(k / 2));
+        QCOMPARE(backups().size(), 30);
+        QFile oldest(folder_.filePath(QStringLiteral("backup/")) + backups().constFirst());
+        QVERIFY(oldest.open(QIODevice::ReadOnly));
+        QCOMPARE(oldest.readAll(), QByteArray("3"));
+    }
+
+    void a_table_that_cannot_be_kept_stops_the_upload_before_any_change() {
+        QFile in_the_way(folder_.filePath(QStringLiteral("backup")));
+        QVERIFY(in_the_way.open(QIODevice::WriteOnly));
+        in_the_way.close();
+        bool stopped = false;
+        try {
+            PlanUpload(link_, program_).run(plan(), kDisable);
+        } catch (const Fault& fault) {
+            stopped = QString::fromUtf8(fault.what()).contains(QStringLiteral("backup"));
+        }
+        QVERIFY(stopped);
+        QCOMPARE(port_.take_commands(), QStringList({"MEASURE", "DATAPROGRAM?"}));
+        QVERIFY(in_the_way.remove());
+    }
+
+    void the_scratch_file_goes_also_when_something_fails() {
+        QCOMPARE(lines_through_file(program_.base_dir, QStringLiteral("a\rb\r\nc")),
+                 QStringList({"a", "b", "c"}));
+        QVERIFY(!QFile::exists(folder_.filePath(QStringLiteral("temp.dat"))));
+        bool failed = false;
+        try {
+            lines_through_file(folder_.filePath(QStringLiteral("no such folder/")), QString());
+        } catch (const Fault&) {
+            failed = true;
+        }
+        QVERIFY(failed);
+    }
+
+    void a_refused_command_is_named_and_the_rest_goes_on() {
+        refused_ = "DISEQC 73";
+        const UploadResult result = PlanUpload(link_, program_).run(plan(), kAppend);
+        QCOMPARE(port_.take_commands(), upload_commands(plan(), kAppend, QString()));
+        QCOMPARE(result.refused, QStringList{"DISEQC 73"});
+        QCOMPARE(result.accepted, result.commands - 1);
+        Texts texts;
+        QCOMPARE(upload_summary(result, texts), QStringLiteral("24 of 25 commands answered OK"));
+        texts.language = kItalian;
+        QCOMPARE(upload_summary(result, texts), QStringLiteral("24 comandi su 25 con risposta OK"));
+        QCOMPARE(upload_refusals(result), QStringLiteral("DISEQC 73"));
+    }
+
+    void a_lost_link_stops_the_sending() {
+        port_.answer = [](const QByteArray& command) {
+            return command == "UNIT 01" ? command + "\rERROR\r" : FakePort::good(command);
+        };
+        const UploadResult result = PlanUpload(link_, program_).run(plan(), kAppend);
+        QCOMPARE(port_.take_commands(),
+                 QStringList({"MEASURE", "CHBW 36", "UNIT 01", "UNIT 01", "UNIT 01"}));
+        QCOMPARE(result.accepted, 2);
+        QCOMPARE(result.commands, 25);
+        QCOMPARE(result.refused.size(), 23);
+        QCOMPARE(result.refused.constFirst(), QStringLiteral("UNIT 01"));
+        const QStringList shown = upload_refusals(result).split(u'\n');
+        QCOMPARE(shown.size(), 21);
+        QCOMPARE(shown.constLast(), QStringLiteral("…"));
+    }
+
+    void a_link_lost_at_the_table_changes_nothing() {
+        port_.answer = [](const QByteArray& command) {
+            return command.endsWith('?') ? command + "\rERROR\r" : FakePort::good(command);
+        };
+        const UploadResult result = PlanUpload(link_, program_).run(plan(), kDisable);
+        QCOMPARE(port_.take_commands(),
+                 QStringList({"MEASURE", "DATAPROGRAM?", "DATAPROGRAM?", "DATAPROGRAM?"}));
+        QCOMPARE(result.accepted, 1);
+        QCOMPARE(backups(), QStringList());
+    }
+
+    void without_a_link_nothing_is_sent() {
+        link_.port_connected = false;
+        const UploadResult result = PlanUpload(link_, program_).run(plan(), kReplace);
+        QCOMPARE(port_.take_commands(), QStringList());
+        QCOMPARE(result.accepted, 0);
+        QCOMPARE(result.commands, 27);
+    }
+
+    void progress_is_told_before_each_command() {
+        PlanUpload upload(link_, program_);
+        QStringList told;
+        upload.on_progress = [&](int sent, int commands) {
+            told += QStringLiteral("%1/%2").arg(sent).arg(commands);
+        };
+        upload.run({{direct_program()}, kKu, "36", 0}, kAppend);
+        QCOMPARE(told.size(), 11);
+        QCOMPARE(told.constFirst(), QStringLiteral("0/11"));
+        QCOMPARE(told.constLast(), QStringLiteral("10/11"));
+    }
+
+    void the_table_is_asked_once() {
+        QCOMPARE(PlanUpload(link_, program_).ask_table(), QString::fromLatin1(table_));
+        QCOMPARE(port_.take_commands(), QStringList{"DATAPROGRAM?"});
+        link_.port_connected = false;
+        QCOMPARE(PlanUpload(link_, program_).ask_table(), QString());
+    }
+};
+
+}  // namespace m47
+
+QTEST_GUILESS_MAIN(m47::UploadTest)
+#include "upload_test.moc"
