@@ -67,6 +67,13 @@ QStringList differences(const ProgramRecord& before, const ProgramRecord& after)
     return list;
 }
 
+QStringList corrections_of(const ImportCandidate& candidate, const ProgramRecord& after) {
+    ProgramRecord before = candidate.record;
+    // Another place for the same oscillator changes nothing.
+    if (!candidate.oscillator.isEmpty()) before.loc_osc0 = after.loc_osc0;
+    return differences(before, after);
+}
+
 /// Makes the preview program by program: each one sees those before it as part of the plan.
 class Importer {
   public:
@@ -83,7 +90,7 @@ class Importer {
             candidate.line, candidate.record, candidate.oscillator, {}, candidate.problem};
         if (row.added()) row.problem = fit(row);
         if (row.added()) taken_.push_back(row.record);
-        row.corrections = row.added() ? differences(candidate.record, row.record) : QStringList();
+        if (row.added()) row.corrections = corrections_of(candidate, row.record);
         preview_.rows.push_back(row);
     }
 

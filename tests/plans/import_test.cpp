@@ -1,0 +1,271 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Plan files and scan tables, and what an import of them will do.
+#include <QTest>
+
+#include "diseqc_commands.h"
+#include "plan_file.h"
+#include "plan_import.h"
+
+namespace m47 {
+namespace {
+
+const QByteArray kHeader =
+    "nome\tpg_num\tfrequenza\tloc_osc\tloc_osc0\tsat_ad\tqpsk_symbolrate\tsatchbw\tdiseqc_cmd\t"
+    "diseqc_cmd2\tlnb_volt\tK22\tlogger_pos\tlogger_state\tmonitor_state\tlev_min\tlev_max\t"
+    "noise_min\tnoise_max\tchber_min\tchber_max\tmer_min\tmer_max\toscillator\n";
+
+ProgramRecord full_program() {
+    ProgramRecord program = import_defaults(0);
+    program.pg_num = QStringLiteral("007");
+    program.frequenza = QStringLiteral("11778");
+    program.loc_osc = false;
+    program.loc_osc0 = 1;
+    program.sat_ad = true;
+    program.qpsk_symbolrate = QStringLiteral("29900");
+    program.satchbw = QStringLiteral("08");
+    program.diseqc_cmd = 5;
+    program.lnb_volt = 2;
+    program.K22 = 1;
+    program.logger_pos = QStringLiteral("03");
+    program.logger_state = true;
+    program.monitor_state = true;
+    program.lev_min = QStringLiteral("45");
+    return program;
+}
+
+QStringList one_line_each(const ImportPreview& preview) {
+    QStringList lines;
+    for (const ImportRow& row : preview.rows)
+        lines += QStringLiteral("%1 %2 %3 %4 %5 %6")
+                     .arg(row.line)
+                     .arg(row.record.pg_num, row.record.frequenza, row.oscillator,
+                          row.added() ? QStringLiteral("added")
+                                      : QString::number(static_cast<int>(row.problem)),
+                          row.corrections.join(u','));
+    return lines;
+}
+
+}  // namespace
+
+class ImportTest : public QObject {
+    Q_OBJECT
+
+  private:
+    const Oscillators ku_{QStringLiteral("9750"), QStringLiteral("10600"), QString(), QString()};
+
+    static std::vector<ImportCandidate> parsed(const QByteArray& bytes) {
+        return parse_import_file(bytes, 0).candidates;
+    }
+    ImportPreview into_empty_plan(const QByteArray& bytes) const {
+        return preview_import(parsed(bytes), {ProgramRecord()}, Oscillators(), 0);
+    }
+
+  private Q_SLOTS:
+    void a_plan_file_names_every_field() {
+        const QString text =
+            plan_file_text(QStringLiteral("HOT BIRD"), {full_program()}, ku_, u'\t');
+        QCOMPARE(text.toUtf8(),
+                 kHeader +
+                     "HOT BIRD\t007\t11778\t0\t1\t1\t29900\t08\t5\t73\t2\t1\t03\t1\t1\t45\t"
+                     "120\t1\t40\t1E-8\t3E-2\t1\t40\t10600\n");
+    }
+
+    void a_plan_comes_back_as_it_was_data() {
+        QTest::addColumn<QChar>("separator");
+        QTest::newRow("tab") << QChar(u'\t');
+        QTest::newRow("comma") << QChar(u',');
+        QTest::newRow("semicolon") << QChar(u';');
+    }
+    void a_plan_comes_back_as_it_was() {
+        QFETCH(QChar, separator);
+        ProgramRecord direct = import_defaults(0);
+        direct.pg_num = QStringLiteral("008");
+        direct.frequenza = QStringLiteral("1234.5");
+        const std::vector<ProgramRecord> programs{full_program(), direct};
+        const QString text =
+            plan_file_text(QStringLiteral("A \"B\",;\t"), programs, ku_, separator);
+        const ImportPreview preview =
+            preview_import(parsed(text.toUtf8()), {ProgramRecord()}, Oscillators(), 0);
+        QCOMPARE(preview.added(), 2);
+        QCOMPARE(preview.rows[0].record, programs[0]);
+        QCOMPARE(preview.rows[1].record, programs[1]);
+        QCOMPARE(preview.rows[0].corrections, QStringList());
+        QCOMPARE(preview.oscillators,
+                 Oscillators({QString(), QStringLiteral("10600"), QString(), QString()}));
+        QVERIFY(preview.replaces_blank);
+    }
+
+    void a_decimal_comma_of_the_user_goes_out_as_a_full_stop() {
+        ProgramRecord program = full_program();
+        program.lev_min = QStringLiteral("45,5");
+        const QString text = plan_file_text(QStringLiteral("P"), {program}, ku_, u',');
+        QVERIFY(text.contains(QStringLiteral(",45.5,")));
+    }
+
+    void semicolons_and_decimal_commas_are_understood() {
+        const ImportPreview preview = into_empty_plan(
+            "\xef\xbb\xbfpg_num;frequenza;loc_osc;lev_min\r\n7;1234,5;1;45,5\r\n\r\n8;950;1;\r\n");
+        QCOMPARE(one_line_each(preview),
+                 QStringList({"2 007 1234.5  added ", "4 008 950  added "}));
+        QCOMPARE(preview.rows[0].record.lev_min, QStringLiteral("45.5"));
+        QCOMPARE(preview.rows[1].record.lev_min, QStringLiteral("20"));
+    }
+
+    void a_cell_in_quotes_may_hold_anything() {
+        const std::vector<ImportCandidate> candidates =
+            parsed("nome,frequenza,pg_num\n\"a,\"\"b\"\"\nc\",\"1000\",5\nx,1001,6\n");
+        QCOMPARE(candidates.size(), std::size_t(2));
+        QCOMPARE(candidates[0].record.pg_num, QStringLiteral("5"));
+        QCOMPARE(candidates[0].line, 2);
+        QCOMPARE(candidates[1].line, 4);
+        QCOMPARE(parsed("frequenza,nome\n1000,\"never closed\n1001,x\n").size(), std::size_t(1));
+    }
+
+    void what_is_out_of_range_is_corrected_and_named() {
+        const ImportPreview preview = into_empty_plan(
+            "pg_num,frequenza,loc_osc,qpsk_symbolrate,sat_ad,satchbw,logger_pos,logger_state,"
+            "noise_min\n150,500,1,60000,1,45,42,1,45\n");
+        QCOMPARE(preview.rows[0].corrections,
+                 QStringList({"pg_num: 150 → 099", "frequenza: 500 → 920.0",
+                              "qpsk_symbolrate: 60000 → 45000", "satchbw: 45 → 40",
+                              "logger_pos: 42 → ", "logger_state: 1 → 0", "noise_min: 45 → 1"}));
+        QVERIFY(preview.rows[0].added());
+    }
+
+    void a_missing_frequency_shows() {
+        const ImportPreview preview = into_empty_plan("pg_num,frequenza\n1,\n");
+        QCOMPARE(preview.rows[0].corrections, QStringList{"frequenza:  → 920.0"});
+    }
+
+    void clashes_are_left_out_and_named() {
+        ProgramRecord there = full_program();
+        const ImportPreview preview = preview_import(
+            parsed("pg_num,frequenza,logger_pos\n7,1000,\n8,1000,03\n9,1000,04\n9,1001,05\n"
+                   "10,1002,04\n,1003,\n"),
+            {there}, ku_, 0);
+        QCOMPARE(one_line_each(preview),
+                 QStringList({"2 007 1000  1 ", "3 008 1000  2 ", "4 009 1000  added ",
+                              "5 009 1001  1 ", "6 010 1002  2 ", "7 000 1003  added "}));
+        QVERIFY(!preview.replaces_blank);
+        QCOMPARE(preview.oscillators, ku_);
+        Texts texts;
+        texts.load_messages(QString());
+        QCOMPARE(import_problem_text(ImportProblem::number_taken, texts),
+                 QStringLiteral("The Programme in the data base already exist."));
+        QCOMPARE(import_problem_text(ImportProblem::none, texts), QString());
+    }
+
+    void an_oscillator_takes_a_free_place() {
+        Oscillators oscillators{QStringLiteral("9750"), QString(), QStringLiteral("5150"),
+                                QString()};
+        const ImportPreview preview = preview_import(
+            parsed("frequenza,oscillator,loc_osc0\n11000,9750,3\n12000,10600,0\n3500,5150,\n"
+                   "11500,10000,1\n11500,11000,\n"),
+            {full_program()}, oscillators, 0);
+        QCOMPARE(one_line_each(preview),
+                 QStringList({"2 000 11000 9750 added ", "3 001 12000 10600 added ",
+                              "4 002 3500 5150 added ", "5 003 11500 10000 added ",
+                              "6 004 11500 11000 4 "}));
+        QCOMPARE(preview.oscillators, Oscillators({"9750", "10600", "5150", "10000"}));
+    }
+
+    void a_wide_plan_stops_at_a_hundred() {
+        QByteArray text = "frequenza\n";
+        for (int k = 0; k < 103; ++k) text += QByteArray::number(1000 + k) + "\n";
+        const ImportPreview preview = into_empty_plan(text);
+        QCOMPARE(preview.added(), 100);
+        QCOMPARE(preview.rows[0].record.pg_num, QStringLiteral("000"));
+        QCOMPARE(preview.rows[99].record.pg_num, QStringLiteral("099"));
+        QCOMPARE(preview.rows[100].problem, ImportProblem::no_number);
+        QCOMPARE(preview.rows[102].line, 104);
+    }
+
+    void a_number_that_is_not_free_is_skipped() {
+        ProgramRecord zero = full_program();
+        zero.pg_num = QStringLiteral("000");
+        ProgramRecord two = full_program();
+        two.pg_num = QStringLiteral("2");
+        const ImportPreview preview =
+            preview_import(parsed("frequenza\n1000\n1001\n"), {zero, two}, ku_, 0);
+        QCOMPARE(preview.rows[0].record.pg_num, QStringLiteral("001"));
+        QCOMPARE(preview.rows[1].record.pg_num, QStringLiteral("003"));
+    }
+
+    void nothing_to_add_leaves_the_empty_program() {
+        QVERIFY(!into_empty_plan("frequenza\n").replaces_blank);
+        QVERIFY(!into_empty_plan("S 1000 V 27500000 3/4\n").replaces_blank);
+    }
+
+    void what_is_no_plan_is_told() {
+        QVERIFY(!parse_import_file("", 0).understood);
+        QVERIFY(!parse_import_file("name;age\nx;3\n", 0).understood);
+        QVERIFY(!parse_import_file(QByteArray("\x89PNG\r\n\x1a\n\0\0", 10), 0).understood);
+        QVERIFY(!parse_import_file(QByteArray(2 * 1024 * 1024, 'x'), 0).understood);
+        const ImportFile file = parse_import_file("frequenza,colour\n1000,red\n", 0);
+        QVERIFY(file.understood);
+        QCOMPARE(file.unknown_columns, QStringList{"colour"});
+    }
+
+    void scan_tables_of_both_forms_data() {
+        QTest::addColumn<QByteArray>("text");
+        QTest::newRow("old") << QByteArray(
+            "# Somewhere\n# freq pol sr fec\nS 11719500 H 27500000 3/4\nS2 10719000 V 29900000 "
+            "AUTO AUTO QPSK # comment\n");
+        QTest::newRow("new") << QByteArray(
+            "# Somewhere\n\n[CHANNEL]\n\tDELIVERY_SYSTEM = DVBS\n\tFREQUENCY = 11719500\n"
+            "\tPOLARIZATION = HORIZONTAL\n\tSYMBOL_RATE = 27500000\n\tINNER_FEC = 3/4\n\n"
+            "[CHANNEL]\r\n  delivery_system=DVBS2\r\n  FREQUENCY = 10719000\r\n"
+            "  POLARIZATION = VERTICAL\r\n  SYMBOL_RATE = 29900000\r\n");
+    }
+    void scan_tables_of_both_forms() {
+        QFETCH(QByteArray, text);
+        const ImportPreview preview = into_empty_plan(text);
+        QCOMPARE(preview.added(), 2);
+        const ProgramRecord& upper = preview.rows[0].record;
+        QCOMPARE(upper.pg_num, QStringLiteral("000"));
+        QCOMPARE(upper.frequenza, QStringLiteral("11720"));
+        QCOMPARE(upper.qpsk_symbolrate, QStringLiteral("27500"));
+        QVERIFY(upper.sat_ad && !upper.loc_osc);
+        QCOMPARE(upper.lnb_volt, 2);
+        QCOMPARE(upper.K22, 1);
+        QCOMPARE(upper.loc_osc0, 1);
+        QCOMPARE(upper.diseqc_cmd, kDiseqcNone);
+        const ProgramRecord& lower = preview.rows[1].record;
+        QCOMPARE(lower.frequenza, QStringLiteral("10719"));
+        QCOMPARE(lower.lnb_volt, 1);
+        QCOMPARE(lower.K22, 0);
+        QCOMPARE(lower.loc_osc0, 0);
+        QCOMPARE(preview.oscillators,
+                 Oscillators({QStringLiteral("9750"), QStringLiteral("10600")}));
+    }
+
+    void the_bands_have_their_oscillators() {
+        const ImportPreview preview = into_empty_plan(
+            "S 11699000 V 27500000 3/4\nS 11700000 V 27500000 3/4\nS 10669000 V 27500000 3/4\n"
+            "S 10670000 L 27500000 3/4\nS 12750000 R 27500000 3/4\nS 12752000 V 27500000 3/4\n"
+            "S 3400000 H 27500000 3/4\nS 20000000 H 27500000 3/4\n");
+        QCOMPARE(one_line_each(preview),
+                 QStringList({"1 000 11699 9750 added ", "2 001 11700 10600 added ", "3  10669  5 ",
+                              "4 002 10670 9750 added ", "5 003 12750 10600 added ", "6  12752  5 ",
+                              "7 004 3400 5150 added ", "8  20000  5 "}));
+        QCOMPARE(preview.rows[3].record.lnb_volt, 2);
+        QCOMPARE(preview.rows[4].record.lnb_volt, 1);
+        QCOMPARE(preview.rows[6].record.K22, 0);
+    }
+
+    void what_a_scan_table_does_not_say_clearly_is_named() {
+        const ImportPreview preview = into_empty_plan(
+            "S 11778000 V\nS 11778000 X 27500000\nS\nnonsense\n[VDR]\n"
+            "[CHANNEL]\nDELIVERY_SYSTEM = DVBT\nFREQUENCY = 11778000\nPOLARIZATION = VERTICAL\n"
+            "SYMBOL_RATE = 27500000\n");
+        QCOMPARE(preview.added(), 0);
+        QCOMPARE(preview.rows.size(), std::size_t(6));
+        for (const ImportRow& row : preview.rows) QCOMPARE(row.problem, ImportProblem::unreadable);
+        QCOMPARE(preview.rows[5].line, 6);
+    }
+};
+
+}  // namespace m47
+
+QTEST_GUILESS_MAIN(m47::ImportTest)
+#include "import_test.moc"

@@ -1,0 +1,356 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Plans and programs in the database file: every change as a whole or not at all.
+#include <QDir>
+#include <QFileInfo>
+#include <QSqlQuery>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include "db_support.h"
+#include "fault.h"
+#include "plan_file.h"
+#include "plan_sets.h"
+
+namespace m47 {
+
+class SetsTest : public QObject {
+    Q_OBJECT
+
+  private:
+    std::unique_ptr<QTemporaryDir> folder_;
+    std::unique_ptr<Database> database_;
+    std::unique_ptr<PlanSets> sets_;
+
+    QStringList sql(const QString& statement) {
+        return run_sql(database_in(folder_->path()), {statement});
+    }
+    QStringList numbers() {
+        return sql(QStringLiteral("SELECT coalesce(pg_num, '-') || ' ' || coalesce(logger_pos, "
+                                  "'-') FROM programmi WHERE nome = '%1' ORDER BY rowid")
+                       .arg(sets_->plan()));
+    }
+    /// No statement may change the file until `off`.
+    void lock_file(bool on) {
+        QSqlQuery(QStringLiteral("PRAGMA query_only = %1").arg(on), database_->connection());
+    }
+
+    static ProgramRecord tuned(const char* number, const char* frequency = "1000") {
+        ProgramRecord record = import_defaults(0);
+        record.pg_num = QString::fromLatin1(number);
+        record.frequenza = QString::fromLatin1(frequency);
+        return record;
+    }
+    Clash store(ProgramRecord record, bool over) {
+        QString none;
+        return sets_->store_record(record, none, 0, over);
+    }
+
+  private Q_SLOTS:
+    void init() {
+        // In memory where there is such a place: a test commits often.
+        const bool memory = QFileInfo(QStringLiteral("/dev/shm")).isWritable();
+        folder_ = std::make_unique<QTemporaryDir>(
+            (memory ? QStringLiteral("/dev/shm") : QDir::tempPath()) +
+            QStringLiteral("/m47-plans-XXXXXX"));
+        database_ = made_in(folder_->path());
+        sets_ = std::make_unique<PlanSets>(*database_);
+    }
+    void cleanup() {
+        sets_.reset();
+        database_.reset();
+    }
+
+    void names_are_cut_trimmed_and_capital() {
+        QCOMPARE(plan_name(QStringLiteral("  hot bird 13 east")), QStringLiteral("HOT BIRD"));
+        QCOMPARE(plan_name(QStringLiteral("abcdefghijkl")), QStringLiteral("ABCDEFGHIJ"));
+        QCOMPARE(plan_name(QStringLiteral("           x")), QString());
+    }
+
+    void a_new_plan_has_one_empty_program() {
+        sets_->add_new(QStringLiteral("B"));
+        QCOMPARE(sets_->plan(), QStringLiteral("B"));
+        QVERIFY(is_blank(sets_->program()));
+        QCOMPARE(sets_->oscillators(), Oscillators());
+        QCOMPARE(numbers(), QStringList{"- -"});
+        QCOMPARE(sql(QStringLiteral("SELECT count(*) FROM configurazione WHERE nome = 'B'")),
+                 QStringList{"1"});
+        QVERIFY(!sets_->next_plan());
+        QCOMPARE(sets_->plan(), QStringLiteral("B"));
+        QVERIFY(sets_->previous_plan());
+        QCOMPARE(sets_->plan(), QStringLiteral("PLAN 1"));
+        QVERIFY(!sets_->previous_plan());
+        QCOMPARE(sets_->plan(), QStringLiteral("PLAN 1"));
+    }
+
+    void an_existing_name_makes_no_second_plan() {
+        sets_->add_new(QStringLiteral("B"));
+        sets_->first_plan();
+        sets_->add_new(QStringLiteral("B"));
+        QCOMPARE(sets_->plan(), QStringLiteral("B"));
+        QCOMPARE(sql(QStringLiteral("SELECT count(*) FROM gruppo")), QStringList{"2"});
+        QCOMPARE(numbers().size(), 1);
+    }
+
+    void the_last_plan_stays() {
+        QVERIFY(!sets_->can_delete_plan());
+        sets_->del_old();
+        QCOMPARE(sets_->plan(), QStringLiteral("PLAN 1"));
+        QCOMPARE(numbers().size(), 1);
+    }
+
+    void a_plan_goes_with_all_its_rows() {
+        sets_->add_new(QStringLiteral("B"));
+        QCOMPARE(store(tuned("1"), false), Clash::none);
+        sets_->del_old();
+        QCOMPARE(sets_->plan(), QStringLiteral("PLAN 1"));
+        for (const char* table : {"gruppo", "configurazione", "programmi"})
+            QCOMPARE(sql(QStringLiteral("SELECT nome FROM %1").arg(QLatin1String(table))),
+                     QStringList{"PLAN 1"});
+    }
+
+    void quotes_in_a_name_are_just_characters() {
+        sets_->add_new(QStringLiteral("A\"' OR 1"));
+        QCOMPARE(store(tuned("1"), true), Clash::none);
+        sets_->del_old();
+        QCOMPARE(sets_->plan(), QStringLiteral("PLAN 1"));
+        QCOMPARE(numbers(), QStringList{"- -"});
+    }
+
+    void a_new_program_takes_the_next_position() {
+        QCOMPARE(store(tuned("5"), true), Clash::none);
+        QCOMPARE(store(tuned("6"), false), Clash::none);
+        QCOMPARE(store(tuned("7"), false), Clash::none);
+        QCOMPARE(numbers(), QStringList({"005 ", "006 01", "007 02"}));
+    }
+
+    void behind_the_last_position_there_is_none() {
+        ProgramRecord last = tuned("1");
+        last.logger_pos = QStringLiteral("41");
+        QCOMPARE(store(last, true), Clash::none);
+        QCOMPARE(store(tuned("2"), false), Clash::none);
+        QCOMPARE(numbers(), QStringList({"001 41", "002 "}));
+    }
+
+    void a_number_comes_once_in_a_plan() {
+        QCOMPARE(store(tuned("1"), true), Clash::none);
+        QCOMPARE(store(tuned("1"), false), Clash::number);
+        QCOMPARE(store(tuned("2"), false), Clash::none);
+        // Over the first, with the number of the second.
+        sets_->first_program();
+        QCOMPARE(store(tuned("2", "1500"), true), Clash::number);
+        QCOMPARE(numbers(), QStringList({"001 ", "002 01"}));
+        sets_->add_new(QStringLiteral("B"));
+        QCOMPARE(store(tuned("1"), true), Clash::none);
+    }
+
+    void a_position_comes_once_in_a_plan_data() {
+        QTest::addColumn<QString>("number");
+        QTest::newRow("same number") << "001";
+        QTest::newRow("a number new to the plan") << "050";
+    }
+    void a_position_comes_once_in_a_plan() {
+        QFETCH(QString, number);
+        QCOMPARE(store(tuned("1"), true), Clash::none);
+        QCOMPARE(store(tuned("2"), false), Clash::none);
+        sets_->first_program();
+        ProgramRecord first = sets_->program();
+        first.pg_num = number;
+        first.logger_pos = QStringLiteral("01");
+        QCOMPARE(store(first, true), Clash::logger_position);
+        QCOMPARE(numbers(), QStringList({"001 ", "002 01"}));
+    }
+
+    void a_program_keeps_its_own_position_under_a_new_number() {
+        QCOMPARE(store(tuned("1"), true), Clash::none);
+        QCOMPARE(store(tuned("2"), false), Clash::none);
+        sets_->last_program();
+        ProgramRecord program = sets_->program();
+        program.pg_num = QStringLiteral("33");
+        QCOMPARE(store(program, true), Clash::none);
+        QCOMPARE(numbers(), QStringList({"001 ", "033 01"}));
+        QCOMPARE(sets_->program().pg_num, QStringLiteral("033"));
+    }
+
+    void what_is_stored_is_corrected_and_comes_back() {
+        ProgramRecord record = tuned("150", "10000");
+        record.loc_osc = false;
+        record.loc_osc0 = 2;
+        record.qpsk_symbolrate = QStringLiteral(" 28000 ");
+        record.chber_min = QStringLiteral("-1");
+        record.monitor_state = true;
+        QString oscillator = QStringLiteral("9750");
+        QCOMPARE(sets_->store_record(record, oscillator, 0, true), Clash::none);
+        QCOMPARE(record.frequenza, QStringLiteral("10670"));
+        sets_->crea_records(QStringLiteral(" plan 1 "));
+        ProgramRecord expected = record;
+        expected.qpsk_symbolrate = QStringLiteral("28000");
+        QCOMPARE(sets_->program(), expected);
+        QCOMPARE(sets_->oscillators()[2], QStringLiteral("9750"));
+        QCOMPARE(sets_->oscillators()[0], QString());
+        QCOMPARE(sql(QStringLiteral("SELECT typeof(frequenza) || typeof(satchbw) || loc_osc || "
+                                    "chber_min FROM programmi")),
+                 QStringList{"realreal01E-8"});
+    }
+
+    void without_an_oscillator_frequency_and_oscillator_stay_empty() {
+        ProgramRecord record = sets_->program();
+        QString none;
+        QCOMPARE(sets_->store_record(record, none, 0, true), Clash::none);
+        QCOMPARE(sql(QStringLiteral("SELECT frequenza IS NULL FROM programmi")), QStringList{"1"});
+        QCOMPARE(sql(QStringLiteral("SELECT loc_osc1 IS NULL FROM configurazione")),
+                 QStringList{"1"});
+        QCOMPARE(sets_->program().frequenza, QString());
+    }
+
+    void the_last_program_stays() {
+        sets_->delete_program();
+        QCOMPARE(numbers().size(), 1);
+        QCOMPARE(store(tuned("1"), true), Clash::none);
+        QCOMPARE(store(tuned("2"), false), Clash::none);
+        QVERIFY(sets_->can_delete_program());
+        sets_->last_program();
+        sets_->delete_program();
+        QCOMPARE(sets_->program().pg_num, QStringLiteral("001"));
+        QVERIFY(!sets_->can_delete_program());
+    }
+
+    void programs_are_walked_to_both_ends() {
+        QCOMPARE(store(tuned("1"), true), Clash::none);
+        QCOMPARE(store(tuned("2"), false), Clash::none);
+        QVERIFY(sets_->next_program());
+        QCOMPARE(sets_->program().pg_num, QStringLiteral("002"));
+        QVERIFY(!sets_->next_program());
+        QCOMPARE(sets_->program().pg_num, QStringLiteral("002"));
+        QVERIFY(sets_->previous_program());
+        QVERIFY(!sets_->previous_program());
+        QCOMPARE(sets_->program().pg_num, QStringLiteral("001"));
+    }
+
+    void a_plan_without_programs_is_tolerated() {
+        sql(QStringLiteral("DELETE FROM programmi"));
+        sets_->crea_records(sets_->plan());
+        QVERIFY(is_blank(sets_->program()));
+        QVERIFY(!sets_->next_program());
+        QVERIFY(!sets_->previous_program());
+        QVERIFY(!sets_->can_delete_program());
+        M47_VERIFY_FAULT(store(tuned("1"), true), "no current record");
+        QCOMPARE(store(tuned("1"), false), Clash::none);
+        QCOMPARE(numbers(), QStringList{"001 01"});
+    }
+
+    void a_file_that_takes_nothing_keeps_everything_as_it_was() {
+        QCOMPARE(store(tuned("1"), true), Clash::none);
+        QCOMPARE(store(tuned("2"), false), Clash::none);
+        sets_->last_program();
+        const QByteArray before = content_of(database_in(folder_->path()));
+        lock_file(true);
+        M47_VERIFY_FAULT(store(tuned("3"), false), "readonly");
+        M47_VERIFY_FAULT(store(tuned("2", "1500"), true), "readonly");
+        M47_VERIFY_FAULT(sets_->add_new("B"), "readonly");
+        M47_VERIFY_FAULT(sets_->copy_plan("B"), "readonly");
+        M47_VERIFY_FAULT(sets_->copy_program("B", 0), "readonly");
+        M47_VERIFY_FAULT(
+            sets_->apply_import(preview_import(parse_import_file("frequenza\n1000\n", 0).candidates,
+                                               sets_->programs(), {}, 0)),
+            "readonly");
+        lock_file(false);
+        QCOMPARE(content_of(database_in(folder_->path())), before);
+        QCOMPARE(sets_->plan(), QStringLiteral("PLAN 1"));
+        QCOMPARE(sets_->program().pg_num, QStringLiteral("002"));
+        QCOMPARE(sets_->program().frequenza, QStringLiteral("1000.0"));
+    }
+
+    void a_failure_half_way_leaves_no_half_plan() {
+        sets_->add_new(QStringLiteral("B"));
+        QCOMPARE(store(tuned("1"), true), Clash::none);
+        sql(
+            QStringLiteral("CREATE TRIGGER stop BEFORE INSERT ON programmi BEGIN SELECT "
+                           "RAISE(ABORT, 'stopped'); END"));
+        M47_VERIFY_FAULT(sets_->add_new("C"), "stopped");
+        M47_VERIFY_FAULT(sets_->copy_plan("C"), "stopped");
+        M47_VERIFY_FAULT(sets_->copy_program("C", 0), "stopped");
+        M47_VERIFY_FAULT(store(tuned("2"), false), "stopped");
+        sql(QStringLiteral("DROP TRIGGER stop"));
+        sql(
+            QStringLiteral("CREATE TRIGGER stop BEFORE DELETE ON programmi BEGIN SELECT "
+                           "RAISE(ABORT, 'stopped'); END"));
+        M47_VERIFY_FAULT(sets_->del_old(), "stopped");
+        QCOMPARE(sets_->plan(), QStringLiteral("B"));
+        QCOMPARE(sets_->program().pg_num, QStringLiteral("001"));
+        QCOMPARE(sql(QStringLiteral("SELECT nome FROM gruppo ORDER BY nome")),
+                 QStringList({"B", "PLAN 1"}));
+        QCOMPARE(sql(QStringLiteral("SELECT nome FROM configurazione ORDER BY nome")),
+                 QStringList({"B", "PLAN 1"}));
+        QCOMPARE(numbers(), QStringList{"001 "});
+    }
+
+    void an_import_replaces_the_empty_program() {
+        const ImportFile file =
+            parse_import_file("frequenza,oscillator\n11000,9750\n12000,10600\n", 0);
+        sets_->apply_import(
+            preview_import(file.candidates, sets_->programs(), sets_->oscillators(), 0));
+        QCOMPARE(numbers(), QStringList({"000 ", "001 "}));
+        QCOMPARE(sets_->program().frequenza, QStringLiteral("11000"));
+        QCOMPARE(sets_->oscillators(),
+                 Oscillators({QStringLiteral("9750"), QStringLiteral("10600")}));
+        QCOMPARE(sql(QStringLiteral("SELECT frequenza FROM programmi")),
+                 QStringList({"11000", "12000"}));
+    }
+
+    void a_plan_is_copied_field_by_field() {
+        sql(QStringLiteral("UPDATE configurazione SET loc_osc3 = 5150, user_sc0 = 'A'"));
+        sql(QStringLiteral("UPDATE programmi SET frequenza = 503.25, lnb_volt = NULL"));
+        sets_->copy_plan(QStringLiteral("B"));
+        QCOMPARE(sets_->plan(), QStringLiteral("B"));
+        QCOMPARE(sql(QStringLiteral("SELECT count(*) FROM (SELECT loc_osc1, loc_osc3, user_sc0 "
+                                    "FROM configurazione UNION SELECT loc_osc1, loc_osc3, "
+                                    "user_sc0 FROM configurazione)")),
+                 QStringList{"1"});
+        QCOMPARE(sql(QStringLiteral("SELECT frequenza || coalesce(lnb_volt, 'none') FROM "
+                                    "programmi WHERE nome = 'B'")),
+                 QStringList{"503.25none"});
+    }
+
+    void a_program_is_copied_with_its_oscillator() {
+        ProgramRecord record = tuned("7", "12000");
+        record.loc_osc = false;
+        record.loc_osc0 = 3;
+        record.logger_pos = QStringLiteral("05");
+        record.logger_state = true;
+        QString oscillator = QStringLiteral("10600");
+        QCOMPARE(sets_->store_record(record, oscillator, 0, true), Clash::none);
+        // Within the plan: another number, the next position.
+        QCOMPARE(sets_->copy_program(QStringLiteral("PLAN 1"), 0).added(), 1);
+        QCOMPARE(numbers(), QStringList({"007 05", "000 06"}));
+        QCOMPARE(sets_->program().pg_num, QStringLiteral("000"));
+        // Into a plan that does not exist yet.
+        sets_->first_program();
+        QCOMPARE(sets_->copy_program(QStringLiteral("B"), 0).added(), 1);
+        QCOMPARE(sets_->plan(), QStringLiteral("B"));
+        QCOMPARE(numbers(), QStringList{"007 05"});
+        QCOMPARE(sets_->program(), record);
+        QCOMPARE(sets_->oscillators()[3], QStringLiteral("10600"));
+    }
+
+    void a_program_without_room_is_not_copied() {
+        ProgramRecord record = tuned("7", "12000");
+        record.loc_osc = false;
+        QString oscillator = QStringLiteral("10600");
+        QCOMPARE(sets_->store_record(record, oscillator, 0, true), Clash::none);
+        sets_->add_new(QStringLiteral("B"));
+        sql(
+            QStringLiteral("UPDATE configurazione SET loc_osc1 = 4000, loc_osc2 = 4001, loc_osc3 "
+                           "= 4002, loc_osc4 = 4003 WHERE nome = 'B'"));
+        sets_->first_plan();
+        const ImportPreview copy = sets_->copy_program(QStringLiteral("B"), 0);
+        QCOMPARE(copy.rows.front().problem, ImportProblem::no_oscillator);
+        QCOMPARE(sets_->plan(), QStringLiteral("PLAN 1"));
+        QCOMPARE(sql(QStringLiteral("SELECT count(*) FROM programmi WHERE nome = 'B'")),
+                 QStringList{"1"});
+    }
+};
+
+}  // namespace m47
+
+QTEST_GUILESS_MAIN(m47::SetsTest)
+#include "sets_test.moc"
