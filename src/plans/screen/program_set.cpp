@@ -18,6 +18,13 @@ namespace {
 
 constexpr qsizetype kOscillatorLength = 6;
 
+/// The others stay in their places while `frame` is hidden.
+void keep_place(QWidget* frame) {
+    QSizePolicy place = frame->sizePolicy();
+    place.setRetainSizeWhenHidden(true);
+    frame->setSizePolicy(place);
+}
+
 }  // namespace
 
 ProgramSet::ProgramSet(Link& link, ProgramState& program, Database& database, QWidget* parent)
@@ -35,6 +42,8 @@ ProgramSet::ProgramSet(Link& link, ProgramState& program, Database& database, QW
     // Its menu would hide the toolbar, and nothing would bring it back.
     setContextMenuPolicy(Qt::NoContextMenu);
     set_icons();
+    keep_place(ui_->dig_opt);
+    keep_place(ui_->monitor_opt);
     show_monitor(false);
     connect_boxes();
     connect_oscillators();

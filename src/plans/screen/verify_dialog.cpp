@@ -16,8 +16,10 @@ constexpr Bilingual kVerified{"The logger table is as planned.",
                               "La tabella datalogger è come previsto."};
 constexpr Bilingual kDiffers{"%1 lines of the logger table are not as planned.",
                              "%1 righe della tabella datalogger non sono come previsto."};
-constexpr Bilingual kVerifyColumns[] = {
-    {"Line", "Riga"}, {"Planned", "Previsto"}, {"Found", "Trovato"}, {"", ""}};
+constexpr Bilingual kVerifyColumns[] = {{"Line", "Riga"},
+                                        {"Planned: program, state", "Previsto: programma, stato"},
+                                        {"Found", "Trovato"},
+                                        {"", ""}};
 
 QString mark_of(const TableComparison& row) {
     if (!row.judged) return {};
@@ -40,6 +42,8 @@ QTableWidget* table_of(const std::vector<TableComparison>& rows, const Texts& te
             table->setItem(number, column++, new QTableWidgetItem(text));
         ++number;
     }
+    table->resizeColumnsToContents();
+    table->horizontalHeader()->setStretchLastSection(true);
     return table;
 }
 

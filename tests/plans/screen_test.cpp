@@ -1,0 +1,834 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The plan screen of the whole program, clicked and typed at as a technician does, and its uploads
+// against the simulated meter on a pseudo-terminal.
+#include <signal.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDir>
+#include <QFileDialog>
+#include <QInputDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QRegularExpression>
+#include <QSqlQuery>
+#include <QTableWidget>
+#include <QTest>
+#include <QTimer>
+#include <QToolBar>
+#include <QWheelEvent>
+
+#include "plan_sets.h"
+#include "plan_tooltips.h"
+#include "process_support.h"
+#include "program.h"
+#include "program_set.h"
+#include "upload_commands.h"
+
+namespace m47 {
+
+class PlanScreenTest : public QObject {
+    Q_OBJECT
+
+  private:
+    std::unique_ptr<QTemporaryDir> folder_;
+    std::unique_ptr<MeterProcess> meter_;
+    ProgramState state_;
+    std::unique_ptr<Program> program_;
+    ProgramSet* screen_ = nullptr;
+    int beeps_ = 0;
+    /// Every box that was answered: its title and its text.
+    QStringList told_;
+
+    template <class Kind>
+    Kind* find(const char* name) {
+        auto* found = screen_->findChild<Kind*>(QString::fromLatin1(name));
+        if (!found) qFatal("no %s", name);
+        return found;
+    }
+
+    void start(const PortList& ports, int language) {
+        folder_ = folder_ ? std::move(folder_) : std::make_unique<QTemporaryDir>(folder_template());
+        state_ = ProgramState();
+        state_.base_dir = folder_with_separator(folder_->path());
+        const QString path = state_.base_dir + QLatin1String(kDatabaseFile);
+        DatabaseError error{};
+        QVERIFY(Database::create(path, error));
+        program_ = std::make_unique<Program>(state_, Database::open(path, error), ports);
+        program_->window().resize(1024, 600);
+        program_->window().show();
+        program_->window().activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&program_->window()));
+        state_.texts.language = language;
+    }
+    void open_screen() {
+        program_->window().findChild<QAction*>(QStringLiteral("program"))->trigger();
+        screen_ =
+            qobject_cast<ProgramSet*>(program_->window().screen_of(QStringLiteral("program")));
+        QVERIFY(screen_);
+        screen_->beep = [this] { ++beeps_; };
+        beeps_ = 0;
+        told_.clear();
+    }
+    void start_alone(int language = kEnglish) {
+        start(PortList(), language);
+        open_screen();
+    }
+    void start_with_meter(const QStringList& options = {}) {
+        folder_ = std::make_unique<QTemporaryDir>(folder_template());
+        meter_ = std::make_unique<MeterProcess>(
+            folder_->path(),
+            QStringList{"--baud-factor", "0", "--delay", "0", "--state", state_file()} + options);
+        PortList ports;
+        QVERIFY(ports.add(QStringLiteral("1=") + meter_->link()));
+        start(ports, kEnglish);
+        program_->identify(1);
+        QVERIFY(program_->link().port_connected);
+        open_screen();
+        new_commands();
+    }
+    QString state_file() const { return folder_->filePath(QStringLiteral("state")); }
+
+    /// Does `act`, and `answer` to the window that then stands in front.
+    void answering(const std::function<void()>& act, const std::function<void(QWidget*)>& answer) {
+        QTimer watch;
+        bool answered = false;
+        connect(&watch, &QTimer::timeout, this, [&] {
+            QWidget* front = QApplication::activeModalWidget();
+            if (!front || answered) return;
+            answered = true;
+            note(front);
+            answer(front);
+        });
+        watch.start(5);
+        act();
+        QVERIFY2(answered, "nothing was asked");
+    }
+    void note(QWidget* front) {
+        if (const auto* box = qobject_cast<QMessageBox*>(front))
+            told_ += box->windowTitle() + u'|' + box->text();
+        if (const auto* input = qobject_cast<QInputDialog*>(front))
+            told_ += input->windowTitle() + u'|' + input->labelText();
+    }
+    static std::function<void(QWidget*)> pressing(QMessageBox::StandardButton button) {
+        return [button](QWidget* front) {
+            QTest::mouseClick(qobject_cast<QMessageBox*>(front)->button(button), Qt::LeftButton);
+        };
+    }
+    static std::function<void(QWidget*)> typing(const QString& text) {
+        return [text](QWidget* front) {
+            auto* box = front->findChild<QLineEdit*>();
+            box->selectAll();
+            QTest::keyClicks(box, text);
+            if (text.isEmpty()) box->clear();
+            QTest::keyClick(box, Qt::Key_Return);
+        };
+    }
+    void press(const char* key) { find<QAction>(key)->trigger(); }
+    std::function<void()> pressed(const char* key) {
+        return [this, key] { press(key); };
+    }
+
+    QString text_of(const char* box) { return find<QLineEdit>(box)->text(); }
+    void type(const char* name, const QString& text) {
+        auto* box = find<QLineEdit>(name);
+        box->setFocus();
+        box->selectAll();
+        QTest::keyClick(box, Qt::Key_Delete);
+        QTest::keyClicks(box, text);
+    }
+    void enter(const char* name, const QString& text) {
+        type(name, text);
+        QTest::keyClick(find<QLineEdit>(name), Qt::Key_Return);
+    }
+    void leave(const char* name, const QString& text) {
+        type(name, text);
+        QTest::keyClick(find<QLineEdit>(name), Qt::Key_Tab);
+    }
+    void type_oscillator(const QString& text, bool with_enter = true) {
+        auto* list = find<QComboBox>("ol_optval");
+        list->setFocus();
+        list->lineEdit()->selectAll();
+        QTest::keyClick(list, Qt::Key_Delete);
+        QTest::keyClicks(list, text);
+        if (with_enter) QTest::keyClick(list, Qt::Key_Return);
+    }
+    /// Opens the list and takes an entry with the mouse.
+    void pick(const char* name, int entry) {
+        auto* list = find<QComboBox>(name);
+        list->showPopup();
+        QAbstractItemView* view = list->view();
+        const QModelIndex index = list->model()->index(entry, 0);
+        view->scrollTo(index);
+        // Within the time of a double click the popup takes a release for the opening click's.
+        QTest::qWait(QApplication::doubleClickInterval() / 100);
+        view->setCurrentIndex(index);
+        QTest::keyClick(view, Qt::Key_Return);
+        QCOMPARE(list->currentIndex(), entry);
+    }
+    void click(const char* button) {
+        auto* box = find<QAbstractButton>(button);
+        QTest::mouseClick(box, Qt::LeftButton, {}, {8, box->height() / 2});
+    }
+    void new_plan(const QString& name) { answering(pressed("new"), typing(name)); }
+
+    QString stored(const QString& column) {
+        QSqlQuery query(QStringLiteral("SELECT group_concat(coalesce(%1, '-')) FROM (SELECT * "
+                                       "FROM programmi JOIN configurazione USING (nome) WHERE nome "
+                                       "= '%2' ORDER BY programmi.id)")
+                            .arg(column, text_of("grp_name")),
+                        program_->database().connection());
+        return query.next() ? query.value(0).toString() : QStringLiteral("?");
+    }
+
+    QStringList new_commands() {
+        QTest::qWait(20);
+        const QStringList all = meter_->commands();
+        const QStringList fresh = all.mid(seen_);
+        seen_ = all.size();
+        return fresh;
+    }
+    qsizetype seen_ = 0;
+
+    /// What the meter keeps, as the lines of its report that begin with `word`.
+    QStringList meter_keeps(const QString& word) {
+        QFile::remove(state_file());
+        meter_->send_signal(SIGUSR1);
+        if (!QTest::qWaitFor([this] { return QFile::exists(state_file()); }))
+            qFatal("the meter does not report");
+        QStringList lines;
+        for (const QString& line : QString::fromUtf8(content_of(state_file())).split(u'\n'))
+            if (line.startsWith(word + u' ')) lines += line.mid(word.size() + 1);
+        return lines;
+    }
+
+    /// Three programs of all kinds, typed in.
+    void type_three_programs() {
+        type_oscillator(QStringLiteral("9750"));
+        pick("ol_optval", 1);
+        type_oscillator(QStringLiteral("10600"));
+        pick("ol_optval", 0);
+        click("cmd_dig");
+        type("prog_num", QStringLiteral("10"));
+        type("sat_freq_txt", QStringLiteral("11000"));
+        pick("lnb_state", 1);
+        pick("diseqc_cmd", 73);
+        type("srqpsk_txt", QStringLiteral("27500"));
+        type("chbw_txt", QStringLiteral("33"));
+        press("store");
+        pick("ol_optval", 1);
+        type("sat_freq_txt", QStringLiteral("12000"));
+        pick("lnb_state", 2);
+        pick("k22_state", 1);
+        type("srqpsk_txt", QStringLiteral("29900"));
+        click("logger_state");
+        enter("prog_num", QStringLiteral("11"));
+        click("ol_opt_0");
+        click("cmd_dig");
+        type("sat_freq_txt", QStringLiteral("1234.5"));
+        pick("lnb_state", 0);
+        pick("k22_state", 0);
+        enter("prog_num", QStringLiteral("12"));
+    }
+    const QStringList three_programs_{"CHBW 33",
+                                      "UNIT 00",
+                                      "PROGRAM 10",
+                                      "LOCOSC 1 09750",
+                                      "LOCOSC 1",
+                                      "FREQ 11000",
+                                      "MARKER 1 1",
+                                      "SYMBRATEQPSK 27500",
+                                      "DISEQC 73",
+                                      "LNB 01",
+                                      "LNVOLT 13",
+                                      "TONE22K 00",
+                                      "STORE",
+                                      "LNB 00",
+                                      "PROGRAM 11",
+                                      "LOCOSC 2 10600",
+                                      "LOCOSC 2",
+                                      "FREQ 12000",
+                                      "MARKER 1 1",
+                                      "SYMBRATEQPSK 29900",
+                                      "DISEQC 73",
+                                      "LNB 01",
+                                      "LNVOLT 18",
+                                      "TONE22K 01",
+                                      "STORE",
+                                      "LNB 00",
+                                      "TONE22K 00",
+                                      "DATAPROGRAM 01 11 01",
+                                      "PROGRAM 12",
+                                      "LOCOSC 0",
+                                      "FREQ 1234.5",
+                                      "MARKER 1 0",
+                                      "DISEQC 73",
+                                      "LNB 00",
+                                      "TONE22K 00",
+                                      "STORE",
+                                      "DATAPROGRAM 02 12 01"};
+    const QStringList three_kept_{
+        "10 freq 11000 if 1250.0 osc 1A 09750 lnb on volt 13 tone off mode qpsk symbolrate 27500 "
+        "chbw 33 diseqc 73 unit dBuV atten 6",
+        "11 freq 12000 if 1400.0 osc 2A 10600 lnb on volt 18 tone on mode qpsk symbolrate 29900 "
+        "chbw 33 diseqc 73 unit dBuV atten 6",
+        "12 freq 1234.5 if 1234.5 osc 0A 00000 lnb off volt 18 tone off mode analog symbolrate "
+        "29900 chbw 33 diseqc 73 unit dBuV atten 6"};
+
+  private Q_SLOTS:
+    void init() { seen_ = 0; }
+    void cleanup() {
+        program_.reset();
+        meter_.reset();
+        folder_.reset();
+    }
+
+    void it_opens_as_technicians_know_it() {
+        start_alone();
+        QCOMPARE(screen_->objectName(), QStringLiteral("program_set"));
+        QCOMPARE(screen_->windowTitle(), QStringLiteral("Plan Setup"));
+        QStringList keys;
+        for (const QAction* key : find<QToolBar>("barracomando")->actions())
+            if (!key->isSeparator()) keys += key->objectName();
+        QCOMPARE(keys, QStringList({"previous", "next", "new", "delete", "store_new", "store",
+                                    "programma_delete", "previous_prog", "next_prog", "accoda",
+                                    "sostituisci", "nuovo", "monitor"}));
+        for (const QAction* key : find<QToolBar>("barracomando")->actions())
+            QVERIFY(key->isSeparator() || !key->icon().isNull());
+        QCOMPARE(find<QMenu>("cmdmenu")->title(), QStringLiteral("Menu"));
+        QCOMPARE(find<QMenu>("cmdmeaunit")->title(), QStringLiteral("&Unit"));
+        QCOMPARE(find<QAction>("cmdverify")->text(), QStringLiteral("&Verify upload"));
+        QVERIFY(!find<QAction>("cmdverify")->isChecked());
+        QCOMPARE(text_of("grp_name"), QStringLiteral("PLAN 1"));
+        QVERIFY(!find<QWidget>("monitor_opt")->isVisible());
+        QVERIFY(!find<QWidget>("dig_opt")->isVisible());
+        QCOMPARE(find<QComboBox>("diseqc_cmd")->count(), 74);
+        QCOMPARE(find<QComboBox>("diseqc_cmd2")->itemText(73), QStringLiteral("NONE"));
+        QCOMPARE(find<QComboBox>("logger_pos")->count(), 43);
+        QCOMPARE(find<QComboBox>("logger_pos")->itemText(1), QStringLiteral("00"));
+        QCOMPARE(find<QComboBox>("logger_pos")->itemText(42), QStringLiteral("41"));
+        QCOMPARE(find<QComboBox>("ol_optval")->count(), 4);
+        QCOMPARE(find<QComboBox>("k22_state")->itemText(0), QStringLiteral("OFF"));
+        QCOMPARE(find<QComboBox>("lnb_state")->itemText(2), QStringLiteral("18V"));
+        const QRect area = screen_->parentWidget()->parentWidget()->rect();
+        QVERIFY(area.contains(screen_->parentWidget()->geometry()));
+    }
+
+    void every_tooltip_stands_in_both_languages_data() {
+        QTest::addColumn<int>("language");
+        QTest::newRow("english") << int(kEnglish);
+        QTest::newRow("italian") << int(kItalian);
+    }
+    void every_tooltip_stands_in_both_languages() {
+        QFETCH(int, language);
+        start_alone(language);
+        for (const Tooltip& tooltip : plan_tooltips()) {
+            const char* text = language == kItalian ? tooltip.italian : tooltip.english;
+            QCOMPARE(find<QObject>(tooltip.control)->property("toolTip").toString(),
+                     QString::fromUtf8(text));
+        }
+    }
+
+    void an_empty_program_is_shown_empty_and_nothing_is_changed() {
+        start_alone();
+        for (const char* box : {"prog_num", "sat_freq_txt", "srqpsk_txt", "chbw_txt", "lev_mintxt",
+                                "chber_mintxt", "mer_maxtxt"})
+            QCOMPARE(text_of(box), QString());
+        QVERIFY(find<QRadioButton>("ol_opt_1")->isChecked());
+        QVERIFY(find<QComboBox>("ol_optval")->isEnabled());
+        QCOMPARE(find<QComboBox>("ol_optval")->currentText(), QString());
+        QCOMPARE(stored(QStringLiteral("pg_num || '')||coalesce(frequenza, '+'")), QString("-+"));
+    }
+
+    void plans_are_walked_with_beeps_at_the_ends() {
+        start_alone();
+        new_plan(QStringLiteral("b"));
+        press("next");
+        QCOMPARE(beeps_, 1);
+        QCOMPARE(text_of("grp_name"), QStringLiteral("B"));
+        press("previous");
+        QCOMPARE(beeps_, 1);
+        press("previous");
+        QCOMPARE(beeps_, 2);
+        QCOMPARE(text_of("grp_name"), QStringLiteral("PLAN 1"));
+        press("next");
+        QCOMPARE(text_of("grp_name"), QStringLiteral("B"));
+        press("next_prog");
+        press("previous_prog");
+        QCOMPARE(beeps_, 4);
+    }
+
+    void a_new_plan_is_asked_for_in_the_language() {
+        start_alone(kItalian);
+        new_plan(QStringLiteral("europe and more"));
+        QCOMPARE(told_, QStringList{"VKDM47|Aggiungi un piano di programmi"});
+        QCOMPARE(text_of("grp_name"), QStringLiteral("EUROPE AND"));
+        new_plan(QString());
+        QCOMPARE(text_of("grp_name"), QStringLiteral("EUROPE AND"));
+        new_plan(QStringLiteral("plan 1"));
+        QCOMPARE(text_of("grp_name"), QStringLiteral("PLAN 1"));
+        press("next");
+        QCOMPARE(text_of("grp_name"), QStringLiteral("EUROPE AND"));
+        press("next");
+        QCOMPARE(beeps_, 1);
+    }
+
+    void plans_and_programs_are_deleted_after_a_question() {
+        start_alone();
+        press("delete");
+        press("programma_delete");
+        new_plan(QStringLiteral("B"));
+        enter("prog_num", QStringLiteral("7"));
+        told_.clear();
+        answering(pressed("programma_delete"), pressing(QMessageBox::Cancel));
+        QCOMPARE(stored(QStringLiteral("pg_num")), QString("-,007"));
+        answering(pressed("programma_delete"), pressing(QMessageBox::Ok));
+        QCOMPARE(stored(QStringLiteral("pg_num")), QString("-"));
+        press("programma_delete");
+        answering(pressed("delete"), pressing(QMessageBox::Cancel));
+        QCOMPARE(text_of("grp_name"), QStringLiteral("B"));
+        answering(pressed("delete"), pressing(QMessageBox::Ok));
+        QCOMPARE(text_of("grp_name"), QStringLiteral("PLAN 1"));
+        QCOMPARE(told_, QStringList({"VKDM47|Remove program: 007", "VKDM47|Remove program: 007",
+                                     "VKDM47|Remove program: B", "VKDM47|Remove program: B"}));
+    }
+
+    void enter_in_the_number_adds_a_program() {
+        start_alone();
+        click("ol_opt_0");
+        QCOMPARE(text_of("sat_freq_txt"), QStringLiteral("920.0"));
+        QVERIFY(!find<QComboBox>("ol_optval")->isEnabled());
+        enter("sat_freq_txt", QStringLiteral("1234.5"));
+        enter("prog_num", QStringLiteral("150"));
+        QCOMPARE(text_of("prog_num"), QStringLiteral("099"));
+        QCOMPARE(find<QComboBox>("logger_pos")->currentText(), QStringLiteral("01"));
+        QCOMPARE(text_of("sat_freq_txt"), QStringLiteral("1234.5"));
+        enter("prog_num", QStringLiteral("7"));
+        QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("-,099,007"));
+        QCOMPARE(stored(QStringLiteral("logger_pos")), QStringLiteral("-,01,02"));
+        QCOMPARE(stored(QStringLiteral("frequenza")), QStringLiteral("-,1234.5,1234.5"));
+    }
+
+    void a_number_that_exists_is_refused() {
+        start_alone();
+        enter("prog_num", QStringLiteral("7"));
+        press("previous_prog");
+        type("prog_num", QStringLiteral("7"));
+        answering(pressed("store_new"), [](QWidget* front) {
+            QCOMPARE(qobject_cast<QMessageBox*>(front)->icon(), QMessageBox::Warning);
+            pressing(QMessageBox::Ok)(front);
+        });
+        QCOMPARE(told_, QStringList{"Error|The Programme in the data base already exist."});
+        QCOMPARE(beeps_, 2);
+        QCOMPARE(text_of("prog_num"), QStringLiteral("007"));
+        QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("-,007"));
+    }
+
+    void a_logger_position_that_is_taken_is_refused() {
+        start_alone(kItalian);
+        enter("prog_num", QStringLiteral("7"));
+        enter("prog_num", QStringLiteral("8"));
+        pick("logger_pos", 2);
+        answering(pressed("store"), pressing(QMessageBox::Ok));
+        QCOMPARE(told_, QStringList{"Error|Il programma nella tabella del datalogger già esiste."});
+        QCOMPARE(beeps_, 2);
+        QCOMPARE(stored(QStringLiteral("logger_pos")), QStringLiteral("-,01,02"));
+        QCOMPARE(text_of("prog_num"), QStringLiteral("008"));
+    }
+
+    void a_key_in_the_position_list_stores_and_types_nothing() {
+        start_alone();
+        auto* list = find<QComboBox>("logger_pos");
+        pick("logger_pos", 6);
+        QCOMPARE(stored(QStringLiteral("logger_pos")), QStringLiteral("-"));
+        list->setFocus();
+        QTest::keyClicks(list, QStringLiteral("3"));
+        QCOMPARE(list->currentText(), QStringLiteral("05"));
+        QCOMPARE(stored(QStringLiteral("logger_pos")), QStringLiteral("05"));
+        QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("000"));
+    }
+
+    void lists_take_their_own_entries_alone() {
+        start_alone();
+        for (const char* name : {"diseqc_cmd", "diseqc_cmd2", "k22_state", "lnb_state"}) {
+            auto* list = find<QComboBox>(name);
+            list->setFocus();
+            QTest::keyClicks(list, QStringLiteral("DON1N"));
+            QWheelEvent wheel({5, 5}, list->mapToGlobal(QPointF(5, 5)), {}, {0, -120}, Qt::NoButton,
+                              Qt::NoModifier, Qt::NoScrollPhase, false);
+            QApplication::sendEvent(list, &wheel);
+            QCOMPARE(list->currentIndex(), 0);
+        }
+        pick("diseqc_cmd", 73);
+        pick("lnb_state", 1);
+        press("store");
+        QCOMPARE(stored(QStringLiteral("diseqc_cmd || ' ' || diseqc_cmd2 || ' ' || lnb_volt")),
+                 QStringLiteral("73 0 1"));
+    }
+
+    void boxes_are_checked_on_enter_and_on_leaving() {
+        start_alone();
+        leave("prog_num", QStringLiteral("150"));
+        QCOMPARE(text_of("prog_num"), QStringLiteral("099"));
+        leave("prog_num", QStringLiteral("-3"));
+        QCOMPARE(text_of("prog_num"), QStringLiteral("000"));
+        QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("-"));
+        click("ol_opt_0");
+        leave("sat_freq_txt", QStringLiteral("500"));
+        QCOMPARE(text_of("sat_freq_txt"), QStringLiteral("920.0"));
+        enter("sat_freq_txt", QStringLiteral("2500"));
+        QCOMPARE(text_of("sat_freq_txt"), QStringLiteral("2150.0"));
+        click("cmd_dig");
+        QVERIFY(find<QWidget>("dig_opt")->isVisible());
+        QVERIFY(find<QWidget>("dig_opt")->isEnabled());
+        leave("srqpsk_txt", QStringLiteral("60000"));
+        QCOMPARE(text_of("srqpsk_txt"), QStringLiteral("45000"));
+        enter("srqpsk_txt", QStringLiteral("800"));
+        QCOMPARE(text_of("srqpsk_txt"), QStringLiteral("1500"));
+        enter("chbw_txt", QStringLiteral("45"));
+        QCOMPARE(text_of("chbw_txt"), QStringLiteral("40"));
+        type("chbw_txt", QStringLiteral("45"));
+        auto* other = find<QLineEdit>("srqpsk_txt");
+        QTest::mouseClick(other, Qt::LeftButton);
+        QCOMPARE(text_of("chbw_txt"), QStringLiteral("36"));
+        click("cmd_dig");
+        QVERIFY(!find<QWidget>("dig_opt")->isVisible());
+        QVERIFY(!find<QWidget>("dig_opt")->isEnabled());
+    }
+
+    void a_menu_in_front_of_a_box_is_no_leaving() {
+        start_alone();
+        type("prog_num", QStringLiteral("150"));
+        find<QMenu>("cmdmenu")->popup(screen_->mapToGlobal(QPoint(5, 5)));
+        find<QMenu>("cmdmenu")->close();
+        QCOMPARE(text_of("prog_num"), QStringLiteral("150"));
+    }
+
+    void the_oscillator_is_edited_stored_and_bounds_the_frequency() {
+        start_alone();
+        type_oscillator(QStringLiteral("12345678"), false);
+        QCOMPARE(find<QComboBox>("ol_optval")->currentText(), QStringLiteral("123456"));
+        type_oscillator(QStringLiteral("13000"));
+        QCOMPARE(stored(QStringLiteral("loc_osc1")), QStringLiteral("12000.0"));
+        type_oscillator(QStringLiteral("2000"));
+        QCOMPARE(stored(QStringLiteral("loc_osc1")), QStringLiteral("3070.0"));
+        QCOMPARE(find<QComboBox>("ol_optval")->itemText(0), QStringLiteral("3070"));
+        type_oscillator(QStringLiteral("9750"));
+        enter("sat_freq_txt", QStringLiteral("10000"));
+        QCOMPARE(text_of("sat_freq_txt"), QStringLiteral("10670"));
+        enter("sat_freq_txt", QStringLiteral("12500"));
+        QCOMPARE(text_of("sat_freq_txt"), QStringLiteral("11900"));
+        // Leaving the oscillator checks the frequency against what stands there.
+        type_oscillator(QStringLiteral("5150"), false);
+        QTest::keyClick(find<QComboBox>("ol_optval"), Qt::Key_Tab);
+        QCOMPARE(text_of("sat_freq_txt"), QStringLiteral("4230"));
+        click("ol_opt_0");
+        QCOMPARE(text_of("sat_freq_txt"), QStringLiteral("2150.0"));
+        QCOMPARE(stored(QStringLiteral("loc_osc1")), QStringLiteral("9750.0"));
+    }
+
+    void each_oscillator_has_its_own_place() {
+        start_alone();
+        type_oscillator(QStringLiteral("9750"));
+        pick("ol_optval", 1);
+        QCOMPARE(find<QComboBox>("ol_optval")->currentText(), QString());
+        // An equal entry elsewhere is not taken instead.
+        type_oscillator(QStringLiteral("9750"));
+        QCOMPARE(find<QComboBox>("ol_optval")->currentIndex(), 1);
+        type_oscillator(QStringLiteral("10600"));
+        QCOMPARE(stored(QStringLiteral("loc_osc1 || ' ' || loc_osc2 || ' ' || loc_osc0")),
+                 QStringLiteral("9750.0 10600.0 1"));
+        enter("sat_freq_txt", QStringLiteral("12000"));
+        enter("prog_num", QStringLiteral("2"));
+        pick("ol_optval", 0);
+        QCOMPARE(text_of("sat_freq_txt"), QStringLiteral("11900"));
+        press("store");
+        press("previous_prog");
+        QCOMPARE(find<QComboBox>("ol_optval")->currentIndex(), 1);
+        press("store");
+        QCOMPARE(stored(QStringLiteral("loc_osc1 || ' ' || loc_osc2 || ' ' || loc_osc0")),
+                 QStringLiteral("9750.0 10600.0 1,9750.0 10600.0 0"));
+    }
+
+    void without_an_oscillator_the_frequency_stays_empty() {
+        start_alone();
+        press("store");
+        leave("sat_freq_txt", QString());
+        QCOMPARE(text_of("sat_freq_txt"), QString());
+        QCOMPARE(stored(QStringLiteral("frequenza")), QStringLiteral("-"));
+        QCOMPARE(stored(QStringLiteral("loc_osc1")), QStringLiteral("-"));
+        QCOMPARE(stored(QStringLiteral("satchbw")), QStringLiteral("1.0"));
+    }
+
+    void storing_checks_the_limits_in_the_unit_that_is_chosen() {
+        start_alone();
+        press("monitor");
+        QVERIFY(find<QWidget>("monitor_opt")->isVisible());
+        press("cmdlev_1");
+        QCOMPARE(state_.unit_index, int(kDbmv));
+        QVERIFY(find<QAction>("cmdlev_1")->isChecked());
+        QVERIFY(!find<QAction>("cmdlev_0")->isChecked());
+        press("cmdlev_1");
+        QVERIFY(find<QAction>("cmdlev_1")->isChecked());
+        type("lev_mintxt", QStringLiteral("-50"));
+        type("lev_maxtxt", QStringLiteral("70"));
+        type("cn_mintxt", QStringLiteral("45"));
+        type("cn_maxtxt", QStringLiteral("30"));
+        type("chber_mintxt", QStringLiteral("0.05"));
+        type("chber_maxtxt", QStringLiteral("0.1"));
+        type("mer_mintxt", QStringLiteral("10"));
+        type("mer_maxtxt", QStringLiteral("5"));
+        click("monitor_state");
+        press("store");
+        QCOMPARE(text_of("lev_mintxt"), QStringLiteral("-40"));
+        QCOMPARE(stored(QStringLiteral("lev_min || ' ' || lev_max || ' ' || noise_min || ' ' || "
+                                       "noise_max || ' ' || chber_min || ' ' || chber_max || ' ' "
+                                       "|| mer_min || ' ' || mer_max || ' ' || monitor_state")),
+                 QStringLiteral("-40 60 1 30 3E-2 0.1 10 11 1"));
+        press("monitor");
+        QVERIFY(!find<QWidget>("monitor_opt")->isVisible());
+    }
+
+    void the_unit_chosen_elsewhere_shows_when_the_screen_comes_to_the_front() {
+        start_alone();
+        program_->window().open_screen(QStringLiteral("setport"));
+        state_.unit_index = kDbm;
+        program_->window().open_screen(QStringLiteral("program"));
+        QVERIFY(find<QAction>("cmdlev_2")->isChecked());
+    }
+
+    void the_exit_entry_closes_the_screen() {
+        start_alone();
+        find<QLineEdit>("prog_num")->setFocus();
+        press("cmdexit");
+        QTRY_VERIFY(!program_->window().screen_of(QStringLiteral("program")));
+    }
+
+    void user_switches_fill_a_list() {
+        start_alone();
+        QSqlQuery(QStringLiteral("UPDATE configurazione SET user_sc0 = 'A', user_sc3 = 'D'"),
+                  program_->database().connection());
+        Recordset row = program_->database().of_plan(QStringLiteral("configurazione"), "PLAN 1");
+        QListWidget list;
+        list.addItem(QStringLiteral("old"));
+        associa_user_sc(&list, row);
+        QCOMPARE(list.count(), 4);
+        QCOMPARE(list.item(0)->text() + list.item(1)->text() + list.item(3)->text(), "AD");
+    }
+
+    void a_read_only_file_is_told_once_and_nothing_is_half_written() {
+        start_alone();
+        enter("prog_num", QStringLiteral("7"));
+        QSqlQuery(QStringLiteral("PRAGMA query_only = 1"), program_->database().connection());
+        for (const char* key : {"store", "store_new"}) {
+            type("prog_num", QStringLiteral("9"));
+            answering(pressed(key), pressing(QMessageBox::Ok));
+            QCOMPARE(told_.size(), 1);
+            QVERIFY2(told_[0].contains(QStringLiteral("cannot be written")), qPrintable(told_[0]));
+            told_.clear();
+        }
+        answering(pressed("new"), [this](QWidget* front) {
+            QTimer::singleShot(50, front, [this] {
+                note(QApplication::activeModalWidget());
+                pressing(QMessageBox::Ok)(QApplication::activeModalWidget());
+            });
+            typing(QStringLiteral("C"))(front);
+        });
+        QVERIFY(told_.constLast().contains(QStringLiteral("cannot be written")));
+        QCOMPARE(text_of("grp_name"), QStringLiteral("PLAN 1"));
+        QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("-,007"));
+    }
+
+    void thirty_programs_are_typed_in_and_edited() {
+        start_alone();
+        new_plan(QStringLiteral("thirty"));
+        click("ol_opt_0");
+        type("prog_num", QStringLiteral("0"));
+        type("sat_freq_txt", QStringLiteral("950"));
+        press("store");
+        for (int number = 1; number < 30; ++number) {
+            type("sat_freq_txt", QString::number(950 + 40 * number));
+            enter("prog_num", QString::number(number));
+        }
+        press("previous_prog");
+        type("sat_freq_txt", QStringLiteral("1000.5"));
+        click("logger_state");
+        press("store");
+        QCOMPARE(stored(QStringLiteral("pg_num")).split(u',').size(), 30);
+        QCOMPARE(stored(QStringLiteral("frequenza")).split(u',').mid(27),
+                 QStringList({"2030.0", "1000.5", "2110.0"}));
+        QCOMPARE(stored(QStringLiteral("logger_pos")).split(u',').constLast(),
+                 QStringLiteral("29"));
+    }
+
+    void a_file_is_imported_after_its_preview_and_exported() {
+        start_alone();
+        new_plan(QStringLiteral("B"));
+        const QString file = folder_->filePath(QStringLiteral("some.csv"));
+        QFile source(file);
+        QVERIFY(source.open(QIODevice::WriteOnly));
+        source.write("pg_num,frequenza,oscillator\n5,12000,10600\n5,11000,\n6,500,\n");
+        source.close();
+        const auto choose = [&](const QString& path, const std::function<void()>& then) {
+            return [path, then](QWidget* front) {
+                auto* box = front->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+                box->setText(path);
+                if (then) QTimer::singleShot(50, front->parentWidget(), then);
+                QTest::keyClick(box, Qt::Key_Return);
+            };
+        };
+        QStringList results;
+        const auto preview_and = [&](bool accept) {
+            return [&results, accept] {
+                auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+                QCOMPARE(dialog->objectName(), QStringLiteral("import_preview"));
+                auto* table = dialog->findChild<QTableWidget*>();
+                results.clear();
+                for (int row = 0; row < table->rowCount(); ++row)
+                    results += table->item(row, 0)->text() + u'|' + table->item(row, 5)->text();
+                accept ? dialog->accept() : dialog->reject();
+            };
+        };
+        answering(pressed("cmdimport"), choose(file, preview_and(false)));
+        QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("-"));
+        answering(pressed("cmdimport"), choose(file, preview_and(true)));
+        QCOMPARE(results, QStringList({"2|Added", "3|The Programme in the data base already exist.",
+                                       "4|Added, corrected: frequenza: 500 → 920.0"}));
+        QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("005,006"));
+        QCOMPARE(text_of("prog_num"), QStringLiteral("005"));
+        const QString out = folder_->filePath(QStringLiteral("out.csv"));
+        answering(pressed("cmdexport"), choose(out, {}));
+        const QByteArray written = content_of(out);
+        QVERIFY(written.startsWith("nome,pg_num,frequenza,"));
+        QVERIFY(written.contains("\nB,005,12000,0,0,"));
+        QVERIFY(
+            written.endsWith(",10600\nB,006,920.0,1,0,0,27500,36,73,73,0,0,,0,0,20,120,1,40,"
+                             "1E-8,3E-2,1,40,\n"));
+        QVERIFY(QFile::remove(file));
+        QVERIFY(source.open(QIODevice::WriteOnly));
+        source.write("no plan");
+        source.close();
+        told_.clear();
+        answering(pressed("cmdimport"), choose(file, [this] {
+                      note(QApplication::activeModalWidget());
+                      pressing(QMessageBox::Ok)(QApplication::activeModalWidget());
+                  }));
+        QCOMPARE(told_, QStringList{"Error|some.csv is neither a plan nor a DVB scan table."});
+    }
+
+    void programs_and_plans_are_copied() {
+        start_alone();
+        enter("prog_num", QStringLiteral("7"));
+        answering(pressed("cmdcopyprog"), typing(QStringLiteral("plan 1")));
+        QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("-,007,001"));
+        QCOMPARE(text_of("prog_num"), QStringLiteral("001"));
+        answering(pressed("cmdcopyplan"), typing(QStringLiteral("again")));
+        QCOMPARE(text_of("grp_name"), QStringLiteral("AGAIN"));
+        QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("-,007,001"));
+        told_.clear();
+        answering(pressed("cmdcopyplan"), [this](QWidget* front) {
+            QTimer::singleShot(50, front->parentWidget(), [this] {
+                note(QApplication::activeModalWidget());
+                pressing(QMessageBox::Ok)(QApplication::activeModalWidget());
+            });
+            typing(QStringLiteral("plan 1"))(front);
+        });
+        QCOMPARE(told_.constLast(), QStringLiteral("Error|The plan PLAN 1 already exists."));
+    }
+
+    void no_sends_nothing_but_the_program_is_stored() {
+        start_with_meter();
+        type("prog_num", QStringLiteral("7"));
+        answering(pressed("nuovo"), pressing(QMessageBox::No));
+        QCOMPARE(told_,
+                 QStringList{"M47|Replace with the new Plan of program\rDo you want to continue?"});
+        QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("007"));
+        QCOMPARE(new_commands(), QStringList());
+    }
+
+    void the_meter_holds_the_plan_after_each_kind_of_upload() {
+        start_with_meter();
+        type_three_programs();
+        press("cmdverify");
+        const QStringList factory_programs = meter_keeps(QStringLiteral("program"));
+        QCOMPARE(
+            meter_keeps(QStringLiteral("logger-line")),
+            QStringList({"01 01 01", "02 02 01", "03 03 00", "04 04 01", "05 05 01", "06 06 00"}));
+        const auto upload = [this](const char* key) {
+            QString verified;
+            answering(pressed(key), [&](QWidget* front) {
+                // The window behind the question comes when all has been sent.
+                auto* wait = new QTimer(screen_);
+                connect(wait, &QTimer::timeout, screen_, [wait, front, &verified] {
+                    auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+                    if (!dialog || dialog == front) return;
+                    verified = dialog->findChild<QLabel*>(QStringLiteral("verify_summary"))->text();
+                    wait->deleteLater();
+                    dialog->accept();
+                });
+                wait->start(20);
+                pressing(QMessageBox::Yes)(front);
+            });
+            QCOMPARE(verified, QStringLiteral("The logger table is as planned."));
+            QCOMPARE(text_of("prog_num"), QStringLiteral("010"));
+            press("next_prog");
+            press("next_prog");
+        };
+        const auto* summary =
+            program_->window().findChild<QLabel*>(QStringLiteral("plan_progress"));
+
+        upload("accoda");
+        QCOMPARE(new_commands(),
+                 QStringList{"MEASURE"} + three_programs_ + QStringList{"DATAPROGRAM?"});
+        QCOMPARE(meter_keeps(QStringLiteral("program")), factory_programs + three_kept_);
+        QCOMPARE(
+            meter_keeps(QStringLiteral("logger-line")),
+            QStringList({"01 11 01", "02 12 01", "03 03 00", "04 04 01", "05 05 01", "06 06 00"}));
+        QCOMPARE(summary->text(), QStringLiteral("38 of 38 commands answered OK"));
+        QCOMPARE(summary->toolTip(), QString());
+
+        upload("sostituisci");
+        QCOMPARE(new_commands(), QStringList({"MEASURE", "DATAPROGRAM?", "DATAPROGRAM 01 11 00",
+                                              "DATAPROGRAM 02 12 00", "DATAPROGRAM 04 04 00",
+                                              "DATAPROGRAM 05 05 00"}) +
+                                     three_programs_ + QStringList{"DATAPROGRAM?"});
+        QCOMPARE(
+            meter_keeps(QStringLiteral("logger-line")),
+            QStringList({"01 11 01", "02 12 01", "03 03 00", "04 04 00", "05 05 00", "06 06 00"}));
+        const QDir backup(folder_->filePath(QStringLiteral("backup")));
+        QCOMPARE(backup.entryList(QDir::Files).size(), 1);
+        QCOMPARE(content_of(backup.filePath(backup.entryList(QDir::Files)[0])),
+                 QByteArray("01 11 01\r02 12 01\r03 03 00\r04 04 01\r05 05 01\r06 06 00"));
+        QVERIFY(!QFile::exists(folder_->filePath(QStringLiteral("temp.dat"))));
+
+        upload("nuovo");
+        QCOMPARE(new_commands(), QStringList({"MEASURE", "DELETE 00 99", "DATAPROGRAM *"}) +
+                                     three_programs_ + QStringList{"DATAPROGRAM?"});
+        QCOMPARE(meter_keeps(QStringLiteral("program")), three_kept_);
+        QCOMPARE(meter_keeps(QStringLiteral("logger-line")), QStringList({"01 11 01", "02 12 01"}));
+    }
+
+    void a_refused_upload_says_how_far_it_came() {
+        start_with_meter({"--fault", "error", "--fault-on", "DISEQC"});
+        type_three_programs();
+        press("cmdverify");
+        answering(pressed("accoda"), pressing(QMessageBox::Yes));
+        const auto* summary =
+            program_->window().findChild<QLabel*>(QStringLiteral("plan_progress"));
+        QCOMPARE(summary->text(), QStringLiteral("9 of 38 commands answered OK"));
+        QVERIFY(summary->toolTip().startsWith(QStringLiteral("DISEQC 73\nLNB 01\n")));
+        QVERIFY(!program_->link().port_connected);
+        QCOMPARE(new_commands().mid(9), QStringList({"DISEQC 73", "DISEQC 73", "DISEQC 73"}));
+    }
+};
+
+}  // namespace m47
+
+QTEST_MAIN(m47::PlanScreenTest)
+#include "screen_test.moc"
