@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <chrono>
 
-#include "fault.h"
 #include "numbers.h"
 #include "srecord.h"
+#include "transaction.h"
 
 namespace m47 {
 namespace {
@@ -15,23 +15,7 @@ constexpr int kAttempts = 3;
 constexpr double kEchoLimit = 2;
 /// More than any answer of the meter; what comes behind is noise and dropped.
 constexpr qsizetype kLongestReply = qsizetype{4} * 1024 * 1024;
-constexpr std::chrono::milliseconds kPollSlice{5};
 constexpr double kPumpInterval = 0.02;
-
-/// No two transactions overlap: whoever starts one from inside another is at fault.
-class Transaction {
-  public:
-    explicit Transaction(bool& busy) : busy_(busy) {
-        if (busy_) throw Fault("the link is busy");
-        busy_ = true;
-    }
-    ~Transaction() { busy_ = false; }
-    Transaction(const Transaction&) = delete;
-    Transaction& operator=(const Transaction&) = delete;
-
-  private:
-    bool& busy_;
-};
 
 }  // namespace
 
@@ -65,10 +49,14 @@ bool Link::send(const QString& command) {
 }
 
 void Link::wait_time(double seconds) {
+    wait(seconds, true);
+}
+
+void Link::wait(double seconds, bool interruptible) {
     const ClockSpan span(clock_);
     const float start = clock_.now();
     for (;;) {
-        end_when_interrupted();
+        if (interruptible) end_when_interrupted();
         const double passed = clock_.now() - start;
         if (passed > seconds) return;
         // Towards the end it goes tick by tick: the wait ends with the first reading beyond it.
@@ -89,7 +77,7 @@ void Link::show_port_state() {
 QString Link::make_srecord(int slot) {
     reply_text = srecord_text(slot);
     command_frame = srecord_body(reply_text);
-    return QStringLiteral("S0") + command_frame + srecord_checksum(command_frame);
+    return srecord_header(slot);
 }
 
 Link::Outcome Link::run_attempt() {

@@ -13,7 +13,7 @@ namespace m47 {
 
 /// The link to the meter: one command at a time, each a whole transaction that opens the port,
 /// sends character by character, polls for the answer, retries, closes the port and reduces the
-/// answer. Not re-entrant; single-threaded.
+/// answer; a block has rules of its own. Not re-entrant; single-threaded.
 class Link {
   public:
     Link(SerialPort& port, Clock& clock, LinkView& view);
@@ -42,7 +42,14 @@ class Link {
     /// link). A call from inside a running transaction is a Fault.
     void send_command();
 
-    /// True when send_command would put something on the wire.
+    /// Sends `command_text`, a long text such as a satellite block, in one piece and leaves the raw
+    /// text received, echo included, in `reply_text`. The answer is complete at its first CR,
+    /// within 60 s of the first character; without one the link is lost. Neither retry nor waking
+    /// nor a look for errors; what arrives in the half second after the CR, or behind it, is
+    /// dropped.
+    void send_block();
+
+    /// True when send_command or send_block would put something on the wire.
     bool can_send() const { return port_connected && !commands_suspended; }
 
     /// `command_text` := `command`, then send_command. True when it was sent and the link is still
@@ -69,12 +76,15 @@ class Link {
 
     Outcome run_attempt();
     Outcome poll_answer(float start, float sent);
+    Outcome run_block();
+    Outcome poll_block(float start);
     void collect_input();
     bool open_port();
     void close_port();
     void send_frame();
     void wake_meter();
     void advance_progress();
+    void wait(double seconds, bool interruptible);
     void wait_tick();
     void pump_when_due();
     void end_when_interrupted() const;

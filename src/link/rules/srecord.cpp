@@ -29,4 +29,9 @@ QString srecord_checksum(const QString& body) {
     return hex_byte(255 - sum);
 }
 
+QString srecord_header(int slot) {
+    const QString body = srecord_body(srecord_text(slot));
+    return QStringLiteral("S0") + body + srecord_checksum(body);
+}
+
 }  // namespace m47

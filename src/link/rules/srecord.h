@@ -15,4 +15,7 @@ QString srecord_body(const QString& text);
 /// The checksum byte of `body`, in two hexadecimal digits.
 QString srecord_checksum(const QString& body);
 
+/// The S0 header record of satellite slot `slot` (0 to 999).
+QString srecord_header(int slot);
+
 }  // namespace m47

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <chrono>
+
+#include "fault.h"
+
+namespace m47 {
+
+/// How long one look at the line waits for input; a wait that polls costs the processor little.
+inline constexpr std::chrono::milliseconds kPollSlice{5};
+
+/// No two transactions overlap: whoever starts one from inside another is at fault.
+class Transaction {
+  public:
+    explicit Transaction(bool& busy) : busy_(busy) {
+        if (busy_) throw Fault("the link is busy");
+        busy_ = true;
+    }
+    ~Transaction() { busy_ = false; }
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+
+  private:
+    bool& busy_;
+};
+
+}  // namespace m47
