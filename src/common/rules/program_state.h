@@ -19,6 +19,8 @@ struct ProgramState {
     int unit_index = kDbuv;
     /// The name of the logger's temporary file in `base_dir`; empty before the first download.
     QString temp_file_name;
+    /// The meter's copy of all its satellite slots, kept between uses of the satellite screen.
+    QString master_copy;
 };
 
 /// `folder` with one separator at its end: none is added where it ends in one already (a root).

@@ -49,6 +49,16 @@ inline const QString kStartLog = QStringLiteral("DATAIN");
 inline const QString kOutputMode = QStringLiteral("outputmode");  ///< 1: TAB between the columns
 inline const QString kSpan = QStringLiteral("spanout");           ///< sends the span's points
 
+// Satellite slots
+inline const QString kSlotName = QStringLiteral("ASLNAME");    ///< slot and name
+inline const QString kLearnSlot = QStringLiteral("ASLLEARN");  ///< slot
+inline const QString kDeleteSlot = QStringLiteral("ASLDEL");   ///< slot
+/// Copies a memory area; area 6 holds all satellite slots.
+inline const QString kCopySlots = QStringLiteral("MASTERCOPY 6?");
+
+// Owner's mark
+inline const QString kLogo = QStringLiteral("LOGO");
+
 /// The query form of `word`.
 inline QString query(const QString& word) {
     return word + u'?';

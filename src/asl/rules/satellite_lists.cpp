@@ -1,0 +1,200 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "satellite_lists.h"
+
+#include "asl_texts.h"
+#include "commands.h"
+#include "fault.h"
+#include "numbers.h"
+
+namespace m47 {
+namespace {
+
+const QString kNome = QStringLiteral("nome");
+const QString kDati = QStringLiteral("dati");
+constexpr int kNoPlace = -1;
+
+QString entry(const QStringList& list, int place) {
+    return place >= 0 && place < list.size() ? list[place] : QString();
+}
+
+bool is_place(const QStringList& list, int place) {
+    return place >= 0 && place < list.size();
+}
+
+/// The meter takes the slot in one digit when it is programmed or emptied, in two when it learns.
+QString programmed_slot(int slot) {
+    return format_number(slot, " 0");
+}
+QString learnt_slot(int slot) {
+    return format_number(slot, " 00");
+}
+
+}  // namespace
+
+SatelliteLists::SatelliteLists(Link& link, ProgramState& program, Recordset& asl,
+                               AslQuestions& questions)
+    : link_(link), program_(program), asl_(asl), questions_(questions) {}
+
+void SatelliteLists::Form_Load() {
+    visualizza_listastr();
+    visualizza_listadb();
+}
+
+void SatelliteLists::visualizza_listastr(Modo modo, const QString& quale) {
+    const bool answered = link_.send(command::query(command::kSlotName));
+    panel.listastr = answered ? slot_names(link_.reply_text) : QStringList();
+    panel.listastr_place = kNoPlace;
+    if (modo == Modo::patch) {
+        program_.master_copy = patched_copy(program_.master_copy, quale);
+        return;
+    }
+    const bool copied = link_.send(command::kCopySlots);
+    program_.master_copy = copied ? link_.reply_text : QString();
+}
+
+void SatelliteLists::visualizza_listadb() {
+    panel.listadb.clear();
+    panel.listadb_place = kNoPlace;
+    records_.clear();
+    try {
+        if (asl_.empty()) return;
+        asl_.move_last();
+        for (asl_.move_first(); !asl_.end_of_set(); asl_.move_next()) {
+            panel.listadb += asl_.text(kNome);
+            records_.push_back(asl_.bookmark());
+        }
+    } catch (const Fault&) {
+        // The list shows what could be read; the next action on a record tells what is wrong.
+    }
+}
+
+void SatelliteLists::cmdlearn_Click() {
+    const int slot = panel.listastr_place;
+    if (!is_place(panel.listastr, slot)) return;
+    if (!confirm(asl_text::kTitle, kLearnSatellite, QString())) return;
+    const QString typed =
+        questions_.input(QString::fromLatin1(asl_text::kNameTitle),
+                         program_.texts.message(kSatelliteName), panel.listastr[slot]);
+    const QString name = without_blanks(typed.left(SlotBlock::kNameLength));
+    if (name == kNoSatellite || !fits_the_line(name))
+        questions_.warn(QString::fromLatin1(asl_text::kTitle),
+                        program_.texts.message(kInvalidSatelliteName));
+    else if (!name.isEmpty())
+        learn(slot, name);
+    // Whatever came of it, the meter goes back to measuring.
+    send(command::kMeasure);
+}
+
+void SatelliteLists::learn(int slot, const QString& name) {
+    send(command::kMeasure);
+    send(command::kLearnSlot + learnt_slot(slot));
+    send(command::kSlotName + learnt_slot(slot) + u' ' + name);
+    visualizza_listastr();
+}
+
+void SatelliteLists::cmdsave_Click() {
+    const int place = panel.listadb_place;
+    if (!is_place(panel.listadb, place) || selected_pc_name() == kNoSatellite) return;
+    const int slot = slot_to_program(selected_pc_name());
+    if (slot < 0) return;
+    asl_.go_to(records_.at(static_cast<std::size_t>(place)));
+    panel.listastr[slot] = panel.listadb[place];
+    const QString block = send_slot(slot, asl_.text(kDati));
+    name_slot(slot, asl_.text(kNome));
+    visualizza_listastr(Modo::patch, block);
+}
+
+int SatelliteLists::slot_to_program(const QString& name) {
+    for (int slot = 0; slot < panel.listastr.size(); ++slot) {
+        if (without_blanks(panel.listastr[slot]) != name) continue;
+        const QString rest = u' ' + name;
+        return confirm(asl_text::kTitle, kSatelliteExistsReprogram, rest) ? slot : kNoPlace;
+    }
+    return static_cast<int>(panel.listastr.indexOf(kNoSatellite));
+}
+
+void SatelliteLists::cmdaddindb_Click() {
+    const int slot = panel.listastr_place;
+    const QString name = selected_slot_name();
+    if (!is_place(panel.listastr, slot) || name == kNoSatellite) return;
+    const bool known = asl_.find_first(kNome, name);
+    if (known && !confirm(asl_text::kTitle, kSatelliteExistsRestore, u' ' + name)) return;
+    const QString block = block_in_copy(program_.master_copy, slot);
+    if (!header_in_copy(program_.master_copy, slot) || !SlotBlock::parse(block)) {
+        questions_.warn(QString::fromLatin1(asl_text::kTitle),
+                        program_.texts.pick(asl_text::kIncompleteCopy));
+        return;
+    }
+    if (known) {
+        asl_.edit();
+    } else {
+        if (!asl_.empty()) asl_.move_last();
+        asl_.add_new();
+    }
+    asl_.set(kNome, name);
+    asl_.set(kDati, block);
+    asl_.update();
+    visualizza_listadb();
+}
+
+void SatelliteLists::cmddelpc_Click() {
+    const QString name = entry(panel.listadb, panel.listadb_place);
+    if (!is_place(panel.listadb, panel.listadb_place) || selected_pc_name() == kNoSatellite) return;
+    // The last satellite of the PC stays.
+    if (asl_.count() <= 1) return;
+    if (!confirm(asl_text::kDeleteTitle, kDeleteSatellite, name)) return;
+    if (asl_.find_first(kNome, name)) asl_.remove();
+    asl_.requery();
+    visualizza_listadb();
+}
+
+void SatelliteLists::cmddelstr_Click() {
+    const int slot = panel.listastr_place;
+    if (!is_place(panel.listastr, slot) || selected_slot_name() == kNoSatellite) return;
+    empty_slot(slot);
+    visualizza_listastr();
+}
+
+QString SatelliteLists::send_slot(int slot, const QString& block) {
+    const QString text = link_.make_srecord(slot) + u'\r' + block;
+    link_.command_text = text;
+    link_.send_block();
+    return text;
+}
+
+void SatelliteLists::name_slot(int slot, const QString& name) {
+    send(command::kSlotName + programmed_slot(slot) + u' ' + name);
+}
+
+void SatelliteLists::empty_slot(int slot) {
+    send(command::kDeleteSlot + programmed_slot(slot));
+    send_slot(slot, SlotBlock().text());
+}
+
+QStringList SatelliteLists::stored_blocks() {
+    QStringList blocks;
+    for (const Bookmark record : records_) {
+        asl_.go_to(record);
+        blocks += asl_.text(kDati);
+    }
+    return blocks;
+}
+
+void SatelliteLists::send(const QString& command) {
+    link_.command_text = command;
+    link_.send_command();
+}
+
+QString SatelliteLists::selected_slot_name() const {
+    return without_blanks(entry(panel.listastr, panel.listastr_place));
+}
+
+QString SatelliteLists::selected_pc_name() const {
+    return without_blanks(entry(panel.listadb, panel.listadb_place));
+}
+
+bool SatelliteLists::confirm(const char* title, int message, const QString& rest) {
+    return questions_.confirm(QString::fromLatin1(title), program_.texts.message(message) + rest);
+}
+
+}  // namespace m47

@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QStringList>
+#include <vector>
+
+#include "asl_questions.h"
+#include "link.h"
+#include "program_state.h"
+#include "recordset.h"
+#include "slot_block.h"
+
+namespace m47 {
+
+/// What the two lists of the satellite screen show. A place is counted from 0, -1 for none.
+struct AslPanel {
+    QStringList listadb;
+    int listadb_place = -1;
+    QStringList listastr;
+    int listastr_place = -1;
+};
+
+/// The satellites kept on the PC and the slots of the meter, and what moves between them. Replies
+/// are not examined: where the link is lost, the status line says so.
+class SatelliteLists {
+  public:
+    SatelliteLists(Link& link, ProgramState& program, Recordset& asl, AslQuestions& questions);
+
+    AslPanel panel;
+
+    /// Fills both lists.
+    void Form_Load();
+
+    /// What follows the names in visualizza_listastr: the copy of all slots is asked for, or one
+    /// block that was just programmed is put into the copy that is there.
+    enum class Modo { full = 0, patch = 1 };
+
+    /// Asks the meter for the names of its slots and brings `master_copy` up to date; `quale` is
+    /// the block just sent, its header line included.
+    void visualizza_listastr(Modo modo = Modo::full, const QString& quale = {});
+    /// Reads the PC's satellites anew. What cannot be read is left out of the list.
+    void visualizza_listadb();
+
+    /// Copies the selected slot to the PC.
+    void cmdaddindb_Click();
+    /// Programs the selected satellite of the PC into the meter.
+    void cmdsave_Click();
+    /// Deletes the selected satellite from the PC.
+    void cmddelpc_Click();
+    /// Empties the selected slot.
+    void cmddelstr_Click();
+    /// Lets the meter learn what it is tuned to into the selected slot.
+    void cmdlearn_Click();
+
+    /// Sends `block` into `slot`. Returns the text that was sent, header included.
+    QString send_slot(int slot, const QString& block);
+    /// Gives a slot that was sent its name.
+    void name_slot(int slot, const QString& name);
+    /// Deletes the satellite of `slot` and overwrites it with the empty slot.
+    void empty_slot(int slot);
+
+    /// The data of the PC's satellites in the order of `panel.listadb`.
+    QStringList stored_blocks();
+
+  private:
+    void send(const QString& command);
+    QString selected_slot_name() const;
+    QString selected_pc_name() const;
+    int slot_to_program(const QString& name);
+    void learn(int slot, const QString& name);
+    bool confirm(const char* title, int message, const QString& rest);
+
+    Link& link_;
+    ProgramState& program_;
+    Recordset& asl_;
+    AslQuestions& questions_;
+    /// The records behind the entries of `panel.listadb`.
+    std::vector<Bookmark> records_;
+};
+
+}  // namespace m47

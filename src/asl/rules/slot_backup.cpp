@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "slot_backup.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QSaveFile>
+
+#include "asl_texts.h"
+#include "numbers.h"
+
+namespace m47 {
+namespace {
+
+/// Far more than a file of 20 slots; whatever is longer is none.
+constexpr qint64 kLongestFile = qint64{1024} * 1024;
+const QString kLineEnd = QStringLiteral("\r\n");
+
+QList<int> missing_slots(const SlotTable& table) {
+    QList<int> missing;
+    for (int slot = 0; slot < kSlots; ++slot)
+        if (!table[static_cast<std::size_t>(slot)]) missing += slot;
+    return missing;
+}
+
+QString slot_list(const QList<int>& slots_named) {
+    QStringList numbers;
+    for (const int slot : slots_named) numbers += format_number(slot, "00");
+    return numbers.join(QStringLiteral(", "));
+}
+
+}  // namespace
+
+SlotBackup::SlotBackup(SatelliteLists& lists, Link& link, ProgramState& program,
+                       AslQuestions& questions)
+    : lists_(lists), link_(link), program_(program), questions_(questions) {}
+
+void SlotBackup::cmdsaveall_Click() {
+    const QString path = questions_.file_to_save();
+    if (path.isEmpty() || !read_meter()) return;
+    const SlotTable table = present_slots();
+    const QList<int> damaged = missing_slots(table);
+    if (!agree_to_damage(damaged) || !save(path, table)) return;
+    questions_.inform(
+        QString::fromLatin1(asl_text::kTitle),
+        program_.texts.pick(asl_text::kSaved)
+            .arg(QString::number(kSlots - damaged.size()), QDir::toNativeSeparators(path)));
+}
+
+void SlotBackup::cmdrestoreall_Click() {
+    const QString path = questions_.file_to_restore();
+    if (path.isEmpty()) return;
+    const SlotTable file = slots_in_file(path);
+    if (missing_slots(file).size() == kSlots) {
+        warn(program_.texts.pick(asl_text::kNoSlotsInFile).arg(QDir::toNativeSeparators(path)));
+        return;
+    }
+    if (!read_meter()) return;
+    const RestorePlan plan = restore_plan(present_slots(), file);
+    if (!questions_.preview(plan) || !changes_any(plan)) return;
+    const QString before = name_beside(path);
+    if (!save(before, present_slots())) return;
+    restore(plan);
+    report(plan, before);
+}
+
+SlotTable SlotBackup::present_slots() const {
+    SlotTable table = parse_slots(program_.master_copy);
+    const QStringList& names = lists_.panel.listastr;
+    for (int slot = 0; slot < names.size(); ++slot) {
+        auto& block = table[static_cast<std::size_t>(slot)];
+        if (block) block = block->renamed(names[slot]);
+    }
+    return table;
+}
+
+/// False, with a message, when the meter tells nothing of its slots.
+bool SlotBackup::read_meter() {
+    lists_.visualizza_listastr();
+    const bool read = lists_.panel.listastr.size() == kSlots &&
+                      missing_slots(parse_slots(program_.master_copy)).size() < kSlots;
+    if (!read) warn(program_.texts.pick(asl_text::kNothingRead));
+    return read;
+}
+
+bool SlotBackup::agree_to_damage(const QList<int>& damaged) {
+    return damaged.isEmpty() ||
+           questions_.confirm(
+               QString::fromLatin1(asl_text::kTitle),
+               program_.texts.pick(asl_text::kSaveWithoutDamaged).arg(slot_list(damaged)));
+}
+
+/// Whole or not at all; false, with a message, when it cannot be written.
+bool SlotBackup::save(const QString& path, const SlotTable& table) {
+    QSaveFile file(path);
+    const QByteArray text = slots_text(table, kLineEnd).toLatin1();
+    const bool saved =
+        file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit();
+    if (!saved)
+        warn(program_.texts.pick(asl_text::kCannotWrite)
+                 .arg(QDir::toNativeSeparators(path), file.errorString()));
+    return saved;
+}
+
+SlotTable SlotBackup::slots_in_file(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly) || file.size() > kLongestFile) return {};
+    return parse_slots(QString::fromLatin1(file.readAll()));
+}
+
+/// A name in the folder of `path` that no file has yet.
+QString SlotBackup::name_beside(const QString& path) const {
+    const QFileInfo about(path);
+    const QString stem =
+        about.absolutePath() + u'/' + about.completeBaseName() +
+        link_.clock().date_time().toString(QStringLiteral("'-before-'yyyyMMdd-HHmmss"));
+    QString name = stem;
+    for (int number = 2; QFileInfo::exists(name + u'.' + kBackupSuffix); ++number)
+        name = stem + u'-' + QString::number(number);
+    return name + u'.' + kBackupSuffix;
+}
+
+void SlotBackup::restore(const RestorePlan& plan) {
+    for (int slot = 0; slot < kSlots && link_.port_connected; ++slot)
+        write_slot(slot, plan[static_cast<std::size_t>(slot)]);
+    lists_.visualizza_listastr();
+}
+
+void SlotBackup::write_slot(int slot, const SlotPlan& plan) {
+    if (plan.fate == SlotFate::emptied) lists_.empty_slot(slot);
+    if (plan.fate != SlotFate::written) return;
+    lists_.send_slot(slot, plan.file->text());
+    // A name that is no satellite's came with the block; the meter takes none of these by command.
+    const QString name = plan.file->name();
+    if (!name.isEmpty() && name != kNoSatellite) lists_.name_slot(slot, name);
+}
+
+void SlotBackup::report(const RestorePlan& plan, const QString& before) {
+    const QString kept = QDir::toNativeSeparators(before);
+    const SlotTable now = present_slots();
+    const QList<int> differing = slots_that_differ(plan, now);
+    if (missing_slots(now).size() == kSlots)
+        warn(program_.texts.pick(asl_text::kNotReadBack).arg(kept));
+    else if (!differing.isEmpty())
+        warn(program_.texts.pick(asl_text::kDifferent).arg(slot_list(differing), kept));
+    else
+        questions_.inform(QString::fromLatin1(asl_text::kTitle),
+                          program_.texts.pick(asl_text::kRestored).arg(kept));
+}
+
+void SlotBackup::warn(const QString& text) {
+    questions_.warn(QString::fromLatin1(asl_text::kTitle), text);
+}
+
+}  // namespace m47
