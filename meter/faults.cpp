@@ -72,6 +72,21 @@ void add_noise(Delivery& delivery, const FaultContext& context) {
     }
 }
 
+void spoil_record(Delivery& delivery, const FaultContext& context) {
+    std::vector<std::size_t> digits;
+    const std::string& bytes = delivery.bytes;
+    const std::string mark = "\rS1";
+    for (auto at = bytes.find(mark); at != std::string::npos; at = bytes.find(mark, at + 1)) {
+        for (auto digit = at + mark.size(); digit < bytes.find('\r', at + 1); ++digit) {
+            digits.push_back(digit);
+        }
+    }
+    if (!digits.empty()) {
+        char& digit = delivery.bytes[digits[context.noise.below(digits.size())]];
+        digit = digit == '0' ? '1' : '0';
+    }
+}
+
 void trickle(Delivery& delivery, const FaultContext& context) {
     delivery.bytes = echo(context);
     delivery.ending = Ending::trickle;
@@ -94,6 +109,7 @@ constexpr std::array kinds{
     FaultKind{"noecho", "answers without the echo", true, leave_out_echo},
     FaultKind{"wrongecho", "spoils one character of the echo", true, spoil_echo},
     FaultKind{"noise", "mixes three noise bytes into a good answer", true, add_noise},
+    FaultKind{"badrecord", "spoils one digit of an S-record in the answer", true, spoil_record},
     FaultKind{"trickle", "sends a byte now and then, never OK", false, trickle},
     FaultKind{"endless", "sends bytes at full speed, never OK", false, never_end},
 };

@@ -11,6 +11,9 @@ Instrument::Instrument(const Options& options)
       interpreter_(state_, receiver_),
       faults_(options.faults, options.fault_after, options.fault_on),
       late_seconds_(options.late_seconds) {
+    for (int slot = 0; options.no_satellites && slot < satellite_slots; ++slot) {
+        state_.satellites.clear(slot);
+    }
     prefill_logger(state_, options.logger_bytes, receiver_);
 }
 

@@ -66,6 +66,8 @@ constexpr std::array table{
     Option{"--version-text", "TEXT", "firmware version that VER? answers",
            [](Options& o, const std::string& v) { return take_text(o.version_text, v); }},
     Option{"--logger-bytes", "N", "fill the logger with about N bytes of logs", take_logger_bytes},
+    Option{"--no-satellites", "", "start with all satellite slots empty",
+           [](Options& o, const std::string&) { return o.no_satellites = true; }},
     Option{"--seed", "N", "seed of the measuring jitter (1)", take_seed},
     Option{"--baud-factor", "X", "answer at X times 38400 baud; 0: at once (1)",
            [](Options& o, const std::string& v) { return take_decimal(o.baud_factor, v); }},

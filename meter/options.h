@@ -17,6 +17,7 @@ struct Options {
     std::string link;
     std::string version_text = "V3.1.0 PLUS";
     std::optional<std::size_t> logger_bytes;
+    bool no_satellites = false;
     std::uint64_t seed = 1;
     double baud_factor = 1.0;
     double delay_ms = 2.0;

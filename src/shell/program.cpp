@@ -7,6 +7,8 @@
 #include <QScreen>
 #include <chrono>
 
+#include "asl.h"
+#include "config_set.h"
 #include "download.h"
 #include "handler.h"
 #include "port_diagnosis.h"
@@ -34,10 +36,12 @@ void close_on_exit(Screen* screen) {
 
 }  // namespace
 
-Program::Program(ProgramState& state, std::unique_ptr<Database> database, PortList ports)
+Program::Program(ProgramState& state, std::unique_ptr<Database> database, PortList ports,
+                 RealClock::TimeOfDay time_of_day)
     : state_(state),
       database_(std::move(database)),
       ports_(std::move(ports)),
+      clock_(std::move(time_of_day)),
       window_(state),
       link_(port_, clock_, window_.status()),
       identification_(link_, state.texts, ports_, window_) {
@@ -83,52 +87,45 @@ Realtime* Program::make_realtime(QWidget* parent) {
 }
 
 void Program::add_screens() {
+    add_screen<ProgramSet>("program", [this] {
+        auto* screen = new ProgramSet(link_, state_, *database_);
+        QObject::connect(screen, &ProgramSet::upload_state, &window_, &M47MDI::show_upload);
+        return screen;
+    });
+    add_screen<Realtime>("realtime", [this] {
+        Realtime* screen = make_realtime(nullptr);
+        QObject::connect(screen, &Realtime::progress, &window_, &M47MDI::show_progress);
+        QObject::connect(screen, &QObject::destroyed, &window_,
+                         [this] { window_.show_progress(QString()); });
+        return screen;
+    });
+    add_screen<Download>("download", [this] {
+        auto* screen = new Download(link_, state_);
+        QObject::connect(screen, &Download::progress, &window_, &M47MDI::show_progress);
+        return screen;
+    });
+    add_screen<Asl>("asl", [this] { return new Asl(link_, state_, database_->asl()); });
+    add_screen<ConfigSet>("configurazione",
+                          [this] { return new ConfigSet(link_, state_.texts); });
+    add_screen<PortSetting>("setport", [this] { return new PortSetting(identification_, ports_); });
+}
+
+template <class Screen, class Make>
+void Program::add_screen(const char* key, Make make) {
     window_.add_screen(
-        QStringLiteral("program"),
+        QString::fromLatin1(key),
         {.create =
-             [this] {
-                 auto* screen = new ProgramSet(link_, state_, *database_);
-                 close_on_exit(screen);
-                 QObject::connect(screen, &ProgramSet::upload_state, &window_,
-                                  &M47MDI::show_upload);
-                 return screen;
-             },
-         .load = [](QWidget* screen) { static_cast<ProgramSet*>(screen)->Form_Load(); },
-         .activate = [](QWidget* screen) { static_cast<ProgramSet*>(screen)->Form_Activate(); }});
-    window_.add_screen(
-        QStringLiteral("realtime"),
-        {.create =
-             [this] {
-                 Realtime* screen = make_realtime(nullptr);
-                 close_on_exit(screen);
-                 QObject::connect(screen, &Realtime::progress, &window_, &M47MDI::show_progress);
-                 QObject::connect(screen, &QObject::destroyed, &window_,
-                                  [this] { window_.show_progress(QString()); });
-                 return screen;
-             },
-         .load = [](QWidget* screen) { static_cast<Realtime*>(screen)->Form_Load(); },
-         .activate = [](QWidget* screen) { static_cast<Realtime*>(screen)->Form_Activate(); }});
-    window_.add_screen(
-        QStringLiteral("download"),
-        {.create =
-             [this] {
-                 auto* screen = new Download(link_, state_);
-                 close_on_exit(screen);
-                 QObject::connect(screen, &Download::progress, &window_, &M47MDI::show_progress);
-                 return screen;
-             },
-         .load = [](QWidget* screen) { static_cast<Download*>(screen)->Form_Load(); },
-         .activate = [](QWidget* screen) { static_cast<Download*>(screen)->Form_Activate(); }});
-    window_.add_screen(
-        QStringLiteral("setport"),
-        {.create =
-             [this] {
-                 auto* screen = new PortSetting(identification_, ports_);
+             [make] {
+                 Screen* screen = make();
                  close_on_exit(screen);
                  return screen;
              },
-         .load = [](QWidget* screen) { static_cast<PortSetting*>(screen)->Form_Load(); },
-         .activate = {}});
+         .load = [](QWidget* screen) { static_cast<Screen*>(screen)->Form_Load(); },
+         .activate =
+             [](QWidget* screen) {
+                 if constexpr (requires(Screen& one) { one.Form_Activate(); })
+                     static_cast<Screen*>(screen)->Form_Activate();
+             }});
 }
 
 }  // namespace m47

@@ -21,8 +21,10 @@ class Realtime;
 /// The whole program: the parts that live as long as it does, and who knows whom.
 class Program {
   public:
-    /// `state` with `base_dir` set and `database` already open.
-    Program(ProgramState& state, std::unique_ptr<Database> database, PortList ports);
+    /// `state` with `base_dir` set and `database` already open. `time_of_day` sets the pace of the
+    /// characters on the line.
+    Program(ProgramState& state, std::unique_ptr<Database> database, PortList ports,
+            RealClock::TimeOfDay time_of_day = local_time_of_day);
     ~Program();
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
@@ -42,6 +44,8 @@ class Program {
 
   private:
     void add_screens();
+    template <class Screen, class Make>
+    void add_screen(const char* key, Make make);
     QString link_fault() const;
     void watch_device();
 

@@ -44,6 +44,7 @@ class TestFaults : public QObject {
     void drop();
     void echo_faults();
     void noise();
+    void spoilt_record();
     void trickle_and_endless();
     void obeyed_or_not_data();
     void obeyed_or_not();
@@ -60,7 +61,7 @@ void TestFaults::every_kind_is_listed() {
         QVERIFY(!kind.help.empty());
     }
     for (const char* name : {"error", "silence", "garbage", "partial", "late", "asleep", "drop",
-                             "noecho", "wrongecho", "noise", "trickle", "endless"}) {
+                             "noecho", "wrongecho", "noise", "badrecord", "trickle", "endless"}) {
         QCOMPARE(names.count(name), 1);
     }
 }
@@ -170,6 +171,32 @@ void TestFaults::noise() {
     }
 }
 
+void TestFaults::spoilt_record() {
+    QCOMPARE(hit("badrecord").bytes, good);
+    meter::Instrument instrument(with_faults({"badrecord:20"}));
+    std::string whole;
+    std::vector<std::string> spoilt;
+    for (int i = 0; i < 20; ++i) {
+        spoilt.push_back(instrument.handle("MASTERCOPY 6?").bytes);
+    }
+    whole = instrument.handle("MASTERCOPY 6?").bytes;
+    for (const std::string& bytes : spoilt) {
+        QCOMPARE(bytes.size(), whole.size());
+        int differing = 0;
+        for (std::size_t at = 0; at < bytes.size(); ++at) {
+            if (bytes[at] == whole[at]) {
+                continue;
+            }
+            ++differing;
+            const auto line = whole.rfind('\r', at) + 1;
+            QCOMPARE(whole.substr(line, 2), std::string("S1"));
+            QVERIFY(at >= line + 2);
+        }
+        QCOMPARE(differing, 1);
+    }
+    QVERIFY(spoilt[0] != spoilt[1]);
+}
+
 void TestFaults::trickle_and_endless() {
     const auto slow = hit("trickle");
     QCOMPARE(slow.bytes, std::string("ATTEN?\r"));
@@ -184,7 +211,8 @@ void TestFaults::trickle_and_endless() {
 void TestFaults::obeyed_or_not_data() {
     QTest::addColumn<QByteArray>("fault");
     QTest::addColumn<bool>("obeyed");
-    for (const char* kind : {"partial", "late", "drop", "noecho", "wrongecho", "noise"}) {
+    for (const char* kind :
+         {"partial", "late", "drop", "noecho", "wrongecho", "noise", "badrecord"}) {
         QTest::newRow(kind) << QByteArray(kind) << true;
     }
     for (const char* kind :

@@ -209,7 +209,7 @@ void TestLine::help_names_every_option() {
     for (const char* word :
          {"--link PATH", "--version-text TEXT", "--logger-bytes N", "--seed N", "--baud-factor X",
           "--delay MS", "--fault KIND[:N]", "--fault-after M", "--fault-on TEXT", "--late SECONDS",
-          "--trace FILE", "--state FILE", "--help", "--version", "wrongecho"}) {
+          "--trace FILE", "--state FILE", "--help", "--version", "--no-satellites", "wrongecho"}) {
         QVERIFY2(help.contains(word), word);
     }
 }

@@ -51,6 +51,7 @@ class TestSatellites : public QObject {
     void learning();
     void deleting();
     void master_copy();
+    void empty_from_the_start();
     void block_is_stored();
     void block_order_does_not_matter();
     void wrong_checksum_is_refused();
@@ -155,6 +156,14 @@ void TestSatellites::master_copy() {
 
     const QByteArray fourth = records(4, instrument.state().satellites.at(4)).join('\r');
     QVERIFY(answer.contains('\r' + fourth + '\r'));
+}
+
+void TestSatellites::empty_from_the_start() {
+    meter::Options options;
+    options.no_satellites = true;
+    meter::Instrument instrument(options);
+    QCOMPARE(ask(instrument, "ASLNAME?").count("\t**********\r"), 20);
+    QCOMPARE(ask(instrument, "MASTERCOPY 6?").count("S10D00302A2A2A2A2A2A2A2A2A2A1E\r"), 20);
 }
 
 void TestSatellites::block_is_stored() {

@@ -2,6 +2,7 @@
 #include "satellite_lists.h"
 
 #include "asl_texts.h"
+#include "blanks.h"
 #include "commands.h"
 #include "fault.h"
 #include "numbers.h"

@@ -4,6 +4,7 @@
 #include <QStringList>
 #include <algorithm>
 
+#include "blanks.h"
 #include "srecord.h"
 
 namespace m47 {
@@ -162,14 +163,6 @@ bool fits_the_line(const QString& name) {
     return std::all_of(name.begin(), name.end(), [](QChar character) {
         return character.isPrint() && character.unicode() <= kLastLatin1;
     });
-}
-
-QString without_blanks(const QString& text) {
-    qsizetype first = 0;
-    qsizetype last = text.size();
-    while (first < last && text[first] == u' ') ++first;
-    while (last > first && text[last - 1] == u' ') --last;
-    return text.mid(first, last - first);
 }
 
 }  // namespace m47

@@ -88,7 +88,4 @@ QStringList slot_names(const QString& answer);
 /// True when the line carries every character of `name` as it is: printable Latin-1 and no other.
 bool fits_the_line(const QString& name);
 
-/// `text` without blanks at both ends.
-QString without_blanks(const QString& text);
-
 }  // namespace m47

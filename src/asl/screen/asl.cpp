@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "asl.h"
+
+#include <algorithm>
+
+#include "asl_tooltips.h"
+#include "handler.h"
+#include "numbers.h"
+#include "ui_asl.h"
+
+namespace m47 {
+namespace {
+
+/// Shows `entries` with entry `place` selected; a list that has not changed keeps its scroll place.
+void show_list(QListWidget* list, const QStringList& entries, int place) {
+    QStringList shown;
+    for (int row = 0; row < list->count(); ++row) shown += list->item(row)->text();
+    if (shown != entries) {
+        list->clear();
+        list->addItems(entries);
+    }
+    list->setCurrentRow(place);
+}
+
+/// The place of the selected entry, -1 for none.
+int selected_place(const QListWidget* list) {
+    const QList<QListWidgetItem*> selected = list->selectedItems();
+    return selected.isEmpty() ? -1 : list->row(selected.constFirst());
+}
+
+}  // namespace
+
+Asl::Asl(Link& link, ProgramState& program, Recordset& asl, QWidget* parent)
+    : QMainWindow(parent),
+      program_(program),
+      ui_(std::make_unique<Ui::Asl>()),
+      boxes_(this, program),
+      lists_(link, program, asl, boxes_),
+      backup_(lists_, link, program, boxes_) {
+    ui_->setupUi(this);
+    setContextMenuPolicy(Qt::NoContextMenu);
+    ui_->cmdaddindb->setIcon(style()->standardIcon(QStyle::SP_ArrowLeft));
+    ui_->cmdsave->setIcon(style()->standardIcon(QStyle::SP_ArrowRight));
+    connect_buttons();
+    connect_menu();
+}
+
+Asl::~Asl() = default;
+
+template <class Body>
+void Asl::handle(const char* name, Body body) {
+    take_selection();
+    run_handler(this, name, body);
+    show_lists();
+}
+
+void Asl::Form_Load() {
+    handle("Form_Load", [this] { lists_.Form_Load(); });
+    set_tooltips(this, asl_tooltips(), program_.texts);
+}
+
+void Asl::connect_buttons() {
+    const auto on_click = [this](QPushButton* button, const char* name,
+                                 void (SatelliteLists::*handler)()) {
+        connect(button, &QPushButton::clicked, this,
+                [this, name, handler] { handle(name, [this, handler] { (lists_.*handler)(); }); });
+    };
+    on_click(ui_->cmdaddindb, "cmdaddindb_Click", &SatelliteLists::cmdaddindb_Click);
+    on_click(ui_->cmdsave, "cmdsave_Click", &SatelliteLists::cmdsave_Click);
+    on_click(ui_->cmddelpc, "cmddelpc_Click", &SatelliteLists::cmddelpc_Click);
+    on_click(ui_->cmddelstr, "cmddelstr_Click", &SatelliteLists::cmddelstr_Click);
+    on_click(ui_->cmdlearn, "cmdlearn_Click", &SatelliteLists::cmdlearn_Click);
+}
+
+void Asl::connect_menu() {
+    connect(ui_->cmdsaveall, &QAction::triggered, this,
+            [this] { handle("cmdsaveall_Click", [this] { backup_.cmdsaveall_Click(); }); });
+    connect(ui_->cmdrestoreall, &QAction::triggered, this,
+            [this] { handle("cmdrestoreall_Click", [this] { backup_.cmdrestoreall_Click(); }); });
+    connect(ui_->cmdcompare, &QAction::triggered, this,
+            [this] { handle("cmdcompare_Click", [this] { cmdcompare_Click(); }); });
+    connect(ui_->cmdexit, &QAction::triggered, this, &Asl::exit_asked);
+}
+
+void Asl::take_selection() {
+    lists_.panel.listadb_place = selected_place(ui_->listadb);
+    lists_.panel.listastr_place = selected_place(ui_->listastr);
+}
+
+void Asl::show_lists() {
+    show_list(ui_->listadb, lists_.panel.listadb, lists_.panel.listadb_place);
+    show_list(ui_->listastr, lists_.panel.listastr, lists_.panel.listastr_place);
+}
+
+void Asl::cmdcompare_Click() {
+    const AslPanel& panel = lists_.panel;
+    const int slot = std::max(panel.listastr_place, 0);
+    const int other = panel.listadb_place >= 0 ? kSlots + panel.listadb_place : slot;
+    CompareView(comparables(), slot, other, program_.texts, this).exec();
+}
+
+QList<Comparable> Asl::comparables() {
+    QList<Comparable> entries;
+    const SlotTable slots_now = backup_.present_slots();
+    for (int slot = 0; slot < kSlots; ++slot) {
+        const QString label =
+            QStringLiteral("M47 %1  %2")
+                .arg(format_number(slot, "00"), lists_.panel.listastr.value(slot));
+        entries.append({label, slots_now[static_cast<std::size_t>(slot)]});
+    }
+    const QStringList blocks = lists_.stored_blocks();
+    for (int place = 0; place < blocks.size(); ++place)
+        entries.append({QStringLiteral("PC  ") + lists_.panel.listadb.value(place),
+                        SlotBlock::parse(blocks[place])});
+    return entries;
+}
+
+}  // namespace m47

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "compare_view.h"
+
+#include <QFontDatabase>
+#include <QHeaderView>
+
+#include "asl_texts.h"
+#include "ui_compare_view.h"
+
+namespace m47 {
+namespace {
+
+/// Address, the left bytes, a gap, the right bytes.
+constexpr int kLeftColumn = 1;
+constexpr int kRightColumn = kLeftColumn + SlotComparison::kRowBytes + 1;
+constexpr int kColumns = kRightColumn + SlotComparison::kRowBytes;
+
+QString two_digits(int byte) {
+    return QStringLiteral("%1").arg(byte & 0xFF, 2, 16, QLatin1Char('0')).toUpper();
+}
+
+}  // namespace
+
+CompareView::CompareView(const QList<Comparable>& entries, int left, int right, const Texts& texts,
+                         QWidget* parent)
+    : QDialog(parent), entries_(entries), texts_(texts), ui_(std::make_unique<Ui::CompareView>()) {
+    ui_->setupUi(this);
+    setWindowTitle(texts.pick(asl_text::kCompareTitle));
+    ui_->compare_table->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    ui_->compare_table->setColumnCount(kColumns);
+    for (QComboBox* box : {ui_->compare_left, ui_->compare_right}) {
+        for (const Comparable& entry : entries_) box->addItem(entry.label);
+        box->setCurrentIndex(box == ui_->compare_left ? left : right);
+        connect(box, &QComboBox::currentIndexChanged, this, &CompareView::show_choice);
+    }
+    show_choice();
+}
+
+CompareView::~CompareView() = default;
+
+void CompareView::show_choice() {
+    const Comparable& left = entries_.at(ui_->compare_left->currentIndex());
+    const Comparable& right = entries_.at(ui_->compare_right->currentIndex());
+    if (!left.block || !right.block) {
+        ui_->compare_result->setText(texts_.pick(asl_text::kNotComparable));
+        ui_->compare_table->setRowCount(0);
+        return;
+    }
+    const SlotComparison comparison = compare_slots(*left.block, *right.block);
+    const QString bytes = QString::number(SlotBlock::kBytes);
+    ui_->compare_result->setText(
+        comparison.differing == 0
+            ? texts_.pick(asl_text::kSame).arg(bytes)
+            : texts_.pick(asl_text::kDiffering).arg(QString::number(comparison.differing), bytes));
+    show_rows(comparison);
+}
+
+void CompareView::show_rows(const SlotComparison& comparison) {
+    QTableWidget* table = ui_->compare_table;
+    table->clearContents();
+    table->setRowCount(static_cast<int>(comparison.rows.size()));
+    const auto put = [&](int row, int column, const QString& text, bool differs) {
+        auto* cell = new QTableWidgetItem(text);
+        cell->setTextAlignment(Qt::AlignCenter);
+        if (differs) {
+            // Bold as well, so that no colour has to be told from another.
+            QFont font = table->font();
+            font.setBold(true);
+            cell->setFont(font);
+            cell->setBackground(palette().highlight());
+            cell->setForeground(palette().highlightedText());
+        }
+        table->setItem(row, column, cell);
+    };
+    for (int row = 0; row < table->rowCount(); ++row) {
+        const ComparedRow& one = comparison.rows.at(row);
+        put(row, 0, two_digits(one.address), false);
+        for (int at = 0; at < one.left.size(); ++at) {
+            put(row, kLeftColumn + at, two_digits(one.left[at]), one.differs[at]);
+            put(row, kRightColumn + at, two_digits(one.right[at]), one.differs[at]);
+        }
+    }
+    table->resizeColumnsToContents();
+    table->resizeRowsToContents();
+}
+
+}  // namespace m47

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QDialog>
+#include <QList>
+#include <memory>
+#include <optional>
+
+#include "slot_comparison.h"
+#include "texts.h"
+
+namespace Ui {
+class CompareView;
+}
+
+namespace m47 {
+
+/// A satellite that can be compared: a slot of the meter or a record of the PC. Nothing for data
+/// that are not whole.
+struct Comparable {
+    QString label;
+    std::optional<SlotBlock> block;
+};
+
+/// Two satellites side by side, byte by byte; what the bytes mean the meter alone knows.
+class CompareView : public QDialog {
+    Q_OBJECT
+  public:
+    /// `left` and `right` are the places in `entries` that are shown first.
+    CompareView(const QList<Comparable>& entries, int left, int right, const Texts& texts,
+                QWidget* parent = nullptr);
+    ~CompareView() override;
+
+  private:
+    void show_choice();
+    void show_rows(const SlotComparison& comparison);
+
+    const QList<Comparable> entries_;
+    const Texts& texts_;
+    std::unique_ptr<Ui::CompareView> ui_;
+};
+
+}  // namespace m47

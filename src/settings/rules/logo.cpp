@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "logo.h"
+
+#include <algorithm>
+
+#include "blanks.h"
+#include "commands.h"
+
+namespace m47 {
+namespace {
+
+constexpr int kEnter = 13;
+
+}  // namespace
+
+void Logo::read() {
+    send(command::query(command::kLogo));
+    logo_txt = link_.reply_text;
+}
+
+void Logo::logo_txt_KeyPress(int key_ascii) {
+    if (key_ascii != kEnter || !can_be_sent(logo_txt)) return;
+    const qsizetype end = logo_txt.indexOf(u'\r');
+    if (end >= 0) logo_txt.truncate(end);
+    send(command::kLogo + u' ' + without_blanks(logo_txt));
+    read();
+}
+
+bool Logo::can_be_sent(const QString& text) {
+    constexpr char16_t kLastLatin1 = 0xFF;
+    return std::all_of(text.begin(), text.end(),
+                       [](QChar character) { return character.unicode() <= kLastLatin1; });
+}
+
+void Logo::send(const QString& command) {
+    link_.command_text = command;
+    link_.send_command();
+}
+
+}  // namespace m47
