@@ -30,13 +30,13 @@ Bilingual wording_of(DatabaseFault fault) {
         case DatabaseFault::old_engine:
             return {
                 "The database '%1' is a file of the old Jet engine, which this program does "
-                "not read. Its plans have to be imported or entered anew: start the program "
-                "with --create-database in another folder to make a new database. The old "
-                "file has not been changed.",
+                "not work on. Its plans and satellites can be imported: start the program in "
+                "another folder with --create-database --import-database and this file. The "
+                "old file has not been changed.",
                 "Il database '%1' è un file del vecchio motore Jet, che questo programma non "
-                "legge. I piani vanno importati o reinseriti: avviare il programma con "
-                "--create-database in un'altra cartella per creare un nuovo database. Il "
-                "vecchio file non è stato modificato."};
+                "usa direttamente. I suoi piani e satelliti possono essere importati: avviare "
+                "il programma in un'altra cartella con --create-database --import-database e "
+                "questo file. Il vecchio file non è stato modificato."};
         case DatabaseFault::foreign:
             return {"The file '%1' is not a database of this program.",
                     "Il file '%1' non è un database di questo programma."};

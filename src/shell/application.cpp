@@ -12,6 +12,8 @@
 #include "fault.h"
 #include "handler.h"
 #include "icons.h"
+#include "import_command.h"
+#include "old_reader.h"
 #include "program.h"
 #include "unattended.h"
 
@@ -72,7 +74,7 @@ bool platform_chosen(int argc, char** argv) {
 /// One clear message: on stderr always, in a box when somebody looks.
 void tell(const QString& text, const Options& options) {
     print(stderr, QStringLiteral("m47-remote: ") + text);
-    if (!options.measure) QMessageBox::critical(nullptr, QStringLiteral("M47"), text);
+    if (!options.unattended()) QMessageBox::critical(nullptr, QStringLiteral("M47"), text);
 }
 
 std::unique_ptr<Database> open_database(const ProgramState& state, const Options& options) {
@@ -104,14 +106,16 @@ int run_with_options(int argc, char** argv, const Options& options) {
     QApplication::setDesktopFileName(QStringLiteral("m47-remote"));
     ProgramState state;
     // What an unattended run says goes to a log, not to a screen.
-    state.texts.language = options.measure ? kEnglish : kItalian;
+    state.texts.language = options.unattended() ? kEnglish : kItalian;
     if (!options.directory.isEmpty() && !QDir::setCurrent(options.directory)) {
         tell(state.texts.pick(kNoFolder).arg(options.directory), options);
-        return options.measure ? kDatabase : 1;
+        return options.unattended() ? kDatabase : 1;
     }
     state.base_dir = folder_with_separator(QDir::currentPath());
     std::unique_ptr<Database> database = open_database(state, options);
-    if (!database) return options.measure ? kDatabase : 1;
+    if (!database) return options.unattended() ? kDatabase : 1;
+    if (!options.import_database.isEmpty())
+        return import_unattended(*database, options.import_database, state.texts);
     PortList ports;
     for (const QString& entry : options.ports) ports.add(entry);
     Program program(state, std::move(database), std::move(ports));
@@ -121,6 +125,7 @@ int run_with_options(int argc, char** argv, const Options& options) {
 }  // namespace
 
 int run_program(int argc, char** argv) {
+    if (argc == 3 && qstrcmp(argv[1], kReadOldDatabase) == 0) return run_old_reader(argv[2]);
     const Options options = parse_options(own_arguments(argc, argv));
     switch (options.action) {
         case Options::Action::help:
@@ -136,7 +141,7 @@ int run_program(int argc, char** argv) {
             break;
     }
     if (!platform_chosen(argc, argv)) {
-        if (options.measure) {
+        if (options.unattended()) {
             // Nothing is shown, so a display that cannot be reached must not stop a measurement.
             qputenv("QT_QPA_PLATFORM", "offscreen");
         } else if (!display_reachable()) {

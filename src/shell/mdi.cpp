@@ -3,9 +3,18 @@
 
 #include "handler.h"
 #include "icons.h"
+#include "tooltips.h"
 #include "ui_mdi.h"
 
 namespace m47 {
+namespace {
+
+constexpr Tooltip kMenuTips[] = {
+    {"cmdimportdb", "Bring plans and satellites from an old database",
+     "Importa piani e satelliti da un vecchio database"},
+};
+
+}  // namespace
 
 M47MDI::M47MDI(ProgramState& program, QWidget* parent)
     : QMainWindow(parent),
@@ -29,10 +38,13 @@ M47MDI::M47MDI(ProgramState& program, QWidget* parent)
     on(ui_->cmditaliano, &QAction::triggered, this, "cmditaliano_Click",
        [this] { cmditaliano_Click(); });
     connect(ui_->cmdreconnect, &QAction::triggered, this, &M47MDI::reconnect_asked);
+    connect(ui_->cmdimportdb, &QAction::triggered, this, &M47MDI::import_asked);
     connect(ui_->cmdexit, &QAction::triggered, this, &QWidget::close);
     connect(ui_->screens, &QMdiArea::subWindowActivated, this, &M47MDI::screen_activated);
     ui_->cmdinglese->setChecked(true);
     cmditaliano_Click();
+    set_tooltips(this, kMenuTips, program_.texts);
+    ui_->cmdimportdb->setStatusTip(ui_->cmdimportdb->toolTip());
 }
 
 M47MDI::~M47MDI() {

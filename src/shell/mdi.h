@@ -63,6 +63,8 @@ class M47MDI : public QMainWindow, public MainWindowView {
   Q_SIGNALS:
     /// The menu entry "&Reconnect".
     void reconnect_asked();
+    /// The menu entry "&Import old database…".
+    void import_asked();
 
   private:
     void screen_activated(QMdiSubWindow* view);

@@ -48,6 +48,12 @@ void add_options(QCommandLineParser& parser) {
         {"reconnect", "After a lost link go on when the plan's meter answers again."},
         {"log", "Append each row to FILE as well.", "FILE"},
         {"screenshot", "Write a picture of the real-time screen at the end.", "FILE"},
+        {"import-database",
+         "Bring the plans and satellites of OLD, a database file of the old Jet engine, into the "
+         "database, print a report and end; what is there under the same name is kept. Ends with "
+         "status 4 where the database cannot be used, 5 where OLD cannot be read or the report "
+         "not be printed.",
+         "OLD"},
     };
     for (const QCommandLineOption& option : options) parser.addOption(option);
 }
@@ -168,6 +174,17 @@ QString check_combination(const QCommandLineParser& parser, const Options& optio
     return {};
 }
 
+QString check_import(const QCommandLineParser& parser) {
+    const QString name = QStringLiteral("import-database");
+    if (!parser.isSet(name)) return {};
+    if (parser.value(name).isEmpty()) return QStringLiteral("--import-database takes a file");
+    for (const char* other : {"measure", "open", "on-port", "port"})
+        if (parser.isSet(QString::fromLatin1(other)))
+            return QStringLiteral("--import-database does not go with --%1")
+                .arg(QLatin1String(other));
+    return {};
+}
+
 Options wrong(const QString& error) {
     Options options;
     options.action = Options::Action::wrong;
@@ -199,8 +216,10 @@ Options parse_options(const QStringList& arguments) {
     options.reconnect = parser.isSet(QStringLiteral("reconnect"));
     options.log = parser.value(QStringLiteral("log"));
     options.screenshot = parser.value(QStringLiteral("screenshot"));
+    options.import_database = parser.value(QStringLiteral("import-database"));
     QString error = read_values(parser, options);
     if (error.isEmpty()) error = check_combination(parser, options);
+    if (error.isEmpty()) error = check_import(parser);
     return error.isEmpty() ? options : wrong(error);
 }
 

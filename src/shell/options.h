@@ -41,6 +41,11 @@ struct Options {
     bool reconnect = false;
     bool full_tune = false;
     QList<AlarmOption> alarms;
+
+    QString import_database;  ///< a file of the old engine to import, empty for none
+
+    /// Nothing is shown and nobody is asked.
+    bool unattended() const { return measure || !import_database.isEmpty(); }
 };
 
 /// Reads the command line without its first word (the program's name).

@@ -44,7 +44,8 @@ Program::Program(ProgramState& state, std::unique_ptr<Database> database, PortLi
       clock_(std::move(time_of_day)),
       window_(state),
       link_(port_, clock_, window_.status()),
-      identification_(link_, state.texts, ports_, window_) {
+      identification_(link_, state.texts, ports_, window_),
+      import_(*database_, state.texts, window_, [this] { window_.status().pump(); }) {
     // The logger's temporary file has no name yet, and message 0 is composed with that.
     state_.texts.load_messages(state_.temp_file_name);
     window_.status().reason = [this] { return link_fault(); };
@@ -56,6 +57,8 @@ Program::Program(ProgramState& state, std::unique_ptr<Database> database, PortLi
     on(&window_, &M47MDI::reconnect_asked, &window_, "cmdreconnect_Click", [this] { reconnect(); });
     QObject::connect(&watch_timer_, &QTimer::timeout, &window_, [this] { watch_device(); });
     watch_timer_.start(kDeviceWatchInterval);
+    on(&window_, &M47MDI::import_asked, &window_, "cmdimportdb_Click",
+       [this] { import_.cmdimportdb_Click(); });
     window_.resize(kWindowSize.boundedTo(QGuiApplication::primaryScreen()->availableSize()));
 }
 

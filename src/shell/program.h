@@ -7,6 +7,7 @@
 #include "database.h"
 #include "device_watch.h"
 #include "identification.h"
+#include "import_command.h"
 #include "link.h"
 #include "mdi.h"
 #include "port_list.h"
@@ -59,6 +60,7 @@ class Program {
     Identification identification_;
     DeviceWatch watch_;
     QTimer watch_timer_;
+    ImportCommand import_;
 };
 
 }  // namespace m47

@@ -13,8 +13,9 @@ enum ExitStatus {
     kUsage = 2,
     kNoLink = 3,
     kDatabase = 4,
-    kOutputLost = 5,  ///< a row is missing in the log or on stdout, or the picture is
-    kNoDisplay = 6,   ///< windows were wanted and there is no display
+    kOutputLost = 5,         ///< a row is missing in the log or on stdout, or the picture is
+    kOldFileUnreadable = 5,  ///< the old database to import cannot be read
+    kNoDisplay = 6,          ///< windows were wanted and there is no display
 };
 
 /// Measures without showing a window: connects, runs the handlers that the buttons run and prints

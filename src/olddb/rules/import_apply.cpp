@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "import_apply.h"
+
+#include "engine.h"
+#include "tables.h"
+
+namespace m47 {
+namespace {
+
+const QString kPlanKey = QStringLiteral("nome");
+
+QStringList names_in_table(Database& database, const char* table) {
+    QStringList names;
+    Query query(database.connection(),
+                QStringLiteral("SELECT nome FROM %1").arg(QLatin1String(table)));
+    while (query.next()) names += query.value(0).toString();
+    return names;
+}
+
+void add(Recordset& set, const QString& name, const ImportRow& fields) {
+    set.add_new();
+    set.set(kPlanKey, name);
+    for (auto field = fields.begin(); field != fields.end(); ++field)
+        set.set(field.key(), field.value());
+    set.update();
+}
+
+void clear(Recordset set) {
+    if (!set.empty()) set.move_first();
+    while (!set.empty()) {
+        set.remove();
+        if (!set.empty()) set.move_first();
+    }
+}
+
+/// How an item is to arrive, under which name.
+void decide(ImportItem& item, const QStringList& taken, Arrival& arrival, QString& name) {
+    name = item.name;
+    arrival = Arrival::came;
+    if (!item.clashes) return;
+    switch (item.choice) {
+        case ClashChoice::keep:
+            arrival = Arrival::kept;
+            break;
+        case ClashChoice::replace:
+            arrival = Arrival::replaced;
+            break;
+        case ClashChoice::rename:
+            arrival = Arrival::renamed;
+            name = free_name(item.name, taken);
+            break;
+    }
+}
+
+void write_plan(const ImportedPlan& plan, const QString& name, bool replaces, Database& database) {
+    Recordset programs = database.of_plan(QLatin1String(table::kProgrammi), name);
+    Recordset configuration = database.of_plan(QLatin1String(table::kConfigurazione), name);
+    if (replaces) {
+        clear(programs);
+        clear(configuration);
+    } else {
+        Recordset group = database.of_plan(QLatin1String(table::kGruppo), name);
+        add(group, name, {});
+    }
+    add(configuration, name, plan.configuration);
+    for (const ImportRow& program : plan.programs) add(programs, name, program);
+}
+
+void write_satellite(const ImportedSatellite& satellite, const QString& name, bool replaces,
+                     Database& database) {
+    Recordset set = database.of_plan(QLatin1String(table::kAsl), name);
+    const ImportRow fields{{QStringLiteral("dati"), satellite.data}};
+    if (!replaces) {
+        add(set, name, fields);
+        return;
+    }
+    set.edit();
+    set.set(fields.firstKey(), fields.first());
+    set.update();
+}
+
+/// Brings `items` in one after another, each written by `write` in a transaction of its own.
+template <class Items, class Write>
+void bring(Items& items, const char* table, Database& database, Write write) {
+    QStringList reserved;
+    for (const auto& item : items) reserved += item.name;
+    for (auto& item : items) {
+        Transaction transaction(database.connection());
+        Arrival arrival{};
+        QString name;
+        const QStringList present = names_in_table(database, table);
+        // As it stands now: another program may have written since the clashes were marked.
+        item.clashes = present.contains(item.name);
+        decide(item, present + reserved, arrival, name);
+        if (arrival != Arrival::kept) write(item, name, arrival == Arrival::replaced, database);
+        transaction.commit();
+        item.arrival = arrival;
+        if (arrival == Arrival::renamed) item.new_name = name;
+    }
+}
+
+}  // namespace
+
+void mark_clashes(ImportPlan& plan, Database& database) {
+    const QStringList plans = names_in_table(database, table::kGruppo);
+    for (ImportedPlan& one : plan.plans) one.clashes = plans.contains(one.name);
+    const QStringList satellites = names_in_table(database, table::kAsl);
+    for (ImportedSatellite& one : plan.satellites) one.clashes = satellites.contains(one.name);
+}
+
+QString apply_import(ImportPlan& plan, Database& database) {
+    try {
+        bring(plan.plans, table::kGruppo, database, write_plan);
+        bring(plan.satellites, table::kAsl, database, write_satellite);
+    } catch (const Fault& fault) {
+        return QString::fromUtf8(fault.what());
+    }
+    return {};
+}
+
+}  // namespace m47

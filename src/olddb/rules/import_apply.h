@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "database.h"
+#include "import_plan.h"
+
+namespace m47 {
+
+/// Marks what of `plan` the present database has already, under the same name.
+void mark_clashes(ImportPlan& plan, Database& database);
+
+/// Writes `plan` into the database as its choices say, each plan and each satellite whole or not at
+/// all, and tells in each item how it went. An error of the engine ends it: what came before stands
+/// and the items from there on stay open; its words, else empty.
+QString apply_import(ImportPlan& plan, Database& database);
+
+}  // namespace m47

@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "import_values.h"
+
+#include <QLocale>
+#include <array>
+#include <cmath>
+
+#include "diseqc_commands.h"
+
+namespace m47 {
+namespace {
+
+using Verdict = ImportedValue::Verdict;
+
+/// A text field whose rows are found by the number in it, written with a fixed number of digits.
+struct NumberKey {
+    const char* field;
+    int minimum;
+    int maximum;
+    int digits;
+};
+constexpr std::array kNumberKeys{NumberKey{"pg_num", 0, 99, 3}, NumberKey{"logger_pos", 1, 41, 2}};
+
+/// A whole number that stands for one of `choices` places of a list.
+struct Choice {
+    const char* field;
+    int choices;
+};
+constexpr std::array kChoices{
+    Choice{"loc_osc0", 4},
+    Choice{"lnb_volt", 3},
+    Choice{"diseqc_cmd", static_cast<int>(kDiseqcCommands.size())},
+    Choice{"diseqc_cmd2", static_cast<int>(kDiseqcCommands.size())},
+};
+// The other whole numbers are 0 or 1.
+
+constexpr double kFrequencySteps = 10;  // of one MHz
+
+template <class Entries>
+auto* entry_of(const Entries& entries, const char* field) {
+    for (const auto& entry : entries)
+        if (qstrcmp(entry.field, field) == 0) return &entry;
+    return static_cast<decltype(&entries[0])>(nullptr);
+}
+
+bool same(const QVariant& one, const QVariant& other) {
+    return one.typeId() == other.typeId() && one == other;
+}
+
+ImportedValue compared(const QVariant& value, const QVariant& old) {
+    return {value, same(value, old) ? Verdict::as_it_was : Verdict::corrected};
+}
+
+/// The number that `old` is or holds as text; `good` false where there is none.
+double number_of(const QVariant& old, bool& good) {
+    good = true;
+    if (old.typeId() != QMetaType::QString) return old.toDouble();
+    QString text = old.toString().trimmed();
+    const double number = text.replace(u',', u'.').toDouble(&good);
+    good = good && std::isfinite(number);
+    return good ? number : 0;
+}
+
+ImportedValue key_value(const NumberKey& key, const QString& text) {
+    const QString trimmed = text.trimmed();
+    if (trimmed.isEmpty()) return compared(trimmed, text);
+    bool good = false;
+    const int number = trimmed.toInt(&good);
+    if (!good || number < key.minimum || number > key.maximum) return {text, Verdict::doubtful};
+    return compared(QStringLiteral("%1").arg(number, key.digits, 10, QLatin1Char('0')), text);
+}
+
+ImportedValue text_value(const Field& field, const QVariant& old) {
+    // Kept as a number by another edition of the old program: the same value in other clothes.
+    const QString text =
+        old.typeId() == QMetaType::Bool ? QString::number(old.toInt()) : shown_value(old);
+    const NumberKey* key = entry_of(kNumberKeys, field.name);
+    if (!key) return {text, Verdict::as_it_was};
+    return key_value(*key, text);
+}
+
+ImportedValue number_value(const Field& field, const QVariant& old) {
+    bool good = false;
+    const double number = number_of(old, good);
+    if (!good) return {QVariant(), Verdict::corrected};
+    if (qstrcmp(field.name, "frequenza") != 0) return {number, Verdict::as_it_was};
+    const double rounded = std::round(number * kFrequencySteps) / kFrequencySteps;
+    return {rounded, qFuzzyCompare(rounded, number) ? Verdict::as_it_was : Verdict::corrected};
+}
+
+ImportedValue whole_value(const Field& field, const QVariant& old) {
+    bool good = false;
+    const double number = number_of(old, good);
+    const Choice* list = entry_of(kChoices, field.name);
+    const int choices = list ? list->choices : 2;
+    double place = std::trunc(number);
+    // The old engine's true is -1.
+    if (!list && place != 0) place = 1;
+    // No choice was made: the program keeps that as the first.
+    if (!good || place < 0 || place >= choices) place = 0;
+    const bool as_it_was = good && place == number;
+    return {static_cast<qlonglong>(place), as_it_was ? Verdict::as_it_was : Verdict::corrected};
+}
+
+ImportedValue boolean_value(const QVariant& old) {
+    bool good = false;
+    const double number = number_of(old, good);
+    return {QVariant(number != 0), good ? Verdict::as_it_was : Verdict::corrected};
+}
+
+}  // namespace
+
+QString shown_value(const QVariant& value) {
+    if (value.typeId() == QMetaType::Double)
+        return QString::number(value.toDouble(), 'g', QLocale::FloatingPointShortest);
+    return value.toString();
+}
+
+ImportedValue value_for(const Field& field, const QVariant& old) {
+    if (old.isNull()) return {QVariant(), Verdict::as_it_was};
+    switch (field.kind) {
+        case FieldKind::number:
+            return number_value(field, old);
+        case FieldKind::whole:
+            return whole_value(field, old);
+        case FieldKind::boolean:
+            return boolean_value(old);
+        case FieldKind::text:
+            break;
+    }
+    return text_value(field, old);
+}
+
+}  // namespace m47

@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "old_reader.h"
+
+#include <sys/stat.h>
+
+#include <QDeadlineTimer>
+#include <QFile>
+#include <QProcess>
+#include <cerrno>
+#include <cstring>
+
+#include "old_stream.h"
+#include "schema.h"
+
+namespace m47 {
+namespace {
+
+constexpr int kLook = 20;                   // ms
+constexpr qint64 kLargest = 2'147'483'648;  // no file of the old engine is larger
+constexpr int kEngineAt = 4;
+const QByteArray kEngineName("Standard Jet DB\0", 16);
+constexpr int kVersionAt = 0x14;
+constexpr char kJet3 = 0;
+constexpr char kJet4 = 1;
+constexpr qint64 kPage3 = 2048;
+constexpr qint64 kPage4 = 4096;
+
+using Failure = std::optional<OldFileError>;
+
+Failure fault_of_place_of_old(const QString& path) {
+    struct stat about {};
+    if (::stat(QFile::encodeName(path).constData(), &about) != 0) {
+        const bool absent = errno == ENOENT || errno == ENOTDIR;
+        return OldFileError{absent ? OldFileFault::missing : OldFileFault::unreadable, path,
+                            QString::fromLocal8Bit(std::strerror(errno))};
+    }
+    // A pipe would never answer.
+    if (!S_ISREG(about.st_mode)) return OldFileError{OldFileFault::unreadable, path, {}};
+    return std::nullopt;
+}
+
+/// What can be told without the library: it would take any file for one of the old engine.
+Failure fault_of_start(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        return OldFileError{OldFileFault::unreadable, path, file.errorString()};
+    const QByteArray start = file.read(kVersionAt + 1);
+    if (start.mid(kEngineAt, kEngineName.size()) != kEngineName || start.size() <= kVersionAt)
+        return OldFileError{OldFileFault::no_jet, path, {}};
+    const char version = start[kVersionAt];
+    if (version != kJet3 && version != kJet4) return OldFileError{OldFileFault::no_jet, path, {}};
+    const qint64 page = version == kJet3 ? kPage3 : kPage4;
+    if (file.size() % page != 0 || file.size() > kLargest)
+        return OldFileError{OldFileFault::damaged, path,
+                            QStringLiteral("%1 bytes").arg(file.size())};
+    return std::nullopt;
+}
+
+/// Lets the process work to its end, its time or its size; what it handed over.
+QByteArray output_of(QProcess& process, const std::function<void()>& idle,
+                     const OldReaderLimits& limits) {
+    QByteArray output;
+    const QDeadlineTimer deadline(limits.milliseconds);
+    while (process.state() != QProcess::NotRunning && !deadline.hasExpired() &&
+           output.size() <= limits.bytes) {
+        process.waitForReadyRead(kLook);
+        output += process.readAllStandardOutput();
+        if (idle) idle();
+    }
+    if (process.state() != QProcess::NotRunning) {
+        process.kill();
+        process.waitForFinished();
+        return {};
+    }
+    return output + process.readAllStandardOutput();
+}
+
+bool holds_our_table(const OldDatabase& database) {
+    return !database.tables.isEmpty();
+}
+
+}  // namespace
+
+std::optional<OldDatabase> read_old_database(const QString& path, OldFileError& error,
+                                             const std::function<void()>& idle,
+                                             const OldReaderLimits& limits) {
+    Failure failure = fault_of_place_of_old(path);
+    if (!failure) failure = fault_of_start(path);
+    if (failure) {
+        error = *failure;
+        return std::nullopt;
+    }
+    QProcess process;
+    process.setStandardErrorFile(QProcess::nullDevice());
+    process.setStandardInputFile(QProcess::nullDevice());
+    // Not by its name: an update may have put another version there since this one started.
+    process.start(QStringLiteral("/proc/self/exe"), {QLatin1String(kReadOldDatabase), path});
+    if (!process.waitForStarted()) {
+        error = {OldFileFault::unreadable, path, process.errorString()};
+        return std::nullopt;
+    }
+    const OldReading reading = reading_of_bytes(output_of(process, idle, limits));
+    const auto* database = std::get_if<OldDatabase>(&reading);
+    const bool ended_well = process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
+    if (ended_well && database && holds_our_table(*database)) return *database;
+    error = {OldFileFault::damaged, path, {}};
+    if (ended_well && database) error.fault = OldFileFault::foreign;
+    if (ended_well && !database) error.detail = std::get<QString>(reading);
+    return std::nullopt;
+}
+
+}  // namespace m47

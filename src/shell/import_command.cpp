@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "import_command.h"
+
+#include <QFileDialog>
+#include <QMessageBox>
+#include <algorithm>
+#include <cstdio>
+
+#include "clash_dialog.h"
+#include "import_apply.h"
+#include "import_report.h"
+#include "old_reader.h"
+#include "report_dialog.h"
+#include "unattended.h"
+
+namespace m47 {
+namespace {
+
+constexpr Bilingual kImportTitle{"Import old database", "Importa vecchio database"};
+constexpr Bilingual kFileKinds{"Old databases (*.mdb *.MDB);;All files (*)",
+                               "Vecchi database (*.mdb *.MDB);;Tutti i file (*)"};
+
+/// Reads the shared sets anew; the plan that the screens step on from stays the same.
+void refresh_sets(Database& database) {
+    Recordset& plans = database.gruppo();
+    const QString field = QStringLiteral("nome");
+    const bool on_plan = !plans.begin_of_set() && !plans.end_of_set();
+    const QString plan = on_plan ? plans.text(field) : QString();
+    for (Recordset* set :
+         {&plans, &database.programmi(), &database.configurazione(), &database.asl()})
+        set->requery();
+    if (on_plan) plans.find_first(field, plan);
+}
+
+bool anything_clashes(const ImportPlan& plan) {
+    const auto clashes = [](const ImportItem& item) { return item.clashes; };
+    return std::ranges::any_of(plan.plans, clashes) ||
+           std::ranges::any_of(plan.satellites, clashes);
+}
+
+}  // namespace
+
+ImportCommand::ImportCommand(Database& database, const Texts& texts, QWidget& window,
+                             std::function<void()> pump)
+    : database_(database), texts_(texts), window_(window), pump_(std::move(pump)) {}
+
+void ImportCommand::cmdimportdb_Click() {
+    const QString path = QFileDialog::getOpenFileName(&window_, texts_.pick(kImportTitle),
+                                                      QString(), texts_.pick(kFileKinds));
+    if (!path.isEmpty()) import_file(path);
+}
+
+void ImportCommand::import_file(const QString& path) {
+    OldFileError error;
+    const auto old = read_old_database(path, error, pump_);
+    if (!old) {
+        QMessageBox::critical(&window_, texts_.pick(kImportTitle),
+                              old_file_error_text(error, texts_));
+        return;
+    }
+    ImportPlan plan = import_plan_of(*old);
+    mark_clashes(plan, database_);
+    if (anything_clashes(plan) && !ClashDialog(plan, texts_, &window_).ask()) return;
+    const QString stopped = apply_import(plan, database_);
+    refresh_sets(database_);
+    ReportDialog(texts_.pick(kImportTitle), import_report(plan, path, stopped, texts_), texts_,
+                 &window_)
+        .exec();
+}
+
+int import_unattended(Database& database, const QString& path, const Texts& texts) {
+    OldFileError error;
+    const auto old = read_old_database(path, error);
+    if (!old) {
+        std::fprintf(stderr, "m47-remote: %s\n",
+                     old_file_error_text(error, texts).toLocal8Bit().constData());
+        return kOldFileUnreadable;
+    }
+    ImportPlan plan = import_plan_of(*old);
+    const QString stopped = apply_import(plan, database);
+    const QByteArray report = import_report(plan, path, stopped, texts).toUtf8();
+    const bool printed = std::fputs(report.constData(), stdout) >= 0 && std::fflush(stdout) == 0;
+    if (!stopped.isEmpty()) return kDatabase;
+    return printed ? kGood : kOutputLost;
+}
+
+}  // namespace m47

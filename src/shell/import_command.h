@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+#include <QWidget>
+#include <functional>
+
+#include "database.h"
+#include "texts.h"
+
+namespace m47 {
+
+/// The menu entry that brings plans and satellites from a file of the old engine.
+class ImportCommand {
+  public:
+    /// Its boxes stand over `window`; `pump` keeps the windows alive while the file is read.
+    ImportCommand(Database& database, const Texts& texts, QWidget& window,
+                  std::function<void()> pump);
+
+    /// Asks for the file, for what is to become of every plan and satellite that is there already,
+    /// imports and shows the report. Cancelling any of the questions imports nothing.
+    void cmdimportdb_Click();
+
+  private:
+    void import_file(const QString& path);
+
+    Database& database_;
+    const Texts& texts_;
+    QWidget& window_;
+    std::function<void()> pump_;
+};
+
+/// The same without asking: what is there already is kept, and the report goes to stdout. Returns
+/// the exit status.
+int import_unattended(Database& database, const QString& path, const Texts& texts);
+
+}  // namespace m47
