@@ -39,7 +39,7 @@ constexpr Bilingual kMissing{"Not in the old database", "Assenti nel vecchio dat
 constexpr Bilingual kIgnored{"Not known to this program and left out",
                              "Sconosciuti a questo programma e non importati"};
 constexpr Bilingual kNone{"none", "nessuno"};
-constexpr Bilingual kPrograms{"%1, programs: %2", "%1, programmi: %2"};
+constexpr Bilingual kPrograms{"%1 (programs: %2)", "%1 (programmi: %2)"};
 constexpr Bilingual kStopped{"The database could not be written any further: %1",
                              "Non è stato possibile scrivere oltre nel database: %1"};
 constexpr Bilingual kSum{"Came: %1. Replaced: %2. Renamed: %3. Kept: %4. Corrections: %5.",
@@ -96,8 +96,8 @@ class Report {
         for (const ImportNote& note : notes) lines += filled_in(note.wording, note.parts);
         section(heading, lines);
     }
-    QString arrival_of(const ImportItem& item) const {
-        return item.name + QStringLiteral(": ") +
+    QString arrival_of(const ImportItem& item, const QString& title) const {
+        return title + QStringLiteral(": ") +
                filled_in(wording_of_arrival(item.arrival), {item.new_name});
     }
 
@@ -126,8 +126,8 @@ QString sum_of(const ImportPlan& plan, const Report& report) {
 QString old_file_error_text(const OldFileError& error, const Texts& texts) {
     QString text =
         filled(texts.pick(wording_of_fault(error.fault)), {QDir::toNativeSeparators(error.path)});
-    if (!error.detail.isEmpty()) text += QStringLiteral(" (%1)").arg(error.detail);
-    return text + u' ' + texts.pick(kNothingChanged);
+    text += u' ' + texts.pick(kNothingChanged);
+    return error.detail.isEmpty() ? text : text + QStringLiteral(" (%1)").arg(error.detail);
 }
 
 QString import_report(const ImportPlan& plan, const QString& path, const QString& stopped,
@@ -138,11 +138,11 @@ QString import_report(const ImportPlan& plan, const QString& path, const QString
         u'\n';
     QStringList lines;
     for (const ImportedPlan& one : plan.plans)
-        lines += report.filled_in(kPrograms,
-                                  {report.arrival_of(one), QString::number(one.programs.size())});
+        lines += report.arrival_of(
+            one, report.filled_in(kPrograms, {one.name, QString::number(one.programs.size())}));
     report.section(kPlans, lines);
     lines.clear();
-    for (const ImportedSatellite& one : plan.satellites) lines += report.arrival_of(one);
+    for (const ImportedSatellite& one : plan.satellites) lines += report.arrival_of(one, one.name);
     report.section(kSatellites, lines);
     report.section_of_notes(kCorrected, plan.corrected);
     if (!plan.to_check.isEmpty()) report.section_of_notes(kToCheck, plan.to_check);

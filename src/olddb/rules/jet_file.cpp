@@ -30,6 +30,7 @@ constexpr qsizetype kMapBitsAt = 5;
 constexpr qsizetype kMapListAt = 1;
 constexpr qsizetype kMapPageBitsAt = 4;
 constexpr const char* kCatalog = "MSysObjects";
+constexpr const char* kRowName = "nome";
 
 qint64 pages_in(MdbHandle* handle) {
     if (std::fseek(handle->f->stream, 0, SEEK_END) != 0) throw JetDamage("no end of the file");
@@ -132,6 +133,9 @@ OldTable rows_of(MdbTableDef* table, OldDatabase& database) {
     result.name = QString::fromUtf8(table->name);
     const auto columns = usable_columns(table, database);
     for (const MdbColumn* column : columns) result.fields += QString::fromUtf8(column->name);
+    // What else it holds is the importer's business, but this is what its rows are told by.
+    if (!result.fields.contains(QLatin1String(kRowName), Qt::CaseInsensitive))
+        throw JetDamage(std::string("table ") + table->name + " has no field " + kRowName);
     mdb_rewind_table(table);
     while (mdb_fetch_row(table)) {
         const std::vector<MdbField> fields = fields_of_row(table);
@@ -162,19 +166,23 @@ OldDatabase read_jet_file(const QByteArray& path) {
     const qint64 pages = pages_in(handle.get());
     check_pages(handle.get(), pages);
     if (!mdb_read_catalog(handle.get(), MDB_ANY)) throw JetDamage("its list of tables");
+    bool lists_itself = false;
     const std::span entries(handle->catalog->pdata, handle->catalog->len);
     for (gpointer one : entries) {
         auto* entry = static_cast<MdbCatalogEntry*>(one);
         if (entry->object_type != MDB_TABLE) continue;
         const JetTable table = definition_of(entry, pages);
-        if (qstrcmp(entry->object_name, kCatalog) == 0)
+        if (qstrcmp(entry->object_name, kCatalog) == 0) {
             check_count(kCatalog, table->num_rows, static_cast<qint64>(entries.size()));
+            lists_itself = true;
+        }
         if (!mdb_is_user_table(entry)) continue;
         if (is_ours(entry->object_name))
             database.tables += rows_of(table.get(), database);
         else
             database.others += QString::fromUtf8(entry->object_name);
     }
+    if (!lists_itself) throw JetDamage("its list of tables");
     return database;
 }
 

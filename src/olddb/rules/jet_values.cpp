@@ -4,6 +4,7 @@
 #include <QByteArray>
 #include <QString>
 #include <QtEndian>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -20,6 +21,10 @@ constexpr quint32 kLengthBits = 0x3fffffff;
 constexpr qsizetype kPageRowAt = 4;
 // In a chain of pages each piece begins with the place of the next.
 constexpr qsizetype kChainLink = 4;
+
+// Pages of long texts name no table as their owner.
+constexpr qsizetype kOwnerAt = 4;
+constexpr char kLongTextOwner[] = "LVAL";
 
 constexpr double kMoneyUnits = 10000;  // of its smallest unit
 
@@ -88,6 +93,7 @@ QByteArrayView piece_at(MdbHandle* handle, quint32 page_row) {
     int start = 0;
     size_t length = 0;
     if (mdb_find_pg_row(handle, static_cast<int>(page_row), &page, &start, &length) != 0 ||
+        std::memcmp(static_cast<const char*>(page) + kOwnerAt, kLongTextOwner, 4) != 0 ||
         start < 0 || static_cast<ssize_t>(length) > handle->fmt->pg_size - start)
         throw JetDamage("a long text leads nowhere");
     return {static_cast<const char*>(page) + start, static_cast<qsizetype>(length)};
@@ -115,8 +121,8 @@ QByteArray long_text(MdbHandle* handle, QByteArrayView place) {
     const QByteArrayView bytes =
         about & kInTheRow ? place.sliced(qMin(place.size(), qsizetype{MDB_MEMO_OVERHEAD}))
                           : piece_at(handle, page_row);
-    if (bytes.size() < length) throw JetDamage("a long text is cut short");
-    return bytes.first(length).toByteArray();
+    if (bytes.size() != length) throw JetDamage("a long text has another length than stated");
+    return bytes.toByteArray();
 }
 
 double decimal(MdbHandle* handle, const MdbColumn& column, int start) {
