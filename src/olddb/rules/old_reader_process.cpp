@@ -13,7 +13,7 @@ namespace m47 {
 namespace {
 
 constexpr rlim_t kSeconds = 25;
-[[maybe_unused]] constexpr rlim_t kMemory = 1'000'000'000;  // bytes
+[[maybe_unused]] constexpr rlim_t kMemory = 400'000'000;  // bytes
 
 void limit(__rlimit_resource resource, rlim_t most) {
     const rlimit both{most, most};

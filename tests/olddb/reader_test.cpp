@@ -1,0 +1,293 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Files of the old engine: a real one against another reader of such files, made ones of both
+// versions, damaged ones.
+#include <QFile>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include "import_values.h"
+#include "jet_writer.h"
+#include "old_reader.h"
+#include "old_stream.h"
+
+namespace m47 {
+
+class ReaderTest : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir folder_;
+
+    static QByteArray real_file() {
+        QFile file(QStringLiteral(OLD_DATABASE));
+        if (!file.open(QIODevice::ReadOnly)) qFatal("no fixture");
+        return file.readAll();
+    }
+
+    QString written(const QByteArray& content) const {
+        const QString path = folder_.filePath(QStringLiteral("OLD è.mdb"));
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+            qFatal("cannot write %s", qPrintable(path));
+        return path;
+    }
+
+    static OldDatabase read(const QString& path) {
+        OldFileError error;
+        const auto database = read_old_database(path, error);
+        if (!database) qFatal("not read: fault %d, %s", int(error.fault), qPrintable(error.detail));
+        return *database;
+    }
+
+    OldFileError fault_of(const QByteArray& content) const {
+        OldFileError error;
+        if (read_old_database(written(content), error)) qFatal("it was read");
+        return error;
+    }
+
+    static const OldTable& table(const OldDatabase& database, const char* name) {
+        for (const OldTable& one : database.tables)
+            if (one.name == QLatin1String(name)) return one;
+        qFatal("no table %s", name);
+    }
+
+    static QVariant cell(const OldDatabase& database, const char* table_name, qsizetype row,
+                         const char* field) {
+        const OldTable& one = table(database, table_name);
+        return one.rows[row][one.fields.indexOf(QLatin1String(field))];
+    }
+
+    /// The tables of a made file.
+    static QList<JetRows> made_tables() {
+        const QString lines = QString(200, u'à') + QStringLiteral("\rS9\r\n");
+        const QString memo = QStringLiteral("S11300\r").repeated(600);
+        return {
+            {QStringLiteral("gruppo"),
+             {{QStringLiteral("nome"), JetKind::text}},
+             {{QString::fromUtf8("città")}, {QStringLiteral(" b ")}}},
+            {QStringLiteral("programmi"),
+             {{QStringLiteral("nome"), JetKind::text},
+              {QStringLiteral("pg_num"), JetKind::byte},
+              {QStringLiteral("loc_osc"), JetKind::boolean},
+              {QStringLiteral("frequenza"), JetKind::number},
+              {QStringLiteral("satchbw"), JetKind::single},
+              {QStringLiteral("loc_osc0"), JetKind::integer},
+              {QStringLiteral("K22"), JetKind::long_integer},
+              {QStringLiteral("lev_min"), JetKind::text},
+              {QStringLiteral("lev_max"), JetKind::text}},
+             {{QString::fromUtf8("città"), 200, true, 1234.5, 36.6F, -2, -70000,
+               QStringLiteral(" 45 "), QStringLiteral("")},
+              {QStringLiteral(" b "), {}, false, {}, {}, {}, {}, {}, QString::fromUtf8("€")}}},
+            {QStringLiteral("asl"),
+             {{QStringLiteral("nome"), JetKind::text},
+              {QStringLiteral("dati"), JetKind::memo},
+              {QStringLiteral("picture"), JetKind::ole}},
+             {{QStringLiteral("row"), QStringLiteral("a\rb\r\n"), {}},
+              {QStringLiteral("page"), lines, {}},
+              {QStringLiteral("chain"), memo, {}},
+              {QStringLiteral("none"), {}, {}}}},
+            {QStringLiteral("clienti"), {{QStringLiteral("id"), JetKind::long_integer}}, {{1}}},
+        };
+    }
+
+  private Q_SLOTS:
+    void the_real_file_reads_as_another_reader_shows_it() {
+        const OldDatabase database = read(QStringLiteral(OLD_DATABASE));
+        QCOMPARE(database.version, 4);
+        QVERIFY(database.others.isEmpty());
+        QStringList names;
+        for (const OldTable& one : database.tables) {
+            names += one.name;
+            QStringList lines;
+            for (const QVariantList& row : one.rows) {
+                QStringList cells;
+                for (const QVariant& value : row)
+                    cells += value.typeId() == QMetaType::Bool ? QString::number(value.toInt())
+                                                               : shown_value(value);
+                lines += cells.join(u'\x1f');
+            }
+            QProcess other;
+            other.start(QStringLiteral("mdb-export"),
+                        {QStringLiteral("-H"), QStringLiteral("-Q"), QStringLiteral("-d"),
+                         QStringLiteral("\x1f"), QStringLiteral("-R"), QStringLiteral("\x1e"),
+                         QStringLiteral(OLD_DATABASE), one.name});
+            QVERIFY(other.waitForFinished());
+            QCOMPARE(lines.join(u'\x1e') + u'\x1e',
+                     QString::fromUtf8(other.readAllStandardOutput()));
+        }
+        QCOMPARE(names, (QStringList{"gruppo", "configurazione", "programmi", "asl"}));
+    }
+
+    void the_real_file_reads_value_by_value() {
+        const OldDatabase database = read(QStringLiteral(OLD_DATABASE));
+        QCOMPARE(table(database, "programmi").rows.size(), 13);
+        QCOMPARE(cell(database, "gruppo", 1, "nome"), QVariant(QString::fromUtf8("CITTÀ")));
+        QCOMPARE(cell(database, "programmi", 11, "qpsk_symbolrate"), QVariant(" 22000 "));
+        QCOMPARE(cell(database, "programmi", 11, "frequenza"), QVariant(1503.2));
+        QCOMPARE(cell(database, "programmi", 11, "loc_osc"), QVariant(true));
+        QCOMPARE(cell(database, "programmi", 11, "diseqc_cmd"), QVariant(73LL));
+        QCOMPARE(cell(database, "programmi", 0, "loc_osc"), QVariant(false));
+        // Empty is not unset.
+        QCOMPARE(cell(database, "programmi", 11, "mer_max"), QVariant(QStringLiteral("")));
+        QVERIFY(!cell(database, "programmi", 11, "mer_max").isNull());
+        QVERIFY(cell(database, "programmi", 12, "mer_max").isNull());
+        QCOMPARE(cell(database, "asl", 1, "dati").toString(),
+                 QStringLiteral("S113000000000000000000000000000000000000EC\r"
+                                "S113001000000000000000000000000000000000DC\r"
+                                "S113002000000000000000000000000000000000CC\r"
+                                "S10D00302A2A2A2A2A2A2A2A2A2A1E\rS9030000FC"));
+    }
+
+    void files_of_both_versions_read_byte_for_byte_data() {
+        QTest::addColumn<int>("version");
+        QTest::newRow("Jet 3") << 3;
+        QTest::newRow("Jet 4") << 4;
+    }
+    void files_of_both_versions_read_byte_for_byte() {
+        QFETCH(int, version);
+        const QList<JetRows> made = made_tables();
+        const OldDatabase database = read(written(jet_file(version, real_file(), made)));
+        QCOMPARE(database.version, version);
+        QCOMPARE(database.others, (QStringList{"asl.picture", "clienti"}));
+        QCOMPARE(table(database, "gruppo").rows, made[0].rows);
+        const QVariantList full{QString::fromUtf8("città"),
+                                200LL,
+                                true,
+                                1234.5,
+                                36.6,
+                                -2LL,
+                                -70000LL,
+                                QStringLiteral(" 45 "),
+                                QStringLiteral("")};
+        QCOMPARE(table(database, "programmi").rows[0], full);
+        QVERIFY(!table(database, "programmi").rows[0].last().isNull());
+        const QVariantList& bare = table(database, "programmi").rows[1];
+        for (qsizetype k = 3; k < 8; ++k) QVERIFY(bare[k].isNull());
+        QCOMPARE(bare[2], QVariant(false));
+        QCOMPARE(bare[8], QVariant(QString::fromUtf8("€")));
+        for (qsizetype k = 0; k < 4; ++k)
+            QCOMPARE(table(database, "asl").rows[k][1], made[2].rows[k][1]);
+    }
+
+    void characters_beyond_the_first_plane() {
+        const QString text = QString::fromUtf8("\U0001F4E1 x");
+        const QList<JetRows> made{
+            {QStringLiteral("gruppo"), {{QStringLiteral("nome"), JetKind::text}}, {{text}}}};
+        const OldDatabase database = read(written(jet_file(4, real_file(), made)));
+        QCOMPARE(database.tables[0].rows[0][0], QVariant(text));
+    }
+
+    void a_file_of_other_tables_is_told() {
+        const QList<JetRows> made{
+            {QStringLiteral("clienti"), {{QStringLiteral("nome"), JetKind::text}}, {{"x"}}}};
+        QCOMPARE(fault_of(jet_file(4, real_file(), made)).fault, OldFileFault::foreign);
+    }
+
+    void what_is_no_such_file_is_told() {
+        OldFileError error;
+        QVERIFY(!read_old_database(folder_.filePath("none.mdb"), error));
+        QCOMPARE(error.fault, OldFileFault::missing);
+        QVERIFY(!read_old_database(folder_.path(), error));
+        QCOMPARE(error.fault, OldFileFault::unreadable);
+        QCOMPARE(fault_of("").fault, OldFileFault::no_jet);
+        QCOMPARE(fault_of("SQLite format 3").fault, OldFileFault::no_jet);
+        QCOMPARE(fault_of(real_file().first(0x14)).fault, OldFileFault::no_jet);
+        QByteArray later = real_file();
+        later[0x14] = 2;
+        QCOMPARE(fault_of(later).fault, OldFileFault::no_jet);
+    }
+
+    void a_file_cut_anywhere_is_damaged() {
+        const QByteArray whole = real_file();
+        constexpr qsizetype kPage = 4096;
+        for (qsizetype size = kPage; size < whole.size(); size += kPage)
+            QCOMPARE(fault_of(whole.first(size)).fault, OldFileFault::damaged);
+        for (const qsizetype size : {qsizetype{100}, kPage - 1, 10 * kPage + 7, whole.size() - 1})
+            QCOMPARE(fault_of(whole.first(size)).fault, OldFileFault::damaged);
+    }
+
+    void a_lost_page_of_our_tables_is_damage() {
+        const QByteArray whole = real_file();
+        constexpr qsizetype kPage = 4096;
+        // 24 on: the program's tables. Before: the engine's own, of which it can miss some.
+        for (qsizetype page = 24; page * kPage < whole.size(); ++page)
+            for (const char filling : {'\0', '\xff', 'x'}) {
+                QByteArray damaged = whole;
+                damaged.replace(page * kPage, kPage, QByteArray(kPage, filling));
+                QCOMPARE(fault_of(damaged).fault, OldFileFault::damaged);
+            }
+    }
+
+    void noise_ends_in_rows_or_in_a_message() {
+        const QByteArray whole = real_file();
+        QRandomGenerator random(47);
+        int damaged = 0;
+        for (int turn = 0; turn < 60; ++turn) {
+            QByteArray noisy = whole;
+            for (int k = 0; k < 12; ++k)
+                noisy[random.bounded(0x18, static_cast<int>(noisy.size()))] =
+                    static_cast<char>(random.bounded(256));
+            OldFileError error;
+            const auto database = read_old_database(written(noisy), error);
+            if (!database) ++damaged;
+            QVERIFY(database || error.fault == OldFileFault::damaged);
+        }
+        QVERIFY(damaged > 10 && damaged < 60);
+    }
+
+    void a_reading_that_takes_too_long_or_gives_too_much_is_ended() {
+        OldFileError error;
+        int idle = 0;
+        QVERIFY(!read_old_database(QStringLiteral(OLD_DATABASE), error, [&] { ++idle; },
+                                   {.milliseconds = 30'000, .bytes = 1000}));
+        QCOMPARE(error.fault, OldFileFault::damaged);
+        QVERIFY(idle > 0);
+        error = {};
+        QVERIFY(!read_old_database(QStringLiteral(OLD_DATABASE), error, {},
+                                   {.milliseconds = 0, .bytes = 1'000'000}));
+        QCOMPARE(error.fault, OldFileFault::damaged);
+    }
+
+    void the_old_file_is_only_read() {
+        const QString path = written(real_file());
+        QVERIFY(QFile::setPermissions(path, QFile::ReadOwner));
+        read(path);
+        QVERIFY(QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), real_file());
+    }
+
+    void the_handed_over_bytes_are_checked() {
+        const OldDatabase database = read(QStringLiteral(OLD_DATABASE));
+        const QByteArray bytes = bytes_of_reading(database);
+        QCOMPARE(std::get<OldDatabase>(reading_of_bytes(bytes)), database);
+        QCOMPARE(std::get<QString>(reading_of_bytes(bytes_of_reading(QStringLiteral("why")))),
+                 QStringLiteral("why"));
+        const auto holds_rows = [](const QByteArray& some) {
+            return std::holds_alternative<OldDatabase>(reading_of_bytes(some));
+        };
+        for (qsizetype size = 0; size < bytes.size(); size += 7)
+            QVERIFY(!holds_rows(bytes.first(size)));
+        QVERIFY(!holds_rows(bytes + 'x'));
+        QRandomGenerator random(11);
+        for (int turn = 0; turn < 2000; ++turn) {
+            QByteArray noisy = bytes;
+            noisy[random.bounded(static_cast<int>(noisy.size()))] =
+                static_cast<char>(random.bounded(256));
+            reading_of_bytes(noisy);
+        }
+    }
+};
+
+}  // namespace m47
+
+int main(int argc, char** argv) {
+    if (argc == 3 && qstrcmp(argv[1], m47::kReadOldDatabase) == 0)
+        return m47::run_old_reader(argv[2]);
+    const QCoreApplication application(argc, argv);
+    m47::ReaderTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "reader_test.moc"
