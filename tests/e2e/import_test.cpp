@@ -222,6 +222,10 @@ class ImportTest : public QObject {
                          QCOMPARE(first->currentIndex(), 2);
                          QTest::keyClick(first, Qt::Key_Home);
                          QTest::keyClick(dialog->findChild<QComboBox*>("clash_1"), Qt::Key_Up);
+                         QTest::keyClick(dialog->focusWidget(), Qt::Key_Tab);
+                         QCOMPARE(dialog->focusWidget(), clashes);
+                         QTest::keyClick(dialog->focusWidget(), Qt::Key_Tab);
+                         QCOMPARE(dialog->focusWidget(), first);
                          press(dialog, "Importa");
                      },
                      [&](QDialog* dialog) {

@@ -44,6 +44,7 @@ ClashDialog::ClashDialog(ImportPlan& plan, const Texts& texts, QWidget* parent)
         if (one.clashes) add_row(one, kPlan);
     for (ImportedSatellite& one : plan.satellites)
         if (one.clashes) add_row(one, kSatellite);
+    order_tabs();
     fill(ui_->for_all);
     new WheelGuard(ui_->for_all);
     connect(ui_->for_all, &QComboBox::activated, this, [this](int choice) {
@@ -75,6 +76,19 @@ void ClashDialog::add_row(ImportItem& item, const Bilingual& kind) {
     ui_->clashes->setCellWidget(row, 1, choices);
     items_ += &item;
     choices_ += choices;
+}
+
+// As read: the table's boxes are made after the buttons below it.
+void ClashDialog::order_tabs() const {
+    QWidget* before = ui_->clashes;
+    for (QComboBox* choices : choices_) {
+        QWidget::setTabOrder(before, choices);
+        before = choices;
+    }
+    for (const auto button : {QDialogButtonBox::Ok, QDialogButtonBox::Cancel}) {
+        QWidget::setTabOrder(before, ui_->buttons->button(button));
+        before = ui_->buttons->button(button);
+    }
 }
 
 bool ClashDialog::ask() {

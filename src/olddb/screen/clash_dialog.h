@@ -28,6 +28,7 @@ class ClashDialog : public QDialog {
 
   private:
     void add_row(ImportItem& item, const Bilingual& kind);
+    void order_tabs() const;
     void fill(QComboBox* choices) const;
 
     const Texts& texts_;
