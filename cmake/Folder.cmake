@@ -6,14 +6,39 @@ function(m47_folder name)
     add_library(${name} STATIC ${ARG_SOURCES})
     target_include_directories(${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
     target_link_libraries(${name} PUBLIC ${ARG_USES})
+    set_target_properties(${name} PROPERTIES UNITY_BUILD ${M47_FOLDERS_AS_ONE})
 endfunction()
 
-# A test program: one source file named after the test, in Qt Test.
+# Tests are compiled for a quick build: their own speed matters to nobody.
+set(M47_TEST_OPTIONS $<$<CONFIG:Release>:-O0>)
+
+# What every test includes is parsed once for all of them. (The program's own sources have no such
+# help: each must build by itself.)
+function(m47_test_headers)
+    # Not the folder of each test, which would differ from one to the next.
+    set_target_properties(Qt6::Test PROPERTIES INTERFACE_COMPILE_DEFINITIONS QT_TESTLIB_LIB)
+    file(WRITE ${CMAKE_BINARY_DIR}/test_headers.cpp "// Nothing but the headers.\n")
+    add_library(test_headers OBJECT ${CMAKE_BINARY_DIR}/test_headers.cpp)
+    set_target_properties(test_headers PROPERTIES AUTOMOC OFF AUTOUIC OFF)
+    target_compile_options(test_headers PRIVATE ${M47_TEST_OPTIONS})
+    target_link_libraries(test_headers PRIVATE Qt6::Widgets Qt6::Test)
+    target_precompile_headers(test_headers PRIVATE
+        <QAction> <QApplication> <QComboBox> <QDir> <QFile> <QLabel> <QLineEdit> <QPushButton>
+        <QRegularExpression> <QTemporaryDir> <QTest> <QTimer> <algorithm> <functional> <memory>
+        <optional> <vector>)
+endfunction()
+
+# A test program in Qt Test, with the folder's name before the dot.
 function(m47_test name)
     cmake_parse_arguments(PARSE_ARGV 1 ARG "SCREEN" "TIMEOUT" "SOURCES;USES")
     string(REPLACE "." "_" target test_${name})
     add_executable(${target} ${ARG_SOURCES})
-    target_link_libraries(${target} PRIVATE ${ARG_USES} Qt6::Test)
+    target_link_libraries(${target} PRIVATE ${ARG_USES} Qt6::Widgets Qt6::Test)
+    target_compile_options(${target} PRIVATE ${M47_TEST_OPTIONS})
+    target_precompile_headers(${target} REUSE_FROM test_headers)
+    set_source_files_properties(
+        ${CMAKE_CURRENT_BINARY_DIR}/${target}_autogen/mocs_compilation.cpp
+        PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
     add_test(NAME ${name} COMMAND ${target})
     if(NOT ARG_TIMEOUT)
         set(ARG_TIMEOUT 120)

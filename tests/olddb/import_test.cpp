@@ -74,7 +74,7 @@ class ImportTest : public QObject {
     void plan_names_take_their_form() {
         QFETCH(QString, old);
         QFETCH(QString, now);
-        QCOMPARE(plan_name(old), now);
+        QCOMPARE(imported_plan_name(old), now);
     }
 
     void a_corrected_name_is_reported_and_its_rows_follow() {

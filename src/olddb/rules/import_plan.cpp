@@ -143,7 +143,7 @@ class Importer {
         is_new = known < 0;
         if (!is_new) return plan_.plans[known];
         ImportedPlan plan;
-        plan.name = plan_name(old_name);
+        plan.name = imported_plan_name(old_name);
         // Two long names can begin alike.
         if (names_.contains(plan.name)) plan.name = free_name(plan.name, names_);
         if (plan.name != old_name) plan_.corrected += {kNameChanged, {old_name, plan.name}};
@@ -272,7 +272,7 @@ class Importer {
 
 }  // namespace
 
-QString plan_name(const QString& name) {
+QString imported_plan_name(const QString& name) {
     return cut_to(name.trimmed().toUpper(), kLongestName).trimmed();
 }
 

@@ -64,7 +64,7 @@ struct ImportPlan {
 inline constexpr qsizetype kLongestName = 10;
 
 /// `name` as plans are named: trimmed, in upper case, at most kLongestName characters.
-QString plan_name(const QString& name);
+QString imported_plan_name(const QString& name);
 /// The same for a satellite, which keeps its small letters.
 QString satellite_name(const QString& name);
 
