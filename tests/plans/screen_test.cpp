@@ -343,7 +343,8 @@ class PlanScreenTest : public QObject {
         QVERIFY(find<QRadioButton>("ol_opt_1")->isChecked());
         QVERIFY(find<QComboBox>("ol_optval")->isEnabled());
         QCOMPARE(find<QComboBox>("ol_optval")->currentText(), QString());
-        QCOMPARE(stored(QStringLiteral("pg_num || '')||coalesce(frequenza, '+'")), QString("-+"));
+        QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("-"));
+        QCOMPARE(stored(QStringLiteral("frequenza")), QStringLiteral("-"));
     }
 
     void plans_are_walked_with_beeps_at_the_ends() {
@@ -634,7 +635,7 @@ class PlanScreenTest : public QObject {
             told_.clear();
         }
         answering(pressed("new"), [this](QWidget* front) {
-            QTimer::singleShot(50, front, [this] {
+            QTimer::singleShot(50, this, [this] {
                 note(QApplication::activeModalWidget());
                 pressing(QMessageBox::Ok)(QApplication::activeModalWidget());
             });

@@ -4,13 +4,13 @@
 namespace m47 {
 
 using std::chrono::nanoseconds;
-using std::chrono::seconds;
 
 nanoseconds clock_tick(nanoseconds since_midnight) {
     // 24 bits of mantissa: below 2^15 s single precision is at least as fine as 2^-9 s, and each
     // doubling of the time makes it coarser by one bit. All these steps are whole nanoseconds.
     nanoseconds tick{1'953'125};
-    for (nanoseconds bound = seconds{32'768}; since_midnight >= bound; bound *= 2) tick *= 2;
+    for (nanoseconds bound = std::chrono::seconds{32'768}; since_midnight >= bound; bound *= 2)
+        tick *= 2;
     return tick;
 }
 
