@@ -74,18 +74,4 @@ void Connection::forget() {
     QSqlDatabase::removeDatabase(name);
 }
 
-Transaction::Transaction(const QSqlDatabase& database) : database_(database) {
-    Query(database_, QStringLiteral("BEGIN IMMEDIATE"));
-}
-
-void Transaction::commit() {
-    Query(database_, QStringLiteral("COMMIT"));
-    open_ = false;
-}
-
-Transaction::~Transaction() {
-    // The engine may have undone it by itself already: nothing to tell anybody then.
-    if (open_) QSqlQuery(QStringLiteral("ROLLBACK"), database_);
-}
-
 }  // namespace m47

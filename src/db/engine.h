@@ -57,22 +57,4 @@ class Connection {
     QSqlDatabase database_;
 };
 
-/// Everything that is written on `database` while this object lives reaches the file together, by
-/// commit(), or not at all. It waits for other writers as every statement does and keeps them out
-/// from its start. Transactions do not nest.
-class Transaction {
-  public:
-    explicit Transaction(const QSqlDatabase& database);
-    ~Transaction();
-    Transaction(const Transaction&) = delete;
-    Transaction& operator=(const Transaction&) = delete;
-
-    /// An EngineFault leaves it to be undone.
-    void commit();
-
-  private:
-    QSqlDatabase database_;
-    bool open_ = true;
-};
-
 }  // namespace m47

@@ -108,27 +108,25 @@ void Program::add_screens() {
         return screen;
     });
     add_screen<Asl>("asl", [this] { return new Asl(link_, state_, database_->asl()); });
-    add_screen<ConfigSet>("configurazione",
-                          [this] { return new ConfigSet(link_, state_.texts); });
+    add_screen<ConfigSet>("configurazione", [this] { return new ConfigSet(link_, state_.texts); });
     add_screen<PortSetting>("setport", [this] { return new PortSetting(identification_, ports_); });
 }
 
 template <class Screen, class Make>
 void Program::add_screen(const char* key, Make make) {
-    window_.add_screen(
-        QString::fromLatin1(key),
-        {.create =
-             [make] {
-                 Screen* screen = make();
-                 close_on_exit(screen);
-                 return screen;
-             },
-         .load = [](QWidget* screen) { static_cast<Screen*>(screen)->Form_Load(); },
-         .activate =
-             [](QWidget* screen) {
-                 if constexpr (requires(Screen& one) { one.Form_Activate(); })
-                     static_cast<Screen*>(screen)->Form_Activate();
-             }});
+    window_.add_screen(QString::fromLatin1(key),
+                       {.create =
+                            [make] {
+                                Screen* screen = make();
+                                close_on_exit(screen);
+                                return screen;
+                            },
+                        .load = [](QWidget* screen) { static_cast<Screen*>(screen)->Form_Load(); },
+                        .activate =
+                            [](QWidget* screen) {
+                                if constexpr (requires(Screen & one) { one.Form_Activate(); })
+                                    static_cast<Screen*>(screen)->Form_Activate();
+                            }});
 }
 
 }  // namespace m47

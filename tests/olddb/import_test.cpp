@@ -4,6 +4,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include "database_transaction.h"
 #include "db_support.h"
 #include "engine.h"
 #include "import_apply.h"
@@ -371,12 +372,12 @@ class ImportTest : public QObject {
         const auto database = made_in(folder.path());
         const QString path = database_in(folder.path());
         {
-            const Transaction dropped(database->connection());
+            const DatabaseTransaction dropped(database->connection());
             add_row(database->gruppo(), {{"nome", "X"}});
         }
         QCOMPARE(run_sql(path, {"SELECT nome FROM gruppo ORDER BY id"}), QStringList{"PLAN 1"});
         {
-            Transaction kept(database->connection());
+            DatabaseTransaction kept(database->connection());
             add_row(database->gruppo(), {{"nome", "X"}});
             kept.commit();
         }

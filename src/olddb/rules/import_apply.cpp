@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "import_apply.h"
 
+#include "database_transaction.h"
 #include "engine.h"
 #include "tables.h"
 
@@ -17,7 +18,7 @@ QStringList names_in_table(Database& database, const char* table) {
     return names;
 }
 
-void add(Recordset& set, const QString& name, const ImportRow& fields) {
+void add(Recordset& set, const QString& name, const ImportedRow& fields) {
     set.add_new();
     set.set(kPlanKey, name);
     for (auto field = fields.begin(); field != fields.end(); ++field)
@@ -63,13 +64,13 @@ void write_plan(const ImportedPlan& plan, const QString& name, bool replaces, Da
         add(group, name, {});
     }
     add(configuration, name, plan.configuration);
-    for (const ImportRow& program : plan.programs) add(programs, name, program);
+    for (const ImportedRow& program : plan.programs) add(programs, name, program);
 }
 
 void write_satellite(const ImportedSatellite& satellite, const QString& name, bool replaces,
                      Database& database) {
     Recordset set = database.of_plan(QLatin1String(table::kAsl), name);
-    const ImportRow fields{{QStringLiteral("dati"), satellite.data}};
+    const ImportedRow fields{{QStringLiteral("dati"), satellite.data}};
     if (!replaces) {
         add(set, name, fields);
         return;
@@ -85,7 +86,7 @@ void bring(Items& items, const char* table, Database& database, Write write) {
     QStringList reserved;
     for (const auto& item : items) reserved += item.name;
     for (auto& item : items) {
-        Transaction transaction(database.connection());
+        DatabaseTransaction transaction(database.connection());
         Arrival arrival{};
         QString name;
         const QStringList present = names_in_table(database, table);

@@ -171,9 +171,9 @@ class Importer {
 
     /// The fields of `row` that are set, in the form of `table`; `told` makes the first parts of a
     /// remark on one of them.
-    ImportRow fields_of(const char* table, const OldRow& row, const Bilingual& changed,
-                        const QStringList& told) {
-        ImportRow fields;
+    ImportedRow fields_of(const char* table, const OldRow& row, const Bilingual& changed,
+                          const QStringList& told) {
+        ImportedRow fields;
         for (const Field& field : table_named(QLatin1String(table)).fields) {
             const QString name = QString::fromLatin1(field.name);
             if (name == kNameField) continue;
@@ -215,7 +215,7 @@ class Importer {
         if (!configured_[names_.indexOf(plan.name)])
             plan_.corrected += {kNoConfiguration, {plan.name}};
         if (plan.programs.isEmpty()) {
-            plan.programs += ImportRow();
+            plan.programs += ImportedRow();
             plan_.corrected += {kNoProgram, {plan.name}};
         }
         for (const QString& field : {kNumberField, kPositionField}) tell_twins(plan, field);
@@ -223,7 +223,7 @@ class Importer {
 
     void tell_twins(const ImportedPlan& plan, const QString& field) {
         QStringList seen;
-        for (const ImportRow& program : plan.programs) {
+        for (const ImportedRow& program : plan.programs) {
             const QString value = program.value(field).toString();
             if (!value.isEmpty() && seen.count(value) == 1)
                 plan_.to_check += {kTwice, {plan.name, field, value}};

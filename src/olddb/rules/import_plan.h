@@ -13,7 +13,7 @@
 namespace m47 {
 
 /// A row for the present database: its set fields by name.
-using ImportRow = QMap<QString, QVariant>;
+using ImportedRow = QMap<QString, QVariant>;
 
 /// What becomes of a plan or satellite whose name the present database has already.
 enum class ClashChoice {
@@ -35,8 +35,8 @@ struct ImportItem {
 };
 
 struct ImportedPlan : ImportItem {
-    ImportRow configuration;    ///< without `nome`, as the programs
-    QList<ImportRow> programs;  ///< at least one
+    ImportedRow configuration;    ///< without `nome`, as the programs
+    QList<ImportedRow> programs;  ///< at least one
 };
 
 struct ImportedSatellite : ImportItem {

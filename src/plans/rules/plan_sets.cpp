@@ -3,9 +3,9 @@
 
 #include <utility>
 
+#include "database_transaction.h"
 #include "program_checks.h"
 #include "tables.h"
-#include "transaction.h"
 
 namespace m47 {
 namespace {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "transaction.h"
+#include "database_transaction.h"
 
 #include <QSqlQuery>
 
@@ -12,6 +12,7 @@ DatabaseTransaction::DatabaseTransaction(const QSqlDatabase& database) : databas
 }
 
 DatabaseTransaction::~DatabaseTransaction() {
+    // The engine may have undone it by itself already: nothing to tell anybody then.
     if (open_) QSqlQuery(QStringLiteral("ROLLBACK"), database_);
 }
 
