@@ -167,8 +167,8 @@ void ProgramSet::connect_menu() {
 }
 
 void ProgramSet::fill_keys() {
-    const auto add = [this](QAction* key, std::function<void()> action) {
-        keys_.insert(key->objectName(), std::move(action));
+    const auto add = [this](const QAction* key, const std::function<void()>& action) {
+        keys_.insert(key->objectName(), action);
     };
     add(ui_->previous, [this] { move_plan(sets_.previous_plan()); });
     add(ui_->next, [this] { move_plan(sets_.next_plan()); });
