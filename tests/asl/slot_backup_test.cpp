@@ -199,9 +199,39 @@ class SlotBackupTest : public QObject {
         QVERIFY(!f().user.plan[4].now);
         QCOMPARE(fate(f().user.plan, 4), SlotFate::written);
         QCOMPARE(f().commands().size(), 2 + 7 + 2);
-        QVERIFY(f().user.take_seen().last().startsWith(QLatin1String("information|")));
+        const QStringList seen = f().user.take_seen();
+        QCOMPARE(seen.value(1),
+                 QStringLiteral("ok/cancel|AutomaticSatelliteLocation|These slots did not arrive "
+                                "whole from the M47 and cannot be kept: 04. Overwrite them?"));
+        QVERIFY(seen.last().startsWith(QLatin1String("information|")));
         const QString kept = file(saved_before().value(0).toLatin1().constData());
         QCOMPARE(parse_slots(QString::fromLatin1(content(kept)))[4].has_value(), false);
+    }
+
+    void a_slot_that_cannot_be_kept_is_not_overwritten_unasked() {
+        save();
+        break_slot(4);
+        f().user.says_ok = false;
+        f().backup->cmdrestoreall_Click();
+        QCOMPARE(f().commands(), QStringList({"ASLNAME?", "MASTERCOPY 6?"}));
+        QCOMPARE(saved_before(), QStringList());
+        QCOMPARE(f().user.take_seen().size(), 2);
+    }
+
+    void a_name_that_the_meter_fills_up_otherwise_is_the_same() {
+        save();
+        // The file fills the name of slot 1 up with NULs, the meter with blanks.
+        SlotTable table = parse_slots(QString::fromLatin1(content(file("sat.s19"))));
+        QByteArray name("BOREAL");
+        name.append(4, '\0');
+        table[1] = SlotBlock::of(table[1]->tuning(), QString::fromLatin1(name));
+        write(file("sat.s19"), slots_text(table, QStringLiteral("\r\n")).toLatin1());
+        f().backup->cmdrestoreall_Click();
+        QCOMPARE(fate(f().user.plan, 1), SlotFate::written);
+        QCOMPARE(QString::fromStdString(f().instrument->state().satellites.at(1).name).trimmed(),
+                 QStringLiteral("BOREAL"));
+        QVERIFY2(f().user.seen.last().startsWith(QLatin1String("information|")),
+                 qPrintable(f().user.seen.last()));
     }
 
     void what_does_not_come_back_is_named() {

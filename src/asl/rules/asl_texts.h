@@ -21,6 +21,10 @@ inline constexpr Bilingual kNothingRead{
 inline constexpr Bilingual kSaveWithoutDamaged{
     "These slots did not arrive whole from the M47: %1. Save the others?",
     "Queste posizioni non sono arrivate complete dal M47: %1. Salvare le altre?"};
+inline constexpr Bilingual kOverwriteUnread{
+    "These slots did not arrive whole from the M47 and cannot be kept: %1. Overwrite them?",
+    "Queste posizioni non sono arrivate complete dal M47 e non si possono conservare: %1. "
+    "Sovrascriverle?"};
 inline constexpr Bilingual kSaved{"%1 slots saved in %2.", "%1 posizioni salvate in %2."};
 inline constexpr Bilingual kCannotWrite{"Cannot write %1: %2. Nothing was changed in the M47.",
                                         "Impossibile scrivere %1: %2. Nulla è cambiato nel M47."};

@@ -4,6 +4,19 @@
 #include <algorithm>
 
 namespace m47 {
+namespace {
+
+bool changes(const SlotPlan& one) {
+    return one.fate == SlotFate::written || one.fate == SlotFate::emptied;
+}
+
+/// The meter writes a name that it is told by command in its own way: what fills it up is not
+/// part of it.
+bool same_satellite(const SlotBlock& one, const SlotBlock& other) {
+    return one.tuning() == other.tuning() && one.name() == other.name();
+}
+
+}  // namespace
 
 RestorePlan restore_plan(const SlotTable& now, const SlotTable& file) {
     RestorePlan plan;
@@ -22,16 +35,22 @@ RestorePlan restore_plan(const SlotTable& now, const SlotTable& file) {
 }
 
 bool changes_any(const RestorePlan& plan) {
-    return std::any_of(plan.begin(), plan.end(), [](const SlotPlan& one) {
-        return one.fate == SlotFate::written || one.fate == SlotFate::emptied;
-    });
+    return std::any_of(plan.begin(), plan.end(), changes);
+}
+
+QList<int> overwritten_unread(const RestorePlan& plan) {
+    QList<int> unread;
+    for (std::size_t slot = 0; slot < plan.size(); ++slot)
+        if (changes(plan[slot]) && !plan[slot].now) unread += static_cast<int>(slot);
+    return unread;
 }
 
 QList<int> slots_that_differ(const RestorePlan& plan, const SlotTable& now) {
     QList<int> differing;
     for (std::size_t slot = 0; slot < plan.size(); ++slot) {
         const auto& wanted = plan[slot].file ? plan[slot].file : plan[slot].now;
-        if (wanted && now[slot] != wanted) differing += static_cast<int>(slot);
+        if (wanted && !(now[slot] && same_satellite(*now[slot], *wanted)))
+            differing += static_cast<int>(slot);
     }
     return differing;
 }

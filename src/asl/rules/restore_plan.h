@@ -31,6 +31,9 @@ RestorePlan restore_plan(const SlotTable& now, const SlotTable& file);
 /// True when `plan` changes any slot.
 bool changes_any(const RestorePlan& plan);
 
+/// The slots that `plan` changes although nobody knows what they hold now.
+QList<int> overwritten_unread(const RestorePlan& plan);
+
 /// The slots that do not hold what `plan` was to bring about, `now` being what the meter holds
 /// after it. A slot that was left alone must hold what it held before.
 QList<int> slots_that_differ(const RestorePlan& plan, const SlotTable& now);

@@ -49,6 +49,7 @@ void SatelliteLists::visualizza_listastr(Modo modo, const QString& quale) {
         program_.master_copy = patched_copy(program_.master_copy, quale);
         return;
     }
+    // An answer to something else must not become slots.
     const bool copied = link_.send(command::kCopySlots);
     program_.master_copy = copied ? link_.reply_text : QString();
 }

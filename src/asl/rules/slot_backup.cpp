@@ -39,7 +39,7 @@ void SlotBackup::cmdsaveall_Click() {
     if (path.isEmpty() || !read_meter()) return;
     const SlotTable table = present_slots();
     const QList<int> damaged = missing_slots(table);
-    if (!agree_to_damage(damaged) || !save(path, table)) return;
+    if (!agree_to_damage(damaged, asl_text::kSaveWithoutDamaged) || !save(path, table)) return;
     questions_.inform(
         QString::fromLatin1(asl_text::kTitle),
         program_.texts.pick(asl_text::kSaved)
@@ -57,6 +57,7 @@ void SlotBackup::cmdrestoreall_Click() {
     if (!read_meter()) return;
     const RestorePlan plan = restore_plan(present_slots(), file);
     if (!questions_.preview(plan) || !changes_any(plan)) return;
+    if (!agree_to_damage(overwritten_unread(plan), asl_text::kOverwriteUnread)) return;
     const QString before = name_beside(path);
     if (!save(before, present_slots())) return;
     restore(plan);
@@ -82,11 +83,10 @@ bool SlotBackup::read_meter() {
     return read;
 }
 
-bool SlotBackup::agree_to_damage(const QList<int>& damaged) {
+bool SlotBackup::agree_to_damage(const QList<int>& damaged, const Bilingual& question) {
     return damaged.isEmpty() ||
-           questions_.confirm(
-               QString::fromLatin1(asl_text::kTitle),
-               program_.texts.pick(asl_text::kSaveWithoutDamaged).arg(slot_list(damaged)));
+           questions_.confirm(QString::fromLatin1(asl_text::kTitle),
+                              program_.texts.pick(question).arg(slot_list(damaged)));
 }
 
 /// Whole or not at all; false, with a message, when it cannot be written.

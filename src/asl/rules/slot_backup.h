@@ -26,7 +26,7 @@ class SlotBackup {
 
   private:
     bool read_meter();
-    bool agree_to_damage(const QList<int>& damaged);
+    bool agree_to_damage(const QList<int>& damaged, const Bilingual& question);
     bool save(const QString& path, const SlotTable& table);
     SlotTable slots_in_file(const QString& path);
     QString name_beside(const QString& path) const;

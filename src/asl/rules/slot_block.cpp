@@ -13,6 +13,13 @@ namespace {
 constexpr qsizetype kRecordBytes = 16;
 const QString kEndRecord = QStringLiteral("S9030000FC");
 
+/// A name without the blanks or NULs that fill it up.
+QString without_filling(const QString& name) {
+    qsizetype length = name.size();
+    while (length > 0 && (name[length - 1] == u'\0' || name[length - 1] == u' ')) --length;
+    return without_blanks(name.left(length));
+}
+
 /// A data record: the bytes of the slot from `address` on.
 QString data_record(const QByteArray& bytes, qsizetype address) {
     const qsizetype length = std::min(kRecordBytes, bytes.size() - address);
@@ -80,9 +87,7 @@ QString SlotBlock::text() const {
 }
 
 QString SlotBlock::name() const {
-    QByteArray name = bytes_.mid(kTuningBytes);
-    while (name.endsWith('\0') || name.endsWith(' ')) name.chop(1);
-    return without_blanks(QString::fromLatin1(name));
+    return without_filling(QString::fromLatin1(bytes_.mid(kTuningBytes)));
 }
 
 SlotBlock SlotBlock::renamed(const QString& name) const {
@@ -152,7 +157,7 @@ QStringList slot_names(const QString& answer) {
         const qsizetype tab = last ? line.lastIndexOf(u'\t') : line.indexOf(u'\t');
         // The place in the list is the slot: a line without a name ends the list.
         if (tab < 0) break;
-        names += without_blanks(line.mid(tab + 1));
+        names += without_filling(line.mid(tab + 1));
         rest = last ? QString() : rest.mid(end + 1);
     }
     return names;

@@ -43,9 +43,10 @@ void LoggerData::visualizza(const QByteArray& answer) {
 }
 
 bool LoggerData::show_file(const QString& path) {
-    const auto content = read_file(path);
-    if (content) text_ = with_line_ends(*content);
-    return content.has_value();
+    QByteArray content;
+    const bool whole = read_file(path, content);
+    text_ = with_line_ends(content);
+    return whole;
 }
 
 void LoggerData::open(const QString& path) {

@@ -47,13 +47,12 @@ QByteArray with_line_ends(const QByteArray& content) {
     return text;
 }
 
-std::optional<QByteArray> read_file(const QString& path) {
+bool read_file(const QString& path, QByteArray& content) {
     QFile file(path);
-    if (!plain_file_or_none(path) || !file.open(QIODevice::ReadOnly)) return {};
-    if (file.size() > kLongestFile) return {};
-    QByteArray content = file.readAll();
-    if (file.error() != QFileDevice::NoError) return {};
-    return content;
+    if (!plain_file_or_none(path) || !file.open(QIODevice::ReadOnly)) return false;
+    if (file.size() > kLongestFile) return false;
+    content = file.readAll();
+    return file.error() == QFileDevice::NoError;
 }
 
 bool write_file(const QString& path, const QByteArray& content) {

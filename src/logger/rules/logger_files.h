@@ -22,9 +22,10 @@ NameFault temporary_name_fault(const QString& name);
 /// its end counts as one.
 QByteArray with_line_ends(const QByteArray& content);
 
-/// The bytes of a plain file. Nothing when it cannot be read, is no plain file (a pipe would be
-/// waited for) or is longer than 64 MiB, which no logger holds.
-std::optional<QByteArray> read_file(const QString& path);
+/// The bytes of a plain file into `content`. False when it cannot be read, is no plain file (a pipe
+/// would be waited for) or is longer than 64 MiB, which no logger holds; what could be read before
+/// an error is in `content` all the same.
+bool read_file(const QString& path, QByteArray& content);
 
 /// Creates or overwrites a file with `content` and one line end. False when it could not be
 /// written completely; what is on the disk then is not to be relied on.
