@@ -5,6 +5,7 @@
 #include <QHeaderView>
 
 #include "asl_texts.h"
+#include "dialog_buttons.h"
 #include "ui_compare_view.h"
 
 namespace m47 {
@@ -26,6 +27,9 @@ CompareView::CompareView(const QList<Comparable>& entries, int left, int right, 
     : QDialog(parent), entries_(entries), texts_(texts), ui_(std::make_unique<Ui::CompareView>()) {
     ui_->setupUi(this);
     setWindowTitle(texts.pick(asl_text::kCompareTitle));
+    name_buttons(ui_->compare_buttons, texts);
+    // Wide enough for both columns of bytes at once.
+    ui_->compare_table->setSizeAdjustPolicy(QAbstractScrollArea::AdjustToContents);
     ui_->compare_table->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     ui_->compare_table->setColumnCount(kColumns);
     for (QComboBox* box : {ui_->compare_left, ui_->compare_right}) {

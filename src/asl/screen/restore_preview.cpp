@@ -5,6 +5,7 @@
 #include <QPushButton>
 
 #include "asl_texts.h"
+#include "dialog_buttons.h"
 #include "numbers.h"
 #include "ui_restore_preview.h"
 
@@ -40,6 +41,7 @@ RestorePreview::RestorePreview(const RestorePlan& plan, const Texts& texts, QWid
     ui_->setupUi(this);
     setWindowTitle(texts.pick(asl_text::kPreviewTitle));
     fill(plan, texts);
+    name_buttons(ui_->preview_buttons, texts);
     auto* restore = ui_->preview_buttons->button(QDialogButtonBox::Ok);
     restore->setText(texts.pick(asl_text::kRestoreButton));
     restore->setEnabled(changes_any(plan));

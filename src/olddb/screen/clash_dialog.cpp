@@ -4,6 +4,7 @@
 #include <QHeaderView>
 #include <QPushButton>
 
+#include "dialog_buttons.h"
 #include "key_filter.h"
 #include "ui_clash_dialog.h"
 
@@ -18,7 +19,6 @@ constexpr Bilingual kDialogTitle{"Import old database", "Importa vecchio databas
 constexpr Bilingual kPlan{"Plan %1", "Piano %1"};
 constexpr Bilingual kSatellite{"Satellite %1", "Satellite %1"};
 constexpr Bilingual kImport{"&Import", "&Importa"};
-constexpr Bilingual kCancel{"Cancel", "Annulla"};
 constexpr Bilingual kName{"Name", "Nome"};
 constexpr Bilingual kFate{"Choice", "Scelta"};
 
@@ -39,7 +39,7 @@ ClashDialog::ClashDialog(ImportPlan& plan, const Texts& texts, QWidget* parent)
     ui_->for_all_label->setText(texts.pick(kForAll));
     ui_->clashes->setHorizontalHeaderLabels({texts.pick(kName), texts.pick(kFate)});
     ui_->buttons->button(QDialogButtonBox::Ok)->setText(texts.pick(kImport));
-    ui_->buttons->button(QDialogButtonBox::Cancel)->setText(texts.pick(kCancel));
+    name_buttons(ui_->buttons, texts);
     for (ImportedPlan& one : plan.plans)
         if (one.clashes) add_row(one, kPlan);
     for (ImportedSatellite& one : plan.satellites)
