@@ -16,6 +16,7 @@
 #include "old_reader.h"
 #include "program.h"
 #include "unattended.h"
+#include "work_folder.h"
 
 namespace m47 {
 namespace {
@@ -103,12 +104,12 @@ int run_with_options(int argc, char** argv, const Options& options) {
     GuardedApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("m47-remote"));
     QApplication::setApplicationVersion(QStringLiteral(M47_VERSION));
-    QApplication::setDesktopFileName(QStringLiteral("m47-remote"));
+    QApplication::setDesktopFileName(QStringLiteral(M47_APP_ID));
     ProgramState state;
     // What an unattended run says goes to a log, not to a screen.
     state.texts.language = options.unattended() ? kEnglish : kItalian;
-    if (!options.directory.isEmpty() && !QDir::setCurrent(options.directory)) {
-        tell(state.texts.pick(kNoFolder).arg(options.directory), options);
+    if (!enter_folder(options)) {
+        tell(state.texts.pick(kNoFolder).arg(asked_folder(options)), options);
         return options.unattended() ? kDatabase : 1;
     }
     state.base_dir = folder_with_separator(QDir::currentPath());

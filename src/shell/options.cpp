@@ -25,6 +25,9 @@ void add_options(QCommandLineParser& parser) {
         {{"v", "version"}, "Show the version and end."},
         {"directory",
          "Work in DIR instead of the current directory; other relative names start there.", "DIR"},
+        {"user-data",
+         "Work in $XDG_DATA_HOME/m47-remote (~/.local/share/m47-remote), which is made where it "
+         "does not exist."},
         {"port", "The device behind port number N (1 to 10); repeatable.", "N=DEVICE"},
         {"create-database", "First create the database file where it does not exist."},
         {"on-port", "Connect to the meter on port number N at start.", "N"},
@@ -207,6 +210,7 @@ Options parse_options(const QStringList& arguments) {
         return wrong(QStringLiteral("unexpected argument \"%1\"")
                          .arg(parser.positionalArguments().constFirst()));
     options.directory = parser.value(QStringLiteral("directory"));
+    options.user_data = parser.isSet(QStringLiteral("user-data"));
     options.create_database = parser.isSet(QStringLiteral("create-database"));
     options.open = parser.value(QStringLiteral("open"));
     options.measure = parser.isSet(QStringLiteral("measure"));
@@ -218,6 +222,8 @@ Options parse_options(const QStringList& arguments) {
     options.screenshot = parser.value(QStringLiteral("screenshot"));
     options.import_database = parser.value(QStringLiteral("import-database"));
     QString error = read_values(parser, options);
+    if (error.isEmpty() && options.user_data && parser.isSet(QStringLiteral("directory")))
+        error = QStringLiteral("--directory and --user-data exclude each other");
     if (error.isEmpty()) error = check_combination(parser, options);
     if (error.isEmpty()) error = check_import(parser);
     return error.isEmpty() ? options : wrong(error);

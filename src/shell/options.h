@@ -22,6 +22,7 @@ struct Options {
     Action action = Action::run;
     QString error;  ///< one line, when the action is wrong
     QString directory;
+    bool user_data = false;  ///< work in the user's data folder
     QStringList ports;  ///< "N=DEVICE"
     bool create_database = false;
     int on_port = 0;  ///< port to identify at start, 0 for none

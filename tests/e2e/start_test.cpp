@@ -25,6 +25,10 @@ class StartTest : public QObject {
     void relative_directory();
     void directory_of_another_place();
     void missing_directory();
+    void user_data_folder_data();
+    void user_data_folder();
+    void user_data_folder_that_cannot_be();
+    void desktop_entry();
     void unusable_database_data();
     void unusable_database();
     void missing_database_of_the_windows();
@@ -59,6 +63,7 @@ void StartTest::wrong_usage_data() {
         row(name, EmptyStand::measuring(options), named);
     };
     row("unknown option", {"--bogus"}, "bogus");
+    row("two folders", {"--directory", ".", "--user-data"}, "--user-data");
     row("unknown letter", {"-x"}, "x");
     measuring("unknown option of a measurement", {"--bogus"}, "bogus");
     row("argument too many", {"meter.mdb"}, "meter.mdb");
@@ -235,6 +240,70 @@ void StartTest::missing_directory() {
         QCOMPARE(ending.err.count('\n'), 1);
         QVERIFY2(ending.err.contains(folder), ending.err.constData());
     }
+    QVERIFY(stand.files().isEmpty());
+}
+
+void StartTest::user_data_folder_data() {
+    QTest::addColumn<QString>("data_home");  // below the stand's folder where it is absolute
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("named") << QString("/new/data") << QString("new/data/m47-remote");
+    QTest::newRow("not named") << QString() << QString("home/.local/share/m47-remote");
+    QTest::newRow("relative") << QString("data") << QString("home/.local/share/m47-remote");
+}
+
+void StartTest::user_data_folder() {
+    QFETCH(QString, data_home);
+    QFETCH(QString, expected);
+    EmptyStand stand;
+    if (data_home.startsWith('/')) data_home.prepend(stand.folder.path());
+    stand.remote.environment.insert("HOME", stand.folder.filePath("home"));
+    stand.remote.environment.insert("XDG_DATA_HOME", data_home);
+    const QString folder = stand.folder.filePath(expected);
+    const QString database = folder + '/' + kDatabase;
+
+    QCOMPARE(stand.remote.run(stand.measuring({"--user-data"})).status, 4);
+    QVERIFY2(!QFile::exists(database), "a database that nobody asked for");
+    const auto run = [&] {
+        return stand.remote.run(stand.measuring({"--user-data", "--create-database"})).status;
+    };
+    QCOMPARE(run(), 3);
+    QCOMPARE(QDir(folder).entryList(QDir::Files), QStringList(kDatabase));
+    const auto others = QFile::ReadGroup | QFile::ExeGroup | QFile::ReadOther | QFile::ExeOther;
+    QVERIFY2(!(QFileInfo(folder).permissions() & others), "others can look into the folder");
+    const QByteArray content = content_of(database);
+    QCOMPARE(run(), 3);
+    QVERIFY2(content_of(database) == content, "the database was made anew");
+    QVERIFY2(stand.files().isEmpty(), "something was left in the current folder");
+}
+
+void StartTest::user_data_folder_that_cannot_be() {
+    EmptyStand stand;
+    stand.remote.environment.insert("XDG_DATA_HOME", "/dev/null/data");
+    const Ending ending = stand.remote.run(stand.measuring({"--user-data", "--create-database"}));
+    QCOMPARE(ending.status, 4);
+    QCOMPARE(ending.out, QByteArray());
+    QCOMPARE(ending.err,
+             QByteArray("m47-remote: Cannot work in the folder /dev/null/data/m47-remote.\n"));
+    QVERIFY(stand.files().isEmpty());
+}
+
+/// What a click on the program's icon runs, on a machine that has never seen it.
+void StartTest::desktop_entry() {
+    static const QRegularExpression kExec("^Exec=m47-remote (.*)$",
+                                          QRegularExpression::MultilineOption);
+    const auto exec = kExec.match(QString::fromUtf8(content_of(DESKTOP_ENTRY)));
+    QVERIFY(exec.hasMatch());
+    EmptyStand stand;
+    stand.remote.environment.insert("QT_QPA_PLATFORM", "offscreen");
+    stand.remote.environment.insert("XDG_DATA_HOME", stand.folder.filePath("data"));
+    stand.remote.start(exec.captured(1).split(' '));
+    const QString database = stand.folder.filePath("data/m47-remote/" + kDatabase);
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(database), 60000);
+    QTest::qWait(500);
+    QCOMPARE(stand.remote.process().state(), QProcess::Running);
+    stand.remote.kill_now();
+    const QByteArray messages = stand.remote.wait().err;
+    QVERIFY2(!messages.contains("m47-remote: "), messages.constData());
     QVERIFY(stand.files().isEmpty());
 }
 

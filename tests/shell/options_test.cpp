@@ -12,6 +12,7 @@ class OptionsTest : public QObject {
   private Q_SLOTS:
     void nothing();
     void window_options();
+    void user_data();
     void measurement_options();
     void plan_options();
     void value_behind_an_equals_sign();
@@ -43,6 +44,7 @@ void OptionsTest::nothing() {
     QCOMPARE(options.action, Action::run);
     QCOMPARE(options.error, QString());
     QCOMPARE(options.directory, QString());
+    QVERIFY(!options.user_data);
     QCOMPARE(options.ports, QStringList());
     QVERIFY(!options.create_database);
     QCOMPARE(options.on_port, 0);
@@ -62,6 +64,14 @@ void OptionsTest::window_options() {
     QCOMPARE(options.ports, QStringList("10=/dev/ttyUSB0"));
     QCOMPARE(options.open, QString("setport"));
     QVERIFY(!options.measure);
+}
+
+void OptionsTest::user_data() {
+    const Options options = parse_options({"--user-data", "--create-database"});
+    QCOMPARE(options.action, Action::run);
+    QVERIFY(options.user_data);
+    QVERIFY(options.create_database);
+    QCOMPARE(options.directory, QString());
 }
 
 void OptionsTest::measurement_options() {
@@ -208,6 +218,7 @@ void OptionsTest::wrong_data() {
     row("argument", {"--", "--measure"}, "--measure");
     row("missing value", {"--directory"}, "directory");
     row("value too many", {"--create-database=1"}, "create-database");
+    row("two folders", {"--user-data", "--directory", "."}, "--user-data");
     row("measurement without port", {"--measure"}, "--on-port");
     row("two modes", measuring({"--digital", "--analog"}), "--analog");
     row("screen in a measurement", measuring({"--open", "realtime"}), "--open");
@@ -267,7 +278,7 @@ void OptionsTest::help_names_every_option() {
           "--on-port",   "--open",       "--measure",     "--analog", "--digital",
           "--freq",      "--bandwidth",  "--symbol-rate", "--alarm",  "--count",
           "--log",       "--screenshot", "--plan",        "--passes", "--every",
-          "--full-tune", "--reconnect"})
+          "--full-tune", "--reconnect",  "--user-data"})
         QVERIFY2(help.contains(QLatin1String(name)), name);
 }
 
