@@ -23,7 +23,7 @@ struct Options {
     QString error;  ///< one line, when the action is wrong
     QString directory;
     bool user_data = false;  ///< work in the user's data folder
-    QStringList ports;  ///< "N=DEVICE"
+    QStringList ports;       ///< "N=DEVICE"
     bool create_database = false;
     int on_port = 0;  ///< port to identify at start, 0 for none
     QString open;     ///< toolbar key of a screen to open at start
