@@ -12,6 +12,8 @@ namespace {
 constexpr Tooltip kMenuTips[] = {
     {"cmdimportdb", "Bring plans and satellites from an old database",
      "Importa piani e satelliti da un vecchio database"},
+    {"cmdmanual", "Open the manual at the page of this screen",
+     "Apre il manuale alla pagina di questa schermata"},
 };
 
 }  // namespace
@@ -39,12 +41,13 @@ M47MDI::M47MDI(ProgramState& program, QWidget* parent)
        [this] { cmditaliano_Click(); });
     connect(ui_->cmdreconnect, &QAction::triggered, this, &M47MDI::reconnect_asked);
     connect(ui_->cmdimportdb, &QAction::triggered, this, &M47MDI::import_asked);
+    connect(ui_->cmdmanual, &QAction::triggered, this, &M47MDI::manual_asked);
     connect(ui_->cmdexit, &QAction::triggered, this, &QWidget::close);
     connect(ui_->screens, &QMdiArea::subWindowActivated, this, &M47MDI::screen_activated);
     ui_->cmdinglese->setChecked(true);
     cmditaliano_Click();
     set_tooltips(this, kMenuTips, program_.texts);
-    ui_->cmdimportdb->setStatusTip(ui_->cmdimportdb->toolTip());
+    for (QAction* entry : {ui_->cmdimportdb, ui_->cmdmanual}) entry->setStatusTip(entry->toolTip());
 }
 
 M47MDI::~M47MDI() {
@@ -94,6 +97,10 @@ QString M47MDI::key_of(const QMdiSubWindow* view) const {
     for (auto it = views_.cbegin(); it != views_.cend(); ++it)
         if (it.value() == view) return it.key();
     return {};
+}
+
+QString M47MDI::front_key() const {
+    return key_of(ui_->screens->activeSubWindow());
 }
 
 void M47MDI::screen_activated(QMdiSubWindow* view) {

@@ -45,6 +45,9 @@ class M47MDI : public QMainWindow, public MainWindowView {
     /// The screen of `key` where it is open, else nullptr.
     QWidget* screen_of(const QString& key) const;
 
+    /// The key of the screen in front, empty where none is open.
+    QString front_key() const;
+
     /// Progress of a plan pass in the status line; empty clears it.
     void show_progress(const QString& text);
     /// Progress and outcome of an upload in the same place, with what went wrong as its tooltip.
@@ -65,6 +68,8 @@ class M47MDI : public QMainWindow, public MainWindowView {
     void reconnect_asked();
     /// The menu entry "&Import old database…".
     void import_asked();
+    /// The menu entry "&Manual", F1.
+    void manual_asked();
 
   private:
     void screen_activated(QMdiSubWindow* view);

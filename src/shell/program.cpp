@@ -1,16 +1,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "program.h"
 
+#include <QCoreApplication>
+#include <QDesktopServices>
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QMdiSubWindow>
+#include <QMessageBox>
 #include <QScreen>
+#include <QUrl>
 #include <chrono>
 
 #include "asl.h"
 #include "config_set.h"
 #include "download.h"
 #include "handler.h"
+#include "manual_page.h"
 #include "port_diagnosis.h"
 #include "port_setting.h"
 #include "program_set.h"
@@ -25,6 +30,10 @@ constexpr std::chrono::seconds kDeviceWatchInterval{1};
 constexpr Bilingual kDeviceIsBack{
     "The device %1 is there again: \"Reconnect\" in the menu connects it.",
     "Il dispositivo %1 è di nuovo presente: \"Reconnect\" nel menu lo collega."};
+
+constexpr Bilingual kManualTitle{"Manual", "Manuale"};
+constexpr Bilingual kNoReader{"No program of this computer opens %1.",
+                              "Nessun programma di questo computer apre %1."};
 
 /// The child view that holds `screen` closes with it.
 template <class Screen>
@@ -59,6 +68,7 @@ Program::Program(ProgramState& state, std::unique_ptr<Database> database, PortLi
     watch_timer_.start(kDeviceWatchInterval);
     on(&window_, &M47MDI::import_asked, &window_, "cmdimportdb_Click",
        [this] { import_.cmdimportdb_Click(); });
+    on(&window_, &M47MDI::manual_asked, &window_, "cmdmanual_Click", [this] { cmdmanual_Click(); });
     window_.resize(kWindowSize.boundedTo(QGuiApplication::primaryScreen()->availableSize()));
 }
 
@@ -83,6 +93,19 @@ bool Program::reconnect() {
 void Program::watch_device() {
     if (identification_.device().isEmpty() || link_.port_connected) return;
     if (watch_.look(QFileInfo::exists(identification_.device()))) window_.status().show_reason();
+}
+
+void Program::cmdmanual_Click() {
+    open_manual(manual_folders(QCoreApplication::applicationDirPath()));
+}
+
+void Program::open_manual(const QStringList& folders) {
+    const QString page =
+        find_manual_page(folders, manual_page_name(window_.front_key()), state_.texts);
+    if (!page.isEmpty() && QDesktopServices::openUrl(QUrl::fromLocalFile(page))) return;
+    QMessageBox::warning(&window_, state_.texts.pick(kManualTitle),
+                         page.isEmpty() ? manual_missing_text(folders, state_.texts)
+                                        : state_.texts.pick(kNoReader).arg(page));
 }
 
 Realtime* Program::make_realtime(QWidget* parent) {

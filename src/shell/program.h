@@ -40,6 +40,11 @@ class Program {
     /// Identifies the meter behind the device picked last again. True when it answers.
     bool reconnect();
 
+    void cmdmanual_Click();
+    /// Opens the manual at the page of the screen in front, from the first of `folders` that has
+    /// it; one message where none has.
+    void open_manual(const QStringList& folders);
+
     /// A real-time screen, neither loaded nor shown; `parent` owns it.
     Realtime* make_realtime(QWidget* parent);
 

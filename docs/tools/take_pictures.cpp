@@ -1,0 +1,341 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Takes the manual's pictures: the real program, clicked at as a technician does, against the
+// simulated meter on a pseudo-terminal. The folder that is named holds a folder for each language.
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDir>
+#include <QFile>
+#include <QHash>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMdiSubWindow>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTabWidget>
+#include <QTest>
+#include <algorithm>
+#include <utility>
+
+#include "box_answers.h"
+#include "diseqc_commands.h"
+#include "process_support.h"
+#include "program.h"
+#include "realtime.h"
+
+namespace m47 {
+namespace {
+
+constexpr QSize kWindow(980, 680);
+constexpr QSize kSmallWindow(720, 400);
+constexpr QSize kTrendWindow(1000, 1000);
+constexpr QSize kTrendScreen(900, 850);
+
+struct SampleProgram {
+    const char* number;
+    double mhz;
+    bool digital;
+    const char* position;
+};
+// Carriers of the simulated sky.
+constexpr SampleProgram kPrograms[] = {
+    {"001", 1000, true, "00"}, {"002", 1041.5, true, "01"}, {"003", 1190, false, "02"}};
+constexpr int kPasses = 4;
+
+// As the tables of transponders that come with DVB tools.
+constexpr const char* kScanTable =
+    "S 10719000 V 27500000 5/6\nS 10775000 H 28000000 3/4\nS 11240000 V 27500000 3/4\n"
+    "S 11727000 H 27500000 3/4\nS 12015000 H 27500000 3/4\nS 12731000 V 27500000 3/4\n"
+    "S 13000000 V 27500000 3/4\n";
+
+/// The picture with no more than 256 colours, which a screen hardly exceeds: a third of the bytes.
+QImage with_few_colours(const QImage& picture) {
+    QHash<QRgb, int> counts;
+    for (int y = 0; y < picture.height(); ++y)
+        for (int x = 0; x < picture.width(); ++x) ++counts[picture.pixel(x, y)];
+    QList<QRgb> colours = counts.keys();
+    std::ranges::sort(
+        colours, [&](QRgb a, QRgb b) { return std::pair(counts[b], b) < std::pair(counts[a], a); });
+    return picture.convertToFormat(QImage::Format_Indexed8, colours.mid(0, 256),
+                                   Qt::ThresholdDither | Qt::AvoidDither);
+}
+
+/// The program in one language with a meter of its own.
+class Pictures {
+  public:
+    Pictures(int language, const QString& folder) : language_(language), folder_(folder) {
+        meter_ = std::make_unique<MeterProcess>(work_.path(),
+                                                QStringList{"--baud-factor", "0", "--delay", "0"});
+        state_.base_dir = folder_with_separator(work_.path());
+        const QString path = state_.base_dir + QLatin1String(kDatabaseFile);
+        DatabaseError error{};
+        if (!Database::create(path, error)) qFatal("no database");
+        PortList ports;
+        ports.add(QStringLiteral("1=") + meter_->link());
+        // The line is quickest early in the morning.
+        const auto begin = std::chrono::steady_clock::now();
+        program_ = std::make_unique<Program>(state_, Database::open(path, error), ports, [begin] {
+            return std::chrono::hours(5) + (std::chrono::steady_clock::now() - begin);
+        });
+        program_->window().resize(kWindow);
+        program_->window().show();
+        if (!QTest::qWaitForWindowExposed(&program_->window())) qFatal("no window");
+    }
+
+    void take() {
+        connecting();
+        plans();
+        tuning();
+        measuring();
+        plan_run();
+        logger();
+        satellites();
+        open("configurazione");
+        click_action("logo");
+        save("logo", screen_->parentWidget());
+        lost();
+    }
+
+  private:
+    template <class Kind>
+    Kind* find(const char* name) {
+        QObject* in = screen_ ? screen_ : static_cast<QWidget*>(&program_->window());
+        auto* found = in->findChild<Kind*>(QString::fromLatin1(name));
+        if (!found) qFatal("no %s", name);
+        return found;
+    }
+    /// Shows the screen of `key` in place of the one before.
+    void open(const char* key) {
+        if (screen_) screen_->parentWidget()->close();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        program_->window().open_screen(QString::fromLatin1(key));
+        screen_ = program_->window().screen_of(QString::fromLatin1(key));
+        if (!screen_) qFatal("no screen %s", key);
+        screen_->parentWidget()->move(0, 0);
+    }
+    void save(const char* name, QWidget* widget) {
+        QTest::qWait(50);
+        const QString path = QStringLiteral("%1/%2.png").arg(folder_, QLatin1String(name));
+        if (!with_few_colours(widget->grab().toImage().convertToFormat(QImage::Format_RGB32))
+                 .save(path, "PNG", 0))
+            qFatal("cannot write %s", qPrintable(path));
+    }
+    void click_action(const char* name) { find<QAction>(name)->trigger(); }
+    void click(const char* name) { find<QAbstractButton>(name)->click(); }
+    void tick(std::initializer_list<const char*> names) {
+        for (const char* name : names) find<QCheckBox>(name)->setChecked(true);
+    }
+    void type(const char* name, const char* text) {
+        auto* box = find<QLineEdit>(name);
+        box->setFocus();
+        box->selectAll();
+        QTest::keyClicks(box, QString::fromLatin1(text));
+    }
+    void choose_file(const QString& path) {
+        boxes_.answer([path](QDialog* dialog) {
+            dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(path);
+            QMetaObject::invokeMethod(dialog, "accept");
+        });
+    }
+    /// Pictures the next box and closes it with `close`.
+    void picture_box(const char* name, const char* close) {
+        boxes_.answer([this, name, close](QDialog* dialog) {
+            save(name, dialog);
+            QMetaObject::invokeMethod(dialog, close);
+        });
+    }
+
+    void connecting();
+    void plans();
+    void tuning();
+    void measuring();
+    void plan_run();
+    void logger();
+    void satellites();
+    void lost();
+
+    int language_;
+    QString folder_;
+    QTemporaryDir work_{folder_template()};
+    BoxAnswers boxes_;
+    std::unique_ptr<MeterProcess> meter_;
+    ProgramState state_;
+    std::unique_ptr<Program> program_;
+    QWidget* screen_ = nullptr;
+};
+
+void Pictures::connecting() {
+    open("setport");
+    auto* porta = find<QComboBox>("porta");
+    porta->setCurrentIndex(0);
+    Q_EMIT porta->activated(0);
+    program_->window().resize(kSmallWindow);
+    save("connect", &program_->window());
+    program_->window().resize(kWindow);
+    screen_->parentWidget()->close();
+    screen_ = nullptr;
+    click_action(language_ == kItalian ? "cmditaliano" : "cmdinglese");
+}
+
+void Pictures::plans() {
+    Recordset& programs = program_->database().programmi();
+    programs.move_first();
+    programs.remove();
+    for (const SampleProgram& sample : kPrograms) {
+        programs.add_new();
+        programs.set("nome", "PLAN 1");
+        programs.set("pg_num", QString::fromLatin1(sample.number));
+        programs.set("frequenza", sample.mhz);
+        programs.set("loc_osc", 1);
+        programs.set("sat_ad", sample.digital ? 1 : 0);
+        programs.set("diseqc_cmd", kDiseqcNone);
+        programs.set("diseqc_cmd2", kDiseqcNone);
+        programs.set("monitor_state", 1);
+        programs.set("logger_state", 1);
+        programs.set("logger_pos", QString::fromLatin1(sample.position));
+        programs.set("lnb_volt", 1);
+        programs.set("lev_min", "45");
+        programs.set("lev_max", "80");
+        programs.set("mer_min", "8");
+        programs.set("mer_max", "25");
+        programs.set("chber_min", "1E-8");
+        programs.set("chber_max", "3E-2");
+        programs.set("satchbw", "36");
+        programs.set("qpsk_symbolrate", "27500");
+        programs.update();
+    }
+    open("program");
+    click_action("monitor");
+    save("plans", screen_->parentWidget());
+    boxes_.press(QMessageBox::Yes);
+    picture_box("upload-verify", "accept");
+    find<QAction>("cmdverify")->setChecked(true);
+    click_action("nuovo");
+    QFile table(work_.filePath("transponders"));
+    if (!table.open(QIODevice::WriteOnly) || table.write(kScanTable) < 0) qFatal("no scan table");
+    table.close();
+    choose_file(table.fileName());
+    picture_box("plans-import", "reject");
+    click_action("cmdimport");
+}
+
+void Pictures::tuning() {
+    open("realtime");
+    type("fsat", "1000");
+    QTest::keyClick(find<QLineEdit>("fsat"), Qt::Key_Return);
+    save("tune", &program_->window());
+    find<QWidget>("dsqopt_0")->setFocus();
+    click("dsqopt_0");
+    save("motor-switch", find<QWidget>("sat_opt"));
+    find<QWidget>("dsqopt_1")->setFocus();
+    click("dsqopt_1");
+    save("motor", screen_->parentWidget());
+}
+
+void Pictures::measuring() {
+    open("realtime");
+    click_action("qpsk");
+    tick({"meas_stated_0", "meas_stated_3", "meas_stated_5", "meas_stated_6", "alarm_stated_0",
+          "alarm_stated_2", "alarm_stated_3"});
+    type("lev_mind", "45");
+    type("lev_maxd", "80");
+    type("mer_mind", "8");
+    type("mer_maxd", "25");
+    find<QAction>("single_acq")->trigger();
+    type("mer_mind", "15");
+    find<QAction>("single_acq")->trigger();
+    save("measure", screen_->parentWidget());
+    save("alarms", find<QWidget>("digitalresults"));
+    click_action("analogico");
+}
+
+void Pictures::plan_run() {
+    click_action("cancella");
+    tick({"meas_statea_0", "alarm_statea_0"});
+    click_action("group");
+    auto* realtime = static_cast<Realtime*>(screen_);
+    for (int pass = 0; pass < kPasses; ++pass) {
+        click_action("multiple_acq");
+        if (!QTest::qWaitFor([&] { return !realtime->rules.state.plan_run_active; }, 60000))
+            qFatal("the pass does not end");
+    }
+    program_->window().resize(kTrendWindow);
+    const QSize size = screen_->parentWidget()->size();
+    screen_->parentWidget()->resize(kTrendScreen);
+    find<QTabWidget>("page_tabs")->setCurrentIndex(1);
+    save("trend", screen_->parentWidget());
+    find<QTabWidget>("page_tabs")->setCurrentIndex(0);
+    screen_->parentWidget()->resize(size);
+    program_->window().resize(kWindow);
+    click_action("start");
+    auto* delay = find<QComboBox>("time_delay");
+    delay->setCurrentIndex(8);
+    Q_EMIT delay->activated(8);
+    click("cmdstart");
+    QTest::qWait(1500);
+    save("timed-runs", screen_->parentWidget());
+    click_action("stop");
+    click_action("single");
+}
+
+void Pictures::logger() {
+    open("download");
+    click("cmddownload");
+    save("logger", screen_->parentWidget());
+    find<QTabWidget>("pages")->setCurrentIndex(1);
+    save("logger-table", screen_->parentWidget());
+    click("cmdspan");
+    save("logger-span", screen_->parentWidget());
+}
+
+void Pictures::satellites() {
+    open("asl");
+    const auto select = [this](const char* list, int row) {
+        find<QListWidget>(list)->setCurrentRow(row);
+    };
+    const QString backup = work_.filePath("slots.srec");
+    choose_file(backup);
+    boxes_.press(QMessageBox::Ok);
+    click_action("cmdsaveall");
+    for (const int slot : {0, 1}) {
+        select("listastr", slot);
+        click("cmdaddindb");
+    }
+    select("listadb", 1);
+    select("listastr", 4);
+    save("satellites", screen_->parentWidget());
+    click("cmddelstr");
+    choose_file(QFile::exists(backup) ? backup : work_.filePath("slots"));
+    picture_box("satellites-restore", "reject");
+    click_action("cmdrestoreall");
+}
+
+void Pictures::lost() {
+    screen_->parentWidget()->close();
+    screen_ = nullptr;
+    meter_.reset();
+    open("realtime");
+    save("lost", &program_->window());
+}
+
+int take_pictures(const QString& folder) {
+    for (const int language : {int(kEnglish), int(kItalian)}) {
+        const QString into =
+            QStringLiteral("%1/%2/images").arg(folder, language == kItalian ? "it" : "en");
+        if (!QDir().mkpath(into)) return 1;
+        Pictures(language, into).take();
+    }
+    return 0;
+}
+
+}  // namespace
+}  // namespace m47
+
+int main(int argc, char** argv) {
+    QApplication application(argc, argv);
+    const QStringList arguments = QApplication::arguments();
+    if (arguments.size() != 2) qFatal("take-pictures FOLDER");
+    return m47::take_pictures(arguments[1]);
+}

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "manual_page.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QHash>
+
+namespace m47 {
+namespace {
+
+constexpr Bilingual kNoManual{
+    "The manual is not installed with this program. It was looked for in %1.",
+    "Il manuale non è installato con questo programma. È stato cercato in %1."};
+
+constexpr Bilingual kLanguageFolder{"en", "it"};
+
+}  // namespace
+
+QString manual_page_name(const QString& key) {
+    static const QHash<QString, QString> kPages{
+        {QStringLiteral("program"), QStringLiteral("plans")},
+        {QStringLiteral("download"), QStringLiteral("logger")},
+        {QStringLiteral("realtime"), QStringLiteral("measure")},
+        {QStringLiteral("asl"), QStringLiteral("satellites")},
+        {QStringLiteral("configurazione"), QStringLiteral("logo")},
+        {QStringLiteral("setport"), QStringLiteral("connect")},
+    };
+    return kPages.value(key, QStringLiteral("index"));
+}
+
+QStringList manual_folders(const QString& program_folder) {
+    const QDir folder(program_folder);
+    return {
+        QDir::cleanPath(folder.filePath(QStringLiteral("manual"))),
+        QDir::cleanPath(folder.filePath(QStringLiteral("../share/doc/m47-remote/html"))),
+    };
+}
+
+QString find_manual_page(const QStringList& folders, const QString& name, const Texts& texts) {
+    for (const QString& folder : folders) {
+        const QString path =
+            QStringLiteral("%1/%2/%3.html").arg(folder, texts.pick(kLanguageFolder), name);
+        if (QFileInfo(path).isFile()) return path;
+    }
+    return {};
+}
+
+QString manual_missing_text(const QStringList& folders, const Texts& texts) {
+    return texts.pick(kNoManual).arg(folders.join(QStringLiteral(", ")));
+}
+
+}  // namespace m47
