@@ -100,7 +100,7 @@ QString M47MDI::key_of(const QMdiSubWindow* view) const {
 }
 
 QString M47MDI::front_key() const {
-    return key_of(ui_->screens->activeSubWindow());
+    return key_of(ui_->screens->currentSubWindow());
 }
 
 void M47MDI::screen_activated(QMdiSubWindow* view) {
