@@ -19,6 +19,7 @@
 #include "port_diagnosis.h"
 #include "port_setting.h"
 #include "program_set.h"
+#include "real_port.h"
 #include "realtime.h"
 
 namespace m47 {
@@ -47,12 +48,18 @@ void close_on_exit(Screen* screen) {
 
 Program::Program(ProgramState& state, std::unique_ptr<Database> database, PortList ports,
                  RealClock::TimeOfDay time_of_day)
+    : Program(state, std::move(database), std::move(ports),
+              std::make_unique<RealClock>(std::move(time_of_day)), std::make_unique<RealPort>()) {}
+
+Program::Program(ProgramState& state, std::unique_ptr<Database> database, PortList ports,
+                 std::unique_ptr<Clock> clock, std::unique_ptr<SerialPort> port)
     : state_(state),
       database_(std::move(database)),
       ports_(std::move(ports)),
-      clock_(std::move(time_of_day)),
+      clock_(std::move(clock)),
+      port_(std::move(port)),
       window_(state),
-      link_(port_, clock_, window_.status()),
+      link_(*port_, *clock_, window_.status()),
       identification_(link_, state.texts, ports_, window_),
       import_(*database_, state.texts, window_, [this] { window_.status().pump(); }) {
     // The logger's temporary file has no name yet, and message 0 is composed with that.
@@ -76,7 +83,7 @@ Program::~Program() = default;
 
 QString Program::link_fault() const {
     if (watch_.came_back()) return state_.texts.pick(kDeviceIsBack).arg(identification_.device());
-    return port_fault_text(port_.fault(), port_.device(), state_.texts);
+    return port_fault_text(port_->fault(), port_->path(), state_.texts);
 }
 
 void Program::identify(int number) {

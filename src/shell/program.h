@@ -13,7 +13,7 @@
 #include "port_list.h"
 #include "program_state.h"
 #include "real_clock.h"
-#include "real_port.h"
+#include "serial_port.h"
 
 namespace m47 {
 
@@ -26,6 +26,9 @@ class Program {
     /// characters on the line.
     Program(ProgramState& state, std::unique_ptr<Database> database, PortList ports,
             RealClock::TimeOfDay time_of_day = local_time_of_day);
+    /// The same on another time and line than those of this machine.
+    Program(ProgramState& state, std::unique_ptr<Database> database, PortList ports,
+            std::unique_ptr<Clock> clock, std::unique_ptr<SerialPort> port);
     ~Program();
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
@@ -58,8 +61,8 @@ class Program {
     ProgramState& state_;
     std::unique_ptr<Database> database_;
     PortList ports_;
-    RealClock clock_;
-    RealPort port_;
+    std::unique_ptr<Clock> clock_;
+    std::unique_ptr<SerialPort> port_;
     M47MDI window_;
     Link link_;
     Identification identification_;

@@ -381,7 +381,7 @@ void RealPortTest::links_and_relative_paths() {
     QVERIFY(port.open());
     port.close();
     port.select(QString(pty.path()).remove("/dev/").prepend("../dev/"));
-    QCOMPARE(port.device(), QDir::cleanPath(before + "/../dev/" + pty.path().mid(5)));
+    QCOMPARE(port.path(), QDir::cleanPath(before + "/../dev/" + pty.path().mid(5)));
 }
 
 void RealPortTest::opened_a_hundred_times() {

@@ -13,6 +13,10 @@ void FakePort::feed(const QByteArray& bytes, double seconds) {
     arrivals_.insert(later, Arrival{at, bytes});
 }
 
+void FakePort::hush() {
+    while (!arrivals_.empty() && arrivals_.back().at > clock_.elapsed()) arrivals_.pop_back();
+}
+
 void FakePort::vanish_in(double seconds) {
     vanish_at_ = clock_.elapsed() + seconds;
 }

@@ -24,6 +24,8 @@ class FakePort : public SerialPort {
     void feed(const QByteArray& bytes, double seconds = 0);
     /// What the next and every later open() finds; `none` opens.
     PortFault open_fault = PortFault::none;
+    /// Nothing of what was fed comes any more, but for what has arrived.
+    void hush();
     /// The device is pulled `seconds` from now.
     void vanish_in(double seconds);
     /// While true nothing that is written goes out.
@@ -43,6 +45,7 @@ class FakePort : public SerialPort {
     static QByteArray good(const QByteArray& command, const QByteArray& value = {});
 
     void select(const QString& device) override;
+    QString path() const override { return device; }
     bool open() override;
     void close() override;
     bool is_open() const override;

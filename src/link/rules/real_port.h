@@ -23,9 +23,7 @@ class RealPort : public SerialPort {
     bool write(char character) override;
     bool wait_for_input(std::chrono::milliseconds limit) override;
     PortFault fault() const override { return fault_; }
-
-    /// The absolute path of the chosen device.
-    const QString& device() const { return device_; }
+    QString path() const override { return device_; }
 
   private:
     bool fail(PortFault fault);

@@ -27,6 +27,9 @@ class SerialPort {
     /// Chooses the device that open() opens next; an empty one makes open() fail as missing.
     virtual void select(const QString& device) = 0;
 
+    /// The absolute path of the chosen device.
+    virtual QString path() const = 0;
+
     /// Opens the chosen device exclusively and clears both buffers. False: fault() says why.
     virtual bool open() = 0;
     virtual void close() = 0;

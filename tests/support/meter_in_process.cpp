@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "meter_in_process.h"
+
+#include "instrument.h"
+
+namespace m47 {
+namespace {
+
+constexpr double kByteTime = 11.0 / 38400;
+constexpr double kProcessingTime = 0.002;
+constexpr double kTrickleInterval = 0.25;
+/// Longer than any limit of the link.
+constexpr double kForEver = 260;
+constexpr double kBlockTime = 0.5;  // of an endless answer
+
+}  // namespace
+
+struct MeterInProcess::Inside {
+    explicit Inside(quint64 seed) : instrument(meter::Options()), random(seed) {}
+
+    meter::Instrument instrument;
+    meter::Jitter random;
+    bool asleep = false;
+};
+
+MeterInProcess::MeterInProcess(VirtualClock& clock, FakePort& port, quint64 seed)
+    : clock_(clock), port_(port), inside_(std::make_unique<Inside>(seed)) {
+    port_.answer = [this](const QByteArray& command) {
+        answer(command);
+        return QByteArray();
+    };
+}
+
+MeterInProcess::~MeterInProcess() {
+    port_.answer = nullptr;
+}
+
+void MeterInProcess::answer(const QByteArray& command) {
+    if (command.isEmpty()) inside_->asleep = false;
+    if (inside_->asleep || command.isEmpty()) return;
+    // Another command ends what has no end.
+    port_.hush();
+    ++commands;
+    const std::string line = command.toStdString();
+    const meter::FaultKind* kind = nullptr;
+    if (bad_in > 0 && inside_->random.below(static_cast<std::size_t>(bad_in)) == 0) {
+        const auto kinds = meter::fault_kinds();
+        kind = &kinds[inside_->random.below(kinds.size())];
+        ++faults;
+    }
+    if (on_command)
+        on_command(command, kind ? QString::fromUtf8(kind->name.data(),
+                                                     static_cast<qsizetype>(kind->name.size()))
+                                 : QString());
+    meter::Delivery delivery;
+    if (!kind || kind->carried_out) delivery = inside_->instrument.handle(line);
+    if (kind) kind->spoil(delivery, {line, inside_->random, 3.0});
+    inside_->asleep = delivery.falls_asleep;
+
+    const double begin = kProcessingTime + delivery.wait_seconds;
+    const QByteArray bytes = QByteArray::fromStdString(delivery.bytes);
+    const double end = begin + kByteTime * static_cast<double>(bytes.size());
+    // In two pieces, since an answer does not come at once.
+    port_.feed(bytes.first(bytes.size() / 2), (begin + end) / 2);
+    port_.feed(bytes.mid(bytes.size() / 2), end);
+    if (delivery.ending == meter::Ending::close_line) port_.vanish_in(end);
+    if (delivery.ending == meter::Ending::trickle) go_on(false, end);
+    if (delivery.ending == meter::Ending::endless) go_on(true, end);
+}
+
+void MeterInProcess::go_on(bool full_speed, double from) {
+    const double interval = full_speed ? kBlockTime : kTrickleInterval;
+    const auto block = full_speed ? static_cast<qsizetype>(kBlockTime / kByteTime) : 1;
+    const QByteArray bytes = QByteArray("0123456789.").repeated(block / 11 + 1).first(block);
+    for (double at = from + interval; at < from + kForEver; at += interval) port_.feed(bytes, at);
+}
+
+}  // namespace m47

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <functional>
+#include <memory>
+
+#include "fake_port.h"
+
+namespace m47 {
+
+/// The simulated meter behind a fake port, on the virtual clock: what takes minutes on a line takes
+/// an instant here. It answers well, but for one command in `bad_in`.
+class MeterInProcess {
+  public:
+    /// Answers on `port` from now on; both have to outlive it.
+    MeterInProcess(VirtualClock& clock, FakePort& port, quint64 seed);
+    ~MeterInProcess();
+    MeterInProcess(const MeterInProcess&) = delete;
+    MeterInProcess& operator=(const MeterInProcess&) = delete;
+
+    /// One command in so many, drawn by the seed, gets a fault drawn from all kinds; 0: none does.
+    int bad_in = 0;
+
+    int commands = 0;
+    int faults = 0;
+    /// Told of each command and of the kind of fault that hits it, empty for none.
+    std::function<void(const QByteArray& command, const QString& fault)> on_command;
+
+  private:
+    struct Inside;
+
+    void answer(const QByteArray& command);
+    void go_on(bool full_speed, double from);
+
+    VirtualClock& clock_;
+    FakePort& port_;
+    std::unique_ptr<Inside> inside_;
+};
+
+}  // namespace m47
