@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QAction>
 #include <QDialog>
 #include <QMainWindow>
 #include <QMap>
@@ -36,12 +37,14 @@ class Monkey : public QObject {
         return from.at(below(static_cast<int>(from.size())));
     }
 
-    QString press_action();
+    QString press_action(const QList<QAction*>& from);
+    QString press_key_of_a_screen();
     QString poke_widget();
     void click(QWidget* widget);
     void press_key(QWidget* widget);
     void type(QWidget* widget);
     void turn_wheel(QWidget* widget);
+    void look_out();
     void handle_front();
     void answer(QDialog* dialog);
     void note(QDialog* dialog);
@@ -49,7 +52,6 @@ class Monkey : public QObject {
     QMainWindow& window_;
     QString folder_;
     QRandomGenerator random_;
-    QTimer timer_;
     QPointer<QDialog> known_;
     int tries_ = 0;
 };
