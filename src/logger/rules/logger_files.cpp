@@ -3,6 +3,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QSaveFile>
 
 #include "database.h"
 
@@ -56,11 +57,12 @@ bool read_file(const QString& path, QByteArray& content) {
 }
 
 bool write_file(const QString& path, const QByteArray& content) {
-    QFile file(path);
-    if (!plain_file_or_none(path) || !file.open(QIODevice::WriteOnly)) return false;
-    // A full disk may show in a write that comes back short, or no sooner than at the flush.
+    if (!plain_file_or_none(path)) return false;
+    QSaveFile file(path);
+    // Where no file can be made beside it, the file itself is written.
+    file.setDirectWriteFallback(true);
     const QByteArray bytes = content + kLineEnd;
-    return file.write(bytes) == bytes.size() && file.flush();
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
 }
 
 }  // namespace m47
