@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "mdi.h"
 
+#include <QTimer>
+#include <chrono>
+
 #include "handler.h"
 #include "icons.h"
 #include "tooltips.h"
@@ -8,6 +11,9 @@
 
 namespace m47 {
 namespace {
+
+/// Timers rest while a handler waits for the meter.
+constexpr std::chrono::milliseconds kAfterTheHandler{1};
 
 constexpr Tooltip kMenuTips[] = {
     {"cmdimportdb", "Bring plans and satellites from an old database",
@@ -106,6 +112,13 @@ QString M47MDI::front_key() const {
 void M47MDI::screen_activated(QMdiSubWindow* view) {
     // Leaving the program for another window of the desktop and coming back is no activation.
     if (!view || view == front_) return;
+    if (status_->pumping()) {
+        // The desktop brings it up while the meter is waited for: it comes to the front when the
+        // running handler has ended, as its own commands cannot go out before that.
+        QTimer::singleShot(kAfterTheHandler, this,
+                           [this] { screen_activated(ui_->screens->currentSubWindow()); });
+        return;
+    }
     front_ = view;
     const QString key = key_of(view);
     if (!key.isEmpty() && makers_[key].activate) makers_[key].activate(view->widget());

@@ -28,6 +28,8 @@ class StatusPanel : public QFrame, public LinkView {
     void set_hourglass(bool on) override;
     void set_port_state(const QString& text, bool connected) override;
     void pump() override;
+    /// True while the windows are pumped: nothing may be started then.
+    bool pumping() const { return pump_.pumping(); }
 
   private:
     void show_state(const QString& text, bool connected);

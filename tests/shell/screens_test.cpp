@@ -115,6 +115,30 @@ class ScreensTest : public QObject {
         }
     }
 
+    void a_screen_brought_up_in_a_wait_comes_to_the_front_afterwards() {
+        QStringList told;
+        for (const char* key : {"program", "download"})
+            window().add_screen(key, {.create = [] { return new QWidget; },
+                                      .load = [](QWidget*) {},
+                                      .activate =
+                                          [this, &told, key](QWidget*) {
+                                              QVERIFY(!window().status().pumping());
+                                              told += QString::fromLatin1(key);
+                                          }});
+        find<QAction>("program")->trigger();
+        find<QAction>("download")->trigger();
+        told.clear();
+        auto* area = find<QMdiArea>("screens");
+        QWidget* other = window().screen_of("program")->parentWidget();
+        QMetaObject::invokeMethod(
+            area, [&] { area->setActiveSubWindow(qobject_cast<QMdiSubWindow*>(other)); },
+            Qt::QueuedConnection);
+        for (int turn = 0; turn < 3; ++turn) window().status().pump();
+        QCOMPARE(area->currentSubWindow(), other);
+        QCOMPARE(told, QStringList());
+        QTRY_COMPARE(told, QStringList("program"));
+    }
+
     void a_screen_opens_once() {
         find<QAction>("setport")->trigger();
         find<QAction>("setport")->trigger();
