@@ -6,7 +6,9 @@
 namespace m47 {
 namespace {
 
+constexpr std::size_t kLoggerBytes = 20000;
 constexpr double kByteTime = 11.0 / 38400;
+constexpr qsizetype kPiece = 64;
 constexpr double kProcessingTime = 0.002;
 constexpr double kTrickleInterval = 0.25;
 /// Longer than any limit of the link.
@@ -16,7 +18,13 @@ constexpr double kBlockTime = 0.5;  // of an endless answer
 }  // namespace
 
 struct MeterInProcess::Inside {
-    explicit Inside(quint64 seed) : instrument(meter::Options()), random(seed) {}
+    explicit Inside(quint64 seed) : instrument(options()), random(seed) {}
+
+    static meter::Options options() {
+        meter::Options chosen;
+        chosen.logger_bytes = kLoggerBytes;
+        return chosen;
+    }
 
     meter::Instrument instrument;
     meter::Jitter random;
@@ -60,9 +68,11 @@ void MeterInProcess::answer(const QByteArray& command) {
     const double begin = kProcessingTime + delivery.wait_seconds;
     const QByteArray bytes = QByteArray::fromStdString(delivery.bytes);
     const double end = begin + kByteTime * static_cast<double>(bytes.size());
-    // In two pieces, since an answer does not come at once.
-    port_.feed(bytes.first(bytes.size() / 2), (begin + end) / 2);
-    port_.feed(bytes.mid(bytes.size() / 2), end);
+    // In pieces, as a line brings it.
+    for (qsizetype at = 0; at < bytes.size(); at += kPiece) {
+        const QByteArray piece = bytes.mid(at, kPiece);
+        port_.feed(piece, begin + kByteTime * static_cast<double>(at + piece.size()));
+    }
     if (delivery.ending == meter::Ending::close_line) port_.vanish_in(end);
     if (delivery.ending == meter::Ending::trickle) go_on(false, end);
     if (delivery.ending == meter::Ending::endless) go_on(true, end);

@@ -3,10 +3,10 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QSaveFile>
 
 #include "asl_texts.h"
 #include "numbers.h"
+#include "save_file.h"
 
 namespace m47 {
 namespace {
@@ -94,7 +94,7 @@ bool SlotBackup::save(const QString& path, const SlotTable& table) {
     QSaveFile file(path);
     const QByteArray text = slots_text(table, kLineEnd).toLatin1();
     const bool saved =
-        file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit();
+        file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && put_in_place(file);
     if (!saved)
         warn(program_.texts.pick(asl_text::kCannotWrite)
                  .arg(QDir::toNativeSeparators(path), file.errorString()));

@@ -3,9 +3,9 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 
 #include "database.h"
+#include "save_file.h"
 
 namespace m47 {
 namespace {
@@ -62,7 +62,8 @@ bool write_file(const QString& path, const QByteArray& content) {
     // Where no file can be made beside it, the file itself is written.
     file.setDirectWriteFallback(true);
     const QByteArray bytes = content + kLineEnd;
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() &&
+           put_in_place(file);
 }
 
 }  // namespace m47

@@ -3,10 +3,10 @@
 
 #include <QDir>
 #include <QFile>
-#include <QSaveFile>
 
 #include "fault.h"
 #include "logger_table.h"
+#include "save_file.h"
 
 namespace m47 {
 namespace {
@@ -62,7 +62,8 @@ void keep_table(const QString& base_dir, const QString& table, const QDateTime& 
             (folder.filePath(kBackupFolder) + QStringLiteral(": cannot be made")).toStdString());
     QSaveFile file(free_backup_name(folder, now));
     const QByteArray bytes = table.toLatin1();
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() ||
+        !put_in_place(file))
         throw_file_fault(file);
     const QStringList kept = folder.entryList({kBackupFiles}, QDir::Files, QDir::Name);
     for (qsizetype k = 0; k < kept.size() - kKept; ++k) folder.remove(kept[k]);

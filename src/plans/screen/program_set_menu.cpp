@@ -3,13 +3,13 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QSaveFile>
 
 #include "fault.h"
 #include "import_dialog.h"
 #include "plan_file.h"
 #include "plan_questions.h"
 #include "program_set.h"
+#include "save_file.h"
 #include "ui_program_set.h"
 
 namespace m47 {
@@ -34,7 +34,8 @@ QByteArray read_plan_file(const QString& path) {
 /// Writes the file whole or not at all.
 void write_plan_file(const QString& path, const QByteArray& bytes) {
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() ||
+        !put_in_place(file))
         throw_plan_file_fault(file);
 }
 

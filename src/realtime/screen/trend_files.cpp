@@ -2,8 +2,8 @@
 #include "trend_files.h"
 
 #include <QPdfWriter>
-#include <QSaveFile>
 
+#include "save_file.h"
 #include "trend_table.h"
 
 namespace m47 {
@@ -46,7 +46,7 @@ QString save_trend(const QString& path, TrendPlot& plot,
         plot.on_paper([&] { drawn = draw_page(file, plot); });
     else
         plot.on_paper([&] { drawn = draw_picture(file, plot); });
-    if (drawn && file.commit()) return {};
+    if (drawn && put_in_place(file)) return {};
     return file.errorString();
 }
 
