@@ -166,6 +166,13 @@ class RecordsTest : public QObject {
         QCOMPARE(model.tab_separated({}), names + other + record);
     }
 
+    void a_tab_in_a_heading_begins_no_cell() {
+        RecordModel model;
+        model.set_text("DPR MHz C\tH\r\nD02 1 S02\r\n");
+        QCOMPARE(model.tab_separated({1}),
+                 QStringLiteral("Line\tLog\tPR\tMHz\tC H\tText\n2\t\tD02\t1\tS02\t\n"));
+    }
+
     void a_full_logger_is_sorted() {
         QByteArray text = "DPR MHz CH  (dBuV)   BER    CN\r\n";
         for (int k = 0; k < 100000; ++k)

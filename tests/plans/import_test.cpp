@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Plan files and scan tables, and what an import of them will do.
+#include <QElapsedTimer>
 #include <QTest>
 
 #include "diseqc_commands.h"
@@ -167,6 +168,31 @@ class ImportTest : public QObject {
                               "4 002 3500 5150 added ", "5 003 11500 10000 added ",
                               "6 004 11500 11000 4 "}));
         QCOMPARE(preview.oscillators, Oscillators({"9750", "10600", "5150", "10000"}));
+    }
+
+    void a_later_line_may_bring_the_oscillator() {
+        // Alone the first program has no range yet; with the second one it has.
+        const QByteArray header = "pg_num\tfrequenza\tloc_osc\tloc_osc0\toscillator\n";
+        QCOMPARE(one_line_each(into_empty_plan(header + "1\t10773\t0\t1\t\n")),
+                 QStringList{QStringLiteral("2 001 10773  added ")});
+        const ImportPreview preview =
+            into_empty_plan(header + "1\t10773\t0\t1\t\n2\t11778\t0\t1\t10600\n");
+        QCOMPARE(one_line_each(preview),
+                 (QStringList{
+                     QStringLiteral("2 001 11520 10600 added frequenza: 10773 → 11520"),
+                     QStringLiteral("3 002 11778 10600 added "),
+                 }));
+    }
+
+    void the_largest_file_is_previewed_at_once() {
+        QByteArray bytes = "frequenza\n";
+        while (bytes.size() < 1024 * 1024 - 5) bytes += "1000\n";
+        QElapsedTimer timer;
+        timer.start();
+        const ImportPreview preview = into_empty_plan(bytes);
+        QVERIFY2(timer.elapsed() < 10000, qPrintable(QString::number(timer.elapsed())));
+        QCOMPARE(preview.added(), 100);
+        QVERIFY(preview.rows.size() > 200000);
     }
 
     void a_wide_plan_stops_at_a_hundred() {

@@ -196,13 +196,17 @@ QString RecordModel::tab_separated(const std::vector<int>& rows) const {
         all.resize(order_.size());
         std::iota(all.begin(), all.end(), 0);
     }
-    QString text = columns_.join(u'\t') + u'\n';
+    // A TAB in a name or in a line that is shown as it is would begin a cell of its own.
+    const auto one_cell = [](QString cell) { return cell.replace(u'\t', u' '); };
+    QString text;
+    for (int column = 0; column < columns_.size(); ++column)
+        text += (column > 0 ? QStringLiteral("\t") : QString()) + one_cell(columns_[column]);
+    text += u'\n';
     for (const int row : rows.empty() ? all : rows) {
         const auto place = static_cast<std::size_t>(order_[static_cast<std::size_t>(row)]);
         for (int column = 0; column < columns_.size(); ++column) {
-            // A TAB in a line that is shown as it is would begin a cell of its own.
             if (column > 0) text += u'\t';
-            text += shown(lines_[place], column).replace(u'\t', u' ');
+            text += one_cell(shown(lines_[place], column));
         }
         text += u'\n';
     }

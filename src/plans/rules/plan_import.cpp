@@ -2,6 +2,8 @@
 #include "plan_import.h"
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 #include <optional>
 
 #include "diseqc_commands.h"
@@ -15,16 +17,26 @@ namespace {
 constexpr int kProgramNumbers = 100;
 constexpr const char* kNumber = "000";
 
-QString first_free_number(const std::vector<ProgramRecord>& taken) {
-    for (int number = 0; number < kProgramNumbers; ++number) {
+/// The numbers of a plan's programs that are in use.
+class UsedNumbers {
+  public:
+    void take(const ProgramRecord& program) {
         // What has no number goes to the meter as program 0.
-        const bool used = std::ranges::any_of(taken, [number](const ProgramRecord& program) {
-            return typed_value(program.pg_num) == number;
-        });
-        if (!used) return format_number(number, kNumber);
+        const double number = typed_value(program.pg_num);
+        const bool whole = number >= 0 && number < kProgramNumbers && number == std::floor(number);
+        if (whole) used_[static_cast<std::size_t>(number)] = true;
     }
-    return {};
-}
+
+    /// Empty where all are.
+    QString first_free() const {
+        const auto free = std::ranges::find(used_, false);
+        if (free == used_.end()) return {};
+        return format_number(static_cast<double>(free - used_.begin()), kNumber);
+    }
+
+  private:
+    std::array<bool, kProgramNumbers> used_{};
+};
 
 /// The entry of `oscillators` for `mhz`, taken there if need be; best the one that is `preferred`.
 std::optional<int> place_oscillator(Oscillators& oscillators, int preferred, const QString& mhz) {
@@ -83,15 +95,29 @@ class Importer {
         preview_.oscillators = oscillators;
         preview_.replaces_blank = taken_.size() == 1 && is_blank(taken_.front());
         if (preview_.replaces_blank) taken_.clear();
+        for (const ProgramRecord& program : taken_) used_.take(program);
     }
 
     void take(const ImportCandidate& candidate) {
         ImportRow row{
             candidate.line, candidate.record, candidate.oscillator, {}, candidate.problem};
         if (row.added()) row.problem = fit(row);
-        if (row.added()) taken_.push_back(row.record);
-        if (row.added()) row.corrections = corrections_of(candidate, row.record);
+        if (row.added()) {
+            taken_.push_back(row.record);
+            used_.take(row.record);
+            row.corrections = corrections_of(candidate, row.record);
+        }
         preview_.rows.push_back(row);
+    }
+
+    /// A program may name an entry whose oscillator only a later line has brought.
+    void tune_again(const std::vector<ImportCandidate>& candidates) {
+        for (std::size_t k = 0; k < candidates.size(); ++k) {
+            ImportRow& row = preview_.rows[k];
+            if (!row.added() || row.record.loc_osc || !row.oscillator.isEmpty()) continue;
+            row.problem = tune(row);
+            row.corrections = corrections_of(candidates[k], row.record);
+        }
     }
 
     ImportPreview result() {
@@ -102,8 +128,8 @@ class Importer {
   private:
     ImportProblem fit(ImportRow& row) {
         ProgramRecord& record = row.record;
-        record.pg_num = record.pg_num.isEmpty() ? first_free_number(taken_)
-                                                : checked_program_number(record.pg_num);
+        record.pg_num =
+            record.pg_num.isEmpty() ? used_.first_free() : checked_program_number(record.pg_num);
         if (record.pg_num.isEmpty()) return ImportProblem::no_number;
         const QString position = checked_position(record.logger_pos);
         // Without a line it cannot be active in the table.
@@ -137,6 +163,7 @@ class Importer {
     }
 
     std::vector<ProgramRecord> taken_;
+    UsedNumbers used_;
     double unit_offset_;
     ImportPreview preview_;
 };
@@ -167,6 +194,7 @@ ImportPreview preview_import(const std::vector<ImportCandidate>& candidates,
                              const Oscillators& oscillators, double unit_offset) {
     Importer importer(programs, oscillators, unit_offset);
     for (const ImportCandidate& candidate : candidates) importer.take(candidate);
+    importer.tune_again(candidates);
     return importer.result();
 }
 

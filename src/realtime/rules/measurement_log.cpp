@@ -6,12 +6,13 @@
 #include <unistd.h>
 
 #include <QFile>
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <optional>
 #include <utility>
 #include <vector>
+
+#include "log_lines.h"
 
 namespace m47 {
 namespace {
@@ -45,36 +46,6 @@ class OpenFile {
     int descriptor_;
 };
 
-const char* find_end(const char* from, const char* stop, char line_end) {
-    const void* found = std::memchr(from, line_end, static_cast<std::size_t>(stop - from));
-    return found ? static_cast<const char*>(found) : stop;
-}
-
-/// Adds the lines of `text` to `store` and returns how many bytes they took. A last line without a
-/// line end, or with a CR that may be half of one, is taken only when `last` says that nothing
-/// follows. Nothing is returned when a line does not fit the page.
-std::optional<std::size_t> take_lines(std::string_view text, bool last, PageStore& store) {
-    const char* const begin = text.data();
-    const char* const stop = begin + text.size();
-    const char* at = begin;
-    const char* feed = find_end(at, stop, '\n');
-    const char* carriage = find_end(at, stop, '\r');
-    while (at != stop) {
-        // Each is looked up again only once it has been passed, so that a file with one kind of
-        // line end is not searched to its end for the other at every line.
-        if (feed < at) feed = find_end(at, stop, '\n');
-        if (carriage < at) carriage = find_end(at, stop, '\r');
-        const char* const end = std::min(feed, carriage);
-        const bool unsure = end == stop || (end == carriage && end + 1 == stop);
-        if (unsure && !last) break;
-        if (!store.append_line({at, static_cast<std::size_t>(end - at)})) return {};
-        at = end;
-        if (at != stop) ++at;
-        if (end == carriage && at == feed && at != stop) ++at;
-    }
-    return static_cast<std::size_t>(at - begin);
-}
-
 ssize_t read_some(int descriptor, char* into, std::size_t room) {
     for (;;) {
         const ssize_t got = ::read(descriptor, into, room);
@@ -89,7 +60,7 @@ void read_lines(int descriptor, PageStore& store) {
         const ssize_t got = read_some(descriptor, block.data() + held, block.size() - held);
         if (got < 0) return;
         held += static_cast<std::size_t>(got);
-        const auto taken = take_lines({block.data(), held}, got == 0, store);
+        const auto taken = take_log_lines({block.data(), held}, got == 0, store);
         if (got == 0 || !taken || (*taken == 0 && held == block.size())) return;
         held -= *taken;
         std::memmove(block.data(), block.data() + *taken, held);

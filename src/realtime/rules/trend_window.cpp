@@ -8,7 +8,7 @@ namespace {
 
 constexpr double kShortest = 2;  // seconds: two rows
 constexpr double kLeastWhole = 60;
-constexpr double kRoom = 0.02;  // of what is shown, behind the newest row
+constexpr double kRoomBehind = 0.02;  // of what is shown, behind the newest row
 
 }  // namespace
 
@@ -51,14 +51,14 @@ void TrendWindow::set_follows(bool follows) {
 void TrendWindow::show_all() {
     if (!any_) return;
     const double missing = std::max(0.0, kLeastWhole - held_.span()) / 2;
-    const double room = kRoom * held_.span() + missing;
+    const double room = kRoomBehind * held_.span() + missing;
     shown_ = {held_.lower - room, held_.upper + room};
 }
 
 void TrendWindow::show_newest() {
     if (!any_) return;
     const double span = shown_.span();
-    shown_.upper = newest_ + kRoom * span;
+    shown_.upper = newest_ + kRoomBehind * span;
     shown_.lower = shown_.upper - span;
 }
 

@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Writes the seeds of the fuzz targets into folders named after them, below the folder given: the
+// answers of the simulated meter, and files made of what it says. Every run writes the same.
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "instrument.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/** Keeps seeds, each target's numbered from 0. */
+class SeedFolder {
+  public:
+    explicit SeedFolder(fs::path root) : root_(std::move(root)) {}
+
+    void keep(const std::string& target, const std::string& bytes) {
+        fs::create_directories(root_ / target);
+        const fs::path path = root_ / target / ("seed-" + std::to_string(count_++));
+        std::ofstream file(path, std::ios::binary);
+        file << bytes;
+        if (!file.flush()) throw fs::filesystem_error("cannot write", path, std::error_code());
+    }
+
+  private:
+    fs::path root_;
+    int count_ = 0;
+};
+
+/** An answer as the program reads it behind the echo, its OK taken off. */
+std::string payload(meter::Instrument& meter, const std::string& command) {
+    const std::string raw = meter.handle(command).bytes;
+    const std::string end = "OK\r";
+    const std::size_t from = std::min(command.size() + 1, raw.size());
+    std::string text = raw.substr(from);
+    if (text.ends_with(end)) text.resize(text.size() - end.size());
+    return text;
+}
+
+/** What is between the label and the end of its line, without blanks around it. */
+std::string labelled(const std::string& answer, const std::string& label) {
+    const std::size_t at = answer.find(label);
+    if (at == std::string::npos) return {};
+    const std::string line =
+        answer.substr(at + label.size(), answer.find('\r', at) - at - label.size());
+    const std::size_t first = std::min(line.find_first_not_of(' '), line.size());
+    return line.substr(first);
+}
+
+std::string without_blanks(std::string text) {
+    std::erase(text, ' ');
+    std::erase(text, '\r');
+    return text;
+}
+
+void keep_answers(meter::Instrument& meter, SeedFolder& seeds) {
+    // In the order in which the target's first byte chooses among them.
+    const std::vector<std::string> commands{"ATTEN?",    "LEVANL?", "BERQPSK?",     "VER?",
+                                            "FREQ 1000", "DATAOUT", "MASTERCOPY 6?"};
+    for (std::size_t k = 0; k < commands.size(); ++k)
+        for (const char piece : {'\0', '\7'})
+            seeds.keep("answer", std::string{static_cast<char>(k), piece} +
+                                     meter.handle(commands[k]).bytes.substr(0, 1000));
+    for (const char* wrong : {"ATTEN 99", "NONSENSE", "DEVICE", "LEVDCP? 1"})
+        seeds.keep("answer", std::string(2, '\0') + meter.handle(wrong).bytes);
+}
+
+void keep_measures(meter::Instrument& meter, SeedFolder& seeds) {
+    std::string log;
+    for (const int mhz : {1178, 950, 1500, 2100, 920}) {
+        const std::string frequency = std::to_string(mhz);
+        meter.handle("FREQ " + frequency);
+        const std::string level = payload(meter, "LEVANL?");
+        seeds.keep("level", level);
+        seeds.keep("level", payload(meter, "LEVDCP?"));
+        seeds.keep("level", meter.handle("LEVDCP?" + frequency).bytes);
+        seeds.keep("level", payload(meter, "LEVCNA?"));
+        meter.handle("BERQPSK");
+        const std::string quality = payload(meter, "BERQPSK?");
+        seeds.keep("ber", quality);
+        log += "21/11/26\t08:00:00\t" + frequency + ".0\t10600\t" + without_blanks(level) + '\t' +
+               labelled(quality, "CHBER :") + '\t' + labelled(quality, "PvBER :") + '\t' +
+               labelled(quality, "CFO   :") + '\t' + labelled(quality, "MER   :") + "\t\tPASS\r\n";
+        meter.handle("MEASURE");
+        seeds.keep("log", std::string(1, '\x10') + log);
+    }
+    std::string plain_ends = log;
+    std::erase(plain_ends, '\r');
+    seeds.keep("log", std::string(1, '\2') + plain_ends);
+}
+
+void keep_logger(meter::Instrument& meter, SeedFolder& seeds) {
+    const std::string table = payload(meter, "DATAPROGRAM?");
+    for (const char mode : {'\0', '\1', '\2'})
+        seeds.keep("table", mode + table.substr(0, 90) + table.substr(0, 90));
+    for (const char* command : {"DATAOUT", "DATALASTOUT"}) {
+        const std::string logs = payload(meter, command);
+        seeds.keep("records", std::string(1, '\3') + logs);
+        seeds.keep("records", std::string(1, '\2') + logs.substr(0, 400));
+    }
+    meter.handle("outputmode 1");
+    const std::string span = payload(meter, "spanout");
+    seeds.keep("span", span);
+    seeds.keep("span", span.substr(0, 120) + "OK\r");
+}
+
+void keep_satellites(meter::Instrument& meter, SeedFolder& seeds) {
+    const std::string names = payload(meter, "ASLNAME?");
+    const std::string copy = payload(meter, "MASTERCOPY 6?");
+    seeds.keep("names", std::string(1, '\0') + names);
+    seeds.keep("names", std::string(1, '\xE0') + names);
+    seeds.keep("names", std::string(1, '\0') + copy);
+    const std::string end = "S9030000FC";
+    const std::size_t first_end = copy.find(end) + end.size();
+    seeds.keep("names", std::string(1, '\0') + copy.substr(0, first_end));
+    seeds.keep("srecord", copy);
+    seeds.keep("srecord", copy.substr(0, first_end));
+    // The block alone, as one slot's data is kept.
+    const std::size_t header_end = copy.find("\r", copy.find("S0")) + 1;
+    seeds.keep("srecord", copy.substr(header_end, first_end - header_end));
+}
+
+void keep_plans(meter::Instrument& meter, SeedFolder& seeds) {
+    const std::string rate = without_blanks(payload(meter, "SYMBRATEQPSK?"));
+    const std::string width = without_blanks(payload(meter, "CHBW?"));
+    std::string tabs =
+        "nome\tpg_num\tfrequenza\tloc_osc\tloc_osc0\tsat_ad\tqpsk_symbolrate\t"
+        "satchbw\tlnb_volt\tK22\tlogger_pos\tlogger_state\tlev_min\toscillator\n";
+    std::string scan = "# transponders\n";
+    int number = 0;
+    for (const int mhz : {10773, 11778, 12515, 3700}) {
+        const std::string frequency = std::to_string(mhz);
+        tabs += "PLAN 1\t00" + std::to_string(number) + '\t' + frequency + "\t0\t1\t1\t" + rate +
+                '\t' + width + "\t1\t1\t0" + std::to_string(number + 1) + "\t1\t45.5\t10600\n";
+        scan += "S " + frequency + "000 V " + rate + "000 3/4\n";
+        ++number;
+    }
+    std::string semicolons = tabs;
+    std::replace(semicolons.begin(), semicolons.end(), '\t', ';');
+    std::replace(semicolons.begin(), semicolons.end(), '.', ',');
+    seeds.keep("plan", std::string(1, '\0') + tabs);
+    seeds.keep("plan", std::string(1, '\1') + semicolons);
+    seeds.keep("plan", std::string(1, '\1') + scan);
+    seeds.keep("plan", std::string(1, '\0') + "frequenza,pg_num\n\"1178,5\",\"a \"\"b\"\"\"\n");
+    seeds.keep("scan", scan);
+    seeds.keep("scan",
+               "[CHANNEL]\n\tDELIVERY_SYSTEM = DVBS2\n\tFREQUENCY = 12515000\n"
+               "\tPOLARIZATION = HORIZONTAL\n\tSYMBOL_RATE = " +
+                   rate + "000\n[X]\n");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 2) {
+        std::fputs("usage: fuzz_seeds FOLDER\n", stderr);
+        return 2;
+    }
+    meter::Instrument meter{meter::Options()};
+    SeedFolder seeds{fs::path(argv[1])};
+    keep_answers(meter, seeds);
+    keep_measures(meter, seeds);
+    keep_logger(meter, seeds);
+    keep_satellites(meter, seeds);
+    keep_plans(meter, seeds);
+    return 0;
+}

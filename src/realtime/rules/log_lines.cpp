@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "log_lines.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace m47 {
+namespace {
+
+const char* find_end(const char* from, const char* stop, char line_end) {
+    if (from == stop) return stop;
+    const void* found = std::memchr(from, line_end, static_cast<std::size_t>(stop - from));
+    return found ? static_cast<const char*>(found) : stop;
+}
+
+}  // namespace
+
+std::optional<std::size_t> take_log_lines(std::string_view text, bool last, PageStore& store) {
+    const char* const begin = text.data();
+    const char* const stop = begin + text.size();
+    const char* at = begin;
+    const char* feed = find_end(at, stop, '\n');
+    const char* carriage = find_end(at, stop, '\r');
+    while (at != stop) {
+        // Each is looked up again only once it has been passed, so that a file with one kind of
+        // line end is not searched to its end for the other at every line.
+        if (feed < at) feed = find_end(at, stop, '\n');
+        if (carriage < at) carriage = find_end(at, stop, '\r');
+        const char* const end = std::min(feed, carriage);
+        const bool unsure = end == stop || (end == carriage && end + 1 == stop);
+        if (unsure && !last) break;
+        if (!store.append_line({at, static_cast<std::size_t>(end - at)})) return {};
+        at = end;
+        if (at != stop) ++at;
+        if (end == carriage && at == feed && at != stop) ++at;
+    }
+    return static_cast<std::size_t>(at - begin);
+}
+
+}  // namespace m47
