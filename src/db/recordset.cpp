@@ -35,7 +35,12 @@ Recordset Recordset::where(const QSqlDatabase& database, const QString& table, c
 
 Recordset::Recordset(const QSqlDatabase& database, const Table& table, const QString& field,
                      const QVariant& value)
-    : connection_(database.connectionName()), table_(&table), field_(field), filter_(value) {
+    : connection_(database.connectionName()),
+      table_(&table),
+      read_statement_(QStringLiteral("SELECT %1 FROM %2 WHERE rowid = ?")
+                          .arg(field_list(table), QLatin1String(table.name))),
+      field_(field),
+      filter_(value) {
     requery();
 }
 
@@ -61,15 +66,12 @@ void Recordset::requery() {
 }
 
 std::optional<Recordset::Row> Recordset::read(qint64 id) const {
-    Query query(database(),
-                QStringLiteral("SELECT %1 FROM %2 WHERE rowid = ?")
-                    .arg(field_list(*table_), QLatin1String(table_->name)),
-                {id});
+    Query query(database(), read_statement_, {id});
     if (!query.next()) return std::nullopt;
     Row row;
-    int column = 0;
-    for (const Field& field : table_->fields)
-        row.insert(QString::fromLatin1(field.name), query.value(column++));
+    row.reserve(table_->fields.size());
+    for (std::size_t place = 0; place < table_->fields.size(); ++place)
+        row.push_back(query.value(static_cast<int>(place)));
     return row;
 }
 
@@ -158,9 +160,9 @@ qint64 Recordset::current_id() const {
 }
 
 QVariant Recordset::value(const QString& field) const {
-    checked_field(*table_, field);
+    const std::size_t place = field_place(*table_, field);
     current_id();
-    return current_->value(field);
+    return (*current_)[place];
 }
 
 QString Recordset::text(const QString& field) const {
@@ -217,7 +219,8 @@ void Recordset::write_changed() {
                           .arg(QLatin1String(table_->name), places.join(kComma)),
                       changed_.values() << current_id());
     if (query.rows_changed() == 0) throw Fault("the record has been deleted");
-    current_->insert(changed_);
+    for (auto change = changed_.cbegin(); change != changed_.cend(); ++change)
+        (*current_)[field_place(*table_, change.key())] = change.value();
 }
 
 void Recordset::join(qint64 id) {

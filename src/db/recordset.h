@@ -76,7 +76,8 @@ class Recordset {
 
   private:
     enum class Pending { nothing, added, edited };
-    using Row = QMap<QString, QVariant>;
+    /// A value for each field of the table, in their order.
+    using Row = std::vector<QVariant>;
 
     Recordset(const QSqlDatabase& database, const Table& table, const QString& field,
               const QVariant& value);
@@ -93,6 +94,8 @@ class Recordset {
     // A name and no handle: the Database can close its connection while sets on it still live.
     QString connection_;
     const Table* table_;
+    /// Asks for all fields of one row.
+    QString read_statement_;
     QString field_;
     QVariant filter_;
     /// The rows of the set in rising order.
@@ -102,7 +105,7 @@ class Recordset {
     qsizetype position_ = -1;
     bool removed_ = false;
     std::optional<Row> current_;
-    Row changed_;
+    QMap<QString, QVariant> changed_;
     Pending pending_ = Pending::nothing;
     qint64 last_added_ = 0;
 };

@@ -123,12 +123,17 @@ const Table& table_named(const QString& name) {
     throw Fault("the database has no table '" + name.toStdString() + "'");
 }
 
-QString checked_field(const Table& table, const QString& field) {
-    const bool known = std::ranges::any_of(
+std::size_t field_place(const Table& table, const QString& field) {
+    const auto place = std::ranges::find_if(
         table.fields, [&](const Field& one) { return field == QLatin1String(one.name); });
-    if (!known)
+    if (place == table.fields.end())
         throw Fault("the table '" + std::string(table.name) + "' has no field '" +
                     field.toStdString() + "'");
+    return static_cast<std::size_t>(place - table.fields.begin());
+}
+
+QString checked_field(const Table& table, const QString& field) {
+    static_cast<void>(field_place(table, field));
     return field;
 }
 

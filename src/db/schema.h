@@ -3,6 +3,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <cstddef>
 #include <span>
 
 namespace m47 {
@@ -41,6 +42,9 @@ const Table& table_named(const QString& name);
 /// `field` itself where `table` has it; an unknown one is a Fault. Only a name that went through
 /// here may become part of a statement.
 QString checked_field(const Table& table, const QString& field);
+
+/// The place of `field` among the fields of `table`, from 0; an unknown one is a Fault.
+std::size_t field_place(const Table& table, const QString& field);
 
 /// The fields of `table` in their order, separated by commas.
 QString field_list(const Table& table);

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "clock_tick.h"
+#include "figure.h"
 #include "link.h"
 #include "real_clock.h"
 #include "real_port.h"
@@ -109,14 +110,19 @@ int main(int argc, char** argv) {
     QProcess meter;
     const QString device = start_meter(meter);
     bool within = !device.isEmpty();
+    double worst = 0;
     for (const int hour : {5, 10, 20}) {
         const std::optional<double> ratio = run_at(std::chrono::hours{hour}, device);
         within = within && ratio && *ratio <= kMostTimesTheFloor;
+        worst = std::max(worst, ratio.value_or(0));
         if (ratio)
             std::printf("  wall / floor: %.3f (bound %.2f)\n", *ratio, kMostTimesTheFloor);
         else
             std::puts("  no answer");
     }
+    if (worst > 0)
+        bench::print_figure("block transfer, worst of the three paces", worst, kMostTimesTheFloor,
+                            "pacing + the half second of rest");
     std::puts(within ? "within the bound" : "THE BOUND IS MISSED");
     meter.terminate();
     meter.waitForFinished();

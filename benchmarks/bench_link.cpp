@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Times 100 level queries over a real line, or over a pseudo-terminal on which a thread answers at
-// the pace of the wire, at each of the three paces that a day has. Prints how near they come to
-// what pacing and meter allow, and what waiting costs the processor.
+// Times 100 level queries and the upload of a plan of 100 programs over a real line, or over a
+// pseudo-terminal on which a thread answers at the pace of the wire, at each of the three paces
+// that a day has. Prints how near they come to what pacing and meter allow, and what waiting costs
+// the processor.
 #include <fcntl.h>
 #include <poll.h>
 #include <pty.h>
@@ -20,9 +21,11 @@
 #include <vector>
 
 #include "clock_tick.h"
+#include "figure.h"
 #include "link.h"
 #include "real_clock.h"
 #include "real_port.h"
+#include "upload_commands.h"
 
 namespace {
 
@@ -45,8 +48,14 @@ double seconds(nanoseconds time) {
     return std::chrono::duration<double>(time).count();
 }
 
-nanoseconds meter_time() {
-    return kMeterDelay + kAnswer.size() * kCharacter;
+/// What the meter says to `command`: every setting is accepted.
+QByteArray answer_to(const QByteArray& command) {
+    if (command == kQuery) return kAnswer;
+    return command == kSlowQuery ? kSlowAnswer : command + "\rOK\r";
+}
+
+nanoseconds meter_time(const QByteArray& command) {
+    return kMeterDelay + answer_to(command).size() * kCharacter;
 }
 
 /// A meter on a pseudo-terminal of its own: a fixed time to think, then the answer at 38400 baud.
@@ -82,9 +91,9 @@ class PacedMeter {
             if (poll(&line, 1, 50) != 1 || read(master_, &character, 1) != 1) continue;
             command += character;
             if (character != '\r') continue;
-            const bool slow = command.startsWith(kSlowQuery);
-            answer(steady_clock::now() + (slow ? kSlowMeterDelay : kMeterDelay),
-                   slow ? kSlowAnswer : kAnswer);
+            command.chop(1);
+            answer(steady_clock::now() + (command == kSlowQuery ? kSlowMeterDelay : kMeterDelay),
+                   answer_to(command));
             command.clear();
         }
     }
@@ -130,13 +139,13 @@ nanoseconds processor_time() {
 
 /// What a transaction that begins now needs: one tick behind each character but the first, whose
 /// tick has begun already, and the meter from the CR on, during which the last tick passes too.
-double ideal_time(const m47::Clock& clock) {
+double ideal_time(const m47::Clock& clock, const QByteArray& command) {
     const double to_tick = clock.until_next_tick();
     const float reading = clock.now();
     const double tick =
         seconds(m47::clock_tick(duration_cast<nanoseconds>(std::chrono::duration<float>(reading))));
-    const auto ticks_to_cr = static_cast<double>(kQuery.size() - 1);
-    return to_tick + ticks_to_cr * tick + std::max(tick, seconds(meter_time()));
+    const auto ticks_to_cr = static_cast<double>(command.size() - 1);
+    return to_tick + ticks_to_cr * tick + std::max(tick, seconds(meter_time(command)));
 }
 
 struct Result {
@@ -153,7 +162,7 @@ std::optional<Result> measure(m47::Link& link, const QByteArray& query, int coun
     const auto begin = steady_clock::now();
     for (int i = 0; i < count; ++i) {
         const auto start = steady_clock::now();
-        result.ideal += ideal_time(link.clock());
+        result.ideal += ideal_time(link.clock(), query);
         if (!link.send(QString::fromLatin1(query))) return std::nullopt;
         result.each.push_back(seconds(steady_clock::now() - start));
     }
@@ -176,24 +185,88 @@ void print(const Result& quick, bool own_meter) {
     std::printf("  processor share, transactions back to back: %.2f %%\n", share(quick));
 }
 
-/// One run whose clock starts at `hour`. False when the meter does not answer.
-bool run_at(std::chrono::hours hour, const QString& device, bool own_meter) {
-    const auto begin = steady_clock::now();
-    m47::RealClock clock([=] { return hour + (steady_clock::now() - begin); });
+/// The ratios of all runs, the worst of each kind.
+struct Ratios {
+    double wall = 0;
+    double waiting = 0;
+    double upload = 0;
+};
+
+/// A link whose clock starts at `hour`.
+struct Line {
+    Line(std::chrono::hours hour, const QString& device) {
+        const auto begin = steady_clock::now();
+        clock.emplace([=] { return hour + (steady_clock::now() - begin); });
+        link.emplace(port, *clock, view);
+        port.select(device);
+        link->port_connected = true;
+    }
     m47::RealPort port;
     EventLoopView view;
-    m47::Link link(port, clock, view);
-    port.select(device);
-    link.port_connected = true;
-    const std::optional<Result> quick = measure(link, kQuery, kTransactions);
+    std::optional<m47::RealClock> clock;
+    std::optional<m47::Link> link;
+};
+
+/// One run whose clock starts at `hour`. False when the meter does not answer.
+bool run_at(std::chrono::hours hour, const QString& device, bool own_meter, Ratios& ratios) {
+    Line line(hour, device);
+    const std::optional<Result> quick = measure(*line.link, kQuery, kTransactions);
     if (!quick) return false;
     print(*quick, own_meter);
     if (!own_meter) return true;
-    const std::optional<Result> slow = measure(link, kSlowQuery, kSlowTransactions);
+    const std::optional<Result> slow = measure(*line.link, kSlowQuery, kSlowTransactions);
     if (!slow) return false;
     std::printf("  processor share while waiting for an answer: %.2f %% (target 3 %%)\n",
                 share(*slow));
+    ratios.wall = std::max(ratios.wall, quick->wall / quick->ideal);
+    ratios.waiting = std::max(ratios.waiting, slow->processor / slow->wall);
     return true;
+}
+
+m47::UploadPlan full_plan() {
+    m47::UploadPlan plan;
+    plan.bandwidth = QStringLiteral("36");
+    plan.oscillators = {QStringLiteral("9750"), QStringLiteral("10600"), QString(), QString()};
+    for (int number = 0; number < 100; ++number) {
+        m47::ProgramRecord program;
+        program.pg_num = QString::number(number);
+        program.frequenza = QString::number(11700 + number * 10);
+        program.loc_osc0 = 1;
+        program.sat_ad = true;
+        program.qpsk_symbolrate = QStringLiteral("27500");
+        program.lnb_volt = 1 + number % 2;
+        program.K22 = 1;
+        program.logger_pos = QString::number(number % 42);
+        program.logger_state = number < 42;
+        plan.programs.push_back(program);
+    }
+    return plan;
+}
+
+/// The upload at the quickest pace of a day, command by command. False when one is refused.
+bool run_upload(const QString& device, Ratios& ratios) {
+    Line line(5h, device);
+    double ideal = 0;
+    const QStringList commands = m47::upload_commands(full_plan(), m47::kAppend, {});
+    const auto begin = steady_clock::now();
+    for (const QString& command : commands) {
+        ideal += ideal_time(*line.clock, command.toLatin1());
+        if (!line.link->send(command) || line.link->reply_text != u"OK") return false;
+    }
+    const double wall = seconds(steady_clock::now() - begin);
+    ratios.upload = wall / ideal;
+    std::printf(
+        "upload of 100 programs: %d commands in %.3f s, wall / (pacing + meter time): %.3f\n",
+        static_cast<int>(commands.size()), wall, ratios.upload);
+    return true;
+}
+
+void print_figures(const Ratios& ratios) {
+    bench::print_figure("transaction, worst of the three paces", ratios.wall, 1.05,
+                        "pacing + meter time");
+    bench::print_figure("processor share while waiting", ratios.waiting, 0.03, "wall time");
+    bench::print_figure("upload of a plan of 100 programs", ratios.upload, 1.05,
+                        "pacing + meter time");
 }
 
 }  // namespace
@@ -204,11 +277,17 @@ int main(int argc, char** argv) {
     if (argc < 2) meter.emplace();
 
     const QString device = meter ? meter->device() : QString::fromLocal8Bit(argv[1]);
+    Ratios ratios;
+    bool answered = true;
     for (const std::chrono::hours hour : {5h, 10h, 20h}) {
         std::printf("from %02d:00\n", static_cast<int>(hour.count()));
-        if (run_at(hour, device, meter.has_value())) continue;
+        answered = answered && run_at(hour, device, meter.has_value(), ratios);
+    }
+    if (meter) answered = answered && run_upload(device, ratios);
+    if (!answered) {
         std::fprintf(stderr, "no answer on %s\n", qPrintable(device));
         return 1;
     }
+    if (meter) print_figures(ratios);
     return 0;
 }

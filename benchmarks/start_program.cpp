@@ -1,0 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The program as it is, but for ending at its first painted window.
+#include "application.h"
+
+int main(int argc, char** argv) {
+    return m47::run_program(argc, argv);
+}
