@@ -70,6 +70,7 @@ Program::Program(ProgramState& state, std::unique_ptr<Database> database, PortLi
         watch_.reset();
         window_.allow_reconnect();
     };
+    identification_.on_version = [this](const QString& version) { state_.meter_version = version; };
     on(&window_, &M47MDI::reconnect_asked, &window_, "cmdreconnect_Click", [this] { reconnect(); });
     QObject::connect(&watch_timer_, &QTimer::timeout, &window_, [this] { watch_device(); });
     watch_timer_.start(kDeviceWatchInterval);

@@ -91,14 +91,10 @@ bool SlotBackup::agree_to_damage(const QList<int>& damaged, const Bilingual& que
 
 /// Whole or not at all; false, with a message, when it cannot be written.
 bool SlotBackup::save(const QString& path, const SlotTable& table) {
-    QSaveFile file(path);
-    const QByteArray text = slots_text(table, kLineEnd).toLatin1();
-    const bool saved =
-        file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && put_in_place(file);
-    if (!saved)
-        warn(program_.texts.pick(asl_text::kCannotWrite)
-                 .arg(QDir::toNativeSeparators(path), file.errorString()));
-    return saved;
+    const QString reason = write_whole_file(path, slots_text(table, kLineEnd).toLatin1());
+    if (reason.isEmpty()) return true;
+    warn(program_.texts.pick(asl_text::kCannotWrite).arg(QDir::toNativeSeparators(path), reason));
+    return false;
 }
 
 SlotTable SlotBackup::slots_in_file(const QString& path) {

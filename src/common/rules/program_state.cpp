@@ -7,6 +7,11 @@ QString folder_with_separator(const QString& folder) {
     return folder.endsWith(u'/') ? folder : folder + u'/';
 }
 
+QString unit_name(int unit) {
+    if (unit == kDbmv) return QStringLiteral("dBmV");
+    return unit == kDbm ? QStringLiteral("dBm") : QStringLiteral("dBuV");
+}
+
 double unit_offset(int unit) {
     switch (unit) {
         case kDbmv:

@@ -15,6 +15,9 @@ struct ProgramState {
     /// The folder the program works in, as `folder_with_separator` gives it.
     QString base_dir;
     Texts texts;
+    /// The version that the meter identified last has told, "PLUS V3.0.5"; empty where none
+    /// answers.
+    QString meter_version;
     /// The level unit in force, a LevelUnit; shared by the plan and the real-time screen.
     int unit_index = kDbuv;
     /// The name of the logger's temporary file in `base_dir`; empty before the first download.
@@ -25,6 +28,9 @@ struct ProgramState {
 
 /// `folder` with one separator at its end: none is added where it ends in one already (a root).
 QString folder_with_separator(const QString& folder);
+
+/// The name of a level unit, "dBuV".
+QString unit_name(int unit);
 
 /// How many dB a level in `unit` lies below the same level in dBuV: 0, 60 or 109.
 double unit_offset(int unit);

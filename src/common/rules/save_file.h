@@ -13,4 +13,13 @@ inline bool put_in_place(QSaveFile& file) {
     return file.flush() && file.commit();
 }
 
+/// Puts `bytes` as a file in the place of what stood at `path` before, whole or not at all. Nothing
+/// on success, else the reason.
+inline QString write_whole_file(const QString& path, const QByteArray& bytes) {
+    QSaveFile file(path);
+    const bool written =
+        file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && put_in_place(file);
+    return written ? QString() : file.errorString();
+}
+
 }  // namespace m47

@@ -79,6 +79,7 @@ void Identification::show_presence(int number) {
 
 void Identification::show_version() {
     const QString version = link_.reply_text;
+    if (on_version) on_version(version);
     window_.set_caption(window_.caption() + u' ' + version);
     link_.view().set_progress(0);
     if (version_number(version) >= kPlusVersion)

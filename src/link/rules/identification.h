@@ -43,6 +43,9 @@ class Identification {
     /// Called when a port has been picked, before its meter is asked.
     std::function<void()> on_picked;
 
+    /// Called with each answer of a meter to the question for its version; empty where none came.
+    std::function<void(const QString& version)> on_version;
+
     /// Identifies the meter behind the device picked last once more, wherever that is plugged in
     /// now. The language stays and the caption does not grow again. Does nothing before a port has
     /// been picked.

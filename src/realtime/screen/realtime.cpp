@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "realtime.h"
 
+#include <QApplication>
 #include <QFileDialog>
 #include <QHeaderView>
 #include <QScrollBar>
@@ -11,6 +12,9 @@
 #include "icons.h"
 #include "key_filter.h"
 #include "realtime_tooltips.h"
+#include "report_file.h"
+#include "report_form.h"
+#include "tables.h"
 #include "text_printer.h"
 #include "twips.h"
 #include "ui_realtime.h"
@@ -23,6 +27,9 @@ constexpr int kColumnTwips = 750;
 
 constexpr Bilingual kPageTab{"Measurement page", "Pagina misure"};
 constexpr Bilingual kTrendTab{"Trend", "Andamento"};
+constexpr Bilingual kReportEntry{"&Report…", "&Rapporto…"};
+constexpr Bilingual kReportNotSaved{"The report was not saved as '%1': %2",
+                                    "Il rapporto non è stato salvato come '%1': %2"};
 
 }  // namespace
 
@@ -30,6 +37,7 @@ Realtime::Realtime(Link& link, ProgramState& program, Database& database, QWidge
     : QMainWindow(parent),
       rules(link, program, database),
       program_(program),
+      database_(database),
       ui_(std::make_unique<Ui::Realtime>()) {
     ui_->setupUi(this);
     binding_ = std::make_unique<PanelBinding>(this, rules.panel);
@@ -162,6 +170,7 @@ void Realtime::connect_menu() {
         connect(units[k], &QAction::triggered, this, [this, k] {
             handle("cmdlev_Click", [this, k] { rules.modes.cmdlev_Click(static_cast<int>(k)); });
         });
+    on(ui_->cmdreport, &QAction::triggered, this, "cmdreport_Click", [this] { cmdreport_Click(); });
     connect(ui_->cmdexit, &QAction::triggered, this, &Realtime::exit_asked);
 }
 
@@ -237,6 +246,7 @@ void Realtime::show_tab_captions() {
     ui_->page_tabs->setTabText(0, program_.texts.pick(kPageTab));
     ui_->page_tabs->setTabText(1, program_.texts.pick(kTrendTab));
     ui_->trend->set_texts(program_.texts);
+    ui_->cmdreport->setText(program_.texts.pick(kReportEntry));
 }
 
 void Realtime::follow_page() {
@@ -290,6 +300,37 @@ void Realtime::show_log_state(const QString& reason) {
 
 void Realtime::createdoc() {
     print_text(this, windowTitle(), print_lines(rules.page).join(u'\n'));
+}
+
+void Realtime::cmdreport_Click() {
+    ReportForm form(program_.base_dir, program_.texts, this);
+    if (form.exec() == QDialog::Accepted) write_report(form.path(), form.entry());
+}
+
+QList<ReportLimits> Realtime::limits_in_force() {
+    if (rules.state.acq_kind != kPlan || !rules.modes.rs_programs)
+        return {limits_of_panel(rules.panel, rules.state)};
+    // A set of its own: a pass may be going through the plan's.
+    Recordset programs = database_.of_plan(QLatin1String(table::kProgrammi), rules.panel.grp_name);
+    return limits_of_plan(programs, rules.panel);
+}
+
+void Realtime::write_report(const QString& file, const ReportEntry& entry) {
+    const bool plan = rules.state.acq_kind == kPlan;
+    const ReportContext context{.entry = entry,
+                                .meter = program_.meter_version,
+                                .made = QDateTime::currentDateTime(),
+                                .plan = plan ? rules.panel.grp_name : QString(),
+                                .unit = unit_name(program_.unit_index),
+                                .limits = limits_in_force()};
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    const QString reason = save_report(
+        file, rules.page.store(), context,
+        [this](Quantity quantity) { return trend_limits(quantity, rules.panel, rules.state); },
+        program_.texts);
+    QApplication::restoreOverrideCursor();
+    if (!reason.isEmpty())
+        report_fault(this, program_.texts.pick(kReportNotSaved).arg(file, reason));
 }
 
 }  // namespace m47

@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 
+#include "customer_report.h"
 #include "panel_binding.h"
 #include "realtime_rules.h"
 #include "timer_ticker.h"
@@ -36,6 +37,9 @@ class Realtime : public QMainWindow {
     /// Opens `file` as the log, as the key "save" does with the chosen name.
     void open_log(const QString& file);
 
+    /// Writes the report of the page to `file`; a failure shows one message box.
+    void write_report(const QString& file, const ReportEntry& entry);
+
   Q_SIGNALS:
     /// The menu entry "&Exit": the screen asks to be closed.
     void exit_asked();
@@ -62,9 +66,12 @@ class Realtime : public QMainWindow {
     void show_log_name();
     void show_log_state(const QString& reason);
     void createdoc();
+    void cmdreport_Click();
+    QList<ReportLimits> limits_in_force();
     void follow_page();
 
     ProgramState& program_;
+    Database& database_;
     std::unique_ptr<Ui::Realtime> ui_;
     std::unique_ptr<PanelBinding> binding_;
     QString file_name_tooltip_;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "trend_files.h"
 
+#include <QBuffer>
 #include <QPdfWriter>
 
 #include "save_file.h"
@@ -37,8 +38,8 @@ bool draw_page(QIODevice& file, TrendPlot& plot) {
 
 QString save_trend(const QString& path, TrendPlot& plot,
                    std::span<const TrendSeries* const> series) {
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) return file.errorString();
+    QBuffer file;
+    file.open(QIODevice::WriteOnly);
     bool drawn = false;
     if (path.endsWith(QLatin1String(".tsv"), Qt::CaseInsensitive))
         drawn = write_trend_table(file, series);
@@ -46,8 +47,7 @@ QString save_trend(const QString& path, TrendPlot& plot,
         plot.on_paper([&] { drawn = draw_page(file, plot); });
     else
         plot.on_paper([&] { drawn = draw_picture(file, plot); });
-    if (drawn && put_in_place(file)) return {};
-    return file.errorString();
+    return drawn ? write_whole_file(path, file.data()) : file.errorString();
 }
 
 }  // namespace m47

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "report_limits.h"
+
+#include "numbers.h"
+
+namespace m47 {
+namespace {
+
+QString limit_text(const QString& limit) {
+    // A box without a number counts as 0, also where it is empty.
+    return limit.trimmed().isEmpty() ? QStringLiteral("0") : limit.trimmed();
+}
+
+QString between(bool enabled, const QString& minimum, const QString& maximum) {
+    if (!enabled) return {};
+    return limit_text(minimum) + QStringLiteral(" … ") + limit_text(maximum);
+}
+
+ReportLimits limits_of_record(const Recordset& program, const RealtimePanel& panel) {
+    const bool digital = typed_value(program.text(QStringLiteral("sat_ad"))) == 1;
+    const auto limits = [&](bool enabled, const char* minimum, const char* maximum) {
+        return between(enabled, program.text(QLatin1String(minimum)),
+                       program.text(QLatin1String(maximum)));
+    };
+    ReportLimits made;
+    made.program = program.text(QStringLiteral("pg_num")).trimmed();
+    made.frequency = program.text(QStringLiteral("frequenza")).trimmed();
+    made.level =
+        limits(digital ? panel.alarm_stated[0] : panel.alarm_statea[0], "lev_min", "lev_max");
+    made.cn =
+        limits(digital ? panel.alarm_stated[1] : panel.alarm_statea[1], "noise_min", "noise_max");
+    made.ber = limits(digital && panel.alarm_stated[2], "chber_min", "chber_max");
+    made.mer = limits(digital && panel.alarm_stated[3], "mer_min", "mer_max");
+    return made;
+}
+
+}  // namespace
+
+ReportLimits limits_of_panel(const RealtimePanel& panel, const RealtimeState& state) {
+    ReportLimits made;
+    made.frequency = panel.fsat.trimmed();
+    if (state.meas_mode == kDigitalMode) {
+        made.level = between(panel.alarm_stated[0], panel.lev_mind, panel.lev_maxd);
+        made.cn = between(panel.alarm_stated[1], panel.cn_mind, panel.cn_maxd);
+        made.ber = between(panel.alarm_stated[2], panel.chber_mind, panel.chber_maxd);
+        made.mer = between(panel.alarm_stated[3], panel.mer_mind, panel.mer_maxd);
+    } else {
+        made.level = between(panel.alarm_statea[0], panel.lev_mina, panel.lev_maxa);
+        made.cn = between(panel.alarm_statea[1], panel.cn_mina, panel.cn_maxa);
+    }
+    return made;
+}
+
+QList<ReportLimits> limits_of_plan(Recordset& programs, const RealtimePanel& panel) {
+    QList<ReportLimits> all;
+    for (programs.move_first(); !programs.end_of_set(); programs.move_next())
+        if (typed_value(programs.text(QStringLiteral("monitor_state"))) == 1)
+            all.append(limits_of_record(programs, panel));
+    return all;
+}
+
+}  // namespace m47

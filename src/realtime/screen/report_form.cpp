@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "report_form.h"
+
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QPushButton>
+
+#include "handler.h"
+#include "tooltips.h"
+#include "ui_report_form.h"
+
+namespace m47 {
+namespace {
+
+constexpr Bilingual kFormTitle{"Report", "Rapporto"};
+constexpr Bilingual kSiteLabel{"&Site:", "&Luogo:"};
+constexpr Bilingual kTechnicianLabel{"&Technician:", "&Tecnico:"};
+constexpr Bilingual kNotesLabel{"&Notes:", "&Note:"};
+constexpr Bilingual kFileLabel{"&File:", "&File:"};
+constexpr Bilingual kBrowse{"&Browse…", "S&foglia…"};
+constexpr Bilingual kSaveReport{"&Save", "&Salva"};
+constexpr Bilingual kCancelReport{"&Cancel", "&Annulla"};
+constexpr Bilingual kProposedName{"report", "rapporto"};
+constexpr Bilingual kReplace{"'%1' exists already. Replace it?", "'%1' esiste già. Sostituirlo?"};
+
+constexpr Tooltip kFormTips[] = {
+    {"report_site", "Where was measured", "Dove si è misurato"},
+    {"report_technician", "Who has measured", "Chi ha misurato"},
+    {"report_notes", "Remarks for the customer", "Osservazioni per il cliente"},
+    {"report_file", "The PDF file that is written", "Il file PDF che viene scritto"},
+    {"report_browse", "Choose the file", "Scegli il file"},
+};
+
+const QString kReportSuffix = QStringLiteral("pdf");
+
+}  // namespace
+
+ReportForm::ReportForm(const QString& directory, const Texts& texts, QWidget* parent)
+    : QDialog(parent), ui_(std::make_unique<Ui::ReportForm>()), directory_(directory) {
+    ui_->setupUi(this);
+    set_captions(texts);
+    ui_->report_file->setText(
+        QDir(directory).filePath(texts.pick(kProposedName) + u'.' + kReportSuffix));
+    on(ui_->report_browse, &QPushButton::clicked, this, "report_browse_Click",
+       [this, &texts] { browse(texts.pick(kFormTitle)); });
+    connect(ui_->report_buttons, &QDialogButtonBox::accepted, this,
+            [this, &texts] { confirm(texts); });
+    connect(ui_->report_buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    QPushButton* save = ui_->report_buttons->button(QDialogButtonBox::Save);
+    connect(ui_->report_file, &QLineEdit::textChanged, save,
+            [save](const QString& text) { save->setEnabled(!text.trimmed().isEmpty()); });
+}
+
+ReportForm::~ReportForm() = default;
+
+void ReportForm::set_captions(const Texts& texts) {
+    setWindowTitle(texts.pick(kFormTitle));
+    ui_->report_site_label->setText(texts.pick(kSiteLabel));
+    ui_->report_technician_label->setText(texts.pick(kTechnicianLabel));
+    ui_->report_notes_label->setText(texts.pick(kNotesLabel));
+    ui_->report_file_label->setText(texts.pick(kFileLabel));
+    ui_->report_browse->setText(texts.pick(kBrowse));
+    ui_->report_buttons->button(QDialogButtonBox::Save)->setText(texts.pick(kSaveReport));
+    ui_->report_buttons->button(QDialogButtonBox::Cancel)->setText(texts.pick(kCancelReport));
+    set_tooltips(this, kFormTips, texts);
+}
+
+ReportEntry ReportForm::entry() const {
+    return {ui_->report_site->text(), ui_->report_technician->text(),
+            ui_->report_notes->toPlainText()};
+}
+
+QString ReportForm::path() const {
+    QString path = QDir(directory_).absoluteFilePath(ui_->report_file->text().trimmed());
+    if (QFileInfo(path).suffix().compare(kReportSuffix, Qt::CaseInsensitive) != 0)
+        path += u'.' + kReportSuffix;
+    return path;
+}
+
+void ReportForm::browse(const QString& title) {
+    QFileDialog dialog(this, title);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setFileMode(QFileDialog::AnyFile);
+    dialog.setNameFilter(QStringLiteral("PDF (*.pdf)"));
+    dialog.setDefaultSuffix(kReportSuffix);
+    dialog.setDirectory(directory_);
+    dialog.selectFile(QFileInfo(path()).fileName());
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return;
+    ui_->report_file->setText(dialog.selectedFiles().constFirst());
+    confirmed_ = path();
+}
+
+void ReportForm::confirm(const Texts& texts) {
+    if (path() != confirmed_ && QFileInfo::exists(path())) {
+        const auto answer =
+            QMessageBox::question(this, windowTitle(), texts.pick(kReplace).arg(path()));
+        if (answer != QMessageBox::Yes) return;
+    }
+    accept();
+}
+
+}  // namespace m47

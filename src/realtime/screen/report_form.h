@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QDialog>
+#include <memory>
+
+#include "customer_report.h"
+
+namespace Ui {
+class ReportForm;
+}
+
+namespace m47 {
+
+/// Asks what the report for the customer cannot know: where, who, and into which file.
+class ReportForm : public QDialog {
+    Q_OBJECT
+  public:
+    /// `directory` is where the file is proposed.
+    ReportForm(const QString& directory, const Texts& texts, QWidget* parent);
+    ~ReportForm() override;
+
+    ReportEntry entry() const;
+    /// The file with its suffix; one without a folder lies in the directory proposed.
+    QString path() const;
+
+  private:
+    void set_captions(const Texts& texts);
+    void browse(const QString& title);
+    void confirm(const Texts& texts);
+
+    std::unique_ptr<Ui::ReportForm> ui_;
+    QString directory_;
+    QString confirmed_;  ///< a file that the file dialog has already asked about
+};
+
+}  // namespace m47

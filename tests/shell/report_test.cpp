@@ -1,0 +1,229 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The report for the customer, from the menu of the real-time screen to the PDF that is read back.
+#include <sys/resource.h>
+
+#include <QDialogButtonBox>
+#include <QElapsedTimer>
+#include <QMenu>
+#include <QPlainTextEdit>
+#include <QProcess>
+#include <csignal>
+
+#include "box_answers.h"
+#include "program.h"
+#include "realtime.h"
+
+namespace m47 {
+
+class ReportTest : public QObject {
+    Q_OBJECT
+
+  private:
+    std::unique_ptr<QTemporaryDir> folder_;
+    ProgramState state_;
+    std::unique_ptr<Program> program_;
+    Realtime* screen_ = nullptr;
+    BoxAnswers boxes_;
+
+    QString file(const QString& name) const { return folder_->filePath(name); }
+    template <class Kind>
+    static Kind* in(QDialog* dialog, const char* name) {
+        auto* found = dialog->findChild<Kind*>(QLatin1String(name));
+        if (!found) qFatal("no %s", name);
+        return found;
+    }
+    static void press(QDialog* dialog, QDialogButtonBox::StandardButton button) {
+        auto* buttons = in<QDialogButtonBox>(dialog, "report_buttons");
+        QTest::mouseClick(buttons->button(button), Qt::LeftButton);
+    }
+    void ask_for_report() { screen_->findChild<QAction*>("cmdreport")->trigger(); }
+    static QString read(const QString& pdf, const QStringList& options = {}) {
+        QProcess reader;
+        reader.start("pdftotext", QStringList{"-layout"} + options + QStringList{pdf, "-"});
+        if (!reader.waitForFinished()) qFatal("no pdftotext");
+        return QString::fromUtf8(reader.readAllStandardOutput());
+    }
+    static QString words(const QString& pdf) { return read(pdf).simplified(); }
+    void add_rows(int count, const char* status = "PASS") {
+        for (int k = 0; k < count; ++k)
+            screen_->rules.page.append({"21/11/26",
+                                        QTime(10, 0).addSecs(k % 80000).toString("HH:mm:ss"),
+                                        "11778.0", "10600", QString::number(50 + k % 5) + ".3",
+                                        "2.0E-4", "", "", "14.2", "", status});
+    }
+    QByteArray content(const QString& path) {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+  private Q_SLOTS:
+    void init() {
+        folder_ = std::make_unique<QTemporaryDir>();
+        state_ = ProgramState();
+        state_.base_dir = folder_with_separator(folder_->path());
+        const QString path = state_.base_dir + QLatin1String(kDatabaseFile);
+        DatabaseError error{};
+        QVERIFY(Database::create(path, error));
+        program_ = std::make_unique<Program>(state_, Database::open(path, error), PortList());
+        program_->window().show();
+        program_->window().findChild<QAction*>("cmdinglese")->trigger();
+        program_->window().findChild<QAction*>("realtime")->trigger();
+        screen_ = qobject_cast<Realtime*>(program_->window().screen_of("realtime"));
+        boxes_.take_seen();
+    }
+    void cleanup() { program_.reset(); }
+
+    void the_dialog_leads_to_a_pdf_with_all_of_it() {
+        add_rows(3);
+        add_rows(1, "FAIL");
+        state_.meter_version = "PLUS V3.0.5";
+        screen_->rules.panel.alarm_statea[0] = true;
+        screen_->rules.panel.lev_mina = "45";
+        screen_->rules.panel.lev_maxa = "80";
+        boxes_.answer([this](QDialog* form) {
+            QTest::keyClicks(in<QLineEdit>(form, "report_site"), "Via Roma 1");
+            QTest::keyClicks(in<QLineEdit>(form, "report_technician"), "A. Rossi");
+            QTest::keyClicks(in<QPlainTextEdit>(form, "report_notes"), "Second dish moved");
+            QCOMPARE(in<QLineEdit>(form, "report_file")->text(), file("report.pdf"));
+            in<QLineEdit>(form, "report_file")->setText("roma");
+            press(form, QDialogButtonBox::Save);
+        });
+        ask_for_report();
+        QCOMPARE(boxes_.take_seen(), QStringList("report_form"));
+        const QString read = words(file("roma.pdf"));
+        for (const char* text :
+             {"Measurement report", "Site Via Roma 1", "Technician A. Rossi", "Meter PLUS V3.0.5",
+              "Notes Second dish moved", "Plan none (single elements)", "Level unit dBuV",
+              "FAIL — 4 measurements: 3 PASS, 1 FAIL, 0 without limits", "45 … 80",
+              "11778.0 10600 4 3 1 50.3 … 52.3", "All 4 measurements.", "Trend",
+              "DATE TIME FR OSC LEV BER PVBER CFO MER RU STATUS",
+              "21/11/26 10:00:02 11778.0 10600 52.3 2.0E-4 14.2 PASS",
+              "21/11/26 10:00:00 11778.0 10600 50.3 2.0E-4 14.2 FAIL", "Page 1 of"})
+            QVERIFY2(read.contains(QString::fromUtf8(text)), text);
+    }
+
+    void the_trend_is_in_it() {
+        const Texts& texts = state_.texts;
+        screen_->write_report(file("without.pdf"), {});
+        QVERIFY(words(file("without.pdf")).contains("No measurement has a place on the trend."));
+        add_rows(30);
+        screen_->write_report(file("with.pdf"), {});
+        const QString read = words(file("with.pdf"));
+        QVERIFY(!read.contains("No measurement has a place on the trend."));
+        // What only the chart's axes and its legend say.
+        QVERIFY(read.contains("MER (dB)"));
+        QVERIFY(read.contains("11778.0 / 10600"));
+        QCOMPARE(texts.language, int(kEnglish));
+    }
+
+    void it_is_in_the_language_in_use() {
+        program_->window().findChild<QAction*>("cmditaliano")->trigger();
+        add_rows(2);
+        boxes_.answer([](QDialog* form) {
+            QCOMPARE(form->windowTitle(), QStringLiteral("Rapporto"));
+            QVERIFY(in<QLineEdit>(form, "report_file")->text().endsWith("/rapporto.pdf"));
+            press(form, QDialogButtonBox::Save);
+        });
+        ask_for_report();
+        const QString read = words(file("rapporto.pdf"));
+        QVERIFY(read.contains("Rapporto di misura"));
+        QVERIFY(read.contains("Tutte le 2 misure."));
+        QVERIFY(read.contains("Pagina 1 di"));
+        QVERIFY(!read.contains("Measurement"));
+    }
+
+    void the_header_stands_on_every_page_and_long_notes_are_whole() {
+        add_rows(200);
+        QString notes;
+        for (int k = 1; k <= 120; ++k) notes += QStringLiteral("remark%1 of the customer ").arg(k);
+        screen_->write_report(file("long.pdf"), {"Site", "", notes});
+        const QString read = words(file("long.pdf"));
+        for (int k = 1; k <= 120; ++k)
+            QVERIFY2(read.contains(QStringLiteral("remark%1 of").arg(k)), qPrintable(read));
+        const auto count = [](const QString& text, const QString& word) {
+            return text.count(word);
+        };
+        const int pages = static_cast<int>(count(read, "Page "));
+        QVERIFY(pages > 3);
+        QVERIFY(read.contains(QStringLiteral("Page %1 of %1").arg(pages)));
+        const QString last = ReportTest::read(file("long.pdf"), {"-f", QString::number(pages)});
+        QVERIFY(last.simplified().startsWith("DATE TIME FR OSC"));
+        QCOMPARE(count(read, "21/11/26 10:0"), 200);
+    }
+
+    void a_cancelled_dialog_writes_nothing() {
+        add_rows(1);
+        boxes_.answer([](QDialog* form) { press(form, QDialogButtonBox::Cancel); });
+        ask_for_report();
+        QVERIFY(QDir(folder_->path()).entryList({"*.pdf"}).isEmpty());
+    }
+
+    void a_file_that_is_there_is_not_lost_unasked() {
+        add_rows(1);
+        QFile there(file("report.pdf"));
+        QVERIFY(there.open(QIODevice::WriteOnly));
+        there.write("mine");
+        there.close();
+        // Pressed a moment later: the question that follows is answered by the same user.
+        boxes_.answer([](QDialog* form) {
+            QTimer::singleShot(0, form, [form] { press(form, QDialogButtonBox::Save); });
+        });
+        boxes_.press(QMessageBox::No);
+        boxes_.answer([](QDialog* form) { press(form, QDialogButtonBox::Cancel); });
+        ask_for_report();
+        const QStringList seen = boxes_.take_seen();
+        QCOMPARE(seen.size(), 3);
+        QVERIFY(seen[1].startsWith("question|Report|"));
+        QCOMPARE(content(file("report.pdf")), QByteArray("mine"));
+    }
+
+    void a_folder_that_is_not_there_is_one_box() {
+        add_rows(1);
+        boxes_.press(QMessageBox::Ok);
+        screen_->write_report(file("no/such/report.pdf"), {});
+        const QStringList seen = boxes_.take_seen();
+        QCOMPARE(seen.size(), 1);
+        QVERIFY2(seen[0].startsWith("critical|M47|The report was not saved as '"),
+                 qPrintable(seen[0]));
+    }
+
+    void a_full_disk_leaves_the_old_file_whole() {
+        add_rows(50);
+        QFile there(file("report.pdf"));
+        QVERIFY(there.open(QIODevice::WriteOnly));
+        there.write("the report of yesterday");
+        there.close();
+        rlimit before{};
+        getrlimit(RLIMIT_FSIZE, &before);
+        const auto signal_before = std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit small{2000, before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &small);
+        boxes_.press(QMessageBox::Ok);
+        screen_->write_report(file("report.pdf"), {});
+        setrlimit(RLIMIT_FSIZE, &before);
+        std::signal(SIGXFSZ, signal_before);
+        QCOMPARE(boxes_.take_seen().size(), 1);
+        QCOMPARE(content(file("report.pdf")), QByteArray("the report of yesterday"));
+        QCOMPARE(QDir(folder_->path()).entryList({"report*"}).size(), 1);
+    }
+
+    void a_page_of_a_million_rows_is_done_in_seconds() {
+        PageStore store;
+        for (int row = 0; row < 1'000'000; ++row)
+            store.append_line("21/11/26\t10:00:00\t950.0\t10600\t58.3\t\t\t\t\t\tPASS");
+        screen_->rules.page.replace(std::move(store));
+        QElapsedTimer timer;
+        timer.start();
+        screen_->write_report(file("million.pdf"), {});
+        QVERIFY2(timer.elapsed() < 15000, qPrintable(QString::number(timer.elapsed())));
+        const QString read = words(file("million.pdf"));
+        QVERIFY(read.contains("The newest 1000 of 1000000 measurements. The 999000 before them"));
+        QVERIFY(read.contains("PASS — 1000000 measurements: 1000000 PASS, 0 FAIL"));
+        QVERIFY(QFileInfo(file("million.pdf")).size() < 2'000'000);
+    }
+};
+
+}  // namespace m47
+
+QTEST_MAIN(m47::ReportTest)
+#include "report_test.moc"
