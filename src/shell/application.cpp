@@ -113,6 +113,7 @@ int run_with_options(int argc, char** argv, const Options& options) {
         return options.unattended() ? kDatabase : 1;
     }
     state.base_dir = folder_with_separator(QDir::currentPath());
+    if (!options.unattended()) state.preferences = Preferences(Preferences::usual_file());
     std::unique_ptr<Database> database = open_database(state, options);
     if (!database) return options.unattended() ? kDatabase : 1;
     if (!options.import_database.isEmpty())

@@ -7,6 +7,7 @@
 #include <cstdio>
 
 #include "clash_dialog.h"
+#include "file_question.h"
 #include "import_apply.h"
 #include "import_report.h"
 #include "old_reader.h"
@@ -40,13 +41,18 @@ bool anything_clashes(const ImportPlan& plan) {
 
 }  // namespace
 
-ImportCommand::ImportCommand(Database& database, const Texts& texts, QWidget& window,
+ImportCommand::ImportCommand(Database& database, const ProgramState& program, QWidget& window,
                              std::function<void()> pump)
-    : database_(database), texts_(texts), window_(window), pump_(std::move(pump)) {}
+    : database_(database),
+      program_(program),
+      texts_(program.texts),
+      window_(window),
+      pump_(std::move(pump)) {}
 
 void ImportCommand::cmdimportdb_Click() {
-    const QString path = QFileDialog::getOpenFileName(&window_, texts_.pick(kImportTitle),
-                                                      QString(), texts_.pick(kFileKinds));
+    QFileDialog dialog(&window_, texts_.pick(kImportTitle), QString(), texts_.pick(kFileKinds));
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    const QString path = ask_for_file(dialog, program_);
     if (!path.isEmpty()) import_file(path);
 }
 

@@ -6,7 +6,7 @@
 #include <functional>
 
 #include "database.h"
-#include "texts.h"
+#include "program_state.h"
 
 namespace m47 {
 
@@ -14,7 +14,7 @@ namespace m47 {
 class ImportCommand {
   public:
     /// Its boxes stand over `window`; `pump` keeps the windows alive while the file is read.
-    ImportCommand(Database& database, const Texts& texts, QWidget& window,
+    ImportCommand(Database& database, const ProgramState& program, QWidget& window,
                   std::function<void()> pump);
 
     /// Asks for the file, for what is to become of every plan and satellite that is there already,
@@ -25,6 +25,7 @@ class ImportCommand {
     void import_file(const QString& path);
 
     Database& database_;
+    const ProgramState& program_;
     const Texts& texts_;
     QWidget& window_;
     std::function<void()> pump_;

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "mdi.h"
 
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QScreen>
 #include <QTimer>
 #include <chrono>
 
@@ -87,16 +90,59 @@ void M47MDI::open_screen(const QString& key) {
     front_ = view;
     views_[key] = view;
     view->show();
+    restore_place_of(key, view);
     keep_inside(view);
+    view->installEventFilter(this);
     maker.load(screen);
     if (maker.activate) maker.activate(screen);
 }
 
 void M47MDI::keep_inside(QMdiSubWindow* view) const {
     const QSize room = ui_->screens->viewport()->size();
+    if (view->isMaximized()) return;
     view->resize(view->size().boundedTo(room));
     const QPoint furthest(room.width() - view->width(), room.height() - view->height());
-    view->move(qMin(view->x(), furthest.x()), qMin(view->y(), furthest.y()));
+    view->move(qMax(0, qMin(view->x(), furthest.x())), qMax(0, qMin(view->y(), furthest.y())));
+}
+
+void M47MDI::restore_place() {
+    const std::optional<WindowPlace> place = program_.preferences.place(objectName());
+    if (!place) return;
+    const QScreen* screen = QGuiApplication::screenAt(place->rect.center());
+    // A window whose screen is no longer plugged in comes back where it can be seen.
+    if (screen) move(place->rect.topLeft());
+    resize(place->rect.size().boundedTo((screen ? screen : this->screen())->availableSize()));
+    if (place->maximised) setWindowState(windowState() | Qt::WindowMaximized);
+}
+
+void M47MDI::closeEvent(QCloseEvent* event) {
+    QMainWindow::closeEvent(event);
+    if (!event->isAccepted()) return;
+    program_.preferences.keep_place(objectName(),
+                                    {QRect(pos(), normalGeometry().size()), isMaximized()});
+    for (auto view = views_.cbegin(); view != views_.cend(); ++view)
+        if (view.value()) keep_place_of(view.key(), view.value());
+}
+
+bool M47MDI::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Close) {
+        const auto* view = qobject_cast<const QMdiSubWindow*>(watched);
+        const QString key = view ? key_of(view) : QString();
+        if (!key.isEmpty()) keep_place_of(key, view);
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+void M47MDI::restore_place_of(const QString& key, QMdiSubWindow* view) const {
+    const std::optional<WindowPlace> place = program_.preferences.place(key);
+    if (!place) return;
+    view->setGeometry(place->rect);
+    if (place->maximised) view->showMaximized();
+}
+
+void M47MDI::keep_place_of(const QString& key, const QMdiSubWindow* view) const {
+    if (!view->isMinimized())
+        program_.preferences.keep_place(key, {view->geometry(), view->isMaximized()});
 }
 
 QString M47MDI::key_of(const QMdiSubWindow* view) const {

@@ -40,6 +40,10 @@ class M47MDI : public QMainWindow, public MainWindowView {
     /// The screen that toolbar key `key` opens.
     void add_screen(const QString& key, const ScreenMaker& maker);
 
+    /// Takes the place that the window had in the run before, of the screen where it is still on
+    /// one.
+    void restore_place();
+
     /// Shows the screen of `key`, made where it does not exist yet; a key without one does nothing.
     void open_screen(const QString& key);
     /// The screen of `key` where it is open, else nullptr.
@@ -71,7 +75,13 @@ class M47MDI : public QMainWindow, public MainWindowView {
     /// The menu entry "&Manual", F1.
     void manual_asked();
 
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
   private:
+    void restore_place_of(const QString& key, QMdiSubWindow* view) const;
+    void keep_place_of(const QString& key, const QMdiSubWindow* view) const;
     void screen_activated(QMdiSubWindow* view);
     /// A new screen opens wholly visible, scaled to the room there is.
     void keep_inside(QMdiSubWindow* view) const;

@@ -61,7 +61,7 @@ Program::Program(ProgramState& state, std::unique_ptr<Database> database, PortLi
       window_(state),
       link_(*port_, *clock_, window_.status()),
       identification_(link_, state.texts, ports_, window_),
-      import_(*database_, state.texts, window_, [this] { window_.status().pump(); }) {
+      import_(*database_, state, window_, [this] { window_.status().pump(); }) {
     // The logger's temporary file has no name yet, and message 0 is composed with that.
     state_.texts.load_messages(state_.temp_file_name);
     window_.status().reason = [this] { return link_fault(); };
@@ -78,6 +78,7 @@ Program::Program(ProgramState& state, std::unique_ptr<Database> database, PortLi
        [this] { import_.cmdimportdb_Click(); });
     on(&window_, &M47MDI::manual_asked, &window_, "cmdmanual_Click", [this] { cmdmanual_Click(); });
     window_.resize(kWindowSize.boundedTo(QGuiApplication::primaryScreen()->availableSize()));
+    window_.restore_place();
 }
 
 Program::~Program() = default;

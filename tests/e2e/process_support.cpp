@@ -132,6 +132,8 @@ RemoteProcess::RemoteProcess(const QString& folder, const QString& runtime)
     for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
         environment.remove(QString::fromLatin1(name));
     environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtime);
+    // Nothing of the user's settings takes part, and none of them is changed.
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), runtime);
     environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
     process().setWorkingDirectory(folder);
 }

@@ -5,6 +5,7 @@
 #include <QInputDialog>
 #include <QMessageBox>
 
+#include "file_question.h"
 #include "restore_preview.h"
 #include "slot_backup.h"
 
@@ -56,9 +57,7 @@ QString AslBoxes::ask_file(bool save) {
     dialog.setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
     dialog.setNameFilter(QStringLiteral("(*.%1)").arg(kBackupSuffix));
     dialog.setDefaultSuffix(kBackupSuffix);
-    dialog.setDirectory(program_.base_dir);
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return {};
-    return dialog.selectedFiles().constFirst();
+    return ask_for_file(dialog, program_);
 }
 
 }  // namespace m47

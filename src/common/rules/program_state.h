@@ -3,6 +3,7 @@
 
 #include <QString>
 
+#include "preferences.h"
 #include "texts.h"
 
 namespace m47 {
@@ -15,6 +16,7 @@ struct ProgramState {
     /// The folder the program works in, as `folder_with_separator` gives it.
     QString base_dir;
     Texts texts;
+    Preferences preferences;
     /// The version that the meter identified last has told, "PLUS V3.0.5"; empty where none
     /// answers.
     QString meter_version;

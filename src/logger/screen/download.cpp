@@ -7,6 +7,7 @@
 #include "column_headers.h"
 #include "commands.h"
 #include "download_tooltips.h"
+#include "file_question.h"
 #include "handler.h"
 #include "icons.h"
 #include "text_printer.h"
@@ -162,10 +163,8 @@ QString Download::ask_file(const std::function<void(QFileDialog&)>& set_up) {
     dialog.setFileMode(QFileDialog::AnyFile);
     dialog.setNameFilter(QStringLiteral("(*.dwl)"));
     dialog.setDefaultSuffix(QStringLiteral("dwl"));
-    dialog.setDirectory(program_.base_dir);
     set_up(dialog);
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return {};
-    return dialog.selectedFiles().constFirst();
+    return ask_for_file(dialog, program_);
 }
 
 void Download::cmdrecall_Click() {

@@ -5,6 +5,7 @@
 #include <QFileInfo>
 
 #include "fault.h"
+#include "file_question.h"
 #include "import_dialog.h"
 #include "plan_file.h"
 #include "plan_questions.h"
@@ -56,9 +57,7 @@ QString ProgramSet::ask_file(bool save, const QStringList& filters) {
         connect(&dialog, &QFileDialog::filterSelected, &dialog, follow);
         dialog.selectFile(sets_.plan());
     }
-    dialog.setDirectory(program_.base_dir);
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return {};
-    return dialog.selectedFiles().constFirst();
+    return ask_for_file(dialog, program_);
 }
 
 void ProgramSet::cmdimport_Click() {

@@ -3,11 +3,13 @@
 
 #include <QApplication>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QHeaderView>
 #include <QScrollBar>
 
 #include "commands.h"
 #include "diseqc_folding.h"
+#include "file_question.h"
 #include "handler.h"
 #include "icons.h"
 #include "key_filter.h"
@@ -27,6 +29,8 @@ constexpr int kColumnTwips = 750;
 
 constexpr Bilingual kPageTab{"Measurement page", "Pagina misure"};
 constexpr Bilingual kTrendTab{"Trend", "Andamento"};
+constexpr Bilingual kRecentEntry{"Recent &logs", "&Log recenti"};
+constexpr Bilingual kNoRecent{"None", "Nessuno"};
 constexpr Bilingual kReportEntry{"&Report…", "&Rapporto…"};
 constexpr Bilingual kReportNotSaved{"The report was not saved as '%1': %2",
                                     "Il rapporto non è stato salvato come '%1': %2"};
@@ -44,6 +48,7 @@ Realtime::Realtime(Link& link, ProgramState& program, Database& database, QWidge
     rules.panel.on_repaint = [this] { binding_->show(); };
     rules.cycle.on_log_written = [this](const QString& reason) { show_log_state(reason); };
     ui_->cmdmenu->setToolTipsVisible(true);
+    ui_->cmdrecent->setToolTipsVisible(true);
     // Its menu would hide the toolbar, and nothing would bring it back.
     setContextMenuPolicy(Qt::NoContextMenu);
     set_icons();
@@ -170,6 +175,9 @@ void Realtime::connect_menu() {
         connect(units[k], &QAction::triggered, this, [this, k] {
             handle("cmdlev_Click", [this, k] { rules.modes.cmdlev_Click(static_cast<int>(k)); });
         });
+    on(ui_->cmdrecent, &QMenu::aboutToShow, this, "cmdrecent_Show", [this] { list_recent_logs(); });
+    on(ui_->cmdrecent, &QMenu::triggered, this, "cmdrecent_Click",
+       [this](QAction* entry) { cmdrecent_Click(entry->data().toString()); });
     on(ui_->cmdreport, &QAction::triggered, this, "cmdreport_Click", [this] { cmdreport_Click(); });
     connect(ui_->cmdexit, &QAction::triggered, this, &Realtime::exit_asked);
 }
@@ -237,15 +245,17 @@ void Realtime::prepare_page() {
     for (int column = 0; column < rules.page.columnCount(); ++column)
         ui_->measgrid->setColumnWidth(column, width);
     connect(&rules.page, &PageModel::rowsInserted, this, &Realtime::follow_page);
-    ui_->trend->set_page(&rules.page, [this](Quantity quantity) {
-        return trend_limits(quantity, rules.panel, rules.state);
-    });
+    ui_->trend->set_page(
+        &rules.page,
+        [this](Quantity quantity) { return trend_limits(quantity, rules.panel, rules.state); },
+        program_);
 }
 
 void Realtime::show_tab_captions() {
     ui_->page_tabs->setTabText(0, program_.texts.pick(kPageTab));
     ui_->page_tabs->setTabText(1, program_.texts.pick(kTrendTab));
     ui_->trend->set_texts(program_.texts);
+    ui_->cmdrecent->setTitle(program_.texts.pick(kRecentEntry));
     ui_->cmdreport->setText(program_.texts.pick(kReportEntry));
 }
 
@@ -261,9 +271,7 @@ QString Realtime::ask_log_name() {
     dialog.setFileMode(QFileDialog::AnyFile);
     dialog.setNameFilter(QStringLiteral("(*.log)"));
     dialog.setDefaultSuffix(QStringLiteral("log"));
-    dialog.setDirectory(program_.base_dir);
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return {};
-    return dialog.selectedFiles().constFirst();
+    return ask_for_file(dialog, program_);
 }
 
 void Realtime::datamenagment() {
@@ -280,8 +288,26 @@ void Realtime::datamenagment() {
 
 void Realtime::open_log(const QString& file) {
     rules.log.open(file, rules.page);
+    program_.preferences.log_opened(file);
     show_log_name();
     ui_->measgrid->scrollToBottom();
+}
+
+void Realtime::list_recent_logs() {
+    ui_->cmdrecent->clear();
+    for (const QString& path : program_.preferences.recent_logs()) {
+        QAction* entry = ui_->cmdrecent->addAction(
+            QFileInfo(path).fileName().replace(u'&', QStringLiteral("&&")));
+        entry->setData(path);
+        entry->setToolTip(path);
+    }
+    if (ui_->cmdrecent->isEmpty())
+        ui_->cmdrecent->addAction(program_.texts.pick(kNoRecent))->setEnabled(false);
+}
+
+void Realtime::cmdrecent_Click(const QString& path) {
+    set_tooltip(ui_->save, QString::fromLatin1(kCloseFileTooltip));
+    open_log(path);
 }
 
 void Realtime::show_log_name() {
@@ -303,7 +329,7 @@ void Realtime::createdoc() {
 }
 
 void Realtime::cmdreport_Click() {
-    ReportForm form(program_.base_dir, program_.texts, this);
+    ReportForm form(program_, this);
     if (form.exec() == QDialog::Accepted) write_report(form.path(), form.entry());
 }
 

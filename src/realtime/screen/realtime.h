@@ -63,6 +63,8 @@ class Realtime : public QMainWindow {
     void show_tab_captions();
     void datamenagment();
     QString ask_log_name();
+    void list_recent_logs();
+    void cmdrecent_Click(const QString& path);
     void show_log_name();
     void show_log_state(const QString& reason);
     void createdoc();

@@ -7,6 +7,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 
+#include "file_question.h"
 #include "handler.h"
 #include "tooltips.h"
 #include "ui_report_form.h"
@@ -37,16 +38,19 @@ const QString kReportSuffix = QStringLiteral("pdf");
 
 }  // namespace
 
-ReportForm::ReportForm(const QString& directory, const Texts& texts, QWidget* parent)
-    : QDialog(parent), ui_(std::make_unique<Ui::ReportForm>()), directory_(directory) {
+ReportForm::ReportForm(const ProgramState& program, QWidget* parent)
+    : QDialog(parent),
+      program_(program),
+      ui_(std::make_unique<Ui::ReportForm>()),
+      directory_(program.preferences.directory(program.base_dir)) {
+    const Texts& texts = program.texts;
     ui_->setupUi(this);
     set_captions(texts);
     ui_->report_file->setText(
-        QDir(directory).filePath(texts.pick(kProposedName) + u'.' + kReportSuffix));
+        QDir(directory_).filePath(texts.pick(kProposedName) + u'.' + kReportSuffix));
     on(ui_->report_browse, &QPushButton::clicked, this, "report_browse_Click",
-       [this, &texts] { browse(texts.pick(kFormTitle)); });
-    connect(ui_->report_buttons, &QDialogButtonBox::accepted, this,
-            [this, &texts] { confirm(texts); });
+       [this] { browse(); });
+    connect(ui_->report_buttons, &QDialogButtonBox::accepted, this, [this] { confirm(); });
     connect(ui_->report_buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     QPushButton* save = ui_->report_buttons->button(QDialogButtonBox::Save);
     connect(ui_->report_file, &QLineEdit::textChanged, save,
@@ -79,25 +83,26 @@ QString ReportForm::path() const {
     return path;
 }
 
-void ReportForm::browse(const QString& title) {
-    QFileDialog dialog(this, title);
+void ReportForm::browse() {
+    QFileDialog dialog(this, windowTitle());
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setFileMode(QFileDialog::AnyFile);
     dialog.setNameFilter(QStringLiteral("PDF (*.pdf)"));
     dialog.setDefaultSuffix(kReportSuffix);
-    dialog.setDirectory(directory_);
     dialog.selectFile(QFileInfo(path()).fileName());
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return;
-    ui_->report_file->setText(dialog.selectedFiles().constFirst());
+    const QString chosen = ask_for_file(dialog, program_);
+    if (chosen.isEmpty()) return;
+    ui_->report_file->setText(chosen);
     confirmed_ = path();
 }
 
-void ReportForm::confirm(const Texts& texts) {
+void ReportForm::confirm() {
     if (path() != confirmed_ && QFileInfo::exists(path())) {
         const auto answer =
-            QMessageBox::question(this, windowTitle(), texts.pick(kReplace).arg(path()));
+            QMessageBox::question(this, windowTitle(), program_.texts.pick(kReplace).arg(path()));
         if (answer != QMessageBox::Yes) return;
     }
+    program_.preferences.file_chosen(path());
     accept();
 }
 

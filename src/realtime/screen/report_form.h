@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "customer_report.h"
+#include "program_state.h"
 
 namespace Ui {
 class ReportForm;
@@ -16,8 +17,8 @@ namespace m47 {
 class ReportForm : public QDialog {
     Q_OBJECT
   public:
-    /// `directory` is where the file is proposed.
-    ReportForm(const QString& directory, const Texts& texts, QWidget* parent);
+    /// `program` outlives the form.
+    ReportForm(const ProgramState& program, QWidget* parent);
     ~ReportForm() override;
 
     ReportEntry entry() const;
@@ -26,11 +27,12 @@ class ReportForm : public QDialog {
 
   private:
     void set_captions(const Texts& texts);
-    void browse(const QString& title);
-    void confirm(const Texts& texts);
+    void browse();
+    void confirm();
 
+    const ProgramState& program_;
     std::unique_ptr<Ui::ReportForm> ui_;
-    QString directory_;
+    QString directory_;  ///< where the file is proposed
     QString confirmed_;  ///< a file that the file dialog has already asked about
 };
 

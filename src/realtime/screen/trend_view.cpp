@@ -5,6 +5,7 @@
 #include <QToolBar>
 #include <QVBoxLayout>
 
+#include "file_question.h"
 #include "handler.h"
 #include "key_filter.h"
 #include "tooltips.h"
@@ -115,7 +116,9 @@ void TrendView::set_texts(const Texts& texts) {
     if (plot_) plot_->name_panels();
 }
 
-void TrendView::set_page(const PageModel* page, TrendPlot::Limits limits) {
+void TrendView::set_page(const PageModel* page, TrendPlot::Limits limits,
+                         const ProgramState& program) {
+    program_ = &program;
     page_ = page;
     limits_ = std::move(limits);
     connect(page, &PageModel::rowsInserted, this, [this] {
@@ -202,8 +205,8 @@ void TrendView::ask_and_save() {
     };
     take_suffix(filters.constFirst());
     connect(&dialog, &QFileDialog::filterSelected, this, take_suffix);
-    if (dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty())
-        save(dialog.selectedFiles().constFirst());
+    const QString path = ask_for_file(dialog, *program_);
+    if (!path.isEmpty()) save(path);
 }
 
 void TrendView::save(const QString& path) {

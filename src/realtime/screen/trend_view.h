@@ -8,7 +8,7 @@
 #include <QWidget>
 
 #include "page_model.h"
-#include "texts.h"
+#include "program_state.h"
 #include "trend_plot.h"
 
 namespace m47 {
@@ -21,8 +21,9 @@ class TrendView : public QWidget {
     explicit TrendView(QWidget* parent = nullptr);
     ~TrendView() override;
 
-    /// Plots `page` with the limits that `limits` gives at the time; both outlive the view.
-    void set_page(const PageModel* page, TrendPlot::Limits limits);
+    /// Plots `page` with the limits that `limits` gives at the time; page and program outlive the
+    /// view.
+    void set_page(const PageModel* page, TrendPlot::Limits limits, const ProgramState& program);
 
     /// Captions and tooltips in the language in use now.
     void set_texts(const Texts& texts);
@@ -49,6 +50,7 @@ class TrendView : public QWidget {
 
     Texts texts_;
     const PageModel* page_ = nullptr;
+    const ProgramState* program_ = nullptr;
     TrendPlot::Limits limits_;
     TrendData data_;
     bool replaced_ = false;

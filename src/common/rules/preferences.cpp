@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "preferences.h"
+
+#include <QFileInfo>
+#include <QSettings>
+#include <QStandardPaths>
+
+namespace m47 {
+namespace {
+
+const QString kDirectory = QStringLiteral("files/directory");
+const QString kLogs = QStringLiteral("files/logs");
+
+// A window of another size has not been one that a user left.
+constexpr int kSmallestWindow = 50;
+constexpr int kLargestWindow = 20000;
+
+bool sensible(const QRect& rect) {
+    const auto fits = [](int length) {
+        return length >= kSmallestWindow && length <= kLargestWindow;
+    };
+    return fits(rect.width()) && fits(rect.height()) && qAbs(rect.x()) <= kLargestWindow &&
+           qAbs(rect.y()) <= kLargestWindow;
+}
+
+QString rect_key(const QString& name) {
+    return QStringLiteral("windows/") + name;
+}
+
+QString maximised_key(const QString& name) {
+    return rect_key(name) + QStringLiteral("_maximised");
+}
+
+}  // namespace
+
+QString Preferences::usual_file() {
+    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+           QStringLiteral("/m47-remote/m47-remote.ini");
+}
+
+QVariant Preferences::value(const QString& key) const {
+    if (file_.isEmpty()) return {};
+    return QSettings(file_, QSettings::IniFormat).value(key);
+}
+
+void Preferences::keep(const QString& key, const QVariant& value) const {
+    if (!file_.isEmpty()) QSettings(file_, QSettings::IniFormat).setValue(key, value);
+}
+
+QString Preferences::directory(const QString& otherwise) const {
+    const QString last = value(kDirectory).toString();
+    return !last.isEmpty() && QFileInfo(last).isDir() ? last : otherwise;
+}
+
+void Preferences::file_chosen(const QString& path) const {
+    keep(kDirectory, QFileInfo(path).absolutePath());
+}
+
+QStringList Preferences::recent_logs() const {
+    QStringList there;
+    for (const QString& path : value(kLogs).toStringList())
+        if (QFileInfo(path).isFile() && !there.contains(path) && there.size() < kRecentLogs)
+            there += path;
+    return there;
+}
+
+void Preferences::log_opened(const QString& path) const {
+    // A new log is no file before its first line, so what is not there is kept here.
+    QStringList logs = value(kLogs).toStringList();
+    const QString absolute = QFileInfo(path).absoluteFilePath();
+    logs.removeAll(absolute);
+    logs.prepend(absolute);
+    keep(kLogs, QStringList(logs.mid(0, kRecentLogs)));
+}
+
+std::optional<WindowPlace> Preferences::place(const QString& name) const {
+    const WindowPlace place{value(rect_key(name)).toRect(), value(maximised_key(name)).toBool()};
+    if (!sensible(place.rect)) return {};
+    return place;
+}
+
+void Preferences::keep_place(const QString& name, const WindowPlace& place) const {
+    keep(maximised_key(name), place.maximised);
+    if (!place.maximised || !this->place(name)) keep(rect_key(name), place.rect);
+}
+
+}  // namespace m47

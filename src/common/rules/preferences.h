@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QRect>
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+#include <optional>
+
+namespace m47 {
+
+/// Where a window was and how large.
+struct WindowPlace {
+    QRect rect;
+    bool maximised = false;
+};
+
+/// What the program remembers from one run to the next for the user's comfort: window places, the
+/// folder used last, recent logs. Neither the port nor the language: a meter is never spoken to and
+/// a text never changed because of an earlier run. A file that is missing, damaged or cannot be
+/// written only means that less is remembered.
+class Preferences {
+  public:
+    static constexpr int kRecentLogs = 8;
+
+    /// Remembers nothing.
+    Preferences() = default;
+    explicit Preferences(QString file) : file_(std::move(file)) {}
+
+    /// The user's file, in the folder of the desktop for settings.
+    static QString usual_file();
+
+    /// The folder that a file was chosen in last, where it is still there; else `otherwise`.
+    QString directory(const QString& otherwise) const;
+    void file_chosen(const QString& path) const;
+
+    /// The logs opened last that are still there, the latest first.
+    QStringList recent_logs() const;
+    void log_opened(const QString& path) const;
+
+    /// The place of the window `name`; nothing where none of a sensible size is known.
+    std::optional<WindowPlace> place(const QString& name) const;
+    /// A maximised window keeps the rect that it had before.
+    void keep_place(const QString& name, const WindowPlace& place) const;
+
+  private:
+    QVariant value(const QString& key) const;
+    void keep(const QString& key, const QVariant& value) const;
+
+    QString file_;
+};
+
+}  // namespace m47

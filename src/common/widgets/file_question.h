@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QFileDialog>
+
+#include "program_state.h"
+
+namespace m47 {
+
+/// Shows `dialog`, set up for one file, in the folder that a file was chosen in last; before the
+/// first one that is the folder the program works in. The chosen file, empty when cancelled.
+QString ask_for_file(QFileDialog& dialog, const ProgramState& program);
+
+}  // namespace m47

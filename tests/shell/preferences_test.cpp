@@ -1,0 +1,225 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What the program remembers from one run to the next, and what not.
+#include <QFileDialog>
+#include <QMdiSubWindow>
+#include <QMenu>
+#include <QSettings>
+
+#include "box_answers.h"
+#include "program.h"
+#include "realtime.h"
+
+namespace m47 {
+
+class PreferencesTest : public QObject {
+    Q_OBJECT
+
+  private:
+    std::unique_ptr<QTemporaryDir> folder_;
+    std::unique_ptr<QTemporaryDir> other_;
+    ProgramState state_;
+    std::unique_ptr<Program> program_;
+    BoxAnswers boxes_;
+
+    QString ini() const { return folder_->filePath("settings/m47-remote.ini"); }
+    Preferences preferences() const { return Preferences(ini()); }
+    M47MDI& window() { return program_->window(); }
+
+    /// A run of the program with what earlier runs have left.
+    void start() {
+        if (program_) window().close();
+        program_.reset();
+        state_ = ProgramState();
+        state_.base_dir = folder_with_separator(folder_->path());
+        state_.preferences = preferences();
+        const QString path = state_.base_dir + QLatin1String(kDatabaseFile);
+        DatabaseError error{};
+        QVERIFY(Database::create(path, error));
+        program_ = std::make_unique<Program>(state_, Database::open(path, error), PortList());
+        window().show();
+        QCoreApplication::processEvents();
+    }
+    Realtime* realtime() {
+        window().findChild<QAction*>("realtime")->trigger();
+        return qobject_cast<Realtime*>(window().screen_of("realtime"));
+    }
+    QString write(const QString& path, const QByteArray& bytes) {
+        QDir().mkpath(QFileInfo(path).path());
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly)) qFatal("cannot write %s", qPrintable(path));
+        file.write(bytes);
+        return path;
+    }
+    /// Opens the file dialog of `open`, which chooses `file`, and tells in which folder it began.
+    QString folder_asked(const std::function<void()>& open, const QString& file = {}) {
+        QString began;
+        boxes_.answer([&](QDialog* dialog) {
+            auto* files = qobject_cast<QFileDialog*>(dialog);
+            QVERIFY(files);
+            began = files->directory().path();
+            if (file.isEmpty()) return files->reject();
+            files->selectFile(file);
+            files->findChild<QLineEdit*>()->setText(file);
+            static_cast<QDialog*>(files)->setResult(QDialog::Accepted);
+            QMetaObject::invokeMethod(files, "accept");
+        });
+        open();
+        return began;
+    }
+
+  private Q_SLOTS:
+    void init() {
+        folder_ = std::make_unique<QTemporaryDir>();
+        other_ = std::make_unique<QTemporaryDir>();
+    }
+    void cleanup() { program_.reset(); }
+
+    void without_a_file_nothing_is_remembered() {
+        const Preferences none;
+        none.file_chosen(other_->filePath("x.log"));
+        none.log_opened(write(other_->filePath("x.log"), "x"));
+        none.keep_place("a", {QRect(1, 2, 300, 200), true});
+        QCOMPARE(none.directory("here"), QStringLiteral("here"));
+        QVERIFY(none.recent_logs().isEmpty());
+        QVERIFY(!none.place("a"));
+    }
+
+    void logs_are_kept_newest_first_and_only_those_that_are_there() {
+        for (int k = 0; k < Preferences::kRecentLogs + 2; ++k)
+            preferences().log_opened(write(other_->filePath(QString::number(k)), "x"));
+        preferences().log_opened(other_->filePath("5"));
+        QStringList logs = preferences().recent_logs();
+        QCOMPARE(logs.size(), Preferences::kRecentLogs);
+        QCOMPARE(logs[0], other_->filePath("5"));
+        QCOMPARE(logs[1], other_->filePath("9"));
+        QVERIFY(QFile::remove(other_->filePath("9")));
+        QVERIFY(!preferences().recent_logs().contains(other_->filePath("9")));
+    }
+
+    void a_folder_that_is_gone_is_not_proposed() {
+        preferences().file_chosen(other_->filePath("x.log"));
+        QCOMPARE(preferences().directory("here"), other_->path());
+        other_.reset();
+        QCOMPARE(preferences().directory("here"), QStringLiteral("here"));
+    }
+
+    void places_without_sense_are_none() {
+        for (const QRect& rect : {QRect(0, 0, 0, 0), QRect(0, 0, 1, 500), QRect(0, 0, 300, 99999),
+                                  QRect(999999, 0, 300, 200)}) {
+            preferences().keep_place("a", {rect, false});
+            QVERIFY(!preferences().place("a"));
+        }
+        preferences().keep_place("a", {QRect(-5, 7, 300, 200), false});
+        preferences().keep_place("a", {QRect(0, 0, 900, 700), true});
+        QCOMPARE(preferences().place("a")->rect, QRect(-5, 7, 300, 200));
+        QVERIFY(preferences().place("a")->maximised);
+    }
+
+    void windows_come_back_where_they_were() {
+        start();
+        window().resize(700, 500);
+        window().move(30, 40);
+        auto* view = qobject_cast<QMdiSubWindow*>(realtime()->parentWidget());
+        view->setGeometry(12, 17, 420, 300);
+        window().findChild<QAction*>("setport")->trigger();
+        auto* ports = qobject_cast<QMdiSubWindow*>(window().screen_of("setport")->parentWidget());
+        const QRect left = QRect(33, 44, ports->width() + 20, ports->height() + 10);
+        ports->setGeometry(left);
+        ports->close();
+        start();
+        QCOMPARE(window().size(), QSize(700, 500));
+        QCOMPARE(window().pos(), QPoint(30, 40));
+        QVERIFY(!window().screen_of("realtime"));  // which screens were open is not remembered
+        QCOMPARE(realtime()->parentWidget()->geometry(), QRect(12, 17, 420, 300));
+        window().findChild<QAction*>("setport")->trigger();
+        QCOMPARE(window().screen_of("setport")->parentWidget()->geometry(), left);
+    }
+
+    void a_maximised_screen_comes_back_maximised() {
+        start();
+        realtime()->parentWidget()->showMaximized();
+        start();
+        QVERIFY(realtime()->parentWidget()->isMaximized());
+    }
+
+    void neither_port_nor_language_are_remembered() {
+        start();
+        window().findChild<QAction*>("cmdinglese")->trigger();
+        realtime();
+        start();
+        QCOMPARE(state_.texts.language, int(kItalian));
+        QCOMPARE(program_->link().port_number, 0);
+        QVERIFY(!program_->link().port_connected);
+        window().close();
+        for (const QString& key : QSettings(ini(), QSettings::IniFormat).allKeys())
+            QVERIFY2(key.startsWith("windows/") || key.startsWith("files/"), qPrintable(key));
+    }
+
+    void a_start_with_broken_settings_works() {
+        for (const QByteArray& bytes :
+             {QByteArray("\x00\xff[[[=\n%%%=@Rect(", 15),
+              QByteArray("[windows]\nM47MDI=@Rect(a b c)"),
+              QByteArray("[windows]\nM47MDI=@Rect(0 0 -5 999999999)\nrealtime=rubbish\n"
+                         "realtime_maximised=@Invalid()\n[files]\ndirectory=/no/such\nlogs=7")}) {
+            write(ini(), bytes);
+            start();
+            QVERIFY(window().isVisible());
+            QVERIFY(window().width() > 100 && window().height() > 100);
+            QVERIFY(realtime()->isVisible());
+            program_.reset();
+        }
+    }
+
+    void settings_that_cannot_be_written_stop_nothing() {
+        write(folder_->filePath("settings"), "a file where the folder should be");
+        start();
+        QVERIFY(realtime()->isVisible());
+        window().close();
+        QVERIFY(boxes_.take_seen().isEmpty());
+    }
+
+    void dialogs_begin_in_the_folder_used_last() {
+        start();
+        Realtime* screen = realtime();
+        const auto save_key = [screen] { screen->findChild<QAction*>("save")->trigger(); };
+        const QString log = write(other_->filePath("mine.log"),
+                                  "21/11/26\t10:00:00\t950.0\t10600\t58.3\t\t\t\t\t\tPASS\r\n");
+        QCOMPARE(folder_asked(save_key, log), QDir(folder_->path()).path());
+        QCOMPARE(screen->rules.log.path(), log);
+        save_key();  // closes it
+        QCOMPARE(folder_asked(save_key), other_->path());
+        start();
+        window().findChild<QAction*>("asl");
+        QCOMPARE(folder_asked([this] { window().findChild<QAction*>("cmdimportdb")->trigger(); }),
+                 other_->path());
+    }
+
+    void a_recent_log_is_reopened_from_the_menu() {
+        start();
+        const QString log = write(other_->filePath("a&b.log"),
+                                  "21/11/26\t10:00:00\t950.0\t10600\t58.3\t\t\t\t\t\tPASS\r\n");
+        Realtime* screen = realtime();
+        auto* menu = screen->findChild<QMenu*>("cmdrecent");
+        Q_EMIT menu->aboutToShow();
+        QCOMPARE(menu->actions().size(), 1);
+        QVERIFY(!menu->actions()[0]->isEnabled());
+        screen->open_log(log);
+        start();
+        screen = realtime();
+        menu = screen->findChild<QMenu*>("cmdrecent");
+        QCOMPARE(menu->title(), QStringLiteral("&Log recenti"));
+        Q_EMIT menu->aboutToShow();
+        QCOMPARE(menu->actions().size(), 1);
+        QCOMPARE(menu->actions()[0]->text(), QStringLiteral("a&&b.log"));
+        menu->actions()[0]->trigger();
+        QVERIFY(screen->rules.log.log_open());
+        QCOMPARE(screen->rules.log.path(), log);
+        QCOMPARE(screen->rules.page.measurements(), 1);
+        QCOMPARE(screen->findChild<QAction*>("save")->toolTip(), QStringLiteral("Close file"));
+    }
+};
+
+}  // namespace m47
+
+QTEST_MAIN(m47::PreferencesTest)
+#include "preferences_test.moc"
