@@ -248,7 +248,7 @@ class SetsTest : public QObject {
         M47_VERIFY_FAULT(store(tuned("2", "1500"), true), "readonly");
         M47_VERIFY_FAULT(sets_->add_new("B"), "readonly");
         M47_VERIFY_FAULT(sets_->copy_plan("B"), "readonly");
-        M47_VERIFY_FAULT(sets_->copy_program("B", 0), "readonly");
+        M47_VERIFY_FAULT(sets_->copy_program("B"), "readonly");
         M47_VERIFY_FAULT(
             sets_->apply_import(preview_import(parse_import_file("frequenza\n1000\n", 0).candidates,
                                                sets_->programs(), {}, 0)),
@@ -268,7 +268,7 @@ class SetsTest : public QObject {
                            "RAISE(ABORT, 'stopped'); END"));
         M47_VERIFY_FAULT(sets_->add_new("C"), "stopped");
         M47_VERIFY_FAULT(sets_->copy_plan("C"), "stopped");
-        M47_VERIFY_FAULT(sets_->copy_program("C", 0), "stopped");
+        M47_VERIFY_FAULT(sets_->copy_program("C"), "stopped");
         M47_VERIFY_FAULT(store(tuned("2"), false), "stopped");
         sql(QStringLiteral("DROP TRIGGER stop"));
         sql(
@@ -320,16 +320,56 @@ class SetsTest : public QObject {
         QString oscillator = QStringLiteral("10600");
         QCOMPARE(sets_->store_record(record, oscillator, 0, true), Clash::none);
         // Within the plan: another number, the next position.
-        QCOMPARE(sets_->copy_program(QStringLiteral("PLAN 1"), 0).added(), 1);
+        QCOMPARE(sets_->copy_program(QStringLiteral("PLAN 1")), ImportProblem::none);
         QCOMPARE(numbers(), QStringList({"007 05", "000 06"}));
         QCOMPARE(sets_->program().pg_num, QStringLiteral("000"));
         // Into a plan that does not exist yet.
         sets_->first_program();
-        QCOMPARE(sets_->copy_program(QStringLiteral("B"), 0).added(), 1);
+        QCOMPARE(sets_->copy_program(QStringLiteral("B")), ImportProblem::none);
         QCOMPARE(sets_->plan(), QStringLiteral("B"));
         QCOMPARE(numbers(), QStringList{"007 05"});
         QCOMPARE(sets_->program(), record);
         QCOMPARE(sets_->oscillators()[3], QStringLiteral("10600"));
+    }
+
+    void a_copied_program_keeps_what_no_box_would_take() {
+        // Limits in dBuV while another unit is in force, and what other programs have written.
+        sql(
+            QStringLiteral("UPDATE programmi SET pg_num = '7', frequenza = 503.25, loc_osc = -1, "
+                           "lev_min = '45', lev_max = '75', noise_min = '50', satchbw = 55, "
+                           "diseqc_cmd = 200, lnb_volt = NULL, qpsk_symbolrate = ''"));
+        sets_->first_plan();
+        const auto kept = [this](const char* plan) {
+            return sql(QStringLiteral("SELECT pg_num || ' ' || frequenza || ' ' || loc_osc || ' ' "
+                                      "|| lev_min || ' ' || lev_max || ' ' || noise_min || ' ' || "
+                                      "satchbw || ' ' || diseqc_cmd || ' ' || coalesce(lnb_volt, "
+                                      "'none') || ' ' || qpsk_symbolrate || coalesce(mer_min, "
+                                      "'none') FROM programmi WHERE nome = '%1'")
+                           .arg(QLatin1String(plan)));
+        };
+        QCOMPARE(sets_->copy_program(QStringLiteral("B")), ImportProblem::none);
+        QCOMPARE(kept("B"), QStringList{"7 503.25 -1 45 75 50 55.0 200 none none"});
+        QCOMPARE(kept("PLAN 1"), kept("B"));
+    }
+
+    void a_program_that_nobody_has_stored_is_copied_empty() {
+        QCOMPARE(sets_->copy_program(QStringLiteral("B")), ImportProblem::none);
+        QCOMPARE(sets_->plan(), QStringLiteral("B"));
+        QVERIFY(is_blank(sets_->program()));
+        QCOMPARE(numbers(), QStringList{"- -"});
+    }
+
+    void a_program_is_not_copied_into_a_full_plan() {
+        QCOMPARE(store(tuned("5"), true), Clash::none);
+        sets_->add_new(QStringLiteral("B"));
+        QCOMPARE(store(tuned("0"), true), Clash::none);
+        sql(
+            QStringLiteral("WITH RECURSIVE n(k) AS (SELECT 1 UNION ALL SELECT k + 1 FROM n WHERE "
+                           "k < 99) INSERT INTO programmi (nome, pg_num) SELECT 'B', k FROM n"));
+        sets_->first_plan();
+        QCOMPARE(sets_->copy_program(QStringLiteral("B")), ImportProblem::no_number);
+        QCOMPARE(sql(QStringLiteral("SELECT count(*) FROM programmi WHERE nome = 'B'")),
+                 QStringList{"100"});
     }
 
     void a_program_without_room_is_not_copied() {
@@ -342,8 +382,7 @@ class SetsTest : public QObject {
             QStringLiteral("UPDATE configurazione SET loc_osc1 = 4000, loc_osc2 = 4001, loc_osc3 "
                            "= 4002, loc_osc4 = 4003 WHERE nome = 'B'"));
         sets_->first_plan();
-        const ImportPreview copy = sets_->copy_program(QStringLiteral("B"), 0);
-        QCOMPARE(copy.rows.front().problem, ImportProblem::no_oscillator);
+        QCOMPARE(sets_->copy_program(QStringLiteral("B")), ImportProblem::no_oscillator);
         QCOMPARE(sets_->plan(), QStringLiteral("PLAN 1"));
         QCOMPARE(sql(QStringLiteral("SELECT count(*) FROM programmi WHERE nome = 'B'")),
                  QStringList{"1"});

@@ -2,59 +2,15 @@
 #include "plan_import.h"
 
 #include <algorithm>
-#include <array>
-#include <cmath>
-#include <optional>
 
 #include "diseqc_commands.h"
+#include "free_places.h"
 #include "numbers.h"
 #include "plan_clashes.h"
 #include "program_checks.h"
 
 namespace m47 {
 namespace {
-
-constexpr int kProgramNumbers = 100;
-constexpr const char* kNumber = "000";
-
-/// The numbers of a plan's programs that are in use.
-class UsedNumbers {
-  public:
-    void take(const ProgramRecord& program) {
-        // What has no number goes to the meter as program 0.
-        const double number = typed_value(program.pg_num);
-        const bool whole = number >= 0 && number < kProgramNumbers && number == std::floor(number);
-        if (whole) used_[static_cast<std::size_t>(number)] = true;
-    }
-
-    /// Empty where all are.
-    QString first_free() const {
-        const auto free = std::ranges::find(used_, false);
-        if (free == used_.end()) return {};
-        return format_number(static_cast<double>(free - used_.begin()), kNumber);
-    }
-
-  private:
-    std::array<bool, kProgramNumbers> used_{};
-};
-
-/// The entry of `oscillators` for `mhz`, taken there if need be; best the one that is `preferred`.
-std::optional<int> place_oscillator(Oscillators& oscillators, int preferred, const QString& mhz) {
-    std::array<std::size_t, 4> order{0, 1, 2, 3};
-    if (preferred >= 0 && preferred < 4) {
-        const auto first = order.begin() + preferred;
-        std::rotate(order.begin(), first, first + 1);
-    }
-    const auto same = [&](std::size_t k) {
-        return typed_value(oscillators[k]) == typed_value(mhz);
-    };
-    const auto free = [&](std::size_t k) { return oscillators[k].trimmed().isEmpty(); };
-    auto place = std::ranges::find_if(order, same);
-    if (place == order.end()) place = std::ranges::find_if(order, free);
-    if (place == order.end()) return std::nullopt;
-    if (free(*place)) oscillators[*place] = mhz;
-    return static_cast<int>(*place);
-}
 
 QString checked_position(const QString& text) {
     const double line = typed_value(text);

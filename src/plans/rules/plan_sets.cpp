@@ -31,11 +31,6 @@ bool step_on(Recordset& set) {
     return false;
 }
 
-QString chosen_oscillator(const Oscillators& oscillators, int index) {
-    const bool known = index >= 0 && index < static_cast<int>(oscillators.size());
-    return known ? oscillators[static_cast<std::size_t>(index)] : QString();
-}
-
 }  // namespace
 
 QString plan_name(const QString& text) {
@@ -115,6 +110,11 @@ Oscillators PlanSets::oscillators() const {
     return config_ && !config_->empty() ? read_oscillators(*config_) : Oscillators();
 }
 
+Oscillators PlanSets::oscillators_of(const QString& plan) const {
+    const Recordset config = database_.of_plan(name_of(table::kConfigurazione), plan);
+    return config.empty() ? Oscillators() : read_oscillators(config);
+}
+
 bool PlanSets::has_plan(const QString& name) const {
     return !database_.of_plan(name_of(table::kGruppo), name).empty();
 }
@@ -128,8 +128,7 @@ void PlanSets::reopen(std::optional<Bookmark> current) {
     if (programs_->end_of_set()) programs_->move_first();
 }
 
-template <class Body>
-void PlanSets::all_or_nothing(Body body) {
+void PlanSets::all_or_nothing(const std::function<void()>& body) {
     const QString plan = plan_;
     std::optional<Bookmark> current;
     if (has_program()) current = programs_->bookmark();
@@ -240,61 +239,6 @@ void PlanSets::apply_import(const ImportPreview& import) {
         if (import.oscillators != oscillators()) write_oscillators(import.oscillators);
     });
     crea_records(plan_);
-}
-
-void PlanSets::copy_rows(Recordset& from, Recordset& to, const QString& table,
-                         const QString& name) {
-    for (; !from.end_of_set(); from.move_next()) {
-        to.add_new();
-        for (const Field& field : table_named(table).fields) {
-            const QString key = QString::fromLatin1(field.name);
-            to.set(key, key == kPlanField ? QVariant(name) : from.value(key));
-        }
-        to.update();
-    }
-}
-
-void PlanSets::copy_plan(const QString& name) {
-    all_or_nothing([&] {
-        for (const char* table : {table::kGruppo, table::kConfigurazione, table::kProgrammi}) {
-            Recordset from = database_.of_plan(name_of(table), plan_);
-            Recordset to = database_.of_plan(name_of(table), name);
-            copy_rows(from, to, name_of(table), name);
-        }
-    });
-    show_plan(name);
-}
-
-ImportPreview PlanSets::copy_program(const QString& name, double unit_offset) {
-    ImportCandidate candidate{.line = 1, .record = program()};
-    candidate.oscillator = chosen_oscillator(oscillators(), candidate.record.loc_osc0);
-    const bool exists = has_plan(name);
-    const std::vector<ProgramRecord> others = programs_of(name, std::nullopt);
-    if (find_clash(others, candidate.record) == Clash::number) candidate.record.pg_num.clear();
-    if (find_clash(others, candidate.record) == Clash::logger_position) {
-        candidate.record.logger_pos = next_logger_position(others);
-        // Without a line it cannot be active in the table.
-        if (candidate.record.logger_pos.isEmpty()) candidate.record.logger_state = false;
-    }
-    Oscillators known;
-    const Recordset config = database_.of_plan(name_of(table::kConfigurazione), name);
-    if (!config.empty()) known = read_oscillators(config);
-    ImportPreview preview = preview_import({candidate}, others, known, unit_offset);
-    if (preview.added() == 0) return preview;
-    preview.replaces_blank = preview.replaces_blank || !exists;
-    all_or_nothing([&] {
-        if (!exists) add_rows(name);
-        crea_records(name);
-        if (preview.replaces_blank) programs_->remove();
-        programs_->add_new();
-        programs_->set(kPlanField, name);
-        write_program(*programs_, preview.rows.front().record);
-        programs_->update();
-        write_oscillators(preview.oscillators);
-    });
-    show_plan(name);
-    last_program();
-    return preview;
 }
 
 }  // namespace m47

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QString>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -14,6 +15,8 @@ namespace m47 {
 
 /// A plan's name as it is kept: the first 10 characters, trimmed, in upper case.
 QString plan_name(const QString& text);
+
+struct ProgramCopy;
 
 /// The plans of the database and the one that is being worked on. Every change comes true as a
 /// whole or, with a Fault, not at all.
@@ -73,19 +76,20 @@ class PlanSets {
     /// current.
     void copy_plan(const QString& name);
 
-    /// Copies the current program into the plan `name`, which is made where it does not exist, and
-    /// makes that plan current. A number or logger position that is taken there is replaced by a
-    /// free one. Where the plan has no room, its preview says why and nothing is changed.
-    ImportPreview copy_program(const QString& name, double unit_offset);
+    /// Copies the current program as it is stored into the plan `name`, which is made where it does
+    /// not exist, and makes that plan current. A number or logger position that is taken there is
+    /// replaced by a free one, and its oscillator takes a free place. Where the plan has no room
+    /// the answer says why and nothing is changed.
+    ImportProblem copy_program(const QString& name);
 
   private:
-    template <class Body>
-    void all_or_nothing(Body body);
+    void all_or_nothing(const std::function<void()>& body);
     void reopen(std::optional<Bookmark> current);
     void show_plan(const QString& name);
     void add_rows(const QString& name);
     void write_oscillators(const Oscillators& oscillators);
-    void copy_rows(Recordset& from, Recordset& to, const QString& table, const QString& name);
+    Oscillators oscillators_of(const QString& plan) const;
+    void write_copy(const QString& name, const ProgramCopy& copy);
     std::vector<ProgramRecord> programs_of(const QString& plan,
                                            std::optional<Bookmark> without) const;
 

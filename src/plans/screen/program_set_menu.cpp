@@ -89,9 +89,9 @@ void ProgramSet::cmdcopyprog_Click() {
     if (!sets_.has_program()) return;
     const QString name = ask_plan_name(this, program_.texts.pick(kCopyInto), sets_.plan());
     if (name.isEmpty()) return;
-    const ImportPreview copy = sets_.copy_program(name, offset());
-    if (copy.added() == 0)
-        tell_problem(this, import_problem_text(copy.rows.front().problem, program_.texts));
+    const ImportProblem problem = sets_.copy_program(name);
+    if (problem != ImportProblem::none)
+        tell_problem(this, import_problem_text(problem, program_.texts));
     move_plan(true);
 }
 

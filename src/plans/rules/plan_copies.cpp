@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Copies of programs and plans: the rows as they are stored, whatever they hold. A copy is no entry
+// of the user's, so nothing in it is corrected.
+#include <algorithm>
+
+#include "database_transaction.h"
+#include "free_places.h"
+#include "plan_sets.h"
+#include "tables.h"
+
+namespace m47 {
+namespace {
+
+const QString kCopiedPlan = QStringLiteral("nome");
+
+/// Fields that the copy of a row has of its own.
+using OwnFields = QMap<QString, QVariant>;
+
+void copy_row(const Recordset& from, Recordset& to, const char* table, const OwnFields& own) {
+    to.add_new();
+    for (const Field& field : table_named(QString::fromLatin1(table)).fields) {
+        const QString key = QString::fromLatin1(field.name);
+        to.set(key, own.contains(key) ? own.value(key) : from.value(key));
+    }
+    to.update();
+}
+
+}  // namespace
+
+/// What a program's copy has of its own, and the oscillators of the plan it comes into.
+struct ProgramCopy {
+    OwnFields own;
+    Oscillators oscillators;
+    bool replaces_blank = false;
+};
+
+namespace {
+
+void find_number_and_line(const std::vector<ProgramRecord>& others, ProgramRecord& record,
+                          OwnFields& own) {
+    if (find_clash(others, record) == Clash::number) {
+        UsedNumbers used;
+        for (const ProgramRecord& other : others) used.take(other);
+        record.pg_num = used.first_free();
+        own[QStringLiteral("pg_num")] = record.pg_num;
+    }
+    if (find_clash(others, record) != Clash::logger_position) return;
+    record.logger_pos = next_logger_position(others);
+    own[QStringLiteral("logger_pos")] = record.logger_pos;
+    // Without a line it cannot be active in the table.
+    if (record.logger_pos.isEmpty()) own[QStringLiteral("logger_state")] = 0;
+}
+
+ImportProblem find_oscillator(const ProgramRecord& record, const Oscillators& known,
+                              ProgramCopy& copy) {
+    const auto index = static_cast<std::size_t>(record.loc_osc0);
+    if (record.loc_osc || index >= known.size() || known[index].isEmpty())
+        return ImportProblem::none;
+    const auto place = place_oscillator(copy.oscillators, record.loc_osc0, known[index]);
+    if (!place) return ImportProblem::no_oscillator;
+    copy.own[QStringLiteral("loc_osc0")] = *place;
+    return ImportProblem::none;
+}
+
+}  // namespace
+
+void PlanSets::copy_plan(const QString& name) {
+    all_or_nothing([&] {
+        for (const char* table : {table::kGruppo, table::kConfigurazione, table::kProgrammi}) {
+            Recordset from = database_.of_plan(QString::fromLatin1(table), plan_);
+            Recordset to = database_.of_plan(QString::fromLatin1(table), name);
+            for (; !from.end_of_set(); from.move_next())
+                copy_row(from, to, table, {{kCopiedPlan, name}});
+        }
+    });
+    show_plan(name);
+}
+
+ImportProblem PlanSets::copy_program(const QString& name) {
+    ProgramRecord record = program();
+    std::vector<ProgramRecord> others = programs_of(name, std::nullopt);
+    ProgramCopy copy{.own = {{kCopiedPlan, name}}, .oscillators = oscillators_of(name)};
+    // The program that a new plan starts with makes room, unless it is the one to be copied.
+    copy.replaces_blank = name != plan_ && others.size() == 1 && is_blank(others.front());
+    if (copy.replaces_blank) others.clear();
+    find_number_and_line(others, record, copy.own);
+    if (record.pg_num.isEmpty() && !program().pg_num.isEmpty()) return ImportProblem::no_number;
+    const ImportProblem problem = find_oscillator(record, oscillators(), copy);
+    if (problem != ImportProblem::none) return problem;
+    all_or_nothing([&] { write_copy(name, copy); });
+    show_plan(name);
+    last_program();
+    return ImportProblem::none;
+}
+
+void PlanSets::write_copy(const QString& name, const ProgramCopy& copy) {
+    const Recordset from = *programs_;
+    const bool is_new = !has_plan(name);
+    if (is_new) add_rows(name);
+    crea_records(name);
+    if (is_new || copy.replaces_blank) programs_->remove();
+    copy_row(from, *programs_, table::kProgrammi, copy.own);
+    if (copy.oscillators != oscillators()) write_oscillators(copy.oscillators);
+}
+
+}  // namespace m47
