@@ -31,6 +31,7 @@ constexpr Bilingual kPageTab{"Measurement page", "Pagina misure"};
 constexpr Bilingual kTrendTab{"Trend", "Andamento"};
 constexpr Bilingual kRecentEntry{"Recent &logs", "&Log recenti"};
 constexpr Bilingual kNoRecent{"None", "Nessuno"};
+constexpr Bilingual kLevelEntry{"Full-screen &level", "&Livello a tutto schermo"};
 constexpr Bilingual kReportEntry{"&Report…", "&Rapporto…"};
 constexpr Bilingual kReportNotSaved{"The report was not saved as '%1': %2",
                                     "Il rapporto non è stato salvato come '%1': %2"};
@@ -42,10 +43,11 @@ Realtime::Realtime(Link& link, ProgramState& program, Database& database, QWidge
       rules(link, program, database),
       program_(program),
       database_(database),
-      ui_(std::make_unique<Ui::Realtime>()) {
+      ui_(std::make_unique<Ui::Realtime>()),
+      level_view_(new LevelView(
+          program.texts, [&link] { return link.port_connected; }, this)) {
     ui_->setupUi(this);
     binding_ = std::make_unique<PanelBinding>(this, rules.panel);
-    rules.panel.on_repaint = [this] { binding_->show(); };
     rules.cycle.on_log_written = [this](const QString& reason) { show_log_state(reason); };
     ui_->cmdmenu->setToolTipsVisible(true);
     ui_->cmdrecent->setToolTipsVisible(true);
@@ -59,6 +61,7 @@ Realtime::Realtime(Link& link, ProgramState& program, Database& database, QWidge
     connect_menu();
     connect_toolbar();
     connect_timers();
+    connect_level_view();
     fill_keys();
     prepare_page();
     show_log_name();
@@ -73,6 +76,7 @@ void Realtime::handle(const char* name, Body body) {
     run_handler(this, name, body);
     binding_->show();
     ui_->trend->limits_changed();
+    level_view_->ended();
 }
 
 void Realtime::Form_Load() {
@@ -223,6 +227,8 @@ void Realtime::connect_timers() {
         });
     };
     drive(timer1_, "Timer1_Timer", &Acquisition::Timer1_Timer);
+    // A pass recalls and tunes before it measures: what is shown is no longer what is received.
+    connect(&timer2_.timer(), &QTimer::timeout, level_view_, &LevelView::begins);
     drive(timer2_, "Timer2_Timer", &Acquisition::Timer2_Timer);
     drive(timer3_, "Timer3_Timer", &Acquisition::Timer3_Timer);
     rules.acquisition.Timer1 = &timer1_;
@@ -234,6 +240,31 @@ void Realtime::connect_timers() {
         Q_EMIT progress(monitored > 0 ? QStringLiteral("%1/%2").arg(place).arg(monitored)
                                       : QString());
     };
+}
+
+void Realtime::connect_level_view() {
+    rules.panel.on_repaint = [this] {
+        binding_->show();
+        // A cycle blanks the results before it asks for new ones.
+        const bool digital = rules.state.meas_mode == kDigitalMode;
+        const QString& level = digital ? rules.panel.dcplev : rules.panel.leva;
+        if (!level.isEmpty() && level.trimmed().isEmpty()) level_view_->begins();
+    };
+    connect(&rules.page, &PageModel::rowsInserted, this,
+            [this](const QModelIndex&, int row) { show_row_as_level(row); });
+    on(ui_->cmdlevelview, &QAction::triggered, this, "cmdlevelview_Click",
+       [this] { level_view_->open(); });
+}
+
+void Realtime::show_row_as_level(int row) {
+    const bool plan = rules.state.acq_kind == kPlan;
+    const QStringList cells = rules.page.cells(row);
+    level_view_->measured({.level = cells[4],
+                           .verdict = cells[10],
+                           .unit = program_.unit_index,
+                           .plan = plan ? rules.panel.grp_name : QString(),
+                           .program = plan ? rules.panel.prog_num : QString(),
+                           .frequency = cells[2]});
 }
 
 void Realtime::prepare_page() {
@@ -256,6 +287,7 @@ void Realtime::show_tab_captions() {
     ui_->page_tabs->setTabText(1, program_.texts.pick(kTrendTab));
     ui_->trend->set_texts(program_.texts);
     ui_->cmdrecent->setTitle(program_.texts.pick(kRecentEntry));
+    ui_->cmdlevelview->setText(program_.texts.pick(kLevelEntry));
     ui_->cmdreport->setText(program_.texts.pick(kReportEntry));
 }
 

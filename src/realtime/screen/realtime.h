@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "customer_report.h"
+#include "level_view.h"
 #include "panel_binding.h"
 #include "realtime_rules.h"
 #include "timer_ticker.h"
@@ -67,6 +68,8 @@ class Realtime : public QMainWindow {
     void cmdrecent_Click(const QString& path);
     void show_log_name();
     void show_log_state(const QString& reason);
+    void connect_level_view();
+    void show_row_as_level(int row);
     void createdoc();
     void cmdreport_Click();
     QList<ReportLimits> limits_in_force();
@@ -77,6 +80,7 @@ class Realtime : public QMainWindow {
     std::unique_ptr<Ui::Realtime> ui_;
     std::unique_ptr<PanelBinding> binding_;
     QString file_name_tooltip_;
+    LevelView* level_view_;
     QHash<QString, std::function<void()>> keys_;
     TimerTicker timer1_;
     TimerTicker timer2_;

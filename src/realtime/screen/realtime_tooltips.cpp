@@ -84,6 +84,8 @@ constexpr Tooltip kTooltips[] = {
 
     {"cmdfulltune", nullptr, "Imposta tutto per ogni programma"},
     {"cmdcomplete", nullptr, "Completa le misure C/N e rumore"},
+    {"cmdlevelview", "The level in digits that are read from afar, with a tone",
+     "Il livello in cifre leggibili da lontano, con un tono"},
     {"cmdreport", "Make a PDF of the measurement page for the customer",
      "Crea un PDF della pagina misure per il cliente"},
 };

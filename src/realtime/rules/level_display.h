@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <optional>
+
+#include "texts.h"
+
+namespace m47 {
+
+/// What a level seen from afar is drawn in: a colour of its own for each outcome only while the
+/// value is live.
+enum class LevelColour { live, pass, fail, stale };
+
+/// What the large display shows.
+struct LevelPicture {
+    QString value;    ///< "58.3", "<20.0", a dash where nothing was measured
+    QString unit;     ///< "dBuV"
+    QString name;     ///< plan, program and frequency
+    QString verdict;  ///< "PASS", "FAIL" or empty
+    QString age;      ///< how old the value is, or that a measurement runs
+    LevelColour colour = LevelColour::stale;
+};
+
+/// What a measurement has brought for the large display.
+struct LevelMeasurement {
+    QString level;  ///< as the meter gave it
+    QString verdict;
+    int unit = 0;  ///< a LevelUnit
+    QString plan, program, frequency;
+};
+
+/// The level for somebody who stands three metres away. It never shows an old value as a live one:
+/// that turns grey after kLiveSeconds, when the next measurement begins, and when the link is lost.
+/// Times are in seconds on any clock that only goes forward.
+class LevelDisplay {
+  public:
+    static constexpr double kLiveSeconds = 10;
+
+    void measured(const LevelMeasurement& measurement, double now);
+    /// A measurement begins: what is shown is that of the one before.
+    void begins() { running_ = true; }
+    /// It has ended, with or without a row.
+    void ended() { running_ = false; }
+
+    bool live(double now, bool linked) const;
+    LevelPicture picture(double now, bool linked, const Texts& texts) const;
+
+    /// The level in dBuV; nothing where the last measurement brought no number.
+    std::optional<double> dbuv() const;
+
+  private:
+    QString age_text(double now, bool linked, const Texts& texts) const;
+
+    std::optional<LevelMeasurement> last_;
+    double at_ = 0;
+    bool running_ = false;
+};
+
+}  // namespace m47

@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The large display of the level and its tone, without a screen or a sound device.
+#include <QTest>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+
+#include "level_display.h"
+#include "level_tone.h"
+
+namespace m47 {
+
+class LevelTest : public QObject {
+    Q_OBJECT
+
+  private:
+    static LevelMeasurement measurement(const QString& level, const QString& verdict = {},
+                                        int unit = 0) {
+        return {level, verdict, unit, {}, {}, "1200.0"};
+    }
+    static Texts texts(int language = kEnglish) {
+        Texts made;
+        made.language = language;
+        return made;
+    }
+    static std::vector<std::int16_t> samples(double hertz, double seconds) {
+        const QByteArray bytes = LevelTone::samples(hertz, seconds);
+        std::vector<std::int16_t> made(static_cast<std::size_t>(bytes.size()) / 2);
+        std::memcpy(made.data(), bytes.constData(), static_cast<std::size_t>(bytes.size()));
+        return made;
+    }
+
+  private Q_SLOTS:
+    void before_the_first_measurement_there_is_no_value() {
+        const LevelDisplay display;
+        const LevelPicture picture = display.picture(0, true, texts());
+        QCOMPARE(picture.value, QStringLiteral("—"));
+        QCOMPARE(picture.age, QStringLiteral("No measurement yet"));
+        QVERIFY(picture.colour == LevelColour::stale);
+        QVERIFY(!display.dbuv());
+    }
+
+    void a_fresh_value_is_shown_in_the_colour_of_its_outcome() {
+        LevelDisplay display;
+        display.measured({"58.3", "PASS", 2, "ASTRA", "007", "11778.0"}, 100);
+        LevelPicture picture = display.picture(103.5, true, texts());
+        QCOMPARE(picture.value, QStringLiteral("58.3"));
+        QCOMPARE(picture.unit, QStringLiteral("dBm"));
+        QCOMPARE(picture.name, QStringLiteral("ASTRA  ·  007  ·  11778.0 MHz"));
+        QCOMPARE(picture.verdict, QStringLiteral("PASS"));
+        QCOMPARE(picture.age, QStringLiteral("Measured 3 s ago"));
+        QVERIFY(picture.colour == LevelColour::pass);
+        display.measured(measurement("58.3", "FAIL"), 105);
+        QVERIFY(display.picture(105, true, texts()).colour == LevelColour::fail);
+        display.measured(measurement("58.3"), 106);
+        QVERIFY(display.picture(106, true, texts()).colour == LevelColour::live);
+        QCOMPARE(display.picture(106, true, texts()).name, QStringLiteral("1200.0 MHz"));
+    }
+
+    void an_old_value_is_grey_and_says_so() {
+        LevelDisplay display;
+        display.measured(measurement("58.3", "PASS"), 0);
+        QVERIFY(display.live(LevelDisplay::kLiveSeconds, true));
+        const double later = LevelDisplay::kLiveSeconds + 0.1;
+        QVERIFY(!display.live(later, true));
+        QVERIFY(display.picture(later, true, texts()).colour == LevelColour::stale);
+        QCOMPARE(display.picture(later, true, texts()).age,
+                 QStringLiteral("OLD: measured 10 s ago"));
+        QCOMPARE(display.picture(125, true, texts()).age,
+                 QStringLiteral("OLD: measured 2:05 min ago"));
+        QCOMPARE(display.picture(7300, true, texts(kItalian)).age,
+                 QStringLiteral("VECCHIO: misurato 2 h fa"));
+    }
+
+    void while_a_measurement_runs_the_value_before_it_is_not_live() {
+        LevelDisplay display;
+        display.measured(measurement("58.3", "PASS"), 0);
+        display.begins();
+        QVERIFY(display.picture(1, true, texts()).colour == LevelColour::stale);
+        QCOMPARE(display.picture(1, true, texts()).age, QStringLiteral("Measuring…"));
+        display.measured(measurement("59.0", "PASS"), 2);
+        QVERIFY(display.live(2, true));
+        display.begins();
+        display.ended();
+        QVERIFY(display.live(3, true));
+    }
+
+    void without_a_link_nothing_is_live() {
+        LevelDisplay display;
+        display.measured(measurement("58.3", "PASS"), 0);
+        QVERIFY(display.picture(0, false, texts()).colour == LevelColour::stale);
+        QCOMPARE(display.picture(0, false, texts()).age,
+                 QStringLiteral("The meter is not connected"));
+    }
+
+    void what_was_not_measured_is_a_dash_and_silent() {
+        LevelDisplay display;
+        for (const char* level : {"", "ERROR"}) {
+            display.measured(measurement(level, "FAIL"), 0);
+            QCOMPARE(display.picture(0, true, texts()).value, QStringLiteral("—"));
+            QVERIFY(!display.dbuv());
+        }
+        display.measured(measurement("<20.0"), 0);
+        QCOMPARE(display.picture(0, true, texts()).value, QStringLiteral("<20.0"));
+        QCOMPARE(*display.dbuv(), 20.0);
+        display.measured(measurement("-50", {}, 2), 0);
+        QCOMPARE(*display.dbuv(), 59.0);
+    }
+
+    void ten_decibels_are_an_octave_within_what_is_heard() {
+        QCOMPARE(LevelTone::pitch(60), 440.0);
+        QCOMPARE(LevelTone::pitch(70), 880.0);
+        QCOMPARE(LevelTone::pitch(50), 220.0);
+        QVERIFY(LevelTone::pitch(60.5) > LevelTone::pitch(60));
+        QCOMPARE(LevelTone::pitch(-300), LevelTone::kLowestHz);
+        QCOMPARE(LevelTone::pitch(300), LevelTone::kHighestHz);
+    }
+
+    void the_tone_has_its_pitch_and_its_length() {
+        for (const double hertz : {220.0, 880.0}) {
+            const auto tone = samples(hertz, 0.5);
+            QCOMPARE(tone.size(), std::size_t{22050});
+            int rises = 0;
+            for (std::size_t k = 1; k < tone.size(); ++k) rises += tone[k - 1] <= 0 && tone[k] > 0;
+            QVERIFY(std::abs(rises - hertz / 2) <= 1);
+        }
+    }
+
+    void the_tone_swells_and_fades() {
+        const auto tone = samples(440, 0.4);
+        QCOMPARE(int(tone.front()), 0);
+        QCOMPARE(int(tone.back()), 0);
+        int loudest = 0;
+        for (const std::int16_t sample : tone) loudest = std::max(loudest, std::abs(int(sample)));
+        QVERIFY(loudest > 11000 && loudest < 13000);
+        for (std::size_t k = 0; k < 40; ++k) QVERIFY(std::abs(int(tone[k])) < 1200);
+    }
+};
+
+}  // namespace m47
+
+QTEST_MAIN(m47::LevelTest)
+#include "level_test.moc"
