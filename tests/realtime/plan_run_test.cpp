@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plan_run.h"
 
+#include <QFile>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QTest>
 
 #include "realtime_fixture.h"
@@ -28,6 +31,10 @@ class PlanRunTest : public QObject {
     void one_pass();
     void passes_back_to_back();
     void passes_at_fixed_times();
+    void a_clock_that_is_set_moves_no_firing_data();
+    void a_clock_that_is_set_moves_no_firing();
+    void the_date_changes_within_a_pass();
+    void a_pass_cut_short_is_told();
     void a_pass_longer_than_the_interval_leaves_firings_out();
     void told_to_stop_between_two_measurements();
     void told_to_stop_while_waiting();
@@ -137,6 +144,101 @@ void PlanRunTest::passes_at_fixed_times() {
         QVERIFY2(late >= 0 && late < 1, qPrintable(QString::number(late)));
     }
     QVERIFY(remarks_.isEmpty());
+}
+
+void PlanRunTest::a_clock_that_is_set_moves_no_firing_data() {
+    QTest::addColumn<double>("seconds");
+    QTest::newRow("an hour forward") << 3600.0;
+    QTest::newRow("an hour back") << -3600.0;
+    QTest::newRow("back beyond midnight") << -11 * 3600.0;
+}
+
+/// Once while the run waits for a pass and once in the middle of a measurement.
+void PlanRunTest::a_clock_that_is_set_moves_no_firing() {
+    QFETCH(double, seconds);
+    const double start = now();
+    f_->clock.spans_hold = true;
+    PlanRun run = make_run({.passes = 8, .every = 600});
+    int questions = 0;
+    bool set = false;
+    f_->on_command = [&](const QByteArray& command) {
+        if (command == "FREQ 1000.0") firings_ += now();
+        // The last question of the fifth pass is on its way.
+        if (command == "LEVANL?" && ++questions == 15) f_->clock.set_by(seconds);
+    };
+    run.on_progress = [&](const QString& text) {
+        if (!set && text.startsWith("pass 2 done, next in 0:05")) f_->clock.set_by(seconds);
+        set = set || text.startsWith("pass 2 done, next in 0:05");
+    };
+    QCOMPARE(run.run(), PlanRun::End::done);
+    QVERIFY(set);
+    QCOMPARE(measured().size(), 24);
+    QCOMPARE(firings_.size(), 8);
+    for (int pass = 0; pass < 8; ++pass) {
+        const double late = firings_[pass] - start - 600 * pass;
+        QVERIFY2(late >= 0 && late < 1, qPrintable(QString::number(late)));
+    }
+    QCOMPARE(remarks_, QStringList());
+    // The rows tell the time of day as it was set when they were made.
+    QList<double> steps;
+    QDateTime last;
+    for (int row = 0; row < 24; row += 3) {
+        const QStringList cells = f_->rules.page.cells(row);
+        const QDateTime time = QDateTime::fromString(
+            cells[0].left(6) + "20" + cells[0].mid(6) + cells[1], "dd/MM/yyyyHH:mm:ss");
+        if (last.isValid()) steps += static_cast<double>(last.secsTo(time));
+        last = time;
+    }
+    for (int k = 0; k < steps.size(); ++k) {
+        const double expected = 600 + (k == 1 || k == 4 ? seconds : 0);
+        QVERIFY2(std::abs(steps[k] - expected) <= 1, qPrintable(QString::number(steps[k])));
+    }
+}
+
+void PlanRunTest::the_date_changes_within_a_pass() {
+    // So that the second program of the pass is measured at midnight.
+    f_->clock.spans_hold = true;
+    f_->clock.sleep(86400 - 36000 - now() - 1.5);
+    f_->rules.log.open(f_->path("night.log"), f_->rules.page);
+    QCOMPARE(make_run({}).run(), PlanRun::End::done);
+    QCOMPARE(measured(), QStringList({"1000", "1010", "1020"}));
+    QCOMPARE(f_->rules.page.cells(0)[0], QString("21/11/26"));
+    QCOMPARE(f_->rules.page.cells(2)[0], QString("22/11/26"));
+    QVERIFY(f_->rules.page.cells(0)[1].startsWith("23:59:5"));
+    QVERIFY(f_->rules.page.cells(2)[1].startsWith("00:00:0"));
+    QFile log(f_->path("night.log"));
+    QVERIFY(log.open(QIODevice::ReadOnly));
+    QByteArray page;
+    for (int row = 0; row < 3; ++row)
+        page += f_->rules.page.cells(row).join(u'\t').toLatin1() + "\r\n";
+    QCOMPARE(log.readAll(), page);
+}
+
+/// Another program that holds the database locked for longer than the program waits for it.
+void PlanRunTest::a_pass_cut_short_is_told() {
+    const QString path = f_->path(QString::fromLatin1(kDatabaseFile));
+    {
+        QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", "other");
+        other.setDatabaseName(path);
+        QVERIFY(other.open());
+        int questions = 0;
+        f_->on_command = [&](const QByteArray& command) {
+            if (command == "LEVANL?" && ++questions == 2)
+                QVERIFY(QSqlQuery(other).exec("BEGIN EXCLUSIVE"));
+        };
+        PlanRun run = make_run({.passes = 2, .every = 600});
+        run.on_progress = [&](const QString& text) {
+            if (text.startsWith("pass 1 done")) QSqlQuery(other).exec("ROLLBACK");
+        };
+        QCOMPARE(run.run(), PlanRun::End::done);
+        other.close();
+    }
+    QSqlDatabase::removeDatabase("other");
+    // What had been measured stands, and the next pass is whole again.
+    QCOMPARE(measured(), QStringList({"1000", "1010", "1000", "1010", "1020"}));
+    QCOMPARE(remarks_.size(), 1);
+    QVERIFY2(remarks_[0].contains(": pass 1 was cut short: ") && remarks_[0].contains("locked"),
+             qPrintable(remarks_[0]));
 }
 
 void PlanRunTest::a_pass_longer_than_the_interval_leaves_firings_out() {

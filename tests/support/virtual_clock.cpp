@@ -27,7 +27,22 @@ VirtualClock::VirtualClock(double seconds_since_midnight)
     : start_(whole_nanoseconds(seconds_since_midnight)) {}
 
 nanoseconds VirtualClock::since_midnight() const {
-    return (start_ + elapsed_) % kDay;
+    const nanoseconds time = (start_ + elapsed_ + set_) % kDay;
+    return time < nanoseconds{} ? time + kDay : time;
+}
+
+void VirtualClock::begin_span() {
+    if (spans_++ > 0) return;
+    span_reading_ = since_midnight();
+    span_begin_ = elapsed_;
+}
+
+nanoseconds VirtualClock::reading() const {
+    return spans_hold && spans_ > 0 ? span_reading_ + elapsed_ - span_begin_ : since_midnight();
+}
+
+void VirtualClock::set_by(double seconds) {
+    set_ += whole_nanoseconds(seconds);
 }
 
 double VirtualClock::elapsed() const {
@@ -35,12 +50,13 @@ double VirtualClock::elapsed() const {
 }
 
 float VirtualClock::now() const {
-    return tick_reading(since_midnight());
+    return tick_reading(reading());
 }
 
 double VirtualClock::until_next_tick() const {
     // At midnight the reading falls back to 0 and so changes too.
-    const nanoseconds time = since_midnight();
+    const nanoseconds time = reading();
+    if (spans_hold && spans_ > 0) return seconds_of(time_to_next_tick(time));
     return seconds_of(std::min(time_to_next_tick(time), kDay - time));
 }
 
@@ -52,7 +68,9 @@ void VirtualClock::sleep(double seconds) {
 QDateTime VirtualClock::date_time() const {
     using std::chrono::milliseconds;
     const auto time = std::chrono::duration_cast<milliseconds>(since_midnight());
-    return QDateTime(date_.addDays((start_ + elapsed_) / kDay),
+    const nanoseconds all = start_ + elapsed_ + set_;
+    const auto days = all / kDay - (all % kDay < nanoseconds{} ? 1 : 0);
+    return QDateTime(date_.addDays(days),
                      QTime::fromMSecsSinceStartOfDay(static_cast<int>(time.count())));
 }
 

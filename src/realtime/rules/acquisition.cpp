@@ -255,9 +255,10 @@ void Acquisition::Timer2_Timer() {
     bool goes_on = false;
     try {
         goes_on = acq_multi();
-    } catch (const Fault&) {
+    } catch (const Fault& fault) {
         // A plan that was deleted meanwhile ends its pass; the timed firings go on.
         end_pass();
+        if (on_cut_short) on_cut_short(QString::fromUtf8(fault.what()));
     }
     if (goes_on) Timer2->start();
 }

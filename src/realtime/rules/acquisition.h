@@ -37,6 +37,8 @@ class Acquisition {
     /// How far a plan pass is: the place of the program being measured among the monitored ones of
     /// the plan and how many there are. 0 of 0 when the pass has ended.
     std::function<void(int place, int monitored)> on_progress;
+    /// Told why when a pass ends before its last program, as with a database that is locked.
+    std::function<void(const QString& reason)> on_cut_short;
 
     // The toolbar keys.
     void single();

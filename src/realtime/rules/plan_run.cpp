@@ -27,12 +27,16 @@ class StepTicker : public Ticker {
 class WalkByHand {
   public:
     explicit WalkByHand(Acquisition& walk)
-        : walk_(walk), ticker_(walk.Timer2), on_progress_(walk.on_progress) {
+        : walk_(walk),
+          ticker_(walk.Timer2),
+          on_progress_(walk.on_progress),
+          on_cut_short_(walk.on_cut_short) {
         walk_.Timer2 = &step_;
     }
     ~WalkByHand() {
         walk_.Timer2 = ticker_;
         walk_.on_progress = on_progress_;
+        walk_.on_cut_short = on_cut_short_;
     }
     WalkByHand(const WalkByHand&) = delete;
     WalkByHand& operator=(const WalkByHand&) = delete;
@@ -42,6 +46,7 @@ class WalkByHand {
     Acquisition& walk_;
     Ticker* ticker_;
     std::function<void(int, int)> on_progress_;
+    std::function<void(const QString&)> on_cut_short_;
 };
 
 }  // namespace
@@ -50,6 +55,12 @@ PlanRun::End PlanRun::run() {
     const WalkByHand by_hand(rules_.acquisition);
     rules_.acquisition.on_progress = [this](int place, int monitored) {
         show_program(place, monitored);
+    };
+    rules_.acquisition.on_cut_short = [this](const QString& reason) {
+        remark(QStringLiteral("%1: pass %2 was cut short: %3")
+                   .arg(time_text())
+                   .arg(pass_)
+                   .arg(reason));
     };
     begin_ = next_pass_ = link_.clock().steady();
     for (;;) {
