@@ -9,6 +9,10 @@
 
 namespace m47 {
 
+QString stored_plan_name(const QString& text) {
+    return text.trimmed().toUpper();
+}
+
 std::unique_ptr<Database> Database::open(const QString& path, DatabaseError& error) {
     if (const auto fault = fault_of_file(path)) {
         error = *fault;
@@ -46,7 +50,17 @@ const QSqlDatabase& Database::connection() const {
 }
 
 Recordset Database::of_plan(const QString& table, const QString& plan) const {
-    return Recordset::where(connection(), table, QStringLiteral("nome"), plan);
+    const QString name = stored_plan_name(plan);
+    // The engine knows the capitals of ASCII alone. The name itself stands for the rows to come.
+    QStringList spellings{name};
+    Query query(
+        connection(),
+        QStringLiteral("SELECT DISTINCT nome FROM %1").arg(QLatin1String(table_named(table).name)));
+    while (query.next()) {
+        const QString found = query.value(0).toString();
+        if (found != name && stored_plan_name(found) == name) spellings += found;
+    }
+    return Recordset::where_any(connection(), table, QStringLiteral("nome"), spellings);
 }
 
 }  // namespace m47

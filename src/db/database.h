@@ -34,6 +34,10 @@ struct DatabaseError {
     QString detail;
 };
 
+/// A plan's name as all its rows are known by, whatever other programs have written there: trimmed
+/// and in upper case.
+QString stored_plan_name(const QString& text);
+
 /// The program's one database file and its four shared record sets, open for the whole run.
 class Database {
   public:
@@ -55,7 +59,8 @@ class Database {
     Recordset& gruppo() { return gruppo_; }
     Recordset& asl() { return asl_; }
 
-    /// A further set on `table`: the rows whose `nome` is `plan`.
+    /// A further set on `table`: the rows of the plan `plan`, in whatever letters and with whatever
+    /// blanks around it their `nome` names it.
     Recordset of_plan(const QString& table, const QString& plan) const;
 
     const QSqlDatabase& connection() const;

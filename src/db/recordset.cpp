@@ -24,24 +24,38 @@ QVariant stored_form(const QVariant& value) {
 }  // namespace
 
 Recordset Recordset::table(const QSqlDatabase& database, const QString& table) {
-    return Recordset(database, table_named(table), QString(), QVariant());
+    return Recordset(database, table_named(table), QString(), {});
 }
 
 Recordset Recordset::where(const QSqlDatabase& database, const QString& table, const QString& field,
                            const QVariant& value) {
     const Table& layout = table_named(table);
-    return Recordset(database, layout, checked_field(layout, field), stored_form(value));
+    return Recordset(database, layout, checked_field(layout, field), {stored_form(value)});
+}
+
+Recordset Recordset::where_any(const QSqlDatabase& database, const QString& table,
+                               const QString& field, const QStringList& texts) {
+    const Table& layout = table_named(table);
+    QVariantList values;
+    for (const QString& text : texts) values += stored_form(text);
+    return Recordset(database, layout, checked_field(layout, field), values);
 }
 
 Recordset::Recordset(const QSqlDatabase& database, const Table& table, const QString& field,
-                     const QVariant& value)
+                     const QVariantList& values)
     : connection_(database.connectionName()),
       table_(&table),
       read_statement_(QStringLiteral("SELECT %1 FROM %2 WHERE rowid = ?")
                           .arg(field_list(table), QLatin1String(table.name))),
       field_(field),
-      filter_(value) {
+      filter_(values) {
     requery();
+}
+
+/// What a row must meet to belong to a set with a filter; its places take `filter_`.
+QString Recordset::condition() const {
+    const QStringList places(filter_.size(), QStringLiteral("?"));
+    return QStringLiteral("%1 IN (%2)").arg(field_, places.join(kComma));
 }
 
 QSqlDatabase Recordset::database() const {
@@ -54,7 +68,7 @@ void Recordset::requery() {
     QString statement = QStringLiteral("SELECT rowid FROM %1").arg(QLatin1String(table_->name));
     QVariantList values;
     if (!field_.isEmpty()) {
-        statement += QStringLiteral(" WHERE %1 = ?").arg(field_);
+        statement += QStringLiteral(" WHERE ") + condition();
         values += filter_;
     }
     std::vector<qint64> rows;
@@ -140,7 +154,7 @@ bool Recordset::find_first(const QString& field, const QString& value) {
                             .arg(QLatin1String(table_->name), checked_field(*table_, field));
     QVariantList values{stored_form(value)};
     if (!field_.isEmpty()) {
-        statement += QStringLiteral(" AND %1 = ?").arg(field_);
+        statement += QStringLiteral(" AND ") + condition();
         values += filter_;
     }
     Query query(database(), statement + QStringLiteral(" ORDER BY rowid"), values);

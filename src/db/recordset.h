@@ -30,6 +30,10 @@ class Recordset {
     static Recordset where(const QSqlDatabase& database, const QString& table, const QString& field,
                            const QVariant& value);
 
+    /// As where(), of the rows whose `field` equals one of `texts`.
+    static Recordset where_any(const QSqlDatabase& database, const QString& table,
+                               const QString& field, const QStringList& texts);
+
     /// Reads anew which rows belong to the set and moves to the first.
     void requery();
 
@@ -80,8 +84,9 @@ class Recordset {
     using Row = std::vector<QVariant>;
 
     Recordset(const QSqlDatabase& database, const Table& table, const QString& field,
-              const QVariant& value);
+              const QVariantList& values);
 
+    QString condition() const;
     QSqlDatabase database() const;
     std::optional<Row> read(qint64 id) const;
     qint64 current_id() const;
@@ -97,7 +102,7 @@ class Recordset {
     /// Asks for all fields of one row.
     QString read_statement_;
     QString field_;
-    QVariant filter_;
+    QVariantList filter_;
     /// The rows of the set in rising order.
     std::vector<qint64> rows_;
     /// Of the current row; -1 before the first, the number of rows behind the last. Where a row has

@@ -238,6 +238,108 @@ class SetsTest : public QObject {
         QCOMPARE(numbers(), QStringList{"001 01"});
     }
 
+    void without_a_plan_nothing_is_written() {
+        const ImportPreview import =
+            preview_import(parse_import_file("frequenza\n1000\n", 0).candidates, {}, {}, 0);
+        for (const char* table : {"gruppo", "programmi", "configurazione"})
+            sql(QStringLiteral("DELETE FROM %1").arg(QLatin1String(table)));
+        sets_->first_plan();
+        QVERIFY(!sets_->has_current_plan());
+        M47_VERIFY_FAULT(store(tuned("1"), false), "there is no plan");
+        M47_VERIFY_FAULT(store(tuned("1"), true), "there is no plan");
+        M47_VERIFY_FAULT(sets_->store_oscloc(0, "9750"), "there is no plan");
+        M47_VERIFY_FAULT(sets_->apply_import(import), "there is no plan");
+        M47_VERIFY_FAULT(sets_->copy_plan("X"), "there is no plan");
+        M47_VERIFY_FAULT(sets_->copy_program("X"), "there is no plan");
+        sets_->del_old();
+        sets_->delete_program();
+        QVERIFY(!sets_->next_plan());
+        QVERIFY(!sets_->previous_plan());
+        QCOMPARE(sql(QStringLiteral("SELECT nome FROM gruppo UNION ALL SELECT nome FROM programmi "
+                                    "UNION ALL SELECT nome FROM configurazione")),
+                 QStringList());
+        sets_->add_new(QStringLiteral("B"));
+        QVERIFY(sets_->has_current_plan());
+        QCOMPARE(store(tuned("1"), true), Clash::none);
+    }
+
+    void a_plan_that_another_program_has_deleted_takes_nothing() {
+        sets_->add_new(QStringLiteral("B"));
+        for (const char* table : {"gruppo", "programmi", "configurazione"})
+            sql(QStringLiteral("DELETE FROM %1 WHERE nome = 'B'").arg(QLatin1String(table)));
+        M47_VERIFY_FAULT(store(tuned("1"), false), "there is no plan");
+        QCOMPARE(numbers(), QStringList());
+        QVERIFY(sets_->refresh());
+        QCOMPARE(sets_->plan(), QStringLiteral("PLAN 1"));
+    }
+
+    void a_plan_without_its_oscillators_gets_them_when_one_is_stored() {
+        sql(QStringLiteral("DELETE FROM configurazione"));
+        sets_->first_plan();
+        sets_->store_oscloc(2, QStringLiteral("9750"));
+        QCOMPARE(sets_->oscillators()[2], QStringLiteral("9750"));
+        QCOMPARE(store(tuned("1"), true), Clash::none);
+        QCOMPARE(sql(QStringLiteral("SELECT nome || loc_osc3 FROM configurazione")),
+                 QStringList{"PLAN 19750.0"});
+    }
+
+    void plans_that_others_add_and_delete_are_seen() {
+        sql(QStringLiteral("INSERT INTO gruppo (nome) VALUES ('B')"));
+        QVERIFY(sets_->can_delete_plan());
+        QVERIFY(sets_->next_plan());
+        QCOMPARE(sets_->plan(), QStringLiteral("B"));
+        sql(QStringLiteral("INSERT INTO gruppo (nome) VALUES ('C')"));
+        QVERIFY(sets_->next_plan());
+        QCOMPARE(sets_->plan(), QStringLiteral("C"));
+        QVERIFY(sets_->previous_plan());
+        QCOMPARE(sets_->plan(), QStringLiteral("B"));
+        sql(QStringLiteral("DELETE FROM gruppo WHERE nome <> 'B'"));
+        QVERIFY(!sets_->can_delete_plan());
+        QVERIFY(!sets_->next_plan());
+        QVERIFY(!sets_->previous_plan());
+        QCOMPARE(sets_->plan(), QStringLiteral("B"));
+    }
+
+    void what_others_write_into_the_plan_is_read_anew() {
+        QCOMPARE(store(tuned("1"), true), Clash::none);
+        QCOMPARE(store(tuned("2"), false), Clash::none);
+        sets_->last_program();
+        QVERIFY(!sets_->refresh());
+        QCOMPARE(sets_->program().pg_num, QStringLiteral("002"));
+        sql(QStringLiteral("UPDATE programmi SET lev_min = '50' WHERE pg_num = '001'"));
+        QVERIFY(!sets_->refresh());
+        sql(QStringLiteral("UPDATE programmi SET lev_min = '50' WHERE pg_num = '002'"));
+        QVERIFY(sets_->refresh());
+        QCOMPARE(sets_->program().lev_min, QStringLiteral("50"));
+        sql(QStringLiteral("DELETE FROM programmi WHERE pg_num = '002'"));
+        QVERIFY(sets_->refresh());
+        QCOMPARE(sets_->program().pg_num, QStringLiteral("001"));
+    }
+
+    void a_plan_is_one_in_whatever_letters_its_rows_name_it() {
+        sql(QStringLiteral("INSERT INTO gruppo (nome) VALUES ('roof '), ('città')"));
+        sql(
+            QStringLiteral("INSERT INTO programmi (nome, pg_num) VALUES ('Roof', '3'), (' ROOF', "
+                           "'4'), ('Città', '5')"));
+        sql(QStringLiteral("INSERT INTO configurazione (nome, loc_osc1) VALUES ('roof', 9750)"));
+        QVERIFY(sets_->has_plan(QStringLiteral("ROOF")));
+        QVERIFY(sets_->next_plan());
+        QCOMPARE(sets_->plan(), QStringLiteral("ROOF"));
+        QCOMPARE(sets_->programs().size(), std::size_t(2));
+        QCOMPARE(sets_->oscillators()[0], QStringLiteral("9750"));
+        QCOMPARE(store(tuned("6"), false), Clash::none);
+        sets_->last_program();
+        QCOMPARE(sets_->program().pg_num, QStringLiteral("006"));
+        QVERIFY(sets_->next_plan());
+        QCOMPARE(sets_->plan(), QStringLiteral("CITTÀ"));
+        QCOMPARE(sets_->program().pg_num, QStringLiteral("5"));
+        QVERIFY(sets_->previous_plan());
+        sets_->del_old();
+        QCOMPARE(sql(QStringLiteral("SELECT nome FROM gruppo UNION ALL SELECT nome FROM programmi "
+                                    "UNION ALL SELECT nome FROM configurazione ORDER BY nome")),
+                 QStringList({"Città", "PLAN 1", "PLAN 1", "PLAN 1", "città"}));
+    }
+
     void a_file_that_takes_nothing_keeps_everything_as_it_was() {
         QCOMPARE(store(tuned("1"), true), Clash::none);
         QCOMPARE(store(tuned("2"), false), Clash::none);

@@ -14,7 +14,12 @@ QStringList names_in_table(Database& database, const char* table) {
     QStringList names;
     Query query(database.connection(),
                 QStringLiteral("SELECT nome FROM %1").arg(QLatin1String(table)));
-    while (query.next()) names += query.value(0).toString();
+    // A plan is the same in whatever letters another program has written its name.
+    const bool plans = QLatin1String(table) == QLatin1String(table::kGruppo);
+    while (query.next()) {
+        const QString name = query.value(0).toString();
+        names += plans ? stored_plan_name(name) : name;
+    }
     return names;
 }
 

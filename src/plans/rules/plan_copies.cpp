@@ -65,6 +65,7 @@ ImportProblem find_oscillator(const ProgramRecord& record, const Oscillators& kn
 }  // namespace
 
 void PlanSets::copy_plan(const QString& name) {
+    need_plan();
     all_or_nothing([&] {
         for (const char* table : {table::kGruppo, table::kConfigurazione, table::kProgrammi}) {
             Recordset from = database_.of_plan(QString::fromLatin1(table), plan_);
@@ -77,6 +78,7 @@ void PlanSets::copy_plan(const QString& name) {
 }
 
 ImportProblem PlanSets::copy_program(const QString& name) {
+    need_plan();
     ProgramRecord record = program();
     std::vector<ProgramRecord> others = programs_of(name, std::nullopt);
     ProgramCopy copy{.own = {{kCopiedPlan, name}}, .oscillators = oscillators_of(name)};

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "database_transaction.h"
+#include "fault.h"
 #include "program_checks.h"
 #include "tables.h"
 
@@ -44,15 +45,33 @@ PlanSets::PlanSets(Database& database)
 }
 
 void PlanSets::crea_records(const QString& plan) {
-    plan_ = plan.trimmed().toUpper();
+    plan_ = stored_plan_name(plan);
     programs_ = database_.of_plan(name_of(table::kProgrammi), plan_);
     config_ = database_.of_plan(name_of(table::kConfigurazione), plan_);
+}
+
+/// Makes the plan `name` the current row of the list of plans. False where it has none.
+bool PlanSets::find_plan(const QString& name) {
+    if (plans_.empty()) return false;
+    for (plans_.move_first(); !plans_.end_of_set(); plans_.move_next())
+        if (stored_plan_name(plans_.text(kPlanField)) == name) return true;
+    if (!plans_.empty()) plans_.move_first();
+    return false;
+}
+
+/// Reads the list of plans anew: others add plans to it and take them away. False where the current
+/// plan is gone and the first one has taken its place.
+bool PlanSets::requery_plans() {
+    plans_.requery();
+    if (find_plan(plan_)) return true;
+    first_plan();
+    return false;
 }
 
 /// Makes the plan current in the list of plans as well, so that the next one follows it.
 void PlanSets::show_plan(const QString& name) {
     plans_.requery();
-    plans_.find_first(kPlanField, name);
+    find_plan(name);
     crea_records(name);
 }
 
@@ -62,14 +81,16 @@ void PlanSets::first_plan() {
 }
 
 bool PlanSets::previous_plan() {
+    if (!requery_plans()) return has_current_plan();
     const bool moved = step_back(plans_);
-    if (!plans_.empty()) crea_records(plans_.text(kPlanField));
+    crea_records(plans_.text(kPlanField));
     return moved;
 }
 
 bool PlanSets::next_plan() {
+    if (!requery_plans()) return has_current_plan();
     const bool moved = step_on(plans_);
-    if (!plans_.empty()) crea_records(plans_.text(kPlanField));
+    crea_records(plans_.text(kPlanField));
     return moved;
 }
 
@@ -115,8 +136,22 @@ Oscillators PlanSets::oscillators_of(const QString& plan) const {
     return config.empty() ? Oscillators() : read_oscillators(config);
 }
 
+bool PlanSets::has_current_plan() const {
+    return !plan_.isEmpty() && has_plan(plan_);
+}
+
 bool PlanSets::has_plan(const QString& name) const {
     return !database_.of_plan(name_of(table::kGruppo), name).empty();
+}
+
+/// Without its plan a row would be kept where nobody can see or delete it.
+void PlanSets::need_plan() const {
+    if (!has_current_plan()) throw Fault("there is no plan");
+}
+
+std::optional<Bookmark> PlanSets::current_row() const {
+    if (!has_program()) return std::nullopt;
+    return programs_->bookmark();
 }
 
 /// Reads anew what a failed change may have left behind in the sets, and comes back to the program
@@ -128,10 +163,18 @@ void PlanSets::reopen(std::optional<Bookmark> current) {
     if (programs_->end_of_set()) programs_->move_first();
 }
 
+bool PlanSets::refresh() {
+    const QString plan = plan_;
+    const ProgramRecord record = program();
+    const Oscillators known = oscillators();
+    const std::optional<Bookmark> current = current_row();
+    if (requery_plans()) reopen(current);
+    return plan_ != plan || program() != record || oscillators() != known;
+}
+
 void PlanSets::all_or_nothing(const std::function<void()>& body) {
     const QString plan = plan_;
-    std::optional<Bookmark> current;
-    if (has_program()) current = programs_->bookmark();
+    const std::optional<Bookmark> current = current_row();
     try {
         DatabaseTransaction transaction(database_.connection());
         body();
@@ -158,7 +201,11 @@ void PlanSets::add_new(const QString& name) {
 }
 
 bool PlanSets::can_delete_plan() const {
-    return plans_.count() > 1 && !plan_.isEmpty();
+    QStringList names;
+    Recordset plans = Recordset::table(database_.connection(), name_of(table::kGruppo));
+    for (; !plans.end_of_set(); plans.move_next())
+        names += stored_plan_name(plans.text(kPlanField));
+    return names.contains(plan_) && names.count(plan_) < names.size() && !plan_.isEmpty();
 }
 
 void PlanSets::del_old() {
@@ -186,14 +233,27 @@ void PlanSets::delete_program() {
     crea_records(plan_);
 }
 
-void PlanSets::store_oscloc(int index, const QString& oscillator) {
+/// A plan that came without its oscillators gets a row for them.
+void PlanSets::edit_configuration() {
+    if (config_->empty()) {
+        config_->add_new();
+        config_->set(kPlanField, plan_);
+        config_->update();
+        config_->move_first();
+    }
     config_->edit();
+}
+
+void PlanSets::store_oscloc(int index, const QString& oscillator) {
+    need_plan();
+    edit_configuration();
     write_oscillator(*config_, index, oscillator);
     config_->update();
 }
 
 Clash PlanSets::store_record(ProgramRecord& record, QString& oscillator, double unit_offset,
                              bool over) {
+    need_plan();
     record.pg_num = checked_program_number(record.pg_num);
     std::optional<Bookmark> current;
     if (over) current = programs_->bookmark();
@@ -217,13 +277,14 @@ Clash PlanSets::store_record(ProgramRecord& record, QString& oscillator, double 
 }
 
 void PlanSets::write_oscillators(const Oscillators& oscillators) {
-    config_->edit();
+    edit_configuration();
     for (std::size_t index = 0; index < oscillators.size(); ++index)
         write_oscillator(*config_, static_cast<int>(index), oscillators[index]);
     config_->update();
 }
 
 void PlanSets::apply_import(const ImportPreview& import) {
+    need_plan();
     all_or_nothing([&] {
         if (import.replaces_blank) {
             programs_->move_first();

@@ -40,6 +40,14 @@ class PlanSets {
     bool next_program();
     void last_program();
 
+    /// Reads anew what others have written to the file. The current plan and program stay where
+    /// they are still there; else the first ones become current. True where the current program,
+    /// its oscillators or its plan are not what they were.
+    bool refresh();
+
+    /// False where the database has no plan, or another program has deleted the current one.
+    /// Nothing can be stored then.
+    bool has_current_plan() const;
     bool has_program() const { return programs_ && !programs_->empty(); }
     /// The current program, a blank one where the plan has none.
     ProgramRecord program() const;
@@ -84,6 +92,11 @@ class PlanSets {
 
   private:
     void all_or_nothing(const std::function<void()>& body);
+    bool find_plan(const QString& name);
+    bool requery_plans();
+    void need_plan() const;
+    void edit_configuration();
+    std::optional<Bookmark> current_row() const;
     void reopen(std::optional<Bookmark> current);
     void show_plan(const QString& name);
     void add_rows(const QString& name);
