@@ -133,6 +133,45 @@ class ImportTest : public QObject {
         QVERIFY(preview.rows[0].added());
     }
 
+    void a_number_that_is_none_is_named() {
+        const ImportPreview preview = into_empty_plan("pg_num,frequenza\nabc,1000\n");
+        QCOMPARE(preview.rows[0].corrections, QStringList{"pg_num: abc → 000"});
+    }
+
+    void words_for_yes_and_no_are_understood() {
+        const std::vector<ImportCandidate> rows = parsed(
+            "frequenza,loc_osc,logger_state,monitor_state,sat_ad\n1000,True,TRUE,true,True\n"
+            "11000,False,FALSE,false,False\n");
+        for (std::size_t k : {0U, 1U}) {
+            QCOMPARE(rows[k].problem, ImportProblem::none);
+            const ProgramRecord& record = rows[k].record;
+            QCOMPARE(record.loc_osc, k == 0);
+            QCOMPARE(record.logger_state, k == 0);
+            QCOMPARE(record.monitor_state, k == 0);
+            QCOMPARE(record.sat_ad, k == 0);
+        }
+    }
+
+    void a_row_that_cannot_be_meant_so_is_left_out_data() {
+        QTest::addColumn<QByteArray>("text");
+        QTest::newRow("a flag") << QByteArray("frequenza,loc_osc\n1000,maybe\n");
+        QTest::newRow("a choice") << QByteArray("frequenza,lnb_volt\n1000,18V\n");
+        QTest::newRow("decimal comma between commas") << QByteArray("frequenza,pg_num\n1234,5,7\n");
+    }
+    void a_row_that_cannot_be_meant_so_is_left_out() {
+        QFETCH(QByteArray, text);
+        const ImportPreview preview = into_empty_plan(text);
+        QCOMPARE(preview.rows.size(), std::size_t(1));
+        QCOMPARE(preview.rows[0].problem, ImportProblem::unreadable);
+    }
+
+    void a_number_that_the_file_names_is_left_to_its_program() {
+        const ImportPreview preview =
+            into_empty_plan("pg_num,frequenza\n,1000\n0,1001\n001,1002\n,1003\n");
+        QCOMPARE(one_line_each(preview), QStringList({"2 002 1000  added ", "3 000 1001  added ",
+                                                      "4 001 1002  added ", "5 003 1003  added "}));
+    }
+
     void a_missing_frequency_shows() {
         const ImportPreview preview = into_empty_plan("pg_num,frequenza\n1,\n");
         QCOMPARE(preview.rows[0].corrections, QStringList{"frequenza:  → 920.0"});

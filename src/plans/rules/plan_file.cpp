@@ -111,18 +111,40 @@ QChar separator_of(const QString& text) {
     return u',';
 }
 
+/// A cell with its number as the records hold it: spreadsheets write "TRUE" for 1 and a decimal
+/// comma.
+QString plain_cell(const QString& cell, bool flag) {
+    const QString word = cell.toLower();
+    if (flag && word == QLatin1String("true")) return QStringLiteral("1");
+    if (flag && word == QLatin1String("false")) return QStringLiteral("0");
+    return QString(cell).replace(u',', u'.');
+}
+
+/// False where the cell is no number, though its field knows nothing else.
+bool take_cell(ProgramRecord& record, const ProgramField& field, const QString& cell) {
+    const bool flag = std::holds_alternative<bool ProgramRecord::*>(field.member);
+    const bool text = std::holds_alternative<QString ProgramRecord::*>(field.member);
+    const QString plain = plain_cell(cell, flag);
+    set_field(record, field, plain);
+    // 1 alone is digital.
+    if (QLatin1String(field.name) == QLatin1String("sat_ad"))
+        record.sat_ad = typed_value(plain) == 1;
+    return text || is_number(plain);
+}
+
 ImportCandidate candidate_of_row(const QStringList& names, const CellRow& row, double unit_offset) {
     ImportCandidate candidate{.line = row.line, .record = import_defaults(unit_offset)};
     const auto cell = [&](const char* name) {
-        const qsizetype column = names.indexOf(QString::fromLatin1(name));
-        return row.cells.value(column).replace(u',', u'.');
+        return row.cells.value(names.indexOf(QString::fromLatin1(name)));
     };
-    candidate.oscillator = cell(kOscillatorColumn);
+    candidate.oscillator = plain_cell(cell(kOscillatorColumn), false);
     candidate.record.loc_osc = candidate.oscillator.isEmpty();
+    // With a cell too many, a decimal comma for example, all behind it are in the wrong column.
+    bool good = row.cells.size() <= names.size();
     for (const ProgramField& field : program_fields())
-        if (!cell(field.name).isEmpty()) set_field(candidate.record, field, cell(field.name));
-    // 1 alone is digital.
-    candidate.record.sat_ad = typed_value(cell("sat_ad")) == 1;
+        if (const QString text = cell(field.name); !text.isEmpty())
+            good = take_cell(candidate.record, field, text) && good;
+    if (!good) candidate.problem = ImportProblem::unreadable;
     return candidate;
 }
 

@@ -27,7 +27,7 @@ QStringList differences(const ProgramRecord& before, const ProgramRecord& after)
         const bool gap =
             old_text.isEmpty() && QLatin1String(field.name) != QLatin1String("frequenza");
         if (gap || old_text == new_text) continue;
-        if (!old_text.isEmpty() && !new_text.isEmpty() &&
+        if (is_number(old_text) && is_number(new_text) &&
             typed_value(old_text) == typed_value(new_text))
             continue;
         list += QStringLiteral("%1: %2 → %3").arg(QLatin1String(field.name), old_text, new_text);
@@ -45,13 +45,17 @@ QStringList corrections_of(const ImportCandidate& candidate, const ProgramRecord
 /// Makes the preview program by program: each one sees those before it as part of the plan.
 class Importer {
   public:
-    Importer(const std::vector<ProgramRecord>& programs, const Oscillators& oscillators,
+    Importer(const std::vector<ImportCandidate>& candidates,
+             const std::vector<ProgramRecord>& programs, const Oscillators& oscillators,
              double unit_offset)
         : taken_(programs), unit_offset_(unit_offset) {
         preview_.oscillators = oscillators;
         preview_.replaces_blank = taken_.size() == 1 && is_blank(taken_.front());
         if (preview_.replaces_blank) taken_.clear();
         for (const ProgramRecord& program : taken_) used_.take(program);
+        // Numbers that the file names anywhere are left to those programs.
+        for (const ImportCandidate& candidate : candidates)
+            if (candidate.problem == ImportProblem::none) reserve(candidate.record);
     }
 
     void take(const ImportCandidate& candidate) {
@@ -82,6 +86,12 @@ class Importer {
     }
 
   private:
+    void reserve(ProgramRecord program) {
+        if (program.pg_num.isEmpty()) return;
+        program.pg_num = checked_program_number(program.pg_num);
+        used_.take(program);
+    }
+
     ImportProblem fit(ImportRow& row) {
         ProgramRecord& record = row.record;
         record.pg_num =
@@ -148,7 +158,7 @@ ProgramRecord import_defaults(double unit_offset) {
 ImportPreview preview_import(const std::vector<ImportCandidate>& candidates,
                              const std::vector<ProgramRecord>& programs,
                              const Oscillators& oscillators, double unit_offset) {
-    Importer importer(programs, oscillators, unit_offset);
+    Importer importer(candidates, programs, oscillators, unit_offset);
     for (const ImportCandidate& candidate : candidates) importer.take(candidate);
     importer.tune_again(candidates);
     return importer.result();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "program_record.h"
 
+#include <QRegularExpression>
 #include <algorithm>
 
 #include "numbers.h"
@@ -61,6 +62,12 @@ QString field_text(const ProgramRecord& record, const ProgramField& field) {
     if (const auto* number = std::get_if<int R::*>(&field.member))
         return QString::number(record.**number);
     return record.*std::get<bool R::*>(field.member) ? QStringLiteral("1") : QStringLiteral("0");
+}
+
+bool is_number(const QString& text) {
+    static const QRegularExpression kNumber(
+        QStringLiteral("^\\s*[-+]?(\\d+[.,]?\\d*|[.,]\\d+)([eE][-+]?\\d+)?\\s*$"));
+    return kNumber.match(text).hasMatch();
 }
 
 void set_field(ProgramRecord& record, const ProgramField& field, const QString& text) {

@@ -49,6 +49,9 @@ struct ProgramField {
 /// All fields but the plan's name, in the order of the table.
 std::span<const ProgramField> program_fields();
 
+/// True where `text` is a number, with "." or ",", and nothing else.
+bool is_number(const QString& text);
+
 QString field_text(const ProgramRecord& record, const ProgramField& field);
 /// What is no number sets a number to 0.
 void set_field(ProgramRecord& record, const ProgramField& field, const QString& text);
