@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The commands of an upload as text, and how they are sent.
+#include <signal.h>
+#include <sys/resource.h>
+
 #include <QDir>
 #include <QFile>
 #include <QLocale>
@@ -194,6 +197,48 @@ class UploadTest : public QObject {
         QCOMPARE(oldest.readAll(), QByteArray("3"));
     }
 
+    void the_fresh_table_stays_though_the_clock_went_back() {
+        const QDateTime now(QDate(2026, 11, 21), QTime(10, 0));
+        for (int k = 0; k < 30; ++k)
+            keep_table(program_.base_dir, QStringLiteral("later"), now.addSecs(k));
+        keep_table(program_.base_dir, QStringLiteral("fresh"), now.addDays(-1));
+        QCOMPARE(backups().size(), 30);
+        QCOMPARE(backups().constFirst(), QStringLiteral("logger-20261120-100000-000.txt"));
+        QCOMPARE(backups()[1], QStringLiteral("logger-20261121-100001-000.txt"));
+    }
+
+    void files_of_the_user_stay_among_the_kept_tables() {
+        const QString own = folder_.filePath(QStringLiteral("backup/logger-20200101-old.txt"));
+        const QDateTime now(QDate(2026, 11, 21), QTime(10, 0));
+        keep_table(program_.base_dir, QString(), now);
+        QFile file(own);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.close();
+        for (int k = 1; k < 32; ++k) keep_table(program_.base_dir, QString(), now.addSecs(k));
+        QVERIFY(file.exists());
+        QCOMPARE(backups().size(), 31);
+    }
+
+    void a_table_that_the_meter_refuses_is_no_table() {
+        port_.answer = [](const QByteArray& command) {
+            return command.endsWith('?') ? command + "\rInvalid Parameter(s)\rOK\r"
+                                         : FakePort::good(command);
+        };
+        const UploadResult result = PlanUpload(link_, program_).run(plan(), kDisable);
+        QCOMPARE(port_.take_commands(), QStringList({"MEASURE", "DATAPROGRAM?"}) + plan_part());
+        QCOMPARE(result.refused, QStringList{"DATAPROGRAM?"});
+        QCOMPARE(result.table, QString());
+        QCOMPARE(backups(), QStringList());
+        QCOMPARE(PlanUpload(link_, program_).ask_table(), QString());
+    }
+
+    void a_table_without_active_lines_is_asked_for_and_left_alone() {
+        table_ = "01 05 00\r02 06 00";
+        PlanUpload(link_, program_).run(plan(), kDisable);
+        QCOMPARE(port_.take_commands(), QStringList({"MEASURE", "DATAPROGRAM?"}) + plan_part());
+        QCOMPARE(backups().size(), 1);
+    }
+
     void a_table_that_cannot_be_kept_stops_the_upload_before_any_change() {
         QFile in_the_way(folder_.filePath(QStringLiteral("backup")));
         QVERIFY(in_the_way.open(QIODevice::WriteOnly));
@@ -213,6 +258,14 @@ class UploadTest : public QObject {
         QCOMPARE(lines_through_file(program_.base_dir, QStringLiteral("a\rb\r\nc")),
                  QStringList({"a", "b", "c"}));
         QVERIFY(!QFile::exists(folder_.filePath(QStringLiteral("temp.dat"))));
+        // One that was left over is replaced.
+        const QString scratch = folder_.filePath(QStringLiteral("temp.dat"));
+        QFile old(scratch);
+        QVERIFY(old.open(QIODevice::WriteOnly));
+        old.write("01 01 01\r02 02 01\r");
+        old.close();
+        QCOMPARE(lines_through_file(program_.base_dir, QStringLiteral("x")), QStringList{"x"});
+        QVERIFY(!QFile::exists(scratch));
         bool failed = false;
         try {
             lines_through_file(folder_.filePath(QStringLiteral("no such folder/")), QString());
@@ -220,6 +273,26 @@ class UploadTest : public QObject {
             failed = true;
         }
         QVERIFY(failed);
+    }
+
+    void the_scratch_file_goes_when_it_takes_only_a_part() {
+        // The file comes to be, then the limit on its size stops the writing.
+        rlimit before{};
+        QCOMPARE(getrlimit(RLIMIT_FSIZE, &before), 0);
+        rlimit small = before;
+        small.rlim_cur = 1000;
+        const auto on_limit = signal(SIGXFSZ, SIG_IGN);
+        QCOMPARE(setrlimit(RLIMIT_FSIZE, &small), 0);
+        bool failed = false;
+        try {
+            lines_through_file(program_.base_dir, QString(5000, u'x'));
+        } catch (const Fault&) {
+            failed = true;
+        }
+        setrlimit(RLIMIT_FSIZE, &before);
+        signal(SIGXFSZ, on_limit);
+        QVERIFY(failed);
+        QVERIFY(!QFile::exists(folder_.filePath(QStringLiteral("temp.dat"))));
     }
 
     void a_refused_command_is_named_and_the_rest_goes_on() {
@@ -246,9 +319,7 @@ class UploadTest : public QObject {
         QCOMPARE(result.commands, 25);
         QCOMPARE(result.refused.size(), 23);
         QCOMPARE(result.refused.constFirst(), QStringLiteral("UNIT 01"));
-        const QStringList shown = upload_refusals(result).split(u'\n');
-        QCOMPARE(shown.size(), 21);
-        QCOMPARE(shown.constLast(), QStringLiteral("…"));
+        QCOMPARE(upload_refusals(result).split(u'\n'), result.refused);
     }
 
     void a_link_lost_at_the_table_changes_nothing() {

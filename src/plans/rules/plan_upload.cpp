@@ -8,7 +8,8 @@ namespace m47 {
 namespace {
 
 const QString kAccepted = QStringLiteral("OK");
-constexpr qsizetype kShownRefusals = 20;
+/// What is left of the answer to a query that the meter refuses.
+const QString kRefusedQuery = QStringLiteral("0");
 constexpr Bilingual kSummary{"%1 of %2 commands answered OK", "%1 comandi su %2 con risposta OK"};
 
 }  // namespace
@@ -19,7 +20,7 @@ UploadResult PlanUpload::run(const UploadPlan& plan, UploadMode mode) {
     QStringList rest = plan_commands(plan);
     result.commands = static_cast<int>(opening.size() + rest.size());
     send_all(opening, result);
-    if (mode == kDisable && link_.can_send()) {
+    if (mode == kDisable && link_.can_send() && link_.reply_text != kRefusedQuery) {
         result.table = link_.reply_text;
         keep_table(program_.base_dir, result.table, link_.clock().date_time());
         rest = disabling_commands(lines_through_file(program_.base_dir, result.table)) + rest;
@@ -39,14 +40,19 @@ void PlanUpload::send_one(const QString& command, UploadResult& result) {
     // The value of a query comes without the "OK" that ended it.
     const bool query = command.endsWith(u'?');
     const bool answered = link_.can_send() && link_.send(command);
-    if (answered && (query || link_.reply_text == kAccepted))
+    const bool good = query ? link_.reply_text != kRefusedQuery : link_.reply_text == kAccepted;
+    if (answered && good)
         ++result.accepted;
     else
         result.refused += command;
 }
 
 QString PlanUpload::ask_table() {
-    return link_.send(command::query(command::kLoggerTable)) ? link_.reply_text : QString();
+    return link_.send(command::query(command::kLoggerTable)) ? table_answer() : QString();
+}
+
+QString PlanUpload::table_answer() const {
+    return link_.reply_text == kRefusedQuery ? QString() : link_.reply_text;
 }
 
 QString upload_summary(const UploadResult& result, const Texts& texts) {
@@ -54,9 +60,7 @@ QString upload_summary(const UploadResult& result, const Texts& texts) {
 }
 
 QString upload_refusals(const UploadResult& result) {
-    QStringList shown = result.refused.mid(0, kShownRefusals);
-    if (result.refused.size() > kShownRefusals) shown += QStringLiteral("…");
-    return shown.join(u'\n');
+    return result.refused.join(u'\n');
 }
 
 }  // namespace m47

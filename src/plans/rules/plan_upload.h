@@ -31,12 +31,13 @@ class PlanUpload {
     /// before anything has been changed in the meter.
     UploadResult run(const UploadPlan& plan, UploadMode mode);
 
-    /// The meter's logger table now; empty when the link is down.
+    /// The meter's logger table now; empty when the link is down or the meter refuses to tell it.
     QString ask_table();
 
   private:
     void send_all(const QStringList& commands, UploadResult& result);
     void send_one(const QString& command, UploadResult& result);
+    QString table_answer() const;
 
     Link& link_;
     const ProgramState& program_;
@@ -45,8 +46,7 @@ class PlanUpload {
 /// "123 of 125 commands answered OK" in the language in use.
 QString upload_summary(const UploadResult& result, const Texts& texts);
 
-/// The commands that were not answered with "OK", one a line, the first twenty of them; empty when
-/// all were.
+/// The commands that were not answered with "OK", one a line; empty when all were.
 QString upload_refusals(const UploadResult& result);
 
 }  // namespace m47

@@ -3,6 +3,8 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
 
 #include "fault.h"
 #include "logger_table.h"
@@ -13,14 +15,15 @@ namespace {
 
 constexpr qsizetype kKept = 30;
 const QString kBackupFolder = QStringLiteral("backup");
-const QString kBackupFiles = QStringLiteral("logger-*.txt");
+// A wider pattern would take files away that the user has put there.
+const QString kBackupFiles = QStringLiteral("^logger-\\d{8}-\\d{6}-\\d{3}\\.txt$");
 const QString kScratchFile = QStringLiteral("temp.dat");
 
 [[noreturn]] void throw_file_fault(const QFileDevice& file) {
     throw Fault((file.fileName() + QStringLiteral(": ") + file.errorString()).toStdString());
 }
 
-/// A name that no file has yet and that sorts behind all older ones.
+/// A name that no file has yet.
 QString free_backup_name(const QDir& folder, QDateTime now) {
     for (;; now = now.addMSecs(1)) {
         const QString name = QStringLiteral("logger-%1.txt")
@@ -29,11 +32,21 @@ QString free_backup_name(const QDir& folder, QDateTime now) {
     }
 }
 
+/// Takes the oldest files away by the dates in their names, but never `fresh`: where the clock went
+/// back it has not the latest of them.
+void trim_backups(QDir& folder, const QString& fresh) {
+    static const QRegularExpression kDated(kBackupFiles);
+    QStringList others = folder.entryList(QDir::Files, QDir::Name).filter(kDated);
+    others.removeAll(fresh);
+    for (qsizetype k = 0; k <= others.size() - kKept; ++k) folder.remove(others[k]);
+}
+
 /// A file that goes with this object.
 class ScratchFile {
   public:
     explicit ScratchFile(const QString& path) : file_(path) {}
-    ~ScratchFile() { file_.remove(); }
+    // By its name: an open file whose rest cannot be written does not let itself be removed.
+    ~ScratchFile() { QFile::remove(file_.fileName()); }
     ScratchFile(const ScratchFile&) = delete;
     ScratchFile& operator=(const ScratchFile&) = delete;
 
@@ -60,13 +73,10 @@ void keep_table(const QString& base_dir, const QString& table, const QDateTime& 
     if (!folder.mkpath(kBackupFolder) || !folder.cd(kBackupFolder))
         throw Fault(
             (folder.filePath(kBackupFolder) + QStringLiteral(": cannot be made")).toStdString());
-    QSaveFile file(free_backup_name(folder, now));
-    const QByteArray bytes = table.toLatin1();
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() ||
-        !put_in_place(file))
-        throw_file_fault(file);
-    const QStringList kept = folder.entryList({kBackupFiles}, QDir::Files, QDir::Name);
-    for (qsizetype k = 0; k < kept.size() - kKept; ++k) folder.remove(kept[k]);
+    const QString path = free_backup_name(folder, now);
+    const QString reason = write_whole_file(path, table.toLatin1());
+    if (!reason.isEmpty()) throw Fault((path + QStringLiteral(": ") + reason).toStdString());
+    trim_backups(folder, QFileInfo(path).fileName());
 }
 
 QStringList lines_through_file(const QString& base_dir, const QString& table) {

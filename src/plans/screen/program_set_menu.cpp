@@ -34,10 +34,8 @@ QByteArray read_plan_file(const QString& path) {
 
 /// Writes the file whole or not at all.
 void write_plan_file(const QString& path, const QByteArray& bytes) {
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() ||
-        !put_in_place(file))
-        throw_plan_file_fault(file);
+    const QString reason = write_whole_file(path, bytes);
+    if (!reason.isEmpty()) throw Fault((path + QStringLiteral(": ") + reason).toStdString());
 }
 
 }  // namespace
