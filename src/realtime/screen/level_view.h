@@ -15,6 +15,8 @@ namespace m47 {
 /// that the real-time screen makes and starts none itself. Esc leaves, T turns the tone on and off.
 class LevelView : public QWidget {
     Q_OBJECT
+    /// What could not be done, in words; empty when there is nothing.
+    Q_PROPERTY(QString remark MEMBER remark_)
   public:
     /// `linked` is asked whether the meter answers; `texts` outlive the view.
     LevelView(const Texts& texts, std::function<bool()> linked, QWidget* parent);

@@ -2,6 +2,7 @@
 #include "tone_player.h"
 
 #include <QAudioDevice>
+#include <QAudioSink>
 #include <QMediaDevices>
 
 #include "level_tone.h"
@@ -12,6 +13,18 @@ namespace {
 constexpr double kToneSeconds = 0.4;
 
 }  // namespace
+
+TonePlayer::TonePlayer() = default;
+
+TonePlayer::~TonePlayer() = default;
+
+bool TonePlayer::device_present() {
+    return !QMediaDevices::defaultAudioOutput().isNull();
+}
+
+void TonePlayer::close() {
+    sink_.reset();
+}
 
 bool TonePlayer::open() {
     const QAudioDevice device = QMediaDevices::defaultAudioOutput();

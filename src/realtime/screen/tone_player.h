@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QAudioSink>
 #include <memory>
+
+class QAudioSink;
 
 namespace m47 {
 
@@ -10,9 +11,15 @@ namespace m47 {
 /// itself: no tone goes on for a value that is old.
 class TonePlayer {
   public:
+    TonePlayer();
+    ~TonePlayer();
+
+    /// True when the desktop has a sound device.
+    static bool device_present();
+
     /// True when there is a device to play on.
     bool open();
-    void close() { sink_.reset(); }
+    void close();
     /// Plays the tone of `level` dBuV; nothing where no device is open.
     void play(double level);
 
