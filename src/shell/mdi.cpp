@@ -9,6 +9,7 @@
 
 #include "handler.h"
 #include "icons.h"
+#include "keyboard_access.h"
 #include "tooltips.h"
 #include "ui_mdi.h"
 
@@ -41,7 +42,13 @@ M47MDI::M47MDI(ProgramState& program, QWidget* parent)
     setWindowIcon(application_icon());
     // Its menu would hide the toolbar, and nothing would bring it back.
     setContextMenuPolicy(Qt::NoContextMenu);
-    for (QAction* key : ui_->barracomandi->actions()) key->setIcon(toolbar_icon(key->objectName()));
+    int place = 0;
+    for (QAction* key : ui_->barracomandi->actions()) {
+        key->setIcon(toolbar_icon(key->objectName()));
+        // Tab stays within a screen, so another one is opened from there by Ctrl and its place.
+        key->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + place++)));
+    }
+    open_to_keyboard(this);
     on(ui_->barracomandi, &QToolBar::actionTriggered, this, "barracomandi_ButtonClick",
        [this](QAction* key) { open_screen(key->objectName()); });
     on(ui_->cmdinglese, &QAction::triggered, this, "cmdinglese_Click",
@@ -94,6 +101,7 @@ void M47MDI::open_screen(const QString& key) {
     keep_inside(view);
     view->installEventFilter(this);
     maker.load(screen);
+    open_to_keyboard(screen);
     if (maker.activate) maker.activate(screen);
 }
 

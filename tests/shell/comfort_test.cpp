@@ -1,0 +1,206 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Work without a mouse, without eyes and from afar: every screen by Tab, and the large level.
+#include <QAccessible>
+#include <QMdiSubWindow>
+#include <QRadioButton>
+#include <QSet>
+#include <QTabWidget>
+#include <QToolBar>
+#include <QToolButton>
+
+#include "level_view.h"
+#include "program.h"
+#include "realtime.h"
+
+namespace m47 {
+
+class ComfortTest : public QObject {
+    Q_OBJECT
+
+  private:
+    std::unique_ptr<QTemporaryDir> folder_;
+    ProgramState state_;
+    std::unique_ptr<Program> program_;
+
+    M47MDI& window() { return program_->window(); }
+    Realtime* realtime() {
+        window().findChild<QAction*>("realtime")->trigger();
+        return qobject_cast<Realtime*>(window().screen_of("realtime"));
+    }
+    static QString title(const QWidget* control) {
+        return QStringLiteral("%1 %2 in %3")
+            .arg(QLatin1String(control->metaObject()->className()), control->objectName(),
+                 control->parentWidget() ? control->parentWidget()->objectName() : QString());
+    }
+    /// What a person could want to reach on the screen as it stands.
+    static QList<QWidget*> controls(QWidget* screen) {
+        QList<QWidget*> found;
+        for (QWidget* control : screen->findChildren<QWidget*>()) {
+            const bool entry =
+                qobject_cast<QAbstractButton*>(control) || (control->focusPolicy() & Qt::TabFocus);
+            const bool part_of_another =
+                control->focusProxy() || control->window() != screen->window();
+            const bool own = !qobject_cast<QTabBar*>(control->parentWidget()) &&
+                             !qobject_cast<QMdiSubWindow*>(control->parentWidget());
+            // What the corner of a table does, Ctrl+A does as well.
+            if (control->inherits("QTableCornerButton")) continue;
+            if (entry && own && !part_of_another && control->isVisible() && control->isEnabled())
+                found += control;
+        }
+        return found;
+    }
+    static QSet<QWidget*> reached_by_tab(QWidget* screen) {
+        QSet<QWidget*> reached;
+        QWidget* first = controls(screen).value(0);
+        if (!first) return reached;
+        first->setFocus(Qt::TabFocusReason);
+        for (int press = 0; press < 300; ++press) {
+            QWidget* at = QApplication::focusWidget();
+            if (!at) break;
+            reached += at;
+            QTest::keyClick(at, Qt::Key_Tab);
+        }
+        return reached;
+    }
+    static bool reached(const QWidget* control, const QSet<QWidget*>& by_tab) {
+        if (by_tab.contains(const_cast<QWidget*>(control))) return true;
+        // Of option buttons that belong together Tab reaches one, the arrow keys the others.
+        if (!qobject_cast<const QRadioButton*>(control)) return false;
+        for (const QRadioButton* other :
+             control->parentWidget()->findChildren<QRadioButton*>(Qt::FindDirectChildrenOnly))
+            if (by_tab.contains(const_cast<QRadioButton*>(other))) return true;
+        return false;
+    }
+    static QString spoken_name(QWidget* control) {
+        QAccessibleInterface* interface = QAccessible::queryAccessibleInterface(control);
+        return interface ? interface->text(QAccessible::Name) : QString();
+    }
+
+  private Q_SLOTS:
+    void init() {
+        folder_ = std::make_unique<QTemporaryDir>();
+        state_ = ProgramState();
+        state_.base_dir = folder_with_separator(folder_->path());
+        const QString path = state_.base_dir + QLatin1String(kDatabaseFile);
+        DatabaseError error{};
+        QVERIFY(Database::create(path, error));
+        program_ = std::make_unique<Program>(state_, Database::open(path, error), PortList());
+        window().resize(1300, 900);
+        window().show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window()));
+        QApplication::setActiveWindow(&window());
+    }
+    void cleanup() { program_.reset(); }
+
+    void every_control_is_reached_by_tab_and_has_a_name_data() {
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<int>("language");
+        for (const char* key :
+             {"program", "download", "realtime", "asl", "configurazione", "setport"}) {
+            QTest::addRow("%s in English", key) << key << int(kEnglish);
+            QTest::addRow("%s in Italian", key) << key << int(kItalian);
+        }
+    }
+    void every_control_is_reached_by_tab_and_has_a_name() {
+        QFETCH(QString, key);
+        QFETCH(int, language);
+        state_.texts.language = language;
+        window().findChild<QAction*>(key)->trigger();
+        QWidget* screen = window().screen_of(key);
+        QVERIFY(screen);
+        screen->parentWidget()->showMaximized();
+        QCoreApplication::processEvents();
+        const QList<QWidget*> all = controls(screen);
+        QVERIFY(all.size() > 1);
+        const QSet<QWidget*> by_tab = reached_by_tab(screen);
+        QStringList unreached, unnamed;
+        for (QWidget* control : all) {
+            if (!reached(control, by_tab)) unreached += title(control);
+            if (spoken_name(control).isEmpty()) unnamed += title(control);
+        }
+        QVERIFY2(unreached.isEmpty(), qPrintable("not reached: " + unreached.join("; ")));
+        QVERIFY2(unnamed.isEmpty(), qPrintable("without a name: " + unnamed.join("; ")));
+    }
+
+    void a_name_is_in_the_language_of_its_screen() {
+        Realtime* screen = realtime();
+        QCOMPARE(spoken_name(screen->findChild<QWidget*>("fsat")),
+                 QStringLiteral("Selezione frequenza"));
+        auto* bar = screen->findChild<QToolBar*>("barracomandi");
+        QWidget* key = bar->widgetForAction(screen->findChild<QAction*>("save"));
+        QCOMPARE(spoken_name(key), QStringLiteral("Open file"));
+        screen->findChild<QAction*>("save")->setToolTip("Close file");
+        QCOMPARE(spoken_name(key), QStringLiteral("Close file"));
+    }
+
+    void screens_open_by_keyboard() {
+        QTest::keyClick(&window(), Qt::Key_3, Qt::ControlModifier);
+        QVERIFY(window().screen_of("realtime"));
+        QTest::keyClick(window().screen_of("realtime"), Qt::Key_6, Qt::ControlModifier);
+        QVERIFY(window().screen_of("setport"));
+    }
+
+    void a_toolbar_key_works_by_the_space_bar() {
+        Realtime* screen = realtime();
+        auto* bar = screen->findChild<QToolBar*>("barracomandi");
+        QWidget* key = bar->widgetForAction(screen->findChild<QAction*>("group"));
+        key->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(key, Qt::Key_Space);
+        QVERIFY(screen->rules.panel.plan_controls_visible);
+    }
+
+    void the_large_level_follows_the_rows_and_leaves_by_esc() {
+        program_->link().port_connected = true;
+        program_->link().commands_suspended = true;
+        window().findChild<QAction*>("cmdinglese")->trigger();
+        Realtime* screen = realtime();
+        auto* view = screen->findChild<LevelView*>("level_view");
+        QVERIFY(view && !view->isVisible());
+        screen->findChild<QAction*>("cmdlevelview")->trigger();
+        QVERIFY(view->isVisible() && view->isFullScreen());
+        QVERIFY(spoken_name(view).contains("No measurement yet"));
+        const QStringList row{"21/11/26", "10:00:00", "1200.0", "10600", "58.3", "",
+                              "",         "",         "",       "",      "PASS"};
+        screen->rules.page.append(row);
+        QCOMPARE(spoken_name(view), QStringLiteral("58.3 dBuV PASS Measured 0 s ago"));
+        const auto has_colour = [view](QColor colour) {
+            const QImage image = view->grab().toImage();
+            for (int y = 0; y < image.height(); ++y)
+                for (int x = 0; x < image.width(); ++x)
+                    if (image.pixelColor(x, y) == colour) return true;
+            return false;
+        };
+        const QColor green(0x40, 0xFF, 0x60);
+        QVERIFY(has_colour(green));
+        // The cycle blanks the labels: the value before it is no longer live.
+        screen->rules.panel.leva = QString(8, u' ');
+        screen->rules.panel.repaint();
+        QVERIFY(spoken_name(view).contains("Measuring…"));
+        QVERIFY(!has_colour(green));
+        screen->rules.page.append(row);
+        QVERIFY(has_colour(green));
+        program_->link().port_connected = false;
+        QVERIFY(!has_colour(green));
+        QTest::keyClick(view, Qt::Key_Escape);
+        QVERIFY(!view->isVisible());
+    }
+
+    void without_a_sound_device_it_says_so_once() {
+        if (TonePlayer::device_present()) QSKIP("this machine has a sound device");
+        Realtime* screen = realtime();
+        auto* view = screen->findChild<LevelView*>("level_view");
+        screen->findChild<QAction*>("cmdlevelview")->trigger();
+        QTest::keyClick(view, Qt::Key_T);
+        QVERIFY(view->isVisible());
+        QVERIFY(view->property("remark").toString().contains("audio"));
+        QTest::keyClick(view, Qt::Key_T);
+        QVERIFY(view->property("remark").toString().isEmpty());
+        screen->rules.page.append({"21/11/26", "10:00:00", "1200.0", "10600", "58.3"});
+        QVERIFY(spoken_name(view).contains("58.3"));
+    }
+};
+
+}  // namespace m47
+
+QTEST_MAIN(m47::ComfortTest)
+#include "comfort_test.moc"
