@@ -4,9 +4,15 @@
 #include <QApplication>
 #include <QEvent>
 #include <QTimerEvent>
+#include <chrono>
 #include <utility>
 
 namespace m47 {
+namespace {
+
+constexpr std::chrono::milliseconds kLookAgain{50};
+
+}  // namespace
 
 BusyPump::BusyPump() {
     qApp->installEventFilter(this);
@@ -35,6 +41,11 @@ bool BusyPump::eventFilter(QObject* watched, QEvent* event) {
 
 void BusyPump::timerEvent(QTimerEvent* event) {
     killTimer(event->timerId());
+    // The box in front belongs to a handler that still runs: its screen must not go under it.
+    if (QApplication::activeModalWidget()) {
+        startTimer(kLookAgain);
+        return;
+    }
     const auto windows = std::exchange(closing_, {});
     for (const auto& window : windows)
         if (window) window->close();

@@ -10,7 +10,8 @@ namespace m47 {
 
 /// Keeps the windows alive while the meter is being waited for: they repaint and answer the
 /// desktop, but nothing that the user does and no timer is acted on. Clicks and keys stay in the
-/// queue, timers come late and once, and a window that was told to close closes afterwards.
+/// queue, timers come late and once, and a window that was told to close closes afterwards, once no
+/// box stands before it.
 class BusyPump : public QObject {
     Q_OBJECT
   public:

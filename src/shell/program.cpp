@@ -74,8 +74,12 @@ Program::Program(ProgramState& state, std::unique_ptr<Database> database, PortLi
     on(&window_, &M47MDI::reconnect_asked, &window_, "cmdreconnect_Click", [this] { reconnect(); });
     QObject::connect(&watch_timer_, &QTimer::timeout, &window_, [this] { watch_device(); });
     watch_timer_.start(kDeviceWatchInterval);
-    on(&window_, &M47MDI::import_asked, &window_, "cmdimportdb_Click",
-       [this] { import_.cmdimportdb_Click(); });
+    on(&window_, &M47MDI::import_asked, &window_, "cmdimportdb_Click", [this] {
+        import_.cmdimportdb_Click();
+        const QString plans = QStringLiteral("program");
+        if (auto* screen = qobject_cast<ProgramSet*>(window_.screen_of(plans)))
+            screen->database_changed();
+    });
     on(&window_, &M47MDI::manual_asked, &window_, "cmdmanual_Click", [this] { cmdmanual_Click(); });
     window_.resize(kWindowSize.boundedTo(QGuiApplication::primaryScreen()->availableSize()));
     window_.restore_place();

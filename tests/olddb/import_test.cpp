@@ -306,6 +306,19 @@ class ImportTest : public QObject {
         QVERIFY2(said(plan).contains(line), qPrintable(said(plan)));
     }
 
+    void a_plan_clashes_in_whatever_letters_its_name_stands_there() {
+        QTemporaryDir folder;
+        const auto database = made_in(folder.path());
+        const QString path = database_in(folder.path());
+        run_sql(path, {"INSERT INTO gruppo (nome) VALUES ('a ')"});
+        ImportPlan plan = import_plan_of(one_plan());
+        mark_clashes(plan, *database);
+        QVERIFY(plan.plans[0].clashes);
+        plan.plans[0].choice = ClashChoice::keep;
+        QCOMPARE(apply_import(plan, *database), QString());
+        QCOMPARE(run_sql(path, {"SELECT nome FROM programmi"}), QStringList{"PLAN 1"});
+    }
+
     void a_new_name_is_none_that_is_still_to_come() {
         QTemporaryDir folder;
         const auto database = made_in(folder.path());

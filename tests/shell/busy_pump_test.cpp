@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <QDialog>
 #include <QElapsedTimer>
 #include <QPaintEvent>
+#include <QPointer>
 #include <QTest>
 #include <QTimer>
 #include <QWidget>
@@ -75,6 +77,29 @@ class BusyPumpTest : public QObject {
         QVERIFY(asked);
         QVERIFY(window.isVisible());
         QTRY_VERIFY(!window.isVisible());
+    }
+
+    void a_window_stays_as_long_as_a_box_of_its_handler_stands_before_it() {
+        BusyPump pump;
+        auto* window = new QWidget;
+        window->setAttribute(Qt::WA_DeleteOnClose);
+        const QPointer<QWidget> alive(window);
+        window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(window));
+        QMetaObject::invokeMethod(
+            window, [window] { window->close(); }, Qt::QueuedConnection);
+        wait_busily(pump, 20);
+        bool stayed = false;
+        {
+            QDialog box(window);
+            QTimer::singleShot(120, &box, [&] {
+                stayed = alive && alive->isVisible();
+                box.accept();
+            });
+            box.exec();
+        }
+        QVERIFY(stayed);
+        QTRY_VERIFY(!alive);
     }
 
     void it_does_not_run_inside_itself() {

@@ -17,6 +17,10 @@ namespace m47 {
 namespace {
 
 constexpr qsizetype kOscillatorLength = 6;
+constexpr Bilingual kNoPlan{"There is no plan: make one first.",
+                            "Non c'è alcun piano: occorre prima crearne uno."};
+constexpr Bilingual kNoProgram{"The plan has no program: make one first.",
+                               "Il piano non ha programmi: occorre prima crearne uno."};
 
 /// The others stay in their places while `frame` is hidden.
 void keep_place(QWidget* frame) {
@@ -83,6 +87,13 @@ void ProgramSet::Form_Load() {
 
 void ProgramSet::Form_Activate() {
     show_unit();
+    database_changed();
+}
+
+void ProgramSet::database_changed() {
+    handle("database_changed", [this] {
+        if (sets_.refresh()) move_plan(true);
+    });
 }
 
 double ProgramSet::offset() const {
@@ -217,7 +228,23 @@ void ProgramSet::move_program(bool moved) {
     mostra_record();
 }
 
+/// True, and the user knows, where there is no plan that anything could be stored in.
+bool ProgramSet::lacks_plan() {
+    if (sets_.has_current_plan()) return false;
+    tell_problem(this, program_.texts.pick(kNoPlan));
+    return true;
+}
+
+/// The same where there is no program to be changed or sent.
+bool ProgramSet::lacks_program() {
+    if (lacks_plan()) return true;
+    if (sets_.has_program()) return false;
+    tell_problem(this, program_.texts.pick(kNoProgram));
+    return true;
+}
+
 void ProgramSet::store_record(bool over) {
+    if (over ? lacks_program() : lacks_plan()) return;
     ProgramRecord record = boxes_.read();
     QString oscillator = boxes_.oscillator();
     const Clash clash = sets_.store_record(record, oscillator, offset(), over);
@@ -232,8 +259,14 @@ void ProgramSet::store_record(bool over) {
     tell_clash(this, program_.texts, clash);
 }
 
+void ProgramSet::show_first_program() {
+    sets_.first_program();
+    mostra_record();
+}
+
 void ProgramSet::store_as_new() {
     store_record(false);
+    if (!sets_.has_current_plan()) return;
     sets_.last_program();
     mostra_record();
 }
@@ -269,6 +302,7 @@ void ProgramSet::sat_freq_KeyPress() {
 
 void ProgramSet::ol_optval_KeyPress() {
     boxes_.set_oscillator(checked_oscillator(boxes_.oscillator()));
+    if (lacks_program()) return;
     sets_.store_oscloc(boxes_.read().loc_osc0, boxes_.oscillator());
     store_record(true);
 }
@@ -285,6 +319,7 @@ void ProgramSet::show_unit() {
 }
 
 void ProgramSet::download_group(const QString& prompt, UploadMode mode) {
+    if (lacks_program()) return;
     store_record(true);
     if (!ask_continue(this, program_.texts, prompt)) return;
     PlanUpload upload(link_, program_);
@@ -293,9 +328,15 @@ void ProgramSet::download_group(const QString& prompt, UploadMode mode) {
     };
     const UploadPlan plan{sets_.programs(), sets_.oscillators(), sets_.program().satchbw,
                           program_.unit_index};
-    const UploadResult result = upload.run(plan, mode);
-    sets_.first_program();
-    mostra_record();
+    UploadResult result;
+    try {
+        result = upload.run(plan, mode);
+    } catch (...) {
+        show_first_program();
+        Q_EMIT upload_state(QString(), QString());
+        throw;
+    }
+    show_first_program();
     Q_EMIT upload_state(upload_summary(result, program_.texts), upload_refusals(result));
     if (ui_->cmdverify->isChecked() && link_.can_send()) verify_upload(upload, mode, result.table);
 }

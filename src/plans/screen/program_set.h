@@ -34,6 +34,10 @@ class ProgramSet : public QMainWindow {
     /// Each time the screen comes to the front: the level unit may have changed elsewhere.
     void Form_Activate();
 
+    /// Something else has written plans into the database file. What the user is typing stays where
+    /// its program is still the same.
+    void database_changed();
+
     /// A click on the toolbar key `key`.
     void barracomando_ButtonClick(const QString& key);
 
@@ -56,7 +60,10 @@ class ProgramSet : public QMainWindow {
     double offset() const;
 
     // Plans and programs
+    bool lacks_plan();
+    bool lacks_program();
     void mostra_record();
+    void show_first_program();
     void store_record(bool over);
     void store_as_new();
     void add_new();

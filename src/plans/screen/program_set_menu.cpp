@@ -59,6 +59,7 @@ QString ProgramSet::ask_file(bool save, const QStringList& filters) {
 }
 
 void ProgramSet::cmdimport_Click() {
+    if (lacks_plan()) return;
     const QString path = ask_file(false, {QStringLiteral("(*)"), QStringLiteral("(*.tsv *.csv)")});
     if (path.isEmpty()) return;
     const ImportFile file = parse_import_file(read_plan_file(path), offset());
@@ -75,6 +76,7 @@ void ProgramSet::cmdimport_Click() {
 }
 
 void ProgramSet::cmdexport_Click() {
+    if (lacks_plan()) return;
     const QString path = ask_file(true, {QStringLiteral("(*.tsv)"), QStringLiteral("(*.csv)")});
     if (path.isEmpty()) return;
     const bool comma = QFileInfo(path).suffix().toLower() == QLatin1String("csv");
@@ -84,7 +86,7 @@ void ProgramSet::cmdexport_Click() {
 }
 
 void ProgramSet::cmdcopyprog_Click() {
-    if (!sets_.has_program()) return;
+    if (lacks_program()) return;
     const QString name = ask_plan_name(this, program_.texts.pick(kCopyInto), sets_.plan());
     if (name.isEmpty()) return;
     const ImportProblem problem = sets_.copy_program(name);
@@ -94,6 +96,7 @@ void ProgramSet::cmdcopyprog_Click() {
 }
 
 void ProgramSet::cmdcopyplan_Click() {
+    if (lacks_plan()) return;
     const QString name = ask_plan_name(this, program_.texts.pick(kCopyPlanAs), QString());
     if (name.isEmpty()) return;
     if (sets_.has_plan(name)) {
