@@ -14,9 +14,11 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMessageBox>
+#include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QRegularExpression>
+#include <QSet>
 #include <QSqlQuery>
 #include <QTableWidget>
 #include <QTest>
@@ -45,6 +47,8 @@ class PlanScreenTest : public QObject {
     int beeps_ = 0;
     /// Every box that was answered: its title and its text.
     QStringList told_;
+    /// The icon of each message box among them.
+    QList<QMessageBox::Icon> icons_;
 
     template <class Kind>
     Kind* find(const char* name) {
@@ -75,6 +79,7 @@ class PlanScreenTest : public QObject {
         screen_->beep = [this] { ++beeps_; };
         beeps_ = 0;
         told_.clear();
+        icons_.clear();
     }
     void start_alone(int language = kEnglish) {
         start(PortList(), language);
@@ -110,9 +115,51 @@ class PlanScreenTest : public QObject {
         act();
         QVERIFY2(answered, "nothing was asked");
     }
+    /// The same with one answer for each window that comes after the other.
+    void answering_each(const std::function<void()>& act,
+                        const QList<std::function<void(QWidget*)>>& answers) {
+        QTimer watch;
+        qsizetype next = 0;
+        QPointer<QWidget> last;
+        connect(&watch, &QTimer::timeout, this, [&] {
+            QWidget* front = QApplication::activeModalWidget();
+            if (!front || front == last || next >= answers.size()) return;
+            last = front;
+            note(front);
+            answers[next++](front);
+        });
+        watch.start(5);
+        act();
+        QCOMPARE(next, answers.size());
+    }
+    /// Takes the file in the dialog that asks for one.
+    static std::function<void(QWidget*)> choosing(const QString& path) {
+        return [path](QWidget* front) {
+            auto* box = front->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+            box->setText(path);
+            QTest::keyClick(box, Qt::Key_Return);
+        };
+    }
+    static std::function<void(QWidget*)> accepting() {
+        return [](QWidget* front) { qobject_cast<QDialog*>(front)->accept(); };
+    }
+    QString file_with(const QString& name, const QByteArray& content) {
+        QFile file(folder_->filePath(name));
+        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+            qFatal("cannot write %s", qPrintable(name));
+        return file.fileName();
+    }
+    void change_file(const QString& statement) {
+        QSqlQuery query(program_->database().connection());
+        QVERIFY2(query.exec(statement), qPrintable(statement));
+    }
+    QLabel* progress() {
+        return program_->window().findChild<QLabel*>(QStringLiteral("plan_progress"));
+    }
     void note(QWidget* front) {
         if (const auto* box = qobject_cast<QMessageBox*>(front))
             told_ += box->windowTitle() + u'|' + box->text();
+        if (const auto* box = qobject_cast<QMessageBox*>(front)) icons_ += box->icon();
         if (const auto* input = qobject_cast<QInputDialog*>(front))
             told_ += input->windowTitle() + u'|' + input->labelText();
     }
@@ -646,26 +693,378 @@ class PlanScreenTest : public QObject {
         QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("-,007"));
     }
 
-    void thirty_programs_are_typed_in_and_edited() {
-        start_alone();
+    void thirty_programs_are_typed_in_edited_and_uploaded_in_each_way() {
+        start_with_meter();
         new_plan(QStringLiteral("thirty"));
         click("ol_opt_0");
-        type("prog_num", QStringLiteral("0"));
-        type("sat_freq_txt", QStringLiteral("950"));
+        click("cmd_dig");
+        pick("lnb_state", 1);
+        pick("diseqc_cmd", 73);
+        type("srqpsk_txt", QStringLiteral("27500"));
+        type("chbw_txt", QStringLiteral("36"));
+        type("sat_freq_txt", QStringLiteral("1000"));
+        type("prog_num", QStringLiteral("10"));
         press("store");
-        for (int number = 1; number < 30; ++number) {
-            type("sat_freq_txt", QString::number(950 + 40 * number));
-            enter("prog_num", QString::number(number));
+        click("logger_state");
+        for (int k = 1; k < 30; ++k) {
+            type("sat_freq_txt", QString::number(1000 + 30 * k));
+            enter("prog_num", QString::number(10 + k));
         }
         press("previous_prog");
-        type("sat_freq_txt", QStringLiteral("1000.5"));
+        type("sat_freq_txt", QStringLiteral("2000.5"));
         click("logger_state");
+        pick("lnb_state", 0);
         press("store");
         QCOMPARE(stored(QStringLiteral("pg_num")).split(u',').size(), 30);
         QCOMPARE(stored(QStringLiteral("frequenza")).split(u',').mid(27),
-                 QStringList({"2030.0", "1000.5", "2110.0"}));
+                 QStringList({"1810.0", "2000.5", "1870.0"}));
         QCOMPARE(stored(QStringLiteral("logger_pos")).split(u',').constLast(),
                  QStringLiteral("29"));
+
+        QStringList kept;
+        QStringList lines;
+        for (int k = 0; k < 30; ++k) {
+            const bool edited = k == 28;
+            const QString mhz = edited ? QStringLiteral("2000.5")
+                                       : QString::number(1000 + 30 * k) + QStringLiteral(".0");
+            kept += QStringLiteral(
+                        "%1 freq %2 if %2 osc 0A 00000 lnb %3 volt 13 tone off mode qpsk "
+                        "symbolrate 27500 chbw 36 diseqc 73 unit dBuV atten 6")
+                        .arg(QString::number(10 + k), mhz,
+                             edited ? QStringLiteral("off") : QStringLiteral("on"));
+            if (k > 0 && !edited)
+                lines += QStringLiteral("%1 %2 01").arg(k, 2, 10, QChar(u'0')).arg(10 + k);
+        }
+        const QStringList others = meter_keeps(QStringLiteral("program"));
+        for (const char* key : {"accoda", "sostituisci", "nuovo"}) {
+            answering(pressed(key), pressing(QMessageBox::Yes));
+            const bool all = qstrcmp(key, "nuovo") == 0;
+            QCOMPARE(meter_keeps(QStringLiteral("program")), all ? kept : others + kept);
+            QCOMPARE(meter_keeps(QStringLiteral("logger-line")), lines);
+            QVERIFY(progress()->toolTip().isEmpty());
+        }
+    }
+
+    void transponders_of_a_scan_table_are_imported_and_uploaded() {
+        start_with_meter();
+        new_plan(QStringLiteral("hot bird"));
+        const QString table = file_with(
+            QStringLiteral("scan"),
+            "# freq pol sr fec\n\n[CHANNEL]\n\tDELIVERY_SYSTEM = DVBS\n\tFREQUENCY = 10719000\n"
+            "\tPOLARIZATION = VERTICAL\n\tSYMBOL_RATE = 27500000\n\tINNER_FEC = 3/4\n"
+            "\tINVERSION = AUTO\n\n[CHANNEL]\n\tDELIVERY_SYSTEM = DVBS\n\tFREQUENCY = 10723000\n"
+            "\tPOLARIZATION = HORIZONTAL\n\tSYMBOL_RATE = 29900000\n\tINNER_FEC = 3/4\n\n"
+            "[CHANNEL]\n\tDELIVERY_SYSTEM = DVBS\n\tFREQUENCY = 11727000\n"
+            "\tPOLARIZATION = VERTICAL\n\tSYMBOL_RATE = 27500000\n\tINNER_FEC = 3/4\n");
+        answering_each(pressed("cmdimport"), {choosing(table), accepting()});
+        answering(pressed("nuovo"), pressing(QMessageBox::Yes));
+        QCOMPARE(
+            meter_keeps(QStringLiteral("program")),
+            QStringList(
+                {"00 freq 10719 if 969.0 osc 1A 09750 lnb on volt 13 tone off mode qpsk symbolrate "
+                 "27500 chbw 36 diseqc 73 unit dBuV atten 6",
+                 "01 freq 10723 if 973.0 osc 1A 09750 lnb on volt 18 tone off mode qpsk symbolrate "
+                 "29900 chbw 36 diseqc 73 unit dBuV atten 6",
+                 "02 freq 11727 if 1127.0 osc 2A 10600 lnb on volt 13 tone on mode qpsk symbolrate "
+                 "27500 chbw 36 diseqc 73 unit dBuV atten 6"}));
+        QCOMPARE(meter_keeps(QStringLiteral("logger-line")), QStringList());
+    }
+
+    void without_a_plan_one_message_says_so() {
+        start_alone(kEnglish);
+        for (const char* table : {"gruppo", "programmi", "configurazione"})
+            change_file(QStringLiteral("DELETE FROM %1").arg(QLatin1String(table)));
+        screen_->database_changed();
+        QCOMPARE(text_of("grp_name"), QString());
+        for (const char* key : {"store", "store_new", "accoda", "sostituisci", "nuovo", "cmdimport",
+                                "cmdexport", "cmdcopyprog", "cmdcopyplan"}) {
+            answering(pressed(key), pressing(QMessageBox::Ok));
+            QCOMPARE(told_, QStringList{"Error|There is no plan: make one first."});
+            told_.clear();
+        }
+        answering([this] { type_oscillator(QStringLiteral("9750")); }, pressing(QMessageBox::Ok));
+        answering([this] { enter("prog_num", QStringLiteral("7")); }, pressing(QMessageBox::Ok));
+        QCOMPARE(told_, QStringList({"Error|There is no plan: make one first.",
+                                     "Error|There is no plan: make one first."}));
+        for (const char* key : {"delete", "programma_delete", "previous_prog", "next"}) press(key);
+        for (const char* table : {"gruppo", "programmi", "configurazione"}) {
+            QSqlQuery rows(QStringLiteral("SELECT count(*) FROM %1").arg(QLatin1String(table)),
+                           program_->database().connection());
+            QVERIFY(rows.next());
+            QCOMPARE(rows.value(0).toInt(), 0);
+        }
+        new_plan(QStringLiteral("b"));
+        enter("prog_num", QStringLiteral("7"));
+        QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("-,007"));
+    }
+
+    void a_plan_without_programs_or_oscillators_can_still_be_filled() {
+        start_alone();
+        change_file(QStringLiteral("DELETE FROM programmi"));
+        change_file(QStringLiteral("DELETE FROM configurazione"));
+        screen_->database_changed();
+        answering(pressed("store"), pressing(QMessageBox::Ok));
+        QCOMPARE(told_, QStringList{"Error|The plan has no program: make one first."});
+        enter("prog_num", QStringLiteral("7"));
+        type_oscillator(QStringLiteral("9750"));
+        QCOMPARE(stored(QStringLiteral("pg_num || ' ' || loc_osc1")), QStringLiteral("007 9750.0"));
+    }
+
+    void plans_that_came_into_the_file_are_there_at_once() {
+        start_alone();
+        change_file(QStringLiteral("INSERT INTO gruppo (nome) VALUES ('OLD')"));
+        press("next");
+        QCOMPARE(text_of("grp_name"), QStringLiteral("OLD"));
+        QCOMPARE(beeps_, 0);
+        press("previous");
+        // What is being typed stays, unless its program has changed.
+        type("prog_num", QStringLiteral("42"));
+        change_file(QStringLiteral("INSERT INTO gruppo (nome) VALUES ('OLDER')"));
+        screen_->database_changed();
+        QCOMPARE(text_of("prog_num"), QStringLiteral("42"));
+        change_file(QStringLiteral("UPDATE programmi SET pg_num = '008'"));
+        program_->window().open_screen(QStringLiteral("setport"));
+        program_->window().open_screen(QStringLiteral("program"));
+        QCOMPARE(text_of("prog_num"), QStringLiteral("008"));
+    }
+
+    void an_upload_that_cannot_keep_the_table_ends_cleanly() {
+        start_with_meter();
+        type_three_programs();
+        file_with(QStringLiteral("backup"), {});
+        answering_each(pressed("sostituisci"),
+                       {pressing(QMessageBox::Yes), pressing(QMessageBox::Ok)});
+        QVERIFY2(told_.constLast().contains(QStringLiteral("backup")), qPrintable(told_.last()));
+        QCOMPARE(new_commands(), QStringList({"MEASURE", "DATAPROGRAM?"}));
+        QCOMPARE(progress()->text(), QString());
+        QCOMPARE(text_of("prog_num"), QStringLiteral("010"));
+    }
+
+    void closing_during_an_upload_waits_for_the_comparison_to_be_read() {
+        start_with_meter();
+        type_three_programs();
+        press("cmdverify");
+        const QPointer<ProgramSet> alive(screen_);
+        connect(
+            screen_, &ProgramSet::upload_state, screen_,
+            [this] {
+                QMetaObject::invokeMethod(
+                    screen_, [this] { screen_->parentWidget()->close(); }, Qt::QueuedConnection);
+            },
+            Qt::SingleShotConnection);
+        bool stayed = false;
+        answering_each(pressed("accoda"), {pressing(QMessageBox::Yes), [&](QWidget* front) {
+                                               QTimer::singleShot(150, front, [&, front] {
+                                                   stayed = !alive.isNull();
+                                                   qobject_cast<QDialog*>(front)->accept();
+                                               });
+                                           }});
+        QVERIFY(stayed);
+        QTRY_VERIFY(!alive);
+    }
+
+    void what_the_meter_holds_beside_the_plan_is_shown() {
+        start_with_meter();
+        type_three_programs();
+        // Somebody works at the meter between the last command and the comparison.
+        connect(screen_, &ProgramSet::upload_state, this, [this](const QString& text) {
+            if (text.contains(QStringLiteral("answered")))
+                QVERIFY(program_->link().send(QStringLiteral("DATAPROGRAM 05 10 01")));
+        });
+        press("cmdverify");
+        QString summary;
+        QStringList row;
+        answering_each(pressed("nuovo"),
+                       {pressing(QMessageBox::Yes), [&](QWidget* front) {
+                            summary = front->findChild<QLabel*>("verify_summary")->text();
+                            auto* table = front->findChild<QTableWidget*>();
+                            for (int k = 0; k < table->columnCount(); ++k)
+                                row += table->item(2, k)->text();
+                            qobject_cast<QDialog*>(front)->accept();
+                        }});
+        QCOMPARE(summary, QStringLiteral("1 lines of the logger table are not as planned."));
+        QCOMPARE(row, QStringList({"05", "", "10 01", QString::fromUtf8("✗")}));
+        QCOMPARE(progress()->text(), QStringLiteral("40 of 40 commands answered OK"));
+    }
+
+    void a_refused_store_does_not_hold_up_the_question() {
+        start_with_meter();
+        enter("prog_num", QStringLiteral("7"));
+        enter("prog_num", QStringLiteral("8"));
+        // A screen takes the language on when it opens.
+        state_.texts.language = kItalian;
+        press("cmdexit");
+        QTRY_VERIFY(!program_->window().screen_of(QStringLiteral("program")));
+        open_screen();
+        press("next_prog");
+        press("next_prog");
+        type("prog_num", QStringLiteral("7"));
+        answering_each(pressed("accoda"), {pressing(QMessageBox::Ok), pressing(QMessageBox::No)});
+        QCOMPARE(told_,
+                 QStringList({QString::fromUtf8("Error|Il programma esiste già nel "
+                                                "database."),
+                              "M47|Aggiunge il nuovo piano di programmi\rVuoi continuare?"}));
+        QCOMPARE(icons_, QList<QMessageBox::Icon>({QMessageBox::Warning, QMessageBox::Question}));
+        QCOMPARE(beeps_, 2);
+        QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("-,007,008"));
+        QCOMPARE(new_commands(), QStringList());
+    }
+
+    void the_unit_goes_out_with_the_plan() {
+        start_with_meter();
+        press("cmdlev_2");
+        press("monitor");
+        click("ol_opt_0");
+        type("lev_mintxt", QStringLiteral("-100"));
+        type("lev_maxtxt", QStringLiteral("20"));
+        answering(pressed("accoda"), pressing(QMessageBox::Yes));
+        QCOMPARE(stored(QStringLiteral("lev_min || ' ' || lev_max")), QStringLiteral("-89 11"));
+        QCOMPARE(new_commands().mid(0, 4),
+                 QStringList({"MEASURE", "CHBW 01", "UNIT 02", "PROGRAM 00"}));
+    }
+
+    void keys_of_the_position_list() {
+        start_alone();
+        auto* list = find<QComboBox>("logger_pos");
+        pick("logger_pos", 4);
+        list->setFocus();
+        QTest::keyClick(list, Qt::Key_Tab);
+        QCOMPARE(stored(QStringLiteral("logger_pos")), QStringLiteral("-"));
+        QVERIFY(!list->hasFocus());
+        list->setFocus();
+        QTest::keyClick(list, Qt::Key_Return);
+        QCOMPARE(stored(QStringLiteral("logger_pos")), QStringLiteral("03"));
+        // The arrows choose, as in each list.
+        QTest::keyClick(list, Qt::Key_Down);
+        QCOMPARE(list->currentText(), QStringLiteral("04"));
+        QCOMPARE(stored(QStringLiteral("logger_pos")), QStringLiteral("03"));
+        QTest::keyClick(list, Qt::Key_Backspace);
+        QCOMPARE(list->currentText(), QStringLiteral("04"));
+        QCOMPARE(stored(QStringLiteral("logger_pos")), QStringLiteral("04"));
+    }
+
+    void a_number_of_another_program_is_refused_by_enter_and_by_store() {
+        start_alone();
+        enter("prog_num", QStringLiteral("7"));
+        enter("prog_num", QStringLiteral("8"));
+        press("previous_prog");
+        const auto again = [this](const std::function<void()>& act) {
+            beeps_ = 0;
+            told_.clear();
+            answering(act, pressing(QMessageBox::Ok));
+            QCOMPARE(told_, QStringList{"Error|The Programme in the data base already exist."});
+            QCOMPARE(icons_.takeLast(), QMessageBox::Warning);
+            QCOMPARE(beeps_, 2);
+            QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("-,007,008"));
+        };
+        again([this] {
+            type("prog_num", QStringLiteral("8"));
+            press("store");
+        });
+        QCOMPARE(text_of("prog_num"), QStringLiteral("008"));
+        press("previous_prog");
+        again([this] { enter("prog_num", QStringLiteral("7")); });
+        // The last program is shown.
+        QCOMPARE(text_of("prog_num"), QStringLiteral("008"));
+        press("next_prog");
+        QCOMPARE(beeps_, 3);
+    }
+
+    void the_key_without_work_does_nothing() {
+        start_alone();
+        type("prog_num", QStringLiteral("7"));
+        screen_->barracomando_ButtonClick(QStringLiteral("storing"));
+        QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("-"));
+        QCOMPARE(text_of("prog_num"), QStringLiteral("7"));
+        QCOMPARE(beeps_, 0);
+    }
+
+    void a_read_only_file_is_told_by_everything_that_writes() {
+        start_with_meter();
+        enter("prog_num", QStringLiteral("7"));
+        new_plan(QStringLiteral("B"));
+        press("previous");
+        press("next_prog");
+        const QString file = file_with(QStringLiteral("one.csv"), "frequenza\n1000\n");
+        change_file(QStringLiteral("PRAGMA query_only = 1"));
+        const auto ok = pressing(QMessageBox::Ok);
+        const auto refused = [&](const char* key, QList<std::function<void(QWidget*)>> answers) {
+            told_.clear();
+            answering_each(pressed(key), answers << ok);
+            QVERIFY2(told_.constLast().contains(QStringLiteral("cannot be written")),
+                     qPrintable(told_.join(u';')));
+            QCOMPARE(text_of("grp_name"), QStringLiteral("PLAN 1"));
+            QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("-,007"));
+        };
+        refused("delete", {ok});
+        refused("programma_delete", {ok});
+        refused("cmdimport", {choosing(file), accepting()});
+        refused("cmdcopyprog", {typing(QStringLiteral("C"))});
+        refused("cmdcopyplan", {typing(QStringLiteral("C"))});
+        // An upload stores first; what is not stored is not sent.
+        refused("nuovo", {});
+        QCOMPARE(new_commands(), QStringList());
+        QSqlQuery plans(QStringLiteral("SELECT count(*) FROM gruppo"),
+                        program_->database().connection());
+        QVERIFY(plans.next());
+        QCOMPARE(plans.value(0).toInt(), 2);
+    }
+
+    void a_plan_is_exported_with_tabs_or_the_reason_is_told() {
+        start_alone();
+        click("ol_opt_0");
+        type("sat_freq_txt", QStringLiteral("1234.5"));
+        type("prog_num", QStringLiteral("7"));
+        press("store");
+        const QString out = folder_->filePath(QStringLiteral("out.tsv"));
+        answering(pressed("cmdexport"), choosing(out));
+        const QByteArray written = content_of(out);
+        QVERIFY(written.startsWith("nome\tpg_num\tfrequenza\t"));
+        QVERIFY(written.contains("\nPLAN 1\t007\t1234.5\t1\t"));
+        told_.clear();
+        answering_each(pressed("cmdexport"),
+                       {choosing(QStringLiteral("/proc/none.csv")), pressing(QMessageBox::Ok)});
+        QVERIFY2(told_.constLast().contains(QStringLiteral("/proc/none.csv")),
+                 qPrintable(told_.constLast()));
+    }
+
+    void blanks_around_a_new_name_go() {
+        start_alone();
+        new_plan(QStringLiteral("  roof east and west"));
+        QCOMPARE(text_of("grp_name"), QStringLiteral("ROOF EAS"));
+        new_plan(QStringLiteral("   "));
+        QCOMPARE(text_of("grp_name"), QStringLiteral("ROOF EAS"));
+    }
+
+    void the_tab_key_goes_through_the_boxes_in_their_order() {
+        start_alone();
+        press("monitor");
+        click("cmd_dig");
+        find<QLineEdit>("prog_num")->setFocus();
+        QStringList order;
+        for (int k = 0; k < 24; ++k) {
+            order += QApplication::focusWidget()->objectName();
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        }
+        QCOMPARE(order.mid(0, 7),
+                 QStringList({"prog_num", "logger_pos", "logger_state", "k22_state", "lnb_state",
+                              "diseqc_cmd", "diseqc_cmd2"}));
+        QCOMPARE(order.filter(QRegularExpression(QStringLiteral("(txt|state)$"))).mid(3),
+                 QStringList({"sat_freq_txt", "srqpsk_txt", "chbw_txt", "monitor_state",
+                              "lev_mintxt", "lev_maxtxt", "cn_mintxt", "cn_maxtxt", "chber_mintxt",
+                              "chber_maxtxt", "mer_mintxt", "mer_maxtxt"}));
+    }
+
+    void every_box_has_a_name_for_those_who_cannot_see_it() {
+        start_alone();
+        QSet<QString> names;
+        for (const char* name :
+             {"ol_optval", "lev_maxtxt", "cn_maxtxt", "chber_maxtxt", "mer_maxtxt"}) {
+            const QString spoken = find<QWidget>(name)->accessibleName();
+            QVERIFY2(!spoken.isEmpty(), name);
+            names += spoken;
+        }
+        QCOMPARE(names.size(), 5);
     }
 
     void a_file_is_imported_after_its_preview_and_exported() {
