@@ -76,6 +76,7 @@ class ModesTest : public QObject {
     void plan_name_with_quotes_data();
     void plan_name_with_quotes();
     void plan_that_does_not_exist();
+    void plan_named_in_other_letters();
     void plan_without_a_configuration();
     void first_program_of_a_plan();
     void nothing_recalled_before_a_plan_is_open();
@@ -609,13 +610,23 @@ void ModesTest::plan_name_with_quotes() {
 void ModesTest::plan_that_does_not_exist() {
     panel().prog_num = "before";
     const QStringList before = everything_shown();
-    for (const char* name : {"PLAN 2", "", "PLAN 1 ", "PLAN 1\" OR \"1\"=\"1"}) {
+    for (const char* name : {"PLAN 2", "", "PLAN 1\" OR \"1\"=\"1"}) {
         panel().grp_name = name;
         QVERIFY2(faults([this] { modes().crea_records_realtime(); }), name);
         QCOMPARE(everything_shown(), before);
         QVERIFY(!state().recall_in_progress);
     }
     QCOMPARE(f_->port.opens, 0);
+}
+
+void ModesTest::plan_named_in_other_letters() {
+    add_plan("PLAN 2", whole_program());
+    for (const char* name : {"PLAN 2 ", " plan 2"}) {
+        panel().grp_name = name;
+        modes().crea_records_realtime();
+        QCOMPARE(modes().rs_programs->count(), 1);
+        QCOMPARE(modes().rs_config->count(), 1);
+    }
 }
 
 void ModesTest::plan_without_a_configuration() {
