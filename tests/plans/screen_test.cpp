@@ -26,12 +26,15 @@
 #include <QToolBar>
 #include <QWheelEvent>
 
+#include "fake_port.h"
+#include "meter_in_process.h"
 #include "plan_sets.h"
 #include "plan_tooltips.h"
 #include "process_support.h"
 #include "program.h"
 #include "program_set.h"
 #include "upload_commands.h"
+#include "virtual_clock.h"
 
 namespace m47 {
 
@@ -41,6 +44,7 @@ class PlanScreenTest : public QObject {
   private:
     std::unique_ptr<QTemporaryDir> folder_;
     std::unique_ptr<MeterProcess> meter_;
+    std::unique_ptr<MeterInProcess> quick_meter_;
     ProgramState state_;
     std::unique_ptr<Program> program_;
     ProgramSet* screen_ = nullptr;
@@ -57,14 +61,19 @@ class PlanScreenTest : public QObject {
         return found;
     }
 
-    void start(const PortList& ports, int language) {
+    /// The program on `ports`, or on the line of a virtual time.
+    void start(const PortList& ports, int language, std::unique_ptr<VirtualClock> clock = nullptr,
+               std::unique_ptr<FakePort> line = nullptr) {
         folder_ = folder_ ? std::move(folder_) : std::make_unique<QTemporaryDir>(folder_template());
         state_ = ProgramState();
         state_.base_dir = folder_with_separator(folder_->path());
         const QString path = state_.base_dir + QLatin1String(kDatabaseFile);
         DatabaseError error{};
         QVERIFY(Database::create(path, error));
-        program_ = std::make_unique<Program>(state_, Database::open(path, error), ports);
+        auto database = Database::open(path, error);
+        program_ = line ? std::make_unique<Program>(state_, std::move(database), ports,
+                                                    std::move(clock), std::move(line))
+                        : std::make_unique<Program>(state_, std::move(database), ports);
         program_->window().resize(1024, 600);
         program_->window().show();
         program_->window().activateWindow();
@@ -83,6 +92,18 @@ class PlanScreenTest : public QObject {
     }
     void start_alone(int language = kEnglish) {
         start(PortList(), language);
+        open_screen();
+    }
+    /// What takes a minute on a line takes an instant.
+    void start_on_virtual_line() {
+        auto clock = std::make_unique<VirtualClock>();
+        auto line = std::make_unique<FakePort>(*clock);
+        quick_meter_ = std::make_unique<MeterInProcess>(*clock, *line, 1);
+        PortList ports;
+        QVERIFY(ports.add(QStringLiteral("1=/dev/no-such-meter")));
+        start(ports, kEnglish, std::move(clock), std::move(line));
+        program_->identify(1);
+        QVERIFY(program_->link().port_connected);
         open_screen();
     }
     void start_with_meter(const QStringList& options = {}) {
@@ -243,14 +264,19 @@ class PlanScreenTest : public QObject {
     }
     qsizetype seen_ = 0;
 
-    /// What the meter keeps, as the lines of its report that begin with `word`.
-    QStringList meter_keeps(const QString& word) {
+    QByteArray meter_report() {
+        if (quick_meter_) return quick_meter_->kept();
         QFile::remove(state_file());
         meter_->send_signal(SIGUSR1);
         if (!QTest::qWaitFor([this] { return QFile::exists(state_file()); }))
             qFatal("the meter does not report");
+        return content_of(state_file());
+    }
+
+    /// What the meter keeps, as the lines of its report that begin with `word`.
+    QStringList meter_keeps(const QString& word) {
         QStringList lines;
-        for (const QString& line : QString::fromUtf8(content_of(state_file())).split(u'\n'))
+        for (const QString& line : QString::fromUtf8(meter_report()).split(u'\n'))
             if (line.startsWith(word + u' ')) lines += line.mid(word.size() + 1);
         return lines;
     }
@@ -331,6 +357,7 @@ class PlanScreenTest : public QObject {
   private Q_SLOTS:
     void init() { seen_ = 0; }
     void cleanup() {
+        quick_meter_.reset();
         program_.reset();
         meter_.reset();
         folder_.reset();
@@ -693,26 +720,56 @@ class PlanScreenTest : public QObject {
         QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("-,007"));
     }
 
-    void thirty_programs_are_typed_in_and_edited() {
-        start_alone();
+    void thirty_programs_are_typed_in_edited_and_uploaded_in_each_way() {
+        start_on_virtual_line();
         new_plan(QStringLiteral("thirty"));
         click("ol_opt_0");
-        type("prog_num", QStringLiteral("0"));
-        type("sat_freq_txt", QStringLiteral("950"));
+        click("cmd_dig");
+        pick("lnb_state", 1);
+        pick("diseqc_cmd", 73);
+        type("srqpsk_txt", QStringLiteral("27500"));
+        type("chbw_txt", QStringLiteral("36"));
+        type("sat_freq_txt", QStringLiteral("1000"));
+        type("prog_num", QStringLiteral("10"));
         press("store");
-        for (int number = 1; number < 30; ++number) {
-            type("sat_freq_txt", QString::number(950 + 40 * number));
-            enter("prog_num", QString::number(number));
+        click("logger_state");
+        for (int k = 1; k < 30; ++k) {
+            type("sat_freq_txt", QString::number(1000 + 30 * k));
+            enter("prog_num", QString::number(10 + k));
         }
         press("previous_prog");
-        type("sat_freq_txt", QStringLiteral("1000.5"));
+        type("sat_freq_txt", QStringLiteral("2000.5"));
         click("logger_state");
+        pick("lnb_state", 0);
         press("store");
         QCOMPARE(stored(QStringLiteral("pg_num")).split(u',').size(), 30);
         QCOMPARE(stored(QStringLiteral("frequenza")).split(u',').mid(27),
-                 QStringList({"2030.0", "1000.5", "2110.0"}));
+                 QStringList({"1810.0", "2000.5", "1870.0"}));
         QCOMPARE(stored(QStringLiteral("logger_pos")).split(u',').constLast(),
                  QStringLiteral("29"));
+
+        QStringList kept;
+        QStringList lines;
+        for (int k = 0; k < 30; ++k) {
+            const bool edited = k == 28;
+            const QString mhz = edited ? QStringLiteral("2000.5")
+                                       : QString::number(1000 + 30 * k) + QStringLiteral(".0");
+            kept += QStringLiteral(
+                        "%1 freq %2 if %2 osc 0A 00000 lnb %3 volt 13 tone off mode qpsk "
+                        "symbolrate 27500 chbw 36 diseqc 73 unit dBuV atten 6")
+                        .arg(QString::number(10 + k), mhz,
+                             edited ? QStringLiteral("off") : QStringLiteral("on"));
+            if (k > 0 && !edited)
+                lines += QStringLiteral("%1 %2 01").arg(k, 2, 10, QChar(u'0')).arg(10 + k);
+        }
+        const QStringList others = meter_keeps(QStringLiteral("program"));
+        for (const char* key : {"accoda", "sostituisci", "nuovo"}) {
+            answering(pressed(key), pressing(QMessageBox::Yes));
+            const bool all = qstrcmp(key, "nuovo") == 0;
+            QCOMPARE(meter_keeps(QStringLiteral("program")), all ? kept : others + kept);
+            QCOMPARE(meter_keeps(QStringLiteral("logger-line")), lines);
+            QVERIFY(progress()->toolTip().isEmpty());
+        }
     }
 
     void transponders_of_a_scan_table_are_imported_and_uploaded() {

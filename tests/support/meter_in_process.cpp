@@ -43,6 +43,10 @@ MeterInProcess::~MeterInProcess() {
     port_.answer = nullptr;
 }
 
+QByteArray MeterInProcess::kept() const {
+    return QByteArray::fromStdString(inside_->instrument.state().report());
+}
+
 void MeterInProcess::answer(const QByteArray& command) {
     if (command.isEmpty()) inside_->asleep = false;
     if (inside_->asleep || command.isEmpty()) return;

@@ -20,6 +20,9 @@ class MeterInProcess {
     MeterInProcess(const MeterInProcess&) = delete;
     MeterInProcess& operator=(const MeterInProcess&) = delete;
 
+    /// What the meter keeps, as the program of the simulated meter writes it with --state.
+    QByteArray kept() const;
+
     /// One command in so many, drawn by the seed, gets a fault drawn from all kinds; 0: none does.
     int bad_in = 0;
 
