@@ -13,7 +13,7 @@ endfunction()
 set(M47_TEST_OPTIONS $<$<CONFIG:Release>:-O0>)
 
 # What every test includes is parsed once for all of them. (The program's own sources have no such
-# help: each must build by itself.)
+# help: each must build by itself, as the preset "debug" does it.)
 function(m47_test_headers)
     # Not the folder of each test, which would differ from one to the next.
     set_target_properties(Qt6::Test PROPERTIES INTERFACE_COMPILE_DEFINITIONS QT_TESTLIB_LIB)
