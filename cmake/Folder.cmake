@@ -39,6 +39,7 @@ function(m47_test name)
     set_source_files_properties(
         ${CMAKE_CURRENT_BINARY_DIR}/${target}_autogen/mocs_compilation.cpp
         PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
+    set_target_properties(${target} PROPERTIES AUTOUIC OFF AUTORCC OFF)
     add_test(NAME ${name} COMMAND ${target})
     if(NOT ARG_TIMEOUT)
         set(ARG_TIMEOUT 120)

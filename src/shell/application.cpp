@@ -7,6 +7,7 @@
 #include <QTimer>
 #include <cstdio>
 
+#include "contrast_style.h"
 #include "database_error.h"
 #include "display.h"
 #include "fault.h"
@@ -89,6 +90,7 @@ std::unique_ptr<Database> open_database(const ProgramState& state, const Options
 }
 
 int run_windows(Program& program, const Options& options) {
+    QApplication::setStyle(new ContrastStyle);
     program.window().show();
     QTimer::singleShot(0, &program.window(), [&program, &options] {
         run_handler(&program.window(), "start", [&] {
