@@ -45,7 +45,7 @@ void check_inverse(const QString& text) {
         QString name = text.mid(slot * 10, 10);
         name.remove(u'\t').remove(u'\r');
         while (name.startsWith(u' ')) name.remove(0, 1);
-        while (name.endsWith(u' ')) name.chop(1);
+        while (name.endsWith(u' ') || name.endsWith(u'\0')) name.chop(1);
         names += name;
         answer += QString::number(slot) + u'\t' + name +
                   (slot == m47::kSlots - 1 ? QString() : QStringLiteral("\r"));

@@ -67,14 +67,14 @@ class ControlArrayTest : public QObject {
     void a_name_is_no_pattern() {
         QWidget screen;
         add<QCheckBox>(&screen, "box_0");
-        QVERIFY_EXCEPTION_THROWN(ControlArray<QCheckBox>(&screen, "b.x"), Fault);
+        QVERIFY_THROWS_EXCEPTION(Fault, ControlArray<QCheckBox>(&screen, "b.x"));
     }
 
     void past_the_end() {
         QWidget screen;
         add<QCheckBox>(&screen, "box_0");
         const ControlArray<QCheckBox> array(&screen, "box");
-        QVERIFY_EXCEPTION_THROWN(static_cast<void>(array[1]), std::out_of_range);
+        QVERIFY_THROWS_EXCEPTION(std::out_of_range, static_cast<void>(array[1]));
     }
 
     void faults_data() {

@@ -131,7 +131,7 @@ class TextsTest : public QObject {
         Texts texts;
         texts.load_messages(QString());
         texts.language = language;
-        QVERIFY_EXCEPTION_THROWN(texts.message(number), Fault);
+        QVERIFY_THROWS_EXCEPTION(Fault, texts.message(number));
     }
 
     void one_of_a_pair() {

@@ -57,7 +57,7 @@ struct Windows {
         if (!Database::create(path, error)) qFatal("%s", qPrintable(error.detail));
         auto clock = std::make_unique<VirtualClock>();
         auto port = std::make_unique<FakePort>(*clock);
-        meter = std::make_unique<MeterInProcess>(*clock, *port, 1);
+        meter = std::make_unique<MeterInProcess>(*port, 1);
         PortList ports(PortSources{folder, folder, [] { return QStringList(); }});
         ports.add(QStringLiteral("1=/dev/no-such-meter"));
         program = std::make_unique<Program>(state, Database::open(path, error), ports,

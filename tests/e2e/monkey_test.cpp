@@ -87,7 +87,7 @@ void MonkeyTest::init() {
     auto port = std::make_unique<FakePort>(*clock);
     clock_ = clock.get();
     port_ = port.get();
-    meter_ = std::make_unique<MeterInProcess>(*clock_, *port_, number_from("M47_SEED", 47));
+    meter_ = std::make_unique<MeterInProcess>(*port_, number_from("M47_SEED", 47));
     program_ = std::make_unique<Program>(state_, Database::open(path, error), ports,
                                          std::move(clock), std::move(port));
     program_->window().resize(1100, 720);

@@ -29,7 +29,6 @@ constexpr Layout kLayout4{4096, 12, 16, 45, 55, 59, 63, 25, 5, 7, 9, 15, 21, 23}
 
 constexpr int kMapPage = 3;
 constexpr int kCatalogPage = 2;
-constexpr int kFirstFreePage = 4;
 constexpr qsizetype kMapBytes = 64;
 
 template <class Number>

@@ -98,7 +98,7 @@ class PlanScreenTest : public QObject {
     void start_on_virtual_line() {
         auto clock = std::make_unique<VirtualClock>();
         auto line = std::make_unique<FakePort>(*clock);
-        quick_meter_ = std::make_unique<MeterInProcess>(*clock, *line, 1);
+        quick_meter_ = std::make_unique<MeterInProcess>(*line, 1);
         PortList ports;
         QVERIFY(ports.add(QStringLiteral("1=/dev/no-such-meter")));
         start(ports, kEnglish, std::move(clock), std::move(line));

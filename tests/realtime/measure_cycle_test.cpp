@@ -585,7 +585,7 @@ void MeasureCycleTest::the_end_of_the_program_passes_through() {
     bool ends = false;
     f_->on_command = [&](const QByteArray& command) { ends = ends || command == at; };
     f_->link.interrupted = [&] { return ends; };
-    QVERIFY_EXCEPTION_THROWN(f_->rules.acquisition.single_acq(), Interrupted);
+    QVERIFY_THROWS_EXCEPTION(Interrupted, f_->rules.acquisition.single_acq());
     // The transaction that had begun came to its end, nothing was sent behind it.
     QCOMPARE(f_->commands().last(), QString::fromLatin1(at));
     QCOMPARE(page().measurements(), 0);

@@ -85,7 +85,7 @@ class MeasureRepliesTest : public QObject {
 
     void missing_label() {
         QFETCH(QString, answer);
-        QVERIFY_EXCEPTION_THROWN(delete_cr("MER   :", answer), Fault);
+        QVERIFY_THROWS_EXCEPTION(Fault, delete_cr("MER   :", answer));
     }
 
     void shown_from_a_character_on() {
@@ -152,7 +152,7 @@ class MeasureRepliesTest : public QObject {
 
     void noise_answer_that_faults() {
         QFETCH(QString, reply);
-        QVERIFY_EXCEPTION_THROWN(noise_power(reply), Fault);
+        QVERIFY_THROWS_EXCEPTION(Fault, noise_power(reply));
     }
 };
 

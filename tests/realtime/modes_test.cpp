@@ -253,7 +253,7 @@ void ModesTest::load_ended_by_the_user() {
     bool ends = false;
     f_->on_command = [&](const QByteArray& command) { ends = command == "TONE22K 00"; };
     f_->link.interrupted = [&] { return ends; };
-    QVERIFY_EXCEPTION_THROWN(modes().Form_Load(), Interrupted);
+    QVERIFY_THROWS_EXCEPTION(Interrupted, modes().Form_Load());
     QCOMPARE(f_->commands().last(), QString("TONE22K 00"));
     QVERIFY(!state().recall_in_progress);
 }
@@ -716,7 +716,7 @@ void ModesTest::recall_ended_by_the_user() {
     bool ends = false;
     f_->on_command = [&](const QByteArray& command) { ends = command == "FREQ?"; };
     f_->link.interrupted = [&] { return ends; };
-    QVERIFY_EXCEPTION_THROWN(modes().crea_records_realtime(), Interrupted);
+    QVERIFY_THROWS_EXCEPTION(Interrupted, modes().crea_records_realtime());
     QCOMPARE(f_->commands(), QStringList{"FREQ?"});
     QVERIFY(!state().recall_in_progress);
 }

@@ -31,8 +31,8 @@ struct MeterInProcess::Inside {
     bool asleep = false;
 };
 
-MeterInProcess::MeterInProcess(VirtualClock& clock, FakePort& port, quint64 seed)
-    : clock_(clock), port_(port), inside_(std::make_unique<Inside>(seed)) {
+MeterInProcess::MeterInProcess(FakePort& port, quint64 seed)
+    : port_(port), inside_(std::make_unique<Inside>(seed)) {
     port_.answer = [this](const QByteArray& command) {
         answer(command);
         return QByteArray();

@@ -15,7 +15,7 @@ namespace m47 {
 class MeterInProcess {
   public:
     /// Answers on `port` from now on; both have to outlive it.
-    MeterInProcess(VirtualClock& clock, FakePort& port, quint64 seed);
+    MeterInProcess(FakePort& port, quint64 seed);
     ~MeterInProcess();
     MeterInProcess(const MeterInProcess&) = delete;
     MeterInProcess& operator=(const MeterInProcess&) = delete;
@@ -37,7 +37,6 @@ class MeterInProcess {
     void answer(const QByteArray& command);
     void go_on(bool full_speed, double from);
 
-    VirtualClock& clock_;
     FakePort& port_;
     std::unique_ptr<Inside> inside_;
 };

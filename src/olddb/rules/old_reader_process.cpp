@@ -26,7 +26,7 @@ void limit_this_process() {
     limit(RLIMIT_CPU, kSeconds);
     limit(RLIMIT_CORE, 0);
     limit(RLIMIT_FSIZE, 0);
-#ifndef __SANITIZE_ADDRESS__
+#ifndef M47_SANITIZED  // whose bookkeeping takes terabytes of addresses
     limit(RLIMIT_AS, kMemory);
 #endif
     // A user's own settings of the library would change what it reads.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -21,6 +22,9 @@ struct TrendRange {
 
     double span() const { return upper - lower; }
 };
+
+/// The limits between which a quantity is good, where it has any now.
+using TrendLimits = std::function<std::optional<TrendRange>(Quantity)>;
 
 /// The rows of the page as one series a program. What a row holds of its program is the frequency
 /// and the oscillator: programs that share both (the other polarisation) share a series.

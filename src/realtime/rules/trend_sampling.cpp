@@ -28,13 +28,32 @@ class Sampler {
     void take(const TrendPoint& point) {
         if (point.apart || point.time - previous_time_ > longest_spacing_) broken_ = true;
         previous_time_ = point.time;
-        const float value = point.values[static_cast<std::size_t>(quantity_)];
-        if (std::isnan(value)) {
+        if (!point.reading(quantity_).measured()) {
             broken_ = true;
             return;
         }
-        add({point.time, plotted_value(quantity_, value)}, point.status == RowStatus::fail);
+        add(trend_spot(point, quantity_), point.status == RowStatus::fail);
         broken_ = false;
+    }
+
+    /// Takes the points that `block` sums up, if all belong to the column that has begun; else
+    /// takes none of them and says so.
+    bool take(const TrendBlock& block) {
+        if (column_.points == 0 || !(block.end < column_.end)) return false;
+        if (block.begin < shown_.lower || block.end > shown_.upper) return false;
+        const TrendBlock::Extent& extent = block.extents[static_cast<std::size_t>(quantity_)];
+        // Where in the column a line breaks is all the same.
+        if (extent.broken || block.longest_spacing > longest_spacing_ ||
+            block.begin - previous_time_ > longest_spacing_)
+            broken_ = true;
+        previous_time_ = block.end;
+        if (!extent.measured) return true;
+        for (const TrendSpot& spot : {extent.least, extent.greatest, extent.last}) add(spot, false);
+        if (extent.failed)
+            for (const TrendSpot& spot : {extent.least_failed, extent.greatest_failed})
+                add_failed(spot);
+        broken_ = false;
+        return true;
     }
 
     TrendSamples finish() {
@@ -150,7 +169,17 @@ TrendSamples sample_trend(const TrendSeries& series, Quantity quantity, TrendRan
     const bool dense = in_sight > columns * kPointsPerColumn && shown.span() > 0;
     Sampler sampler(quantity, shown, dense ? columns / shown.span() : 0, series.longest_spacing(),
                     in_sight * kColumnsPerDot <= columns);
-    std::for_each(from, to, [&](const TrendPoint& point) { sampler.take(point); });
+    const auto& blocks = series.blocks();
+    auto place = from - points.begin();
+    while (from != to) {
+        const auto number = static_cast<std::size_t>(place / TrendBlock::kPoints);
+        const bool whole = dense && place % TrendBlock::kPoints == 0 && number < blocks.size() &&
+                           to - from >= TrendBlock::kPoints && sampler.take(blocks[number]);
+        if (!whole) sampler.take(*from);
+        const std::ptrdiff_t taken = whole ? TrendBlock::kPoints : 1;
+        from += taken;
+        place += taken;
+    }
     return sampler.finish();
 }
 

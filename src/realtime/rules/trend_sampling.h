@@ -8,11 +8,6 @@
 
 namespace m47 {
 
-struct TrendSpot {
-    double time = 0;
-    double value = 0;
-};
-
 /// What is drawn of one quantity of one program.
 struct TrendSamples {
     /// The curve; a value that is no number breaks it.

@@ -41,9 +41,17 @@ void TrendSeries::settle() {
     if (!std::is_sorted(before, points_.end(), earlier)) {
         std::stable_sort(fresh, points_.end(), earlier);
         const auto place = std::upper_bound(points_.begin(), fresh, *fresh, earlier);
+        // What is summed up from there on holds no longer.
+        const auto whole =
+            static_cast<std::size_t>((place - points_.begin()) / TrendBlock::kPoints);
+        blocks_.resize(std::min(blocks_.size(), whole));
         std::inplace_merge(place, fresh, points_.end(), earlier);
     }
     settled_ = points_.size();
+    const auto points = static_cast<std::ptrdiff_t>(settled_);
+    for (auto begin = std::ssize(blocks_) * TrendBlock::kPoints;
+         begin + TrendBlock::kPoints <= points; begin += TrendBlock::kPoints)
+        blocks_.push_back(trend_block(points_.cbegin() + begin));
 }
 
 void TrendSeries::count_spacing(double seconds) {

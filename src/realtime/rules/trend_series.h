@@ -2,32 +2,13 @@
 #pragma once
 
 #include <array>
-#include <deque>
 #include <string>
 #include <string_view>
+#include <vector>
 
-#include "trend_reading.h"
+#include "trend_block.h"
 
 namespace m47 {
-
-/// What the STATUS cell of a row says.
-enum class RowStatus : std::uint8_t { none, pass, fail };
-
-/// One row of the page as the trend keeps it: 24 bytes.
-struct TrendPoint {
-    double time = 0;  ///< seconds since 1970 on the clock of the row
-    std::array<float, kQuantities.size()> values{};
-    std::array<RangeMark, kQuantities.size()> marks{};
-    RowStatus status : 7 = RowStatus::none;
-    /// The program was left out since its row before: no line leads here.
-    bool apart : 1 = false;
-
-    Reading reading(Quantity quantity) const {
-        const auto k = static_cast<std::size_t>(quantity);
-        return {values[k], marks[k]};
-    }
-};
-static_assert(sizeof(TrendPoint) == 24);
 
 /// The rows of one program in the order of their time.
 class TrendSeries {
@@ -47,7 +28,11 @@ class TrendSeries {
     /// Brings the rows added since the last call into their order of time; O(1) when they are.
     void settle();
 
-    const std::deque<TrendPoint>& points() const { return points_; }
+    const TrendPoints& points() const { return points_; }
+
+    /// The settled points summed up, the first TrendBlock::kPoints of them in the first block and
+    /// so on; those that fill no block are in none.
+    const std::vector<TrendBlock>& blocks() const { return blocks_; }
 
     /// The extremes of all rows; not measured when no row was.
     Reading minimum(Quantity quantity) const { return of(extremes_, quantity).minimum; }
@@ -73,7 +58,8 @@ class TrendSeries {
     void count_spacing(double seconds);
 
     std::string key_;
-    std::deque<TrendPoint> points_;  // grows without copying what it holds
+    TrendPoints points_;
+    std::vector<TrendBlock> blocks_;
     std::size_t settled_ = 0;
     std::array<Extremes, kQuantities.size()> extremes_{};
     TrendPoint last_;

@@ -18,6 +18,7 @@
 #include "report_form.h"
 #include "tables.h"
 #include "text_printer.h"
+#include "trend_limits.h"
 #include "twips.h"
 #include "ui_realtime.h"
 

@@ -6,6 +6,7 @@
 
 #include "report_pages.h"
 #include "save_file.h"
+#include "trend_plot.h"
 
 namespace m47 {
 namespace {
@@ -44,7 +45,7 @@ bool draw_report(QIODevice& file, const CustomerReport& report, TrendPlot* plot)
 }  // namespace
 
 QString save_report(const QString& path, const PageStore& page, const ReportContext& context,
-                    const TrendPlot::Limits& limits, const Texts& texts) {
+                    const TrendLimits& limits, const Texts& texts) {
     TrendData data;
     data.update(page);
     TrendPlot plot(data, limits, texts);

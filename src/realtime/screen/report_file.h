@@ -4,7 +4,8 @@
 #include <QString>
 
 #include "customer_report.h"
-#include "trend_plot.h"
+#include "texts.h"
+#include "trend_data.h"
 
 namespace m47 {
 
@@ -12,6 +13,6 @@ namespace m47 {
 /// stood there before still does. `limits` are those of the trend. Nothing on success, else the
 /// reason.
 QString save_report(const QString& path, const PageStore& page, const ReportContext& context,
-                    const TrendPlot::Limits& limits, const Texts& texts);
+                    const TrendLimits& limits, const Texts& texts);
 
 }  // namespace m47

@@ -24,7 +24,7 @@ const Bilingual& axis_caption(Quantity quantity) {
 
 }  // namespace
 
-TrendPlot::TrendPlot(const TrendData& rows, Limits limits, const Texts& texts, QWidget* parent)
+TrendPlot::TrendPlot(const TrendData& rows, TrendLimits limits, const Texts& texts, QWidget* parent)
     : QCustomPlot(parent), data_(rows), limits_(std::move(limits)), texts_(texts) {
     setObjectName(QStringLiteral("trend_plot"));
     setFocusPolicy(Qt::StrongFocus);

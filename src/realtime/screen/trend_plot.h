@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "texts.h"
+#include "trend_data.h"
 #include "trend_panel.h"
 #include "trend_window.h"
 
@@ -23,12 +24,11 @@ struct TrendChoice {
 /// "+", "-" and Home do it by keyboard.
 class TrendPlot : public QCustomPlot {
   public:
-    using Limits = std::function<std::optional<TrendRange>(Quantity)>;
-
     /// The most curves that are drawn at once: the latest programs.
     static constexpr std::size_t kMostCurves = 100;
 
-    TrendPlot(const TrendData& rows, Limits limits, const Texts& texts, QWidget* parent = nullptr);
+    TrendPlot(const TrendData& rows, TrendLimits limits, const Texts& texts,
+              QWidget* parent = nullptr);
     ~TrendPlot() override;
 
     /// Called when the user's zooming and panning has changed whether the plot follows.
@@ -65,7 +65,7 @@ class TrendPlot : public QCustomPlot {
     std::vector<TrendCurve> curves() const;
 
     const TrendData& data_;
-    Limits limits_;
+    TrendLimits limits_;
     const Texts& texts_;
     TrendChoice choice_;
     TrendWindow window_;

@@ -10,6 +10,7 @@
 #include "key_filter.h"
 #include "tooltips.h"
 #include "trend_files.h"
+#include "trend_plot.h"
 
 namespace m47 {
 namespace {
@@ -116,7 +117,7 @@ void TrendView::set_texts(const Texts& texts) {
     if (plot_) plot_->name_panels();
 }
 
-void TrendView::set_page(const PageModel* page, TrendPlot::Limits limits,
+void TrendView::set_page(const PageModel* page, TrendLimits limits,
                          const ProgramState& program) {
     program_ = &program;
     page_ = page;

@@ -9,9 +9,12 @@
 
 #include "page_model.h"
 #include "program_state.h"
-#include "trend_plot.h"
+#include "texts.h"
+#include "trend_data.h"
 
 namespace m47 {
+
+class TrendPlot;
 
 /// The tab "Trend": what the measurement page holds, over time. It looks at the page only while it
 /// is seen: a run that nobody watches pays nothing for it.
@@ -23,7 +26,7 @@ class TrendView : public QWidget {
 
     /// Plots `page` with the limits that `limits` gives at the time; page and program outlive the
     /// view.
-    void set_page(const PageModel* page, TrendPlot::Limits limits, const ProgramState& program);
+    void set_page(const PageModel* page, TrendLimits limits, const ProgramState& program);
 
     /// Captions and tooltips in the language in use now.
     void set_texts(const Texts& texts);
@@ -51,7 +54,7 @@ class TrendView : public QWidget {
     Texts texts_;
     const PageModel* page_ = nullptr;
     const ProgramState* program_ = nullptr;
-    TrendPlot::Limits limits_;
+    TrendLimits limits_;
     TrendData data_;
     bool replaced_ = false;
     QComboBox* programs_;

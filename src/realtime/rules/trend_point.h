@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <deque>
+
+#include "trend_reading.h"
+
+namespace m47 {
+
+/// What the STATUS cell of a row says.
+enum class RowStatus : std::uint8_t { none, pass, fail };
+
+/// One row of the page as the trend keeps it: 24 bytes.
+struct TrendPoint {
+    double time = 0;  ///< seconds since 1970 on the clock of the row
+    std::array<float, kQuantities.size()> values{};
+    std::array<RangeMark, kQuantities.size()> marks{};
+    RowStatus status : 7 = RowStatus::none;
+    /// The program was left out since its row before: no line leads here.
+    bool apart : 1 = false;
+
+    Reading reading(Quantity quantity) const {
+        const auto k = static_cast<std::size_t>(quantity);
+        return {values[k], marks[k]};
+    }
+};
+static_assert(sizeof(TrendPoint) == 24);
+
+using TrendPoints = std::deque<TrendPoint>;  // grows without copying what it holds
+
+}  // namespace m47
