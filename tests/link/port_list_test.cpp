@@ -25,6 +25,7 @@ class PortListTest : public QObject {
     void adapters_are_ordered_by_persistent_name();
     void a_device_with_an_entry_takes_no_second_number();
     void more_adapters_than_numbers();
+    void nothing_is_looked_for_before_it_is_asked_for();
     void refresh_looks_anew();
     void this_machine();
 
@@ -181,8 +182,24 @@ void PortListTest::more_adapters_than_numbers() {
     QCOMPARE(found.last(), dev() + "/ttyUSB19");
 }
 
+/// Looking takes longer than all else at the start of the program.
+void PortListTest::nothing_is_looked_for_before_it_is_asked_for() {
+    int looked = 0;
+    PortList ports({.sys = root_->path(), .dev = dev(), .reported = [&] {
+                        ++looked;
+                        return QStringList();
+                    }});
+    QVERIFY(ports.add("1=/dev/pts/5"));
+    ports.refresh();
+    QCOMPARE(looked, 0);
+    QCOMPARE(ports.device(1), QString("/dev/pts/5"));
+    QCOMPARE(ports.device(2), QString());
+    QCOMPARE(looked, 1);
+}
+
 void PortListTest::refresh_looks_anew() {
     PortList ports = list();
+    QCOMPARE(devices(ports), QStringList());
     add_adapter("ttyUSB0");
     QCOMPARE(devices(ports), QStringList());
     ports.refresh();

@@ -6,7 +6,6 @@
 #include <QFileInfo>
 #include <QSerialPortInfo>
 #include <algorithm>
-#include <utility>
 
 #include "port_diagnosis.h"
 
@@ -31,6 +30,12 @@ QString true_path(const QString& device) {
     return path.isEmpty() ? device : path;
 }
 
+bool is_among(const QMap<int, QString>& devices, const QString& device) {
+    const QString path = true_path(device);
+    return std::any_of(devices.begin(), devices.end(),
+                       [&](const QString& known) { return true_path(known) == path; });
+}
+
 /// From the true path of each adapter to the name that it keeps when it is plugged in elsewhere.
 QMap<QString, QString> persistent_names(const QString& dev) {
     QMap<QString, QString> names;
@@ -49,10 +54,6 @@ QStringList reported_devices() {
     return devices;
 }
 
-PortList::PortList(PortSources sources) : sources_(std::move(sources)) {
-    refresh();
-}
-
 bool PortList::add(const QString& entry) {
     const qsizetype equals = entry.indexOf(u'=');
     if (equals < 0) return false;
@@ -65,45 +66,42 @@ bool PortList::add(const QString& entry) {
     return true;
 }
 
-void PortList::refresh() {
-    devices_ = entries_;
-    find_on_board();
-    find_adapters();
+QString PortList::device(int number) const {
+    if (!devices_) {
+        devices_ = entries_;
+        find_on_board(*devices_);
+        find_adapters(*devices_);
+    }
+    return devices_->value(number);
 }
 
-void PortList::find_on_board() {
+void PortList::find_on_board(Devices& devices) const {
     for (int number = 1; number <= kPorts; ++number) {
-        if (devices_.contains(number)) continue;
+        if (devices.contains(number)) continue;
         const QString name = on_board_name(number);
         const QString device = sources_.dev + u'/' + name;
         QFile type(sources_.sys + QStringLiteral("/class/tty/") + name + QStringLiteral("/type"));
         if (!QFileInfo::exists(device) || !type.open(QIODevice::ReadOnly)) continue;
         // Type 0 is a number that the driver keeps for a port that is not built in.
-        if (type.readAll().trimmed() != "0") devices_.insert(number, device);
+        if (type.readAll().trimmed() != "0") devices.insert(number, device);
     }
 }
 
-void PortList::find_adapters() {
+void PortList::find_adapters(Devices& devices) const {
     const QMap<QString, QString> names = persistent_names(sources_.dev);
     QStringList adapters;
     const QStringList reported = sources_.reported();
     for (const QString& device : reported)
-        if (!is_on_board(device) && !knows(device))
+        if (!is_on_board(device) && !is_among(devices, device))
             adapters += names.value(true_path(device), device);
     adapters.removeDuplicates();
     std::sort(adapters.begin(), adapters.end());
     for (int number = 1; number <= kPorts && !adapters.isEmpty(); ++number)
-        if (!devices_.contains(number)) devices_.insert(number, adapters.takeFirst());
+        if (!devices.contains(number)) devices.insert(number, adapters.takeFirst());
 }
 
 QString PortList::persistent_name(const QString& device) const {
     return persistent_names(sources_.dev).value(true_path(device), device);
-}
-
-bool PortList::knows(const QString& device) const {
-    const QString path = true_path(device);
-    return std::any_of(devices_.begin(), devices_.end(),
-                       [&](const QString& known) { return true_path(known) == path; });
 }
 
 }  // namespace m47

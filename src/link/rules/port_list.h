@@ -5,6 +5,8 @@
 #include <QString>
 #include <QStringList>
 #include <functional>
+#include <optional>
+#include <utility>
 
 namespace m47 {
 
@@ -25,30 +27,32 @@ class PortList {
   public:
     static constexpr int kPorts = 10;
 
-    explicit PortList(PortSources sources = {});
+    explicit PortList(PortSources sources = {}) : sources_(std::move(sources)) {}
 
     /// Adds an entry "N=DEVICE", N from 1 to 10; a later one for the same number replaces it. False
     /// for anything else, and the list is unchanged then.
     bool add(const QString& entry);
 
-    /// Looks anew which lines there are.
-    void refresh();
+    /// Looks anew which lines there are when it is asked next: looking through the system's devices
+    /// takes longer than all else at the start of the program.
+    void refresh() { devices_.reset(); }
 
     /// The name under which `device` comes back wherever it is plugged in; `device` itself where it
     /// has none.
     QString persistent_name(const QString& device) const;
 
     /// The device behind `number`, empty when there is none.
-    QString device(int number) const { return devices_.value(number); }
+    QString device(int number) const;
 
   private:
-    void find_on_board();
-    void find_adapters();
-    bool knows(const QString& device) const;
+    using Devices = QMap<int, QString>;
+
+    void find_on_board(Devices& devices) const;
+    void find_adapters(Devices& devices) const;
 
     PortSources sources_;
-    QMap<int, QString> entries_;
-    QMap<int, QString> devices_;
+    Devices entries_;
+    mutable std::optional<Devices> devices_;  ///< nothing as long as nobody has asked
 };
 
 }  // namespace m47
