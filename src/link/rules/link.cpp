@@ -23,22 +23,25 @@ Link::Link(SerialPort& port, Clock& clock, LinkView& view)
     : port_(port), clock_(clock), view_(view) {}
 
 void Link::send_command() {
+    if (!transact([this] { return run_attempts(); }, [] {})) return;
+    reply_text = reduce_answer(command_text, reply_text);
+}
+
+bool Link::transact(const std::function<Outcome()>& exchange, const std::function<void()>& rest) {
     view_.show_progress_bar();
     view_.set_progress(0);
-    if (!can_send()) return;
+    if (!can_send()) return false;
     end_when_interrupted();
     const Transaction transaction(busy_);
 
     const ClockSpan span(clock_);
     view_.set_hourglass(true);
-    Outcome outcome = Outcome::failed;
-    for (int attempt = 0; attempt < kAttempts && outcome == Outcome::failed; ++attempt)
-        outcome = run_attempt();
-    if (outcome != Outcome::answered) show_port_state();
+    if (exchange() != Outcome::answered) show_port_state();
+    rest();
     close_port();
-    reply_text = reduce_answer(command_text, reply_text);
     view_.set_hourglass(false);
     view_.set_progress(0);
+    return true;
 }
 
 bool Link::send(const QString& command) {
@@ -80,16 +83,28 @@ QString Link::make_srecord(int slot) {
     return srecord_header(slot);
 }
 
-Link::Outcome Link::run_attempt() {
+std::optional<float> Link::send_anew() {
     port_.clear();
-    if (!open_port()) return Outcome::lost;
+    if (!open_port()) return std::nullopt;
     port_.read_all();
     reply_text.clear();
 
     const float start = clock_.now();
     command_frame = command_text + u'\r';
     send_frame();
-    return poll_answer(start, clock_.now());
+    return start;
+}
+
+Link::Outcome Link::run_attempts() {
+    Outcome outcome = Outcome::failed;
+    for (int attempt = 0; attempt < kAttempts && outcome == Outcome::failed; ++attempt)
+        outcome = run_attempt();
+    return outcome;
+}
+
+Link::Outcome Link::run_attempt() {
+    const std::optional<float> start = send_anew();
+    return start ? poll_answer(*start, clock_.now()) : Outcome::lost;
 }
 
 Link::Outcome Link::poll_answer(float start, float sent) {

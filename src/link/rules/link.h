@@ -3,6 +3,7 @@
 
 #include <QString>
 #include <functional>
+#include <optional>
 
 #include "clock.h"
 #include "link_view.h"
@@ -74,6 +75,14 @@ class Link {
   private:
     enum class Outcome { answered, failed, lost };
 
+    /// One transaction around `exchange`, which sends and waits: the link is lost unless it was
+    /// answered. What `rest` does is done before the port is closed. False when nothing can be
+    /// sent.
+    bool transact(const std::function<Outcome()>& exchange, const std::function<void()>& rest);
+    /// Sends the frame over a line opened anew; the time at which it began, nothing when the port
+    /// does not open.
+    std::optional<float> send_anew();
+    Outcome run_attempts();
     Outcome run_attempt();
     Outcome poll_answer(float start, float sent);
     Outcome run_block();

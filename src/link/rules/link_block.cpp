@@ -13,32 +13,13 @@ constexpr double kBlockPause = 0.5;
 }  // namespace
 
 void Link::send_block() {
-    view_.show_progress_bar();
-    view_.set_progress(0);
-    if (!can_send()) return;
-    end_when_interrupted();
-    const Transaction transaction(busy_);
-
-    const ClockSpan span(clock_);
-    view_.set_hourglass(true);
-    if (run_block() != Outcome::answered) show_port_state();
     // A block that has gone out is let come to rest: an end of the program waits for that too.
-    wait(kBlockPause, false);
-    close_port();
-    view_.set_hourglass(false);
-    view_.set_progress(0);
+    transact([this] { return run_block(); }, [this] { wait(kBlockPause, false); });
 }
 
 Link::Outcome Link::run_block() {
-    port_.clear();
-    if (!open_port()) return Outcome::lost;
-    port_.read_all();
-    reply_text.clear();
-
-    const float start = clock_.now();
-    command_frame = command_text + u'\r';
-    send_frame();
-    return poll_block(start);
+    const std::optional<float> start = send_anew();
+    return start ? poll_block(*start) : Outcome::lost;
 }
 
 Link::Outcome Link::poll_block(float start) {
