@@ -134,6 +134,10 @@ void Program::add_screens() {
     add_screen<Realtime>("realtime", [this] {
         Realtime* screen = make_realtime(nullptr);
         QObject::connect(screen, &Realtime::progress, &window_, &M47MDI::show_progress);
+        // No box: nobody may be there, and the next pass is not to wait for one.
+        QObject::connect(screen, &Realtime::cut_short, &window_, [this](const QString& reason) {
+            window_.show_upload(QStringLiteral("Pass cut short"), reason);
+        });
         QObject::connect(screen, &QObject::destroyed, &window_,
                          [this] { window_.show_progress(QString()); });
         return screen;

@@ -241,7 +241,8 @@ class HostFaultTest : public QObject {
         const auto choose = [this](QDialog* dialog) {
             auto* files = qobject_cast<QFileDialog*>(dialog);
             files->setOption(QFileDialog::DontConfirmOverwrite);
-            files->selectFile(on_disk("plan.tsv"));
+            // Typed: to select a file waits for the dialog to have read its folder.
+            files->findChild<QLineEdit*>("fileNameEdit")->setText(on_disk("plan.tsv"));
             static_cast<QDialog*>(files)->accept();
         };
         windows.boxes.answer(choose);

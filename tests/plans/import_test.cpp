@@ -193,6 +193,26 @@ class ImportTest : public QObject {
         QCOMPARE(import_problem_text(ImportProblem::number_taken, texts),
                  QStringLiteral("The Programme in the data base already exist."));
         QCOMPARE(import_problem_text(ImportProblem::none, texts), QString());
+        QCOMPARE(import_problem_text(ImportProblem::position_taken, texts),
+                 texts.message(kLoggerPositionExists));
+        const auto in_both = [&](ImportProblem problem) {
+            QStringList told;
+            for (const LanguageCode language : {kEnglish, kItalian}) {
+                texts.language = language;
+                told += import_problem_text(problem, texts);
+            }
+            return told.join(u'/');
+        };
+        QCOMPARE(in_both(ImportProblem::no_number),
+                 QString("Left out: the plan is full./Escluso: il piano è pieno."));
+        QCOMPARE(in_both(ImportProblem::no_oscillator),
+                 QString("Left out: the plan has no free oscillator./"
+                         "Escluso: il piano non ha oscillatori liberi."));
+        QCOMPARE(in_both(ImportProblem::out_of_range),
+                 QString("Left out: the meter cannot tune it./"
+                         "Escluso: lo strumento non può sintonizzarlo."));
+        QCOMPARE(in_both(ImportProblem::unreadable),
+                 QString("Left out: not understood./Escluso: non interpretabile."));
     }
 
     void an_oscillator_takes_a_free_place() {

@@ -241,6 +241,7 @@ void Realtime::connect_timers() {
         Q_EMIT progress(monitored > 0 ? QStringLiteral("%1/%2").arg(place).arg(monitored)
                                       : QString());
     };
+    rules.acquisition.on_cut_short = [this](const QString& reason) { Q_EMIT cut_short(reason); };
 }
 
 void Realtime::connect_level_view() {

@@ -47,6 +47,8 @@ class Realtime : public QMainWindow {
 
     /// How far a plan pass is, "12/30"; empty when none runs.
     void progress(const QString& text);
+    /// A pass ended before its last program, `reason` says why; the next one begins at its time.
+    void cut_short(const QString& reason);
 
   private:
     template <class Body>
