@@ -147,6 +147,25 @@ QPixmap dimmed(const QPixmap& pixmap) {
     return faint;
 }
 
+/// A drawing as it is, in the size asked for: all sizes at once would hold up the start.
+class DrawingEngine : public QIconEngine {
+  public:
+    explicit DrawingEngine(QByteArray svg) : svg_(std::move(svg)) {}
+
+    QIconEngine* clone() const override { return new DrawingEngine(*this); }
+
+    void paint(QPainter* painter, const QRect& rect, QIcon::Mode, QIcon::State) override {
+        draw_svg(painter, svg_, rect);
+    }
+
+    QPixmap pixmap(const QSize& size, QIcon::Mode, QIcon::State) override {
+        return svg_pixmap(svg_, size);
+    }
+
+  private:
+    QByteArray svg_;
+};
+
 /// A line drawing whose `currentColor` is the palette's text colour at the moment of painting.
 class GlyphEngine : public QIconEngine {
   public:
@@ -206,12 +225,7 @@ QIcon toolbar_icon(const QString& key) {
 }
 
 QIcon application_icon() {
-    const QByteArray svg = drawing(QStringLiteral("m47-remote"));
-    QIcon icon;
-    for (const int side : {16, 22, 24, 32, 48, 64, 128, 256}) {
-        icon.addPixmap(svg_pixmap(svg, QSize(side, side)));
-    }
-    return icon;
+    return QIcon(new DrawingEngine(drawing(QStringLiteral("m47-remote"))));
 }
 
 }  // namespace m47
