@@ -8,13 +8,12 @@
 #include <QMdiSubWindow>
 #include <QMessageBox>
 #include <QRegularExpression>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 #include <QUrl>
 
 #include "manual_page.h"
-#include "program.h"
+#include "program_in_folder.h"
 
 namespace m47 {
 namespace {
@@ -68,28 +67,18 @@ QString shown_texts() {
 
 }  // namespace
 
-class ManualTest : public QObject {
+class ManualTest : public QObject, protected ProgramInFolder {
     Q_OBJECT
 
     QStringList opened_;
-    std::unique_ptr<QTemporaryDir> folder_;
-    ProgramState state_;
-    std::unique_ptr<Program> program_;
 
     void start() {
-        folder_ = std::make_unique<QTemporaryDir>();
-        state_ = ProgramState();
-        state_.base_dir = folder_with_separator(folder_->path());
-        const QString path = state_.base_dir + QLatin1String(kDatabaseFile);
-        DatabaseError error{};
-        QVERIFY(Database::create(path, error));
-        program_ = std::make_unique<Program>(state_, Database::open(path, error), PortList());
-        program_->window().show();
-        QVERIFY(QTest::qWaitForWindowExposed(&program_->window()));
+        new_folder();
+        start_program();
     }
     void press_f1() {
         QWidget* focus = QApplication::focusWidget();
-        QTest::keyClick(focus ? focus : &program_->window(), Qt::Key_F1);
+        QTest::keyClick(focus ? focus : &window(), Qt::Key_F1);
     }
 
   public Q_SLOTS:
@@ -97,7 +86,7 @@ class ManualTest : public QObject {
 
   private Q_SLOTS:
     void init() { opened_.clear(); }
-    void cleanup() { program_.reset(); }
+    void cleanup() { end_program(); }
 
     void both_languages_have_the_same_pages_in_the_same_shape() {
         const QStringList english = files_in(kPages + "en", "*.md");
@@ -208,12 +197,12 @@ class ManualTest : public QObject {
         start();
         press_f1();
         for (const QString& key : kKeys) {
-            program_->window().open_screen(key);
+            window().open_screen(key);
             press_f1();
         }
-        program_->window().findChild<QAction*>("cmdinglese")->trigger();
-        program_->window().open_screen("asl");
-        program_->window().findChild<QAction*>("cmdmanual")->trigger();
+        window().findChild<QAction*>("cmdinglese")->trigger();
+        window().open_screen("asl");
+        window().findChild<QAction*>("cmdmanual")->trigger();
         QStringList wanted{"it/index.html",   "it/plans.html",      "it/logger.html",
                            "it/measure.html", "it/satellites.html", "it/logo.html",
                            "it/connect.html", "en/satellites.html"};
@@ -231,7 +220,7 @@ class ManualTest : public QObject {
             seen += box->windowTitle() + u'|' + box->text();
             box->accept();
         });
-        program_->open_manual({"/nowhere/manual", "/nowhere/html"});
+        program().open_manual({"/nowhere/manual", "/nowhere/html"});
         QCOMPARE(seen, QStringList({"Manuale|Il manuale non è installato con questo programma. È "
                                     "stato cercato in /nowhere/manual, /nowhere/html."}));
     }

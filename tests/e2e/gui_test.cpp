@@ -18,45 +18,26 @@
 #include <csignal>
 
 #include "process_support.h"
-#include "program.h"
+#include "program_in_folder.h"
 #include "realtime.h"
 
 namespace m47 {
 
-class GuiTest : public QObject {
+class GuiTest : public QObject, protected ProgramInFolder {
     Q_OBJECT
 
   private:
-    std::unique_ptr<QTemporaryDir> folder_;
     std::unique_ptr<MeterProcess> meter_;
-    ProgramState state_;
-    std::unique_ptr<Program> program_;
-
-    template <class Kind>
-    Kind* find(const char* name, QObject* in = nullptr) {
-        auto* found = (in ? in : &program_->window())->findChild<Kind*>(QString::fromLatin1(name));
-        if (!found) qFatal("no %s", name);
-        return found;
-    }
 
     void start(const QStringList& meter_options = {}) {
-        program_.reset();
-        folder_ = std::make_unique<QTemporaryDir>();
+        new_folder();
         meter_ = std::make_unique<MeterProcess>(
-            folder_->path(), QStringList{QStringLiteral("--baud-factor"), QStringLiteral("0"),
-                                         QStringLiteral("--delay"), QStringLiteral("0")} +
-                                 meter_options);
-        state_ = ProgramState();
-        state_.base_dir = folder_with_separator(folder_->path());
-        const QString path = state_.base_dir + QLatin1String(kDatabaseFile);
-        DatabaseError error{};
-        QVERIFY(Database::create(path, error));
+            folder(), QStringList{QStringLiteral("--baud-factor"), QStringLiteral("0"),
+                                  QStringLiteral("--delay"), QStringLiteral("0")} +
+                          meter_options);
         PortList ports;
         QVERIFY(ports.add(QStringLiteral("3=") + meter_->link()));
-        program_ = std::make_unique<Program>(state_, Database::open(path, error), ports);
-        program_->window().resize(1024, 600);
-        program_->window().show();
-        QVERIFY(QTest::qWaitForWindowExposed(&program_->window()));
+        start_program({1024, 600}, ports);
     }
 
     /// Picks a number in the list of ports with the keyboard.
@@ -74,7 +55,7 @@ class GuiTest : public QObject {
 
     Realtime* open_realtime() {
         find<QAction>("realtime")->trigger();
-        return qobject_cast<Realtime*>(program_->window().screen_of(QStringLiteral("realtime")));
+        return qobject_cast<Realtime*>(window().screen_of(QStringLiteral("realtime")));
     }
 
     /// The commands since the last call.
@@ -108,7 +89,7 @@ class GuiTest : public QObject {
   private Q_SLOTS:
     void init() { seen_ = 0; }
     void cleanup() {
-        program_.reset();
+        end_program();
         meter_.reset();
     }
 
@@ -127,7 +108,7 @@ class GuiTest : public QObject {
         QCOMPARE(status->text(), QStringLiteral("RS232 ComPort 3 NOT Connected"));
         QVERIFY(!status->toolTip().contains(QStringLiteral("Reconnect")));
         QTest::qWait(3000);
-        meter_ = std::make_unique<MeterProcess>(folder_->path(),
+        meter_ = std::make_unique<MeterProcess>(folder(),
                                                 QStringList{"--baud-factor", "0", "--delay", "0"});
         QTRY_VERIFY_WITH_TIMEOUT(
             status->toolTip().contains(meter_->link() + QStringLiteral(" is there again")), 5000);
@@ -137,8 +118,7 @@ class GuiTest : public QObject {
         QCOMPARE(status->text(), QStringLiteral("RS232 ComPort 3 Connected"));
         QCOMPARE(status->toolTip(), QString());
         QTRY_COMPARE(meter_->commands(), QStringList({"ATTEN?", "VER?"}));
-        QCOMPARE(program_->window().windowTitle(),
-                 QStringLiteral("VKD M47_03 REMOTE CONTROL V3.1.0 PLUS"));
+        QCOMPARE(window().windowTitle(), QStringLiteral("VKD M47_03 REMOTE CONTROL V3.1.0 PLUS"));
     }
 
     void picking_a_port_identifies_the_meter() {
@@ -148,14 +128,13 @@ class GuiTest : public QObject {
         QCOMPARE(status->text(), QStringLiteral("RS232 ComPort 3 Connected"));
         QCOMPARE(status->palette().color(QPalette::Window), QColor(0, 255, 0));
         QCOMPARE(new_commands(), QStringList({"ATTEN?", "VER?"}));
-        QCOMPARE(program_->window().windowTitle(),
-                 QStringLiteral("VKD M47_03 REMOTE CONTROL V3.1.0 PLUS"));
+        QCOMPARE(window().windowTitle(), QStringLiteral("VKD M47_03 REMOTE CONTROL V3.1.0 PLUS"));
         QVERIFY(find<QAction>("asl")->isEnabled());
-        QCOMPARE(state_.texts.language, int(kEnglish));
+        QCOMPARE(program_state().texts.language, int(kEnglish));
         QVERIFY(find<QAction>("cmditaliano")->isChecked());
         QCOMPARE(find<QComboBox>("porta")->itemData(2, Qt::ToolTipRole).toString(), meter_->link());
         pick_port(3);
-        QCOMPARE(program_->window().windowTitle(),
+        QCOMPARE(window().windowTitle(),
                  QStringLiteral("VKD M47_03 REMOTE CONTROL V3.1.0 PLUS V3.1.0 PLUS"));
     }
 
@@ -180,7 +159,7 @@ class GuiTest : public QObject {
         QCOMPARE(new_commands(),
                  QStringList({"ATTEN?", "VER?", "MEASURE", "ATTEN 6", "TONE22K 00", "SYMBRATEQPSK?",
                               "UNIT?", "LOCOSC 00", "FREQ 1000", "ATTEN 6"}));
-        const QString log = folder_->filePath(QStringLiteral("day.log"));
+        const QString log = in_folder(QStringLiteral("day.log"));
         screen->open_log(log);
         tick("meas_statea_0", screen);
         tick("alarm_statea_0", screen);
@@ -246,7 +225,7 @@ class GuiTest : public QObject {
         find<QAction>("cmdlev_2", screen)->trigger();
         QCOMPARE(new_commands(), QStringList({"UNIT 02", "UNIT 02"}));
         QVERIFY(find<QAction>("cmdlev_2", screen)->isChecked());
-        QCOMPARE(state_.unit_index, int(kDbm));
+        QCOMPARE(program_state().unit_index, int(kDbm));
     }
 
     /// What the meter says of itself now, one subject a line.
@@ -314,16 +293,16 @@ class GuiTest : public QObject {
         Realtime* screen = open_realtime();
         find<QAction>("cmdlev_1", screen)->trigger();
         screen->parentWidget()->close();
-        QTRY_VERIFY(!program_->window().screen_of(QStringLiteral("realtime")));
-        state_.unit_index = kDbuv;
+        QTRY_VERIFY(!window().screen_of(QStringLiteral("realtime")));
+        program_state().unit_index = kDbuv;
         screen = open_realtime();
         QVERIFY(find<QAction>("cmdlev_1", screen)->isChecked());
-        QCOMPARE(state_.unit_index, int(kDbmv));
+        QCOMPARE(program_state().unit_index, int(kDbmv));
     }
 
     /// Adds a monitored or unmonitored analog program to the plan that a new database holds.
     void add_program(const char* number, double frequency, int monitored) {
-        Recordset& programs = program_->database().programmi();
+        Recordset& programs = program().database().programmi();
         programs.add_new();
         programs.set(QStringLiteral("nome"), QStringLiteral("PLAN 1"));
         programs.set(QStringLiteral("pg_num"), QString::fromLatin1(number));
@@ -406,7 +385,7 @@ class GuiTest : public QObject {
         QCOMPARE(status->palette().color(QPalette::Window), QColor(255, 0, 0));
         QVERIFY(!status->toolTip().isEmpty());
         QCOMPARE(screen->rules.page.rowCount(), 1);
-        QVERIFY(!program_->link().port_connected);
+        QVERIFY(!program().link().port_connected);
     }
 
     void clicks_and_ticks_wait_while_the_meter_answers() {

@@ -18,17 +18,14 @@
 
 #include "old_reader.h"
 #include "process_support.h"
-#include "program.h"
+#include "program_in_folder.h"
 
 namespace m47 {
 
-class ImportTest : public QObject {
+class ImportTest : public QObject, protected ProgramInFolder {
     Q_OBJECT
 
     const QString kOld = QStringLiteral(OLD_DATABASE);
-    std::unique_ptr<QTemporaryDir> folder_;
-    ProgramState state_;
-    std::unique_ptr<Program> program_;
 
     static QByteArray cut_file() {
         const QByteArray whole = content_of(QStringLiteral(OLD_DATABASE));
@@ -48,22 +45,15 @@ class ImportTest : public QObject {
         QSqlDatabase::removeDatabase("look");
         return rows;
     }
-    QString database_path() const { return state_.base_dir + QLatin1String(kDatabaseFile); }
+    QString database_path() const { return in_folder(kDatabaseFile); }
 
     void start(int language) {
-        folder_ = std::make_unique<QTemporaryDir>();
-        state_ = ProgramState();
-        state_.base_dir = folder_with_separator(folder_->path());
-        DatabaseError error{};
-        QVERIFY(Database::create(database_path(), error));
-        program_ =
-            std::make_unique<Program>(state_, Database::open(database_path(), error), PortList());
-        state_.texts.language = language;
-        program_->window().show();
-        QVERIFY(QTest::qWaitForWindowExposed(&program_->window()));
+        new_folder();
+        start_program();
+        program_state().texts.language = language;
     }
 
-    QAction* entry() { return program_->window().findChild<QAction*>("cmdimportdb"); }
+    QAction* entry() { return window().findChild<QAction*>("cmdimportdb"); }
 
     /// Picks the menu entry and answers each dialog that comes in its turn.
     void import_with(const QList<std::function<void(QDialog*)>>& answers) {
@@ -104,7 +94,7 @@ class ImportTest : public QObject {
         // As a platform without file dialogs of its own has them.
         QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     }
-    void cleanup() { program_.reset(); }
+    void cleanup() { end_program(); }
 
     void the_command_line_brings_everything() {
         EmptyStand stand;
@@ -196,8 +186,8 @@ class ImportTest : public QObject {
                      }});
         QVERIFY(report.contains(QString::fromUtf8("CITTÀ (programs: 2): came")));
         QCOMPARE(QApplication::clipboard()->text(), report);
-        QCOMPARE(program_->database().gruppo().count(), 4);
-        QCOMPARE(program_->database().asl().count(), 2);
+        QCOMPARE(program().database().gruppo().count(), 4);
+        QCOMPARE(program().database().asl().count(), 2);
     }
 
     void the_menu_asks_about_clashes() {
@@ -205,7 +195,7 @@ class ImportTest : public QObject {
         const auto close = [](QDialog* dialog) { press(dialog, "Chiudi"); };
         const auto choose = [&](QDialog* dialog) { choose_file(dialog, kOld); };
         import_with({choose, close});
-        program_->database().gruppo().move_last();
+        program().database().gruppo().move_last();
         // Cancelled: nothing.
         import_with({choose, [](QDialog* dialog) { press(dialog, "Annulla"); }});
         QString report;
@@ -245,12 +235,12 @@ class ImportTest : public QObject {
                  (QStringList{"HOTBIRD", "ASTRA1", "HOTBIRD-2", "ASTRA1-2"}));
         QCOMPARE(answer(database_path(), "SELECT count(*) FROM programmi"), QStringList{"15"});
         // The screens step on from the plan they were at.
-        QCOMPARE(program_->database().gruppo().text("nome"), QStringLiteral("VUOTO"));
+        QCOMPARE(program().database().gruppo().text("nome"), QStringLiteral("VUOTO"));
     }
 
     void the_menu_tells_a_damaged_file() {
         start(kEnglish);
-        const QString path = folder_->filePath("cut.mdb");
+        const QString path = in_folder("cut.mdb");
         QFile file(path);
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write(cut_file());

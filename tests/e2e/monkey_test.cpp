@@ -12,7 +12,6 @@
 #include <QPlainTextEdit>
 #include <QSqlDatabase>
 #include <QSqlQuery>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 
@@ -21,11 +20,11 @@
 #include "old_reader.h"
 #include "plan_sets.h"
 #include "process_support.h"
-#include "program.h"
+#include "program_in_folder.h"
 
 namespace m47 {
 
-class MonkeyTest : public QObject {
+class MonkeyTest : public QObject, protected ProgramInFolder {
     Q_OBJECT
 
   private Q_SLOTS:
@@ -47,9 +46,6 @@ class MonkeyTest : public QObject {
     void feed_boxes(QWidget* screen, const QString& text);
     void put_into(QWidget* box, const QString& text);
 
-    std::unique_ptr<QTemporaryDir> folder_;
-    ProgramState state_;
-    std::unique_ptr<Program> program_;
     VirtualClock* clock_ = nullptr;
     FakePort* port_ = nullptr;
     std::unique_ptr<MeterInProcess> meter_;
@@ -75,49 +71,40 @@ quint32 number_from(const char* variable, int usual) {
 }  // namespace
 
 void MonkeyTest::init() {
-    folder_ = std::make_unique<QTemporaryDir>(folder_template());
-    state_ = ProgramState();
-    state_.base_dir = folder_with_separator(folder_->path());
-    const QString path = state_.base_dir + QLatin1String(kDatabaseFile);
-    DatabaseError error{};
-    QVERIFY(Database::create(path, error));
-    PortList ports(PortSources{folder_->path(), folder_->path(), [] { return QStringList(); }});
+    new_folder(folder_template());
+    PortList ports(PortSources{folder(), folder(), [] { return QStringList(); }});
     QVERIFY(ports.add(QStringLiteral("1=/dev/no-such-meter")));
     auto clock = std::make_unique<VirtualClock>();
     auto port = std::make_unique<FakePort>(*clock);
     clock_ = clock.get();
     port_ = port.get();
     meter_ = std::make_unique<MeterInProcess>(*port_, number_from("M47_SEED", 47));
-    program_ = std::make_unique<Program>(state_, Database::open(path, error), ports,
-                                         std::move(clock), std::move(port));
-    program_->window().resize(1100, 720);
-    program_->window().show();
-    program_->window().activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(&program_->window()));
-    monkey_ =
-        std::make_unique<Monkey>(program_->window(), folder_->path(), number_from("M47_SEED", 47));
+    start_program({1100, 720}, ports, std::move(clock), std::move(port));
+    window().activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&window()));
+    monkey_ = std::make_unique<Monkey>(window(), folder(), number_from("M47_SEED", 47));
     pick_up_the_line();
-    QVERIFY(program_->link().port_connected);
+    QVERIFY(program().link().port_connected);
 }
 
 void MonkeyTest::cleanup() {
     monkey_.reset();
     meter_.reset();
-    program_.reset();
+    end_program();
 }
 
 /// The cable is plugged in again, and the port picked.
 void MonkeyTest::pick_up_the_line() {
-    if (program_->link().port_connected) return;
+    if (program().link().port_connected) return;
     port_->open_fault = PortFault::none;
-    program_->identify(1);
+    program().identify(1);
 }
 
 QStringList MonkeyTest::sql(const QString& statement) {
     QStringList column;
     {
         QSqlDatabase database = QSqlDatabase::addDatabase("QSQLITE", "look");
-        database.setDatabaseName(state_.base_dir + QLatin1String(kDatabaseFile));
+        database.setDatabaseName(program_state().base_dir + QLatin1String(kDatabaseFile));
         if (!database.open()) qFatal("the database file does not open");
         QSqlQuery query(statement, database);
         while (query.next()) column += query.value(0).toString();
@@ -128,16 +115,16 @@ QStringList MonkeyTest::sql(const QString& statement) {
 
 QWidget* MonkeyTest::open(const char* screen) {
     const QString key = QString::fromLatin1(screen);
-    program_->window().findChild<QAction*>(key)->setEnabled(true);
-    program_->window().findChild<QAction*>(key)->trigger();
-    return program_->window().screen_of(key);
+    window().findChild<QAction*>(key)->setEnabled(true);
+    window().findChild<QAction*>(key)->trigger();
+    return window().screen_of(key);
 }
 
 /// Nothing is left of a handler that has ended.
 void MonkeyTest::verify_calm(const QString& what) {
     QVERIFY2(!port_->is_open(), qPrintable(what));
     QVERIFY2(!QApplication::overrideCursor(), qPrintable(what));
-    QVERIFY2(!program_->link().commands_suspended, qPrintable(what));
+    QVERIFY2(!program().link().commands_suspended, qPrintable(what));
     QVERIFY2(!QApplication::activeModalWidget(), qPrintable(what));
 }
 
@@ -227,7 +214,7 @@ void MonkeyTest::every_box_takes_any_text() {
 }
 
 void MonkeyTest::names_of_plans_are_just_characters() {
-    PlanSets sets(program_->database());
+    PlanSets sets(program().database());
     const QStringList names{"'; DROP T", "\"\"",  "A'B''C", "--",
                             "%1 %n",     "/*X*/", "NULL",   "\u05E9\u05DC\u05D5\u05DD",
                             "A\nB"};
@@ -248,7 +235,7 @@ void MonkeyTest::names_of_plans_are_just_characters() {
 }
 
 void MonkeyTest::one_step(int number) {
-    if (!program_->link().port_connected && number % 3 == 0) {
+    if (!program().link().port_connected && number % 3 == 0) {
         ++lost_;
         pick_up_the_line();
     }

@@ -12,11 +12,11 @@
 #include "asl.h"
 #include "box_answers.h"
 #include "process_support.h"
-#include "program.h"
+#include "program_in_folder.h"
 
 namespace m47 {
 
-class SatellitesTest : public QObject {
+class SatellitesTest : public QObject, protected ProgramInFolder {
     Q_OBJECT
 
   private:
@@ -52,52 +52,35 @@ class SatellitesTest : public QObject {
         }
     };
 
-    std::unique_ptr<QTemporaryDir> folder_;
     std::unique_ptr<Stand> first_;
     std::unique_ptr<Stand> second_;
-    ProgramState state_;
-    std::unique_ptr<Program> program_;
     std::unique_ptr<BoxAnswers> boxes_;
 
-    template <class Kind>
-    Kind* find(const char* name, QObject* in = nullptr) {
-        auto* found = (in ? in : &program_->window())->findChild<Kind*>(QString::fromLatin1(name));
-        if (!found) qFatal("no %s", name);
-        return found;
-    }
     void start(const QStringList& first_options = {}) {
-        folder_ = std::make_unique<QTemporaryDir>(folder_template());
+        new_folder(folder_template());
         first_ = std::make_unique<Stand>(first_options);
         second_ = std::make_unique<Stand>(QStringList{"--no-satellites"});
         boxes_ = std::make_unique<BoxAnswers>();
-        state_ = ProgramState();
-        state_.base_dir = folder_with_separator(folder_->path());
-        const QString path = state_.base_dir + QLatin1String(kDatabaseFile);
-        DatabaseError error{};
-        QVERIFY(Database::create(path, error));
         PortList ports;
         QVERIFY(ports.add("1=" + first_->meter.link()));
         QVERIFY(ports.add("2=" + second_->meter.link()));
         // The quickest pace of the day, at whatever hour the test runs.
         const auto begin = std::chrono::steady_clock::now();
-        program_ = std::make_unique<Program>(state_, Database::open(path, error), ports, [begin] {
+        start_program({1024, 700}, ports, [begin] {
             return std::chrono::hours(5) + (std::chrono::steady_clock::now() - begin);
         });
-        program_->window().resize(1024, 700);
-        program_->window().show();
-        QVERIFY(QTest::qWaitForWindowExposed(&program_->window()));
     }
     void connect_to(int number) {
-        program_->identify(number);
-        QVERIFY(program_->link().port_connected);
+        program().identify(number);
+        QVERIFY(program().link().port_connected);
     }
     void open_asl() {
         find<QAction>("asl")->trigger();
-        QVERIFY(program_->window().screen_of("asl"));
+        QVERIFY(window().screen_of("asl"));
     }
     void close_asl() {
-        find<QAction>("cmdexit", program_->window().screen_of("asl"))->trigger();
-        QTRY_VERIFY(!program_->window().screen_of("asl"));
+        find<QAction>("cmdexit", window().screen_of("asl"))->trigger();
+        QTRY_VERIFY(!window().screen_of("asl"));
     }
     void pick(const char* list, const QString& name) {
         auto* box = find<QListWidget>(list);
@@ -125,7 +108,7 @@ class SatellitesTest : public QObject {
 
   private Q_SLOTS:
     void cleanup() {
-        program_.reset();
+        end_program();
         boxes_.reset();
         first_.reset();
         second_.reset();
@@ -183,15 +166,15 @@ class SatellitesTest : public QObject {
         QCOMPARE(second_->slots_kept(), brought);
         QCOMPARE(first_->new_commands(), QStringList());
         // The copy that the screen patched is the one that the meter would send.
-        const QString patched = state_.master_copy;
+        const QString patched = program_state().master_copy;
         close_asl();
         open_asl();
-        QCOMPARE(state_.master_copy, patched);
+        QCOMPARE(program_state().master_copy, patched);
     }
 
     void a_backup_leaves_a_broken_slot_out_and_a_restore_brings_the_rest() {
         start({"--fault", "badrecord:1", "--fault-on", "MASTERCOPY", "--fault-after", "1"});
-        const QString path = folder_->filePath("sat.s19");
+        const QString path = in_folder("sat.s19");
         const QList<QStringList> factory = first_->slots_kept();
         const QList<QStringList> none = second_->slots_kept();
         connect_to(1);
@@ -238,7 +221,7 @@ class SatellitesTest : public QObject {
         connect_to(1);
         first_->new_commands();
         find<QAction>("configurazione")->trigger();
-        QWidget* screen = program_->window().screen_of("configurazione");
+        QWidget* screen = window().screen_of("configurazione");
         QVERIFY(screen);
         QCOMPARE(screen->objectName(), QStringLiteral("config_set"));
         QCOMPARE(first_->new_commands(), QStringList());
@@ -253,7 +236,7 @@ class SatellitesTest : public QObject {
                  QStringList({"LOGO?", "LOGO ANTENNAS & MASTS LTD", "LOGO?"}));
         QCOMPARE(box->text(), QStringLiteral("ANTENNAS & MASTS"));
         find<QAction>("cmdexit", screen)->trigger();
-        QTRY_VERIFY(!program_->window().screen_of("configurazione"));
+        QTRY_VERIFY(!window().screen_of("configurazione"));
     }
 
   private:

@@ -25,55 +25,42 @@
 #include "download.h"
 #include "download_tooltips.h"
 #include "process_support.h"
-#include "program.h"
+#include "program_in_folder.h"
 #include "span_chart.h"
 
 namespace m47 {
 
-class DownloadTest : public QObject {
+class DownloadTest : public QObject, protected ProgramInFolder {
     Q_OBJECT
 
   private:
-    std::unique_ptr<QTemporaryDir> folder_;
     std::unique_ptr<MeterProcess> meter_;
-    ProgramState state_;
-    std::unique_ptr<Program> program_;
     Download* screen_ = nullptr;
     qsizetype seen_ = 0;
 
     template <class Kind>
     Kind* find(const char* name, QObject* in = nullptr) {
-        auto* found = (in ? in : screen_)->findChild<Kind*>(QString::fromLatin1(name));
-        if (!found) qFatal("no %s", name);
-        return found;
+        return ProgramInFolder::find<Kind>(name, in ? in : screen_);
     }
     void click(const char* button) { QTest::mouseClick(find<QPushButton>(button), Qt::LeftButton); }
-    QString path(const char* name) const { return folder_->filePath(QString::fromLatin1(name)); }
     QString shown() { return find<QPlainTextEdit>("dwl_txt")->toPlainText(); }
 
     void open_screen() {
-        find<QAction>("download", &program_->window())->trigger();
-        screen_ = qobject_cast<Download*>(program_->window().screen_of(QStringLiteral("download")));
+        find<QAction>("download", &window())->trigger();
+        screen_ = qobject_cast<Download*>(window().screen_of(QStringLiteral("download")));
         QVERIFY(screen_);
     }
     void close_screen() {
         find<QAction>("cmdexit")->trigger();
-        QTRY_VERIFY(!program_->window().screen_of(QStringLiteral("download")));
+        QTRY_VERIFY(!window().screen_of(QStringLiteral("download")));
     }
     /// A program without a meter, in English, its logger screen open.
     void start_alone() {
-        folder_ = std::make_unique<QTemporaryDir>(folder_template());
-        state_ = ProgramState();
-        state_.base_dir = folder_with_separator(folder_->path());
-        const QString file = state_.base_dir + QLatin1String(kDatabaseFile);
-        DatabaseError error{};
-        QVERIFY(Database::create(file, error));
+        new_folder(folder_template());
         PortList ports;
         if (meter_) QVERIFY(ports.add(QStringLiteral("1=") + meter_->link()));
-        program_ = std::make_unique<Program>(state_, Database::open(file, error), ports);
-        state_.texts.language = kEnglish;
-        program_->window().show();
-        QVERIFY(QTest::qWaitForWindowExposed(&program_->window()));
+        start_program({}, ports);
+        program_state().texts.language = kEnglish;
     }
     /// The same on an identified meter.
     void start(const QStringList& options, const char* pace = "0") {
@@ -84,7 +71,7 @@ class DownloadTest : public QObject {
                         QStringLiteral("--delay"), QStringLiteral("0")} +
                 options);
         start_alone();
-        program_->identify(1);
+        program().identify(1);
         open_screen();
         new_commands();
     }
@@ -138,7 +125,7 @@ class DownloadTest : public QObject {
   private Q_SLOTS:
     void init() { seen_ = 0; }
     void cleanup() {
-        program_.reset();
+        end_program();
         meter_.reset();
         screen_ = nullptr;
     }
@@ -170,7 +157,7 @@ class DownloadTest : public QObject {
     void every_tooltip_stands_in_both_languages() {
         start_alone();
         for (const int language : {int(kEnglish), 1, int(kItalian)}) {
-            state_.texts.language = language;
+            program_state().texts.language = language;
             open_screen();
             for (const Tooltip& tooltip : download_tooltips()) {
                 const bool italian = language == kItalian && tooltip.italian;
@@ -197,8 +184,8 @@ class DownloadTest : public QObject {
         QCOMPARE(box.text, QStringLiteral("Define a Temporary file name."));
         QCOMPARE(box.icon, QMessageBox::NoIcon);
         QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
-        QCOMPARE(program_->window().focusWidget(), name);
-        state_.texts.language = kItalian;
+        QCOMPARE(window().focusWidget(), name);
+        program_state().texts.language = kItalian;
         box = box_of([this] { click("cmddownloadlast"); });
         QCOMPARE(box.text, QStringLiteral("Definire Nome per un file temporaneo"));
         name->setText(QStringLiteral("../dwl.tmp"));
@@ -206,11 +193,10 @@ class DownloadTest : public QObject {
         QCOMPARE(box.title, QStringLiteral("Data Error"));
         QCOMPARE(box.text, QStringLiteral("Nome file errato."));
         name->setText(QStringLiteral("vkdm47_03.mdb"));
-        state_.texts.language = kEnglish;
+        program_state().texts.language = kEnglish;
         box = box_of([this] { click("cmddownload"); });
         QCOMPARE(box.text, QStringLiteral("Filename Error."));
-        QCOMPARE(QDir(folder_->path()).entryList(QDir::Files).filter(QStringLiteral("TMP")).size(),
-                 0);
+        QCOMPARE(QDir(folder()).entryList(QDir::Files).filter(QStringLiteral("TMP")).size(), 0);
     }
 
     void nothing_to_save_is_said() {
@@ -245,8 +231,8 @@ class DownloadTest : public QObject {
     void each_coming_to_the_front_chooses_the_device() {
         start({});
         QCOMPARE(meter_->commands().mid(2), QStringList{QStringLiteral("DEVICE 0")});
-        find<QAction>("setport", &program_->window())->trigger();
-        find<QAction>("download", &program_->window())->trigger();
+        find<QAction>("setport", &window())->trigger();
+        find<QAction>("download", &window())->trigger();
         QCOMPARE(new_commands(), QStringList{QStringLiteral("DEVICE 0")});
     }
 
@@ -255,22 +241,22 @@ class DownloadTest : public QObject {
         click("cmddownload");
         const QByteArray sent = sent_for(QStringLiteral("DATAOUT"));
         QVERIFY(sent.size() > 200000);
-        QCOMPARE(content_of(path("DWL.TMP")), sent + "\r\n");
+        QCOMPARE(content_of(in_folder("DWL.TMP")), sent + "\r\n");
         QCOMPARE(screen_->data.text(), sent + "\r\n");
         QCOMPARE(shown(), QString::fromLatin1(sent).remove(u'\r') + u'\n');
 
         QStringList filters;
-        answer_dialog(path("day.dwl"), &filters);
+        answer_dialog(in_folder("day.dwl"), &filters);
         find<QAction>("save")->trigger();
         QCOMPARE(filters, QStringList{QStringLiteral("(*.dwl)")});
-        QCOMPARE(content_of(path("day.dwl")), sent + "\r\n\r\n");
-        QCOMPARE(find<QLabel>("nome_file")->text(), path("day.dwl"));
+        QCOMPARE(content_of(in_folder("day.dwl")), sent + "\r\n\r\n");
+        QCOMPARE(find<QLabel>("nome_file")->text(), in_folder("day.dwl"));
 
         const QString before = shown();
         click("cmdclearall");
         click("cmddownload");
         QCOMPARE(shown(), QStringLiteral("OK\n"));
-        answer_dialog(path("day.dwl"), &filters);
+        answer_dialog(in_folder("day.dwl"), &filters);
         find<QAction>("open")->trigger();
         QCOMPARE(filters, QStringList{QStringLiteral("(*.dwl)")});
         QCOMPARE(shown(), before + u'\n');
@@ -279,46 +265,47 @@ class DownloadTest : public QObject {
     void saving_overwrites_and_adds_the_ending_dwl() {
         start({QStringLiteral("--logger-bytes"), QStringLiteral("500")});
         click("cmddownloadlast");
-        answer_dialog(path("day"));
+        answer_dialog(in_folder("day"));
         find<QAction>("save")->trigger();
-        QCOMPARE(find<QLabel>("nome_file")->text(), path("day.dwl"));
+        QCOMPARE(find<QLabel>("nome_file")->text(), in_folder("day.dwl"));
         click("cmddownload");
-        answer_dialog(path("day.dwl"));
+        answer_dialog(in_folder("day.dwl"));
         find<QAction>("save")->trigger();
-        QCOMPARE(content_of(path("day.dwl")), sent_for(QStringLiteral("DATAOUT")) + "\r\n\r\n");
+        QCOMPARE(content_of(in_folder("day.dwl")),
+                 sent_for(QStringLiteral("DATAOUT")) + "\r\n\r\n");
     }
 
     void a_cancelled_dialog_changes_nothing() {
         start({QStringLiteral("--logger-bytes"), QStringLiteral("500")});
         click("cmddownload");
-        answer_dialog(path("day.dwl"));
+        answer_dialog(in_folder("day.dwl"));
         find<QAction>("save")->trigger();
         const QString before = shown();
         for (const char* key : {"open", "save", "delete"}) {
             answer_dialog(QString());
             find<QAction>(key)->trigger();
             QCOMPARE(shown(), before);
-            QCOMPARE(find<QLabel>("nome_file")->text(), path("day.dwl"));
+            QCOMPARE(find<QLabel>("nome_file")->text(), in_folder("day.dwl"));
         }
     }
 
     void deleting_asks_nothing_and_a_missing_file_is_silent() {
         start({QStringLiteral("--logger-bytes"), QStringLiteral("500")});
         click("cmddownload");
-        answer_dialog(path("day.dwl"));
+        answer_dialog(in_folder("day.dwl"));
         find<QAction>("save")->trigger();
         QStringList filters;
-        answer_dialog(path("day.dwl"), &filters);
+        answer_dialog(in_folder("day.dwl"), &filters);
         find<QAction>("delete")->trigger();
         QCOMPARE(filters, QStringList{QStringLiteral("(*.dwl)")});
-        QVERIFY(!QFileInfo::exists(path("day.dwl")));
+        QVERIFY(!QFileInfo::exists(in_folder("day.dwl")));
         QCOMPARE(shown(), QString());
-        answer_dialog(path("day.dwl"));
+        answer_dialog(in_folder("day.dwl"));
         find<QAction>("delete")->trigger();
-        answer_dialog(path("day.dwl"));
+        answer_dialog(in_folder("day.dwl"));
         find<QAction>("open")->trigger();
         QCOMPARE(shown(), QString());
-        QCOMPARE(find<QLabel>("nome_file")->text(), path("day.dwl"));
+        QCOMPARE(find<QLabel>("nome_file")->text(), in_folder("day.dwl"));
     }
 
     void typing_into_the_text_changes_nothing() {
@@ -338,8 +325,8 @@ class DownloadTest : public QObject {
 
     void a_long_download_shows_how_far_it_is() {
         start({QStringLiteral("--logger-bytes"), QStringLiteral("3000")}, "1");
-        const auto* status = find<QLabel>("plan_progress", &program_->window());
-        const auto* bar = find<QProgressBar>("pbar1", &program_->window());
+        const auto* status = find<QLabel>("plan_progress", &window());
+        const auto* bar = find<QProgressBar>("pbar1", &window());
         QStringList texts;
         QList<int> values;
         connect(screen_, &Download::progress, this, [&] {
@@ -367,12 +354,12 @@ class DownloadTest : public QObject {
         timer.start();
         click("cmddownload");
         QVERIFY(timer.elapsed() < 2000);
-        QVERIFY(!program_->link().port_connected);
-        QCOMPARE(find<QLabel>("port_state", &program_->window())->text(),
+        QVERIFY(!program().link().port_connected);
+        QCOMPARE(find<QLabel>("port_state", &window())->text(),
                  QStringLiteral("RS232 ComPort 1 NOT Connected"));
         QCOMPARE(shown(), QStringLiteral("\n"));
-        QCOMPARE(content_of(path("DWL.TMP")), QByteArray("\r\n"));
-        QCOMPARE(find<QLabel>("plan_progress", &program_->window())->text(), QString());
+        QCOMPARE(content_of(in_folder("DWL.TMP")), QByteArray("\r\n"));
+        QCOMPARE(find<QLabel>("plan_progress", &window())->text(), QString());
     }
 
     void noise_on_the_line_reaches_the_file_as_it_came() {
@@ -381,7 +368,8 @@ class DownloadTest : public QObject {
                QStringLiteral("--fault-on"), QStringLiteral("DATALASTOUT")});
         for (int round = 0; round < 5; ++round) {
             click("cmddownloadlast");
-            QCOMPARE(content_of(path("DWL.TMP")), sent_for(QStringLiteral("DATALASTOUT")) + "\r\n");
+            QCOMPARE(content_of(in_folder("DWL.TMP")),
+                     sent_for(QStringLiteral("DATALASTOUT")) + "\r\n");
         }
     }
 
@@ -453,7 +441,7 @@ class DownloadTest : public QObject {
     void the_page_is_printed() {
         start({QStringLiteral("--logger-bytes"), QStringLiteral("300")});
         click("cmddownload");
-        const QString pdf = path("page.pdf");
+        const QString pdf = in_folder("page.pdf");
         QTimer::singleShot(100, this, [pdf] {
             auto* dialog = qobject_cast<QPrintDialog*>(QApplication::activeModalWidget());
             QVERIFY(dialog);
@@ -476,10 +464,10 @@ class DownloadTest : public QObject {
         QByteArray text;
         for (int k = 0; k < 100000; ++k)
             text += "D01  1000.0 S01   65.3 1.2E-05  " + QByteArray::number(k) + "\r\n";
-        QFile file(path("full.dwl"));
+        QFile file(in_folder("full.dwl"));
         QVERIFY(file.open(QIODevice::WriteOnly) && file.write(text) == text.size());
         file.close();
-        answer_dialog(path("full.dwl"));
+        answer_dialog(in_folder("full.dwl"));
         find<QAction>("open")->trigger();
         auto* view = find<QPlainTextEdit>("dwl_txt");
         QCOMPARE(view->blockCount(), 100001);

@@ -31,22 +31,19 @@
 #include "plan_sets.h"
 #include "plan_tooltips.h"
 #include "process_support.h"
-#include "program.h"
+#include "program_in_folder.h"
 #include "program_set.h"
 #include "upload_commands.h"
 #include "virtual_clock.h"
 
 namespace m47 {
 
-class PlanScreenTest : public QObject {
+class PlanScreenTest : public QObject, protected ProgramInFolder {
     Q_OBJECT
 
   private:
-    std::unique_ptr<QTemporaryDir> folder_;
     std::unique_ptr<MeterProcess> meter_;
     std::unique_ptr<MeterInProcess> quick_meter_;
-    ProgramState state_;
-    std::unique_ptr<Program> program_;
     ProgramSet* screen_ = nullptr;
     int beeps_ = 0;
     /// Every box that was answered: its title and its text.
@@ -56,34 +53,22 @@ class PlanScreenTest : public QObject {
 
     template <class Kind>
     Kind* find(const char* name) {
-        auto* found = screen_->findChild<Kind*>(QString::fromLatin1(name));
-        if (!found) qFatal("no %s", name);
-        return found;
+        return ProgramInFolder::find<Kind>(name, screen_);
     }
 
-    /// The program on `ports`, or on the line of a virtual time.
-    void start(const PortList& ports, int language, std::unique_ptr<VirtualClock> clock = nullptr,
-               std::unique_ptr<FakePort> line = nullptr) {
-        folder_ = folder_ ? std::move(folder_) : std::make_unique<QTemporaryDir>(folder_template());
-        state_ = ProgramState();
-        state_.base_dir = folder_with_separator(folder_->path());
-        const QString path = state_.base_dir + QLatin1String(kDatabaseFile);
-        DatabaseError error{};
-        QVERIFY(Database::create(path, error));
-        auto database = Database::open(path, error);
-        program_ = line ? std::make_unique<Program>(state_, std::move(database), ports,
-                                                    std::move(clock), std::move(line))
-                        : std::make_unique<Program>(state_, std::move(database), ports);
-        program_->window().resize(1024, 600);
-        program_->window().show();
-        program_->window().activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(&program_->window()));
-        state_.texts.language = language;
+    void start(const PortList& ports, int language) {
+        start_program({1024, 600}, ports);
+        to_the_front(language);
+    }
+    /// Makes the window the active one, as beneath a hand that types.
+    void to_the_front(int language) {
+        window().activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&window()));
+        program_state().texts.language = language;
     }
     void open_screen() {
-        program_->window().findChild<QAction*>(QStringLiteral("program"))->trigger();
-        screen_ =
-            qobject_cast<ProgramSet*>(program_->window().screen_of(QStringLiteral("program")));
+        window().findChild<QAction*>(QStringLiteral("program"))->trigger();
+        screen_ = qobject_cast<ProgramSet*>(window().screen_of(QStringLiteral("program")));
         QVERIFY(screen_);
         screen_->beep = [this] { ++beeps_; };
         beeps_ = 0;
@@ -91,35 +76,38 @@ class PlanScreenTest : public QObject {
         icons_.clear();
     }
     void start_alone(int language = kEnglish) {
+        new_folder(folder_template());
         start(PortList(), language);
         open_screen();
     }
     /// What takes a minute on a line takes an instant.
     void start_on_virtual_line() {
+        new_folder(folder_template());
         auto clock = std::make_unique<VirtualClock>();
         auto line = std::make_unique<FakePort>(*clock);
         quick_meter_ = std::make_unique<MeterInProcess>(*line, 1);
         PortList ports;
         QVERIFY(ports.add(QStringLiteral("1=/dev/no-such-meter")));
-        start(ports, kEnglish, std::move(clock), std::move(line));
-        program_->identify(1);
-        QVERIFY(program_->link().port_connected);
+        start_program({1024, 600}, ports, std::move(clock), std::move(line));
+        to_the_front(kEnglish);
+        program().identify(1);
+        QVERIFY(program().link().port_connected);
         open_screen();
     }
     void start_with_meter(const QStringList& options = {}) {
-        folder_ = std::make_unique<QTemporaryDir>(folder_template());
+        new_folder(folder_template());
         meter_ = std::make_unique<MeterProcess>(
-            folder_->path(),
+            folder(),
             QStringList{"--baud-factor", "0", "--delay", "0", "--state", state_file()} + options);
         PortList ports;
         QVERIFY(ports.add(QStringLiteral("1=") + meter_->link()));
         start(ports, kEnglish);
-        program_->identify(1);
-        QVERIFY(program_->link().port_connected);
+        program().identify(1);
+        QVERIFY(program().link().port_connected);
         open_screen();
         new_commands();
     }
-    QString state_file() const { return folder_->filePath(QStringLiteral("state")); }
+    QString state_file() const { return in_folder(QStringLiteral("state")); }
 
     /// Does `act`, and `answer` to the window that then stands in front.
     void answering(const std::function<void()>& act, const std::function<void(QWidget*)>& answer) {
@@ -165,18 +153,16 @@ class PlanScreenTest : public QObject {
         return [](QWidget* front) { qobject_cast<QDialog*>(front)->accept(); };
     }
     QString file_with(const QString& name, const QByteArray& content) {
-        QFile file(folder_->filePath(name));
+        QFile file(in_folder(name));
         if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
             qFatal("cannot write %s", qPrintable(name));
         return file.fileName();
     }
     void change_file(const QString& statement) {
-        QSqlQuery query(program_->database().connection());
+        QSqlQuery query(program().database().connection());
         QVERIFY2(query.exec(statement), qPrintable(statement));
     }
-    QLabel* progress() {
-        return program_->window().findChild<QLabel*>(QStringLiteral("plan_progress"));
-    }
+    QLabel* progress() { return window().findChild<QLabel*>(QStringLiteral("plan_progress")); }
     void note(QWidget* front) {
         if (const auto* box = qobject_cast<QMessageBox*>(front))
             told_ += box->windowTitle() + u'|' + box->text();
@@ -251,7 +237,7 @@ class PlanScreenTest : public QObject {
                                        "FROM programmi JOIN configurazione USING (nome) WHERE nome "
                                        "= '%2' ORDER BY programmi.id)")
                             .arg(column, text_of("grp_name")),
-                        program_->database().connection());
+                        program().database().connection());
         return query.next() ? query.value(0).toString() : QStringLiteral("?");
     }
 
@@ -358,9 +344,8 @@ class PlanScreenTest : public QObject {
     void init() { seen_ = 0; }
     void cleanup() {
         quick_meter_.reset();
-        program_.reset();
+        end_program();
         meter_.reset();
-        folder_.reset();
     }
 
     void it_opens_as_technicians_know_it() {
@@ -646,7 +631,7 @@ class PlanScreenTest : public QObject {
         press("monitor");
         QVERIFY(find<QWidget>("monitor_opt")->isVisible());
         press("cmdlev_1");
-        QCOMPARE(state_.unit_index, int(kDbmv));
+        QCOMPARE(program_state().unit_index, int(kDbmv));
         QVERIFY(find<QAction>("cmdlev_1")->isChecked());
         QVERIFY(!find<QAction>("cmdlev_0")->isChecked());
         press("cmdlev_1");
@@ -672,9 +657,9 @@ class PlanScreenTest : public QObject {
 
     void the_unit_chosen_elsewhere_shows_when_the_screen_comes_to_the_front() {
         start_alone();
-        program_->window().open_screen(QStringLiteral("setport"));
-        state_.unit_index = kDbm;
-        program_->window().open_screen(QStringLiteral("program"));
+        window().open_screen(QStringLiteral("setport"));
+        program_state().unit_index = kDbm;
+        window().open_screen(QStringLiteral("program"));
         QVERIFY(find<QAction>("cmdlev_2")->isChecked());
     }
 
@@ -682,14 +667,14 @@ class PlanScreenTest : public QObject {
         start_alone();
         find<QLineEdit>("prog_num")->setFocus();
         press("cmdexit");
-        QTRY_VERIFY(!program_->window().screen_of(QStringLiteral("program")));
+        QTRY_VERIFY(!window().screen_of(QStringLiteral("program")));
     }
 
     void user_switches_fill_a_list() {
         start_alone();
         QSqlQuery(QStringLiteral("UPDATE configurazione SET user_sc0 = 'A', user_sc3 = 'D'"),
-                  program_->database().connection());
-        Recordset row = program_->database().of_plan(QStringLiteral("configurazione"), "PLAN 1");
+                  program().database().connection());
+        Recordset row = program().database().of_plan(QStringLiteral("configurazione"), "PLAN 1");
         QListWidget list;
         list.addItem(QStringLiteral("old"));
         associa_user_sc(&list, row);
@@ -700,7 +685,7 @@ class PlanScreenTest : public QObject {
     void a_read_only_file_is_told_once_and_nothing_is_half_written() {
         start_alone();
         enter("prog_num", QStringLiteral("7"));
-        QSqlQuery(QStringLiteral("PRAGMA query_only = 1"), program_->database().connection());
+        QSqlQuery(QStringLiteral("PRAGMA query_only = 1"), program().database().connection());
         for (const char* key : {"store", "store_new"}) {
             type("prog_num", QStringLiteral("9"));
             answering(pressed(key), pressing(QMessageBox::Ok));
@@ -816,7 +801,7 @@ class PlanScreenTest : public QObject {
         for (const char* key : {"delete", "programma_delete", "previous_prog", "next"}) press(key);
         for (const char* table : {"gruppo", "programmi", "configurazione"}) {
             QSqlQuery rows(QStringLiteral("SELECT count(*) FROM %1").arg(QLatin1String(table)),
-                           program_->database().connection());
+                           program().database().connection());
             QVERIFY(rows.next());
             QCOMPARE(rows.value(0).toInt(), 0);
         }
@@ -850,8 +835,8 @@ class PlanScreenTest : public QObject {
         screen_->database_changed();
         QCOMPARE(text_of("prog_num"), QStringLiteral("42"));
         change_file(QStringLiteral("UPDATE programmi SET pg_num = '008'"));
-        program_->window().open_screen(QStringLiteral("setport"));
-        program_->window().open_screen(QStringLiteral("program"));
+        window().open_screen(QStringLiteral("setport"));
+        window().open_screen(QStringLiteral("program"));
         QCOMPARE(text_of("prog_num"), QStringLiteral("008"));
     }
 
@@ -901,7 +886,7 @@ class PlanScreenTest : public QObject {
         // Somebody works at the meter between the last command and the comparison.
         connect(screen_, &ProgramSet::upload_state, this, [this](const QString& text) {
             if (text.contains(QStringLiteral("answered")))
-                QVERIFY(program_->link().send(QStringLiteral("DATAPROGRAM 05 10 01")));
+                QVERIFY(program().link().send(QStringLiteral("DATAPROGRAM 05 10 01")));
         });
         press("cmdverify");
         QString summary;
@@ -924,9 +909,9 @@ class PlanScreenTest : public QObject {
         enter("prog_num", QStringLiteral("7"));
         enter("prog_num", QStringLiteral("8"));
         // A screen takes the language on when it opens.
-        state_.texts.language = kItalian;
+        program_state().texts.language = kItalian;
         press("cmdexit");
-        QTRY_VERIFY(!program_->window().screen_of(QStringLiteral("program")));
+        QTRY_VERIFY(!window().screen_of(QStringLiteral("program")));
         open_screen();
         press("next_prog");
         press("next_prog");
@@ -1037,7 +1022,7 @@ class PlanScreenTest : public QObject {
         refused("nuovo", {});
         QCOMPARE(new_commands(), QStringList());
         QSqlQuery plans(QStringLiteral("SELECT count(*) FROM gruppo"),
-                        program_->database().connection());
+                        program().database().connection());
         QVERIFY(plans.next());
         QCOMPARE(plans.value(0).toInt(), 2);
     }
@@ -1048,7 +1033,7 @@ class PlanScreenTest : public QObject {
         type("sat_freq_txt", QStringLiteral("1234.5"));
         type("prog_num", QStringLiteral("7"));
         press("store");
-        const QString out = folder_->filePath(QStringLiteral("out.tsv"));
+        const QString out = in_folder(QStringLiteral("out.tsv"));
         answering(pressed("cmdexport"), choosing(out));
         const QByteArray written = content_of(out);
         QVERIFY(written.startsWith("nome\tpg_num\tfrequenza\t"));
@@ -1102,7 +1087,7 @@ class PlanScreenTest : public QObject {
     void a_file_is_imported_after_its_preview_and_exported() {
         start_alone();
         new_plan(QStringLiteral("B"));
-        const QString file = folder_->filePath(QStringLiteral("some.csv"));
+        const QString file = in_folder(QStringLiteral("some.csv"));
         QFile source(file);
         QVERIFY(source.open(QIODevice::WriteOnly));
         source.write("pg_num,frequenza,oscillator\n5,12000,10600\n5,11000,\n6,500,\n");
@@ -1134,7 +1119,7 @@ class PlanScreenTest : public QObject {
                                        "4|Added, corrected: frequenza: 500 → 920.0"}));
         QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("005,006"));
         QCOMPARE(text_of("prog_num"), QStringLiteral("005"));
-        const QString out = folder_->filePath(QStringLiteral("out.csv"));
+        const QString out = in_folder(QStringLiteral("out.csv"));
         answering(pressed("cmdexport"), choose(out, {}));
         const QByteArray written = content_of(out);
         QVERIFY(written.startsWith("nome,pg_num,frequenza,"));
@@ -1212,8 +1197,7 @@ class PlanScreenTest : public QObject {
             press("next_prog");
             press("next_prog");
         };
-        const auto* summary =
-            program_->window().findChild<QLabel*>(QStringLiteral("plan_progress"));
+        const auto* summary = window().findChild<QLabel*>(QStringLiteral("plan_progress"));
 
         upload("accoda");
         QCOMPARE(new_commands(),
@@ -1233,11 +1217,11 @@ class PlanScreenTest : public QObject {
         QCOMPARE(
             meter_keeps(QStringLiteral("logger-line")),
             QStringList({"01 11 01", "02 12 01", "03 03 00", "04 04 00", "05 05 00", "06 06 00"}));
-        const QDir backup(folder_->filePath(QStringLiteral("backup")));
+        const QDir backup(in_folder(QStringLiteral("backup")));
         QCOMPARE(backup.entryList(QDir::Files).size(), 1);
         QCOMPARE(content_of(backup.filePath(backup.entryList(QDir::Files)[0])),
                  QByteArray("01 11 01\r02 12 01\r03 03 00\r04 04 01\r05 05 01\r06 06 00"));
-        QVERIFY(!QFile::exists(folder_->filePath(QStringLiteral("temp.dat"))));
+        QVERIFY(!QFile::exists(in_folder(QStringLiteral("temp.dat"))));
 
         upload("nuovo");
         QCOMPARE(new_commands(), QStringList({"MEASURE", "DELETE 00 99", "DATAPROGRAM *"}) +
@@ -1251,11 +1235,10 @@ class PlanScreenTest : public QObject {
         type_three_programs();
         press("cmdverify");
         answering(pressed("accoda"), pressing(QMessageBox::Yes));
-        const auto* summary =
-            program_->window().findChild<QLabel*>(QStringLiteral("plan_progress"));
+        const auto* summary = window().findChild<QLabel*>(QStringLiteral("plan_progress"));
         QCOMPARE(summary->text(), QStringLiteral("9 of 38 commands answered OK"));
         QVERIFY(summary->toolTip().startsWith(QStringLiteral("DISEQC 73\nLNB 01\n")));
-        QVERIFY(!program_->link().port_connected);
+        QVERIFY(!program().link().port_connected);
         QCOMPARE(new_commands().mid(9), QStringList({"DISEQC 73", "DISEQC 73", "DISEQC 73"}));
     }
 };

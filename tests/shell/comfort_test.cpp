@@ -9,20 +9,15 @@
 #include <QToolButton>
 
 #include "level_view.h"
-#include "program.h"
+#include "program_in_folder.h"
 #include "realtime.h"
 
 namespace m47 {
 
-class ComfortTest : public QObject {
+class ComfortTest : public QObject, protected ProgramInFolder {
     Q_OBJECT
 
   private:
-    std::unique_ptr<QTemporaryDir> folder_;
-    ProgramState state_;
-    std::unique_ptr<Program> program_;
-
-    M47MDI& window() { return program_->window(); }
     Realtime* realtime() {
         window().findChild<QAction*>("realtime")->trigger();
         return qobject_cast<Realtime*>(window().screen_of("realtime"));
@@ -78,19 +73,11 @@ class ComfortTest : public QObject {
 
   private Q_SLOTS:
     void init() {
-        folder_ = std::make_unique<QTemporaryDir>();
-        state_ = ProgramState();
-        state_.base_dir = folder_with_separator(folder_->path());
-        const QString path = state_.base_dir + QLatin1String(kDatabaseFile);
-        DatabaseError error{};
-        QVERIFY(Database::create(path, error));
-        program_ = std::make_unique<Program>(state_, Database::open(path, error), PortList());
-        window().resize(1300, 900);
-        window().show();
-        QVERIFY(QTest::qWaitForWindowExposed(&window()));
+        new_folder();
+        start_program({1300, 900});
         QApplication::setActiveWindow(&window());
     }
-    void cleanup() { program_.reset(); }
+    void cleanup() { end_program(); }
 
     void every_control_is_reached_by_tab_and_has_a_name_data() {
         QTest::addColumn<QString>("key");
@@ -104,7 +91,7 @@ class ComfortTest : public QObject {
     void every_control_is_reached_by_tab_and_has_a_name() {
         QFETCH(QString, key);
         QFETCH(int, language);
-        state_.texts.language = language;
+        program_state().texts.language = language;
         window().findChild<QAction*>(key)->trigger();
         QWidget* screen = window().screen_of(key);
         QVERIFY(screen);
@@ -150,8 +137,8 @@ class ComfortTest : public QObject {
     }
 
     void the_large_level_follows_the_rows_and_leaves_by_esc() {
-        program_->link().port_connected = true;
-        program_->link().commands_suspended = true;
+        program().link().port_connected = true;
+        program().link().commands_suspended = true;
         window().findChild<QAction*>("cmdinglese")->trigger();
         Realtime* screen = realtime();
         auto* view = screen->findChild<LevelView*>("level_view");
@@ -179,7 +166,7 @@ class ComfortTest : public QObject {
         QVERIFY(!has_colour(green));
         screen->rules.page.append(row);
         QVERIFY(has_colour(green));
-        program_->link().port_connected = false;
+        program().link().port_connected = false;
         QVERIFY(!has_colour(green));
         QTest::keyClick(view, Qt::Key_Escape);
         QVERIFY(!view->isVisible());

@@ -6,38 +6,27 @@
 #include <QSettings>
 
 #include "box_answers.h"
-#include "program.h"
+#include "program_in_folder.h"
 #include "realtime.h"
 
 namespace m47 {
 
-class PreferencesTest : public QObject {
+class PreferencesTest : public QObject, protected ProgramInFolder {
     Q_OBJECT
 
   private:
-    std::unique_ptr<QTemporaryDir> folder_;
     std::unique_ptr<QTemporaryDir> other_;
-    ProgramState state_;
-    std::unique_ptr<Program> program_;
     BoxAnswers boxes_;
 
-    QString ini() const { return folder_->filePath("settings/m47-remote.ini"); }
+    QString ini() const { return in_folder("settings/m47-remote.ini"); }
     Preferences preferences() const { return Preferences(ini()); }
-    M47MDI& window() { return program_->window(); }
 
     /// A run of the program with what earlier runs have left.
     void start() {
-        if (program_) window().close();
-        program_.reset();
-        state_ = ProgramState();
-        state_.base_dir = folder_with_separator(folder_->path());
-        state_.preferences = preferences();
-        const QString path = state_.base_dir + QLatin1String(kDatabaseFile);
-        DatabaseError error{};
-        QVERIFY(Database::create(path, error));
-        program_ = std::make_unique<Program>(state_, Database::open(path, error), PortList());
-        window().show();
-        QCoreApplication::processEvents();
+        if (is_running()) window().close();
+        end_program();
+        program_state().preferences = preferences();
+        start_program();
     }
     Realtime* realtime() {
         window().findChild<QAction*>("realtime")->trigger();
@@ -69,10 +58,10 @@ class PreferencesTest : public QObject {
 
   private Q_SLOTS:
     void init() {
-        folder_ = std::make_unique<QTemporaryDir>();
+        new_folder();
         other_ = std::make_unique<QTemporaryDir>();
     }
-    void cleanup() { program_.reset(); }
+    void cleanup() { end_program(); }
 
     void without_a_file_nothing_is_remembered() {
         const Preferences none;
@@ -147,9 +136,9 @@ class PreferencesTest : public QObject {
         window().findChild<QAction*>("cmdinglese")->trigger();
         realtime();
         start();
-        QCOMPARE(state_.texts.language, int(kItalian));
-        QCOMPARE(program_->link().port_number, 0);
-        QVERIFY(!program_->link().port_connected);
+        QCOMPARE(program_state().texts.language, int(kItalian));
+        QCOMPARE(program().link().port_number, 0);
+        QVERIFY(!program().link().port_connected);
         window().close();
         for (const QString& key : QSettings(ini(), QSettings::IniFormat).allKeys())
             QVERIFY2(key.startsWith("windows/") || key.startsWith("files/"), qPrintable(key));
@@ -166,12 +155,12 @@ class PreferencesTest : public QObject {
             QVERIFY(window().isVisible());
             QVERIFY(window().width() > 100 && window().height() > 100);
             QVERIFY(realtime()->isVisible());
-            program_.reset();
+            end_program();
         }
     }
 
     void settings_that_cannot_be_written_stop_nothing() {
-        write(folder_->filePath("settings"), "a file where the folder should be");
+        write(in_folder("settings"), "a file where the folder should be");
         start();
         QVERIFY(realtime()->isVisible());
         window().close();
@@ -184,7 +173,7 @@ class PreferencesTest : public QObject {
         const auto save_key = [screen] { screen->findChild<QAction*>("save")->trigger(); };
         const QString log = write(other_->filePath("mine.log"),
                                   "21/11/26\t10:00:00\t950.0\t10600\t58.3\t\t\t\t\t\tPASS\r\n");
-        QCOMPARE(folder_asked(save_key, log), QDir(folder_->path()).path());
+        QCOMPARE(folder_asked(save_key, log), QDir(folder()).path());
         QCOMPARE(screen->rules.log.path(), log);
         save_key();  // closes it
         QCOMPARE(folder_asked(save_key), other_->path());

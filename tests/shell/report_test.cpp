@@ -9,22 +9,18 @@
 #include <csignal>
 
 #include "box_answers.h"
-#include "program.h"
+#include "program_in_folder.h"
 #include "realtime.h"
 
 namespace m47 {
 
-class ReportTest : public QObject {
+class ReportTest : public QObject, protected ProgramInFolder {
     Q_OBJECT
 
   private:
-    std::unique_ptr<QTemporaryDir> folder_;
-    ProgramState state_;
-    std::unique_ptr<Program> program_;
     Realtime* screen_ = nullptr;
     BoxAnswers boxes_;
 
-    QString file(const QString& name) const { return folder_->filePath(name); }
     template <class Kind>
     static Kind* in(QDialog* dialog, const char* name) {
         auto* found = dialog->findChild<Kind*>(QLatin1String(name));
@@ -57,25 +53,19 @@ class ReportTest : public QObject {
 
   private Q_SLOTS:
     void init() {
-        folder_ = std::make_unique<QTemporaryDir>();
-        state_ = ProgramState();
-        state_.base_dir = folder_with_separator(folder_->path());
-        const QString path = state_.base_dir + QLatin1String(kDatabaseFile);
-        DatabaseError error{};
-        QVERIFY(Database::create(path, error));
-        program_ = std::make_unique<Program>(state_, Database::open(path, error), PortList());
-        program_->window().show();
-        program_->window().findChild<QAction*>("cmdinglese")->trigger();
-        program_->window().findChild<QAction*>("realtime")->trigger();
-        screen_ = qobject_cast<Realtime*>(program_->window().screen_of("realtime"));
+        new_folder();
+        start_program();
+        window().findChild<QAction*>("cmdinglese")->trigger();
+        window().findChild<QAction*>("realtime")->trigger();
+        screen_ = qobject_cast<Realtime*>(window().screen_of("realtime"));
         boxes_.take_seen();
     }
-    void cleanup() { program_.reset(); }
+    void cleanup() { end_program(); }
 
     void the_dialog_leads_to_a_pdf_with_all_of_it() {
         add_rows(3);
         add_rows(1, "FAIL");
-        state_.meter_version = "PLUS V3.0.5";
+        program_state().meter_version = "PLUS V3.0.5";
         screen_->rules.panel.alarm_statea[0] = true;
         screen_->rules.panel.lev_mina = "45";
         screen_->rules.panel.lev_maxa = "80";
@@ -83,13 +73,13 @@ class ReportTest : public QObject {
             QTest::keyClicks(in<QLineEdit>(form, "report_site"), "Via Roma 1");
             QTest::keyClicks(in<QLineEdit>(form, "report_technician"), "A. Rossi");
             QTest::keyClicks(in<QPlainTextEdit>(form, "report_notes"), "Second dish moved");
-            QCOMPARE(in<QLineEdit>(form, "report_file")->text(), file("report.pdf"));
+            QCOMPARE(in<QLineEdit>(form, "report_file")->text(), in_folder("report.pdf"));
             in<QLineEdit>(form, "report_file")->setText("roma");
             press(form, QDialogButtonBox::Save);
         });
         ask_for_report();
         QCOMPARE(boxes_.take_seen(), QStringList("report_form"));
-        const QString read = words(file("roma.pdf"));
+        const QString read = words(in_folder("roma.pdf"));
         for (const char* text :
              {"Measurement report", "Site Via Roma 1", "Technician A. Rossi", "Meter PLUS V3.0.5",
               "Notes Second dish moved", "Plan none (single elements)", "Level unit dBuV",
@@ -102,12 +92,13 @@ class ReportTest : public QObject {
     }
 
     void the_trend_is_in_it() {
-        const Texts& texts = state_.texts;
-        screen_->write_report(file("without.pdf"), {});
-        QVERIFY(words(file("without.pdf")).contains("No measurement has a place on the trend."));
+        const Texts& texts = program_state().texts;
+        screen_->write_report(in_folder("without.pdf"), {});
+        QVERIFY(
+            words(in_folder("without.pdf")).contains("No measurement has a place on the trend."));
         add_rows(30);
-        screen_->write_report(file("with.pdf"), {});
-        const QString read = words(file("with.pdf"));
+        screen_->write_report(in_folder("with.pdf"), {});
+        const QString read = words(in_folder("with.pdf"));
         QVERIFY(!read.contains("No measurement has a place on the trend."));
         // What only the chart's axes and its legend say.
         QVERIFY(read.contains("MER (dB)"));
@@ -116,7 +107,7 @@ class ReportTest : public QObject {
     }
 
     void it_is_in_the_language_in_use() {
-        program_->window().findChild<QAction*>("cmditaliano")->trigger();
+        window().findChild<QAction*>("cmditaliano")->trigger();
         add_rows(2);
         boxes_.answer([](QDialog* form) {
             QCOMPARE(form->windowTitle(), QStringLiteral("Rapporto"));
@@ -124,7 +115,7 @@ class ReportTest : public QObject {
             press(form, QDialogButtonBox::Save);
         });
         ask_for_report();
-        const QString read = words(file("rapporto.pdf"));
+        const QString read = words(in_folder("rapporto.pdf"));
         QVERIFY(read.contains("Rapporto di misura"));
         QVERIFY(read.contains("Tutte le 2 misure."));
         QVERIFY(read.contains("Pagina 1 di"));
@@ -135,8 +126,8 @@ class ReportTest : public QObject {
         add_rows(200);
         QString notes;
         for (int k = 1; k <= 120; ++k) notes += QStringLiteral("remark%1 of the customer ").arg(k);
-        screen_->write_report(file("long.pdf"), {"Site", "", notes});
-        const QString read = words(file("long.pdf"));
+        screen_->write_report(in_folder("long.pdf"), {"Site", "", notes});
+        const QString read = words(in_folder("long.pdf"));
         for (int k = 1; k <= 120; ++k)
             QVERIFY2(read.contains(QStringLiteral("remark%1 of").arg(k)), qPrintable(read));
         const auto count = [](const QString& text, const QString& word) {
@@ -145,7 +136,8 @@ class ReportTest : public QObject {
         const int pages = static_cast<int>(count(read, "Page "));
         QVERIFY(pages > 3);
         QVERIFY(read.contains(QStringLiteral("Page %1 of %1").arg(pages)));
-        const QString last = ReportTest::read(file("long.pdf"), {"-f", QString::number(pages)});
+        const QString last =
+            ReportTest::read(in_folder("long.pdf"), {"-f", QString::number(pages)});
         QVERIFY(last.simplified().startsWith("DATE TIME FR OSC"));
         QCOMPARE(count(read, "21/11/26 10:0"), 200);
     }
@@ -154,12 +146,12 @@ class ReportTest : public QObject {
         add_rows(1);
         boxes_.answer([](QDialog* form) { press(form, QDialogButtonBox::Cancel); });
         ask_for_report();
-        QVERIFY(QDir(folder_->path()).entryList({"*.pdf"}).isEmpty());
+        QVERIFY(QDir(folder()).entryList({"*.pdf"}).isEmpty());
     }
 
     void a_file_that_is_there_is_not_lost_unasked() {
         add_rows(1);
-        QFile there(file("report.pdf"));
+        QFile there(in_folder("report.pdf"));
         QVERIFY(there.open(QIODevice::WriteOnly));
         there.write("mine");
         there.close();
@@ -173,13 +165,13 @@ class ReportTest : public QObject {
         const QStringList seen = boxes_.take_seen();
         QCOMPARE(seen.size(), 3);
         QVERIFY(seen[1].startsWith("question|Report|"));
-        QCOMPARE(content(file("report.pdf")), QByteArray("mine"));
+        QCOMPARE(content(in_folder("report.pdf")), QByteArray("mine"));
     }
 
     void a_folder_that_is_not_there_is_one_box() {
         add_rows(1);
         boxes_.press(QMessageBox::Ok);
-        screen_->write_report(file("no/such/report.pdf"), {});
+        screen_->write_report(in_folder("no/such/report.pdf"), {});
         const QStringList seen = boxes_.take_seen();
         QCOMPARE(seen.size(), 1);
         QVERIFY2(seen[0].startsWith("critical|M47|The report was not saved as '"),
@@ -188,7 +180,7 @@ class ReportTest : public QObject {
 
     void a_full_disk_leaves_the_old_file_whole() {
         add_rows(50);
-        QFile there(file("report.pdf"));
+        QFile there(in_folder("report.pdf"));
         QVERIFY(there.open(QIODevice::WriteOnly));
         there.write("the report of yesterday");
         there.close();
@@ -198,12 +190,12 @@ class ReportTest : public QObject {
         const rlimit small{2000, before.rlim_max};
         setrlimit(RLIMIT_FSIZE, &small);
         boxes_.press(QMessageBox::Ok);
-        screen_->write_report(file("report.pdf"), {});
+        screen_->write_report(in_folder("report.pdf"), {});
         setrlimit(RLIMIT_FSIZE, &before);
         std::signal(SIGXFSZ, signal_before);
         QCOMPARE(boxes_.take_seen().size(), 1);
-        QCOMPARE(content(file("report.pdf")), QByteArray("the report of yesterday"));
-        QCOMPARE(QDir(folder_->path()).entryList({"report*"}).size(), 1);
+        QCOMPARE(content(in_folder("report.pdf")), QByteArray("the report of yesterday"));
+        QCOMPARE(QDir(folder()).entryList({"report*"}).size(), 1);
     }
 
     void of_a_million_rows_the_newest_thousand_are_printed() {
@@ -211,11 +203,11 @@ class ReportTest : public QObject {
         for (int row = 0; row < 1'000'000; ++row)
             store.append_line("21/11/26\t10:00:00\t950.0\t10600\t58.3\t\t\t\t\t\tPASS");
         screen_->rules.page.replace(std::move(store));
-        screen_->write_report(file("million.pdf"), {});
-        const QString read = words(file("million.pdf"));
+        screen_->write_report(in_folder("million.pdf"), {});
+        const QString read = words(in_folder("million.pdf"));
         QVERIFY(read.contains("The newest 1000 of 1000000 measurements. The 999000 before them"));
         QVERIFY(read.contains("PASS — 1000000 measurements: 1000000 PASS, 0 FAIL"));
-        QVERIFY(QFileInfo(file("million.pdf")).size() < 2'000'000);
+        QVERIFY(QFileInfo(in_folder("million.pdf")).size() < 2'000'000);
     }
 };
 

@@ -12,7 +12,6 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTableView>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 #include <QToolBar>
@@ -20,27 +19,16 @@
 
 #include "fault.h"
 #include "handler.h"
-#include "program.h"
+#include "program_in_folder.h"
 #include "realtime.h"
 #include "realtime_tooltips.h"
 
 namespace m47 {
 
-class ScreensTest : public QObject {
+class ScreensTest : public QObject, protected ProgramInFolder {
     Q_OBJECT
 
   private:
-    std::unique_ptr<QTemporaryDir> folder_;
-    ProgramState state_;
-    std::unique_ptr<Program> program_;
-
-    M47MDI& window() { return program_->window(); }
-    template <class Kind>
-    Kind* find(const char* name, QObject* in = nullptr) {
-        auto* found = (in ? in : &window())->findChild<Kind*>(QString::fromLatin1(name));
-        if (!found) qFatal("no %s", name);
-        return found;
-    }
     Realtime* open_realtime() {
         find<QAction>("realtime")->trigger();
         return qobject_cast<Realtime*>(window().screen_of(QStringLiteral("realtime")));
@@ -48,18 +36,10 @@ class ScreensTest : public QObject {
 
   private Q_SLOTS:
     void init() {
-        folder_ = std::make_unique<QTemporaryDir>();
-        state_ = ProgramState();
-        state_.base_dir = folder_with_separator(folder_->path());
-        const QString path = state_.base_dir + QLatin1String(kDatabaseFile);
-        DatabaseError error{};
-        QVERIFY(Database::create(path, error));
-        program_ = std::make_unique<Program>(state_, Database::open(path, error), PortList());
-        window().resize(1024, 600);
-        window().show();
-        QVERIFY(QTest::qWaitForWindowExposed(&window()));
+        new_folder();
+        start_program({1024, 600});
     }
-    void cleanup() { program_.reset(); }
+    void cleanup() { end_program(); }
 
     void main_window_is_as_technicians_know_it() {
         QCOMPARE(window().objectName(), QStringLiteral("M47MDI"));
@@ -80,16 +60,17 @@ class ScreensTest : public QObject {
     }
 
     void it_starts_in_italian_and_the_menu_changes_only_what_comes_after() {
-        QCOMPARE(state_.texts.language, int(kItalian));
+        QCOMPARE(program_state().texts.language, int(kItalian));
         QVERIFY(find<QAction>("cmditaliano")->isChecked());
         QVERIFY(!find<QAction>("cmdinglese")->isChecked());
         Realtime* first = open_realtime();
         QCOMPARE(find<QLineEdit>("fsat", first)->toolTip(), QStringLiteral("Selezione frequenza"));
         find<QAction>("cmdinglese")->trigger();
-        QCOMPARE(state_.texts.language, int(kEnglish));
+        QCOMPARE(program_state().texts.language, int(kEnglish));
         QVERIFY(find<QAction>("cmdinglese")->isChecked());
         QVERIFY(!find<QAction>("cmditaliano")->isChecked());
-        QCOMPARE(state_.texts.message(kContinue), QStringLiteral("Do you want to continue?"));
+        QCOMPARE(program_state().texts.message(kContinue),
+                 QStringLiteral("Do you want to continue?"));
         QCOMPARE(find<QLineEdit>("fsat", first)->toolTip(), QStringLiteral("Selezione frequenza"));
         first->parentWidget()->close();
         QTRY_VERIFY(!window().screen_of(QStringLiteral("realtime")));
@@ -99,7 +80,7 @@ class ScreensTest : public QObject {
 
     void every_tooltip_stands_in_both_languages() {
         for (const int language : {int(kEnglish), int(kItalian)}) {
-            state_.texts.language = language;
+            program_state().texts.language = language;
             Realtime* screen = open_realtime();
             for (const Tooltip& tooltip : realtime_tooltips()) {
                 if (QLatin1String(tooltip.control) == QLatin1String("save")) continue;
@@ -194,7 +175,7 @@ class ScreensTest : public QObject {
         QCOMPARE(state->palette().color(QPalette::Window), QColor(255, 0, 0));
         QVERIFY(!state->toolTip().isEmpty());
         QCOMPARE(window().windowTitle(), QStringLiteral("VKD M47_03 REMOTE CONTROL "));
-        QCOMPARE(state_.texts.language, int(kEnglish));
+        QCOMPARE(program_state().texts.language, int(kEnglish));
         QVERIFY(find<QAction>("cmditaliano")->isChecked());
         const QString english = state->toolTip();
         find<QAction>("cmditaliano")->trigger();
@@ -304,7 +285,7 @@ class ScreensTest : public QObject {
     }
 
     void the_log_is_opened_reloaded_and_closed_with_the_save_key() {
-        const QString log = folder_->filePath(QStringLiteral("old.log"));
+        const QString log = in_folder(QStringLiteral("old.log"));
         QFile file(log);
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write("a\tb\r\nc\r\nd\te\tf\r\n");

@@ -11,35 +11,29 @@
 #include <QTabBar>
 #include <QTabWidget>
 #include <QTableView>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 #include <QToolBar>
 #include <QToolButton>
 #include <QWheelEvent>
 
-#include "program.h"
+#include "program_in_folder.h"
 #include "realtime.h"
 #include "trend_plot.h"
 #include "trend_view.h"
 
 namespace m47 {
 
-class TrendViewTest : public QObject {
+class TrendViewTest : public QObject, protected ProgramInFolder {
     Q_OBJECT
 
   private:
-    std::unique_ptr<QTemporaryDir> folder_;
-    ProgramState state_;
-    std::unique_ptr<Program> program_;
     Realtime* screen_ = nullptr;
     int second_ = 0;
 
     template <class Kind>
     Kind* find(const char* name) {
-        auto* found = screen_->findChild<Kind*>(QString::fromLatin1(name));
-        if (!found) qFatal("no %s", name);
-        return found;
+        return ProgramInFolder::find<Kind>(name, screen_);
     }
     TrendPlot* plot() { return static_cast<TrendPlot*>(find<QCustomPlot>("trend_plot")); }
     void open_tab(int index) {
@@ -92,23 +86,15 @@ class TrendViewTest : public QObject {
 
   private Q_SLOTS:
     void init() {
-        folder_ = std::make_unique<QTemporaryDir>();
-        state_ = ProgramState();
-        state_.base_dir = folder_with_separator(folder_->path());
         second_ = 0;
-        const QString path = state_.base_dir + QLatin1String(kDatabaseFile);
-        DatabaseError error{};
-        QVERIFY(Database::create(path, error));
-        program_ = std::make_unique<Program>(state_, Database::open(path, error), PortList());
-        program_->window().resize(1100, 900);
-        program_->window().show();
-        QVERIFY(QTest::qWaitForWindowExposed(&program_->window()));
-        program_->window().findChild<QAction*>(QStringLiteral("cmdinglese"))->trigger();
-        program_->window().findChild<QAction*>(QStringLiteral("realtime"))->trigger();
-        screen_ = qobject_cast<Realtime*>(program_->window().screen_of(QStringLiteral("realtime")));
+        new_folder();
+        start_program({1100, 900});
+        window().findChild<QAction*>(QStringLiteral("cmdinglese"))->trigger();
+        window().findChild<QAction*>(QStringLiteral("realtime"))->trigger();
+        screen_ = qobject_cast<Realtime*>(window().screen_of(QStringLiteral("realtime")));
         screen_->parentWidget()->showMaximized();
     }
-    void cleanup() { program_.reset(); }
+    void cleanup() { end_program(); }
 
     void the_page_is_in_front_and_nothing_of_the_trend_is_made_before_it_is_seen() {
         QCOMPARE(find<QTabWidget>("page_tabs")->tabText(0), QStringLiteral("Measurement page"));
@@ -128,11 +114,11 @@ class TrendViewTest : public QObject {
         QCOMPARE(find<QAction>("trend_save")->text(), QStringLiteral("Save…"));
         QCOMPARE(find<QComboBox>("trend_program")->itemText(0), QStringLiteral("All programs"));
         const QString english = find<QAction>("trend_follow")->toolTip();
-        state_.texts.language = kItalian;
+        program_state().texts.language = kItalian;
         screen_->parentWidget()->close();
-        QTRY_VERIFY(!program_->window().screen_of(QStringLiteral("realtime")));
-        program_->window().findChild<QAction*>(QStringLiteral("realtime"))->trigger();
-        screen_ = qobject_cast<Realtime*>(program_->window().screen_of(QStringLiteral("realtime")));
+        QTRY_VERIFY(!window().screen_of(QStringLiteral("realtime")));
+        window().findChild<QAction*>(QStringLiteral("realtime"))->trigger();
+        screen_ = qobject_cast<Realtime*>(window().screen_of(QStringLiteral("realtime")));
         QCOMPARE(find<QTabWidget>("page_tabs")->tabText(1), QStringLiteral("Andamento"));
         QCOMPARE(find<QAction>("trend_follow")->text(), QStringLiteral("Segui"));
         QCOMPARE(find<QComboBox>("trend_program")->itemText(0),
@@ -173,7 +159,7 @@ class TrendViewTest : public QObject {
     }
 
     void a_reloaded_log_is_plotted() {
-        const QString log = folder_->filePath(QStringLiteral("old.log"));
+        const QString log = in_folder(QStringLiteral("old.log"));
         QFile file(log);
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write(
@@ -338,7 +324,7 @@ class TrendViewTest : public QObject {
         add_row(QStringLiteral("58.3"));
         add_row(QString(), QStringLiteral("11778.0"), QStringLiteral("FAIL"));
         open_tab(1);
-        const QString path = folder_->filePath(QStringLiteral("trend.tsv"));
+        const QString path = in_folder(QStringLiteral("trend.tsv"));
         QTimer::singleShot(100, screen_, [path] {
             auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
             QVERIFY(dialog);
@@ -356,7 +342,7 @@ class TrendViewTest : public QObject {
     void the_dialog_gives_the_suffix_of_the_chosen_kind() {
         add_rows(3);
         open_tab(1);
-        const QString path = folder_->filePath(QStringLiteral("plain"));
+        const QString path = in_folder(QStringLiteral("plain"));
         QTimer::singleShot(100, screen_, [path] {
             auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
             QVERIFY(dialog);
@@ -379,8 +365,8 @@ class TrendViewTest : public QObject {
         find<TrendView>("trend")->setPalette(dark);
         add_rows(30);
         open_tab(1);
-        const QString png = folder_->filePath(QStringLiteral("trend.png"));
-        const QString pdf = folder_->filePath(QStringLiteral("trend.PDF"));
+        const QString png = in_folder(QStringLiteral("trend.png"));
+        const QString pdf = in_folder(QStringLiteral("trend.PDF"));
         find<TrendView>("trend")->save(png);
         find<TrendView>("trend")->save(pdf);
         const QImage image(png);
@@ -395,7 +381,7 @@ class TrendViewTest : public QObject {
     void a_file_that_cannot_be_written_shows_one_box_and_leaves_nothing() {
         add_rows(3);
         open_tab(1);
-        const QString path = folder_->filePath(QStringLiteral("no folder/trend.tsv"));
+        const QString path = in_folder(QStringLiteral("no folder/trend.tsv"));
         QString text;
         QTimer::singleShot(100, screen_, [&text] {
             auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
