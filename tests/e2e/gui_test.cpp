@@ -12,6 +12,8 @@
 #include <QMainWindow>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QTableView>
 #include <QTest>
 #include <QTimer>
@@ -345,6 +347,38 @@ class GuiTest : public QObject, protected ProgramInFolder {
         QCOMPARE(shown, QStringList({"1/2", "2/2"}));
         QCOMPARE(progress->text(), QString());
         QCOMPARE(find<QLabel>("prog_num", screen)->text(), QStringLiteral("003"));
+    }
+
+    void a_pass_whose_database_is_locked_says_that_it_was_cut_short() {
+        start();
+        add_program("001", 1000, 1);
+        add_program("002", 1100, 1);
+        pick_port(3);
+        Realtime* screen = open_realtime();
+        tick("meas_statea_0", screen);
+        find<QAction>("group", screen)->trigger();
+        const auto* progress = find<QLabel>("plan_progress");
+        {
+            QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", "other");
+            other.setDatabaseName(in_folder(kDatabaseFile));
+            QVERIFY(other.open());
+            const auto first_row = connect(&screen->rules.page, &PageModel::rowsInserted, this,
+                                           [&] { QSqlQuery("BEGIN EXCLUSIVE", other); });
+            find<QAction>("multiple_acq", screen)->trigger();
+            QTRY_COMPARE_WITH_TIMEOUT(progress->text(), QString("Pass cut short"), 20000);
+            disconnect(first_row);
+            QVERIFY2(progress->toolTip().contains("locked"), qPrintable(progress->toolTip()));
+            QVERIFY(!screen->rules.state.plan_run_active);
+            QCOMPARE(screen->rules.page.measurements(), 1);
+            other.close();
+        }
+        QSqlDatabase::removeDatabase("other");
+        // The next pass is whole, and nothing is said of the one before.
+        find<QAction>("multiple_acq", screen)->trigger();
+        QTRY_VERIFY_WITH_TIMEOUT(!screen->rules.state.plan_run_active, 20000);
+        QCOMPARE(screen->rules.page.measurements(), 3);
+        QCOMPARE(progress->text(), QString());
+        QCOMPARE(progress->toolTip(), QString());
     }
 
     void timed_acquisition_measures_every_second_and_stops() {
