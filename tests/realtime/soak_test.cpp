@@ -19,8 +19,8 @@ constexpr int kEvery = 600;
 constexpr int kPassesADay = 24 * 3600 / kEvery;
 constexpr int kBadIn = 1000;
 /// Of what is allocated when the run ends, the page aside. Nothing that grows with the run fits.
-/// It counts what the C library keeps for each thread's next use as well (up to 200 KB of sizes that
-/// came up once), so that has to be switched off: GLIBC_TUNABLES=glibc.malloc.tcache_count=0.
+/// It counts what the C library keeps for each thread's next use as well (up to 200 KB of sizes
+/// that came up once), so that has to be switched off: GLIBC_TUNABLES=glibc.malloc.tcache_count=0.
 constexpr double kAllowedGrowth = 16.0 * 1024;
 
 class IdleTicker : public Ticker {

@@ -52,7 +52,7 @@ class TrendBlockTest : public QObject {
   private Q_SLOTS:
     void blocks_change_nothing_of_what_is_drawn_data() {
         QTest::addColumn<quint32>("seed");
-        for (quint32 seed = 1; seed <= 8; ++seed) QTest::addRow("%u", seed) << seed;
+        for (quint32 seed = 1; seed <= 3; ++seed) QTest::addRow("%u", seed) << seed;
     }
 
     void blocks_change_nothing_of_what_is_drawn() {
@@ -70,9 +70,8 @@ class TrendBlockTest : public QObject {
         const double length = plain.points().back().time - begin;
         for (const Quantity quantity : kQuantities) {
             for (const int columns : kColumns) {
-                for (int k = 0; k < 20; ++k) {
-                    const TrendRange shown{begin + length * k / 50,
-                                           begin + length * (1 - k / 100.)};
+                for (int k = 0; k < 8; ++k) {
+                    const TrendRange shown{begin + length * k / 20, begin + length * (1 - k / 40.)};
                     const TrendSamples one = sample_trend(summed, quantity, shown, columns);
                     const TrendSamples other = sample_trend(plain, quantity, shown, columns);
                     QVERIFY(one.dense && other.dense);

@@ -198,16 +198,16 @@ class ReportTest : public QObject, protected ProgramInFolder {
         QCOMPARE(QDir(folder()).entryList({"report*"}).size(), 1);
     }
 
-    void of_a_million_rows_the_newest_thousand_are_printed() {
+    void of_very_many_rows_the_newest_thousand_are_printed() {
         PageStore store;
-        for (int row = 0; row < 1'000'000; ++row)
+        for (int row = 0; row < 100'000; ++row)
             store.append_line("21/11/26\t10:00:00\t950.0\t10600\t58.3\t\t\t\t\t\tPASS");
         screen_->rules.page.replace(std::move(store));
-        screen_->write_report(in_folder("million.pdf"), {});
-        const QString read = words(in_folder("million.pdf"));
-        QVERIFY(read.contains("The newest 1000 of 1000000 measurements. The 999000 before them"));
-        QVERIFY(read.contains("PASS — 1000000 measurements: 1000000 PASS, 0 FAIL"));
-        QVERIFY(QFileInfo(in_folder("million.pdf")).size() < 2'000'000);
+        screen_->write_report(in_folder("long.pdf"), {});
+        const QString read = words(in_folder("long.pdf"));
+        QVERIFY(read.contains("The newest 1000 of 100000 measurements. The 99000 before them"));
+        QVERIFY(read.contains("PASS — 100000 measurements: 100000 PASS, 0 FAIL"));
+        QVERIFY(QFileInfo(in_folder("long.pdf")).size() < 2'000'000);
     }
 };
 

@@ -114,6 +114,3 @@ void SpanChart::take_colours() {
 }
 
 }  // namespace m47
-
-// Here, so that nothing else of this folder has to read the chart library.
-#include "moc_span_chart.cpp"

@@ -27,7 +27,7 @@ TrendSpot trend_spot(const TrendPoint& point, Quantity quantity) {
     return {point.time, plotted_value(quantity, point.reading(quantity).value)};
 }
 
-TrendBlock trend_block(TrendPoints::const_iterator first) {
+TrendBlock trend_block(const TrendPoints::const_iterator& first) {
     TrendBlock block;
     block.begin = block.end = first->time;
     std::for_each(first, first + TrendBlock::kPoints, [&](const TrendPoint& point) {

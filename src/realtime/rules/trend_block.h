@@ -38,6 +38,6 @@ struct TrendBlock {
 TrendSpot trend_spot(const TrendPoint& point, Quantity quantity);
 
 /// Sums up the kPoints points from `first` on, which are in the order of their time.
-TrendBlock trend_block(TrendPoints::const_iterator first);
+TrendBlock trend_block(const TrendPoints::const_iterator& first);
 
 }  // namespace m47

@@ -117,8 +117,7 @@ void TrendView::set_texts(const Texts& texts) {
     if (plot_) plot_->name_panels();
 }
 
-void TrendView::set_page(const PageModel* page, TrendLimits limits,
-                         const ProgramState& program) {
+void TrendView::set_page(const PageModel* page, TrendLimits limits, const ProgramState& program) {
     program_ = &program;
     page_ = page;
     limits_ = std::move(limits);
