@@ -243,6 +243,16 @@ class ImportTest : public QObject {
                  }));
     }
 
+    void an_entry_that_is_not_there_is_the_first_one() {
+        // The frequency has to fit the oscillator that the program is stored with.
+        const ImportPreview preview = into_empty_plan(
+            "frequenza\tloc_osc\tloc_osc0\toscillator\n"
+            "1000\t0\t3\t3070\n12000\t0\t0\t10600\n04\t0\t45\t\n");
+        QCOMPARE(preview.rows[2].record.loc_osc0, 0);
+        QCOMPARE(preview.rows[2].oscillator, QStringLiteral("10600"));
+        QCOMPARE(preview.rows[2].record.frequenza, QStringLiteral("11520"));
+    }
+
     void a_long_file_is_previewed_at_once() {
         QByteArray bytes = "frequenza\n";
         while (bytes.size() < 100 * 1024) bytes += "1000\n";

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plan_file.h"
 
-#include <algorithm>
-
 #include "numbers.h"
+#include "program_checks.h"
 #include "scan_table.h"
 
 namespace m47 {
@@ -173,8 +172,7 @@ QString plan_file_text(const QString& name, const std::vector<ProgramRecord>& pr
         QStringList cells{name};
         for (const ProgramField& field : program_fields())
             cells += field_text(program, field).replace(u',', u'.');
-        const int index = std::clamp(program.loc_osc0, 0, 3);
-        cells += program.loc_osc ? QString() : oscillators[static_cast<std::size_t>(index)];
+        cells += program.loc_osc ? QString() : oscillators[oscillator_entry(program)];
         text += line_of(cells, separator);
     }
     return text;

@@ -121,8 +121,7 @@ class Importer {
             if (!place) return ImportProblem::no_oscillator;
             record.loc_osc0 = *place;
         }
-        const int index = std::clamp(record.loc_osc0, 0, 3);
-        QString oscillator = preview_.oscillators[static_cast<std::size_t>(index)];
+        QString oscillator = preview_.oscillators[oscillator_entry(record)];
         correct_fields(record, oscillator, unit_offset_);
         row.oscillator = record.loc_osc ? QString() : oscillator;
         return ImportProblem::none;

@@ -42,10 +42,15 @@ void correct_selections(ProgramRecord& record) {
     record.diseqc_cmd2 = selected(record.diseqc_cmd2, kCommands);
     record.lnb_volt = selected(record.lnb_volt, 3);
     record.K22 = selected(record.K22, 2);
-    record.loc_osc0 = selected(record.loc_osc0, static_cast<int>(Oscillators().size()));
+    record.loc_osc0 = static_cast<int>(oscillator_entry(record));
 }
 
 }  // namespace
+
+std::size_t oscillator_entry(const ProgramRecord& record) {
+    constexpr int kEntries = std::tuple_size_v<Oscillators>;
+    return static_cast<std::size_t>(selected(record.loc_osc0, kEntries));
+}
 
 QString checked_program_number(const QString& text) {
     return format_number(std::clamp(typed_value(text), 0.0, kHighestProgram), "000");

@@ -38,6 +38,10 @@ void correct_chber_limits(QString& minimum, QString& maximum);
 /// Every alarm limit of `record`.
 void correct_limits(ProgramRecord& record, double unit_offset);
 
+/// The entry of the plan's oscillators that `record` names; one that is not there counts as the
+/// first.
+std::size_t oscillator_entry(const ProgramRecord& record);
+
 /// Every check but the number's, as Enter in each box runs it. `oscillator` is the text of the
 /// program's oscillator.
 void correct_fields(ProgramRecord& record, QString& oscillator, double unit_offset);
