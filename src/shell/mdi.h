@@ -54,7 +54,8 @@ class M47MDI : public QMainWindow, public MainWindowView {
 
     /// Progress of a plan pass in the status line; empty clears it.
     void show_progress(const QString& text);
-    /// Progress and outcome of an upload in the same place, with what went wrong as its tooltip.
+    /// Progress and outcome of an upload, or a pass that ended early, in the same place, with what
+    /// went wrong as its tooltip.
     void show_upload(const QString& text, const QString& tooltip);
 
     /// There is a port whose identification cmdreconnect can run again.
