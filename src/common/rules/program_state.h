@@ -3,6 +3,7 @@
 
 #include <QString>
 
+#include "corrected_behaviour.h"
 #include "preferences.h"
 #include "texts.h"
 
@@ -17,6 +18,8 @@ struct ProgramState {
     QString base_dir;
     Texts texts;
     Preferences preferences;
+    /// What the user has chosen of the menu "Corrected behaviour".
+    CorrectedBehaviour corrected;
     /// The version that the meter identified last has told, "PLUS V3.0.5"; empty where none
     /// answers.
     QString meter_version;
