@@ -116,6 +116,8 @@ int run_with_options(int argc, char** argv, const Options& options) {
     }
     state.base_dir = folder_with_separator(QDir::currentPath());
     if (!options.unattended()) state.preferences = Preferences(Preferences::usual_file());
+    if (options.corrected) choose_all(state.corrected, true);
+    if (options.full_tune) state.corrected.full_tune = true;
     std::unique_ptr<Database> database = open_database(state, options);
     if (!database) return options.unattended() ? kDatabase : 1;
     if (!options.import_database.isEmpty())

@@ -60,6 +60,7 @@ M47MDI::M47MDI(ProgramState& program, QWidget* parent)
     connect(ui_->cmdmanual, &QAction::triggered, this, &M47MDI::manual_asked);
     connect(ui_->cmdexit, &QAction::triggered, this, &QWidget::close);
     connect(ui_->screens, &QMdiArea::subWindowActivated, this, &M47MDI::screen_activated);
+    corrected_ = new CorrectedMenu(ui_->cmdcorrected, program_);
     ui_->cmdinglese->setChecked(true);
     cmditaliano_Click();
     set_tooltips(this, kMenuTips, program_.texts);
@@ -102,6 +103,7 @@ void M47MDI::open_screen(const QString& key) {
     view->installEventFilter(this);
     maker.load(screen);
     open_to_keyboard(screen);
+    corrected_->join(screen);
     if (maker.activate) maker.activate(screen);
 }
 
@@ -182,14 +184,19 @@ void M47MDI::cmdinglese_Click() {
     program_.texts.language = kEnglish;
     ui_->cmdinglese->setChecked(true);
     ui_->cmditaliano->setChecked(false);
-    status_->show_reason();
+    show_texts();
 }
 
 void M47MDI::cmditaliano_Click() {
     program_.texts.language = kItalian;
     ui_->cmdinglese->setChecked(false);
     ui_->cmditaliano->setChecked(true);
+    show_texts();
+}
+
+void M47MDI::show_texts() {
     status_->show_reason();
+    corrected_->show_texts();
 }
 
 void M47MDI::show_progress(const QString& text) {

@@ -9,6 +9,7 @@
 #include <functional>
 #include <memory>
 
+#include "corrected_menu.h"
 #include "identification.h"
 #include "program_state.h"
 #include "status_panel.h"
@@ -87,12 +88,15 @@ class M47MDI : public QMainWindow, public MainWindowView {
     /// A new screen opens wholly visible, scaled to the room there is.
     void keep_inside(QMdiSubWindow* view) const;
     QString key_of(const QMdiSubWindow* view) const;
+    /// What is shown in the language in use, and changes with it.
+    void show_texts();
 
     ProgramState& program_;
     QString caption_;
     std::unique_ptr<Ui::M47MDI> ui_;
     QLabel* progress_;
     StatusPanel* status_;
+    CorrectedMenu* corrected_ = nullptr;
     QMap<QString, ScreenMaker> makers_;
     QMap<QString, QPointer<QMdiSubWindow>> views_;
     QPointer<QMdiSubWindow> front_;

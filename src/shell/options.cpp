@@ -32,6 +32,9 @@ void add_options(QCommandLineParser& parser) {
         {"create-database", "First create the database file where it does not exist."},
         {"on-port", "Connect to the meter on port number N at start.", "N"},
         {"open", "Open the screen of toolbar key KEY at start.", "KEY"},
+        {"corrected",
+         "Start with every entry of the menu \"Corrected behaviour\" ticked; goes with --measure "
+         "too."},
         {"measure", "Measure without a window and print each row, TAB-separated."},
         {"analog", "Measure the analog way (the default)."},
         {"digital", "Measure the digital way (QPSK)."},
@@ -47,7 +50,8 @@ void add_options(QCommandLineParser& parser) {
         {"plan", "Measure the monitored programs of the plan NAME.", "NAME"},
         {"passes", "How often to measure the plan (default 1, 0 until told to stop).", "K"},
         {"every", "Begin a pass over the plan every so many SECONDS.", "SECONDS"},
-        {"full-tune", "Set oscillator, LNB, tone and DiSEqC of each program of the plan too."},
+        {"full-tune",
+         "Set oscillator, LNB, tone, DiSEqC and bandwidth of each program of the plan too."},
         {"reconnect", "After a lost link go on when the plan's meter answers again."},
         {"log", "Append each row to FILE as well.", "FILE"},
         {"screenshot", "Write a picture of the real-time screen at the end.", "FILE"},
@@ -181,7 +185,7 @@ QString check_import(const QCommandLineParser& parser) {
     const QString name = QStringLiteral("import-database");
     if (!parser.isSet(name)) return {};
     if (parser.value(name).isEmpty()) return QStringLiteral("--import-database takes a file");
-    for (const char* other : {"measure", "open", "on-port", "port"})
+    for (const char* other : {"measure", "open", "on-port", "port", "corrected"})
         if (parser.isSet(QString::fromLatin1(other)))
             return QStringLiteral("--import-database does not go with --%1")
                 .arg(QLatin1String(other));
@@ -213,6 +217,7 @@ Options parse_options(const QStringList& arguments) {
     options.user_data = parser.isSet(QStringLiteral("user-data"));
     options.create_database = parser.isSet(QStringLiteral("create-database"));
     options.open = parser.value(QStringLiteral("open"));
+    options.corrected = parser.isSet(QStringLiteral("corrected"));
     options.measure = parser.isSet(QStringLiteral("measure"));
     options.digital = parser.isSet(QStringLiteral("digital"));
     options.plan = parser.value(QStringLiteral("plan"));

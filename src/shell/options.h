@@ -25,8 +25,9 @@ struct Options {
     bool user_data = false;  ///< work in the user's data folder
     QStringList ports;       ///< "N=DEVICE"
     bool create_database = false;
-    int on_port = 0;  ///< port to identify at start, 0 for none
-    QString open;     ///< toolbar key of a screen to open at start
+    int on_port = 0;         ///< port to identify at start, 0 for none
+    QString open;            ///< toolbar key of a screen to open at start
+    bool corrected = false;  ///< start with every corrected behaviour
 
     bool measure = false;
     bool digital = false;

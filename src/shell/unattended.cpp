@@ -151,7 +151,6 @@ bool plan_is_there(Run& run) {
 void measure_plan(Run& run) {
     set_up(run);
     for (const int mode : {kAnalogMode, kDigitalMode}) run.screen.rules.tick_measures(mode);
-    run.screen.rules.panel.cmdfulltune = run.options.full_tune;
     // Told to end once, the running measurement is finished; told twice, not even that.
     run.program.link().interrupted = [] { return g_told_to_end > 1; };
     PlanRun plan_run(run.program.link(), run.screen.rules,

@@ -175,7 +175,7 @@ void MeasureCycleTest::digital_measurement_in_another_unit() {
 void MeasureCycleTest::complete_digital_measurement() {
     f_->values["LEVCND?"] = " 12.5";
     f_->raw["LEVDCP?1100.0"] = "LEVDCP?1100.0\rDCP28.3\rOK\r";
-    panel().cmdcomplete = true;
+    f_->program.corrected.complete = true;
     panel().noise_freqd = "1100";
     show_digital();
     panel().meas_stated.fill(true);
@@ -207,7 +207,7 @@ void MeasureCycleTest::complete_digital_measurement() {
 
 void MeasureCycleTest::complete_analog_measurement() {
     f_->values["LEVCNA?"] = "CN 12.5";
-    panel().cmdcomplete = true;
+    f_->program.corrected.complete = true;
     panel().noise_freqa = "1100";
     panel().meas_statea.fill(true);
     panel().alarm_statea.fill(true);
@@ -541,12 +541,12 @@ void MeasureCycleTest::link_lost_at_any_moment() {
     for (double moment = 0; moment < 6.5; moment += 0.13) {
         init();
         show_digital();
-        panel().cmdcomplete = moment > 3;
+        f_->program.corrected.complete = moment > 3;
         panel().noise_freqd = "1100";
         f_->values["LEVCND?"] = " 12.5";
         f_->raw["LEVDCP?1100.0"] = "LEVDCP?1100.0\rDCP28.3\rOK\r";
         tick({kDcpLevel, kChber, kPvBer, kCfo, kMer});
-        if (panel().cmdcomplete) tick({kCnDigital, kNoiseDigital});
+        if (f_->program.corrected.complete) tick({kCnDigital, kNoiseDigital});
         panel().alarm_stated.fill(true);
         f_->port.vanish_in(moment);
         f_->rules.acquisition.single_acq();

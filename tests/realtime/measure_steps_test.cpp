@@ -253,7 +253,7 @@ void MeasureStepsTest::digital_cn() {
     QFETCH(double, number);
     QFETCH(bool, green);
     f_->values["LEVCND?"] = reply;
-    panel().cmdcomplete = true;
+    f_->program.corrected.complete = true;
     panel().noise_freqd = "5000";
     panel().alarm_stated[1] = true;
     panel().cn_mind = "5";
@@ -280,7 +280,7 @@ void MeasureStepsTest::digital_noise() {
     f_->values["ATTEN?"] = "2";
     f_->values["LEVANL?"] = "L 80.1";
     f_->raw["LEVDCP?1100.0"] = "LEVDCP?1100.0\rDCP28.3\rOK\r";
-    panel().cmdcomplete = true;
+    f_->program.corrected.complete = true;
     panel().noise_freqd = "1100.0";
     panel().alarm_stated = {true, true, true, true};
     steps().levn_satdig();
@@ -296,7 +296,7 @@ void MeasureStepsTest::digital_noise_without_a_line_end() {
     f_->values["ATTEN?"] = "2";
     f_->values["LEVANL?"] = "L 70";
     f_->raw["LEVDCP?1100.0"] = "LEVDCP?1100.0\rOK\r";
-    panel().cmdcomplete = true;
+    f_->program.corrected.complete = true;
     panel().noise_freqd = "1100.0";
     panel().noisedlev = "before";
     QVERIFY(faults([this] { steps().levn_satdig(); }));
@@ -489,7 +489,7 @@ void MeasureStepsTest::analog_cn() {
     QFETCH(QString, shown);
     QFETCH(bool, green);
     f_->values["LEVCNA?"] = reply;
-    panel().cmdcomplete = true;
+    f_->program.corrected.complete = true;
     panel().locopt = {false, true};
     panel().noise_freqa = "100";
     panel().alarm_statea[1] = true;
@@ -511,7 +511,7 @@ void MeasureStepsTest::analog_noise_without_a_frequency_of_its_own() {
 
 void MeasureStepsTest::analog_noise() {
     f_->values["LEVANL?"] = " L <28.3 ";
-    panel().cmdcomplete = true;
+    f_->program.corrected.complete = true;
     panel().noise_freqa = "1100.0";
     panel().alarm_statea.fill(true);
     steps().levn_satanl();

@@ -372,7 +372,7 @@ void PlanRunTest::full_tune() {
                                       {"K22", 1},
                                       {"diseqc_cmd", 37},
                                       {"diseqc_cmd2", 3}});
-    f_->panel().cmdfulltune = true;
+    f_->program.corrected.full_tune = true;
     f_->values["FREQ?"] = "11778";
     QCOMPARE(make_run({}).run(), PlanRun::End::done);
     QCOMPARE(begun_.mid(0, 12), QStringList({"LOCOSC 2 10600", "LOCOSC 2", "LNB 01", "LNVOLT 18",
@@ -384,7 +384,7 @@ void PlanRunTest::full_tune_leaves_out_what_is_none() {
     Recordset& set = *f_->rules.modes.rs_programs;
     set.move_first();
     RealtimeFixture::change_row(set, {{"lnb_volt", 0}, {"diseqc_cmd", 73}});
-    f_->panel().cmdfulltune = true;
+    f_->program.corrected.full_tune = true;
     QCOMPARE(make_run({}).run(), PlanRun::End::done);
     QCOMPARE(begun_.mid(0, 11),
              QStringList({"LOCOSC 0", "LNB 00", "TONE22K 00", "MEASURE", "FREQ 1000.0", "ATTEN 6",

@@ -64,6 +64,7 @@ void OptionsTest::window_options() {
     QCOMPARE(options.ports, QStringList("10=/dev/ttyUSB0"));
     QCOMPARE(options.open, QString("setport"));
     QVERIFY(!options.measure);
+    QVERIFY(!options.corrected);
 }
 
 void OptionsTest::user_data() {
@@ -109,6 +110,9 @@ void OptionsTest::plan_options() {
     QCOMPARE(options.alarms.size(), 2);
     QCOMPARE(options.alarms[1].name, QString("mer"));
     QCOMPARE(options.alarms[1].minimum, QString());
+
+    QVERIFY(parse_options({"--corrected"}).corrected);
+    QVERIFY(parse_options(measuring({"--corrected"})).corrected);
 
     const Options plain = parse_options(measuring({"--plan", "A"}));
     QCOMPARE(plain.action, Action::run);

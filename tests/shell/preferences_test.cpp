@@ -144,6 +144,23 @@ class PreferencesTest : public QObject, protected ProgramInFolder {
             QVERIFY2(key.startsWith("windows/") || key.startsWith("files/"), qPrintable(key));
     }
 
+    void corrected_behaviour_holds_from_the_start_where_it_is_wished() {
+        start();
+        window().findChild<QAction*>("cmdcorrectall")->trigger();
+        start();
+        QVERIFY(!window().findChild<QAction*>("cmdcorrectall")->isChecked());
+        QVERIFY(!window().findChild<QAction*>("cmdcorrectstart")->isChecked());
+        window().findChild<QAction*>("cmdcorrectstart")->trigger();
+        QVERIFY(!program_state().corrected.keep_mode);  // it counts from the next start on
+        start();
+        QVERIFY(all_chosen(program_state().corrected));
+        QVERIFY(window().findChild<QAction*>("cmdcorrectall")->isChecked());
+        QVERIFY(window().findChild<QAction*>("cmdkeepmode")->isChecked());
+        window().findChild<QAction*>("cmdcorrectstart")->trigger();
+        start();
+        QVERIFY(!program_state().corrected.keep_mode);
+    }
+
     void a_start_with_broken_settings_works() {
         for (const QByteArray& bytes :
              {QByteArray("\x00\xff[[[=\n%%%=@Rect(", 15),

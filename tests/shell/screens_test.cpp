@@ -281,7 +281,81 @@ class ScreensTest : public QObject, protected ProgramInFolder {
         QVERIFY(find<QWidget>("noise_freqd", screen)->isVisible());
         screen->parentWidget()->close();
         QTRY_VERIFY(!window().screen_of(QStringLiteral("realtime")));
-        QVERIFY(!find<QAction>("cmdcomplete", open_realtime())->isChecked());
+        QVERIFY(find<QAction>("cmdcomplete", open_realtime())->isChecked());
+    }
+
+    void corrected_behaviour_has_an_entry_for_each_choice() {
+        find<QAction>("cmdinglese")->trigger();
+        auto* menu = find<QMenu>("cmdcorrected");
+        QCOMPARE(menu->title().remove(u'&'), QStringLiteral("Corrected behaviour"));
+        QVERIFY(menu->toolTipsVisible());
+        QStringList names, english, italian;
+        for (const QAction* entry : menu->actions()) {
+            if (entry->isSeparator()) continue;
+            names += entry->objectName();
+            QVERIFY2(entry->isCheckable() && !entry->isChecked(), qPrintable(names.last()));
+            english += entry->text() + entry->toolTip();
+        }
+        QStringList wanted;
+        for (const CorrectedEntry& choice : kCorrectedEntries) wanted += choice.name;
+        QCOMPARE(names, wanted + QStringList({"cmdcorrectall", "cmdcorrectstart"}));
+        find<QAction>("cmditaliano")->trigger();
+        for (const QString& name : names) {
+            const auto* entry = find<QAction>(qPrintable(name));
+            italian += entry->text() + entry->toolTip();
+            QVERIFY(entry->toolTip() != entry->text());
+        }
+        for (qsizetype k = 0; k < names.size(); ++k)
+            QVERIFY2(english[k] != italian[k], qPrintable(names[k]));
+        QCOMPARE(english.removeDuplicates() + italian.removeDuplicates(), 0);
+    }
+
+    void each_entry_is_one_choice_and_all_of_them_is_every_one() {
+        const auto choices = [this] { return program_state().corrected; };
+        for (const CorrectedEntry& choice : kCorrectedEntries) {
+            find<QAction>(choice.name)->trigger();
+            QVERIFY2(choices().*choice.member, choice.name);
+            const bool last = &choice == &kCorrectedEntries.back();
+            QCOMPARE(find<QAction>("cmdcorrectall")->isChecked(), last);
+        }
+        find<QAction>("cmdkeepbox")->trigger();
+        QVERIFY(!choices().keep_box && choices().keep_mode && choices().empty_alarm);
+        QVERIFY(!find<QAction>("cmdcorrectall")->isChecked());
+        find<QAction>("cmdcorrectall")->trigger();
+        QVERIFY(all_chosen(choices()) && find<QAction>("cmdkeepbox")->isChecked());
+        find<QAction>("cmdcorrectall")->trigger();
+        for (const CorrectedEntry& choice : kCorrectedEntries)
+            QVERIFY2(!(choices().*choice.member), choice.name);
+    }
+
+    void the_entries_of_the_screens_are_the_same_choices() {
+        find<QAction>("cmdfulltune")->trigger();
+        Realtime* screen = open_realtime();
+        QVERIFY(find<QAction>("cmdfulltune", screen)->isChecked());
+        find<QAction>("cmdcomplete", screen)->trigger();
+        QVERIFY(program_state().corrected.complete);
+        auto* menu = find<QMenu>("cmdcorrected");
+        for (const QAction* entry : menu->actions())
+            if (entry->objectName() == u"cmdcomplete") QVERIFY(entry->isChecked());
+        find<QAction>("cmdcorrectall")->trigger();
+        find<QAction>("program")->trigger();
+        QWidget* plans = window().screen_of(QStringLiteral("program"));
+        QVERIFY(find<QAction>("cmdverify", plans)->isChecked());
+        find<QAction>("cmdverify", plans)->trigger();
+        QVERIFY(!program_state().corrected.verify);
+        QVERIFY(!find<QAction>("cmdcorrectall")->isChecked());
+        find<QAction>("cmdcorrectall")->trigger();
+        find<QAction>("cmdcorrectall")->trigger();
+        QVERIFY(!find<QAction>("cmdverify", plans)->isChecked());
+        QVERIFY(!find<QAction>("cmdcomplete", screen)->isChecked());
+        QVERIFY(!find<QWidget>("noise_freqa", screen)->isVisible());
+    }
+
+    void noise_boxes_start_from_the_frequency_when_the_choice_was_made_before() {
+        find<QAction>("cmdcomplete")->trigger();
+        Realtime* screen = open_realtime();
+        QVERIFY(find<QWidget>("noise_freqa", screen)->isVisible());
+        QCOMPARE(find<QLineEdit>("noise_freqa", screen)->text(), QStringLiteral("1000.0"));
     }
 
     void the_log_is_opened_reloaded_and_closed_with_the_save_key() {

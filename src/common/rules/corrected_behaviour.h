@@ -30,7 +30,7 @@ struct CorrectedEntry {
     bool CorrectedBehaviour::*member;
 };
 
-inline constexpr std::array<CorrectedEntry, 14> kCorrectedEntries{{
+inline constexpr std::array<CorrectedEntry, 12> kCorrectedEntries{{
     {"cmdcomplete", &CorrectedBehaviour::complete},
     {"cmdfulltune", &CorrectedBehaviour::full_tune},
     {"cmdverify", &CorrectedBehaviour::verify},
@@ -43,8 +43,18 @@ inline constexpr std::array<CorrectedEntry, 14> kCorrectedEntries{{
     {"cmdnonediseqc", &CorrectedBehaviour::none_diseqc},
     {"cmdplanwidth", &CorrectedBehaviour::plan_width},
     {"cmdemptyalarm", &CorrectedBehaviour::empty_alarm},
-    {"cmdkeepcopy", &CorrectedBehaviour::keep_copy},
-    {"cmdasktwice", &CorrectedBehaviour::ask_twice},
 }};
+
+/// Chooses every entry of the menu, or none.
+constexpr void choose_all(CorrectedBehaviour& choices, bool chosen) {
+    for (const CorrectedEntry& entry : kCorrectedEntries) choices.*entry.member = chosen;
+}
+
+/// True while every entry of the menu is chosen.
+constexpr bool all_chosen(const CorrectedBehaviour& choices) {
+    for (const CorrectedEntry& entry : kCorrectedEntries)
+        if (!(choices.*entry.member)) return false;
+    return true;
+}
 
 }  // namespace m47

@@ -10,6 +10,7 @@ namespace {
 
 const QString kDirectory = QStringLiteral("files/directory");
 const QString kLogs = QStringLiteral("files/logs");
+const QString kStartsCorrected = QStringLiteral("behaviour/corrected");
 
 // A window of another size has not been one that a user left.
 constexpr int kSmallestWindow = 50;
@@ -82,6 +83,14 @@ std::optional<WindowPlace> Preferences::place(const QString& name) const {
 void Preferences::keep_place(const QString& name, const WindowPlace& place) const {
     keep(maximised_key(name), place.maximised);
     if (!place.maximised || !this->place(name)) keep(rect_key(name), place.rect);
+}
+
+bool Preferences::starts_corrected() const {
+    return value(kStartsCorrected).toBool();
+}
+
+void Preferences::keep_starts_corrected(bool wanted) const {
+    keep(kStartsCorrected, wanted);
 }
 
 }  // namespace m47

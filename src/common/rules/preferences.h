@@ -16,9 +16,9 @@ struct WindowPlace {
 };
 
 /// What the program remembers from one run to the next for the user's comfort: window places, the
-/// folder used last, recent logs. Neither the port nor the language: a meter is never spoken to and
-/// a text never changed because of an earlier run. A file that is missing, damaged or cannot be
-/// written only means that less is remembered.
+/// folder used last, recent logs, and whether corrected behaviour is wanted. Neither the port nor
+/// the language: a meter is never spoken to and a text never changed because of an earlier run. A
+/// file that is missing, damaged or cannot be written only means that less is remembered.
 class Preferences {
   public:
     static constexpr int kRecentLogs = 8;
@@ -42,6 +42,10 @@ class Preferences {
     std::optional<WindowPlace> place(const QString& name) const;
     /// A maximised window keeps the rect that it had before.
     void keep_place(const QString& name, const WindowPlace& place) const;
+
+    /// Whether the user wants every corrected behaviour from the start on.
+    bool starts_corrected() const;
+    void keep_starts_corrected(bool wanted) const;
 
   private:
     QVariant value(const QString& key) const;

@@ -3,6 +3,7 @@
 
 #include <QApplication>
 
+#include "corrected_actions.h"
 #include "handler.h"
 #include "icons.h"
 #include "key_filter.h"
@@ -49,6 +50,7 @@ ProgramSet::ProgramSet(Link& link, ProgramState& program, Database& database, QW
     keep_place(ui_->dig_opt);
     keep_place(ui_->monitor_opt);
     show_monitor(false);
+    tie_corrected(this, program_.corrected);
     connect_boxes();
     connect_oscillators();
     connect_lists();
@@ -338,7 +340,7 @@ void ProgramSet::download_group(const QString& prompt, UploadMode mode) {
     }
     show_first_program();
     Q_EMIT upload_state(upload_summary(result, program_.texts), upload_refusals(result));
-    if (ui_->cmdverify->isChecked() && link_.can_send()) verify_upload(upload, mode, result.table);
+    if (program_.corrected.verify && link_.can_send()) verify_upload(upload, mode, result.table);
 }
 
 void ProgramSet::verify_upload(PlanUpload& upload, UploadMode mode, const QString& before) {

@@ -305,7 +305,7 @@ bool Acquisition::acq_multi() {
     }
     if (monitored()) {
         report_place();
-        if (panel_.cmdfulltune) tune_everything();
+        if (program_.corrected.full_tune) tune_everything();
         cycle_.measure();
         cycle_.storemeas();
     }

@@ -8,6 +8,7 @@
 #include "link.h"
 #include "measure_cycle.h"
 #include "modes.h"
+#include "program_state.h"
 #include "realtime_panel.h"
 #include "ticker.h"
 
@@ -20,9 +21,10 @@ QString time_left_text(int seconds);
 /// again at a chosen interval. It is driven by three one-second ticks and knows no timer itself.
 class Acquisition {
   public:
-    Acquisition(Link& link, Database& database, RealtimePanel& panel, RealtimeState& state,
-                Modes& modes, MeasureCycle& cycle)
+    Acquisition(Link& link, const ProgramState& program, Database& database, RealtimePanel& panel,
+                RealtimeState& state, Modes& modes, MeasureCycle& cycle)
         : link_(link),
+          program_(program),
           database_(database),
           panel_(panel),
           state_(state),
@@ -87,6 +89,7 @@ class Acquisition {
     void report_progress(int place, int monitored) const;
 
     Link& link_;
+    const ProgramState& program_;
     Database& database_;
     RealtimePanel& panel_;
     RealtimeState& state_;

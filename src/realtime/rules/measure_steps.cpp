@@ -50,7 +50,7 @@ void MeasureSteps::carr_satdig() {
 QString& MeasureSteps::noise_entry(QString& entry) const {
     // Without the complete C/N and noise measures these steps have no frequency entry of their
     // own, and the cycle ends here.
-    if (!panel_.cmdcomplete) throw Fault("no frequency entry for C/N and noise");
+    if (!program_.corrected.complete) throw Fault("no frequency entry for C/N and noise");
     return entry;
 }
 

@@ -61,6 +61,7 @@ void Modes::Form_Load() {
         state_.acq_kind = 1;
         state_.plan_run_active = false;
     }
+    if (program_.corrected.complete) tuning_.start_noise_boxes();
     panel_.repaint();
 }
 

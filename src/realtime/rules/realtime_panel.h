@@ -85,8 +85,6 @@ struct RealtimePanel {
 
     // Menu
     int cmdlev = 0;
-    bool cmdcomplete = false;
-    bool cmdfulltune = false;
     QString noise_freqa, noise_freqd;
 
     /// Shows the panel as it stands, at once; a plain test leaves it empty.

@@ -9,7 +9,7 @@ RealtimeRules::RealtimeRules(Link& link, ProgramState& program, Database& databa
       steps(link, program, panel, state, tuning),
       modes(link, program, database, panel, state, tuning, diseqc),
       cycle(link, panel, state, tuning, steps, page, log),
-      acquisition(link, database, panel, state, modes, cycle) {
+      acquisition(link, program, database, panel, state, modes, cycle) {
     panel.cmdlev = program.unit_index;
     steps.cmdlev_Click = [this](int index) { modes.cmdlev_Click(index); };
 }

@@ -68,6 +68,12 @@ void Tuning::ol_freq_KeyPress(int key) {
     panel_.noise_freqd = checked_frequency(panel_.noise_freqd);
 }
 
+void Tuning::start_noise_boxes() {
+    // An empty one would measure nothing.
+    for (QString* frequency : {&panel_.noise_freqa, &panel_.noise_freqd})
+        if (frequency->trimmed().isEmpty()) *frequency = panel_.fsat;
+}
+
 void Tuning::send_supply(int volts) {
     if (volts == 0) {
         link_.send(command::kSupplyOff);

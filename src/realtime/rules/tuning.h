@@ -34,6 +34,9 @@ class Tuning {
     /// answer or none of the `count` entries fits it.
     int list_Click(const QString& word, int index, int count);
 
+    /// The boxes of the noise frequency start from the present frequency where nothing is in them.
+    void start_noise_boxes();
+
     /// `text` (MHz) inside the range of the present oscillator choice, formatted for the meter.
     QString checked_frequency(const QString& text) const;
 

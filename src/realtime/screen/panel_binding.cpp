@@ -32,8 +32,9 @@ Control* PanelBinding::control(const char* name) const {
     return found;
 }
 
-PanelBinding::PanelBinding(QMainWindow* screen, RealtimePanel& panel)
-    : screen_(screen), panel_(panel) {
+PanelBinding::PanelBinding(QMainWindow* screen, RealtimePanel& panel,
+                           const CorrectedBehaviour& choices)
+    : screen_(screen), panel_(panel), choices_(choices) {
     bind_tuning();
     bind_diseqc();
     bind_measures();
@@ -217,20 +218,7 @@ void PanelBinding::bind_menu() {
     bind_text("noise_freqa", panel_.noise_freqa);
     bind_text("noise_freqd", panel_.noise_freqd);
     for (const char* name : {"noise_labela", "noise_freqa", "noise_labeld", "noise_freqd"})
-        bind_visible(name, panel_.cmdcomplete);
-    auto* complete = control<QAction>("cmdcomplete");
-    QObject::connect(complete, &QAction::toggled, screen_, [this](bool ticked) {
-        panel_.cmdcomplete = ticked;
-        // The boxes start from the present frequency; an empty one would measure nothing.
-        for (QString* frequency : {&panel_.noise_freqa, &panel_.noise_freqd})
-            if (frequency->isEmpty()) *frequency = panel_.fsat;
-        show();
-    });
-    shows_.emplace_back([this, complete] { complete->setChecked(panel_.cmdcomplete); });
-    auto* full_tune = control<QAction>("cmdfulltune");
-    QObject::connect(full_tune, &QAction::toggled, screen_,
-                     [this](bool ticked) { panel_.cmdfulltune = ticked; });
-    shows_.emplace_back([this, full_tune] { full_tune->setChecked(panel_.cmdfulltune); });
+        bind_visible(name, choices_.complete);
 }
 
 }  // namespace m47

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "control_array.h"
+#include "corrected_behaviour.h"
 #include "lamp.h"
 #include "realtime_panel.h"
 
@@ -20,7 +21,7 @@ namespace m47 {
 /// panel as it is entered, show() puts the panel onto the screen. Knows no handler.
 class PanelBinding {
   public:
-    PanelBinding(QMainWindow* screen, RealtimePanel& panel);
+    PanelBinding(QMainWindow* screen, RealtimePanel& panel, const CorrectedBehaviour& choices);
 
     void show();
 
@@ -45,6 +46,7 @@ class PanelBinding {
 
     QMainWindow* screen_;
     RealtimePanel& panel_;
+    const CorrectedBehaviour& choices_;
     std::vector<std::function<void()>> shows_;
 };
 

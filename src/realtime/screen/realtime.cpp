@@ -8,6 +8,7 @@
 #include <QScrollBar>
 
 #include "commands.h"
+#include "corrected_actions.h"
 #include "diseqc_folding.h"
 #include "file_question.h"
 #include "handler.h"
@@ -48,7 +49,8 @@ Realtime::Realtime(Link& link, ProgramState& program, Database& database, QWidge
       level_view_(new LevelView(
           program.texts, [&link] { return link.port_connected; }, this)) {
     ui_->setupUi(this);
-    binding_ = std::make_unique<PanelBinding>(this, rules.panel);
+    tie_corrected(this, program_.corrected);
+    binding_ = std::make_unique<PanelBinding>(this, rules.panel, program_.corrected);
     rules.cycle.on_log_written = [this](const QString& reason) { show_log_state(reason); };
     ui_->cmdmenu->setToolTipsVisible(true);
     ui_->cmdrecent->setToolTipsVisible(true);
@@ -180,6 +182,8 @@ void Realtime::connect_menu() {
         connect(units[k], &QAction::triggered, this, [this, k] {
             handle("cmdlev_Click", [this, k] { rules.modes.cmdlev_Click(static_cast<int>(k)); });
         });
+    connect(ui_->cmdcomplete, &QAction::toggled, this,
+            [this] { handle("cmdcomplete_Click", [this] { rules.tuning.start_noise_boxes(); }); });
     on(ui_->cmdrecent, &QMenu::aboutToShow, this, "cmdrecent_Show", [this] { list_recent_logs(); });
     on(ui_->cmdrecent, &QMenu::triggered, this, "cmdrecent_Click",
        [this](QAction* entry) { cmdrecent_Click(entry->data().toString()); });
