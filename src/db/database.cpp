@@ -31,7 +31,10 @@ std::unique_ptr<Database> Database::open(const QString& path, DatabaseError& err
         Query(database, QStringLiteral("PRAGMA journal_mode = DELETE"));
         return std::unique_ptr<Database>(new Database(std::move(connection)));
     } catch (const EngineFault& fault) {
-        error = error_of(fault, path);
+        error = error_of(fault);
+        error.path = path;
+        // Our statements do not suit the tables: they are not made as ours.
+        if (error.fault == DatabaseFault::refused) error.fault = DatabaseFault::foreign;
         return nullptr;
     }
 }

@@ -24,6 +24,18 @@ enum class DatabaseFault {
     damaged,        ///< the quick check does not pass
     table_missing,  ///< one of the four tables, or a field of one, is not there
     locked,         ///< another program holds it locked for longer than 3 s
+    full,           ///< no room on its disk
+    io_error,       ///< its disk cannot be read or written
+    cannot_open,    ///< the file, or its journal, cannot be opened
+    no_permission,  ///< the system forbids it
+    changing,       ///< another program changes its tables at this moment
+    refused,        ///< its tables no longer suit the statements
+    constraint,     ///< a rule of its tables forbids the entry
+    too_big,        ///< an entry is too long
+    no_memory,
+    crowded,        ///< too many programs lock it in turn
+    interrupted,    ///< the engine was told to break off
+    other,          ///< whatever else the engine reports
     cannot_create,  ///< --create-database could not make it
 };
 

@@ -2,9 +2,11 @@
 #include "database_check.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSet>
 #include <cerrno>
 #include <cstring>
@@ -19,14 +21,46 @@ const QByteArray kSqliteMark("SQLite format 3\0", 16);
 const QByteArray kOldEngineMark("Standard Jet DB");
 constexpr int kOldEngineMarkAt = 4;
 
-// Primary result codes of the engine.
-constexpr int kStatementRefused = 1;
-constexpr int kPermissionDenied = 3;
-constexpr int kBusy = 5;
-constexpr int kTableLocked = 6;
-constexpr int kReadOnly = 8;
-constexpr int kFull = 13;
-constexpr int kCannotOpen = 14;
+struct Meaning {
+    int code;
+    DatabaseFault fault;
+};
+
+// The engine's primary result codes, by the numbers of its own header.
+constexpr Meaning kMeanings[] = {
+    {1, DatabaseFault::refused},         // ERROR: the statement does not suit the tables
+    {3, DatabaseFault::no_permission},   // PERM
+    {4, DatabaseFault::interrupted},     // ABORT
+    {5, DatabaseFault::locked},          // BUSY
+    {6, DatabaseFault::locked},          // LOCKED
+    {7, DatabaseFault::no_memory},       // NOMEM
+    {8, DatabaseFault::read_only},       // READONLY
+    {9, DatabaseFault::interrupted},     // INTERRUPT
+    {10, DatabaseFault::io_error},       // IOERR
+    {11, DatabaseFault::damaged},        // CORRUPT
+    {13, DatabaseFault::full},           // FULL
+    {14, DatabaseFault::cannot_open},    // CANTOPEN
+    {15, DatabaseFault::crowded},        // PROTOCOL
+    {17, DatabaseFault::changing},       // SCHEMA
+    {18, DatabaseFault::too_big},        // TOOBIG
+    {19, DatabaseFault::constraint},     // CONSTRAINT
+    {20, DatabaseFault::constraint},     // MISMATCH
+    {22, DatabaseFault::too_big},        // NOLFS: the disk takes no file of that size
+    {23, DatabaseFault::no_permission},  // AUTH
+    {26, DatabaseFault::damaged},        // NOTADB
+};
+
+DatabaseFault meaning_of(int code) {
+    for (const Meaning& meaning : kMeanings)
+        if (meaning.code == code) return meaning.fault;
+    return DatabaseFault::other;
+}
+
+/// A journal that cannot be opened beside the file: the folder takes none.
+bool folder_is_read_only(const QString& path) {
+    const QByteArray folder = QFile::encodeName(QFileInfo(path).absolutePath());
+    return ::access(folder.constData(), W_OK) != 0 && (errno == EACCES || errno == EROFS);
+}
 
 std::optional<DatabaseError> fault_of_place(const QString& path) {
     struct stat about {};
@@ -62,7 +96,7 @@ std::optional<DatabaseError> damage_of(const QSqlDatabase& database, const QStri
     const QString findings =
         single_answer(database, QStringLiteral("PRAGMA quick_check(1)")).toString();
     if (findings != QLatin1String("ok"))
-        return DatabaseError{DatabaseFault::damaged, path, findings};
+        return DatabaseError{fault_of_finding(findings), path, findings};
     // The engine takes the missing part of the last page for zeros.
     const qint64 pages = single_answer(database, QStringLiteral("PRAGMA page_count")).toLongLong();
     const qint64 size = single_answer(database, QStringLiteral("PRAGMA page_size")).toLongLong();
@@ -131,6 +165,13 @@ std::optional<DatabaseError> fault_of_file(const QString& path) {
     return std::nullopt;
 }
 
+DatabaseFault fault_of_finding(const QString& finding) {
+    static const QRegularExpression kCode(QStringLiteral("error code=(\\d+)"));
+    const QRegularExpressionMatch match = kCode.match(finding);
+    return match.hasMatch() ? meaning_of(match.captured(1).toInt() & kPrimaryCode)
+                            : DatabaseFault::damaged;
+}
+
 std::optional<DatabaseError> fault_of_content(const QSqlDatabase& database, const QString& path) {
     if (const auto fault = damage_of(database, path)) return fault;
     if (const auto fault = fault_of_tables(database, path)) return fault;
@@ -138,27 +179,11 @@ std::optional<DatabaseError> fault_of_content(const QSqlDatabase& database, cons
     return std::nullopt;
 }
 
-DatabaseError error_of(const EngineFault& fault, const QString& path) {
-    DatabaseFault kind = DatabaseFault::damaged;
-    switch (fault.code()) {
-        case kBusy:
-        case kTableLocked:
-            kind = DatabaseFault::locked;
-            break;
-        case kPermissionDenied:
-        case kReadOnly:
-        case kFull:
-        case kCannotOpen:
-            kind = DatabaseFault::read_only;
-            break;
-        case kStatementRefused:
-            // Our statements do not suit the tables: they are not made as ours.
-            kind = DatabaseFault::foreign;
-            break;
-        default:
-            break;
-    }
-    return {kind, path, QString::fromUtf8(fault.what())};
+DatabaseError error_of(const EngineFault& fault) {
+    DatabaseFault kind = meaning_of(fault.code());
+    if (kind == DatabaseFault::cannot_open && folder_is_read_only(fault.path()))
+        kind = DatabaseFault::read_only;
+    return {kind, fault.path(), QString::fromUtf8(fault.what())};
 }
 
 }  // namespace m47

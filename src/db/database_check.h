@@ -21,7 +21,12 @@ std::optional<DatabaseError> fault_of_file(const QString& path);
 /// pass. The write probe is rolled back. An error of the engine is an EngineFault.
 std::optional<DatabaseError> fault_of_content(const QSqlDatabase& database, const QString& path);
 
-/// Which fault of the database an error of the engine stands for.
-DatabaseError error_of(const EngineFault& fault, const QString& path);
+/// What a finding of the engine's check stands for: damage, unless it names the error for which a
+/// page could not even be read, such as that of a failing disk.
+DatabaseFault fault_of_finding(const QString& finding);
+
+/// Which fault of the database an error of the engine stands for. Only a file that the engine calls
+/// corrupt or no database counts as damaged.
+DatabaseError error_of(const EngineFault& fault);
 
 }  // namespace m47

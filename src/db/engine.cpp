@@ -8,9 +8,6 @@
 namespace m47 {
 namespace {
 
-// Extended result codes keep the primary one in their low byte.
-constexpr int kPrimaryCode = 0xff;
-
 std::string words_of(const QSqlError& error) {
     const QString words = error.databaseText().isEmpty() ? error.text() : error.databaseText();
     return words.toStdString();
@@ -22,6 +19,11 @@ int code_of(const QSqlError& error) {
     return is_number ? code & kPrimaryCode : -1;
 }
 
+QString path_of(const QString& address) {
+    const QUrl url = QUrl::fromEncoded(address.toLatin1());
+    return url.isLocalFile() ? url.toLocalFile() : address;
+}
+
 QString next_connection_name() {
     static std::atomic<unsigned> count{0};
     return QStringLiteral("m47-database-%1").arg(++count);
@@ -29,19 +31,20 @@ QString next_connection_name() {
 
 }  // namespace
 
-EngineFault::EngineFault(const QSqlError& error) : Fault(words_of(error)), code_(code_of(error)) {}
+EngineFault::EngineFault(const QSqlError& error, const QString& address)
+    : Fault(words_of(error)), code_(code_of(error)), path_(path_of(address)) {}
 
 Query::Query(const QSqlDatabase& database, const QString& statement, const QVariantList& values)
-    : query_(database) {
+    : query_(database), address_(database.databaseName()) {
     query_.setForwardOnly(true);
-    if (!query_.prepare(statement)) throw EngineFault(query_.lastError());
+    if (!query_.prepare(statement)) throw EngineFault(query_.lastError(), address_);
     for (const QVariant& value : values) query_.addBindValue(value);
-    if (!query_.exec()) throw EngineFault(query_.lastError());
+    if (!query_.exec()) throw EngineFault(query_.lastError(), address_);
 }
 
 bool Query::next() {
     if (query_.next()) return true;
-    if (query_.lastError().isValid()) throw EngineFault(query_.lastError());
+    if (query_.lastError().isValid()) throw EngineFault(query_.lastError(), address_);
     return false;
 }
 
@@ -57,7 +60,7 @@ Connection::Connection(const QString& path)
                               QStringLiteral("?mode=rw"));
     database_.setConnectOptions(QStringLiteral("QSQLITE_OPEN_URI;QSQLITE_BUSY_TIMEOUT=3000"));
     if (database_.open()) return;
-    const EngineFault fault(database_.lastError());
+    const EngineFault fault(database_.lastError(), database_.databaseName());
     forget();
     throw fault;
 }

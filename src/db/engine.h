@@ -12,15 +12,24 @@
 
 namespace m47 {
 
+/// Extended result codes of the engine keep the primary one in their low byte.
+inline constexpr int kPrimaryCode = 0xff;
+
 /// An error of the database engine, in its own words.
 class EngineFault : public Fault {
   public:
-    explicit EngineFault(const QSqlError& error);
+    /// `address` is the name under which the connection knows its file.
+    EngineFault(const QSqlError& error, const QString& address);
     /// The engine's primary result code; -1 where the engine gave none.
     int code() const { return code_; }
+    /// The file it happened on.
+    const QString& path() const { return path_; }
+    /// What is wrong with the file and what helps, and the engine's own words behind it.
+    QString text(const Texts& texts) const override;
 
   private:
     int code_;
+    QString path_;
 };
 
 /// One statement, executed at once with its values bound in their order. Every failure, also one
@@ -38,6 +47,7 @@ class Query {
 
   private:
     QSqlQuery query_;
+    QString address_;
 };
 
 /// A connection of its own to the file at `path`, which has to be there; closed and forgotten with

@@ -12,6 +12,13 @@ namespace {
 
 const QString kComma = QStringLiteral(", ");
 
+constexpr Bilingual kNoRecord{"There is no current record: choose a plan and a program first.",
+                              "Nessun record corrente: scegliere prima un piano e un programma."};
+constexpr Bilingual kDeleted{
+    "The record has been deleted by another program. Move to another one and back.",
+    "Il record è stato cancellato da un altro programma. Passare a un altro e tornare."};
+constexpr Bilingual kClosed{"The database is closed.", "Il database è chiuso."};
+
 // As the engine gives it back: a Boolean as 0 or 1. An empty text is no unset field, however it was
 // made.
 QVariant stored_form(const QVariant& value) {
@@ -60,7 +67,7 @@ QString Recordset::condition() const {
 
 QSqlDatabase Recordset::database() const {
     QSqlDatabase database = QSqlDatabase::database(connection_, false);
-    if (!database.isOpen()) throw Fault("the database is closed");
+    if (!database.isOpen()) throw Fault(kClosed);
     return database;
 }
 
@@ -114,22 +121,22 @@ void Recordset::seek(qsizetype position, qsizetype step) {
 }
 
 void Recordset::move_first() {
-    if (rows_.empty()) throw Fault("no current record");
+    if (rows_.empty()) throw Fault(kNoRecord);
     seek(0, 1);
 }
 
 void Recordset::move_last() {
-    if (rows_.empty()) throw Fault("no current record");
+    if (rows_.empty()) throw Fault(kNoRecord);
     seek(static_cast<qsizetype>(rows_.size()) - 1, -1);
 }
 
 void Recordset::move_next() {
-    if (!removed_ && end_of_set()) throw Fault("no current record");
+    if (!removed_ && end_of_set()) throw Fault(kNoRecord);
     seek(removed_ ? position_ : position_ + 1, 1);
 }
 
 void Recordset::move_previous() {
-    if (!removed_ && begin_of_set()) throw Fault("no current record");
+    if (!removed_ && begin_of_set()) throw Fault(kNoRecord);
     seek(position_ - 1, -1);
 }
 
@@ -169,7 +176,7 @@ bool Recordset::find_first(const QString& field, const QString& value) {
 }
 
 qint64 Recordset::current_id() const {
-    if (!current_) throw Fault("no current record");
+    if (!current_) throw Fault(kNoRecord);
     return rows_[static_cast<std::size_t>(position_)];
 }
 
@@ -190,7 +197,7 @@ void Recordset::add_new() {
 
 void Recordset::edit() {
     std::optional<Row> row = read(current_id());
-    if (!row) throw Fault("the record has been deleted");
+    if (!row) throw Fault(kDeleted);
     current_ = std::move(row);
     changed_.clear();
     pending_ = Pending::edited;
@@ -232,7 +239,7 @@ void Recordset::write_changed() {
                       QStringLiteral("UPDATE %1 SET %2 WHERE rowid = ?")
                           .arg(QLatin1String(table_->name), places.join(kComma)),
                       changed_.values() << current_id());
-    if (query.rows_changed() == 0) throw Fault("the record has been deleted");
+    if (query.rows_changed() == 0) throw Fault(kDeleted);
     for (auto change = changed_.cbegin(); change != changed_.cend(); ++change)
         (*current_)[field_place(*table_, change.key())] = change.value();
 }
@@ -255,7 +262,7 @@ void Recordset::remove() {
         database(),
         QStringLiteral("DELETE FROM %1 WHERE rowid = ?").arg(QLatin1String(table_->name)),
         {current_id()});
-    if (query.rows_changed() == 0) throw Fault("the record has been deleted");
+    if (query.rows_changed() == 0) throw Fault(kDeleted);
     rows_.erase(rows_.begin() + position_);
     settle(position_, std::nullopt);
     removed_ = true;
@@ -269,7 +276,7 @@ void Recordset::go_to(Bookmark bookmark) {
     const auto place = std::ranges::lower_bound(rows_, bookmark);
     if (place == rows_.end() || *place != bookmark) throw Fault("not a record of this set");
     std::optional<Row> row = read(bookmark);
-    if (!row) throw Fault("the record has been deleted");
+    if (!row) throw Fault(kDeleted);
     settle(place - rows_.begin(), std::move(row));
 }
 

@@ -67,7 +67,7 @@ void ImportCommand::import_file(const QString& path) {
     ImportPlan plan = import_plan_of(*old);
     mark_clashes(plan, database_);
     if (anything_clashes(plan) && !ClashDialog(plan, texts_, &window_).ask()) return;
-    const QString stopped = apply_import(plan, database_);
+    const QString stopped = apply_import(plan, database_, texts_);
     refresh_sets(database_);
     ReportDialog(texts_.pick(kImportTitle), import_report(plan, path, stopped, texts_), texts_,
                  &window_)
@@ -83,7 +83,7 @@ int import_unattended(Database& database, const QString& path, const Texts& text
         return kOldFileUnreadable;
     }
     ImportPlan plan = import_plan_of(*old);
-    const QString stopped = apply_import(plan, database);
+    const QString stopped = apply_import(plan, database, texts);
     const QByteArray report = import_report(plan, path, stopped, texts).toUtf8();
     const bool printed = std::fputs(report.constData(), stdout) >= 0 && std::fflush(stdout) == 0;
     if (!stopped.isEmpty()) return kDatabase;

@@ -64,6 +64,7 @@ Program::Program(ProgramState& state, std::unique_ptr<Database> database, PortLi
       import_(*database_, state, window_, [this] { window_.status().pump(); }) {
     // The logger's temporary file has no name yet, and message 0 is composed with that.
     state_.texts.load_messages(state_.temp_file_name);
+    tell_faults_in(&state_.texts);
     window_.status().reason = [this] { return link_fault(); };
     add_screens();
     identification_.on_picked = [this] {
@@ -85,7 +86,9 @@ Program::Program(ProgramState& state, std::unique_ptr<Database> database, PortLi
     window_.restore_place();
 }
 
-Program::~Program() = default;
+Program::~Program() {
+    tell_faults_in(nullptr);
+}
 
 QString Program::link_fault() const {
     if (watch_.came_back()) return state_.texts.pick(kDeviceIsBack).arg(identification_.device());

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <QSet>
 
+#include "database_check.h"
 #include "database_error.h"
 #include "db_support.h"
 
@@ -17,6 +18,12 @@ class TestErrorText : public QObject {
                                    texts);
     }
 
+    static EngineFault engine_fault(int code) {
+        const QSqlError error(QString(), QStringLiteral("words of the engine"),
+                              QSqlError::StatementError, QString::number(code));
+        return EngineFault(error, QStringLiteral("file:///plans%20%251/VKDM47_03.mdb?mode=rw"));
+    }
+
   private Q_SLOTS:
     void each_fault_has_a_text_of_its_own_in_both_languages() {
         QSet<QString> texts;
@@ -26,7 +33,49 @@ class TestErrorText : public QObject {
                 QVERIFY(text.contains(QLatin1String("'/plans %1/VKDM47_03.mdb'")));
                 texts.insert(text);
             }
-        QCOMPARE(texts.size(), 18);
+        QCOMPARE(texts.size(), 2 * (static_cast<int>(DatabaseFault::cannot_create) + 1));
+    }
+
+    void only_what_the_engine_calls_corrupt_is_damaged() {
+        QSet<QString> sentences;
+        for (int code = -1; code <= 28; ++code)
+            for (const int language : {int{kEnglish}, int{kItalian}}) {
+                Texts texts;
+                texts.language = language;
+                const QString text = engine_fault(code).text(texts);
+                QVERIFY(text.contains(QLatin1String("'/plans %1/VKDM47_03.mdb'")));
+                QVERIFY(text.endsWith(QLatin1String("(words of the engine)")));
+                const bool damaged = text.contains(QLatin1String("is damaged")) ||
+                                     text.contains(QLatin1String("danneggiato"));
+                QCOMPARE(damaged, code == 11 || code == 26);
+                sentences.insert(text);
+            }
+        // Corrupt, busy, permission, interrupted, too long and constraint stand for two codes each.
+        constexpr int kOwnSentences = 15;
+        QCOMPARE(sentences.size(), 2 * kOwnSentences);
+    }
+
+    void an_extended_code_says_no_more_than_its_primary_one() {
+        constexpr int kDiskRead = 10 + (1 << 8);
+        constexpr int kCorruptIndex = 11 + (3 << 8);
+        QCOMPARE(error_of(engine_fault(kDiskRead)).fault, DatabaseFault::io_error);
+        QCOMPARE(error_of(engine_fault(kCorruptIndex)).fault, DatabaseFault::damaged);
+    }
+
+    void a_lock_needs_no_new_start() {
+        const QString text = text_of(DatabaseFault::locked, kEnglish);
+        QVERIFY(!text.contains(QLatin1String("start")));
+        QVERIFY(text.contains(QLatin1String("try again")));
+    }
+
+    // In the words of the engine's own check.
+    void a_page_that_the_disk_does_not_give_is_no_damage() {
+        const QString unread = QStringLiteral(
+            "*** in database main ***\nPage 52: unable to get the page. error code=%1");
+        QCOMPARE(fault_of_finding(unread.arg(8458)), DatabaseFault::io_error);
+        QCOMPARE(fault_of_finding(unread.arg(7)), DatabaseFault::no_memory);
+        QCOMPARE(fault_of_finding(unread.arg(11)), DatabaseFault::damaged);
+        QCOMPARE(fault_of_finding(QStringLiteral("Page 4 is never used")), DatabaseFault::damaged);
     }
 
     void the_old_engine_is_explained() {

@@ -2,6 +2,8 @@
 #include "acquisition.h"
 
 #include <QFile>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QTest>
 
 #include "realtime_fixture.h"
@@ -35,6 +37,24 @@ class FakeTicker : public Ticker {
     const VirtualClock& clock_;
     double due_ = 0;
     bool running_ = false;
+};
+
+/// Another program at work on the same database file.
+class OtherConnection {
+  public:
+    explicit OtherConnection(const QString& path) {
+        QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", "other");
+        other.setDatabaseName(path);
+        if (!other.open()) qFatal("not opened: %s", qPrintable(path));
+    }
+    ~OtherConnection() { QSqlDatabase::removeDatabase("other"); }
+    OtherConnection(const OtherConnection&) = delete;
+    OtherConnection& operator=(const OtherConnection&) = delete;
+
+    void run(const QString& statement) const {
+        QSqlQuery query(QSqlDatabase::database("other"));
+        if (!query.exec(statement)) qFatal("refused: %s", qPrintable(statement));
+    }
 };
 
 /// What the meter was asked for one value.
@@ -113,6 +133,8 @@ class AcquisitionTest : public QObject {
     void plan_deleted_in_a_pass();
     void plan_deleted_between_two_firings();
     void plan_deleted_before_a_pass();
+    void database_held_at_a_firing();
+    void another_plan_that_cannot_be_read();
     void link_down();
     void link_lost_in_a_pass();
     void end_of_the_program_in_a_measurement();
@@ -968,6 +990,54 @@ void AcquisitionTest::plan_deleted_before_a_pass() {
     QVERIFY(!ticks_->timer2.running());
     QVERIFY2(!state().plan_run_active, "the countdown stays locked");
     QCOMPARE(f_->port.opens, 0);
+}
+
+void AcquisitionTest::database_held_at_a_firing() {
+    add_plan("A", {1, 1});
+    acquisition().group();
+    panel().time_delay = 1;
+    acquisition().time_delay_Click();
+    acquisition().cmdstart_Click();
+    QStringList told;
+    acquisition().on_cut_short = [&](const QString& reason) { told += reason; };
+    QSqlQuery("PRAGMA busy_timeout = 1", f_->database().connection());
+    {
+        const OtherConnection other(f_->path(kDatabaseFile));
+        other.run("BEGIN EXCLUSIVE");
+        run_for(11);
+        QCOMPARE(told.size(), 1);
+        QVERIFY2(told[0].contains("in use by another program"), qPrintable(told[0]));
+        QCOMPARE(panel().time_state, LampColour::red);
+        QVERIFY(!state().plan_run_active);
+        // The firings go on, and what runs can be ended.
+        run_for(10);
+        QCOMPARE(told.size(), 2);
+        other.run("ROLLBACK");
+    }
+    run_for(10);
+    QCOMPARE(told.size(), 2);
+    QVERIFY(state().plan_run_active);
+    {
+        const OtherConnection other(f_->path(kDatabaseFile));
+        other.run("BEGIN EXCLUSIVE");
+        acquisition().stop();
+        QVERIFY(!ticks_->timer2.running());
+    }
+}
+
+void AcquisitionTest::another_plan_that_cannot_be_read() {
+    add_plan("A", {1});
+    add_plan("B", {1});
+    acquisition().group();
+    const QString before = panel().grp_name;
+    const Bookmark program = f_->rules.modes.rs_programs->bookmark();
+    QSqlQuery("PRAGMA busy_timeout = 1", f_->database().connection());
+    const OtherConnection other(f_->path(kDatabaseFile));
+    // The list of plans can still be walked, the programs of its next plan cannot be opened.
+    other.run("ALTER TABLE configurazione RENAME TO hidden");
+    QVERIFY(faults([&] { acquisition().next(); }));
+    QCOMPARE(panel().grp_name, before);
+    QCOMPARE(f_->rules.modes.rs_programs->bookmark(), program);
 }
 
 void AcquisitionTest::link_down() {

@@ -11,12 +11,15 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QTableView>
 #include <QTest>
 #include <QTimer>
 #include <QToolBar>
 #include <QWheelEvent>
 
+#include "box_answers.h"
 #include "fault.h"
 #include "handler.h"
 #include "program_in_folder.h"
@@ -396,6 +399,50 @@ class ScreensTest : public QObject, protected ProgramInFolder {
         QCOMPARE(find<QAction>("save", screen)->toolTip(), QStringLiteral("Close file"));
     }
 
+    void a_database_that_is_held_is_told_in_the_language_of_the_user() {
+        Recordset& satellites = program().database().asl();
+        satellites.add_new();
+        satellites.update();
+        Realtime* screen = open_realtime();
+        find<QAction>("group", screen)->trigger();
+        // Told at once, for the sake of the test.
+        QSqlQuery("PRAGMA busy_timeout = 20", program().database().connection());
+        BoxAnswers boxes;
+        const QString sentence = QStringLiteral("critical|M47|Il database '%1' \u00e8 usato da un ")
+                                     .arg(in_folder(kDatabaseFile));
+        const auto told_once = [&] {
+            const QStringList told = boxes.take_seen();
+            if (told.size() == 1 && told[0].startsWith(sentence)) return true;
+            qInfo("told: %s", qPrintable(told.join(u'/')));
+            return false;
+        };
+        {
+            QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", "other");
+            other.setDatabaseName(in_folder(kDatabaseFile));
+            QVERIFY(other.open());
+            QSqlQuery("BEGIN EXCLUSIVE", other);
+            find<QAction>("program")->trigger();
+            QVERIFY(told_once());
+            QVERIFY(!window().screen_of("program"));
+            find<QAction>("multiple_acq", screen)->trigger();
+            QVERIFY(told_once());
+            QVERIFY(!screen->rules.state.plan_run_active);
+            find<QAction>("group", screen)->trigger();
+            QVERIFY(told_once());
+            // Ending what runs needs no database.
+            find<QAction>("stop", screen)->trigger();
+            QCOMPARE(boxes.take_seen(), QStringList());
+            find<QAction>("asl")->trigger();
+            QVERIFY(told_once());
+            QSqlQuery("ROLLBACK", other);
+            other.close();
+        }
+        QSqlDatabase::removeDatabase("other");
+        find<QAction>("program")->trigger();
+        QVERIFY(window().screen_of("program"));
+        QCOMPARE(boxes.take_seen(), QStringList());
+    }
+
     void a_fault_in_a_handler_shows_one_box_and_the_program_goes_on() {
         QString text;
         QTimer::singleShot(100, &window(), [&text] {
@@ -405,7 +452,7 @@ class ScreensTest : public QObject, protected ProgramInFolder {
             box->accept();
         });
         run_handler(&window(), "fsat_KeyPress", [] { throw Fault("no record"); });
-        QCOMPARE(text, QStringLiteral("fsat_KeyPress: no record"));
+        QCOMPARE(text, QStringLiteral("no record"));
         QVERIFY(open_realtime());
     }
 };

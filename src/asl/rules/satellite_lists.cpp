@@ -4,6 +4,7 @@
 #include "asl_texts.h"
 #include "blanks.h"
 #include "commands.h"
+#include "engine.h"
 #include "fault.h"
 #include "numbers.h"
 
@@ -65,8 +66,11 @@ void SatelliteLists::visualizza_listadb() {
             panel.listadb += asl_.text(kNome);
             records_.push_back(asl_.bookmark());
         }
+    } catch (const EngineFault&) {
+        // The list shows what could be read; that there is more must not go unsaid.
+        throw;
     } catch (const Fault&) {
-        // The list shows what could be read; the next action on a record tells what is wrong.
+        // A table without rows yields a list without entries.
     }
 }
 

@@ -38,7 +38,8 @@ class SatelliteLists {
     /// Asks the meter for the names of its slots and brings `master_copy` up to date; `quale` is
     /// the block just sent, its header line included.
     void visualizza_listastr(Modo modo = Modo::full, const QString& quale = {});
-    /// Reads the PC's satellites anew. What cannot be read is left out of the list.
+    /// Reads the PC's satellites anew. Where the database cannot be read, the list shows what came
+    /// and an EngineFault tells why.
     void visualizza_listadb();
 
     /// Copies the selected slot to the PC.

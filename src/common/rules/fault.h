@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QString>
+#include <optional>
 #include <stdexcept>
 #include <string>
+
+#include "texts.h"
 
 namespace m47 {
 
@@ -12,6 +16,14 @@ namespace m47 {
 class Fault : public std::runtime_error {
   public:
     explicit Fault(const std::string& what) : std::runtime_error(what) {}
+    /// What a user can meet stands in both languages; `words` have to live as long as the program.
+    explicit Fault(const Bilingual& words) : std::runtime_error(words.english), words_(words) {}
+
+    /// What the user is told, in the language of `texts`; what() where there are no other words.
+    virtual QString text(const Texts& texts) const;
+
+  private:
+    std::optional<Bilingual> words_;
 };
 
 /// Thrown by the link when the user has asked the program to end (SIGINT, SIGTERM) while a

@@ -2,15 +2,29 @@
 #include "handler.h"
 
 #include <QApplication>
+#include <QLoggingCategory>
 #include <QMessageBox>
+#include <new>
 
 #include "fault.h"
 
 namespace m47 {
 namespace {
 
+// Silent unless a developer asks: QT_LOGGING_RULES="m47.handler.debug=true".
+Q_LOGGING_CATEGORY(kHandlerLog, "m47.handler", QtInfoMsg)
+
+constexpr Bilingual kNoMemory{
+    "There is not enough memory for this. Close other programs, then try again.",
+    "La memoria non basta per questa operazione. Chiudere altri programmi e riprovare."};
+constexpr Bilingual kUnexpected{"This could not be done because of an unexpected fault: %1",
+                                "Operazione non riuscita per un errore imprevisto: %1"};
+
 void show_box(QWidget* screen, const QString& what) {
-    QMessageBox::critical(screen, QStringLiteral("M47"), what);
+    QMessageBox box(QMessageBox::Critical, QStringLiteral("M47"), what, QMessageBox::Ok, screen);
+    // Names of files and plans stand in it.
+    box.setTextFormat(Qt::PlainText);
+    box.exec();
 }
 
 FaultReporter& reporter() {
@@ -18,10 +32,25 @@ FaultReporter& reporter() {
     return current;
 }
 
+const Texts*& language_of_faults() {
+    static const Texts* texts = nullptr;
+    return texts;
+}
+
+QString words_of(const std::exception& exception, const Texts& texts) {
+    if (const auto* fault = dynamic_cast<const Fault*>(&exception)) return fault->text(texts);
+    if (dynamic_cast<const std::bad_alloc*>(&exception)) return texts.pick(kNoMemory);
+    return texts.pick(kUnexpected).arg(QString::fromUtf8(exception.what()));
+}
+
 }  // namespace
 
 void set_fault_reporter(FaultReporter new_reporter) {
     reporter() = std::move(new_reporter);
+}
+
+void tell_faults_in(const Texts* texts) {
+    language_of_faults() = texts;
 }
 
 void report_fault(QWidget* screen, const QString& what) {
@@ -34,8 +63,9 @@ void run_handler(QWidget* screen, const char* name, const std::function<void()>&
     } catch (const Interrupted&) {
         // The user ends the program; the handler ends with it.
     } catch (const std::exception& fault) {
-        report_fault(screen, QString::fromLatin1(name) + QStringLiteral(": ") +
-                                 QString::fromUtf8(fault.what()));
+        qCDebug(kHandlerLog, "%s: %s", name, fault.what());
+        const Texts* texts = language_of_faults();
+        report_fault(screen, words_of(fault, texts ? *texts : Texts()));
     }
 }
 

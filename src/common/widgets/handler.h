@@ -6,6 +6,8 @@
 #include <functional>
 #include <type_traits>
 
+#include "texts.h"
+
 namespace m47 {
 
 /// Shows what a handler could not do. By default a message box over `screen`; an unattended run
@@ -14,7 +16,12 @@ using FaultReporter = std::function<void(QWidget* screen, const QString& what)>;
 void set_fault_reporter(FaultReporter reporter);
 void report_fault(QWidget* screen, const QString& what);
 
-/// Runs `body`. A fault ends it with one message box that names `name`; the program goes on.
+/// Faults are told in the language of `texts`, which has to stay until the next call; in English
+/// where it is nullptr.
+void tell_faults_in(const Texts* texts);
+
+/// Runs `body`. A fault ends it with one message box that says what is wrong; the program goes on.
+/// `name` is for developers alone and never shown.
 void run_handler(QWidget* screen, const char* name, const std::function<void()>& body);
 
 /// Connects `signal` to `body`, run as the handler `name` of `screen`. `body` takes the signal's

@@ -114,12 +114,12 @@ void mark_clashes(ImportPlan& plan, Database& database) {
     for (ImportedSatellite& one : plan.satellites) one.clashes = satellites.contains(one.name);
 }
 
-QString apply_import(ImportPlan& plan, Database& database) {
+QString apply_import(ImportPlan& plan, Database& database, const Texts& texts) {
     try {
         bring(plan.plans, table::kGruppo, database, write_plan);
         bring(plan.satellites, table::kAsl, database, write_satellite);
     } catch (const Fault& fault) {
-        return QString::fromUtf8(fault.what());
+        return fault.text(texts);
     }
     return {};
 }

@@ -3,6 +3,7 @@
 
 #include "database.h"
 #include "import_plan.h"
+#include "texts.h"
 
 namespace m47 {
 
@@ -11,7 +12,7 @@ void mark_clashes(ImportPlan& plan, Database& database);
 
 /// Writes `plan` into the database as its choices say, each plan and each satellite whole or not at
 /// all, and tells in each item how it went. An error of the engine ends it: what came before stands
-/// and the items from there on stay open; its words, else empty.
-QString apply_import(ImportPlan& plan, Database& database);
+/// and the items from there on stay open; what the user is told of it, else empty.
+QString apply_import(ImportPlan& plan, Database& database, const Texts& texts = {});
 
 }  // namespace m47

@@ -13,6 +13,8 @@ namespace {
 
 constexpr qsizetype kNameLength = 10;
 const QString kPlanField = QStringLiteral("nome");
+constexpr Bilingual kNoPlanToStoreIn{"Nothing can be stored: there is no plan.",
+                                     "Non si può memorizzare nulla: non c'è alcun piano."};
 
 QString name_of(const char* table) {
     return QString::fromLatin1(table);
@@ -146,7 +148,7 @@ bool PlanSets::has_plan(const QString& name) const {
 
 /// Without its plan a row would be kept where nobody can see or delete it.
 void PlanSets::need_plan() const {
-    if (!has_current_plan()) throw Fault("there is no plan");
+    if (!has_current_plan()) throw Fault(kNoPlanToStoreIn);
 }
 
 std::optional<Bookmark> PlanSets::current_row() const {

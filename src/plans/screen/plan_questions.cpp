@@ -4,8 +4,7 @@
 #include <QInputDialog>
 #include <QMessageBox>
 
-#include "database_check.h"
-#include "database_error.h"
+#include "engine.h"
 #include "handler.h"
 #include "plan_sets.h"
 
@@ -43,8 +42,7 @@ void tell_problem(QWidget* screen, const QString& text) {
 }
 
 void tell_database_fault(QWidget* screen, const ProgramState& program, const EngineFault& fault) {
-    const QString path = program.base_dir + QLatin1String(kDatabaseFile);
-    report_fault(screen, database_error_text(error_of(fault, path), program.texts));
+    report_fault(screen, fault.text(program.texts));
 }
 
 }  // namespace m47

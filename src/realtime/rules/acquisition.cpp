@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "diseqc_commands.h"
+#include "engine.h"
 #include "fault.h"
 #include "numbers.h"
 #include "program_commands.h"
@@ -12,6 +13,8 @@
 
 namespace m47 {
 namespace {
+
+constexpr Bilingual kNoPlanOpen{"No plan is open.", "Nessun piano è aperto."};
 
 const QString kPlanName = QStringLiteral("nome");
 const QString kMonitorState = QStringLiteral("monitor_state");
@@ -28,10 +31,13 @@ class Suspended {
     Link& link_;
 };
 
-/// With no plan open the record sets cannot move; that ends the handler and needs no message.
+/// With no plan open the record sets cannot move; that ends the handler and needs no message. A
+/// database that cannot be read is told.
 void quietly(const std::function<void()>& body) {
     try {
         body();
+    } catch (const EngineFault&) {
+        throw;
     } catch (const Fault&) {
         return;
     }
@@ -53,7 +59,7 @@ QString time_left_text(int seconds) {
 }
 
 Recordset& Acquisition::programs() {
-    if (!modes_.rs_programs) throw Fault("no plan is open");
+    if (!modes_.rs_programs) throw Fault(kNoPlanOpen);
     return *modes_.rs_programs;
 }
 
@@ -78,10 +84,26 @@ void Acquisition::present_plan() {
     panel_.limits_enabled = false;
 }
 
-/// Opens the plan at which the set of plans stands.
+/// Opens the programs of the plan at which the set of plans stands. Where they cannot be read the
+/// plan before stays open, so that its programs are never measured under another plan's name.
+void Acquisition::open_programs() {
+    const QString name = panel_.grp_name;
+    const auto programs = modes_.rs_programs;
+    const auto config = modes_.rs_config;
+    try {
+        panel_.grp_name = database_.gruppo().text(kPlanName);
+        modes_.crea_records_realtime();
+    } catch (const EngineFault&) {
+        panel_.grp_name = name;
+        modes_.rs_programs = programs;
+        modes_.rs_config = config;
+        throw;
+    }
+}
+
+/// The same for passes over it.
 void Acquisition::open_plan() {
-    panel_.grp_name = database_.gruppo().text(kPlanName);
-    modes_.crea_records_realtime();
+    open_programs();
     state_.acq_kind = kPlan;
 }
 
@@ -121,8 +143,7 @@ void Acquisition::move_plan(Direction direction) {
             plans.move_next();
             if (plans.end_of_set()) plans.move_last();
         }
-        panel_.grp_name = plans.text(kPlanName);
-        modes_.crea_records_realtime();
+        open_programs();
     });
 }
 
@@ -186,6 +207,16 @@ void Acquisition::multiple_acq() {
     begin_pass();
 }
 
+bool Acquisition::unwatched_pass() {
+    try {
+        begin_pass();
+        return true;
+    } catch (const EngineFault& fault) {
+        tell_cut_short(fault);
+        return false;
+    }
+}
+
 void Acquisition::start() {
     panel_.timer_opt_visible = true;
     panel_.cmdstart = kStartCaption;
@@ -200,24 +231,39 @@ void Acquisition::stop() {
     panel_.cmdstart = kStopCaption;
     show_time_left();
     if (state_.acq_kind != kPlan) return;
-    quietly([this] {
+    Timer2->stop();
+    report_progress(0, 0);
+    try {
         programs().move_last();
-        Timer2->stop();
-        report_progress(0, 0);
-    });
+    } catch (const Fault&) {
+        // The pass has ended whatever the database does; the next one begins at the first program.
+        return;
+    }
 }
 
 void Acquisition::cmdstart_Click() {
     quietly([this] {
-        if (state_.acq_kind == kPlan) programs().move_first();
-        if (Timer1->running())
-            Timer1->stop();
-        else
+        const bool starts = !Timer1->running();
+        if (state_.acq_kind == kPlan) go_to_first_program(starts);
+        if (starts)
             Timer1->start();
+        else
+            Timer1->stop();
         panel_.time_state = LampColour::grey;
         panel_.cmdstart = Timer1->running() ? kStopCaption : kStartCaption;
     });
     show_time_left();
+}
+
+/// What ends need not wait for a database that cannot be read: each firing begins at the first
+/// program anyway.
+void Acquisition::go_to_first_program(bool starts) {
+    Recordset& set = programs();
+    try {
+        set.move_first();
+    } catch (const EngineFault&) {
+        if (starts) throw;
+    }
 }
 
 void Acquisition::time_delay_Click() {
@@ -236,15 +282,17 @@ void Acquisition::Timer1_Timer() {
     if (state_.ticks_left != 0) return;
     panel_.time_state = LampColour::red;
     panel_.repaint();
+    bool fired = true;
     if (state_.acq_kind == kSingleElement) {
         cycle_.measure();
         cycle_.storemeas();
         // The interval runs from the end of a firing: a tick that fell into it does not count.
         Timer1->start();
     } else {
-        begin_pass();
+        fired = unwatched_pass();
     }
-    panel_.time_state = LampColour::green;
+    // The lamp of a firing that could not begin stays red.
+    if (fired) panel_.time_state = LampColour::green;
     time_delay_Click();
 }
 
@@ -258,7 +306,7 @@ void Acquisition::Timer2_Timer() {
     } catch (const Fault& fault) {
         // A plan that was deleted meanwhile ends its pass; the timed firings go on.
         end_pass();
-        if (on_cut_short) on_cut_short(QString::fromUtf8(fault.what()));
+        tell_cut_short(fault);
     }
     if (goes_on) Timer2->start();
 }
@@ -270,6 +318,10 @@ void Acquisition::Timer3_Timer() {
 void Acquisition::end_pass() {
     state_.plan_run_active = false;
     report_progress(0, 0);
+}
+
+void Acquisition::tell_cut_short(const Fault& fault) const {
+    if (on_cut_short) on_cut_short(fault.text(program_.texts));
 }
 
 void Acquisition::list_monitored() {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "database.h"
+#include "fault.h"
 #include "link.h"
 #include "measure_cycle.h"
 #include "modes.h"
@@ -39,7 +40,8 @@ class Acquisition {
     /// How far a plan pass is: the place of the program being measured among the monitored ones of
     /// the plan and how many there are. 0 of 0 when the pass has ended.
     std::function<void(int place, int monitored)> on_progress;
-    /// Told why when a pass ends before its last program, as with a database that is locked.
+    /// Told why, in the user's language, when a pass that nobody may be watching cannot begin or
+    /// ends before its last program, as with a database that is locked.
     std::function<void(const QString& reason)> on_cut_short;
 
     // The toolbar keys.
@@ -62,6 +64,10 @@ class Acquisition {
     void Timer2_Timer();
     void Timer3_Timer();
 
+    /// As multiple_acq, but a database that cannot be read is told through on_cut_short. False
+    /// then.
+    bool unwatched_pass();
+
     /// Opens the plan `name` for passes, as "group" opens the first one. False, and nothing changed
     /// but the presentation, where there is no such plan.
     bool choose_plan(const QString& name);
@@ -77,11 +83,14 @@ class Acquisition {
     Recordset& programs();
     bool monitored();
     void present_plan();
+    void open_programs();
     void open_plan();
     void tune_everything();
     void move_plan(Direction direction);
     void move_program(Direction direction);
     void show_time_left();
+    void go_to_first_program(bool starts);
+    void tell_cut_short(const Fault& fault) const;
     void begin_pass();
     void list_monitored();
     void report_place();

@@ -104,7 +104,7 @@ PlanRun::End PlanRun::run_pass() {
 }
 
 PlanRun::End PlanRun::walk() {
-    rules_.acquisition.multiple_acq();
+    rules_.acquisition.unwatched_pass();
     while (rules_.acquisition.Timer2->running()) {
         const End end = next_step();
         if (end != End::done) {
