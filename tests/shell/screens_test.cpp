@@ -361,6 +361,24 @@ class ScreensTest : public QObject, protected ProgramInFolder {
         QCOMPARE(find<QLineEdit>("noise_freqa", screen)->text(), QStringLiteral("1000.0"));
     }
 
+    void a_new_log_does_not_carry_the_failure_of_the_old_one() {
+        Realtime* screen = open_realtime();
+        auto* name = find<QLabel>("file_name", screen);
+        const QString tip = name->toolTip();
+        const auto is_red = [name] {
+            return name->palette().color(QPalette::WindowText) == QColor(Qt::red);
+        };
+        screen->open_log(in_folder("no/such/folder.log"));
+        screen->rules.log.append("lost");
+        screen->rules.cycle.on_log_written(screen->rules.log.reason());
+        QVERIFY(is_red());
+        QVERIFY(name->toolTip() != tip);
+        screen->open_log(in_folder("new.log"));
+        QVERIFY(!is_red());
+        QCOMPARE(name->toolTip(), tip);
+        QVERIFY(screen->rules.log.reason().isEmpty());
+    }
+
     void the_log_is_opened_reloaded_and_closed_with_the_save_key() {
         const QString log = in_folder(QStringLiteral("old.log"));
         QFile file(log);

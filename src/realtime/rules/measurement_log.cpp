@@ -98,6 +98,7 @@ void MeasurementLog::open(const QString& path, PageModel& page) {
     if (path.isEmpty()) return;
     path_ = path;
     log_open_ = true;
+    reason_.clear();
     OpenFile file(::open(QFile::encodeName(path).constData(), O_RDONLY | kNeverWait));
     if (!file.opened() || !file.length()) return;
     PageStore store;

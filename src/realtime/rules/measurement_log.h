@@ -34,7 +34,7 @@ class MeasurementLog {
     /// half a line either, and reason() says why.
     bool append(std::string_view line);
 
-    /// Why the last append() failed; empty after one that succeeded.
+    /// Why the last append() failed; empty after one that succeeded and for a log just opened.
     const QString& reason() const { return reason_; }
 
   private:

@@ -328,6 +328,7 @@ void Realtime::open_log(const QString& file) {
     rules.log.open(file, rules.page);
     program_.preferences.log_opened(file);
     show_log_name();
+    show_log_state(rules.log.reason());
     ui_->measgrid->scrollToBottom();
 }
 
