@@ -51,6 +51,7 @@ class BlockTest : public QObject {
     void nothing_starts_inside();
     void it_is_one_span_of_the_clock();
     void a_command_follows();
+    void a_late_answer_is_not_the_blocks();
 
   private:
     void make(double time_of_day = 36000.0);
@@ -351,6 +352,19 @@ void BlockTest::a_command_follows() {
     QVERIFY(link_->send("ASLNAME 3 NOVA"));
     QCOMPARE(link_->reply_text, QString("OK"));
     QCOMPARE(port_->take_commands().last(), QString("ASLNAME 3 NOVA"));
+}
+
+/// The name of the slot was asked for in vain; its answer comes when the block has gone out.
+void BlockTest::a_late_answer_is_not_the_blocks() {
+    link_->send("ASLNAME?");
+    QVERIFY(!link_->port_connected);
+    link_->port_connected = true;
+    port_->answer = nullptr;
+    port_->feed("ASLNAME?\rSOLE 16E\rOK\r", 0.2);
+    port_->feed(kBlock.toLatin1() + "\rOK\r", 0.4);
+    run();
+    QVERIFY(link_->reply_text.startsWith(QLatin1String("S00A")));
+    QVERIFY(link_->port_connected);
 }
 
 }  // namespace m47

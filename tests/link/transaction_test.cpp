@@ -38,6 +38,13 @@ class TransactionTest : public QObject {
     void an_answer_seen_behind_the_limit_is_late();
     void a_sleeping_meter_is_woken();
     void an_echo_just_in_time_needs_no_waking();
+    void a_late_answer_is_dropped_with_its_exchange_data();
+    void a_late_answer_is_dropped_with_its_exchange();
+    void a_late_answer_is_known_by_its_echo();
+    void the_same_question_waits_for_the_late_answer();
+    void a_wait_for_a_late_answer_can_be_interrupted();
+    void an_answer_to_something_else_is_doubtful_data();
+    void an_answer_to_something_else_is_doubtful();
     void old_input_is_dropped();
     void a_silent_meter_loses_the_link();
     void progress_steps_and_wraps();
@@ -309,7 +316,8 @@ void TransactionTest::a_sleeping_meter_is_woken() {
     QCOMPARE(port_->written, QByteArray("LEVANL?\r\rLEVANL?\r"));
     QCOMPARE(port_->opens, 3);
     QCOMPARE(port_->closes, 3);
-    QVERIFY(clock_->elapsed() > 2 && clock_->elapsed() < 2.2);
+    // The first answer took 2 s; the meter is left as long for a second one.
+    QVERIFY(clock_->elapsed() > 4.3 && clock_->elapsed() < 4.6);
 }
 
 void TransactionTest::an_echo_just_in_time_needs_no_waking() {
@@ -330,6 +338,119 @@ void TransactionTest::an_echo_just_in_time_needs_no_waking() {
     // One byte short, or too late: the meter is taken to be asleep.
     QVERIFY(written_with_echo_after(1.99, "LEVANL").startsWith("LEVANL?\r\rLEVANL?\r"));
     QVERIFY(written_with_echo_after(2.1, "LEVANL?").startsWith("LEVANL?\r\rLEVANL?\r"));
+}
+
+void TransactionTest::a_late_answer_is_dropped_with_its_exchange_data() {
+    QTest::addColumn<double>("first");
+    QTest::addColumn<double>("second");
+    QTest::addColumn<double>("lasted");
+    // From the first character; the second attempt goes out after 2.03 s.
+    QTest::newRow("both late alike") << 2.3 << 4.4 << 4.4;
+    QTest::newRow("one behind the other") << 2.3 << 4.6 << 4.6;
+    QTest::newRow("in one go") << 2.3 << 2.3 << 2.3;
+    QTest::newRow("the second never") << 2.3 << 100.0 << 4.66;
+}
+
+void TransactionTest::a_late_answer_is_dropped_with_its_exchange() {
+    QFETCH(double, first);
+    QFETCH(double, second);
+    QFETCH(double, lasted);
+    port_->feed("LEVANL?\r80.0\rOK\r", first);
+    port_->feed("LEVANL?\r80.1\rOK\r", second);
+    run("LEVANL?");
+    QCOMPARE(link_->reply_text, QString("80.0"));
+    QCOMPARE(port_->written, QByteArray("LEVANL?\r\rLEVANL?\r"));
+    QVERIFY2(std::abs(clock_->elapsed() - lasted) < 0.1,
+             qPrintable(QString::number(clock_->elapsed())));
+    // Nothing of it is left for the next.
+    answer_with({});
+    run("MEASURE");
+    QCOMPARE(link_->reply_text, QString("OK"));
+    QVERIFY(clock_->elapsed() < lasted + 0.2);
+}
+
+/// A whole one, one of which only the end is seen, and one to a command that was given up.
+void TransactionTest::a_late_answer_is_known_by_its_echo() {
+    for (const char* late : {"LEVANL?\r80.0\rOK\r", "0.0\rOK\r", "LEVANL?\r80.0\rOK\rLEVANL"}) {
+        make();
+        run("LEVANL?");
+        QVERIFY(!link_->port_connected);
+        link_->port_connected = true;
+        port_->feed(late, 0.02);
+        answer_with("3.1");
+        port_->answer_delay = 0.5;
+        run("VER?");
+        QCOMPARE(link_->reply_text, QString("3.1"));
+        QVERIFY(link_->port_connected);
+    }
+}
+
+/// Only where a value is at stake: a meter that was given up is looked for at once.
+void TransactionTest::the_same_question_waits_for_the_late_answer() {
+    for (const bool measuring : {false, true}) {
+        make();
+        run("LEVANL?");
+        const double lost = clock_->elapsed();
+        link_->port_connected = true;
+        link_->refuse_doubtful = measuring;
+        port_->written.clear();
+        answer_with("40.0");
+        run("LEVANL?");
+        QCOMPARE(link_->reply_text, QString("40.0"));
+        QCOMPARE(port_->written, QByteArray("LEVANL?\r"));
+        // The last of the three went out 2 s before the link was lost.
+        const double waited = clock_->elapsed() - lost;
+        QVERIFY2(measuring ? waited > 13 && waited < 13.5 : waited < 0.1,
+                 qPrintable(QString::number(waited)));
+    }
+    make();
+    run("LEVANL?");
+    link_->port_connected = link_->refuse_doubtful = true;
+    for (const double late : {1.0, 1.1, 1.2}) port_->feed("LEVANL?\r80.0\rOK\r", late);
+    answer_with("40.0");
+    const double lost = clock_->elapsed();
+    run("LEVANL?");
+    QCOMPARE(link_->reply_text, QString("40.0"));
+    QVERIFY(clock_->elapsed() - lost < 1.4);
+}
+
+void TransactionTest::a_wait_for_a_late_answer_can_be_interrupted() {
+    run("LEVANL?");
+    const double lost = clock_->elapsed();
+    link_->port_connected = link_->refuse_doubtful = true;
+    link_->interrupted = [&] { return clock_->elapsed() > lost + 1; };
+    QVERIFY_THROWS_EXCEPTION(Interrupted, run("LEVANL?"));
+    QVERIFY(clock_->elapsed() < lost + 1.1);
+    QVERIFY(!port_->is_open());
+    QVERIFY(!view_->hourglass);
+}
+
+void TransactionTest::an_answer_to_something_else_is_doubtful_data() {
+    QTest::addColumn<QByteArray>("answer");
+    QTest::addColumn<QString>("reply");
+    QTest::newRow("no echo") << QByteArray("80.0\rOK\r") << "80.0";
+    QTest::newRow("spoilt echo") << QByteArray("LEV#NL?\r80.0\rOK\r") << "80.0";
+    QTest::newRow("echo without its end") << QByteArray("LEVANL?80.0\rOK\r") << "0.0";
+    QTest::newRow("value without its end") << QByteArray("LEVANL?\r80.0OK\r") << "80.";
+    QTest::newRow("more behind it") << QByteArray("LEVANL?\r80.0\rOK\r7") << "80.0";
+}
+
+/// It is reduced as ever, and refused where a value is at stake.
+void TransactionTest::an_answer_to_something_else_is_doubtful() {
+    QFETCH(QByteArray, answer);
+    QFETCH(QString, reply);
+    port_->answer = [&](const QByteArray&) { return answer; };
+    run("LEVANL?");
+    QCOMPARE(link_->reply_text, reply);
+    const Measuring measuring(*link_);
+    port_->written.clear();
+    QVERIFY_THROWS_EXCEPTION(DoubtfulAnswer, run("LEVANL?"));
+    QCOMPARE(port_->written, QByteArray("LEVANL?\r"));
+    QVERIFY(link_->port_connected);
+    QVERIFY(!port_->is_open());
+    answer_with("80.0");
+    run("LEVANL?");
+    QCOMPARE(link_->reply_text, QString("80.0"));
 }
 
 void TransactionTest::old_input_is_dropped() {

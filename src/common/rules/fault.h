@@ -26,6 +26,13 @@ class Fault : public std::runtime_error {
     std::optional<Bilingual> words_;
 };
 
+/// An answer of the meter that is not surely the one to the question, or not whole: what was being
+/// measured has no value.
+class DoubtfulAnswer : public Fault {
+  public:
+    using Fault::Fault;
+};
+
 /// Thrown by the link when the user has asked the program to end (SIGINT, SIGTERM) while a
 /// measurement waits: no fault, so that no error trap of a cycle swallows it.
 class Interrupted {};

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <chrono>
 
+#include "fault.h"
 #include "numbers.h"
 #include "srecord.h"
 #include "transaction.h"
@@ -23,8 +24,12 @@ Link::Link(SerialPort& port, Clock& clock, LinkView& view)
     : port_(port), clock_(clock), view_(view) {}
 
 void Link::send_command() {
-    if (!transact([this] { return run_attempts(); }, [] {})) return;
+    if (refuse_doubtful && can_send()) wait_until_unambiguous();
+    if (!transact([this] { return run_attempts(); }, [this] { wait_for_late_answers(); })) return;
+    doubtful_ = doubtful_ || (port_connected && !well_framed(command_text, reply_text));
     reply_text = reduce_answer(command_text, reply_text);
+    if (refuse_doubtful && doubtful_)
+        throw DoubtfulAnswer("the answer to " + command_text.toStdString() + " is doubtful");
 }
 
 bool Link::transact(const std::function<Outcome()>& exchange, const std::function<void()>& rest) {
@@ -96,6 +101,11 @@ std::optional<float> Link::send_anew() {
 }
 
 Link::Outcome Link::run_attempts() {
+    asked_ = answered_ = 0;
+    first_sent_ = clock_.steady();
+    doubtful_ = false;
+    behind_.clear();
+    late_.asked(command_text);
     Outcome outcome = Outcome::failed;
     for (int attempt = 0; attempt < kAttempts && outcome == Outcome::failed; ++attempt)
         outcome = run_attempt();
@@ -104,7 +114,10 @@ Link::Outcome Link::run_attempts() {
 
 Link::Outcome Link::run_attempt() {
     const std::optional<float> start = send_anew();
-    return start ? poll_answer(*start, clock_.now()) : Outcome::lost;
+    if (!start) return Outcome::lost;
+    ++asked_;
+    last_sent_ = clock_.steady();
+    return poll_answer(*start, clock_.now());
 }
 
 Link::Outcome Link::poll_answer(float start, float sent) {
@@ -114,9 +127,10 @@ Link::Outcome Link::poll_answer(float start, float sent) {
     for (;;) {
         collect_input();
         advance_progress();
-        const ReplyWatch::Verdict verdict = watch.look_at(reply_text);
+        const ReplyWatch::Verdict verdict = judge(watch);
         const float now = clock_.now();
         if (verdict == ReplyWatch::Verdict::error) {
+            settle_error();
             close_port();
             return Outcome::failed;
         }
@@ -125,7 +139,10 @@ Link::Outcome Link::poll_answer(float start, float sent) {
             return Outcome::failed;
         }
         if (now - start > limit) return Outcome::lost;
-        if (verdict == ReplyWatch::Verdict::complete) return Outcome::answered;
+        if (verdict == ReplyWatch::Verdict::complete) {
+            settle_answer();
+            return Outcome::answered;
+        }
         // An unplugged line brings nothing any more: the limit need not be waited for.
         if (!port_.is_open()) return Outcome::lost;
         port_.wait_for_input(kPollSlice);

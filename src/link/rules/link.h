@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "clock.h"
+#include "late_answers.h"
 #include "link_view.h"
 #include "reply.h"
 #include "serial_port.h"
@@ -31,6 +32,10 @@ class Link {
     bool commands_suspended = false;
     /// Number (1 to 10) of the port in use, for the status text; 0 before the first choice.
     int port_number = 0;
+    /// A value is at stake: an answer that is not surely the one to its question ends send_command
+    /// in a DoubtfulAnswer, and no question goes out while an older answer to the same words may
+    /// still come. See Measuring.
+    bool refuse_doubtful = false;
     /// Asked while waiting; true ends the wait or the next transaction with Interrupted.
     std::function<bool()> interrupted;
     /// Told before each pump of the windows how many bytes of the answer have arrived so far (echo
@@ -40,7 +45,9 @@ class Link {
 
     /// Sends `command_text` and leaves the reduced answer in `reply_text` ("OK" for a setting, the
     /// value for a query, "0" for a query answered "Invalid Parameter(s)", empty after a lost
-    /// link). A call from inside a running transaction is a Fault.
+    /// link). A call from inside a running transaction is a Fault. Late answers to other commands
+    /// are dropped; behind a command that was asked more than once those to its earlier attempts
+    /// are waited for, as long as the first answer took.
     void send_command();
 
     /// Sends `command_text`, a long text such as a satellite block, in one piece and leaves the raw
@@ -85,8 +92,18 @@ class Link {
     Outcome run_attempts();
     Outcome run_attempt();
     Outcome poll_answer(float start, float sent);
+    /// What `reply_text` is so far, once whatever belongs to other commands has been dropped.
+    ReplyWatch::Verdict judge(ReplyWatch& watch);
+    bool drop_late_answer();
+    bool another_may_come() const;
+    void settle_error();
+    void settle_answer();
+    void wait_for_late_answers();
+    void note_late_answers(const QString& received);
+    void wait_until_unambiguous();
     Outcome run_block();
     Outcome poll_block(float start);
+    bool is_late_to_block();
     void collect_input();
     bool open_port();
     void close_port();
@@ -103,6 +120,31 @@ class Link {
     LinkView& view_;
     float last_pump_ = 0;
     bool busy_ = false;
+
+    LateAnswers late_;
+    // Of the present exchange; times on the steady clock
+    int asked_ = 0;     ///< attempts
+    int answered_ = 0;  ///< attempts whose answer has come
+    double first_sent_ = 0;
+    double last_sent_ = 0;
+    double answer_took_ = 0;
+    QString behind_;  ///< what came behind the answer
+    bool doubtful_ = false;
+};
+
+/// While it lives values are at stake.
+class Measuring {
+  public:
+    explicit Measuring(Link& link) : link_(link), before_(link.refuse_doubtful) {
+        link_.refuse_doubtful = true;
+    }
+    ~Measuring() { link_.refuse_doubtful = before_; }
+    Measuring(const Measuring&) = delete;
+    Measuring& operator=(const Measuring&) = delete;
+
+  private:
+    Link& link_;
+    bool before_;
 };
 
 /// "RS232 ComPort 2 Connected" or "RS232 ComPort 2 NOT Connected".

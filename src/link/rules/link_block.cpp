@@ -28,12 +28,22 @@ Link::Outcome Link::poll_block(float start) {
         collect_input();
         advance_progress();
         if (clock_.now() - start > kBlockLimit) return Outcome::lost;
-        if (reply_text.contains(u'\r')) return Outcome::answered;
+        if (!is_late_to_block() && reply_text.contains(u'\r')) return Outcome::answered;
         // An unplugged line brings nothing any more: the limit need not be waited for.
         if (!port_.is_open()) return Outcome::lost;
         port_.wait_for_input(kPollSlice);
         pump_when_due();
     }
+}
+
+/// True while what has come is a late answer to an earlier command; a whole one is dropped.
+bool Link::is_late_to_block() {
+    if (!late_.may_come(clock_.steady()) || !late_.is_to_another(reply_text, command_text))
+        return false;
+    const qsizetype end = answer_end(reply_text);
+    note_late_answers(reply_text.left(end));
+    reply_text.remove(0, end);
+    return true;
 }
 
 }  // namespace m47

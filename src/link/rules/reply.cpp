@@ -10,6 +10,9 @@ namespace {
 constexpr double kUsualLimit = 15;
 constexpr QLatin1String kError("ERROR");
 constexpr QLatin1String kAccepted("OK\r");
+constexpr QLatin1String kRefused("ERROR\r");
+/// Its last line may end in "OK" without an end of its own.
+constexpr QLatin1String kErrorRates("BERQPSK?");
 
 struct SlowCommand {
     QLatin1String word;
@@ -23,6 +26,11 @@ constexpr SlowCommand kSlowCommands[] = {
     {QLatin1String("ASL"), 60},
     {QLatin1String("MASTER"), 120},
 };
+
+/// The line knows one byte a character.
+QString echo_to(const QString& command) {
+    return QString::fromLatin1(command.toLatin1()) + u'\r';
+}
 
 }  // namespace
 
@@ -41,11 +49,29 @@ QString reduce_answer(const QString& command, const QString& raw) {
     const qsizetype payload = raw.size() - command.size() - 2;
     if (payload >= 0) answer = raw.mid(command.size() + 1, payload);
     if (query) {
-        const qsizetype trailer = command == QLatin1String("BERQPSK?") ? 2 : 3;
+        const qsizetype trailer = command == kErrorRates ? 2 : 3;
         if (answer.size() >= trailer) answer.chop(trailer);
     }
     if (answer.endsWith(u'\r')) answer.chop(1);
     return answer;
+}
+
+qsizetype answer_begin(const QString& command, const QString& raw) {
+    return raw.indexOf(echo_to(command));
+}
+
+qsizetype answer_end(const QString& raw) {
+    const qsizetype accepted = raw.indexOf(kAccepted);
+    const qsizetype refused = raw.indexOf(kRefused);
+    if (accepted < 0 && refused < 0) return 0;
+    if (accepted < 0 || (refused >= 0 && refused < accepted)) return refused + kRefused.size();
+    return accepted + kAccepted.size();
+}
+
+bool well_framed(const QString& command, const QString& raw) {
+    if (!raw.startsWith(echo_to(command))) return false;
+    if (!command.endsWith(u'?') || command == kErrorRates) return true;
+    return raw.endsWith(u'\r' + kAccepted);
 }
 
 ReplyWatch::Verdict ReplyWatch::look_at(const QString& reply) {

@@ -357,8 +357,9 @@ bool Acquisition::acq_multi() {
     }
     if (monitored()) {
         report_place();
-        if (program_.corrected.full_tune) tune_everything();
-        cycle_.measure();
+        cycle_.measure([this] {
+            if (program_.corrected.full_tune) tune_everything();
+        });
         cycle_.storemeas();
     }
     set.move_next();

@@ -7,13 +7,26 @@
 
 namespace m47 {
 
-void MeasureCycle::measure() {
+void MeasureCycle::measure(const std::function<void()>& prepare) {
+    const Measuring measuring(link_);
+    doubt_.clear();
+    try {
+        if (prepare) prepare();
+        run_trapped();
+    } catch (const DoubtfulAnswer& doubt) {
+        doubt_ = QString::fromStdString(doubt.what());
+    }
+    panel_.repaint();
+}
+
+void MeasureCycle::run_trapped() {
     try {
         run_cycle();
+    } catch (const DoubtfulAnswer&) {
+        throw;
     } catch (const Fault&) {
         // A step that cannot go on ends the cycle; what was measured before it counts.
     }
-    panel_.repaint();
 }
 
 void MeasureCycle::run_cycle() {
@@ -59,6 +72,10 @@ void MeasureCycle::analog_cycle() {
 
 void MeasureCycle::storemeas() {
     if (!link_.port_connected || !measure_activestate(panel_)) return;
+    if (!doubt_.isEmpty()) {
+        if (on_doubt) on_doubt(doubt_);
+        return;
+    }
     try {
         write_row();
     } catch (const Fault&) {

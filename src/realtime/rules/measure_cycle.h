@@ -30,13 +30,22 @@ class MeasureCycle {
     /// Called after each line for the log with the reason why it was lost, empty when it was kept.
     std::function<void(const QString& reason)> on_log_written;
 
-    /// Runs one cycle. A fault inside ends it at once, silently; the values shown so far stay.
-    void measure();
+    /// Called in place of storemeas writing a row, with what was doubtful.
+    std::function<void(const QString& reason)> on_doubt;
+
+    /// Runs one cycle, behind `prepare` where there is something to set first. A fault in the cycle
+    /// ends it at once, silently; the values shown so far stay. An answer that is doubtful ends it
+    /// too, and there is no row: it might be another program's.
+    void measure(const std::function<void()>& prepare = {});
 
     /// Records the cycle just run; does nothing while the link is down or no measure is ticked.
     void storemeas();
 
+    /// What made the last cycle's values doubtful; empty when nothing did.
+    const QString& doubt() const { return doubt_; }
+
   private:
+    void run_trapped();
     void run_cycle();
     void blank_results();
     void digital_cycle();
@@ -50,6 +59,7 @@ class MeasureCycle {
     MeasureSteps& steps_;
     PageModel& page_;
     MeasurementLog& log_;
+    QString doubt_;
 };
 
 }  // namespace m47
