@@ -2,6 +2,7 @@
 // Fetching, keeping and recalling the logged data, byte for byte, without a screen.
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <QDir>
 #include <QFile>
@@ -42,6 +43,26 @@ class FullDisk {
   private:
     rlimit before_{};
 };
+
+/// Tests may run as the one user whom no permission stops.
+class OrdinaryUser {
+  public:
+    OrdinaryUser() {
+        if (before_ == 0 && seteuid(kNobody) != 0) qFatal("cannot become an ordinary user");
+    }
+    ~OrdinaryUser() {
+        if (seteuid(before_) != 0) qFatal("cannot become the user of before");
+    }
+    OrdinaryUser(const OrdinaryUser&) = delete;
+    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
+
+  private:
+    static constexpr uid_t kNobody = 65534;
+    const uid_t before_ = geteuid();
+};
+
+constexpr auto kWrittenByAll = QFile::Permissions(0x6666);
+constexpr auto kWrittenByNobody = QFile::Permissions(0x5555);
 
 }  // namespace
 
@@ -262,6 +283,31 @@ class DataTest : public QObject {
             download();
             QCOMPARE(data_->text(), QByteArray());
         }
+    }
+
+    void an_older_file_stands_where_the_newer_does_not_fit() {
+        // Where the folder takes no second file beside it, the older one used to be written over.
+        write("day.dwl", "older");
+        QVERIFY(QFile::setPermissions(path("day.dwl"), kWrittenByAll));
+        meter_sends(QByteArray(5000, 'x') + "\r\n");
+        download();
+        QVERIFY(QFile::setPermissions(folder_->path(), kWrittenByNobody));
+        {
+            const OrdinaryUser user;
+            const FullDisk disk(1000);
+            data_->save(path("day.dwl"));
+        }
+        QCOMPARE(data_->file_name(), QString());
+        QCOMPARE(content("day.dwl"), QByteArray("older"));
+    }
+
+    void a_temporary_file_follows_no_link() {
+        write("own.txt", "kept");
+        QVERIFY(QFile::link(path("own.txt"), path("A.TMP")));
+        meter_sends("x\r");
+        data_->download(command::kAllLogs, "a.tmp");
+        QCOMPARE(data_->text(), QByteArray());
+        QCOMPARE(content("own.txt"), QByteArray("kept"));
     }
 
     void files_that_cannot_be_read_empty_the_text_and_keep_the_name() {

@@ -1137,6 +1137,16 @@ class PlanScreenTest : public QObject, protected ProgramInFolder {
                       pressing(QMessageBox::Ok)(QApplication::activeModalWidget());
                   }));
         QCOMPARE(told_, QStringList{"Error|some.csv is neither a plan nor a DVB scan table."});
+        // What is longer than any plan is not even read.
+        QVERIFY(source.open(QIODevice::WriteOnly));
+        source.write("pg_num,frequenza\n8,1500\n" + QByteArray(1024 * 1024, '\n'));
+        source.close();
+        told_.clear();
+        answering(pressed("cmdimport"), choose(file, [this] {
+                      note(QApplication::activeModalWidget());
+                      pressing(QMessageBox::Ok)(QApplication::activeModalWidget());
+                  }));
+        QCOMPARE(told_, QStringList{"Error|some.csv is longer than 1 MiB, which no plan is."});
     }
 
     void programs_and_plans_are_copied() {

@@ -2,6 +2,7 @@
 // The commands of an upload as text, and how they are sent.
 #include <signal.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 #include <QDir>
 #include <QFile>
@@ -273,6 +274,30 @@ class UploadTest : public QObject {
             failed = true;
         }
         QVERIFY(failed);
+    }
+
+    void nothing_of_others_is_written_in_the_place_of_the_scratch_file() {
+        const QString scratch = folder_.filePath(QStringLiteral("temp.dat"));
+        const auto refused = [&] {
+            QVERIFY_EXCEPTION_THROWN(lines_through_file(program_.base_dir, QStringLiteral("x")),
+                                     Fault);
+        };
+        QFile own(folder_.filePath(QStringLiteral("own.txt")));
+        QVERIFY(own.open(QIODevice::WriteOnly) && own.write("kept") == 4 && own.flush());
+        QVERIFY(own.link(scratch));
+        refused();
+        QVERIFY(QFileInfo(scratch).isSymLink());
+        QCOMPARE(own.size(), 4);
+        QVERIFY(QFile::remove(scratch));
+        // A link to nowhere makes no file there.
+        QVERIFY(QFile::link(folder_.filePath(QStringLiteral("nowhere")), scratch));
+        refused();
+        QVERIFY(!QFile::exists(folder_.filePath(QStringLiteral("nowhere"))));
+        QVERIFY(QFile::remove(scratch));
+        // A pipe that nobody reads would be waited for.
+        QCOMPARE(mkfifo(QFile::encodeName(scratch).constData(), 0600), 0);
+        refused();
+        QVERIFY(QFile::remove(scratch));
     }
 
     void the_scratch_file_goes_when_it_takes_only_a_part() {

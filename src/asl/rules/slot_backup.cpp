@@ -98,9 +98,9 @@ bool SlotBackup::save(const QString& path, const SlotTable& table) {
 }
 
 SlotTable SlotBackup::slots_in_file(const QString& path) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly) || file.size() > kLongestFile) return {};
-    return parse_slots(QString::fromLatin1(file.readAll()));
+    const FileReading reading = read_plain_file(path, kLongestFile);
+    if (reading.fault != FileFault::none) return {};
+    return parse_slots(QString::fromLatin1(reading.bytes));
 }
 
 /// A name in the folder of `path` that no file has yet.

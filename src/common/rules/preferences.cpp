@@ -39,6 +39,12 @@ QString Preferences::usual_file() {
            QStringLiteral("/m47-remote/m47-remote.ini");
 }
 
+Preferences::Preferences(const QString& file) {
+    // Anything else, such as a pipe, would be waited for.
+    const QFileInfo about(file);
+    if (!about.exists() || about.isFile()) file_ = file;
+}
+
 QVariant Preferences::value(const QString& key) const {
     if (file_.isEmpty()) return {};
     return QSettings(file_, QSettings::IniFormat).value(key);

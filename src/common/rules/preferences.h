@@ -25,7 +25,8 @@ class Preferences {
 
     /// Remembers nothing.
     Preferences() = default;
-    explicit Preferences(QString file) : file_(std::move(file)) {}
+    /// Remembers in `file`; nothing where that is no plain file.
+    explicit Preferences(const QString& file);
 
     /// The user's file, in the folder of the desktop for settings.
     static QString usual_file();

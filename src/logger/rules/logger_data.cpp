@@ -39,7 +39,7 @@ NameFault LoggerData::download(const QString& command, const QString& name) {
 void LoggerData::visualizza(const QByteArray& answer) {
     text_.clear();
     const QString path = program_.base_dir + program_.temp_file_name;
-    if (write_file(path, answer)) show_file(path);
+    if (write_file(path, answer, Links::refused)) show_file(path);
 }
 
 bool LoggerData::show_file(const QString& path) {
@@ -55,7 +55,7 @@ void LoggerData::open(const QString& path) {
 }
 
 void LoggerData::save(const QString& path) {
-    if (write_file(path, text_)) file_name_ = path;
+    if (write_file(path, text_, Links::followed)) file_name_ = path;
 }
 
 void LoggerData::remove(const QString& path) {

@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "logger_files.h"
 
-#include <QFile>
-#include <QFileInfo>
-
 #include "database.h"
 #include "save_file.h"
 
@@ -12,13 +9,6 @@ namespace {
 
 constexpr qint64 kLongestFile = qint64{64} * 1024 * 1024;
 constexpr char kLineEnd[] = "\r\n";
-
-/// A name that stands for something else than a plain file cannot be meant, and a pipe would hold
-/// the program up for ever.
-bool plain_file_or_none(const QString& path) {
-    const QFileInfo info(path);
-    return !info.exists() || info.isFile();
-}
 
 }  // namespace
 
@@ -49,21 +39,13 @@ QByteArray with_line_ends(const QByteArray& content) {
 }
 
 bool read_file(const QString& path, QByteArray& content) {
-    QFile file(path);
-    if (!plain_file_or_none(path) || !file.open(QIODevice::ReadOnly)) return false;
-    if (file.size() > kLongestFile) return false;
-    content = file.readAll();
-    return file.error() == QFileDevice::NoError;
+    const FileReading reading = read_plain_file(path, kLongestFile);
+    content = reading.bytes;
+    return reading.fault == FileFault::none;
 }
 
-bool write_file(const QString& path, const QByteArray& content) {
-    if (!plain_file_or_none(path)) return false;
-    QSaveFile file(path);
-    // Where no file can be made beside it, the file itself is written.
-    file.setDirectWriteFallback(true);
-    const QByteArray bytes = content + kLineEnd;
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() &&
-           put_in_place(file);
+bool write_file(const QString& path, const QByteArray& content, Links links) {
+    return write_whole_file(path, content + kLineEnd, links).isEmpty();
 }
 
 }  // namespace m47

@@ -5,6 +5,8 @@
 #include <QString>
 #include <optional>
 
+#include "plain_file.h"
+
 namespace m47 {
 
 /// What is wrong with a name for the temporary download file.
@@ -27,8 +29,9 @@ QByteArray with_line_ends(const QByteArray& content);
 /// an error is in `content` all the same.
 bool read_file(const QString& path, QByteArray& content);
 
-/// Creates or overwrites a file with `content` and one line end. False when it could not be
-/// written completely; what is on the disk then is not to be relied on.
-bool write_file(const QString& path, const QByteArray& content);
+/// Creates or overwrites a file with `content` and one line end, whole or not at all. False when it
+/// could not be written: an older file stands as it was then. A name that the user chose may be
+/// that of a link; the program's own are not followed.
+bool write_file(const QString& path, const QByteArray& content, Links links);
 
 }  // namespace m47

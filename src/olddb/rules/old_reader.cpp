@@ -1,15 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "old_reader.h"
 
-#include <sys/stat.h>
-
 #include <QDeadlineTimer>
 #include <QFile>
 #include <QProcess>
-#include <cerrno>
-#include <cstring>
 
 #include "old_stream.h"
+#include "plain_file.h"
 #include "schema.h"
 
 namespace m47 {
@@ -27,30 +24,22 @@ constexpr qint64 kPage4 = 4096;
 
 using Failure = std::optional<OldFileError>;
 
-Failure fault_of_place_of_old(const QString& path) {
-    struct stat about {};
-    if (::stat(QFile::encodeName(path).constData(), &about) != 0) {
-        const bool absent = errno == ENOENT || errno == ENOTDIR;
-        return OldFileError{absent ? OldFileFault::missing : OldFileFault::unreadable, path,
-                            QString::fromLocal8Bit(std::strerror(errno))};
-    }
-    // A pipe would never answer.
-    if (!S_ISREG(about.st_mode)) return OldFileError{OldFileFault::unreadable, path, {}};
-    return std::nullopt;
-}
-
 /// What can be told without the library: it would take any file for one of the old engine.
 Failure fault_of_start(const QString& path) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
-        return OldFileError{OldFileFault::unreadable, path, file.errorString()};
+    PlainFile plain(path, kLargest);
+    if (plain.fault() == FileFault::too_long) return OldFileError{OldFileFault::damaged, path, {}};
+    if (plain.fault() == FileFault::missing)
+        return OldFileError{OldFileFault::missing, path, plain.reason()};
+    if (plain.fault() != FileFault::none)
+        return OldFileError{OldFileFault::unreadable, path, plain.reason()};
+    QFile& file = plain.file();
     const QByteArray start = file.read(kVersionAt + 1);
     if (start.mid(kEngineAt, kEngineName.size()) != kEngineName || start.size() <= kVersionAt)
         return OldFileError{OldFileFault::no_jet, path, {}};
     const char version = start[kVersionAt];
     if (version != kJet3 && version != kJet4) return OldFileError{OldFileFault::no_jet, path, {}};
     const qint64 page = version == kJet3 ? kPage3 : kPage4;
-    if (file.size() % page != 0 || file.size() > kLargest)
+    if (file.size() % page != 0)
         return OldFileError{OldFileFault::damaged, path,
                             QStringLiteral("%1 bytes").arg(file.size())};
     return std::nullopt;
@@ -84,9 +73,7 @@ bool holds_our_table(const OldDatabase& database) {
 std::optional<OldDatabase> read_old_database(const QString& path, OldFileError& error,
                                              const std::function<void()>& idle,
                                              const OldReaderLimits& limits) {
-    Failure failure = fault_of_place_of_old(path);
-    if (!failure) failure = fault_of_start(path);
-    if (failure) {
+    if (const Failure failure = fault_of_start(path)) {
         error = *failure;
         return std::nullopt;
     }

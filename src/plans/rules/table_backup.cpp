@@ -14,13 +14,15 @@ namespace m47 {
 namespace {
 
 constexpr qsizetype kKept = 30;
+// More than any answer of the meter.
+constexpr qint64 kLongestTable = qint64{8} * 1024 * 1024;
 const QString kBackupFolder = QStringLiteral("backup");
 // A wider pattern would take files away that the user has put there.
 const QString kBackupFiles = QStringLiteral("^logger-\\d{8}-\\d{6}-\\d{3}\\.txt$");
 const QString kScratchFile = QStringLiteral("temp.dat");
 
-[[noreturn]] void throw_file_fault(const QFileDevice& file) {
-    throw Fault((file.fileName() + QStringLiteral(": ") + file.errorString()).toStdString());
+[[noreturn]] void throw_file_fault(const QString& path, const QString& reason) {
+    throw Fault((path + QStringLiteral(": ") + reason).toStdString());
 }
 
 /// A name that no file has yet.
@@ -41,29 +43,31 @@ void trim_backups(QDir& folder, const QString& fresh) {
     for (qsizetype k = 0; k <= others.size() - kKept; ++k) folder.remove(others[k]);
 }
 
-/// A file that goes with this object.
+/// The program's scratch file, taken away with this object.
 class ScratchFile {
   public:
-    explicit ScratchFile(const QString& path) : file_(path) {}
-    // By its name: an open file whose rest cannot be written does not let itself be removed.
-    ~ScratchFile() { QFile::remove(file_.fileName()); }
+    explicit ScratchFile(const QString& path) : path_(path) {}
+    ~ScratchFile() {
+        if (written_) QFile::remove(path_);
+    }
     ScratchFile(const ScratchFile&) = delete;
     ScratchFile& operator=(const ScratchFile&) = delete;
 
     void write(const QByteArray& bytes) {
-        if (!file_.open(QIODevice::WriteOnly) || file_.write(bytes) != bytes.size() ||
-            !file_.flush())
-            throw_file_fault(file_);
-        file_.close();
+        const QString reason = write_whole_file(path_, bytes, Links::refused);
+        if (!reason.isEmpty()) throw_file_fault(path_, reason);
+        written_ = true;
     }
 
     QByteArray read() {
-        if (!file_.open(QIODevice::ReadOnly)) throw_file_fault(file_);
-        return file_.readAll();
+        const FileReading reading = read_plain_file(path_, kLongestTable, Links::refused);
+        if (reading.fault != FileFault::none) throw_file_fault(path_, reading.reason);
+        return reading.bytes;
     }
 
   private:
-    QFile file_;
+    QString path_;
+    bool written_ = false;  ///< what stands there else is not ours to take away
 };
 
 }  // namespace
@@ -74,8 +78,8 @@ void keep_table(const QString& base_dir, const QString& table, const QDateTime& 
         throw Fault(
             (folder.filePath(kBackupFolder) + QStringLiteral(": cannot be made")).toStdString());
     const QString path = free_backup_name(folder, now);
-    const QString reason = write_whole_file(path, table.toLatin1());
-    if (!reason.isEmpty()) throw Fault((path + QStringLiteral(": ") + reason).toStdString());
+    const QString reason = write_whole_file(path, table.toLatin1(), Links::refused);
+    if (!reason.isEmpty()) throw_file_fault(path, reason);
     trim_backups(folder, QFileInfo(path).fileName());
 }
 

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The menu entries of the plan screen that bring programs in and out.
-#include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
 
@@ -16,26 +15,23 @@
 namespace m47 {
 namespace {
 
+constexpr qint64 kLongestPlanFile = qint64{1024} * 1024;
 constexpr Bilingual kNotUnderstood{"%1 is neither a plan nor a DVB scan table.",
                                    "%1 non è un piano né una tabella DVB."};
+constexpr Bilingual kTooLong{"%1 is longer than 1 MiB, which no plan is.",
+                             "%1 supera 1 MiB: nessun piano è così lungo."};
 constexpr Bilingual kPlanExists{"The plan %1 already exists.", "Il piano %1 esiste già."};
 constexpr Bilingual kCopyInto{"Copy the program into the plan:", "Copia il programma nel piano:"};
 constexpr Bilingual kCopyPlanAs{"Copy the plan under the name:", "Copia il piano con il nome:"};
 
-[[noreturn]] void throw_plan_file_fault(const QFileDevice& file) {
-    throw Fault((file.fileName() + QStringLiteral(": ") + file.errorString()).toStdString());
-}
-
-QByteArray read_plan_file(const QString& path) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) throw_plan_file_fault(file);
-    return file.readAll();
+[[noreturn]] void throw_plan_file_fault(const QString& path, const QString& reason) {
+    throw Fault((path + QStringLiteral(": ") + reason).toStdString());
 }
 
 /// Writes the file whole or not at all.
 void write_plan_file(const QString& path, const QByteArray& bytes) {
     const QString reason = write_whole_file(path, bytes);
-    if (!reason.isEmpty()) throw Fault((path + QStringLiteral(": ") + reason).toStdString());
+    if (!reason.isEmpty()) throw_plan_file_fault(path, reason);
 }
 
 }  // namespace
@@ -62,9 +58,12 @@ void ProgramSet::cmdimport_Click() {
     if (lacks_plan()) return;
     const QString path = ask_file(false, {QStringLiteral("(*)"), QStringLiteral("(*.tsv *.csv)")});
     if (path.isEmpty()) return;
-    const ImportFile file = parse_import_file(read_plan_file(path), offset());
+    const FileReading reading = read_plain_file(path, kLongestPlanFile);
+    if (!reading.reason.isEmpty()) throw_plan_file_fault(path, reading.reason);
+    const ImportFile file = parse_import_file(reading.bytes, offset());
     if (!file.understood) {
-        tell_problem(this, program_.texts.pick(kNotUnderstood).arg(QFileInfo(path).fileName()));
+        const Bilingual& what = reading.fault == FileFault::too_long ? kTooLong : kNotUnderstood;
+        tell_problem(this, program_.texts.pick(what).arg(QFileInfo(path).fileName()));
         return;
     }
     const ImportPreview preview =

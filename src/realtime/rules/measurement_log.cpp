@@ -13,11 +13,14 @@
 #include <vector>
 
 #include "log_lines.h"
+#include "plain_file.h"
 
 namespace m47 {
 namespace {
 
 constexpr std::size_t kBlockBytes = std::size_t{256} * 1024;
+// The page of such a log takes twice as much memory.
+constexpr qint64 kLongestLog = qint64{1024} * 1024 * 1024;
 
 // A name may be that of a pipe or of a serial device: neither may hold the program up.
 constexpr int kNeverWait = O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
@@ -99,10 +102,10 @@ void MeasurementLog::open(const QString& path, PageModel& page) {
     path_ = path;
     log_open_ = true;
     reason_.clear();
-    OpenFile file(::open(QFile::encodeName(path).constData(), O_RDONLY | kNeverWait));
-    if (!file.opened() || !file.length()) return;
+    PlainFile plain(path, kLongestLog);
+    if (plain.fault() != FileFault::none) return;
     PageStore store;
-    read_lines(file.get(), store);
+    read_lines(plain.file().handle(), store);
     page.replace(std::move(store));
 }
 

@@ -21,9 +21,9 @@ class MeasurementLog {
 
     /// Starts logging to `path` and replaces the measurements on `page` by the lines of that file;
     /// a line ends at CR, LF or CR LF. A file that cannot be read leaves the page alone: a new name
-    /// is created by the first append(). A line of more than 11 fields, or one that is no text line
-    /// at all (256 KiB and more), ends the reading without a word; what came before it stays, and
-    /// so do the first 11 fields. An empty path opens nothing.
+    /// is created by the first append(), and so does one above 1 GiB. A line of more than 11
+    /// fields, or one that is no text line at all (256 KiB and more), ends the reading without a
+    /// word; what came before it stays, and so do the first 11 fields. An empty path opens nothing.
     void open(const QString& path, PageModel& page);
 
     /// Stops logging; neither the file nor the page is touched.

@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Files that are read with a limit and written whole or not at all.
+#include <sys/stat.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+#include <memory>
+
+#include "preferences.h"
+#include "save_file.h"
+
+namespace m47 {
+
+class FilesTest : public QObject {
+    Q_OBJECT
+
+  private:
+    QString path(const char* name) const { return folder_->filePath(QString::fromLatin1(name)); }
+    QString put(const char* name, const QByteArray& bytes) const {
+        QFile file(path(name));
+        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+            qFatal("cannot write %s", qPrintable(file.fileName()));
+        return file.fileName();
+    }
+    QString make_pipe(const char* name) const {
+        if (mkfifo(QFile::encodeName(path(name)).constData(), 0600) != 0) qFatal("no pipe");
+        return path(name);
+    }
+    static QByteArray content(const QString& path) { return read_plain_file(path, 1000).bytes; }
+
+    std::unique_ptr<QTemporaryDir> folder_;
+
+  private Q_SLOTS:
+    void init() { folder_ = std::make_unique<QTemporaryDir>(); }
+
+    void a_plain_file_is_read_up_to_its_limit() {
+        const QString file = put("a", "12345");
+        QCOMPARE(read_plain_file(file, 5).fault, FileFault::none);
+        QCOMPARE(read_plain_file(file, 5).bytes, QByteArray("12345"));
+        QCOMPARE(read_plain_file(file, 4).fault, FileFault::too_long);
+        QCOMPARE(read_plain_file(file, 4).bytes, QByteArray());
+        QCOMPARE(read_plain_file(put("empty", {}), 0).fault, FileFault::none);
+    }
+
+    void what_is_no_plain_file_is_not_waited_for() {
+        for (const QString& other :
+             {make_pipe("pipe"), folder_->path(), QStringLiteral("/dev/zero")}) {
+            QCOMPARE(read_plain_file(other, 100).fault, FileFault::not_plain);
+            QCOMPARE(read_plain_file(other, 100).bytes, QByteArray());
+        }
+        const FileReading missing = read_plain_file(path("none"), 100);
+        QCOMPARE(missing.fault, FileFault::missing);
+        QCOMPARE(missing.reason, QString("No such file or directory"));
+        QCOMPARE(read_plain_file(put("a", "1") + "/below", 100).fault, FileFault::missing);
+    }
+
+    void a_link_is_followed_where_somebody_chose_it() {
+        const QString file = put("a", "older");
+        QVERIFY(QFile::link(file, path("link")));
+        QCOMPARE(read_plain_file(path("link"), 100).bytes, QByteArray("older"));
+        QCOMPARE(read_plain_file(path("link"), 100, Links::refused).fault, FileFault::not_plain);
+        QCOMPARE(write_whole_file(path("link"), "newer"), QString());
+        QCOMPARE(content(file), QByteArray("newer"));
+        QVERIFY(QFileInfo(path("link")).isSymLink());
+        QCOMPARE(write_whole_file(path("link"), "own", Links::refused),
+                 QString("not a plain file"));
+        QCOMPARE(content(file), QByteArray("newer"));
+        QVERIFY(QFile::remove(file));
+        QCOMPARE(write_whole_file(path("link"), "own", Links::refused),
+                 QString("not a plain file"));
+        QVERIFY(!QFile::exists(file));
+    }
+
+    void only_a_plain_file_is_replaced() {
+        const QString pipe = make_pipe("pipe");
+        QCOMPARE(write_whole_file(pipe, "x"), QString("not a plain file"));
+        QCOMPARE(write_whole_file(QStringLiteral("/dev/null"), "x"), QString("not a plain file"));
+        QVERIFY(QDir(folder_->path()).mkdir("folder"));
+        QCOMPARE(write_whole_file(path("folder"), "x"), QString("not a plain file"));
+        QCOMPARE(write_whole_file(path("folder"), "x", Links::refused),
+                 QString("not a plain file"));
+        QCOMPARE(write_whole_file(pipe, "x", Links::refused), QString("not a plain file"));
+    }
+
+    void what_cannot_be_remembered_is_not_waited_for() {
+        const Preferences none(make_pipe("settings.ini"));
+        QCOMPARE(none.directory("here"), QString("here"));
+        none.file_chosen(path("a"));
+        const Preferences some(path("other.ini"));
+        some.file_chosen(path("a"));
+        QCOMPARE(some.directory("here"), folder_->path());
+    }
+};
+
+}  // namespace m47
+
+QTEST_GUILESS_MAIN(m47::FilesTest)
+#include "files_test.moc"
