@@ -131,7 +131,7 @@ int run_with_options(int argc, char** argv, const Options& options) {
 }  // namespace
 
 int run_program(int argc, char** argv) {
-    if (argc == 3 && qstrcmp(argv[1], kReadOldDatabase) == 0) return run_old_reader(argv[2]);
+    if (argc == 2 && qstrcmp(argv[1], kReadOldDatabase) == 0) return run_old_reader();
     const Options options = parse_options(own_arguments(argc, argv));
     switch (options.action) {
         case Options::Action::help:

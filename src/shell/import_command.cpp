@@ -82,6 +82,9 @@ int import_unattended(Database& database, const QString& path, const Texts& text
                      old_file_error_text(error, texts).toLocal8Bit().constData());
         return kOldFileUnreadable;
     }
+    const QString remark = reader_remark(*old, texts);
+    if (!remark.isEmpty())
+        std::fprintf(stderr, "m47-remote: %s\n", remark.toLocal8Bit().constData());
     ImportPlan plan = import_plan_of(*old);
     const QString stopped = apply_import(plan, database, texts);
     const QByteArray report = import_report(plan, path, stopped, texts).toUtf8();

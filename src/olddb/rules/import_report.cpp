@@ -121,6 +121,12 @@ QString sum_of(const ImportPlan& plan, const Report& report) {
     return report.filled_in(kSum, counts << QString::number(plan.corrected.size()));
 }
 
+constexpr Bilingual kNotHeld{
+    "This kernel has neither Landlock nor seccomp: what reads old databases was held by limits of "
+    "time, memory and open files alone.",
+    "Questo kernel non ha né Landlock né seccomp: la lettura dei vecchi database è stata limitata "
+    "solo in tempo, memoria e file aperti."};
+
 }  // namespace
 
 QString old_file_error_text(const OldFileError& error, const Texts& texts) {
@@ -128,6 +134,10 @@ QString old_file_error_text(const OldFileError& error, const Texts& texts) {
         filled(texts.pick(wording_of_fault(error.fault)), {QDir::toNativeSeparators(error.path)});
     text += u' ' + texts.pick(kNothingChanged);
     return error.detail.isEmpty() ? text : text + QStringLiteral(" (%1)").arg(error.detail);
+}
+
+QString reader_remark(const OldDatabase& old, const Texts& texts) {
+    return old.reader_was_held ? QString() : texts.pick(kNotHeld);
 }
 
 QString import_report(const ImportPlan& plan, const QString& path, const QString& stopped,

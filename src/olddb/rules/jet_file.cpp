@@ -158,9 +158,15 @@ bool is_ours(const char* name) {
 
 }  // namespace
 
-OldDatabase read_jet_file(const QByteArray& path) {
-    const JetHandle handle(mdb_open(path.constData(), MDB_NOFLAGS));
+OldDatabase read_jet_file(QByteArrayView file) {
+    // Without a flag that asks for writing the library only reads there.
+    const JetHandle handle(mdb_open_buffer(const_cast<char*>(file.data()),
+                                           static_cast<size_t>(file.size()), MDB_NOFLAGS));
     if (!handle) throw JetDamage("its first page");
+    // The library would go on with question marks in place of letters.
+    const auto no_table = reinterpret_cast<iconv_t>(-1);
+    if (handle->iconv_in == no_table || handle->iconv_out == no_table)
+        throw JetDamage("no table for its code page");
     OldDatabase database;
     database.version = handle->f->jet_version == MDB_VER_JET3 ? 3 : 4;
     const qint64 pages = pages_in(handle.get());

@@ -24,6 +24,8 @@ struct OldDatabase {
     QList<OldTable> tables;
     /// Other tables, and as "table.field" the fields of a kind that no field of ours has.
     QStringList others;
+    /// The kernel held the process that read it: by Landlock, by seccomp or by both.
+    bool reader_was_held = false;
 
     bool operator==(const OldDatabase&) const = default;
 };

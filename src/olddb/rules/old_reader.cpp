@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "old_reader.h"
 
+#include <unistd.h>
+
 #include <QDeadlineTimer>
 #include <QFile>
 #include <QProcess>
@@ -25,8 +27,7 @@ constexpr qint64 kPage4 = 4096;
 using Failure = std::optional<OldFileError>;
 
 /// What can be told without the library: it would take any file for one of the old engine.
-Failure fault_of_start(const QString& path) {
-    PlainFile plain(path, kLargest);
+Failure fault_of_start(const QString& path, PlainFile& plain) {
     if (plain.fault() == FileFault::too_long) return OldFileError{OldFileFault::damaged, path, {}};
     if (plain.fault() == FileFault::missing)
         return OldFileError{OldFileFault::missing, path, plain.reason()};
@@ -73,15 +74,19 @@ bool holds_our_table(const OldDatabase& database) {
 std::optional<OldDatabase> read_old_database(const QString& path, OldFileError& error,
                                              const std::function<void()>& idle,
                                              const OldReaderLimits& limits) {
-    if (const Failure failure = fault_of_start(path)) {
+    // Opened once for all that is read of it.
+    PlainFile plain(path, kLargest);
+    if (const Failure failure = fault_of_start(path, plain)) {
         error = *failure;
         return std::nullopt;
     }
     QProcess process;
     process.setStandardErrorFile(QProcess::nullDevice());
+    // What was looked at here is what is read there, whatever happens to its name.
     process.setStandardInputFile(QProcess::nullDevice());
+    process.setChildProcessModifier([&plain] { ::dup2(plain.file().handle(), STDIN_FILENO); });
     // Not by its name: an update may have put another version there since this one started.
-    process.start(QStringLiteral("/proc/self/exe"), {QLatin1String(kReadOldDatabase), path});
+    process.start(QStringLiteral("/proc/self/exe"), {QLatin1String(kReadOldDatabase)});
     if (!process.waitForStarted()) {
         error = {OldFileFault::unreadable, path, process.errorString()};
         return std::nullopt;

@@ -9,8 +9,8 @@
 
 namespace m47 {
 
-/// The first argument that makes this program a process that only reads a file of the old engine,
-/// named by the second, and hands over what it found on stdout. Not for users.
+/// The only argument that makes this program a process that reads the file of the old engine on its
+/// stdin, hands over what it found on stdout and can do nothing else. Not for users.
 inline constexpr const char* kReadOldDatabase = "--read-old-database";
 
 /// What a reading process may take before it is ended.
@@ -27,8 +27,9 @@ std::optional<OldDatabase> read_old_database(const QString& path, OldFileError& 
                                              const std::function<void()>& idle = {},
                                              const OldReaderLimits& limits = {});
 
-/// The reading process: what follows kReadOldDatabase on its command line. It takes the limits of
-/// the system for its own time, memory and files. Returns the exit status.
-int run_old_reader(const char* path);
+/// The reading process. It takes the limits of the system for its own time and memory and gives up
+/// whatever else the kernel lets it before it looks at the first byte (confinement.h). Does not
+/// return.
+[[noreturn]] int run_old_reader();
 
 }  // namespace m47

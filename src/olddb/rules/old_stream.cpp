@@ -99,6 +99,7 @@ OldTable taken_table(QDataStream& stream) {
 OldDatabase taken_database(QDataStream& stream) {
     OldDatabase database;
     database.version = taken<qint32>(stream);
+    database.reader_was_held = taken<bool>(stream);
     for (auto left = taken<quint32>(stream); left > 0 && stream.status() == QDataStream::Ok; --left)
         database.tables += taken_table(stream);
     database.others = taken_texts(stream);
@@ -106,7 +107,8 @@ OldDatabase taken_database(QDataStream& stream) {
 }
 
 void write_database(QDataStream& stream, const OldDatabase& database) {
-    stream << qint32{database.version} << static_cast<quint32>(database.tables.size());
+    stream << qint32{database.version} << database.reader_was_held
+           << static_cast<quint32>(database.tables.size());
     for (const OldTable& table : database.tables) {
         stream << table.name;
         write_texts(stream, table.fields);
