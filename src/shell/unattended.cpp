@@ -67,7 +67,6 @@ void print_row(Run& run, const QStringList& row) {
     const QByteArray line = row.join(run.screen.rules.state.field_separator).toUtf8();
     if (std::printf("%s\n", line.constData()) < 0 || std::fflush(stdout) != 0)
         run.stdout_lost = true;
-    if (row.constLast() == QLatin1String("FAIL")) run.alarm_failed = true;
 }
 
 void tell_log(Run& run, const QString& reason) {
@@ -194,6 +193,9 @@ int run_unattended(Program& program, const Options& options) {
     Realtime* screen = program.make_realtime(&program.window());
     Run run{program, options, *screen};
     screen->rules.cycle.on_row = [&run](const QStringList& row) { print_row(run, row); };
+    screen->rules.cycle.on_measured = [&run](const Measurement& measurement) {
+        if (measurement.verdict == Verdict::fail) run.alarm_failed = true;
+    };
     screen->rules.cycle.on_log_written = [&run](const QString& reason) { tell_log(run, reason); };
     try {
         if (!options.plan.isEmpty() && !plan_is_there(run)) return kDatabase;

@@ -6,6 +6,7 @@
 #include <QTest>
 
 #include "realtime_fixture.h"
+#include "row_time.h"
 
 namespace m47 {
 namespace {
@@ -56,6 +57,11 @@ class MeasureCycleTest : public QObject {
     void row_of_the_mode_and_cycle_of_the_frame();
     void row_of_another_mode();
     void each_row_is_announced();
+    void what_was_sent_and_answered_is_kept_beside_the_row();
+    void the_digital_level_is_kept_though_the_row_is_analog();
+    void the_limits_that_were_checked_are_kept();
+    void complete_measures_are_kept();
+    void a_unit_that_was_lost_on_its_way_is_not_known();
     void log_grows_by_one_line_a_measurement();
     void log_that_cannot_be_written_loses_its_line();
     void link_lost_within_the_wait();
@@ -481,6 +487,100 @@ void MeasureCycleTest::each_row_is_announced() {
     QCOMPARE(rows.size(), 1);
     QCOMPARE(rows[0].join(u'|'), row());
     QCOMPARE(log_writes, 0);
+}
+
+void MeasureCycleTest::what_was_sent_and_answered_is_kept_beside_the_row() {
+    Measurement told;
+    f_->rules.cycle.on_measured = [&](const Measurement& measurement) { told = measurement; };
+    panel().meas_statea[kLevel] = true;
+    // The unit of the meter is not known before it was told or asked, and no oscillator is in use,
+    // whatever stands in the boxes.
+    f_->program.unit_index = panel().cmdlev = kDbm;
+    measure_and_store();
+    QVERIFY(told.mode == MeasureMode::analog);
+    QCOMPARE(*told.frequency, 1000.0F);
+    QVERIFY(!told.oscillator && !told.unit && !told.program.known());
+    QVERIFY(told.verdict == Verdict::none);
+    QCOMPARE(reading_text(Quantity::level, told.reading(Quantity::level)), QString("58.3"));
+    QVERIFY(!told.reading(Quantity::ber).measured());
+    QCOMPARE(time_text(*told.instant), std::string("2026-11-21 10:00:01"));
+    panel().locopt = {false, true};
+    panel().fsat = "11778";
+    f_->values["FREQ?"] = "11778";
+    f_->rules.tuning.locopt_Click(1);
+    f_->rules.modes.cmdlev_Click(kDbmv);
+    // Typed and not confirmed: the meter knows nothing of it.
+    panel().ol_freq = "9750";
+    panel().fsat = "11000";
+    f_->rules.cycle.measure({}, {"ASTRA", "007"});
+    f_->rules.cycle.storemeas();
+    QCOMPARE(*told.oscillator, 10600.0F);
+    QVERIFY(told.unit == kDbmv);
+    QCOMPARE(told.program.text(), QString("ASTRA 007"));
+    const Measurement kept = page().store().measurement(1);
+    QVERIFY(kept.oscillator == told.oscillator && kept.unit == kDbmv);
+    QCOMPARE(kept.frequency, told.frequency);
+    QVERIFY(kept.program == told.program);
+}
+
+void MeasureCycleTest::the_digital_level_is_kept_though_the_row_is_analog() {
+    show_digital();
+    f_->rules.modes.Form_Activate();
+    tick({kDcpLevel});
+    measure_and_store();
+    QCOMPARE(results(), QString("1000.0|10600|||||||"));
+    const Measurement kept = page().store().measurement(0);
+    QVERIFY(kept.mode == MeasureMode::digital);
+    QCOMPARE(reading_text(Quantity::level, kept.reading(Quantity::level)), QString("61.5"));
+}
+
+void MeasureCycleTest::the_limits_that_were_checked_are_kept() {
+    show_digital();
+    tick({kDcpLevel, kChber, kPvBer, kCfo, kMer});
+    panel().alarm_stated = {true, false, false, true};
+    panel().lev_mind = "30";
+    panel().lev_maxd = "80";
+    panel().mer_mind = "13";
+    panel().mer_maxd = "20";
+    measure_and_store();
+    const Measurement kept = page().store().measurement(0);
+    const auto limits = [&kept](Quantity quantity) {
+        return kept.limits[static_cast<std::size_t>(quantity)];
+    };
+    QVERIFY(limits(Quantity::level) == Limits({30, 80}));
+    QVERIFY(limits(Quantity::mer) == Limits({13, 20}));
+    QVERIFY(!limits(Quantity::ber) && !limits(Quantity::cn));
+    QVERIFY(kept.verdict == Verdict::fail);  // 12.3 is below 13
+    const auto shown = [&kept](Quantity quantity) {
+        return reading_text(quantity, kept.reading(quantity));
+    };
+    QCOMPARE(shown(Quantity::ber), QString("2.0E-4"));
+    QCOMPARE(shown(Quantity::pvber), QString("<1.0E-8"));
+    QCOMPARE(kept.reading(Quantity::cfo).value, 1.25F);
+    QCOMPARE(shown(Quantity::mer), QString("12.3"));
+}
+
+void MeasureCycleTest::complete_measures_are_kept() {
+    panel().cmdcomplete = true;
+    panel().noise_freqa = "1050.0";
+    f_->values["LEVCNA?"] = "CN 12.5";
+    for (auto& ticked : panel().meas_statea) ticked = true;
+    measure_and_store();
+    const Measurement kept = page().store().measurement(0);
+    QCOMPARE(reading_text(Quantity::cn, kept.reading(Quantity::cn)), QString("12.5"));
+    QCOMPARE(reading_text(Quantity::noise, kept.reading(Quantity::noise)), QString("58.3"));
+    QCOMPARE(*kept.frequency, 1000.0F);  // that of the level, not of the noise beside it
+}
+
+void MeasureCycleTest::a_unit_that_was_lost_on_its_way_is_not_known() {
+    show_digital();
+    tick({kDcpLevel});
+    f_->rules.modes.cmdlev_Click(kDbm);
+    QCOMPARE(f_->link.settings.unit().value_or(-1), int(kDbm));
+    f_->refuse("UNIT 00");
+    measure_and_store();
+    QVERIFY(!f_->link.port_connected);
+    QVERIFY(!f_->link.settings.unit());
 }
 
 void MeasureCycleTest::log_grows_by_one_line_a_measurement() {

@@ -3,8 +3,10 @@
 #include <QTest>
 
 #include "customer_report.h"
+#include "panel_limits.h"
 #include "realtime_fixture.h"
 #include "report_summary.h"
+#include "trend_data.h"
 
 namespace m47 {
 
@@ -21,11 +23,10 @@ class ReportTest : public QObject {
         return page;
     }
     static ReportContext context() {
-        return {.entry = {"Via Roma 1", "A. Rossi", "Second dish"},
+        return {.entry = {"Via Roma 1", "A. Rossi", "Second dish", kDbuv},
                 .meter = "PLUS V3.0.5",
                 .made = QDateTime({2026, 11, 21}, {16, 30}),
                 .plan = "ASTRA",
-                .unit = "dBuV",
                 .limits = {{"7", "950", "45 … 80", "", "", ""}}};
     }
     static Texts texts(int language) {
@@ -72,20 +73,22 @@ class ReportTest : public QObject {
         const ReportTable table =
             compose_report(three_rows(), context(), texts(kEnglish)).measurements;
         QCOMPARE(table.header.join(u' '), QStringLiteral("DATE TIME FR OSC LEV BER PVBER CFO MER "
-                                                         "RU STATUS"));
+                                                         "RU STATUS UNIT"));
         QCOMPARE(table.rows.size(), 3);
-        QCOMPARE(table.rows[1], QStringList({"21/11/26", "10:00:10", "11778.0", "10600", ">61.0",
-                                             "2.0E-4", "<1.0E-8", "0.1", "14.2", "", "FAIL"}));
+        QCOMPARE(table.rows[1],
+                 QStringList({"21/11/26", "10:00:10", "11778.0", "10600", ">61.0", "2.0E-4",
+                              "<1.0E-8", "0.1", "14.2", "", "FAIL", "dBuV"}));
         QCOMPARE(table.remark, QStringLiteral("All 3 measurements."));
     }
 
     void the_summary_counts_every_program_with_its_extremes() {
         const ReportTable table = compose_report(three_rows(), context(), texts(kEnglish)).summary;
         QCOMPARE(table.rows.size(), 2);
-        QCOMPARE(table.rows[0],
-                 QStringList({"950.0", "10600", "2", "1", "0", "58.3 … 59.1", "—", "—"}));
-        QCOMPARE(table.rows[1], QStringList({"11778.0", "10600", "1", "0", "1", ">61.0 … >61.0",
-                                             "2.0E-4 … 2.0E-4", "14.2 … 14.2"}));
+        QCOMPARE(table.rows[0], QStringList({"—", "950.0", "10600", "2", "1", "0", "58.3 … 59.1",
+                                             "dBuV", "—", "—"}));
+        QCOMPARE(table.rows[1],
+                 QStringList({"—", "11778.0", "10600", "1", "0", "1", ">61.0 … >61.0", "dBuV",
+                              "2.0E-4 … 2.0E-4", "14.2 … 14.2"}));
         QCOMPARE(table.remark, QStringLiteral("Over all 3 measurements."));
         for (const QStringList& row : table.rows) QCOMPARE(row.size(), table.header.size());
     }
@@ -99,6 +102,18 @@ class ReportTest : public QObject {
         QCOMPARE(fact(report, "Result"), QStringLiteral("No measurement"));
         QVERIFY(report.measurements.rows.isEmpty());
         QVERIFY(report.summary.rows.isEmpty());
+    }
+
+    void rows_of_a_log_have_no_unit_unless_one_is_given() {
+        ReportContext unknown = context();
+        unknown.entry.unit.reset();
+        const CustomerReport report = compose_report(three_rows(), unknown, texts(kEnglish));
+        QCOMPARE(fact(report, "Level unit"), QStringLiteral("not known"));
+        QVERIFY(report.measurements.rows[0].last().isEmpty());
+        QCOMPARE(report.summary.rows[0][7], QStringLiteral("—"));
+        unknown.entry.unit = kDbmv;
+        QCOMPARE(fact(compose_report(three_rows(), unknown, texts(kEnglish)), "Level unit"),
+                 QStringLiteral("dBmV"));
     }
 
     void a_result_without_any_alarm_is_no_pass() {
@@ -124,8 +139,8 @@ class ReportTest : public QObject {
         QCOMPARE(report.measurements.remark,
                  QStringLiteral("The newest 1000 of 1001 measurements. The 1 before them are not "
                                 "printed here; the summary counts them."));
-        QCOMPARE(report.summary.rows[0][2], QStringLiteral("1001"));
-        QCOMPARE(report.summary.rows[0][3], QStringLiteral("1000"));
+        QCOMPARE(report.summary.rows[0][3], QStringLiteral("1001"));
+        QCOMPARE(report.summary.rows[0][4], QStringLiteral("1000"));
     }
 
     void many_programs_are_cut_off_in_words() {
@@ -137,6 +152,73 @@ class ReportTest : public QObject {
         QCOMPARE(report.summary.rows.size(), kReportPrograms);
         QCOMPARE(report.summary.remark, QStringLiteral("Over all 205 measurements; the first 200 "
                                                        "of 205 programs are listed."));
+    }
+
+    void programs_of_one_frequency_are_told_apart_by_their_number() {
+        RealtimeFixture fixture;
+        fixture.values["LEVANL?"] = "L 58.3";
+        Recordset programs = fixture.database().of_plan("programmi", "PLAN 1");
+        fixture.change_row(programs, {{"pg_num", "001"},
+                                      {"frequenza", "1200"},
+                                      {"loc_osc", true},
+                                      {"lnb_volt", 1},
+                                      {"monitor_state", 1}});
+        fixture.add_row(programs, {{"nome", "PLAN 1"},
+                                   {"pg_num", "002"},
+                                   {"frequenza", "1200"},
+                                   {"loc_osc", true},
+                                   {"lnb_volt", 2},
+                                   {"monitor_state", 1}});
+        fixture.panel().meas_statea[kLevel] = true;
+        RealtimeRules& rules = fixture.rules;
+        QVERIFY(rules.acquisition.choose_plan("PLAN 1"));
+        for (int pass = 0; pass < 3; ++pass) {
+            rules.modes.rs_programs->move_first();
+            while (rules.acquisition.acq_multi()) {
+            }
+        }
+        QCOMPARE(rules.page.measurements(), 6);
+        TrendData trend;
+        trend.update(rules.page.store());
+        QCOMPARE(trend.series().size(), std::size_t(2));
+        for (const auto& series : trend.series()) {
+            QCOMPARE(series->points().size(), std::size_t(3));
+            for (const TrendPoint& point : series->points()) QVERIFY(!point.apart);
+        }
+        QVERIFY(trend.series()[0]->name() != trend.series()[1]->name());
+        const ReportTable summary =
+            compose_report(rules.page.store(), context(), texts(kEnglish)).summary;
+        QCOMPARE(summary.rows.size(), 2);
+        QVERIFY(summary.rows[0].join(u'|').contains("PLAN 1 001"));
+        QVERIFY(summary.rows[1].join(u'|').contains("PLAN 1 002"));
+    }
+
+    void levels_of_two_units_are_kept_apart() {
+        RealtimeFixture fixture;
+        fixture.values["LEVANL?"] = "L 58.3";
+        fixture.panel().meas_statea[kLevel] = true;
+        RealtimeRules& rules = fixture.rules;
+        const auto measure = [&rules](int unit) {
+            rules.modes.cmdlev_Click(unit);
+            rules.acquisition.single_acq();
+        };
+        measure(kDbuv);
+        fixture.values["LEVANL?"] = "L -50.7";
+        measure(kDbm);
+        const CustomerReport report =
+            compose_report(rules.page.store(), context(), texts(kEnglish));
+        QCOMPARE(report.summary.rows.size(), 2);
+        QVERIFY(report.summary.rows[0].contains("58.3 … 58.3"));
+        QVERIFY(report.summary.rows[0].contains("dBuV"));
+        QVERIFY(report.summary.rows[1].contains("-50.7 … -50.7"));
+        QVERIFY(report.summary.rows[1].contains("dBm"));
+        QCOMPARE(report.measurements.rows[0].last(), QStringLiteral("dBuV"));
+        QCOMPARE(report.measurements.rows[1].last(), QStringLiteral("dBm"));
+        QCOMPARE(fact(report, "Level unit"),
+                 QStringLiteral("dBuV, dBm: each row in its own, none is converted"));
+        TrendData trend;
+        trend.update(rules.page.store());
+        QCOMPARE(trend.series().size(), std::size_t(2));
     }
 
     void the_limits_of_the_screen_are_those_of_the_presentation() {

@@ -29,7 +29,7 @@ std::vector<TrendPoint> random_points(quint32 seed) {
         point.values = {one_in(97) || none ? NAN : 40 + static_cast<float>(random.bounded(30)),
                         one_in(50) ? 1e-12F : 1e-5F * static_cast<float>(random.bounded(9)),
                         k % 2 == 0 ? NAN : static_cast<float>(random.bounded(20))};
-        if (one_in(40)) point.status = RowStatus::fail;
+        if (one_in(40)) point.status = Verdict::fail;
         point.apart = one_in(300);
         points.push_back(point);
     }
@@ -57,8 +57,8 @@ class TrendBlockTest : public QObject {
 
     void blocks_change_nothing_of_what_is_drawn() {
         QFETCH(quint32, seed);
-        TrendSeries summed("11778.0\t10600");
-        TrendSeries plain("11778.0\t10600");
+        TrendSeries summed(SeriesKey{});
+        TrendSeries plain(SeriesKey{});
         for (const TrendPoint& point : random_points(seed)) {
             summed.add(point);
             plain.add(point);
@@ -89,8 +89,8 @@ class TrendBlockTest : public QObject {
 
     /// A clock that was set back: rows come between those that are summed up already.
     void rows_that_come_in_between_are_summed_up_anew() {
-        TrendSeries twice("");
-        TrendSeries once("");
+        TrendSeries twice(SeriesKey{});
+        TrendSeries once(SeriesKey{});
         const std::vector<TrendPoint> points = random_points(9);
         for (const TrendPoint& point : points) twice.add(point);
         twice.settle();

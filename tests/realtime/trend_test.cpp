@@ -6,6 +6,8 @@
 #include <cmath>
 
 #include "measurement_log.h"
+#include "panel_limits.h"
+#include "row_time.h"
 #include "trend_data.h"
 #include "trend_limits.h"
 #include "trend_sampling.h"
@@ -185,7 +187,7 @@ class TrendTest : public QObject {
         for (const char program : std::string_view("ABCACABCABC")) {
             Cells cells;
             cells.time = clock_text(second += 10);
-            cells.fr = QString(QLatin1Char(program));
+            cells.fr = QString::number(1000 + program);
             page.append(row(cells));
         }
         const TrendData data = data_of(page);
@@ -501,11 +503,12 @@ class TrendTest : public QObject {
         QBuffer buffer;
         buffer.open(QIODevice::WriteOnly);
         QVERIFY(write_trend_table(buffer, series));
-        QCOMPARE(buffer.data(),
-                 QByteArray("TIME\tPROGRAM\tLEV\tBER\tMER\tSTATUS\tMARKS\n"
-                            "2026-11-21 10:00:00\t11778.0 / 10600\t58.3\t1e-08\t14.2\tPASS\tBER<\n"
-                            "2026-11-21 10:00:10\t11778.0 / 10600\t\t2e-04\t\tFAIL\t\n"
-                            "2026-11-21 10:00:00\t950.5\t99.5\t1e-08\t14.2\tPASS\tLEV> BER<\n"));
+        QCOMPARE(
+            buffer.data(),
+            QByteArray("TIME\tPROGRAM\tLEV\tBER\tMER\tSTATUS\tMARKS\tUNIT\n"
+                       "2026-11-21 10:00:00\t11778.0 / 10600\t58.3\t1e-08\t14.2\tPASS\tBER<\t\n"
+                       "2026-11-21 10:00:10\t11778.0 / 10600\t\t2e-04\t\tFAIL\t\t\n"
+                       "2026-11-21 10:00:00\t950.5\t99.5\t1e-08\t14.2\tPASS\tLEV> BER<\t\n"));
     }
 
     void a_table_that_cannot_be_written_says_so() {

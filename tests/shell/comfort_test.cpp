@@ -8,9 +8,11 @@
 #include <QToolBar>
 #include <QToolButton>
 
+#include "fake_port.h"
 #include "level_view.h"
 #include "program_in_folder.h"
 #include "realtime.h"
+#include "virtual_clock.h"
 
 namespace m47 {
 
@@ -65,6 +67,22 @@ class ComfortTest : public QObject, protected ProgramInFolder {
              control->parentWidget()->findChildren<QRadioButton*>(Qt::FindDirectChildrenOnly))
             if (by_tab.contains(const_cast<QRadioButton*>(other))) return true;
         return false;
+    }
+    /// The program with a meter at 58.3 of whatever unit.
+    void start_on_virtual_line() {
+        end_program();
+        new_folder();
+        auto clock = std::make_unique<VirtualClock>();
+        auto line = std::make_unique<FakePort>(*clock);
+        line->answer = [](const QByteArray& command) {
+            if (command == "LEVANL?") return FakePort::good(command, "L 58.3");
+            return FakePort::good(command, command.endsWith('?') ? "0" : "");
+        };
+        PortList ports;
+        QVERIFY(ports.add("1=/dev/no-such-meter"));
+        start_program({1300, 900}, ports, std::move(clock), std::move(line));
+        program().identify(1);
+        QVERIFY(program().link().port_connected);
     }
     static QString spoken_name(QWidget* control) {
         QAccessibleInterface* interface = QAccessible::queryAccessibleInterface(control);
@@ -148,7 +166,11 @@ class ComfortTest : public QObject, protected ProgramInFolder {
         QVERIFY(spoken_name(view).contains("No measurement yet"));
         const QStringList row{"21/11/26", "10:00:00", "1200.0", "10600", "58.3", "",
                               "",         "",         "",       "",      "PASS"};
-        screen->rules.page.append(row);
+        Measurement measured;
+        measured.reading(Quantity::level) = reading_of(Quantity::level, row[4]);
+        measured.unit = kDbuv;
+        measured.verdict = Verdict::pass;
+        screen->rules.page.append(row, measured);
         QCOMPARE(spoken_name(view), QStringLiteral("58.3 dBuV PASS Measured 0 s ago"));
         const auto has_colour = [view](QColor colour) {
             const QImage image = view->grab().toImage();
@@ -164,12 +186,31 @@ class ComfortTest : public QObject, protected ProgramInFolder {
         screen->rules.panel.repaint();
         QVERIFY(spoken_name(view).contains("Measuring…"));
         QVERIFY(!has_colour(green));
-        screen->rules.page.append(row);
+        screen->rules.page.append(row, measured);
         QVERIFY(has_colour(green));
         program().link().port_connected = false;
         QVERIFY(!has_colour(green));
         QTest::keyClick(view, Qt::Key_Escape);
         QVERIFY(!view->isVisible());
+    }
+
+    void the_large_level_names_the_unit_that_the_meter_was_asked_in() {
+        start_on_virtual_line();
+        Realtime* screen = realtime();
+        auto* view = screen->findChild<LevelView*>("level_view");
+        screen->findChild<QAction*>("cmdlevelview")->trigger();
+        screen->rules.panel.meas_statea[kLevel] = true;
+        screen->barracomandi_ButtonClick("single_acq");
+        QVERIFY2(spoken_name(view).startsWith("58.3 dBuV"), qPrintable(spoken_name(view)));
+        // The plan screen's choice is for the next upload: the meter is told nothing by it.
+        window().findChild<QAction*>("program")->trigger();
+        window().screen_of("program")->findChild<QAction*>("cmdlev_2")->trigger();
+        QCOMPARE(program_state().unit_index, int(kDbm));
+        screen->barracomandi_ButtonClick("single_acq");
+        QVERIFY2(spoken_name(view).startsWith("58.3 dBuV"), qPrintable(spoken_name(view)));
+        screen->findChild<QAction*>("cmdlev_2")->trigger();
+        screen->barracomandi_ButtonClick("single_acq");
+        QVERIFY2(spoken_name(view).startsWith("58.3 dBm"), qPrintable(spoken_name(view)));
     }
 
     void without_a_sound_device_it_says_so_once() {

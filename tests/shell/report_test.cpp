@@ -74,6 +74,8 @@ class ReportTest : public QObject, protected ProgramInFolder {
             QTest::keyClicks(in<QLineEdit>(form, "report_technician"), "A. Rossi");
             QTest::keyClicks(in<QPlainTextEdit>(form, "report_notes"), "Second dish moved");
             QCOMPARE(in<QLineEdit>(form, "report_file")->text(), in_folder("report.pdf"));
+            QCOMPARE(in<QComboBox>(form, "report_unit")->currentText(), QString("not known"));
+            in<QComboBox>(form, "report_unit")->setCurrentText("dBuV");
             in<QLineEdit>(form, "report_file")->setText("roma");
             press(form, QDialogButtonBox::Save);
         });
@@ -84,10 +86,10 @@ class ReportTest : public QObject, protected ProgramInFolder {
              {"Measurement report", "Site Via Roma 1", "Technician A. Rossi", "Meter PLUS V3.0.5",
               "Notes Second dish moved", "Plan none (single elements)", "Level unit dBuV",
               "FAIL — 4 measurements: 3 PASS, 1 FAIL, 0 without limits", "45 … 80",
-              "11778.0 10600 4 3 1 50.3 … 52.3", "All 4 measurements.", "Trend",
-              "DATE TIME FR OSC LEV BER PVBER CFO MER RU STATUS",
-              "21/11/26 10:00:02 11778.0 10600 52.3 2.0E-4 14.2 PASS",
-              "21/11/26 10:00:00 11778.0 10600 50.3 2.0E-4 14.2 FAIL", "Page 1 of"})
+              "— 11778.0 10600 4 3 1 50.3 … 52.3 dBuV", "All 4 measurements.", "Trend",
+              "DATE TIME FR OSC LEV BER PVBER CFO MER RU STATUS UNIT",
+              "21/11/26 10:00:02 11778.0 10600 52.3 2.0E-4 14.2 PASS dBuV",
+              "21/11/26 10:00:00 11778.0 10600 50.3 2.0E-4 14.2 FAIL dBuV", "Page 1 of"})
             QVERIFY2(read.contains(QString::fromUtf8(text)), text);
     }
 

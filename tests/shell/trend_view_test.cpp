@@ -334,9 +334,9 @@ class TrendViewTest : public QObject, protected ProgramInFolder {
         });
         press("trend_save");
         QCOMPARE(content(path),
-                 QByteArray("TIME\tPROGRAM\tLEV\tBER\tMER\tSTATUS\tMARKS\n"
-                            "2026-11-21 10:00:10\t11778.0 / 10600\t58.3\t2e-04\t14.2\tPASS\t\n"
-                            "2026-11-21 10:00:20\t11778.0 / 10600\t\t2e-04\t14.2\tFAIL\t\n"));
+                 QByteArray("TIME\tPROGRAM\tLEV\tBER\tMER\tSTATUS\tMARKS\tUNIT\n"
+                            "2026-11-21 10:00:10\t11778.0 / 10600\t58.3\t2e-04\t14.2\tPASS\t\t\n"
+                            "2026-11-21 10:00:20\t11778.0 / 10600\t\t2e-04\t14.2\tFAIL\t\t\n"));
     }
 
     void the_dialog_gives_the_suffix_of_the_chosen_kind() {

@@ -33,6 +33,7 @@ void Identification::porta_Click(int index) {
     if (number < 1 || number > PortList::kPorts) return;
 
     link_.port_number = number;
+    link_.settings.forget();
     device_ = ports_.persistent_name(ports_.device(number));
     caption_ = window_.caption();
     // The dialogue with the meter and all that follows is in English until a language is picked.

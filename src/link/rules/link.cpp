@@ -28,6 +28,10 @@ void Link::send_command() {
     if (!transact([this] { return run_attempts(); }, [this] { wait_for_late_answers(); })) return;
     doubtful_ = doubtful_ || (port_connected && !well_framed(command_text, reply_text));
     reply_text = reduce_answer(command_text, reply_text);
+    if (port_connected && !doubtful_)
+        settings.take(command_text, reply_text);
+    else
+        settings.doubt(command_text);
     if (refuse_doubtful && doubtful_)
         throw DoubtfulAnswer("the answer to " + command_text.toStdString() + " is doubtful");
 }

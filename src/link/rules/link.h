@@ -8,6 +8,7 @@
 #include "clock.h"
 #include "late_answers.h"
 #include "link_view.h"
+#include "meter_settings.h"
 #include "reply.h"
 #include "serial_port.h"
 
@@ -36,6 +37,8 @@ class Link {
     /// in a DoubtfulAnswer, and no question goes out while an older answer to the same words may
     /// still come. See Measuring.
     bool refuse_doubtful = false;
+    /// How the meter is set, as far as commands and answers have shown.
+    MeterSettings settings;
     /// Asked while waiting; true ends the wait or the next transaction with Interrupted.
     std::function<bool()> interrupted;
     /// Told before each pump of the windows how many bytes of the answer have arrived so far (echo

@@ -17,6 +17,7 @@ namespace {
 constexpr Bilingual kNoPlanOpen{"No plan is open.", "Nessun piano è aperto."};
 
 const QString kPlanName = QStringLiteral("nome");
+const QString kProgramNumber = QStringLiteral("pg_num");
 const QString kMonitorState = QStringLiteral("monitor_state");
 
 /// While it lives a recall only refreshes the screen.
@@ -357,9 +358,10 @@ bool Acquisition::acq_multi() {
     }
     if (monitored()) {
         report_place();
-        cycle_.measure([this] {
+        const auto prepare = [this] {
             if (program_.corrected.full_tune) tune_everything();
-        });
+        };
+        cycle_.measure(prepare, {set.text(kPlanName), set.text(kProgramNumber).trimmed()});
         cycle_.storemeas();
     }
     set.move_next();

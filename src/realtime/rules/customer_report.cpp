@@ -16,6 +16,9 @@ constexpr Bilingual kMeter{"Meter", "Strumento"};
 constexpr Bilingual kDate{"Date", "Data"};
 constexpr Bilingual kPlan{"Plan", "Piano"};
 constexpr Bilingual kUnit{"Level unit", "Unità del livello"};
+constexpr Bilingual kUnitUnknown{"not known", "non nota"};
+constexpr Bilingual kUnitsMixed{"%1: each row in its own, none is converted",
+                                "%1: ogni riga nella sua, nessuna è convertita"};
 constexpr Bilingual kResult{"Result", "Esito"};
 constexpr Bilingual kNotes{"Notes", "Note"};
 constexpr Bilingual kNoPlan{"none (single elements)", "nessuno (elementi singoli)"};
@@ -29,9 +32,9 @@ constexpr Bilingual kSummaryOfAll{"Over all %1 measurements.", "Su tutte le %1 m
 constexpr Bilingual kSummaryOfSome{
     "Over all %1 measurements; the first %2 of %3 programs are listed.",
     "Su tutte le %1 misure; elencati i primi %2 programmi su %3."};
-constexpr Bilingual kSummaryHeader[] = {{"FR", "FR"},     {"OSC", "OSC"},   {"Rows", "Righe"},
-                                        {"PASS", "PASS"}, {"FAIL", "FAIL"}, {"LEV", "LEV"},
-                                        {"BER", "BER"},   {"MER", "MER"}};
+constexpr Bilingual kSummaryHeader[] = {
+    {"Program", "Programma"}, {"FR", "FR"},   {"OSC", "OSC"},   {"Rows", "Righe"}, {"PASS", "PASS"},
+    {"FAIL", "FAIL"},         {"LEV", "LEV"}, {"UNIT", "UNIT"}, {"BER", "BER"},    {"MER", "MER"}};
 
 constexpr Bilingual kLimitsCaption{"Limits", "Limiti"};
 constexpr Bilingual kLimitsRemark{
@@ -55,13 +58,10 @@ constexpr Bilingual kNewestRows{
 constexpr Bilingual kPageNumber{"Page %1 of %2", "Pagina %1 di %2"};
 
 const QString kNothing = QStringLiteral("—");
+const QString kUnitColumn = QStringLiteral("UNIT");
 
 QString or_dash(const QString& text) {
     return text.trimmed().isEmpty() ? kNothing : text.trimmed();
-}
-
-QString text_of_field(const std::string& field) {
-    return or_dash(QString::fromLatin1(field.data(), static_cast<qsizetype>(field.size())));
 }
 
 template <std::size_t Columns>
@@ -82,6 +82,21 @@ QString result_text(const RowCounts& counts, const Texts& texts) {
     return counts.passed > 0 ? QStringLiteral("PASS — ") + counted : counted;
 }
 
+QStringList summary_row(const ProgramSummary& program) {
+    const SeriesKey& key = program.key;
+    const QString level = program.range(Quantity::level);
+    return {or_dash(key.program.text()),
+            key.frequency ? frequency_text(*key.frequency) : kNothing,
+            or_dash(key.oscillator_text()),
+            QString::number(program.counts.rows),
+            QString::number(program.counts.passed),
+            QString::number(program.counts.failed),
+            or_dash(level),
+            or_dash(level.isEmpty() ? QString() : unit_text(key.unit)),
+            or_dash(program.range(Quantity::ber)),
+            or_dash(program.range(Quantity::mer))};
+}
+
 ReportTable summary_table(const PageSummary& summary, const Texts& texts) {
     const std::size_t listed = std::min<std::size_t>(summary.programs.size(), kReportPrograms);
     ReportTable table{texts.pick(kSummaryCaption), {}, picked(kSummaryHeader, texts), {}};
@@ -93,12 +108,7 @@ ReportTable summary_table(const PageSummary& summary, const Texts& texts) {
     else
         table.remark = texts.pick(kSummaryOfAll).arg(summary.counts.rows);
     for (std::size_t k = 0; k < listed; ++k) {
-        const ProgramSummary& program = summary.programs[k];
-        table.rows.append(
-            {text_of_field(program.frequency), text_of_field(program.oscillator),
-             QString::number(program.counts.rows), QString::number(program.counts.passed),
-             QString::number(program.counts.failed), or_dash(program.range(Quantity::level)),
-             or_dash(program.range(Quantity::ber)), or_dash(program.range(Quantity::mer))});
+        table.rows.append(summary_row(summary.programs[k]));
     }
     return table;
 }
@@ -112,7 +122,18 @@ ReportTable limits_table(const QList<ReportLimits>& limits, const Texts& texts) 
     return table;
 }
 
-ReportTable measurements_table(const PageStore& page, const Texts& texts) {
+/// The row as the page has it, and beside it the unit of its level.
+QStringList printed_row(const PageStore& page, int row, std::optional<LevelUnit> unit) {
+    const std::string_view line = page.line(row);
+    QStringList cells =
+        QString::fromLatin1(line.data(), static_cast<qsizetype>(line.size())).split(u'\t');
+    const Measurement measurement = page.measurement(row, unit);
+    const bool measured = measurement.reading(Quantity::level).measured();
+    return cells << (measured ? unit_text(measurement.unit) : QString());
+}
+
+ReportTable measurements_table(const PageStore& page, std::optional<LevelUnit> unit,
+                               const Texts& texts) {
     const int printed = std::min(page.rows(), kReportRows);
     const int left_out = page.rows() - printed;
     ReportTable table{texts.pick(kMeasurements), {}, {}, {}};
@@ -123,43 +144,51 @@ ReportTable measurements_table(const PageStore& page, const Texts& texts) {
     const PageModel names;
     for (int column = 0; column < PageStore::kColumns; ++column)
         table.header += names.headerData(column, Qt::Horizontal).toString();
-    for (int row = left_out; row < page.rows(); ++row) {
-        const std::string_view line = page.line(row);
-        table.rows.append(
-            QString::fromLatin1(line.data(), static_cast<qsizetype>(line.size())).split(u'\t'));
-    }
+    table.header += kUnitColumn;
+    for (int row = left_out; row < page.rows(); ++row)
+        table.rows.append(printed_row(page, row, unit));
     return table;
 }
 
-QList<std::pair<QString, QString>> facts_of(const ReportContext& context, const RowCounts& counts,
-                                            const Texts& texts) {
+QString units_text(const QStringList& units, const Texts& texts) {
+    QStringList named;
+    for (const QString& unit : units) named += unit.isEmpty() ? texts.pick(kUnitUnknown) : unit;
+    if (named.isEmpty()) return kNothing;
+    const QString all = named.join(QStringLiteral(", "));
+    return named.size() == 1 ? all : texts.pick(kUnitsMixed).arg(all);
+}
+
+QList<std::pair<QString, QString>> facts_of(const ReportContext& context,
+                                            const PageSummary& summary, const Texts& texts) {
     const auto known = [&texts](const QString& text, const Bilingual& otherwise) {
         return text.trimmed().isEmpty() ? texts.pick(otherwise) : text.trimmed();
     };
+    const QStringList plans = summary.plans();
+    const QString plan = plans.isEmpty() ? context.plan : plans.join(QStringLiteral(", "));
     return {{texts.pick(kSite), or_dash(context.entry.site)},
             {texts.pick(kTechnician), or_dash(context.entry.technician)},
             {texts.pick(kMeter), known(context.meter, kUnknownMeter)},
             {texts.pick(kDate), context.made.toString(QStringLiteral("dd/MM/yyyy HH:mm"))},
-            {texts.pick(kPlan), known(context.plan, kNoPlan)},
-            {texts.pick(kUnit), context.unit},
-            {texts.pick(kResult), result_text(counts, texts)}};
+            {texts.pick(kPlan), known(plan, kNoPlan)},
+            {texts.pick(kUnit), units_text(summary.units(), texts)},
+            {texts.pick(kResult), result_text(summary.counts, texts)}};
 }
 
 }  // namespace
 
 CustomerReport compose_report(const PageStore& page, const ReportContext& context,
                               const Texts& texts) {
-    const PageSummary summary = summary_of(page);
+    const PageSummary summary = summary_of(page, context.entry.unit);
     CustomerReport report;
     report.title = texts.pick(kReportTitle);
-    report.facts = facts_of(context, summary.counts, texts);
+    report.facts = facts_of(context, summary, texts);
     report.notes_caption = texts.pick(kNotes);
     report.notes = context.entry.notes.trimmed();
     report.summary = summary_table(summary, texts);
     report.limits = limits_table(context.limits, texts);
     report.trend_caption = texts.pick(kTrend);
     report.no_trend = texts.pick(kNoTrend);
-    report.measurements = measurements_table(page, texts);
+    report.measurements = measurements_table(page, context.entry.unit, texts);
     report.page_number = texts.pick(kPageNumber);
     return report;
 }

@@ -5,10 +5,10 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
+#include <optional>
 #include <utility>
 
 #include "page_store.h"
-#include "report_limits.h"
 #include "texts.h"
 
 namespace m47 {
@@ -18,6 +18,16 @@ struct ReportEntry {
     QString site;
     QString technician;
     QString notes;
+    std::optional<LevelUnit> unit =
+        {};  ///< of rows that do not tell theirs, such as those of a log
+};
+
+/// The limits of one program as the report shows them, "45 … 80" each; empty where its alarm is not
+/// on or the presentation does not measure it.
+struct ReportLimits {
+    QString program;  ///< its number in the plan, empty for a single element
+    QString frequency;
+    QString level, cn, ber, mer;
 };
 
 /// What the report says besides the page.
@@ -25,8 +35,7 @@ struct ReportContext {
     ReportEntry entry;
     QString meter;  ///< the version as the meter gave it, empty where none answered
     QDateTime made;
-    QString plan;  ///< empty for single elements
-    QString unit;  ///< of the levels: "dBuV"
+    QString plan;  ///< of rows that do not tell theirs; empty for single elements
     QList<ReportLimits> limits;
 };
 

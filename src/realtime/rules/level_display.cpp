@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "level_display.h"
 
-#include "program_state.h"
-#include "trend_reading.h"
-
 namespace m47 {
 namespace {
 
@@ -13,10 +10,6 @@ constexpr Bilingual kLevelNone{"No measurement yet", "Ancora nessuna misura"};
 constexpr Bilingual kLevelNow{"Measured %1 s ago", "Misurato %1 s fa"};
 constexpr Bilingual kLevelOld{"OLD: measured %1 ago", "VECCHIO: misurato %1 fa"};
 
-Reading reading_of_level(const QString& level) {
-    return reading_of(Quantity::level, level.toLatin1().toStdString());
-}
-
 QString span_text(int seconds) {
     if (seconds < 60) return QStringLiteral("%1 s").arg(seconds);
     if (seconds < 3600)
@@ -24,17 +17,17 @@ QString span_text(int seconds) {
     return QStringLiteral("%1 h").arg(seconds / 3600);
 }
 
-QString name_of(const LevelMeasurement& of) {
+QString name_of(const Measurement& of) {
     QStringList parts;
-    if (!of.plan.isEmpty()) parts += of.plan;
-    if (!of.program.isEmpty()) parts += of.program;
-    parts += of.frequency + QStringLiteral(" MHz");
+    if (!of.program.plan.isEmpty()) parts += of.program.plan;
+    if (!of.program.number.isEmpty()) parts += of.program.number;
+    if (of.frequency) parts += frequency_text(*of.frequency) + QStringLiteral(" MHz");
     return parts.join(QStringLiteral("  ·  "));
 }
 
 }  // namespace
 
-void LevelDisplay::measured(const LevelMeasurement& measurement, double now) {
+void LevelDisplay::measured(const Measurement& measurement, double now) {
     last_ = measurement;
     at_ = now;
     running_ = false;
@@ -46,9 +39,9 @@ bool LevelDisplay::live(double now, bool linked) const {
 
 std::optional<double> LevelDisplay::dbuv() const {
     if (!last_) return {};
-    const Reading reading = reading_of_level(last_->level);
+    const Reading& reading = last_->reading(Quantity::level);
     if (!reading.measured()) return {};
-    return static_cast<double>(reading.value) + unit_offset(last_->unit);
+    return static_cast<double>(reading.value) + unit_offset(last_->unit.value_or(kDbuv));
 }
 
 QString LevelDisplay::age_text(double now, bool linked, const Texts& texts) const {
@@ -67,15 +60,16 @@ LevelPicture LevelDisplay::picture(double now, bool linked, const Texts& texts) 
         picture.value = QStringLiteral("—");
         return picture;
     }
-    const Reading reading = reading_of_level(last_->level);
-    picture.value = reading.measured() ? last_->level.trimmed() : QStringLiteral("—");
-    picture.unit = unit_name(last_->unit);
+    const Reading& reading = last_->reading(Quantity::level);
+    picture.value =
+        reading.measured() ? reading_text(Quantity::level, reading) : QStringLiteral("—");
+    picture.unit = unit_text(last_->unit);
     picture.name = name_of(*last_);
-    picture.verdict = last_->verdict;
+    picture.verdict = verdict_text(last_->verdict);
     if (!live(now, linked)) return picture;
     picture.colour = LevelColour::live;
-    if (last_->verdict == QLatin1String("PASS")) picture.colour = LevelColour::pass;
-    if (last_->verdict == QLatin1String("FAIL")) picture.colour = LevelColour::fail;
+    if (last_->verdict == Verdict::pass) picture.colour = LevelColour::pass;
+    if (last_->verdict == Verdict::fail) picture.colour = LevelColour::fail;
     return picture;
 }
 

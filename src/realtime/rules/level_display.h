@@ -5,6 +5,7 @@
 #include <QStringList>
 #include <optional>
 
+#include "measurement.h"
 #include "texts.h"
 
 namespace m47 {
@@ -16,19 +17,11 @@ enum class LevelColour { live, pass, fail, stale };
 /// What the large display shows.
 struct LevelPicture {
     QString value;    ///< "58.3", "<20.0", a dash where nothing was measured
-    QString unit;     ///< "dBuV"
+    QString unit;     ///< "dBuV"; empty where it is not known
     QString name;     ///< plan, program and frequency
     QString verdict;  ///< "PASS", "FAIL" or empty
     QString age;      ///< how old the value is, or that a measurement runs
     LevelColour colour = LevelColour::stale;
-};
-
-/// What a measurement has brought for the large display.
-struct LevelMeasurement {
-    QString level;  ///< as the meter gave it
-    QString verdict;
-    int unit = 0;  ///< a LevelUnit
-    QString plan, program, frequency;
 };
 
 /// The level for somebody who stands three metres away. It never shows an old value as a live one:
@@ -38,7 +31,7 @@ class LevelDisplay {
   public:
     static constexpr double kLiveSeconds = 10;
 
-    void measured(const LevelMeasurement& measurement, double now);
+    void measured(const Measurement& measurement, double now);
     /// A measurement begins: what is shown is that of the one before.
     void begins() { running_ = true; }
     /// It has ended, with or without a row.
@@ -47,13 +40,14 @@ class LevelDisplay {
     bool live(double now, bool linked) const;
     LevelPicture picture(double now, bool linked, const Texts& texts) const;
 
-    /// The level in dBuV; nothing where the last measurement brought no number.
+    /// The level in dBuV for the tone, which follows one of an unknown unit as it stands; nothing
+    /// where the last measurement brought no number.
     std::optional<double> dbuv() const;
 
   private:
     QString age_text(double now, bool linked, const Texts& texts) const;
 
-    std::optional<LevelMeasurement> last_;
+    std::optional<Measurement> last_;
     double at_ = 0;
     bool running_ = false;
 };

@@ -4,12 +4,15 @@
 #include "commands.h"
 #include "fault.h"
 #include "measurement_row.h"
+#include "row_time.h"
 
 namespace m47 {
 
-void MeasureCycle::measure(const std::function<void()>& prepare) {
+void MeasureCycle::measure(const std::function<void()>& prepare, const ProgramIdentity& program) {
     const Measuring measuring(link_);
     doubt_.clear();
+    steps_.outcome = Measurement();
+    steps_.outcome.program = program;
     try {
         if (prepare) prepare();
         run_trapped();
@@ -52,9 +55,21 @@ void MeasureCycle::blank_results() {
     panel_.mercomune = panel_.rucomune = six;
 }
 
+/// The frequency has just been sent: what follows is measured there.
+void MeasureCycle::tuned() {
+    const auto mhz = [](std::optional<double> value) {
+        return value ? std::optional(static_cast<float>(*value)) : std::nullopt;
+    };
+    steps_.outcome.frequency = mhz(link_.settings.frequency());
+    steps_.outcome.oscillator = mhz(link_.settings.oscillator());
+    steps_.outcome.unit = unit_of_index(link_.settings.unit());
+}
+
 void MeasureCycle::digital_cycle() {
+    steps_.outcome.mode = MeasureMode::digital;
     link_.send(command::kMeasure);
     tuning_.fsat_KeyPress(kEnterKey);
+    tuned();
     tuning_.chbws_KeyPress(kEnterKey);
     if (panel_.meas_stated[kDcpLevel]) steps_.carr_satdig();
     if (panel_.meas_stated[kCnDigital]) steps_.cn_satdig();
@@ -63,8 +78,10 @@ void MeasureCycle::digital_cycle() {
 }
 
 void MeasureCycle::analog_cycle() {
+    steps_.outcome.mode = MeasureMode::analog;
     link_.send(command::kMeasure);
     tuning_.fsat_KeyPress(kEnterKey);
+    tuned();
     if (panel_.meas_statea[kLevel]) steps_.carr_satanl();
     if (panel_.meas_statea[kCnAnalog]) steps_.cn_satanl();
     if (panel_.meas_statea[kNoiseAnalog]) steps_.levn_satanl();
@@ -84,12 +101,14 @@ void MeasureCycle::storemeas() {
 }
 
 void MeasureCycle::write_row() {
-    QString status;
+    const QDateTime now = link_.clock().date_time();
+    Measurement& outcome = steps_.outcome;
+    outcome.instant = row_instant(now);
     if (alarm_activestate(panel_))
-        status = state_.alarm_raised ? QStringLiteral("FAIL") : QStringLiteral("PASS");
+        outcome.verdict = state_.alarm_raised ? Verdict::fail : Verdict::pass;
     const bool digital = state_.meas_mode == kDigitalMode;
     const QStringList row = measurement_row({
-        .date_time = link_.clock().date_time(),
+        .date_time = now,
         .meas_mode = state_.meas_mode,
         .fsat = panel_.fsat,
         .ol_freq = panel_.ol_freq,
@@ -99,9 +118,10 @@ void MeasureCycle::write_row() {
         .cfo = panel_.cfcomune,
         .mer = panel_.mercomune,
         .ru = panel_.rucomune,
-        .status = status,
+        .status = verdict_text(outcome.verdict),
     });
-    page_.append(row);
+    page_.append(row, outcome);
+    if (on_measured) on_measured(outcome);
     if (on_row) on_row(page_.cells(page_.measurements() - 1));
     if (!log_.log_open()) return;
     // The row is on the page; a log that cannot be written loses its line without a message box.

@@ -24,6 +24,9 @@ class MeasureCycle {
           page_(page),
           log_(log) {}
 
+    /// Called with what was measured, just before on_row.
+    std::function<void(const Measurement&)> on_measured;
+
     /// Called with the eleven cells of each row that storemeas has put on the page.
     std::function<void(const QStringList&)> on_row;
 
@@ -33,10 +36,11 @@ class MeasureCycle {
     /// Called in place of storemeas writing a row, with what was doubtful.
     std::function<void(const QString& reason)> on_doubt;
 
-    /// Runs one cycle, behind `prepare` where there is something to set first. A fault in the cycle
-    /// ends it at once, silently; the values shown so far stay. An answer that is doubtful ends it
-    /// too, and there is no row: it might be another program's.
-    void measure(const std::function<void()>& prepare = {});
+    /// Runs one cycle for `program` of a plan, or for none, behind `prepare` where there is
+    /// something to set first. A fault in the cycle ends it at once, silently; the values shown so
+    /// far stay. An answer that is doubtful ends it too, and there is no row: it might be another
+    /// program's.
+    void measure(const std::function<void()>& prepare = {}, const ProgramIdentity& program = {});
 
     /// Records the cycle just run; does nothing while the link is down or no measure is ticked.
     void storemeas();
@@ -50,6 +54,7 @@ class MeasureCycle {
     void blank_results();
     void digital_cycle();
     void analog_cycle();
+    void tuned();
     void write_row();
 
     Link& link_;

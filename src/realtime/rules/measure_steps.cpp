@@ -18,7 +18,44 @@ constexpr double kAfterQpsk = 5;
 constexpr double kAttenuatorStep = 10;  // dB
 constexpr double kFirstStepLevel = 60;  // dBuV
 
+Quantity quantity_of(AlarmRow row) {
+    switch (row) {
+        case AlarmRow::dcp_level:
+        case AlarmRow::level_analog:
+            return Quantity::level;
+        case AlarmRow::chber:
+            return Quantity::ber;
+        case AlarmRow::mer:
+            return Quantity::mer;
+        case AlarmRow::cn_digital:
+        case AlarmRow::cn_analog:
+            break;
+    }
+    return Quantity::cn;
+}
+
+/// A C/N answer begins with a character that is a range mark or means nothing.
+QString cn_value_text(const QString& reply) {
+    const bool marked = reply.startsWith(u'<') || reply.startsWith(u'>');
+    return marked ? reply : reply.mid(1);
+}
+
 }  // namespace
+
+void MeasureSteps::check(AlarmRow row, double value) {
+    check_limits(row, value, panel_, state_);
+    const AlarmLimits limits = limits_of(row, panel_);
+    if (limits.enabled)
+        outcome.limits[static_cast<std::size_t>(quantity_of(row))] =
+            Limits{limits.minimum, limits.maximum};
+}
+
+void MeasureSteps::keep(Quantity quantity, const QString& answered) {
+    outcome.reading(quantity) = reading_of(quantity, answered);
+    // What the meter was asked in; the menus of the screens may say something else.
+    if (quantity == Quantity::level || quantity == Quantity::noise)
+        outcome.unit = unit_of_index(link_.settings.unit());
+}
 
 void MeasureSteps::format_att() {
     link_.send(command::kFullAttenuation);
@@ -42,6 +79,7 @@ void MeasureSteps::carr_satdig() {
     format_att();
     link_.send(command::query(command::kChannelPower));
     panel_.dcplev = trimmed_from(link_.reply_text, 2);
+    keep(Quantity::level, panel_.dcplev);
     panel_.repaint();
     check(AlarmRow::dcp_level, delete_segno(panel_.dcplev));
     panel_.repaint();
@@ -71,6 +109,7 @@ void MeasureSteps::cn_satdig() {
     frequency_check(panel_.noise_freqd);
     link_.send(command::query(command::kDigitalCn));
     panel_.cndlev = link_.reply_text.trimmed();
+    keep(Quantity::cn, cn_value_text(link_.reply_text));
     panel_.repaint();
     state_.cn_value = meter_value(link_.reply_text.mid(1));
     check(AlarmRow::cn_digital, state_.cn_value);
@@ -85,6 +124,7 @@ void MeasureSteps::levn_satdig() {
     format_att();
     link_.send(command::query(command::kChannelPower) + frequency);
     panel_.noisedlev = noise_power(link_.reply_text);
+    keep(Quantity::noise, panel_.noisedlev);
     panel_.repaint();
     tuning_.fsat_KeyPress(kEnterKey);
 }
@@ -103,9 +143,11 @@ void MeasureSteps::qpsk_real() {
     if (start_qpsk) link_.send(command::kMeasure);
 }
 
-void MeasureSteps::show_field(DigitalMeasure measure, const char* label, QString& result) {
+void MeasureSteps::show_field(DigitalMeasure measure, Quantity quantity, const char* label,
+                              QString& result) {
     if (!panel_.meas_stated[measure]) return;
     result = delete_cr(QString::fromLatin1(label), link_.reply_text);
+    keep(quantity, result);
     panel_.repaint();
     if (measure == kChber) check(AlarmRow::chber, delete_segno(result.trimmed()));
     if (measure == kMer) check(AlarmRow::mer, delete_segno(result.trimmed()));
@@ -115,10 +157,10 @@ void MeasureSteps::digital_acquire() {
     const auto& ticked = panel_.meas_stated;
     if (ticked[kChber] || ticked[kPvBer] || ticked[kCfo] || ticked[kMer])
         link_.send(command::query(command::kQpskQuality));
-    show_field(kChber, "CHBER :", panel_.bercomune);
-    show_field(kPvBer, "PvBER :", panel_.pvbercomune);
-    show_field(kCfo, "CFO   :", panel_.cfcomune);
-    show_field(kMer, "MER   :", panel_.mercomune);
+    show_field(kChber, Quantity::ber, "CHBER :", panel_.bercomune);
+    show_field(kPvBer, Quantity::pvber, "PvBER :", panel_.pvbercomune);
+    show_field(kCfo, Quantity::cfo, "CFO   :", panel_.cfcomune);
+    show_field(kMer, Quantity::mer, "MER   :", panel_.mercomune);
 }
 
 void MeasureSteps::carr_satanl() {
@@ -126,6 +168,7 @@ void MeasureSteps::carr_satanl() {
     link_.wait_time(kAfterRanging);
     link_.send(command::query(command::kLevel));
     panel_.leva = trimmed_from(link_.reply_text, 2);
+    keep(Quantity::level, panel_.leva);
     panel_.repaint();
     check(AlarmRow::level_analog, delete_segno(panel_.leva));
     panel_.repaint();
@@ -137,6 +180,7 @@ void MeasureSteps::cn_satanl() {
     frequency_check(panel_.noise_freqa);
     link_.send(command::query(command::kAnalogCn));
     panel_.cnalev = link_.reply_text.mid(3);
+    keep(Quantity::cn, panel_.cnalev);
     panel_.repaint();
     check(AlarmRow::cn_analog, delete_segno(panel_.cnalev.trimmed()));
     panel_.repaint();
@@ -148,6 +192,8 @@ void MeasureSteps::levn_satanl() {
     link_.wait_time(kAfterTuning);
     link_.send(command::query(command::kLevel));
     panel_.noisealev = link_.reply_text.trimmed();
+    // An answer with a level begins with a character that is no part of it.
+    keep(Quantity::noise, trimmed_from(link_.reply_text, 2));
     panel_.repaint();
 }
 

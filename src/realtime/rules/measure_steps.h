@@ -3,6 +3,7 @@
 
 #include "alarm_limits.h"
 #include "link.h"
+#include "measurement.h"
 #include "program_state.h"
 #include "realtime_panel.h"
 #include "tuning.h"
@@ -21,6 +22,9 @@ class MeasureSteps {
     /// Run to restore the user's level unit after a reading in dBuV: the unit menu's handler.
     std::function<void(int)> cmdlev_Click;
 
+    /// What the steps have measured, and against which limits, since it was last made anew.
+    Measurement outcome;
+
     /// Sets the meter's attenuator for a level reading: one step more when the level asks for it.
     void format_att();
 
@@ -34,11 +38,12 @@ class MeasureSteps {
     void levn_satanl();      ///< analog noise
 
   private:
-    void check(AlarmRow row, double value) { check_limits(row, value, panel_, state_); }
+    void check(AlarmRow row, double value);
+    void keep(Quantity quantity, const QString& answered);
     QString& noise_entry(QString& entry) const;
     QString noise_frequency(QString& entry) const;
     void frequency_check(QString& entry) const;
-    void show_field(DigitalMeasure measure, const char* label, QString& result);
+    void show_field(DigitalMeasure measure, Quantity quantity, const char* label, QString& result);
 
     Link& link_;
     ProgramState& program_;

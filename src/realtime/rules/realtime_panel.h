@@ -5,6 +5,8 @@
 #include <array>
 #include <functional>
 
+#include "measurement.h"
+
 namespace m47 {
 
 enum class LampColour { grey, red, green };
@@ -115,8 +117,8 @@ struct RealtimeState {
     bool west_limit_set = false;  ///< the same for the west
 };
 
-inline constexpr int kAnalogMode = 2;
-inline constexpr int kDigitalMode = 3;
+inline constexpr int kAnalogMode = static_cast<int>(MeasureMode::analog);
+inline constexpr int kDigitalMode = static_cast<int>(MeasureMode::digital);
 
 /// The key code that confirms an entry.
 inline constexpr int kEnterKey = 13;

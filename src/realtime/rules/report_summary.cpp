@@ -6,37 +6,10 @@
 namespace m47 {
 namespace {
 
-enum SummaryColumn { kFrequencyColumn = 2, kOscillatorColumn = 3, kStatusColumn = 10 };
-
-constexpr int column_of(Quantity quantity) {
-    switch (quantity) {
-        case Quantity::ber:
-            return 5;
-        case Quantity::mer:
-            return 8;
-        case Quantity::level:
-            break;
-    }
-    return 4;
-}
-
-using SummaryFields = std::array<std::string_view, PageStore::kColumns>;
-
-SummaryFields fields_of(std::string_view line) {
-    SummaryFields fields;
-    for (std::string_view& field : fields) {
-        const std::size_t end = line.find('\t');
-        field = line.substr(0, end);
-        if (end == std::string_view::npos) break;
-        line.remove_prefix(end + 1);
-    }
-    return fields;
-}
-
-void count_row(RowCounts& counts, std::string_view status) {
+void count_row(RowCounts& counts, Verdict verdict) {
     ++counts.rows;
-    counts.passed += status == "PASS";
-    counts.failed += status == "FAIL";
+    counts.passed += verdict == Verdict::pass;
+    counts.failed += verdict == Verdict::fail;
 }
 
 void take_reading(ProgramSummary::Extremes& extremes, const Reading& reading) {
@@ -56,26 +29,35 @@ QString ProgramSummary::range(Quantity quantity) const {
            reading_text(quantity, of.maximum);
 }
 
-PageSummary summary_of(const PageStore& page) {
+QStringList PageSummary::plans() const {
+    QStringList all;
+    for (const ProgramSummary& program : programs)
+        if (!program.key.program.plan.isEmpty()) all += program.key.program.plan;
+    all.removeDuplicates();
+    return all;
+}
+
+QStringList PageSummary::units() const {
+    QStringList all;
+    for (const ProgramSummary& program : programs)
+        if (program.extremes[0].minimum.measured()) all += unit_text(program.key.unit);
+    all.removeDuplicates();
+    return all;
+}
+
+PageSummary summary_of(const PageStore& page, std::optional<LevelUnit> unit) {
     PageSummary summary;
-    std::unordered_map<std::string, std::size_t> places;
+    std::unordered_map<SeriesKey, std::size_t, SeriesKeyHash> places;
     for (int row = 0; row < page.rows(); ++row) {
-        const SummaryFields fields = fields_of(page.line(row));
-        std::string key(fields[kFrequencyColumn]);
-        key.append(1, '\t').append(fields[kOscillatorColumn]);
-        const auto [place, is_new] = places.try_emplace(std::move(key), summary.programs.size());
-        if (is_new)
-            summary.programs.push_back({std::string(fields[kFrequencyColumn]),
-                                        std::string(fields[kOscillatorColumn]),
-                                        {},
-                                        {}});
+        const Measurement measurement = page.measurement(row, unit);
+        const auto [place, is_new] =
+            places.try_emplace(series_key(measurement), summary.programs.size());
+        if (is_new) summary.programs.push_back({place->first, {}, {}});
         ProgramSummary& program = summary.programs[place->second];
-        count_row(summary.counts, fields[kStatusColumn]);
-        count_row(program.counts, fields[kStatusColumn]);
-        for (const Quantity quantity : kQuantities)
-            take_reading(
-                program.extremes[static_cast<std::size_t>(quantity)],
-                reading_of(quantity, fields[static_cast<std::size_t>(column_of(quantity))]));
+        count_row(summary.counts, measurement.verdict);
+        count_row(program.counts, measurement.verdict);
+        for (std::size_t k = 0; k < kQuantities.size(); ++k)
+            take_reading(program.extremes[k], measurement.reading(kQuantities[k]));
     }
     return summary;
 }

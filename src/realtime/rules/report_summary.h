@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QString>
+#include <QStringList>
 #include <array>
-#include <string>
-#include <string_view>
 #include <vector>
 
 #include "page_store.h"
+#include "series_key.h"
 #include "trend_reading.h"
 
 namespace m47 {
@@ -22,10 +21,9 @@ struct RowCounts {
     qint64 unjudged() const { return rows - passed - failed; }
 };
 
-/// What the page holds of one program, which is a frequency and an oscillator.
+/// What the page holds of one program in one unit.
 struct ProgramSummary {
-    std::string frequency;
-    std::string oscillator;
+    SeriesKey key;
     RowCounts counts;
     struct Extremes {
         Reading minimum;
@@ -41,9 +39,15 @@ struct ProgramSummary {
 struct PageSummary {
     RowCounts counts;
     std::vector<ProgramSummary> programs;  ///< in the order in which they first came
+
+    /// The plans that were measured, each once, in that order.
+    QStringList plans() const;
+    /// The units of the levels that were measured, each once, in that order; an empty text stands
+    /// for one that is not known.
+    QStringList units() const;
 };
 
-/// O(1) a row.
-PageSummary summary_of(const PageStore& page);
+/// O(1) a row. Rows that do not tell their unit are in `unit`.
+PageSummary summary_of(const PageStore& page, std::optional<LevelUnit> unit = {});
 
 }  // namespace m47

@@ -15,7 +15,7 @@ void add_point(TrendBlock::Extent& extent, const TrendPoint& point, Quantity qua
     if (!extent.measured || spot.value > extent.greatest.value) extent.greatest = spot;
     extent.measured = true;
     extent.last = spot;
-    if (point.status != RowStatus::fail) return;
+    if (point.status != Verdict::fail) return;
     if (!extent.failed || spot.value < extent.least_failed.value) extent.least_failed = spot;
     if (!extent.failed || spot.value > extent.greatest_failed.value) extent.greatest_failed = spot;
     extent.failed = true;

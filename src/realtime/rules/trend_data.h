@@ -4,8 +4,6 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <string>
-#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -26,16 +24,19 @@ struct TrendRange {
 /// The limits between which a quantity is good, where it has any now.
 using TrendLimits = std::function<std::optional<TrendRange>(Quantity)>;
 
-/// The rows of the page as one series a program. What a row holds of its program is the frequency
-/// and the oscillator: programs that share both (the other polarisation) share a series.
+/// The measurements of the page as one series a program of a plan; of those without a plan, and of
+/// a log that came back, one a frequency and oscillator. Each unit has series of its own.
 class TrendData {
   public:
-    /// Takes the rows that `page` has gained since the last call; O(1) a row. Rows without a date
-    /// and time, or without a frequency, have no place on the trend and are left out.
+    /// Rows that do not tell their unit are in `unit`.
+    explicit TrendData(std::optional<LevelUnit> unit = {}) : unit_(unit) {}
+
+    /// Takes what `page` has gained since the last call; O(1) a row. Rows without a date and time,
+    /// or without a frequency, have no place on the trend and are left out.
     void update(const PageStore& page);
 
     /// Forgets everything: the page begins anew.
-    void clear() { *this = TrendData(); }
+    void clear() { *this = TrendData(unit_); }
 
     bool empty() const { return series_.empty(); }
 
@@ -49,22 +50,20 @@ class TrendData {
     double newest() const { return newest_; }
 
   private:
-    void take(std::string_view line);
-    std::optional<double> time_of(std::string_view date, std::string_view time);
-    std::size_t series_of(std::string_view key);
+    void take(const Measurement& measurement);
+    std::size_t series_of(const SeriesKey& key);
     bool left_out(std::size_t series);
 
+    std::optional<LevelUnit> unit_;
     int rows_taken_ = 0;
     std::vector<std::unique_ptr<TrendSeries>> series_;
-    std::unordered_map<std::string_view, std::size_t> places_;
+    std::unordered_map<SeriesKey, std::size_t, SeriesKeyHash> places_;
     std::vector<std::size_t> last_rows_;  ///< of each series: the number of its latest row, from 1
     std::size_t rows_ = 0;
     std::size_t repeated_since_ = 0;
     std::size_t latest_series_ = 0;
     TrendRange time_;
     double newest_ = 0;
-    std::string date_;  ///< of the row before, with the midnight it means
-    std::optional<double> midnight_;
 };
 
 }  // namespace m47

@@ -23,14 +23,8 @@ struct Scale {
 };
 
 Scale scale_of(Quantity quantity) {
-    switch (quantity) {
-        case Quantity::ber:
-            return {true, 2, {-9, -1}};
-        case Quantity::mer:
-            return {false, 5, {0, 30}};
-        case Quantity::level:
-            break;
-    }
+    if (is_error_rate(quantity)) return {true, 2, {-9, -1}};
+    if (quantity == Quantity::mer) return {false, 5, {0, 30}};
     return {false, 10, {20, 120}};
 }
 
@@ -51,17 +45,6 @@ TrendRange with_limits(TrendRange range, const TrendRange& limits) {
 }
 
 }  // namespace
-
-std::optional<TrendRange> trend_limits(Quantity quantity, const RealtimePanel& panel,
-                                       const RealtimeState& state) {
-    const bool digital = state.meas_mode == kDigitalMode;
-    AlarmRow row = digital ? AlarmRow::dcp_level : AlarmRow::level_analog;
-    if (quantity == Quantity::ber) row = AlarmRow::chber;
-    if (quantity == Quantity::mer) row = AlarmRow::mer;
-    const AlarmLimits limits = limits_of(row, panel);
-    if (!limits.enabled) return {};
-    return TrendRange{limits.minimum, limits.maximum};
-}
 
 TrendRange value_axis(Quantity quantity, const std::optional<TrendRange>& values,
                       const std::optional<TrendRange>& limits) {

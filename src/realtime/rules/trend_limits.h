@@ -3,15 +3,9 @@
 
 #include <optional>
 
-#include "alarm_limits.h"
 #include "trend_data.h"
 
 namespace m47 {
-
-/// The limits that a value of `quantity` has to lie between by the panel as it stands; nothing
-/// while its alarm is not ticked. The level has those of the presentation in force.
-std::optional<TrendRange> trend_limits(Quantity quantity, const RealtimePanel& panel,
-                                       const RealtimeState& state);
 
 /// The stretch of the value axis that shows the values in sight (nothing when none is) with some
 /// room around them, and a limit where that does not press the values flat.

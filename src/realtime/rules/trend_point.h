@@ -5,19 +5,17 @@
 #include <cstdint>
 #include <deque>
 
+#include "measurement.h"
 #include "trend_reading.h"
 
 namespace m47 {
-
-/// What the STATUS cell of a row says.
-enum class RowStatus : std::uint8_t { none, pass, fail };
 
 /// One row of the page as the trend keeps it: 24 bytes.
 struct TrendPoint {
     double time = 0;  ///< seconds since 1970 on the clock of the row
     std::array<float, kQuantities.size()> values{};
     std::array<RangeMark, kQuantities.size()> marks{};
-    RowStatus status : 7 = RowStatus::none;
+    Verdict status : 7 = Verdict::none;
     /// The program was left out since its row before: no line leads here.
     bool apart : 1 = false;
 

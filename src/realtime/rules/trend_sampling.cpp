@@ -32,7 +32,7 @@ class Sampler {
             broken_ = true;
             return;
         }
-        add(trend_spot(point, quantity_), point.status == RowStatus::fail);
+        add(trend_spot(point, quantity_), point.status == Verdict::fail);
         broken_ = false;
     }
 

@@ -16,9 +16,7 @@ bool earlier(const TrendPoint& one, const TrendPoint& other) {
 }  // namespace
 
 QString TrendSeries::name() const {
-    QString name = QString::fromLatin1(key_.data(), static_cast<qsizetype>(key_.size()));
-    if (name.endsWith(u'\t')) name.chop(1);
-    return name.replace(u'\t', QStringLiteral(" / "));
+    return key_.unit ? key_.name() + QStringLiteral(" · ") + unit_text(key_.unit) : key_.name();
 }
 
 void TrendSeries::add(const TrendPoint& point) {

@@ -2,10 +2,10 @@
 #pragma once
 
 #include <array>
-#include <string>
-#include <string_view>
+#include <utility>
 #include <vector>
 
+#include "series_key.h"
 #include "trend_block.h"
 
 namespace m47 {
@@ -13,12 +13,12 @@ namespace m47 {
 /// The rows of one program in the order of their time.
 class TrendSeries {
   public:
-    /// `key` is what the rows hold of the program: the cells FR and OSC with the TAB between them.
-    explicit TrendSeries(std::string_view key) : key_(key) {}
+    explicit TrendSeries(SeriesKey key) : key_(std::move(key)) {}
 
-    const std::string& key() const { return key_; }
+    /// What the measurements of the series have in common.
+    const SeriesKey& key() const { return key_; }
 
-    /// As the user knows the program: "11778.0 / 10600", the frequency alone where that is all.
+    /// The program with its unit, where that is known: "ASTRA 007 · 11778.0 / 10600 · dBuV".
     QString name() const;
 
     /// Adds a row; O(1). Rows may come out of order (a clock that was set back): settle() has to be
@@ -57,7 +57,7 @@ class TrendSeries {
     }
     void count_spacing(double seconds);
 
-    std::string key_;
+    SeriesKey key_;
     TrendPoints points_;
     std::vector<TrendBlock> blocks_;
     std::size_t settled_ = 0;

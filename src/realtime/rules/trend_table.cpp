@@ -5,6 +5,8 @@
 #include <charconv>
 #include <string>
 
+#include "row_time.h"
+
 namespace m47 {
 namespace {
 
@@ -17,12 +19,8 @@ void add_number(std::string& text, float value) {
     text.append(digits.data(), end);
 }
 
-const char* status_text(RowStatus status) {
-    if (status == RowStatus::none) return "";
-    return status == RowStatus::fail ? "FAIL" : "PASS";
-}
-
-void add_row(std::string& text, const std::string& program, const TrendPoint& point) {
+void add_row(std::string& text, const std::string& program, const std::string& unit,
+             const TrendPoint& point) {
     text.append(time_text(point.time)).append(1, '\t').append(program);
     std::string marks;
     for (const Quantity quantity : kQuantities) {
@@ -35,8 +33,8 @@ void add_row(std::string& text, const std::string& program, const TrendPoint& po
         marks += kNames[static_cast<std::size_t>(quantity)];
         marks += reading.mark == RangeMark::below ? '<' : '>';
     }
-    text.append(1, '\t').append(status_text(point.status));
-    text.append(1, '\t').append(marks).append(1, '\n');
+    text.append(1, '\t').append(verdict_text(point.status).toStdString());
+    text.append(1, '\t').append(marks).append(1, '\t').append(unit).append(1, '\n');
 }
 
 bool put_out(QIODevice& file, std::string& text) {
@@ -51,11 +49,12 @@ bool put_out(QIODevice& file, std::string& text) {
 bool write_trend_table(QIODevice& file, std::span<const TrendSeries* const> series) {
     std::string text = "TIME\tPROGRAM";
     for (const char* name : kNames) text.append(1, '\t').append(name);
-    text += "\tSTATUS\tMARKS\n";
+    text += "\tSTATUS\tMARKS\tUNIT\n";
     for (const TrendSeries* each : series) {
-        const std::string program = each->name().toLatin1().toStdString();
+        const std::string program = each->key().name().toLatin1().toStdString();
+        const std::string unit = unit_text(each->key().unit).toStdString();
         for (const TrendPoint& point : each->points()) {
-            add_row(text, program, point);
+            add_row(text, program, unit, point);
             if (text.size() >= kBlockBytes && !put_out(file, text)) return false;
         }
     }

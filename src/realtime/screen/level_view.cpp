@@ -76,7 +76,7 @@ void LevelView::closeEvent(QCloseEvent* event) {
     QWidget::closeEvent(event);
 }
 
-void LevelView::measured(const LevelMeasurement& measurement) {
+void LevelView::measured(const Measurement& measurement) {
     display_.measured(measurement, now());
     refresh();
     const std::optional<double> level = display_.dbuv();
@@ -96,7 +96,9 @@ void LevelView::ended() {
 void LevelView::refresh() {
     if (!isVisible()) return;
     const LevelPicture shown = display_.picture(now(), linked_(), texts_);
-    setAccessibleName(QStringList{shown.value, shown.unit, shown.verdict, shown.age}.join(u' '));
+    QStringList spoken{shown.value, shown.unit, shown.verdict, shown.age};
+    spoken.removeAll(QString());
+    setAccessibleName(spoken.join(u' '));
     update();
 }
 

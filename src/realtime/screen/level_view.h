@@ -21,7 +21,7 @@ class LevelView : public QWidget {
     /// `linked` is asked whether the meter answers; `texts` outlive the view.
     LevelView(const Texts& texts, std::function<bool()> linked, QWidget* parent);
 
-    void measured(const LevelMeasurement& measurement);
+    void measured(const Measurement& measurement);
     void begins();
     void ended();
 

@@ -14,12 +14,12 @@
 #include "handler.h"
 #include "icons.h"
 #include "key_filter.h"
+#include "panel_limits.h"
 #include "realtime_tooltips.h"
 #include "report_file.h"
 #include "report_form.h"
 #include "tables.h"
 #include "text_printer.h"
-#include "trend_limits.h"
 #include "twips.h"
 #include "ui_realtime.h"
 
@@ -263,14 +263,7 @@ void Realtime::connect_level_view() {
 }
 
 void Realtime::show_row_as_level(int row) {
-    const bool plan = rules.state.acq_kind == kPlan;
-    const QStringList cells = rules.page.cells(row);
-    level_view_->measured({.level = cells[4],
-                           .verdict = cells[10],
-                           .unit = program_.unit_index,
-                           .plan = plan ? rules.panel.grp_name : QString(),
-                           .program = plan ? rules.panel.prog_num : QString(),
-                           .frequency = cells[2]});
+    level_view_->measured(rules.page.store().measurement(row));
 }
 
 void Realtime::prepare_page() {
@@ -386,7 +379,6 @@ void Realtime::write_report(const QString& file, const ReportEntry& entry) {
                                 .meter = program_.meter_version,
                                 .made = QDateTime::currentDateTime(),
                                 .plan = plan ? rules.panel.grp_name : QString(),
-                                .unit = unit_name(program_.unit_index),
                                 .limits = limits_in_force()};
     QApplication::setOverrideCursor(Qt::WaitCursor);
     const QString reason = save_report(

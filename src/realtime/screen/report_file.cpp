@@ -46,7 +46,7 @@ bool draw_report(QIODevice& file, const CustomerReport& report, TrendPlot* plot)
 
 QString save_report(const QString& path, const PageStore& page, const ReportContext& context,
                     const TrendLimits& limits, const Texts& texts) {
-    TrendData data;
+    TrendData data(context.entry.unit);
     data.update(page);
     TrendPlot plot(data, limits, texts);
     plot.rows_came();

@@ -9,6 +9,7 @@
 
 #include "file_question.h"
 #include "handler.h"
+#include "key_filter.h"
 #include "tooltips.h"
 #include "ui_report_form.h"
 
@@ -18,6 +19,8 @@ namespace {
 constexpr Bilingual kFormTitle{"Report", "Rapporto"};
 constexpr Bilingual kSiteLabel{"&Site:", "&Luogo:"};
 constexpr Bilingual kTechnicianLabel{"&Technician:", "&Tecnico:"};
+constexpr Bilingual kUnitLabel{"&Unit of rows without one:", "&Unità delle righe che non l'hanno:"};
+constexpr Bilingual kNoUnit{"not known", "non nota"};
 constexpr Bilingual kNotesLabel{"&Notes:", "&Note:"};
 constexpr Bilingual kFileLabel{"&File:", "&File:"};
 constexpr Bilingual kBrowse{"&Browse…", "S&foglia…"};
@@ -29,6 +32,8 @@ constexpr Bilingual kReplace{"'%1' exists already. Replace it?", "'%1' esiste gi
 constexpr Tooltip kFormTips[] = {
     {"report_site", "Where was measured", "Dove si è misurato"},
     {"report_technician", "Who has measured", "Chi ha misurato"},
+    {"report_unit", "The level unit of rows that came from a log, which does not say it",
+     "L'unità del livello delle righe venute da un log, che non la dice"},
     {"report_notes", "Remarks for the customer", "Osservazioni per il cliente"},
     {"report_file", "The PDF file that is written", "Il file PDF che viene scritto"},
     {"report_browse", "Choose the file", "Scegli il file"},
@@ -48,6 +53,7 @@ ReportForm::ReportForm(const ProgramState& program, QWidget* parent)
     set_captions(texts);
     ui_->report_file->setText(
         QDir(directory_).filePath(texts.pick(kProposedName) + u'.' + kReportSuffix));
+    new WheelGuard(ui_->report_unit);
     on(ui_->report_browse, &QPushButton::clicked, this, "report_browse_Click",
        [this] { browse(); });
     connect(ui_->report_buttons, &QDialogButtonBox::accepted, this, [this] { confirm(); });
@@ -63,6 +69,9 @@ void ReportForm::set_captions(const Texts& texts) {
     setWindowTitle(texts.pick(kFormTitle));
     ui_->report_site_label->setText(texts.pick(kSiteLabel));
     ui_->report_technician_label->setText(texts.pick(kTechnicianLabel));
+    ui_->report_unit_label->setText(texts.pick(kUnitLabel));
+    ui_->report_unit->addItem(texts.pick(kNoUnit));
+    for (const LevelUnit unit : {kDbuv, kDbmv, kDbm}) ui_->report_unit->addItem(unit_name(unit));
     ui_->report_notes_label->setText(texts.pick(kNotesLabel));
     ui_->report_file_label->setText(texts.pick(kFileLabel));
     ui_->report_browse->setText(texts.pick(kBrowse));
@@ -72,8 +81,9 @@ void ReportForm::set_captions(const Texts& texts) {
 }
 
 ReportEntry ReportForm::entry() const {
+    // The first entry is that of no unit.
     return {ui_->report_site->text(), ui_->report_technician->text(),
-            ui_->report_notes->toPlainText()};
+            ui_->report_notes->toPlainText(), unit_of_index(ui_->report_unit->currentIndex() - 1)};
 }
 
 QString ReportForm::path() const {

@@ -35,8 +35,8 @@ constexpr Bilingual kNotSaved{"The trend was not saved as '%1': %2",
                               "L'andamento non è stato salvato come '%1': %2"};
 
 constexpr Tooltip kTooltips[] = {
-    {"trend_program", "Program shown (frequency / oscillator)",
-     "Programma mostrato (frequenza / oscillatore)"},
+    {"trend_program", "Program shown (plan and number, frequency / oscillator)",
+     "Programma mostrato (piano e numero, frequenza / oscillatore)"},
     {"trend_level", "Show the level", "Mostra il livello"},
     {"trend_ber", "Show the bit error rate", "Mostra il BER"},
     {"trend_mer", "Show the MER", "Mostra il MER"},

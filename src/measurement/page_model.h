@@ -26,6 +26,9 @@ class PageModel : public QAbstractTableModel {
     /// below it.
     void append(const QStringList& cells);
 
+    /// The same of a row whose measurement is known.
+    void append(const QStringList& cells, const Measurement& measurement);
+
     /// Takes `store` as the page's measurements in place of all it held, in one reset.
     void replace(PageStore store);
 

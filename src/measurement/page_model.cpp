@@ -43,6 +43,13 @@ void PageModel::append(const QStringList& cells) {
     endInsertRows();
 }
 
+void PageModel::append(const QStringList& cells, const Measurement& measurement) {
+    const int row = measurements();
+    beginInsertRows({}, row, row);
+    store_.append(cells, measurement);
+    endInsertRows();
+}
+
 void PageModel::replace(PageStore store) {
     beginResetModel();
     store_ = std::move(store);

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "measurement_line.h"
+
 namespace m47 {
 namespace {
 
@@ -37,6 +39,29 @@ void PageStore::append(const QStringList& cells) {
             for (const QChar character : cells[column]) chunk.bytes.push_back(stored(character));
     }
     end_row(chunk);
+}
+
+void PageStore::append(const QStringList& cells, const Measurement& measurement) {
+    append(cells);
+    Chunk& chunk = *chunks_.back();
+    chunk.records.resize(chunk.rows);
+    chunk.records.back() = records_.pack(measurement);
+    if (chunk.rows == kChunkRows) chunk.records.shrink_to_fit();
+}
+
+Measurement PageStore::measurement(int row, std::optional<LevelUnit> unit) const {
+    const MeasurementRecord* record = record_of(row);
+    Measurement made = record ? records_.unpack(*record) : measurement_of_line(line(row));
+    if (record) made.instant = instant_of_line(line(row));
+    if (!made.unit) made.unit = unit;
+    return made;
+}
+
+const MeasurementRecord* PageStore::record_of(int row) const {
+    const auto number = static_cast<std::size_t>(row);
+    const std::vector<MeasurementRecord>& records = chunks_[number / kChunkRows]->records;
+    const std::size_t place = number % kChunkRows;
+    return place < records.size() && records[place].known ? &records[place] : nullptr;
 }
 
 bool PageStore::append_line(std::string_view line) {
@@ -74,7 +99,9 @@ void PageStore::clear() {
 
 std::size_t PageStore::memory_bytes() const {
     std::size_t sum = chunks_.capacity() * sizeof(chunks_[0]);
-    for (const auto& chunk : chunks_) sum += sizeof(Chunk) + chunk->bytes.capacity();
+    for (const auto& chunk : chunks_)
+        sum += sizeof(Chunk) + chunk->bytes.capacity() +
+               chunk->records.capacity() * sizeof(MeasurementRecord);
     return sum;
 }
 

@@ -9,9 +9,12 @@
 #include <string_view>
 #include <vector>
 
+#include "measurement_record.h"
+
 namespace m47 {
 
-/// The rows of the measurement page as the bytes of a log line: 11 cells in Latin-1 joined by TAB.
+/// The rows of the measurement page as the bytes of a log line, 11 cells in Latin-1 joined by TAB,
+/// and beside a row that was measured here what was measured.
 /// A page that is left running for weeks holds a million rows, so a row costs little more than its
 /// characters, and nothing that is already stored is copied when the page grows.
 class PageStore {
@@ -25,6 +28,9 @@ class PageStore {
     /// that Latin-1 lacks becomes "?".
     void append(const QStringList& cells);
 
+    /// The same of a row whose measurement is known: `cells` are what the page shows of it.
+    void append(const QStringList& cells, const Measurement& measurement);
+
     /// Adds the fields of one line (without its line end) as a row. False when the line holds more
     /// than 11: the first 11 have then been added.
     bool append_line(std::string_view line);
@@ -34,6 +40,10 @@ class PageStore {
 
     /// One cell, `column` 0 to 10. Valid until the next change.
     std::string_view cell(int row, int column) const;
+
+    /// What was measured in row `row`; of a row that came as text only what that says. Where it
+    /// does not tell its unit, it is in `unit`.
+    Measurement measurement(int row, std::optional<LevelUnit> unit = {}) const;
 
     void clear();
 
@@ -46,12 +56,16 @@ class PageStore {
         std::string bytes;
         std::array<std::size_t, kChunkRows> ends;
         std::size_t rows = 0;
+        /// Of the rows up to the last one whose measurement is known; empty for a log.
+        std::vector<MeasurementRecord> records;
     };
 
+    const MeasurementRecord* record_of(int row) const;
     Chunk& open_chunk();
     static void end_row(Chunk& chunk);
 
     std::vector<std::unique_ptr<Chunk>> chunks_;
+    MeasurementRecords records_;
 };
 
 }  // namespace m47

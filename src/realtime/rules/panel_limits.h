@@ -2,20 +2,19 @@
 #pragma once
 
 #include <QList>
-#include <QString>
+#include <optional>
 
+#include "customer_report.h"
 #include "realtime_panel.h"
 #include "recordset.h"
+#include "trend_data.h"
 
 namespace m47 {
 
-/// The limits of one program as the report shows them, "45 … 80" each; empty where its alarm is not
-/// on or the presentation does not measure it.
-struct ReportLimits {
-    QString program;  ///< its number in the plan, empty for a single element
-    QString frequency;
-    QString level, cn, ber, mer;
-};
+/// The limits that a value of `quantity` has to lie between by the panel as it stands; nothing
+/// while its alarm is not ticked. The level has those of the presentation in force.
+std::optional<TrendRange> trend_limits(Quantity quantity, const RealtimePanel& panel,
+                                       const RealtimeState& state);
 
 /// The limits as they stand on the panel.
 ReportLimits limits_of_panel(const RealtimePanel& panel, const RealtimeState& state);

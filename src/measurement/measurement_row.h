@@ -5,7 +5,7 @@
 #include <QString>
 #include <QStringList>
 
-#include "realtime_panel.h"
+#include "measurement.h"
 
 namespace m47 {
 
@@ -13,8 +13,8 @@ namespace m47 {
 /// stand, range marks included.
 struct MeasurementTexts {
     QDateTime date_time;
-    /// The presentation in force: 2 analog, 3 digital satellite.
-    int meas_mode = kAnalogMode;
+    /// The presentation in force: a MeasureMode, or any other number.
+    int meas_mode = static_cast<int>(MeasureMode::analog);
     QString fsat;
     QString ol_freq;
     QString level;

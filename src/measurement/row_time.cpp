@@ -1,42 +1,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "trend_reading.h"
+#include "row_time.h"
 
-#include <algorithm>
+#include <array>
 #include <charconv>
 #include <chrono>
+#include <cmath>
+#include <cstdint>
 #include <cstdio>
 
 namespace m47 {
 namespace {
 
 constexpr int kCentury = 2000;
+constexpr double kSecondsOfADay = 86400;
 
 bool digit_at(std::string_view text, std::size_t place) {
     return place < text.size() && text[place] >= '0' && text[place] <= '9';
-}
-
-void skip_blanks(std::string_view& text) {
-    text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
-}
-
-RangeMark take_mark(std::string_view& text) {
-    if (text.empty() || (text[0] != '<' && text[0] != '>')) return RangeMark::none;
-    const RangeMark mark = text[0] == '<' ? RangeMark::below : RangeMark::above;
-    text.remove_prefix(1);
-    return mark;
-}
-
-/// The number that `text` begins with, as the limits read it; nothing where it begins with none.
-std::optional<double> leading_value(std::string_view text) {
-    if (text.starts_with('+')) text.remove_prefix(1);
-    const std::size_t sign = text.starts_with('-') ? 1 : 0;
-    const std::size_t point = text.substr(sign).starts_with('.') ? 1 : 0;
-    // Words such as "inf" are numbers to the library, not to the meter.
-    if (!digit_at(text, sign + point)) return {};
-    double value = 0;
-    const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (result.ec != std::errc()) return {};
-    return value;
 }
 
 /// Three numbers of one to four digits with one other character between each two.
@@ -57,38 +36,18 @@ std::optional<std::array<int, 3>> three_numbers(std::string_view text) {
     return numbers;
 }
 
-QString exponent_text(float value) {
-    // The meter writes its exponents without a leading zero.
-    return QString::number(static_cast<double>(value), 'E', 1)
-        .replace(QLatin1String("E-0"), QLatin1String("E-"))
-        .replace(QLatin1String("E+0"), QLatin1String("E+"));
-}
-
 }  // namespace
 
-Reading reading_of(Quantity quantity, std::string_view cell) {
-    skip_blanks(cell);
-    const RangeMark mark = take_mark(cell);
-    skip_blanks(cell);
-    const std::optional<double> value = leading_value(cell);
-    if (!value || std::fabs(*value) > std::numeric_limits<float>::max()) return {};
-    if (quantity == Quantity::ber && *value < 0) return {};
-    return {static_cast<float>(*value), mark};
-}
-
-QString reading_text(Quantity quantity, const Reading& reading) {
-    if (!reading.measured()) return QStringLiteral("–");
-    QString text;
-    if (reading.mark == RangeMark::below) text += u'<';
-    if (reading.mark == RangeMark::above) text += u'>';
-    if (quantity == Quantity::ber)
-        return text + (reading.value > 0 ? exponent_text(reading.value) : QStringLiteral("0"));
-    return text + QString::number(static_cast<double>(reading.value), 'f', 1);
-}
-
-double plotted_value(Quantity quantity, float value) {
-    const auto number = static_cast<double>(value);
-    return quantity == Quantity::ber ? std::max(number, kLeastBer) : number;
+std::optional<double> leading_value(std::string_view text) {
+    if (text.starts_with('+')) text.remove_prefix(1);
+    const std::size_t sign = text.starts_with('-') ? 1 : 0;
+    const std::size_t point = text.substr(sign).starts_with('.') ? 1 : 0;
+    // Words such as "inf" are numbers to the library, not to the meter.
+    if (!digit_at(text, sign + point)) return {};
+    double value = 0;
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (result.ec != std::errc()) return {};
+    return value;
 }
 
 std::optional<double> row_midnight(std::string_view date) {
@@ -99,7 +58,8 @@ std::optional<double> row_midnight(std::string_view date) {
                                           std::chrono::month(static_cast<unsigned>(month)),
                                           std::chrono::day(static_cast<unsigned>(of_month))};
     if (!day.ok()) return {};
-    return 86400.0 * static_cast<double>(std::chrono::sys_days(day).time_since_epoch().count());
+    return kSecondsOfADay *
+           static_cast<double>(std::chrono::sys_days(day).time_since_epoch().count());
 }
 
 std::optional<double> row_clock(std::string_view time) {
@@ -108,6 +68,13 @@ std::optional<double> row_clock(std::string_view time) {
     const auto [hours, minutes, seconds] = *numbers;
     if (hours > 23 || minutes > 59 || seconds > 59) return {};
     return (hours * 60.0 + minutes) * 60.0 + seconds;
+}
+
+double row_instant(const QDateTime& moment) {
+    const QDate day = moment.date();
+    const qint64 days = QDate(1970, 1, 1).daysTo(day);
+    return kSecondsOfADay * static_cast<double>(days) +
+           std::floor(moment.time().msecsSinceStartOfDay() / 1000.0);
 }
 
 std::string time_text(double time) {

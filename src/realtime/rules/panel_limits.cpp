@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "report_limits.h"
+#include "panel_limits.h"
 
+#include "alarm_limits.h"
 #include "numbers.h"
 
 namespace m47 {
@@ -35,6 +36,17 @@ ReportLimits limits_of_record(const Recordset& program, const RealtimePanel& pan
 }
 
 }  // namespace
+
+std::optional<TrendRange> trend_limits(Quantity quantity, const RealtimePanel& panel,
+                                       const RealtimeState& state) {
+    const bool digital = state.meas_mode == kDigitalMode;
+    AlarmRow row = digital ? AlarmRow::dcp_level : AlarmRow::level_analog;
+    if (quantity == Quantity::ber) row = AlarmRow::chber;
+    if (quantity == Quantity::mer) row = AlarmRow::mer;
+    const AlarmLimits limits = limits_of(row, panel);
+    if (!limits.enabled) return {};
+    return TrendRange{limits.minimum, limits.maximum};
+}
 
 ReportLimits limits_of_panel(const RealtimePanel& panel, const RealtimeState& state) {
     ReportLimits made;

@@ -4,8 +4,8 @@
 namespace m47 {
 
 QStringList measurement_row(const MeasurementTexts& shown) {
-    const bool digital = shown.meas_mode == kDigitalMode;
-    const bool measured = digital || shown.meas_mode == kAnalogMode;
+    const bool digital = shown.meas_mode == static_cast<int>(MeasureMode::digital);
+    const bool measured = digital || shown.meas_mode == static_cast<int>(MeasureMode::analog);
     const auto text = [](const QString& value, bool wanted) {
         return wanted ? value.trimmed() : QString();
     };

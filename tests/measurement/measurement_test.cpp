@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// A measurement as a thing of its own: from a line of a log, packed beside a row, told apart.
+#include <QTest>
+
+#include "measurement_line.h"
+#include "page_store.h"
+#include "row_time.h"
+#include "series_key.h"
+
+namespace m47 {
+
+class MeasurementTest : public QObject {
+    Q_OBJECT
+
+  private:
+    static Measurement whole() {
+        Measurement made;
+        made.instant = row_midnight("21/11/26").value() + 36001;
+        made.program = {"ASTRA", "007"};
+        made.mode = MeasureMode::digital;
+        made.frequency = 11778.0F;
+        made.oscillator = 10600.0F;
+        made.reading(Quantity::level) = {-50.5F, RangeMark::none};
+        made.reading(Quantity::ber) = {1e-8F, RangeMark::below};
+        made.reading(Quantity::noise) = {20.0F, RangeMark::above};
+        made.unit = kDbm;
+        made.limits[static_cast<std::size_t>(Quantity::level)] = Limits{-89, 11};
+        made.verdict = Verdict::fail;
+        return made;
+    }
+    static bool same(const Measurement& one, const Measurement& other) {
+        for (std::size_t k = 0; k < kAllQuantities; ++k) {
+            const Reading& a = one.readings[k];
+            const Reading& b = other.readings[k];
+            if (a.measured() != b.measured() || a.mark != b.mark) return false;
+            if (a.measured() && a.value != b.value) return false;
+        }
+        return one.instant == other.instant && one.program == other.program &&
+               one.mode == other.mode && one.frequency == other.frequency &&
+               one.oscillator == other.oscillator && one.unit == other.unit &&
+               one.limits == other.limits && one.verdict == other.verdict;
+    }
+    static QStringList cells() {
+        return {"21/11/26", "10:00:01", "11778", "9750", "", "", "", "", "", "", "FAIL"};
+    }
+
+  private Q_SLOTS:
+    void a_line_of_a_log_says_what_it_says() {
+        const Measurement read = measurement_of_line(
+            "21/11/26\t10:00:01\t11778.0\t10600\t>61.0\t2.0E-4\t<1.0E-8\t-0.1\t14.2\t\tPASS");
+        QCOMPARE(*read.instant, *row_midnight("21/11/26") + 36001);
+        QCOMPARE(*read.frequency, 11778.0F);
+        QCOMPARE(*read.oscillator, 10600.0F);
+        const auto shown = [&read](Quantity quantity) {
+            return reading_text(quantity, read.reading(quantity));
+        };
+        QCOMPARE(shown(Quantity::level), QStringLiteral(">61.0"));
+        QCOMPARE(shown(Quantity::ber), QStringLiteral("2.0E-4"));
+        QCOMPARE(shown(Quantity::pvber), QStringLiteral("<1.0E-8"));
+        QCOMPARE(shown(Quantity::cfo), QStringLiteral("-0.1"));
+        QCOMPARE(shown(Quantity::mer), QStringLiteral("14.2"));
+        QVERIFY(!read.reading(Quantity::cn).measured());
+        QVERIFY(read.verdict == Verdict::pass);
+        QVERIFY(!read.unit && !read.program.known() && read.mode == MeasureMode::none);
+    }
+
+    void a_line_that_says_nothing_is_a_measurement_of_nothing() {
+        for (const char* line : {"", "a\tb", "\t\t\t\t\t\t\t\t\t\t", "99/99/99\t10:00:00\tx\ty"}) {
+            const Measurement read = measurement_of_line(line);
+            QVERIFY2(same(read, Measurement()), line);
+        }
+    }
+
+    void a_row_keeps_its_measurement_whatever_its_text_says() {
+        PageStore page;
+        QVERIFY(page.append_line("21/11/26\t09:00:00\t950.0\t10600\t58.3\t\t\t\t\t\tPASS"));
+        page.append(cells(), whole());
+        page.append({"21/11/26", "10:00:02", "1000.0"});
+        QCOMPARE(QString::fromStdString(std::string(page.line(1))), cells().join(u'\t'));
+        QVERIFY(same(page.measurement(1), whole()));
+        QCOMPARE(*page.measurement(0).frequency, 950.0F);
+        QCOMPARE(*page.measurement(2).frequency, 1000.0F);
+        QVERIFY(!page.measurement(0).unit && !page.measurement(2).unit);
+    }
+
+    void only_a_row_without_a_unit_takes_the_one_given() {
+        PageStore page;
+        page.append(cells());
+        page.append(cells(), whole());
+        QVERIFY(page.measurement(0, kDbmv).unit == kDbmv);
+        QVERIFY(page.measurement(1, kDbmv).unit == kDbm);
+    }
+
+    void programs_and_limits_come_again_over_many_rows() {
+        PageStore page;
+        for (int k = 0; k < 5000; ++k) {
+            Measurement made = whole();
+            made.program.number = QString::number(k % 30);
+            made.limits[0] = Limits{static_cast<double>(k % 7), 100};
+            page.append(cells(), made);
+        }
+        for (const int row : {0, 1023, 1024, 4999}) {
+            Measurement expected = whole();
+            expected.program.number = QString::number(row % 30);
+            expected.limits[0] = Limits{static_cast<double>(row % 7), 100};
+            QVERIFY(same(page.measurement(row), expected));
+        }
+        // The text, its end, and the record; nothing of what comes again.
+        QVERIFY(page.memory_bytes() < 5000 * 150);
+    }
+
+    void the_instant_of_a_row_is_that_of_its_text() {
+        const QDateTime moment({2026, 11, 21}, {10, 0, 1, 700});
+        QCOMPARE(row_instant(moment), *row_midnight("21/11/26") + 36001);
+    }
+
+    void measurements_are_told_apart_by_program_tuning_and_unit() {
+        const SeriesKey key = series_key(whole());
+        Measurement other = whole();
+        other.frequency = 11000.0F;
+        QVERIFY(series_key(other) == key);  // a program that was tuned anew is the same program
+        other.program.number = "008";
+        QVERIFY(!(series_key(other) == key));
+        other = whole();
+        other.unit = kDbuv;
+        QVERIFY(!(series_key(other) == key));
+        Measurement single = whole();
+        single.program = {};
+        QVERIFY(!(series_key(single) == key));
+        other = single;
+        QVERIFY(series_key(single) == series_key(other));
+        other.oscillator.reset();
+        QVERIFY(!(series_key(single) == series_key(other)));
+        QCOMPARE(key.name(), QStringLiteral("ASTRA 007 · 11778.0 / 10600"));
+        QCOMPARE(series_key(single).name(), QStringLiteral("11778.0 / 10600"));
+        QCOMPARE(series_key(other).name(), QStringLiteral("11778.0"));
+    }
+};
+
+}  // namespace m47
+
+QTEST_GUILESS_MAIN(m47::MeasurementTest)
+#include "measurement_test.moc"
