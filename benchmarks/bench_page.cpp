@@ -19,6 +19,7 @@
 #include <vector>
 
 #include "figure.h"
+#include "measurement_line.h"
 #include "measurement_log.h"
 #include "page_model.h"
 
@@ -131,14 +132,24 @@ bool report_memory(const char* what, double stored, double resident) {
 /// Appends all rows to a page of its own and writes them to `path`. Leaves the time in `ms`.
 bool measure_append(const QString& path, double& ms) {
     std::vector<QStringList> rows;
-    rows.reserve(1000);
-    for (int k = 0; k < 1000; ++k) rows.push_back(digital_row(k * 37));
+    std::vector<m47::Measurement> measured;
+    for (int k = 0; k < 1000; ++k) {
+        rows.push_back(digital_row(k * 37));
+        const QByteArray line = rows.back().join(u'\t').toLatin1();
+        measured.push_back(m47::measurement_of_line({line.data(), std::size_t(line.size())}));
+        measured.back().program = {QStringLiteral("ASTRA"), QString::number(k % 30)};
+        measured.back().unit = m47::kDbuv;
+        measured.back().limits[0] = m47::Limits{45, 80};
+    }
 
     const double before = resident_bytes();
     m47::PageModel page;
     QElapsedTimer timer;
     timer.start();
-    for (int k = 0; k < kRows; ++k) page.append(rows[static_cast<std::size_t>(k) % rows.size()]);
+    for (int k = 0; k < kRows; ++k) {
+        const std::size_t place = static_cast<std::size_t>(k) % rows.size();
+        page.append(rows[place], measured[place]);
+    }
     ms = static_cast<double>(timer.nsecsElapsed()) / 1e6;
     const double resident = resident_bytes() - before;
     std::printf("%-34s %8.1f ms, %.0f ns a row\n", "append 1,000,000 rows", ms, ms * 1e6 / kRows);
