@@ -561,7 +561,7 @@ void MeasureCycleTest::the_limits_that_were_checked_are_kept() {
 }
 
 void MeasureCycleTest::complete_measures_are_kept() {
-    panel().cmdcomplete = true;
+    f_->program.corrected.complete = true;
     panel().noise_freqa = "1050.0";
     f_->values["LEVCNA?"] = "CN 12.5";
     for (auto& ticked : panel().meas_statea) ticked = true;
