@@ -32,10 +32,11 @@ struct ProgramIdentity {
     bool operator==(const ProgramIdentity&) const = default;
 };
 
-/// A value is within its limits above `minimum` and below `maximum`.
+/// A value is within its limits above `minimum` and below `maximum`; a side without a limit is
+/// open.
 struct Limits {
-    double minimum = 0;
-    double maximum = 0;
+    std::optional<double> minimum;
+    std::optional<double> maximum;
     bool operator==(const Limits&) const = default;
 };
 

@@ -7,6 +7,7 @@
 #include <QTimer>
 #include <chrono>
 
+#include "elided_label.h"
 #include "handler.h"
 #include "icons.h"
 #include "keyboard_access.h"
@@ -33,11 +34,14 @@ M47MDI::M47MDI(ProgramState& program, QWidget* parent)
       program_(program),
       ui_(std::make_unique<Ui::M47MDI>()),
       progress_(new QLabel),
+      notice_(new ElidedLabel),
       status_(new StatusPanel) {
     ui_->setupUi(this);
     caption_ = windowTitle();
     progress_->setObjectName(QStringLiteral("plan_progress"));
     ui_->status_line->addWidget(progress_);
+    notice_->setObjectName(QStringLiteral("corrected_notice"));
+    ui_->status_line->addWidget(notice_, 1);
     ui_->status_line->addPermanentWidget(status_);
     setWindowIcon(application_icon());
     // Its menu would hide the toolbar, and nothing would bring it back.
@@ -61,6 +65,7 @@ M47MDI::M47MDI(ProgramState& program, QWidget* parent)
     connect(ui_->cmdexit, &QAction::triggered, this, &QWidget::close);
     connect(ui_->screens, &QMdiArea::subWindowActivated, this, &M47MDI::screen_activated);
     corrected_ = new CorrectedMenu(ui_->cmdcorrected, program_);
+    tell_costs();
     ui_->cmdinglese->setChecked(true);
     cmditaliano_Click();
     set_tooltips(this, kMenuTips, program_.texts);
@@ -68,6 +73,7 @@ M47MDI::M47MDI(ProgramState& program, QWidget* parent)
 }
 
 M47MDI::~M47MDI() {
+    program_.costs.on_cost = nullptr;
     // The screens go while this window is whole; none of them comes to the front any more.
     ui_->screens->disconnect(this);
     delete ui_->screens;
@@ -197,6 +203,22 @@ void M47MDI::cmditaliano_Click() {
 void M47MDI::show_texts() {
     status_->show_reason();
     corrected_->show_texts();
+}
+
+void M47MDI::tell_costs() {
+    program_.costs.on_cost = [this](const Bilingual& text) {
+        show_notice(program_.texts.pick(text));
+    };
+    // What was told may no longer be true.
+    connect(corrected_, &CorrectedMenu::chosen, this, [this] {
+        program_.costs.begin_anew();
+        show_notice(QString());
+    });
+}
+
+void M47MDI::show_notice(const QString& text) {
+    notice_->setText(text);
+    notice_->setToolTip(text);
 }
 
 void M47MDI::show_progress(const QString& text) {

@@ -59,6 +59,10 @@ class M47MDI : public QMainWindow, public MainWindowView {
     /// went wrong as its tooltip.
     void show_upload(const QString& text, const QString& tooltip);
 
+    /// What the user has to know though no box may stop a run for it; stays until the next one, or
+    /// until corrected behaviour is chosen. Beside the progress, which changes all the time.
+    void show_notice(const QString& text);
+
     /// There is a port whose identification cmdreconnect can run again.
     void allow_reconnect();
 
@@ -88,6 +92,7 @@ class M47MDI : public QMainWindow, public MainWindowView {
     /// A new screen opens wholly visible, scaled to the room there is.
     void keep_inside(QMdiSubWindow* view) const;
     QString key_of(const QMdiSubWindow* view) const;
+    void tell_costs();
     /// What is shown in the language in use, and changes with it.
     void show_texts();
 
@@ -95,6 +100,7 @@ class M47MDI : public QMainWindow, public MainWindowView {
     QString caption_;
     std::unique_ptr<Ui::M47MDI> ui_;
     QLabel* progress_;
+    QLabel* notice_;
     StatusPanel* status_;
     CorrectedMenu* corrected_ = nullptr;
     QMap<QString, ScreenMaker> makers_;

@@ -141,6 +141,7 @@ void Program::add_screens() {
         QObject::connect(screen, &Realtime::cut_short, &window_, [this](const QString& reason) {
             window_.show_upload(QStringLiteral("Pass cut short"), reason);
         });
+        QObject::connect(screen, &Realtime::left_out, &window_, &M47MDI::show_notice);
         QObject::connect(screen, &QObject::destroyed, &window_,
                          [this] { window_.show_progress(QString()); });
         return screen;

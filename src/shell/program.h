@@ -36,6 +36,7 @@ class Program {
     M47MDI& window() { return window_; }
     Link& link() { return link_; }
     Database& database() { return *database_; }
+    ProgramState& state() { return state_; }
 
     /// Identifies the meter on port `number` (1 to 10), as picking it on the port screen does.
     void identify(int number);

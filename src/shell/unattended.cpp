@@ -197,6 +197,9 @@ int run_unattended(Program& program, const Options& options) {
         if (measurement.verdict == Verdict::fail) run.alarm_failed = true;
     };
     screen->rules.cycle.on_log_written = [&run](const QString& reason) { tell_log(run, reason); };
+    program.state().costs.on_cost = [&program](const Bilingual& text) {
+        complain(program.state().texts.pick(text));
+    };
     try {
         if (!options.plan.isEmpty() && !plan_is_there(run)) return kDatabase;
         program.identify(options.on_port);

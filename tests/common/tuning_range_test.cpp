@@ -9,6 +9,11 @@ class TuningRangeTest : public QObject {
     Q_OBJECT
 
   private Q_SLOTS:
+    void an_oscillator_entry_that_is_not_there_counts_as_the_first() {
+        for (const int entry : {0, 1, 2, 3}) QCOMPARE(oscillator_entry(entry), entry);
+        for (const int none : {-1, 4, 7, 1'000'000}) QCOMPARE(oscillator_entry(none), 0);
+    }
+
     void range_data() {
         QTest::addColumn<bool>("direct");
         QTest::addColumn<double>("oscillator");

@@ -108,6 +108,15 @@ class UploadTest : public QObject {
                  QStringList({"LOCOSC 1 09750", "LOCOSC 1"}));
     }
 
+    void an_oscillator_entry_that_is_not_there_counts_as_the_first() {
+        ProgramRecord program = digital_program();
+        for (const int none : {-1, 4, 7}) {
+            program.loc_osc0 = none;
+            QCOMPARE(commands_of_program(program, kKu).mid(1, 2),
+                     QStringList({"LOCOSC 1 09750", "LOCOSC 1"}));
+        }
+    }
+
     void thirteen_volts_and_no_tone() {
         ProgramRecord program = digital_program();
         program.lnb_volt = 1;

@@ -129,6 +129,10 @@ class AcquisitionTest : public QObject {
     void program_walk_sends_nothing();
     void no_plan_open();
     void progress_is_that_of_the_program();
+    void progress_is_that_of_the_plan_that_the_pass_is_in();
+    void progress_counts_the_programs_as_they_are();
+    void a_level_that_the_mode_loses_is_told_once();
+    void a_bandwidth_that_is_not_that_of_the_program_is_told();
     void plan_deleted_in_a_pass_data();
     void plan_deleted_in_a_pass();
     void plan_deleted_between_two_firings();
@@ -931,6 +935,88 @@ void AcquisitionTest::progress_is_that_of_the_program() {
     run_for(30);
     QCOMPARE(frequencies(), plan_frequencies({0, 2, 0, 2, 3}));
     QCOMPARE(progress_.mid(2), (QList<QPair<int, int>>{{1, 3}, {2, 3}, {3, 3}, {0, 0}}));
+}
+
+void AcquisitionTest::progress_is_that_of_the_plan_that_the_pass_is_in() {
+    add_plan("A", {1, 1, 1});
+    add_plan("B", {1, 1}, 1500);
+    acquisition().group();
+    // Without a pass there is nothing to take away from the status line.
+    acquisition().next();
+    acquisition().previous();
+    QCOMPARE(progress_, (QList<QPair<int, int>>()));
+    acquisition().multiple_acq();
+    run_for(1.5);
+    QCOMPARE(progress_, (QList<QPair<int, int>>{{1, 3}}));
+    acquisition().next();
+    QCOMPARE(progress_.mid(1), (QList<QPair<int, int>>{{0, 0}}));
+    run_for(30);
+    QCOMPARE(frequencies(), QStringList({"1000.0", "1500.0", "1510.0"}));
+    QCOMPARE(progress_.mid(2), (QList<QPair<int, int>>{{1, 2}, {2, 2}, {0, 0}}));
+}
+
+void AcquisitionTest::progress_counts_the_programs_as_they_are() {
+    add_plan("A", {1, 0, 0, 1});
+    acquisition().group();
+    acquisition().multiple_acq();
+    run_for(1.5);
+    // The plan screen monitors another program while the pass runs.
+    Recordset set = f_->database().of_plan("programmi", "A");
+    set.find_first("pg_num", "002");
+    RealtimeFixture::change_row(set, {{"monitor_state", 1}});
+    run_for(30);
+    QCOMPARE(frequencies(), plan_frequencies({0, 2, 3}));
+    QCOMPARE(progress_, (QList<QPair<int, int>>{{1, 2}, {2, 3}, {3, 3}, {0, 0}}));
+}
+
+void AcquisitionTest::a_level_that_the_mode_loses_is_told_once() {
+    QStringList told;
+    f_->program.costs.on_cost = [&](const Bilingual& text) { told += text.english; };
+    f_->values["SYMBRATEQPSK?"] = "27500";
+    f_->values["ATTEN?"] = "2";
+    f_->values["LEVDCP?"] = "P 61.5";
+    panel().meas_stated[kDcpLevel] = true;
+    f_->rules.modes.digitalmode();
+    acquisition().single_acq();
+    QCOMPARE(page().cells(0)[4], QString("61.5"));
+    QCOMPARE(told, QStringList());
+    f_->rules.modes.Form_Activate();
+    for (int row = 1; row < 3; ++row) {
+        acquisition().single_acq();
+        QCOMPARE(page().cells(row)[4], QString());
+        QCOMPARE(told, QStringList("Level not kept: choose QPSK again"));
+    }
+    f_->program.corrected.keep_mode = true;
+    f_->rules.modes.Form_Activate();
+    acquisition().single_acq();
+    QCOMPARE(page().cells(3)[4], QString("61.5"));
+}
+
+void AcquisitionTest::a_bandwidth_that_is_not_that_of_the_program_is_told() {
+    const QString other("Bandwidth not that of the program: type it");
+    QStringList told;
+    f_->program.costs.on_cost = [&](const Bilingual& text) { told += text.english; };
+    f_->values["ATTEN?"] = "2";
+    f_->values["LEVDCP?"] = "P 61.5";
+    panel().meas_stated[kDcpLevel] = true;
+    add_plan("A", {1});
+    add_program("A", 1, {{"sat_ad", 1}, {"satchbw", 8}});
+    add_program("A", 2, {{"sat_ad", 1}, {"satchbw", 27}});
+    add_program("A", 3, {{"sat_ad", 1}, {"satchbw", 40}});
+    acquisition().group();
+    panel().chbws = "8";
+    acquisition().multiple_acq();
+    run_for(2.5);
+    QCOMPARE(told, QStringList());
+    run_for(60);
+    QCOMPARE(told, QStringList(other));
+    QCOMPARE(f_->commands().filter("CHBW"), QStringList({"CHBW 08", "CHBW 08", "CHBW 08"}));
+    f_->program.costs.begin_anew();
+    f_->program.corrected.plan_width = true;
+    acquisition().multiple_acq();
+    run_for(60);
+    QCOMPARE(told, QStringList(other));
+    QCOMPARE(f_->commands().filter("CHBW"), QStringList({"CHBW 08", "CHBW 27", "CHBW 36"}));
 }
 
 void AcquisitionTest::plan_deleted_in_a_pass_data() {

@@ -43,6 +43,9 @@ class MeasureCycleTest : public QObject {
     void limits_are_clamped_by_the_unit_data();
     void limits_are_clamped_by_the_unit();
     void a_level_equal_to_both_limits_fails();
+    void an_alarm_without_limits_checks_nothing_where_chosen();
+    void an_alarm_with_one_limit_checks_that_one_where_chosen();
+    void an_alarm_without_limits_is_told();
     void digital_cn_ends_the_cycle();
     void digital_noise_ends_the_cycle();
     void analog_cn_ends_the_cycle();
@@ -320,6 +323,74 @@ void MeasureCycleTest::a_level_equal_to_both_limits_fails() {
     QCOMPARE(panel().lev_maxa, QString("30"));
     QVERIFY(panel().alarm_light == lamps({{4, LampColour::red}}));
     QCOMPARE(results(), QString("1000.0|10600|30||||||FAIL"));
+}
+
+void MeasureCycleTest::an_alarm_without_limits_checks_nothing_where_chosen() {
+    panel().meas_statea[kLevel] = true;
+    panel().alarm_statea[0] = true;
+    measure_and_store();
+    QCOMPARE(results(0), QString("1000.0|10600|58.3||||||FAIL"));
+    f_->program.corrected.empty_alarm = true;
+    panel().lev_mina = " ";
+    panel().lev_maxa = "";
+    measure_and_store();
+    QCOMPARE(panel().lev_mina, QString(" "));
+    QCOMPARE(panel().lev_maxa, QString());
+    QVERIFY(panel().alarm_light == lamps({}));
+    QCOMPARE(results(1), QString("1000.0|10600|58.3||||||"));
+    // Beside an alarm with limits the row is judged by that one.
+    show_digital();
+    tick({kDcpLevel, kMer, kChber});
+    panel().alarm_stated = {true, false, false, true};
+    panel().lev_mind = "30";
+    panel().lev_maxd = "80";
+    measure_and_store();
+    QVERIFY(panel().alarm_light == lamps({{0, LampColour::green}}));
+    QVERIFY(results(2).endsWith("|PASS"));
+}
+
+void MeasureCycleTest::an_alarm_with_one_limit_checks_that_one_where_chosen() {
+    f_->program.corrected.empty_alarm = true;
+    panel().meas_statea[kLevel] = true;
+    panel().alarm_statea[0] = true;
+    const std::tuple<const char*, const char*, const char*> cases[] = {
+        {"60", "", "FAIL"}, {"50", "", "PASS"}, {"", "60", "PASS"}, {"", "50", "FAIL"}};
+    int number = 0;
+    for (const auto& [minimum, maximum, verdict] : cases) {
+        panel().lev_mina = minimum;
+        panel().lev_maxa = maximum;
+        measure_and_store();
+        QCOMPARE(results(number++).section(u'|', -1), QString(verdict));
+        QCOMPARE(panel().lev_mina, QString(minimum));
+        QCOMPARE(panel().lev_maxa, QString(maximum));
+    }
+}
+
+void MeasureCycleTest::an_alarm_without_limits_is_told() {
+    QStringList told;
+    f_->program.costs.on_cost = [&](const Bilingual& text) { told += text.english; };
+    const QString fails("An alarm without limits fails: give it limits");
+    const QString nothing("An alarm without limits checks nothing");
+    panel().meas_statea[kLevel] = true;
+    panel().alarm_statea[0] = true;
+    panel().lev_mina = "30";
+    panel().lev_maxa = "80";
+    f_->rules.acquisition.single_acq();
+    QCOMPARE(told, QStringList());
+    for (int time = 0; time < 2; ++time) {
+        panel().lev_mina = panel().lev_maxa = "";
+        f_->rules.acquisition.single_acq();
+        QCOMPARE(told, QStringList(fails));
+    }
+    f_->program.corrected.empty_alarm = true;
+    for (int time = 0; time < 2; ++time) {
+        panel().lev_mina = panel().lev_maxa = "";
+        f_->rules.acquisition.single_acq();
+        QCOMPARE(told, QStringList({fails, nothing}));
+    }
+    f_->program.costs.begin_anew();
+    f_->rules.acquisition.single_acq();
+    QCOMPARE(told, QStringList({fails, nothing, nothing}));
 }
 
 void MeasureCycleTest::digital_cn_ends_the_cycle() {

@@ -53,6 +53,8 @@ class MeasureStepsTest : public QObject {
     void digital_noise_without_a_frequency_of_its_own();
     void digital_noise();
     void digital_noise_without_a_line_end();
+    void what_is_no_noise_frequency_is_corrected_before_it_is_sent();
+    void a_noise_frequency_out_of_range_is_sent_as_the_nearest_bound();
     void qpsk_data();
     void qpsk();
     void qpsk_pauses();
@@ -259,9 +261,9 @@ void MeasureStepsTest::digital_cn() {
     panel().cn_mind = "5";
     panel().cn_maxd = "20";
     steps().cn_satdig();
-    // The frequency of the box is checked and formatted, not sent.
+    // The frequency of the box is neither sent nor changed.
     QCOMPARE(f_->commands(), (QStringList{"ATTEN 6", "MARKER 1 1", "LEVCND?"}));
-    QCOMPARE(panel().noise_freqd, QString("2150.0"));
+    QCOMPARE(panel().noise_freqd, QString("5000"));
     QCOMPARE(panel().cndlev, shown);
     QCOMPARE(f_->state().cn_value, number);
     QVERIFY(f_->state().cn_done);
@@ -303,6 +305,33 @@ void MeasureStepsTest::digital_noise_without_a_line_end() {
     QCOMPARE(f_->commands(),
              (QStringList{"FREQ 1100.0", "ATTEN 6", "ATTEN?", "LEVANL?", "LEVDCP?1100.0"}));
     QCOMPARE(panel().noisedlev, QString("before"));
+}
+
+void MeasureStepsTest::what_is_no_noise_frequency_is_corrected_before_it_is_sent() {
+    f_->program.corrected.complete = true;
+    f_->values["ATTEN?"] = "2";
+    f_->values["LEVANL?"] = "L 70";
+    f_->raw["LEVDCP?1250.0"] = "LEVDCP?1250.0\rDCP28.3\rOK\r";
+    panel().fsat = "1250.0";
+    for (const char* typed : {"abc", "12abc", "", "-5", "0"}) {
+        panel().noise_freqa = panel().noise_freqd = typed;
+        steps().levn_satanl();
+        QCOMPARE(f_->commands(), (QStringList{"FREQ 1250.0", "LEVANL?"}));
+        steps().levn_satdig();
+        QCOMPARE(f_->commands().constFirst(), QString("FREQ 1250.0"));
+        QCOMPARE(panel().noise_freqa, QString("1250.0"));
+        QCOMPARE(panel().noise_freqd, QString("1250.0"));
+    }
+}
+
+void MeasureStepsTest::a_noise_frequency_out_of_range_is_sent_as_the_nearest_bound() {
+    f_->program.corrected.complete = true;
+    f_->values["LEVANL?"] = "L 70";
+    panel().noise_freqa = "5000";
+    steps().levn_satanl();
+    QCOMPARE(f_->commands(), (QStringList{"FREQ 2150.0", "LEVANL?"}));
+    // The box stays: it may be right for the next program.
+    QCOMPARE(panel().noise_freqa, QString("5000"));
 }
 
 void MeasureStepsTest::qpsk_data() {
@@ -497,7 +526,7 @@ void MeasureStepsTest::analog_cn() {
     panel().cn_maxa = "20";
     steps().cn_satanl();
     QCOMPARE(f_->commands(), (QStringList{"ATTEN 6", "MARKER 1 0", "LEVCNA?"}));
-    QCOMPARE(panel().noise_freqa, QString("11520"));
+    QCOMPARE(panel().noise_freqa, QString("100"));
     QCOMPARE(panel().cnalev, shown);
     QVERIFY(lamp_is(5, green ? LampColour::green : LampColour::red));
 }

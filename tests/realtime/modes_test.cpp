@@ -47,12 +47,15 @@ class ModesTest : public QObject {
     void unit_of_the_meter_data();
     void unit_of_the_meter();
     void coming_to_the_front();
+    void coming_to_the_front_keeps_the_mode_where_chosen();
     void analog_presentation();
     void digital_presentation();
     void digital_presentation_while_commands_are_suspended();
     void digital_presentation_without_the_satellite_frame();
     void satellite_defaults();
     void satellite_defaults_without_a_link();
+    void a_symbol_rate_that_was_not_answered_data();
+    void a_symbol_rate_that_was_not_answered();
     void unit_menu_data();
     void unit_menu();
     void the_same_unit_twice();
@@ -65,6 +68,9 @@ class ModesTest : public QObject {
     void recall_that_changes_the_oscillator_choice();
     void oscillator_of_the_plan_data();
     void oscillator_of_the_plan();
+    void bandwidth_of_the_program_data();
+    void bandwidth_of_the_program();
+    void noise_boxes_begin_at_the_frequency_of_the_program();
     void presentation_of_the_program_data();
     void presentation_of_the_program();
     void digital_program_without_the_satellite_frame();
@@ -295,6 +301,20 @@ void ModesTest::coming_to_the_front() {
     QCOMPARE(frames(), QString("mode 2, satdigmea 1, analogresults 1, digitalresults 0"));
 }
 
+void ModesTest::coming_to_the_front_keeps_the_mode_where_chosen() {
+    f_->program.corrected.keep_mode = true;
+    modes().Form_Activate();
+    QCOMPARE(frames(), analog_frames());
+    modes().digitalmode();
+    f_->commands();
+    modes().Form_Activate();
+    QCOMPARE(f_->commands(), QStringList{"ATTEN 6"});
+    QCOMPARE(frames(), digital_frames());
+    modes().analogmode();
+    modes().Form_Activate();
+    QCOMPARE(frames(), analog_frames());
+}
+
 void ModesTest::analog_presentation() {
     modes().digitalmode();
     f_->commands();
@@ -359,6 +379,35 @@ void ModesTest::satellite_defaults_without_a_link() {
     QCOMPARE(panel().srqpsk_txt, QString("27500"));
     QVERIFY(!state().east_limit_set);
     QVERIFY(!state().west_limit_set);
+}
+
+void ModesTest::a_symbol_rate_that_was_not_answered_data() {
+    QTest::addColumn<bool>("kept");
+    QTest::addColumn<QByteArray>("answer");
+    QTest::addColumn<QString>("shown");
+    for (const bool kept : {false, true}) {
+        const QByteArray words = kept ? "kept, " : "by default, ";
+        QTest::newRow(words + "lost") << kept << QByteArray() << (kept ? "27500" : "");
+        QTest::newRow(words + "no number")
+            << kept << QByteArray("SYMBRATEQPSK?\rInvalid Parameter(s)\rOK\r")
+            << (kept ? "27500" : "0");
+        QTest::newRow(words + "answered")
+            << kept << QByteArray("SYMBRATEQPSK?\r 22000 \rOK\r") << "22000";
+    }
+}
+
+void ModesTest::a_symbol_rate_that_was_not_answered() {
+    QFETCH(bool, kept);
+    QFETCH(QByteArray, answer);
+    QFETCH(QString, shown);
+    QStringList told;
+    f_->program.costs.on_cost = [&](const Bilingual& text) { told += text.english; };
+    f_->program.corrected.keep_box = kept;
+    f_->raw["SYMBRATEQPSK?"] = answer;
+    modes().configurazione_prmt();
+    QCOMPARE(panel().srqpsk_txt, shown);
+    const bool lost = !kept && shown != u"22000";
+    QCOMPARE(told, lost ? QStringList("Symbol rate not kept: type it again") : QStringList());
 }
 
 void ModesTest::unit_menu_data() {
@@ -478,6 +527,38 @@ void ModesTest::oscillator_of_the_plan() {
     change_program({{"loc_osc0", number}});
     modes().crea_records_realtime();
     QCOMPARE(panel().ol_freq, shown);
+}
+
+void ModesTest::bandwidth_of_the_program_data() {
+    QTest::addColumn<bool>("chosen");
+    QTest::addColumn<QVariant>("stored");
+    QTest::addColumn<QString>("shown");
+    QTest::newRow("by default") << false << QVariant(27) << "36";
+    QTest::newRow("its own") << true << QVariant(27) << "27";
+    QTest::newRow("two digits") << true << QVariant(8) << "08";
+    QTest::newRow("never set") << true << QVariant() << "36";
+    QTest::newRow("none") << true << QVariant(0) << "36";
+}
+
+void ModesTest::bandwidth_of_the_program() {
+    QFETCH(bool, chosen);
+    QFETCH(QVariant, stored);
+    QFETCH(QString, shown);
+    f_->program.corrected.plan_width = chosen;
+    panel().chbws = "36";
+    change_program({{"satchbw", stored}});
+    modes().crea_records_realtime();
+    QCOMPARE(panel().chbws, shown);
+    QCOMPARE(panel().mer_maxd, QString("28"));
+}
+
+void ModesTest::noise_boxes_begin_at_the_frequency_of_the_program() {
+    panel().noise_freqa = "1000.0";
+    panel().noise_freqd = "1025.0";
+    f_->link.commands_suspended = true;
+    modes().crea_records_realtime();
+    QCOMPARE(panel().noise_freqa, QString("11727.5"));
+    QCOMPARE(panel().noise_freqd, QString("11727.5"));
 }
 
 void ModesTest::presentation_of_the_program_data() {

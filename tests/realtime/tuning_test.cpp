@@ -31,10 +31,13 @@ class TuningTest : public QObject {
     void oscillator_choice_that_is_not_sent_keeps_the_frequency();
     void link_lost_at_the_oscillator_keeps_the_frequency();
     void link_lost_at_the_frequency_query_leaves_its_empty_answer();
+    void a_frequency_that_was_not_answered_is_kept_where_chosen_data();
+    void a_frequency_that_was_not_answered_is_kept_where_chosen();
     void oscillator_frequency_data();
     void oscillator_frequency();
     void oscillator_frequency_brings_the_frequencies_along();
     void oscillator_frequency_with_direct_tuning();
+    void noise_boxes_start_from_the_present_frequency();
     void lnb_data();
     void lnb();
     void five_entry_lnb_data();
@@ -272,6 +275,37 @@ void TuningTest::link_lost_at_the_frequency_query_leaves_its_empty_answer() {
     QCOMPARE(panel().fsat, QString());
 }
 
+void TuningTest::a_frequency_that_was_not_answered_is_kept_where_chosen_data() {
+    QTest::addColumn<QByteArray>("answer");
+    QTest::newRow("lost") << QByteArray();
+    QTest::newRow("no number") << QByteArray("FREQ?\rInvalid Parameter(s)\rOK\r");
+}
+
+void TuningTest::a_frequency_that_was_not_answered_is_kept_where_chosen() {
+    QFETCH(QByteArray, answer);
+    QStringList told;
+    f_->program.costs.on_cost = [&](const Bilingual& text) { told += text.english; };
+    f_->raw["FREQ?"] = answer;
+    f_->program.corrected.keep_box = true;
+    panel().fsat = "1275.5";
+    tuning().locopt_Click(0);
+    QCOMPARE(panel().fsat, QString("1275.5"));
+    QCOMPARE(told, QStringList());
+    // By default it is gone, which is told, but once.
+    f_->program.corrected.keep_box = false;
+    for (int time = 0; time < 2; ++time) {
+        f_->link.port_connected = true;
+        tuning().locopt_Click(0);
+        QVERIFY(panel().fsat.isEmpty() || panel().fsat == u"0");
+        QCOMPARE(told, QStringList("Frequency not kept: type it again"));
+    }
+    f_->raw["FREQ?"] = "FREQ?\r1300.0\rOK\r";
+    f_->program.corrected.keep_box = true;
+    f_->link.port_connected = true;
+    tuning().locopt_Click(0);
+    QCOMPARE(panel().fsat, QString("1300.0"));
+}
+
 void TuningTest::oscillator_frequency_data() {
     QTest::addColumn<QString>("typed");
     QTest::addColumn<QString>("shown");
@@ -330,6 +364,16 @@ void TuningTest::oscillator_frequency_with_direct_tuning() {
     QCOMPARE(f_->commands(), (QStringList{"LOCOSC0109750", "LOCOSC01", "FREQ 1000.0"}));
     QCOMPARE(panel().noise_freqa, QString("0920.0"));
     QCOMPARE(panel().noise_freqd, QString("2000.0"));
+}
+
+void TuningTest::noise_boxes_start_from_the_present_frequency() {
+    panel().locopt = {false, true};
+    panel().ol_freq = "9750";
+    panel().fsat = "11000";
+    tuning().ol_freq_KeyPress(kEnterKey);
+    tuning().start_noise_boxes();
+    QCOMPARE(panel().noise_freqa, QString("11000"));
+    QCOMPARE(panel().noise_freqd, QString("11000"));
 }
 
 void TuningTest::lnb_data() {

@@ -354,6 +354,35 @@ class ScreensTest : public QObject, protected ProgramInFolder {
         QVERIFY(!find<QWidget>("noise_freqa", screen)->isVisible());
     }
 
+    void what_a_default_costs_is_told_once_in_the_status_line() {
+        const Bilingual level{"Level lost", "Livello perso"};
+        const Bilingual box{"Box lost", "Casella persa"};
+        auto* notice = find<QLabel>("corrected_notice");
+        program_state().costs.tell(level);
+        QCOMPARE(notice->text(), QStringLiteral("Livello perso"));
+        program_state().costs.tell(box);
+        QCOMPARE(notice->text(), QStringLiteral("Casella persa"));
+        program_state().costs.tell(level);
+        QCOMPARE(notice->text(), QStringLiteral("Casella persa"));
+        window().show_progress(QStringLiteral("1/3"));
+        QCOMPARE(notice->text(), QStringLiteral("Casella persa"));
+        find<QAction>("cmdkeepbox")->trigger();
+        QCOMPARE(notice->text(), QString());
+        program_state().costs.tell(level);
+        QCOMPARE(notice->text(), QStringLiteral("Livello perso"));
+    }
+
+    void a_digital_run_keeps_its_mode_where_chosen() {
+        Realtime* screen = open_realtime();
+        find<QAction>("cmdkeepmode")->trigger();
+        find<QAction>("qpsk", screen)->trigger();
+        find<QAction>("asl")->trigger();
+        find<QAction>("realtime")->trigger();
+        QCOMPARE(screen->rules.state.meas_mode, kDigitalMode);
+        QVERIFY(find<QWidget>("digitalresults", screen)->isVisible());
+        QVERIFY(!find<QWidget>("analogresults", screen)->isVisible());
+    }
+
     void noise_boxes_start_from_the_frequency_when_the_choice_was_made_before() {
         find<QAction>("cmdcomplete")->trigger();
         Realtime* screen = open_realtime();

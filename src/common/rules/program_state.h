@@ -4,6 +4,7 @@
 #include <QString>
 
 #include "corrected_behaviour.h"
+#include "cost_notices.h"
 #include "preferences.h"
 #include "texts.h"
 
@@ -20,6 +21,8 @@ struct ProgramState {
     Preferences preferences;
     /// What the user has chosen of the menu "Corrected behaviour".
     CorrectedBehaviour corrected;
+    /// What the behaviours that are not chosen cost.
+    CostNotices costs;
     /// The version that the meter identified last has told, "PLUS V3.0.5"; empty where none
     /// answers.
     QString meter_version;

@@ -18,6 +18,12 @@ TuningRange tuning_range(bool direct, double oscillator);
 /// end, since 0 means that nothing was entered.
 double inside_range(double frequency, const TuningRange& range);
 
+/// A plan has four oscillators. Which of them, 0 to 3, is meant by the entry `stored` of a program:
+/// one that is not there counts as the first.
+constexpr int oscillator_entry(int stored) {
+    return stored >= 0 && stored < 4 ? stored : 0;
+}
+
 /// The local oscillators that exist for LNBs, in MHz: 3070 to 12000.
 inline constexpr double kOscillatorMinimum = 3070;
 inline constexpr double kOscillatorMaximum = 12000;

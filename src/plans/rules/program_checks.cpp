@@ -48,8 +48,7 @@ void correct_selections(ProgramRecord& record) {
 }  // namespace
 
 std::size_t oscillator_entry(const ProgramRecord& record) {
-    constexpr int kEntries = std::tuple_size_v<Oscillators>;
-    return static_cast<std::size_t>(selected(record.loc_osc0, kEntries));
+    return static_cast<std::size_t>(oscillator_entry(record.loc_osc0));
 }
 
 QString checked_program_number(const QString& text) {

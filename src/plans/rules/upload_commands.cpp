@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "upload_commands.h"
 
-#include <algorithm>
-
 #include "commands.h"
 #include "numbers.h"
 #include "program_commands.h"
+#include "tuning_range.h"
 
 namespace m47 {
 namespace {
@@ -18,7 +17,7 @@ QString with_pair(const QString& word, double value) {
 }
 
 QStringList tuning_commands(const ProgramRecord& program, const Oscillators& oscillators) {
-    const int index = std::clamp(program.loc_osc0, 0, static_cast<int>(oscillators.size()) - 1);
+    const int index = oscillator_entry(program.loc_osc0);
     const double mhz = typed_value(oscillators[static_cast<std::size_t>(index)]);
     QStringList commands = oscillator_commands(program.loc_osc, index, mhz);
     const char* picture = program.loc_osc ? " 0000.0" : " 00000";

@@ -4,11 +4,9 @@
 #include <QTime>
 #include <algorithm>
 
-#include "diseqc_commands.h"
 #include "engine.h"
 #include "fault.h"
 #include "numbers.h"
-#include "program_commands.h"
 #include "tables.h"
 
 namespace m47 {
@@ -42,11 +40,6 @@ void quietly(const std::function<void()>& body) {
     } catch (const Fault&) {
         return;
     }
-}
-
-/// A whole number of the database; unset is 0, and nothing is too long for an int.
-int stored_number(const Recordset& set, const QString& field) {
-    return static_cast<int>(std::clamp(typed_value(set.text(field)), -1e6, 1e6));
 }
 
 bool is_monitored(const Recordset& programs) {
@@ -106,6 +99,7 @@ void Acquisition::open_programs() {
 void Acquisition::open_plan() {
     open_programs();
     state_.acq_kind = kPlan;
+    forget_place();
 }
 
 void Acquisition::group() {
@@ -145,6 +139,7 @@ void Acquisition::move_plan(Direction direction) {
             if (plans.end_of_set()) plans.move_last();
         }
         open_programs();
+        forget_place();
     });
 }
 
@@ -191,8 +186,16 @@ void Acquisition::single_acq() {
         ~Running() { active = false; }
     } running{state_.plan_run_active};
     state_.plan_run_active = true;
-    cycle_.measure();
+    measure_once();
+}
+
+void Acquisition::measure_once(const std::function<void()>& prepare,
+                               const ProgramIdentity& program) {
+    costs_.begin();
+    cycle_.measure(prepare, program);
     cycle_.storemeas();
+    // What is in doubt is no measurement, so nothing of it was lost.
+    if (cycle_.doubt().isEmpty()) costs_.end();
 }
 
 void Acquisition::begin_pass() {
@@ -285,8 +288,7 @@ void Acquisition::Timer1_Timer() {
     panel_.repaint();
     bool fired = true;
     if (state_.acq_kind == kSingleElement) {
-        cycle_.measure();
-        cycle_.storemeas();
+        measure_once();
         // The interval runs from the end of a firing: a tick that fell into it does not count.
         Timer1->start();
     } else {
@@ -333,9 +335,22 @@ void Acquisition::list_monitored() {
 }
 
 void Acquisition::report_place() {
-    const auto place = std::find(pass_.begin(), pass_.end(), programs().bookmark());
+    const auto place_of = [this](Bookmark program) {
+        return std::find(pass_.begin(), pass_.end(), program);
+    };
+    // The user may have gone on to another plan, or monitored another program, since the pass
+    // began.
+    if (place_of(programs().bookmark()) == pass_.end()) list_monitored();
+    const auto place = place_of(programs().bookmark());
     if (place == pass_.end()) return;
     report_progress(static_cast<int>(place - pass_.begin()) + 1, static_cast<int>(pass_.size()));
+}
+
+/// The pass that runs goes on in another plan: what was shown of its place is no longer true.
+void Acquisition::forget_place() {
+    if (!state_.plan_run_active) return;
+    pass_.clear();
+    report_progress(0, 0);
 }
 
 void Acquisition::report_progress(int place, int monitored) const {
@@ -356,35 +371,23 @@ bool Acquisition::acq_multi() {
         }
         modes_.mostra_record_realtime();
     }
-    if (monitored()) {
-        report_place();
-        const auto prepare = [this] {
-            if (program_.corrected.full_tune) tune_everything();
-        };
-        cycle_.measure(prepare, {set.text(kPlanName), set.text(kProgramNumber).trimmed()});
-        cycle_.storemeas();
-    }
+    if (monitored()) measure_program();
     set.move_next();
     return true;
 }
 
-/// Oscillator, supply, tone and DiSEqC of the program, for plans over several polarisations, bands
-/// or satellites. The frequency follows with the measurement.
-void Acquisition::tune_everything() {
-    const Recordset& program = programs();
-    const bool direct = stored_number(program, QStringLiteral("loc_osc")) != 0;
-    const int oscillator = stored_number(program, QStringLiteral("loc_osc0"));
-    const QString field = QStringLiteral("loc_osc%1").arg(oscillator + 1);
-    const double mhz = direct ? 0 : typed_value(modes_.rs_config->text(field));
-    QStringList commands = oscillator_commands(direct, oscillator, mhz);
-    commands += supply_commands(stored_number(program, QStringLiteral("lnb_volt")));
-    commands += tone_command(stored_number(program, QStringLiteral("K22")));
-    for (const char* name : {"diseqc_cmd", "diseqc_cmd2"}) {
-        const QVariant entry = program.value(QString::fromLatin1(name));
-        if (!entry.isNull() && entry.toInt() != kDiseqcNone)
-            commands += diseqc_command(entry.toInt());
+void Acquisition::measure_program() {
+    const bool full_tune = program_.corrected.full_tune;
+    if (full_tune && !tuning_.possible()) {
+        if (on_left_out) on_left_out(tuning_.reason());
+        return;
     }
-    for (const QString& command : std::as_const(commands)) link_.send(command);
+    report_place();
+    const auto prepare = [this, full_tune] {
+        if (full_tune) tuning_.tune_everything();
+        costs_.tell_other_bandwidth();
+    };
+    measure_once(prepare, {programs().text(kPlanName), programs().text(kProgramNumber).trimmed()});
 }
 
 }  // namespace m47

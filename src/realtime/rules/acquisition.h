@@ -7,9 +7,11 @@
 #include "database.h"
 #include "fault.h"
 #include "link.h"
+#include "measure_costs.h"
 #include "measure_cycle.h"
 #include "modes.h"
 #include "program_state.h"
+#include "program_tuning.h"
 #include "realtime_panel.h"
 #include "ticker.h"
 
@@ -22,7 +24,7 @@ QString time_left_text(int seconds);
 /// again at a chosen interval. It is driven by three one-second ticks and knows no timer itself.
 class Acquisition {
   public:
-    Acquisition(Link& link, const ProgramState& program, Database& database, RealtimePanel& panel,
+    Acquisition(Link& link, ProgramState& program, Database& database, RealtimePanel& panel,
                 RealtimeState& state, Modes& modes, MeasureCycle& cycle)
         : link_(link),
           program_(program),
@@ -30,7 +32,9 @@ class Acquisition {
           panel_(panel),
           state_(state),
           modes_(modes),
-          cycle_(cycle) {}
+          cycle_(cycle),
+          tuning_(link, program, panel, modes),
+          costs_(link, program, panel, state, modes) {}
 
     /// The three ticks: timed acquisition, plan pass, clock. The owner of the screen sets them.
     Ticker* Timer1 = nullptr;
@@ -43,6 +47,8 @@ class Acquisition {
     /// Told why, in the user's language, when a pass that nobody may be watching cannot begin or
     /// ends before its last program, as with a database that is locked.
     std::function<void(const QString& reason)> on_cut_short;
+    /// Told why when a pass goes on without having measured one of its programs.
+    std::function<void(const QString& reason)> on_left_out;
 
     // The toolbar keys.
     void single();
@@ -85,7 +91,9 @@ class Acquisition {
     void present_plan();
     void open_programs();
     void open_plan();
-    void tune_everything();
+    void measure_program();
+    void measure_once(const std::function<void()>& prepare = {},
+                      const ProgramIdentity& program = {});
     void move_plan(Direction direction);
     void move_program(Direction direction);
     void show_time_left();
@@ -94,16 +102,19 @@ class Acquisition {
     void begin_pass();
     void list_monitored();
     void report_place();
+    void forget_place();
     void end_pass();
     void report_progress(int place, int monitored) const;
 
     Link& link_;
-    const ProgramState& program_;
+    ProgramState& program_;
     Database& database_;
     RealtimePanel& panel_;
     RealtimeState& state_;
     Modes& modes_;
     MeasureCycle& cycle_;
+    ProgramTuning tuning_;
+    MeasureCosts costs_;
     std::vector<Bookmark> pass_;  ///< the monitored programs of the pass that runs
 };
 

@@ -15,11 +15,22 @@ bool any(const auto& boxes) {
     return std::ranges::find(boxes, true) != boxes.end();
 }
 
+bool is_empty(const QString& limit) {
+    return limit.trimmed().isEmpty();
+}
+
+/// Whether `limits` are looked at below and above.
+std::pair<bool, bool> sides(const AlarmLimits& limits, EmptyLimits empty) {
+    const bool all = empty == EmptyLimits::zero;
+    return {all || limits.has_minimum, all || limits.has_maximum};
+}
+
 }  // namespace
 
 AlarmLimits limits_of(AlarmRow row, const RealtimePanel& panel) {
     const auto limits = [](bool enabled, const QString& minimum, const QString& maximum) {
-        return AlarmLimits{enabled, typed_value(minimum), typed_value(maximum)};
+        return AlarmLimits{enabled, typed_value(minimum), typed_value(maximum), !is_empty(minimum),
+                           !is_empty(maximum)};
     };
     switch (row) {
         case AlarmRow::dcp_level:
@@ -38,21 +49,35 @@ AlarmLimits limits_of(AlarmRow row, const RealtimePanel& panel) {
     return limits(panel.alarm_statea[1], panel.cn_mina, panel.cn_maxa);
 }
 
-void check_limits(AlarmRow row, double value, RealtimePanel& panel, RealtimeState& state) {
-    const AlarmLimits limits = limits_of(row, panel);
-    if (!limits.enabled) return;
-    const bool failed = value <= limits.minimum || value >= limits.maximum;
+std::optional<Limits> limits_in_force(AlarmRow row, const RealtimePanel& panel, EmptyLimits empty) {
+    const AlarmLimits set = limits_of(row, panel);
+    const auto [below, above] = sides(set, empty);
+    if (!set.enabled || (!below && !above)) return std::nullopt;
+    Limits limits;
+    if (below) limits.minimum = set.minimum;
+    if (above) limits.maximum = set.maximum;
+    return limits;
+}
+
+void check_limits(AlarmRow row, double value, RealtimePanel& panel, RealtimeState& state,
+                  EmptyLimits empty) {
+    const std::optional<Limits> limits = limits_in_force(row, panel, empty);
+    if (!limits) return;
+    const bool failed = (limits->minimum && value <= *limits->minimum) ||
+                        (limits->maximum && value >= *limits->maximum);
     if (failed) state.alarm_raised = true;
     panel.alarm_light[static_cast<std::size_t>(row)] = failed ? LampColour::red : LampColour::green;
 }
 
-void clamp_analog_limits(RealtimePanel& panel, double offset) {
+void clamp_analog_limits(RealtimePanel& panel, double offset, EmptyLimits empty) {
     const double lowest = kLevelMinimum - offset;
     const double highest = kLevelMaximum - offset;
-    if (typed_value(panel.lev_mina) < lowest) panel.lev_mina = plain_text(lowest);
-    if (typed_value(panel.lev_mina) > highest) panel.lev_mina = plain_text(highest);
+    const auto [below, above] = sides(limits_of(AlarmRow::level_analog, panel), empty);
+    if (below && typed_value(panel.lev_mina) < lowest) panel.lev_mina = plain_text(lowest);
+    if (below && typed_value(panel.lev_mina) > highest) panel.lev_mina = plain_text(highest);
+    if (!above) return;
     const double minimum = typed_value(panel.lev_mina);
-    if (minimum > typed_value(panel.lev_maxa)) panel.lev_maxa = plain_text(minimum + 1);
+    if (below && minimum > typed_value(panel.lev_maxa)) panel.lev_maxa = plain_text(minimum + 1);
     if (typed_value(panel.lev_maxa) > highest) panel.lev_maxa = plain_text(highest);
 }
 
@@ -60,8 +85,9 @@ bool measure_activestate(const RealtimePanel& panel) {
     return any(panel.meas_stated) || any(panel.meas_statea);
 }
 
-bool alarm_activestate(const RealtimePanel& panel) {
-    return any(panel.alarm_stated) || any(panel.alarm_statea);
+bool alarm_activestate(const RealtimePanel& panel, EmptyLimits empty) {
+    return std::ranges::any_of(
+        kAlarmRows, [&](AlarmRow row) { return limits_in_force(row, panel, empty).has_value(); });
 }
 
 }  // namespace m47

@@ -37,7 +37,7 @@ void MeasureCycle::run_cycle() {
     state_.alarm_raised = false;
     panel_.alarm_light.fill(LampColour::grey);
     if (!link_.port_connected || !measure_activestate(panel_)) return;
-    clamp_analog_limits(panel_, unit_offset(panel_.cmdlev));
+    clamp_analog_limits(panel_, unit_offset(panel_.cmdlev), steps_.empty_limits());
     blank_results();
     panel_.repaint();
     if (panel_.satdigmea_visible)
@@ -104,7 +104,7 @@ void MeasureCycle::write_row() {
     const QDateTime now = link_.clock().date_time();
     Measurement& outcome = steps_.outcome;
     outcome.instant = row_instant(now);
-    if (alarm_activestate(panel_))
+    if (alarm_activestate(panel_, steps_.empty_limits()))
         outcome.verdict = state_.alarm_raised ? Verdict::fail : Verdict::pass;
     const bool digital = state_.meas_mode == kDigitalMode;
     const QStringList row = measurement_row({

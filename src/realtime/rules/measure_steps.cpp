@@ -43,11 +43,9 @@ QString cn_value_text(const QString& reply) {
 }  // namespace
 
 void MeasureSteps::check(AlarmRow row, double value) {
-    check_limits(row, value, panel_, state_);
-    const AlarmLimits limits = limits_of(row, panel_);
-    if (limits.enabled)
-        outcome.limits[static_cast<std::size_t>(quantity_of(row))] =
-            Limits{limits.minimum, limits.maximum};
+    check_limits(row, value, panel_, state_, empty_limits());
+    const std::optional<Limits> limits = limits_in_force(row, panel_, empty_limits());
+    if (limits) outcome.limits[static_cast<std::size_t>(quantity_of(row))] = limits;
 }
 
 void MeasureSteps::keep(Quantity quantity, const QString& answered) {
@@ -93,20 +91,13 @@ QString& MeasureSteps::noise_entry(QString& entry) const {
 }
 
 QString MeasureSteps::noise_frequency(QString& entry) const {
-    const QString frequency = noise_entry(entry).trimmed();
-    // The meter would refuse a frequency command without a frequency until the link is given up.
-    if (frequency.isEmpty()) throw Fault("no frequency for the noise");
-    return frequency;
-}
-
-void MeasureSteps::frequency_check(QString& entry) const {
-    entry = tuning_.checked_frequency(noise_entry(entry));
+    return tuning_.noise_frequency(noise_entry(entry));
 }
 
 void MeasureSteps::cn_satdig() {
     link_.send(command::kFullAttenuation);
     link_.send(command::kMarker + QStringLiteral(" 1 1"));
-    frequency_check(panel_.noise_freqd);
+    noise_frequency(panel_.noise_freqd);
     link_.send(command::query(command::kDigitalCn));
     panel_.cndlev = link_.reply_text.trimmed();
     keep(Quantity::cn, cn_value_text(link_.reply_text));
@@ -177,7 +168,7 @@ void MeasureSteps::carr_satanl() {
 void MeasureSteps::cn_satanl() {
     link_.send(command::kFullAttenuation);
     link_.send(command::kMarker + QStringLiteral(" 1 0"));
-    frequency_check(panel_.noise_freqa);
+    noise_frequency(panel_.noise_freqa);
     link_.send(command::query(command::kAnalogCn));
     panel_.cnalev = link_.reply_text.mid(3);
     keep(Quantity::cn, panel_.cnalev);

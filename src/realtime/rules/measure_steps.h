@@ -24,6 +24,10 @@ class MeasureSteps {
 
     /// What the steps have measured, and against which limits, since it was last made anew.
     Measurement outcome;
+    /// What a limit box with nothing in it means, by the user's choice.
+    EmptyLimits empty_limits() const {
+        return program_.corrected.empty_alarm ? EmptyLimits::none : EmptyLimits::zero;
+    }
 
     /// Sets the meter's attenuator for a level reading: one step more when the level asks for it.
     void format_att();
@@ -42,7 +46,6 @@ class MeasureSteps {
     void keep(Quantity quantity, const QString& answered);
     QString& noise_entry(QString& entry) const;
     QString noise_frequency(QString& entry) const;
-    void frequency_check(QString& entry) const;
     void show_field(DigitalMeasure measure, Quantity quantity, const char* label, QString& result);
 
     Link& link_;

@@ -14,6 +14,9 @@ namespace {
 
 constexpr int kTone22kOff = 1;  // the second entry of `k22_state`
 
+constexpr Bilingual kRateLost{"Symbol rate not kept: type it again",
+                              "Symbol rate non conservata: scriverla di nuovo"};
+
 /// While it lives the controls change without sending their commands.
 class RecallGuard {
   public:
@@ -73,9 +76,11 @@ void Modes::read_unit() {
 
 void Modes::Form_Activate() {
     link_.send(command::kFullAttenuation);
-    state_.meas_mode = kAnalogMode;
-    panel_.digitalresults_visible = false;
-    panel_.analogresults_visible = true;
+    // By default always back to analog, though the frame of the digital measures stays.
+    const bool digital = program_.corrected.keep_mode && panel_.satdigmea_visible;
+    state_.meas_mode = digital ? kDigitalMode : kAnalogMode;
+    panel_.digitalresults_visible = digital;
+    panel_.analogresults_visible = !digital;
     panel_.repaint();
 }
 
@@ -107,8 +112,9 @@ void Modes::configurazione_prmt() {
     link_.send(command::kToneOff);
     panel_.k22_state = kTone22kOff;
     if (!link_.can_send()) return;
-    link_.send(command::query(command::kSymbolRate));
-    panel_.srqpsk_txt = link_.reply_text.trimmed();
+    const bool answered = link_.send(command::query(command::kSymbolRate));
+    tuning_.show_answer(answered, panel_.srqpsk_txt, kRateLost);
+    panel_.srqpsk_txt = panel_.srqpsk_txt.trimmed();
 }
 
 void Modes::crea_records_realtime() {
@@ -146,16 +152,29 @@ void Modes::recall_tuning() {
         tuning_.locopt_Click(direct ? 0 : 1);
     }
     const QVariant oscillator = program.value(QStringLiteral("loc_osc0"));
-    if (!oscillator.isNull() && oscillator.toInt() == 0)
-        panel_.ol_freq = number_text(*rs_config, QStringLiteral("loc_osc1"));
-    if (oscillator.toInt() == 1)
-        panel_.ol_freq = number_text(*rs_config, QStringLiteral("loc_osc2"));
+    if (!oscillator.isNull() && oscillator.toInt() == 0) panel_.ol_freq = oscillator_of_plan(0);
+    if (oscillator.toInt() == 1) panel_.ol_freq = oscillator_of_plan(1);
     panel_.satlnb_state = whole_number(program, QStringLiteral("lnb_volt"));
     panel_.k22_state = whole_number(program, QStringLiteral("K22"));
     const QVariant digital = program.value(QStringLiteral("sat_ad"));
     if (!digital.isNull() && digital.toInt() == 0) analogmode();
     if (digital.toInt() == 1) digitalmode();
     panel_.srqpsk_txt = program.text(QStringLiteral("qpsk_symbolrate"));
+    if (program_.corrected.plan_width) recall_bandwidth();
+    tuning_.start_noise_boxes();
+}
+
+double Modes::bandwidth_of_program() const {
+    return typed_value(rs_programs->text(QStringLiteral("satchbw")));
+}
+
+void Modes::recall_bandwidth() {
+    const double mhz = bandwidth_of_program();
+    if (mhz > 0) panel_.chbws = format_number(mhz, "00");
+}
+
+QString Modes::oscillator_of_plan(int entry) const {
+    return number_text(*rs_config, QStringLiteral("loc_osc%1").arg(entry + 1));
 }
 
 void Modes::recall_limits() {

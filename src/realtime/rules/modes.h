@@ -32,7 +32,8 @@ class Modes {
 
     /// Prepares the meter and the panel when the screen is opened.
     void Form_Load();
-    /// Each time the screen comes to the front: always back to the analog presentation.
+    /// Each time the screen comes to the front: back to the analog presentation, or to the one
+    /// that it was left in where the user has chosen that.
     void Form_Activate();
 
     void analogmode();
@@ -47,6 +48,14 @@ class Modes {
 
     /// Shows the current program where it is monitored; errors end it silently.
     void mostra_record_realtime();
+
+    /// The channel bandwidth of the current program, MHz; 0 where it has none.
+    double bandwidth_of_program() const;
+    /// Puts it into its box; a program without one changes nothing.
+    void recall_bandwidth();
+
+    /// Oscillator `entry` (0 to 3) of the plan in MHz, empty where it is not set.
+    QString oscillator_of_plan(int entry) const;
 
     /// Level unit `index` (a LevelUnit); sent unless a recall is in progress.
     void cmdlev_Click(int index);

@@ -30,13 +30,15 @@ class WalkByHand {
         : walk_(walk),
           ticker_(walk.Timer2),
           on_progress_(walk.on_progress),
-          on_cut_short_(walk.on_cut_short) {
+          on_cut_short_(walk.on_cut_short),
+          on_left_out_(walk.on_left_out) {
         walk_.Timer2 = &step_;
     }
     ~WalkByHand() {
         walk_.Timer2 = ticker_;
         walk_.on_progress = on_progress_;
         walk_.on_cut_short = on_cut_short_;
+        walk_.on_left_out = on_left_out_;
     }
     WalkByHand(const WalkByHand&) = delete;
     WalkByHand& operator=(const WalkByHand&) = delete;
@@ -47,6 +49,7 @@ class WalkByHand {
     Ticker* ticker_;
     std::function<void(int, int)> on_progress_;
     std::function<void(const QString&)> on_cut_short_;
+    std::function<void(const QString&)> on_left_out_;
 };
 
 }  // namespace
@@ -61,6 +64,9 @@ PlanRun::End PlanRun::run() {
                    .arg(time_text())
                    .arg(pass_)
                    .arg(reason));
+    };
+    rules_.acquisition.on_left_out = [this](const QString& reason) {
+        remark(QStringLiteral("%1: %2").arg(time_text(), reason));
     };
     begin_ = next_pass_ = link_.clock().steady();
     for (;;) {

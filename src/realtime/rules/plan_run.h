@@ -33,7 +33,7 @@ class PlanRun {
     /// Called when it is clear what the run does now; a text of one line.
     std::function<void(const QString& text)> on_progress;
     /// Called with what a later reader has to know: a gap begins or ends, a firing fell out, a pass
-    /// was cut short.
+    /// was cut short, a program left out.
     std::function<void(const QString& text)> on_remark;
 
     /// `rules` with a plan open and the meter prepared.

@@ -4,7 +4,7 @@
 namespace m47 {
 
 RealtimeRules::RealtimeRules(Link& link, ProgramState& program, Database& database)
-    : tuning(link, panel, state),
+    : tuning(link, program, panel, state),
       diseqc(link, panel, state),
       steps(link, program, panel, state, tuning),
       modes(link, program, database, panel, state, tuning, diseqc),

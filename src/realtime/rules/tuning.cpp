@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tuning.h"
 
+#include <algorithm>
+
 #include "commands.h"
 #include "numbers.h"
 #include "tuning_range.h"
@@ -13,6 +15,16 @@ constexpr double kSymbolRateMaximum = 45000;
 constexpr double kBandwidthMinimum = 5;  // MHz
 constexpr double kBandwidthMaximum = 36;
 constexpr qsizetype kOscillatorLength = 6;
+
+constexpr Bilingual kFrequencyLost{"Frequency not kept: type it again",
+                                   "Frequenza non conservata: scriverla di nuovo"};
+
+/// True where `text` is a number above 0 and nothing else.
+bool is_frequency(const QString& text) {
+    const auto foreign = [](QChar c) { return !c.isDigit() && c != u'.' && c != u','; };
+    const QString typed = text.trimmed();
+    return std::none_of(typed.begin(), typed.end(), foreign) && typed_value(typed) > 0;
+}
 
 QString clamped(const QString& text, double minimum, const char* below, double maximum,
                 const char* above) {
@@ -50,8 +62,15 @@ void Tuning::locopt_Click(int index) {
         }
     }
     if (!link_.can_send()) return;
-    link_.send(command::query(command::kFrequency));
-    panel_.fsat = link_.reply_text;
+    const bool answered = link_.send(command::query(command::kFrequency));
+    show_answer(answered, panel_.fsat, kFrequencyLost);
+}
+
+void Tuning::show_answer(bool answered, QString& box, const Bilingual& cost) {
+    const bool lost = !answered || meter_value(link_.reply_text) <= 0;
+    if (lost && program_.corrected.keep_box) return;
+    box = link_.reply_text;
+    if (lost) program_.costs.tell(cost);
 }
 
 void Tuning::ol_freq_KeyPress(int key) {
@@ -69,9 +88,12 @@ void Tuning::ol_freq_KeyPress(int key) {
 }
 
 void Tuning::start_noise_boxes() {
-    // An empty one would measure nothing.
-    for (QString* frequency : {&panel_.noise_freqa, &panel_.noise_freqd})
-        if (frequency->trimmed().isEmpty()) *frequency = panel_.fsat;
+    panel_.noise_freqa = panel_.noise_freqd = panel_.fsat;
+}
+
+QString Tuning::noise_frequency(QString& entry) const {
+    if (!is_frequency(entry)) entry = panel_.fsat;
+    return checked_frequency(entry);
 }
 
 void Tuning::send_supply(int volts) {
@@ -119,11 +141,14 @@ void Tuning::srqpsk_txt_KeyPress(int key) {
     link_.send(command::kSymbolRate + u' ' + panel_.srqpsk_txt);
 }
 
+QString Tuning::checked_bandwidth(const QString& text) {
+    const QString bandwidth = clamped(text, kBandwidthMinimum, "5", kBandwidthMaximum, "36");
+    return format_number(typed_value(bandwidth), "00");
+}
+
 void Tuning::chbws_KeyPress(int key) {
     if (key != kEnterKey) return;
-    const QString bandwidth =
-        clamped(panel_.chbws, kBandwidthMinimum, "5", kBandwidthMaximum, "36");
-    panel_.chbws = format_number(typed_value(bandwidth), "00");
+    panel_.chbws = checked_bandwidth(panel_.chbws);
     panel_.repaint();
     link_.send(command::kBandwidth + u' ' + panel_.chbws);
 }

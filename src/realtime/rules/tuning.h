@@ -2,6 +2,7 @@
 #pragma once
 
 #include "link.h"
+#include "program_state.h"
 #include "realtime_panel.h"
 
 namespace m47 {
@@ -10,8 +11,8 @@ namespace m47 {
 /// writes it back and sends it. No handler checks the answer; the control keeps what was sent.
 class Tuning {
   public:
-    Tuning(Link& link, RealtimePanel& panel, RealtimeState& state)
-        : link_(link), panel_(panel), state_(state) {}
+    Tuning(Link& link, ProgramState& program, RealtimePanel& panel, RealtimeState& state)
+        : link_(link), program_(program), panel_(panel), state_(state) {}
 
     // The text boxes act on kEnterKey only; every other key is the box's own.
     void fsat_KeyPress(int key);
@@ -34,8 +35,19 @@ class Tuning {
     /// answer or none of the `count` entries fits it.
     int list_Click(const QString& word, int index, int count);
 
-    /// The boxes of the noise frequency start from the present frequency where nothing is in them.
+    /// Both boxes of the noise frequency start from the present frequency.
     void start_noise_boxes();
+
+    /// The noise frequency to send for the box `entry`, in range. A box that holds no frequency
+    /// gets the present one; a bound is never written into it.
+    QString noise_frequency(QString& entry) const;
+
+    /// Puts the answer to the query just sent into `box`. One that is no number above 0 empties it,
+    /// or leaves it where the user has chosen that; when it is lost `cost` is told.
+    void show_answer(bool answered, QString& box, const Bilingual& cost);
+
+    /// `text` (MHz) as the bandwidth that is sent, 5 to 36 in two digits.
+    static QString checked_bandwidth(const QString& text);
 
     /// `text` (MHz) inside the range of the present oscillator choice, formatted for the meter.
     QString checked_frequency(const QString& text) const;
@@ -44,6 +56,7 @@ class Tuning {
     void send_supply(int volts);
 
     Link& link_;
+    ProgramState& program_;
     RealtimePanel& panel_;
     RealtimeState& state_;
 };

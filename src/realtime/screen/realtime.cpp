@@ -113,7 +113,7 @@ void Realtime::connect_tuning() {
     const auto on_noise_enter = [this](QLineEdit* box, QString& frequency) {
         connect(box, &QLineEdit::returnPressed, this, [this, &frequency] {
             handle("noise_freq_KeyPress",
-                   [this, &frequency] { frequency = rules.tuning.checked_frequency(frequency); });
+                   [this, &frequency] { frequency = rules.tuning.noise_frequency(frequency); });
         });
     };
     on_noise_enter(ui_->noise_freqa, rules.panel.noise_freqa);
@@ -246,6 +246,7 @@ void Realtime::connect_timers() {
                                       : QString());
     };
     rules.acquisition.on_cut_short = [this](const QString& reason) { Q_EMIT cut_short(reason); };
+    rules.acquisition.on_left_out = [this](const QString& reason) { Q_EMIT left_out(reason); };
 }
 
 void Realtime::connect_level_view() {

@@ -49,6 +49,8 @@ class Realtime : public QMainWindow {
     void progress(const QString& text);
     /// A pass ended before its last program, `reason` says why; the next one begins at its time.
     void cut_short(const QString& reason);
+    /// A pass goes on without having measured one of its programs, `reason` says why.
+    void left_out(const QString& reason);
 
   private:
     template <class Body>
