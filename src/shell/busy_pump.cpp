@@ -23,6 +23,7 @@ BusyPump::~BusyPump() = default;
 void BusyPump::pump() {
     if (pumping_) return;
     pumping_ = true;
+    stale_input_.begin();
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents |
                                     QEventLoop::X11ExcludeTimers);
     pumping_ = false;

@@ -6,12 +6,15 @@
 #include <QPointer>
 #include <QWidget>
 
+#include "stale_input.h"
+
 namespace m47 {
 
 /// Keeps the windows alive while the meter is being waited for: they repaint and answer the
-/// desktop, but nothing that the user does and no timer is acted on. Clicks and keys stay in the
-/// queue, timers come late and once, and a window that was told to close closes afterwards, once no
-/// box stands before it.
+/// desktop, but nothing that the user does and no timer is acted on. Of the clicks and keys that
+/// stay in the queue meanwhile only those that change nothing but the view are carried out, timers
+/// come late and once, and a window that was told to close closes afterwards, once no box stands
+/// before it.
 class BusyPump : public QObject {
     Q_OBJECT
   public:
@@ -29,6 +32,7 @@ class BusyPump : public QObject {
 
   private:
     bool pumping_ = false;
+    StaleInput stale_input_;
     QList<QPointer<QWidget>> closing_;
 };
 

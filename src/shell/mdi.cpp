@@ -7,6 +7,7 @@
 #include <QTimer>
 #include <chrono>
 
+#include "busy_input.h"
 #include "elided_label.h"
 #include "handler.h"
 #include "icons.h"
@@ -50,8 +51,11 @@ M47MDI::M47MDI(ProgramState& program, QWidget* parent)
     for (QAction* key : ui_->barracomandi->actions()) {
         key->setIcon(toolbar_icon(key->objectName()));
         // Tab stays within a screen, so another one is opened from there by Ctrl and its place.
+        keep_while_busy(key);
         key->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + place++)));
     }
+    for (QAction* entry : {ui_->cmdinglese, ui_->cmditaliano, ui_->cmdmanual, ui_->cmdexit})
+        keep_while_busy(entry);
     open_to_keyboard(this);
     on(ui_->barracomandi, &QToolBar::actionTriggered, this, "barracomandi_ButtonClick",
        [this](QAction* key) { open_screen(key->objectName()); });
@@ -110,6 +114,7 @@ void M47MDI::open_screen(const QString& key) {
     maker.load(screen);
     open_to_keyboard(screen);
     corrected_->join(screen);
+    if (auto* exit = screen->findChild<QObject*>(QStringLiteral("cmdexit"))) keep_while_busy(exit);
     if (maker.activate) maker.activate(screen);
 }
 

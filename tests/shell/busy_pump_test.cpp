@@ -1,12 +1,23 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <QAction>
 #include <QDialog>
 #include <QElapsedTimer>
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMessageBox>
 #include <QPaintEvent>
 #include <QPointer>
+#include <QPushButton>
+#include <QTabBar>
 #include <QTest>
 #include <QTimer>
+#include <QToolBar>
+#include <QVBoxLayout>
 #include <QWidget>
+#include <QWindow>
 
+#include "busy_input.h"
 #include "busy_pump.h"
 
 namespace m47 {
@@ -29,6 +40,71 @@ void wait_busily(BusyPump& pump, int milliseconds) {
         pump.pump();
     }
 }
+
+/// A window with a button that deletes, two controls that end something, a tab bar and a box.
+struct Stand {
+    BusyPump pump;
+    QMainWindow window;
+    QPushButton* clear = new QPushButton("Clear All");
+    QPushButton* stop = new QPushButton("Stop");
+    QTabBar* tabs = new QTabBar;
+    QLineEdit* box = new QLineEdit;
+    QToolBar* toolbar = window.addToolBar("keys");
+    QAction* end = toolbar->addAction("end");
+    int clicks = 0;
+    int stops = 0;
+    int ends = 0;
+
+    Stand() {
+        auto* middle = new QWidget;
+        auto* layout = new QVBoxLayout(middle);
+        for (const char* text : {"Page", "Trend"}) tabs->addTab(text);
+        for (QWidget* control : std::initializer_list<QWidget*>{clear, stop, tabs, box})
+            layout->addWidget(control);
+        window.setCentralWidget(middle);
+        end->setShortcut(Qt::CTRL | Qt::Key_E);
+        keep_while_busy(stop);
+        keep_while_busy(end);
+        QObject::connect(clear, &QPushButton::clicked, &window, [this] { ++clicks; });
+        QObject::connect(stop, &QPushButton::clicked, &window, [this] { ++stops; });
+        QObject::connect(end, &QAction::triggered, &window, [this] { ++ends; });
+        window.show();
+        window.activateWindow();
+        if (!QTest::qWaitForWindowActive(&window)) qFatal("the window does not come up");
+    }
+    QWindow* handle() const { return window.windowHandle(); }
+    /// Where a click on `control` goes, in the window; of tabs the corner.
+    QPoint place_of(const QWidget* control) const {
+        const QPoint inside = control == tabs ? QPoint() : control->rect().center();
+        return control->mapTo(&window, inside);
+    }
+    // As the desktop brings it: to the window. (What QTest sends there lets the queue run dry.)
+    void mouse(const QWindow* to, QEvent::Type type, QPoint place) const {
+        const bool down = type != QEvent::MouseButtonRelease;
+        QMouseEvent event(type, place, to->mapToGlobal(place), Qt::LeftButton,
+                          down ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(const_cast<QWindow*>(to), &event);
+    }
+    void click(const QWindow* to, QPoint place) const {
+        mouse(to, QEvent::MouseButtonPress, place);
+        mouse(to, QEvent::MouseButtonRelease, place);
+    }
+    void click(const QWidget* control, QPoint inside = {}) const {
+        click(handle(), place_of(control) + inside);
+    }
+    static void key(QWindow* to, QEvent::Type type, int code, const QString& text,
+                    bool repeats = false) {
+        QKeyEvent event(type, code, Qt::NoModifier, text, repeats);
+        QCoreApplication::sendEvent(to, &event);
+    }
+    void enter(QEvent::Type type, bool repeats) const {
+        key(handle(), type, Qt::Key_Return, "\r", repeats);
+    }
+    void press(int code, const QString& text) const {
+        key(handle(), QEvent::KeyPress, code, text);
+        key(handle(), QEvent::KeyRelease, code, text);
+    }
+};
 
 }  // namespace
 
@@ -100,6 +176,142 @@ class BusyPumpTest : public QObject {
         }
         QVERIFY(stayed);
         QTRY_VERIFY(!alive);
+    }
+
+    void a_click_of_the_wait_is_dropped() {
+        Stand stand;
+        stand.click(stand.clear);
+        QCOMPARE(stand.clicks, 1);
+        stand.pump.pump();
+        // As they come out of the queue behind the wait, the second as that of a double click.
+        stand.click(stand.clear);
+        const QPoint place = stand.place_of(stand.clear);
+        stand.mouse(stand.handle(), QEvent::MouseButtonDblClick, place);
+        stand.mouse(stand.handle(), QEvent::MouseButtonRelease, place);
+        QCOMPARE(stand.clicks, 1);
+        QVERIFY(!stand.clear->isDown());
+        QTest::qWait(20);
+        stand.click(stand.clear);
+        QCOMPARE(stand.clicks, 2);
+    }
+
+    void what_is_kept_and_what_only_shows_works_behind_the_wait() {
+        Stand stand;
+        stand.pump.pump();
+        stand.click(stand.stop);
+        QCOMPARE(stand.stops, 1);
+        stand.click(stand.toolbar->widgetForAction(stand.end));
+        QCOMPARE(stand.ends, 1);
+        stand.click(stand.tabs, stand.tabs->tabRect(1).center());
+        QCOMPARE(stand.tabs->currentIndex(), 1);
+        keep_while_busy(stand.stop, false);
+        stand.click(stand.stop);
+        QCOMPARE(stand.stops, 1);
+    }
+
+    void a_click_that_was_begun_before_the_wait_ends_behind_it() {
+        Stand stand;
+        const QPoint place = stand.place_of(stand.clear);
+        stand.mouse(stand.handle(), QEvent::MouseButtonPress, place);
+        stand.pump.pump();
+        stand.mouse(stand.handle(), QEvent::MouseButtonRelease, place);
+        QCOMPARE(stand.clicks, 1);
+    }
+
+    void a_menu_opens_behind_the_wait_and_its_entries_are_dropped() {
+        Stand stand;
+        QMenu menu;
+        int deleted = 0;
+        int left = 0;
+        connect(menu.addAction("Delete"), &QAction::triggered, this, [&] { ++deleted; });
+        QAction* leave = menu.addAction("Exit");
+        keep_while_busy(leave);
+        connect(leave, &QAction::triggered, this, [&] { ++left; });
+        const auto choose = [&](QAction* entry) {
+            menu.popup({10, 10});
+            QVERIFY(QTest::qWaitForWindowExposed(&menu));
+            QTest::qWait(20);
+            stand.pump.pump();
+            stand.click(menu.windowHandle(), menu.actionGeometry(entry).center());
+            menu.hide();
+        };
+        choose(menu.actions()[0]);
+        QCOMPARE(deleted, 0);
+        choose(leave);
+        QCOMPARE(left, 1);
+    }
+
+    void a_shortcut_of_the_wait_is_dropped_unless_it_is_kept() {
+        Stand stand;
+        QAction erase;
+        int erased = 0;
+        erase.setShortcut(Qt::CTRL | Qt::Key_D);
+        stand.window.addAction(&erase);
+        connect(&erase, &QAction::triggered, this, [&] { ++erased; });
+        QTest::keyClick(stand.handle(), Qt::Key_D, Qt::ControlModifier);
+        QCOMPARE(erased, 1);
+        stand.pump.pump();
+        QTest::keyClick(stand.handle(), Qt::Key_D, Qt::ControlModifier);
+        QCOMPARE(erased, 1);
+        stand.pump.pump();
+        QTest::keyClick(stand.handle(), Qt::Key_E, Qt::ControlModifier);
+        QCOMPARE(stand.ends, 1);
+    }
+
+    void what_is_typed_into_a_box_stays_but_enter_does_not() {
+        Stand stand;
+        int entered = 0;
+        connect(stand.box, &QLineEdit::returnPressed, this, [&] { ++entered; });
+        stand.box->setFocus();
+        stand.pump.pump();
+        for (const char digit : {'1', '1', '0', '0'}) stand.press(digit, QChar(digit));
+        stand.press(Qt::Key_Backspace, "\b");
+        stand.press(Qt::Key_Return, "\r");
+        QCOMPARE(stand.box->text(), QString("110"));
+        QCOMPARE(entered, 0);
+        QTest::qWait(20);
+        stand.press(Qt::Key_Return, "\r");
+        QCOMPARE(entered, 1);
+    }
+
+    void a_held_enter_does_nothing_until_it_is_let_go() {
+        Stand stand;
+        int entered = 0;
+        connect(stand.box, &QLineEdit::returnPressed, this, [&] { ++entered; });
+        stand.box->setFocus();
+        stand.pump.pump();
+        stand.enter(QEvent::KeyPress, true);
+        QTest::qWait(20);
+        stand.enter(QEvent::KeyRelease, true);
+        stand.enter(QEvent::KeyPress, true);
+        QCOMPARE(entered, 0);
+        stand.enter(QEvent::KeyRelease, false);
+        stand.enter(QEvent::KeyPress, false);
+        QCOMPARE(entered, 1);
+    }
+
+    void a_box_behind_the_wait_is_not_answered_by_a_key_from_before_it() {
+        Stand stand;
+        stand.pump.pump();
+        QMessageBox box(QMessageBox::Question, "M47", "Delete?", QMessageBox::Yes | QMessageBox::No,
+                        &stand.window);
+        box.setDefaultButton(QMessageBox::Yes);
+        QMetaObject::invokeMethod(
+            &box,
+            [&] {
+                Stand::key(box.windowHandle(), QEvent::KeyPress, Qt::Key_Return, "\r");
+                const QWidget* yes = box.button(QMessageBox::Yes);
+                stand.click(box.windowHandle(), yes->mapTo(&box, yes->rect().center()));
+            },
+            Qt::QueuedConnection);
+        bool stood = false;
+        QTimer::singleShot(150, &box, [&] {
+            stood = box.isVisible();
+            const QWidget* no = box.button(QMessageBox::No);
+            stand.click(box.windowHandle(), no->mapTo(&box, no->rect().center()));
+        });
+        QCOMPARE(box.exec(), int(QMessageBox::No));
+        QVERIFY(stood);
     }
 
     void it_does_not_run_inside_itself() {

@@ -20,11 +20,14 @@
 #include <QWheelEvent>
 
 #include "box_answers.h"
+#include "fake_port.h"
 #include "fault.h"
 #include "handler.h"
+#include "meter_in_process.h"
 #include "program_in_folder.h"
 #include "realtime.h"
 #include "realtime_tooltips.h"
+#include "virtual_clock.h"
 
 namespace m47 {
 
@@ -488,6 +491,40 @@ class ScreensTest : public QObject, protected ProgramInFolder {
         find<QAction>("program")->trigger();
         QVERIFY(window().screen_of("program"));
         QCOMPARE(boxes.take_seen(), QStringList());
+    }
+
+    void a_click_during_a_download_deletes_nothing() {
+        end_program();
+        auto clock = std::make_unique<VirtualClock>();
+        auto line = std::make_unique<FakePort>(*clock);
+        FakePort& port = *line;
+        MeterInProcess meter(port, 1);
+        PortList ports;
+        QVERIFY(ports.add("1=/dev/no-such-meter"));
+        start_program({1024, 600}, ports, std::move(clock), std::move(line));
+        program().identify(1);
+        QVERIFY(program().link().port_connected);
+        find<QAction>("download")->trigger();
+        QTest::qWait(50);
+        QWidget* screen = window().screen_of("download");
+        const auto click = [&](const char* name) {
+            const auto* button = find<QPushButton>(name, screen);
+            QTest::mouseClick(window().windowHandle(), Qt::LeftButton, {},
+                              button->mapTo(&window(), button->rect().center()));
+        };
+        port.take_commands();
+        click("cmddownload");
+        // What was clicked meanwhile comes out of the queue now.
+        click("cmdclearall");
+        QTest::keyClick(window().windowHandle(), Qt::Key_Space);
+        QTest::qWait(50);
+        QStringList sent = port.take_commands();
+        QVERIFY2(!sent.isEmpty() && sent[0].startsWith("DATAOUT"), qPrintable(sent.join(u'/')));
+        QVERIFY2(sent.filter("DEL").isEmpty(), qPrintable(sent.join(u'/')));
+        click("cmdclearall");
+        sent = port.take_commands();
+        QCOMPARE(sent.filter("DATADELALL").size(), 1);
+        end_program();
     }
 
     void a_fault_in_a_handler_shows_one_box_and_the_program_goes_on() {

@@ -7,6 +7,7 @@
 #include <QHeaderView>
 #include <QScrollBar>
 
+#include "busy_input.h"
 #include "commands.h"
 #include "corrected_actions.h"
 #include "diseqc_folding.h"
@@ -66,6 +67,7 @@ Realtime::Realtime(Link& link, ProgramState& program, Database& database, QWidge
     connect_timers();
     connect_level_view();
     fill_keys();
+    for (QAction* action : {ui_->stop, ui_->cmdlevelview}) keep_while_busy(action);
     prepare_page();
     show_log_name();
     rules.acquisition.single();
@@ -77,6 +79,8 @@ Realtime::~Realtime() = default;
 template <class Body>
 void Realtime::handle(const char* name, Body body) {
     run_handler(this, name, body);
+    // Whoever wants to end a timed run must not have to wait for a pause in it.
+    keep_while_busy(ui_->cmdstart, rules.acquisition.Timer1->running());
     binding_->show();
     ui_->trend->limits_changed();
     level_view_->ended();

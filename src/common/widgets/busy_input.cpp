@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "busy_input.h"
+
+#include <QAbstractItemView>
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QMdiSubWindow>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPlainTextEdit>
+#include <QScrollBar>
+#include <QTabBar>
+#include <QToolButton>
+#include <algorithm>
+
+namespace m47 {
+namespace {
+
+constexpr const char* kKept = "m47_keep_while_busy";
+
+bool is_kept(const QObject* control) {
+    return control && control->property(kKept).toBool();
+}
+
+template <class... Kinds>
+bool is_one_of(const QWidget* widget) {
+    return (qobject_cast<const Kinds*>(widget) || ...);
+}
+
+bool entry_is_kept(const QMenu& menu, QPoint place) {
+    const QAction* entry = menu.actionAt(place);
+    return !entry || entry->menu() || is_kept(entry);
+}
+
+/// A list of a combo box is a view too, but choosing from it is no looking.
+bool belongs_to_a_choice(const QWidget* widget) {
+    for (; widget; widget = widget->parentWidget())
+        if (qobject_cast<const QComboBox*>(widget)) return true;
+    return false;
+}
+
+bool is_text_box(const QWidget* widget) {
+    return is_one_of<QLineEdit, QPlainTextEdit>(widget) && !belongs_to_a_choice(widget);
+}
+
+/// Scrolls or shows, and sends nothing.
+bool is_view(const QWidget* widget) {
+    if (belongs_to_a_choice(widget)) return false;
+    return is_one_of<QTabBar, QScrollBar, QHeaderView, QAbstractItemView, QMdiSubWindow, QMenuBar,
+                     QCheckBox>(widget) ||
+           is_text_box(widget);
+}
+
+bool moves_about(int key) {
+    return key >= Qt::Key_Home && key <= Qt::Key_PageDown;
+}
+
+bool edits(const QKeyEvent& key) {
+    if (key.key() == Qt::Key_Backspace || key.key() == Qt::Key_Delete) return true;
+    const bool command = key.modifiers() & (Qt::ControlModifier | Qt::AltModifier);
+    return !command && !key.text().isEmpty() && key.text().front().isPrint();
+}
+
+bool is_kept_shortcut(const QKeyEvent& key) {
+    const QKeySequence pressed(key.keyCombination());
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    return std::ranges::any_of(windows, [&](const QWidget* window) {
+        return std::ranges::any_of(window->findChildren<QAction*>(), [&](const QAction* action) {
+            return is_kept(action) && action->shortcuts().contains(pressed);
+        });
+    });
+}
+
+}  // namespace
+
+void keep_while_busy(QObject* control, bool keep) {
+    control->setProperty(kKept, keep);
+}
+
+bool press_is_kept(const QWidget* target, QPoint place) {
+    if (const auto* menu = qobject_cast<const QMenu*>(target)) return entry_is_kept(*menu, place);
+    const auto* key = qobject_cast<const QToolButton*>(target);
+    if (is_kept(target) || (key && is_kept(key->defaultAction()))) return true;
+    // The page of a view is a child of it.
+    return is_view(target) ||
+           (target && !is_one_of<QAbstractButton>(target) && is_view(target->parentWidget()));
+}
+
+bool key_is_kept(const QWidget* focus, const QKeyEvent& key) {
+    if (key.key() == Qt::Key_Tab || key.key() == Qt::Key_Backtab) return true;
+    if (is_kept_shortcut(key)) return true;
+    if (!focus) return false;
+    if (key.key() == Qt::Key_Space && is_kept(focus)) return true;
+    if (is_text_box(focus)) return moves_about(key.key()) || edits(key);
+    return moves_about(key.key()) && is_view(focus);
+}
+
+}  // namespace m47

@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "stale_input.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QTimerEvent>
+#include <QWheelEvent>
+
+#include "busy_input.h"
+
+namespace m47 {
+namespace {
+
+// A timer of no time may come before what lies in the queue of the window system, but not twice.
+constexpr int kTurns = 2;
+
+/// The widget of `window`, or of the menu open before it, at a place of the screen.
+QWidget* widget_at(const QWindow* window, QPoint place) {
+    QWidget* around = QApplication::activePopupWidget();
+    if (!around) {
+        const QWidgetList windows = QApplication::topLevelWidgets();
+        for (QWidget* one : windows)
+            if (one->windowHandle() == window) around = one;
+    }
+    if (!around) return nullptr;
+    QWidget* inside = around->childAt(around->mapFromGlobal(place));
+    return inside ? inside : around;
+}
+
+bool is_kept_at(const QWindow* window, QPoint place) {
+    const QWidget* target = widget_at(window, place);
+    return target && press_is_kept(target, target->mapFromGlobal(place));
+}
+
+}  // namespace
+
+StaleInput::StaleInput() {
+    qApp->installEventFilter(this);
+}
+
+void StaleInput::begin() {
+    stale_ = true;
+    turns_ = 0;
+    if (timer_ == 0) timer_ = startTimer(0);
+}
+
+void StaleInput::timerEvent(QTimerEvent* event) {
+    if (++turns_ < kTurns) return;
+    killTimer(event->timerId());
+    timer_ = 0;
+    stale_ = false;
+}
+
+bool StaleInput::eventFilter(QObject* watched, QEvent* event) {
+    // What the desktop brings comes to the window first.
+    if (!watched->isWindowType()) return false;
+    const auto* window = static_cast<const QWindow*>(watched);
+    switch (event->type()) {
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonDblClick:
+            return drops_press(window, *static_cast<QMouseEvent*>(event));
+        case QEvent::MouseButtonRelease:
+            return drops_release(window, *static_cast<QMouseEvent*>(event));
+        case QEvent::Wheel:
+            return stale_ &&
+                   !is_kept_at(window,
+                               static_cast<QWheelEvent*>(event)->globalPosition().toPoint());
+        case QEvent::ShortcutOverride:
+            // Taken for a key of the screen, it becomes no shortcut; then the key is dropped.
+            if (!stale_ ||
+                key_is_kept(QApplication::focusWidget(), *static_cast<QKeyEvent*>(event)))
+                return false;
+            event->accept();
+            return true;
+        case QEvent::KeyPress:
+            return drops_key(*static_cast<QKeyEvent*>(event));
+        case QEvent::KeyRelease:
+            return drops_key_release(*static_cast<QKeyEvent*>(event));
+        case QEvent::TouchBegin:
+        case QEvent::ContextMenu:
+        case QEvent::Drop:
+            return stale_;
+        default:
+            return false;
+    }
+}
+
+bool StaleInput::drops_press(const QWindow* window, const QMouseEvent& press) {
+    const bool dropped = stale_ && !is_kept_at(window, press.globalPosition().toPoint());
+    buttons_.setFlag(press.button(), dropped);
+    return dropped;
+}
+
+bool StaleInput::drops_release(const QWindow* window, const QMouseEvent& release) {
+    if (buttons_.testFlag(release.button())) {
+        buttons_.setFlag(release.button(), false);
+        return true;
+    }
+    // A press from before the wait ends as it began; but a menu takes the entry under the release.
+    return stale_ && qobject_cast<QMenu*>(QApplication::activePopupWidget()) &&
+           !is_kept_at(window, release.globalPosition().toPoint());
+}
+
+/// A key that is held goes on being dropped until it is let go: what repeats was begun in the wait.
+bool StaleInput::drops_key(const QKeyEvent& key) {
+    const bool held = key.isAutoRepeat() && keys_.contains(key.key());
+    if (held || (stale_ && !key_is_kept(QApplication::focusWidget(), key))) {
+        keys_.insert(key.key());
+        return true;
+    }
+    keys_.remove(key.key());
+    return false;
+}
+
+bool StaleInput::drops_key_release(const QKeyEvent& key) {
+    if (key.isAutoRepeat()) return keys_.contains(key.key());
+    return keys_.remove(key.key());
+}
+
+}  // namespace m47
