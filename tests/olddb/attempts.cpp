@@ -164,8 +164,9 @@ int outcome_of(const Attempt& attempt, const std::function<void()>& confine) {
 void pretend_an_old_kernel() {
     scmp_filter_ctx filter = seccomp_init(SCMP_ACT_ALLOW);
     const uint32_t unknown = SCMP_ACT_ERRNO(ENOSYS);
-    bool good = seccomp_rule_add(filter, SCMP_ACT_ERRNO(EINVAL), SCMP_SYS(prctl), 1,
-                                 SCMP_A0(SCMP_CMP_EQ, PR_SET_SECCOMP)) == 0;
+    const scmp_arg_cmp asks_for_filter{0, SCMP_CMP_EQ, PR_SET_SECCOMP, 0};
+    bool good = seccomp_rule_add_array(filter, SCMP_ACT_ERRNO(EINVAL), SCMP_SYS(prctl), 1,
+                                       &asks_for_filter) == 0;
     for (const int call : {SCMP_SYS(seccomp), SCMP_SYS(landlock_create_ruleset)})
         good = seccomp_rule_add(filter, unknown, call, 0) == 0 && good;
     if (!good || seccomp_load(filter) != 0) qFatal("this kernel has no seccomp");
