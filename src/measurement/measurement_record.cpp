@@ -12,13 +12,17 @@ std::optional<float> number_of(float value) {
     return std::isnan(value) ? std::optional<float>() : value;
 }
 
+QByteArray bytes_of(std::optional<double> side) {
+    return side ? QByteArray::number(*side, 'g', 17) : QByteArray();
+}
+
 /// The bytes that tell one set of limits from another.
 QByteArray bytes_of(const LimitsInForce& limits) {
     QByteArray bytes;
-    for (const auto& of : limits)
-        bytes += of ? QByteArray::number(of->minimum, 'g', 17) + ':' +
-                          QByteArray::number(of->maximum, 'g', 17) + ';'
-                    : QByteArray(";");
+    for (const auto& of : limits) {
+        if (of) bytes += bytes_of(of->minimum) + ':' + bytes_of(of->maximum);
+        bytes += ';';
+    }
     return bytes;
 }
 
