@@ -163,6 +163,31 @@ class TestCreate : public QObject {
         }
     }
 
+    void what_another_process_left_half_made_is_not_taken_for_the_own() {
+        // The system gives a process number again, once its process has been killed.
+        const QString left = QStringLiteral("%1/.%2.%3-1")
+                                 .arg(folder_->path(), QLatin1String(kDatabaseFile))
+                                 .arg(QCoreApplication::applicationPid());
+        write_file(left, "half");
+        DatabaseError error{};
+        QVERIFY(Database::create(path(), error));
+        QVERIFY(opened(path()));
+        QCOMPARE(content_of(left), QByteArray("half"));
+    }
+
+    void making_a_file_leaves_nothing_open() {
+        const auto open_files = [] {
+            return QDir(QStringLiteral("/proc/self/fd"))
+                .entryList(QDir::Files | QDir::System)
+                .size();
+        };
+        made_in(folder_->path());
+        const auto before = open_files();
+        DatabaseError error{};
+        QVERIFY(Database::create(path() + QStringLiteral("-2"), error));
+        QCOMPARE(open_files(), before);
+    }
+
     void two_at_once_make_one_file() {
         for (int round = 0; round < 5; ++round) {
             Child first({QStringLiteral("create"), path()});

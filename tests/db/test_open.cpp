@@ -10,6 +10,7 @@
 #include <QThread>
 
 #include "db_support.h"
+#include "engine.h"
 #include "fault.h"
 
 using namespace m47;
@@ -87,6 +88,7 @@ class TestOpen : public QObject {
         QCOMPARE(setting("synchronous"), QStringLiteral("2"));
         QCOMPARE(setting("locking_mode"), QStringLiteral("normal"));
         QCOMPARE(setting("busy_timeout"), QStringLiteral("3000"));
+        QCOMPARE(setting("cell_size_check"), QStringLiteral("1"));
     }
 
     void brings_a_file_with_a_log_back_to_the_journal() {
@@ -169,6 +171,10 @@ class TestOpen : public QObject {
         DatabaseError error{};
         QVERIFY(!Database::open(path(), error));
         QCOMPARE(QSqlDatabase::connectionNames(), before);
+        QVERIFY(QFile::remove(path()));
+        M47_VERIFY_FAULT(Connection{path()}, "unable to open");
+        QCOMPARE(QSqlDatabase::connectionNames(), before);
+        QVERIFY(!QFile::exists(path()));
     }
 
     void refuses_a_missing_file() { verify_refused(DatabaseFault::missing); }
@@ -269,6 +275,16 @@ class TestOpen : public QObject {
         Child child({QStringLiteral("open"), path()}, true);
         QCOMPARE(child.line(), QStringLiteral("opened"));
         child.rest();
+    }
+
+    void refuses_a_file_that_lacks_the_end_of_its_last_page() {
+        made_in(folder_->path());
+        const QByteArray whole = content_of(path());
+        write_file(path(), whole.chopped(100));
+        verify_refused(DatabaseFault::damaged,
+                       QStringLiteral("%1 < %2 bytes").arg(whole.size() - 100).arg(whole.size()));
+        write_file(path(), whole);
+        QVERIFY(opened(path()));
     }
 
     void a_refused_file_is_not_even_touched() {

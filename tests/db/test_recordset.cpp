@@ -111,6 +111,10 @@ class TestRecordset : public QObject {
         Recordset other = database_->of_plan(QStringLiteral("programmi"), QStringLiteral("A"));
         add_row(other, {{kNome, QStringLiteral("A")}, {kNumber, QStringLiteral("050")}});
         QVERIFY(!set.find_first(kNumber, QStringLiteral("050")));
+        // Also where a later row has joined the set.
+        add_row(set, {{kNome, QStringLiteral("A")}, {kNumber, QStringLiteral("051")}});
+        QVERIFY(!set.find_first(kNumber, QStringLiteral("050")));
+        QCOMPARE(set.text(kNumber), QStringLiteral("001"));
         set.requery();
         QVERIFY(set.find_first(kNumber, QStringLiteral("050")));
     }
@@ -202,6 +206,17 @@ class TestRecordset : public QObject {
         QVERIFY(set.begin_of_set());
         QVERIFY(set.end_of_set());
         M47_VERIFY_FAULT(set.move_first(), "no current record");
+    }
+
+    void a_set_read_anew_keeps_no_row_that_is_gone() {
+        add_programs();
+        Recordset set = database_->of_plan(QStringLiteral("programmi"), QStringLiteral("A"));
+        set.edit();
+        delete_elsewhere("nome = 'A'");
+        set.requery();
+        QVERIFY(set.empty());
+        M47_VERIFY_FAULT(set.text(kNumber), "no current record");
+        M47_VERIFY_FAULT(set.update(), "no record is open");
     }
 
     void a_bookmark_leads_back() {

@@ -2,6 +2,7 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
+#include "database_transaction.h"
 #include "db_support.h"
 #include "fault.h"
 
@@ -129,6 +130,9 @@ class TestRecordsetUpdate : public QObject {
         QCOMPARE(set.count(), 1);
         QVERIFY(!set.empty());
         M47_VERIFY_FAULT(set.text(kNome), "no current record");
+        QVERIFY(set.begin_of_set());
+        set.move_next();
+        QVERIFY(set.value(kNome).isNull());
         set.move_first();
         QVERIFY(set.value(kNome).isNull());
     }
@@ -274,6 +278,43 @@ class TestRecordsetUpdate : public QObject {
         for (int k = 0; k < 2; ++k)
             add_row(set, {{kNome, QStringLiteral("A")}, {kNumber, QStringLiteral("001")}});
         QCOMPARE(database_->of_plan(QStringLiteral("programmi"), QStringLiteral("A")).count(), 2);
+    }
+
+    void a_row_number_that_is_given_again_stands_for_one_row() {
+        // In tables that another program has made the engine gives the last number once more.
+        database_.reset();
+        run_sql(path(), {QStringLiteral("DROP TABLE asl"),
+                         QStringLiteral("CREATE TABLE asl (nome TEXT, dati TEXT)")});
+        database_ = opened(path());
+        add_satellites({QStringLiteral("A"), QStringLiteral("B")});
+        Recordset& set = database_->asl();
+        run_sql(path(), {QStringLiteral("DELETE FROM asl WHERE nome = 'B'")});
+        add_row(set, {{kNome, QStringLiteral("C")}});
+        QCOMPARE(set.count(), 2);
+        set.move_next();
+        QCOMPARE(set.text(kNome), QStringLiteral("C"));
+        set.move_next();
+        QVERIFY(set.end_of_set());
+    }
+
+    void a_transaction_that_is_not_committed_leaves_nothing() {
+        const auto names = [this] {
+            return run_sql(path(), {QStringLiteral("SELECT nome FROM asl ORDER BY id")});
+        };
+        {
+            const DatabaseTransaction dropped(database_->connection());
+            add_row(database_->asl(), {{kNome, QStringLiteral("A")}});
+        }
+        QCOMPARE(names(), QStringList());
+        {
+            DatabaseTransaction kept(database_->connection());
+            add_row(database_->asl(), {{kNome, QStringLiteral("B")}});
+            QCOMPARE(names(), QStringList());
+            kept.commit();
+        }
+        QCOMPARE(names(), QStringList{QStringLiteral("B")});
+        // Nothing is left open: another one begins.
+        DatabaseTransaction(database_->connection()).commit();
     }
 
     void a_full_disk_keeps_the_row_open_and_the_file_whole() {

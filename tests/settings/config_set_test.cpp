@@ -108,6 +108,9 @@ class ConfigSetTest : public QObject {
         QTest::keyClick(box(), Qt::Key_Return);
         QCOMPARE(port_.take_commands(), QStringList({"LOGO ABC", "LOGO?"}));
         QCOMPARE(box()->text(), QStringLiteral("ABC"));
+        box()->setText(QStringLiteral("\rDEF"));
+        QTest::keyClick(box(), Qt::Key_Return);
+        QCOMPARE(port_.take_commands(), QStringList({"LOGO ", "LOGO?"}));
         // A line feed alone ends no line.
         Logo logo(link_);
         logo.logo_txt = QStringLiteral("A\nB");
@@ -131,9 +134,9 @@ class ConfigSetTest : public QObject {
     }
 
     void latin_1_goes_out_as_it_is() {
-        type(QStringLiteral("Caf\u00e9 25\u00b0"));
+        type(QStringLiteral("Caf\u00e9 25\u00b0\u00ff"));
         QTest::keyClick(box(), Qt::Key_Return);
-        QCOMPARE(port_.written, QByteArray("LOGO Caf\xE9 25\xB0\rLOGO?\r"));
+        QCOMPARE(port_.written, QByteArray("LOGO Caf\xE9 25\xB0\xFF\rLOGO?\r"));
     }
 
     void the_box_refuses_what_the_line_cannot_carry() {
