@@ -22,8 +22,8 @@ inline unsigned char* m47_reached_mutants() {
     const int file = path == nullptr ? -1 : ::open(path, O_RDWR | O_CLOEXEC);
     if (file < 0) return nullptr;
     const off_t size = ::lseek(file, 0, SEEK_END);
-    void* const bytes = ::mmap(nullptr, static_cast<size_t>(size), PROT_READ | PROT_WRITE,
-                               MAP_SHARED, file, 0);
+    void* const bytes =
+        ::mmap(nullptr, static_cast<size_t>(size), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
     ::close(file);
     return bytes == MAP_FAILED ? nullptr : static_cast<unsigned char*>(bytes);
 }
