@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <stdlib.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -40,12 +41,16 @@ bool is_process_folder(const fs::path& path) {
     return std::all_of(name.begin(), name.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
-/** True when the process has the file open; a process of another user counts as not having it. */
-bool has_open(const fs::path& process, const std::string& file) {
+/**
+ * True when the process has the device open, by whatever path; a process of another user counts as
+ * not having it.
+ */
+bool has_open(const fs::path& process, dev_t device) {
     std::error_code error;
     for (const auto& entry : fs::directory_iterator(process / "fd", error)) {
-        std::error_code link_error;
-        if (fs::read_symlink(entry.path(), link_error) == file) {
+        struct stat about {};
+        if (::stat(entry.path().c_str(), &about) == 0 && S_ISCHR(about.st_mode) &&
+            about.st_rdev == device) {
             return true;
         }
     }
@@ -111,14 +116,19 @@ void PtyLine::discard_unread() {
 }
 
 bool PtyLine::held_by_another_process() {
-    if (!last_holder_.empty() && has_open(last_holder_, path_)) {
+    struct stat about {};
+    if (fstat(slave_, &about) != 0) {
+        return false;
+    }
+    const dev_t device = about.st_rdev;
+    if (!last_holder_.empty() && has_open(last_holder_, device)) {
         return true;
     }
     const std::string own = std::to_string(getpid());
     std::error_code error;
     for (const auto& entry : fs::directory_iterator("/proc", error)) {
         const fs::path& process = entry.path();
-        if (is_process_folder(process) && process.filename() != own && has_open(process, path_)) {
+        if (is_process_folder(process) && process.filename() != own && has_open(process, device)) {
             last_holder_ = process;
             return true;
         }

@@ -71,6 +71,7 @@ Program::Program(ProgramState& state, std::unique_ptr<Database> database, PortLi
         watch_.reset();
         window_.allow_reconnect();
     };
+    identification_.claim = [this](const QString& device) { return claim_.take(device); };
     identification_.on_version = [this](const QString& version) { state_.meter_version = version; };
     on(&window_, &M47MDI::reconnect_asked, &window_, "cmdreconnect_Click", [this] { reconnect(); });
     QObject::connect(&watch_timer_, &QTimer::timeout, &window_, [this] { watch_device(); });
@@ -92,6 +93,7 @@ Program::~Program() {
 
 QString Program::link_fault() const {
     if (watch_.came_back()) return state_.texts.pick(kDeviceIsBack).arg(identification_.device());
+    if (claim_.holder()) return claim_text(*claim_.holder(), port_->path(), state_.texts);
     return port_fault_text(port_->fault(), port_->path(), state_.texts);
 }
 

@@ -10,6 +10,7 @@
 #include "import_command.h"
 #include "link.h"
 #include "mdi.h"
+#include "port_claim.h"
 #include "port_list.h"
 #include "program_state.h"
 #include "real_clock.h"
@@ -66,6 +67,7 @@ class Program {
     std::unique_ptr<SerialPort> port_;
     M47MDI window_;
     Link link_;
+    PortClaim claim_;
     Identification identification_;
     DeviceWatch watch_;
     QTimer watch_timer_;

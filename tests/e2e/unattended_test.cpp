@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <QDateTime>
 #include <QFile>
+#include <QFileInfo>
 #include <QImage>
 #include <QTest>
 #include <map>
@@ -21,6 +22,7 @@ class UnattendedTest : public QObject {
     void alarms();
     void log_goes_on();
     void output_that_cannot_be_written();
+    void a_second_start_on_the_same_port();
     void digital_row();
     void digital_row_with_all_options();
     void digital_alarm();
@@ -242,6 +244,38 @@ void UnattendedTest::output_that_cannot_be_written() {
     QCOMPARE(rows_of(without_log.out).size(), 2);
     QVERIFY2(without_log.err.contains("no-such-folder/run.log"), without_log.err.constData());
     QVERIFY(without_log.status != 0);
+}
+
+void UnattendedTest::a_second_start_on_the_same_port() {
+    TestStand stand;
+    stand.start_measuring({"--count", "12"});
+    QVERIFY(stand.remote.wait_for_lines(1));
+    // In another folder and by another path: the meter's own link is one already.
+    const EmptyStand other;
+    RemoteProcess second(other.path("."), other.folder.filePath("runtime"));
+    const QString device = QFileInfo(stand.meter.link()).canonicalFilePath();
+    const Ending ending = second.run({"--directory", other.path("."), "--create-database", "--port",
+                                      "2=" + device, "--measure", "--on-port", "2"});
+    QCOMPARE(ending.status, 3);
+    QCOMPARE(ending.out, QByteArray());
+    const qint64 process = stand.remote.process().processId();
+    const QString told = QStringLiteral(
+                             "m47-remote: %1 is in use by m47-remote (process %2). End "
+                             "that program or choose another port.\n")
+                             .arg(device)
+                             .arg(process);
+    QCOMPARE(QString::fromUtf8(ending.err), told);
+    QVERIFY(stand.remote.process().state() == QProcess::Running);
+    // The one that was there first measures to its end.
+    const Ending first = stand.remote.wait();
+    QCOMPARE(first.status, 0);
+    QCOMPARE(rows_of(first.out).size(), 12);
+    // When it has ended the port is free.
+    QCOMPARE(second
+                 .run({"--directory", other.path("."), "--port", "2=" + device, "--measure",
+                       "--on-port", "2"})
+                 .status,
+             0);
 }
 
 void UnattendedTest::digital_row() {

@@ -58,6 +58,7 @@ class IdentificationTest : public QObject {
     void no_meter_on_the_port();
     void no_device_behind_the_number();
     void an_empty_answer_is_no_meter();
+    void a_device_that_another_start_uses_is_left_alone();
     void the_link_drops_between_the_two_questions();
     void the_caption_grows();
     void reconnecting_asks_the_same_device_again();
@@ -121,8 +122,34 @@ void IdentificationTest::an_empty_answer_is_no_meter() {
     s.identification.porta_Click(0);
     QCOMPARE(s.view.state_text, QString("RS232 ComPort 1 NOT Connected"));
     QVERIFY(!s.view.state_connected);
-    // The version is asked for in any case.
-    QCOMPARE(s.port.take_commands(), (QStringList{"ATTEN?", "VER?"}));
+    QVERIFY(!s.link.port_connected);
+    QVERIFY(!s.port.is_open());
+    // Nothing goes out to it, neither the question for its version nor what a screen sends.
+    QVERIFY(!s.link.send("FREQ 1000.0"));
+    QCOMPARE(s.port.take_commands(), QStringList{"ATTEN?"});
+    QCOMPARE(s.window.text, QString("VKD M47_03 REMOTE CONTROL "));
+}
+
+void IdentificationTest::a_device_that_another_start_uses_is_left_alone() {
+    Setup s;
+    QStringList asked;
+    bool free = true;
+    s.identification.claim = [&](const QString& device) {
+        asked += device;
+        return free;
+    };
+    s.identification.porta_Click(2);
+    QVERIFY(s.link.port_connected);
+    s.port.take_commands();
+    const int opens = s.port.opens;
+    free = false;
+    s.identification.porta_Click(3);
+    QVERIFY(!s.link.port_connected);
+    QCOMPARE(s.port.opens, opens);
+    QCOMPARE(s.view.state_text, QString("RS232 ComPort 4 NOT Connected"));
+    s.identification.reconnect();
+    QVERIFY(!s.link.port_connected);
+    QCOMPARE(asked, (QStringList{"/dev/line3", "/dev/line4", "/dev/line4"}));
 }
 
 void IdentificationTest::the_link_drops_between_the_two_questions() {

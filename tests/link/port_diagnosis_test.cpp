@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "port_diagnosis.h"
 
+#include <signal.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
@@ -11,9 +12,45 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include "port_claim.h"
 #include "pty.h"
 
 namespace m47 {
+
+namespace {
+
+/// Another process that has claimed a device until it is killed.
+class OtherStart {
+  public:
+    OtherStart(const QString& device, const QString& folder) {
+        std::array<int, 2> ready{};
+        if (pipe(ready.data()) != 0) qFatal("no pipe");
+        process_ = fork();
+        if (process_ == 0) {
+            PortClaim claim({folder});
+            const char taken = claim.take(device) ? 'y' : 'n';
+            if (write(ready[1], &taken, 1) != 1) _exit(1);
+            for (;;) pause();
+        }
+        char taken = 'n';
+        if (read(ready[0], &taken, 1) != 1 || taken != 'y') qFatal("not claimed");
+        close(ready[0]);
+        close(ready[1]);
+    }
+    ~OtherStart() {
+        kill(process_, SIGKILL);
+        waitpid(process_, nullptr, 0);
+    }
+    OtherStart(const OtherStart&) = delete;
+    OtherStart& operator=(const OtherStart&) = delete;
+
+    pid_t process() const { return process_; }
+
+  private:
+    pid_t process_ = 0;
+};
+
+}  // namespace
 
 class PortDiagnosisTest : public QObject {
     Q_OBJECT
@@ -26,6 +63,9 @@ class PortDiagnosisTest : public QObject {
     void without_permission();
     void held_by_another_program();
     void held_under_a_lock();
+    void claimed_by_another_start();
+    void a_claim_ends_with_its_process();
+    void what_needs_no_claim();
     void texts_name_device_and_help();
     void texts_in_italian();
     void the_group_that_may_use_the_device();
@@ -103,6 +143,73 @@ void PortDiagnosisTest::held_under_a_lock() {
     QCOMPARE(look_at(pty.path()), PortFault::busy);
     QCOMPARE(flock(pty.slave(), LOCK_UN), 0);
     QCOMPARE(look_at(pty.path()), PortFault::none);
+}
+
+void PortDiagnosisTest::claimed_by_another_start() {
+    const Pty pty;
+    const QString link = folder_.filePath("to-the-meter");
+    QVERIFY(QFile::link(pty.path(), link));
+    const OtherStart other(pty.path(), folder_.path());
+    PortClaim claim({folder_.path()});
+    // By another path to the same device, and as often as it is tried.
+    for (const QString& path : {link, pty.path(), link}) {
+        QVERIFY(!claim.take(path));
+        QVERIFY(claim.holder());
+        QCOMPARE(claim.holder()->process, other.process());
+    }
+    const QString name = claim.holder()->program;
+    QVERIFY(!name.isEmpty());
+    Texts texts;
+    QCOMPARE(claim_text(*claim.holder(), link, texts),
+             QStringLiteral("%1 is in use by %2 (process %3). End that program or choose another "
+                            "port.")
+                 .arg(link, name)
+                 .arg(other.process()));
+    texts.language = kItalian;
+    QVERIFY(claim_text(*claim.holder(), link, texts).contains("(processo "));
+    const Pty free;
+    QVERIFY(claim.take(free.path()));
+    QVERIFY(!claim.holder());
+}
+
+void PortDiagnosisTest::a_claim_ends_with_its_process() {
+    const Pty pty;
+    // As the folder of the system's lock files is: each may make its own, none remove another's.
+    QCOMPARE(chmod(QFile::encodeName(folder_.path()).constData(), 01777), 0);
+    PortClaim claim({folder_.path()});
+    const auto refused_to_another_user = [&] {
+        return as_ordinary_user([&] {
+            PortClaim theirs({folder_.path()});
+            return theirs.take(pty.path()) ? 0 : 1;
+        });
+    };
+    {
+        const OtherStart other(pty.path(), folder_.path());
+        QVERIFY(!claim.take(pty.path()));
+    }
+    // It was killed: its file is still there, and holds nobody off.
+    const QStringList left = QDir(folder_.path()).entryList({"*.lock"});
+    QCOMPARE(left.size(), 1);
+    QCOMPARE(refused_to_another_user(), 0);
+    QVERIFY(claim.take(pty.path()));
+    claim.release();
+    QCOMPARE(QDir(folder_.path()).entryList({"*.lock"}), QStringList());
+    QVERIFY(claim.take(pty.path()));
+    QCOMPARE(refused_to_another_user(), 1);
+}
+
+void PortDiagnosisTest::what_needs_no_claim() {
+    PortClaim claim({folder_.path()});
+    QVERIFY(claim.take("/dev/no-such-line"));
+    QVERIFY(claim.take(make_file("no-device", QFile::ReadOwner)));
+    QVERIFY(claim.take(QString()));
+    // Where no claim can be written none is needed to go on; the second folder is tried first.
+    const Pty pty;
+    PortClaim nowhere({"/nonexistent"});
+    QVERIFY(nowhere.take(pty.path()));
+    const OtherStart other(pty.path(), folder_.path());
+    PortClaim second({"/nonexistent", folder_.path()});
+    QVERIFY(!second.take(pty.path()));
 }
 
 void PortDiagnosisTest::texts_name_device_and_help() {

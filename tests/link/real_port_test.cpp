@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "real_port.h"
 
+#include <sched.h>
 #include <sys/file.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 
 #include <QCoreApplication>
 #include <QDir>
@@ -15,6 +18,8 @@
 #include "fake_link_view.h"
 #include "fake_port.h"
 #include "link.h"
+#include "port_diagnosis.h"
+#include "port_lock.h"
 #include "pty.h"
 #include "real_clock.h"
 
@@ -27,6 +32,9 @@ class RealPortTest : public QObject {
     Q_OBJECT
 
   private Q_SLOTS:
+    void a_lock_file_that_nobody_holds_data();
+    void a_lock_file_that_nobody_holds();
+    void no_room_for_a_lock_file();
     void a_whole_transaction();
     void an_event_loop_runs_meanwhile();
     void the_line_settings();
@@ -76,6 +84,23 @@ PortFault fault_on_open(const QString& device) {
     return port.open() ? PortFault::none : port.fault();
 }
 
+bool put_file(const QString& path, const QByteArray& content) {
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+}
+
+/// The exit status of `work` in a process whose mounts nobody else sees; 77 where there is none.
+int as_root_alone(const std::function<int()>& work) {
+    const pid_t child = fork();
+    if (child == 0) {
+        const bool alone = unshare(CLONE_NEWNS) == 0 &&
+                           mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+        _exit(alone ? work() : 77);
+    }
+    int status = 0;
+    return waitpid(child, &status, 0) == child && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
 /// What arrives at `port` until `length` bytes are there or nothing comes for a second.
 QByteArray read_some(RealPort& port, qsizetype length) {
     QByteArray bytes = port.read_all();
@@ -84,6 +109,57 @@ QByteArray read_some(RealPort& port, qsizetype length) {
 }
 
 }  // namespace
+
+void RealPortTest::a_lock_file_that_nobody_holds_data() {
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<PortFault>("fault");
+    QTest::addColumn<QString>("sentence");
+    QTest::newRow("of a process that has ended")
+        << QByteArray("99999999\nminicom\nhost\n") << PortFault::lock_left_behind
+        << "No program uses";
+    QTest::newRow("empty") << QByteArray("") << PortFault::lock_names_nobody << "names no program";
+    QTest::newRow("no lock file") << QByteArray("hello\n") << PortFault::lock_names_nobody
+                                  << "names no program";
+    QTest::newRow("a link to nowhere")
+        << QByteArray() << PortFault::lock_leads_nowhere << "leads nowhere";
+    QTest::newRow("of a process that runs, as other programs write it")
+        << QByteArray::number(getpid()).rightJustified(10, ' ') + "\n"
+        << PortFault::busy << "is used by another program. It is ";
+}
+
+void RealPortTest::a_lock_file_that_nobody_holds() {
+    QFETCH(const QByteArray, content);
+    QFETCH(const PortFault, fault);
+    QFETCH(const QString, sentence);
+    const Pty pty;
+    QCOMPARE(fchmod(pty.slave(), 0666), 0);
+    const QString path = lock_file_of(pty.path());
+    const bool put =
+        content.isNull() ? QFile::link("/nonexistent/lock", path) : put_file(path, content);
+    QVERIFY2(put, qPrintable(path));
+    const int seen = as_ordinary_user([&] { return static_cast<int>(fault_on_open(pty.path())); });
+    const QString text = port_fault_text(fault, pty.path(), Texts());
+    QVERIFY(QFile::remove(path));
+    if (geteuid() != 0 && fault != PortFault::busy) QSKIP("an own lock file is removed at once");
+    QCOMPARE(static_cast<PortFault>(seen), fault);
+    QVERIFY2(text.contains(sentence), qPrintable(text));
+    QVERIFY2(fault == PortFault::busy || !text.contains("another program"), qPrintable(text));
+    QCOMPARE(fault_on_open(pty.path()), PortFault::none);
+}
+
+void RealPortTest::no_room_for_a_lock_file() {
+    if (geteuid() != 0) QSKIP("no rights to mount a small disk");
+    const Pty pty;
+    // 77: this machine lets nobody mount; 78: the text is not that of a full disk.
+    const int seen = as_root_alone([&] {
+        if (mount("tmpfs", "/run/lock", "tmpfs", 0, "size=4k,nr_inodes=1") != 0) return 77;
+        const PortFault fault = fault_on_open(pty.path());
+        const QString text = port_fault_text(fault, pty.path(), Texts());
+        return text.startsWith("There is no room left in /") ? static_cast<int>(fault) : 78;
+    });
+    if (seen == 77) QSKIP("no rights to mount a small disk");
+    QCOMPARE(static_cast<PortFault>(seen), PortFault::lock_folder_full);
+}
 
 void RealPortTest::a_whole_transaction() {
     const Pty pty;

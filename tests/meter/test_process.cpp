@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <fcntl.h>
 #include <poll.h>
+#include <sched.h>
 #include <signal.h>
 #include <sys/ioctl.h>
+#include <sys/mount.h>
+#include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -120,6 +123,7 @@ class TestProcess : public QObject {
     void state_on_request_and_at_the_end();
     void stale_lock_is_lifted();
     void held_lock_stays();
+    void held_lock_stays_whatever_its_path();
     void help_version_and_usage();
     void unwritable_trace();
 };
@@ -351,6 +355,38 @@ void TestProcess::held_lock_stays() {
     QTest::qWait(500);
     int locked = 0;
     QCOMPARE(ioctl(opening.descriptor(), TIOCGEXCL, &locked), 0);
+    QVERIFY(locked != 0);
+}
+
+void TestProcess::held_lock_stays_whatever_its_path() {
+    // As in a container: the same device, but its path is another one there.
+    Program program({});
+    const QTemporaryDir elsewhere;
+    const QByteArray folder = QFile::encodeName(elsewhere.path());
+    const QByteArray path = folder + program.device().mid(QByteArray("/dev/pts").size());
+    int ready[2] = {};
+    QCOMPARE(pipe(ready), 0);
+    const pid_t holder = fork();
+    if (holder == 0) {
+        const bool mounted = unshare(CLONE_NEWNS) == 0 &&
+                             mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+                             mount("/dev/pts", folder, nullptr, MS_BIND, nullptr) == 0;
+        const int line = mounted ? open(path, O_RDWR | O_NOCTTY) : -1;
+        const char held = line >= 0 && ioctl(line, TIOCEXCL) == 0 ? 'y' : 'n';
+        if (write(ready[1], &held, 1) == 1) pause();
+        _exit(0);
+    }
+    char held = 'n';
+    QCOMPARE(read(ready[0], &held, 1), ssize_t{1});
+    QTest::qWait(500);
+    int locked = 0;
+    {
+        const Opening opening(program.device());
+        ioctl(opening.descriptor(), TIOCGEXCL, &locked);
+    }
+    kill(holder, SIGKILL);
+    waitpid(holder, nullptr, 0);
+    if (held != 'y') QSKIP("no rights to mount");
     QVERIFY(locked != 0);
 }
 

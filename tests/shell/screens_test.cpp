@@ -171,6 +171,27 @@ class ScreensTest : public QObject, protected ProgramInFolder {
                                 "Disabled"));
     }
 
+    void a_device_that_is_plugged_in_while_the_list_is_open_shows() {
+        end_program();
+        QStringList plugged{"/dev/ttyUSB7"};
+        start_program({1024, 600},
+                      PortList({"/nonexistent", "/nonexistent", [&plugged] { return plugged; }}));
+        find<QAction>("setport")->trigger();
+        auto* porta = find<QComboBox>("porta");
+        const auto devices = [porta] {
+            return QStringList{porta->itemData(0, Qt::ToolTipRole).toString(),
+                               porta->itemData(1, Qt::ToolTipRole).toString()};
+        };
+        QCOMPARE(devices(), QStringList({"/dev/ttyUSB7", "-"}));
+        porta->setCurrentIndex(1);
+        plugged += "/dev/ttyUSB8";
+        QTRY_COMPARE(devices(), QStringList({"/dev/ttyUSB7", "/dev/ttyUSB8"}));
+        QCOMPARE(porta->currentIndex(), 1);
+        plugged.clear();
+        QTRY_COMPARE(devices(), QStringList({"-", "-"}));
+        end_program();
+    }
+
     void a_port_that_does_not_exist_turns_red_and_says_why() {
         find<QAction>("setport")->trigger();
         auto* porta = find<QComboBox>("porta");

@@ -51,7 +51,8 @@ void Identification::reconnect() {
 
 void Identification::identify(const QString& device) {
     link_.port().select(device);
-    link_.port_connected = true;
+    link_.port_connected = !claim || claim(device);
+    if (!link_.port_connected) link_.reply_text.clear();
     link_.command_text = command::query(command::kAttenuator);
     link_.send_command();
     show_presence(link_.port_number);
@@ -71,10 +72,9 @@ void Identification::close_link(int number) {
 
 void Identification::show_presence(int number) {
     const bool present = !link_.reply_text.isEmpty();
-    if (present)
-        link_.port_connected = true;
-    else
-        link_.port().close();
+    // An answer without a value is none: whatever hangs there, no command may go out to it.
+    link_.port_connected = present;
+    if (!present) link_.port().close();
     link_.view().set_port_state(port_state_text(number, present), present);
 }
 

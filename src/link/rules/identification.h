@@ -43,6 +43,9 @@ class Identification {
     /// Called when a port has been picked, before its meter is asked.
     std::function<void()> on_picked;
 
+    /// Asked before the meter behind a device is; false leaves it alone, as if none had answered.
+    std::function<bool(const QString& device)> claim;
+
     /// Called with each answer of a meter to the question for its version; empty where none came.
     std::function<void(const QString& version)> on_version;
 

@@ -15,6 +15,8 @@
 #include <cerrno>
 #include <optional>
 
+#include "port_lock.h"
+
 namespace m47 {
 namespace {
 
@@ -27,6 +29,27 @@ constexpr Bilingual kJoinGroup{
     " It belongs to the group %1: run \"sudo usermod -aG %1 %2\", then log in again.",
     " Appartiene al gruppo %1: esegui \"sudo usermod -aG %1 %2\", poi accedi di nuovo."};
 constexpr Bilingual kBusy{"%1 is used by another program.", "%1 è usato da un altro programma."};
+constexpr Bilingual kBusyBy{" It is %1, process %2.", " È %1, processo %2."};
+constexpr Bilingual kLockFolderFull{
+    "There is no room left in %2 for the lock file of %1. Make room there, then reconnect.",
+    "Non c'è più spazio in %2 per il file di blocco di %1. Liberare spazio, poi ricollegare."};
+constexpr Bilingual kLockFolderShut{
+    "No lock file can be made for %1: the folder %2 needs to be writable for you.",
+    "Non si può creare un file di blocco per %1: la cartella %2 deve essere scrivibile."};
+constexpr Bilingual kLockLeftBehind{
+    "No program uses %1, but the lock file %2 of one that has ended is still there. Delete it: "
+    "\"sudo rm %2\", then reconnect.",
+    "Nessun programma usa %1, ma c'è ancora il file di blocco %2 di un programma terminato. "
+    "Cancellarlo: \"sudo rm %2\", poi ricollegare."};
+constexpr Bilingual kLockNamesNobody{
+    "The lock file %2 names no program that uses %1. Delete it: \"sudo rm %2\", then reconnect.",
+    "Il file di blocco %2 non nomina alcun programma che usi %1. Cancellarlo: \"sudo rm %2\", "
+    "poi ricollegare."};
+constexpr Bilingual kLockLeadsNowhere{
+    "In the place of the lock file of %1 there is a link that leads nowhere. Delete it: "
+    "\"sudo rm %2\", then reconnect.",
+    "Al posto del file di blocco di %1 c'è un collegamento che non porta a nulla. Cancellarlo: "
+    "\"sudo rm %2\", poi ricollegare."};
 constexpr Bilingual kNotAPort{"%1 is no serial port.", "%1 non è una porta seriale."};
 constexpr Bilingual kVanished{"The line to %1 was lost: the device has been unplugged.",
                               "La linea verso %1 è caduta: il dispositivo è stato scollegato."};
@@ -83,6 +106,25 @@ QString no_permission_text(const QString& device, const Texts& texts) {
     return text;
 }
 
+QString busy_text(const QString& device, const Texts& texts) {
+    QString text = texts.pick(kBusy).arg(device);
+    const std::optional<PortHolder> holder = lock_file_holder(lock_file_of(device));
+    if (holder && !holder->program.isEmpty())
+        text += texts.pick(kBusyBy).arg(holder->program, QString::number(holder->process));
+    return text;
+}
+
+QString lock_text(const Bilingual& words, const QString& device, const Texts& texts) {
+    return texts.pick(words).arg(device, lock_file_of(device));
+}
+
+QString lock_folder_text(const Bilingual& words, const QString& device, const Texts& texts) {
+    const QString file = lock_file_of(device);
+    const QString folder =
+        file.isEmpty() ? lock_folders().constFirst() : QFileInfo(file).absolutePath();
+    return texts.pick(words).arg(device, folder);
+}
+
 }  // namespace
 
 QString device_path(const QString& device) {
@@ -116,11 +158,21 @@ QString port_fault_text(PortFault fault, const QString& device, const Texts& tex
         case PortFault::no_permission:
             return no_permission_text(device, texts);
         case PortFault::busy:
-            return texts.pick(kBusy).arg(device);
+            return busy_text(device, texts);
         case PortFault::not_a_port:
             return texts.pick(kNotAPort).arg(device);
         case PortFault::vanished:
             return texts.pick(kVanished).arg(device);
+        case PortFault::lock_folder_full:
+            return lock_folder_text(kLockFolderFull, device, texts);
+        case PortFault::lock_folder_shut:
+            return lock_folder_text(kLockFolderShut, device, texts);
+        case PortFault::lock_left_behind:
+            return lock_text(kLockLeftBehind, device, texts);
+        case PortFault::lock_names_nobody:
+            return lock_text(kLockNamesNobody, device, texts);
+        case PortFault::lock_leads_nowhere:
+            return lock_text(kLockLeadsNowhere, device, texts);
         case PortFault::other:
             break;
     }

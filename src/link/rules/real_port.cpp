@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "port_diagnosis.h"
+#include "port_lock.h"
 
 namespace m47 {
 namespace {
@@ -52,11 +53,11 @@ bool RealPort::open() {
     port_.setPortName(node.isEmpty() ? device_ : node);
     if (!port_.open(QIODevice::ReadWrite)) {
         // The error does not tell a busy port from one without permission. Where nothing else
-        // speaks against the device, another program has left its lock file.
+        // speaks against the device, it is its lock file that could not be made.
         const bool refused = port_.error() == QSerialPort::PermissionError;
         const PortFault seen = look_at(device_);
         if (seen != PortFault::none) return fail(seen);
-        return fail(refused ? PortFault::busy : PortFault::other);
+        return fail(refused ? look_at_lock_file(lock_file_of(device_)) : PortFault::other);
     }
     // The terminal's exclusive flag does not keep out a second program that runs as root.
     if (flock(port_.handle(), LOCK_EX | LOCK_NB) != 0) return fail(PortFault::busy);

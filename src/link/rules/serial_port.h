@@ -15,6 +15,12 @@ enum class PortFault {
     busy,           ///< another program holds it
     not_a_port,     ///< the node is no serial line
     vanished,       ///< it was open and has gone
+    // No lock file can be made, though no other program holds the port.
+    lock_folder_full,    ///< its folder takes no more files
+    lock_folder_shut,    ///< its folder cannot be written
+    lock_left_behind,    ///< the one that is there is that of a program that has ended
+    lock_names_nobody,   ///< the one that is there is empty or no lock file
+    lock_leads_nowhere,  ///< a link without a file stands in its place
     other,
 };
 

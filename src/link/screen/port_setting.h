@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QTimer>
 #include <QWidget>
 #include <memory>
 
@@ -19,7 +20,8 @@ class PortSetting : public QWidget {
     PortSetting(Identification& identification, PortList& ports, QWidget* parent = nullptr);
     ~PortSetting() override;
 
-    /// Fills the list of ports; each entry's tooltip names the device behind it.
+    /// Fills the list of ports; each entry's tooltip names the device behind it, and follows when
+    /// one is plugged in or out.
     void Form_Load();
 
   Q_SIGNALS:
@@ -27,9 +29,12 @@ class PortSetting : public QWidget {
     void exit_asked();
 
   private:
+    void show_devices();
+
     Identification& identification_;
     PortList& ports_;
     std::unique_ptr<Ui::PortSetting> ui_;
+    QTimer look_timer_;
 };
 
 }  // namespace m47

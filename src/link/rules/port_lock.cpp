@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "port_lock.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <QFile>
+#include <QFileInfo>
+#include <cerrno>
+
+namespace m47 {
+namespace {
+
+constexpr qint64 kLongestLockFile = 1024;
+
+/// What a lock file says: its first line names a process, its second a program; neither has to.
+struct LockEntry {
+    pid_t process = 0;
+    QString program;
+};
+
+LockEntry read_lock_file(const QString& path) {
+    QFile file(path);
+    // A pipe in its place would never answer.
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) return {};
+    const QList<QByteArray> lines = file.read(kLongestLockFile).split('\n');
+    return {lines.value(0).trimmed().toInt(), QString::fromUtf8(lines.value(1).trimmed())};
+}
+
+/// The number of a process that has ended may belong to another program by now.
+bool is_same_program(const QString& noted, const QString& running) {
+    return noted.isEmpty() || running.isEmpty() || noted.startsWith(running);
+}
+
+/// What keeps a file from being made in `folder`; none where one can be.
+PortFault look_at_folder(const QString& folder) {
+    const QByteArray probe = QFile::encodeName(folder + QStringLiteral("/.m47-remote-%1"))
+                                 .replace("%1", QByteArray::number(getpid()));
+    const int file = ::open(probe.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    int reason = file < 0 ? errno : 0;
+    if (file >= 0) {
+        if (::write(file, "1\n", 2) != 2) reason = errno;
+        ::close(file);
+        ::unlink(probe.constData());
+    }
+    if (reason == 0) return PortFault::none;
+    return reason == ENOSPC || reason == EDQUOT ? PortFault::lock_folder_full
+                                                : PortFault::lock_folder_shut;
+}
+
+}  // namespace
+
+std::optional<PortHolder> running_process(pid_t process) {
+    if (process <= 0 || (::kill(process, 0) != 0 && errno == ESRCH)) return std::nullopt;
+    QFile name(QStringLiteral("/proc/%1/comm").arg(process));
+    const bool told = name.open(QIODevice::ReadOnly);
+    return PortHolder{told ? QString::fromUtf8(name.readAll().trimmed()) : QString(), process};
+}
+
+QStringList lock_folders() {
+    return {QStringLiteral("/var/lock"),
+            QStringLiteral("/etc/locks"),
+            QStringLiteral("/var/spool/locks"),
+            QStringLiteral("/var/spool/uucp"),
+            QStringLiteral("/tmp"),
+            QStringLiteral("/var/tmp"),
+            QStringLiteral("/var/lock/lockdev"),
+            QStringLiteral("/run/lock")};
+}
+
+QString lock_file_of(const QString& device, const QStringList& folders) {
+    const QString node = QFileInfo(device).canonicalFilePath();
+    QString name = node.isEmpty() ? device : node;
+    if (name.startsWith(QLatin1String("/dev/"))) name.remove(0, 5);
+    name = QStringLiteral("/LCK..") + name.replace(u'/', u'_');
+    for (const QString& folder : folders) {
+        const QFileInfo about(folder);
+        if (about.isReadable() && (QFile::exists(folder + name) || about.isWritable()))
+            return folder + name;
+    }
+    return {};
+}
+
+std::optional<PortHolder> lock_file_holder(const QString& lock_file) {
+    const LockEntry entry = read_lock_file(lock_file);
+    const std::optional<PortHolder> holder = running_process(entry.process);
+    return holder && is_same_program(entry.program, holder->program) ? holder : std::nullopt;
+}
+
+PortFault look_at_lock_file(const QString& lock_file) {
+    if (lock_file.isEmpty()) return PortFault::lock_folder_shut;
+    const QFileInfo about(lock_file);
+    if (about.isSymLink() && !about.exists()) return PortFault::lock_leads_nowhere;
+    if (!about.exists()) {
+        const PortFault fault = look_at_folder(about.absolutePath());
+        return fault == PortFault::none ? PortFault::other : fault;
+    }
+    if (lock_file_holder(lock_file)) return PortFault::busy;
+    return read_lock_file(lock_file).process > 0 ? PortFault::lock_left_behind
+                                                 : PortFault::lock_names_nobody;
+}
+
+}  // namespace m47

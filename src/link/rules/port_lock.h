@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <sys/types.h>
+
+#include <QString>
+#include <QStringList>
+#include <optional>
+
+#include "serial_port.h"
+
+namespace m47 {
+
+/// A program that runs now.
+struct PortHolder {
+    QString program;  ///< empty where the system does not tell
+    pid_t process = 0;
+};
+
+/// The running process `process`; nothing where there is none.
+std::optional<PortHolder> running_process(pid_t process);
+
+/// Where the system keeps the lock files of serial lines, in the order in which they are tried.
+QStringList lock_folders();
+
+/// The lock file that keeps other programs off `device` while it is open: LCK..ttyUSB0, in the
+/// first of `folders` that can be used. Empty where none can.
+QString lock_file_of(const QString& device, const QStringList& folders = lock_folders());
+
+/// The program that a lock file names, where it still runs.
+std::optional<PortHolder> lock_file_holder(const QString& lock_file);
+
+/// Why the lock file `lock_file` cannot be made: busy only where it names a program that runs.
+PortFault look_at_lock_file(const QString& lock_file);
+
+}  // namespace m47
