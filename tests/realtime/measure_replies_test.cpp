@@ -40,6 +40,24 @@ class MeasureRepliesTest : public QObject {
         QCOMPARE(in_italian, number);
     }
 
+    void what_can_be_a_value_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("possible");
+        for (const char* text : {"61.9", " 61.9 ", "<20.5", "> 20.5", "-47.5", "60", "0.1",
+                                 "61.9dBuV", "61.9 dBuV", "", "----", "NO LOCK"})
+            QTest::newRow(text) << text << true;
+        for (const char* text :
+             {"6#.9", "6 1.9", "61.", "61,9", "61.9.3", "#61.9", "<<61.9", "12.2E", "2.0E-",
+              "2.07-4", "057.7", "57E7", "6x1.9", "61.9\r7", "61.\xe9"})
+            QTest::newRow(text) << QString::fromLatin1(text) << false;
+    }
+
+    void what_can_be_a_value() {
+        QFETCH(QString, text);
+        QFETCH(bool, possible);
+        QCOMPARE(can_be_value(text), possible);
+    }
+
     void labelled_field_data() {
         QTest::addColumn<QString>("label");
         QTest::addColumn<QString>("answer");

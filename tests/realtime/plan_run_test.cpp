@@ -42,6 +42,7 @@ class PlanRunTest : public QObject {
     void after_a_lost_link_the_lost_program_comes_first();
     void tries_come_at_growing_intervals();
     void told_to_stop_while_the_meter_is_away();
+    void a_doubtful_measurement_is_taken_again();
     void a_plan_that_was_emptied_is_told_once();
     void progress();
     void full_tune();
@@ -340,6 +341,29 @@ void PlanRunTest::told_to_stop_while_the_meter_is_away() {
     run.told_to_stop = [this] { return tries_.size() == 3; };
     QCOMPARE(run.run(), PlanRun::End::stopped);
     QCOMPARE(measured(), QStringList("1000"));
+}
+
+/// Twice more; then its row is missing, and the pass goes on.
+void PlanRunTest::a_doubtful_measurement_is_taken_again() {
+    QStringList told;
+    f_->rules.cycle.on_doubt = [&](const QString& command) { told += command; };
+    for (const int spoilt : {2, 3}) {
+        told.clear();
+        f_->rules.page.clear();
+        int tuned = 0;
+        f_->on_command = [&](const QByteArray& command) {
+            if (command == "FREQ 1010.0" && ++tuned <= spoilt)
+                f_->raw["FREQ 1010.0"] = "FREQ 1#10.0\rOK\r";
+            else
+                f_->raw.clear();
+        };
+        PlanRun run = make_run({});
+        QCOMPARE(run.run(), PlanRun::End::done);
+        QCOMPARE(told, QStringList(spoilt, "FREQ 1010.0"));
+        QCOMPARE(run.missing(), spoilt - 2);
+        QCOMPARE(measured(), spoilt == 2 ? QStringList({"1000", "1010", "1020"})
+                                         : QStringList({"1000", "1020"}));
+    }
 }
 
 void PlanRunTest::a_plan_that_was_emptied_is_told_once() {

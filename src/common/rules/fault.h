@@ -30,7 +30,14 @@ class Fault : public std::runtime_error {
 /// measured has no value.
 class DoubtfulAnswer : public Fault {
   public:
-    using Fault::Fault;
+    /// `command` is what the meter was asked or told.
+    explicit DoubtfulAnswer(const std::string& command)
+        : Fault("the meter's answer to " + command + " is doubtful"), command_(command) {}
+
+    const std::string& command() const { return command_; }
+
+  private:
+    std::string command_;
 };
 
 /// Thrown by the link when the user has asked the program to end (SIGINT, SIGTERM) while a

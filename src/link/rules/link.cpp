@@ -33,7 +33,7 @@ void Link::send_command() {
     else
         settings.doubt(command_text);
     if (refuse_doubtful && doubtful_)
-        throw DoubtfulAnswer("the answer to " + command_text.toStdString() + " is doubtful");
+        throw DoubtfulAnswer(command_text.toStdString());
 }
 
 bool Link::transact(const std::function<Outcome()>& exchange, const std::function<void()>& rest) {

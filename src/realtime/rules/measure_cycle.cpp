@@ -17,7 +17,7 @@ void MeasureCycle::measure(const std::function<void()>& prepare, const ProgramId
         if (prepare) prepare();
         run_trapped();
     } catch (const DoubtfulAnswer& doubt) {
-        doubt_ = QString::fromStdString(doubt.what());
+        doubt_ = QString::fromStdString(doubt.command());
     }
     panel_.repaint();
 }

@@ -33,8 +33,8 @@ class MeasureCycle {
     /// Called after each line for the log with the reason why it was lost, empty when it was kept.
     std::function<void(const QString& reason)> on_log_written;
 
-    /// Called in place of storemeas writing a row, with what was doubtful.
-    std::function<void(const QString& reason)> on_doubt;
+    /// Called where storemeas writes no row, with the command whose answer was doubtful.
+    std::function<void(const QString& command)> on_doubt;
 
     /// Runs one cycle for `program` of a plan, or for none, behind `prepare` where there is
     /// something to set first. A fault in the cycle ends it at once, silently; the values shown so
@@ -45,7 +45,7 @@ class MeasureCycle {
     /// Records the cycle just run; does nothing while the link is down or no measure is ticked.
     void storemeas();
 
-    /// What made the last cycle's values doubtful; empty when nothing did.
+    /// The command whose answer made the last cycle's values doubtful; empty when none did.
     const QString& doubt() const { return doubt_; }
 
   private:

@@ -1,10 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "measure_replies.h"
 
+#include <QRegularExpression>
+#include <algorithm>
+
 #include "fault.h"
 #include "numbers.h"
 
 namespace m47 {
+namespace {
+
+bool has_digit(const QString& text) {
+    return std::ranges::any_of(text, [](QChar c) { return c.isDigit(); });
+}
+
+}  // namespace
 
 double delete_segno(const QString& parola) {
     const bool marked = parola.startsWith(u'<') || parola.startsWith(u'>');
@@ -17,6 +27,18 @@ QString delete_cr(const QString& cosa, const QString& dove) {
     const qsizetype start = label + cosa.size();
     const qsizetype end = dove.indexOf(u'\r', label);
     return end < 0 ? dove.mid(start) : dove.mid(start, end - start);
+}
+
+bool can_be_value(const QString& text) {
+    static const QRegularExpression kNumber(
+        QStringLiteral(R"(^\s*[<>]?\s*[-+]?(0|[1-9]\d*)(\.\d+)?\s*(dB[A-Za-z\xb5]*|[kM]Hz)?\s*$)"));
+    return !has_digit(text) || kNumber.match(text).hasMatch();
+}
+
+bool can_be_rate(const QString& text) {
+    static const QRegularExpression kRate(
+        QStringLiteral(R"(^\s*[<>]?\s*\d(\.\d+)?([eE][-+]?\d+)?\s*$)"));
+    return !has_digit(text) || (kRate.match(text).hasMatch() && delete_segno(text.trimmed()) <= 1);
 }
 
 QString trimmed_from(const QString& reply, int position) {

@@ -13,6 +13,14 @@ double delete_segno(const QString& parola);
 /// blanks behind the label are kept. A label that is not there is a Fault.
 QString delete_cr(const QString& cosa, const QString& dove);
 
+/// `text` can be a value of the meter's: a number with its range mark in front and maybe a unit
+/// behind, or some word in the place of one. False for anything else with a digit in it: a byte of
+/// it was spoilt, and what number it was nobody knows.
+bool can_be_value(const QString& text);
+
+/// The same for an error rate: a number from 0 to 1, maybe with an exponent.
+bool can_be_rate(const QString& text);
+
 /// `reply` from its character `position` (1-based) to the end, blanks at both ends removed.
 QString trimmed_from(const QString& reply, int position);
 

@@ -40,6 +40,32 @@ QString cn_value_text(const QString& reply) {
     return marked ? reply : reply.mid(1);
 }
 
+/// What the digital quality answer brings.
+Asked asked_of(Quantity quantity) {
+    if (quantity == Quantity::ber) return Asked::channel_ber;
+    if (quantity == Quantity::pvber) return Asked::corrected_ber;
+    return quantity == Quantity::cfo ? Asked::offset : Asked::mer;
+}
+
+// Where the value stands in an answer
+QString whole(const QString& reply) {
+    return reply;
+}
+QString behind_first(const QString& reply) {
+    return reply.mid(1);
+}
+QString behind_lead(const QString& reply) {
+    return trimmed_from(reply, 2);
+}
+QString behind_words(const QString& reply) {
+    qsizetype words = 0;
+    while (words < reply.size() && (reply[words].isLetter() || reply[words].isSpace())) ++words;
+    return reply.mid(words);
+}
+QString behind_letters(const QString& reply) {
+    return reply.mid(3);
+}
+
 }  // namespace
 
 void MeasureSteps::check(AlarmRow row, double value) {
@@ -55,15 +81,26 @@ void MeasureSteps::keep(Quantity quantity, const QString& answered) {
         outcome.unit = unit_of_index(link_.settings.unit());
 }
 
+void MeasureSteps::expect(Asked asked, const QString& text) const {
+    const bool rate = asked == Asked::channel_ber || asked == Asked::corrected_ber;
+    const bool steps = asked == Asked::attenuation;
+    // The meter may write its steps with two digits.
+    const QString number = steps && text.startsWith(u'0') ? text.mid(1) : text;
+    if (!(rate ? can_be_rate(number) : can_be_value(number)))
+        throw DoubtfulAnswer(link_.command_text.toStdString());
+}
+
 void MeasureSteps::format_att() {
     link_.send(command::kFullAttenuation);
     link_.wait_time(kAfterRanging);
     if (program_.unit_index != kDbuv) link_.send(command::kUnit + QStringLiteral(" 00"));
-    link_.send(command::query(command::kAttenuator));
+    ask_one(command::query(command::kAttenuator), Asked::attenuation, whole);
+    expect(Asked::attenuation, link_.reply_text);
     double attenuation = meter_value(link_.reply_text);
-    link_.send(command::query(command::kLevel));
+    ask_one(command::query(command::kLevel), Asked::ranging_level, behind_first);
     double level = 0;
     if (level_for_attenuator(link_.reply_text, level)) {
+        expect(Asked::ranging_level, link_.reply_text.mid(2));
         if (level > attenuation * kAttenuatorStep + kFirstStepLevel) {
             attenuation += 1;
             link_.send(command::kAttenuator + format_number(attenuation, " 0"));
@@ -75,8 +112,10 @@ void MeasureSteps::format_att() {
 
 void MeasureSteps::carr_satdig() {
     format_att();
-    link_.send(command::query(command::kChannelPower));
-    panel_.dcplev = trimmed_from(link_.reply_text, 2);
+    ask_one(command::query(command::kChannelPower), Asked::channel_power, behind_lead);
+    const QString level = trimmed_from(link_.reply_text, 2);
+    expect(Asked::channel_power, level);
+    panel_.dcplev = level;
     keep(Quantity::level, panel_.dcplev);
     panel_.repaint();
     check(AlarmRow::dcp_level, delete_segno(panel_.dcplev));
@@ -98,7 +137,8 @@ void MeasureSteps::cn_satdig() {
     link_.send(command::kFullAttenuation);
     link_.send(command::kMarker + QStringLiteral(" 1 1"));
     noise_frequency(panel_.noise_freqd);
-    link_.send(command::query(command::kDigitalCn));
+    ask_one(command::query(command::kDigitalCn), Asked::cn, behind_first);
+    expect(Asked::cn, link_.reply_text);
     panel_.cndlev = link_.reply_text.trimmed();
     keep(Quantity::cn, cn_value_text(link_.reply_text));
     panel_.repaint();
@@ -113,8 +153,10 @@ void MeasureSteps::levn_satdig() {
     link_.send(command::kFrequency + u' ' + frequency);
     link_.wait_time(kAfterTuning);
     format_att();
-    link_.send(command::query(command::kChannelPower) + frequency);
-    panel_.noisedlev = noise_power(link_.reply_text);
+    ask_one(command::query(command::kChannelPower) + frequency, Asked::noise, noise_power);
+    const QString noise = noise_power(link_.reply_text);
+    expect(Asked::noise, noise);
+    panel_.noisedlev = noise;
     keep(Quantity::noise, panel_.noisedlev);
     panel_.repaint();
     tuning_.fsat_KeyPress(kEnterKey);
@@ -137,7 +179,9 @@ void MeasureSteps::qpsk_real() {
 void MeasureSteps::show_field(DigitalMeasure measure, Quantity quantity, const char* label,
                               QString& result) {
     if (!panel_.meas_stated[measure]) return;
-    result = delete_cr(QString::fromLatin1(label), link_.reply_text);
+    const QString field = delete_cr(QString::fromLatin1(label), link_.reply_text);
+    expect(asked_of(quantity), field);
+    result = field;
     keep(quantity, result);
     panel_.repaint();
     if (measure == kChber) check(AlarmRow::chber, delete_segno(result.trimmed()));
@@ -147,7 +191,8 @@ void MeasureSteps::show_field(DigitalMeasure measure, Quantity quantity, const c
 void MeasureSteps::digital_acquire() {
     const auto& ticked = panel_.meas_stated;
     if (ticked[kChber] || ticked[kPvBer] || ticked[kCfo] || ticked[kMer])
-        link_.send(command::query(command::kQpskQuality));
+        ask(command::query(command::kQpskQuality),
+            [this](const QString& reply) { return quality_in(reply); });
     show_field(kChber, Quantity::ber, "CHBER :", panel_.bercomune);
     show_field(kPvBer, Quantity::pvber, "PvBER :", panel_.pvbercomune);
     show_field(kCfo, Quantity::cfo, "CFO   :", panel_.cfcomune);
@@ -157,8 +202,10 @@ void MeasureSteps::digital_acquire() {
 void MeasureSteps::carr_satanl() {
     link_.send(command::kFullAttenuation);
     link_.wait_time(kAfterRanging);
-    link_.send(command::query(command::kLevel));
-    panel_.leva = trimmed_from(link_.reply_text, 2);
+    ask_one(command::query(command::kLevel), Asked::level, behind_lead);
+    const QString level = trimmed_from(link_.reply_text, 2);
+    expect(Asked::level, level);
+    panel_.leva = level;
     keep(Quantity::level, panel_.leva);
     panel_.repaint();
     check(AlarmRow::level_analog, delete_segno(panel_.leva));
@@ -169,7 +216,8 @@ void MeasureSteps::cn_satanl() {
     link_.send(command::kFullAttenuation);
     link_.send(command::kMarker + QStringLiteral(" 1 0"));
     noise_frequency(panel_.noise_freqa);
-    link_.send(command::query(command::kAnalogCn));
+    ask_one(command::query(command::kAnalogCn), Asked::cn, behind_letters);
+    expect(Asked::cn, link_.reply_text.mid(3));
     panel_.cnalev = link_.reply_text.mid(3);
     keep(Quantity::cn, panel_.cnalev);
     panel_.repaint();
@@ -181,7 +229,8 @@ void MeasureSteps::levn_satanl() {
     const QString frequency = noise_frequency(panel_.noise_freqa);
     link_.send(command::kFrequency + u' ' + frequency);
     link_.wait_time(kAfterTuning);
-    link_.send(command::query(command::kLevel));
+    ask_one(command::query(command::kLevel), Asked::noise, behind_words);
+    expect(Asked::noise, behind_words(link_.reply_text));
     panel_.noisealev = link_.reply_text.trimmed();
     // An answer with a level begins with a character that is no part of it.
     keep(Quantity::noise, trimmed_from(link_.reply_text, 2));

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <functional>
+
 #include "alarm_limits.h"
+#include "ask_twice.h"
 #include "link.h"
 #include "measurement.h"
 #include "program_state.h"
@@ -12,7 +15,9 @@ namespace m47 {
 
 /// The measurement steps: each sends its commands, shows the value in its result label at once and
 /// hands the number to the limit check. None reports a failed command: it parses what stands in the
-/// answer. A step whose answer or frequency entry is missing ends in a Fault, which ends the cycle.
+/// answer. A step whose answer or frequency entry is missing ends in a Fault, which ends the cycle;
+/// one whose answer can be no value in a DoubtfulAnswer. Asking twice is the user's choice: what
+/// surprises is asked again, and counts when two answers agree.
 class MeasureSteps {
   public:
     MeasureSteps(Link& link, ProgramState& program, RealtimePanel& panel, RealtimeState& state,
@@ -44,6 +49,24 @@ class MeasureSteps {
   private:
     void check(AlarmRow row, double value);
     void keep(Quantity quantity, const QString& answered);
+    using ValuesIn = std::function<AskedValues(const QString& reply)>;
+
+    /// Sends `question`. Where the user has chosen so and what `values_in` finds in the answer
+    /// surprises, again, until two answers agree, which leaves the later one in the link's
+    /// `reply_text`; a DoubtfulAnswer when none do.
+    void ask(const QString& question, const ValuesIn& values_in);
+    /// As ask, for a question with one value, of which `text_in` cuts the text out.
+    void ask_one(const QString& question, Asked asked,
+                 const std::function<QString(const QString& reply)>& text_in);
+    void confirm(const QString& question, const ValuesIn& values_in);
+    bool surprising(const AskedValues& readings) const;
+    void remember(const AskedValues& readings);
+    /// Whose readings are compared with each other.
+    QString program_key() const;
+    AskedValue value_in(Asked asked, const QString& text) const;
+    AskedValues quality_in(const QString& reply) const;
+    /// A text that can be none of what was asked is a DoubtfulAnswer.
+    void expect(Asked asked, const QString& text) const;
     QString& noise_entry(QString& entry) const;
     QString noise_frequency(QString& entry) const;
     void show_field(DigitalMeasure measure, Quantity quantity, const char* label, QString& result);
@@ -53,6 +76,7 @@ class MeasureSteps {
     RealtimePanel& panel_;
     RealtimeState& state_;
     Tuning& tuning_;
+    Scatter scatter_;
 };
 
 }  // namespace m47

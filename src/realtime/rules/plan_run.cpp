@@ -129,16 +129,31 @@ PlanRun::End PlanRun::next_step() {
     rules_.acquisition.Timer2_Timer();
     if (link_.port_connected) {
         pause_ = kFirstPause;
+        if (at_program && doubtful_again()) take_again(programs, place);
         return End::done;
     }
     if (!order_.reconnect) return End::link_lost;
     if (!find_meter()) return End::stopped;
     // The measurement that was lost with the link is taken again; the pass goes on from there.
-    if (at_program) {
-        programs.go_to(place);
-        rules_.acquisition.Timer2->start();
-    }
+    if (at_program) take_again(programs, place);
     return End::done;
+}
+
+void PlanRun::take_again(Recordset& programs, Bookmark place) {
+    programs.go_to(place);
+    rules_.acquisition.Timer2->start();
+}
+
+/// True when the step just made has no row, as an answer was doubtful, and is worth another try.
+bool PlanRun::doubtful_again() {
+    if (rules_.cycle.doubt().isEmpty()) {
+        doubts_ = 0;
+        return false;
+    }
+    if (++doubts_ < kMostTries) return true;
+    doubts_ = 0;
+    ++missing_;
+    return false;
 }
 
 /// Tries at intervals that grow until something has been measured again. False when told to stop

@@ -39,11 +39,19 @@ class PlanRun {
     /// `rules` with a plan open and the meter prepared.
     End run();
 
+    /// How many rows are missing because the meter's answers stayed doubtful.
+    int missing() const { return missing_; }
+
+    /// So often a measurement is taken before its row is given up.
+    static constexpr int kMostTries = 3;
+
   private:
     End run_pass();
     End walk();
     End next_step();
     bool find_meter();
+    void take_again(Recordset& programs, Bookmark place);
+    bool doubtful_again();
     bool wait(double seconds);
     bool wait_for_pass();
     bool stop_asked() const { return told_to_stop && told_to_stop(); }
@@ -59,6 +67,8 @@ class PlanRun {
     static constexpr double kFirstPause = 1;
     double pause_ = kFirstPause;  ///< seconds before the next try to find the meter again
     int pass_ = 0;
+    int doubts_ = 0;         ///< on end at the present program
+    int missing_ = 0;        ///< rows
     bool measured_ = false;  ///< in the present pass
     bool idle_ = false;      ///< the last pass measured nothing
     double begin_ = 0;       ///< of the run, on the steady clock

@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <algorithm>
+#include <exception>
+#include <optional>
+
+#include "fault.h"
+#include "measure_replies.h"
+#include "measure_steps.h"
+
+namespace m47 {
+namespace {
+
+/// So often a question is put before its value is given up.
+constexpr int kMostAsked = 4;
+
+struct QualityField {
+    DigitalMeasure measure;
+    Asked asked;
+    const char* label;
+};
+constexpr QualityField kQualityFields[] = {
+    {kChber, Asked::channel_ber, "CHBER :"},
+    {kPvBer, Asked::corrected_ber, "PvBER :"},
+    {kCfo, Asked::offset, "CFO   :"},
+    {kMer, Asked::mer, "MER   :"},
+};
+
+std::optional<AlarmRow> row_of(Asked asked, bool digital) {
+    switch (asked) {
+        case Asked::level:
+            return AlarmRow::level_analog;
+        case Asked::channel_power:
+            return AlarmRow::dcp_level;
+        case Asked::cn:
+            return digital ? AlarmRow::cn_digital : AlarmRow::cn_analog;
+        case Asked::channel_ber:
+            return AlarmRow::chber;
+        case Asked::mer:
+            return AlarmRow::mer;
+        default:
+            return std::nullopt;
+    }
+}
+
+bool crosses(const AlarmLimits& limits, double value) {
+    return limits.enabled && (value <= limits.minimum || value >= limits.maximum);
+}
+
+}  // namespace
+
+void MeasureSteps::ask(const QString& question, const ValuesIn& values_in) {
+    if (program_.corrected.ask_twice)
+        confirm(question, values_in);
+    else
+        link_.send(question);
+}
+
+void MeasureSteps::ask_one(const QString& question, Asked asked,
+                           const std::function<QString(const QString& reply)>& text_in) {
+    ask(question,
+        [&](const QString& reply) { return AskedValues{value_in(asked, text_in(reply))}; });
+}
+
+void MeasureSteps::confirm(const QString& question, const ValuesIn& values_in) {
+    std::vector<AskedValues> seen;
+    std::exception_ptr fault;
+    for (int times = 0; times < kMostAsked; ++times) {
+        try {
+            if (!link_.send(question)) return;
+            const AskedValues readings = values_in(link_.reply_text);
+            const bool agreed = std::ranges::any_of(
+                seen, [&](const AskedValues& before) { return agree(before, readings); });
+            if (agreed || (times == 0 && !surprising(readings))) return remember(readings);
+            seen.push_back(readings);
+        } catch (const Fault&) {
+            // Spoilt on its way, or a label is missing in it: the next may be whole.
+            fault = std::current_exception();
+        }
+    }
+    if (seen.empty() && fault) std::rethrow_exception(fault);
+    throw DoubtfulAnswer(question.toStdString());
+}
+
+bool MeasureSteps::surprising(const AskedValues& readings) const {
+    return std::ranges::any_of(readings, [this](const AskedValue& reading) {
+        const std::optional<AlarmRow> row = row_of(reading.asked, panel_.satdigmea_visible);
+        return scatter_.surprises(program_key(), reading) ||
+               (row && crosses(limits_of(*row, panel_), reading.value));
+    });
+}
+
+void MeasureSteps::remember(const AskedValues& readings) {
+    for (const AskedValue& reading : readings) scatter_.add(program_key(), reading);
+}
+
+QString MeasureSteps::program_key() const {
+    const QString program =
+        panel_.plan_controls_visible ? panel_.grp_name + u'\t' + panel_.prog_num : QString();
+    const QString unit = QString::number(program_.unit_index);
+    return QStringList{program, panel_.fsat, panel_.ol_freq, panel_.chbws, unit}.join(u'\t');
+}
+
+AskedValue MeasureSteps::value_in(Asked asked, const QString& text) const {
+    expect(asked, text);
+    const QString value = text.trimmed();
+    const bool marked = value.startsWith(u'<') || value.startsWith(u'>');
+    return {asked, delete_segno(value), marked ? value[0] : QChar()};
+}
+
+AskedValues MeasureSteps::quality_in(const QString& reply) const {
+    AskedValues readings;
+    for (const QualityField& field : kQualityFields)
+        if (panel_.meas_stated[field.measure])
+            readings.push_back(
+                value_in(field.asked, delete_cr(QString::fromLatin1(field.label), reply)));
+    return readings;
+}
+
+}  // namespace m47
