@@ -118,6 +118,7 @@ int run_with_options(int argc, char** argv, const Options& options) {
     if (!options.unattended()) state.preferences = Preferences(Preferences::usual_file());
     if (options.corrected) choose_all(state.corrected, true);
     if (options.full_tune) state.corrected.full_tune = true;
+    if (options.confirm) state.corrected.ask_twice = true;
     std::unique_ptr<Database> database = open_database(state, options);
     if (!database) return options.unattended() ? kDatabase : 1;
     if (!options.import_database.isEmpty())

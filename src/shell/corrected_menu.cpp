@@ -83,6 +83,11 @@ constexpr std::array<EntryTexts, kCorrectedEntries.size()> kEntryTexts{{
       "empty limits count as numbers and the alarm fails.",
       "Un allarme con i limiti vuoti non controlla nulla, e la riga di stato lo dice. Di norma i "
       "limiti vuoti contano come numeri e l'allarme scatta."}},
+    {{"Ask t&wice", "Chiedi d&ue volte"},
+     {"A value that lies off the ones before it, or crosses a limit, is asked for again and taken "
+      "when two answers agree. By default the first answer is taken.",
+      "Un valore lontano dai precedenti, o che supera un limite, viene chiesto di nuovo e preso "
+      "quando due risposte concordano. Di norma viene presa la prima risposta."}},
 }};
 
 void show_on(QAction* action, const EntryTexts& entry, const Texts& texts) {

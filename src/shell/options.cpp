@@ -46,6 +46,9 @@ void add_options(QCommandLineParser& parser) {
          "limits "
          "are the plan's.",
          "NAME=MIN:MAX"},
+        {"confirm",
+         "Ask again for a value that lies off the ones before it or crosses a limit; take it when "
+         "two answers agree."},
         {"count", "How many measurements to take (default 1).", "K"},
         {"plan", "Measure the monitored programs of the plan NAME.", "NAME"},
         {"passes", "How often to measure the plan (default 1, 0 until told to stop).", "K"},
@@ -172,9 +175,9 @@ QString check_measurement(const QCommandLineParser& parser, const Options& optio
 
 QString check_combination(const QCommandLineParser& parser, const Options& options) {
     if (options.measure) return check_measurement(parser, options);
-    const QString name = first_set(
-        parser, {"analog", "digital", "freq", "bandwidth", "symbol-rate", "alarm", "count", "log",
-                 "screenshot", "plan", "passes", "every", "full-tune", "reconnect"});
+    const QString name = first_set(parser, {"analog", "digital", "freq", "bandwidth", "symbol-rate",
+                                            "alarm", "confirm", "count", "log", "screenshot",
+                                            "plan", "passes", "every", "full-tune", "reconnect"});
     if (!name.isEmpty()) return QStringLiteral("--%1 goes with --measure only").arg(name);
     if (!options.open.isEmpty() && !kScreens.contains(options.open))
         return QStringLiteral("--open takes one of %1").arg(kScreens.join(QStringLiteral(", ")));
@@ -221,6 +224,7 @@ Options parse_options(const QStringList& arguments) {
     options.measure = parser.isSet(QStringLiteral("measure"));
     options.digital = parser.isSet(QStringLiteral("digital"));
     options.plan = parser.value(QStringLiteral("plan"));
+    options.confirm = parser.isSet(QStringLiteral("confirm"));
     options.full_tune = parser.isSet(QStringLiteral("full-tune"));
     options.reconnect = parser.isSet(QStringLiteral("reconnect"));
     options.log = parser.value(QStringLiteral("log"));

@@ -42,6 +42,7 @@ struct Options {
     int every = 0;  ///< seconds from pass to pass
     bool reconnect = false;
     bool full_tune = false;
+    bool confirm = false;  ///< ask twice for what surprises
     QList<AlarmOption> alarms;
 
     QString import_database;  ///< a file of the old engine to import, empty for none

@@ -32,6 +32,13 @@ constexpr Bilingual kDeviceIsBack{
     "The device %1 is there again: \"Reconnect\" in the menu connects it.",
     "Il dispositivo %1 è di nuovo presente: \"Reconnect\" nel menu lo collega."};
 
+constexpr Bilingual kNoRow{"No row: doubtful answer", "Nessuna riga: risposta dubbia"};
+constexpr Bilingual kDoubtful{
+    "What the meter answered to %1 came late or was spoilt on the line. Measure again; if it goes "
+    "on, check the cable.",
+    "Ciò che lo strumento ha risposto a %1 è arrivato tardi o guasto. Misurare di nuovo; se si "
+    "ripete, controllare il cavo."};
+
 constexpr Bilingual kManualTitle{"Manual", "Manuale"};
 constexpr Bilingual kNoReader{"No program of this computer opens %1.",
                               "Nessun programma di questo computer apre %1."};
@@ -144,6 +151,10 @@ void Program::add_screens() {
             window_.show_upload(QStringLiteral("Pass cut short"), reason);
         });
         QObject::connect(screen, &Realtime::left_out, &window_, &M47MDI::show_notice);
+        QObject::connect(screen, &Realtime::no_row, &window_, [this](const QString& command) {
+            window_.show_upload(state_.texts.pick(kNoRow),
+                                state_.texts.pick(kDoubtful).arg(command));
+        });
         QObject::connect(screen, &QObject::destroyed, &window_,
                          [this] { window_.show_progress(QString()); });
         return screen;

@@ -60,6 +60,7 @@ struct Run {
     bool alarm_failed = false;
     bool stdout_lost = false;
     bool file_lost = false;
+    bool row_missing = false;
 };
 
 void print_row(Run& run, const QStringList& row) {
@@ -75,6 +76,12 @@ void tell_log(Run& run, const QString& reason) {
     if (!run.file_lost)
         complain(QStringLiteral("the log %1 is not complete: %2").arg(run.options.log, reason));
     run.file_lost = true;
+}
+
+/// Each time, with the frequency: the row may come yet.
+void tell_doubt(const Run& run, const QString& command) {
+    complain(QStringLiteral("no row at %1 MHz: the answer to %2 came late or was spoilt")
+                 .arg(run.screen.rules.panel.fsat, command));
 }
 
 void set_alarm(RealtimePanel& panel, const AlarmOption& alarm) {
@@ -103,6 +110,15 @@ void set_up(Run& run) {
     for (const AlarmOption& alarm : run.options.alarms) set_alarm(rules.panel, alarm);
 }
 
+/// One measurement, taken again where an answer was doubtful. False when its row is missing.
+bool take_row(Run& run) {
+    for (int tried = 0; tried < PlanRun::kMostTries; ++tried) {
+        run.screen.barracomandi_ButtonClick(QStringLiteral("single_acq"));
+        if (run.screen.rules.cycle.doubt().isEmpty()) return true;
+    }
+    return false;
+}
+
 void measure_rows(Run& run) {
     RealtimeRules& rules = run.screen.rules;
     run.screen.barracomandi_ButtonClick(run.options.digital ? QStringLiteral("qpsk")
@@ -116,7 +132,7 @@ void measure_rows(Run& run) {
     rules.tick_measures(rules.state.meas_mode);
     for (int taken = 0; taken < run.options.count; ++taken) {
         if (!run.program.link().port_connected || run.stdout_lost) return;
-        run.screen.barracomandi_ButtonClick(QStringLiteral("single_acq"));
+        run.row_missing = !take_row(run) || run.row_missing;
     }
 }
 
@@ -161,6 +177,7 @@ void measure_plan(Run& run) {
     plan_run.on_progress = [](const QString& text) { g_progress_line.show(text); };
     plan_run.on_remark = complain;
     plan_run.run();
+    run.row_missing = plan_run.missing() > 0;
     g_progress_line.clear();
 }
 
@@ -180,7 +197,7 @@ int status_of(const Run& run) {
         complain(QStringLiteral("the link to the meter was lost"));
         return kNoLink;
     }
-    if (run.stdout_lost || run.file_lost) return kOutputLost;
+    if (run.stdout_lost || run.file_lost || run.row_missing) return kOutputLost;
     return run.alarm_failed ? kAlarmFailed : kGood;
 }
 
@@ -200,6 +217,7 @@ int run_unattended(Program& program, const Options& options) {
     program.state().costs.on_cost = [&program](const Bilingual& text) {
         complain(program.state().texts.pick(text));
     };
+    screen->rules.cycle.on_doubt = [&run](const QString& command) { tell_doubt(run, command); };
     try {
         if (!options.plan.isEmpty() && !plan_is_there(run)) return kDatabase;
         program.identify(options.on_port);

@@ -21,6 +21,8 @@ class PlanTest : public QObject {
     void a_signal_ends_after_the_running_measurement();
     void a_lost_link_ends_the_run();
     void the_run_goes_on_when_the_meter_is_back();
+    void a_late_answer_shifts_no_row_data();
+    void a_late_answer_shifts_no_row();
     void progress_on_a_terminal();
 };
 
@@ -163,6 +165,39 @@ void PlanTest::the_run_goes_on_when_the_meter_is_back() {
     for (qsizetype k = 0; k < rows.size(); ++k)
         QCOMPARE(rows[k], k % 2 == 0 ? QString("1100.0") : QString("1300.0"));
     QCOMPARE(stand.content("r.log"), as_log(ending.out));
+}
+
+void PlanTest::a_late_answer_shifts_no_row_data() {
+    QTest::addColumn<QStringList>("faults");
+    QTest::addColumn<int>("late");
+    QTest::newRow("once") << QStringList{"--fault", "late:1", "--fault-on", wire::kLevel} << 1;
+    QTest::newRow("every level") << QStringList{"--fault", "late", "--fault-on", wire::kLevel} << 4;
+    QTest::newRow("the tuning") << QStringList{"--fault", "late:1", "--fault-on", "FREQ 1300"} << 1;
+}
+
+/// Each is asked again after two seconds, and answered twice.
+void PlanTest::a_late_answer_shifts_no_row() {
+    QFETCH(QStringList, faults);
+    QFETCH(int, late);
+    TestStand stand(faults + QStringList{"--late", "2.3"});
+    make_plan(stand);
+    const Ending ending = stand.measure({"--plan", "ROOF", "--passes", "2"});
+    QCOMPARE(ending.status, 0);
+    QCOMPARE(ending.err, QByteArray());
+    const QStringList programs{"1100.0", "1300.0", "1100.0", "1300.0"};
+    QCOMPARE(frequencies(ending.out), programs);
+    QCOMPARE(stand.meter.commands().count(wire::kWakeUp), late);
+
+    QMap<QString, QStringList> levels;
+    QString tuned;
+    for (const TraceEntry& entry : stand.meter.trace()) {
+        const QString text = QString::fromLatin1(entry.bytes);
+        if (entry.received && text.startsWith("FREQ ")) tuned = text.mid(5).trimmed();
+        const QStringList lines = text.split(u'\r');
+        if (!entry.received && lines[0] == wire::kLevel) levels[tuned] += lines.value(1).trimmed();
+    }
+    for (const QStringList& row : rows_of(ending.out))
+        QVERIFY2(levels[row[2]].contains(row[4]), qPrintable(row.join(u'|')));
 }
 
 void PlanTest::progress_on_a_terminal() {

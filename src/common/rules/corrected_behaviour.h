@@ -21,7 +21,7 @@ struct CorrectedBehaviour {
     bool plan_width = false;   ///< recalling a program sets its channel bandwidth too
     bool empty_alarm = false;  ///< an alarm without limits is told and checks nothing
     bool keep_copy = false;    ///< what an upload or a deletion erases is asked for and filed first
-    bool ask_twice = false;    ///< a value that surprises is measured again
+    bool ask_twice = false;    ///< a value that surprises is asked for again
 };
 
 /// One entry of the menu: the object name of its action and what it switches.
@@ -30,7 +30,7 @@ struct CorrectedEntry {
     bool CorrectedBehaviour::*member;
 };
 
-inline constexpr std::array<CorrectedEntry, 12> kCorrectedEntries{{
+inline constexpr std::array<CorrectedEntry, 13> kCorrectedEntries{{
     {"cmdcomplete", &CorrectedBehaviour::complete},
     {"cmdfulltune", &CorrectedBehaviour::full_tune},
     {"cmdverify", &CorrectedBehaviour::verify},
@@ -43,6 +43,7 @@ inline constexpr std::array<CorrectedEntry, 12> kCorrectedEntries{{
     {"cmdnonediseqc", &CorrectedBehaviour::none_diseqc},
     {"cmdplanwidth", &CorrectedBehaviour::plan_width},
     {"cmdemptyalarm", &CorrectedBehaviour::empty_alarm},
+    {"cmdasktwice", &CorrectedBehaviour::ask_twice},
 }};
 
 /// Chooses every entry of the menu, or none.

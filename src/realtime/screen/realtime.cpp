@@ -53,6 +53,7 @@ Realtime::Realtime(Link& link, ProgramState& program, Database& database, QWidge
     tie_corrected(this, program_.corrected);
     binding_ = std::make_unique<PanelBinding>(this, rules.panel, program_.corrected);
     rules.cycle.on_log_written = [this](const QString& reason) { show_log_state(reason); };
+    rules.cycle.on_doubt = [this](const QString& command) { Q_EMIT no_row(command); };
     ui_->cmdmenu->setToolTipsVisible(true);
     ui_->cmdrecent->setToolTipsVisible(true);
     // Its menu would hide the toolbar, and nothing would bring it back.

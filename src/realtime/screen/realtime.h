@@ -51,6 +51,8 @@ class Realtime : public QMainWindow {
     void cut_short(const QString& reason);
     /// A pass goes on without having measured one of its programs, `reason` says why.
     void left_out(const QString& reason);
+    /// A measurement has no row, as the meter's answer to `command` was doubtful.
+    void no_row(const QString& command);
 
   private:
     template <class Body>
