@@ -246,6 +246,21 @@ class ImportTest : public QObject {
         QVERIFY(report.contains("programmi.pg_num"));
     }
 
+    void a_satellite_that_differs_in_letter_case_is_another_one() {
+        QTemporaryDir folder;
+        const auto database = made_in(folder.path());
+        const QString path = database_in(folder.path());
+        run_sql(path, {"INSERT INTO asl (nome, dati) VALUES ('Astra', 'first'), ('astra', 'small'),"
+                       " ('ASTRA', 'third')"});
+        ImportPlan plan = import_plan_of(one_plan());
+        mark_clashes(plan, *database);
+        QVERIFY(plan.satellites[0].clashes);
+        plan.satellites[0].choice = ClashChoice::replace;
+        QCOMPARE(apply_import(plan, *database), QString());
+        QCOMPARE(run_sql(path, {"SELECT nome || ' ' || substr(dati, 1, 5) FROM asl ORDER BY id"}),
+                 QStringList({"Astra first", "astra small", "ASTRA S1\rS9"}));
+    }
+
     void everything_arrives_in_the_database() {
         QTemporaryDir folder;
         const auto database = made_in(folder.path());

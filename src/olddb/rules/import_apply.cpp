@@ -74,7 +74,9 @@ void write_plan(const ImportedPlan& plan, const QString& name, bool replaces, Da
 
 void write_satellite(const ImportedSatellite& satellite, const QString& name, bool replaces,
                      Database& database) {
-    Recordset set = database.of_plan(QLatin1String(table::kAsl), name);
+    // A satellite, other than a plan, is another one in other letters.
+    Recordset set =
+        Recordset::where(database.connection(), QLatin1String(table::kAsl), kPlanKey, name);
     const ImportedRow fields{{QStringLiteral("dati"), satellite.data}};
     if (!replaces) {
         add(set, name, fields);

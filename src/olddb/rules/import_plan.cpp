@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "cut_text.h"
 #include "import_values.h"
 #include "schema.h"
 #include "tables.h"
@@ -54,14 +55,6 @@ constexpr Bilingual kEmptySatellite{"An entry '%1' is no satellite and was left 
                                     "Una voce '%1' non è un satellite e non è importata."};
 constexpr Bilingual kOddData{"The data of satellite '%1' do not end as they should.",
                              "I dati del satellite '%1' non terminano come dovrebbero."};
-
-/// The first `length` characters, but no half of one.
-QString cut_to(const QString& text, qsizetype length) {
-    QString start = text.left(length);
-    if (start.size() < text.size() && !start.isEmpty() && start.back().isHighSurrogate())
-        start.chop(1);
-    return start;
-}
 
 /// A row of an old table by the names of our fields.
 class OldRow {
