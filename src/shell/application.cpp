@@ -3,7 +3,6 @@
 
 #include <QApplication>
 #include <QDir>
-#include <QMessageBox>
 #include <QTimer>
 #include <cstdio>
 
@@ -14,6 +13,7 @@
 #include "handler.h"
 #include "icons.h"
 #include "import_command.h"
+#include "message_box.h"
 #include "old_reader.h"
 #include "program.h"
 #include "unattended.h"
@@ -76,7 +76,8 @@ bool platform_chosen(int argc, char** argv) {
 /// One clear message: on stderr always, in a box when somebody looks.
 void tell(const QString& text, const Options& options) {
     print(stderr, QStringLiteral("m47-remote: ") + text);
-    if (!options.unattended()) QMessageBox::critical(nullptr, QStringLiteral("M47"), text);
+    if (!options.unattended())
+        show_message_box(nullptr, QMessageBox::Critical, QStringLiteral("M47"), text);
 }
 
 std::unique_ptr<Database> open_database(const ProgramState& state, const Options& options) {

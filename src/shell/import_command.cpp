@@ -2,7 +2,6 @@
 #include "import_command.h"
 
 #include <QFileDialog>
-#include <QMessageBox>
 #include <algorithm>
 #include <cstdio>
 
@@ -10,6 +9,7 @@
 #include "file_question.h"
 #include "import_apply.h"
 #include "import_report.h"
+#include "message_box.h"
 #include "old_reader.h"
 #include "report_dialog.h"
 #include "unattended.h"
@@ -60,8 +60,8 @@ void ImportCommand::import_file(const QString& path) {
     OldFileError error;
     const auto old = read_old_database(path, error, pump_);
     if (!old) {
-        QMessageBox::critical(&window_, texts_.pick(kImportTitle),
-                              old_file_error_text(error, texts_));
+        show_message_box(&window_, QMessageBox::Critical, texts_.pick(kImportTitle),
+                         old_file_error_text(error, texts_));
         return;
     }
     ImportPlan plan = import_plan_of(*old);

@@ -40,6 +40,7 @@ M47MDI::M47MDI(ProgramState& program, QWidget* parent)
     ui_->setupUi(this);
     caption_ = windowTitle();
     progress_->setObjectName(QStringLiteral("plan_progress"));
+    progress_->setTextFormat(Qt::PlainText);
     ui_->status_line->addWidget(progress_);
     notice_->setObjectName(QStringLiteral("corrected_notice"));
     ui_->status_line->addWidget(notice_, 1);
@@ -72,8 +73,6 @@ M47MDI::M47MDI(ProgramState& program, QWidget* parent)
     tell_costs();
     ui_->cmdinglese->setChecked(true);
     cmditaliano_Click();
-    set_tooltips(this, kMenuTips, program_.texts);
-    for (QAction* entry : {ui_->cmdimportdb, ui_->cmdmanual}) entry->setStatusTip(entry->toolTip());
 }
 
 M47MDI::~M47MDI() {
@@ -206,8 +205,11 @@ void M47MDI::cmditaliano_Click() {
 }
 
 void M47MDI::show_texts() {
+    // This window is never loaded again, so what it says changes with the language.
     status_->show_reason();
     corrected_->show_texts();
+    set_tooltips(this, kMenuTips, program_.texts);
+    for (QAction* entry : {ui_->cmdimportdb, ui_->cmdmanual}) entry->setStatusTip(entry->toolTip());
 }
 
 void M47MDI::tell_costs() {
@@ -232,7 +234,7 @@ void M47MDI::show_progress(const QString& text) {
 
 void M47MDI::show_upload(const QString& text, const QString& tooltip) {
     progress_->setText(text);
-    progress_->setToolTip(tooltip);
+    progress_->setToolTip(plain_tooltip(tooltip));
 }
 
 void M47MDI::allow_reconnect() {

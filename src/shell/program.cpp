@@ -6,7 +6,6 @@
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QMdiSubWindow>
-#include <QMessageBox>
 #include <QScreen>
 #include <QUrl>
 #include <chrono>
@@ -16,6 +15,7 @@
 #include "download.h"
 #include "handler.h"
 #include "manual_page.h"
+#include "message_box.h"
 #include "port_diagnosis.h"
 #include "port_setting.h"
 #include "program_set.h"
@@ -39,6 +39,7 @@ constexpr Bilingual kDoubtful{
     "Ciò che lo strumento ha risposto a %1 è arrivato tardi o guasto. Misurare di nuovo; se si "
     "ripete, controllare il cavo."};
 
+constexpr Bilingual kCutShort{"Pass cut short", "Giro interrotto"};
 constexpr Bilingual kManualTitle{"Manual", "Manuale"};
 constexpr Bilingual kNoReader{"No program of this computer opens %1.",
                               "Nessun programma di questo computer apre %1."};
@@ -128,9 +129,9 @@ void Program::open_manual(const QStringList& folders) {
     const QString page =
         find_manual_page(folders, manual_page_name(window_.front_key()), state_.texts);
     if (!page.isEmpty() && QDesktopServices::openUrl(QUrl::fromLocalFile(page))) return;
-    QMessageBox::warning(&window_, state_.texts.pick(kManualTitle),
-                         page.isEmpty() ? manual_missing_text(folders, state_.texts)
-                                        : state_.texts.pick(kNoReader).arg(page));
+    show_message_box(&window_, QMessageBox::Warning, state_.texts.pick(kManualTitle),
+                     page.isEmpty() ? manual_missing_text(folders, state_.texts)
+                                    : state_.texts.pick(kNoReader).arg(page));
 }
 
 Realtime* Program::make_realtime(QWidget* parent) {
@@ -148,7 +149,7 @@ void Program::add_screens() {
         QObject::connect(screen, &Realtime::progress, &window_, &M47MDI::show_progress);
         // No box: nobody may be there, and the next pass is not to wait for one.
         QObject::connect(screen, &Realtime::cut_short, &window_, [this](const QString& reason) {
-            window_.show_upload(QStringLiteral("Pass cut short"), reason);
+            window_.show_upload(state_.texts.pick(kCutShort), reason);
         });
         QObject::connect(screen, &Realtime::left_out, &window_, &M47MDI::show_notice);
         QObject::connect(screen, &Realtime::no_row, &window_, [this](const QString& command) {

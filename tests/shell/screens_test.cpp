@@ -65,6 +65,24 @@ class ScreensTest : public QObject, protected ProgramInFolder {
         QVERIFY(!find<QWidget>("pbar1")->isVisible());
     }
 
+    void the_entries_of_the_main_window_follow_the_language() {
+        const auto tips = [this] {
+            QStringList all;
+            for (const char* name : {"cmdimportdb", "cmdmanual"})
+                all << find<QAction>(name)->toolTip() << find<QAction>(name)->statusTip();
+            return all;
+        };
+        const QStringList italian = tips();
+        QVERIFY(italian[0].startsWith(QStringLiteral("Importa")));
+        find<QAction>("cmdinglese")->trigger();
+        QCOMPARE(tips(), QStringList({"Bring plans and satellites from an old database",
+                                      "Bring plans and satellites from an old database",
+                                      "Open the manual at the page of this screen",
+                                      "Open the manual at the page of this screen"}));
+        find<QAction>("cmditaliano")->trigger();
+        QCOMPARE(tips(), italian);
+    }
+
     void it_starts_in_italian_and_the_menu_changes_only_what_comes_after() {
         QCOMPARE(program_state().texts.language, int(kItalian));
         QVERIFY(find<QAction>("cmditaliano")->isChecked());

@@ -3,28 +3,17 @@
 
 #include <QFileDialog>
 #include <QInputDialog>
-#include <QMessageBox>
 
 #include "file_question.h"
+#include "message_box.h"
 #include "restore_preview.h"
 #include "slot_backup.h"
 
 namespace m47 {
-namespace {
-
-/// A satellite's name is text, whatever it looks like.
-int show_box(QWidget* screen, QMessageBox::Icon icon, const QString& title, const QString& text,
-             QMessageBox::StandardButtons buttons) {
-    QMessageBox box(icon, title, text, buttons, screen);
-    box.setTextFormat(Qt::PlainText);
-    return box.exec();
-}
-
-}  // namespace
 
 bool AslBoxes::confirm(const QString& title, const QString& text) {
-    return show_box(screen_, QMessageBox::NoIcon, title, text,
-                    QMessageBox::Ok | QMessageBox::Cancel) == QMessageBox::Ok;
+    return show_message_box(screen_, QMessageBox::NoIcon, title, text,
+                            QMessageBox::Ok | QMessageBox::Cancel) == QMessageBox::Ok;
 }
 
 QString AslBoxes::input(const QString& title, const QString& text, const QString& proposal) {
@@ -32,11 +21,11 @@ QString AslBoxes::input(const QString& title, const QString& text, const QString
 }
 
 void AslBoxes::warn(const QString& title, const QString& text) {
-    show_box(screen_, QMessageBox::Warning, title, text, QMessageBox::Ok);
+    show_message_box(screen_, QMessageBox::Warning, title, text);
 }
 
 void AslBoxes::inform(const QString& title, const QString& text) {
-    show_box(screen_, QMessageBox::Information, title, text, QMessageBox::Ok);
+    show_message_box(screen_, QMessageBox::Information, title, text);
 }
 
 QString AslBoxes::file_to_save() {

@@ -3,10 +3,10 @@
 
 #include <QApplication>
 #include <QLoggingCategory>
-#include <QMessageBox>
 #include <new>
 
 #include "fault.h"
+#include "message_box.h"
 
 namespace m47 {
 namespace {
@@ -21,10 +21,7 @@ constexpr Bilingual kUnexpected{"This could not be done because of an unexpected
                                 "Operazione non riuscita per un errore imprevisto: %1"};
 
 void show_box(QWidget* screen, const QString& what) {
-    QMessageBox box(QMessageBox::Critical, QStringLiteral("M47"), what, QMessageBox::Ok, screen);
-    // Names of files and plans stand in it.
-    box.setTextFormat(Qt::PlainText);
-    box.exec();
+    show_message_box(screen, QMessageBox::Critical, QStringLiteral("M47"), what);
 }
 
 FaultReporter& reporter() {

@@ -2,11 +2,18 @@
 #include "tooltips.h"
 
 #include <QAction>
+#include <QTextDocument>
 #include <QWidget>
 
 #include "fault.h"
 
 namespace m47 {
+
+QString plain_tooltip(const QString& text) {
+    if (!Qt::mightBeRichText(text)) return text;
+    const QString lines = text.toHtmlEscaped().replace(u'\n', QStringLiteral("<br>"));
+    return QStringLiteral("<qt>%1</qt>").arg(lines);
+}
 
 void set_tooltip(QObject* control, const QString& text) {
     if (auto* action = qobject_cast<QAction*>(control)) action->setToolTip(text);

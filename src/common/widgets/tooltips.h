@@ -20,6 +20,9 @@ struct Tooltip {
 /// entry without its control is a Fault.
 void set_tooltips(QObject* screen, std::span<const Tooltip> table, const Texts& texts);
 
+/// `text` as a tooltip that shows it as it stands, even where it looks like mark-up.
+QString plain_tooltip(const QString& text);
+
 /// Sets one tooltip of a widget or an action.
 void set_tooltip(QObject* control, const QString& text);
 

@@ -10,6 +10,7 @@
 #include "file_question.h"
 #include "handler.h"
 #include "icons.h"
+#include "message_box.h"
 #include "text_printer.h"
 #include "ui_download.h"
 
@@ -152,9 +153,7 @@ void Download::fill_table() {
 }
 
 void Download::show_message(QMessageBox::Icon icon, const QString& title, int number) {
-    QMessageBox box(icon, title, program_.texts.message(number), QMessageBox::Ok, this);
-    box.setTextFormat(Qt::PlainText);
-    box.exec();
+    show_message_box(this, icon, title, program_.texts.message(number));
 }
 
 QString Download::ask_file(const std::function<void(QFileDialog&)>& set_up) {

@@ -8,6 +8,8 @@
 #include <QTableWidget>
 #include <QVBoxLayout>
 
+#include "tooltips.h"
+
 namespace m47 {
 namespace {
 
@@ -56,7 +58,7 @@ QTableWidget* table_of_import(const ImportPreview& preview, const Texts& texts) 
         int column = 0;
         for (const QString& text : cells_of(row, texts)) {
             auto* item = new QTableWidgetItem(text);
-            item->setToolTip(text);
+            item->setToolTip(plain_tooltip(text));
             table->setItem(number, column++, item);
         }
         ++number;

@@ -2,10 +2,10 @@
 #include "plan_questions.h"
 
 #include <QInputDialog>
-#include <QMessageBox>
 
 #include "engine.h"
 #include "handler.h"
+#include "message_box.h"
 #include "plan_sets.h"
 
 namespace m47 {
@@ -18,13 +18,15 @@ const QString kErrorTitle = QStringLiteral("Error");
 }  // namespace
 
 bool ask_remove(QWidget* screen, const Texts& texts, const QString& what) {
-    return QMessageBox::question(screen, kRemoveTitle, texts.message(kRemoveProgram) + what,
-                                 QMessageBox::Ok | QMessageBox::Cancel) == QMessageBox::Ok;
+    return show_message_box(screen, QMessageBox::Question, kRemoveTitle,
+                            texts.message(kRemoveProgram) + what,
+                            QMessageBox::Ok | QMessageBox::Cancel) == QMessageBox::Ok;
 }
 
 bool ask_continue(QWidget* screen, const Texts& texts, const QString& prompt) {
-    return QMessageBox::question(screen, kQuestionTitle,
-                                 prompt + u'\r' + texts.message(kContinue)) == QMessageBox::Yes;
+    return show_message_box(screen, QMessageBox::Question, kQuestionTitle,
+                            prompt + u'\r' + texts.message(kContinue),
+                            QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
 }
 
 QString ask_plan_name(QWidget* screen, const QString& prompt, const QString& preset) {
@@ -34,11 +36,11 @@ QString ask_plan_name(QWidget* screen, const QString& prompt, const QString& pre
 
 void tell_clash(QWidget* screen, const Texts& texts, Clash clash) {
     const int number = clash == Clash::number ? kProgramExists : kLoggerPositionExists;
-    QMessageBox::warning(screen, kErrorTitle, texts.message(number));
+    tell_problem(screen, texts.message(number));
 }
 
 void tell_problem(QWidget* screen, const QString& text) {
-    QMessageBox::warning(screen, kErrorTitle, text);
+    show_message_box(screen, QMessageBox::Warning, kErrorTitle, text);
 }
 
 void tell_database_fault(QWidget* screen, const ProgramState& program, const EngineFault& fault) {

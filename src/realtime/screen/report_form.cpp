@@ -4,12 +4,12 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QMessageBox>
 #include <QPushButton>
 
 #include "file_question.h"
 #include "handler.h"
 #include "key_filter.h"
+#include "message_box.h"
 #include "tooltips.h"
 #include "ui_report_form.h"
 
@@ -108,8 +108,9 @@ void ReportForm::browse() {
 
 void ReportForm::confirm() {
     if (path() != confirmed_ && QFileInfo::exists(path())) {
-        const auto answer =
-            QMessageBox::question(this, windowTitle(), program_.texts.pick(kReplace).arg(path()));
+        const auto answer = show_message_box(this, QMessageBox::Question, windowTitle(),
+                                             program_.texts.pick(kReplace).arg(path()),
+                                             QMessageBox::Yes | QMessageBox::No);
         if (answer != QMessageBox::Yes) return;
     }
     program_.preferences.file_chosen(path());

@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QMessageBox>
+
+namespace m47 {
+
+/// Shows a message box over `parent`, waits for its end and returns the button pressed. The text
+/// stands there as it is: a name that looks like mark-up is still a name.
+QMessageBox::StandardButton show_message_box(
+    QWidget* parent, QMessageBox::Icon icon, const QString& title, const QString& text,
+    QMessageBox::StandardButtons buttons = QMessageBox::Ok);
+
+}  // namespace m47
