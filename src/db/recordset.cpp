@@ -30,6 +30,8 @@ QVariant stored_form(const QVariant& value) {
 
 }  // namespace
 
+RecordGone::RecordGone() : Fault(kDeleted) {}
+
 Recordset Recordset::table(const QSqlDatabase& database, const QString& table) {
     return Recordset(database, table_named(table), QString(), {});
 }
@@ -197,7 +199,7 @@ void Recordset::add_new() {
 
 void Recordset::edit() {
     std::optional<Row> row = read(current_id());
-    if (!row) throw Fault(kDeleted);
+    if (!row) throw RecordGone();
     current_ = std::move(row);
     changed_.clear();
     pending_ = Pending::edited;
@@ -239,7 +241,7 @@ void Recordset::write_changed() {
                       QStringLiteral("UPDATE %1 SET %2 WHERE rowid = ?")
                           .arg(QLatin1String(table_->name), places.join(kComma)),
                       changed_.values() << current_id());
-    if (query.rows_changed() == 0) throw Fault(kDeleted);
+    if (query.rows_changed() == 0) throw RecordGone();
     for (auto change = changed_.cbegin(); change != changed_.cend(); ++change)
         (*current_)[field_place(*table_, change.key())] = change.value();
 }
@@ -262,7 +264,7 @@ void Recordset::remove() {
         database(),
         QStringLiteral("DELETE FROM %1 WHERE rowid = ?").arg(QLatin1String(table_->name)),
         {current_id()});
-    if (query.rows_changed() == 0) throw Fault(kDeleted);
+    if (query.rows_changed() == 0) throw RecordGone();
     rows_.erase(rows_.begin() + position_);
     settle(position_, std::nullopt);
     removed_ = true;
@@ -276,7 +278,7 @@ void Recordset::go_to(Bookmark bookmark) {
     const auto place = std::ranges::lower_bound(rows_, bookmark);
     if (place == rows_.end() || *place != bookmark) throw Fault("not a record of this set");
     std::optional<Row> row = read(bookmark);
-    if (!row) throw Fault(kDeleted);
+    if (!row) throw RecordGone();
     settle(place - rows_.begin(), std::move(row));
 }
 

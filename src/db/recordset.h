@@ -8,12 +8,19 @@
 #include <optional>
 #include <vector>
 
+#include "fault.h"
 #include "schema.h"
 
 namespace m47 {
 
 /// A row of a record set, to come back to it. It holds for every set on the same table.
 using Bookmark = qint64;
+
+/// The current row of a set is no longer in the file: another program has deleted it.
+class RecordGone : public Fault {
+  public:
+    RecordGone();
+};
 
 /// An updatable record set over one table: it knows which rows belong to it and reads a row anew
 /// at each move. Before the first and behind the last row there is no current row; reading, editing

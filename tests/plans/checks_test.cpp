@@ -311,6 +311,28 @@ class ChecksTest : public QObject {
         QCOMPARE(record.satchbw, QStringLiteral("40"));
     }
 
+    void what_is_stored_is_what_is_shown() {
+        ProgramRecord record;
+        record.loc_osc = true;
+        record.frequenza = QStringLiteral("1500,55");
+        record.satchbw = QStringLiteral("7,6 MHz");
+        record.qpsk_symbolrate = QStringLiteral(" 27500 kS/s");
+        record.lev_min = QStringLiteral("45,5");
+        record.mer_min = QStringLiteral("1e1 dB");
+        QString oscillator = QStringLiteral("9750,5 MHz");
+        correct_fields(record, oscillator, 0);
+        QCOMPARE(oscillator, QStringLiteral("9750.5"));
+        QCOMPARE(record.frequenza, QStringLiteral("1500.6"));
+        QCOMPARE(record.satchbw, QStringLiteral("08"));
+        QCOMPARE(record.qpsk_symbolrate, QStringLiteral("27500"));
+        QCOMPARE(record.lev_min, QStringLiteral("45.5"));
+        QCOMPARE(record.mer_min, QStringLiteral("10"));
+        // Again it changes nothing.
+        const ProgramRecord once = record;
+        correct_fields(record, oscillator, 0);
+        QCOMPARE(record, once);
+    }
+
     void the_next_position_follows_the_largest() {
         QCOMPARE(next_logger_position({}), QStringLiteral("01"));
         QCOMPARE(next_logger_position({numbered("1"), numbered("2", "07"), numbered("3", "03")}),
@@ -370,6 +392,11 @@ class ChecksTest : public QObject {
                  QStringList({"01|05 00|05 01|bad", "02|06 00|06 00|good", "03|07 01|07 01|good"}));
         QCOMPARE(rows_of(kReplace, "", "04 08 01"),
                  QStringList({"03|07 01||bad", "04||08 01|bad"}));
+        // What is not active is as good as not there.
+        QCOMPARE(rows_of(kReplace, "", "03 07 00\r04 08 00"),
+                 QStringList({"03|07 01|07 00|bad", "04||08 00|good"}));
+        QCOMPARE(rows_of(kDisable, "01 05 01\r02 06 01", "02 09 00\r03 07 01"),
+                 QStringList({"01|05 00||good", "02|06 00|09 00|good", "03|07 01|07 01|good"}));
     }
 
   private:

@@ -19,6 +19,7 @@
 #include <QRadioButton>
 #include <QRegularExpression>
 #include <QSet>
+#include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTableWidget>
 #include <QTest>
@@ -44,6 +45,8 @@ class PlanScreenTest : public QObject, protected ProgramInFolder {
   private:
     std::unique_ptr<MeterProcess> meter_;
     std::unique_ptr<MeterInProcess> quick_meter_;
+    /// The line to it.
+    FakePort* line_ = nullptr;
     ProgramSet* screen_ = nullptr;
     int beeps_ = 0;
     /// Every box that was answered: its title and its text.
@@ -85,6 +88,7 @@ class PlanScreenTest : public QObject, protected ProgramInFolder {
         new_folder(folder_template());
         auto clock = std::make_unique<VirtualClock>();
         auto line = std::make_unique<FakePort>(*clock);
+        line_ = line.get();
         quick_meter_ = std::make_unique<MeterInProcess>(*line, 1);
         PortList ports;
         QVERIFY(ports.add(QStringLiteral("1=/dev/no-such-meter")));
@@ -93,6 +97,12 @@ class PlanScreenTest : public QObject, protected ProgramInFolder {
         program().identify(1);
         QVERIFY(program().link().port_connected);
         open_screen();
+    }
+    /// What answers takes every command, even one that no meter could carry out.
+    void start_on_patient_line() {
+        start_on_virtual_line();
+        line_->answer = [](const QByteArray& command) { return FakePort::good(command); };
+        line_->take_commands();
     }
     void start_with_meter(const QStringList& options = {}) {
         new_folder(folder_template());
@@ -161,6 +171,34 @@ class PlanScreenTest : public QObject, protected ProgramInFolder {
     void change_file(const QString& statement) {
         QSqlQuery query(program().database().connection());
         QVERIFY2(query.exec(statement), qPrintable(statement));
+    }
+    /// As another program that has the file open.
+    void elsewhere(const QString& statement) {
+        {
+            QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", "other");
+            other.setDatabaseName(in_folder(kDatabaseFile));
+            QVERIFY(other.open());
+            QSqlQuery query(other);
+            QVERIFY2(query.exec(statement), qPrintable(statement));
+        }
+        QSqlDatabase::removeDatabase("other");
+    }
+    /// Two programs, 001 at 1001 MHz and 002 at 1002 MHz, the second one shown.
+    void type_two_programs() {
+        click("ol_opt_0");
+        type("sat_freq_txt", QStringLiteral("1001"));
+        type("prog_num", QStringLiteral("1"));
+        press("store");
+        type("sat_freq_txt", QStringLiteral("1002"));
+        enter("prog_num", QStringLiteral("2"));
+    }
+    /// Two programs through an oscillator of 9750 MHz, the second one shown.
+    void type_two_programs_of_an_oscillator() {
+        type_oscillator(QStringLiteral("9750"));
+        type("sat_freq_txt", QStringLiteral("11000"));
+        type("prog_num", QStringLiteral("1"));
+        press("store");
+        enter("prog_num", QStringLiteral("2"));
     }
     QLabel* progress() { return window().findChild<QLabel*>(QStringLiteral("plan_progress")); }
     void note(QWidget* front) {
@@ -388,10 +426,17 @@ class PlanScreenTest : public QObject, protected ProgramInFolder {
         QFETCH(int, language);
         start_alone(language);
         for (const Tooltip& tooltip : plan_tooltips()) {
-            const char* text = language == kItalian ? tooltip.italian : tooltip.english;
+            const bool italian = language == kItalian && tooltip.italian;
+            const char* text = italian ? tooltip.italian : tooltip.english;
             QCOMPARE(find<QObject>(tooltip.control)->property("toolTip").toString(),
                      QString::fromUtf8(text));
         }
+    }
+
+    void a_control_without_an_italian_tooltip_keeps_the_english_one() {
+        start_alone(kItalian);
+        QCOMPARE(find<QWidget>("sat_opt")->toolTip(), QStringLiteral("Satellite options"));
+        QCOMPARE(find<QWidget>("dig_opt")->toolTip(), QStringLiteral("Opzioni acquisizione QPSK"));
     }
 
     void an_empty_program_is_shown_empty_and_nothing_is_changed() {
@@ -899,8 +944,10 @@ class PlanScreenTest : public QObject, protected ProgramInFolder {
                                 row += table->item(1, k)->text();
                             qobject_cast<QDialog*>(front)->accept();
                         }});
-        QCOMPARE(summary, QStringLiteral("1 lines of the logger table are not as planned."));
-        QCOMPARE(row, QStringList({"05", "", "10 01", QString::fromUtf8("✗")}));
+        QCOMPARE(summary,
+                 QStringLiteral("1 lines of the logger table are not as planned.\nActive lines "
+                                "planned: 1. Lines read from the meter: 2, active: 2."));
+        QCOMPARE(row, QStringList({"05", "none", "program 10, active", QString::fromUtf8("✗")}));
         QCOMPARE(progress()->text(), QStringLiteral("14 of 14 commands answered OK"));
     }
 
@@ -1202,7 +1249,8 @@ class PlanScreenTest : public QObject, protected ProgramInFolder {
                 wait->start(20);
                 pressing(QMessageBox::Yes)(front);
             });
-            QCOMPARE(verified, QStringLiteral("The logger table is as planned."));
+            QVERIFY2(verified.startsWith(QStringLiteral("The logger table is as planned.\n")),
+                     qPrintable(verified));
             QCOMPARE(text_of("prog_num"), QStringLiteral("010"));
             press("next_prog");
             press("next_prog");
@@ -1238,6 +1286,469 @@ class PlanScreenTest : public QObject, protected ProgramInFolder {
                                      three_programs_ + QStringList{"DATAPROGRAM?"});
         QCOMPARE(meter_keeps(QStringLiteral("program")), three_kept_);
         QCOMPARE(meter_keeps(QStringLiteral("logger-line")), QStringList({"01 11 01", "02 12 01"}));
+    }
+
+    void after_a_failed_store_the_next_one_overwrites_no_other_program() {
+        start_alone();
+        type_two_programs();
+        // The second time round as well.
+        for (int round = 0; round < 2; ++round) {
+            elsewhere(QStringLiteral("DELETE FROM programmi WHERE pg_num = '002'"));
+            type("sat_freq_txt", QStringLiteral("1500"));
+            told_.clear();
+            answering(pressed("store"), pressing(QMessageBox::Ok));
+            QCOMPARE(told_,
+                     QStringList{"Error|Another program has deleted what was shown here. Nothing "
+                                 "was stored; the screen shows what is there now."});
+            QCOMPARE(text_of("prog_num"), QStringLiteral("001"));
+            QCOMPARE(text_of("sat_freq_txt"), QStringLiteral("1001.0"));
+            press("store");
+            QCOMPARE(stored(QStringLiteral("pg_num || ' ' || frequenza")),
+                     QStringLiteral("001 1001.0"));
+            enter("prog_num", QStringLiteral("2"));
+        }
+    }
+
+    void a_program_deleted_elsewhere_is_not_deleted_twice() {
+        start_alone();
+        type_two_programs();
+        enter("prog_num", QStringLiteral("3"));
+        elsewhere(QStringLiteral("DELETE FROM programmi WHERE pg_num = '003'"));
+        answering_each(pressed("programma_delete"),
+                       {pressing(QMessageBox::Ok), pressing(QMessageBox::Ok)});
+        QVERIFY2(told_.constLast().startsWith(QStringLiteral("Error|Another program")),
+                 qPrintable(told_.constLast()));
+        QCOMPARE(text_of("prog_num"), QStringLiteral("001"));
+        // The last one that is there cannot be deleted, however many there were.
+        elsewhere(QStringLiteral("DELETE FROM programmi WHERE pg_num = '001'"));
+        press("programma_delete");
+        QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("002"));
+        QCOMPARE(text_of("prog_num"), QStringLiteral("002"));
+    }
+
+    void a_plan_deleted_elsewhere_is_named_and_another_one_shown() {
+        start_alone();
+        new_plan(QStringLiteral("B"));
+        for (const char* table : {"gruppo", "programmi", "configurazione"})
+            elsewhere(QStringLiteral("DELETE FROM %1 WHERE nome = 'B'").arg(QLatin1String(table)));
+        type("prog_num", QStringLiteral("7"));
+        told_.clear();
+        answering(pressed("store"), pressing(QMessageBox::Ok));
+        QCOMPARE(told_, QStringList{"Error|The plan B is gone: another program has deleted it."});
+        QCOMPARE(text_of("grp_name"), QStringLiteral("PLAN 1"));
+        QCOMPARE(text_of("prog_num"), QString());
+        QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("-"));
+    }
+
+    void a_move_that_failed_leaves_plan_and_program_together() {
+        start_alone();
+        new_plan(QStringLiteral("B"));
+        press("previous");
+        type_two_programs();
+        elsewhere(QStringLiteral("ALTER TABLE configurazione RENAME TO away"));
+        answering(pressed("next"), pressing(QMessageBox::Ok));
+        elsewhere(QStringLiteral("ALTER TABLE away RENAME TO configurazione"));
+        QCOMPARE(text_of("grp_name"), QStringLiteral("PLAN 1"));
+        QCOMPARE(text_of("prog_num"), QStringLiteral("002"));
+        press("store");
+        QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("001,002"));
+        press("next");
+        QCOMPARE(text_of("grp_name"), QStringLiteral("B"));
+        QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("-"));
+    }
+
+    void an_oscillator_entry_that_does_not_exist_erases_none_data() {
+        QTest::addColumn<int>("entry");
+        QTest::newRow("behind the last") << 4;
+        QTest::newRow("far behind") << 7;
+        QTest::newRow("before the first") << -1;
+    }
+    void an_oscillator_entry_that_does_not_exist_erases_none() {
+        QFETCH(int, entry);
+        start_alone();
+        change_file(QStringLiteral("UPDATE configurazione SET loc_osc1 = 9750, loc_osc2 = 10600"));
+        change_file(QStringLiteral("UPDATE programmi SET pg_num = '007', frequenza = 11000, "
+                                   "loc_osc = 0, satchbw = 36, loc_osc0 = %1")
+                        .arg(entry));
+        screen_->database_changed();
+        QCOMPARE(find<QComboBox>("ol_optval")->currentText(), QStringLiteral("9750"));
+        // An upload stores first as well.
+        press("store");
+        answering(pressed("accoda"), pressing(QMessageBox::No));
+        QCOMPARE(stored(QStringLiteral("loc_osc1 || ' ' || loc_osc2 || ' ' || loc_osc0")),
+                 QStringLiteral("9750.0 10600.0 0"));
+    }
+
+    void what_the_box_shows_is_what_is_stored_data() {
+        QTest::addColumn<QByteArray>("box");
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QByteArray>("field");
+        QTest::addColumn<QString>("kept");
+        QTest::newRow("decimal comma")
+            << QByteArray("sat_freq_txt") << "1500,5" << QByteArray("frequenza") << "1500.5";
+        QTest::newRow("letters behind")
+            << QByteArray("sat_freq_txt") << "1234abc" << QByteArray("frequenza") << "1234.0";
+        QTest::newRow("two decimals")
+            << QByteArray("sat_freq_txt") << "1234.56" << QByteArray("frequenza") << "1234.6";
+        QTest::newRow("symbol rate")
+            << QByteArray("srqpsk_txt") << "27500abc" << QByteArray("qpsk_symbolrate") << "27500";
+        QTest::newRow("symbol rate, comma")
+            << QByteArray("srqpsk_txt") << "27500,5" << QByteArray("qpsk_symbolrate") << "27500.5";
+        QTest::newRow("level, comma")
+            << QByteArray("lev_mintxt") << "45,5" << QByteArray("lev_min") << "45.5";
+        QTest::newRow("level, unit")
+            << QByteArray("lev_maxtxt") << "75 dBuV" << QByteArray("lev_max") << "75";
+        QTest::newRow("noise") << QByteArray("cn_maxtxt") << "30dB" << QByteArray("noise_max")
+                               << "30";
+        QTest::newRow("exponent") << QByteArray("chber_mintxt") << "1E-7" << QByteArray("chber_min")
+                                  << "1E-7";
+        QTest::newRow("no number")
+            << QByteArray("chber_mintxt") << "x" << QByteArray("chber_min") << "0";
+        QTest::newRow("MER") << QByteArray("mer_maxtxt") << "20,25" << QByteArray("mer_max")
+                             << "20.25";
+    }
+    void what_the_box_shows_is_what_is_stored() {
+        QFETCH(QByteArray, box);
+        QFETCH(QString, typed);
+        QFETCH(QByteArray, field);
+        QFETCH(QString, kept);
+        start_alone();
+        press("monitor");
+        click("cmd_dig");
+        click("ol_opt_0");
+        type(box.constData(), typed);
+        press("store");
+        QCOMPARE(stored(QString::fromLatin1(field)), kept);
+        QCOMPARE(text_of(box.constData()), kept);
+        press("next_prog");
+        QCOMPARE(text_of(box.constData()), kept);
+    }
+
+    void a_number_with_letters_behind_is_cut_on_leaving() {
+        start_alone();
+        click("cmd_dig");
+        click("ol_opt_0");
+        leave("sat_freq_txt", QStringLiteral("1234abc"));
+        QCOMPARE(text_of("sat_freq_txt"), QStringLiteral("1234"));
+        leave("srqpsk_txt", QStringLiteral("27500abc"));
+        QCOMPARE(text_of("srqpsk_txt"), QStringLiteral("27500"));
+    }
+
+    void an_oscillator_typed_with_a_comma_is_read_whole() {
+        start_alone();
+        type_oscillator(QStringLiteral("9750,5"));
+        QCOMPARE(stored(QStringLiteral("loc_osc1")), QStringLiteral("9750.5"));
+        QCOMPARE(find<QComboBox>("ol_optval")->currentText(), QStringLiteral("9750.5"));
+    }
+
+    void a_plan_name_is_plain_text_in_every_box() {
+        start_alone();
+        new_plan(QStringLiteral("<b>x</b>"));
+        QCOMPARE(text_of("grp_name"), QStringLiteral("<B>X</B>"));
+        const auto plainly = [](QMessageBox::StandardButton button) {
+            return [button](QWidget* front) {
+                const Qt::TextFormat format = qobject_cast<QMessageBox*>(front)->textFormat();
+                pressing(button)(front);
+                QCOMPARE(format, Qt::PlainText);
+            };
+        };
+        told_.clear();
+        answering(pressed("delete"), plainly(QMessageBox::Cancel));
+        QCOMPARE(told_, QStringList{"VKDM47|Remove program: <B>X</B>"});
+        answering_each(pressed("cmdcopyplan"),
+                       {typing(QStringLiteral("<b>x</b>")), plainly(QMessageBox::Ok)});
+        QCOMPARE(told_.constLast(), QStringLiteral("Error|The plan <B>X</B> already exists."));
+    }
+
+    void a_cell_of_a_file_is_plain_text_in_the_preview() {
+        start_alone();
+        const QString file =
+            file_with(QStringLiteral("some.csv"), "frequenza,qpsk_symbolrate\n1000,<b>x</b>\n");
+        answering_each(pressed("cmdimport"),
+                       {choosing(file), [](QWidget* front) {
+                            const auto* cell = front->findChild<QTableWidget*>()->item(0, 5);
+                            const QString text = cell->text();
+                            const QString tip = cell->toolTip();
+                            qobject_cast<QDialog*>(front)->reject();
+                            QVERIFY(text.contains(QStringLiteral("<b>x</b>")));
+                            QVERIFY(!tip.contains(QStringLiteral("<b>")));
+                            QVERIFY(tip.contains(QStringLiteral("&lt;b&gt;x")));
+                        }});
+    }
+
+    void limits_stay_in_their_unit_where_that_is_chosen_data() {
+        QTest::addColumn<bool>("keep");
+        QTest::addColumn<QString>("untouched");
+        QTest::addColumn<QString>("typed_before");
+        QTest::newRow("as ever") << false << "10 11"
+                                 << "10 11";
+        QTest::newRow("kept") << true << "30 90"
+                              << "25 120";
+    }
+    void limits_stay_in_their_unit_where_that_is_chosen() {
+        QFETCH(bool, keep);
+        start_alone();
+        program_state().corrected.keep_unit = keep;
+        press("monitor");
+        click("ol_opt_0");
+        const auto limits = [this] { return stored(QStringLiteral("lev_min || ' ' || lev_max")); };
+        // Without limits there is nothing to keep.
+        press("store");
+        QCOMPARE(limits(), QStringLiteral("20 21"));
+        type("lev_mintxt", QStringLiteral("30"));
+        type("lev_maxtxt", QStringLiteral("90"));
+        press("store");
+        QCOMPARE(limits(), QStringLiteral("30 90"));
+        // The meter turned out to measure in dBm.
+        program_state().unit_index = kDbm;
+        answering(pressed("accoda"), pressing(QMessageBox::No));
+        QTEST(limits(), "untouched");
+        // What was typed before the unit was changed is of the unit before.
+        press("cmdlev_0");
+        type("lev_mintxt", QStringLiteral("25"));
+        type("lev_maxtxt", QStringLiteral("130"));
+        press("cmdlev_2");
+        press("store");
+        QTEST(limits(), "typed_before");
+        // What is typed now is checked in the unit of now.
+        type("lev_mintxt", QStringLiteral("-100"));
+        type("lev_maxtxt", QStringLiteral("-20"));
+        press("store");
+        QCOMPARE(limits(), QStringLiteral("-89 -20"));
+    }
+
+    void imported_limits_stay_in_their_unit_where_that_is_chosen() {
+        start_alone();
+        program_state().unit_index = kDbm;
+        const QString file = file_with(QStringLiteral("some.csv"),
+                                       "pg_num,frequenza,lev_min,lev_max\n1,1000,30,90\n");
+        const auto limits_after = [&](const char* plan) {
+            new_plan(QString::fromLatin1(plan));
+            answering_each(pressed("cmdimport"), {choosing(file), accepting()});
+            return stored(QStringLiteral("lev_min || ' ' || lev_max"));
+        };
+        QCOMPARE(limits_after("B"), QStringLiteral("10 11"));
+        program_state().corrected.keep_unit = true;
+        QCOMPARE(limits_after("C"), QStringLiteral("30 90"));
+    }
+
+    void empty_programs_are_not_uploaded_where_that_is_chosen() {
+        start_on_patient_line();
+        click("ol_opt_0");
+        click("cmd_dig");
+        type("sat_freq_txt", QStringLiteral("1100"));
+        type("chbw_txt", QStringLiteral("8"));
+        enter("prog_num", QStringLiteral("7"));
+        const auto sent = [this] {
+            answering(pressed("accoda"), pressing(QMessageBox::Yes));
+            return line_->take_commands().filter(QRegularExpression("^(CHBW|PROGRAM|FREQ)"));
+        };
+        QCOMPARE(sent(),
+                 QStringList({"CHBW 08", "PROGRAM 00", "FREQ 00000", "PROGRAM 07", "FREQ 1100.0"}));
+        program_state().corrected.skip_empty = true;
+        QCOMPARE(sent(), QStringList({"CHBW 08", "PROGRAM 07", "FREQ 1100.0"}));
+        // Shown is the empty one since the upload, which stays empty.
+        QCOMPARE(text_of("prog_num"), QString());
+        QCOMPARE(sent(), QStringList({"CHBW 08", "PROGRAM 07", "FREQ 1100.0"}));
+        QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("-,007"));
+        // Once something is typed into it, it is a program.
+        type("prog_num", QStringLiteral("8"));
+        click("ol_opt_0");
+        QCOMPARE(sent(), QStringList({"CHBW 01", "PROGRAM 08", "FREQ 0920.0", "PROGRAM 07",
+                                      "FREQ 1100.0"}));
+    }
+
+    void a_plan_of_empty_programs_deletes_nothing_in_the_meter() {
+        start_on_patient_line();
+        program_state().corrected.skip_empty = true;
+        told_.clear();
+        answering(pressed("nuovo"), pressing(QMessageBox::Ok));
+        QCOMPARE(told_, QStringList{"Error|The plan has no program: make one first."});
+        QCOMPARE(line_->take_commands(), QStringList());
+        QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("-"));
+    }
+
+    void a_refused_new_program_stays_where_that_is_chosen() {
+        start_alone();
+        type_two_programs();
+        const auto refused = [this](const char* how) {
+            type("sat_freq_txt", QStringLiteral("1700"));
+            if (qstrcmp(how, "key") == 0) {
+                type("prog_num", QStringLiteral("1"));
+                answering(pressed("store_new"), pressing(QMessageBox::Ok));
+            } else {
+                answering([this] { enter("prog_num", QStringLiteral("1")); },
+                          pressing(QMessageBox::Ok));
+            }
+        };
+        refused("key");
+        QCOMPARE(text_of("prog_num"), QStringLiteral("002"));
+        QCOMPARE(text_of("sat_freq_txt"), QStringLiteral("1002.0"));
+        program_state().corrected.keep_new = true;
+        for (const char* how : {"key", "enter"}) {
+            refused(how);
+            QCOMPARE(text_of("prog_num"), QStringLiteral("001"));
+            QCOMPARE(text_of("sat_freq_txt"), QStringLiteral("1700"));
+        }
+        enter("prog_num", QStringLiteral("3"));
+        QCOMPARE(stored(QStringLiteral("pg_num || ' ' || frequenza")),
+                 QStringLiteral("001 1001.0,002 1002.0,003 1700.0"));
+    }
+
+    void a_new_oscillator_checks_every_program_where_that_is_chosen() {
+        start_alone();
+        type_two_programs_of_an_oscillator();
+        pick("ol_optval", 1);
+        type_oscillator(QStringLiteral("10600"));
+        type("sat_freq_txt", QStringLiteral("12000"));
+        press("store");
+        pick("ol_optval", 0);
+        type("sat_freq_txt", QStringLiteral("11000"));
+        enter("prog_num", QStringLiteral("3"));
+        const auto frequencies = [this] { return stored(QStringLiteral("frequenza")); };
+        QCOMPARE(frequencies(), QStringLiteral("11000.0,12000.0,11000.0"));
+        // As ever: the program on the screen alone.
+        type_oscillator(QStringLiteral("5150"));
+        QCOMPARE(frequencies(), QStringLiteral("11000.0,12000.0,4230.0"));
+        type_oscillator(QStringLiteral("9750"));
+        type("sat_freq_txt", QStringLiteral("11000"));
+        press("store");
+        program_state().corrected.check_all = true;
+        type_oscillator(QStringLiteral("5150"));
+        QCOMPARE(frequencies(), QStringLiteral("4230.0,12000.0,4230.0"));
+        QCOMPARE(progress()->text(), QStringLiteral("Frequencies corrected, programs: 001, 003"));
+        // The key does what Enter does.
+        type_oscillator(QStringLiteral("9750"), false);
+        press("store");
+        QCOMPARE(frequencies(), QStringLiteral("10670.0,12000.0,10670.0"));
+        press("previous_prog");
+        press("previous_prog");
+        QCOMPARE(text_of("sat_freq_txt"), QStringLiteral("10670"));
+    }
+
+    void an_empty_program_stays_empty_when_all_are_checked() {
+        start_alone();
+        enter("prog_num", QStringLiteral("7"));
+        program_state().corrected.check_all = true;
+        type_oscillator(QStringLiteral("9750"));
+        QCOMPARE(stored(QStringLiteral("frequenza")), QStringLiteral("-,10670.0"));
+    }
+
+    void an_unset_diseqc_command_is_none_where_that_is_chosen() {
+        start_on_patient_line();
+        const auto shown = [this] {
+            return find<QComboBox>("diseqc_cmd")->currentText() + u'|' +
+                   find<QComboBox>("diseqc_cmd2")->currentText();
+        };
+        const auto sent = [this] {
+            answering(pressed("accoda"), pressing(QMessageBox::Yes));
+            return line_->take_commands().filter(QStringLiteral("DISEQC"));
+        };
+        change_file(
+            QStringLiteral("INSERT INTO programmi (nome, pg_num, frequenza, loc_osc) "
+                           "VALUES ('PLAN 1', '007', 1100, 1)"));
+        screen_->database_changed();
+        QCOMPARE(shown(), QStringLiteral("TONE BURST|TONE BURST"));
+        program_state().corrected.none_diseqc = true;
+        press("next_prog");
+        QCOMPARE(shown(), QStringLiteral("NONE|NONE"));
+        press("previous_prog");
+        QCOMPARE(shown(), QStringLiteral("NONE|NONE"));
+        // The one that is not on the screen as well.
+        QCOMPARE(sent(), QStringList({"DISEQC 73", "DISEQC 73"}));
+        QCOMPARE(stored(QStringLiteral("coalesce(diseqc_cmd, 'unset')")),
+                 QStringLiteral("73,unset"));
+        press("next_prog");
+        find<QComboBox>("diseqc_cmd2")->setCurrentIndex(-1);
+        press("store");
+        QCOMPARE(stored(QStringLiteral("diseqc_cmd || ' ' || diseqc_cmd2")),
+                 QStringLiteral("73 73,73 73"));
+        // What somebody has chosen stays chosen.
+        pick("diseqc_cmd", 0);
+        press("store");
+        QCOMPARE(shown(), QStringLiteral("TONE BURST|NONE"));
+        // The empty program of a new plan is still empty.
+        program_state().corrected.skip_empty = true;
+        new_plan(QStringLiteral("B"));
+        QCOMPARE(shown(), QStringLiteral("NONE|NONE"));
+        answering(pressed("accoda"), pressing(QMessageBox::Ok));
+        QCOMPARE(told_.constLast(), QStringLiteral("Error|The plan has no program: make one "
+                                                   "first."));
+    }
+
+  private:
+    /// What the box after an upload by `key` says, and the rows of its table.
+    QString verified(const char* key, QStringList* rows = nullptr) {
+        QString said;
+        answering_each(pressed(key), {pressing(QMessageBox::Yes), [&](QWidget* front) {
+                                          said =
+                                              front->findChild<QLabel*>("verify_summary")->text();
+                                          auto* table = front->findChild<QTableWidget*>();
+                                          for (int k = 0; rows && k < table->rowCount(); ++k) {
+                                              QStringList cells;
+                                              for (int c = 0; c < table->columnCount(); ++c)
+                                                  cells += table->item(k, c)->text();
+                                              *rows += cells.join(u'|');
+                                          }
+                                          qobject_cast<QDialog*>(front)->accept();
+                                      }});
+        return said;
+    }
+
+  private Q_SLOTS:
+    void a_refused_table_is_not_as_planned() {
+        start_on_virtual_line();
+        click("ol_opt_0");
+        pick("diseqc_cmd", 73);
+        press("cmdverify");
+        const auto usual = line_->answer;
+        line_->answer = [usual](const QByteArray& command) {
+            return command == "DATAPROGRAM?" ? command + "\rInvalid Parameter(s)\rOK\r"
+                                             : usual(command);
+        };
+        QCOMPARE(verified("nuovo"),
+                 QStringLiteral("The meter did not tell its logger table: nothing was compared.\n"
+                                "Active lines planned: 0."));
+        QVERIFY(program().link().port_connected);
+    }
+
+    void a_plan_without_lines_is_not_called_verified() {
+        start_on_virtual_line();
+        click("ol_opt_0");
+        pick("diseqc_cmd", 73);
+        press("cmdverify");
+        QCOMPARE(verified("accoda"),
+                 QStringLiteral("The plan enters no program in the logger table: nothing was "
+                                "compared.\nActive lines planned: 0. Lines read from the meter: 6, "
+                                "active: 4."));
+        QStringList rows;
+        QCOMPARE(
+            verified("sostituisci", &rows),
+            QStringLiteral("The plan enters no program in the logger table, and none is active "
+                           "there.\nActive lines planned: 0. Lines read from the meter: 6, "
+                           "active: 0."));
+        QCOMPARE(rows.constFirst(),
+                 QString::fromUtf8("01|program 01, inactive|program 01, inactive|✓"));
+    }
+
+    void a_line_that_the_meter_lists_as_inactive_is_as_good_as_none() {
+        start_on_virtual_line();
+        click("ol_opt_0");
+        type("prog_num", QStringLiteral("10"));
+        pick("diseqc_cmd", 73);
+        pick("logger_pos", 2);
+        click("logger_state");
+        connect(screen_, &ProgramSet::upload_state, this, [this](const QString& text) {
+            if (text.contains(QStringLiteral("answered")))
+                QVERIFY(program().link().send(QStringLiteral("DATAPROGRAM 05 10 00")));
+        });
+        press("cmdverify");
+        QStringList rows;
+        QCOMPARE(verified("nuovo", &rows),
+                 QStringLiteral("The logger table is as planned.\nActive lines planned: 1. Lines "
+                                "read from the meter: 2, active: 1."));
+        QCOMPARE(rows, QStringList({QString::fromUtf8("01|program 10, active|program 10, active|✓"),
+                                    QString::fromUtf8("05|none|program 10, inactive|✓")}));
     }
 
     void a_refused_upload_says_how_far_it_came() {

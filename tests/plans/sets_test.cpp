@@ -66,6 +66,15 @@ class SetsTest : public QObject {
         QCOMPARE(plan_name(QStringLiteral("           x")), QString());
     }
 
+    void a_name_has_ten_characters_in_capitals() {
+        // One small letter can become two capitals.
+        QCOMPARE(plan_name(QString::fromUtf8("straße süd")), QString::fromUtf8("STRASSE SÜ"));
+        QCOMPARE(plan_name(QString::fromUtf8("ßßßßßßßßßß")), QStringLiteral("SSSSSSSSSS"));
+        // A character outside the basic plane is kept whole or not at all.
+        QCOMPARE(plan_name(QString::fromUtf8("abcdefghi\xF0\x9F\x93\xA1")),
+                 QStringLiteral("ABCDEFGHI"));
+    }
+
     void a_new_plan_has_one_empty_program() {
         sets_->add_new(QStringLiteral("B"));
         QCOMPARE(sets_->plan(), QStringLiteral("B"));

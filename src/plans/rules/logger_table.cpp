@@ -3,6 +3,7 @@
 
 #include <QMap>
 #include <QRegularExpression>
+#include <algorithm>
 
 #include "numbers.h"
 
@@ -35,7 +36,41 @@ TableContent planned_table(const std::vector<ProgramRecord>& programs) {
     return content;
 }
 
+/// What counts of a program and state.
+QString active_part(const QString& entry) {
+    return table_entry_active(entry) ? entry : QString();
+}
+
+template <class Counts>
+int count_rows(const std::vector<TableComparison>& rows, Counts counts) {
+    return static_cast<int>(std::ranges::count_if(rows, counts));
+}
+
 }  // namespace
+
+bool table_entry_active(const QString& entry) {
+    return meter_value(entry.section(u' ', -1)) != 0;
+}
+
+bool TableComparison::matches() const {
+    return !judged || active_part(planned) == active_part(found);
+}
+
+int TableCheck::planned() const {
+    return count_rows(rows, [](const auto& row) { return table_entry_active(row.planned); });
+}
+
+int TableCheck::found() const {
+    return count_rows(rows, [](const auto& row) { return !row.found.isEmpty(); });
+}
+
+int TableCheck::active() const {
+    return count_rows(rows, [](const auto& row) { return table_entry_active(row.found); });
+}
+
+int TableCheck::wrong() const {
+    return count_rows(rows, [](const auto& row) { return !row.matches(); });
+}
 
 QStringList table_lines(const QString& text) {
     static const QRegularExpression kEnd(QStringLiteral("\r\n|\r|\n"));

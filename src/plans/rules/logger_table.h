@@ -36,7 +36,23 @@ struct TableComparison {
     /// False for a line that the upload did not touch and nobody knew before.
     bool judged = true;
 
-    bool matches() const { return !judged || planned == found; }
+    /// A line that is not active is as good as none.
+    bool matches() const;
+};
+
+/// True for a program and state ("07 01") that make the meter log.
+bool table_entry_active(const QString& entry);
+
+/// What a look at the logger table after an upload gave.
+struct TableCheck {
+    std::vector<TableComparison> rows;
+    UploadMode mode = kAppend;
+    bool told = true;  ///< false where the meter refused to tell its table
+
+    int planned() const;  ///< active lines
+    int found() const;    ///< lines of the meter
+    int active() const;   ///< of them, active
+    int wrong() const;    ///< lines that do not match
 };
 
 /// What the table should hold after an upload of `programs` against what it holds, both in the

@@ -6,6 +6,7 @@
 #include "database_transaction.h"
 #include "free_places.h"
 #include "plan_sets.h"
+#include "program_checks.h"
 #include "tables.h"
 
 namespace m47 {
@@ -53,10 +54,9 @@ void find_number_and_line(const std::vector<ProgramRecord>& others, ProgramRecor
 
 ImportProblem find_oscillator(const ProgramRecord& record, const Oscillators& known,
                               ProgramCopy& copy) {
-    const auto index = static_cast<std::size_t>(record.loc_osc0);
-    if (record.loc_osc || index >= known.size() || known[index].isEmpty())
-        return ImportProblem::none;
-    const auto place = place_oscillator(copy.oscillators, record.loc_osc0, known[index]);
+    const std::size_t entry = oscillator_entry(record);
+    if (record.loc_osc || known[entry].isEmpty()) return ImportProblem::none;
+    const auto place = place_oscillator(copy.oscillators, static_cast<int>(entry), known[entry]);
     if (!place) return ImportProblem::no_oscillator;
     copy.own[QStringLiteral("loc_osc0")] = *place;
     return ImportProblem::none;

@@ -8,7 +8,6 @@
 namespace m47 {
 namespace {
 
-constexpr qsizetype kLargestFile = qsizetype{1024} * 1024;
 const QString kPlanColumn = QStringLiteral("nome");
 
 QString quoted(QString cell, QChar separator) {
@@ -179,7 +178,7 @@ QString plan_file_text(const QString& name, const std::vector<ProgramRecord>& pr
 }
 
 ImportFile parse_import_file(const QByteArray& bytes, double unit_offset) {
-    if (bytes.size() > kLargestFile) return {};
+    if (bytes.size() > kLargestPlanFile) return {};
     QString text = QString::fromUtf8(bytes);
     if (text.startsWith(QChar(QChar::ByteOrderMark))) text.remove(0, 1);
     if (!is_scan_table(text)) return parse_plan_file(text, unit_offset);

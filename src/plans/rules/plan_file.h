@@ -9,6 +9,9 @@
 
 namespace m47 {
 
+/// No plan and no scan table is larger, in bytes.
+inline constexpr qint64 kLargestPlanFile = qint64{1024} * 1024;
+
 /// The column of a plan file behind those of the table: the MHz of the program's oscillator, since
 /// its number alone says nothing in another plan.
 inline constexpr const char* kOscillatorColumn = "oscillator";

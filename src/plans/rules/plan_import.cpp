@@ -47,7 +47,7 @@ class Importer {
   public:
     Importer(const std::vector<ImportCandidate>& candidates,
              const std::vector<ProgramRecord>& programs, const Oscillators& oscillators,
-             double unit_offset)
+             std::optional<double> unit_offset)
         : taken_(programs), unit_offset_(unit_offset) {
         preview_.oscillators = oscillators;
         preview_.replaces_blank = taken_.size() == 1 && is_blank(taken_.front());
@@ -129,7 +129,7 @@ class Importer {
 
     std::vector<ProgramRecord> taken_;
     UsedNumbers used_;
-    double unit_offset_;
+    std::optional<double> unit_offset_;
     ImportPreview preview_;
 };
 
@@ -156,7 +156,7 @@ ProgramRecord import_defaults(double unit_offset) {
 
 ImportPreview preview_import(const std::vector<ImportCandidate>& candidates,
                              const std::vector<ProgramRecord>& programs,
-                             const Oscillators& oscillators, double unit_offset) {
+                             const Oscillators& oscillators, std::optional<double> unit_offset) {
     Importer importer(candidates, programs, oscillators, unit_offset);
     for (const ImportCandidate& candidate : candidates) importer.take(candidate);
     importer.tune_again(candidates);

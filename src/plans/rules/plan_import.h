@@ -3,6 +3,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <optional>
 #include <vector>
 
 #include "program_record.h"
@@ -53,10 +54,11 @@ struct ImportPreview {
 /// the widest alarm limits in the unit that lies `unit_offset` dB below dBuV.
 ProgramRecord import_defaults(double unit_offset);
 
-/// What becomes of `candidates` in a plan that holds `programs` and `oscillators`.
+/// What becomes of `candidates` in a plan that holds `programs` and `oscillators`. Without a
+/// `unit_offset` their level limits stay as they are.
 ImportPreview preview_import(const std::vector<ImportCandidate>& candidates,
                              const std::vector<ProgramRecord>& programs,
-                             const Oscillators& oscillators, double unit_offset);
+                             const Oscillators& oscillators, std::optional<double> unit_offset);
 
 QString import_problem_text(ImportProblem problem, const Texts& texts);
 

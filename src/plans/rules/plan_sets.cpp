@@ -3,8 +3,11 @@
 
 #include <utility>
 
+#include "cut_text.h"
 #include "database_transaction.h"
+#include "diseqc_commands.h"
 #include "fault.h"
+#include "numbers.h"
 #include "program_checks.h"
 #include "tables.h"
 
@@ -37,19 +40,25 @@ bool step_on(Recordset& set) {
 }  // namespace
 
 QString plan_name(const QString& text) {
-    return text.left(kNameLength).trimmed().toUpper();
+    // A capital can take more room than its small letter.
+    return cut_to(cut_to(text, kNameLength).trimmed().toUpper(), kNameLength).trimmed();
 }
 
-PlanSets::PlanSets(Database& database)
+PlanSets::PlanSets(Database& database, const CorrectedBehaviour& corrected)
     : database_(database),
+      corrected_(corrected),
       plans_(Recordset::table(database.connection(), name_of(table::kGruppo))) {
     first_plan();
 }
 
 void PlanSets::crea_records(const QString& plan) {
-    plan_ = stored_plan_name(plan);
-    programs_ = database_.of_plan(name_of(table::kProgrammi), plan_);
-    config_ = database_.of_plan(name_of(table::kConfigurazione), plan_);
+    const QString name = stored_plan_name(plan);
+    Recordset programs = database_.of_plan(name_of(table::kProgrammi), name);
+    Recordset config = database_.of_plan(name_of(table::kConfigurazione), name);
+    // Only now nothing can fail any more: the programs of one plan never stand under another name.
+    plan_ = name;
+    programs_ = std::move(programs);
+    config_ = std::move(config);
 }
 
 /// Makes the plan `name` the current row of the list of plans. False where it has none.
@@ -113,7 +122,11 @@ void PlanSets::last_program() {
 }
 
 ProgramRecord PlanSets::program() const {
-    return has_program() ? read_program(*programs_) : ProgramRecord();
+    return has_program() ? read(*programs_) : ProgramRecord();
+}
+
+ProgramRecord PlanSets::read(const Recordset& set) const {
+    return read_program(set, corrected_.none_diseqc ? kDiseqcNone : 0);
 }
 
 std::vector<ProgramRecord> PlanSets::programs() const {
@@ -125,7 +138,7 @@ std::vector<ProgramRecord> PlanSets::programs_of(const QString& plan,
     std::vector<ProgramRecord> records;
     Recordset set = database_.of_plan(name_of(table::kProgrammi), plan);
     for (; !set.end_of_set(); set.move_next())
-        if (set.bookmark() != without) records.push_back(read_program(set));
+        if (set.bookmark() != without) records.push_back(read(set));
     return records;
 }
 
@@ -183,7 +196,11 @@ void PlanSets::all_or_nothing(const std::function<void()>& body) {
         transaction.commit();
     } catch (...) {
         plan_ = plan;
-        reopen(current);
+        try {
+            reopen(current);
+        } catch (const Fault&) {
+            // What the user has to know is why the change failed.
+        }
         throw;
     }
 }
@@ -226,12 +243,13 @@ void PlanSets::del_old() {
 }
 
 bool PlanSets::can_delete_program() const {
-    return programs_ && programs_->count() > 1;
+    // As the file holds them now: others delete programs too.
+    return database_.of_plan(name_of(table::kProgrammi), plan_).count() > 1;
 }
 
 void PlanSets::delete_program() {
     if (!can_delete_program()) return;
-    programs_->remove();
+    all_or_nothing([this] { programs_->remove(); });
     crea_records(plan_);
 }
 
@@ -246,16 +264,54 @@ void PlanSets::edit_configuration() {
     config_->edit();
 }
 
-void PlanSets::store_oscloc(int index, const QString& oscillator) {
-    need_plan();
+void PlanSets::write_oscillator_entry(int index, const QString& oscillator) {
+    const QString before = oscillators()[static_cast<std::size_t>(index)];
     edit_configuration();
     write_oscillator(*config_, index, oscillator);
     config_->update();
+    const bool changed = typed_value(before) != typed_value(oscillator);
+    if (corrected_.check_all && changed && !oscillator.trimmed().isEmpty())
+        check_programs(index, oscillator);
 }
 
-Clash PlanSets::store_record(ProgramRecord& record, QString& oscillator, double unit_offset,
-                             bool over) {
+/// Brings the frequency of every program of the plan that is tuned through oscillator `index` into
+/// the range that it has now.
+void PlanSets::check_programs(int index, const QString& oscillator) {
+    const std::optional<Bookmark> current = current_row();
+    Recordset set = database_.of_plan(name_of(table::kProgrammi), plan_);
+    for (; !set.end_of_set(); set.move_next()) {
+        const ProgramRecord record = read(set);
+        const bool uses_it = !record.loc_osc && static_cast<int>(oscillator_entry(record)) == index;
+        if (!uses_it || record.frequenza.isEmpty()) continue;
+        const QString checked = stored_frequency(record.frequenza, false, oscillator);
+        if (checked == record.frequenza) continue;
+        set.edit();
+        set.set(QStringLiteral("frequenza"), typed_value(checked));
+        set.update();
+        checked_ += record.pg_num;
+    }
+    if (current) programs_->go_to(*current);
+}
+
+void PlanSets::tell_checked() {
+    const QStringList numbers = std::exchange(checked_, {});
+    if (!numbers.isEmpty() && on_checked) on_checked(numbers);
+}
+
+void PlanSets::store_oscloc(int index, const QString& oscillator) {
     need_plan();
+    checked_.clear();
+    all_or_nothing([&] { write_oscillator_entry(index, oscillator); });
+    tell_checked();
+}
+
+Clash PlanSets::store_record(ProgramRecord& record, QString& oscillator,
+                             std::optional<double> unit_offset, bool over) {
+    need_plan();
+    checked_.clear();
+    if (corrected_.none_diseqc)
+        for (int* command : {&record.diseqc_cmd, &record.diseqc_cmd2})
+            if (*command < 0) *command = kDiseqcNone;
     record.pg_num = checked_program_number(record.pg_num);
     std::optional<Bookmark> current;
     if (over) current = programs_->bookmark();
@@ -266,7 +322,7 @@ Clash PlanSets::store_record(ProgramRecord& record, QString& oscillator, double 
     if (!over) record.logger_pos = next_logger_position(others);
     correct_fields(record, oscillator, unit_offset);
     all_or_nothing([&] {
-        store_oscloc(record.loc_osc0, oscillator);
+        write_oscillator_entry(record.loc_osc0, oscillator);
         if (over)
             programs_->edit();
         else
@@ -275,6 +331,7 @@ Clash PlanSets::store_record(ProgramRecord& record, QString& oscillator, double 
         write_program(*programs_, record);
         programs_->update();
     });
+    tell_checked();
     return Clash::none;
 }
 

@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "corrected_behaviour.h"
 #include "database.h"
 #include "plan_clashes.h"
 #include "plan_import.h"
@@ -13,8 +14,12 @@
 
 namespace m47 {
 
-/// A plan's name as it is kept: the first 10 characters, trimmed, in upper case.
+/// A plan's name as it is kept: the first 10 characters, trimmed, in upper case, of which again 10
+/// are kept.
 QString plan_name(const QString& text);
+
+/// Every behaviour as it always was.
+inline const CorrectedBehaviour kNothingCorrected;
 
 struct ProgramCopy;
 
@@ -22,7 +27,11 @@ struct ProgramCopy;
 /// whole or, with a Fault, not at all.
 class PlanSets {
   public:
-    explicit PlanSets(Database& database);
+    /// `corrected` may change meanwhile and has to outlive this object.
+    explicit PlanSets(Database& database, const CorrectedBehaviour& corrected = kNothingCorrected);
+
+    /// Told the numbers of the programs whose frequency a new oscillator has changed.
+    std::function<void(const QStringList& numbers)> on_checked;
 
     /// The current plan's name; empty where the database has no plan.
     const QString& plan() const { return plan_; }
@@ -69,13 +78,16 @@ class PlanSets {
     /// Deletes the current program and moves to the first one.
     void delete_program();
 
-    /// Sets oscillator `index` (0 to 3) of the plan; an empty text is none.
+    /// Sets oscillator `index` (0 to 3) of the plan; an empty text is none. Where the user wants
+    /// it, the frequencies of all programs that use it are checked against it.
     void store_oscloc(int index, const QString& oscillator);
 
     /// Stores `record` with its oscillator `oscillator` over the current program (`over`) or as a
     /// new one behind the last. Both come back as corrected. Where it clashes with another program
-    /// of the plan, only the number has been corrected and nothing is stored.
-    Clash store_record(ProgramRecord& record, QString& oscillator, double unit_offset, bool over);
+    /// of the plan, only the number has been corrected and nothing is stored. `unit_offset` as for
+    /// correct_limits.
+    Clash store_record(ProgramRecord& record, QString& oscillator,
+                       std::optional<double> unit_offset, bool over);
 
     /// Adds what `import` says to the current plan.
     void apply_import(const ImportPreview& import);
@@ -96,6 +108,10 @@ class PlanSets {
     bool requery_plans();
     void need_plan() const;
     void edit_configuration();
+    ProgramRecord read(const Recordset& set) const;
+    void write_oscillator_entry(int index, const QString& oscillator);
+    void check_programs(int index, const QString& oscillator);
+    void tell_checked();
     std::optional<Bookmark> current_row() const;
     void reopen(std::optional<Bookmark> current);
     void show_plan(const QString& name);
@@ -107,6 +123,8 @@ class PlanSets {
                                            std::optional<Bookmark> without) const;
 
     Database& database_;
+    const CorrectedBehaviour& corrected_;
+    QStringList checked_;
     Recordset plans_;
     std::optional<Recordset> programs_;
     std::optional<Recordset> config_;

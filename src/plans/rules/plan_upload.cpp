@@ -47,12 +47,10 @@ void PlanUpload::send_one(const QString& command, UploadResult& result) {
         result.refused += command;
 }
 
-QString PlanUpload::ask_table() {
-    return link_.send(command::query(command::kLoggerTable)) ? table_answer() : QString();
-}
-
-QString PlanUpload::table_answer() const {
-    return link_.reply_text == kRefusedQuery ? QString() : link_.reply_text;
+std::optional<QString> PlanUpload::ask_table() {
+    const bool answered = link_.send(command::query(command::kLoggerTable));
+    if (!answered || link_.reply_text == kRefusedQuery) return std::nullopt;
+    return link_.reply_text;
 }
 
 QString upload_summary(const UploadResult& result, const Texts& texts) {

@@ -3,6 +3,7 @@
 
 #include <QStringList>
 #include <functional>
+#include <optional>
 
 #include "link.h"
 #include "program_state.h"
@@ -31,13 +32,12 @@ class PlanUpload {
     /// before anything has been changed in the meter.
     UploadResult run(const UploadPlan& plan, UploadMode mode);
 
-    /// The meter's logger table now; empty when the link is down or the meter refuses to tell it.
-    QString ask_table();
+    /// The meter's logger table now; nothing when the link is down or the meter refuses to tell it.
+    std::optional<QString> ask_table();
 
   private:
     void send_all(const QStringList& commands, UploadResult& result);
     void send_one(const QString& command, UploadResult& result);
-    QString table_answer() const;
 
     Link& link_;
     const ProgramState& program_;

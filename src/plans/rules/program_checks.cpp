@@ -2,6 +2,7 @@
 #include "program_checks.h"
 
 #include <algorithm>
+#include <array>
 
 #include "diseqc_commands.h"
 #include "numbers.h"
@@ -22,13 +23,22 @@ constexpr double kLowestRatio = 1;  // dB
 constexpr double kHighestRatio = 40;
 constexpr double kHighestChber = 0.03;
 
+using R = ProgramRecord;
+constexpr std::array kLimits{&R::lev_min,   &R::lev_max,   &R::noise_min, &R::noise_max,
+                             &R::chber_min, &R::chber_max, &R::mer_min,   &R::mer_max};
+
 constexpr const char* kTwoDigits = "00";
 constexpr const char* kFiveDigits = "00000";
 
 /// A maximum below its minimum moves one above it.
 void lift_maximum(const QString& minimum, QString& maximum) {
-    const double low = typed_value(minimum);
-    if (low > typed_value(maximum)) maximum = plain_text(low + 1);
+    const double low = box_value(minimum);
+    if (low > box_value(maximum)) maximum = plain_text(low + 1);
+}
+
+/// What stands in a box and is in range stays as it was typed, without what is no number.
+QString as_typed(const QString& text) {
+    return text.trimmed().isEmpty() || is_number(text) ? text : number_text(text);
 }
 
 /// An entry that the list does not have is no selection, which counts as the first.
@@ -52,76 +62,85 @@ std::size_t oscillator_entry(const ProgramRecord& record) {
 }
 
 QString checked_program_number(const QString& text) {
-    return format_number(std::clamp(typed_value(text), 0.0, kHighestProgram), "000");
+    return format_number(std::clamp(box_value(text), 0.0, kHighestProgram), "000");
 }
 
 QString checked_frequency(const QString& text, bool direct, const QString& oscillator) {
-    const double mhz = typed_value(oscillator);
-    if (!direct && mhz == 0) return text;
-    const double typed = typed_value(text);
+    const double mhz = box_value(oscillator);
+    if (!direct && mhz == 0) return as_typed(text);
+    const double typed = box_value(text);
     const double corrected = inside_range(typed, tuning_range(direct, mhz));
-    return corrected == typed ? text : frequency_box_text(corrected, direct);
+    return corrected == typed ? as_typed(text) : frequency_box_text(corrected, direct);
 }
 
 QString checked_symbol_rate(const QString& text) {
-    const double rate = typed_value(text);
+    const double rate = box_value(text);
     if (rate < kLowestSymbolRate) return plain_text(kLowestSymbolRate);
-    return rate > kHighestSymbolRate ? plain_text(kHighestSymbolRate) : text;
+    return rate > kHighestSymbolRate ? plain_text(kHighestSymbolRate) : as_typed(text);
 }
 
 QString bandwidth_on_enter(const QString& text) {
-    const double mhz = std::clamp(typed_value(text), kLowestBandwidth, kHighestBandwidth);
+    const double mhz = std::clamp(box_value(text), kLowestBandwidth, kHighestBandwidth);
     return format_number(mhz, kTwoDigits);
 }
 
 QString bandwidth_on_leaving(const QString& text) {
-    const double mhz = typed_value(text);
+    const double mhz = box_value(text);
     const bool good = mhz >= kLowestBandwidth && mhz <= kHighestBandwidth;
     return format_number(good ? mhz : kUsualBandwidth, kTwoDigits);
 }
 
 QString checked_oscillator(const QString& text) {
     if (text.trimmed().isEmpty()) return {};
-    const double mhz = typed_value(text);
+    const double mhz = box_value(text);
     if (mhz < kOscillatorMinimum) return format_number(kOscillatorMinimum, kFiveDigits);
-    return mhz > kOscillatorMaximum ? format_number(kOscillatorMaximum, kFiveDigits) : text;
+    if (mhz > kOscillatorMaximum) return format_number(kOscillatorMaximum, kFiveDigits);
+    return as_typed(text);
 }
 
 void correct_level_limits(QString& minimum, QString& maximum, double unit_offset) {
     const double lowest = kLowestLevel - unit_offset;
     const double highest = kHighestLevel - unit_offset;
-    if (typed_value(minimum) < lowest) minimum = plain_text(lowest);
+    if (box_value(minimum) < lowest) minimum = plain_text(lowest);
     // Room is left for a maximum above it.
-    if (typed_value(minimum) > highest) minimum = plain_text(highest - 1);
+    if (box_value(minimum) > highest) minimum = plain_text(highest - 1);
     lift_maximum(minimum, maximum);
-    if (typed_value(maximum) > highest) maximum = plain_text(highest);
+    if (box_value(maximum) > highest) maximum = plain_text(highest);
 }
 
 void correct_ratio_limits(QString& minimum, QString& maximum) {
-    const double low = typed_value(minimum);
+    const double low = box_value(minimum);
     if (low < kLowestRatio || low > kHighestRatio) minimum = plain_text(kLowestRatio);
     lift_maximum(minimum, maximum);
 }
 
 void correct_chber_limits(QString& minimum, QString& maximum) {
-    const double low = typed_value(minimum);
+    const double low = box_value(minimum);
     if (low < 0) minimum = QStringLiteral("1E-8");
     if (low > kHighestChber) minimum = QStringLiteral("3E-2");
     // The step is that of the dB limits on purpose, though a ratio above 1 never alarms.
     lift_maximum(minimum, maximum);
 }
 
-void correct_limits(ProgramRecord& record, double unit_offset) {
-    correct_level_limits(record.lev_min, record.lev_max, unit_offset);
+void correct_limits(ProgramRecord& record, std::optional<double> unit_offset) {
+    for (QString ProgramRecord::*limit : kLimits) record.*limit = number_text(record.*limit);
+    if (unit_offset) correct_level_limits(record.lev_min, record.lev_max, *unit_offset);
     correct_ratio_limits(record.noise_min, record.noise_max);
     correct_chber_limits(record.chber_min, record.chber_max);
     correct_ratio_limits(record.mer_min, record.mer_max);
 }
 
-void correct_fields(ProgramRecord& record, QString& oscillator, double unit_offset) {
-    oscillator = checked_oscillator(oscillator);
-    record.frequenza = checked_frequency(record.frequenza, record.loc_osc, oscillator);
-    record.qpsk_symbolrate = checked_symbol_rate(record.qpsk_symbolrate);
+QString stored_frequency(const QString& text, bool direct, const QString& oscillator) {
+    const QString checked = number_text(checked_frequency(text, direct, oscillator));
+    if (checked.isEmpty()) return {};
+    const QString shown = frequency_box_text(box_value(checked), direct);
+    return box_value(shown) == box_value(checked) ? checked : shown;
+}
+
+void correct_fields(ProgramRecord& record, QString& oscillator, std::optional<double> unit_offset) {
+    oscillator = number_text(checked_oscillator(oscillator));
+    record.frequenza = stored_frequency(record.frequenza, record.loc_osc, oscillator);
+    record.qpsk_symbolrate = number_text(checked_symbol_rate(record.qpsk_symbolrate));
     record.satchbw = bandwidth_on_enter(record.satchbw);
     correct_selections(record);
     record.logger_pos = record.logger_pos.trimmed();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QString>
+#include <optional>
 
 #include "program_record.h"
 
@@ -35,15 +36,20 @@ void correct_ratio_limits(QString& minimum, QString& maximum);
 /// Channel BER limits: a minimum outside 0 to 0.03 becomes the nearer usual limit.
 void correct_chber_limits(QString& minimum, QString& maximum);
 
-/// Every alarm limit of `record`.
-void correct_limits(ProgramRecord& record, double unit_offset);
+/// Every alarm limit of `record`. Without a `unit_offset` the level limits are numbers of a unit
+/// that nobody knows here, and stay.
+void correct_limits(ProgramRecord& record, std::optional<double> unit_offset);
+
+/// A frequency as it is kept: checked, and with no more decimals than the box shows of it.
+QString stored_frequency(const QString& text, bool direct, const QString& oscillator);
 
 /// The entry of the plan's oscillators that `record` names; one that is not there counts as the
 /// first.
 std::size_t oscillator_entry(const ProgramRecord& record);
 
-/// Every check but the number's, as Enter in each box runs it. `oscillator` is the text of the
-/// program's oscillator.
-void correct_fields(ProgramRecord& record, QString& oscillator, double unit_offset);
+/// Every check but the number's, as Enter in each box runs it. Every text is then a number that
+/// its box shows whole. `oscillator` is the text of the program's oscillator, `unit_offset` as for
+/// correct_limits.
+void correct_fields(ProgramRecord& record, QString& oscillator, std::optional<double> unit_offset);
 
 }  // namespace m47

@@ -4,6 +4,7 @@
 #include <QRegularExpression>
 #include <algorithm>
 
+#include "diseqc_commands.h"
 #include "numbers.h"
 
 namespace m47 {
@@ -47,6 +48,10 @@ QString oscillator_field(int index) {
     return QStringLiteral("loc_osc%1").arg(index + 1);
 }
 
+bool unset(const Recordset& set, const char* field) {
+    return set.text(QString::fromLatin1(field)).trimmed().isEmpty();
+}
+
 QVariant number_or_unset(const QString& text) {
     return text.trimmed().isEmpty() ? QVariant() : QVariant(typed_value(text));
 }
@@ -70,6 +75,17 @@ bool is_number(const QString& text) {
     return kNumber.match(text).hasMatch();
 }
 
+double box_value(const QString& text) {
+    return meter_value(QString(text).replace(u',', u'.'));
+}
+
+QString number_text(const QString& text) {
+    const QString trimmed = text.trimmed();
+    if (trimmed.isEmpty()) return {};
+    return is_number(trimmed) ? QString(trimmed).replace(u',', u'.')
+                              : plain_text(box_value(trimmed));
+}
+
 void set_field(ProgramRecord& record, const ProgramField& field, const QString& text) {
     if (const auto* target = std::get_if<QString R::*>(&field.member))
         record.** target = text.trimmed();
@@ -83,7 +99,7 @@ QString frequency_box_text(double mhz, bool direct) {
     return format_number(mhz, direct ? "0.0" : "0");
 }
 
-ProgramRecord read_program(const Recordset& set) {
+ProgramRecord read_program(const Recordset& set, int unset_diseqc) {
     ProgramRecord record;
     for (const ProgramField& field : kProgramFields)
         set_field(record, field, set.text(QString::fromLatin1(field.name)));
@@ -93,6 +109,8 @@ ProgramRecord read_program(const Recordset& set) {
         record.frequenza = frequency_box_text(typed_value(record.frequenza), record.loc_osc);
     if (!record.satchbw.isEmpty())
         record.satchbw = format_number(typed_value(record.satchbw), "00");
+    if (unset(set, "diseqc_cmd")) record.diseqc_cmd = unset_diseqc;
+    if (unset(set, "diseqc_cmd2")) record.diseqc_cmd2 = unset_diseqc;
     return record;
 }
 
@@ -125,7 +143,10 @@ void write_oscillator(Recordset& set, int index, const QString& text) {
 }
 
 bool is_blank(const ProgramRecord& record) {
-    return record == ProgramRecord();
+    ProgramRecord rest = record;
+    for (int* command : {&rest.diseqc_cmd, &rest.diseqc_cmd2})
+        if (*command == kDiseqcNone) *command = 0;
+    return rest == ProgramRecord();
 }
 
 }  // namespace m47

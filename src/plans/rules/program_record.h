@@ -52,6 +52,13 @@ std::span<const ProgramField> program_fields();
 /// True where `text` is a number, with "." or ",", and nothing else.
 bool is_number(const QString& text);
 
+/// The number that `text` begins with; its decimal point may be a comma on every system, as whoever
+/// types "1500,5" means it.
+double box_value(const QString& text);
+/// `text` as it is kept: the number that every reader will take it for. "27500abc" is "27500",
+/// "45,5" is "45.5", "1E-8" stays; a text without a number is "0", an empty one stays empty.
+QString number_text(const QString& text);
+
 QString field_text(const ProgramRecord& record, const ProgramField& field);
 /// What is no number sets a number to 0.
 void set_field(ProgramRecord& record, const ProgramField& field, const QString& text);
@@ -59,8 +66,8 @@ void set_field(ProgramRecord& record, const ProgramField& field, const QString& 
 /// A frequency as the box shows it: one decimal tuned directly, else whole MHz.
 QString frequency_box_text(double mhz, bool direct);
 
-/// The current row of `set`; unset fields are empty or 0.
-ProgramRecord read_program(const Recordset& set);
+/// The current row of `set`; unset fields are empty or 0, unset DiSEqC commands `unset_diseqc`.
+ProgramRecord read_program(const Recordset& set, int unset_diseqc = 0);
 /// Sets all fields of the row that is open in `set`, but for the plan's name.
 void write_program(Recordset& set, const ProgramRecord& record);
 
@@ -69,7 +76,8 @@ Oscillators read_oscillators(const Recordset& set);
 /// Sets oscillator `index` (0 to 3) of the row that is open in `set`; an empty text unsets it.
 void write_oscillator(Recordset& set, int index, const QString& text);
 
-/// True for the program that a new plan starts with, as long as nobody has stored it.
+/// True for the program that a new plan starts with, as long as nobody has stored it. "NONE" for
+/// its unset DiSEqC commands is nothing either.
 bool is_blank(const ProgramRecord& record);
 
 }  // namespace m47

@@ -3,6 +3,7 @@
 
 #include "commands.h"
 #include "numbers.h"
+#include "program_checks.h"
 #include "program_commands.h"
 #include "tuning_range.h"
 
@@ -39,6 +40,12 @@ QStringList storing_commands(const ProgramRecord& program) {
 }
 
 }  // namespace
+
+void leave_out_blank(UploadPlan& plan) {
+    std::erase_if(plan.programs, is_blank);
+    if (plan.bandwidth.isEmpty() && !plan.programs.empty())
+        plan.bandwidth = plan.programs.front().satchbw;
+}
 
 QStringList opening_commands(UploadMode mode) {
     QStringList commands{command::kMeasure};

@@ -17,6 +17,10 @@ struct UploadPlan {
     int unit_index = 0;  ///< a LevelUnit
 };
 
+/// Takes the programs out that hold nothing yet. Where one of them is shown, the bandwidth is that
+/// of the first program that is left.
+void leave_out_blank(UploadPlan& plan);
+
 // The parts of an upload in the order they are sent.
 
 /// What comes before the meter's logger table can be known. In mode kDisable it ends with the query

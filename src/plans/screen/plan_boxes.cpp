@@ -6,6 +6,7 @@
 #include "diseqc_commands.h"
 #include "numbers.h"
 #include "plan_clashes.h"
+#include "program_checks.h"
 #include "ui_program_set.h"
 
 namespace m47 {
@@ -33,7 +34,7 @@ void PlanBoxes::show(const ProgramRecord& record) {
     ui_.prog_num->setText(record.pg_num.trimmed());
     ui_.sat_freq_txt->setText(record.frequenza);
     (record.loc_osc ? ui_.ol_opt_0 : ui_.ol_opt_1)->setChecked(true);
-    ui_.ol_optval->setCurrentIndex(record.loc_osc0);
+    ui_.ol_optval->setCurrentIndex(static_cast<int>(oscillator_entry(record)));
     ui_.cmd_dig->setChecked(record.sat_ad);
     ui_.srqpsk_txt->setText(record.qpsk_symbolrate);
     ui_.chbw_txt->setText(record.satchbw);
@@ -73,8 +74,8 @@ ProgramRecord PlanBoxes::read() const {
     record.sat_ad = ui_.cmd_dig->isChecked();
     record.qpsk_symbolrate = ui_.srqpsk_txt->text();
     record.satchbw = ui_.chbw_txt->text();
-    record.diseqc_cmd = chosen_entry(ui_.diseqc_cmd);
-    record.diseqc_cmd2 = chosen_entry(ui_.diseqc_cmd2);
+    record.diseqc_cmd = ui_.diseqc_cmd->currentIndex();
+    record.diseqc_cmd2 = ui_.diseqc_cmd2->currentIndex();
     record.lnb_volt = chosen_entry(ui_.lnb_state);
     record.K22 = chosen_entry(ui_.k22_state);
     record.logger_pos = ui_.logger_pos->currentText();

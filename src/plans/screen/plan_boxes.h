@@ -21,6 +21,7 @@ class PlanBoxes {
 
     /// Shows `record` and enables what goes with it; runs no check.
     void show(const ProgramRecord& record);
+    /// A DiSEqC list without a choice gives -1.
     ProgramRecord read() const;
 
     /// Empties the list of oscillators and fills it anew; the chosen entry stays.

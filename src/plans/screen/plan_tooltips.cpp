@@ -10,7 +10,7 @@ constexpr Tooltip kPlanTooltips[] = {
     {"prog_num", "Program number", "Numero del programma"},
     {"logger_pos", "Logger status table position", "Posizione nella tabella datalogger"},
     {"logger_state", "Logger status", "Stato attivazione"},
-    {"sat_opt", "Satellite options", "Opzioni satellite"},
+    {"sat_opt", "Satellite options", nullptr},
     {"k22_state", "Selection of 22KHz tone", "Selezione tono 22KHz"},
     {"lnb_state", "Selection of LNB options", "Selezione opzioni LNB"},
     {"diseqc_cmd", "Select DiSEqC commad", "Selezione comando DiSEqC"},

@@ -22,6 +22,15 @@ constexpr Bilingual kNoPlan{"There is no plan: make one first.",
                             "Non c'è alcun piano: occorre prima crearne uno."};
 constexpr Bilingual kNoProgram{"The plan has no program: make one first.",
                                "Il piano non ha programmi: occorre prima crearne uno."};
+constexpr Bilingual kProgramGone{
+    "Another program has deleted what was shown here. Nothing was stored; the screen shows what is "
+    "there now.",
+    "Un altro programma ha cancellato ciò che era mostrato qui. Nulla è stato memorizzato; la "
+    "schermata mostra ciò che c'è ora."};
+constexpr Bilingual kPlanGone{"The plan %1 is gone: another program has deleted it.",
+                              "Il piano %1 non c'è più: un altro programma l'ha cancellato."};
+constexpr Bilingual kFrequenciesCorrected{"Frequencies corrected, programs: %1",
+                                          "Frequenze corrette, programmi: %1"};
 
 /// The others stay in their places while `frame` is hidden.
 void keep_place(QWidget* frame) {
@@ -37,7 +46,7 @@ ProgramSet::ProgramSet(Link& link, ProgramState& program, Database& database, QW
       beep([] { QApplication::beep(); }),
       link_(link),
       program_(program),
-      sets_(database),
+      sets_(database, program.corrected),
       ui_(std::make_unique<Ui::ProgramSet>()),
       boxes_(*ui_) {
     ui_->setupUi(this);
@@ -46,6 +55,10 @@ ProgramSet::ProgramSet(Link& link, ProgramState& program, Database& database, QW
     ui_->delete_plan->setObjectName(QStringLiteral("delete"));
     // Its menu would hide the toolbar, and nothing would bring it back.
     setContextMenuPolicy(Qt::NoContextMenu);
+    sets_.on_checked = [this](const QStringList& numbers) {
+        const QString list = numbers.join(QStringLiteral(", "));
+        Q_EMIT upload_state(program_.texts.pick(kFrequenciesCorrected).arg(list), QString());
+    };
     set_icons();
     keep_place(ui_->dig_opt);
     keep_place(ui_->monitor_opt);
@@ -67,10 +80,31 @@ void ProgramSet::handle(const char* name, Body body) {
     run_handler(this, name, [&] {
         try {
             body();
+        } catch (const RecordGone&) {
+            show_current_row();
+            tell_problem(this, program_.texts.pick(kProgramGone));
         } catch (const EngineFault& fault) {
+            show_current_row();
             tell_database_fault(this, program_, fault);
+        } catch (const std::exception&) {
+            show_current_row();
+            throw;
         }
     });
+}
+
+/// After a fault the boxes may hold another program than the one that would be overwritten next.
+void ProgramSet::show_current_row() {
+    try {
+        sets_.refresh();
+    } catch (const Fault&) {
+        // The file cannot be read just now: what was read last stays.
+    }
+    try {
+        move_plan(true);
+    } catch (const Fault&) {
+        // Without a current row nothing can be overwritten.
+    }
 }
 
 void ProgramSet::set_icons() {
@@ -102,7 +136,16 @@ double ProgramSet::offset() const {
     return unit_offset(program_.unit_index);
 }
 
+/// Limits that nobody has typed since they were shown may be of another unit than the present one.
+std::optional<double> ProgramSet::offset_of_limits(const ProgramRecord& record) const {
+    const bool none = record.lev_min.trimmed().isEmpty() && record.lev_max.trimmed().isEmpty();
+    if (!program_.corrected.keep_unit || none) return offset();
+    return typed_offset_;
+}
+
 void ProgramSet::connect_boxes() {
+    for (QLineEdit* limit : {ui_->lev_mintxt, ui_->lev_maxtxt})
+        connect(limit, &QLineEdit::textEdited, this, [this] { typed_offset_ = offset(); });
     const auto check = [this](QLineEdit* box, const char* name, auto on_enter, auto on_leaving) {
         connect(box, &QLineEdit::returnPressed, this,
                 [this, name, on_enter] { handle(name, on_enter); });
@@ -212,6 +255,9 @@ void ProgramSet::show_monitor(bool visible) {
 void ProgramSet::mostra_record() {
     load_oscloc();
     boxes_.show(sets_.program());
+    shown_ = boxes_.read();
+    shown_oscillator_ = boxes_.oscillator();
+    typed_offset_.reset();
 }
 
 void ProgramSet::load_oscloc() {
@@ -233,7 +279,10 @@ void ProgramSet::move_program(bool moved) {
 /// True, and the user knows, where there is no plan that anything could be stored in.
 bool ProgramSet::lacks_plan() {
     if (sets_.has_current_plan()) return false;
-    tell_problem(this, program_.texts.pick(kNoPlan));
+    const QString lost = sets_.plan();
+    if (sets_.refresh()) move_plan(true);
+    tell_problem(this, sets_.plan().isEmpty() ? program_.texts.pick(kNoPlan)
+                                              : program_.texts.pick(kPlanGone).arg(lost));
     return true;
 }
 
@@ -245,20 +294,22 @@ bool ProgramSet::lacks_program() {
     return true;
 }
 
-void ProgramSet::store_record(bool over) {
-    if (over ? lacks_program() : lacks_plan()) return;
+/// False, and the user knows why, where nothing was stored.
+bool ProgramSet::store_record(bool over) {
+    if (over ? lacks_program() : lacks_plan()) return false;
     ProgramRecord record = boxes_.read();
     QString oscillator = boxes_.oscillator();
-    const Clash clash = sets_.store_record(record, oscillator, offset(), over);
+    const Clash clash = sets_.store_record(record, oscillator, offset_of_limits(record), over);
     if (clash == Clash::none) {
-        load_oscloc();
-        boxes_.show(record);
-        return;
+        // A new row is not the current one; whoever adds it moves to it.
+        if (over) mostra_record();
+        return true;
     }
     ui_->prog_num->setText(record.pg_num);
     beep();
     beep();
     tell_clash(this, program_.texts, clash);
+    return false;
 }
 
 void ProgramSet::show_first_program() {
@@ -267,8 +318,9 @@ void ProgramSet::show_first_program() {
 }
 
 void ProgramSet::store_as_new() {
-    store_record(false);
-    if (!sets_.has_current_plan()) return;
+    if (lacks_plan()) return;
+    const bool stored = store_record(false);
+    if (!stored && program_.corrected.keep_new) return;
     sets_.last_program();
     mostra_record();
 }
@@ -287,7 +339,11 @@ void ProgramSet::del_old() {
 }
 
 void ProgramSet::delete_program() {
-    if (!sets_.can_delete_program()) return;
+    if (!sets_.can_delete_program()) {
+        // Others may have left this one alone.
+        if (sets_.refresh()) move_plan(true);
+        return;
+    }
     if (!ask_remove(this, program_.texts, sets_.program().pg_num)) return;
     sets_.delete_program();
     mostra_record();
@@ -320,16 +376,30 @@ void ProgramSet::show_unit() {
         units[k]->setChecked(program_.unit_index == static_cast<int>(k));
 }
 
+/// The program that nobody has stored yet is no program to be sent, so it is not made one.
+void ProgramSet::store_for_upload() {
+    const bool typed = boxes_.read() != shown_ || boxes_.oscillator() != shown_oscillator_;
+    if (!program_.corrected.skip_empty || typed || !is_blank(sets_.program())) store_record(true);
+}
+
+/// What an upload sends.
+UploadPlan ProgramSet::plan_to_upload() const {
+    UploadPlan plan{sets_.programs(), sets_.oscillators(), sets_.program().satchbw,
+                    program_.unit_index};
+    if (program_.corrected.skip_empty) leave_out_blank(plan);
+    return plan;
+}
+
 void ProgramSet::download_group(const QString& prompt, UploadMode mode) {
     if (lacks_program()) return;
-    store_record(true);
+    store_for_upload();
+    const UploadPlan plan = plan_to_upload();
+    if (plan.programs.empty()) return tell_problem(this, program_.texts.pick(kNoProgram));
     if (!ask_continue(this, program_.texts, prompt)) return;
     PlanUpload upload(link_, program_);
     upload.on_progress = [this](int sent, int commands) {
         Q_EMIT upload_state(QStringLiteral("%1/%2").arg(sent).arg(commands), QString());
     };
-    const UploadPlan plan{sets_.programs(), sets_.oscillators(), sets_.program().satchbw,
-                          program_.unit_index};
     UploadResult result;
     try {
         result = upload.run(plan, mode);
@@ -344,9 +414,10 @@ void ProgramSet::download_group(const QString& prompt, UploadMode mode) {
 }
 
 void ProgramSet::verify_upload(PlanUpload& upload, UploadMode mode, const QString& before) {
-    const QString found = upload.ask_table();
-    if (!link_.can_send()) return;
-    VerifyDialog dialog(compare_table(sets_.programs(), mode, before, found), program_.texts, this);
+    const std::optional<QString> found = upload.ask_table();
+    const TableCheck check{compare_table(sets_.programs(), mode, before, found.value_or(QString())),
+                           mode, found.has_value()};
+    VerifyDialog dialog(check, program_.texts, this);
     dialog.exec();
 }
 

@@ -5,6 +5,7 @@
 #include <QMainWindow>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "link.h"
@@ -45,12 +46,13 @@ class ProgramSet : public QMainWindow {
     /// The menu entry "&Exit": the screen asks to be closed.
     void exit_asked();
 
-    /// How far an upload is, and what became of it.
+    /// How far an upload is, what became of it, and what else is not worth a box.
     void upload_state(const QString& text, const QString& tooltip);
 
   private:
     template <class Body>
     void handle(const char* name, Body body);
+    void show_current_row();
     void set_icons();
     void connect_boxes();
     void connect_oscillators();
@@ -58,13 +60,16 @@ class ProgramSet : public QMainWindow {
     void connect_menu();
     void fill_keys();
     double offset() const;
+    std::optional<double> offset_of_limits(const ProgramRecord& record) const;
 
     // Plans and programs
     bool lacks_plan();
     bool lacks_program();
     void mostra_record();
     void show_first_program();
-    void store_record(bool over);
+    bool store_record(bool over);
+    void store_for_upload();
+    UploadPlan plan_to_upload() const;
     void store_as_new();
     void add_new();
     void del_old();
@@ -97,6 +102,11 @@ class ProgramSet : public QMainWindow {
     PlanSets sets_;
     std::unique_ptr<Ui::ProgramSet> ui_;
     PlanBoxes boxes_;
+    /// The program in the boxes as it was shown, before anybody typed.
+    ProgramRecord shown_;
+    QString shown_oscillator_;
+    /// Of the unit in which the level limits have been typed since then.
+    std::optional<double> typed_offset_;
     QHash<QString, std::function<void()>> keys_;
     /// They call this screen and go before its controls, one of which may lose the focus by going.
     std::vector<std::unique_ptr<QObject>> filters_;

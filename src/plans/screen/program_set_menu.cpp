@@ -2,6 +2,7 @@
 // The menu entries of the plan screen that bring programs in and out.
 #include <QFileDialog>
 #include <QFileInfo>
+#include <optional>
 
 #include "fault.h"
 #include "file_question.h"
@@ -15,7 +16,6 @@
 namespace m47 {
 namespace {
 
-constexpr qint64 kLongestPlanFile = qint64{1024} * 1024;
 constexpr Bilingual kNotUnderstood{"%1 is neither a plan nor a DVB scan table.",
                                    "%1 non è un piano né una tabella DVB."};
 constexpr Bilingual kTooLong{"%1 is longer than 1 MiB, which no plan is.",
@@ -58,7 +58,7 @@ void ProgramSet::cmdimport_Click() {
     if (lacks_plan()) return;
     const QString path = ask_file(false, {QStringLiteral("(*)"), QStringLiteral("(*.tsv *.csv)")});
     if (path.isEmpty()) return;
-    const FileReading reading = read_plain_file(path, kLongestPlanFile);
+    const FileReading reading = read_plain_file(path, kLargestPlanFile);
     if (!reading.reason.isEmpty()) throw_plan_file_fault(path, reading.reason);
     const ImportFile file = parse_import_file(reading.bytes, offset());
     if (!file.understood) {
@@ -66,8 +66,10 @@ void ProgramSet::cmdimport_Click() {
         tell_problem(this, program_.texts.pick(what).arg(QFileInfo(path).fileName()));
         return;
     }
+    std::optional<double> unit_offset = offset();
+    if (program_.corrected.keep_unit) unit_offset.reset();
     const ImportPreview preview =
-        preview_import(file.candidates, sets_.programs(), sets_.oscillators(), offset());
+        preview_import(file.candidates, sets_.programs(), sets_.oscillators(), unit_offset);
     ImportDialog dialog(preview, file.unknown_columns, program_.texts, this);
     if (dialog.exec() != QDialog::Accepted) return;
     sets_.apply_import(preview);

@@ -6,7 +6,6 @@
 #include <QLabel>
 #include <QTableWidget>
 #include <QVBoxLayout>
-#include <algorithm>
 
 namespace m47 {
 namespace {
@@ -16,29 +15,74 @@ constexpr Bilingual kVerified{"The logger table is as planned.",
                               "La tabella datalogger è come previsto."};
 constexpr Bilingual kDiffers{"%1 lines of the logger table are not as planned.",
                              "%1 righe della tabella datalogger non sono come previsto."};
-constexpr Bilingual kVerifyColumns[] = {{"Line", "Riga"},
-                                        {"Planned: program, state", "Previsto: programma, stato"},
-                                        {"Found", "Trovato"},
-                                        {"", ""}};
+constexpr Bilingual kNoneActive{
+    "The plan enters no program in the logger table, and none is active there.",
+    "Il piano non inserisce programmi nella tabella datalogger e nessuno vi è attivo."};
+constexpr Bilingual kNothingPlanned{
+    "The plan enters no program in the logger table: nothing was compared.",
+    "Il piano non inserisce programmi nella tabella datalogger: nulla è stato confrontato."};
+constexpr Bilingual kNotTold{
+    "The meter did not tell its logger table: nothing was compared.",
+    "Lo strumento non ha comunicato la tabella datalogger: nulla è stato confrontato."};
+constexpr Bilingual kPlanned{"Active lines planned: %1.", "Righe attive previste: %1."};
+constexpr Bilingual kRead{"Lines read from the meter: %1, active: %2.",
+                          "Righe lette dallo strumento: %1, attive: %2."};
+constexpr Bilingual kActive{"program %1, active", "programma %1, attivo"};
+constexpr Bilingual kInactive{"program %1, inactive", "programma %1, non attivo"};
+constexpr Bilingual kNoLine{"none", "nessuno"};
+constexpr Bilingual kUnknown{"not told", "non comunicato"};
+const QString kUsualState = QStringLiteral("01");
 
-QString mark_of(const TableComparison& row) {
-    if (!row.judged) return {};
+constexpr Bilingual kVerifyColumns[] = {
+    {"Line", "Riga"}, {"Planned", "Previsto"}, {"Found", "Trovato"}, {"", ""}};
+
+QString mark_of(const TableComparison& row, const TableCheck& check) {
+    if (!row.judged || !check.told) return {};
     return row.matches() ? QStringLiteral("✓") : QStringLiteral("✗");
 }
 
-QTableWidget* table_of(const std::vector<TableComparison>& rows, const Texts& texts) {
+/// A program and state in words.
+QString in_words(const QString& entry, const Texts& texts) {
+    if (entry.isEmpty()) return texts.pick(kNoLine);
+    const QString program = entry.section(u' ', 0, 0);
+    if (!table_entry_active(entry)) return texts.pick(kInactive).arg(program);
+    const QString state = entry.section(u' ', -1);
+    const QString words = texts.pick(kActive).arg(program);
+    return state == kUsualState ? words : words + QStringLiteral(" (%1)").arg(state);
+}
+
+QStringList cells_of_line(const TableComparison& row, const TableCheck& check, const Texts& texts) {
+    return {row.line, in_words(row.planned, texts),
+            check.told ? in_words(row.found, texts) : texts.pick(kUnknown), mark_of(row, check)};
+}
+
+QString verdict_of(const TableCheck& check, const Texts& texts) {
+    if (!check.told) return texts.pick(kNotTold);
+    if (check.wrong() > 0) return texts.pick(kDiffers).arg(check.wrong());
+    if (check.planned() > 0) return texts.pick(kVerified);
+    return texts.pick(check.mode == kAppend ? kNothingPlanned : kNoneActive);
+}
+
+QString summary_of_check(const TableCheck& check, const Texts& texts) {
+    QString summary = verdict_of(check, texts) + u'\n' + texts.pick(kPlanned).arg(check.planned());
+    if (check.told) summary += u' ' + texts.pick(kRead).arg(check.found()).arg(check.active());
+    return summary;
+}
+
+QTableWidget* table_of(const TableCheck& check, const Texts& texts) {
     QStringList header;
     for (const Bilingual& column : kVerifyColumns) header += texts.pick(column);
-    auto* table = new QTableWidget(static_cast<int>(rows.size()), static_cast<int>(header.size()));
+    auto* table =
+        new QTableWidget(static_cast<int>(check.rows.size()), static_cast<int>(header.size()));
     table->setObjectName(QStringLiteral("verify_table"));
     table->setHorizontalHeaderLabels(header);
     table->verticalHeader()->hide();
     table->setEditTriggers(QAbstractItemView::NoEditTriggers);
     table->setSelectionBehavior(QAbstractItemView::SelectRows);
     int number = 0;
-    for (const TableComparison& row : rows) {
+    for (const TableComparison& row : check.rows) {
         int column = 0;
-        for (const QString& text : {row.line, row.planned, row.found, mark_of(row)})
+        for (const QString& text : cells_of_line(row, check, texts))
             table->setItem(number, column++, new QTableWidgetItem(text));
         ++number;
     }
@@ -49,21 +93,18 @@ QTableWidget* table_of(const std::vector<TableComparison>& rows, const Texts& te
 
 }  // namespace
 
-VerifyDialog::VerifyDialog(const std::vector<TableComparison>& rows, const Texts& texts,
-                           QWidget* parent)
+VerifyDialog::VerifyDialog(const TableCheck& check, const Texts& texts, QWidget* parent)
     : QDialog(parent) {
     setObjectName(QStringLiteral("verify_result"));
     setWindowTitle(texts.pick(kVerifyTitle));
-    const auto wrong =
-        std::ranges::count_if(rows, [](const TableComparison& row) { return !row.matches(); });
-    auto* summary =
-        new QLabel(wrong == 0 ? texts.pick(kVerified) : texts.pick(kDiffers).arg(wrong));
+    auto* summary = new QLabel(summary_of_check(check, texts));
+    summary->setTextFormat(Qt::PlainText);
     summary->setObjectName(QStringLiteral("verify_summary"));
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(summary);
-    layout->addWidget(table_of(rows, texts));
+    layout->addWidget(table_of(check, texts));
     layout->addWidget(buttons);
     resize(fontMetrics().averageCharWidth() * 70, fontMetrics().height() * 24);
 }

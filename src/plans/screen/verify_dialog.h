@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QDialog>
-#include <vector>
 
 #include "logger_table.h"
 #include "texts.h"
@@ -13,7 +12,7 @@ namespace m47 {
 class VerifyDialog : public QDialog {
     Q_OBJECT
   public:
-    VerifyDialog(const std::vector<TableComparison>& rows, const Texts& texts, QWidget* parent);
+    VerifyDialog(const TableCheck& check, const Texts& texts, QWidget* parent);
 };
 
 }  // namespace m47
