@@ -1517,6 +1517,48 @@ class PlanScreenTest : public QObject, protected ProgramInFolder {
         QCOMPARE(limits(), QStringLiteral("-89 -20"));
     }
 
+    void what_the_behaviour_as_ever_costs_is_told_once() {
+        start_on_patient_line();
+        const auto told = [this] {
+            auto* notice = window().findChild<QLabel*>(QStringLiteral("corrected_notice"));
+            const QString text = notice->text();
+            notice->clear();
+            return text;
+        };
+        type_two_programs_of_an_oscillator();
+        press("monitor");
+        type("lev_mintxt", QStringLiteral("30"));
+        type("lev_maxtxt", QStringLiteral("90"));
+        press("store");
+        QCOMPARE(told(), QString());
+        program_state().unit_index = kDbm;
+        press("store");
+        QCOMPARE(told(), QStringLiteral("Level limits changed to fit the unit: type them again"));
+        answering([this] { enter("prog_num", QStringLiteral("1")); }, pressing(QMessageBox::Ok));
+        QCOMPARE(told(), QStringLiteral("The refused program is gone: type it again"));
+        type_oscillator(QStringLiteral("9760"));
+        QCOMPARE(told(), QString());
+        type_oscillator(QStringLiteral("5150"));
+        QCOMPARE(told(), QStringLiteral("Other programs are out of range of the new oscillator: "
+                                        "store each of them"));
+        type_oscillator(QStringLiteral("9750"));
+        QCOMPARE(told(), QString());
+        const auto upload = [this] { answering(pressed("accoda"), pressing(QMessageBox::Yes)); };
+        upload();
+        QCOMPARE(told(), QString());
+        change_file(QStringLiteral("UPDATE programmi SET diseqc_cmd = NULL WHERE pg_num = '002'"));
+        upload();
+        QCOMPARE(told(), QStringLiteral("A program without DiSEqC was sent with TONE BURST: choose "
+                                        "NONE"));
+        new_plan(QStringLiteral("B"));
+        enter("prog_num", QStringLiteral("7"));
+        upload();
+        QCOMPARE(told(), QStringLiteral("An empty program was sent as program 00: delete it from "
+                                        "the plan"));
+        upload();
+        QCOMPARE(told(), QString());
+    }
+
     void imported_limits_stay_in_their_unit_where_that_is_chosen() {
         start_alone();
         program_state().unit_index = kDbm;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plan_sets.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "cut_text.h"
@@ -15,6 +16,7 @@ namespace m47 {
 namespace {
 
 constexpr qsizetype kNameLength = 10;
+constexpr int kNoDiseqcChosen = -1;
 const QString kPlanField = QStringLiteral("nome");
 constexpr Bilingual kNoPlanToStoreIn{"Nothing can be stored: there is no plan.",
                                      "Non si può memorizzare nulla: non c'è alcun piano."};
@@ -146,6 +148,13 @@ Oscillators PlanSets::oscillators() const {
     return config_ && !config_->empty() ? read_oscillators(*config_) : Oscillators();
 }
 
+bool PlanSets::has_unset_diseqc() const {
+    Recordset set = database_.of_plan(name_of(table::kProgrammi), plan_);
+    for (; !set.end_of_set(); set.move_next())
+        if (!is_blank(read(set)) && read_program(set, kNoDiseqcChosen).diseqc_cmd < 0) return true;
+    return false;
+}
+
 Oscillators PlanSets::oscillators_of(const QString& plan) const {
     const Recordset config = database_.of_plan(name_of(table::kConfigurazione), plan);
     return config.empty() ? Oscillators() : read_oscillators(config);
@@ -269,38 +278,58 @@ void PlanSets::write_oscillator_entry(int index, const QString& oscillator) {
     edit_configuration();
     write_oscillator(*config_, index, oscillator);
     config_->update();
-    const bool changed = typed_value(before) != typed_value(oscillator);
-    if (corrected_.check_all && changed && !oscillator.trimmed().isEmpty())
-        check_programs(index, oscillator);
+    if (oscillator.trimmed().isEmpty() || typed_value(before) == typed_value(oscillator)) return;
+    const std::vector<Bookmark> rows = out_of_range(index, oscillator);
+    if (corrected_.check_all) return check_programs(rows, oscillator);
+    const std::optional<Bookmark> shown = current_row();
+    unchecked_ = std::ranges::any_of(rows, [&](Bookmark row) { return row != shown; });
 }
 
-/// Brings the frequency of every program of the plan that is tuned through oscillator `index` into
-/// the range that it has now.
-void PlanSets::check_programs(int index, const QString& oscillator) {
-    const std::optional<Bookmark> current = current_row();
+/// The programs of the plan that are tuned through oscillator `index` at a frequency that
+/// `oscillator` does not bring into the meter's range.
+std::vector<Bookmark> PlanSets::out_of_range(int index, const QString& oscillator) const {
+    std::vector<Bookmark> rows;
     Recordset set = database_.of_plan(name_of(table::kProgrammi), plan_);
     for (; !set.end_of_set(); set.move_next()) {
         const ProgramRecord record = read(set);
-        const bool uses_it = !record.loc_osc && static_cast<int>(oscillator_entry(record)) == index;
+        const bool uses_it = !record.loc_osc && oscillator_entry(record.loc_osc0) == index;
         if (!uses_it || record.frequenza.isEmpty()) continue;
         const QString checked = stored_frequency(record.frequenza, false, oscillator);
-        if (checked == record.frequenza) continue;
+        if (checked != record.frequenza) rows.push_back(set.bookmark());
+    }
+    return rows;
+}
+
+void PlanSets::check_programs(const std::vector<Bookmark>& rows, const QString& oscillator) {
+    const std::optional<Bookmark> current = current_row();
+    Recordset set = database_.of_plan(name_of(table::kProgrammi), plan_);
+    for (const Bookmark row : rows) {
+        set.go_to(row);
+        const ProgramRecord record = read(set);
+        const QString checked = stored_frequency(record.frequenza, false, oscillator);
         set.edit();
         set.set(QStringLiteral("frequenza"), typed_value(checked));
         set.update();
         checked_ += record.pg_num;
     }
+    // As it is now in the file.
     if (current) programs_->go_to(*current);
+}
+
+void PlanSets::begin_checks() {
+    checked_.clear();
+    unchecked_ = false;
 }
 
 void PlanSets::tell_checked() {
     const QStringList numbers = std::exchange(checked_, {});
     if (!numbers.isEmpty() && on_checked) on_checked(numbers);
+    if (std::exchange(unchecked_, false) && on_unchecked) on_unchecked();
 }
 
 void PlanSets::store_oscloc(int index, const QString& oscillator) {
     need_plan();
-    checked_.clear();
+    begin_checks();
     all_or_nothing([&] { write_oscillator_entry(index, oscillator); });
     tell_checked();
 }
@@ -308,7 +337,7 @@ void PlanSets::store_oscloc(int index, const QString& oscillator) {
 Clash PlanSets::store_record(ProgramRecord& record, QString& oscillator,
                              std::optional<double> unit_offset, bool over) {
     need_plan();
-    checked_.clear();
+    begin_checks();
     if (corrected_.none_diseqc)
         for (int* command : {&record.diseqc_cmd, &record.diseqc_cmd2})
             if (*command < 0) *command = kDiseqcNone;

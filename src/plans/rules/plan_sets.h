@@ -32,6 +32,8 @@ class PlanSets {
 
     /// Told the numbers of the programs whose frequency a new oscillator has changed.
     std::function<void(const QStringList& numbers)> on_checked;
+    /// Told where a new oscillator leaves programs out of its range that are not on the screen.
+    std::function<void()> on_unchecked;
 
     /// The current plan's name; empty where the database has no plan.
     const QString& plan() const { return plan_; }
@@ -64,6 +66,8 @@ class PlanSets {
     std::vector<ProgramRecord> programs() const;
     /// Of the plan.
     Oscillators oscillators() const;
+    /// True where a program of the plan that holds something has no DiSEqC command chosen.
+    bool has_unset_diseqc() const;
 
     bool has_plan(const QString& name) const;
 
@@ -110,7 +114,9 @@ class PlanSets {
     void edit_configuration();
     ProgramRecord read(const Recordset& set) const;
     void write_oscillator_entry(int index, const QString& oscillator);
-    void check_programs(int index, const QString& oscillator);
+    std::vector<Bookmark> out_of_range(int index, const QString& oscillator) const;
+    void check_programs(const std::vector<Bookmark>& rows, const QString& oscillator);
+    void begin_checks();
     void tell_checked();
     std::optional<Bookmark> current_row() const;
     void reopen(std::optional<Bookmark> current);
@@ -125,6 +131,7 @@ class PlanSets {
     Database& database_;
     const CorrectedBehaviour& corrected_;
     QStringList checked_;
+    bool unchecked_ = false;
     Recordset plans_;
     std::optional<Recordset> programs_;
     std::optional<Recordset> config_;

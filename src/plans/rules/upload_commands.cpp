@@ -3,7 +3,6 @@
 
 #include "commands.h"
 #include "numbers.h"
-#include "program_checks.h"
 #include "program_commands.h"
 #include "tuning_range.h"
 

@@ -7,6 +7,7 @@
 #include "handler.h"
 #include "icons.h"
 #include "key_filter.h"
+#include "plan_costs.h"
 #include "plan_keys.h"
 #include "plan_questions.h"
 #include "plan_tooltips.h"
@@ -59,6 +60,7 @@ ProgramSet::ProgramSet(Link& link, ProgramState& program, Database& database, QW
         const QString list = numbers.join(QStringLiteral(", "));
         Q_EMIT upload_state(program_.texts.pick(kFrequenciesCorrected).arg(list), QString());
     };
+    sets_.on_unchecked = [this] { tell_unchecked(program_); };
     set_icons();
     keep_place(ui_->dig_opt);
     keep_place(ui_->monitor_opt);
@@ -297,10 +299,12 @@ bool ProgramSet::lacks_program() {
 /// False, and the user knows why, where nothing was stored.
 bool ProgramSet::store_record(bool over) {
     if (over ? lacks_program() : lacks_plan()) return false;
-    ProgramRecord record = boxes_.read();
+    const ProgramRecord typed = boxes_.read();
+    ProgramRecord record = typed;
     QString oscillator = boxes_.oscillator();
     const Clash clash = sets_.store_record(record, oscillator, offset_of_limits(record), over);
     if (clash == Clash::none) {
+        if (!typed_offset_) tell_changed_limits(program_, typed, record);
         // A new row is not the current one; whoever adds it moves to it.
         if (over) mostra_record();
         return true;
@@ -321,6 +325,7 @@ void ProgramSet::store_as_new() {
     if (lacks_plan()) return;
     const bool stored = store_record(false);
     if (!stored && program_.corrected.keep_new) return;
+    if (!stored) tell_refused_new(program_);
     sets_.last_program();
     mostra_record();
 }
@@ -409,6 +414,7 @@ void ProgramSet::download_group(const QString& prompt, UploadMode mode) {
         throw;
     }
     show_first_program();
+    if (result.accepted > 0) tell_sent(program_, plan, sets_.has_unset_diseqc());
     Q_EMIT upload_state(upload_summary(result, program_.texts), upload_refusals(result));
     if (program_.corrected.verify && link_.can_send()) verify_upload(upload, mode, result.table);
 }

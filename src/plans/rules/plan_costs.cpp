@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "plan_costs.h"
+
+#include <algorithm>
+
+namespace m47 {
+namespace {
+
+constexpr Bilingual kLimitsChanged{"Level limits changed to fit the unit: type them again",
+                                   "Limiti di livello adattati all'unità: scriverli di nuovo"};
+constexpr Bilingual kEmptySent{"An empty program was sent as program 00: delete it from the plan",
+                               "Un programma vuoto è stato inviato come 00: cancellarlo dal piano"};
+constexpr Bilingual kToneBurst{"A program without DiSEqC was sent with TONE BURST: choose NONE",
+                               "Un programma senza DiSEqC è stato inviato con TONE BURST: "
+                               "scegliere NONE"};
+constexpr Bilingual kTypedLost{"The refused program is gone: type it again",
+                               "Il programma rifiutato non c'è più: scriverlo di nuovo"};
+constexpr Bilingual kUnchecked{
+    "Other programs are out of range of the new oscillator: store each of them",
+    "Altri programmi sono fuori campo con il nuovo oscillatore: memorizzarli uno a uno"};
+
+bool changed(const QString& before, const QString& after) {
+    return !before.trimmed().isEmpty() && box_value(before) != box_value(after);
+}
+
+}  // namespace
+
+void tell_changed_limits(ProgramState& program, const ProgramRecord& before,
+                         const ProgramRecord& after) {
+    const bool lost =
+        changed(before.lev_min, after.lev_min) || changed(before.lev_max, after.lev_max);
+    if (lost && !program.corrected.keep_unit) program.costs.tell(kLimitsChanged);
+}
+
+void tell_sent(ProgramState& program, const UploadPlan& plan, bool unset_diseqc) {
+    const CorrectedBehaviour& corrected = program.corrected;
+    const bool empty = std::ranges::any_of(plan.programs, is_blank);
+    if (empty && !corrected.skip_empty) program.costs.tell(kEmptySent);
+    if (unset_diseqc && !corrected.none_diseqc) program.costs.tell(kToneBurst);
+}
+
+void tell_refused_new(ProgramState& program) {
+    if (!program.corrected.keep_new) program.costs.tell(kTypedLost);
+}
+
+void tell_unchecked(ProgramState& program) {
+    if (!program.corrected.check_all) program.costs.tell(kUnchecked);
+}
+
+}  // namespace m47
