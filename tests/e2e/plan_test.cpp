@@ -15,6 +15,7 @@ class PlanTest : public QObject {
 
   private Q_SLOTS:
     void two_passes_of_a_plan();
+    void full_tune_data();
     void full_tune();
     void no_such_plan_data();
     void no_such_plan();
@@ -81,10 +82,17 @@ void PlanTest::two_passes_of_a_plan() {
     QCOMPARE(stand.meter.commands(), kOpening + pass + pass);
 }
 
+void PlanTest::full_tune_data() {
+    QTest::addColumn<QString>("option");
+    for (const char* option : {"--full-tune", "--corrected"})
+        QTest::newRow(option) << QString::fromLatin1(option);
+}
+
 void PlanTest::full_tune() {
+    QFETCH(QString, option);
     TestStand stand;
     make_plan(stand, true);
-    const Ending ending = stand.measure({"--plan", "ROOF", "--full-tune"});
+    const Ending ending = stand.measure({"--plan", "ROOF", option});
     QCOMPARE(ending.status, 0);
     const QStringList rest{"LNB 01", "LNVOLT 18", "TONE22K 01", "DISEQC 05", "MEASURE"};
     const QStringList measurement{"ATTEN 6", "LEVANL?"};

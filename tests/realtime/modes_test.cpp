@@ -518,6 +518,7 @@ void ModesTest::oscillator_of_the_plan_data() {
     QTest::newRow("second") << QVariant(1) << "10750.5";
     QTest::newRow("third") << QVariant(2) << "10600";
     QTest::newRow("fourth") << QVariant(3) << "10600";
+    QTest::newRow("none is the first") << QVariant(7) << "9750";
     QTest::newRow("empty") << QVariant() << "10600";
 }
 

@@ -8,6 +8,7 @@
 #include "numbers.h"
 #include "tables.h"
 #include "time_delays.h"
+#include "tuning_range.h"
 
 namespace m47 {
 namespace {
@@ -152,8 +153,9 @@ void Modes::recall_tuning() {
         tuning_.locopt_Click(direct ? 0 : 1);
     }
     const QVariant oscillator = program.value(QStringLiteral("loc_osc0"));
-    if (!oscillator.isNull() && oscillator.toInt() == 0) panel_.ol_freq = oscillator_of_plan(0);
-    if (oscillator.toInt() == 1) panel_.ol_freq = oscillator_of_plan(1);
+    const int entry = oscillator_entry(oscillator.toInt());
+    // The third and fourth are sent by a pass that tunes everything, and shown by it.
+    if (!oscillator.isNull() && entry <= 1) panel_.ol_freq = oscillator_of_plan(entry);
     panel_.satlnb_state = whole_number(program, QStringLiteral("lnb_volt"));
     panel_.k22_state = whole_number(program, QStringLiteral("K22"));
     const QVariant digital = program.value(QStringLiteral("sat_ad"));
