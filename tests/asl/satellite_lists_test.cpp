@@ -219,6 +219,28 @@ class SatelliteListsTest : public QObject {
         QCOMPARE(f().panel().listastr[2], QStringLiteral("CIRRUS 9E"));
     }
 
+    void a_satellite_that_would_arrive_as_another_is_not_sent() {
+        f().add_satellite(QStringLiteral("13\u20ac"), kNovaData);
+        f().add_satellite(QStringLiteral("A\rASLDEL 3"), kNovaData);
+        f().add_satellite(QStringLiteral("EMPTY"), QString());
+        f().add_satellite(QStringLiteral("BLANK"), QStringLiteral("  "));
+        load();
+        const QStringList slots_before = f().panel().listastr;
+        const QString warned = "exclamation|AutomaticSatelliteLocation|";
+        const QString invalid = warned + "Invalid Satellite name!";
+        const QString no_data = warned +
+                                "Nothing is stored of this satellite but its name. Nothing was "
+                                "sent to the M47.";
+        const QStringList expected{invalid, invalid, no_data, no_data};
+        for (int place = 0; place < expected.size(); ++place) {
+            f().select_pc(place);
+            lists().cmdsave_Click();
+            QCOMPARE(f().user.take_seen(), QStringList(expected[place]));
+            QCOMPARE(f().commands(), QStringList());
+            QCOMPARE(f().panel().listastr, slots_before);
+        }
+    }
+
     void slots_from_ten_on_take_two_digits() {
         f().add_satellite(QStringLiteral("ZENIT 28E"), kNovaData);
         load();

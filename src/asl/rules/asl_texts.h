@@ -14,6 +14,10 @@ inline constexpr Bilingual kIncompleteCopy{
     "The data of this satellite did not arrive whole from the M47. Nothing was saved.",
     "I dati di questo satellite non sono arrivati completi dal M47. Non è stato salvato nulla."};
 
+inline constexpr Bilingual kNoData{
+    "Nothing is stored of this satellite but its name. Nothing was sent to the M47.",
+    "Di questo satellite è memorizzato solo il nome. Non è stato inviato nulla al M47."};
+
 // Saving and restoring all slots
 inline constexpr Bilingual kNothingRead{
     "The M47 did not send its satellite slots. Nothing was saved or changed.",

@@ -101,13 +101,27 @@ void SatelliteLists::learn(int slot, const QString& name) {
 void SatelliteLists::cmdsave_Click() {
     const int place = panel.listadb_place;
     if (!is_place(panel.listadb, place) || selected_pc_name() == kNoSatellite) return;
+    asl_.go_to(records_.at(static_cast<std::size_t>(place)));
+    if (!can_be_sent()) return;
     const int slot = slot_to_program(selected_pc_name());
     if (slot < 0) return;
-    asl_.go_to(records_.at(static_cast<std::size_t>(place)));
     panel.listastr[slot] = panel.listadb[place];
     const QString block = send_slot(slot, asl_.text(kDati));
     name_slot(slot, asl_.text(kNome));
     visualizza_listastr(Modo::patch, block);
+}
+
+/// False, with a message, where the current record would reach the meter as something else.
+bool SatelliteLists::can_be_sent() {
+    const bool name_fits = fits_the_line(asl_.text(kNome));
+    const bool has_data = !without_blanks(asl_.text(kDati)).isEmpty();
+    if (!name_fits)
+        questions_.warn(QString::fromLatin1(asl_text::kTitle),
+                        program_.texts.message(kInvalidSatelliteName));
+    else if (!has_data)
+        questions_.warn(QString::fromLatin1(asl_text::kTitle),
+                        program_.texts.pick(asl_text::kNoData));
+    return name_fits && has_data;
 }
 
 int SatelliteLists::slot_to_program(const QString& name) {

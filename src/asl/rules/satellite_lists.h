@@ -67,6 +67,7 @@ class SatelliteLists {
     void send(const QString& command);
     QString selected_slot_name() const;
     QString selected_pc_name() const;
+    bool can_be_sent();
     int slot_to_program(const QString& name);
     void learn(int slot, const QString& name);
     bool confirm(const char* title, int message, const QString& rest);

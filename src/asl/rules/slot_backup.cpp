@@ -125,9 +125,11 @@ void SlotBackup::write_slot(int slot, const SlotPlan& plan) {
     if (plan.fate == SlotFate::emptied) lists_.empty_slot(slot);
     if (plan.fate != SlotFate::written) return;
     lists_.send_slot(slot, plan.file->text());
-    // A name that is no satellite's came with the block; the meter takes none of these by command.
+    // A name that is no satellite's came with the block; the meter takes none of these by command,
+    // nor one with a control character, which would be a command of its own.
     const QString name = plan.file->name();
-    if (!name.isEmpty() && name != kNoSatellite) lists_.name_slot(slot, name);
+    if (!name.isEmpty() && name != kNoSatellite && fits_the_line(name))
+        lists_.name_slot(slot, name);
 }
 
 void SlotBackup::report(const RestorePlan& plan, const QString& before) {
