@@ -275,6 +275,54 @@ class DownloadTest : public QObject, protected ProgramInFolder {
                  sent_for(QStringLiteral("DATAOUT")) + "\r\n\r\n");
     }
 
+    void a_file_that_is_chosen_is_that_file() {
+        start_alone();
+        open_screen();
+        const auto put = [this](const char* name, const QByteArray& bytes) {
+            QFile file(in_folder(name));
+            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+        };
+        put("PLAIN", "chosen\r\n");
+        put("PLAIN.dwl", "another\r\n");
+        answer_dialog(in_folder("PLAIN"));
+        find<QAction>("open")->trigger();
+        QCOMPARE(shown(), QString("chosen\n"));
+        QCOMPARE(find<QLabel>("nome_file")->text(), in_folder("PLAIN"));
+        answer_dialog(in_folder("PLAIN"));
+        find<QAction>("save")->trigger();
+        QCOMPARE(content_of(in_folder("PLAIN")), QByteArray("chosen\r\n\r\n"));
+        QCOMPARE(content_of(in_folder("PLAIN.dwl")), QByteArray("another\r\n"));
+        answer_dialog(in_folder("PLAIN"));
+        find<QAction>("delete")->trigger();
+        QVERIFY(!QFile::exists(in_folder("PLAIN")));
+        // A name that no file has is the short one of a ".dwl".
+        answer_dialog(in_folder("PLAIN"));
+        find<QAction>("open")->trigger();
+        QCOMPARE(shown(), QString("another\n"));
+    }
+
+    void the_database_is_no_file_to_choose() {
+        start_alone();
+        open_screen();
+        const QString database = in_folder("VKDM47_03.mdb");
+        program_state().database_file = database;
+        QVERIFY(QFile::link(database, in_folder("other.dwl")));
+        for (const char* name : {"VKDM47_03.mdb", "other.dwl"}) {
+            QString told;
+            answer_dialog(in_folder(name));
+            QTimer::singleShot(400, this, [&told] {
+                auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+                QVERIFY(box);
+                told = box->text();
+                box->accept();
+            });
+            find<QAction>("delete")->trigger();
+            QVERIFY2(told.endsWith(" is the database of this program. Choose another file."),
+                     qPrintable(told));
+            QVERIFY(QFile::exists(database));
+        }
+    }
+
     void a_cancelled_dialog_changes_nothing() {
         start({QStringLiteral("--logger-bytes"), QStringLiteral("500")});
         click("cmddownload");

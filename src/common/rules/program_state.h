@@ -17,6 +17,8 @@ enum LevelUnit { kDbuv = 0, kDbmv = 1, kDbm = 2 };
 struct ProgramState {
     /// The folder the program works in, as `folder_with_separator` gives it.
     QString base_dir;
+    /// The database in use, which no file dialog gives away; empty where there is none.
+    QString database_file;
     Texts texts;
     Preferences preferences;
     /// What the user has chosen of the menu "Corrected behaviour".

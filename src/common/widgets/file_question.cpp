@@ -1,12 +1,91 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "file_question.h"
 
+#include <QFileInfo>
+#include <QMessageBox>
+
 namespace m47 {
+namespace {
+
+constexpr Bilingual kIsDatabase{"%1 is the database of this program. Choose another file.",
+                                "%1 è il database di questo programma. Scegliere un altro file."};
+
+/// A name that a file has stands for that file: the suffix is for new names alone. While the
+/// dialog knows the suffix it would put it behind either.
+class SuffixForNewNames {
+  public:
+    explicit SuffixForNewNames(QFileDialog& dialog) : dialog_(dialog) {
+        take();
+        // Behind the one that chooses another suffix with another kind of file.
+        QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, [this] { take(); });
+        // Without its suffix the name of a file may be none.
+        if (!suffix_.isEmpty()) dialog.setFileMode(QFileDialog::AnyFile);
+    }
+
+    QString put_behind(const QString& chosen) const {
+        const QFileInfo about(chosen);
+        const bool as_it_is =
+            suffix_.isEmpty() || about.exists() || about.fileName().contains(u'.');
+        return as_it_is ? chosen : chosen + u'.' + suffix_;
+    }
+
+  private:
+    void take() {
+        suffix_ = dialog_.defaultSuffix();
+        dialog_.setDefaultSuffix({});
+    }
+
+    QFileDialog& dialog_;
+    QString suffix_;
+};
+
+/// The dialog's own question, for a name that it has not seen.
+bool agrees_to_replace(QFileDialog& dialog, const QString& path) {
+    const QString text = QFileDialog::tr("%1 already exists.\nDo you want to replace it?")
+                             .arg(QFileInfo(path).fileName());
+    QMessageBox box(QMessageBox::Warning, dialog.windowTitle(), text,
+                    QMessageBox::Yes | QMessageBox::No, dialog.parentWidget());
+    box.setTextFormat(Qt::PlainText);
+    return box.exec() == QMessageBox::Yes;
+}
+
+bool confirms_replacing(const QFileDialog& dialog) {
+    return dialog.acceptMode() == QFileDialog::AcceptSave &&
+           !dialog.testOption(QFileDialog::DontConfirmOverwrite);
+}
+
+/// The file that the user has chosen, empty for none.
+QString chosen_file(QFileDialog& dialog) {
+    const SuffixForNewNames suffix(dialog);
+    while (dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty()) {
+        const QString chosen = dialog.selectedFiles().constFirst();
+        const QString path = suffix.put_behind(chosen);
+        const bool replaces = path != chosen && QFileInfo::exists(path);
+        if (!replaces || !confirms_replacing(dialog) || agrees_to_replace(dialog, path))
+            return path;
+    }
+    return {};
+}
+
+bool is_database(const QString& path, const ProgramState& program) {
+    const QString database = QFileInfo(program.database_file).canonicalFilePath();
+    return !database.isEmpty() && QFileInfo(path).canonicalFilePath() == database;
+}
+
+}  // namespace
 
 QString ask_for_file(QFileDialog& dialog, const ProgramState& program) {
     dialog.setDirectory(program.preferences.directory(program.base_dir));
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return {};
-    const QString chosen = dialog.selectedFiles().constFirst();
+    const QString chosen = chosen_file(dialog);
+    if (chosen.isEmpty()) return {};
+    if (is_database(chosen, program)) {
+        QMessageBox box(QMessageBox::Warning, dialog.windowTitle(),
+                        program.texts.pick(kIsDatabase).arg(chosen), QMessageBox::Ok,
+                        dialog.parentWidget());
+        box.setTextFormat(Qt::PlainText);
+        box.exec();
+        return {};
+    }
     program.preferences.file_chosen(chosen);
     return chosen;
 }
