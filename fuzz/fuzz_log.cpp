@@ -2,6 +2,7 @@
 // A measurement log that comes back onto the page: whatever the file holds and in whatever pieces
 // it is read, a row is eleven cells of one line. The input's first byte says where it is cut.
 #include <algorithm>
+#include <cmath>
 
 #include "fuzzing.h"
 #include "log_lines.h"
@@ -28,6 +29,15 @@ bool take_in_pieces(std::string_view text, std::size_t piece, m47::PageStore& st
     }
 }
 
+/// What a line does not say is absent, and what it says is a number.
+void check_measurement(const m47::Measurement& read) {
+    HOLDS(!read.unit && !read.program.known());
+    for (const m47::Reading& reading : read.readings)
+        HOLDS(!reading.measured() || std::isfinite(reading.value));
+    HOLDS(!read.instant || std::isfinite(*read.instant));
+    HOLDS(!read.frequency || std::isfinite(*read.frequency));
+}
+
 void check_rows(const m47::PageStore& store) {
     for (int row = 0; row < store.rows(); ++row) {
         const std::string_view line = store.line(row);
@@ -39,6 +49,7 @@ void check_rows(const m47::PageStore& store) {
             joined += store.cell(row, column);
         }
         HOLDS(joined == line);
+        check_measurement(store.measurement(row));
     }
 }
 

@@ -41,7 +41,7 @@ std::optional<double> instant_of(std::string_view date, std::string_view time) {
 
 std::optional<float> mhz_of(std::string_view text) {
     const std::optional<double> value = leading_value(text);
-    if (!value || *value > std::numeric_limits<float>::max()) return {};
+    if (!value || std::fabs(*value) > std::numeric_limits<float>::max()) return {};
     return static_cast<float>(*value);
 }
 

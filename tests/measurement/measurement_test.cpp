@@ -65,7 +65,8 @@ class MeasurementTest : public QObject {
     }
 
     void a_line_that_says_nothing_is_a_measurement_of_nothing() {
-        for (const char* line : {"", "a\tb", "\t\t\t\t\t\t\t\t\t\t", "99/99/99\t10:00:00\tx\ty"}) {
+        for (const char* line : {"", "a\tb", "\t\t\t\t\t\t\t\t\t\t", "99/99/99\t10:00:00\tx\ty",
+                                 "\t\t-1e300\t1e300\t-1e300\t-1\t\t\t\t\t"}) {
             const Measurement read = measurement_of_line(line);
             QVERIFY2(same(read, Measurement()), line);
         }
