@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QString>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -13,6 +14,8 @@ namespace m47 {
 /// What the meter measures of a program.
 enum class Quantity : std::uint8_t { level, ber, mer, pvber, cfo, cn, noise };
 inline constexpr std::size_t kAllQuantities = 7;
+/// What is drawn over time and summed up.
+inline constexpr std::array kQuantities{Quantity::level, Quantity::ber, Quantity::mer};
 
 /// The meter marks a reading that lies below or above its range with "<" or ">".
 enum class RangeMark : std::uint8_t { none, below, above };

@@ -7,7 +7,6 @@
 
 #include "page_store.h"
 #include "series_key.h"
-#include "trend_reading.h"
 
 namespace m47 {
 

@@ -221,6 +221,24 @@ class ReportTest : public QObject {
         QCOMPARE(trend.series().size(), std::size_t(2));
     }
 
+    void limits_are_those_of_the_ticked_alarms() {
+        RealtimePanel panel;
+        RealtimeState state;
+        panel.lev_mina = QStringLiteral("40");
+        panel.lev_maxa = QStringLiteral("80");
+        panel.lev_mind = QStringLiteral("45");
+        panel.lev_maxd = QStringLiteral("75");
+        for (const Quantity quantity : kQuantities) QVERIFY(!trend_limits(quantity, panel, state));
+        panel.alarm_statea[0] = panel.alarm_stated[0] = panel.alarm_stated[2] = true;
+        QCOMPARE(trend_limits(Quantity::level, panel, state)->lower, 40.0);
+        state.meas_mode = kDigitalMode;
+        QCOMPARE(trend_limits(Quantity::level, panel, state)->lower, 45.0);
+        QCOMPARE(trend_limits(Quantity::level, panel, state)->upper, 75.0);
+        QCOMPARE(trend_limits(Quantity::ber, panel, state)->lower, 1e-8);
+        QCOMPARE(trend_limits(Quantity::ber, panel, state)->upper, 3e-2);
+        QVERIFY(!trend_limits(Quantity::mer, panel, state));
+    }
+
     void the_limits_of_the_screen_are_those_of_the_presentation() {
         RealtimePanel panel;
         RealtimeState state;

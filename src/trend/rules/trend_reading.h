@@ -2,14 +2,10 @@
 #pragma once
 
 #include <algorithm>
-#include <array>
 
 #include "reading.h"
 
 namespace m47 {
-
-/// What the trend shows of a measurement, each on an axis of its own.
-inline constexpr std::array kQuantities{Quantity::level, Quantity::ber, Quantity::mer};
 
 /// The least bit error rate that a logarithmic axis shows: a count without an error lies there.
 inline constexpr double kLeastBer = 1e-9;

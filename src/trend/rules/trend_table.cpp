@@ -51,7 +51,7 @@ bool write_trend_table(QIODevice& file, std::span<const TrendSeries* const> seri
     for (const char* name : kNames) text.append(1, '\t').append(name);
     text += "\tSTATUS\tMARKS\tUNIT\n";
     for (const TrendSeries* each : series) {
-        const std::string program = each->key().name().toLatin1().toStdString();
+        const std::string program = each->key().name().simplified().toLatin1().toStdString();
         const std::string unit = unit_text(each->key().unit).toStdString();
         for (const TrendPoint& point : each->points()) {
             add_row(text, program, unit, point);

@@ -6,7 +6,6 @@
 #include <cmath>
 
 #include "measurement_log.h"
-#include "panel_limits.h"
 #include "row_time.h"
 #include "trend_data.h"
 #include "trend_limits.h"
@@ -401,24 +400,6 @@ class TrendTest : public QObject {
         QCOMPARE(drawn(samples.line), QStringLiteral("30 31 32 33 34"));
         QCOMPARE(samples.values->lower, 31.0);
         QCOMPARE(samples.values->upper, 33.0);
-    }
-
-    void limits_are_those_of_the_ticked_alarms() {
-        RealtimePanel panel;
-        RealtimeState state;
-        panel.lev_mina = QStringLiteral("40");
-        panel.lev_maxa = QStringLiteral("80");
-        panel.lev_mind = QStringLiteral("45");
-        panel.lev_maxd = QStringLiteral("75");
-        for (const Quantity quantity : kQuantities) QVERIFY(!trend_limits(quantity, panel, state));
-        panel.alarm_statea[0] = panel.alarm_stated[0] = panel.alarm_stated[2] = true;
-        QCOMPARE(trend_limits(Quantity::level, panel, state)->lower, 40.0);
-        state.meas_mode = kDigitalMode;
-        QCOMPARE(trend_limits(Quantity::level, panel, state)->lower, 45.0);
-        QCOMPARE(trend_limits(Quantity::level, panel, state)->upper, 75.0);
-        QCOMPARE(trend_limits(Quantity::ber, panel, state)->lower, 1e-8);
-        QCOMPARE(trend_limits(Quantity::ber, panel, state)->upper, 3e-2);
-        QVERIFY(!trend_limits(Quantity::mer, panel, state));
     }
 
     void the_value_axis_shows_limits_but_never_presses_the_values_flat() {
