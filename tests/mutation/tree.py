@@ -19,9 +19,15 @@ class BuildFailed(Exception):
     """A build that fails for another reason than a mutant."""
 
 
-def folder_of(room):
-    """Where the sources of a room lie that can be mutated: none but rules, and the database."""
-    return "src/db" if room == "db" else f"src/{room}/rules"
+def rooms_of(project):
+    """What can be mutated: each room's name and the folder of its rules; a room without screens is
+    such a folder itself. The shell has none."""
+    rooms = {}
+    for room in sorted(Path(project, "src").iterdir()):
+        folder = room / "rules" if (room / "rules").is_dir() else room
+        if room.name != "shell" and any(folder.glob("*.cpp")):
+            rooms[room.name] = str(folder.relative_to(project))
+    return rooms
 
 
 class Tree:
@@ -30,6 +36,7 @@ class Tree:
     def __init__(self, project, place):
         self._project = Path(project)
         self._copy = Path(place)
+        self.rooms = rooms_of(project)
         self._written = {}
 
     @property
@@ -57,9 +64,11 @@ class Tree:
         commands = json.loads((self.build_folder / "compile_commands.json").read_text())
         result = {}
         for room in rooms:
-            folder = folder_of(room)
+            folder = self.rooms[room]
             units = [c for c in commands if f"/{PRESET}/{folder}/" in c["file"]
                      and "/unity_" in c["file"]]
+            if not units:
+                raise BuildFailed(f"{folder} is not compiled as one")
             found = {}
             for unit in units:
                 here, faults = places_in(unit["file"], _arguments(unit),
