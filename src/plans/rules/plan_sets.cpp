@@ -11,6 +11,7 @@
 #include "numbers.h"
 #include "program_checks.h"
 #include "tables.h"
+#include "tuning_range.h"
 
 namespace m47 {
 namespace {
