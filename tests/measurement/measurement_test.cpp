@@ -110,6 +110,18 @@ class MeasurementTest : public QObject {
         QVERIFY(page.memory_bytes() < 5000 * 150);
     }
 
+    void limits_with_one_bound_are_kept_as_such() {
+        PageStore page;
+        std::vector<Limits> all{{30, 80}, {30, {}}, {{}, 80}, {0, 80}};
+        for (const Limits& limits : all) {
+            Measurement made = whole();
+            made.limits[0] = limits;
+            page.append(cells(), made);
+        }
+        for (std::size_t k = 0; k < all.size(); ++k)
+            QVERIFY(page.measurement(static_cast<int>(k)).limits[0] == all[k]);
+    }
+
     void the_instant_of_a_row_is_that_of_its_text() {
         const QDateTime moment({2026, 11, 21}, {10, 0, 1, 700});
         QCOMPARE(row_instant(moment), *row_midnight("21/11/26") + 36001);
