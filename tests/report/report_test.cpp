@@ -239,6 +239,19 @@ class ReportTest : public QObject {
         QVERIFY(!trend_limits(Quantity::mer, panel, state));
     }
 
+    void an_empty_limit_is_no_band_where_it_checks_nothing() {
+        RealtimePanel panel;
+        const RealtimeState state;
+        panel.alarm_statea[0] = true;
+        for (const char* minimum : {"", "40"}) {
+            panel.lev_mina = QString::fromLatin1(minimum);
+            QVERIFY(trend_limits(Quantity::level, panel, state));
+            QVERIFY(!trend_limits(Quantity::level, panel, state, EmptyLimits::none));
+        }
+        panel.lev_maxa = QStringLiteral("80");
+        QCOMPARE(trend_limits(Quantity::level, panel, state, EmptyLimits::none)->upper, 80.0);
+    }
+
     void the_limits_of_the_screen_are_those_of_the_presentation() {
         RealtimePanel panel;
         RealtimeState state;
@@ -258,6 +271,25 @@ class ReportTest : public QObject {
         QVERIFY(limits.level.isEmpty());
         QCOMPARE(limits.ber, QStringLiteral("1E-8 … 3E-2"));
         QCOMPARE(limits.mer, QStringLiteral("12 … 30"));
+    }
+
+    void an_empty_limit_is_none_where_it_checks_nothing() {
+        RealtimePanel panel;
+        const RealtimeState state;
+        panel.alarm_statea = {true, true};
+        panel.lev_mina = "45";
+        QCOMPARE(limits_of_panel(panel, state).cn, QStringLiteral("0 … 0"));
+        const ReportLimits limits = limits_of_panel(panel, state, EmptyLimits::none);
+        QCOMPARE(limits.level, QStringLiteral("45 … –"));
+        QVERIFY(limits.cn.isEmpty());
+        RealtimeFixture fixture;
+        fixture.panel().alarm_statea = {true, true};
+        Recordset programs = fixture.database().of_plan("programmi", "PLAN 1");
+        fixture.change_row(programs, {{"monitor_state", 1}, {"sat_ad", 0}, {"lev_max", "80"}});
+        const ReportLimits of_plan =
+            limits_of_plan(programs, fixture.panel(), EmptyLimits::none).value(0);
+        QCOMPARE(of_plan.level, QStringLiteral("– … 80"));
+        QVERIFY(of_plan.cn.isEmpty());
     }
 
     void the_limits_of_a_plan_are_those_of_its_monitored_programs() {

@@ -1,23 +1,33 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "panel_limits.h"
 
-#include "alarm_limits.h"
 #include "numbers.h"
 
 namespace m47 {
 namespace {
 
-QString limit_text(const QString& limit) {
-    // A box without a number counts as 0, also where it is empty.
-    return limit.trimmed().isEmpty() ? QStringLiteral("0") : limit.trimmed();
-}
+/// What stands between a minimum and a maximum, as the user has set them.
+class Between {
+  public:
+    explicit Between(EmptyLimits empty) : empty_(empty) {}
 
-QString between(bool enabled, const QString& minimum, const QString& maximum) {
-    if (!enabled) return {};
-    return limit_text(minimum) + QStringLiteral(" … ") + limit_text(maximum);
-}
+    QString operator()(bool enabled, const QString& minimum, const QString& maximum) const {
+        const bool none = minimum.trimmed().isEmpty() && maximum.trimmed().isEmpty();
+        if (!enabled || (none && empty_ == EmptyLimits::none)) return {};
+        return limit_text(minimum) + QStringLiteral(" … ") + limit_text(maximum);
+    }
 
-ReportLimits limits_of_record(const Recordset& program, const RealtimePanel& panel) {
+  private:
+    QString limit_text(const QString& limit) const {
+        if (!limit.trimmed().isEmpty()) return limit.trimmed();
+        return empty_ == EmptyLimits::none ? QStringLiteral("–") : QStringLiteral("0");
+    }
+
+    EmptyLimits empty_;
+};
+
+ReportLimits limits_of_record(const Recordset& program, const RealtimePanel& panel,
+                              const Between& between) {
     const bool digital = typed_value(program.text(QStringLiteral("sat_ad"))) == 1;
     const auto limits = [&](bool enabled, const char* minimum, const char* maximum) {
         return between(enabled, program.text(QLatin1String(minimum)),
@@ -38,17 +48,19 @@ ReportLimits limits_of_record(const Recordset& program, const RealtimePanel& pan
 }  // namespace
 
 std::optional<TrendRange> trend_limits(Quantity quantity, const RealtimePanel& panel,
-                                       const RealtimeState& state) {
+                                       const RealtimeState& state, EmptyLimits empty) {
     const bool digital = state.meas_mode == kDigitalMode;
     AlarmRow row = digital ? AlarmRow::dcp_level : AlarmRow::level_analog;
     if (quantity == Quantity::ber) row = AlarmRow::chber;
     if (quantity == Quantity::mer) row = AlarmRow::mer;
-    const AlarmLimits limits = limits_of(row, panel);
-    if (!limits.enabled) return {};
-    return TrendRange{limits.minimum, limits.maximum};
+    const std::optional<Limits> limits = limits_in_force(row, panel, empty);
+    if (!limits || !limits->minimum || !limits->maximum) return {};
+    return TrendRange{*limits->minimum, *limits->maximum};
 }
 
-ReportLimits limits_of_panel(const RealtimePanel& panel, const RealtimeState& state) {
+ReportLimits limits_of_panel(const RealtimePanel& panel, const RealtimeState& state,
+                             EmptyLimits empty) {
+    const Between between(empty);
     ReportLimits made;
     made.frequency = panel.fsat.trimmed();
     if (state.meas_mode == kDigitalMode) {
@@ -63,11 +75,12 @@ ReportLimits limits_of_panel(const RealtimePanel& panel, const RealtimeState& st
     return made;
 }
 
-QList<ReportLimits> limits_of_plan(Recordset& programs, const RealtimePanel& panel) {
+QList<ReportLimits> limits_of_plan(Recordset& programs, const RealtimePanel& panel,
+                                   EmptyLimits empty) {
     QList<ReportLimits> all;
     for (programs.move_first(); !programs.end_of_set(); programs.move_next())
         if (typed_value(programs.text(QStringLiteral("monitor_state"))) == 1)
-            all.append(limits_of_record(programs, panel));
+            all.append(limits_of_record(programs, panel, Between(empty)));
     return all;
 }
 

@@ -4,6 +4,7 @@
 #include <QList>
 #include <optional>
 
+#include "alarm_limits.h"
 #include "customer_report.h"
 #include "realtime_panel.h"
 #include "recordset.h"
@@ -12,15 +13,19 @@
 namespace m47 {
 
 /// The limits that a value of `quantity` has to lie between by the panel as it stands; nothing
-/// while its alarm is not ticked. The level has those of the presentation in force.
+/// while its alarm is not ticked or one of the two is none. The level has those of the presentation
+/// in force.
 std::optional<TrendRange> trend_limits(Quantity quantity, const RealtimePanel& panel,
-                                       const RealtimeState& state);
+                                       const RealtimeState& state,
+                                       EmptyLimits empty = EmptyLimits::zero);
 
-/// The limits as they stand on the panel.
-ReportLimits limits_of_panel(const RealtimePanel& panel, const RealtimeState& state);
+/// The limits as they stand on the panel; those that nothing is held against are empty.
+ReportLimits limits_of_panel(const RealtimePanel& panel, const RealtimeState& state,
+                             EmptyLimits empty = EmptyLimits::zero);
 
 /// Those of the monitored programs among `programs`, whose alarms are on where the panel has them
 /// on. Leaves the set at its end.
-QList<ReportLimits> limits_of_plan(Recordset& programs, const RealtimePanel& panel);
+QList<ReportLimits> limits_of_plan(Recordset& programs, const RealtimePanel& panel,
+                                   EmptyLimits empty = EmptyLimits::zero);
 
 }  // namespace m47

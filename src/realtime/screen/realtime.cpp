@@ -283,7 +283,9 @@ void Realtime::prepare_page() {
     connect(&rules.page, &PageModel::rowsInserted, this, &Realtime::follow_page);
     ui_->trend->set_page(
         &rules.page,
-        [this](Quantity quantity) { return trend_limits(quantity, rules.panel, rules.state); },
+        [this](Quantity quantity) {
+            return trend_limits(quantity, rules.panel, rules.state, rules.steps.empty_limits());
+        },
         program_);
 }
 
@@ -373,10 +375,10 @@ void Realtime::cmdreport_Click() {
 
 QList<ReportLimits> Realtime::limits_in_force() {
     if (rules.state.acq_kind != kPlan || !rules.modes.rs_programs)
-        return {limits_of_panel(rules.panel, rules.state)};
+        return {limits_of_panel(rules.panel, rules.state, rules.steps.empty_limits())};
     // A set of its own: a pass may be going through the plan's.
     Recordset programs = database_.of_plan(QLatin1String(table::kProgrammi), rules.panel.grp_name);
-    return limits_of_plan(programs, rules.panel);
+    return limits_of_plan(programs, rules.panel, rules.steps.empty_limits());
 }
 
 void Realtime::write_report(const QString& file, const ReportEntry& entry) {
@@ -389,7 +391,9 @@ void Realtime::write_report(const QString& file, const ReportEntry& entry) {
     QApplication::setOverrideCursor(Qt::WaitCursor);
     const QString reason = save_report(
         file, rules.page.store(), context,
-        [this](Quantity quantity) { return trend_limits(quantity, rules.panel, rules.state); },
+        [this](Quantity quantity) {
+            return trend_limits(quantity, rules.panel, rules.state, rules.steps.empty_limits());
+        },
         program_.texts);
     QApplication::restoreOverrideCursor();
     if (!reason.isEmpty())
