@@ -365,7 +365,7 @@ class GuiTest : public QObject, protected ProgramInFolder {
             const auto first_row = connect(&screen->rules.page, &PageModel::rowsInserted, this,
                                            [&] { QSqlQuery("BEGIN EXCLUSIVE", other); });
             find<QAction>("multiple_acq", screen)->trigger();
-            QTRY_COMPARE_WITH_TIMEOUT(progress->text(), QString("Giro interrotto"), 20000);
+            QTRY_COMPARE_WITH_TIMEOUT(progress->text(), QString("Pass cut short"), 20000);
             disconnect(first_row);
             QVERIFY2(progress->toolTip().contains("locked"), qPrintable(progress->toolTip()));
             QVERIFY(!screen->rules.state.plan_run_active);

@@ -83,6 +83,17 @@ class ScreensTest : public QObject, protected ProgramInFolder {
         QCOMPARE(tips(), italian);
     }
 
+    void a_pass_that_was_cut_short_is_told_in_the_language() {
+        Realtime* screen = open_realtime();
+        const auto* progress = find<QLabel>("plan_progress");
+        Q_EMIT screen->cut_short(QStringLiteral("<b>why</b>"));
+        QCOMPARE(progress->text(), QStringLiteral("Giro interrotto"));
+        QVERIFY(progress->toolTip().contains(QStringLiteral("&lt;b&gt;why")));
+        find<QAction>("cmdinglese")->trigger();
+        Q_EMIT screen->cut_short(QString());
+        QCOMPARE(progress->text(), QStringLiteral("Pass cut short"));
+    }
+
     void it_starts_in_italian_and_the_menu_changes_only_what_comes_after() {
         QCOMPARE(program_state().texts.language, int(kItalian));
         QVERIFY(find<QAction>("cmditaliano")->isChecked());
