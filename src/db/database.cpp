@@ -13,6 +13,14 @@ QString stored_plan_name(const QString& text) {
     return text.trimmed().toUpper();
 }
 
+bool find_plan(Recordset& plans, const QString& name) {
+    if (plans.empty()) return false;
+    const QString wanted = stored_plan_name(name);
+    for (plans.move_first(); !plans.end_of_set(); plans.move_next())
+        if (stored_plan_name(plans.text(QStringLiteral("nome"))) == wanted) return true;
+    return false;
+}
+
 std::unique_ptr<Database> Database::open(const QString& path, DatabaseError& error) {
     if (const auto fault = fault_of_file(path)) {
         error = *fault;

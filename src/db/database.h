@@ -50,6 +50,10 @@ struct DatabaseError {
 /// and in upper case.
 QString stored_plan_name(const QString& text);
 
+/// Makes the row of the plan `name` the current one of `plans`, a set on the list of plans, in
+/// whatever letters it is stored. False where there is none.
+bool find_plan(Recordset& plans, const QString& name);
+
 /// The program's one database file and its four shared record sets, open for the whole run.
 class Database {
   public:

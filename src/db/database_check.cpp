@@ -147,8 +147,10 @@ void probe_write(const QSqlDatabase& database) {
     Query(database, QStringLiteral("BEGIN IMMEDIATE"));
     try {
         Query(database, QStringLiteral("CREATE TABLE m47_write_probe (unused)"));
-    } catch (const EngineFault&) {
+    } catch (const EngineFault& fault) {
         QSqlQuery(QStringLiteral("ROLLBACK"), database);
+        // A full disk stands in the way of storing alone, which tells it then.
+        if (meaning_of(fault.code()) == DatabaseFault::full) return;
         throw;
     }
     Query(database, QStringLiteral("ROLLBACK"));

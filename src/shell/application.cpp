@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "application.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <QApplication>
 #include <QDir>
 #include <QTimer>
@@ -10,6 +13,7 @@
 #include "database_error.h"
 #include "display.h"
 #include "fault.h"
+#include "file_options.h"
 #include "handler.h"
 #include "icons.h"
 #include "import_command.h"
@@ -46,8 +50,18 @@ void pass_message(QtMsgType type, const QMessageLogContext& context, const QStri
         g_toolkit_messages(type, context, text);
 }
 
-void print(std::FILE* stream, const QString& text) {
-    std::fprintf(stream, "%s\n", text.toLocal8Bit().constData());
+/// False when the text did not get out whole.
+bool print(std::FILE* stream, const QString& text) {
+    return std::fprintf(stream, "%s\n", text.toLocal8Bit().constData()) >= 0 &&
+           std::fflush(stream) == 0;
+}
+
+/// A file that is opened later must not come to be what a standard stream writes into. What is
+/// closed is opened the wrong way round, so that using it fails.
+void occupy_closed_streams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (::fcntl(stream, F_GETFD) < 0)
+            static_cast<void>(::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY));
 }
 
 /// The command line without the options of the window system, which QApplication reads itself.
@@ -81,7 +95,7 @@ void tell(const QString& text, const Options& options) {
 }
 
 std::unique_ptr<Database> open_database(const ProgramState& state, const Options& options) {
-    const QString path = state.base_dir + QLatin1String(kDatabaseFile);
+    const QString& path = state.database_file;
     DatabaseError error{};
     std::unique_ptr<Database> database;
     if (!options.create_database || Database::create(path, error))
@@ -113,15 +127,21 @@ int run_with_options(int argc, char** argv, const Options& options) {
     state.texts.language = options.unattended() ? kEnglish : kItalian;
     if (!enter_folder(options)) {
         tell(state.texts.pick(kNoFolder).arg(asked_folder(options)), options);
-        return options.unattended() ? kDatabase : 1;
+        return kDatabase;
     }
     state.base_dir = folder_with_separator(QDir::currentPath());
+    state.database_file = state.base_dir + QLatin1String(kDatabaseFile);
+    const QString wrong_file = file_option_fault(options, state.base_dir);
+    if (!wrong_file.isEmpty()) {
+        print(stderr, QStringLiteral("m47-remote: ") + wrong_file);
+        return kUsage;
+    }
     if (!options.unattended()) state.preferences = Preferences(Preferences::usual_file());
     if (options.corrected) choose_all(state.corrected, true);
     if (options.full_tune) state.corrected.full_tune = true;
     if (options.confirm) state.corrected.ask_twice = true;
     std::unique_ptr<Database> database = open_database(state, options);
-    if (!database) return options.unattended() ? kDatabase : 1;
+    if (!database) return kDatabase;
     if (!options.import_database.isEmpty())
         return import_unattended(*database, options.import_database, state.texts);
     PortList ports;
@@ -133,15 +153,14 @@ int run_with_options(int argc, char** argv, const Options& options) {
 }  // namespace
 
 int run_program(int argc, char** argv) {
+    occupy_closed_streams();
     if (argc == 2 && qstrcmp(argv[1], kReadOldDatabase) == 0) return run_old_reader();
     const Options options = parse_options(own_arguments(argc, argv));
     switch (options.action) {
         case Options::Action::help:
-            print(stdout, help_text().trimmed());
-            return kGood;
+            return print(stdout, help_text().trimmed()) ? kGood : kOutputLost;
         case Options::Action::version:
-            print(stdout, QStringLiteral("m47-remote " M47_VERSION));
-            return kGood;
+            return print(stdout, QStringLiteral("m47-remote " M47_VERSION)) ? kGood : kOutputLost;
         case Options::Action::wrong:
             print(stderr, QStringLiteral("m47-remote: ") + options.error);
             return kUsage;

@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "port_list.h"
+#include "tuning_range.h"
 
 namespace m47 {
 namespace {
@@ -38,9 +39,9 @@ void add_options(QCommandLineParser& parser) {
         {"measure", "Measure without a window and print each row, TAB-separated."},
         {"analog", "Measure the analog way (the default)."},
         {"digital", "Measure the digital way (QPSK)."},
-        {"freq", "Frequency to measure at.", "MHZ"},
-        {"bandwidth", "Channel bandwidth for the digital channel power.", "MHZ"},
-        {"symbol-rate", "QPSK symbol rate.", "KS"},
+        {"freq", "Frequency to measure at, 920 to 2150.", "MHZ"},
+        {"bandwidth", "Channel bandwidth for the digital channel power, 5 to 36.", "MHZ"},
+        {"symbol-rate", "QPSK symbol rate, 1500 to 45000.", "KS"},
         {"alarm",
          "Check limits, NAME one of level, ber, mer; repeatable. With --plan NAME alone: the "
          "limits "
@@ -55,7 +56,9 @@ void add_options(QCommandLineParser& parser) {
         {"every", "Begin a pass over the plan every so many SECONDS.", "SECONDS"},
         {"full-tune",
          "Set oscillator, LNB, tone, DiSEqC and bandwidth of each program of the plan too."},
-        {"reconnect", "After a lost link go on when the plan's meter answers again."},
+        {"reconnect",
+         "Wait for a meter that does not answer at the start, and after a lost link go on when the "
+         "plan's meter answers again."},
         {"log", "Append each row to FILE as well.", "FILE"},
         {"screenshot", "Write a picture of the real-time screen at the end.", "FILE"},
         {"import-database",
@@ -96,10 +99,15 @@ QString read_alarm_limits(const QString& value, QList<AlarmOption>& alarms) {
     const QRegularExpressionMatch match = kForm.match(value);
     bool minimum_good = false;
     bool maximum_good = false;
-    match.captured(2).toDouble(&minimum_good);
-    match.captured(3).toDouble(&maximum_good);
-    if (!kAlarmNames.contains(match.captured(1)) || !minimum_good || !maximum_good)
+    const double minimum = match.captured(2).toDouble(&minimum_good);
+    const double maximum = match.captured(3).toDouble(&maximum_good);
+    if (!kAlarmNames.contains(match.captured(1)) || !minimum_good || !maximum_good ||
+        !std::isfinite(minimum) || !std::isfinite(maximum))
         return QStringLiteral("--alarm takes NAME=MIN:MAX with NAME one of level, ber, mer");
+    // A value passes between the two, so nothing could.
+    if (minimum >= maximum)
+        return QStringLiteral("--alarm %1 takes a MIN below its MAX, not %2")
+            .arg(match.captured(1), value);
     alarms.append({match.captured(1), match.captured(2), match.captured(3)});
     return {};
 }
@@ -112,14 +120,41 @@ QString read_alarms(const QCommandLineParser& parser, QList<AlarmOption>& alarms
     return error;
 }
 
-QString read_positive(const QCommandLineParser& parser, const QString& name, QString& text) {
+/// A value that the screen would move into its range without a word.
+struct RangedOption {
+    const char* name;
+    TuningRange range;
+    const char* unit;
+    QString Options::*text;
+};
+
+QString read_ranged(const QCommandLineParser& parser, const RangedOption& option,
+                    Options& options) {
+    const QString name = QLatin1String(option.name);
     if (!parser.isSet(name)) return {};
     bool good = false;
-    text = parser.value(name);
+    const QString text = parser.value(name);
     const double value =
         QString(text).replace(QLocale().decimalPoint(), QStringLiteral(".")).toDouble(&good);
-    if (good && std::isfinite(value) && value > 0) return {};
-    return QStringLiteral("--%1 takes a number above 0").arg(name);
+    options.*option.text = text;
+    if (good && value >= option.range.minimum && value <= option.range.maximum) return {};
+    return QStringLiteral("--%1 takes a number from %2 to %3 %4")
+        .arg(name)
+        .arg(option.range.minimum)
+        .arg(option.range.maximum)
+        .arg(QLatin1String(option.unit));
+}
+
+/// A measurement without a plan is tuned directly.
+QString read_ranged_options(const QCommandLineParser& parser, Options& options) {
+    const RangedOption ranged[] = {
+        {"freq", tuning_range(true, 0), "MHz", &Options::frequency},
+        {"bandwidth", {kBandwidthMinimum, kBandwidthMaximum}, "MHz", &Options::bandwidth},
+        {"symbol-rate", {kSymbolRateMinimum, kSymbolRateMaximum}, "kS/s", &Options::symbol_rate}};
+    QString error;
+    for (const RangedOption& option : ranged)
+        if (error.isEmpty()) error = read_ranged(parser, option, options);
+    return error;
 }
 
 QString read_values(const QCommandLineParser& parser, Options& options) {
@@ -137,11 +172,7 @@ QString read_values(const QCommandLineParser& parser, Options& options) {
         error = read_number(parser, QStringLiteral("passes"), 0, 1'000'000'000, options.passes);
     if (error.isEmpty())
         error = read_number(parser, QStringLiteral("every"), 1, 31'536'000, options.every);
-    if (error.isEmpty()) error = read_positive(parser, QStringLiteral("freq"), options.frequency);
-    if (error.isEmpty())
-        error = read_positive(parser, QStringLiteral("bandwidth"), options.bandwidth);
-    if (error.isEmpty())
-        error = read_positive(parser, QStringLiteral("symbol-rate"), options.symbol_rate);
+    if (error.isEmpty()) error = read_ranged_options(parser, options);
     if (error.isEmpty()) error = read_alarms(parser, options.alarms);
     return error;
 }

@@ -3,16 +3,25 @@
 
 #include <unistd.h>
 
+#include <QBuffer>
+#include <QFileInfo>
 #include <csignal>
 #include <cstdio>
 
+#include "alarm_limits.h"
 #include "fault.h"
 #include "handler.h"
+#include "numbers.h"
 #include "plan_run.h"
 #include "realtime.h"
+#include "row_output.h"
+#include "save_file.h"
 
 namespace m47 {
 namespace {
+
+/// How long the reader of the rows is waited for in the end, in seconds.
+constexpr double kLongestReaderWait = 10;
 
 /// How often the run has been told to end.
 volatile std::sig_atomic_t g_told_to_end = 0;
@@ -21,11 +30,21 @@ void tell_to_end(int) {
     if (g_told_to_end < 2) g_told_to_end = g_told_to_end + 1;
 }
 
+bool ignored(int signal) {
+    struct sigaction present {};
+    return sigaction(signal, nullptr, &present) == 0 && present.sa_handler == SIG_IGN;
+}
+
 void listen_to_signals() {
     struct sigaction action {};
     action.sa_handler = tell_to_end;
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
+    // Under nohup the run outlives its terminal.
+    if (!ignored(SIGHUP)) sigaction(SIGHUP, &action, nullptr);
+    // A reader of the rows that goes away shows when they are written.
+    action.sa_handler = SIG_IGN;
+    sigaction(SIGPIPE, &action, nullptr);
 }
 
 /// The line on a terminal that tells how far the run is.
@@ -48,26 +67,33 @@ class ProgressLine {
 
 ProgressLine g_progress_line;
 
+/// One line on stderr, whatever `text` is made of.
 void complain(const QString& text) {
     g_progress_line.clear();
-    std::fprintf(stderr, "m47-remote: %s\n", text.toLocal8Bit().constData());
+    std::fprintf(stderr, "m47-remote: %s\n", text.simplified().toLocal8Bit().constData());
 }
 
 struct Run {
     Program& program;
     const Options& options;
     Realtime& screen;
+    RowOutput output{STDOUT_FILENO};
+    int rows = 0;
+    bool link_found = false;  ///< the meter has answered once
+    bool incomplete = false;  ///< a pass was cut short or measured nothing
+    bool wrong_limits = false;
     bool alarm_failed = false;
-    bool stdout_lost = false;
     bool file_lost = false;
     bool row_missing = false;
+
+    /// Nobody gets to see another row.
+    bool pointless() const { return output.closed() && options.log.isEmpty(); }
 };
 
 void print_row(Run& run, const QStringList& row) {
     if (isatty(STDOUT_FILENO) != 0) g_progress_line.clear();
-    const QByteArray line = row.join(run.screen.rules.state.field_separator).toUtf8();
-    if (std::printf("%s\n", line.constData()) < 0 || std::fflush(stdout) != 0)
-        run.stdout_lost = true;
+    ++run.rows;
+    run.output.write(row.join(run.screen.rules.state.field_separator).toUtf8() + '\n');
 }
 
 void tell_log(Run& run, const QString& reason) {
@@ -119,7 +145,26 @@ bool take_row(Run& run) {
     return false;
 }
 
+/// A level limit is in the unit that the meter is set to, which is known only now. The screen would
+/// move one that the meter cannot measure without a word.
+bool level_limits_fit(Run& run) {
+    const RealtimePanel& panel = run.screen.rules.panel;
+    for (const AlarmOption& alarm : run.options.alarms) {
+        if (run.options.digital || alarm.name != QLatin1String("level")) continue;
+        const LevelRange range = level_range(unit_offset(panel.cmdlev));
+        if (alarm.minimum.toDouble() >= range.minimum && alarm.maximum.toDouble() <= range.maximum)
+            continue;
+        complain(QStringLiteral("--alarm level takes limits from %1 to %2 %3, the meter's unit")
+                     .arg(plain_text(range.minimum), plain_text(range.maximum),
+                          unit_name(panel.cmdlev)));
+        return false;
+    }
+    return true;
+}
+
 void measure_rows(Run& run) {
+    run.wrong_limits = !level_limits_fit(run);
+    if (run.wrong_limits) return;
     RealtimeRules& rules = run.screen.rules;
     run.screen.barracomandi_ButtonClick(run.options.digital ? QStringLiteral("qpsk")
                                                             : QStringLiteral("analogico"));
@@ -131,7 +176,7 @@ void measure_rows(Run& run) {
     }
     rules.tick_measures(rules.state.meas_mode);
     for (int taken = 0; taken < run.options.count; ++taken) {
-        if (!run.program.link().port_connected || run.stdout_lost) return;
+        if (!run.program.link().port_connected || run.pointless()) return;
         run.row_missing = !take_row(run) || run.row_missing;
     }
 }
@@ -142,10 +187,22 @@ void open_screen(Run& run) {
     run.screen.Form_Activate();
 }
 
-/// Identifies the meter again and prepares it. A signal ends the trying at once.
+/// Looks for the meter: on its port at the start, afterwards behind the device where it was.
+bool identify_meter(Run& run) {
+    if (run.link_found)
+        run.program.reconnect();
+    else
+        run.program.identify(run.options.on_port);
+    if (!run.program.link().port_connected) return false;
+    run.link_found = true;
+    open_screen(run);
+    return true;
+}
+
+/// The same within a run over a plan. A signal ends the trying at once.
 bool connect_again(Run& run) {
     run.program.link().interrupted = [] { return g_told_to_end > 0; };
-    if (run.program.reconnect()) open_screen(run);
+    identify_meter(run);
     run.program.link().interrupted = [] { return g_told_to_end > 1; };
     return run.program.link().port_connected;
 }
@@ -163,6 +220,16 @@ bool plan_is_there(Run& run) {
     return false;
 }
 
+/// Takes over what a run over a plan came to, also where a second signal broke it off.
+struct KeepOutcome {
+    Run& run;
+    const PlanRun& plan_run;
+    ~KeepOutcome() {
+        run.incomplete = plan_run.incomplete();
+        run.row_missing = plan_run.missing() > 0;
+    }
+};
+
 void measure_plan(Run& run) {
     set_up(run);
     for (const int mode : {kAnalogMode, kDigitalMode}) run.screen.rules.tick_measures(mode);
@@ -172,33 +239,67 @@ void measure_plan(Run& run) {
                      {.passes = run.options.passes,
                       .every = run.options.every,
                       .reconnect = run.options.reconnect});
-    plan_run.told_to_stop = [&run] { return g_told_to_end > 0 || run.stdout_lost; };
+    plan_run.told_to_stop = [&run] { return g_told_to_end > 0 || run.pointless(); };
     plan_run.connect = [&run] { return connect_again(run); };
     plan_run.on_progress = [](const QString& text) { g_progress_line.show(text); };
     plan_run.on_remark = complain;
-    plan_run.run();
-    run.row_missing = plan_run.missing() > 0;
-    g_progress_line.clear();
+    const KeepOutcome outcome{run, plan_run};
+    // How it ended shows in the link, the signals and the rows; see status_of().
+    static_cast<void>(plan_run.run());
+}
+
+/// The kind of picture follows from the name; a name that tells none is PNG.
+bool draw_picture(const QPixmap& picture, const QString& name, QByteArray& bytes) {
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    const QByteArray kind = QFileInfo(name).suffix().toLatin1();
+    return picture.save(&buffer, kind.constData()) || picture.save(&buffer, "PNG");
 }
 
 void write_screenshot(Run& run) {
-    if (run.options.screenshot.isEmpty()) return;
+    const QString& name = run.options.screenshot;
+    if (name.isEmpty()) return;
     run.screen.rules.panel.repaint();
     run.screen.resize(run.screen.sizeHint().expandedTo({900, 560}));
-    const QPixmap picture = run.screen.grab();
-    // The kind follows from the name; a name that tells none is PNG.
-    if (picture.save(run.options.screenshot) || picture.save(run.options.screenshot, "PNG")) return;
-    complain(QStringLiteral("cannot write the picture %1").arg(run.options.screenshot));
+    QByteArray bytes;
+    const bool drawn = draw_picture(run.screen.grab(), name, bytes);
+    const QString reason = drawn ? write_whole_file(name, bytes) : QStringLiteral("not drawn");
+    if (reason.isEmpty()) return;
+    complain(QStringLiteral("cannot write the picture %1: %2").arg(name, reason));
     run.file_lost = true;
 }
 
+/// A run that was told to end is good for what it has measured.
 int status_of(const Run& run) {
-    if (!run.program.link().port_connected && !g_told_to_end) {
-        complain(QStringLiteral("the link to the meter was lost"));
+    if (run.wrong_limits) return kUsage;
+    if (!run.program.link().port_connected) {
+        complain(g_told_to_end ? QStringLiteral("ended without a link to the meter")
+                               : QStringLiteral("the link to the meter was lost"));
         return kNoLink;
     }
-    if (run.stdout_lost || run.file_lost || run.row_missing) return kOutputLost;
+    if (run.output.lost() || run.file_lost || run.row_missing) return kOutputLost;
+    if (run.rows == 0) complain(QStringLiteral("nothing was measured"));
+    if (run.incomplete || run.rows == 0) return kIncomplete;
     return run.alarm_failed ? kAlarmFailed : kGood;
+}
+
+void tell_no_meter(Run& run) {
+    const QString reason = run.program.window().status().reason();
+    complain(reason.isEmpty()
+                 ? QStringLiteral("no meter answers on port %1").arg(run.options.on_port)
+                 : reason);
+}
+
+/// False, with a complaint, where nothing can be measured: `status` says why then.
+bool prepare(Run& run, int& status) {
+    if (!run.options.plan.isEmpty() && !plan_is_there(run)) {
+        status = kDatabase;
+        return false;
+    }
+    if (identify_meter(run)) return true;
+    tell_no_meter(run);
+    status = kNoLink;
+    return run.options.reconnect;
 }
 
 }  // namespace
@@ -207,35 +308,35 @@ int run_unattended(Program& program, const Options& options) {
     listen_to_signals();
     set_fault_reporter([](QWidget*, const QString& what) { complain(what); });
     program.link().interrupted = [] { return g_told_to_end != 0; };
-    Realtime* screen = program.make_realtime(&program.window());
-    Run run{program, options, *screen};
-    screen->rules.cycle.on_row = [&run](const QStringList& row) { print_row(run, row); };
-    screen->rules.cycle.on_measured = [&run](const Measurement& measurement) {
+    Run run{program, options, *program.make_realtime(&program.window())};
+    run.output.on_remark = complain;
+    run.screen.rules.cycle.on_row = [&run](const QStringList& row) { print_row(run, row); };
+    run.screen.rules.cycle.on_measured = [&run](const Measurement& measurement) {
         if (measurement.verdict == Verdict::fail) run.alarm_failed = true;
     };
-    screen->rules.cycle.on_log_written = [&run](const QString& reason) { tell_log(run, reason); };
+    run.screen.rules.cycle.on_log_written = [&run](const QString& reason) {
+        tell_log(run, reason);
+    };
     program.state().costs.on_cost = [&program](const Bilingual& text) {
         complain(program.state().texts.pick(text));
     };
-    screen->rules.cycle.on_doubt = [&run](const QString& command) { tell_doubt(run, command); };
+    run.screen.rules.cycle.on_doubt = [&run](const QString& command) { tell_doubt(run, command); };
     try {
-        if (!options.plan.isEmpty() && !plan_is_there(run)) return kDatabase;
-        program.identify(options.on_port);
-        if (!program.link().port_connected) {
-            complain(program.window().status().reason().isEmpty()
-                         ? QStringLiteral("no meter answers on port %1").arg(options.on_port)
-                         : program.window().status().reason());
-            return kNoLink;
-        }
-        open_screen(run);
+        int status = kGood;
+        if (!prepare(run, status)) return status;
         if (options.plan.isEmpty())
             measure_rows(run);
         else
             measure_plan(run);
     } catch (const Interrupted&) {
         // The rows that were printed stand; a measurement that was not finished is none.
+    } catch (const Fault& fault) {
+        complain(fault.text(program.state().texts));
+        return kDatabase;
     }
+    g_progress_line.clear();
     write_screenshot(run);
+    run.output.finish(kLongestReaderWait, [] { return g_told_to_end > 1; });
     return status_of(run);
 }
 

@@ -1,9 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <fcntl.h>
 #include <signal.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <QFile>
 #include <QTest>
 #include <array>
+#include <memory>
+#include <vector>
 
 #include "process_support.h"
 
@@ -18,7 +23,11 @@ class EndingTest : public QObject {
     void within_the_last_transaction_of_a_row();
     void within_the_first_transaction_of_a_row();
     void with_an_alarm();
+    void before_the_first_row();
     void stdout_closed();
+    void stdout_closed_while_a_log_is_kept();
+    void stdout_closed_from_the_start();
+    void stdout_stalled();
 };
 
 namespace {
@@ -47,8 +56,8 @@ QByteArray unanswered(const MeterProcess& meter) {
 }  // namespace
 
 void EndingTest::while_it_waits() {
-    const std::array<int, 2> signals_to_end{SIGINT, SIGTERM};
-    std::array<TestStand, 2> stands;
+    const std::array<int, 3> signals_to_end{SIGINT, SIGTERM, SIGHUP};
+    std::array<TestStand, 3> stands;
     for (TestStand& stand : stands)
         stand.start_measuring({"--count", "1000", "--log", "run.log", "--screenshot", "s.png"});
     for (std::size_t k = 0; k < stands.size(); ++k) {
@@ -134,11 +143,107 @@ void EndingTest::stdout_closed() {
         QCOMPARE(rows_of(ending.out).size(), 1);
         QCOMPARE(rows_of(ending.out)[0].size(), 11);
         QVERIFY(QFile::exists(stand.path("ended")));
+        QCOMPARE(ending.err, QByteArray("m47-remote: not every row went to stdout: Broken pipe\n"));
         // The row that found no reader was the last; nothing of another one was asked.
         QCOMPARE(stand.meter.commands().count("LEVANL?"), 2);
         QCOMPARE(last_command(stand.meter), QString("LEVANL?"));
         QTRY_COMPARE(unanswered(stand.meter), QByteArray());
     }
+}
+
+/// Told to end when nothing is there to be good.
+void EndingTest::before_the_first_row() {
+    TestStand stand({"--fault-on", "UNIT?", "--fault", "late", "--late", "1"});
+    stand.start_measuring({"--count", "1000"});
+    QVERIFY(stand.meter.wait_for_command("UNIT?"));
+    stand.remote.send_signal(SIGTERM);
+    const Ending ending = stand.remote.wait();
+    QCOMPARE(ending.status, 7);
+    QCOMPARE(ending.out, QByteArray());
+    QCOMPARE(ending.err, QByteArray("m47-remote: nothing was measured\n"));
+}
+
+void EndingTest::stdout_closed_while_a_log_is_kept() {
+    TestStand stand;
+    stand.remote.start_in_shell("{ \"$0\" \"$@\"; echo $? > ended; } | head -n 1",
+                                stand.measuring({"--count", "4", "--log", "run.log"}));
+    const Ending ending = stand.remote.wait();
+    QCOMPARE(rows_of(ending.out).size(), 1);
+    QCOMPARE(stand.content("ended"), QByteArray("5\n"));
+    QCOMPARE(ending.err, QByteArray("m47-remote: not every row went to stdout: Broken pipe\n"));
+    QCOMPARE(rows_of(stand.content("run.log")).size(), 4);
+}
+
+/// What is opened first must not come to be stdout: that would be the database.
+void EndingTest::stdout_closed_from_the_start() {
+    TestStand stand;
+    stand.remote.start_in_shell("exec \"$0\" \"$@\" >&-",
+                                stand.measuring({"--count", "2", "--log", "run.log"}));
+    const Ending ending = stand.remote.wait();
+    QCOMPARE(ending.status, 5);
+    QCOMPARE(ending.err.count('\n'), 1);
+    QCOMPARE(rows_of(stand.content("run.log")).size(), 2);
+    QVERIFY(stand.content("VKDM47_03.mdb").startsWith("SQLite format 3"));
+}
+
+namespace {
+
+/// A pipe that takes no byte more until somebody reads it.
+class FullPipe {
+  public:
+    explicit FullPipe(const QString& path) {
+        const QByteArray name = QFile::encodeName(path);
+        if (mkfifo(name.constData(), 0600) != 0) qFatal("no pipe");
+        pipe_ = ::open(name.constData(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
+        const QByteArray block(4096, ' ');
+        while (::write(pipe_, block.constData(), 4096) > 0) continue;
+    }
+    ~FullPipe() { ::close(pipe_); }
+    FullPipe(const FullPipe&) = delete;
+    FullPipe& operator=(const FullPipe&) = delete;
+
+    QByteArray take() const {
+        QByteArray all;
+        QByteArray block(65536, ' ');
+        for (;;) {
+            const ssize_t got = ::read(pipe_, block.data(), static_cast<std::size_t>(block.size()));
+            if (got <= 0) return all;
+            all += block.first(got);
+        }
+    }
+
+  private:
+    int pipe_ = -1;
+};
+
+}  // namespace
+
+void EndingTest::stdout_stalled() {
+    std::array<TestStand, 2> stands;
+    std::vector<std::unique_ptr<FullPipe>> pipes;
+    for (TestStand& stand : stands) {
+        pipes.push_back(std::make_unique<FullPipe>(stand.path("pipe")));
+        stand.remote.start_in_shell("exec \"$0\" \"$@\" >pipe",
+                                    stand.measuring({"--count", "3", "--log", "run.log"}));
+    }
+    const QByteArray told(
+        "m47-remote: stdout takes no rows now, the run goes on: its reader has "
+        "stalled\n");
+    for (TestStand& stand : stands) {
+        QTRY_COMPARE_WITH_TIMEOUT(rows_of(stand.content("run.log")).size(), 3, 60000);
+        QVERIFY(stand.remote.wait_for_error_lines(1));
+    }
+    // A reader that comes back has lost nothing; one that does not come ends the wait.
+    QByteArray taken = pipes[0]->take();
+    const Ending read = stands[0].remote.wait();
+    QCOMPARE(read.status, 0);
+    QCOMPARE(read.err, told);
+    taken += pipes[0]->take();
+    QCOMPARE(as_log(taken.mid(taken.lastIndexOf(' ') + 1)), stands[0].content("run.log"));
+    const Ending unread = stands[1].remote.wait();
+    QCOMPARE(unread.status, 5);
+    QCOMPARE(unread.err,
+             told + "m47-remote: not every row went to stdout: its reader has stalled\n");
 }
 
 }  // namespace m47

@@ -175,6 +175,19 @@ class HostFaultTest : public QObject {
         QCOMPARE(stand.files(), before);
     }
 
+    void a_disk_that_is_full_at_the_start_stops_no_measurement() {
+        EmptyStand stand;
+        disk_ = std::make_unique<SmallDisk>(stand.path("disk"), 256);
+        if (!disk_->mounted()) QSKIP("no rights to mount a small disk");
+        const QStringList directory{"--directory", stand.path("disk")};
+        const QStringList creating = directory + QStringList("--create-database");
+        QCOMPARE(stand.remote.run(stand.measuring(creating)).status, 3);
+        disk_->fill();
+        const Ending ending = stand.remote.run(stand.measuring(directory));
+        QVERIFY2(!ending.err.contains("VKDM47_03.mdb"), ending.err.constData());
+        QCOMPARE(ending.status, 3);
+    }
+
     void a_program_that_does_not_fit_is_told_and_kept_on_the_screen() {
         if (!make_disk(512)) QSKIP("no rights to mount a small disk");
         {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <signal.h>
 
+#include <QFile>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTest>
@@ -24,6 +25,11 @@ class PlanTest : public QObject {
     void the_run_goes_on_when_the_meter_is_back();
     void a_late_answer_shifts_no_row_data();
     void a_late_answer_shifts_no_row();
+    void a_signal_while_the_lost_meter_is_looked_for();
+    void a_meter_that_is_away_at_the_start();
+    void a_plan_in_other_letters();
+    void a_pass_that_is_cut_short();
+    void a_plan_without_programs();
     void progress_on_a_terminal();
 };
 
@@ -32,9 +38,9 @@ namespace {
 const QStringList kOpening{"ATTEN?",        "VER?",  "MEASURE",   "ATTEN 6",   "TONE22K 00",
                            "SYMBRATEQPSK?", "UNIT?", "LOCOSC 00", "FREQ 1000", "ATTEN 6"};
 
-/// A database with the plan "ROOF" of three analog programs, the second of them not monitored.
+/// A database with a plan of three analog programs, the second of them not monitored.
 /// With `two_bands` the third is received through the plan's oscillator.
-void make_plan(TestStand& stand, bool two_bands = false) {
+void make_plan(TestStand& stand, bool two_bands = false, const QString& name = "ROOF") {
     const Ending ending = stand.remote.run(EmptyStand::measuring({"--create-database"}));
     QCOMPARE(ending.status, 3);
     {
@@ -42,13 +48,19 @@ void make_plan(TestStand& stand, bool two_bands = false) {
         database.setDatabaseName(stand.path("VKDM47_03.mdb"));
         QVERIFY(database.open());
         QSqlQuery query(database);
-        QVERIFY(query.exec("INSERT INTO gruppo (nome) VALUES ('ROOF')"));
-        QVERIFY(query.exec("INSERT INTO configurazione (nome, loc_osc1) VALUES ('ROOF', 9750)"));
+        const auto add = [&](const char* statement) {
+            query.prepare(QString::fromLatin1(statement));
+            query.addBindValue(name);
+            QVERIFY(query.exec());
+        };
+        add("INSERT INTO gruppo (nome) VALUES (?)");
+        add("INSERT INTO configurazione (nome, loc_osc1) VALUES (?, 9750)");
         for (int number = 1; number <= 3; ++number) {
             query.prepare(
                 "INSERT INTO programmi (nome, pg_num, frequenza, loc_osc, loc_osc0, sat_ad, "
                 "lnb_volt, K22, diseqc_cmd, diseqc_cmd2, monitor_state, lev_min, lev_max) "
-                "VALUES ('ROOF', ?, ?, ?, 0, 0, 2, 1, 5, 73, ?, '5', '120')");
+                "VALUES (?, ?, ?, ?, 0, 0, 2, 1, 5, 73, ?, '5', '120')");
+            query.addBindValue(name);
             query.addBindValue(QStringLiteral("00%1").arg(number));
             query.addBindValue(number == 3 && two_bands ? 10750 : 1000 + 100 * number);
             query.addBindValue(number == 3 && two_bands ? 0 : 1);
@@ -206,6 +218,83 @@ void PlanTest::a_late_answer_shifts_no_row() {
     }
     for (const QStringList& row : rows_of(ending.out))
         QVERIFY2(levels[row[2]].contains(row[4]), qPrintable(row.join(u'|')));
+}
+
+void PlanTest::a_signal_while_the_lost_meter_is_looked_for() {
+    TestStand stand;
+    make_plan(stand);
+    stand.start_measuring({"--plan", "ROOF", "--passes", "0", "--reconnect"});
+    QVERIFY(stand.remote.wait_for_lines(1));
+    stand.meter.kill_now();
+    QVERIFY(stand.remote.wait_for_error_lines(1));
+    stand.remote.send_signal(SIGTERM);
+    const Ending ending = stand.remote.wait();
+    QCOMPARE(ending.status, 3);
+    QVERIFY2(ending.err.endsWith("m47-remote: ended without a link to the meter\n"),
+             ending.err.constData());
+}
+
+void PlanTest::a_meter_that_is_away_at_the_start() {
+    TestStand stand;
+    make_plan(stand);
+    stand.meter.kill_now();
+    QFile::remove(stand.meter.link());
+    QCOMPARE(stand.measure({"--plan", "ROOF"}).status, 3);
+    stand.start_measuring({"--plan", "ROOF", "--reconnect", "--log", "r.log"});
+    QVERIFY(stand.remote.wait_for_error_lines(2));
+    MeterProcess late(stand.folder.path(), {"--baud-factor", "0", "--delay", "0"});
+    const Ending ending = stand.remote.wait();
+    QCOMPARE(ending.status, 0);
+    QVERIFY(ending.err.contains(": no meter answers, waiting for it\n"));
+    QCOMPARE(frequencies(ending.out), QStringList({"1100.0", "1300.0"}));
+    QCOMPARE(stand.content("r.log"), as_log(ending.out));
+    QCOMPARE(late.commands().mid(0, 10), kOpening);
+}
+
+void PlanTest::a_plan_in_other_letters() {
+    TestStand stand;
+    make_plan(stand, false, "Roof");
+    const Ending ending = stand.measure({"--plan", "Roof"});
+    QCOMPARE(ending.status, 0);
+    QCOMPARE(ending.err, QByteArray());
+    QCOMPARE(frequencies(ending.out), QStringList({"1100.0", "1300.0"}));
+}
+
+void PlanTest::a_pass_that_is_cut_short() {
+    TestStand stand;
+    make_plan(stand);
+    stand.start_measuring({"--plan", "ROOF"});
+    // The first program is tuned and will be measured; the second cannot be read.
+    QVERIFY(stand.meter.wait_for_command("FREQ 1100.0"));
+    Ending ending;
+    {
+        QSqlDatabase database = QSqlDatabase::addDatabase("QSQLITE", "other");
+        database.setDatabaseName(stand.path("VKDM47_03.mdb"));
+        QVERIFY(database.open());
+        QVERIFY(QSqlQuery(database).exec("BEGIN EXCLUSIVE"));
+        ending = stand.remote.wait();
+    }
+    QSqlDatabase::removeDatabase("other");
+    QCOMPARE(ending.status, 7);
+    QCOMPARE(frequencies(ending.out), QStringList("1100.0"));
+    QVERIFY2(ending.err.contains(": pass 1 was cut short: "), ending.err.constData());
+    QCOMPARE(ending.err.count('\n'), 1);
+}
+
+void PlanTest::a_plan_without_programs() {
+    TestStand stand;
+    make_plan(stand);
+    {
+        QSqlDatabase database = QSqlDatabase::addDatabase("QSQLITE", "other");
+        database.setDatabaseName(stand.path("VKDM47_03.mdb"));
+        QVERIFY(database.open());
+        QVERIFY(QSqlQuery(database).exec("DELETE FROM programmi"));
+    }
+    QSqlDatabase::removeDatabase("other");
+    const Ending ending = stand.measure({"--plan", "ROOF"});
+    QCOMPARE(ending.status, 4);
+    QVERIFY(ending.err.startsWith("m47-remote: "));
+    QCOMPARE(ending.err.count('\n'), 1);
 }
 
 void PlanTest::progress_on_a_terminal() {

@@ -16,6 +16,7 @@ class StartTest : public QObject {
     void wrong_usage_data();
     void wrong_usage();
     void help();
+    void a_text_that_does_not_get_out();
     void version();
     void no_display();
     void a_display_that_is_gone();
@@ -84,6 +85,15 @@ void StartTest::wrong_usage_data() {
     measuring("alarm without limits", {"--alarm", "level"}, "--alarm");
     measuring("alarm with one limit", {"--alarm", "level=20"}, "--alarm");
     measuring("unknown alarm", {"--alarm", "noise=1:2"}, "--alarm");
+    measuring("frequency out of range", {"--freq", "99999"}, "from 920 to 2150 MHz");
+    measuring("bandwidth out of range", {"--digital", "--bandwidth", "99"}, "from 5 to 36 MHz");
+    measuring("symbol rate out of range", {"--digital", "--symbol-rate", "9"},
+              "from 1500 to 45000 kS/s");
+    measuring("crossed limits", {"--alarm", "level=75:45"}, "level=75:45");
+    measuring("picture in the place of the database", {"--screenshot", "VKDM47_03.mdb"},
+              "--screenshot names the database");
+    measuring("log in the place of the picture", {"--log", "a", "--screenshot", "./a"},
+              "--log and --screenshot");
     row("port without device", {"--port", "1="}, "--port");
     row("port without number", {"--port", "/dev/ttyS0"}, "--port");
     row("port number 0", {"--port", "0=/dev/ttyS0"}, "--port");
@@ -134,6 +144,16 @@ void StartTest::help() {
               "--symbol-rate", "--alarm", "--count", "--log", "--screenshot"})
             QVERIFY2(ending.out.contains(name), name);
         QVERIFY(stand.files().isEmpty());
+    }
+}
+
+void StartTest::a_text_that_does_not_get_out() {
+    for (const char* option : {"--help", "--version"}) {
+        EmptyStand stand;
+        stand.remote.start_in_shell("\"$0\" \"$@\" >/dev/full", {option});
+        QCOMPARE(stand.remote.wait().status, 5);
+        stand.remote.start_in_shell("\"$0\" \"$@\" >&-", {option});
+        QCOMPARE(stand.remote.wait().status, 5);
     }
 }
 

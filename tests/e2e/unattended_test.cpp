@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <sys/stat.h>
+
 #include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
@@ -19,6 +21,8 @@ class UnattendedTest : public QObject {
     void cleanupTestCase();
     void analog_rows();
     void frequencies();
+    void level_limits_out_of_range();
+    void a_picture_replaces_neither_the_database_nor_a_pipe();
     void alarms();
     void log_goes_on();
     void output_that_cannot_be_written();
@@ -162,28 +166,41 @@ void UnattendedTest::analog_rows() {
 
 void UnattendedTest::frequencies() {
     TestStand own;
-    TestStand below;
-    TestStand above;
-    own.start_measuring({});
-    below.start_measuring({"--freq", "47"});
-    above.start_measuring({"--freq", "12000.5"});
-    const Ending without = own.remote.wait();
-    const Ending low = below.remote.wait();
-    const Ending high = above.remote.wait();
+    const Ending without = own.measure({});
     QCOMPARE(without.status, 0);
     QCOMPARE(without.err, QByteArray());
     QCOMPARE(own.meter.commands(), kIdentification + kScreenOpening + analog_cycle("1000.0"));
     QCOMPARE(rows_of(without.out).value(0).value(kFrequency), QString("1000.0"));
+    // The screen takes the nearest end of the receiver's band; here nobody would see that.
+    for (const char* outside : {"919.9", "12000.5"}) {
+        const Ending refused = own.measure({"--freq", QLatin1String(outside)});
+        QCOMPARE(refused.status, 2);
+        QCOMPARE(refused.err,
+                 QByteArray("m47-remote: --freq takes a number from 920 to 2150 MHz\n"));
+    }
+}
 
-    // Outside the receiver's band the nearest end of it is taken.
-    QCOMPARE(low.status, 0);
-    QCOMPARE(high.status, 0);
-    QCOMPARE(below.meter.commands(), kIdentification + kScreenOpening + QStringList("FREQ 0920.0") +
-                                         analog_cycle("0920.0"));
-    QCOMPARE(above.meter.commands(), kIdentification + kScreenOpening + QStringList("FREQ 2150.0") +
-                                         analog_cycle("2150.0"));
-    QCOMPARE(rows_of(low.out).value(0).value(kFrequency), QString("0920.0"));
-    QCOMPARE(rows_of(high.out).value(0).value(kFrequency), QString("2150.0"));
+void UnattendedTest::level_limits_out_of_range() {
+    TestStand stand;
+    const Ending ending = stand.measure({"--alarm", "level=19:110"});
+    QCOMPARE(ending.status, 2);
+    QCOMPARE(ending.out, QByteArray());
+    QCOMPARE(ending.err, QByteArray("m47-remote: --alarm level takes limits from 20 to 120 dBuV, "
+                                    "the meter's unit\n"));
+}
+
+void UnattendedTest::a_picture_replaces_neither_the_database_nor_a_pipe() {
+    TestStand stand;
+    const Ending ending = stand.measure({"--screenshot", "./VKDM47_03.mdb"});
+    QCOMPARE(ending.status, 2);
+    QCOMPARE(ending.err,
+             QByteArray("m47-remote: --screenshot names the database: ./VKDM47_03.mdb\n"));
+    QCOMPARE(stand.meter.commands(), QStringList());
+    QVERIFY(!QFile::exists(stand.path("VKDM47_03.mdb")));
+    QCOMPARE(mkfifo(qPrintable(stand.path("pipe")), 0600), 0);
+    const Ending pipe = stand.measure({"--screenshot", "pipe"});
+    QCOMPARE(pipe.status, 5);
+    QCOMPARE(pipe.err, QByteArray("m47-remote: cannot write the picture pipe: not a plain file\n"));
 }
 
 void UnattendedTest::alarms() {

@@ -43,6 +43,7 @@ class PlanRunTest : public QObject {
     void tries_come_at_growing_intervals();
     void told_to_stop_while_the_meter_is_away();
     void a_doubtful_measurement_is_taken_again();
+    void a_meter_that_is_away_at_the_start_is_waited_for();
     void a_plan_that_was_emptied_is_told_once();
     void progress();
     void full_tune();
@@ -125,7 +126,9 @@ QStringList PlanRunTest::measured() const {
 }
 
 void PlanRunTest::one_pass() {
-    QCOMPARE(make_run({}).run(), PlanRun::End::done);
+    PlanRun run = make_run({});
+    QCOMPARE(run.run(), PlanRun::End::done);
+    QVERIFY(!run.incomplete());
     QCOMPARE(measured(), QStringList({"1000", "1010", "1020"}));
     QStringList expected;
     for (const char* frequency : {"1000.0", "1010.0", "1020.0"})
@@ -223,6 +226,7 @@ void PlanRunTest::the_date_changes_within_a_pass() {
 /// Another program that holds the database locked for longer than the program waits for it.
 void PlanRunTest::a_pass_cut_short_is_told() {
     const QString path = f_->path(QString::fromLatin1(kDatabaseFile));
+    bool cut_short = false;
     {
         QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", "other");
         other.setDatabaseName(path);
@@ -237,11 +241,13 @@ void PlanRunTest::a_pass_cut_short_is_told() {
             if (text.startsWith("pass 1 done")) QSqlQuery(other).exec("ROLLBACK");
         };
         QCOMPARE(run.run(), PlanRun::End::done);
+        cut_short = run.incomplete();
         other.close();
     }
     QSqlDatabase::removeDatabase("other");
     // What had been measured stands, and the next pass is whole again.
     QCOMPARE(measured(), QStringList({"1000", "1010", "1000", "1010", "1020"}));
+    QVERIFY(cut_short);
     QCOMPARE(remarks_.size(), 1);
     QVERIFY2(remarks_[0].contains(": pass 1 was cut short: ") && remarks_[0].contains("locked"),
              qPrintable(remarks_[0]));
@@ -366,6 +372,27 @@ void PlanRunTest::a_doubtful_measurement_is_taken_again() {
     }
 }
 
+void PlanRunTest::a_meter_that_is_away_at_the_start_is_waited_for() {
+    f_->link.port_connected = false;
+    QCOMPARE(make_run({}).run(), PlanRun::End::link_lost);
+    QCOMPARE(measured(), QStringList());
+
+    PlanRun run = make_run({.passes = 2, .every = 600, .reconnect = true});
+    run.connect = [this] {
+        tries_ += now();
+        f_->link.port_connected = tries_.size() == 4;
+        return f_->link.port_connected;
+    };
+    QCOMPARE(run.run(), PlanRun::End::done);
+    QCOMPARE(measured(), QStringList({"1000", "1010", "1020", "1000", "1010", "1020"}));
+    QCOMPARE(remarks_.size(), 2);
+    QCOMPARE(remarks_[0].mid(19), QString(": no meter answers, waiting for it"));
+    // Tried after 1, 2, 4 and 8 s; the times of the passes are counted from when it was found.
+    QCOMPARE(std::lround(tries_[3] - tries_[0]), 14);
+    QVERIFY(firings_[0] - tries_[3] < 1);
+    QCOMPARE(std::lround(firings_[1] - firings_[0]), 600);
+}
+
 void PlanRunTest::a_plan_that_was_emptied_is_told_once() {
     PlanRun run = make_run({.passes = 6});
     f_->on_command = [this](const QByteArray& command) {
@@ -377,6 +404,7 @@ void PlanRunTest::a_plan_that_was_emptied_is_told_once() {
     QCOMPARE(measured().size(), 3);
     QCOMPARE(remarks_.size(), 1);
     QVERIFY(remarks_[0].endsWith(": pass 2 measured nothing"));
+    QVERIFY(run.incomplete());
     // The walk over nothing pauses: it does not run in circles.
     QVERIFY(now() >= 4);
 }
@@ -508,6 +536,14 @@ void PlanRunTest::plans_are_chosen_by_their_name() {
     QVERIFY(f_->rules.acquisition.choose_plan(" p "));
     QCOMPARE(f_->panel().grp_name, QString("P"));
     QCOMPARE(f_->rules.acquisition.monitored_programs(), 3);
+    // Other programs have written names in their own letters; the plan screen shows those plans.
+    RealtimeFixture::add_row(f_->database().gruppo(), {{"nome", " Roof"}});
+    RealtimeFixture::add_row(f_->database().configurazione(), {{"nome", "Roof"}});
+    add_program(7, {{"nome", "Roof"}});
+    for (const char* name : {"Roof", "roof ", "ROOF"}) {
+        QVERIFY2(f_->rules.acquisition.choose_plan(name), name);
+        QCOMPARE(f_->rules.acquisition.monitored_programs(), 1);
+    }
     QCOMPARE(f_->port.opens, 0);
 }
 

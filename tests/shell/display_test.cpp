@@ -3,13 +3,43 @@
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <sys/un.h>
+#include <sys/wait.h>
 #include <unistd.h>
+#include <QApplication>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 
+#include "application.h"
 #include "display.h"
 
 namespace m47 {
+
+namespace {
+
+void close_each_box() {
+    auto* timer = new QTimer;
+    QObject::connect(timer, &QTimer::timeout, [] {
+        if (QWidget* box = QApplication::activeModalWidget()) box->close();
+    });
+    timer->start(20);
+}
+
+/// The program's status after all its boxes have been closed; -1 where it crashed.
+int status_of_windows(std::vector<const char*> arguments) {
+    arguments.insert(arguments.begin(), "m47-remote");
+    const pid_t child = ::fork();
+    if (child == 0) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        qAddPreRoutine(close_each_box);
+        ::_exit(
+            run_program(static_cast<int>(arguments.size()), const_cast<char**>(arguments.data())));
+    }
+    int status = 0;
+    return ::waitpid(child, &status, 0) == child && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+}  // namespace
 
 class DisplayTest : public QObject {
     Q_OBJECT
@@ -56,6 +86,14 @@ class DisplayTest : public QObject {
         QVERIFY(display_reachable());
         ::close(server);
         QVERIFY(!display_reachable());
+    }
+
+    /// The statuses of a start with windows, whose message waits in a box for the user.
+    void a_start_without_folder_or_database_ends_with_its_status() {
+        const QTemporaryDir folder;
+        const QByteArray missing = folder.filePath(QStringLiteral("none")).toLocal8Bit();
+        QCOMPARE(status_of_windows({"--directory", missing.constData()}), 4);
+        QCOMPARE(status_of_windows({"--directory", qPrintable(folder.path())}), 4);
     }
 };
 

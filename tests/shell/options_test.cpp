@@ -1,7 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "options.h"
 
+#include <unistd.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
 #include <QTest>
+
+#include "file_options.h"
 
 namespace m47 {
 
@@ -25,6 +32,8 @@ class OptionsTest : public QObject {
     void help_and_version_come_first();
     void wrong_data();
     void wrong();
+    void a_value_out_of_range_is_told_its_range();
+    void no_file_of_an_option_is_written_over();
     void wrong_options_keep_nothing();
     void help_names_every_option();
 };
@@ -175,7 +184,17 @@ void OptionsTest::bounds_of_numbers_data() {
     QTest::newRow("count 1000000001") << measuring({"--count", "1000000001"}) << false;
     QTest::newRow("count too long") << measuring({"--count", "99999999999"}) << false;
     QTest::newRow("frequency 0") << measuring({"--freq", "0"}) << false;
-    QTest::newRow("frequency 0.1") << measuring({"--freq", "0.1"}) << true;
+    const auto bounds = [](const char* option, const QStringList& good, const QStringList& bad) {
+        for (const QString& value : good + bad)
+            QTest::addRow("%s %s", option, qPrintable(value))
+                << measuring({QString::fromLatin1(option), value}) << good.contains(value);
+    };
+    // What the screen would move into its range without a word is refused.
+    bounds("--freq", {"920", "2150", "1e3"}, {"0.1", "919.9", "2150.1", "99999"});
+    bounds("--bandwidth", {"5", "36"}, {"4.9", "36.1", "99", "0"});
+    bounds("--symbol-rate", {"1500", "45000"}, {"9", "1499", "45001"});
+    bounds("--alarm", {"level=-1:1", "level=20:20.5"},
+           {"level=75:45", "level=50:50", "level=nan:50", "level=20:inf"});
     QTest::newRow("frequency -0.1") << measuring({"--freq", "-0.1"}) << false;
     QTest::newRow("frequency nan") << measuring({"--freq", "nan"}) << false;
     QTest::newRow("frequency inf") << measuring({"--freq", "inf"}) << false;
@@ -266,6 +285,66 @@ void OptionsTest::wrong() {
     QCOMPARE(options.action, Action::wrong);
     QVERIFY2(options.error.contains(named), qPrintable(options.error));
     QVERIFY2(!options.error.contains(u'\n'), "one line only");
+}
+
+void OptionsTest::a_value_out_of_range_is_told_its_range() {
+    const auto told = [](const char* option, const char* value) {
+        return parse_options(measuring({QLatin1String(option), QLatin1String(value)})).error;
+    };
+    QCOMPARE(told("--freq", "99999"), QString("--freq takes a number from 920 to 2150 MHz"));
+    QCOMPARE(told("--bandwidth", "99"), QString("--bandwidth takes a number from 5 to 36 MHz"));
+    QCOMPARE(told("--symbol-rate", "9"),
+             QString("--symbol-rate takes a number from 1500 to 45000 kS/s"));
+    QCOMPARE(told("--alarm", "level=75:45"),
+             QString("--alarm level takes a MIN below its MAX, not level=75:45"));
+    QCOMPARE(told("--count", "0"), QString("--count takes a whole number from 1 to 1000000000"));
+    QCOMPARE(parse_options(measuring({"--plan", "A", "--every", "0"})).error,
+             QString("--every takes a whole number from 1 to 31536000"));
+    QCOMPARE(parse_options(measuring({"--plan", "A", "--passes", "-1"})).error,
+             QString("--passes takes a whole number from 0 to 1000000000"));
+}
+
+void OptionsTest::no_file_of_an_option_is_written_over() {
+    const QTemporaryDir folder;
+    const QDir here(folder.path());
+    const QString base = folder.path() + u'/';
+    const auto put = [&](const char* name) {
+        QFile file(here.filePath(QLatin1String(name)));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+    };
+    put("VKDM47_03.mdb");
+    put("rows.log");
+    QVERIFY(QFile::link(here.filePath("VKDM47_03.mdb"), here.filePath("link.png")));
+    QVERIFY(QFile::link(folder.path(), here.filePath("here")));
+    QCOMPARE(link(qPrintable(here.filePath("VKDM47_03.mdb")), qPrintable(here.filePath("twin"))),
+             0);
+    const auto fault = [&](Options options) {
+        for (QString* name : {&options.log, &options.screenshot, &options.import_database})
+            if (!name->isEmpty()) *name = here.filePath(*name);
+        return file_option_fault(options, base).remove(base);
+    };
+    Options options;
+    QCOMPARE(fault(options), QString());
+    for (const char* name : {"VKDM47_03.mdb", "link.png", "twin", "here/VKDM47_03.mdb",
+                             "VKDM47_03.mdb-journal", "here/VKDM47_03.mdb-wal"}) {
+        options.screenshot = QLatin1String(name);
+        QCOMPARE(fault(options), "--screenshot names the database: " + options.screenshot);
+    }
+    options = {};
+    options.log = "VKDM47_03.mdb";
+    QCOMPARE(fault(options), QString("--log names the database: VKDM47_03.mdb"));
+    options.log = "rows.log";
+    options.screenshot = "here/rows.log";
+    QCOMPARE(fault(options), QString("--log and --screenshot name the same file: here/rows.log"));
+    // Neither has to be there yet.
+    options.log = "new";
+    options.screenshot = "here/new";
+    QCOMPARE(fault(options), QString("--log and --screenshot name the same file: here/new"));
+    options.screenshot = "other";
+    QCOMPARE(fault(options), QString());
+    options = {};
+    options.import_database = "VKDM47_03.mdb";
+    QCOMPARE(fault(options), QString("--import-database names the database: VKDM47_03.mdb"));
 }
 
 void OptionsTest::wrong_options_keep_nothing() {

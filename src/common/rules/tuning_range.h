@@ -24,6 +24,14 @@ constexpr int oscillator_entry(int stored) {
     return stored >= 0 && stored < 4 ? stored : 0;
 }
 
+/// The QPSK symbol rates that the meter can be set to, in kS/s.
+inline constexpr double kSymbolRateMinimum = 1500;
+inline constexpr double kSymbolRateMaximum = 45000;
+
+/// The channel bandwidths that it can be set to, in MHz.
+inline constexpr double kBandwidthMinimum = 5;
+inline constexpr double kBandwidthMaximum = 36;
+
 /// The local oscillators that exist for LNBs, in MHz: 3070 to 12000.
 inline constexpr double kOscillatorMinimum = 3070;
 inline constexpr double kOscillatorMaximum = 12000;

@@ -66,9 +66,7 @@ void PlanSets::crea_records(const QString& plan) {
 
 /// Makes the plan `name` the current row of the list of plans. False where it has none.
 bool PlanSets::find_plan(const QString& name) {
-    if (plans_.empty()) return false;
-    for (plans_.move_first(); !plans_.end_of_set(); plans_.move_next())
-        if (stored_plan_name(plans_.text(kPlanField)) == name) return true;
+    if (m47::find_plan(plans_, name)) return true;
     if (!plans_.empty()) plans_.move_first();
     return false;
 }

@@ -12,8 +12,6 @@ namespace m47 {
 namespace {
 
 constexpr double kHighestProgram = 99;
-constexpr double kLowestSymbolRate = 1500;
-constexpr double kHighestSymbolRate = 45000;
 constexpr double kLowestBandwidth = 1;
 constexpr double kHighestBandwidth = 40;
 constexpr double kUsualBandwidth = 36;
@@ -75,8 +73,8 @@ QString checked_frequency(const QString& text, bool direct, const QString& oscil
 
 QString checked_symbol_rate(const QString& text) {
     const double rate = box_value(text);
-    if (rate < kLowestSymbolRate) return plain_text(kLowestSymbolRate);
-    return rate > kHighestSymbolRate ? plain_text(kHighestSymbolRate) : as_typed(text);
+    if (rate < kSymbolRateMinimum) return plain_text(kSymbolRateMinimum);
+    return rate > kSymbolRateMaximum ? plain_text(kSymbolRateMaximum) : as_typed(text);
 }
 
 QString bandwidth_on_enter(const QString& text) {

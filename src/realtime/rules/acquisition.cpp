@@ -116,8 +116,7 @@ bool Acquisition::choose_plan(const QString& name) {
     present_plan();
     const Suspended suspended(link_);
     database_.gruppo().requery();
-    // A plan's name is kept trimmed and in upper case.
-    if (!database_.gruppo().find_first(kPlanName, name.trimmed().toUpper())) return false;
+    if (!find_plan(database_.gruppo(), name)) return false;
     open_plan();
     return true;
 }

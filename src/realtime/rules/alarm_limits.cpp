@@ -69,9 +69,12 @@ void check_limits(AlarmRow row, double value, RealtimePanel& panel, RealtimeStat
     panel.alarm_light[static_cast<std::size_t>(row)] = failed ? LampColour::red : LampColour::green;
 }
 
+LevelRange level_range(double offset) {
+    return {kLevelMinimum - offset, kLevelMaximum - offset};
+}
+
 void clamp_analog_limits(RealtimePanel& panel, double offset, EmptyLimits empty) {
-    const double lowest = kLevelMinimum - offset;
-    const double highest = kLevelMaximum - offset;
+    const auto [lowest, highest] = level_range(offset);
     const auto [below, above] = sides(limits_of(AlarmRow::level_analog, panel), empty);
     if (below && typed_value(panel.lev_mina) < lowest) panel.lev_mina = plain_text(lowest);
     if (below && typed_value(panel.lev_mina) > highest) panel.lev_mina = plain_text(highest);

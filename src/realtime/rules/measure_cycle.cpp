@@ -121,9 +121,13 @@ void MeasureCycle::write_row() {
         .status = verdict_text(outcome.verdict),
     });
     page_.append(row, outcome);
+    // The log comes first: who reads the rows may hold them up.
+    if (log_.log_open()) log_row();
     if (on_measured) on_measured(outcome);
     if (on_row) on_row(page_.cells(page_.measurements() - 1));
-    if (!log_.log_open()) return;
+}
+
+void MeasureCycle::log_row() {
     // The row is on the page; a log that cannot be written loses its line without a message box.
     const bool written = log_.append(page_.store().line(page_.measurements() - 1));
     if (on_log_written) on_log_written(written ? QString() : log_.reason());

@@ -27,7 +27,7 @@ class MeasureCycle {
     /// Called with what was measured, just before on_row.
     std::function<void(const Measurement&)> on_measured;
 
-    /// Called with the eleven cells of each row that storemeas has put on the page.
+    /// Called with the eleven cells of each row that storemeas has put on the page and in the log.
     std::function<void(const QStringList&)> on_row;
 
     /// Called after each line for the log with the reason why it was lost, empty when it was kept.
@@ -56,6 +56,7 @@ class MeasureCycle {
     void analog_cycle();
     void tuned();
     void write_row();
+    void log_row();
 
     Link& link_;
     RealtimePanel& panel_;

@@ -60,6 +60,7 @@ PlanRun::End PlanRun::run() {
         show_program(place, monitored);
     };
     rules_.acquisition.on_cut_short = [this](const QString& reason) {
+        incomplete_ = true;
         remark(QStringLiteral("%1: pass %2 was cut short: %3")
                    .arg(time_text())
                    .arg(pass_)
@@ -68,6 +69,10 @@ PlanRun::End PlanRun::run() {
     rules_.acquisition.on_left_out = [this](const QString& reason) {
         remark(QStringLiteral("%1: %2").arg(time_text(), reason));
     };
+    if (!link_.port_connected) {
+        if (!order_.reconnect) return End::link_lost;
+        if (!find_meter(QStringLiteral("no meter answers, waiting for it"))) return End::stopped;
+    }
     begin_ = next_pass_ = link_.clock().steady();
     for (;;) {
         if (!wait_for_pass()) return End::stopped;
@@ -103,6 +108,7 @@ PlanRun::End PlanRun::run_pass() {
     }
     // A plan that has been emptied meanwhile, or a database that cannot be read just now: it may
     // come back. Told once, and no reason to walk without a pause.
+    incomplete_ = true;
     if (!idle_) remark(QStringLiteral("%1: pass %2 measured nothing").arg(time_text()).arg(pass_));
     idle_ = true;
     if (order_.every > 0 || last_pass()) return end;
@@ -133,7 +139,8 @@ PlanRun::End PlanRun::next_step() {
         return End::done;
     }
     if (!order_.reconnect) return End::link_lost;
-    if (!find_meter()) return End::stopped;
+    if (!find_meter(QStringLiteral("the link to the meter was lost, trying to connect again")))
+        return End::stopped;
     // The measurement that was lost with the link is taken again; the pass goes on from there.
     if (at_program) take_again(programs, place);
     return End::done;
@@ -158,10 +165,9 @@ bool PlanRun::doubtful_again() {
 
 /// Tries at intervals that grow until something has been measured again. False when told to stop
 /// before it was found.
-bool PlanRun::find_meter() {
+bool PlanRun::find_meter(const QString& why) {
     const double lost = link_.clock().steady();
-    remark(QStringLiteral("%1: the link to the meter was lost, trying to connect again")
-               .arg(time_text()));
+    remark(QStringLiteral("%1: %2").arg(time_text(), why));
     for (bool found = false; !found; found = connect && connect()) {
         report(QStringLiteral("pass %1, no link, next try in %2 s").arg(pass_).arg(pause_));
         if (!wait(pause_)) return false;

@@ -12,7 +12,7 @@ namespace m47 {
 struct PlanRunOrder {
     int passes = 1;          ///< 0: until told to stop
     int every = 0;           ///< seconds from the start of a pass to the start of the next
-    bool reconnect = false;  ///< go on after a lost link
+    bool reconnect = false;  ///< wait for the meter at the start, go on after a lost link
 };
 
 /// Passes over the open plan with nobody at the screen: the walk of the screen's own plan pass, one
@@ -36,8 +36,11 @@ class PlanRun {
     /// was cut short, a program left out.
     std::function<void(const QString& text)> on_remark;
 
-    /// `rules` with a plan open and the meter prepared.
+    /// `rules` with a plan open and the meter prepared, unless `order` says to wait for it.
     End run();
+
+    /// A pass was cut short or measured nothing.
+    bool incomplete() const { return incomplete_; }
 
     /// How many rows are missing because the meter's answers stayed doubtful.
     int missing() const { return missing_; }
@@ -49,7 +52,7 @@ class PlanRun {
     End run_pass();
     End walk();
     End next_step();
-    bool find_meter();
+    bool find_meter(const QString& why);
     void take_again(Recordset& programs, Bookmark place);
     bool doubtful_again();
     bool wait(double seconds);
@@ -71,8 +74,9 @@ class PlanRun {
     int missing_ = 0;        ///< rows
     bool measured_ = false;  ///< in the present pass
     bool idle_ = false;      ///< the last pass measured nothing
-    double begin_ = 0;       ///< of the run, on the steady clock
-    double next_pass_ = 0;   ///< on the same clock
+    bool incomplete_ = false;
+    double begin_ = 0;      ///< of the run, on the steady clock
+    double next_pass_ = 0;  ///< on the same clock
 };
 
 }  // namespace m47

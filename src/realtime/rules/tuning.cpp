@@ -10,10 +10,6 @@
 namespace m47 {
 namespace {
 
-constexpr double kSymbolRateMinimum = 1500;  // kS/s
-constexpr double kSymbolRateMaximum = 45000;
-constexpr double kBandwidthMinimum = 5;  // MHz
-constexpr double kBandwidthMaximum = 36;
 constexpr qsizetype kOscillatorLength = 6;
 
 constexpr Bilingual kFrequencyLost{"Frequency not kept: type it again",

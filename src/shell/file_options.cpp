@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "file_options.h"
+
+#include <sys/stat.h>
+
+#include <QFile>
+#include <QFileInfo>
+#include <QList>
+
+#include "database.h"
+
+namespace m47 {
+namespace {
+
+struct NamedFile {
+    QString option;
+    QString path;
+};
+
+QList<NamedFile> named_files(const Options& options) {
+    QList<NamedFile> files{{QStringLiteral("--log"), options.log},
+                           {QStringLiteral("--screenshot"), options.screenshot},
+                           {QStringLiteral("--import-database"), options.import_database}};
+    files.removeIf([](const NamedFile& file) { return file.path.isEmpty(); });
+    return files;
+}
+
+/// Where the file is, or will be, without links in its folder.
+QString place_of(const QString& path) {
+    const QFileInfo about(path);
+    if (about.exists()) return about.canonicalFilePath();
+    const QString folder = QFileInfo(about.absolutePath()).canonicalFilePath();
+    return (folder.isEmpty() ? about.absolutePath() : folder) + u'/' + about.fileName();
+}
+
+/// One file can have two names.
+bool same_file(const QString& one, const QString& other) {
+    struct stat first {};
+    struct stat second {};
+    if (::stat(QFile::encodeName(one).constData(), &first) == 0 &&
+        ::stat(QFile::encodeName(other).constData(), &second) == 0)
+        return first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+    return place_of(one) == place_of(other);
+}
+
+}  // namespace
+
+QString file_option_fault(const Options& options, const QString& base_dir) {
+    const QString database = base_dir + QLatin1String(kDatabaseFile);
+    const QList<NamedFile> files = named_files(options);
+    for (qsizetype k = 0; k < files.size(); ++k) {
+        for (const char* beside : {"", "-journal", "-wal", "-shm"})
+            if (same_file(files[k].path, database + QLatin1String(beside)))
+                return QStringLiteral("%1 names the database: %2")
+                    .arg(files[k].option, files[k].path);
+        for (qsizetype other = 0; other < k; ++other)
+            if (same_file(files[k].path, files[other].path))
+                return QStringLiteral("%1 and %2 name the same file: %3")
+                    .arg(files[other].option, files[k].option, files[k].path);
+    }
+    return {};
+}
+
+}  // namespace m47

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <functional>
+
+namespace m47 {
+
+/// Lines for a reader at the other end of a descriptor, such as stdout. A reader that stalls holds
+/// nothing up: what it does not take waits here, up to 1 MiB, and goes out with a later line.
+class RowOutput {
+  public:
+    explicit RowOutput(int descriptor);
+    ~RowOutput();
+    RowOutput(const RowOutput&) = delete;
+    RowOutput& operator=(const RowOutput&) = delete;
+
+    /// Told once when the reader stalls, once when a line is lost; a text of one line.
+    std::function<void(const QString& text)> on_remark;
+
+    /// Takes a line with its end and writes what can be written without waiting.
+    void write(const QByteArray& line);
+
+    /// Waits for the reader to take the rest, at most `seconds`, or until `told_to_stop`.
+    void finish(double seconds, const std::function<bool()>& told_to_stop);
+
+    /// Nobody will ever take another line.
+    bool closed() const { return closed_; }
+    /// A line did not go out. What still waits is not lost before finish().
+    bool lost() const { return lost_; }
+
+  private:
+    void write_pending();
+    bool wait_until_ready(int milliseconds) const;
+    void take_error(int error);
+    void stall(const QString& reason);
+    void lose();
+
+    int descriptor_;
+    bool own_descriptor_ = false;
+    QByteArray pending_;
+    QString trouble_;  ///< why the last try did not write all of it
+    bool stalled_ = false;
+    bool closed_ = false;
+    bool lost_ = false;
+};
+
+}  // namespace m47
