@@ -89,7 +89,7 @@ bool platform_chosen(int argc, char** argv) {
 
 /// One clear message: on stderr always, in a box when somebody looks.
 void tell(const QString& text, const Options& options) {
-    print(stderr, QStringLiteral("m47-remote: ") + text);
+    print(stderr, QStringLiteral("m47-remote: ") + on_one_line(text));
     if (!options.unattended())
         show_message_box(nullptr, QMessageBox::Critical, QStringLiteral("M47"), text);
 }

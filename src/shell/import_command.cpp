@@ -39,6 +39,11 @@ bool anything_clashes(const ImportPlan& plan) {
            std::ranges::any_of(plan.satellites, clashes);
 }
 
+/// A line for whoever reads what the command says.
+void say_on_stderr(const QString& text) {
+    std::fprintf(stderr, "m47-remote: %s\n", on_one_line(text).toLocal8Bit().constData());
+}
+
 }  // namespace
 
 ImportCommand::ImportCommand(Database& database, const ProgramState& program, QWidget& window,
@@ -78,18 +83,19 @@ int import_unattended(Database& database, const QString& path, const Texts& text
     OldFileError error;
     const auto old = read_old_database(path, error);
     if (!old) {
-        std::fprintf(stderr, "m47-remote: %s\n",
-                     old_file_error_text(error, texts).toLocal8Bit().constData());
+        say_on_stderr(old_file_error_text(error, texts));
         return kOldFileUnreadable;
     }
     const QString remark = reader_remark(*old, texts);
-    if (!remark.isEmpty())
-        std::fprintf(stderr, "m47-remote: %s\n", remark.toLocal8Bit().constData());
+    if (!remark.isEmpty()) say_on_stderr(remark);
     ImportPlan plan = import_plan_of(*old);
     const QString stopped = apply_import(plan, database, texts);
     const QByteArray report = import_report(plan, path, stopped, texts).toUtf8();
     const bool printed = std::fputs(report.constData(), stdout) >= 0 && std::fflush(stdout) == 0;
-    if (!stopped.isEmpty()) return kDatabase;
+    if (!stopped.isEmpty()) {
+        say_on_stderr(stopped_text(stopped, texts));
+        return kDatabase;
+    }
     return printed ? kGood : kOutputLost;
 }
 

@@ -70,7 +70,7 @@ ProgressLine g_progress_line;
 /// One line on stderr, whatever `text` is made of.
 void complain(const QString& text) {
     g_progress_line.clear();
-    std::fprintf(stderr, "m47-remote: %s\n", text.simplified().toLocal8Bit().constData());
+    std::fprintf(stderr, "m47-remote: %s\n", on_one_line(text).toLocal8Bit().constData());
 }
 
 struct Run {

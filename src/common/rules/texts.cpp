@@ -71,4 +71,8 @@ QString Texts::pick(const Bilingual& pair) const {
     return QString::fromUtf8(language == kItalian ? pair.italian : pair.english);
 }
 
+QString on_one_line(const QString& text) {
+    return QString(text).replace(u'\n', u' ');
+}
+
 }  // namespace m47

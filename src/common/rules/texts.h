@@ -53,4 +53,7 @@ class Texts {
     QString pick(const Bilingual& pair) const;
 };
 
+/// `text` as a line of stderr, where each message is one line for whoever goes through them.
+QString on_one_line(const QString& text);
+
 }  // namespace m47

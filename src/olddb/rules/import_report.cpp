@@ -140,6 +140,10 @@ QString reader_remark(const OldDatabase& old, const Texts& texts) {
     return old.reader_was_held ? QString() : texts.pick(kNotHeld);
 }
 
+QString stopped_text(const QString& stopped, const Texts& texts) {
+    return texts.pick(kStopped).arg(stopped);
+}
+
 QString import_report(const ImportPlan& plan, const QString& path, const QString& stopped,
                       const Texts& texts) {
     Report report(texts);
@@ -159,7 +163,7 @@ QString import_report(const ImportPlan& plan, const QString& path, const QString
     if (!plan.missing.isEmpty()) report.section(kMissing, plan.missing);
     if (!plan.ignored.isEmpty()) report.section(kIgnored, plan.ignored);
     report.text += u'\n' + sum_of(plan, report) + u'\n';
-    if (!stopped.isEmpty()) report.text += report.filled_in(kStopped, {stopped}) + u'\n';
+    if (!stopped.isEmpty()) report.text += stopped_text(stopped, texts) + u'\n';
     return report.text;
 }
 
