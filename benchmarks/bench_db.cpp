@@ -90,7 +90,11 @@ class Recorder {
 /// The database library and nothing else.
 class BareLibrary {
   public:
-    explicit BareLibrary(const QString& path) { sqlite3_open(path.toUtf8().constData(), &handle_); }
+    explicit BareLibrary(const QString& path) {
+        sqlite3_open(path.toUtf8().constData(), &handle_);
+        // As safely as the program stores.
+        run_one("PRAGMA synchronous = EXTRA");
+    }
     ~BareLibrary() { sqlite3_close(handle_); }
     BareLibrary(const BareLibrary&) = delete;
     BareLibrary& operator=(const BareLibrary&) = delete;

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <QFile>
+#include <QFileInfo>
 #include <cerrno>
 #include <cstring>
 #include <optional>
@@ -95,6 +96,24 @@ bool write_all(int descriptor, std::string_view bytes) {
     return true;
 }
 
+void sync_folder_of(const QByteArray& name) {
+    const QByteArray folder = QFile::encodeName(QFileInfo(QFile::decodeName(name)).path());
+    const OpenFile opened(::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    // Not every file system can; the lines are in the file either way.
+    if (opened.opened()) static_cast<void>(::fsync(opened.get()));
+}
+
+/// Writes the file out to the medium, and its name in the folder where it is new. A file system
+/// that knows no such thing has no more to give.
+bool reaches_medium(int descriptor, const QByteArray& name, bool is_new) {
+    while (::fdatasync(descriptor) != 0) {
+        if (errno == EINVAL || errno == ENOTSUP) break;
+        if (errno != EINTR) return false;
+    }
+    if (is_new) sync_folder_of(name);
+    return true;
+}
+
 }  // namespace
 
 void MeasurementLog::open(const QString& path, PageModel& page) {
@@ -120,8 +139,10 @@ bool MeasurementLog::append(std::string_view line) {
     std::string record;
     if (breaks_off_within_a_line(file.get(), *length)) record += "\r\n";
     record.append(line).append("\r\n");
-    // A full disk may show in a write that comes back short, or no sooner than at the closing.
-    if (write_all(file.get(), record) && file.close()) {
+    // A full disk may show in a write that comes back short, or no sooner than at the closing. On
+    // the medium: a row that was shown is not to go with the power.
+    if (write_all(file.get(), record) && reaches_medium(file.get(), name, *length == 0) &&
+        file.close()) {
         reason_.clear();
         return true;
     }

@@ -85,7 +85,7 @@ class TestOpen : public QObject {
             return query.next() ? query.value(0).toString() : QString();
         };
         QCOMPARE(setting("journal_mode"), QStringLiteral("delete"));
-        QCOMPARE(setting("synchronous"), QStringLiteral("2"));
+        QCOMPARE(setting("synchronous"), QStringLiteral("3"));
         QCOMPARE(setting("locking_mode"), QStringLiteral("normal"));
         QCOMPARE(setting("busy_timeout"), QStringLiteral("3000"));
         QCOMPARE(setting("cell_size_check"), QStringLiteral("1"));
