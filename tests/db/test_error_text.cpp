@@ -98,7 +98,8 @@ class TestErrorText : public QObject {
     void the_engines_code_is_the_primary_one_and_minus_one_without_any() {
         const auto fault_of = [](const char* words, const char* code) {
             return EngineFault(QSqlError(QStringLiteral("driver"), QString::fromLatin1(words),
-                                         QSqlError::StatementError, QString::fromLatin1(code)));
+                                         QSqlError::StatementError, QString::fromLatin1(code)),
+                               QString());
         };
         QCOMPARE(fault_of("disk I/O error", "522").code(), 10);
         QCOMPARE(fault_of("no code", "").code(), -1);

@@ -58,7 +58,7 @@ class OtherConnection {
 };
 
 /// What the meter was asked for one value.
-struct Asked {
+struct AskedLevel {
     QByteArray frequency;
     QByteArray level;
 };
@@ -1201,7 +1201,7 @@ void AcquisitionTest::a_week_of_a_plan() {
     QCOMPARE(states.size(), 30);
     QCOMPARE(pass.size(), 17);
 
-    QList<Asked> asked;
+    QList<AskedLevel> asked;
     QByteArray tuned;
     qint64 other_commands = 0;
     f_->on_command = [&](const QByteArray& command) {
