@@ -33,12 +33,6 @@ constexpr Bilingual kDeviceIsBack{
     "Il dispositivo %1 è di nuovo presente: \"Reconnect\" nel menu lo collega."};
 
 constexpr Bilingual kNoRow{"No row: doubtful answer", "Nessuna riga: risposta dubbia"};
-constexpr Bilingual kDoubtful{
-    "What the meter answered to %1 came late or was spoilt on the line. Measure again; if it goes "
-    "on, check the cable.",
-    "Ciò che lo strumento ha risposto a %1 è arrivato tardi o guasto. Misurare di nuovo; se si "
-    "ripete, controllare il cavo."};
-
 constexpr Bilingual kCutShort{"Pass cut short", "Giro interrotto"};
 constexpr Bilingual kManualTitle{"Manual", "Manuale"};
 constexpr Bilingual kNoReader{"No program of this computer opens %1.",
@@ -153,8 +147,7 @@ void Program::add_screens() {
         });
         QObject::connect(screen, &Realtime::left_out, &window_, &M47MDI::show_notice);
         QObject::connect(screen, &Realtime::no_row, &window_, [this](const QString& command) {
-            window_.show_upload(state_.texts.pick(kNoRow),
-                                state_.texts.pick(kDoubtful).arg(command));
+            window_.show_notice(QStringLiteral("%1 (%2)").arg(state_.texts.pick(kNoRow), command));
         });
         QObject::connect(screen, &QObject::destroyed, &window_,
                          [this] { window_.show_progress(QString()); });

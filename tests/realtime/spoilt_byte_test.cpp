@@ -96,8 +96,9 @@ class SpoiltByteTest : public QObject {
 
   private:
     void measure();
+    void measure_well();
     void judge(Count& count);
-    QList<Spoiling> spoilings() const;
+    QList<Spoiling> spoilings(char byte) const;
 
     std::unique_ptr<RealtimeFixture> f_;
     std::unique_ptr<SpoilingMeter> meter_;
@@ -106,6 +107,7 @@ class SpoiltByteTest : public QObject {
 void SpoiltByteTest::init() {
     f_ = std::make_unique<RealtimeFixture>();
     meter_ = std::make_unique<SpoilingMeter>(f_->port);
+    f_->clock.spans_hold = true;
     RealtimePanel& panel = f_->panel();
     panel.fsat = "1000.0";
     panel.chbws = "36";
@@ -136,15 +138,23 @@ void SpoiltByteTest::measure() {
     f_->rules.acquisition.single_acq();
 }
 
-QList<Spoiling> SpoiltByteTest::spoilings() const {
+/// As often as a new reading is compared with older ones: each fault stands alone.
+void SpoiltByteTest::measure_well() {
+    meter_->answer_at = -1;
+    for (int times = 0; times < 8; ++times) measure();
+}
+
+/// What can become of `byte`. In ./soak each of its bits is turned, too, and more takes its place.
+QList<Spoiling> SpoiltByteTest::spoilings(char byte) const {
     QList<Spoiling> all{{Spoiling::dropped, 0}, {Spoiling::doubled, 0}};
+    QByteArray others("0379 .-#<E\r\xff");
     if (qEnvironmentVariableIsSet("M47_ALL_BYTES")) {
-        for (int byte = 0; byte < 256; ++byte)
-            all += Spoiling{Spoiling::replaced, static_cast<char>(byte)};
-    } else {
-        for (const char byte : QByteArray("0379 .-#<E\r\xff"))
-            all += Spoiling{Spoiling::replaced, byte};
+        others += "124568+>K?" + QByteArray(1, '\0');
+        for (int bit = 0; bit < 8; ++bit) others += static_cast<char>(byte ^ (1 << bit));
     }
+    for (qsizetype at = 0; at < others.size(); ++at)
+        if (others[at] != byte && others.indexOf(others[at]) == at)
+            all += Spoiling{Spoiling::replaced, others[at]};
     return all;
 }
 
@@ -205,20 +215,20 @@ void SpoiltByteTest::each_fault_is_counted() {
     f_->panel().satdigmea_visible = digital;
     f_->state().meas_mode = digital ? kDigitalMode : kAnalogMode;
     f_->program.corrected.ask_twice = twice;
-    for (int clean = 0; clean < 10; ++clean) measure();
+    measure_well();
     QCOMPARE(f_->rules.page.cells(0)[10], QString("PASS"));
     const QList<QByteArray> answers = meter_->answers;
     Count count;
     for (int place = 0; place < answers.size(); ++place)
         for (int byte = 0; byte < answers[place].size(); ++byte)
-            for (const Spoiling& spoiling : spoilings()) {
-                if (spoiling.kind == Spoiling::replaced && spoiling.byte == answers[place][byte])
-                    continue;
+            for (const Spoiling& spoiling : spoilings(answers[place][byte])) {
                 meter_->answer_at = place;
                 meter_->byte_at = byte;
                 meter_->spoiling = spoiling;
+                const int wrong = count.wrong;
                 measure();
                 judge(count);
+                if (count.wrong > wrong) measure_well();
             }
     qInfo(
         "%d faults: %d rows right, %d with a value missing, %d rows refused, %d links lost, "
@@ -267,7 +277,7 @@ void SpoiltByteTest::asking_twice_repeats_what_surprises() {
     QCOMPARE(asked(61.9), 1);
     QCOMPARE(asked(62.2), 1);
     QCOMPARE(asked(66.0), 2);
-    QCOMPARE(asked(63.0), 1);
+    QCOMPARE(asked(62.6), 1);
     QCOMPARE(asked(80.0), 2);
     QCOMPARE(asked(80.0), 2);
     QCOMPARE(f_->rules.page.cells(8)[10], QString("FAIL"));

@@ -10,7 +10,7 @@ namespace m47 {
 
 /// What a question of a measurement reads. Levels and ratios are in dB, error rates without unit,
 /// the offset in MHz, the attenuation in steps of 10 dB.
-enum class Asked {
+enum class AskedFor {
     level,
     ranging_level,
     channel_power,
@@ -25,7 +25,7 @@ enum class Asked {
 
 /// One number of an answer and its range mark, a null character where it has none.
 struct AskedValue {
-    Asked asked = Asked::level;
+    AskedFor asked = AskedFor::level;
     double value = 0;
     QChar mark;
 };
@@ -46,7 +46,7 @@ class Scatter {
     void add(const QString& program, const AskedValue& reading);
 
   private:
-    std::map<std::pair<QString, Asked>, AskedValues> lately_;
+    std::map<std::pair<QString, AskedFor>, AskedValues> lately_;
 };
 
 }  // namespace m47

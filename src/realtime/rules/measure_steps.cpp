@@ -41,10 +41,10 @@ QString cn_value_text(const QString& reply) {
 }
 
 /// What the digital quality answer brings.
-Asked asked_of(Quantity quantity) {
-    if (quantity == Quantity::ber) return Asked::channel_ber;
-    if (quantity == Quantity::pvber) return Asked::corrected_ber;
-    return quantity == Quantity::cfo ? Asked::offset : Asked::mer;
+AskedFor asked_of(Quantity quantity) {
+    if (quantity == Quantity::ber) return AskedFor::channel_ber;
+    if (quantity == Quantity::pvber) return AskedFor::corrected_ber;
+    return quantity == Quantity::cfo ? AskedFor::offset : AskedFor::mer;
 }
 
 // Where the value stands in an answer
@@ -81,9 +81,9 @@ void MeasureSteps::keep(Quantity quantity, const QString& answered) {
         outcome.unit = unit_of_index(link_.settings.unit());
 }
 
-void MeasureSteps::expect(Asked asked, const QString& text) const {
-    const bool rate = asked == Asked::channel_ber || asked == Asked::corrected_ber;
-    const bool steps = asked == Asked::attenuation;
+void MeasureSteps::expect(AskedFor asked, const QString& text) const {
+    const bool rate = asked == AskedFor::channel_ber || asked == AskedFor::corrected_ber;
+    const bool steps = asked == AskedFor::attenuation;
     // The meter may write its steps with two digits.
     const QString number = steps && text.startsWith(u'0') ? text.mid(1) : text;
     if (!(rate ? can_be_rate(number) : can_be_value(number)))
@@ -94,13 +94,13 @@ void MeasureSteps::format_att() {
     link_.send(command::kFullAttenuation);
     link_.wait_time(kAfterRanging);
     if (program_.unit_index != kDbuv) link_.send(command::kUnit + QStringLiteral(" 00"));
-    ask_one(command::query(command::kAttenuator), Asked::attenuation, whole);
-    expect(Asked::attenuation, link_.reply_text);
+    ask_one(command::query(command::kAttenuator), AskedFor::attenuation, whole);
+    expect(AskedFor::attenuation, link_.reply_text);
     double attenuation = meter_value(link_.reply_text);
-    ask_one(command::query(command::kLevel), Asked::ranging_level, behind_first);
+    ask_one(command::query(command::kLevel), AskedFor::ranging_level, behind_first);
     double level = 0;
     if (level_for_attenuator(link_.reply_text, level)) {
-        expect(Asked::ranging_level, link_.reply_text.mid(2));
+        expect(AskedFor::ranging_level, link_.reply_text.mid(2));
         if (level > attenuation * kAttenuatorStep + kFirstStepLevel) {
             attenuation += 1;
             link_.send(command::kAttenuator + format_number(attenuation, " 0"));
@@ -112,9 +112,9 @@ void MeasureSteps::format_att() {
 
 void MeasureSteps::carr_satdig() {
     format_att();
-    ask_one(command::query(command::kChannelPower), Asked::channel_power, behind_lead);
+    ask_one(command::query(command::kChannelPower), AskedFor::channel_power, behind_lead);
     const QString level = trimmed_from(link_.reply_text, 2);
-    expect(Asked::channel_power, level);
+    expect(AskedFor::channel_power, level);
     panel_.dcplev = level;
     keep(Quantity::level, panel_.dcplev);
     panel_.repaint();
@@ -137,8 +137,8 @@ void MeasureSteps::cn_satdig() {
     link_.send(command::kFullAttenuation);
     link_.send(command::kMarker + QStringLiteral(" 1 1"));
     noise_frequency(panel_.noise_freqd);
-    ask_one(command::query(command::kDigitalCn), Asked::cn, behind_first);
-    expect(Asked::cn, link_.reply_text);
+    ask_one(command::query(command::kDigitalCn), AskedFor::cn, behind_first);
+    expect(AskedFor::cn, link_.reply_text);
     panel_.cndlev = link_.reply_text.trimmed();
     keep(Quantity::cn, cn_value_text(link_.reply_text));
     panel_.repaint();
@@ -153,9 +153,9 @@ void MeasureSteps::levn_satdig() {
     link_.send(command::kFrequency + u' ' + frequency);
     link_.wait_time(kAfterTuning);
     format_att();
-    ask_one(command::query(command::kChannelPower) + frequency, Asked::noise, noise_power);
+    ask_one(command::query(command::kChannelPower) + frequency, AskedFor::noise, noise_power);
     const QString noise = noise_power(link_.reply_text);
-    expect(Asked::noise, noise);
+    expect(AskedFor::noise, noise);
     panel_.noisedlev = noise;
     keep(Quantity::noise, panel_.noisedlev);
     panel_.repaint();
@@ -202,9 +202,9 @@ void MeasureSteps::digital_acquire() {
 void MeasureSteps::carr_satanl() {
     link_.send(command::kFullAttenuation);
     link_.wait_time(kAfterRanging);
-    ask_one(command::query(command::kLevel), Asked::level, behind_lead);
+    ask_one(command::query(command::kLevel), AskedFor::level, behind_lead);
     const QString level = trimmed_from(link_.reply_text, 2);
-    expect(Asked::level, level);
+    expect(AskedFor::level, level);
     panel_.leva = level;
     keep(Quantity::level, panel_.leva);
     panel_.repaint();
@@ -216,8 +216,8 @@ void MeasureSteps::cn_satanl() {
     link_.send(command::kFullAttenuation);
     link_.send(command::kMarker + QStringLiteral(" 1 0"));
     noise_frequency(panel_.noise_freqa);
-    ask_one(command::query(command::kAnalogCn), Asked::cn, behind_letters);
-    expect(Asked::cn, link_.reply_text.mid(3));
+    ask_one(command::query(command::kAnalogCn), AskedFor::cn, behind_letters);
+    expect(AskedFor::cn, link_.reply_text.mid(3));
     panel_.cnalev = link_.reply_text.mid(3);
     keep(Quantity::cn, panel_.cnalev);
     panel_.repaint();
@@ -229,8 +229,8 @@ void MeasureSteps::levn_satanl() {
     const QString frequency = noise_frequency(panel_.noise_freqa);
     link_.send(command::kFrequency + u' ' + frequency);
     link_.wait_time(kAfterTuning);
-    ask_one(command::query(command::kLevel), Asked::noise, behind_words);
-    expect(Asked::noise, behind_words(link_.reply_text));
+    ask_one(command::query(command::kLevel), AskedFor::noise, behind_words);
+    expect(AskedFor::noise, behind_words(link_.reply_text));
     panel_.noisealev = link_.reply_text.trimmed();
     // An answer with a level begins with a character that is no part of it.
     keep(Quantity::noise, trimmed_from(link_.reply_text, 2));

@@ -56,17 +56,17 @@ class MeasureSteps {
     /// `reply_text`; a DoubtfulAnswer when none do.
     void ask(const QString& question, const ValuesIn& values_in);
     /// As ask, for a question with one value, of which `text_in` cuts the text out.
-    void ask_one(const QString& question, Asked asked,
+    void ask_one(const QString& question, AskedFor asked,
                  const std::function<QString(const QString& reply)>& text_in);
     void confirm(const QString& question, const ValuesIn& values_in);
     bool surprising(const AskedValues& readings) const;
     void remember(const AskedValues& readings);
     /// Whose readings are compared with each other.
     QString program_key() const;
-    AskedValue value_in(Asked asked, const QString& text) const;
+    AskedValue value_in(AskedFor asked, const QString& text) const;
     AskedValues quality_in(const QString& reply) const;
     /// A text that can be none of what was asked is a DoubtfulAnswer.
-    void expect(Asked asked, const QString& text) const;
+    void expect(AskedFor asked, const QString& text) const;
     QString& noise_entry(QString& entry) const;
     QString noise_frequency(QString& entry) const;
     void show_field(DigitalMeasure measure, Quantity quantity, const char* label, QString& result);

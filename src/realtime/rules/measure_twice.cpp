@@ -15,35 +15,37 @@ constexpr int kMostAsked = 4;
 
 struct QualityField {
     DigitalMeasure measure;
-    Asked asked;
+    AskedFor asked;
     const char* label;
 };
 constexpr QualityField kQualityFields[] = {
-    {kChber, Asked::channel_ber, "CHBER :"},
-    {kPvBer, Asked::corrected_ber, "PvBER :"},
-    {kCfo, Asked::offset, "CFO   :"},
-    {kMer, Asked::mer, "MER   :"},
+    {kChber, AskedFor::channel_ber, "CHBER :"},
+    {kPvBer, AskedFor::corrected_ber, "PvBER :"},
+    {kCfo, AskedFor::offset, "CFO   :"},
+    {kMer, AskedFor::mer, "MER   :"},
 };
 
-std::optional<AlarmRow> row_of(Asked asked, bool digital) {
+std::optional<AlarmRow> row_of(AskedFor asked, bool digital) {
     switch (asked) {
-        case Asked::level:
+        case AskedFor::level:
             return AlarmRow::level_analog;
-        case Asked::channel_power:
+        case AskedFor::channel_power:
             return AlarmRow::dcp_level;
-        case Asked::cn:
+        case AskedFor::cn:
             return digital ? AlarmRow::cn_digital : AlarmRow::cn_analog;
-        case Asked::channel_ber:
+        case AskedFor::channel_ber:
             return AlarmRow::chber;
-        case Asked::mer:
+        case AskedFor::mer:
             return AlarmRow::mer;
         default:
             return std::nullopt;
     }
 }
 
-bool crosses(const AlarmLimits& limits, double value) {
-    return limits.enabled && (value <= limits.minimum || value >= limits.maximum);
+bool crosses(const std::optional<Limits>& limits, double value) {
+    if (!limits) return false;
+    return (limits->minimum && value <= *limits->minimum) ||
+           (limits->maximum && value >= *limits->maximum);
 }
 
 }  // namespace
@@ -55,7 +57,7 @@ void MeasureSteps::ask(const QString& question, const ValuesIn& values_in) {
         link_.send(question);
 }
 
-void MeasureSteps::ask_one(const QString& question, Asked asked,
+void MeasureSteps::ask_one(const QString& question, AskedFor asked,
                            const std::function<QString(const QString& reply)>& text_in) {
     ask(question,
         [&](const QString& reply) { return AskedValues{value_in(asked, text_in(reply))}; });
@@ -85,7 +87,7 @@ bool MeasureSteps::surprising(const AskedValues& readings) const {
     return std::ranges::any_of(readings, [this](const AskedValue& reading) {
         const std::optional<AlarmRow> row = row_of(reading.asked, panel_.satdigmea_visible);
         return scatter_.surprises(program_key(), reading) ||
-               (row && crosses(limits_of(*row, panel_), reading.value));
+               (row && crosses(limits_in_force(*row, panel_, empty_limits()), reading.value));
     });
 }
 
@@ -100,7 +102,7 @@ QString MeasureSteps::program_key() const {
     return QStringList{program, panel_.fsat, panel_.ol_freq, panel_.chbws, unit}.join(u'\t');
 }
 
-AskedValue MeasureSteps::value_in(Asked asked, const QString& text) const {
+AskedValue MeasureSteps::value_in(AskedFor asked, const QString& text) const {
     expect(asked, text);
     const QString value = text.trimmed();
     const bool marked = value.startsWith(u'<') || value.startsWith(u'>');
