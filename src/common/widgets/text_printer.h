@@ -4,11 +4,14 @@
 #include <QString>
 #include <QWidget>
 
+#include "texts.h"
+
 namespace m47 {
 
 /// Prints `text` as plain lines on the default printer. Where there is none the print dialog is
-/// offered over `screen` (a PDF can be chosen there). False when the user cancelled or the printer
-/// cannot be used.
-bool print_text(QWidget* screen, const QString& title, const QString& text);
+/// offered over `screen` (a PDF can be chosen there). The windows stay alive meanwhile: what takes
+/// longer shows how far it is and can be cancelled, which leaves no half of a PDF behind. False
+/// when the user cancelled or the printer cannot be used.
+bool print_text(QWidget* screen, const QString& title, const QString& text, const Texts& texts);
 
 }  // namespace m47

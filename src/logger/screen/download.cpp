@@ -217,7 +217,7 @@ void Download::show_span_point(int row) {
 }
 
 void Download::createdoc() {
-    print_text(this, windowTitle(), print_page(data.text()));
+    print_text(this, windowTitle(), print_page(data.text()), program_.texts);
 }
 
 }  // namespace m47

@@ -365,7 +365,7 @@ void Realtime::show_log_state(const QString& reason) {
 }
 
 void Realtime::createdoc() {
-    print_text(this, windowTitle(), print_lines(rules.page).join(u'\n'));
+    print_text(this, windowTitle(), print_lines(rules.page).join(u'\n'), program_.texts);
 }
 
 void Realtime::cmdreport_Click() {
