@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "decibel.h"
+
 namespace meter {
 
 namespace {
@@ -26,14 +28,6 @@ constexpr double demodulator_loss_db = 1.0;
 constexpr double mer_loss_db = 0.3;
 constexpr double lowest_lock_cn_db = 3.0;
 constexpr double rate_tolerance = 0.005;
-
-double linear(double decibel) {
-    return std::pow(10.0, decibel / 10.0);
-}
-
-double decibel(double ratio) {
-    return 10.0 * std::log10(ratio);
-}
 
 /** C/N of the strongest carrier in a channel: the meter's own noise adds to that of the link. */
 double channel_cn(const Spectrum& spectrum, double if_mhz, double width_mhz) {

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "decibel.h"
+
 namespace meter {
 
 namespace {
@@ -13,10 +15,6 @@ constexpr int lowest_high_volt = 16;
 
 double normal_cdf(double x) {
     return 0.5 * std::erfc(-x / std::sqrt(2.0));
-}
-
-double linear(double decibel) {
-    return std::pow(10.0, decibel / 10.0);
 }
 
 }  // namespace
@@ -44,7 +42,7 @@ double band_power(const Spectrum& spectrum, double low_mhz, double high_mhz) {
     for (const Carrier& carrier : spectrum.carriers) {
         sum += linear(carrier.level_dbuv) * power_share(carrier, low_mhz, high_mhz);
     }
-    return 10.0 * std::log10(sum);
+    return decibel(sum);
 }
 
 const Carrier* strongest(const Spectrum& spectrum, double low_mhz, double high_mhz) {
