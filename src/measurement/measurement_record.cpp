@@ -63,16 +63,13 @@ Measurement MeasurementRecords::unpack(const MeasurementRecord& record) const {
 }
 
 std::uint32_t MeasurementRecords::place_of(const ProgramIdentity& program) {
-    // A program mostly follows itself, or the one it followed in the pass before.
-    for (const std::uint32_t guess : {latest_program_, latest_program_ + 1})
-        if (guess < programs_.size() && programs_[guess] == program) return latest_program_ = guess;
     const std::pair<QString, QString> key{program.plan, program.number};
     const auto found = program_places_.constFind(key);
-    if (found != program_places_.constEnd()) return latest_program_ = *found;
+    if (found != program_places_.constEnd()) return *found;
     const auto place = static_cast<std::uint32_t>(programs_.size());
     programs_.push_back(program);
     program_places_.insert(key, place);
-    return latest_program_ = place;
+    return place;
 }
 
 std::uint32_t MeasurementRecords::place_of(const LimitsInForce& limits) {

@@ -38,7 +38,6 @@ class MeasurementRecords {
 
     std::vector<ProgramIdentity> programs_;
     QHash<std::pair<QString, QString>, std::uint32_t> program_places_;
-    std::uint32_t latest_program_ = 0;
     std::vector<LimitsInForce> limits_;
     QHash<QByteArray, std::uint32_t> limit_places_;
 };
