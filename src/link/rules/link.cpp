@@ -32,8 +32,7 @@ void Link::send_command() {
         settings.take(command_text, reply_text);
     else
         settings.doubt(command_text);
-    if (refuse_doubtful && doubtful_)
-        throw DoubtfulAnswer(command_text.toStdString());
+    if (refuse_doubtful && doubtful_) throw DoubtfulAnswer(command_text.toStdString());
 }
 
 bool Link::transact(const std::function<Outcome()>& exchange, const std::function<void()>& rest) {
