@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The disk fails at the n-th call of the real program: what stands on it afterwards is the old or
-// the new, and what was lost is told. A sample of n; M47_DISK_ALL=1 takes every n.
+// The disk fails at the n-th call of the real program: what stands on it
+// afterwards is the old or the new, and what was lost is told. A sample of n;
+// M47_DISK_ALL=1 takes every n.
+#include <QBuffer>
+#include <QImage>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTest>
@@ -13,11 +16,12 @@ namespace {
 constexpr int kAtOnce = 8;
 constexpr int kSample = 2;  // of each kind of fault
 const QStringList kKinds{"enospc", "eio", "erofs", "eintr", "short", "fsync", "enospc+", "eio+"};
+const QString kPicture = QStringLiteral("p.png");
 const QString kLog = QStringLiteral("r.log");
 constexpr int kPrograms = 2;
 
 /// What an unattended run can end with.
-enum Status { kGood = 0, kNoLink = 3, kNoDatabase = 4, kLost = 5 };
+enum Status { kGood = 0, kNoLink = 3, kNoDatabase = 4, kIncomplete = 7 };
 
 using Files = QMap<QString, QByteArray>;
 using Check = std::function<QString(const DiskJob&)>;
@@ -51,8 +55,10 @@ QByteArray database_with_plan() {
         for (const char* statement :
              {"INSERT INTO gruppo (nome) VALUES ('ROOF')",
               "INSERT INTO configurazione (nome) VALUES ('ROOF')",
-              "INSERT INTO programmi (nome, pg_num, frequenza, loc_osc, sat_ad, monitor_state) "
-              "VALUES ('ROOF', '001', 1100, 1, 0, 1), ('ROOF', '002', 1200, 1, 0, 1)"})
+              "INSERT INTO programmi (nome, pg_num, frequenza, loc_osc, sat_ad, "
+              "monitor_state) "
+              "VALUES ('ROOF', '001', 1100, 1, 0, 1), ('ROOF', '002', 1200, 1, 0, "
+              "1)"})
             if (!query.exec(statement)) qFatal("%s", statement);
     }
     QSqlDatabase::removeDatabase("plan");
@@ -61,7 +67,7 @@ QByteArray database_with_plan() {
 
 QString told_badly(const DiskJob& job, bool something_is_lost) {
     const Ending& ending = job.ending;
-    if (ending.status < 0 || ending.status > kLost) return "ended with a crash or not at all";
+    if (ending.status < 0 || ending.status > kIncomplete) return "ended with a crash or not at all";
     if (something_is_lost && (ending.status < kNoLink || ending.err.isEmpty()))
         return "something is lost and not told";
     QList<QByteArray> lines = ending.err.split('\n');
@@ -71,7 +77,8 @@ QString told_badly(const DiskJob& job, bool something_is_lost) {
     return {};
 }
 
-/// The log has whole lines of `printed` in their order; of a fault that stays, the first ones.
+/// The log has whole lines of `printed` in their order; of a fault that stays,
+/// the first ones.
 QString log_fault(const DiskJob& job) {
     const QByteArray log = job.content(kLog);
     if (!log.isEmpty() && !log.endsWith("\r\n")) return "half a line in the log";
@@ -220,6 +227,20 @@ class FaultTest : public QObject {
              }});
     }
 
+    void a_picture_is_the_old_one_or_the_new() {
+        QBuffer older;
+        older.open(QIODevice::WriteOnly);
+        QImage(8, 8, QImage::Format_RGB32).save(&older, "PNG");
+        run({{{kDatabase, made_database()}, {kPicture, older.data()}},
+             true,
+             {"--measure", "--on-port", "1", "--port", "1=METER", "--screenshot", kPicture},
+             [](const DiskJob& job) -> QString {
+                 const QImage shown(job.path(kPicture));
+                 if (shown.isNull()) return "half a picture";
+                 return told_badly(job, shown.width() == 8);
+             }});
+    }
+
     void an_old_database_is_imported() {
         const QByteArray database = made_database();
         DiskJob reference({}, {{kDatabase, database}}, false);
@@ -241,7 +262,10 @@ class FaultTest : public QObject {
                          QStringLiteral("^  %1( \\(programs: \\d+\\))?: came$").arg(name),
                          QRegularExpression::MultilineOption);
                      const bool said = QString::fromUtf8(job.ending.out).contains(line);
-                     if (said != there.contains(name))
+                     // Where the last sync of a storing fails, the engine itself cannot know
+                     // whether it came: the item whose turn it was may be there.
+                     const bool in_doubt = name == there.constLast() && job.ending.status != kGood;
+                     if (said != there.contains(name) && !(in_doubt && !said))
                          return QStringLiteral("%1: said %2, there %3")
                              .arg(name)
                              .arg(said)

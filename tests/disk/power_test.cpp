@@ -191,7 +191,7 @@ class PowerTest : public QObject {
         job.start({"--measure", "--on-port", "1", "--port", "1=METER", "--count",
                    QString::number(wanted_steps()), "--log", kLog});
         job.wait();
-        QCOMPARE(job.ending.status, 0);
+        QVERIFY2(job.ending.status == 0, job.ending.err.constData());
         const QByteArray whole = job.content(kLog);
         QCOMPARE(whole.count('\n'), wanted_steps());
         const QList<DiskChange> changes = recorded_changes(content_of(record));
