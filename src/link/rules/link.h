@@ -98,6 +98,7 @@ class Link {
     /// What `reply_text` is so far, once whatever belongs to other commands has been dropped.
     ReplyWatch::Verdict judge(ReplyWatch& watch);
     bool drop_late_answer();
+    bool is_mere_noise(qsizetype begin) const;
     bool another_may_come() const;
     void settle_error();
     void settle_answer();

@@ -26,7 +26,7 @@ ReplyWatch::Verdict Link::judge(ReplyWatch& watch) {
 /// was dropped: it begins with the answer, or with something that nobody can tell from it.
 bool Link::drop_late_answer() {
     const qsizetype begin = answer_begin(command_text, reply_text);
-    if (begin == 0) return false;
+    if (begin == 0 || is_mere_noise(begin)) return false;
     const bool to_another = late_.is_to_another(reply_text, command_text);
     if (begin < 0 && !to_another && !another_may_come()) {
         doubtful_ = true;
@@ -36,6 +36,13 @@ bool Link::drop_late_answer() {
     note_late_answers(reply_text.left(end));
     reply_text.remove(0, end);
     return true;
+}
+
+/// What stands in front of the echo at `begin` is no answer and nobody waits for one: it is cut as
+/// ever, unless a measurement would take a part of it for the value.
+bool Link::is_mere_noise(qsizetype begin) const {
+    return begin > 0 && !refuse_doubtful && !another_may_come() &&
+           answer_end(reply_text.left(begin)) == 0;
 }
 
 bool Link::another_may_come() const {

@@ -59,6 +59,8 @@ class PlanSets {
     /// False where the database has no plan, or another program has deleted the current one.
     /// Nothing can be stored then.
     bool has_current_plan() const;
+    /// The row of the current program; nothing where the plan has none.
+    std::optional<Bookmark> current_row() const;
     bool has_program() const { return programs_ && !programs_->empty(); }
     /// The current program, a blank one where the plan has none.
     ProgramRecord program() const;
@@ -118,7 +120,6 @@ class PlanSets {
     void check_programs(const std::vector<Bookmark>& rows, const QString& oscillator);
     void begin_checks();
     void tell_checked();
-    std::optional<Bookmark> current_row() const;
     void reopen(std::optional<Bookmark> current);
     void show_plan(const QString& name);
     void add_rows(const QString& name);

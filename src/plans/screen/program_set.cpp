@@ -96,6 +96,7 @@ void ProgramSet::handle(const char* name, Body body) {
 }
 
 /// After a fault the boxes may hold another program than the one that would be overwritten next.
+/// Where they hold that one, what was typed stays: storing again may be all that is needed.
 void ProgramSet::show_current_row() {
     try {
         sets_.refresh();
@@ -103,6 +104,7 @@ void ProgramSet::show_current_row() {
         // The file cannot be read just now: what was read last stays.
     }
     try {
+        if (sets_.plan() == shown_plan_ && sets_.current_row() == shown_row_) return;
         move_plan(true);
     } catch (const Fault&) {
         // Without a current row nothing can be overwritten.
@@ -257,6 +259,8 @@ void ProgramSet::show_monitor(bool visible) {
 void ProgramSet::mostra_record() {
     load_oscloc();
     boxes_.show(sets_.program());
+    shown_plan_ = sets_.plan();
+    shown_row_ = sets_.current_row();
     shown_ = boxes_.read();
     shown_oscillator_ = boxes_.oscillator();
     typed_offset_.reset();

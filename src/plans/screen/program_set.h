@@ -102,7 +102,10 @@ class ProgramSet : public QMainWindow {
     PlanSets sets_;
     std::unique_ptr<Ui::ProgramSet> ui_;
     PlanBoxes boxes_;
-    /// The program in the boxes as it was shown, before anybody typed.
+    /// The plan and the row of the program in the boxes.
+    QString shown_plan_;
+    std::optional<Bookmark> shown_row_;
+    /// That program as it was shown, before anybody typed.
     ProgramRecord shown_;
     QString shown_oscillator_;
     /// Of the unit in which the level limits have been typed since then.
