@@ -176,9 +176,6 @@ void EveryByteTest::a_noise_byte_comes_in() {
                 const bool in_the_end = k > kAnswer.size() - 3 && k < kAnswer.size();
                 if (in_the_end) {
                     M47_AT(e.lost() && e.lasted(kLimit), k, times);
-                } else if (k == 0) {
-                    // The answer begins where its echo does.
-                    M47_AT(e.good() && e.lasted(0), k, times);
                 } else {
                     M47_AT(e.answered_with(cut_out(answer)) && e.lasted(0), k, times);
                 }
