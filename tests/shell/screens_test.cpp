@@ -548,7 +548,7 @@ class ScreensTest : public QObject, protected ProgramInFolder {
         auto clock = std::make_unique<VirtualClock>();
         auto line = std::make_unique<FakePort>(*clock);
         FakePort& port = *line;
-        MeterInProcess meter(port, 1);
+        auto meter = std::make_unique<MeterInProcess>(port, 1);
         PortList ports;
         QVERIFY(ports.add("1=/dev/no-such-meter"));
         start_program({1024, 600}, ports, std::move(clock), std::move(line));
@@ -574,6 +574,7 @@ class ScreensTest : public QObject, protected ProgramInFolder {
         click("cmdclearall");
         sent = port.take_commands();
         QCOMPARE(sent.filter("DATADELALL").size(), 1);
+        meter.reset();  // before its line goes
         end_program();
     }
 
