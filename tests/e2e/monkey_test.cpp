@@ -283,8 +283,7 @@ void MonkeyTest::all_screens_without_sense() {
 }  // namespace m47
 
 int main(int argc, char** argv) {
-    if (argc == 2 && qstrcmp(argv[1], m47::kReadOldDatabase) == 0)
-        return m47::run_old_reader();
+    if (argc == 2 && qstrcmp(argv[1], m47::kReadOldDatabase) == 0) return m47::run_old_reader();
     QApplication application(argc, argv);
     // The monkey closes the window now and then and goes on.
     QApplication::setQuitOnLastWindowClosed(false);
