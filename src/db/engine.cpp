@@ -4,6 +4,9 @@
 #include <QFileInfo>
 #include <QUrl>
 #include <atomic>
+#include <utility>
+
+#include "statement_fault.h"
 
 namespace m47 {
 namespace {
@@ -29,7 +32,21 @@ QString next_connection_name() {
     return QStringLiteral("m47-database-%1").arg(++count);
 }
 
+StatementFault& statement_fault() {
+    static StatementFault current;
+    return current;
+}
+
+void fail_on_purpose(const QString& address) {
+    if (!statement_fault()) return;
+    if (const auto error = statement_fault()()) throw EngineFault(*error, address);
+}
+
 }  // namespace
+
+void set_statement_fault(StatementFault fault) {
+    statement_fault() = std::move(fault);
+}
 
 EngineFault::EngineFault(const QSqlError& error, const QString& address)
     : Fault(words_of(error)), code_(code_of(error)), path_(path_of(address)) {}
@@ -37,12 +54,14 @@ EngineFault::EngineFault(const QSqlError& error, const QString& address)
 Query::Query(const QSqlDatabase& database, const QString& statement, const QVariantList& values)
     : query_(database), address_(database.databaseName()) {
     query_.setForwardOnly(true);
+    fail_on_purpose(address_);
     if (!query_.prepare(statement)) throw EngineFault(query_.lastError(), address_);
     for (const QVariant& value : values) query_.addBindValue(value);
     if (!query_.exec()) throw EngineFault(query_.lastError(), address_);
 }
 
 bool Query::next() {
+    fail_on_purpose(address_);
     if (query_.next()) return true;
     if (query_.lastError().isValid()) throw EngineFault(query_.lastError(), address_);
     return false;

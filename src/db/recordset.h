@@ -54,6 +54,8 @@ class Recordset {
     bool begin_of_set() const;
     bool end_of_set() const;
     bool empty() const;
+    /// False before the first row, behind the last and where a row has just been removed.
+    bool has_current() const { return current_.has_value(); }
     int count() const;
 
     /// Moves to the first row whose `field` equals `value` (text, compared as it stands). False and

@@ -138,6 +138,10 @@ class AcquisitionTest : public QObject {
     void plan_deleted_between_two_firings();
     void plan_deleted_before_a_pass();
     void database_held_at_a_firing();
+    void a_plan_replaced_between_two_firings();
+    void a_plan_replaced_in_a_pass();
+    void a_firing_without_a_plan();
+    void what_is_timed_stops_without_its_plan();
     void another_plan_that_cannot_be_read();
     void link_down();
     void link_lost_in_a_pass();
@@ -156,6 +160,8 @@ class AcquisitionTest : public QObject {
     void add_plan(const QString& name, const QList<int>& monitor_states, double frequency = 1000);
     void add_program(const QString& plan, int number, const QMap<QString, QVariant>& fields);
     void remove_programs(const QString& plan);
+    void replace_programs(const QString& plan);
+    void start_timed_plan();
     void run_for(double seconds) { run_until(now() + seconds); }
     void run_until(double time);
     /// The place of the plan's current program, from 0; -1 at the end.
@@ -194,6 +200,7 @@ class AcquisitionTest : public QObject {
     std::unique_ptr<Ticks> ticks_;
     QList<QPair<int, int>> progress_;
     QList<double> firings_;  ///< when a measurement began
+    QStringList told_;       ///< why a pass was cut short
 };
 
 void AcquisitionTest::init() {
@@ -202,6 +209,7 @@ void AcquisitionTest::init() {
     ticks_ = std::make_unique<Ticks>(f_->clock);
     progress_.clear();
     firings_.clear();
+    told_.clear();
     acquisition().Timer1 = &ticks_->timer1;
     acquisition().Timer2 = &ticks_->timer2;
     acquisition().Timer3 = &ticks_->timer3;
@@ -1109,6 +1117,78 @@ void AcquisitionTest::database_held_at_a_firing() {
         acquisition().stop();
         QVERIFY(!ticks_->timer2.running());
     }
+}
+
+void AcquisitionTest::replace_programs(const QString& plan) {
+    const OtherConnection other(f_->path(kDatabaseFile));
+    // As one that exports the rows and imports them again: none keeps its place.
+    other.run("CREATE TEMP TABLE kept AS SELECT * FROM programmi WHERE nome = '" + plan + "'");
+    other.run("UPDATE kept SET id = id + 1000");
+    other.run("DELETE FROM programmi WHERE nome = '" + plan + "'");
+    other.run("INSERT INTO programmi SELECT * FROM kept");
+}
+
+void AcquisitionTest::start_timed_plan() {
+    add_plan("A", {1, 1, 1});
+    acquisition().group();
+    panel().time_delay = 1;
+    acquisition().time_delay_Click();
+    acquisition().cmdstart_Click();
+    acquisition().on_cut_short = [this](const QString& reason) { told_ += reason; };
+}
+
+void AcquisitionTest::a_plan_replaced_between_two_firings() {
+    start_timed_plan();
+    run_for(5);
+    replace_programs("A");
+    run_for(12);
+    QCOMPARE(frequencies(), plan_frequencies({0, 1, 2}));
+    QCOMPARE(told_, QStringList());
+    acquisition().stop();
+    // So is a pass on demand.
+    replace_programs("A");
+    acquisition().multiple_acq();
+    run_for(10);
+    QCOMPARE(frequencies(), plan_frequencies({0, 1, 2, 0, 1, 2}));
+}
+
+void AcquisitionTest::a_plan_replaced_in_a_pass() {
+    start_timed_plan();
+    run_for(11.5);
+    QCOMPARE(frequencies(), plan_frequencies({0}));
+    replace_programs("A");
+    run_for(6);
+    // What was not measured in this pass is told; the next one is whole again.
+    QCOMPARE(told_.size(), 1);
+    QVERIFY2(told_[0].startsWith("Another program deleted or replaced"), qPrintable(told_[0]));
+    run_for(15);
+    QCOMPARE(told_.size(), 1);
+    QCOMPARE(frequencies(), plan_frequencies({0, 1, 0, 1, 2}));
+}
+
+void AcquisitionTest::a_firing_without_a_plan() {
+    start_timed_plan();
+    remove_programs("A");
+    run_for(11.5);
+    QCOMPARE(told_.size(), 1);
+    QVERIFY2(told_[0].startsWith("The plan has no programs"), qPrintable(told_[0]));
+    QCOMPARE(panel().time_state, LampColour::red);
+    QVERIFY(!state().plan_run_active);
+    f_->rules.modes.rs_programs.reset();
+    run_for(10);
+    QCOMPARE(told_.size(), 2);
+    QCOMPARE(told_[1], QString("No plan is open."));
+    QCOMPARE(panel().time_state, LampColour::red);
+}
+
+void AcquisitionTest::what_is_timed_stops_without_its_plan() {
+    start_timed_plan();
+    remove_programs("A");
+    run_for(11.5);
+    QVERIFY(ticks_->timer1.running());
+    acquisition().cmdstart_Click();
+    QVERIFY(!ticks_->timer1.running());
+    QCOMPARE(panel().cmdstart, QString("&Start"));
 }
 
 void AcquisitionTest::another_plan_that_cannot_be_read() {

@@ -45,6 +45,8 @@ class PlanRunTest : public QObject {
     void a_doubtful_measurement_is_taken_again();
     void a_meter_that_is_away_at_the_start_is_waited_for();
     void a_plan_that_was_emptied_is_told_once();
+    void a_plan_that_was_replaced_is_measured_again();
+    void a_row_that_cannot_be_taken_again_ends_no_run();
     void progress();
     void full_tune();
     void full_tune_leaves_out_what_is_none();
@@ -403,10 +405,49 @@ void PlanRunTest::a_plan_that_was_emptied_is_told_once() {
     QCOMPARE(run.run(), PlanRun::End::done);
     QCOMPARE(measured().size(), 3);
     QCOMPARE(remarks_.size(), 1);
-    QVERIFY(remarks_[0].endsWith(": pass 2 measured nothing"));
+    QVERIFY2(remarks_[0].contains(": pass 2 was cut short: The plan has no programs"),
+             qPrintable(remarks_[0]));
     QVERIFY(run.incomplete());
     // The walk over nothing pauses: it does not run in circles.
     QVERIFY(now() >= 4);
+}
+
+void PlanRunTest::a_plan_that_was_replaced_is_measured_again() {
+    f_->on_command = [this](const QByteArray& command) {
+        if (command != "FREQ 1010.0" || !begun_.isEmpty()) return;
+        begun_ += "replaced";
+        Recordset set = f_->database().of_plan("programmi", "P");
+        // Others behind them first, so that no row of the new ones has a number of the old ones.
+        for (const int number : {3, 4, 5}) add_program(number);
+        set.move_first();
+        for (int gone = 0; gone < 3; ++gone, set.requery()) set.remove();
+    };
+    PlanRun run = make_run({.passes = 3});
+    QCOMPARE(run.run(), PlanRun::End::done);
+    QCOMPARE(measured(),
+             QStringList({"1000", "1010", "1030", "1040", "1050", "1030", "1040", "1050"}));
+    // What was missing in the first pass is told.
+    QVERIFY(run.incomplete());
+    QCOMPARE(remarks_.size(), 1);
+    QVERIFY2(remarks_[0].contains(": pass 1 was cut short: Another program deleted or replaced"),
+             qPrintable(remarks_[0]));
+}
+
+void PlanRunTest::a_row_that_cannot_be_taken_again_ends_no_run() {
+    f_->raw["FREQ 1010.0"] = "FREQ 1#10.0\rOK\r";
+    // Somebody deletes the very program whose answer was doubtful.
+    f_->rules.cycle.on_doubt = [this](const QString&) {
+        f_->raw.clear();
+        Recordset set = f_->database().of_plan("programmi", "P");
+        set.move_next();
+        set.remove();
+    };
+    PlanRun run = make_run({.passes = 2});
+    QCOMPARE(run.run(), PlanRun::End::done);
+    QVERIFY(run.incomplete());
+    QCOMPARE(measured(), QStringList({"1000", "1020", "1000", "1020"}));
+    QCOMPARE(remarks_.size(), 1);
+    QVERIFY2(remarks_[0].contains("deleted by another program"), qPrintable(remarks_[0]));
 }
 
 void PlanRunTest::progress() {

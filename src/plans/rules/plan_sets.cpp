@@ -123,7 +123,7 @@ void PlanSets::last_program() {
 }
 
 ProgramRecord PlanSets::program() const {
-    return has_program() ? read(*programs_) : ProgramRecord();
+    return current_row() ? read(*programs_) : ProgramRecord();
 }
 
 ProgramRecord PlanSets::read(const Recordset& set) const {
@@ -173,7 +173,8 @@ void PlanSets::need_plan() const {
 }
 
 std::optional<Bookmark> PlanSets::current_row() const {
-    if (!has_program()) return std::nullopt;
+    // After a move that failed halfway the set may stand beside its rows.
+    if (!programs_ || !programs_->has_current()) return std::nullopt;
     return programs_->bookmark();
 }
 

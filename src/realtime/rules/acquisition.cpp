@@ -3,6 +3,7 @@
 
 #include <QTime>
 #include <algorithm>
+#include <utility>
 
 #include "engine.h"
 #include "fault.h"
@@ -13,6 +14,9 @@ namespace m47 {
 namespace {
 
 constexpr Bilingual kNoPlanOpen{"No plan is open.", "Nessun piano è aperto."};
+constexpr Bilingual kProgramsGone{
+    "Another program deleted or replaced programs of the plan before they were measured.",
+    "Un altro programma ha cancellato o sostituito programmi del piano prima della misura."};
 
 const QString kPlanName = QStringLiteral("nome");
 const QString kProgramNumber = QStringLiteral("pg_num");
@@ -126,18 +130,32 @@ int Acquisition::monitored_programs() {
     return static_cast<int>(pass_.size());
 }
 
+bool Acquisition::step(Recordset& set, Direction direction) {
+    if (direction == Direction::back) {
+        set.move_previous();
+        if (!set.begin_of_set()) return false;
+        set.move_first();
+    } else {
+        set.move_next();
+        if (!set.end_of_set()) return false;
+        set.move_last();
+    }
+    return true;
+}
+
 void Acquisition::move_plan(Direction direction) {
     quietly([this, direction] {
         const Suspended suspended(link_);
         Recordset& plans = database_.gruppo();
-        if (direction == Direction::back) {
-            plans.move_previous();
-            if (plans.begin_of_set()) plans.move_first();
-        } else {
-            plans.move_next();
-            if (plans.end_of_set()) plans.move_last();
+        const Recordset before = plans;
+        try {
+            step(plans, direction);
+            open_programs();
+        } catch (const EngineFault&) {
+            // Else the next step would begin at a plan that is not shown.
+            plans = before;
+            throw;
         }
-        open_programs();
         forget_place();
     });
 }
@@ -153,19 +171,14 @@ void Acquisition::next() {
 void Acquisition::move_program(Direction direction) {
     quietly([this, direction] {
         const Suspended suspended(link_);
-        Recordset& set = programs();
+        // Only a walk that came to its end moves the set: one that failed would leave it beside its
+        // rows.
+        Recordset set = programs();
         bool at_end = false;
         do {
-            if (direction == Direction::back) {
-                set.move_previous();
-                at_end = set.begin_of_set();
-                if (at_end) set.move_first();
-            } else {
-                set.move_next();
-                at_end = set.end_of_set();
-                if (at_end) set.move_last();
-            }
-        } while (!at_end && !monitored());
+            at_end = step(set, direction);
+        } while (!at_end && !is_monitored(set));
+        programs() = std::move(set);
         modes_.mostra_record_realtime();
     });
 }
@@ -197,24 +210,25 @@ void Acquisition::measure_once(const std::function<void()>& prepare,
     if (cycle_.doubt().isEmpty()) costs_.end();
 }
 
+/// Over the rows that the plan has now: another program may have replaced them since the last pass.
 void Acquisition::begin_pass() {
-    quietly([this] {
-        programs().move_first();
-        list_monitored();
-        state_.plan_run_active = true;
-        Timer2->start();
-    });
+    modes_.reread_plan();
+    programs().move_first();
+    list_monitored();
+    rows_of_pass_ = programs().count();
+    state_.plan_run_active = true;
+    Timer2->start();
 }
 
 void Acquisition::multiple_acq() {
-    begin_pass();
+    quietly([this] { begin_pass(); });
 }
 
 bool Acquisition::unwatched_pass() {
     try {
         begin_pass();
         return true;
-    } catch (const EngineFault& fault) {
+    } catch (const Fault& fault) {
         tell_cut_short(fault);
         return false;
     }
@@ -258,13 +272,12 @@ void Acquisition::cmdstart_Click() {
     show_time_left();
 }
 
-/// What ends need not wait for a database that cannot be read: each firing begins at the first
-/// program anyway.
+/// What ends need not wait for a database that cannot be read, nor for a plan that is gone: each
+/// firing begins at the first program anyway.
 void Acquisition::go_to_first_program(bool starts) {
-    Recordset& set = programs();
     try {
-        set.move_first();
-    } catch (const EngineFault&) {
+        programs().move_first();
+    } catch (const Fault&) {
         if (starts) throw;
     }
 }
@@ -349,11 +362,21 @@ void Acquisition::report_place() {
 void Acquisition::forget_place() {
     if (!state_.plan_run_active) return;
     pass_.clear();
+    rows_of_pass_ = programs().count();
     report_progress(0, 0);
 }
 
 void Acquisition::report_progress(int place, int monitored) const {
     if (on_progress) on_progress(place, monitored);
+}
+
+/// The pass is whole whether or not its first row can be read: the next one reads them anew.
+void Acquisition::leave_at_first(Recordset& set) {
+    try {
+        if (!set.empty()) set.move_first();
+    } catch (const EngineFault&) {
+        return;
+    }
 }
 
 bool Acquisition::acq_multi() {
@@ -364,7 +387,10 @@ bool Acquisition::acq_multi() {
         // not measured.
         if (!set.end_of_set() && !monitored()) set.move_next();
         if (set.end_of_set()) {
-            set.move_first();
+            // What has left the set was passed over.
+            const bool gone = set.count() < rows_of_pass_;
+            leave_at_first(set);
+            if (gone) throw Fault(kProgramsGone);
             end_pass();
             return false;
         }

@@ -70,9 +70,12 @@ class Acquisition {
     void Timer2_Timer();
     void Timer3_Timer();
 
-    /// As multiple_acq, but a database that cannot be read is told through on_cut_short. False
-    /// then.
+    /// As multiple_acq, but why a pass cannot begin, as with a database that cannot be read or a
+    /// plan without programs, is told through on_cut_short. False then.
     bool unwatched_pass();
+
+    /// Tells `fault` through on_cut_short.
+    void tell_cut_short(const Fault& fault) const;
 
     /// Opens the plan `name` for passes, as "group" opens the first one. False, and nothing changed
     /// but the presentation, where there is no such plan.
@@ -94,15 +97,17 @@ class Acquisition {
     void measure_program();
     void measure_once(const std::function<void()>& prepare = {},
                       const ProgramIdentity& program = {});
+    /// One row on; true where the set ends there and stays on its last row.
+    static bool step(Recordset& set, Direction direction);
     void move_plan(Direction direction);
     void move_program(Direction direction);
     void show_time_left();
     void go_to_first_program(bool starts);
-    void tell_cut_short(const Fault& fault) const;
     void begin_pass();
     void list_monitored();
     void report_place();
     void forget_place();
+    static void leave_at_first(Recordset& set);
     void end_pass();
     void report_progress(int place, int monitored) const;
 
@@ -116,6 +121,7 @@ class Acquisition {
     ProgramTuning tuning_;
     MeasureCosts costs_;
     std::vector<Bookmark> pass_;  ///< the monitored programs of the pass that runs
+    int rows_of_pass_ = 0;        ///< programs of its plan when it began there
 };
 
 }  // namespace m47

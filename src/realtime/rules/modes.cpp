@@ -2,6 +2,7 @@
 #include "modes.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "commands.h"
 #include "fault.h"
@@ -17,6 +18,14 @@ constexpr int kTone22kOff = 1;  // the second entry of `k22_state`
 
 constexpr Bilingual kRateLost{"Symbol rate not kept: type it again",
                               "Symbol rate non conservata: scriverla di nuovo"};
+
+constexpr Bilingual kNoPrograms{
+    "The plan has no programs: make one on the plan screen.",
+    "Il piano non ha programmi: crearne uno nella schermata dei piani."};
+constexpr Bilingual kNoOscillators{
+    "The plan has no row for its oscillators: store one of its programs on the plan screen.",
+    "Il piano non ha la riga degli oscillatori: memorizzare un suo programma nella schermata dei "
+    "piani."};
 
 /// While it lives the controls change without sending their commands.
 class RecallGuard {
@@ -121,11 +130,23 @@ void Modes::configurazione_prmt() {
 void Modes::crea_records_realtime() {
     rs_programs = database_.of_plan(QLatin1String(table::kProgrammi), panel_.grp_name);
     rs_config = database_.of_plan(QLatin1String(table::kConfigurazione), panel_.grp_name);
+    if (rs_programs->empty()) throw Fault(kNoPrograms);
+    if (rs_config->empty()) throw Fault(kNoOscillators);
     rs_programs->move_first();
     rs_config->move_first();
     mostra_record_realtime();
     rs_programs->move_first();
     rs_config->move_first();
+}
+
+void Modes::reread_plan() {
+    if (!rs_programs) return;
+    Recordset programs = database_.of_plan(QLatin1String(table::kProgrammi), panel_.grp_name);
+    Recordset config = database_.of_plan(QLatin1String(table::kConfigurazione), panel_.grp_name);
+    // Only now nothing can fail any more.
+    rs_programs = std::move(programs);
+    rs_config = std::move(config);
+    if (rs_programs->empty()) throw Fault(kNoPrograms);
 }
 
 void Modes::mostra_record_realtime() {

@@ -43,8 +43,13 @@ class Modes {
     void configurazione_prmt();
 
     /// Opens the record sets of the plan in `grp_name`, as it stands, and recalls its first
-    /// program. A plan that does not exist is a Fault.
+    /// program. A plan that does not exist, or has no programs or no oscillators, is a Fault.
     void crea_records_realtime();
+
+    /// Reads anew which rows the open plan has, as other programs replace them; nothing where none
+    /// is open. A plan without programs is a Fault. Where the database cannot be read the sets stay
+    /// as they are.
+    void reread_plan();
 
     /// Shows the current program where it is monitored; errors end it silently.
     void mostra_record_realtime();

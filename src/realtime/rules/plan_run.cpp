@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "fault.h"
+
 namespace m47 {
 namespace {
 
@@ -59,13 +61,7 @@ PlanRun::End PlanRun::run() {
     rules_.acquisition.on_progress = [this](int place, int monitored) {
         show_program(place, monitored);
     };
-    rules_.acquisition.on_cut_short = [this](const QString& reason) {
-        incomplete_ = true;
-        remark(QStringLiteral("%1: pass %2 was cut short: %3")
-                   .arg(time_text())
-                   .arg(pass_)
-                   .arg(reason));
-    };
+    rules_.acquisition.on_cut_short = [this](const QString& reason) { cut_short(reason); };
     rules_.acquisition.on_left_out = [this](const QString& reason) {
         remark(QStringLiteral("%1: %2").arg(time_text(), reason));
     };
@@ -100,6 +96,7 @@ bool PlanRun::wait_for_pass() {
 
 PlanRun::End PlanRun::run_pass() {
     measured_ = false;
+    cut_short_ = false;
     const End end = walk();
     if (end != End::done) return end;
     if (measured_) {
@@ -109,7 +106,8 @@ PlanRun::End PlanRun::run_pass() {
     // A plan that has been emptied meanwhile, or a database that cannot be read just now: it may
     // come back. Told once, and no reason to walk without a pause.
     incomplete_ = true;
-    if (!idle_) remark(QStringLiteral("%1: pass %2 measured nothing").arg(time_text()).arg(pass_));
+    if (!idle_ && !cut_short_)
+        remark(QStringLiteral("%1: pass %2 measured nothing").arg(time_text()).arg(pass_));
     idle_ = true;
     if (order_.every > 0 || last_pass()) return end;
     return wait(kIdlePause) ? end : End::stopped;
@@ -146,9 +144,22 @@ PlanRun::End PlanRun::next_step() {
     return End::done;
 }
 
+/// Where its row can no longer be read the pass goes on without it.
 void PlanRun::take_again(Recordset& programs, Bookmark place) {
-    programs.go_to(place);
-    rules_.acquisition.Timer2->start();
+    try {
+        programs.go_to(place);
+        rules_.acquisition.Timer2->start();
+    } catch (const Fault& fault) {
+        rules_.acquisition.tell_cut_short(fault);
+    }
+}
+
+/// As long as nothing at all is measured the same reason is told once.
+void PlanRun::cut_short(const QString& reason) {
+    incomplete_ = cut_short_ = true;
+    if (idle_ && reason == reason_) return;
+    reason_ = reason;
+    remark(QStringLiteral("%1: pass %2 was cut short: %3").arg(time_text()).arg(pass_).arg(reason));
 }
 
 /// True when the step just made has no row, as an answer was doubtful, and is worth another try.

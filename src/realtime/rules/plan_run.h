@@ -55,6 +55,7 @@ class PlanRun {
     bool find_meter(const QString& why);
     void take_again(Recordset& programs, Bookmark place);
     bool doubtful_again();
+    void cut_short(const QString& reason);
     bool wait(double seconds);
     bool wait_for_pass();
     bool stop_asked() const { return told_to_stop && told_to_stop(); }
@@ -70,11 +71,13 @@ class PlanRun {
     static constexpr double kFirstPause = 1;
     double pause_ = kFirstPause;  ///< seconds before the next try to find the meter again
     int pass_ = 0;
-    int doubts_ = 0;         ///< on end at the present program
-    int missing_ = 0;        ///< rows
-    bool measured_ = false;  ///< in the present pass
-    bool idle_ = false;      ///< the last pass measured nothing
+    int doubts_ = 0;          ///< on end at the present program
+    int missing_ = 0;         ///< rows
+    bool measured_ = false;   ///< in the present pass
+    bool idle_ = false;       ///< the last pass measured nothing
+    bool cut_short_ = false;  ///< the present pass was, and it is told
     bool incomplete_ = false;
+    QString reason_;        ///< why a pass was cut short last
     double begin_ = 0;      ///< of the run, on the steady clock
     double next_pass_ = 0;  ///< on the same clock
 };

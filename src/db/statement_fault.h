@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QSqlError>
+#include <functional>
+#include <optional>
+
+namespace m47 {
+
+/// Asked before each call of the database engine: executing a statement, reading its next row.
+/// With an answer the call is not made and fails with that error.
+using StatementFault = std::function<std::optional<QSqlError>()>;
+
+/// For tests alone, which let any call of the engine fail; the program never sets one. An empty
+/// `fault` lets every call pass again.
+void set_statement_fault(StatementFault fault);
+
+}  // namespace m47
