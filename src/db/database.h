@@ -21,7 +21,8 @@ enum class DatabaseFault {
     read_only,      ///< the file or its folder cannot be written
     old_engine,     ///< a file of the old Jet engine
     foreign,        ///< a file of another kind, or another program's SQLite file
-    damaged,        ///< the quick check does not pass
+    damaged,        ///< the engine's check of the whole file does not pass
+    index_damaged,  ///< the same, but its pages are sound: an index does not know every row
     table_missing,  ///< one of the four tables, or a field of one, is not there
     locked,         ///< another program holds it locked for longer than 3 s
     full,           ///< no room on its disk
@@ -57,9 +58,9 @@ bool find_plan(Recordset& plans, const QString& name);
 /// The program's one database file and its four shared record sets, open for the whole run.
 class Database {
   public:
-    /// Opens the file at `path` for reading and writing after a quick check and a write probe that
-    /// leaves nothing behind. Nullptr with `error` filled when it cannot be used; nothing is
-    /// created or changed then.
+    /// Opens the file at `path` for reading and writing after a check of all of it and a write
+    /// probe that leaves nothing behind. Nullptr with `error` filled when it cannot be used;
+    /// nothing is created or changed then.
     static std::unique_ptr<Database> open(const QString& path, DatabaseError& error);
 
     /// Makes the file at `path` with one plan "PLAN 1" that holds one empty program, whole or not

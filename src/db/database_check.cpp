@@ -92,11 +92,23 @@ QVariant single_answer(const QSqlDatabase& database, const QString& statement) {
     return query.next() ? query.value(0) : QVariant();
 }
 
+/// The first finding of the engine's check of that name; empty where it has none.
+QString finding_of(const QSqlDatabase& database, const char* check) {
+    const QString statement = QStringLiteral("PRAGMA %1(1)").arg(QLatin1String(check));
+    const QString finding = single_answer(database, statement).toString();
+    return finding == QLatin1String("ok") ? QString() : finding;
+}
+
+/// The quick check leaves out whether each index knows each row, and that alone: a program that an
+/// index has lost would be missing in silence.
+DatabaseFault fault_of_check(const QSqlDatabase& database, const QString& finding) {
+    const QString structure = finding_of(database, "quick_check");
+    return structure.isEmpty() ? DatabaseFault::index_damaged : fault_of_finding(finding);
+}
+
 std::optional<DatabaseError> damage_of(const QSqlDatabase& database, const QString& path) {
-    const QString findings =
-        single_answer(database, QStringLiteral("PRAGMA quick_check(1)")).toString();
-    if (findings != QLatin1String("ok"))
-        return DatabaseError{fault_of_finding(findings), path, findings};
+    if (const QString finding = finding_of(database, "integrity_check"); !finding.isEmpty())
+        return DatabaseError{fault_of_check(database, finding), path, finding};
     // The engine takes the missing part of the last page for zeros.
     const qint64 pages = single_answer(database, QStringLiteral("PRAGMA page_count")).toLongLong();
     const qint64 size = single_answer(database, QStringLiteral("PRAGMA page_size")).toLongLong();

@@ -47,6 +47,13 @@ constexpr Wording kWordings[] = {
     {DatabaseFault::damaged,
      {"The database '%1' is damaged. Put a backup copy in its place.",
       "Il database '%1' è danneggiato. Sostituirlo con una copia di riserva."}},
+    {DatabaseFault::index_damaged,
+     {"An index of the database '%1' is damaged: plans, programs or satellites would be "
+      "missing without a word. Put a backup copy in its place. Without one, mend the file with "
+      "the tool sqlite3 and its command REINDEX, after a copy of it has been made.",
+      "Un indice del database '%1' è danneggiato: piani, programmi o satelliti mancherebbero "
+      "senza avviso. Sostituirlo con una copia di riserva. Se non c'è, riparare il file con lo "
+      "strumento sqlite3 e il suo comando REINDEX, dopo averne fatto una copia."}},
     {DatabaseFault::table_missing,
      {"The database '%1' is incomplete: a table or a field is missing.",
       "Il database '%1' è incompleto: manca una tabella o un campo."}},

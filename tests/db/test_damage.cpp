@@ -14,6 +14,8 @@ constexpr qsizetype kPage = 4096;
 constexpr int kPlans = 12;
 constexpr int kPrograms = 30;
 constexpr int kRounds = 3;
+// How such a page of the file begins.
+constexpr char kLeafOfIndex = 0x0a;
 
 using Rows = QMap<QString, QString>;
 
@@ -86,7 +88,9 @@ class TestDamage : public QObject {
         const auto database = Database::open(path(), error);
         if (!database) {
             ++refused_;
-            QVERIFY(error.fault == DatabaseFault::damaged || error.fault == DatabaseFault::foreign);
+            QVERIFY(error.fault == DatabaseFault::damaged ||
+                    error.fault == DatabaseFault::index_damaged ||
+                    error.fault == DatabaseFault::foreign);
             QCOMPARE(files_in(folder_.path()).keys(),
                      QStringList{QString::fromLatin1(kDatabaseFile)});
             QVERIFY(content_of(path()) == damaged);
@@ -104,6 +108,26 @@ class TestDamage : public QObject {
         } catch (const Fault&) {
             ++faulted_;
         }
+    }
+
+    QStringList indices_of_sound() {
+        write_file(path(), sound_);
+        return run_sql(path(), {QStringLiteral("SELECT name FROM sqlite_master WHERE type = "
+                                               "'index' ORDER BY name")});
+    }
+    /// Takes the entries of the plan `name` out of `index`; the rows themselves stay.
+    void take_from_index(const QString& index, const QString& name) {
+        const QString writable = QStringLiteral("PRAGMA writable_schema = ON");
+        const QString rest = QStringLiteral(" WHERE nome <> ''%1''").arg(name);
+        const QString whose = QStringLiteral(" WHERE name = '%1'").arg(index);
+        run_sql(path(),
+                {writable,
+                 QStringLiteral("UPDATE sqlite_master SET sql = sql || '%1'").arg(rest) + whose});
+        run_sql(path(), {QStringLiteral("REINDEX %1").arg(index)});
+        run_sql(path(), {writable, QStringLiteral("UPDATE sqlite_master SET sql = replace(sql, "
+                                                  "'%1', '')")
+                                           .arg(rest) +
+                                       whose});
     }
 
   private Q_SLOTS:
@@ -154,6 +178,37 @@ class TestDamage : public QObject {
             if (QTest::currentTestFailed()) return;
         }
         QVERIFY(refused_ > 0);
+    }
+
+    /// The pages stay sound, but what is looked up through the index is not all there.
+    void a_row_that_its_index_lacks() {
+        const QStringList indices = indices_of_sound();
+        QCOMPARE(indices.size(), 6);
+        for (const QString& index : indices) {
+            write_file(path(), sound_);
+            take_from_index(index, QStringLiteral("PLAN 9"));
+            DatabaseError error{};
+            QVERIFY2(!Database::open(path(), error), qPrintable(index));
+            QCOMPARE(error.fault, DatabaseFault::index_damaged);
+            QVERIFY2(error.detail.contains(index), qPrintable(error.detail));
+        }
+    }
+
+    /// The same by bytes: what a failing medium makes of an index, page by page.
+    void a_changed_letter_in_an_index() {
+        int pages = 0;
+        for (qsizetype at = kPage; at < sound_.size(); at += kPage) {
+            const qsizetype place = sound_.indexOf("PLAN 9", at);
+            const bool is_leaf_of_index = sound_[at] == kLeafOfIndex;
+            if (!is_leaf_of_index || place < 0 || place >= at + kPage) continue;
+            ++pages;
+            QByteArray damaged = sound_;
+            damaged[place] = 'Q';
+            verify_harmless(damaged);
+            if (QTest::currentTestFailed()) return;
+        }
+        QVERIFY(pages >= 4);
+        QCOMPARE(refused_, pages);
     }
 
     void a_file_cut_short() {
