@@ -159,6 +159,32 @@ class PlanScreenTest : public QObject, protected ProgramInFolder {
             QTest::keyClick(box, Qt::Key_Return);
         };
     }
+    /// The rows of the box that shows what another program has stored.
+    static QStringList changes_in(QWidget* front) {
+        QStringList rows;
+        const auto* table = front->findChild<QTableWidget*>(QStringLiteral("changed_table"));
+        for (int row = 0; table && row < table->rowCount(); ++row) {
+            QStringList cells;
+            for (int column = 0; column < table->columnCount(); ++column)
+                cells += table->item(row, column)->text();
+            rows += cells.join(u'|');
+        }
+        return rows;
+    }
+    static void choose(QWidget* front, const char* button) {
+        auto* found = front->findChild<QPushButton*>(QString::fromLatin1(button));
+        if (!found) return qobject_cast<QDialog*>(front)->reject();
+        QTest::mouseClick(found, Qt::LeftButton);
+    }
+    static std::function<void(QWidget*)> noting_changes(QStringList& changes, const char* button) {
+        return [&changes, button](QWidget* front) {
+            changes = changes_in(front);
+            choose(front, button);
+        };
+    }
+    static std::function<void(QWidget*)> choosing_button(const char* button) {
+        return [button](QWidget* front) { choose(front, button); };
+    }
     static std::function<void(QWidget*)> accepting() {
         return [](QWidget* front) { qobject_cast<QDialog*>(front)->accept(); };
     }
@@ -883,6 +909,89 @@ class PlanScreenTest : public QObject, protected ProgramInFolder {
         window().open_screen(QStringLiteral("setport"));
         window().open_screen(QStringLiteral("program"));
         QCOMPARE(text_of("prog_num"), QStringLiteral("008"));
+    }
+
+    void a_store_asks_where_another_program_has_stored_meanwhile() {
+        start_alone();
+        type_two_programs();
+        const QString both = QStringLiteral("frequenza || ' ' || lev_min");
+        const auto changed_elsewhere = [&](const char* level) {
+            elsewhere(QStringLiteral("UPDATE programmi SET lev_min = '%1' WHERE pg_num = '002'")
+                          .arg(QLatin1String(level)));
+        };
+        changed_elsewhere("41");
+        type("sat_freq_txt", QStringLiteral("1500"));
+        QStringList changes;
+        answering(pressed("store"), noting_changes(changes, "changed_neither"));
+        QCOMPARE(changes, QStringList({"Frequency, MHz|1002.0|1500.0", "Level, minimum|41|20"}));
+        // Nothing is stored and nothing typed is lost; storing again asks again.
+        QCOMPARE(stored(both), QStringLiteral("1001.0 20,1002.0 41"));
+        QCOMPARE(text_of("sat_freq_txt"), QStringLiteral("1500"));
+        answering(pressed("store"), choosing_button("changed_stored"));
+        QCOMPARE(stored(both), QStringLiteral("1001.0 20,1002.0 41"));
+        QCOMPARE(text_of("sat_freq_txt") + u' ' + text_of("lev_mintxt"),
+                 QStringLiteral("1002.0 41"));
+        type("sat_freq_txt", QStringLiteral("1600"));
+        changed_elsewhere("42");
+        answering(pressed("store"), choosing_button("changed_mine"));
+        QCOMPARE(stored(both), QStringLiteral("1001.0 20,1600.0 41"));
+        // Nobody has changed it since: nothing is asked.
+        type("lev_mintxt", QStringLiteral("43"));
+        press("store");
+        QCOMPARE(stored(both), QStringLiteral("1001.0 20,1600.0 43"));
+    }
+
+    void what_is_stored_twice_alike_is_not_asked() {
+        start_alone();
+        type_two_programs();
+        type("sat_freq_txt", QStringLiteral("1500"));
+        elsewhere(QStringLiteral("UPDATE programmi SET frequenza = 1500 WHERE pg_num = '002'"));
+        press("store");
+        QCOMPARE(stored(QStringLiteral("frequenza")), QStringLiteral("1001.0,1500.0"));
+        QCOMPARE(told_, QStringList());
+    }
+
+    void an_oscillator_that_another_program_has_stored_is_asked_about() {
+        start_alone();
+        program_state().texts.language = kItalian;
+        type_two_programs_of_an_oscillator();
+        const auto oscillator_elsewhere = [&](int mhz) {
+            elsewhere(QStringLiteral("UPDATE configurazione SET loc_osc1 = %1").arg(mhz));
+        };
+        oscillator_elsewhere(10600);
+        const QString oscillators = QStringLiteral("loc_osc1");
+        QStringList changes;
+        answering([this] { type_oscillator(QStringLiteral("9800")); },
+                  noting_changes(changes, "changed_neither"));
+        QCOMPARE(changes, QStringList("Oscillatore 1, MHz|10600|9800"));
+        QCOMPARE(stored(oscillators), QStringLiteral("10600.0,10600.0"));
+        // A new program would overwrite it as well.
+        type("prog_num", QStringLiteral("3"));
+        answering(pressed("store_new"), choosing_button("changed_stored"));
+        QCOMPARE(stored(oscillators), QStringLiteral("10600.0,10600.0"));
+        QCOMPARE(find<QComboBox>("ol_optval")->currentText(), QStringLiteral("10600"));
+        // Another program of the plan is shown with the oscillator that is stored by then.
+        oscillator_elsewhere(10700);
+        press("previous_prog");
+        QCOMPARE(find<QComboBox>("ol_optval")->currentText(), QStringLiteral("10700"));
+        oscillator_elsewhere(10800);
+        answering([this] { type_oscillator(QStringLiteral("9900")); },
+                  choosing_button("changed_mine"));
+        QCOMPARE(stored(oscillators), QStringLiteral("9900.0,9900.0"));
+    }
+
+    void an_upload_waits_for_whoever_wants_to_go_on_typing() {
+        start_on_patient_line();
+        type_two_programs();
+        elsewhere(QStringLiteral("UPDATE programmi SET lev_min = '41' WHERE pg_num = '002'"));
+        type("sat_freq_txt", QStringLiteral("1500"));
+        answering(pressed("accoda"), choosing_button("changed_neither"));
+        QCOMPARE(line_->take_commands(), QStringList());
+        answering_each(pressed("accoda"),
+                       {choosing_button("changed_stored"), pressing(QMessageBox::Yes)});
+        const QStringList sent = line_->take_commands();
+        QVERIFY(!sent.isEmpty());
+        QVERIFY2(sent.filter(QStringLiteral("1500")).isEmpty(), qPrintable(sent.join(u';')));
     }
 
     void an_upload_that_cannot_keep_the_table_ends_cleanly() {

@@ -125,6 +125,37 @@ class SetsTest : public QObject {
         QCOMPARE(numbers(), QStringList{"- -"});
     }
 
+    void an_import_spares_what_another_program_has_stored_meanwhile() {
+        const std::vector<ImportCandidate> none;
+        ImportPreview import = preview_import(none, sets_->programs(), sets_->oscillators(), 0);
+        import.replaces_blank = true;
+        PlanSets other(*database_);
+        QString oscillator;
+        ProgramRecord theirs = tuned("5");
+        QCOMPARE(other.store_record(theirs, oscillator, 0, true), Clash::none);
+        M47_VERIFY_FAULT(sets_->apply_import(import), "meanwhile");
+        QCOMPARE(numbers(), QStringList{"005 "});
+    }
+
+    void what_was_seen_is_overwritten_and_nothing_else() {
+        QCOMPARE(store(tuned("1"), true), Clash::none);
+        const StoredProgram seen = sets_->stored();
+        PlanSets other(*database_);
+        QString oscillator;
+        ProgramRecord theirs = tuned("1", "1200");
+        QCOMPARE(other.store_record(theirs, oscillator, 0, true), Clash::none);
+        ProgramRecord mine = tuned("1", "1300");
+        const auto store_mine = [&](const StoredProgram& known) {
+            return sets_->store_record(mine, oscillator, 0, true, &known);
+        };
+        M47_VERIFY_FAULT(store_mine(seen), "changed meanwhile");
+        const QString frequency = QStringLiteral("SELECT frequenza FROM programmi");
+        QCOMPARE(sql(frequency), QStringList{"1200"});
+        QCOMPARE(sets_->program().frequenza, QStringLiteral("1200.0"));
+        QCOMPARE(store_mine(sets_->stored()), Clash::none);
+        QCOMPARE(sql(frequency), QStringList{"1300"});
+    }
+
     void a_new_program_takes_the_next_position() {
         QCOMPARE(store(tuned("5"), true), Clash::none);
         QCOMPARE(store(tuned("6"), false), Clash::none);

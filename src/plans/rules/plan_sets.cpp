@@ -19,6 +19,11 @@ namespace {
 constexpr qsizetype kNameLength = 10;
 constexpr int kNoDiseqcChosen = -1;
 const QString kPlanField = QStringLiteral("nome");
+constexpr Bilingual kPlanFilledMeanwhile{
+    "Another program has stored programs in this plan meanwhile. Nothing was imported: choose the "
+    "file again.",
+    "Nel frattempo un altro programma ha memorizzato programmi in questo piano. Nulla è stato "
+    "importato: scegliere di nuovo il file."};
 constexpr Bilingual kNoPlanToStoreIn{"Nothing can be stored: there is no plan.",
                                      "Non si può memorizzare nulla: non c'è alcun piano."};
 
@@ -107,19 +112,29 @@ bool PlanSets::next_plan() {
 }
 
 void PlanSets::first_program() {
+    read_anew(false);
     if (has_program()) programs_->move_first();
 }
 
 bool PlanSets::previous_program() {
+    read_anew(false);
     return step_back(*programs_);
 }
 
 bool PlanSets::next_program() {
+    read_anew(false);
     return step_on(*programs_);
 }
 
 void PlanSets::last_program() {
+    read_anew(false);
     if (has_program()) programs_->move_last();
+}
+
+/// The oscillators of the plan, which its programs share, and the current program as well.
+void PlanSets::read_anew(bool program) {
+    config_->requery();
+    if (program) programs_->go_to(programs_->bookmark());
 }
 
 ProgramRecord PlanSets::program() const {
@@ -145,6 +160,11 @@ std::vector<ProgramRecord> PlanSets::programs_of(const QString& plan,
 
 Oscillators PlanSets::oscillators() const {
     return config_ && !config_->empty() ? read_oscillators(*config_) : Oscillators();
+}
+
+StoredProgram PlanSets::stored() const {
+    return {has_program() ? read_program(*programs_, kNoDiseqcChosen) : ProgramRecord(),
+            oscillators()};
 }
 
 bool PlanSets::has_unset_diseqc() const {
@@ -327,15 +347,50 @@ void PlanSets::tell_checked() {
     if (std::exchange(unchecked_, false) && on_unchecked) on_unchecked();
 }
 
+/// Within a transaction, so that what is compared is what will be overwritten.
+void PlanSets::need_known(const StoredProgram& known, const ProgramRecord& record,
+                          const QString& oscillator, bool over) {
+    read_anew(over);
+    need_unchanged(known, ChangedMeanwhile(stored(), record, oscillator, over));
+}
+
 void PlanSets::store_oscloc(int index, const QString& oscillator) {
-    need_plan();
     begin_checks();
-    all_or_nothing([&] { write_oscillator_entry(index, oscillator); });
+    all_or_nothing([&] {
+        need_plan();
+        write_oscillator_entry(index, oscillator);
+    });
     tell_checked();
 }
 
+void PlanSets::store_oscloc(const ProgramRecord& record, const QString& oscillator,
+                            StoredProgram& known) {
+    begin_checks();
+    StoredProgram after;
+    all_or_nothing([&] {
+        need_plan();
+        need_known(known, record, oscillator, true);
+        write_oscillator_entry(record.loc_osc0, oscillator);
+        after = stored();
+    });
+    known = after;
+    tell_checked();
+}
+
+void PlanSets::write_record(const ProgramRecord& record, const QString& oscillator, bool over) {
+    write_oscillator_entry(record.loc_osc0, oscillator);
+    if (over)
+        programs_->edit();
+    else
+        programs_->add_new();
+    programs_->set(kPlanField, plan_);
+    write_program(*programs_, record);
+    programs_->update();
+}
+
 Clash PlanSets::store_record(ProgramRecord& record, QString& oscillator,
-                             std::optional<double> unit_offset, bool over) {
+                             std::optional<double> unit_offset, bool over,
+                             const StoredProgram* known) {
     need_plan();
     begin_checks();
     if (corrected_.none_diseqc)
@@ -345,23 +400,20 @@ Clash PlanSets::store_record(ProgramRecord& record, QString& oscillator,
     std::optional<Bookmark> current;
     if (over) current = programs_->bookmark();
     if (!over) record.logger_pos.clear();
-    const std::vector<ProgramRecord> others = programs_of(plan_, current);
-    const Clash clash = find_clash(others, record);
-    if (clash != Clash::none) return clash;
-    if (!over) record.logger_pos = next_logger_position(others);
-    correct_fields(record, oscillator, unit_offset);
+    Clash clash = Clash::none;
+    // With the look at the others: no other program may take the number in between.
     all_or_nothing([&] {
-        write_oscillator_entry(record.loc_osc0, oscillator);
-        if (over)
-            programs_->edit();
-        else
-            programs_->add_new();
-        programs_->set(kPlanField, plan_);
-        write_program(*programs_, record);
-        programs_->update();
+        need_plan();
+        const std::vector<ProgramRecord> others = programs_of(plan_, current);
+        clash = find_clash(others, record);
+        if (clash != Clash::none) return;
+        if (!over) record.logger_pos = next_logger_position(others);
+        correct_fields(record, oscillator, unit_offset);
+        if (known) need_known(*known, record, oscillator, over);
+        write_record(record, oscillator, over);
     });
     tell_checked();
-    return Clash::none;
+    return clash;
 }
 
 void PlanSets::write_oscillators(const Oscillators& oscillators) {
@@ -371,9 +423,22 @@ void PlanSets::write_oscillators(const Oscillators& oscillators) {
     config_->update();
 }
 
+/// Others may have filled the plan since the user has looked at what is to come.
+void PlanSets::need_room_for(const ImportPreview& import) {
+    programs_->requery();
+    config_->requery();
+    std::vector<ProgramRecord> others = programs();
+    if (import.replaces_blank) std::erase_if(others, is_blank);
+    for (const ImportRow& row : import.rows)
+        if (row.added() && find_clash(others, row.record) != Clash::none)
+            throw Fault(kPlanFilledMeanwhile);
+    if (import.replaces_blank && !others.empty()) throw Fault(kPlanFilledMeanwhile);
+}
+
 void PlanSets::apply_import(const ImportPreview& import) {
-    need_plan();
     all_or_nothing([&] {
+        need_plan();
+        need_room_for(import);
         if (import.replaces_blank) {
             programs_->move_first();
             programs_->remove();

@@ -11,6 +11,7 @@
 #include "plan_clashes.h"
 #include "plan_import.h"
 #include "program_record.h"
+#include "stored_program.h"
 
 namespace m47 {
 
@@ -68,6 +69,8 @@ class PlanSets {
     std::vector<ProgramRecord> programs() const;
     /// Of the plan.
     Oscillators oscillators() const;
+    /// What was read last of the current program and the plan's oscillators.
+    StoredProgram stored() const;
     /// True where a program of the plan that holds something has no DiSEqC command chosen.
     bool has_unset_diseqc() const;
 
@@ -85,15 +88,19 @@ class PlanSets {
     void delete_program();
 
     /// Sets oscillator `index` (0 to 3) of the plan; an empty text is none. Where the user wants
-    /// it, the frequencies of all programs that use it are checked against it.
+    /// it, the frequencies of all programs that use it are checked against it. `known` as for
+    /// store_record, of `record`, the current program as it is to be stored next.
     void store_oscloc(int index, const QString& oscillator);
+    void store_oscloc(const ProgramRecord& record, const QString& oscillator, StoredProgram& known);
 
     /// Stores `record` with its oscillator `oscillator` over the current program (`over`) or as a
     /// new one behind the last. Both come back as corrected. Where it clashes with another program
     /// of the plan, only the number has been corrected and nothing is stored. `unit_offset` as for
-    /// correct_limits.
+    /// correct_limits. With `known`, what the user has seen of the current program, a change by
+    /// another program is not overwritten: ChangedMeanwhile, and nothing is stored.
     Clash store_record(ProgramRecord& record, QString& oscillator,
-                       std::optional<double> unit_offset, bool over);
+                       std::optional<double> unit_offset, bool over,
+                       const StoredProgram* known = nullptr);
 
     /// Adds what `import` says to the current plan.
     void apply_import(const ImportPreview& import);
@@ -113,11 +120,16 @@ class PlanSets {
     bool find_plan(const QString& name);
     bool requery_plans();
     void need_plan() const;
+    void read_anew(bool program);
+    void need_known(const StoredProgram& known, const ProgramRecord& record,
+                    const QString& oscillator, bool over);
+    void write_record(const ProgramRecord& record, const QString& oscillator, bool over);
     void edit_configuration();
     ProgramRecord read(const Recordset& set) const;
     void write_oscillator_entry(int index, const QString& oscillator);
     std::vector<Bookmark> out_of_range(int index, const QString& oscillator) const;
     void check_programs(const std::vector<Bookmark>& rows, const QString& oscillator);
+    void need_room_for(const ImportPreview& import);
     void begin_checks();
     void tell_checked();
     void reopen(std::optional<Bookmark> current);

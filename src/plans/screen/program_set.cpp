@@ -3,6 +3,7 @@
 
 #include <QApplication>
 
+#include "changed_dialog.h"
 #include "corrected_actions.h"
 #include "handler.h"
 #include "icons.h"
@@ -261,6 +262,7 @@ void ProgramSet::mostra_record() {
     boxes_.show(sets_.program());
     shown_plan_ = sets_.plan();
     shown_row_ = sets_.current_row();
+    known_ = sets_.stored();
     shown_ = boxes_.read();
     shown_oscillator_ = boxes_.oscillator();
     typed_offset_.reset();
@@ -300,24 +302,51 @@ bool ProgramSet::lacks_program() {
     return true;
 }
 
-/// False, and the user knows why, where nothing was stored.
-bool ProgramSet::store_record(bool over) {
-    if (over ? lacks_program() : lacks_plan()) return false;
-    const ProgramRecord typed = boxes_.read();
-    ProgramRecord record = typed;
-    QString oscillator = boxes_.oscillator();
-    const Clash clash = sets_.store_record(record, oscillator, offset_of_limits(record), over);
-    if (clash == Clash::none) {
-        if (!typed_offset_) tell_changed_limits(program_, typed, record);
-        // A new row is not the current one; whoever adds it moves to it.
-        if (over) mostra_record();
-        return true;
+/// Does `store`, and asks whose entries are to stay where another program has changed them since
+/// they were shown.
+ProgramSet::Outcome ProgramSet::unless_changed(const std::function<Outcome()>& store) {
+    for (;;) {
+        try {
+            return store();
+        } catch (const ChangedMeanwhile& change) {
+            ChangedDialog dialog(change, program_.texts, this);
+            dialog.exec();
+            if (dialog.choice() == ChangedDialog::Choice::neither) return Outcome::put_off;
+            if (dialog.choice() == ChangedDialog::Choice::stored) {
+                move_plan(true);
+                return Outcome::kept_theirs;
+            }
+            known_ = change.now;
+        }
     }
-    ui_->prog_num->setText(record.pg_num);
-    beep();
-    beep();
-    tell_clash(this, program_.texts, clash);
-    return false;
+}
+
+Clash ProgramSet::try_to_store(ProgramRecord& record, bool over) {
+    const ProgramRecord typed = record;
+    QString oscillator = boxes_.oscillator();
+    const Clash clash =
+        sets_.store_record(record, oscillator, offset_of_limits(record), over, &known_);
+    if (clash == Clash::none && !typed_offset_) tell_changed_limits(program_, typed, record);
+    return clash;
+}
+
+/// The user knows why, where nothing was stored.
+ProgramSet::Outcome ProgramSet::store_record(bool over) {
+    if (over ? lacks_program() : lacks_plan()) return Outcome::clash;
+    return unless_changed([&] {
+        ProgramRecord record = boxes_.read();
+        const Clash clash = try_to_store(record, over);
+        if (clash == Clash::none) {
+            // A new row is not the current one; whoever adds it moves to it.
+            if (over) mostra_record();
+            return Outcome::stored;
+        }
+        ui_->prog_num->setText(record.pg_num);
+        beep();
+        beep();
+        tell_clash(this, program_.texts, clash);
+        return Outcome::clash;
+    });
 }
 
 void ProgramSet::show_first_program() {
@@ -327,9 +356,10 @@ void ProgramSet::show_first_program() {
 
 void ProgramSet::store_as_new() {
     if (lacks_plan()) return;
-    const bool stored = store_record(false);
-    if (!stored && program_.corrected.keep_new) return;
-    if (!stored) tell_refused_new(program_);
+    const Outcome outcome = store_record(false);
+    if (outcome == Outcome::kept_theirs || outcome == Outcome::put_off) return;
+    if (outcome == Outcome::clash && program_.corrected.keep_new) return;
+    if (outcome == Outcome::clash) tell_refused_new(program_);
     sets_.last_program();
     mostra_record();
 }
@@ -370,8 +400,11 @@ void ProgramSet::sat_freq_KeyPress() {
 void ProgramSet::ol_optval_KeyPress() {
     boxes_.set_oscillator(checked_oscillator(boxes_.oscillator()));
     if (lacks_program()) return;
-    sets_.store_oscloc(boxes_.read().loc_osc0, boxes_.oscillator());
-    store_record(true);
+    const Outcome outcome = unless_changed([this] {
+        sets_.store_oscloc(boxes_.read(), boxes_.oscillator(), known_);
+        return Outcome::stored;
+    });
+    if (outcome == Outcome::stored) store_record(true);
 }
 
 void ProgramSet::cmdlev_Click(int index) {
@@ -385,10 +418,13 @@ void ProgramSet::show_unit() {
         units[k]->setChecked(program_.unit_index == static_cast<int>(k));
 }
 
-/// The program that nobody has stored yet is no program to be sent, so it is not made one.
-void ProgramSet::store_for_upload() {
+/// The program that nobody has stored yet is no program to be sent, so it is not made one. False
+/// where the user wants to go on typing first.
+bool ProgramSet::store_for_upload() {
     const bool typed = boxes_.read() != shown_ || boxes_.oscillator() != shown_oscillator_;
-    if (!program_.corrected.skip_empty || typed || !is_blank(sets_.program())) store_record(true);
+    if (!program_.corrected.skip_empty || typed || !is_blank(sets_.program()))
+        return store_record(true) != Outcome::put_off;
+    return true;
 }
 
 /// What an upload sends.
@@ -401,7 +437,7 @@ UploadPlan ProgramSet::plan_to_upload() const {
 
 void ProgramSet::download_group(const QString& prompt, UploadMode mode) {
     if (lacks_program()) return;
-    store_for_upload();
+    if (!store_for_upload()) return;
     const UploadPlan plan = plan_to_upload();
     if (plan.programs.empty()) return tell_problem(this, program_.texts.pick(kNoProgram));
     if (!ask_continue(this, program_.texts, prompt)) return;

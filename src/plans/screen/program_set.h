@@ -67,8 +67,13 @@ class ProgramSet : public QMainWindow {
     bool lacks_program();
     void mostra_record();
     void show_first_program();
-    bool store_record(bool over);
-    void store_for_upload();
+    /// What became of a store: refused for a clash, or given up where another program had changed
+    /// the same, for what is stored now or to go on typing.
+    enum class Outcome { stored, clash, kept_theirs, put_off };
+    Outcome store_record(bool over);
+    Clash try_to_store(ProgramRecord& record, bool over);
+    Outcome unless_changed(const std::function<Outcome()>& store);
+    bool store_for_upload();
     UploadPlan plan_to_upload() const;
     void store_as_new();
     void add_new();
@@ -108,6 +113,8 @@ class ProgramSet : public QMainWindow {
     /// That program as it was shown, before anybody typed.
     ProgramRecord shown_;
     QString shown_oscillator_;
+    /// What the file held then: a store does not overwrite what another program has written since.
+    StoredProgram known_;
     /// Of the unit in which the level limits have been typed since then.
     std::optional<double> typed_offset_;
     QHash<QString, std::function<void()>> keys_;
