@@ -8,6 +8,8 @@
 #include <QSqlQuery>
 #include <QTest>
 #include <cstdio>
+#include <functional>
+#include <memory>
 
 #include "box_answers.h"
 #include "failing_statement.h"
@@ -15,7 +17,6 @@
 #include "handler.h"
 #include "meter_in_process.h"
 #include "program_in_folder.h"
-#include "program_set.h"
 #include "realtime.h"
 #include "unattended.h"
 #include "virtual_clock.h"

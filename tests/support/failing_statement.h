@@ -2,7 +2,11 @@
 #pragma once
 
 #include <QSqlError>
+#include <QString>
+#include <QtGlobal>
 #include <array>
+#include <cstddef>
+#include <optional>
 
 #include "statement_fault.h"
 
