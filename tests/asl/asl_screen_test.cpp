@@ -9,6 +9,8 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QPushButton>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QTableWidget>
 
 #include "asl.h"
@@ -38,7 +40,19 @@ class AslScreenTest : public QObject {
         screen_->show();
         QVERIFY(QTest::qWaitForWindowExposed(screen_.get()));
         screen_->Form_Load();
+        screen_->Form_Activate();
         f().commands();
+    }
+    /// As another program that has the file open.
+    void sql_elsewhere(const char* statement) {
+        {
+            QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", "other");
+            other.setDatabaseName(f().path(QString::fromLatin1(kDatabaseFile)));
+            QVERIFY(other.open());
+            QSqlQuery query(other);
+            QVERIFY2(query.exec(QString::fromLatin1(statement)), statement);
+        }
+        QSqlDatabase::removeDatabase("other");
     }
     void pick(const char* list, int row) {
         auto* box = find<QListWidget>(list);
@@ -84,6 +98,38 @@ class AslScreenTest : public QObject {
         QCOMPARE(find<QMenu>("cmdmenu")->title(), QStringLiteral("&Menu"));
         QCOMPARE(find<QAction>("cmdsaveall")->text(), QStringLiteral("&Save all slots…"));
         QCOMPARE(find<QAction>("cmdrestoreall")->text(), QStringLiteral("&Restore all slots…"));
+    }
+
+    void at_the_front_it_shows_what_another_program_has_stored() {
+        f().add_satellite("EAST", "S1");
+        f().add_satellite("WEST", "S2");
+        screen_->Form_Activate();
+        pick("listadb", 1);
+        sql_elsewhere("INSERT INTO asl (nome, dati) VALUES ('NORTH', 'S3')");
+        sql_elsewhere("DELETE FROM asl WHERE nome = 'EAST'");
+        screen_->Form_Activate();
+        QCOMPARE(entries("listadb"), QStringList({"WEST", "NORTH"}));
+        QCOMPARE(find<QListWidget>("listadb")->currentRow(), 0);
+        sql_elsewhere("DELETE FROM asl WHERE nome = 'WEST'");
+        screen_->Form_Activate();
+        QCOMPARE(find<QListWidget>("listadb")->currentRow(), -1);
+        // The last one stays, whoever has deleted the others.
+        f().add_satellite("SOUTH", "S4");
+        screen_->Form_Activate();
+        pick("listadb", 1);
+        sql_elsewhere("DELETE FROM asl WHERE nome = 'NORTH'");
+        click("cmddelpc");
+        QCOMPARE(boxes_->take_seen(), QStringList());
+        QCOMPARE(f().rows(), QStringList("SOUTH=S4"));
+    }
+
+    void a_satellite_that_another_program_has_stored_is_asked_about() {
+        sql_elsewhere("INSERT INTO asl (nome, dati) VALUES ('CIRRUS 9E', 'THEIRS')");
+        pick("listastr", 2);
+        boxes_->press(QMessageBox::Cancel);
+        click("cmdaddindb");
+        QCOMPARE(boxes_->take_seen().size(), 1);
+        QCOMPARE(f().rows(), QStringList("CIRRUS 9E=THEIRS"));
     }
 
     void tooltips_in_both_languages() {

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "satellite_lists.h"
 
+#include <algorithm>
+#include <optional>
+
 #include "asl_texts.h"
 #include "blanks.h"
 #include "commands.h"
@@ -74,6 +77,20 @@ void SatelliteLists::visualizza_listadb() {
     }
 }
 
+void SatelliteLists::refresh_listadb() {
+    const std::optional<Bookmark> selected = is_place(panel.listadb, panel.listadb_place)
+                                                 ? std::optional(record_at(panel.listadb_place))
+                                                 : std::nullopt;
+    asl_.requery();
+    visualizza_listadb();
+    const auto found = std::ranges::find(records_, selected);
+    if (found != records_.end()) panel.listadb_place = static_cast<int>(found - records_.begin());
+}
+
+Bookmark SatelliteLists::record_at(int place) const {
+    return records_.at(static_cast<std::size_t>(place));
+}
+
 void SatelliteLists::cmdlearn_Click() {
     const int slot = panel.listastr_place;
     if (!is_place(panel.listastr, slot)) return;
@@ -101,7 +118,7 @@ void SatelliteLists::learn(int slot, const QString& name) {
 void SatelliteLists::cmdsave_Click() {
     const int place = panel.listadb_place;
     if (!is_place(panel.listadb, place) || selected_pc_name() == kNoSatellite) return;
-    asl_.go_to(records_.at(static_cast<std::size_t>(place)));
+    asl_.go_to(record_at(place));
     if (!can_be_sent()) return;
     const int slot = slot_to_program(selected_pc_name());
     if (slot < 0) return;
@@ -137,6 +154,8 @@ void SatelliteLists::cmdaddindb_Click() {
     const int slot = panel.listastr_place;
     const QString name = selected_slot_name();
     if (!is_place(panel.listastr, slot) || name == kNoSatellite) return;
+    // Others may have stored it meanwhile: it is not to come in twice unasked.
+    asl_.requery();
     const bool known = asl_.find_first(kNome, name);
     if (known && !confirm(asl_text::kTitle, kSatelliteExistsRestore, u' ' + name)) return;
     const QString block = block_in_copy(program_.master_copy, slot);
@@ -160,7 +179,8 @@ void SatelliteLists::cmdaddindb_Click() {
 void SatelliteLists::cmddelpc_Click() {
     const QString name = entry(panel.listadb, panel.listadb_place);
     if (!is_place(panel.listadb, panel.listadb_place) || selected_pc_name() == kNoSatellite) return;
-    // The last satellite of the PC stays.
+    // The last satellite of the PC stays, as the file holds them now.
+    asl_.requery();
     if (asl_.count() <= 1) return;
     if (!confirm(asl_text::kDeleteTitle, kDeleteSatellite, name)) return;
     if (asl_.find_first(kNome, name)) asl_.remove();

@@ -42,6 +42,10 @@ class SatelliteLists {
     /// and an EngineFault tells why.
     void visualizza_listadb();
 
+    /// The same where others have changed them; the selected one stays selected where it is still
+    /// there.
+    void refresh_listadb();
+
     /// Copies the selected slot to the PC.
     void cmdaddindb_Click();
     /// Programs the selected satellite of the PC into the meter.
@@ -67,6 +71,7 @@ class SatelliteLists {
     void send(const QString& command);
     QString selected_slot_name() const;
     QString selected_pc_name() const;
+    Bookmark record_at(int place) const;
     bool can_be_sent();
     int slot_to_program(const QString& name);
     void learn(int slot, const QString& name);

@@ -2,6 +2,7 @@
 #include "asl.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "asl_tooltips.h"
 #include "handler.h"
@@ -49,14 +50,22 @@ Asl::~Asl() = default;
 
 template <class Body>
 void Asl::handle(const char* name, Body body) {
+    const bool outermost = !std::exchange(working_, true);
     take_selection();
     run_handler(this, name, body);
     show_lists();
+    if (outermost) working_ = false;
 }
 
 void Asl::Form_Load() {
     handle("Form_Load", [this] { lists_.Form_Load(); });
+    fresh_ = true;
     set_tooltips(this, asl_tooltips(), program_.texts);
+}
+
+void Asl::Form_Activate() {
+    if (working_ || std::exchange(fresh_, false)) return;
+    handle("Form_Activate", [this] { lists_.refresh_listadb(); });
 }
 
 void Asl::connect_buttons() {

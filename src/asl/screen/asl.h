@@ -25,6 +25,8 @@ class Asl : public QMainWindow {
 
     /// Fills the lists and sets the tooltips; run once, when the screen is already visible.
     void Form_Load();
+    /// Each time the screen comes to the front: shows the satellites that are stored by then.
+    void Form_Activate();
 
   Q_SIGNALS:
     /// The menu entry "&Exit": the screen asks to be closed.
@@ -45,6 +47,10 @@ class Asl : public QMainWindow {
     AslBoxes boxes_;
     SatelliteLists lists_;
     SlotBackup backup_;
+    /// While a handler works on the lists they are not to change beneath it.
+    bool working_ = false;
+    /// Just loaded: its first activation would read the same again, and tell a fault twice.
+    bool fresh_ = false;
 };
 
 }  // namespace m47
