@@ -25,10 +25,12 @@ QList<NamedFile> named_files(const Options& options) {
     return files;
 }
 
-/// Where the file is, or will be, without links in its folder.
-QString place_of(const QString& path) {
+/// Where the file is, or will be, without links: also behind one that names no file yet.
+QString place_of(const QString& path, int links = 0) {
+    constexpr int kMostLinks = 40;  // as the system follows them
     const QFileInfo about(path);
     if (about.exists()) return about.canonicalFilePath();
+    if (about.isSymLink() && links < kMostLinks) return place_of(about.symLinkTarget(), links + 1);
     const QString folder = QFileInfo(about.absolutePath()).canonicalFilePath();
     return (folder.isEmpty() ? about.absolutePath() : folder) + u'/' + about.fileName();
 }

@@ -157,6 +157,16 @@ QString read_ranged_options(const QCommandLineParser& parser, Options& options) 
     return error;
 }
 
+/// A name that a script left empty is not the same as none.
+QString read_names(const QCommandLineParser& parser) {
+    for (const char* name : {"directory", "log", "plan", "screenshot"}) {
+        const QString option = QString::fromLatin1(name);
+        if (parser.isSet(option) && parser.value(option).trimmed().isEmpty())
+            return QStringLiteral("--%1 takes a name, not an empty one").arg(option);
+    }
+    return {};
+}
+
 QString read_values(const QCommandLineParser& parser, Options& options) {
     PortList entries({.sys = {}, .dev = {}, .reported = [] { return QStringList(); }});
     options.ports = parser.values(QStringLiteral("port"));
@@ -164,8 +174,10 @@ QString read_values(const QCommandLineParser& parser, Options& options) {
         if (!entries.add(entry))
             return QStringLiteral("--port takes N=DEVICE with N from 1 to 10, not \"%1\"")
                 .arg(entry);
-    QString error =
-        read_number(parser, QStringLiteral("on-port"), 1, PortList::kPorts, options.on_port);
+    QString error = read_names(parser);
+    if (error.isEmpty())
+        error =
+            read_number(parser, QStringLiteral("on-port"), 1, PortList::kPorts, options.on_port);
     if (error.isEmpty())
         error = read_number(parser, QStringLiteral("count"), 1, 1'000'000'000, options.count);
     if (error.isEmpty())

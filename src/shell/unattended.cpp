@@ -306,6 +306,8 @@ bool prepare(Run& run, int& status) {
 
 int run_unattended(Program& program, const Options& options) {
     listen_to_signals();
+    // The window begins in Italian; what stderr says is English from the first line on.
+    program.window().cmdinglese_Click();
     set_fault_reporter([](QWidget*, const QString& what) { complain(what); });
     program.link().interrupted = [] { return g_told_to_end != 0; };
     Run run{program, options, *program.make_realtime(&program.window())};

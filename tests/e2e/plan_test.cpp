@@ -294,6 +294,7 @@ void PlanTest::a_plan_without_programs() {
     QSqlDatabase::removeDatabase("other");
     const Ending ending = stand.measure({"--plan", "ROOF"});
     QCOMPARE(ending.status, 4);
+    QVERIFY2(ending.err.contains("The plan has no programs"), ending.err.constData());
     QVERIFY(ending.err.startsWith("m47-remote: "));
     QCOMPARE(ending.err.count('\n'), 1);
 }

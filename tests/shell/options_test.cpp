@@ -241,6 +241,10 @@ void OptionsTest::wrong_data() {
     row("argument", {"--", "--measure"}, "--measure");
     row("missing value", {"--directory"}, "directory");
     row("value too many", {"--create-database=1"}, "create-database");
+    row("empty plan", measuring({"--plan", ""}), "--plan takes a name");
+    row("empty log", measuring({"--log", " "}), "--log takes a name");
+    row("empty picture", measuring({"--screenshot", ""}), "--screenshot takes a name");
+    row("empty folder", {"--directory", ""}, "--directory takes a name");
     row("two folders", {"--user-data", "--directory", "."}, "--user-data");
     row("measurement without port", {"--measure"}, "--on-port");
     row("two modes", measuring({"--digital", "--analog"}), "--analog");
@@ -318,6 +322,9 @@ void OptionsTest::no_file_of_an_option_is_written_over() {
     QVERIFY(QFile::link(folder.path(), here.filePath("here")));
     QCOMPARE(link(qPrintable(here.filePath("VKDM47_03.mdb")), qPrintable(here.filePath("twin"))),
              0);
+    // They name no file yet.
+    QVERIFY(QFile::link("VKDM47_03.mdb-journal", here.filePath("later.log")));
+    QVERIFY(QFile::link("new.log", here.filePath("other.log")));
     const auto fault = [&](Options options) {
         for (QString* name : {&options.log, &options.screenshot, &options.import_database})
             if (!name->isEmpty()) *name = here.filePath(*name);
@@ -326,10 +333,14 @@ void OptionsTest::no_file_of_an_option_is_written_over() {
     Options options;
     QCOMPARE(fault(options), QString());
     for (const char* name : {"VKDM47_03.mdb", "link.png", "twin", "here/VKDM47_03.mdb",
-                             "VKDM47_03.mdb-journal", "here/VKDM47_03.mdb-wal"}) {
+                             "VKDM47_03.mdb-journal", "here/VKDM47_03.mdb-wal", "later.log"}) {
         options.screenshot = QLatin1String(name);
         QCOMPARE(fault(options), "--screenshot names the database: " + options.screenshot);
     }
+    options = {};
+    options.log = "other.log";
+    options.screenshot = "new.log";
+    QCOMPARE(fault(options), QString("--log and --screenshot name the same file: new.log"));
     options = {};
     options.log = "VKDM47_03.mdb";
     QCOMPARE(fault(options), QString("--log names the database: VKDM47_03.mdb"));
