@@ -2,6 +2,7 @@
 // Plans and programs in the database file: every change as a whole or not at all.
 #include <QDir>
 #include <QFileInfo>
+#include <QRandomGenerator>
 #include <QSqlQuery>
 #include <QTemporaryDir>
 #include <QTest>
@@ -12,6 +13,9 @@
 #include "plan_sets.h"
 
 namespace m47 {
+
+/// Their frequencies stay within the meter's range.
+constexpr int kInterleavings = 1000;
 
 class SetsTest : public QObject {
     Q_OBJECT
@@ -154,6 +158,46 @@ class SetsTest : public QObject {
         QCOMPARE(sets_->program().frequenza, QStringLiteral("1200.0"));
         QCOMPARE(store_mine(sets_->stored()), Clash::none);
         QCOMPARE(sql(frequency), QStringList{"1300"});
+    }
+
+    /// Two windows look and store in any order: what neither has seen is never overwritten, and
+    /// whoever would have done so is told.
+    void two_windows_in_any_order_lose_nothing() {
+        QCOMPARE(store(tuned("1"), true), Clash::none);
+        const auto elsewhere = opened(database_in(folder_->path()));
+        PlanSets other(*elsewhere);
+        const std::array<PlanSets*, 2> windows{sets_.get(), &other};
+        std::array<StoredProgram, 2> seen{windows[0]->stored(), windows[1]->stored()};
+        std::array<int, 2> seen_mhz{1000, 1000};
+        int in_file = 1000;
+        int told = 0;
+        QRandomGenerator random(15);
+        for (int step = 1; step <= kInterleavings; ++step) {
+            const std::size_t w = random.bounded(2);
+            if (random.bounded(2) == 0) {
+                windows[w]->refresh();
+                seen[w] = windows[w]->stored();
+                seen_mhz[w] = in_file;
+                continue;
+            }
+            ProgramRecord record = tuned("1");
+            record.frequenza = QString::number(1000 + step);
+            QString oscillator;
+            const bool stale = seen_mhz[w] != in_file;
+            bool refused = false;
+            try {
+                QCOMPARE(windows[w]->store_record(record, oscillator, 0, true, &seen[w]),
+                         Clash::none);
+                in_file = seen_mhz[w] = 1000 + step;
+                seen[w] = windows[w]->stored();
+            } catch (const ChangedMeanwhile&) {
+                refused = true;
+                ++told;
+            }
+            QCOMPARE(refused, stale);
+            QCOMPARE(sql("SELECT frequenza FROM programmi"), QStringList(QString::number(in_file)));
+        }
+        QVERIFY2(told > kInterleavings / 10, qPrintable(QString::number(told)));
     }
 
     void a_new_program_takes_the_next_position() {
