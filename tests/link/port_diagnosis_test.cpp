@@ -11,6 +11,7 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
+#include <memory>
 
 #include "port_claim.h"
 #include "pty.h"
@@ -65,6 +66,7 @@ class PortDiagnosisTest : public QObject {
     void held_under_a_lock();
     void claimed_by_another_start();
     void a_claim_ends_with_its_process();
+    void a_number_given_again_is_another_device();
     void what_needs_no_claim();
     void texts_name_device_and_help();
     void texts_in_italian();
@@ -174,28 +176,47 @@ void PortDiagnosisTest::claimed_by_another_start() {
 
 void PortDiagnosisTest::a_claim_ends_with_its_process() {
     const Pty pty;
+    const QTemporaryDir locks;
     // As the folder of the system's lock files is: each may make its own, none remove another's.
-    QCOMPARE(chmod(QFile::encodeName(folder_.path()).constData(), 01777), 0);
-    PortClaim claim({folder_.path()});
+    QCOMPARE(chmod(QFile::encodeName(locks.path()).constData(), 01777), 0);
+    PortClaim claim({locks.path()});
     const auto refused_to_another_user = [&] {
         return as_ordinary_user([&] {
-            PortClaim theirs({folder_.path()});
+            PortClaim theirs({locks.path()});
             return theirs.take(pty.path()) ? 0 : 1;
         });
     };
     {
-        const OtherStart other(pty.path(), folder_.path());
+        const OtherStart other(pty.path(), locks.path());
         QVERIFY(!claim.take(pty.path()));
     }
     // It was killed: its file is still there, and holds nobody off.
-    const QStringList left = QDir(folder_.path()).entryList({"*.lock"});
+    const QStringList left = QDir(locks.path()).entryList({"*.lock"});
     QCOMPARE(left.size(), 1);
     QCOMPARE(refused_to_another_user(), 0);
     QVERIFY(claim.take(pty.path()));
     claim.release();
-    QCOMPARE(QDir(folder_.path()).entryList({"*.lock"}), QStringList());
+    QCOMPARE(QDir(locks.path()).entryList({"*.lock"}), QStringList());
     QVERIFY(claim.take(pty.path()));
     QCOMPARE(refused_to_another_user(), 1);
+}
+
+void PortDiagnosisTest::a_number_given_again_is_another_device() {
+    const QTemporaryDir locks;
+    const auto claimed = [&](const Pty& pty) {
+        PortClaim claim({locks.path()});
+        return claim.take(pty.path()) ? QDir(locks.path()).entryList({"*.lock"}) : QStringList();
+    };
+    auto gone = std::make_unique<Pty>();
+    const QString path = gone->path();
+    const QStringList before = claimed(*gone);
+    QCOMPARE(before.size(), 1);
+    QCOMPARE(claimed(*gone), before);
+    gone.reset();
+    const Pty next;
+    if (next.path() != path) QSKIP("another process has taken the number meanwhile");
+    QCOMPARE(claimed(next).size(), 1);
+    QVERIFY(claimed(next) != before);
 }
 
 void PortDiagnosisTest::what_needs_no_claim() {

@@ -54,8 +54,16 @@ bool is_in_its_place(int file, const QByteArray& path) {
            opened.st_ino == present.st_ino && opened.st_dev == present.st_dev;
 }
 
-QString claim_name(dev_t number) {
-    return QStringLiteral("/m47-remote-%1-%2.lock").arg(major(number)).arg(minor(number));
+/// The number of a pseudo-terminal is given to the next one as soon as it is gone, while whoever
+/// worked on the old one may not have noticed yet; when it was made tells the two apart.
+QString claim_name(const struct stat& node) {
+    constexpr unsigned kFirstPseudoTerminal = 136;  // majors of the kernel's table
+    constexpr unsigned kLastPseudoTerminal = 143;
+    const unsigned kind = major(node.st_rdev);
+    const QString name = QStringLiteral("/m47-remote-%1-%2").arg(kind).arg(minor(node.st_rdev));
+    if (kind < kFirstPseudoTerminal || kind > kLastPseudoTerminal)
+        return name + QStringLiteral(".lock");
+    return name + QStringLiteral("-%1.%2.lock").arg(node.st_ctim.tv_sec).arg(node.st_ctim.tv_nsec);
 }
 
 }  // namespace
@@ -76,7 +84,7 @@ bool PortClaim::take(const QString& device) {
     if (::stat(QFile::encodeName(device).constData(), &node) != 0 || !S_ISCHR(node.st_mode))
         return true;
     for (const QString& folder : std::as_const(folders_))
-        if (lock(QFile::encodeName(folder + claim_name(node.st_rdev))) || holder_) break;
+        if (lock(QFile::encodeName(folder + claim_name(node))) || holder_) break;
     return !holder_;
 }
 
