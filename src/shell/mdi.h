@@ -68,6 +68,8 @@ class M47MDI : public QMainWindow, public MainWindowView {
 
     void cmdinglese_Click();
     void cmditaliano_Click();
+    /// Says in the language in force what this window says itself; the menu's check marks stay.
+    void show_texts();
 
     QString caption() const override;
     void set_caption(const QString& caption) override;
@@ -93,8 +95,6 @@ class M47MDI : public QMainWindow, public MainWindowView {
     void keep_inside(QMdiSubWindow* view) const;
     QString key_of(const QMdiSubWindow* view) const;
     void tell_costs();
-    /// What is shown in the language in use, and changes with it.
-    void show_texts();
 
     ProgramState& program_;
     QString caption_;

@@ -72,6 +72,8 @@ Program::Program(ProgramState& state, std::unique_ptr<Database> database, PortLi
     identification_.on_picked = [this] {
         watch_.reset();
         window_.allow_reconnect();
+        // Picking a port chooses English.
+        window_.show_texts();
     };
     identification_.claim = [this](const QString& device) { return claim_.take(device); };
     identification_.on_version = [this](const QString& version) { state_.meter_version = version; };

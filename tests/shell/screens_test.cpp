@@ -81,6 +81,11 @@ class ScreensTest : public QObject, protected ProgramInFolder {
                                       "Open the manual at the page of this screen"}));
         find<QAction>("cmditaliano")->trigger();
         QCOMPARE(tips(), italian);
+        // Picking a port chooses English too, whatever the menu has ticked.
+        program().identify(10);
+        QVERIFY(tips()[0].startsWith(QStringLiteral("Bring")));
+        QCOMPARE(find<QMenu>("cmdcorrected")->title(), QStringLiteral("Corrected &behaviour"));
+        QVERIFY(find<QAction>("cmditaliano")->isChecked());
     }
 
     void a_pass_that_was_cut_short_is_told_in_the_language() {
