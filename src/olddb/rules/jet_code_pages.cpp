@@ -24,8 +24,8 @@ void load_code_pages() {
     // Left open, so that they stay loaded. A table that this system does not have is met again,
     // and told, where a file asks for it.
     for (const char* page : kPages) {
-        iconv_open("UTF-8", page);
-        iconv_open(page, "UTF-8");
+        static_cast<void>(iconv_open("UTF-8", page));
+        static_cast<void>(iconv_open(page, "UTF-8"));
     }
 }
 

@@ -2,6 +2,7 @@
 #include "jet_file.h"
 
 #include <QtEndian>
+#include <cstdint>
 #include <memory>
 #include <span>
 #include <vector>
@@ -164,8 +165,9 @@ OldDatabase read_jet_file(QByteArrayView file) {
                                            static_cast<size_t>(file.size()), MDB_NOFLAGS));
     if (!handle) throw JetDamage("its first page");
     // The library would go on with question marks in place of letters.
-    const auto no_table = reinterpret_cast<iconv_t>(-1);
-    if (handle->iconv_in == no_table || handle->iconv_out == no_table)
+    constexpr std::intptr_t kNoTable = -1;
+    if (reinterpret_cast<std::intptr_t>(handle->iconv_in) == kNoTable ||
+        reinterpret_cast<std::intptr_t>(handle->iconv_out) == kNoTable)
         throw JetDamage("no table for its code page");
     OldDatabase database;
     database.version = handle->f->jet_version == MDB_VER_JET3 ? 3 : 4;
