@@ -10,6 +10,7 @@ namespace meter {
 enum class Ending {
     none,
     close_line,  ///< the line is closed for good
+    unplug,      ///< the same, a moment after the answer has been read
     trickle,     ///< single bytes now and then, until another command arrives
     endless      ///< bytes at full speed, until another command arrives
 };

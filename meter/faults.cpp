@@ -55,6 +55,10 @@ void drop_line(Delivery& delivery, const FaultContext& context) {
     delivery.ending = Ending::close_line;
 }
 
+void unplug(Delivery& delivery, const FaultContext&) {
+    delivery.ending = Ending::unplug;
+}
+
 void leave_out_echo(Delivery& delivery, const FaultContext& context) {
     delivery.bytes.erase(0, echo(context).size());
 }
@@ -106,6 +110,7 @@ constexpr std::array kinds{
     FaultKind{"late", "sends the answer late (--late)", true, come_late},
     FaultKind{"asleep", "ignores everything until a lone CR arrives", false, fall_asleep},
     FaultKind{"drop", "closes the line in the middle of the answer", true, drop_line},
+    FaultKind{"unplug", "closes the line behind a good answer", true, unplug},
     FaultKind{"noecho", "answers without the echo", true, leave_out_echo},
     FaultKind{"wrongecho", "spoils one character of the echo", true, spoil_echo},
     FaultKind{"noise", "mixes three noise bytes into a good answer", true, add_noise},

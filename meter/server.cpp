@@ -19,6 +19,7 @@ using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
 constexpr auto idle_tick = 100ms;
+constexpr auto time_to_read = 300ms;
 constexpr auto unread_limit = 2s;
 constexpr auto trickle_interval = 250ms;
 constexpr auto fine_wait = 2ms;
@@ -193,7 +194,11 @@ void Server::answer(const ReceivedLine& received) {
     const std::size_t count = send_paced(delivery.bytes, start);
     std::string sent = delivery.bytes.substr(0, count);
     TimePoint last = Clock::now();
-    if (delivery.ending == Ending::close_line) {
+    if (delivery.ending == Ending::unplug) {
+        // Closing takes away what the other side has not read yet.
+        wait_until(last + time_to_read);
+        line_.close();
+    } else if (delivery.ending == Ending::close_line) {
         line_.close();
     } else if (delivery.ending != Ending::none) {
         send_filler(delivery.ending, sent, last);

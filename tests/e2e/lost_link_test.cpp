@@ -85,13 +85,11 @@ void LostLinkTest::no_serial_port() {
 }
 
 void LostLinkTest::unplugged_between_transactions() {
-    TestStand stand;
+    // The second cycle's attenuator is the fourth that is set.
+    TestStand stand({"--fault-on", "ATTEN 6", "--fault-after", "3", "--fault", "unplug"});
     stand.start_measuring({"--count", "1000", "--log", "run.log"});
     QVERIFY(stand.remote.wait_for_lines(1));
-    // The second after the attenuator has been set.
-    QVERIFY(stand.meter.wait_for_command("ATTEN 6", 4));
     QTRY_COMPARE_WITH_TIMEOUT(stand.meter.answers_to("ATTEN 6").size(), 4, 30000);
-    stand.meter.kill_now();
     const Ending ending = stand.remote.wait();
     QCOMPARE(ending.status, 3);
     QCOMPARE(ending.err.count('\n'), 1);

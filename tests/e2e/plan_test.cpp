@@ -173,14 +173,14 @@ void PlanTest::the_run_goes_on_when_the_meter_is_back() {
     MeterProcess again(stand.folder.path(), {"--baud-factor", "0", "--delay", "0"});
     QVERIFY(stand.remote.wait_for_error_lines(2));
     // The new meter has been prepared like the old one before it was measured with.
-    QVERIFY(again.wait_for_command(wire::kLevel, 3));
+    QVERIFY2(again.wait_for_command(wire::kLevel, 3), qPrintable(again.commands().join(u'|')));
     stand.remote.send_signal(SIGINT);
     const Ending ending = stand.remote.wait();
     QCOMPARE(ending.status, 0);
     QCOMPARE(ending.err.count('\n'), 2);
     QVERIFY(ending.err.contains("the link to the meter was lost, trying to connect again\n"));
     QVERIFY(ending.err.contains("connected again, nothing was measured for "));
-    QCOMPARE(again.commands().mid(0, 10), kOpening);
+    QVERIFY2(again.commands().mid(0, 10) == kOpening, qPrintable(again.commands().join(u'|')));
     // The programs follow each other in their order: the lost one was taken again, none was made
     // up.
     const QStringList rows = frequencies(ending.out);

@@ -42,6 +42,7 @@ class TestFaults : public QObject {
     void asleep();
     void asleep_for_ever();
     void drop();
+    void unplug();
     void echo_faults();
     void noise();
     void spoilt_record();
@@ -60,8 +61,9 @@ void TestFaults::every_kind_is_listed() {
         names << QString::fromUtf8(kind.name.data(), static_cast<qsizetype>(kind.name.size()));
         QVERIFY(!kind.help.empty());
     }
-    for (const char* name : {"error", "silence", "garbage", "partial", "late", "asleep", "drop",
-                             "noecho", "wrongecho", "noise", "badrecord", "trickle", "endless"}) {
+    for (const char* name :
+         {"error", "silence", "garbage", "partial", "late", "asleep", "drop", "unplug", "noecho",
+          "wrongecho", "noise", "badrecord", "trickle", "endless"}) {
         QCOMPARE(names.count(name), 1);
     }
 }
@@ -148,6 +150,12 @@ void TestFaults::drop() {
     QVERIFY(delivery.ending == meter::Ending::close_line);
 }
 
+void TestFaults::unplug() {
+    const auto delivery = hit("unplug");
+    QCOMPARE(delivery.bytes, good);
+    QVERIFY(delivery.ending == meter::Ending::unplug);
+}
+
 void TestFaults::echo_faults() {
     QCOMPARE(hit("noecho").bytes, std::string("6\rOK\r"));
     const std::string bytes = hit("wrongecho").bytes;
@@ -212,7 +220,7 @@ void TestFaults::obeyed_or_not_data() {
     QTest::addColumn<QByteArray>("fault");
     QTest::addColumn<bool>("obeyed");
     for (const char* kind :
-         {"partial", "late", "drop", "noecho", "wrongecho", "noise", "badrecord"}) {
+         {"partial", "late", "drop", "unplug", "noecho", "wrongecho", "noise", "badrecord"}) {
         QTest::newRow(kind) << QByteArray(kind) << true;
     }
     for (const char* kind :
