@@ -17,6 +17,7 @@
 #include <QToolButton>
 #include <QWheelEvent>
 
+#include "measurement_line.h"
 #include "program_in_folder.h"
 #include "realtime.h"
 #include "trend_plot.h"
@@ -318,6 +319,24 @@ class TrendViewTest : public QObject, protected ProgramInFolder {
         QCOMPARE(line.figures[0], QStringLiteral("51.0"));
         QCOMPARE(line.figures[1], QStringLiteral("55.5"));
         QCOMPARE(line.figures[2], QStringLiteral("–"));
+    }
+
+    void the_legend_names_the_unit_beside_levels_alone() {
+        const QString line =
+            QStringLiteral("21/11/26\t10:00:10\t11778.0\t10600\t58.3\t2.0E-4\t\t\t14.2\t\tPASS");
+        Measurement measured = measurement_of_line(line.toStdString());
+        measured.unit = unit_of_index(0);
+        screen_->rules.page.append(line.split(u'\t'), measured);
+        open_tab(1);
+        plot()->replot();
+        const auto name = [this](int panel) {
+            const auto* legend =
+                dynamic_cast<TrendLegend*>(plot()->plotLayout()->element(panel, 1));
+            return legend && legend->lines().size() == 1 ? legend->lines()[0].name : QString();
+        };
+        QCOMPARE(name(0), QStringLiteral("11778.0 / 10600 · dBuV"));
+        QCOMPARE(name(1), QStringLiteral("11778.0 / 10600"));
+        QCOMPARE(name(2), QStringLiteral("11778.0 / 10600"));
     }
 
     void the_table_is_saved_through_the_dialog_and_reads_back() {

@@ -136,7 +136,7 @@ void TrendPanel::show_curves(std::span<const TrendCurve> curves, TrendRange show
                             : *samples.values;
         if (!series.minimum(quantity_).measured()) continue;
         lines.push_back({colour,
-                         series.name(),
+                         name_of(series),
                          {reading_text(quantity_, series.minimum(quantity_)),
                           reading_text(quantity_, series.maximum(quantity_)),
                           reading_text(quantity_, series.last(quantity_))}});
@@ -147,6 +147,11 @@ void TrendPanel::show_curves(std::span<const TrendCurve> curves, TrendRange show
         value_axis()->setRange(axis.lower, axis.upper);
     }
     draw_failed(failed);
+}
+
+/// The unit is that of the level and of nothing else.
+QString TrendPanel::name_of(const TrendSeries& series) const {
+    return quantity_ == Quantity::level ? series.name() : series.key().name();
 }
 
 void TrendPanel::draw_failed(const std::vector<TrendSpot>& failed) {

@@ -52,6 +52,7 @@ class TrendPanel {
     };
     QCPGraph* add_graph();
     QCPItemRect* add_band();
+    QString name_of(const TrendSeries& series) const;
     void draw_failed(const std::vector<TrendSpot>& failed);
     void draw_curve(const Drawn& drawn, const TrendSamples& samples, const QColor& colour);
 
