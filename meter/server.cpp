@@ -144,13 +144,13 @@ std::size_t Server::send_paced(std::string_view bytes, TimePoint start) {
         }
         take_input();
         const std::size_t due = pacing_.due_count(Clock::now() - start, bytes.size());
-        const std::size_t upto = std::max(due, sent + 1);
-        if (!write_all(bytes.substr(sent, upto - sent))) {
+        const std::size_t end_of_part = std::max(due, sent + 1);
+        if (!write_all(bytes.substr(sent, end_of_part - sent))) {
             // Nobody reads: what a real line would have carried away is gone.
             line_.discard_unread();
             return sent;
         }
-        sent = upto;
+        sent = end_of_part;
     }
     return sent;
 }
