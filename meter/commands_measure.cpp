@@ -8,45 +8,39 @@ namespace meter {
 
 namespace {
 
-constexpr int span_points = 100;
-constexpr double span_start_mhz = 920.0;
-constexpr double span_end_mhz = 2150.0;
+constexpr int kSpanPoints = 100;
+constexpr double kSpanStartMhz = 920.0;
+constexpr double kSpanEndMhz = 2150.0;
 // The span comes straight from the detector, whose scale lies 30 dB above dBuV.
-constexpr double detector_offset_db = 30.0;
-constexpr double lowest_reported_ber = 1.0e-8;
+constexpr double kDetectorOffsetDb = 30.0;
+constexpr double kLowestReportedBer = 1.0e-8;
 
-/** Lead, range mark or blank, value: the value's column does not depend on the mark. */
+/// Lead, range mark or blank, value: the value's column does not depend on the mark.
 Reply marked_value(const std::string& lead, const Reading& reading) {
     return Reply::value_of(lead + reading.mark + fixed(reading.value, 1));
 }
 
-/** Three blanks, then the value with its range mark, if any, right in front. */
+/// Three blanks, then the value with its range mark, if any, right in front.
 Reply power_value(const Reading& reading) {
     std::string text(3, ' ');
-    if (reading.mark != ' ') {
-        text += reading.mark;
-    }
+    if (reading.mark != ' ') text += reading.mark;
     return Reply::value_of(text + fixed(reading.value, 1));
 }
 
 std::string corrected_ber_text(double ber) {
-    const std::string mark(ber < lowest_reported_ber ? "<" : "");
-    return mark + exponent_form(std::max(ber, lowest_reported_ber));
+    const std::string mark(ber < kLowestReportedBer ? "<" : "");
+    return mark + exponent_form(std::max(ber, kLowestReportedBer));
 }
 
 }  // namespace
 
 Reply Interpreter::start_measuring(const std::string& argument) {
-    if (argument.empty()) {
-        state_.mode = Mode::measuring;
-    }
+    if (argument.empty()) state_.mode = Mode::measuring;
     return Reply::done_if(argument.empty());
 }
 
 Reply Interpreter::start_error_rate(const std::string& argument) {
-    if (argument.empty()) {
-        state_.mode = Mode::error_rate;
-    }
+    if (argument.empty()) state_.mode = Mode::error_rate;
     return Reply::done_if(argument.empty());
 }
 
@@ -61,9 +55,7 @@ Reply Interpreter::get_channel_power(const std::string& argument) {
     if (!argument.empty()) {
         const auto mhz = decimal_number(argument);
         const auto converted = mhz ? settings.to_if(*mhz) : std::nullopt;
-        if (!converted) {
-            return {Reply::Kind::invalid, {}};
-        }
+        if (!converted) return {Reply::Kind::invalid, {}};
         if_mhz = *converted;
     }
     return power_value(level_reading(receiver_.channel_power(settings, if_mhz), settings));
@@ -86,9 +78,7 @@ Reply Interpreter::get_error_rate(const std::string&) {
 
 Reply Interpreter::set_output_mode(const std::string& argument) {
     const auto mode = whole_number(argument, 0, 1);
-    if (mode) {
-        state_.output_mode = *mode;
-    }
+    if (mode) state_.output_mode = *mode;
     return Reply::done_if(mode.has_value());
 }
 
@@ -97,17 +87,15 @@ Reply Interpreter::get_output_mode(const std::string&) {
 }
 
 Reply Interpreter::send_span(const std::string& argument) {
-    if (!argument.empty()) {
-        return Reply::done_if(false);
-    }
+    if (!argument.empty()) return Reply::done_if(false);
     const char separator = state_.output_mode == 1 ? '\t' : ' ';
     std::string text;
-    for (int point = 0; point < span_points; ++point) {
+    for (int point = 0; point < kSpanPoints; ++point) {
         const double if_mhz =
-            span_start_mhz + (span_end_mhz - span_start_mhz) * point / (span_points - 1);
+            kSpanStartMhz + (kSpanEndMhz - kSpanStartMhz) * point / (kSpanPoints - 1);
         const double level = Receiver::span_level(state_.settings, if_mhz);
         text += fixed(state_.settings.to_shown(if_mhz), 1) + separator +
-                fixed(level + detector_offset_db, 1) + "\r\n";
+                fixed(level + kDetectorOffsetDb, 1) + "\r\n";
     }
     return {Reply::Kind::lines, text};
 }

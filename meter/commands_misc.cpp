@@ -6,9 +6,9 @@ namespace meter {
 
 namespace {
 
-constexpr std::size_t logo_length = 16;
+constexpr std::size_t kLogoLength = 16;
 
-/** A motor command: its number and the numbers that follow it. */
+/// A motor command: its number and the numbers that follow it.
 struct MotorCommand {
     int number = 0;
     std::vector<int> operands;
@@ -25,14 +25,10 @@ std::optional<MotorCommand> parse_motor(const std::string& argument) {
     std::vector<int> numbers;
     for (const std::string& part : parts) {
         const auto number = whole_number(part, 0, 99);
-        if (!number) {
-            return std::nullopt;
-        }
+        if (!number) return std::nullopt;
         numbers.push_back(*number);
     }
-    if (numbers.empty()) {
-        return std::nullopt;
-    }
+    if (numbers.empty()) return std::nullopt;
     return MotorCommand{numbers.front(), {numbers.begin() + 1, numbers.end()}};
 }
 
@@ -62,21 +58,17 @@ MotorAction plain_action(int number) {
 }
 
 bool position_command(Motor& motor, const MotorCommand& command) {
-    if (command.operands.size() != 1 || command.operands[0] < 1) {
-        return false;
-    }
-    if (command.number == 6) {
+    if (command.operands.size() != 1 || command.operands[0] < 1) return false;
+    if (command.number == 6)
         motor.store(command.operands[0]);
-    } else {
+    else
         motor.recall(command.operands[0]);
-    }
     return true;
 }
 
 bool drive_command(Motor& motor, const MotorCommand& command) {
-    if (command.operands.size() != 2 || command.operands[0] < 1 || command.operands[1] > 1) {
+    if (command.operands.size() != 2 || command.operands[0] < 1 || command.operands[1] > 1)
         return false;
-    }
     motor.drive(command.number == 8, command.operands[0], command.operands[1] == 1);
     return true;
 }
@@ -85,14 +77,10 @@ bool drive_command(Motor& motor, const MotorCommand& command) {
 
 Reply Interpreter::drive_motor(const std::string& argument) {
     const auto command = parse_motor(argument);
-    if (!command) {
-        return Reply::done_if(false);
-    }
+    if (!command) return Reply::done_if(false);
     Motor& motor = state_.motor;
     if (const MotorAction action = plain_action(command->number)) {
-        if (command->operands.empty()) {
-            (motor.*action)();
-        }
+        if (command->operands.empty()) (motor.*action)();
         return Reply::done_if(command->operands.empty());
     }
     switch (command->number) {
@@ -113,9 +101,7 @@ Reply Interpreter::get_version(const std::string&) {
 
 Reply Interpreter::set_device(const std::string& argument) {
     const auto device = whole_number(argument, 0, 9);
-    if (device) {
-        state_.device = *device;
-    }
+    if (device) state_.device = *device;
     return Reply::done_if(device.has_value());
 }
 
@@ -124,7 +110,7 @@ Reply Interpreter::get_device(const std::string&) {
 }
 
 Reply Interpreter::set_logo(const std::string& argument) {
-    state_.logo = trimmed(argument.substr(0, logo_length));
+    state_.logo = trimmed(argument.substr(0, kLogoLength));
     return {};
 }
 

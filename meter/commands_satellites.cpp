@@ -7,10 +7,10 @@ namespace meter {
 namespace {
 
 // MASTERCOPY copies memory areas by number; this one is the satellite table.
-constexpr char satellite_area[] = "6?";
+constexpr char kSatelliteArea[] = "6?";
 
 std::optional<int> slot_number(const std::string& text) {
-    return whole_number(text, 0, satellite_slots - 1);
+    return whole_number(text, 0, kSatelliteSlots - 1);
 }
 
 }  // namespace
@@ -18,16 +18,14 @@ std::optional<int> slot_number(const std::string& text) {
 Reply Interpreter::set_satellite_name(const std::string& argument) {
     const auto blank = argument.find(' ');
     const auto slot = slot_number(argument.substr(0, blank));
-    if (!slot || blank == std::string::npos) {
-        return Reply::done_if(false);
-    }
+    if (!slot || blank == std::string::npos) return Reply::done_if(false);
     state_.satellites.rename(*slot, trimmed(std::string_view(argument).substr(blank)));
     return {};
 }
 
 Reply Interpreter::get_satellite_names(const std::string&) {
     std::string text;
-    for (int slot = 0; slot < satellite_slots; ++slot) {
+    for (int slot = 0; slot < kSatelliteSlots; ++slot) {
         text += slot == 0 ? "" : "\r";
         text += zero_filled(slot, 2) + "\t" + state_.satellites.at(slot).name;
     }
@@ -36,9 +34,7 @@ Reply Interpreter::get_satellite_names(const std::string&) {
 
 Reply Interpreter::learn_satellite(const std::string& argument) {
     const auto slot = slot_number(argument);
-    if (!slot) {
-        return Reply::done_if(false);
-    }
+    if (!slot) return Reply::done_if(false);
     const SatelliteSlot& before = state_.satellites.at(*slot);
     const std::string name = before.empty() ? "LEARNED " + zero_filled(*slot, 2) : before.name;
     state_.satellites.put(*slot, learnt_slot(state_.settings, name));
@@ -47,23 +43,16 @@ Reply Interpreter::learn_satellite(const std::string& argument) {
 
 Reply Interpreter::delete_satellite(const std::string& argument) {
     const auto slot = slot_number(argument);
-    if (slot) {
-        state_.satellites.clear(*slot);
-    }
+    if (slot) state_.satellites.clear(*slot);
     return Reply::done_if(slot.has_value());
 }
 
 Reply Interpreter::copy_satellites(const std::string& argument) {
-    if (!argument.ends_with('?')) {
-        return Reply::done_if(false);
-    }
-    if (argument != satellite_area) {
-        return {Reply::Kind::invalid, {}};
-    }
+    if (!argument.ends_with('?')) return Reply::done_if(false);
+    if (argument != kSatelliteArea) return {Reply::Kind::invalid, {}};
     std::string text;
-    for (int slot = 0; slot < satellite_slots; ++slot) {
+    for (int slot = 0; slot < kSatelliteSlots; ++slot)
         text += slot_block(slot, state_.satellites.at(slot));
-    }
     return {Reply::Kind::lines, text};
 }
 

@@ -6,25 +6,21 @@ namespace meter {
 
 namespace {
 
-constexpr int lowest_oscillator = 3070;
-constexpr int highest_oscillator = 12000;
-constexpr int highest_diseqc = 73;
+constexpr int kLowestOscillator = 3070;
+constexpr int kHighestOscillator = 12000;
+constexpr int kHighestDiseqc = 73;
 
-/** Takes a single whole number from low to high into `target`; an error leaves it unchanged. */
+/// Takes a single whole number from low to high into `target`; an error leaves it unchanged.
 Reply take_number(const std::string& argument, int low, int high, int& target) {
     const auto value = whole_number(argument, low, high);
-    if (value) {
-        target = *value;
-    }
+    if (value) target = *value;
     return Reply::done_if(value.has_value());
 }
 
 Reply take_switch(const std::string& argument, bool& target) {
     int value = 0;
     const Reply reply = take_number(argument, 0, 1, value);
-    if (reply.kind == Reply::Kind::ok) {
-        target = value == 1;
-    }
+    if (reply.kind == Reply::Kind::ok) target = value == 1;
     return reply;
 }
 
@@ -32,31 +28,26 @@ Reply two_digits(int value) {
     return Reply::value_of(zero_filled(value, 2));
 }
 
-/** The parts of an oscillator argument: number, bank letter, and a frequency to store. */
+/// The parts of an oscillator argument: number, bank letter, and a frequency to store.
 struct OscillatorArgument {
     int number = 0;
     char bank = 'A';
     std::optional<int> mhz;
 };
 
-/** Two digits of a number with the five digits of a frequency right behind it, as in 0110600. */
+/// Two digits of a number with the five digits of a frequency right behind it, as in 0110600.
 bool is_joined(const std::string& word) {
     return word.size() == 7 && whole_number(word).has_value();
 }
 
 std::optional<OscillatorArgument> parse_oscillator(const std::string& argument) {
     auto parts = words(argument);
-    if (parts.size() == 1 && is_joined(parts[0])) {
+    if (parts.size() == 1 && is_joined(parts[0]))
         parts = {parts[0].substr(0, 2), parts[0].substr(2)};
-    }
-    if (parts.empty() || parts.size() > 3) {
-        return std::nullopt;
-    }
+    if (parts.empty() || parts.size() > 3) return std::nullopt;
     OscillatorArgument result;
     const auto number = whole_number(parts[0], 0, OscillatorTable::count);
-    if (!number) {
-        return std::nullopt;
-    }
+    if (!number) return std::nullopt;
     result.number = *number;
     std::size_t next = 1;
     if (next < parts.size() && (parts[next] == "A" || parts[next] == "B")) {
@@ -64,10 +55,8 @@ std::optional<OscillatorArgument> parse_oscillator(const std::string& argument) 
         ++next;
     }
     if (next < parts.size()) {
-        result.mhz = whole_number(parts[next], lowest_oscillator, highest_oscillator);
-        if (!result.mhz || result.number == 0) {
-            return std::nullopt;
-        }
+        result.mhz = whole_number(parts[next], kLowestOscillator, kHighestOscillator);
+        if (!result.mhz || result.number == 0) return std::nullopt;
         ++next;
     }
     return next == parts.size() ? std::optional(result) : std::nullopt;
@@ -86,9 +75,7 @@ Reply Interpreter::get_attenuator(const std::string&) {
 Reply Interpreter::set_frequency(const std::string& argument) {
     const auto mhz = decimal_number(argument);
     const auto if_mhz = mhz ? state_.settings.to_if(*mhz) : std::nullopt;
-    if (if_mhz) {
-        state_.settings.if_mhz = *if_mhz;
-    }
+    if (if_mhz) state_.settings.if_mhz = *if_mhz;
     return Reply::done_if(if_mhz.has_value());
 }
 
@@ -100,34 +87,26 @@ void Interpreter::choose_oscillator(int number, char bank) {
     Settings changed = state_.settings;
     changed.oscillator = {number, bank, number == 0 ? 0 : state_.oscillators.get(number, bank)};
     // The receiver stays on its IF; a converter delivers nothing below the satellite band.
-    if (number != 0 && !changed.to_if(changed.shown_mhz())) {
-        changed.if_mhz = 1000.0;
-    }
+    if (number != 0 && !changed.to_if(changed.shown_mhz())) changed.if_mhz = 1000.0;
     state_.settings = changed;
 }
 
 Reply Interpreter::set_oscillator(const std::string& argument) {
     const auto parsed = parse_oscillator(argument);
-    if (!parsed) {
-        return Reply::done_if(false);
-    }
+    if (!parsed) return Reply::done_if(false);
     if (!parsed->mhz) {
         choose_oscillator(parsed->number, parsed->bank);
         return {};
     }
     state_.oscillators.set(parsed->number, parsed->bank, *parsed->mhz);
     OscillatorChoice& chosen = state_.settings.oscillator;
-    if (chosen.number == parsed->number && chosen.bank == parsed->bank) {
-        chosen.mhz = *parsed->mhz;
-    }
+    if (chosen.number == parsed->number && chosen.bank == parsed->bank) chosen.mhz = *parsed->mhz;
     return {};
 }
 
 Reply Interpreter::get_oscillator(const std::string&) {
     const OscillatorChoice& chosen = state_.settings.oscillator;
-    if (chosen.number == 0) {
-        return two_digits(0);
-    }
+    if (chosen.number == 0) return two_digits(0);
     return Reply::value_of(zero_filled(chosen.number, 2) + " " + chosen.bank + " " +
                            zero_filled(chosen.mhz, 5));
 }
@@ -143,9 +122,7 @@ Reply Interpreter::get_lnb(const std::string&) {
 Reply Interpreter::set_lnb_volt(const std::string& argument) {
     const auto volt = whole_number(argument);
     const bool known = volt == 13 || volt == 15 || volt == 18 || volt == 24;
-    if (known) {
-        state_.settings.lnb_volt = *volt;
-    }
+    if (known) state_.settings.lnb_volt = *volt;
     return Reply::done_if(known);
 }
 
@@ -179,9 +156,7 @@ Reply Interpreter::get_channel_bandwidth(const std::string&) {
 
 Reply Interpreter::set_marker(const std::string& argument) {
     const auto parts = words(argument);
-    if (parts.size() != 2 || whole_number(parts[0]) != 1) {
-        return Reply::done_if(false);
-    }
+    if (parts.size() != 2 || whole_number(parts[0]) != 1) return Reply::done_if(false);
     return take_switch(parts[1], state_.settings.digital);
 }
 
@@ -198,10 +173,8 @@ Reply Interpreter::get_unit(const std::string&) {
 }
 
 Reply Interpreter::set_diseqc(const std::string& argument) {
-    const Reply reply = take_number(argument, 0, highest_diseqc, state_.settings.diseqc);
-    if (reply.kind == Reply::Kind::ok) {
-        ++state_.diseqc_sent;
-    }
+    const Reply reply = take_number(argument, 0, kHighestDiseqc, state_.settings.diseqc);
+    if (reply.kind == Reply::Kind::ok) ++state_.diseqc_sent;
     return reply;
 }
 

@@ -6,7 +6,7 @@
 
 namespace meter {
 
-/** What happens on the line after the bytes of an answer have been sent. */
+/// What happens on the line after the bytes of an answer have been sent.
 enum class Ending {
     none,
     close_line,  ///< the line is closed for good
@@ -15,7 +15,7 @@ enum class Ending {
     endless      ///< bytes at full speed, until another command arrives
 };
 
-/** How one answer is put on the line. */
+/// How one answer is put on the line.
 struct Delivery {
     std::string bytes;
     double wait_seconds = 0.0;  ///< on top of the usual processing delay
@@ -23,7 +23,7 @@ struct Delivery {
     bool falls_asleep = false;
 };
 
-/** The bytes that trickle and endless go on sending; never a complete answer. */
+/// The bytes that trickle and endless go on sending; never a complete answer.
 std::string_view filler_bytes();
 
 }  // namespace meter

@@ -10,7 +10,7 @@ namespace meter {
 
 namespace {
 
-constexpr std::size_t end_of_answer = 3;  // "OK" and CR
+constexpr std::size_t kEndOfAnswer = 3;  // "OK" and CR
 
 std::string echo(const FaultContext& context) {
     return context.line + "\r";
@@ -31,9 +31,7 @@ void keep_silent(Delivery& delivery, const FaultContext&) {
 void send_garbage(Delivery& delivery, const FaultContext& context) {
     delivery.bytes.clear();
     const std::size_t length = 16 + context.noise.below(17);
-    for (std::size_t i = 0; i < length; ++i) {
-        delivery.bytes += context.noise.line_noise();
-    }
+    for (std::size_t i = 0; i < length; ++i) delivery.bytes += context.noise.line_noise();
 }
 
 void cut_answer(Delivery& delivery, const FaultContext& context) {
@@ -70,7 +68,7 @@ void spoil_echo(Delivery& delivery, const FaultContext& context) {
 
 void add_noise(Delivery& delivery, const FaultContext& context) {
     for (int i = 0; i < 3; ++i) {
-        const std::size_t room = delivery.bytes.size() - end_of_answer + 1;
+        const std::size_t room = delivery.bytes.size() - kEndOfAnswer + 1;
         const auto at = static_cast<std::ptrdiff_t>(context.noise.below(room));
         delivery.bytes.insert(delivery.bytes.begin() + at, context.noise.line_noise());
     }
@@ -80,11 +78,9 @@ void spoil_record(Delivery& delivery, const FaultContext& context) {
     std::vector<std::size_t> digits;
     const std::string& bytes = delivery.bytes;
     const std::string mark = "\rS1";
-    for (auto at = bytes.find(mark); at != std::string::npos; at = bytes.find(mark, at + 1)) {
-        for (auto digit = at + mark.size(); digit < bytes.find('\r', at + 1); ++digit) {
+    for (auto at = bytes.find(mark); at != std::string::npos; at = bytes.find(mark, at + 1))
+        for (auto digit = at + mark.size(); digit < bytes.find('\r', at + 1); ++digit)
             digits.push_back(digit);
-        }
-    }
     if (!digits.empty()) {
         char& digit = delivery.bytes[digits[context.noise.below(digits.size())]];
         digit = digit == '0' ? '1' : '0';
@@ -101,7 +97,7 @@ void never_end(Delivery& delivery, const FaultContext& context) {
     delivery.ending = Ending::endless;
 }
 
-constexpr std::array kinds{
+constexpr std::array kKinds{
     FaultKind{"error", "answers ERROR", false, answer_error},
     FaultKind{"commanderror", "answers COMMAND ERROR", false, answer_command_error},
     FaultKind{"silence", "sends nothing", false, keep_silent},
@@ -122,23 +118,19 @@ constexpr std::array kinds{
 }  // namespace
 
 std::span<const FaultKind> fault_kinds() {
-    return kinds;
+    return kKinds;
 }
 
 std::optional<Fault> parse_fault(std::string_view text) {
     const auto colon = text.find(':');
     const auto name = text.substr(0, colon);
-    const auto found = std::find_if(kinds.begin(), kinds.end(),
+    const auto found = std::find_if(kKinds.begin(), kKinds.end(),
                                     [&](const FaultKind& kind) { return kind.name == name; });
-    if (found == kinds.end()) {
-        return std::nullopt;
-    }
+    if (found == kKinds.end()) return std::nullopt;
     Fault fault{&*found, std::nullopt};
     if (colon != std::string_view::npos) {
         fault.remaining = whole_number(text.substr(colon + 1), 1, 999999999);
-        if (!fault.remaining) {
-            return std::nullopt;
-        }
+        if (!fault.remaining) return std::nullopt;
     }
     return fault;
 }
@@ -147,17 +139,13 @@ FaultPlan::FaultPlan(std::vector<Fault> faults, int after, std::string on)
     : faults_(std::move(faults)), after_(after), on_(std::move(on)) {}
 
 const FaultKind* FaultPlan::next(std::string_view line) {
-    if (line.find(on_) == std::string_view::npos) {
-        return nullptr;
-    }
+    if (line.find(on_) == std::string_view::npos) return nullptr;
     if (after_ > 0) {
         --after_;
         return nullptr;
     }
     for (Fault& fault : faults_) {
-        if (!fault.remaining) {
-            return fault.kind;
-        }
+        if (!fault.remaining) return fault.kind;
         if (*fault.remaining > 0) {
             --*fault.remaining;
             return fault.kind;

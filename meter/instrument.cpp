@@ -11,9 +11,8 @@ Instrument::Instrument(const Options& options)
       interpreter_(state_, receiver_),
       faults_(options.faults, options.fault_after, options.fault_on),
       late_seconds_(options.late_seconds) {
-    for (int slot = 0; options.no_satellites && slot < satellite_slots; ++slot) {
+    for (int slot = 0; options.no_satellites && slot < kSatelliteSlots; ++slot)
         state_.satellites.clear(slot);
-    }
     prefill_logger(state_, options.logger_bytes, receiver_);
 }
 
@@ -23,16 +22,10 @@ Delivery Instrument::handle(const std::string& line) {
         asleep_ = false;
         return delivery;
     }
-    if (asleep_) {
-        return delivery;
-    }
+    if (asleep_) return delivery;
     const FaultKind* fault = faults_.next(line);
-    if (fault == nullptr || fault->carried_out) {
-        delivery.bytes = interpreter_.answer(line);
-    }
-    if (fault != nullptr) {
-        fault->spoil(delivery, {line, line_noise_, late_seconds_});
-    }
+    if (fault == nullptr || fault->carried_out) delivery.bytes = interpreter_.answer(line);
+    if (fault != nullptr) fault->spoil(delivery, {line, line_noise_, late_seconds_});
     asleep_ = delivery.falls_asleep;
     return delivery;
 }

@@ -14,7 +14,7 @@
 
 namespace meter {
 
-/** The whole meter behind its line: commands in, deliveries out. */
+/// The whole meter behind its line: commands in, deliveries out.
 class Instrument {
   public:
     explicit Instrument(const Options& options);
@@ -22,10 +22,8 @@ class Instrument {
     Instrument(const Instrument&) = delete;
     Instrument& operator=(const Instrument&) = delete;
 
-    /**
-     * Handles one line (without CR) and says what to send. An empty line wakes a sleeping meter
-     * and is otherwise ignored; a sleeping meter ignores everything else.
-     */
+    /// Handles one line (without CR) and says what to send. An empty line wakes a sleeping meter
+    /// and is otherwise ignored; a sleeping meter ignores everything else.
     Delivery handle(const std::string& line);
 
     const State& state() const { return state_; }

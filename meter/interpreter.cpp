@@ -84,9 +84,8 @@ const Interpreter::Command* Interpreter::find(std::string_view line) {
     const std::string text = upper(line);
     for (const Command& command : commands) {
         const auto size = command.name.size();
-        if (text.starts_with(command.name) && (text.size() == size || !is_letter(text[size]))) {
+        if (text.starts_with(command.name) && (text.size() == size || !is_letter(text[size])))
             return &command;
-        }
     }
     return nullptr;
 }
@@ -94,34 +93,24 @@ const Interpreter::Command* Interpreter::find(std::string_view line) {
 Reply Interpreter::execute(const std::string& line) {
     const auto start = line.find_first_not_of(' ');
     const std::string text = start == std::string::npos ? std::string() : line.substr(start);
-    if (looks_like_srecord(text)) {
-        return take_srecord(trimmed(text));
-    }
+    if (looks_like_srecord(text)) return take_srecord(trimmed(text));
     const Command* command = find(text);
-    if (command == nullptr) {
-        return {Reply::Kind::unknown, {}};
-    }
+    if (command == nullptr) return {Reply::Kind::unknown, {}};
     const std::string argument = trimmed(std::string_view(text).substr(command->name.size()));
     const bool query = argument.starts_with('?');
     const Handler handler = query ? command->query : command->set;
-    if (handler == nullptr) {
-        return {Reply::Kind::unknown, {}};
-    }
-    if (!query) {
-        return (this->*handler)(argument);
-    }
+    if (handler == nullptr) return {Reply::Kind::unknown, {}};
+    if (!query) return (this->*handler)(argument);
     const std::string query_argument = trimmed(std::string_view(argument).substr(1));
-    if (!query_argument.empty() && !command->query_takes_argument) {
+    if (!query_argument.empty() && !command->query_takes_argument)
         return {Reply::Kind::invalid, {}};
-    }
     return (this->*handler)(query_argument);
 }
 
 Reply Interpreter::take_srecord(const std::string& line) {
     const auto result = state_.block.take(line);
-    if (result == BlockReceiver::Result::complete) {
+    if (result == BlockReceiver::Result::complete)
         state_.satellites.put(state_.block.slot(), state_.block.content());
-    }
     return Reply::done_if(result != BlockReceiver::Result::refused);
 }
 

@@ -9,7 +9,7 @@
 
 namespace meter {
 
-/** What the meter says about a command, before echo and line ends are added. */
+/// What the meter says about a command, before echo and line ends are added.
 struct Reply {
     enum class Kind {
         ok,       ///< a setting was accepted
@@ -27,12 +27,12 @@ struct Reply {
     static Reply done_if(bool good) { return {good ? Kind::ok : Kind::error, {}}; }
 };
 
-/** Understands command lines: works on the state and the receiver given. */
+/// Understands command lines: works on the state and the receiver given.
 class Interpreter {
   public:
     Interpreter(State& state, Receiver& receiver);
 
-    /** Carries out one line (without its CR); returns the complete answer, echo included. */
+    /// Carries out one line (without its CR); returns the complete answer, echo included.
     std::string answer(const std::string& line);
 
   private:

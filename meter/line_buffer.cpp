@@ -6,11 +6,8 @@
 namespace meter {
 
 void LineBuffer::push(std::string_view bytes, TimePoint when) {
-    for (const char byte : bytes) {
-        if (byte != '\n') {
-            push_byte(byte, when);
-        }
-    }
+    for (const char byte : bytes)
+        if (byte != '\n') push_byte(byte, when);
 }
 
 void LineBuffer::push_byte(char byte, TimePoint when) {
@@ -28,9 +25,7 @@ void LineBuffer::push_byte(char byte, TimePoint when) {
 }
 
 std::optional<ReceivedLine> LineBuffer::next() {
-    if (lines_.empty()) {
-        return std::nullopt;
-    }
+    if (lines_.empty()) return std::nullopt;
     ReceivedLine line = std::move(lines_.front());
     lines_.pop_front();
     return line;

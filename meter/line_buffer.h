@@ -12,21 +12,21 @@ namespace meter {
 
 using TimePoint = std::chrono::steady_clock::time_point;
 
-/** A line received, without its CR, and when its first and last byte arrived. */
+/// A line received, without its CR, and when its first and last byte arrived.
 struct ReceivedLine {
     std::string text;
     TimePoint first;
     TimePoint last;
 };
 
-/** Cuts the bytes received into lines at CR. Line feeds are ignored, overlong lines cut. */
+/// Cuts the bytes received into lines at CR. Line feeds are ignored, overlong lines cut.
 class LineBuffer {
   public:
     static constexpr std::size_t longest_line = 1024;
 
     void push(std::string_view bytes, TimePoint when);
 
-    /** The next complete line, oldest first. */
+    /// The next complete line, oldest first.
     std::optional<ReceivedLine> next();
 
     bool has_line() const { return !lines_.empty(); }

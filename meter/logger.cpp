@@ -10,7 +10,7 @@ namespace meter {
 
 namespace {
 
-constexpr char line_end[] = "\r\n";
+constexpr char kLineEnd[] = "\r\n";
 
 std::string date_text(int quarter_hours) {
     using namespace std::chrono;
@@ -56,9 +56,7 @@ std::string analog_row(int program, const Settings& s, Receiver& receiver) {
 std::string Logger::table_text() const {
     std::string text;
     for (const auto& [number, line] : table) {
-        if (!text.empty()) {
-            text += '\r';
-        }
+        if (!text.empty()) text += '\r';
         text += zero_filled(number, 2) + " " + zero_filled(line.program, 2) + " " +
                 zero_filled(line.state, 2);
     }
@@ -68,22 +66,16 @@ std::string Logger::table_text() const {
 void Logger::record(const std::vector<std::pair<int, Settings>>& programs, Receiver& receiver) {
     std::string analog;
     std::string digital;
-    for (const auto& [number, settings] : programs) {
-        if (settings.digital) {
-            digital += digital_row(number, settings, receiver) + line_end;
-        } else {
-            analog += analog_row(number, settings, receiver) + line_end;
-        }
-    }
+    for (const auto& [number, settings] : programs)
+        if (settings.digital)
+            digital += digital_row(number, settings, receiver) + kLineEnd;
+        else
+            analog += analog_row(number, settings, receiver) + kLineEnd;
     const std::string unit = unit_name(programs.empty() ? 0 : programs.front().second.unit);
     std::string log =
-        "LOG " + zero_filled(recorded_ + 1, 4) + " " + date_text(recorded_) + line_end;
-    if (!digital.empty()) {
-        log += "DPR MHz CH  (" + unit + ")   BER    CN" + line_end + digital;
-    }
-    if (!analog.empty()) {
-        log += "APR MHz CH  " + unit + "   VA VA2 CN" + line_end + analog;
-    }
+        "LOG " + zero_filled(recorded_ + 1, 4) + " " + date_text(recorded_) + kLineEnd;
+    if (!digital.empty()) log += "DPR MHz CH  (" + unit + ")   BER    CN" + kLineEnd + digital;
+    if (!analog.empty()) log += "APR MHz CH  " + unit + "   VA VA2 CN" + kLineEnd + analog;
     ++recorded_;
     bytes_ += log.size();
     logs_.push_back(std::move(log));
@@ -92,9 +84,7 @@ void Logger::record(const std::vector<std::pair<int, Settings>>& programs, Recei
 std::string Logger::all() const {
     std::string text;
     text.reserve(bytes_);
-    for (const std::string& log : logs_) {
-        text += log;
-    }
+    for (const std::string& log : logs_) text += log;
     return text;
 }
 

@@ -12,32 +12,30 @@
 
 namespace meter {
 
-constexpr int logger_lines = 42;
+constexpr int kLoggerLines = 42;
 
-/** One line of the logger table: which program it holds and whether it is active (1) or not. */
+/// One line of the logger table: which program it holds and whether it is active (1) or not.
 struct LoggerLine {
     int program = 0;
     int state = 0;
 };
 
-/** The data logger: its table of programs and the logs recorded so far. */
+/// The data logger: its table of programs and the logs recorded so far.
 class Logger {
   public:
     std::map<int, LoggerLine> table;
 
-    /** The table as lines "nn pp ss" separated by CR. */
+    /// The table as lines "nn pp ss" separated by CR.
     std::string table_text() const;
 
-    /**
-     * Records one log of the programs given (number and settings), measured with the receiver.
-     * The logs are dated by a clock that moves on a quarter of an hour with each.
-     */
+    /// Records one log of the programs given (number and settings), measured with the receiver.
+    /// The logs are dated by a clock that moves on a quarter of an hour with each.
     void record(const std::vector<std::pair<int, Settings>>& programs, Receiver& receiver);
 
-    /** All logs, lines ended by CR LF. */
+    /// All logs, lines ended by CR LF.
     std::string all() const;
 
-    /** The latest log, or nothing. */
+    /// The latest log, or nothing.
     std::string last() const;
 
     void delete_last();

@@ -13,8 +13,8 @@
 
 namespace {
 
-constexpr int status_failed = 1;
-constexpr int status_usage = 2;
+constexpr int kStatusFailed = 1;
+constexpr int kStatusUsage = 2;
 
 int complain(const std::string& text, int status) {
     std::fprintf(stderr, "m47-meter: %s\n", text.c_str());
@@ -23,16 +23,12 @@ int complain(const std::string& text, int status) {
 
 int serve(const meter::Options& options) {
     meter::Trace trace;
-    if (!trace.open(options.trace)) {
-        return complain("cannot write " + options.trace, status_failed);
-    }
+    if (!trace.open(options.trace)) return complain("cannot write " + options.trace, kStatusFailed);
     meter::Instrument instrument(options);
     meter::Server::catch_signals();
     meter::PtyLine line;
     meter::DeviceLink link;
-    if (!options.link.empty()) {
-        link.create(options.link, line.path());
-    }
+    if (!options.link.empty()) link.create(options.link, line.path());
     std::printf("%s\n", line.path().c_str());
     std::fflush(stdout);
     meter::Server(options, line, instrument, trace).run();
@@ -44,9 +40,8 @@ int serve(const meter::Options& options) {
 int main(int argc, char** argv) {
     try {
         const auto parsed = meter::parse_options({argv + 1, argv + argc});
-        if (const auto* complaint = std::get_if<std::string>(&parsed)) {
-            return complain(*complaint + " (try --help)", status_usage);
-        }
+        if (const auto* complaint = std::get_if<std::string>(&parsed))
+            return complain(*complaint + " (try --help)", kStatusUsage);
         const auto& options = std::get<meter::Options>(parsed);
         if (options.help) {
             std::fputs(meter::help_text().c_str(), stdout);
@@ -58,6 +53,6 @@ int main(int argc, char** argv) {
         }
         return serve(options);
     } catch (const std::exception& failure) {
-        return complain(failure.what(), status_failed);
+        return complain(failure.what(), kStatusFailed);
     }
 }

@@ -7,7 +7,7 @@ namespace meter {
 
 namespace {
 
-constexpr int steps_per_second = 10;
+constexpr int kStepsPerSecond = 10;
 
 std::string limit_text(const std::optional<int>& limit) {
     return limit ? std::to_string(*limit) : "none";
@@ -16,19 +16,13 @@ std::string limit_text(const std::optional<int>& limit) {
 }  // namespace
 
 void Motor::tick() {
-    if (direction_ != 0) {
-        move_to(position_ + direction_);
-    }
+    if (direction_ != 0) move_to(position_ + direction_);
 }
 
 void Motor::move_to(int position) {
     position_ = position;
-    if (east_limit_) {
-        position_ = std::min(position_, *east_limit_);
-    }
-    if (west_limit_) {
-        position_ = std::max(position_, *west_limit_);
-    }
+    if (east_limit_) position_ = std::min(position_, *east_limit_);
+    if (west_limit_) position_ = std::max(position_, *west_limit_);
 }
 
 void Motor::stop() {
@@ -69,15 +63,13 @@ void Motor::recall(int position) {
 }
 
 void Motor::drive(bool east, int amount, bool in_steps) {
-    const int steps = in_steps ? amount : amount * steps_per_second;
+    const int steps = in_steps ? amount : amount * kStepsPerSecond;
     direction_ = 0;
     move_to(east ? position_ + steps : position_ - steps);
 }
 
 void Motor::recalculate() {
-    for (auto& [number, steps] : stored_) {
-        steps -= position_;
-    }
+    for (auto& [number, steps] : stored_) steps -= position_;
     position_ = 0;
 }
 
@@ -89,9 +81,8 @@ std::string Motor::describe() const {
     std::string text = "position " + std::to_string(position_);
     text += direction_ == 0 ? " stopped" : direction_ > 0 ? " driving east" : " driving west";
     text += " east-limit " + limit_text(east_limit_) + " west-limit " + limit_text(west_limit_);
-    for (const auto& [number, steps] : stored_) {
+    for (const auto& [number, steps] : stored_)
         text += " stored[" + std::to_string(number) + "]=" + std::to_string(steps);
-    }
     return text;
 }
 

@@ -7,10 +7,10 @@
 
 namespace meter {
 
-/** The dish positioner. Positions are steps, east counted positive, 0 the reference. */
+/// The dish positioner. Positions are steps, east counted positive, 0 the reference.
 class Motor {
   public:
-    /** Turns one step when the motor is under way; call it once for each command received. */
+    /// Turns one step when the motor is under way; call it once for each command received.
     void tick();
 
     void stop();
@@ -20,11 +20,11 @@ class Motor {
     void delete_east_limit();
     void delete_west_limit();
     void store(int position);
-    /** Drives to a stored position; stays where it is when nothing is stored there. */
+    /// Drives to a stored position; stays where it is when nothing is stored there.
     void recall(int position);
-    /** Drives by `amount` steps, or for `amount` seconds when `in_steps` is false. */
+    /// Drives by `amount` steps, or for `amount` seconds when `in_steps` is false.
     void drive(bool east, int amount, bool in_steps);
-    /** Counts the stored positions from where the dish stands now. */
+    /// Counts the stored positions from where the dish stands now.
     void recalculate();
     void reset();
 

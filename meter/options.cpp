@@ -11,9 +11,9 @@ namespace meter {
 
 namespace {
 
-constexpr int largest_count = 999999999;
+constexpr int kLargestCount = 999999999;
 
-/** One option; `take` stores its value and says whether the value was good. */
+/// One option; `take` stores its value and says whether the value was good.
 struct Option {
     std::string_view name;
     std::string_view value_name;  ///< empty for an option without a value
@@ -33,7 +33,7 @@ bool take_decimal(double& target, const std::string& value) {
 }
 
 bool take_count(int& target, const std::string& value) {
-    const auto number = whole_number(value, 0, largest_count);
+    const auto number = whole_number(value, 0, kLargestCount);
     target = number.value_or(target);
     return number.has_value();
 }
@@ -54,13 +54,11 @@ bool take_seed(Options& options, const std::string& value) {
 
 bool take_fault(Options& options, const std::string& value) {
     const auto fault = parse_fault(value);
-    if (fault) {
-        options.faults.push_back(*fault);
-    }
+    if (fault) options.faults.push_back(*fault);
     return fault.has_value();
 }
 
-constexpr std::array table{
+constexpr std::array kTable{
     Option{"--link", "PATH", "make PATH a symbolic link to the device",
            [](Options& o, const std::string& v) { return take_text(o.link, v); }},
     Option{"--version-text", "TEXT", "firmware version that VER? answers",
@@ -91,9 +89,9 @@ constexpr std::array table{
 };
 
 const Option* find_option(std::string_view name) {
-    const auto found = std::find_if(table.begin(), table.end(),
+    const auto found = std::find_if(kTable.begin(), kTable.end(),
                                     [&](const Option& option) { return option.name == name; });
-    return found == table.end() ? nullptr : &*found;
+    return found == kTable.end() ? nullptr : &*found;
 }
 
 std::string help_line(std::string_view left, std::string_view right) {
@@ -109,24 +107,17 @@ std::variant<Options, std::string> parse_options(const std::vector<std::string>&
         const auto equals = argument.find('=');
         const std::string name = argument.substr(0, equals);
         const Option* option = find_option(name);
-        if (option == nullptr) {
-            return "unknown option '" + argument + "'";
-        }
+        if (option == nullptr) return "unknown option '" + argument + "'";
         std::string value;
         if (equals != std::string::npos) {
-            if (option->value_name.empty()) {
-                return "option '" + name + "' takes no value";
-            }
+            if (option->value_name.empty()) return "option '" + name + "' takes no value";
             value = argument.substr(equals + 1);
         } else if (!option->value_name.empty()) {
-            if (++i == arguments.size()) {
-                return "option '" + name + "' needs a value";
-            }
+            if (++i == arguments.size()) return "option '" + name + "' needs a value";
             value = arguments[i];
         }
-        if (!option->take(options, value)) {
+        if (!option->take(options, value))
             return "bad value '" + value + "' for option '" + name + "'";
-        }
     }
     return options;
 }
@@ -135,15 +126,13 @@ std::string help_text() {
     std::string text =
         "Usage: m47-meter [OPTION]...\n"
         "Simulates the meter on a pseudo-terminal, whose path it prints first.\n\n";
-    for (const Option& option : table) {
+    for (const Option& option : kTable) {
         const std::string gap = option.value_name.empty() ? "" : " ";
         text +=
             help_line(std::string(option.name) + gap + std::string(option.value_name), option.help);
     }
     text += "\nKinds of fault:\n";
-    for (const FaultKind& kind : fault_kinds()) {
-        text += help_line(kind.name, kind.help);
-    }
+    for (const FaultKind& kind : fault_kinds()) text += help_line(kind.name, kind.help);
     return text;
 }
 

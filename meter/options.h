@@ -12,7 +12,7 @@
 
 namespace meter {
 
-/** The command line, with the values that hold when nothing is said. */
+/// The command line, with the values that hold when nothing is said.
 struct Options {
     std::string link;
     std::string version_text = "V3.1.0 PLUS";
@@ -31,10 +31,10 @@ struct Options {
     bool version = false;
 };
 
-/** Reads the arguments (program name left out); the text of the complaint when they are wrong. */
+/// Reads the arguments (program name left out); the text of the complaint when they are wrong.
 std::variant<Options, std::string> parse_options(const std::vector<std::string>& arguments);
 
-/** The text of --help. */
+/// The text of --help.
 std::string help_text();
 
 }  // namespace meter

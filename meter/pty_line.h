@@ -6,41 +6,37 @@
 
 namespace meter {
 
-/**
- * The meter's end of the line: a pseudo-terminal in raw mode. The other end is kept open here
- * too, so that the line outlives the programs that open and close it.
- */
+/// The meter's end of the line: a pseudo-terminal in raw mode. The other end is kept open here
+/// too, so that the line outlives the programs that open and close it.
 class PtyLine {
   public:
-    /** Opens the line. Throws std::system_error when the system has no pseudo-terminal. */
+    /// Opens the line. Throws std::system_error when the system has no pseudo-terminal.
     PtyLine();
     ~PtyLine();
 
     PtyLine(const PtyLine&) = delete;
     PtyLine& operator=(const PtyLine&) = delete;
 
-    /** Path of the device that programs open. */
+    /// Path of the device that programs open.
     const std::string& path() const { return path_; }
 
-    /** Descriptor to poll for input; -1 once the line is closed. */
+    /// Descriptor to poll for input; -1 once the line is closed.
     int descriptor() const { return master_; }
 
-    /** Everything that has arrived, without waiting. */
+    /// Everything that has arrived, without waiting.
     std::string read_pending();
 
-    /** Writes what the line takes at once and says how many bytes that were. */
+    /// Writes what the line takes at once and says how many bytes that were.
     std::size_t write_some(std::string_view bytes);
 
-    /** Forgets what has been sent and not been read. */
+    /// Forgets what has been sent and not been read.
     void discard_unread();
 
-    /**
-     * Lifts an exclusive lock that a program left behind when it was killed. A lock whose
-     * holder is still there stays.
-     */
+    /// Lifts an exclusive lock that a program left behind when it was killed. A lock whose
+    /// holder is still there stays.
     void clear_stale_lock();
 
-    /** Closes the line for good. */
+    /// Closes the line for good.
     void close();
 
   private:
@@ -52,7 +48,7 @@ class PtyLine {
     std::string last_holder_;
 };
 
-/** A symbolic link to the device, removed at the end if it still leads there. */
+/// A symbolic link to the device, removed at the end if it still leads there.
 class DeviceLink {
   public:
     DeviceLink() = default;
@@ -61,10 +57,8 @@ class DeviceLink {
     DeviceLink(const DeviceLink&) = delete;
     DeviceLink& operator=(const DeviceLink&) = delete;
 
-    /**
-     * Makes `link` lead to `device`, in place of an older symbolic link. Throws
-     * std::system_error when something other than a symbolic link stands there.
-     */
+    /// Makes `link` lead to `device`, in place of an older symbolic link. Throws
+    /// std::system_error when something other than a symbolic link stands there.
     void create(const std::string& link, const std::string& device);
 
   private:

@@ -10,33 +10,31 @@ namespace meter {
 
 namespace {
 
-constexpr double filter_mhz = 8.0;
-constexpr double analog_channel_mhz = 27.0;
-constexpr double roll_off = 1.2;
-constexpr double level_jitter_db = 0.2;
-constexpr double ratio_jitter_db = 0.15;
-constexpr double lowest_dbuv = 20.0;
-constexpr double highest_dbuv = 120.0;
-constexpr double lowest_cn_db = 1.0;
-constexpr double highest_cn_db = 40.0;
+constexpr double kFilterMhz = 8.0;
+constexpr double kAnalogChannelMhz = 27.0;
+constexpr double kRollOff = 1.2;
+constexpr double kLevelJitterDb = 0.2;
+constexpr double kRatioJitterDb = 0.15;
+constexpr double kLowestDbuv = 20.0;
+constexpr double kHighestDbuv = 120.0;
+constexpr double kLowestCnDb = 1.0;
+constexpr double kHighestCnDb = 40.0;
 
-constexpr double ber_ceiling = 3.0e-2;
-constexpr double ber_floor = 1.0e-8;
-constexpr double mer_floor_db = 1.0;
-constexpr double mer_ceiling_db = 30.0;
-constexpr double demodulator_loss_db = 1.0;
-constexpr double mer_loss_db = 0.3;
-constexpr double lowest_lock_cn_db = 3.0;
-constexpr double rate_tolerance = 0.005;
+constexpr double kBerCeiling = 3.0e-2;
+constexpr double kBerFloor = 1.0e-8;
+constexpr double kMerFloorDb = 1.0;
+constexpr double kMerCeilingDb = 30.0;
+constexpr double kDemodulatorLossDb = 1.0;
+constexpr double kMerLossDb = 0.3;
+constexpr double kLowestLockCnDb = 3.0;
+constexpr double kRateTolerance = 0.005;
 
-/** C/N of the strongest carrier in a channel: the meter's own noise adds to that of the link. */
+/// C/N of the strongest carrier in a channel: the meter's own noise adds to that of the link.
 double channel_cn(const Spectrum& spectrum, double if_mhz, double width_mhz) {
     const double low = if_mhz - width_mhz / 2;
     const double high = if_mhz + width_mhz / 2;
     const Carrier* carrier = strongest(spectrum, low, high);
-    if (carrier == nullptr) {
-        return 0.0;
-    }
+    if (carrier == nullptr) return 0.0;
     const double signal = linear(carrier->level_dbuv) * power_share(*carrier, low, high);
     const double full = linear(carrier->level_dbuv);
     const double noise = linear(spectrum.noise_density(if_mhz)) * width_mhz;
@@ -44,20 +42,16 @@ double channel_cn(const Spectrum& spectrum, double if_mhz, double width_mhz) {
 }
 
 double demodulator_width(const Settings& settings) {
-    return settings.symbol_rate / 1000.0 * roll_off;
+    return settings.symbol_rate / 1000.0 * kRollOff;
 }
 
-/** The carrier that the demodulator locks on, or null: frequency and symbol rate must fit. */
+/// The carrier that the demodulator locks on, or null: frequency and symbol rate must fit.
 const Carrier* locked_carrier(const Spectrum& spectrum, const Settings& settings) {
     const double half = demodulator_width(settings) / 2;
     const Carrier* carrier = strongest(spectrum, settings.if_mhz - half, settings.if_mhz + half);
-    if (carrier == nullptr || !carrier->digital()) {
-        return nullptr;
-    }
+    if (carrier == nullptr || !carrier->digital()) return nullptr;
     const double rate_error = std::abs(settings.symbol_rate - carrier->symbol_rate);
-    if (rate_error > carrier->symbol_rate * rate_tolerance) {
-        return nullptr;
-    }
+    if (rate_error > carrier->symbol_rate * kRateTolerance) return nullptr;
     const double capture = carrier->symbol_rate / 1000.0 * 0.12;
     const double offset = std::abs(carrier->if_mhz + carrier->drift_mhz - settings.if_mhz);
     return offset <= capture ? carrier : nullptr;
@@ -73,30 +67,29 @@ Receiver::Receiver(Jitter& jitter) : jitter_(jitter) {}
 
 double Receiver::span_level(const Settings& settings, double if_mhz) {
     const Spectrum& spectrum = received_spectrum(settings);
-    return band_power(spectrum, if_mhz - filter_mhz / 2, if_mhz + filter_mhz / 2);
+    return band_power(spectrum, if_mhz - kFilterMhz / 2, if_mhz + kFilterMhz / 2);
 }
 
 double Receiver::level(const Settings& settings) {
-    return span_level(settings, settings.if_mhz) + jitter_.around_zero(level_jitter_db);
+    return span_level(settings, settings.if_mhz) + jitter_.around_zero(kLevelJitterDb);
 }
 
 double Receiver::channel_power(const Settings& settings, double if_mhz) {
     const double half = settings.channel_bandwidth / 2.0;
     const Spectrum& spectrum = received_spectrum(settings);
-    return band_power(spectrum, if_mhz - half, if_mhz + half) +
-           jitter_.around_zero(level_jitter_db);
+    return band_power(spectrum, if_mhz - half, if_mhz + half) + jitter_.around_zero(kLevelJitterDb);
 }
 
 double Receiver::analog_cn(const Settings& settings) {
     const Spectrum& spectrum = received_spectrum(settings);
-    return channel_cn(spectrum, settings.if_mhz, analog_channel_mhz) +
-           jitter_.around_zero(ratio_jitter_db);
+    return channel_cn(spectrum, settings.if_mhz, kAnalogChannelMhz) +
+           jitter_.around_zero(kRatioJitterDb);
 }
 
 double Receiver::digital_cn(const Settings& settings) {
     const Spectrum& spectrum = received_spectrum(settings);
     return channel_cn(spectrum, settings.if_mhz, demodulator_width(settings)) +
-           jitter_.around_zero(ratio_jitter_db);
+           jitter_.around_zero(kRatioJitterDb);
 }
 
 QpskQuality Receiver::qpsk(const Settings& settings) {
@@ -104,42 +97,32 @@ QpskQuality Receiver::qpsk(const Settings& settings) {
     const Carrier* carrier = locked_carrier(spectrum, settings);
     const double channel = digital_cn(settings);
     const double drift_noise = jitter_.around_zero(0.02);
-    QpskQuality result{false, ber_ceiling, ber_ceiling, 0.0, mer_floor_db};
-    if (carrier == nullptr || channel < lowest_lock_cn_db) {
-        return result;
-    }
+    QpskQuality result{false, kBerCeiling, kBerCeiling, 0.0, kMerFloorDb};
+    if (carrier == nullptr || channel < kLowestLockCnDb) return result;
     const double offset = carrier->if_mhz + carrier->drift_mhz - settings.if_mhz;
     const double capture = carrier->symbol_rate / 1000.0 * 0.12;
     const double off_centre_loss = 3.0 * (offset / capture) * (offset / capture);
     const double useful = channel - off_centre_loss;
     result.locked = true;
-    result.channel_ber = std::clamp(qpsk_ber(useful - demodulator_loss_db), ber_floor, ber_ceiling);
+    result.channel_ber = std::clamp(qpsk_ber(useful - kDemodulatorLossDb), kBerFloor, kBerCeiling);
     result.corrected_ber =
-        std::clamp(25.0 * std::pow(result.channel_ber, 2.5), ber_floor / 10, ber_ceiling);
+        std::clamp(25.0 * std::pow(result.channel_ber, 2.5), kBerFloor / 10, kBerCeiling);
     result.offset_mhz = offset + drift_noise;
-    result.mer_db = std::clamp(useful - mer_loss_db, mer_floor_db, mer_ceiling_db);
+    result.mer_db = std::clamp(useful - kMerLossDb, kMerFloorDb, kMerCeilingDb);
     return result;
 }
 
 Reading level_reading(double level_dbuv, const Settings& settings) {
-    const double top = std::min(highest_dbuv, 60.0 + 10.0 * settings.attenuator);
+    const double top = std::min(kHighestDbuv, 60.0 + 10.0 * settings.attenuator);
     const double offset = unit_offset(settings.unit);
-    if (level_dbuv < lowest_dbuv) {
-        return {'<', lowest_dbuv - offset};
-    }
-    if (level_dbuv > top) {
-        return {'>', top - offset};
-    }
+    if (level_dbuv < kLowestDbuv) return {'<', kLowestDbuv - offset};
+    if (level_dbuv > top) return {'>', top - offset};
     return {' ', level_dbuv - offset};
 }
 
 Reading ratio_reading(double cn_db) {
-    if (cn_db < lowest_cn_db) {
-        return {'<', lowest_cn_db};
-    }
-    if (cn_db > highest_cn_db) {
-        return {'>', highest_cn_db};
-    }
+    if (cn_db < kLowestCnDb) return {'<', kLowestCnDb};
+    if (cn_db > kHighestCnDb) return {'>', kHighestCnDb};
     return {' ', cn_db};
 }
 

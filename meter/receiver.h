@@ -7,7 +7,7 @@
 
 namespace meter {
 
-/** Result of the QPSK demodulator; without lock the BERs are at their ceiling, MER at its floor. */
+/// Result of the QPSK demodulator; without lock the BERs are at their ceiling, MER at its floor.
 struct QpskQuality {
     bool locked = false;
     double channel_ber = 0.0;
@@ -16,46 +16,44 @@ struct QpskQuality {
     double mer_db = 0.0;
 };
 
-/** A value with its range mark: "<" below the range, ">" above it, a blank within it. */
+/// A value with its range mark: "<" below the range, ">" above it, a blank within it.
 struct Reading {
     char mark = ' ';
     double value = 0.0;
 };
 
-/** Measures what the sky delivers at the tuning given. Levels are dBuV, ratios dB. */
+/// Measures what the sky delivers at the tuning given. Levels are dBuV, ratios dB.
 class Receiver {
   public:
     explicit Receiver(Jitter& jitter);
 
-    /** Carrier level in the measuring filter. */
+    /// Carrier level in the measuring filter.
     double level(const Settings& settings);
 
-    /** Power in the channel bandwidth around an IF. */
+    /// Power in the channel bandwidth around an IF.
     double channel_power(const Settings& settings, double if_mhz);
 
-    /** C/N in the analog channel (27 MHz). */
+    /// C/N in the analog channel (27 MHz).
     double analog_cn(const Settings& settings);
 
-    /** C/N in the bandwidth of the chosen symbol rate. */
+    /// C/N in the bandwidth of the chosen symbol rate.
     double digital_cn(const Settings& settings);
 
-    /** What the QPSK demodulator finds. */
+    /// What the QPSK demodulator finds.
     QpskQuality qpsk(const Settings& settings);
 
-    /** Level at any IF without jitter, for the span display. */
+    /// Level at any IF without jitter, for the span display.
     static double span_level(const Settings& settings, double if_mhz);
 
   private:
     Jitter& jitter_;
 };
 
-/**
- * The level in the unit chosen, limited to 20..120 dBuV and to what the attenuator allows
- * (60 dBuV and 10 dB for each step).
- */
+/// The level in the unit chosen, limited to 20..120 dBuV and to what the attenuator allows
+/// (60 dBuV and 10 dB for each step).
 Reading level_reading(double level_dbuv, const Settings& settings);
 
-/** The C/N limited to 1..40 dB. */
+/// The C/N limited to 1..40 dB.
 Reading ratio_reading(double cn_db);
 
 }  // namespace meter

@@ -11,13 +11,12 @@ namespace meter {
 
 namespace {
 
-constexpr std::size_t record_bytes = 16;
-constexpr std::string_view header_word = "ASL ";
+constexpr std::size_t kRecordBytes = 16;
+constexpr std::string_view kHeaderWord = "ASL ";
 
 void put_number(SatelliteSlot& slot, std::size_t at, unsigned value) {
-    for (std::size_t i = 0; i < 4; ++i) {
+    for (std::size_t i = 0; i < 4; ++i)
         slot.tuning.at(at + i) = static_cast<std::uint8_t>((value >> (24 - 8 * i)) & 0xFF);
-    }
 }
 
 Settings factory_tuning(double if_mhz, int lnb_volt, bool tone, int symbol_rate) {
@@ -35,19 +34,19 @@ Settings factory_tuning(double if_mhz, int lnb_volt, bool tone, int symbol_rate)
 }  // namespace
 
 bool SatelliteSlot::empty() const {
-    return name == std::string(satellite_name_length, '*');
+    return name == std::string(kSatelliteNameLength, '*');
 }
 
 std::string slot_block(int slot, const SatelliteSlot& content) {
-    const std::string title = std::string(header_word) + zero_filled(slot, 3);
+    const std::string title = std::string(kHeaderWord) + zero_filled(slot, 3);
     std::string block = format_srecord({0, 0, {title.begin(), title.end()}}) + '\r';
-    for (std::size_t at = 0; at < satellite_tuning_bytes; at += record_bytes) {
+    for (std::size_t at = 0; at < kSatelliteTuningBytes; at += kRecordBytes) {
         const auto* first = content.tuning.data() + at;
         block +=
-            format_srecord({1, static_cast<unsigned>(at), {first, first + record_bytes}}) + '\r';
+            format_srecord({1, static_cast<unsigned>(at), {first, first + kRecordBytes}}) + '\r';
     }
-    const std::string name = blank_filled(content.name, satellite_name_length);
-    block += format_srecord({1, satellite_tuning_bytes, {name.begin(), name.end()}}) + '\r';
+    const std::string name = blank_filled(content.name, kSatelliteNameLength);
+    block += format_srecord({1, kSatelliteTuningBytes, {name.begin(), name.end()}}) + '\r';
     return block + format_srecord({9, 0, {}}) + '\r';
 }
 
@@ -60,7 +59,7 @@ SatelliteSlot learnt_slot(const Settings& settings, std::string_view name) {
     slot.tuning[13] = settings.tone_on ? 1 : 0;
     slot.tuning[14] = settings.digital ? 1 : 0;
     slot.tuning[15] = static_cast<std::uint8_t>(settings.diseqc);
-    slot.name = blank_filled(name, satellite_name_length);
+    slot.name = blank_filled(name, kSatelliteNameLength);
     return slot;
 }
 
@@ -87,7 +86,7 @@ void SatelliteTable::clear(int slot) {
 }
 
 void SatelliteTable::rename(int slot, std::string_view name) {
-    slots_.at(static_cast<std::size_t>(slot)).name = blank_filled(name, satellite_name_length);
+    slots_.at(static_cast<std::size_t>(slot)).name = blank_filled(name, kSatelliteNameLength);
 }
 
 BlockReceiver::Result BlockReceiver::take(std::string_view line) {
@@ -100,24 +99,17 @@ BlockReceiver::Result BlockReceiver::take(std::string_view line) {
         return take_header(
             {reinterpret_cast<const char*>(record->data.data()), record->data.size()});
     }
-    if (!open_) {
-        return Result::refused;
-    }
-    if (record->type == 1) {
+    if (!open_) return Result::refused;
+    if (record->type == 1)
         return take_data(record->address, record->data.data(), record->data.size());
-    }
     return finish();
 }
 
 BlockReceiver::Result BlockReceiver::take_header(std::string_view text) {
     open_ = false;
-    if (!text.starts_with(header_word)) {
-        return Result::refused;
-    }
-    const auto slot = whole_number(text.substr(header_word.size()), 0, satellite_slots - 1);
-    if (!slot) {
-        return Result::refused;
-    }
+    if (!text.starts_with(kHeaderWord)) return Result::refused;
+    const auto slot = whole_number(text.substr(kHeaderWord.size()), 0, kSatelliteSlots - 1);
+    if (!slot) return Result::refused;
     open_ = true;
     slot_ = *slot;
     filled_.fill(false);
@@ -139,10 +131,9 @@ BlockReceiver::Result BlockReceiver::take_data(unsigned address, const std::uint
 
 BlockReceiver::Result BlockReceiver::finish() {
     open_ = false;
-    if (!std::all_of(filled_.begin(), filled_.end(), [](bool filled) { return filled; })) {
+    if (!std::all_of(filled_.begin(), filled_.end(), [](bool filled) { return filled; }))
         return Result::refused;
-    }
-    const auto name_start = bytes_.begin() + satellite_tuning_bytes;
+    const auto name_start = bytes_.begin() + kSatelliteTuningBytes;
     std::copy(bytes_.begin(), name_start, content_.tuning.begin());
     content_.name.assign(name_start, bytes_.end());
     return Result::complete;

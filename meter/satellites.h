@@ -11,55 +11,55 @@
 
 namespace meter {
 
-constexpr int satellite_slots = 20;
-constexpr std::size_t satellite_tuning_bytes = 48;
-constexpr std::size_t satellite_name_length = 10;
+constexpr int kSatelliteSlots = 20;
+constexpr std::size_t kSatelliteTuningBytes = 48;
+constexpr std::size_t kSatelliteNameLength = 10;
 
-/** One slot of the satellite locator: tuning data and a name of ten characters. */
+/// One slot of the satellite locator: tuning data and a name of ten characters.
 struct SatelliteSlot {
-    std::array<std::uint8_t, satellite_tuning_bytes> tuning{};
-    std::string name = std::string(satellite_name_length, '*');
+    std::array<std::uint8_t, kSatelliteTuningBytes> tuning{};
+    std::string name = std::string(kSatelliteNameLength, '*');
 
-    /** True when the slot holds no satellite (its name is all asterisks). */
+    /// True when the slot holds no satellite (its name is all asterisks).
     bool empty() const;
 };
 
-/** The slot's S-records S0, S1 (four), S9, each ended by CR. */
+/// The slot's S-records S0, S1 (four), S9, each ended by CR.
 std::string slot_block(int slot, const SatelliteSlot& content);
 
-/** The slot that the meter makes of its present tuning. */
+/// The slot that the meter makes of its present tuning.
 SatelliteSlot learnt_slot(const Settings& settings, std::string_view name);
 
-/** The 20 slots of the locator. */
+/// The 20 slots of the locator.
 class SatelliteTable {
   public:
-    /** A table with some satellites already learnt. */
+    /// A table with some satellites already learnt.
     SatelliteTable();
 
     const SatelliteSlot& at(int slot) const;
     void put(int slot, const SatelliteSlot& content);
     void clear(int slot);
 
-    /** Gives the slot a name, cut or filled with blanks to ten characters. */
+    /// Gives the slot a name, cut or filled with blanks to ten characters.
     void rename(int slot, std::string_view name);
 
   private:
-    std::array<SatelliteSlot, satellite_slots> slots_;
+    std::array<SatelliteSlot, kSatelliteSlots> slots_;
 };
 
-/** Collects the S-records of one block; a bad record spoils the block that it belongs to. */
+/// Collects the S-records of one block; a bad record spoils the block that it belongs to.
 class BlockReceiver {
   public:
     enum class Result { accepted, refused, complete };
 
-    /** Takes the next line of a block. After `complete` the slot and its content can be read. */
+    /// Takes the next line of a block. After `complete` the slot and its content can be read.
     Result take(std::string_view line);
 
     int slot() const { return slot_; }
     const SatelliteSlot& content() const { return content_; }
 
   private:
-    static constexpr std::size_t size = satellite_tuning_bytes + satellite_name_length;
+    static constexpr std::size_t size = kSatelliteTuningBytes + kSatelliteNameLength;
 
     Result take_header(std::string_view text);
     Result take_data(unsigned address, const std::uint8_t* data, std::size_t count);

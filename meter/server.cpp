@@ -18,14 +18,14 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-constexpr auto idle_tick = 100ms;
-constexpr auto time_to_read = 300ms;
-constexpr auto unread_limit = 2s;
-constexpr auto trickle_interval = 250ms;
-constexpr auto fine_wait = 2ms;
-constexpr std::size_t input_limit = 256;
-constexpr std::size_t traced_filler = 256;
-constexpr std::size_t filler_block = 64;
+constexpr auto kIdleTick = 100ms;
+constexpr auto kTimeToRead = 300ms;
+constexpr auto kUnreadLimit = 2s;
+constexpr auto kTrickleInterval = 250ms;
+constexpr auto kFineWait = 2ms;
+constexpr std::size_t kInputLimit = 256;
+constexpr std::size_t kTracedFiller = 256;
+constexpr std::size_t kFillerBlock = 64;
 
 volatile sig_atomic_t stop_requested = 0;
 volatile sig_atomic_t state_requested = 0;
@@ -50,7 +50,7 @@ std::chrono::nanoseconds from_seconds(double seconds) {
         std::chrono::duration<double>(seconds));
 }
 
-/** Sleeps to a point of the monotonic clock, so that late wake-ups do not add up. */
+/// Sleeps to a point of the monotonic clock, so that late wake-ups do not add up.
 void sleep_until(TimePoint when) {
     const auto time = when.time_since_epoch();
     const auto seconds = std::chrono::floor<std::chrono::seconds>(time);
@@ -92,43 +92,36 @@ bool Server::wait_for_input(std::chrono::milliseconds longest) {
 }
 
 void Server::take_input() {
-    if (input_.waiting() < input_limit) {
-        input_.push(line_.read_pending(), Clock::now());
-    }
+    if (input_.waiting() < kInputLimit) input_.push(line_.read_pending(), Clock::now());
 }
 
 bool Server::wait_until(TimePoint when) {
     while (!stopping()) {
         const auto left = when - Clock::now();
-        if (left <= 0ns) {
-            return true;
-        }
-        if (left <= fine_wait) {
+        if (left <= 0ns) return true;
+        if (left <= kFineWait) {
             sleep_until(when);
             continue;
         }
         const auto slice = std::chrono::floor<std::chrono::milliseconds>(left - 1ms);
-        if (input_.waiting() >= input_limit) {
-            std::this_thread::sleep_for(std::min<Clock::duration>(slice, idle_tick));
-        } else if (wait_for_input(std::min<std::chrono::milliseconds>(slice, idle_tick))) {
+        if (input_.waiting() >= kInputLimit)
+            std::this_thread::sleep_for(std::min<Clock::duration>(slice, kIdleTick));
+        else if (wait_for_input(std::min<std::chrono::milliseconds>(slice, kIdleTick)))
             take_input();
-        }
     }
     return false;
 }
 
 bool Server::write_all(std::string_view bytes) {
-    auto give_up = Clock::now() + unread_limit;
+    auto give_up = Clock::now() + kUnreadLimit;
     while (!bytes.empty() && !stopping()) {
         const std::size_t count = line_.write_some(bytes);
         bytes.remove_prefix(count);
         if (count > 0) {
-            give_up = Clock::now() + unread_limit;
+            give_up = Clock::now() + kUnreadLimit;
             continue;
         }
-        if (Clock::now() >= give_up) {
-            return false;
-        }
+        if (Clock::now() >= give_up) return false;
         pollfd output{line_.descriptor(), POLLOUT, 0};
         poll(&output, 1, 10);
         take_input();
@@ -139,9 +132,7 @@ bool Server::write_all(std::string_view bytes) {
 std::size_t Server::send_paced(std::string_view bytes, TimePoint start) {
     std::size_t sent = 0;
     while (sent < bytes.size()) {
-        if (!wait_until(start + pacing_.due(sent))) {
-            return sent;
-        }
+        if (!wait_until(start + pacing_.due(sent))) return sent;
         take_input();
         const std::size_t due = pacing_.due_count(Clock::now() - start, bytes.size());
         const std::size_t end_of_part = std::max(due, sent + 1);
@@ -161,18 +152,16 @@ void Server::send_filler(Ending ending, std::string& sent, TimePoint& last) {
     std::size_t count = 0;
     while (!input_.has_line()) {
         const bool slow = ending == Ending::trickle;
-        const TimePoint due = slow ? Clock::now() + trickle_interval : start + pacing_.due(count);
-        if (!wait_until(due)) {
-            return;
-        }
+        const TimePoint due = slow ? Clock::now() + kTrickleInterval : start + pacing_.due(count);
+        if (!wait_until(due)) return;
         take_input();
-        const std::size_t block = slow || pacing_.paced() ? 1 : filler_block;
+        const std::size_t block = slow || pacing_.paced() ? 1 : kFillerBlock;
         for (std::size_t i = 0; i < block; ++i, ++count) {
             const char byte = filler[count % filler.size()];
             if (line_.write_some({&byte, 1}) == 0) {
                 // Nobody reads; the byte is lost, as on a real line.
                 std::this_thread::sleep_for(1ms);
-            } else if (sent.size() < traced_filler) {
+            } else if (sent.size() < kTracedFiller) {
                 sent += byte;
             }
         }
@@ -185,18 +174,14 @@ void Server::answer(const ReceivedLine& received) {
     const Delivery delivery = instrument_.handle(received.text);
     const TimePoint start =
         std::max(Clock::now(), received.last + delay_) + from_seconds(delivery.wait_seconds);
-    if (delivery.bytes.empty() && delivery.ending == Ending::none) {
-        return;
-    }
-    if (!wait_until(start)) {
-        return;
-    }
+    if (delivery.bytes.empty() && delivery.ending == Ending::none) return;
+    if (!wait_until(start)) return;
     const std::size_t count = send_paced(delivery.bytes, start);
     std::string sent = delivery.bytes.substr(0, count);
     TimePoint last = Clock::now();
     if (delivery.ending == Ending::unplug) {
         // Closing takes away what the other side has not read yet.
-        wait_until(last + time_to_read);
+        wait_until(last + kTimeToRead);
         line_.close();
     } else if (delivery.ending == Ending::close_line) {
         line_.close();
@@ -208,16 +193,13 @@ void Server::answer(const ReceivedLine& received) {
 
 void Server::run() {
     while (!stopping()) {
-        if (wait_for_input(idle_tick)) {
+        if (wait_for_input(kIdleTick))
             take_input();
-        } else {
+        else
             line_.clear_stale_lock();
-        }
         while (!stopping()) {
             const auto received = input_.next();
-            if (!received) {
-                break;
-            }
+            if (!received) break;
             answer(*received);
         }
     }
@@ -225,21 +207,15 @@ void Server::run() {
 }
 
 void Server::write_state() const {
-    if (state_file_.empty()) {
-        return;
-    }
+    if (state_file_.empty()) return;
     // A reader never sees a half-written file.
     const std::string unfinished = state_file_ + ".new";
     std::ofstream file(unfinished, std::ios::binary | std::ios::trunc);
     file << instrument_.state().report();
     file.close();
     std::error_code error;
-    if (file) {
-        std::filesystem::rename(unfinished, state_file_, error);
-    }
-    if (!file || error) {
-        std::fprintf(stderr, "m47-meter: cannot write %s\n", state_file_.c_str());
-    }
+    if (file) std::filesystem::rename(unfinished, state_file_, error);
+    if (!file || error) std::fprintf(stderr, "m47-meter: cannot write %s\n", state_file_.c_str());
 }
 
 }  // namespace meter

@@ -15,15 +15,15 @@
 
 namespace meter {
 
-/** Serves the line with the instrument until SIGINT or SIGTERM arrives. */
+/// Serves the line with the instrument until SIGINT or SIGTERM arrives.
 class Server {
   public:
     Server(const Options& options, PtyLine& line, Instrument& instrument, Trace& trace);
 
-    /** Installs the signal handlers; call it before the device path is announced. */
+    /// Installs the signal handlers; call it before the device path is announced.
     static void catch_signals();
 
-    /** Runs until it is told to end; then writes the state file, if one is wanted. */
+    /// Runs until it is told to end; then writes the state file, if one is wanted.
     void run();
 
   private:

@@ -11,12 +11,12 @@ namespace meter {
 
 namespace {
 
-constexpr double if_low = 920.0;
-constexpr double if_high = 2150.0;
-constexpr double terrestrial_low = 45.0;
-constexpr double terrestrial_high = 862.0;
+constexpr double kIfLow = 920.0;
+constexpr double kIfHigh = 2150.0;
+constexpr double kTerrestrialLow = 45.0;
+constexpr double kTerrestrialHigh = 862.0;
 // A converter with an oscillator below this (C band) works with the oscillator above the band.
-constexpr int oscillator_below_band = 7000;
+constexpr int kOscillatorBelowBand = 7000;
 
 bool within(double value, double low, double high) {
     return value >= low && value <= high;
@@ -25,11 +25,9 @@ bool within(double value, double low, double high) {
 }  // namespace
 
 double Settings::to_shown(double if_frequency) const {
-    if (oscillator.number == 0) {
-        return if_frequency;
-    }
-    return oscillator.mhz < oscillator_below_band ? oscillator.mhz - if_frequency
-                                                  : oscillator.mhz + if_frequency;
+    if (oscillator.number == 0) return if_frequency;
+    return oscillator.mhz < kOscillatorBelowBand ? oscillator.mhz - if_frequency
+                                                 : oscillator.mhz + if_frequency;
 }
 
 double Settings::shown_mhz() const {
@@ -39,16 +37,14 @@ double Settings::shown_mhz() const {
 std::optional<double> Settings::to_if(double mhz) const {
     if (oscillator.number == 0) {
         const bool tunable =
-            within(mhz, if_low, if_high) || within(mhz, terrestrial_low, terrestrial_high);
+            within(mhz, kIfLow, kIfHigh) || within(mhz, kTerrestrialLow, kTerrestrialHigh);
         return tunable ? std::optional(mhz) : std::nullopt;
     }
     const double result =
-        oscillator.mhz < oscillator_below_band ? oscillator.mhz - mhz : mhz - oscillator.mhz;
-    if (within(result, if_low, if_high)) {
-        return result;
-    }
+        oscillator.mhz < kOscillatorBelowBand ? oscillator.mhz - mhz : mhz - oscillator.mhz;
+    if (within(result, kIfLow, kIfHigh)) return result;
     // A frequency of the intermediate band itself is taken as one, oscillator or not.
-    return within(mhz, if_low, if_high) ? std::optional(mhz) : std::nullopt;
+    return within(mhz, kIfLow, kIfHigh) ? std::optional(mhz) : std::nullopt;
 }
 
 std::string frequency_text(double mhz) {

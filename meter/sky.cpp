@@ -10,8 +10,8 @@ namespace meter {
 
 namespace {
 
-constexpr double terrestrial_end_mhz = 900.0;
-constexpr int lowest_high_volt = 16;
+constexpr double kTerrestrialEndMhz = 900.0;
+constexpr int kLowestHighVolt = 16;
 
 double normal_cdf(double x) {
     return 0.5 * std::erfc(-x / std::sqrt(2.0));
@@ -39,9 +39,8 @@ double power_share(const Carrier& carrier, double low_mhz, double high_mhz) {
 double band_power(const Spectrum& spectrum, double low_mhz, double high_mhz) {
     const double centre = (low_mhz + high_mhz) / 2;
     double sum = linear(spectrum.noise_density(centre)) * (high_mhz - low_mhz);
-    for (const Carrier& carrier : spectrum.carriers) {
+    for (const Carrier& carrier : spectrum.carriers)
         sum += linear(carrier.level_dbuv) * power_share(carrier, low_mhz, high_mhz);
-    }
     return decibel(sum);
 }
 
@@ -59,10 +58,9 @@ const Carrier* strongest(const Spectrum& spectrum, double low_mhz, double high_m
 }
 
 const Spectrum& received_spectrum(const Settings& settings) {
-    if (settings.oscillator.number == 0 && settings.if_mhz < terrestrial_end_mhz) {
+    if (settings.oscillator.number == 0 && settings.if_mhz < kTerrestrialEndMhz)
         return terrestrial_spectrum();
-    }
-    const bool high_voltage = settings.lnb_on && settings.lnb_volt >= lowest_high_volt;
+    const bool high_voltage = settings.lnb_on && settings.lnb_volt >= kLowestHighVolt;
     return satellite_spectrum(high_voltage, settings.lnb_on && settings.tone_on);
 }
 

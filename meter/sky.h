@@ -7,7 +7,7 @@
 
 namespace meter {
 
-/** One carrier as it arrives at the meter's input. */
+/// One carrier as it arrives at the meter's input.
 struct Carrier {
     double if_mhz;
     double level_dbuv;
@@ -19,36 +19,34 @@ struct Carrier {
     bool digital() const { return symbol_rate > 0; }
 };
 
-/** What one polarisation and band delivers. */
+/// What one polarisation and band delivers.
 struct Spectrum {
     const char* name;
     std::span<const Carrier> carriers;
     double floor_dbuv_per_mhz;  ///< noise density at 920 MHz
     double tilt_db;             ///< change of the density up to 2150 MHz
 
-    /** Noise density at an IF, dBuV in 1 MHz. */
+    /// Noise density at an IF, dBuV in 1 MHz.
     double noise_density(double if_mhz) const;
 };
 
-/** Share (0..1) of a carrier's power between two IF frequencies. */
+/// Share (0..1) of a carrier's power between two IF frequencies.
 double power_share(const Carrier& carrier, double low_mhz, double high_mhz);
 
-/** Power between two IF frequencies, noise included, dBuV. */
+/// Power between two IF frequencies, noise included, dBuV.
 double band_power(const Spectrum& spectrum, double low_mhz, double high_mhz);
 
-/** The carrier that puts most power between two IF frequencies, or null when none does. */
+/// The carrier that puts most power between two IF frequencies, or null when none does.
 const Carrier* strongest(const Spectrum& spectrum, double low_mhz, double high_mhz);
 
-/** The four spectra of the installation: 13 V / 18 V, each with tone off / on. */
+/// The four spectra of the installation: 13 V / 18 V, each with tone off / on.
 const Spectrum& satellite_spectrum(bool high_voltage, bool tone);
 
-/** The terrestrial input: no aerial is connected, noise only. */
+/// The terrestrial input: no aerial is connected, noise only.
 const Spectrum& terrestrial_spectrum();
 
-/**
- * What the settings let the meter receive. With the LNB supply off the installation is fed by
- * another receiver, which asks for 13 V without tone.
- */
+/// What the settings let the meter receive. With the LNB supply off the installation is fed by
+/// another receiver, which asks for 13 V without tone.
 const Spectrum& received_spectrum(const Settings& settings);
 
 }  // namespace meter

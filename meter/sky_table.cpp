@@ -8,7 +8,7 @@ namespace meter {
 namespace {
 
 // IF MHz, level dBuV, bandwidth MHz, symbol rate kS/s (0 analog), link C/N dB, drift MHz
-constexpr std::array vertical_low{
+constexpr std::array kVerticalLow{
     Carrier{948.0, 62.0, 27.0, 0, 14.2, 0.2},      Carrier{1000.0, 66.0, 33.0, 27500, 13.2, 0.3},
     Carrier{1097.5, 64.5, 26.4, 22000, 12.6, 0.3}, Carrier{1190.0, 58.0, 27.0, 0, 12.8, 0.2},
     Carrier{1275.5, 68.0, 33.0, 27500, 13.6, 0.3}, Carrier{1362.0, 70.5, 36.0, 30000, 12.1, 0.4},
@@ -18,7 +18,7 @@ constexpr std::array vertical_low{
     Carrier{1988.0, 52.0, 5.2, 4340, 11.9, 0.5},   Carrier{2085.0, 57.5, 33.0, 27500, 9.6, 0.5},
 };
 
-constexpr std::array vertical_high{
+constexpr std::array kVerticalHigh{
     Carrier{962.0, 63.0, 33.0, 27500, 12.9, 0.2},  Carrier{1041.5, 67.5, 33.0, 27500, 13.4, 0.2},
     Carrier{1119.0, 59.0, 27.0, 0, 13.0, 0.3},     Carrier{1197.5, 71.0, 33.0, 27500, 14.0, 0.3},
     Carrier{1276.0, 65.0, 36.0, 30000, 11.6, 0.3}, Carrier{1368.5, 60.0, 26.4, 22000, 10.2, 0.3},
@@ -28,7 +28,7 @@ constexpr std::array vertical_high{
     Carrier{2103.0, 56.0, 27.0, 0, 11.2, 0.5},
 };
 
-constexpr std::array horizontal_low{
+constexpr std::array kHorizontalLow{
     Carrier{934.5, 60.5, 26.4, 22000, 11.8, -0.2},  Carrier{1018.0, 69.5, 33.0, 27500, 13.7, -0.2},
     Carrier{1110.0, 73.0, 27.0, 0, 15.3, -0.2},     Carrier{1204.0, 66.5, 33.0, 27500, 12.7, -0.3},
     Carrier{1291.5, 54.0, 5.2, 4340, 10.4, -0.3},   Carrier{1377.0, 78.0, 33.0, 27500, 14.2, -0.3},
@@ -37,7 +37,7 @@ constexpr std::array horizontal_low{
     Carrier{1893.0, 61.5, 27.0, 0, 13.5, -0.4},     Carrier{2021.0, 65.5, 33.0, 27500, 12.5, -0.4},
 };
 
-constexpr std::array horizontal_high{
+constexpr std::array kHorizontalHigh{
     Carrier{953.5, 72.5, 33.0, 27500, 13.8, 0.6},  Carrier{1034.0, 58.5, 27.0, 0, 12.3, 0.6},
     Carrier{1127.0, 85.0, 33.0, 27500, 14.4, 0.6}, Carrier{1222.5, 64.0, 26.4, 22000, 12.0, 0.6},
     Carrier{1318.0, 61.0, 33.0, 27500, 11.1, 0.7}, Carrier{1405.5, 55.5, 7.3, 6111, 10.8, 0.7},
@@ -47,22 +47,22 @@ constexpr std::array horizontal_high{
     Carrier{2126.0, 51.0, 5.2, 4340, 9.3, 0.8},
 };
 
-constexpr Spectrum spectra[2][2] = {
-    {{"13 V, tone off", vertical_low, 22.0, -2.5}, {"13 V, tone on", vertical_high, 22.5, -2.0}},
-    {{"18 V, tone off", horizontal_low, 21.5, -3.0},
-     {"18 V, tone on", horizontal_high, 22.0, -2.0}},
+constexpr Spectrum kSpectra[2][2] = {
+    {{"13 V, tone off", kVerticalLow, 22.0, -2.5}, {"13 V, tone on", kVerticalHigh, 22.5, -2.0}},
+    {{"18 V, tone off", kHorizontalLow, 21.5, -3.0},
+     {"18 V, tone on", kHorizontalHigh, 22.0, -2.0}},
 };
 
-constexpr Spectrum terrestrial{"terrestrial, no aerial", {}, 8.0, 0.0};
+constexpr Spectrum kTerrestrial{"terrestrial, no aerial", {}, 8.0, 0.0};
 
 }  // namespace
 
 const Spectrum& satellite_spectrum(bool high_voltage, bool tone) {
-    return spectra[high_voltage ? 1 : 0][tone ? 1 : 0];
+    return kSpectra[high_voltage ? 1 : 0][tone ? 1 : 0];
 }
 
 const Spectrum& terrestrial_spectrum() {
-    return terrestrial;
+    return kTerrestrial;
 }
 
 }  // namespace meter

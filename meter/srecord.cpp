@@ -5,40 +5,30 @@ namespace meter {
 
 namespace {
 
-constexpr char hex_digits[] = "0123456789ABCDEF";
+constexpr char kHexDigits[] = "0123456789ABCDEF";
 
 std::optional<unsigned> hex_digit(char c) {
-    if (c >= '0' && c <= '9') {
-        return static_cast<unsigned>(c - '0');
-    }
-    if (c >= 'A' && c <= 'F') {
-        return static_cast<unsigned>(c - 'A' + 10);
-    }
-    if (c >= 'a' && c <= 'f') {
-        return static_cast<unsigned>(c - 'a' + 10);
-    }
+    if (c >= '0' && c <= '9') return static_cast<unsigned>(c - '0');
+    if (c >= 'A' && c <= 'F') return static_cast<unsigned>(c - 'A' + 10);
+    if (c >= 'a' && c <= 'f') return static_cast<unsigned>(c - 'a' + 10);
     return std::nullopt;
 }
 
 std::optional<std::vector<std::uint8_t>> hex_bytes(std::string_view text) {
-    if (text.size() % 2 != 0) {
-        return std::nullopt;
-    }
+    if (text.size() % 2 != 0) return std::nullopt;
     std::vector<std::uint8_t> bytes;
     for (std::size_t i = 0; i < text.size(); i += 2) {
         const auto high = hex_digit(text[i]);
         const auto low = hex_digit(text[i + 1]);
-        if (!high || !low) {
-            return std::nullopt;
-        }
+        if (!high || !low) return std::nullopt;
         bytes.push_back(static_cast<std::uint8_t>(*high * 16 + *low));
     }
     return bytes;
 }
 
 void append_hex(std::string& text, unsigned byte) {
-    text += hex_digits[(byte >> 4) & 0xF];
-    text += hex_digits[byte & 0xF];
+    text += kHexDigits[(byte >> 4) & 0xF];
+    text += kHexDigits[byte & 0xF];
 }
 
 }  // namespace
@@ -49,25 +39,15 @@ bool looks_like_srecord(std::string_view line) {
 }
 
 std::optional<SRecord> parse_srecord(std::string_view line) {
-    if (!looks_like_srecord(line)) {
-        return std::nullopt;
-    }
+    if (!looks_like_srecord(line)) return std::nullopt;
     const int type = line[1] - '0';
     const auto bytes = hex_bytes(line.substr(2));
-    if ((type != 0 && type != 1 && type != 9) || !bytes || bytes->size() < 4) {
-        return std::nullopt;
-    }
-    if ((*bytes)[0] != bytes->size() - 1) {
-        return std::nullopt;
-    }
+    if ((type != 0 && type != 1 && type != 9) || !bytes || bytes->size() < 4) return std::nullopt;
+    if ((*bytes)[0] != bytes->size() - 1) return std::nullopt;
     unsigned sum = 0;
-    for (const std::uint8_t byte : *bytes) {
-        sum += byte;
-    }
+    for (const std::uint8_t byte : *bytes) sum += byte;
     // Count, address, data and the checksum itself always add up to FF.
-    if ((sum & 0xFF) != 0xFF) {
-        return std::nullopt;
-    }
+    if ((sum & 0xFF) != 0xFF) return std::nullopt;
     SRecord record;
     record.type = type;
     record.address = (*bytes)[1] * 256U + (*bytes)[2];

@@ -43,9 +43,8 @@ std::string settings_report(const State& state) {
 
 std::string programs_report(const State& state) {
     std::string text = "selected-program " + zero_filled(state.selected_program, 2) + "\n";
-    for (const auto& [number, settings] : state.programs) {
+    for (const auto& [number, settings] : state.programs)
         text += "program " + zero_filled(number, 2) + " " + describe(settings) + "\n";
-    }
     for (const auto& [number, line] : state.logger.table) {
         text += "logger-line " + zero_filled(number, 2) + " " + zero_filled(line.program, 2) + " " +
                 zero_filled(line.state, 2) + "\n";
@@ -55,12 +54,10 @@ std::string programs_report(const State& state) {
 
 std::string satellites_report(const State& state) {
     std::string text;
-    for (int slot = 0; slot < satellite_slots; ++slot) {
+    for (int slot = 0; slot < kSatelliteSlots; ++slot) {
         const SatelliteSlot& content = state.satellites.at(slot);
         text += "slot " + zero_filled(slot, 2) + " name " + content.name + "\n";
-        for (const char c : slot_block(slot, content)) {
-            text += c == '\r' ? '\n' : c;
-        }
+        for (const char c : slot_block(slot, content)) text += c == '\r' ? '\n' : c;
     }
     return text;
 }
@@ -68,11 +65,8 @@ std::string satellites_report(const State& state) {
 std::string logs_report(const State& state) {
     std::string text = "logs " + std::to_string(state.logger.count()) + " bytes " +
                        std::to_string(state.logger.bytes()) + "\n";
-    for (const char c : state.logger.all()) {
-        if (c != '\r') {
-            text += c;
-        }
-    }
+    for (const char c : state.logger.all())
+        if (c != '\r') text += c;
     return text;
 }
 
@@ -93,18 +87,14 @@ State::State(std::string version_text) : version(std::move(version_text)) {
     programs[4] = stored_program(1041.5, true, 27500, 13, true);
     programs[5] = stored_program(1466.0, false, 27500, 18, false);
     programs[6] = stored_program(1127.0, true, 27500, 18, true);
-    for (int line = 1; line <= 6; ++line) {
-        logger.table[line] = {line, line % 3 == 0 ? 0 : 1};
-    }
+    for (int line = 1; line <= 6; ++line) logger.table[line] = {line, line % 3 == 0 ? 0 : 1};
 }
 
 std::vector<std::pair<int, Settings>> State::logged_programs() const {
     std::vector<std::pair<int, Settings>> result;
     for (const auto& [number, line] : logger.table) {
         const auto found = programs.find(line.program);
-        if (line.state == 1 && found != programs.end()) {
-            result.push_back(*found);
-        }
+        if (line.state == 1 && found != programs.end()) result.push_back(*found);
     }
     return result;
 }
@@ -120,9 +110,7 @@ void prefill_logger(State& state, std::optional<std::size_t> bytes, Receiver& re
     const auto filled = [&] {
         return bytes ? state.logger.bytes() >= *bytes : state.logger.count() >= usual_logs;
     };
-    while (!filled()) {
-        state.logger.record(programs, receiver);
-    }
+    while (!filled()) state.logger.record(programs, receiver);
 }
 
 }  // namespace meter

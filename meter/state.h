@@ -16,12 +16,12 @@
 
 namespace meter {
 
-/** Stored oscillators: numbers 1 to 4 in two banks, A and B. */
+/// Stored oscillators: numbers 1 to 4 in two banks, A and B.
 class OscillatorTable {
   public:
     static constexpr int count = 4;
 
-    /** Frequency in MHz of an oscillator that exists (number 1..4, bank A or B). */
+    /// Frequency in MHz of an oscillator that exists (number 1..4, bank A or B).
     int get(int number, char bank) const;
     void set(int number, char bank, int mhz);
 
@@ -32,9 +32,9 @@ class OscillatorTable {
 
 enum class Mode { measuring, error_rate };
 
-/** Everything that the meter keeps between commands. */
+/// Everything that the meter keeps between commands.
 struct State {
-    /** Factory state: some stored programs, logger lines and satellites; no logs yet. */
+    /// Factory state: some stored programs, logger lines and satellites; no logs yet.
     explicit State(std::string version_text);
 
     std::string version;
@@ -52,17 +52,15 @@ struct State {
     int output_mode = 0;
     int diseqc_sent = 0;
 
-    /** The stored programs of the active logger lines, in the order of the lines. */
+    /// The stored programs of the active logger lines, in the order of the lines.
     std::vector<std::pair<int, Settings>> logged_programs() const;
 
-    /** The whole state as readable text. */
+    /// The whole state as readable text.
     std::string report() const;
 };
 
-/**
- * Fills the logger: three logs, or, when `bytes` is given, as many logs as make up that many
- * bytes of text.
- */
+/// Fills the logger: three logs, or, when `bytes` is given, as many logs as make up that many
+/// bytes of text.
 void prefill_logger(State& state, std::optional<std::size_t> bytes, Receiver& receiver);
 
 }  // namespace meter

@@ -17,9 +17,7 @@ bool is_digit(char c) {
 
 std::string trimmed(std::string_view text) {
     const auto first = text.find_first_not_of(" \t");
-    if (first == std::string_view::npos) {
-        return {};
-    }
+    if (first == std::string_view::npos) return {};
     const auto last = text.find_last_not_of(" \t");
     return std::string(text.substr(first, last - first + 1));
 }
@@ -37,47 +35,33 @@ std::vector<std::string> words(std::string_view text) {
 
 std::string upper(std::string_view text) {
     std::string result(text);
-    for (char& c : result) {
-        if (c >= 'a' && c <= 'z') {
-            c = static_cast<char>(c - 'a' + 'A');
-        }
-    }
+    for (char& c : result)
+        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
     return result;
 }
 
 std::optional<int> whole_number(std::string_view text) {
-    if (text.empty() || text.size() > 9 || !std::all_of(text.begin(), text.end(), is_digit)) {
+    if (text.empty() || text.size() > 9 || !std::all_of(text.begin(), text.end(), is_digit))
         return std::nullopt;
-    }
     int value = 0;
-    for (const char c : text) {
-        value = value * 10 + (c - '0');
-    }
+    for (const char c : text) value = value * 10 + (c - '0');
     return value;
 }
 
 std::optional<int> whole_number(std::string_view text, int low, int high) {
     const auto value = whole_number(text);
-    if (!value || *value < low || *value > high) {
-        return std::nullopt;
-    }
+    if (!value || *value < low || *value > high) return std::nullopt;
     return value;
 }
 
 std::optional<double> decimal_number(std::string_view text) {
     const auto point = text.find_first_of(".,");
     const auto whole = whole_number(text.substr(0, point));
-    if (!whole) {
-        return std::nullopt;
-    }
-    if (point == std::string_view::npos) {
-        return *whole;
-    }
+    if (!whole) return std::nullopt;
+    if (point == std::string_view::npos) return *whole;
     const auto digits = text.substr(point + 1);
     const auto part = whole_number(digits);
-    if (!part) {
-        return std::nullopt;
-    }
+    if (!part) return std::nullopt;
     return *whole + *part / std::pow(10.0, static_cast<double>(digits.size()));
 }
 
@@ -100,9 +84,7 @@ std::string exponent_form(double value) {
     std::snprintf(buffer, sizeof buffer, "%.1E", value);
     std::string result = buffer;
     const auto sign = result.find('E') + 1;
-    while (sign + 2 < result.size() && result[sign + 1] == '0') {
-        result.erase(sign + 1, 1);
-    }
+    while (sign + 2 < result.size() && result[sign + 1] == '0') result.erase(sign + 1, 1);
     return result;
 }
 

@@ -8,37 +8,37 @@
 
 namespace meter {
 
-/** The text without leading and trailing blanks. */
+/// The text without leading and trailing blanks.
 std::string trimmed(std::string_view text);
 
-/** The blank-separated words of the text. */
+/// The blank-separated words of the text.
 std::vector<std::string> words(std::string_view text);
 
-/** The text in upper case (ASCII letters only). */
+/// The text in upper case (ASCII letters only).
 std::string upper(std::string_view text);
 
-/** Value of a text of one to nine decimal digits; nothing for any other text. */
+/// Value of a text of one to nine decimal digits; nothing for any other text.
 std::optional<int> whole_number(std::string_view text);
 
-/** As whole_number, and only a value from `low` to `high`. */
+/// As whole_number, and only a value from `low` to `high`.
 std::optional<int> whole_number(std::string_view text, int low, int high);
 
-/** Value of digits with an optional "." or "," part; nothing for any other text. */
+/// Value of digits with an optional "." or "," part; nothing for any other text.
 std::optional<double> decimal_number(std::string_view text);
 
-/** The number with a fixed count of decimals, never "-0.0". */
+/// The number with a fixed count of decimals, never "-0.0".
 std::string fixed(double value, int decimals);
 
-/** The whole number, zero-filled to at least `digits` digits. */
+/// The whole number, zero-filled to at least `digits` digits.
 std::string zero_filled(int value, int digits);
 
-/** One-decimal exponent form with a short exponent, such as 2.0E-4. */
+/// One-decimal exponent form with a short exponent, such as 2.0E-4.
 std::string exponent_form(double value);
 
-/** The text cut or filled with blanks to exactly `width` characters. */
+/// The text cut or filled with blanks to exactly `width` characters.
 std::string blank_filled(std::string_view text, std::size_t width);
 
-/** Printable form of line bytes: <CR>, <LF>, <TAB>, <LT> for "<", <XX> for other codes. */
+/// Printable form of line bytes: <CR>, <LF>, <TAB>, <LT> for "<", <XX> for other codes.
 std::string escaped(std::string_view bytes);
 
 }  // namespace meter

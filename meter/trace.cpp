@@ -21,9 +21,7 @@ std::string trace_line(std::string_view direction, TimePoint first, TimePoint la
 }
 
 bool Trace::open(const std::string& path) {
-    if (path.empty()) {
-        return true;
-    }
+    if (path.empty()) return true;
     file_.open(path, std::ios::trunc);
     return file_.is_open();
 }
@@ -37,9 +35,7 @@ void Trace::sent(TimePoint first, TimePoint last, std::string_view bytes) {
 }
 
 void Trace::write(const std::string& line) {
-    if (file_.is_open()) {
-        file_ << line << std::endl;
-    }
+    if (file_.is_open()) file_ << line << std::endl;
 }
 
 }  // namespace meter

@@ -9,17 +9,15 @@
 
 namespace meter {
 
-/**
- * One trace line: "RX" or "TX", the monotonic times in ms of the first and the last byte, and
- * the bytes in printable form.
- */
+/// One trace line: "RX" or "TX", the monotonic times in ms of the first and the last byte, and
+/// the bytes in printable form.
 std::string trace_line(std::string_view direction, TimePoint first, TimePoint last,
                        std::string_view bytes);
 
-/** Writes trace lines to a file, each flushed at once; without a file it does nothing. */
+/// Writes trace lines to a file, each flushed at once; without a file it does nothing.
 class Trace {
   public:
-    /** Opens the file for writing; an empty path means no trace. False when it cannot be opened. */
+    /// Opens the file for writing; an empty path means no trace. False when it cannot be opened.
     bool open(const std::string& path);
 
     void received(const ReceivedLine& line);

@@ -6,7 +6,7 @@
 
 namespace {
 
-/** The records of a slot as the meter sends them. */
+/// The records of a slot as the meter sends them.
 QList<QByteArray> records(int slot, const meter::SatelliteSlot& content) {
     QByteArray block = QByteArray::fromStdString(meter::slot_block(slot, content));
     block.chop(1);
@@ -15,18 +15,16 @@ QList<QByteArray> records(int slot, const meter::SatelliteSlot& content) {
 
 meter::SatelliteSlot sample_slot() {
     meter::SatelliteSlot slot;
-    for (std::size_t i = 0; i < slot.tuning.size(); ++i) {
+    for (std::size_t i = 0; i < slot.tuning.size(); ++i)
         slot.tuning[i] = static_cast<std::uint8_t>(7 * i + 3);
-    }
     slot.name = "NOVA 7W   ";
     return slot;
 }
 
 QByteArray send(meter::Instrument& instrument, const QList<QByteArray>& lines) {
     QByteArray last;
-    for (const QByteArray& line : lines) {
+    for (const QByteArray& line : lines)
         last = ask(instrument, line.toStdString()).mid(line.size() + 1);
-    }
     return last;
 }
 
@@ -130,9 +128,7 @@ void TestSatellites::learning() {
     QCOMPARE(name_of(instrument, 7), QByteArray("LEARNED 07"));
     const auto& slot = instrument.state().satellites.at(7);
     unsigned kilohertz = 0;
-    for (std::size_t i = 0; i < 4; ++i) {
-        kilohertz = kilohertz * 256 + slot.tuning[i];
-    }
+    for (std::size_t i = 0; i < 4; ++i) kilohertz = kilohertz * 256 + slot.tuning[i];
     QCOMPARE(kilohertz, 1234500U);
     ask(instrument, "ASLLEARN 0");
     QCOMPARE(name_of(instrument, 0), QByteArray("AURORA 13E"));
@@ -168,9 +164,8 @@ void TestSatellites::empty_from_the_start() {
 
 void TestSatellites::block_is_stored() {
     meter::Instrument instrument{meter::Options{}};
-    for (const QByteArray& line : records(3, sample_slot())) {
+    for (const QByteArray& line : records(3, sample_slot()))
         QCOMPARE(ask(instrument, line.toStdString()), line + "\rOK\r");
-    }
     const auto& slot = instrument.state().satellites.at(3);
     QVERIFY(slot.tuning == sample_slot().tuning);
     QCOMPARE(slot.name, std::string("NOVA 7W   "));
@@ -230,4 +225,4 @@ void TestSatellites::other_slots_are_refused() {
 }
 
 QTEST_GUILESS_MAIN(TestSatellites)
-#include "test_satellites.moc"
+#include "satellites_test.moc"

@@ -196,9 +196,7 @@ void TestLine::refused_options_data() {
 void TestLine::refused_options() {
     QFETCH(QStringList, arguments);
     std::vector<std::string> list;
-    for (const QString& argument : arguments) {
-        list.push_back(argument.toStdString());
-    }
+    for (const QString& argument : arguments) list.push_back(argument.toStdString());
     const auto result = parse(list);
     QVERIFY(std::holds_alternative<std::string>(result));
     QVERIFY(std::get<std::string>(result).find('\n') == std::string::npos);
@@ -209,10 +207,9 @@ void TestLine::help_names_every_option() {
     for (const char* word :
          {"--link PATH", "--version-text TEXT", "--logger-bytes N", "--seed N", "--baud-factor X",
           "--delay MS", "--fault KIND[:N]", "--fault-after M", "--fault-on TEXT", "--late SECONDS",
-          "--trace FILE", "--state FILE", "--help", "--version", "--no-satellites", "wrongecho"}) {
+          "--trace FILE", "--state FILE", "--help", "--version", "--no-satellites", "wrongecho"})
         QVERIFY2(help.contains(word), word);
-    }
 }
 
 QTEST_GUILESS_MAIN(TestLine)
-#include "test_line.moc"
+#include "line_test.moc"

@@ -18,14 +18,12 @@
 
 namespace {
 
-/** The program under test, ended at the latest with the test. */
+/// The program under test, ended at the latest with the test.
 class Program {
   public:
     explicit Program(const QStringList& arguments) {
         process_.start(METER_PROGRAM, arguments);
-        if (process_.waitForReadyRead(10000)) {
-            device_ = process_.readLine().trimmed();
-        }
+        if (process_.waitForReadyRead(10000)) device_ = process_.readLine().trimmed();
     }
 
     QByteArray device() const { return device_; }
@@ -33,7 +31,7 @@ class Program {
 
     void signal(int number) { ::kill(static_cast<pid_t>(process_.processId()), number); }
 
-    /** Ends the program as a user does and gives its exit status. */
+    /// Ends the program as a user does and gives its exit status.
     int end() {
         process_.terminate();
         const bool ended = process_.waitForFinished(10000);
@@ -45,7 +43,7 @@ class Program {
     QByteArray device_;
 };
 
-/** An opening of the device, closed at the end of its life. */
+/// An opening of the device, closed at the end of its life.
 class Opening {
   public:
     explicit Opening(const QByteArray& path) : descriptor_(open(path.constData(), flags)) {}
@@ -60,7 +58,7 @@ class Opening {
                  static_cast<ssize_t>(bytes.size()));
     }
 
-    /** What arrives until the text ends with `end`, or until the time in ms is over. */
+    /// What arrives until the text ends with `end`, or until the time in ms is over.
     QByteArray receive(const QByteArray& end, int limit) const {
         QByteArray bytes;
         QElapsedTimer timer;
@@ -417,4 +415,4 @@ void TestProcess::unwritable_trace() {
 }
 
 QTEST_GUILESS_MAIN(TestProcess)
-#include "test_process.moc"
+#include "process_test.moc"

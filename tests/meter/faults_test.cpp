@@ -8,9 +8,7 @@ namespace {
 
 meter::Options with_faults(std::initializer_list<const char*> texts) {
     meter::Options options;
-    for (const char* text : texts) {
-        options.faults.push_back(meter::parse_fault(text).value());
-    }
+    for (const char* text : texts) options.faults.push_back(meter::parse_fault(text).value());
     return options;
 }
 
@@ -19,7 +17,7 @@ meter::Delivery hit(const char* fault, const std::string& command = "ATTEN?") {
     return instrument.handle(command);
 }
 
-const std::string good = "ATTEN?\r6\rOK\r";
+const std::string kGood = "ATTEN?\r6\rOK\r";
 
 bool is_noise(char c) {
     return (static_cast<unsigned char>(c) & 0x80) != 0;
@@ -63,9 +61,8 @@ void TestFaults::every_kind_is_listed() {
     }
     for (const char* name :
          {"error", "silence", "garbage", "partial", "late", "asleep", "drop", "unplug", "noecho",
-          "wrongecho", "noise", "badrecord", "trickle", "endless"}) {
+          "wrongecho", "noise", "badrecord", "trickle", "endless"})
         QCOMPARE(names.count(name), 1);
-    }
 }
 
 void TestFaults::fault_texts_data() {
@@ -119,7 +116,7 @@ void TestFaults::late() {
     options.late_seconds = 4.5;
     meter::Instrument instrument(options);
     const auto delivery = instrument.handle("ATTEN?");
-    QCOMPARE(delivery.bytes, good);
+    QCOMPARE(delivery.bytes, kGood);
     QCOMPARE(delivery.wait_seconds, 4.5);
     QCOMPARE(instrument.handle("ATTEN?").wait_seconds, 0.0);
 }
@@ -132,7 +129,7 @@ void TestFaults::asleep() {
     }
     QVERIFY(instrument.handle("").bytes.empty());
     QVERIFY(!instrument.asleep());
-    QCOMPARE(instrument.handle("ATTEN?").bytes, good);
+    QCOMPARE(instrument.handle("ATTEN?").bytes, kGood);
     QVERIFY(instrument.handle("").bytes.empty());
 }
 
@@ -152,19 +149,17 @@ void TestFaults::drop() {
 
 void TestFaults::unplug() {
     const auto delivery = hit("unplug");
-    QCOMPARE(delivery.bytes, good);
+    QCOMPARE(delivery.bytes, kGood);
     QVERIFY(delivery.ending == meter::Ending::unplug);
 }
 
 void TestFaults::echo_faults() {
     QCOMPARE(hit("noecho").bytes, std::string("6\rOK\r"));
     const std::string bytes = hit("wrongecho").bytes;
-    QCOMPARE(bytes.size(), good.size());
-    QCOMPARE(bytes.substr(6), good.substr(6));
+    QCOMPARE(bytes.size(), kGood.size());
+    QCOMPARE(bytes.substr(6), kGood.substr(6));
     int different = 0;
-    for (std::size_t i = 0; i < 6; ++i) {
-        different += bytes[i] != good[i] ? 1 : 0;
-    }
+    for (std::size_t i = 0; i < 6; ++i) different += bytes[i] != kGood[i] ? 1 : 0;
     QCOMPARE(different, 1);
 }
 
@@ -175,26 +170,22 @@ void TestFaults::noise() {
         QVERIFY(bytes.ends_with("OK\r"));
         QCOMPARE(std::count_if(bytes.begin(), bytes.end(), is_noise), std::ptrdiff_t{3});
         std::erase_if(bytes, is_noise);
-        QCOMPARE(bytes, good);
+        QCOMPARE(bytes, kGood);
     }
 }
 
 void TestFaults::spoilt_record() {
-    QCOMPARE(hit("badrecord").bytes, good);
+    QCOMPARE(hit("badrecord").bytes, kGood);
     meter::Instrument instrument(with_faults({"badrecord:20"}));
     std::string whole;
     std::vector<std::string> spoilt;
-    for (int i = 0; i < 20; ++i) {
-        spoilt.push_back(instrument.handle("MASTERCOPY 6?").bytes);
-    }
+    for (int i = 0; i < 20; ++i) spoilt.push_back(instrument.handle("MASTERCOPY 6?").bytes);
     whole = instrument.handle("MASTERCOPY 6?").bytes;
     for (const std::string& bytes : spoilt) {
         QCOMPARE(bytes.size(), whole.size());
         int differing = 0;
         for (std::size_t at = 0; at < bytes.size(); ++at) {
-            if (bytes[at] == whole[at]) {
-                continue;
-            }
+            if (bytes[at] == whole[at]) continue;
             ++differing;
             const auto line = whole.rfind('\r', at) + 1;
             QCOMPARE(whole.substr(line, 2), std::string("S1"));
@@ -220,13 +211,11 @@ void TestFaults::obeyed_or_not_data() {
     QTest::addColumn<QByteArray>("fault");
     QTest::addColumn<bool>("obeyed");
     for (const char* kind :
-         {"partial", "late", "drop", "unplug", "noecho", "wrongecho", "noise", "badrecord"}) {
+         {"partial", "late", "drop", "unplug", "noecho", "wrongecho", "noise", "badrecord"})
         QTest::newRow(kind) << QByteArray(kind) << true;
-    }
     for (const char* kind :
-         {"error", "commanderror", "silence", "garbage", "asleep", "trickle", "endless"}) {
+         {"error", "commanderror", "silence", "garbage", "asleep", "trickle", "endless"})
         QTest::newRow(kind) << QByteArray(kind) << false;
-    }
 }
 
 void TestFaults::obeyed_or_not() {
@@ -242,16 +231,16 @@ void TestFaults::counts_and_order() {
     QCOMPARE(instrument.handle("ATTEN?").bytes, std::string("ATTEN?\rERROR\r"));
     QCOMPARE(instrument.handle("ATTEN?").bytes, std::string("ATTEN?\rERROR\r"));
     QVERIFY(instrument.handle("ATTEN?").bytes.empty());
-    QCOMPARE(instrument.handle("ATTEN?").bytes, good);
+    QCOMPARE(instrument.handle("ATTEN?").bytes, kGood);
 }
 
 void TestFaults::after() {
     auto options = with_faults({"error"});
     options.fault_after = 2;
     meter::Instrument instrument(options);
-    QCOMPARE(instrument.handle("ATTEN?").bytes, good);
+    QCOMPARE(instrument.handle("ATTEN?").bytes, kGood);
     instrument.handle("");
-    QCOMPARE(instrument.handle("ATTEN?").bytes, good);
+    QCOMPARE(instrument.handle("ATTEN?").bytes, kGood);
     QCOMPARE(instrument.handle("ATTEN?").bytes, std::string("ATTEN?\rERROR\r"));
 }
 
@@ -260,9 +249,9 @@ void TestFaults::only_on() {
     options.fault_on = "UNIT";
     options.fault_after = 1;
     meter::Instrument instrument(options);
-    QCOMPARE(instrument.handle("ATTEN?").bytes, good);
+    QCOMPARE(instrument.handle("ATTEN?").bytes, kGood);
     QCOMPARE(instrument.handle("UNIT 00").bytes, std::string("UNIT 00\rOK\r"));
-    QCOMPARE(instrument.handle("ATTEN?").bytes, good);
+    QCOMPARE(instrument.handle("ATTEN?").bytes, kGood);
     QCOMPARE(instrument.handle("UNIT?").bytes, std::string("UNIT?\rERROR\r"));
     QCOMPARE(instrument.handle("UNIT?").bytes, std::string("UNIT?\r00\rOK\r"));
 }
@@ -276,4 +265,4 @@ void TestFaults::faults_do_not_disturb_the_measures() {
 }
 
 QTEST_GUILESS_MAIN(TestFaults)
-#include "test_faults.moc"
+#include "faults_test.moc"

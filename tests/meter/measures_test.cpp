@@ -210,12 +210,10 @@ void TestMeasures::same_seed_same_answers() {
         options.seed = seed;
         meter::Instrument instrument(options);
         QByteArray all;
-        for (int i = 0; i < 5; ++i) {
+        for (int i = 0; i < 5; ++i)
             for (const char* command :
-                 {"LEVANL?", "LEVDCP?", "LEVCND?", "LEVCNA?", "BERQPSK?", "DATAIN", "DATAOUT"}) {
+                 {"LEVANL?", "LEVDCP?", "LEVCND?", "LEVCNA?", "BERQPSK?", "DATAIN", "DATAOUT"})
                 all += ask(instrument, command);
-            }
-        }
         return all;
     };
     QCOMPARE(run(7), run(7));
@@ -252,4 +250,4 @@ void TestMeasures::spectra_are_plausible() {
 }
 
 QTEST_GUILESS_MAIN(TestMeasures)
-#include "test_measures.moc"
+#include "measures_test.moc"

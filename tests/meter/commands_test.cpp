@@ -246,9 +246,8 @@ void TestCommands::programs_are_stored_and_deleted() {
     meter::Instrument instrument{meter::Options{}};
     for (const char* command : {"CHBW 20", "PROGRAM 07", "LOCOSC 1 09750", "LOCOSC 1", "FREQ 11778",
                                 "MARKER 1 1", "SYMBRATEQPSK 22000", "DISEQC 05", "LNB 01",
-                                "LNVOLT 18", "TONE22K 01", "STORE", "LNB 00"}) {
+                                "LNVOLT 18", "TONE22K 01", "STORE", "LNB 00"})
         QVERIFY2(ask(instrument, command).endsWith("\rOK\r"), command);
-    }
     const auto& programs = instrument.state().programs;
     QVERIFY(programs.contains(7));
     const meter::Settings& stored = programs.at(7);
@@ -359,9 +358,8 @@ void TestCommands::motor() {
     QCOMPARE(drive(" 0705"), -689);
     QCOMPARE(drive(" 11"), 0);
     for (const char* bad :
-         {"", " 12", " 06", " 0600", " 08 12", " 08 00 01", " 08 12 02", " 00 01", " xx"}) {
+         {"", " 12", " 06", " 0600", " 08 12", " 08 00 01", " 08 12 02", " 00 01", " xx"})
         QCOMPARE(drive(bad), -9999);
-    }
     QCOMPARE(ask(instrument, "DISEQCMOT?"), QByteArray("DISEQCMOT?\rCOMMAND ERROR\r"));
 }
 
@@ -399,9 +397,8 @@ void TestCommands::state_report() {
     meter::Instrument instrument{meter::Options{}};
     for (const char* command :
          {"PROGRAM 33", "FREQ 1810", "STORE", "LOGO OUR METER", "BERQPSK", "DATAPROGRAM 20 33 01",
-          "ASLNAME 03 NOVA 7W", "DISEQC 10", "DISEQCMOT 08 05 01", "LOCOSC 4 B 11111"}) {
+          "ASLNAME 03 NOVA 7W", "DISEQC 10", "DISEQCMOT 08 05 01", "LOCOSC 4 B 11111"})
         QVERIFY2(ask(instrument, command).endsWith("\rOK\r"), command);
-    }
     const QString report = QString::fromStdString(instrument.state().report());
     for (const char* line :
          {"version V3.1.0 PLUS", "mode ber", "oscillators B 10600 09750 05150 11111",
@@ -420,4 +417,4 @@ void TestCommands::state_report() {
 }
 
 QTEST_GUILESS_MAIN(TestCommands)
-#include "test_commands.moc"
+#include "commands_test.moc"
