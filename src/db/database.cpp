@@ -5,6 +5,7 @@
 
 #include "database_check.h"
 #include "engine.h"
+#include "fields.h"
 #include "tables.h"
 
 namespace m47 {
@@ -17,7 +18,7 @@ bool find_plan(Recordset& plans, const QString& name) {
     if (plans.empty()) return false;
     const QString wanted = stored_plan_name(name);
     for (plans.move_first(); !plans.end_of_set(); plans.move_next())
-        if (stored_plan_name(plans.text(QStringLiteral("nome"))) == wanted) return true;
+        if (stored_plan_name(plans.text(field::kNome)) == wanted) return true;
     return false;
 }
 
@@ -66,14 +67,14 @@ Recordset Database::of_plan(const QString& table, const QString& plan) const {
     const QString name = stored_plan_name(plan);
     // The engine knows the capitals of ASCII alone. The name itself stands for the rows to come.
     QStringList spellings{name};
-    Query query(
-        connection(),
-        QStringLiteral("SELECT DISTINCT nome FROM %1").arg(QLatin1String(table_named(table).name)));
+    Query query(connection(),
+                QStringLiteral("SELECT DISTINCT %1 FROM %2")
+                    .arg(QLatin1String(field::kNome), QLatin1String(table_named(table).name)));
     while (query.next()) {
         const QString found = query.value(0).toString();
         if (found != name && stored_plan_name(found) == name) spellings += found;
     }
-    return Recordset::where_any(connection(), table, QStringLiteral("nome"), spellings);
+    return Recordset::where_any(connection(), table, field::kNome, spellings);
 }
 
 }  // namespace m47

@@ -12,6 +12,7 @@
 #include "database.h"
 
 #include "engine.h"
+#include "fields.h"
 #include "schema.h"
 #include "tables.h"
 
@@ -94,7 +95,8 @@ void fill(const QString& path) {
         for (const QString& statement : creation_statements(table)) Query(database, statement);
     for (const char* table : {table::kGruppo, table::kConfigurazione, table::kProgrammi})
         Query(database,
-              QStringLiteral("INSERT INTO %1 (nome) VALUES (?)").arg(QLatin1String(table)),
+              QStringLiteral("INSERT INTO %1 (%2) VALUES (?)")
+                  .arg(QLatin1String(table), QLatin1String(field::kNome)),
               {kFirstPlan});
     Query(database, QStringLiteral("COMMIT"));
 }

@@ -5,6 +5,7 @@
 #include <array>
 
 #include "fault.h"
+#include "fields.h"
 #include "tables.h"
 
 namespace m47 {
@@ -13,77 +14,77 @@ namespace {
 using enum FieldKind;
 
 // One row a plan. A plan's name is kept trimmed and in upper case and ties the tables together.
-constexpr std::array kGruppo{Field{"nome", text}};
-constexpr std::array kGruppoIndices{Index{"nome", true}};
+constexpr std::array kGruppo{Field{field::kNome, text}};
+constexpr std::array kGruppoIndices{Index{{field::kNome}, true}};
 
 // One row a plan: what its programs share.
 constexpr std::array kConfigurazione{
-    Field{"nome", text},
+    Field{field::kNome, text},
     // The local oscillators its programs choose from, MHz.
-    Field{"loc_osc1", number},
-    Field{"loc_osc2", number},
-    Field{"loc_osc3", number},
-    Field{"loc_osc4", number},
+    Field{field::kOscillators[0], number},
+    Field{field::kOscillators[1], number},
+    Field{field::kOscillators[2], number},
+    Field{field::kOscillators[3], number},
     // The plan's own switch entries, in the order of the list.
-    Field{"user_sc0", text},
-    Field{"user_sc1", text},
-    Field{"user_sc2", text},
-    Field{"user_sc3", text},
+    Field{field::kUserSwitches[0], text},
+    Field{field::kUserSwitches[1], text},
+    Field{field::kUserSwitches[2], text},
+    Field{field::kUserSwitches[3], text},
 };
-constexpr std::array kConfigurazioneIndices{Index{"nome", false}};
+constexpr std::array kConfigurazioneIndices{Index{{field::kNome}, false}};
 
 // One row a program of a plan. Texts that hold a number are kept as they stand on the screen.
 constexpr std::array kProgrammi{
-    Field{"nome", text},
+    Field{field::kNome, text},
     // Number in the meter, "000" to "099"; unique within the plan.
-    Field{"pg_num", text},
+    Field{field::kPgNum, text},
     // Tuning frequency, MHz with one decimal; the sky frequency unless `loc_osc`.
-    Field{"frequenza", number},
+    Field{field::kFrequenza, number},
     // Direct tuning; otherwise through the plan's local oscillator number `loc_osc0` (0 to 3).
-    Field{"loc_osc", boolean},
-    Field{"loc_osc0", whole},
+    Field{field::kLocOsc, boolean},
+    Field{field::kLocOsc0, whole},
     // 1: digital (QPSK) acquisition; 0: analog.
-    Field{"sat_ad", whole},
+    Field{field::kSatAd, whole},
     // kS/s.
-    Field{"qpsk_symbolrate", text},
+    Field{field::kQpskSymbolrate, text},
     // Bandwidth of the channel power measurement, MHz.
-    Field{"satchbw", number},
+    Field{field::kSatchbw, number},
     // Places in the list of DiSEqC commands.
-    Field{"diseqc_cmd", whole},
-    Field{"diseqc_cmd2", whole},
+    Field{field::kDiseqcCmd, whole},
+    Field{field::kDiseqcCmd2, whole},
     // LNB supply: 0 off, 1 13 V, 2 18 V; the 22 kHz tone: 0 off, 1 on.
-    Field{"lnb_volt", whole},
-    Field{"K22", whole},
+    Field{field::kLnbVolt, whole},
+    Field{field::kK22, whole},
     // Line in the meter's logger table, two digits or empty; unique within the plan.
-    Field{"logger_pos", text},
+    Field{field::kLoggerPos, text},
     // 1: active in the meter's logger table; 1: takes part in monitored acquisition.
-    Field{"logger_state", whole},
-    Field{"monitor_state", whole},
+    Field{field::kLoggerState, whole},
+    Field{field::kMonitorState, whole},
     // Alarm limits: level in the unit of the screen, C/N in dB, channel BER such as "1E-8", MER
     // in dB.
-    Field{"lev_min", text},
-    Field{"lev_max", text},
-    Field{"noise_min", text},
-    Field{"noise_max", text},
-    Field{"chber_min", text},
-    Field{"chber_max", text},
-    Field{"mer_min", text},
-    Field{"mer_max", text},
+    Field{field::kLevMin, text},
+    Field{field::kLevMax, text},
+    Field{field::kNoiseMin, text},
+    Field{field::kNoiseMax, text},
+    Field{field::kChberMin, text},
+    Field{field::kChberMax, text},
+    Field{field::kMerMin, text},
+    Field{field::kMerMax, text},
 };
 // Number and position are unique by the checks of the plan screen, which may let a duplicate
 // through: the file must not refuse what the screen stores.
 constexpr std::array kProgrammiIndices{
-    Index{"nome", false},
-    Index{"nome, pg_num", false},
-    Index{"nome, logger_pos", false},
+    Index{{field::kNome}, false},
+    Index{{field::kNome, field::kPgNum}, false},
+    Index{{field::kNome, field::kLoggerPos}, false},
 };
 
 // One row a satellite kept on the PC: its name and its slot's data block as S-records.
 constexpr std::array kAsl{
-    Field{"nome", text},
-    Field{"dati", text},
+    Field{field::kNome, text},
+    Field{field::kDati, text},
 };
-constexpr std::array kAslIndices{Index{"nome", false}};
+constexpr std::array kAslIndices{Index{{field::kNome}, false}};
 
 const std::array kTables{
     Table{table::kProgrammi, kProgrammi, kProgrammiIndices},
@@ -105,10 +106,17 @@ const char* storage_of(FieldKind kind) {
     return "INTEGER";
 }
 
+QString fields_of_index(const Index& index) {
+    QStringList names;
+    for (const char* name : index.fields)
+        if (name != nullptr) names += QString::fromLatin1(name);
+    return names.join(QStringLiteral(", "));
+}
+
 QString index_statement(const Table& table, const Index& index, qsizetype number) {
     return QStringLiteral("CREATE %1INDEX %2_%3 ON %2 (%4)")
         .arg(QLatin1String(index.unique ? "UNIQUE " : ""), QLatin1String(table.name),
-             QString::number(number), QLatin1String(index.fields));
+             QString::number(number), fields_of_index(index));
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <array>
 #include <cstddef>
 #include <span>
 
@@ -23,7 +24,7 @@ struct Field {
 
 /// A look-up that is quick; a unique one also refuses a second row of the same key.
 struct Index {
-    const char* fields;
+    std::array<const char*, 2> fields;  ///< the second may be missing
     bool unique;
 };
 

@@ -6,6 +6,7 @@
 #include <cstdio>
 
 #include "clash_dialog.h"
+#include "fields.h"
 #include "file_question.h"
 #include "import_apply.h"
 #include "import_report.h"
@@ -24,13 +25,12 @@ constexpr Bilingual kFileKinds{"Old databases (*.mdb *.MDB);;All files (*)",
 /// Reads the shared sets anew; the plan that the screens step on from stays the same.
 void refresh_sets(Database& database) {
     Recordset& plans = database.gruppo();
-    const QString field = QStringLiteral("nome");
     const bool on_plan = !plans.begin_of_set() && !plans.end_of_set();
-    const QString plan = on_plan ? plans.text(field) : QString();
+    const QString plan = on_plan ? plans.text(field::kNome) : QString();
     for (Recordset* set :
          {&plans, &database.programmi(), &database.configurazione(), &database.asl()})
         set->requery();
-    if (on_plan) plans.find_first(field, plan);
+    if (on_plan) plans.find_first(field::kNome, plan);
 }
 
 bool anything_clashes(const ImportPlan& plan) {

@@ -14,47 +14,10 @@
 #include "fake_port.h"
 #include "fault.h"
 #include "plan_upload.h"
+#include "sample_programs.h"
 #include "table_backup.h"
 
 namespace m47 {
-namespace {
-
-ProgramRecord direct_program() {
-    ProgramRecord program;
-    program.pg_num = QStringLiteral("007");
-    program.frequenza = QStringLiteral("1234.5");
-    program.loc_osc = true;
-    program.satchbw = QStringLiteral("36");
-    program.diseqc_cmd = 73;
-    program.logger_pos = QStringLiteral("03");
-    return program;
-}
-
-ProgramRecord digital_program() {
-    ProgramRecord program = direct_program();
-    program.pg_num = QStringLiteral("008");
-    program.frequenza = QStringLiteral("11778");
-    program.loc_osc = false;
-    program.loc_osc0 = 1;
-    program.sat_ad = true;
-    program.qpsk_symbolrate = QStringLiteral("27500");
-    program.diseqc_cmd = 5;
-    program.lnb_volt = 2;
-    program.K22 = 1;
-    program.logger_pos = QStringLiteral("04");
-    program.logger_state = true;
-    return program;
-}
-
-const Oscillators kKu{QStringLiteral("9750"), QStringLiteral("10600"), QString(), QString()};
-const QStringList kDigitalCommands{"PROGRAM 08", "LOCOSC 2 10600",      "LOCOSC 2",  "FREQ 11778",
-                                   "MARKER 1 1", "SYMBRATEQPSK 27500",  "DISEQC 05", "LNB 01",
-                                   "LNVOLT 18",  "TONE22K 01",          "STORE",     "LNB 00",
-                                   "TONE22K 00", "DATAPROGRAM 04 08 01"};
-const QStringList kDirectCommands{"PROGRAM 07", "LOCOSC 0", "FREQ 1234.5", "MARKER 1 0",
-                                  "DISEQC 73",  "LNB 00",   "TONE22K 00",  "STORE"};
-
-}  // namespace
 
 class UploadTest : public QObject {
     Q_OBJECT
@@ -93,60 +56,8 @@ class UploadTest : public QObject {
         port_.take_commands();
     }
 
-    void a_program_tuned_directly() {
-        QCOMPARE(commands_of_program(direct_program(), kKu), kDirectCommands);
-    }
-
-    void a_program_through_an_oscillator() {
-        QCOMPARE(commands_of_program(digital_program(), kKu), kDigitalCommands);
-    }
-
-    void the_first_oscillator_has_number_one() {
-        ProgramRecord program = digital_program();
-        program.loc_osc0 = 0;
-        QCOMPARE(commands_of_program(program, kKu).mid(1, 2),
-                 QStringList({"LOCOSC 1 09750", "LOCOSC 1"}));
-    }
-
-    void an_oscillator_entry_that_is_not_there_counts_as_the_first() {
-        ProgramRecord program = digital_program();
-        for (const int none : {-1, 4, 7}) {
-            program.loc_osc0 = none;
-            QCOMPARE(commands_of_program(program, kKu).mid(1, 2),
-                     QStringList({"LOCOSC 1 09750", "LOCOSC 1"}));
-        }
-    }
-
-    void thirteen_volts_and_no_tone() {
-        ProgramRecord program = digital_program();
-        program.lnb_volt = 1;
-        program.K22 = 0;
-        QCOMPARE(commands_of_program(program, kKu).mid(7),
-                 QStringList({"LNB 01", "LNVOLT 13", "TONE22K 00", "STORE", "LNB 00",
-                              "DATAPROGRAM 04 08 01"}));
-    }
-
-    void a_frequency_goes_out_with_a_full_stop_and_one_decimal() {
-        QLocale::setDefault(QLocale(QLocale::Italian));
-        ProgramRecord program = direct_program();
-        program.frequenza = QStringLiteral("503.25");
-        QCOMPARE(commands_of_program(program, kKu)[2], QStringLiteral("FREQ 0503.3"));
-        program.frequenza = QStringLiteral("503,2");
-        QCOMPARE(commands_of_program(program, kKu)[2], QStringLiteral("FREQ 0503.2"));
-    }
-
-    void empty_fields_go_out_as_zero() {
-        QCOMPARE(commands_of_program(ProgramRecord(), Oscillators()),
-                 QStringList({"PROGRAM 00", "LOCOSC 1 00000", "LOCOSC 1", "FREQ 00000",
-                              "MARKER 1 0", "DISEQC 00", "LNB 00", "TONE22K 00", "STORE"}));
+    void an_empty_plan_sends_zero() {
         QCOMPARE(plan_commands({{}, {}, {}, 0}), QStringList({"CHBW 00", "UNIT 00"}));
-    }
-
-    void an_active_program_without_a_position_takes_line_0() {
-        ProgramRecord program = digital_program();
-        program.logger_pos.clear();
-        QCOMPARE(commands_of_program(program, kKu).constLast(),
-                 QStringLiteral("DATAPROGRAM 00 08 01"));
     }
 
     void each_mode_begins_in_its_way() {

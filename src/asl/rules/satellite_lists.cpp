@@ -9,13 +9,12 @@
 #include "commands.h"
 #include "engine.h"
 #include "fault.h"
+#include "fields.h"
 #include "numbers.h"
 
 namespace m47 {
 namespace {
 
-const QString kNome = QStringLiteral("nome");
-const QString kDati = QStringLiteral("dati");
 constexpr int kNoPlace = -1;
 
 QString entry(const QStringList& list, int place) {
@@ -66,7 +65,7 @@ void SatelliteLists::visualizza_listadb() {
         if (asl_.empty()) return;
         asl_.move_last();
         for (asl_.move_first(); !asl_.end_of_set(); asl_.move_next()) {
-            panel.listadb += asl_.text(kNome);
+            panel.listadb += asl_.text(field::kNome);
             records_.push_back(asl_.bookmark());
         }
     } catch (const EngineFault&) {
@@ -123,15 +122,15 @@ void SatelliteLists::cmdsave_Click() {
     const int slot = slot_to_program(selected_pc_name());
     if (slot < 0) return;
     panel.listastr[slot] = panel.listadb[place];
-    const QString block = send_slot(slot, asl_.text(kDati));
-    name_slot(slot, asl_.text(kNome));
+    const QString block = send_slot(slot, asl_.text(field::kDati));
+    name_slot(slot, asl_.text(field::kNome));
     visualizza_listastr(Modo::patch, block);
 }
 
 /// False, with a message, where the current record would reach the meter as something else.
 bool SatelliteLists::can_be_sent() {
-    const bool name_fits = fits_the_line(asl_.text(kNome));
-    const bool has_data = !without_blanks(asl_.text(kDati)).isEmpty();
+    const bool name_fits = fits_the_line(asl_.text(field::kNome));
+    const bool has_data = !without_blanks(asl_.text(field::kDati)).isEmpty();
     if (!name_fits)
         questions_.warn(QString::fromLatin1(asl_text::kTitle),
                         program_.texts.message(kInvalidSatelliteName));
@@ -156,7 +155,7 @@ void SatelliteLists::cmdaddindb_Click() {
     if (!is_place(panel.listastr, slot) || name == kNoSatellite) return;
     // Others may have stored it meanwhile: it is not to come in twice unasked.
     asl_.requery();
-    const bool known = asl_.find_first(kNome, name);
+    const bool known = asl_.find_first(field::kNome, name);
     if (known && !confirm(asl_text::kTitle, kSatelliteExistsRestore, u' ' + name)) return;
     const QString block = block_in_copy(program_.master_copy, slot);
     if (!header_in_copy(program_.master_copy, slot) || !SlotBlock::parse(block)) {
@@ -170,8 +169,8 @@ void SatelliteLists::cmdaddindb_Click() {
         if (!asl_.empty()) asl_.move_last();
         asl_.add_new();
     }
-    asl_.set(kNome, name);
-    asl_.set(kDati, block);
+    asl_.set(field::kNome, name);
+    asl_.set(field::kDati, block);
     asl_.update();
     visualizza_listadb();
 }
@@ -183,7 +182,7 @@ void SatelliteLists::cmddelpc_Click() {
     asl_.requery();
     if (asl_.count() <= 1) return;
     if (!confirm(asl_text::kDeleteTitle, kDeleteSatellite, name)) return;
-    if (asl_.find_first(kNome, name)) asl_.remove();
+    if (asl_.find_first(field::kNome, name)) asl_.remove();
     asl_.requery();
     visualizza_listadb();
 }
@@ -215,7 +214,7 @@ QStringList SatelliteLists::stored_blocks() {
     QStringList blocks;
     for (const Bookmark record : records_) {
         asl_.go_to(record);
-        blocks += asl_.text(kDati);
+        blocks += asl_.text(field::kDati);
     }
     return blocks;
 }

@@ -3,17 +3,17 @@
 
 #include "database_transaction.h"
 #include "engine.h"
+#include "fields.h"
 #include "tables.h"
 
 namespace m47 {
 namespace {
 
-const QString kPlanKey = QStringLiteral("nome");
-
 QStringList names_in_table(Database& database, const char* table) {
     QStringList names;
-    Query query(database.connection(),
-                QStringLiteral("SELECT nome FROM %1").arg(QLatin1String(table)));
+    Query query(
+        database.connection(),
+        QStringLiteral("SELECT %1 FROM %2").arg(QLatin1String(field::kNome), QLatin1String(table)));
     // A plan is the same in whatever letters another program has written its name.
     const bool plans = QLatin1String(table) == QLatin1String(table::kGruppo);
     while (query.next()) {
@@ -25,7 +25,7 @@ QStringList names_in_table(Database& database, const char* table) {
 
 void add(Recordset& set, const QString& name, const ImportedRow& fields) {
     set.add_new();
-    set.set(kPlanKey, name);
+    set.set(field::kNome, name);
     for (auto field = fields.begin(); field != fields.end(); ++field)
         set.set(field.key(), field.value());
     set.update();
@@ -76,8 +76,8 @@ void write_satellite(const ImportedSatellite& satellite, const QString& name, bo
                      Database& database) {
     // A satellite, other than a plan, is another one in other letters.
     Recordset set =
-        Recordset::where(database.connection(), QLatin1String(table::kAsl), kPlanKey, name);
-    const ImportedRow fields{{QStringLiteral("dati"), satellite.data}};
+        Recordset::where(database.connection(), QLatin1String(table::kAsl), field::kNome, name);
+    const ImportedRow fields{{field::kDati, satellite.data}};
     if (!replaces) {
         add(set, name, fields);
         return;

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "cut_text.h"
+#include "fields.h"
 #include "import_values.h"
 #include "schema.h"
 #include "tables.h"
@@ -12,9 +13,6 @@
 namespace m47 {
 namespace {
 
-const QString kNameField = QStringLiteral("nome");
-const QString kNumberField = QStringLiteral("pg_num");
-const QString kPositionField = QStringLiteral("logger_pos");
 // Stands for no satellite in the lists of the meter and of the program.
 const QString kNoSatellite = QStringLiteral("**********");
 // The last line of a satellite's data.
@@ -66,7 +64,7 @@ class OldRow {
             if (table_.fields[k].compare(field, Qt::CaseInsensitive) == 0) return values_.value(k);
         return {};
     }
-    QString name() const { return shown_value(value(kNameField)); }
+    QString name() const { return shown_value(value(field::kNome)); }
 
   private:
     const OldTable& table_;
@@ -169,7 +167,7 @@ class Importer {
         ImportedRow fields;
         for (const Field& field : table_named(QLatin1String(table)).fields) {
             const QString name = QString::fromLatin1(field.name);
-            if (name == kNameField) continue;
+            if (name == field::kNome) continue;
             const QVariant old = row.value(name);
             const ImportedValue now = value_for(field, old);
             if (!now.value.isNull()) fields.insert(name, now.value);
@@ -199,7 +197,7 @@ class Importer {
     void take_programs() {
         for_rows(table::kProgrammi, [&](const OldRow& row) {
             ImportedPlan& plan = plan_of_row(row);
-            const QStringList told{plan.name, shown_value(row.value(kNumberField))};
+            const QStringList told{plan.name, shown_value(row.value(field::kPgNum))};
             plan.programs += fields_of(table::kProgrammi, row, kValueChanged, told);
         });
     }
@@ -211,7 +209,7 @@ class Importer {
             plan.programs += ImportedRow();
             plan_.corrected += {kNoProgram, {plan.name}};
         }
-        for (const QString& field : {kNumberField, kPositionField}) tell_twins(plan, field);
+        for (const char* field : {field::kPgNum, field::kLoggerPos}) tell_twins(plan, field);
     }
 
     void tell_twins(const ImportedPlan& plan, const QString& field) {
@@ -248,7 +246,7 @@ class Importer {
     }
 
     void take_data(const OldRow& row, ImportedSatellite& satellite) {
-        const QVariant data = row.value(QStringLiteral("dati"));
+        const QVariant data = row.value(field::kDati);
         if (!data.isNull()) satellite.data = shown_value(data);
         if (!satellite.data.toString().trimmed().endsWith(kEndOfData))
             plan_.to_check += {kOddData, {satellite.name}};

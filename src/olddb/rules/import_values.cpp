@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "diseqc_commands.h"
+#include "fields.h"
 
 namespace m47 {
 namespace {
@@ -19,7 +20,8 @@ struct NumberKey {
     int maximum;
     int digits;
 };
-constexpr std::array kNumberKeys{NumberKey{"pg_num", 0, 99, 3}, NumberKey{"logger_pos", 1, 41, 2}};
+constexpr std::array kNumberKeys{NumberKey{field::kPgNum, 0, 99, 3},
+                                 NumberKey{field::kLoggerPos, 1, 41, 2}};
 
 /// A whole number that stands for one of `choices` places of a list.
 struct Choice {
@@ -27,10 +29,10 @@ struct Choice {
     int choices;
 };
 constexpr std::array kChoices{
-    Choice{"loc_osc0", 4},
-    Choice{"lnb_volt", 3},
-    Choice{"diseqc_cmd", static_cast<int>(kDiseqcCommands.size())},
-    Choice{"diseqc_cmd2", static_cast<int>(kDiseqcCommands.size())},
+    Choice{field::kLocOsc0, static_cast<int>(field::kOscillators.size())},
+    Choice{field::kLnbVolt, 3},
+    Choice{field::kDiseqcCmd, static_cast<int>(kDiseqcCommands.size())},
+    Choice{field::kDiseqcCmd2, static_cast<int>(kDiseqcCommands.size())},
 };
 // The other whole numbers are 0 or 1.
 
@@ -83,7 +85,7 @@ ImportedValue number_value(const Field& field, const QVariant& old) {
     bool good = false;
     const double number = number_of(old, good);
     if (!good) return {QVariant(), Verdict::corrected};
-    if (qstrcmp(field.name, "frequenza") != 0) return {number, Verdict::as_it_was};
+    if (qstrcmp(field.name, field::kFrequenza) != 0) return {number, Verdict::as_it_was};
     const double rounded = std::round(number * kFrequencySteps) / kFrequencySteps;
     return {rounded, qFuzzyCompare(rounded, number) ? Verdict::as_it_was : Verdict::corrected};
 }

@@ -7,6 +7,7 @@
 #include <span>
 #include <vector>
 
+#include "fields.h"
 #include "jet_values.h"
 #include "schema.h"
 
@@ -31,7 +32,6 @@ constexpr qsizetype kMapBitsAt = 5;
 constexpr qsizetype kMapListAt = 1;
 constexpr qsizetype kMapPageBitsAt = 4;
 constexpr const char* kCatalog = "MSysObjects";
-constexpr const char* kRowName = "nome";
 
 qint64 pages_in(MdbHandle* handle) {
     if (std::fseek(handle->f->stream, 0, SEEK_END) != 0) throw JetDamage("no end of the file");
@@ -135,8 +135,8 @@ OldTable rows_of(MdbTableDef* table, OldDatabase& database) {
     const auto columns = usable_columns(table, database);
     for (const MdbColumn* column : columns) result.fields += QString::fromUtf8(column->name);
     // What else it holds is the importer's business, but this is what its rows are told by.
-    if (!result.fields.contains(QLatin1String(kRowName), Qt::CaseInsensitive))
-        throw JetDamage(std::string("table ") + table->name + " has no field " + kRowName);
+    if (!result.fields.contains(QLatin1String(field::kNome), Qt::CaseInsensitive))
+        throw JetDamage(std::string("table ") + table->name + " has no field " + field::kNome);
     mdb_rewind_table(table);
     while (mdb_fetch_row(table)) {
         const std::vector<MdbField> fields = fields_of_row(table);

@@ -4,15 +4,14 @@
 #include <algorithm>
 
 #include "database_transaction.h"
-#include "free_places.h"
+#include "fields.h"
 #include "plan_sets.h"
 #include "program_checks.h"
 #include "tables.h"
+#include "used_numbers.h"
 
 namespace m47 {
 namespace {
-
-const QString kCopiedPlan = QStringLiteral("nome");
 
 /// Fields that the copy of a row has of its own.
 using OwnFields = QMap<QString, QVariant>;
@@ -43,13 +42,13 @@ void find_number_and_line(const std::vector<ProgramRecord>& others, ProgramRecor
         UsedNumbers used;
         for (const ProgramRecord& other : others) used.take(other);
         record.pg_num = used.first_free();
-        own[QStringLiteral("pg_num")] = record.pg_num;
+        own[field::kPgNum] = record.pg_num;
     }
     if (find_clash(others, record) != Clash::logger_position) return;
     record.logger_pos = next_logger_position(others);
-    own[QStringLiteral("logger_pos")] = record.logger_pos;
+    own[field::kLoggerPos] = record.logger_pos;
     // Without a line it cannot be active in the table.
-    if (record.logger_pos.isEmpty()) own[QStringLiteral("logger_state")] = 0;
+    if (record.logger_pos.isEmpty()) own[field::kLoggerState] = 0;
 }
 
 ImportProblem find_oscillator(const ProgramRecord& record, const Oscillators& known,
@@ -58,7 +57,7 @@ ImportProblem find_oscillator(const ProgramRecord& record, const Oscillators& kn
     if (record.loc_osc || known[entry].isEmpty()) return ImportProblem::none;
     const auto place = place_oscillator(copy.oscillators, static_cast<int>(entry), known[entry]);
     if (!place) return ImportProblem::no_oscillator;
-    copy.own[QStringLiteral("loc_osc0")] = *place;
+    copy.own[field::kLocOsc0] = *place;
     return ImportProblem::none;
 }
 
@@ -71,7 +70,7 @@ void PlanSets::copy_plan(const QString& name) {
             Recordset from = database_.of_plan(QString::fromLatin1(table), plan_);
             Recordset to = database_.of_plan(QString::fromLatin1(table), name);
             for (; !from.end_of_set(); from.move_next())
-                copy_row(from, to, table, {{kCopiedPlan, name}});
+                copy_row(from, to, table, {{field::kNome, name}});
         }
     });
     show_plan(name);
@@ -81,7 +80,7 @@ ImportProblem PlanSets::copy_program(const QString& name) {
     need_plan();
     ProgramRecord record = program();
     std::vector<ProgramRecord> others = programs_of(name, std::nullopt);
-    ProgramCopy copy{.own = {{kCopiedPlan, name}}, .oscillators = oscillators_of(name)};
+    ProgramCopy copy{.own = {{field::kNome, name}}, .oscillators = oscillators_of(name)};
     // The program that a new plan starts with makes room, unless it is the one to be copied.
     copy.replaces_blank = name != plan_ && others.size() == 1 && is_blank(others.front());
     if (copy.replaces_blank) others.clear();

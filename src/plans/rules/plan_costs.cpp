@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "box_numbers.h"
+
 namespace m47 {
 namespace {
 

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plan_file.h"
 
+#include "box_numbers.h"
+#include "fields.h"
 #include "numbers.h"
 #include "program_checks.h"
 #include "scan_table.h"
 
 namespace m47 {
 namespace {
-
-const QString kPlanColumn = QStringLiteral("nome");
 
 QString quoted(QString cell, QChar separator) {
     const bool plain = !cell.contains(separator) && !cell.contains(u'"') && !cell.contains(u'\n') &&
@@ -24,7 +24,7 @@ QString line_of(const QStringList& cells, QChar separator) {
 }
 
 QStringList header() {
-    QStringList names{kPlanColumn};
+    QStringList names{field::kNome};
     for (const ProgramField& field : program_fields()) names += QString::fromLatin1(field.name);
     return names << QString::fromLatin1(kOscillatorColumn);
 }
@@ -124,9 +124,6 @@ bool take_cell(ProgramRecord& record, const ProgramField& field, const QString& 
     const bool text = std::holds_alternative<QString ProgramRecord::*>(field.member);
     const QString plain = plain_cell(cell, flag);
     set_field(record, field, plain);
-    // 1 alone is digital.
-    if (QLatin1String(field.name) == QLatin1String("sat_ad"))
-        record.sat_ad = typed_value(plain) == 1;
     return text || is_number(plain);
 }
 
@@ -155,7 +152,7 @@ ImportFile parse_plan_file(const QString& text, double unit_offset) {
     for (const QString& name : names)
         if (!known.contains(name)) file.unknown_columns += name;
     // Without a frequency it is a table of something else.
-    file.understood = names.contains(QStringLiteral("frequenza"));
+    file.understood = names.contains(field::kFrequenza);
     if (!file.understood) return file;
     for (std::size_t k = 1; k < rows.size(); ++k)
         file.candidates.push_back(candidate_of_row(names, rows[k], unit_offset));

@@ -3,11 +3,13 @@
 
 #include <algorithm>
 
+#include "box_numbers.h"
 #include "diseqc_commands.h"
-#include "free_places.h"
+#include "fields.h"
 #include "numbers.h"
 #include "plan_clashes.h"
 #include "program_checks.h"
+#include "used_numbers.h"
 
 namespace m47 {
 namespace {
@@ -25,7 +27,7 @@ QStringList differences(const ProgramRecord& before, const ProgramRecord& after)
         const QString new_text = field_text(after, field);
         // Another form of the same number is no correction, nor is what fills a gap.
         const bool gap =
-            old_text.isEmpty() && QLatin1String(field.name) != QLatin1String("frequenza");
+            old_text.isEmpty() && QLatin1String(field.name) != QLatin1String(field::kFrequenza);
         if (gap || old_text == new_text) continue;
         if (is_number(old_text) && is_number(new_text) &&
             typed_value(old_text) == typed_value(new_text))

@@ -8,6 +8,7 @@
 #include "database_transaction.h"
 #include "diseqc_commands.h"
 #include "fault.h"
+#include "fields.h"
 #include "numbers.h"
 #include "program_checks.h"
 #include "tables.h"
@@ -18,7 +19,6 @@ namespace {
 
 constexpr qsizetype kNameLength = 10;
 constexpr int kNoDiseqcChosen = -1;
-const QString kPlanField = QStringLiteral("nome");
 constexpr Bilingual kPlanFilledMeanwhile{
     "Another program has stored programs in this plan meanwhile. Nothing was imported: choose the "
     "file again.",
@@ -94,20 +94,20 @@ void PlanSets::show_plan(const QString& name) {
 
 void PlanSets::first_plan() {
     if (!plans_.empty()) plans_.move_first();
-    crea_records(plans_.empty() ? QString() : plans_.text(kPlanField));
+    crea_records(plans_.empty() ? QString() : plans_.text(field::kNome));
 }
 
 bool PlanSets::previous_plan() {
     if (!requery_plans()) return has_current_plan();
     const bool moved = step_back(plans_);
-    crea_records(plans_.text(kPlanField));
+    crea_records(plans_.text(field::kNome));
     return moved;
 }
 
 bool PlanSets::next_plan() {
     if (!requery_plans()) return has_current_plan();
     const bool moved = step_on(plans_);
-    crea_records(plans_.text(kPlanField));
+    crea_records(plans_.text(field::kNome));
     return moved;
 }
 
@@ -238,7 +238,7 @@ void PlanSets::add_rows(const QString& name) {
     for (const char* table : {table::kGruppo, table::kProgrammi, table::kConfigurazione}) {
         Recordset set = database_.of_plan(name_of(table), name);
         set.add_new();
-        set.set(kPlanField, name);
+        set.set(field::kNome, name);
         set.update();
     }
 }
@@ -252,7 +252,7 @@ bool PlanSets::can_delete_plan() const {
     QStringList names;
     Recordset plans = Recordset::table(database_.connection(), name_of(table::kGruppo));
     for (; !plans.end_of_set(); plans.move_next())
-        names += stored_plan_name(plans.text(kPlanField));
+        names += stored_plan_name(plans.text(field::kNome));
     return names.contains(plan_) && names.count(plan_) < names.size() && !plan_.isEmpty();
 }
 
@@ -286,7 +286,7 @@ void PlanSets::delete_program() {
 void PlanSets::edit_configuration() {
     if (config_->empty()) {
         config_->add_new();
-        config_->set(kPlanField, plan_);
+        config_->set(field::kNome, plan_);
         config_->update();
         config_->move_first();
     }
@@ -328,7 +328,7 @@ void PlanSets::check_programs(const std::vector<Bookmark>& rows, const QString& 
         const ProgramRecord record = read(set);
         const QString checked = stored_frequency(record.frequenza, false, oscillator);
         set.edit();
-        set.set(QStringLiteral("frequenza"), typed_value(checked));
+        set.set(field::kFrequenza, typed_value(checked));
         set.update();
         checked_ += record.pg_num;
     }
@@ -383,7 +383,7 @@ void PlanSets::write_record(const ProgramRecord& record, const QString& oscillat
         programs_->edit();
     else
         programs_->add_new();
-    programs_->set(kPlanField, plan_);
+    programs_->set(field::kNome, plan_);
     write_program(*programs_, record);
     programs_->update();
 }
@@ -446,7 +446,7 @@ void PlanSets::apply_import(const ImportPreview& import) {
         for (const ImportRow& row : import.rows) {
             if (!row.added()) continue;
             programs_->add_new();
-            programs_->set(kPlanField, plan_);
+            programs_->set(field::kNome, plan_);
             write_program(*programs_, row.record);
             programs_->update();
         }

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 
+#include "box_numbers.h"
 #include "diseqc_commands.h"
 #include "numbers.h"
 #include "tuning_range.h"
@@ -25,7 +26,6 @@ using R = ProgramRecord;
 constexpr std::array kLimits{&R::lev_min,   &R::lev_max,   &R::noise_min, &R::noise_max,
                              &R::chber_min, &R::chber_max, &R::mer_min,   &R::mer_max};
 
-constexpr const char* kTwoDigits = "00";
 constexpr const char* kFiveDigits = "00000";
 
 /// A maximum below its minimum moves one above it.
@@ -55,10 +55,6 @@ void correct_selections(ProgramRecord& record) {
 
 }  // namespace
 
-std::size_t oscillator_entry(const ProgramRecord& record) {
-    return static_cast<std::size_t>(oscillator_entry(record.loc_osc0));
-}
-
 QString checked_program_number(const QString& text) {
     return format_number(std::clamp(box_value(text), 0.0, kHighestProgram), "000");
 }
@@ -79,13 +75,13 @@ QString checked_symbol_rate(const QString& text) {
 
 QString bandwidth_on_enter(const QString& text) {
     const double mhz = std::clamp(box_value(text), kLowestBandwidth, kHighestBandwidth);
-    return format_number(mhz, kTwoDigits);
+    return bandwidth_box_text(mhz);
 }
 
 QString bandwidth_on_leaving(const QString& text) {
     const double mhz = box_value(text);
     const bool good = mhz >= kLowestBandwidth && mhz <= kHighestBandwidth;
-    return format_number(good ? mhz : kUsualBandwidth, kTwoDigits);
+    return bandwidth_box_text(good ? mhz : kUsualBandwidth);
 }
 
 QString checked_oscillator(const QString& text) {

@@ -43,10 +43,6 @@ void correct_limits(ProgramRecord& record, std::optional<double> unit_offset);
 /// A frequency as it is kept: checked, and with no more decimals than the box shows of it.
 QString stored_frequency(const QString& text, bool direct, const QString& oscillator);
 
-/// The entry of the plan's oscillators that `record` names; one that is not there counts as the
-/// first.
-std::size_t oscillator_entry(const ProgramRecord& record);
-
 /// Every check but the number's, as Enter in each box runs it. Every text is then a number that
 /// its box shows whole. `oscillator` is the text of the program's oscillator, `unit_offset` as for
 /// correct_limits.

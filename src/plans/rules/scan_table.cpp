@@ -5,6 +5,7 @@
 #include <array>
 #include <optional>
 
+#include "box_numbers.h"
 #include "logger_table.h"
 #include "numbers.h"
 

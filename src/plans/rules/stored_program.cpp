@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "stored_program.h"
 
-#include <array>
 #include <utility>
 
+#include "fields.h"
 #include "numbers.h"
-#include "program_checks.h"
 
 namespace m47 {
 namespace {
@@ -14,20 +13,10 @@ constexpr Bilingual kChangedMeanwhile{
     "Another program has changed meanwhile what was shown here. Nothing was stored.",
     "Nel frattempo un altro programma ha modificato ciò che era mostrato qui. Nulla è stato "
     "memorizzato."};
-constexpr std::array kOscillatorFields{"loc_osc1", "loc_osc2", "loc_osc3", "loc_osc4"};
 
 bool same_oscillator(const QString& one, const QString& other) {
     const bool none = one.trimmed().isEmpty();
     return none == other.trimmed().isEmpty() && (none || typed_value(one) == typed_value(other));
-}
-
-/// As it would be read again.
-ProgramRecord read_again(ProgramRecord record) {
-    if (!record.frequenza.isEmpty())
-        record.frequenza = frequency_box_text(typed_value(record.frequenza), record.loc_osc);
-    if (!record.satchbw.isEmpty())
-        record.satchbw = format_number(typed_value(record.satchbw), "00");
-    return record;
 }
 
 }  // namespace
@@ -36,9 +25,12 @@ ChangedMeanwhile::ChangedMeanwhile(StoredProgram in_file, ProgramRecord typed,
                                    QString typed_oscillator, bool replaces)
     : Fault(kChangedMeanwhile),
       now(std::move(in_file)),
-      program(read_again(std::move(typed))),
+      program(std::move(typed)),
       oscillator(std::move(typed_oscillator)),
-      over(replaces) {}
+      over(replaces) {
+    // As it would be read again.
+    give_box_form(program);
+}
 
 QList<ChangedField> changed_fields(const ChangedMeanwhile& change) {
     QList<ChangedField> fields;
@@ -51,7 +43,7 @@ QList<ChangedField> changed_fields(const ChangedMeanwhile& change) {
     const std::size_t entry = oscillator_entry(change.program);
     const QString stored = change.now.oscillators[entry];
     if (!same_oscillator(stored, change.oscillator))
-        fields += {kOscillatorFields[entry], stored, change.oscillator};
+        fields += {field::kOscillators[entry], stored, change.oscillator};
     return fields;
 }
 

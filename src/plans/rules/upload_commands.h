@@ -30,10 +30,6 @@ QStringList opening_commands(UploadMode mode);
 /// Disables the active ones of `lines`, the lines of the logger table.
 QStringList disabling_commands(const QStringList& lines);
 
-/// Tunes the meter as `program` says, stores it, switches the supplies off again and enters it in
-/// the logger table where it is active.
-QStringList commands_of_program(const ProgramRecord& program, const Oscillators& oscillators);
-
 /// Bandwidth, unit and every program.
 QStringList plan_commands(const UploadPlan& plan);
 

@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "diseqc_commands.h"
+#include "fields.h"
 
 namespace m47 {
 namespace {
@@ -18,32 +19,34 @@ struct FieldWords {
 };
 
 constexpr FieldWords kFieldWords[] = {
-    {"pg_num", {"Program", "Programma"}},
-    {"frequenza", {"Frequency, MHz", "Frequenza, MHz"}},
-    {"loc_osc", {"Tuned directly", "Sintonia diretta"}, Shown::yes_or_no},
-    {"loc_osc0", {"Oscillator used", "Oscillatore usato"}, Shown::oscillator_number},
-    {"sat_ad", {"Digital", "Digitale"}, Shown::yes_or_no},
-    {"qpsk_symbolrate", {"Symbol rate", "Symbol rate"}},
-    {"satchbw", {"Channel bandwidth, MHz", "Banda del canale, MHz"}},
-    {"diseqc_cmd", {"DiSEqC 1", "DiSEqC 1"}, Shown::diseqc},
-    {"diseqc_cmd2", {"DiSEqC 2", "DiSEqC 2"}, Shown::diseqc},
-    {"lnb_volt", {"LNB supply", "Alimentazione LNB"}, Shown::supply},
-    {"K22", {"22 kHz tone", "Tono 22 kHz"}, Shown::yes_or_no},
-    {"logger_pos", {"Line of the logger table", "Riga della tabella datalogger"}},
-    {"logger_state", {"Active in the logger table", "Attivo nel datalogger"}, Shown::yes_or_no},
-    {"monitor_state", {"Monitored", "Monitorato"}, Shown::yes_or_no},
-    {"lev_min", {"Level, minimum", "Livello, minimo"}},
-    {"lev_max", {"Level, maximum", "Livello, massimo"}},
-    {"noise_min", {"C/N, minimum", "C/N, minimo"}},
-    {"noise_max", {"C/N, maximum", "C/N, massimo"}},
-    {"chber_min", {"CHBER, minimum", "CHBER, minimo"}},
-    {"chber_max", {"CHBER, maximum", "CHBER, massimo"}},
-    {"mer_min", {"MER, minimum", "MER, minimo"}},
-    {"mer_max", {"MER, maximum", "MER, massimo"}},
-    {"loc_osc1", {"Oscillator 1, MHz", "Oscillatore 1, MHz"}},
-    {"loc_osc2", {"Oscillator 2, MHz", "Oscillatore 2, MHz"}},
-    {"loc_osc3", {"Oscillator 3, MHz", "Oscillatore 3, MHz"}},
-    {"loc_osc4", {"Oscillator 4, MHz", "Oscillatore 4, MHz"}},
+    {field::kPgNum, {"Program", "Programma"}},
+    {field::kFrequenza, {"Frequency, MHz", "Frequenza, MHz"}},
+    {field::kLocOsc, {"Tuned directly", "Sintonia diretta"}, Shown::yes_or_no},
+    {field::kLocOsc0, {"Oscillator used", "Oscillatore usato"}, Shown::oscillator_number},
+    {field::kSatAd, {"Digital", "Digitale"}, Shown::yes_or_no},
+    {field::kQpskSymbolrate, {"Symbol rate", "Symbol rate"}},
+    {field::kSatchbw, {"Channel bandwidth, MHz", "Banda del canale, MHz"}},
+    {field::kDiseqcCmd, {"DiSEqC 1", "DiSEqC 1"}, Shown::diseqc},
+    {field::kDiseqcCmd2, {"DiSEqC 2", "DiSEqC 2"}, Shown::diseqc},
+    {field::kLnbVolt, {"LNB supply", "Alimentazione LNB"}, Shown::supply},
+    {field::kK22, {"22 kHz tone", "Tono 22 kHz"}, Shown::yes_or_no},
+    {field::kLoggerPos, {"Line of the logger table", "Riga della tabella datalogger"}},
+    {field::kLoggerState,
+     {"Active in the logger table", "Attivo nel datalogger"},
+     Shown::yes_or_no},
+    {field::kMonitorState, {"Monitored", "Monitorato"}, Shown::yes_or_no},
+    {field::kLevMin, {"Level, minimum", "Livello, minimo"}},
+    {field::kLevMax, {"Level, maximum", "Livello, massimo"}},
+    {field::kNoiseMin, {"C/N, minimum", "C/N, minimo"}},
+    {field::kNoiseMax, {"C/N, maximum", "C/N, massimo"}},
+    {field::kChberMin, {"CHBER, minimum", "CHBER, minimo"}},
+    {field::kChberMax, {"CHBER, maximum", "CHBER, massimo"}},
+    {field::kMerMin, {"MER, minimum", "MER, minimo"}},
+    {field::kMerMax, {"MER, maximum", "MER, massimo"}},
+    {field::kOscillators[0], {"Oscillator 1, MHz", "Oscillatore 1, MHz"}},
+    {field::kOscillators[1], {"Oscillator 2, MHz", "Oscillatore 2, MHz"}},
+    {field::kOscillators[2], {"Oscillator 3, MHz", "Oscillatore 3, MHz"}},
+    {field::kOscillators[3], {"Oscillator 4, MHz", "Oscillatore 4, MHz"}},
 };
 constexpr Bilingual kYes{"yes", "sì"};
 constexpr Bilingual kNo{"no", "no"};

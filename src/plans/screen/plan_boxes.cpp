@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "diseqc_commands.h"
+#include "fields.h"
 #include "numbers.h"
 #include "plan_clashes.h"
 #include "program_checks.h"
@@ -119,8 +120,7 @@ void PlanBoxes::follow_digital() {
 
 void associa_user_sc(QListWidget* list, const Recordset& configurazione) {
     list->clear();
-    for (int k = 0; k < 4; ++k)
-        list->addItem(configurazione.text(QStringLiteral("user_sc%1").arg(k)));
+    for (const char* entry : field::kUserSwitches) list->addItem(configurazione.text(entry));
 }
 
 }  // namespace m47

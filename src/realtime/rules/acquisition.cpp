@@ -7,7 +7,8 @@
 
 #include "engine.h"
 #include "fault.h"
-#include "numbers.h"
+#include "fields.h"
+#include "program_row.h"
 #include "tables.h"
 
 namespace m47 {
@@ -17,10 +18,6 @@ constexpr Bilingual kNoPlanOpen{"No plan is open.", "Nessun piano è aperto."};
 constexpr Bilingual kProgramsGone{
     "Another program deleted or replaced programs of the plan before they were measured.",
     "Un altro programma ha cancellato o sostituito programmi del piano prima della misura."};
-
-const QString kPlanName = QStringLiteral("nome");
-const QString kProgramNumber = QStringLiteral("pg_num");
-const QString kMonitorState = QStringLiteral("monitor_state");
 
 /// While it lives a recall only refreshes the screen.
 class Suspended {
@@ -47,7 +44,7 @@ void quietly(const std::function<void()>& body) {
 }
 
 bool is_monitored(const Recordset& programs) {
-    return typed_value(programs.text(kMonitorState)) == 1;
+    return ProgramRow(programs).monitored();
 }
 
 }  // namespace
@@ -89,7 +86,7 @@ void Acquisition::open_programs() {
     const auto programs = modes_.rs_programs;
     const auto config = modes_.rs_config;
     try {
-        panel_.grp_name = database_.gruppo().text(kPlanName);
+        panel_.grp_name = database_.gruppo().text(field::kNome);
         modes_.crea_records_realtime();
     } catch (const EngineFault&) {
         panel_.grp_name = name;
@@ -412,7 +409,7 @@ void Acquisition::measure_program() {
         if (full_tune) tuning_.tune_everything();
         costs_.tell_other_bandwidth();
     };
-    measure_once(prepare, {programs().text(kPlanName), programs().text(kProgramNumber).trimmed()});
+    measure_once(prepare, {programs().text(field::kNome), ProgramRow(programs()).pg_num()});
 }
 
 }  // namespace m47

@@ -4,12 +4,13 @@
 #include <algorithm>
 #include <utility>
 
+#include "box_numbers.h"
 #include "commands.h"
 #include "fault.h"
 #include "numbers.h"
+#include "program_row.h"
 #include "tables.h"
 #include "time_delays.h"
-#include "tuning_range.h"
 
 namespace m47 {
 namespace {
@@ -43,15 +44,6 @@ class RecallGuard {
 int unit_of(const QString& reply) {
     const int index = static_cast<int>(std::clamp(meter_value(reply), -1.0, 3.0));
     return index >= kDbuv && index <= kDbm ? index : kDbuv;
-}
-
-QString number_text(const Recordset& set, const QString& field) {
-    const QVariant value = set.value(field);
-    return value.isNull() ? QString() : plain_text(typed_value(value.toString()));
-}
-
-int whole_number(const Recordset& set, const QString& field) {
-    return static_cast<int>(std::clamp(typed_value(set.text(field)), -1e6, 1e6));
 }
 
 }  // namespace
@@ -151,9 +143,8 @@ void Modes::reread_plan() {
 
 void Modes::mostra_record_realtime() {
     try {
-        if (!rs_programs || whole_number(*rs_programs, QStringLiteral("monitor_state")) != 1)
-            return;
-        panel_.prog_num = rs_programs->text(QStringLiteral("pg_num")).trimmed();
+        if (!rs_programs || !ProgramRow(*rs_programs).monitored()) return;
+        panel_.prog_num = ProgramRow(*rs_programs).pg_num();
         {
             const RecallGuard guard(state_);
             recall_tuning();
@@ -166,50 +157,50 @@ void Modes::mostra_record_realtime() {
 }
 
 void Modes::recall_tuning() {
-    const Recordset& program = *rs_programs;
-    panel_.fsat = number_text(program, QStringLiteral("frequenza"));
-    const bool direct = whole_number(program, QStringLiteral("loc_osc")) != 0;
+    const ProgramRow program(*rs_programs);
+    panel_.fsat = program.plain(&ProgramRecord::frequenza);
+    const bool direct = program.direct();
     if (direct != panel_.locopt[0]) {
         panel_.locopt = {direct, !direct};
         tuning_.locopt_Click(direct ? 0 : 1);
     }
-    const QVariant oscillator = program.value(QStringLiteral("loc_osc0"));
-    const int entry = oscillator_entry(oscillator.toInt());
+    const std::optional<int> entry = program.oscillator();
     // The third and fourth are sent by a pass that tunes everything, and shown by it.
-    if (!oscillator.isNull() && entry <= 1) panel_.ol_freq = oscillator_of_plan(entry);
-    panel_.satlnb_state = whole_number(program, QStringLiteral("lnb_volt"));
-    panel_.k22_state = whole_number(program, QStringLiteral("K22"));
-    const QVariant digital = program.value(QStringLiteral("sat_ad"));
-    if (!digital.isNull() && digital.toInt() == 0) analogmode();
-    if (digital.toInt() == 1) digitalmode();
-    panel_.srqpsk_txt = program.text(QStringLiteral("qpsk_symbolrate"));
+    if (entry && *entry <= 1)
+        panel_.ol_freq = oscillators_of_plan()[static_cast<std::size_t>(*entry)];
+    panel_.satlnb_state = program.whole(&ProgramRecord::lnb_volt);
+    panel_.k22_state = program.whole(&ProgramRecord::K22);
+    const std::optional<bool> digital = program.digital();
+    if (digital == false) analogmode();
+    if (digital == true) digitalmode();
+    panel_.srqpsk_txt = program.text(&ProgramRecord::qpsk_symbolrate);
     if (program_.corrected.plan_width) recall_bandwidth();
     tuning_.start_noise_boxes();
 }
 
 double Modes::bandwidth_of_program() const {
-    return typed_value(rs_programs->text(QStringLiteral("satchbw")));
+    return ProgramRow(*rs_programs).number(&ProgramRecord::satchbw);
 }
 
 void Modes::recall_bandwidth() {
     const double mhz = bandwidth_of_program();
-    if (mhz > 0) panel_.chbws = format_number(mhz, "00");
+    if (mhz > 0) panel_.chbws = bandwidth_box_text(mhz);
 }
 
-QString Modes::oscillator_of_plan(int entry) const {
-    return number_text(*rs_config, QStringLiteral("loc_osc%1").arg(entry + 1));
+Oscillators Modes::oscillators_of_plan() const {
+    return read_oscillators(*rs_config);
 }
 
 void Modes::recall_limits() {
-    const Recordset& program = *rs_programs;
-    panel_.lev_mina = panel_.lev_mind = program.text(QStringLiteral("lev_min"));
-    panel_.lev_maxa = panel_.lev_maxd = program.text(QStringLiteral("lev_max"));
-    panel_.cn_mina = panel_.cn_mind = program.text(QStringLiteral("noise_min"));
-    panel_.cn_maxa = panel_.cn_maxd = program.text(QStringLiteral("noise_max"));
-    panel_.chber_mind = program.text(QStringLiteral("chber_min"));
-    panel_.chber_maxd = program.text(QStringLiteral("chber_max"));
-    panel_.mer_mind = program.text(QStringLiteral("mer_min"));
-    panel_.mer_maxd = program.text(QStringLiteral("mer_max"));
+    const ProgramRow program(*rs_programs);
+    panel_.lev_mina = panel_.lev_mind = program.text(&ProgramRecord::lev_min);
+    panel_.lev_maxa = panel_.lev_maxd = program.text(&ProgramRecord::lev_max);
+    panel_.cn_mina = panel_.cn_mind = program.text(&ProgramRecord::noise_min);
+    panel_.cn_maxa = panel_.cn_maxd = program.text(&ProgramRecord::noise_max);
+    panel_.chber_mind = program.text(&ProgramRecord::chber_min);
+    panel_.chber_maxd = program.text(&ProgramRecord::chber_max);
+    panel_.mer_mind = program.text(&ProgramRecord::mer_min);
+    panel_.mer_maxd = program.text(&ProgramRecord::mer_max);
 }
 
 void Modes::cmdlev_Click(int index) {

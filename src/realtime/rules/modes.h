@@ -6,6 +6,7 @@
 #include "database.h"
 #include "diseqc.h"
 #include "link.h"
+#include "oscillators.h"
 #include "program_state.h"
 #include "realtime_panel.h"
 #include "tuning.h"
@@ -59,8 +60,8 @@ class Modes {
     /// Puts it into its box; a program without one changes nothing.
     void recall_bandwidth();
 
-    /// Oscillator `entry` (0 to 3) of the plan in MHz, empty where it is not set.
-    QString oscillator_of_plan(int entry) const;
+    /// Of the open plan.
+    Oscillators oscillators_of_plan() const;
 
     /// Level unit `index` (a LevelUnit); sent unless a recall is in progress.
     void cmdlev_Click(int index);

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "panel_limits.h"
 
-#include "numbers.h"
+#include "program_row.h"
 
 namespace m47 {
 namespace {
+
+using R = ProgramRecord;
 
 /// What stands between a minimum and a maximum, as the user has set them.
 class Between {
@@ -26,22 +28,21 @@ class Between {
     EmptyLimits empty_;
 };
 
-ReportLimits limits_of_record(const Recordset& program, const RealtimePanel& panel,
+ReportLimits limits_of_record(const ProgramRow& program, const RealtimePanel& panel,
                               const Between& between) {
-    const bool digital = typed_value(program.text(QStringLiteral("sat_ad"))) == 1;
-    const auto limits = [&](bool enabled, const char* minimum, const char* maximum) {
-        return between(enabled, program.text(QLatin1String(minimum)),
-                       program.text(QLatin1String(maximum)));
+    const bool digital = program.digital().value_or(false);
+    const auto limits = [&](bool enabled, QString R::*minimum, QString R::*maximum) {
+        return between(enabled, program.text(minimum), program.text(maximum));
     };
     ReportLimits made;
-    made.program = program.text(QStringLiteral("pg_num")).trimmed();
-    made.frequency = program.text(QStringLiteral("frequenza")).trimmed();
+    made.program = program.pg_num();
+    made.frequency = program.text(&R::frequenza).trimmed();
     made.level =
-        limits(digital ? panel.alarm_stated[0] : panel.alarm_statea[0], "lev_min", "lev_max");
-    made.cn =
-        limits(digital ? panel.alarm_stated[1] : panel.alarm_statea[1], "noise_min", "noise_max");
-    made.ber = limits(digital && panel.alarm_stated[2], "chber_min", "chber_max");
-    made.mer = limits(digital && panel.alarm_stated[3], "mer_min", "mer_max");
+        limits(digital ? panel.alarm_stated[0] : panel.alarm_statea[0], &R::lev_min, &R::lev_max);
+    made.cn = limits(digital ? panel.alarm_stated[1] : panel.alarm_statea[1], &R::noise_min,
+                     &R::noise_max);
+    made.ber = limits(digital && panel.alarm_stated[2], &R::chber_min, &R::chber_max);
+    made.mer = limits(digital && panel.alarm_stated[3], &R::mer_min, &R::mer_max);
     return made;
 }
 
@@ -78,9 +79,9 @@ ReportLimits limits_of_panel(const RealtimePanel& panel, const RealtimeState& st
 QList<ReportLimits> limits_of_plan(Recordset& programs, const RealtimePanel& panel,
                                    EmptyLimits empty) {
     QList<ReportLimits> all;
+    const ProgramRow program(programs);
     for (programs.move_first(); !programs.end_of_set(); programs.move_next())
-        if (typed_value(programs.text(QStringLiteral("monitor_state"))) == 1)
-            all.append(limits_of_record(programs, panel, Between(empty)));
+        if (program.monitored()) all.append(limits_of_record(program, panel, Between(empty)));
     return all;
 }
 

@@ -3,6 +3,7 @@
 
 #include "link.h"
 #include "modes.h"
+#include "program_row.h"
 #include "program_state.h"
 #include "realtime_panel.h"
 
@@ -26,10 +27,9 @@ class ProgramTuning {
     void tune_everything();
 
   private:
-    const Recordset& row() const;
-    bool direct() const;
+    ProgramRow row() const;
     int oscillator() const;
-    QStringList diseqc() const;
+    QString oscillator_text() const;
 
     Link& link_;
     const ProgramState& program_;

@@ -5,6 +5,7 @@
 
 #include "commands.h"
 #include "numbers.h"
+#include "oscillators.h"
 #include "tuning_range.h"
 
 namespace m47 {

@@ -3,7 +3,6 @@
 
 #include <QString>
 #include <array>
-#include <optional>
 
 #include "program_record.h"
 
@@ -20,8 +19,5 @@ class UsedNumbers {
   private:
     std::array<bool, 100> used_{};
 };
-
-/// The entry of `oscillators` for `mhz`, taken there if need be; best the one that is `preferred`.
-std::optional<int> place_oscillator(Oscillators& oscillators, int preferred, const QString& mhz);
 
 }  // namespace m47

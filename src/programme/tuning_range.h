@@ -18,12 +18,6 @@ TuningRange tuning_range(bool direct, double oscillator);
 /// end, since 0 means that nothing was entered.
 double inside_range(double frequency, const TuningRange& range);
 
-/// A plan has four oscillators. Which of them, 0 to 3, is meant by the entry `stored` of a program:
-/// one that is not there counts as the first.
-constexpr int oscillator_entry(int stored) {
-    return stored >= 0 && stored < 4 ? stored : 0;
-}
-
 /// The QPSK symbol rates that the meter can be set to, in kS/s.
 inline constexpr double kSymbolRateMinimum = 1500;
 inline constexpr double kSymbolRateMaximum = 45000;
@@ -31,9 +25,5 @@ inline constexpr double kSymbolRateMaximum = 45000;
 /// The channel bandwidths that it can be set to, in MHz.
 inline constexpr double kBandwidthMinimum = 5;
 inline constexpr double kBandwidthMaximum = 36;
-
-/// The local oscillators that exist for LNBs, in MHz: 3070 to 12000.
-inline constexpr double kOscillatorMinimum = 3070;
-inline constexpr double kOscillatorMaximum = 12000;
 
 }  // namespace m47

@@ -2,10 +2,10 @@
 #pragma once
 
 #include <QString>
-#include <array>
 #include <span>
 #include <variant>
 
+#include "oscillators.h"
 #include "recordset.h"
 
 namespace m47 {
@@ -35,9 +35,6 @@ struct ProgramRecord {
     bool operator==(const ProgramRecord&) const = default;
 };
 
-/// The four oscillators of a plan in MHz, as their list shows them; an empty one is none.
-using Oscillators = std::array<QString, 4>;
-
 /// A field of the table `programmi` and where it stands in the record.
 struct ProgramField {
     using Member =
@@ -49,32 +46,28 @@ struct ProgramField {
 /// All fields but the plan's name, in the order of the table.
 std::span<const ProgramField> program_fields();
 
-/// True where `text` is a number, with "." or ",", and nothing else.
-bool is_number(const QString& text);
+/// The name of the field that stands in `member`.
+const char* field_name(const ProgramField::Member& member);
 
-/// The number that `text` begins with; its decimal point may be a comma on every system, as whoever
-/// types "1500,5" means it.
-double box_value(const QString& text);
-/// `text` as it is kept: the number that every reader will take it for. "27500abc" is "27500",
-/// "45,5" is "45.5", "1E-8" stays; a text without a number is "0", an empty one stays empty.
-QString number_text(const QString& text);
-
+/// What stands in a field, as text; a choice that can only be made or not is "1" or "0".
 QString field_text(const ProgramRecord& record, const ProgramField& field);
-/// What is no number sets a number to 0.
+/// What is no number sets a number to 0; 1 alone is digital.
 void set_field(ProgramRecord& record, const ProgramField& field, const QString& text);
 
-/// A frequency as the box shows it: one decimal tuned directly, else whole MHz.
-QString frequency_box_text(double mhz, bool direct);
+/// The whole number in `text`, of at most six digits; what is none is 0.
+int whole_number(const QString& text);
 
-/// The current row of `set`; unset fields are empty or 0, unset DiSEqC commands `unset_diseqc`.
+/// The entry of the plan's oscillators, 0 to 3, that `record` names.
+std::size_t oscillator_entry(const ProgramRecord& record);
+
+/// Frequency and bandwidth as their boxes show them.
+void give_box_form(ProgramRecord& record);
+
+/// The current row of `set` as the boxes show it; unset fields are empty or 0, unset DiSEqC
+/// commands `unset_diseqc`.
 ProgramRecord read_program(const Recordset& set, int unset_diseqc = 0);
 /// Sets all fields of the row that is open in `set`, but for the plan's name.
 void write_program(Recordset& set, const ProgramRecord& record);
-
-/// Of the current row of `set`.
-Oscillators read_oscillators(const Recordset& set);
-/// Sets oscillator `index` (0 to 3) of the row that is open in `set`; an empty text unsets it.
-void write_oscillator(Recordset& set, int index, const QString& text);
 
 /// True for the program that a new plan starts with, as long as nobody has stored it. "NONE" for
 /// its unset DiSEqC commands is nothing either.

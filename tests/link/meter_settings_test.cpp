@@ -1,59 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "program_commands.h"
+#include "meter_settings.h"
 
 #include <QTest>
 
-#include "diseqc_commands.h"
-#include "meter_settings.h"
-
 namespace m47 {
 
-class ProgramCommandsTest : public QObject {
+class MeterSettingsTest : public QObject {
     Q_OBJECT
 
   private Q_SLOTS:
-    void an_oscillator_is_set_then_selected();
-    void direct_tuning_selects_none();
-    void the_supply_is_switched_then_set();
-    void the_tone();
-    void diseqc_commands_go_by_their_place();
     void what_the_meter_was_told_is_known_data();
     void what_the_meter_was_told_is_known();
     void another_meter_is_not_known();
 };
 
-void ProgramCommandsTest::an_oscillator_is_set_then_selected() {
-    QCOMPARE(oscillator_commands(false, 0, 9750), QStringList({"LOCOSC 1 09750", "LOCOSC 1"}));
-    QCOMPARE(oscillator_commands(false, 3, 10599.6), QStringList({"LOCOSC 4 10600", "LOCOSC 4"}));
-    QCOMPARE(oscillator_commands(false, 0, 0), QStringList({"LOCOSC 1 00000", "LOCOSC 1"}));
-}
-
-void ProgramCommandsTest::direct_tuning_selects_none() {
-    QCOMPARE(oscillator_commands(true, 2, 9750), QStringList({"LOCOSC 0"}));
-}
-
-void ProgramCommandsTest::the_supply_is_switched_then_set() {
-    QCOMPARE(supply_commands(0), QStringList({"LNB 00"}));
-    QCOMPARE(supply_commands(1), QStringList({"LNB 01", "LNVOLT 13"}));
-    QCOMPARE(supply_commands(2), QStringList({"LNB 01", "LNVOLT 18"}));
-}
-
-void ProgramCommandsTest::the_tone() {
-    QCOMPARE(tone_command(0), QStringLiteral("TONE22K 00"));
-    QCOMPARE(tone_command(1), QStringLiteral("TONE22K 01"));
-}
-
-void ProgramCommandsTest::diseqc_commands_go_by_their_place() {
-    QCOMPARE(diseqc_command(3), QStringLiteral("DISEQC 03"));
-    QCOMPARE(diseqc_command(kDiseqcNone), QStringLiteral("DISEQC 73"));
-    QCOMPARE(kDiseqcCommands[8], "SW2 ON  V");
-    QCOMPARE(kDiseqcCommands[37], "Po 1-V-l LO");
-    QCOMPARE(kDiseqcCommands[52], "Po 4-H-h LO");
-    QCOMPARE(kDiseqcCommands[53], "Po 1-V-l LO");
-    QCOMPARE(kDiseqcCommands[kDiseqcNone], "NONE");
-}
-
-void ProgramCommandsTest::what_the_meter_was_told_is_known_data() {
+void MeterSettingsTest::what_the_meter_was_told_is_known_data() {
     QTest::addColumn<QStringList>("commands");
     QTest::addColumn<QString>("known");
     const auto add = [](const char* name, const QStringList& commands, const char* known) {
@@ -77,7 +38,7 @@ void ProgramCommandsTest::what_the_meter_was_told_is_known_data() {
     add("none, of the plan", {"LOCOSC 1 09750", "LOCOSC 1", "LOCOSC 0"}, "- - -");
 }
 
-void ProgramCommandsTest::what_the_meter_was_told_is_known() {
+void MeterSettingsTest::what_the_meter_was_told_is_known() {
     QFETCH(QStringList, commands);
     MeterSettings settings;
     for (const QString& command : commands) {
@@ -93,7 +54,7 @@ void ProgramCommandsTest::what_the_meter_was_told_is_known() {
           "known");
 }
 
-void ProgramCommandsTest::another_meter_is_not_known() {
+void MeterSettingsTest::another_meter_is_not_known() {
     MeterSettings settings;
     settings.take(QStringLiteral("UNIT 02"), QStringLiteral("OK"));
     settings.forget();
@@ -102,5 +63,5 @@ void ProgramCommandsTest::another_meter_is_not_known() {
 
 }  // namespace m47
 
-QTEST_APPLESS_MAIN(m47::ProgramCommandsTest)
-#include "program_commands_test.moc"
+QTEST_APPLESS_MAIN(m47::MeterSettingsTest)
+#include "meter_settings_test.moc"

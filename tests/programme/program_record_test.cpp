@@ -1,0 +1,252 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// A program on its way into the database file and back, and the oscillators of its plan.
+#include "program_record.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+
+#include "db_support.h"
+#include "diseqc_commands.h"
+#include "program_row.h"
+#include "tables.h"
+
+namespace m47 {
+namespace {
+
+using R = ProgramRecord;
+
+/// Something else in every field than a blank program has, and in each another one.
+ProgramRecord program_of_all_fields() {
+    ProgramRecord program;
+    program.pg_num = QStringLiteral("007");
+    program.frequenza = QStringLiteral("1234.5");
+    program.loc_osc = true;
+    program.loc_osc0 = 3;
+    program.sat_ad = true;
+    program.qpsk_symbolrate = QStringLiteral("27500");
+    program.satchbw = QStringLiteral("08");
+    program.diseqc_cmd = 5;
+    program.diseqc_cmd2 = 6;
+    program.lnb_volt = 2;
+    program.K22 = 1;
+    program.logger_pos = QStringLiteral("09");
+    program.logger_state = true;
+    program.monitor_state = true;
+    program.lev_min = QStringLiteral("45");
+    program.lev_max = QStringLiteral("75");
+    program.noise_min = QStringLiteral("10");
+    program.noise_max = QStringLiteral("20");
+    program.chber_min = QStringLiteral("1E-8");
+    program.chber_max = QStringLiteral("3E-2");
+    program.mer_min = QStringLiteral("11");
+    program.mer_max = QStringLiteral("21");
+    return program;
+}
+
+}  // namespace
+
+class ProgramRecordTest : public QObject {
+    Q_OBJECT
+
+  private:
+    std::unique_ptr<QTemporaryDir> folder_;
+    std::unique_ptr<Database> database_;
+
+    Recordset table_of(const char* name) const {
+        Recordset set = Recordset::table(database_->connection(), QLatin1String(name));
+        set.move_first();
+        return set;
+    }
+    Recordset programs() const { return table_of(table::kProgrammi); }
+    Recordset stored(const ProgramRecord& program) const {
+        Recordset set = programs();
+        set.edit();
+        write_program(set, program);
+        set.update();
+        return programs();
+    }
+    Recordset stored(const char* name, const QVariant& value) const {
+        Recordset set = programs();
+        set.edit();
+        set.set(name, value);
+        set.update();
+        return programs();
+    }
+    QString in_file(const char* name) const {
+        return row_of(database_in(folder_->path()), QLatin1String(table::kProgrammi), 1)
+            .value(QLatin1String(name), QStringLiteral("-"));
+    }
+
+  private Q_SLOTS:
+    void init() {
+        folder_ = std::make_unique<QTemporaryDir>();
+        database_ = made_in(folder_->path());
+    }
+
+    void the_fields_are_those_of_the_table();
+    void every_field_comes_back_data();
+    void every_field_comes_back();
+    void every_field_stands_in_the_file_as_it_always_did();
+    void a_blank_program_leaves_its_numbers_unset();
+    void an_empty_row_is_a_blank_program();
+    void a_row_is_read_as_it_stands();
+    void what_is_unset_is_told_from_zero();
+    void one_alone_is_monitored_and_digital();
+    void the_dish_is_told_what_was_chosen_and_nothing_else();
+    void oscillators_come_back();
+    void an_oscillator_entry_that_is_not_there_counts_as_the_first();
+    void oscillators_that_exist();
+};
+
+void ProgramRecordTest::the_fields_are_those_of_the_table() {
+    QStringList ours{field::kNome};
+    for (const ProgramField& field : program_fields()) ours += QLatin1String(field.name);
+    QStringList theirs;
+    for (const Field& field : table_named(QLatin1String(table::kProgrammi)).fields)
+        theirs += QLatin1String(field.name);
+    QCOMPARE(ours, theirs);
+}
+
+/// Each field by itself, so that none stands in for another.
+void ProgramRecordTest::every_field_comes_back_data() {
+    QTest::addColumn<int>("place");
+    int place = 0;
+    for (const ProgramField& field : program_fields()) QTest::newRow(field.name) << place++;
+    QTest::newRow("all of them") << -1;
+}
+
+void ProgramRecordTest::every_field_comes_back() {
+    QFETCH(int, place);
+    const ProgramRecord all = program_of_all_fields();
+    ProgramRecord program = place < 0 ? all : ProgramRecord();
+    // The form of a bandwidth that is not there.
+    if (place >= 0) {
+        program.satchbw = QStringLiteral("00");
+        const ProgramField& field = program_fields()[static_cast<std::size_t>(place)];
+        QVERIFY(field_text(all, field) != field_text(ProgramRecord(), field));
+        set_field(program, field, field_text(all, field));
+    }
+    // Sky frequencies are whole.
+    if (!program.loc_osc && !program.frequenza.isEmpty())
+        program.frequenza = QStringLiteral("1235");
+    QCOMPARE(read_program(stored(program)), program);
+}
+
+void ProgramRecordTest::every_field_stands_in_the_file_as_it_always_did() {
+    stored(program_of_all_fields());
+    QStringList found;
+    for (const ProgramField& field : program_fields())
+        found += QLatin1String(field.name) + u'=' + in_file(field.name);
+    QCOMPARE(found, QStringList({"pg_num=007",     "frequenza=1234.5",
+                                 "loc_osc=1",      "loc_osc0=3",
+                                 "sat_ad=1",       "qpsk_symbolrate=27500",
+                                 "satchbw=8",      "diseqc_cmd=5",
+                                 "diseqc_cmd2=6",  "lnb_volt=2",
+                                 "K22=1",          "logger_pos=09",
+                                 "logger_state=1", "monitor_state=1",
+                                 "lev_min=45",     "lev_max=75",
+                                 "noise_min=10",   "noise_max=20",
+                                 "chber_min=1E-8", "chber_max=3E-2",
+                                 "mer_min=11",     "mer_max=21"}));
+}
+
+void ProgramRecordTest::a_blank_program_leaves_its_numbers_unset() {
+    stored(program_of_all_fields());
+    stored(ProgramRecord());
+    QCOMPARE(in_file(field::kFrequenza), QStringLiteral("-"));
+    QCOMPARE(in_file(field::kSatchbw), QStringLiteral("0"));
+    QCOMPARE(in_file(field::kLocOsc0), QStringLiteral("0"));
+}
+
+void ProgramRecordTest::an_empty_row_is_a_blank_program() {
+    QVERIFY(is_blank(read_program(programs())));
+    const ProgramRecord unset = read_program(programs(), -1);
+    QCOMPARE(unset.diseqc_cmd, -1);
+    QCOMPARE(unset.diseqc_cmd2, -1);
+    QVERIFY(is_blank(read_program(programs(), kDiseqcNone)));
+}
+
+void ProgramRecordTest::a_row_is_read_as_it_stands() {
+    stored(field::kFrequenza, 11777.25);
+    stored(field::kSatchbw, 7.5);
+    const Recordset set = stored(field::kLevMin, QStringLiteral(" 45 "));
+    const ProgramRow row(set);
+    QCOMPARE(row.plain(&R::frequenza), QStringLiteral("11777.25"));
+    QCOMPARE(row.number(&R::satchbw), 7.5);
+    QCOMPARE(row.text(&R::lev_min), QStringLiteral(" 45 "));
+    // The boxes show less of it.
+    const ProgramRecord shown = read_program(set);
+    QCOMPARE(shown.frequenza, QStringLiteral("11777"));
+    QCOMPARE(shown.satchbw, QStringLiteral("08"));
+    QCOMPARE(shown.lev_min, QStringLiteral("45"));
+}
+
+void ProgramRecordTest::what_is_unset_is_told_from_zero() {
+    const Recordset empty = programs();
+    QVERIFY(!ProgramRow(empty).oscillator());
+    QVERIFY(!ProgramRow(empty).digital());
+    QCOMPARE(ProgramRow(empty).plain(&R::frequenza), QString());
+    QCOMPARE(ProgramRow(empty).whole(&R::K22), 0);
+    const Recordset zero = stored(ProgramRecord());
+    QCOMPARE(ProgramRow(zero).oscillator(), std::optional(0));
+    QCOMPARE(ProgramRow(zero).digital(), std::optional(false));
+    QVERIFY(!ProgramRow(zero).direct());
+    const Recordset seventh = stored(field::kLocOsc0, 7);
+    QCOMPARE(ProgramRow(seventh).oscillator(), std::optional(0));
+}
+
+void ProgramRecordTest::one_alone_is_monitored_and_digital() {
+    for (const int other : {-1, 0, 2}) {
+        stored(field::kMonitorState, other);
+        const Recordset set = stored(field::kSatAd, other);
+        QVERIFY(!ProgramRow(set).monitored());
+        QVERIFY(ProgramRow(set).digital() != std::optional(true));
+        QVERIFY(!read_program(set).sat_ad);
+    }
+    stored(field::kMonitorState, 1);
+    const Recordset set = stored(field::kSatAd, 1);
+    QVERIFY(ProgramRow(set).monitored());
+    QCOMPARE(ProgramRow(set).digital(), std::optional(true));
+    QVERIFY(read_program(set).sat_ad);
+}
+
+void ProgramRecordTest::the_dish_is_told_what_was_chosen_and_nothing_else() {
+    QCOMPARE(ProgramRow(programs()).diseqc(), QList<int>());
+    stored(field::kDiseqcCmd, kDiseqcNone);
+    const Recordset second = stored(field::kDiseqcCmd2, 0);
+    QCOMPARE(ProgramRow(second).diseqc(), QList<int>{0});
+    const Recordset both = stored(field::kDiseqcCmd, 5);
+    QCOMPARE(ProgramRow(both).diseqc(), QList<int>({5, 0}));
+}
+
+void ProgramRecordTest::oscillators_come_back() {
+    Recordset set = table_of(table::kConfigurazione);
+    QCOMPARE(read_oscillators(set), Oscillators());
+    const Oscillators written{QStringLiteral("9750"), QStringLiteral("10600"), QString(),
+                              QStringLiteral("5150.5")};
+    for (int index = 0; index < 4; ++index) {
+        set.edit();
+        write_oscillator(set, index, written[static_cast<std::size_t>(index)]);
+        set.update();
+    }
+    QCOMPARE(read_oscillators(table_of(table::kConfigurazione)), written);
+    set.edit();
+    write_oscillator(set, 1, QStringLiteral(" "));
+    set.update();
+    QCOMPARE(read_oscillators(table_of(table::kConfigurazione))[1], QString());
+}
+
+void ProgramRecordTest::an_oscillator_entry_that_is_not_there_counts_as_the_first() {
+    for (const int entry : {0, 1, 2, 3}) QCOMPARE(oscillator_entry(entry), entry);
+    for (const int none : {-1, 4, 7, 1'000'000}) QCOMPARE(oscillator_entry(none), 0);
+}
+
+void ProgramRecordTest::oscillators_that_exist() {
+    for (const double mhz : {3070.0, 9750.0, 12000.0}) QVERIFY(is_oscillator(mhz));
+    for (const double mhz : {0.0, 3069.9, 12000.1}) QVERIFY(!is_oscillator(mhz));
+}
+
+}  // namespace m47
+
+M47_DB_TEST_MAIN(m47::ProgramRecordTest)
+#include "program_record_test.moc"
