@@ -64,21 +64,6 @@ class SetsTest : public QObject {
         database_.reset();
     }
 
-    void names_are_cut_trimmed_and_capital() {
-        QCOMPARE(plan_name(QStringLiteral("  hot bird 13 east")), QStringLiteral("HOT BIRD"));
-        QCOMPARE(plan_name(QStringLiteral("abcdefghijkl")), QStringLiteral("ABCDEFGHIJ"));
-        QCOMPARE(plan_name(QStringLiteral("           x")), QString());
-    }
-
-    void a_name_has_ten_characters_in_capitals() {
-        // One small letter can become two capitals.
-        QCOMPARE(plan_name(QString::fromUtf8("straße süd")), QString::fromUtf8("STRASSE SÜ"));
-        QCOMPARE(plan_name(QString::fromUtf8("ßßßßßßßßßß")), QStringLiteral("SSSSSSSSSS"));
-        // A character outside the basic plane is kept whole or not at all.
-        QCOMPARE(plan_name(QString::fromUtf8("abcdefghi\xF0\x9F\x93\xA1")),
-                 QStringLiteral("ABCDEFGHI"));
-    }
-
     void a_new_plan_has_one_empty_program() {
         sets_->add_new(QStringLiteral("B"));
         QCOMPARE(sets_->plan(), QStringLiteral("B"));
@@ -173,7 +158,7 @@ class SetsTest : public QObject {
         int told = 0;
         QRandomGenerator random(15);
         for (int step = 1; step <= kInterleavings; ++step) {
-            const std::size_t w = random.bounded(2);
+            const std::size_t w = random.bounded(2U);
             if (random.bounded(2) == 0) {
                 windows[w]->refresh();
                 seen[w] = windows[w]->stored();

@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// A program on its way into the database file and back, and the oscillators of its plan.
+// A program on its way into the database file and back, its plan's oscillators and name.
 #include "program_record.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include "db_support.h"
 #include "diseqc_commands.h"
+#include "plan_name.h"
 #include "program_row.h"
 #include "tables.h"
 
@@ -79,7 +82,11 @@ class ProgramRecordTest : public QObject {
 
   private Q_SLOTS:
     void init() {
-        folder_ = std::make_unique<QTemporaryDir>();
+        // In memory where there is such a place: a database is made for each field.
+        const bool memory = QFileInfo(QStringLiteral("/dev/shm")).isWritable();
+        folder_ = std::make_unique<QTemporaryDir>(
+            (memory ? QStringLiteral("/dev/shm") : QDir::tempPath()) +
+            QStringLiteral("/m47-programme-XXXXXX"));
         database_ = made_in(folder_->path());
     }
 
@@ -96,6 +103,8 @@ class ProgramRecordTest : public QObject {
     void oscillators_come_back();
     void an_oscillator_entry_that_is_not_there_counts_as_the_first();
     void oscillators_that_exist();
+    void names_are_cut_trimmed_and_capital();
+    void a_name_has_ten_characters_in_capitals();
 };
 
 void ProgramRecordTest::the_fields_are_those_of_the_table() {
@@ -244,6 +253,21 @@ void ProgramRecordTest::an_oscillator_entry_that_is_not_there_counts_as_the_firs
 void ProgramRecordTest::oscillators_that_exist() {
     for (const double mhz : {3070.0, 9750.0, 12000.0}) QVERIFY(is_oscillator(mhz));
     for (const double mhz : {0.0, 3069.9, 12000.1}) QVERIFY(!is_oscillator(mhz));
+}
+
+void ProgramRecordTest::names_are_cut_trimmed_and_capital() {
+    QCOMPARE(plan_name(QStringLiteral("  hot bird 13 east")), QStringLiteral("HOT BIRD"));
+    QCOMPARE(plan_name(QStringLiteral("abcdefghijkl")), QStringLiteral("ABCDEFGHIJ"));
+    QCOMPARE(plan_name(QStringLiteral("           x")), QString());
+}
+
+void ProgramRecordTest::a_name_has_ten_characters_in_capitals() {
+    // One small letter can become two capitals.
+    QCOMPARE(plan_name(QString::fromUtf8("straße süd")), QString::fromUtf8("STRASSE SÜ"));
+    QCOMPARE(plan_name(QString::fromUtf8("ßßßßßßßßßß")), QStringLiteral("SSSSSSSSSS"));
+    // A character outside the basic plane is kept whole or not at all.
+    QCOMPARE(plan_name(QString::fromUtf8("abcdefghi\xF0\x9F\x93\xA1")),
+             QStringLiteral("ABCDEFGHI"));
 }
 
 }  // namespace m47

@@ -7,20 +7,19 @@
 #include <array>
 #include <optional>
 
+#include "stored_names.h"
+
 namespace m47 {
 
 /// The satellite slots of the meter.
 inline constexpr int kSlots = 20;
-
-/// How a slot that holds no satellite shows in a list: its name is ten asterisks.
-inline const QString kNoSatellite = QStringLiteral("**********");
 
 /// What one satellite slot holds: 48 bytes of tuning data, whose meaning the meter alone knows, and
 /// a name of ten characters. It is always whole: there is no way to a slot block that lacks a byte.
 class SlotBlock {
   public:
     static constexpr qsizetype kTuningBytes = 48;
-    static constexpr qsizetype kNameLength = 10;
+    static constexpr qsizetype kNameLength = kLongestName;
     static constexpr qsizetype kBytes = kTuningBytes + kNameLength;
 
     /// The empty slot: no tuning data, the name ten asterisks.

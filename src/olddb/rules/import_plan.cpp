@@ -13,8 +13,6 @@
 namespace m47 {
 namespace {
 
-// Stands for no satellite in the lists of the meter and of the program.
-const QString kNoSatellite = QStringLiteral("**********");
 // The last line of a satellite's data.
 const QString kEndOfData = QStringLiteral("S9030000FC");
 

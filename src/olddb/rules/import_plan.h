@@ -8,6 +8,7 @@
 #include <QVariant>
 
 #include "old_database.h"
+#include "stored_names.h"
 #include "texts.h"
 
 namespace m47 {
@@ -59,9 +60,6 @@ struct ImportPlan {
     QStringList missing;         ///< our tables, and as "table.field" fields, that it has not
     QStringList ignored;         ///< its tables and fields that we have not
 };
-
-/// The longest name of a plan or a satellite.
-inline constexpr qsizetype kLongestName = 10;
 
 /// `name` as plans are named: trimmed, in upper case, at most kLongestName characters.
 QString imported_plan_name(const QString& name);

@@ -15,10 +15,6 @@
 
 namespace m47 {
 
-/// A plan's name as it is kept: the first 10 characters, trimmed, in upper case, of which again 10
-/// are kept.
-QString plan_name(const QString& text);
-
 /// Every behaviour as it always was.
 inline const CorrectedBehaviour kNothingCorrected;
 

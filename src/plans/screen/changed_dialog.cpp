@@ -2,13 +2,12 @@
 #include "changed_dialog.h"
 
 #include <QDialogButtonBox>
-#include <QHeaderView>
 #include <QLabel>
 #include <QPushButton>
-#include <QTableWidget>
 #include <QVBoxLayout>
 
 #include "field_words.h"
+#include "text_table.h"
 
 namespace m47 {
 namespace {
@@ -25,28 +24,15 @@ constexpr Bilingual kGoOnTyping{"&Go on typing", "&Continua a scrivere"};
 constexpr Bilingual kChangedColumns[] = {
     {"Field", "Campo"}, {"Stored meanwhile", "Memorizzato nel frattempo"}, {"Yours", "Vostro"}};
 
-QTableWidget* table_of_changes(const QList<ChangedField>& fields, const Texts& texts) {
-    QStringList header;
-    for (const Bilingual& column : kChangedColumns) header += texts.pick(column);
-    auto* table =
-        new QTableWidget(static_cast<int>(fields.size()), static_cast<int>(header.size()));
-    table->setObjectName(QStringLiteral("changed_table"));
-    table->setHorizontalHeaderLabels(header);
-    table->verticalHeader()->hide();
-    table->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    int row = 0;
+QList<QStringList> rows_of_changes(const QList<ChangedField>& fields, const Texts& texts) {
+    QList<QStringList> rows;
     for (const ChangedField& field : fields) {
         const QString name = QString::fromLatin1(field.field);
-        const QStringList cells{field_name_in_words(name, texts),
+        rows.append(QStringList{field_name_in_words(name, texts),
                                 field_in_words(name, field.stored, texts),
-                                field_in_words(name, field.typed, texts)};
-        for (int column = 0; column < cells.size(); ++column)
-            table->setItem(row, column, new QTableWidgetItem(cells[column]));
-        ++row;
+                                field_in_words(name, field.typed, texts)});
     }
-    table->resizeColumnsToContents();
-    table->horizontalHeader()->setStretchLastSection(true);
-    return table;
+    return rows;
 }
 
 }  // namespace
@@ -64,7 +50,8 @@ ChangedDialog::ChangedDialog(const ChangedMeanwhile& change, const Texts& texts,
     add_button(buttons, "changed_neither", texts.pick(kGoOnTyping), Choice::neither);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(question);
-    layout->addWidget(table_of_changes(changed_fields(change), texts));
+    layout->addWidget(text_table("changed_table", kChangedColumns,
+                                 rows_of_changes(changed_fields(change), texts), texts));
     layout->addWidget(buttons);
     resize(fontMetrics().averageCharWidth() * 70, fontMetrics().height() * 20);
 }

@@ -2,12 +2,11 @@
 #include "import_dialog.h"
 
 #include <QDialogButtonBox>
-#include <QHeaderView>
 #include <QLabel>
 #include <QPushButton>
-#include <QTableWidget>
 #include <QVBoxLayout>
 
+#include "text_table.h"
 #include "tooltips.h"
 
 namespace m47 {
@@ -44,27 +43,13 @@ QStringList cells_of(const ImportRow& row, const Texts& texts) {
 }
 
 QTableWidget* table_of_import(const ImportPreview& preview, const Texts& texts) {
-    QStringList header;
-    for (const Bilingual& column : kImportColumns) header += texts.pick(column);
-    auto* table =
-        new QTableWidget(static_cast<int>(preview.rows.size()), static_cast<int>(header.size()));
-    table->setObjectName(QStringLiteral("import_table"));
-    table->setHorizontalHeaderLabels(header);
-    table->verticalHeader()->hide();
-    table->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    QList<QStringList> rows;
+    for (const ImportRow& row : preview.rows) rows.append(cells_of(row, texts));
+    QTableWidget* table = text_table("import_table", kImportColumns, rows, texts);
     table->setSelectionBehavior(QAbstractItemView::SelectRows);
-    int number = 0;
-    for (const ImportRow& row : preview.rows) {
-        int column = 0;
-        for (const QString& text : cells_of(row, texts)) {
-            auto* item = new QTableWidgetItem(text);
-            item->setToolTip(plain_tooltip(text));
-            table->setItem(number, column++, item);
-        }
-        ++number;
-    }
-    table->resizeColumnsToContents();
-    table->horizontalHeader()->setStretchLastSection(true);
+    for (int row = 0; row < table->rowCount(); ++row)
+        for (int column = 0; column < table->columnCount(); ++column)
+            table->item(row, column)->setToolTip(plain_tooltip(table->item(row, column)->text()));
     return table;
 }
 

@@ -6,7 +6,7 @@
 #include "engine.h"
 #include "handler.h"
 #include "message_box.h"
-#include "plan_sets.h"
+#include "plan_name.h"
 
 namespace m47 {
 namespace {
@@ -14,6 +14,8 @@ namespace {
 const QString kRemoveTitle = QStringLiteral("VKDM47");
 const QString kQuestionTitle = QStringLiteral("M47");
 const QString kErrorTitle = QStringLiteral("Error");
+constexpr Bilingual kNoProgram{"The plan has no program: make one first.",
+                               "Il piano non ha programmi: occorre prima crearne uno."};
 
 }  // namespace
 
@@ -41,6 +43,10 @@ void tell_clash(QWidget* screen, const Texts& texts, Clash clash) {
 
 void tell_problem(QWidget* screen, const QString& text) {
     show_message_box(screen, QMessageBox::Warning, kErrorTitle, text);
+}
+
+void tell_no_program(QWidget* screen, const Texts& texts) {
+    tell_problem(screen, texts.pick(kNoProgram));
 }
 
 void tell_database_fault(QWidget* screen, const ProgramState& program, const EngineFault& fault) {

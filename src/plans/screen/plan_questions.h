@@ -25,6 +25,9 @@ void tell_clash(QWidget* screen, const Texts& texts, Clash clash);
 /// Something that could not be done.
 void tell_problem(QWidget* screen, const QString& text);
 
+/// The plan has no program that could be changed or sent.
+void tell_no_program(QWidget* screen, const Texts& texts);
+
 /// Why the database did not take a change.
 void tell_database_fault(QWidget* screen, const ProgramState& program, const EngineFault& fault);
 

@@ -50,8 +50,7 @@ class ProgramSet : public QMainWindow {
     void upload_state(const QString& text, const QString& tooltip);
 
   private:
-    template <class Body>
-    void handle(const char* name, Body body);
+    void handle(const char* name, const std::function<void()>& body);
     void show_current_row();
     void set_icons();
     void connect_boxes();

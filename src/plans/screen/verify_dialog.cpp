@@ -2,10 +2,10 @@
 #include "verify_dialog.h"
 
 #include <QDialogButtonBox>
-#include <QHeaderView>
 #include <QLabel>
-#include <QTableWidget>
 #include <QVBoxLayout>
+
+#include "text_table.h"
 
 namespace m47 {
 namespace {
@@ -69,25 +69,11 @@ QString summary_of_check(const TableCheck& check, const Texts& texts) {
     return summary;
 }
 
-QTableWidget* table_of(const TableCheck& check, const Texts& texts) {
-    QStringList header;
-    for (const Bilingual& column : kVerifyColumns) header += texts.pick(column);
-    auto* table =
-        new QTableWidget(static_cast<int>(check.rows.size()), static_cast<int>(header.size()));
-    table->setObjectName(QStringLiteral("verify_table"));
-    table->setHorizontalHeaderLabels(header);
-    table->verticalHeader()->hide();
-    table->setEditTriggers(QAbstractItemView::NoEditTriggers);
+QTableWidget* table_of_check(const TableCheck& check, const Texts& texts) {
+    QList<QStringList> rows;
+    for (const TableComparison& row : check.rows) rows.append(cells_of_line(row, check, texts));
+    QTableWidget* table = text_table("verify_table", kVerifyColumns, rows, texts);
     table->setSelectionBehavior(QAbstractItemView::SelectRows);
-    int number = 0;
-    for (const TableComparison& row : check.rows) {
-        int column = 0;
-        for (const QString& text : cells_of_line(row, check, texts))
-            table->setItem(number, column++, new QTableWidgetItem(text));
-        ++number;
-    }
-    table->resizeColumnsToContents();
-    table->horizontalHeader()->setStretchLastSection(true);
     return table;
 }
 
@@ -104,7 +90,7 @@ VerifyDialog::VerifyDialog(const TableCheck& check, const Texts& texts, QWidget*
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(summary);
-    layout->addWidget(table_of(check, texts));
+    layout->addWidget(table_of_check(check, texts));
     layout->addWidget(buttons);
     resize(fontMetrics().averageCharWidth() * 70, fontMetrics().height() * 24);
 }

@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Plans and programs that come and go: each change comes true as a whole or not at all.
+#include <algorithm>
+
+#include "database_transaction.h"
+#include "fault.h"
+#include "fields.h"
+#include "plan_sets.h"
+#include "tables.h"
+
+namespace m47 {
+namespace {
+
+constexpr Bilingual kPlanFilledMeanwhile{
+    "Another program has stored programs in this plan meanwhile. Nothing was imported: choose the "
+    "file again.",
+    "Nel frattempo un altro programma ha memorizzato programmi in questo piano. Nulla è stato "
+    "importato: scegliere di nuovo il file."};
+constexpr Bilingual kNoPlanToStoreIn{"Nothing can be stored: there is no plan.",
+                                     "Non si può memorizzare nulla: non c'è alcun piano."};
+
+}  // namespace
+
+/// Without its plan a row would be kept where nobody can see or delete it.
+void PlanSets::need_plan() const {
+    if (!has_current_plan()) throw Fault(kNoPlanToStoreIn);
+}
+
+void PlanSets::all_or_nothing(const std::function<void()>& body) {
+    const QString plan = plan_;
+    const std::optional<Bookmark> current = current_row();
+    try {
+        DatabaseTransaction transaction(database_.connection());
+        body();
+        transaction.commit();
+    } catch (...) {
+        plan_ = plan;
+        try {
+            reopen(current);
+        } catch (const Fault&) {
+            // What the user has to know is why the change failed.
+        }
+        throw;
+    }
+}
+
+void PlanSets::add_rows(const QString& name) {
+    for (const char* table : {table::kGruppo, table::kProgrammi, table::kConfigurazione}) {
+        Recordset set = database_.of_plan(table, name);
+        set.add_new();
+        set.set(field::kNome, name);
+        set.update();
+    }
+}
+
+void PlanSets::add_new(const QString& name) {
+    if (!has_plan(name)) all_or_nothing([&] { add_rows(name); });
+    show_plan(name);
+}
+
+bool PlanSets::can_delete_plan() const {
+    QStringList names;
+    Recordset plans = Recordset::table(database_.connection(), table::kGruppo);
+    for (; !plans.end_of_set(); plans.move_next())
+        names += stored_plan_name(plans.text(field::kNome));
+    return names.contains(plan_) && names.count(plan_) < names.size() && !plan_.isEmpty();
+}
+
+void PlanSets::del_old() {
+    if (!can_delete_plan()) return;
+    all_or_nothing([this] {
+        for (const char* table : {table::kGruppo, table::kConfigurazione, table::kProgrammi}) {
+            Recordset set = database_.of_plan(table, plan_);
+            while (!set.empty()) {
+                set.move_first();
+                set.remove();
+            }
+        }
+    });
+    plans_.requery();
+    first_plan();
+}
+
+bool PlanSets::can_delete_program() const {
+    // As the file holds them now: others delete programs too.
+    return database_.of_plan(table::kProgrammi, plan_).count() > 1;
+}
+
+void PlanSets::delete_program() {
+    if (!can_delete_program()) return;
+    all_or_nothing([this] { programs_->remove(); });
+    crea_records(plan_);
+}
+
+/// Others may have filled the plan since the user has looked at what is to come.
+void PlanSets::need_room_for(const ImportPreview& import) {
+    programs_->requery();
+    config_->requery();
+    std::vector<ProgramRecord> others = programs();
+    if (import.replaces_blank) std::erase_if(others, is_blank);
+    for (const ImportRow& row : import.rows)
+        if (row.added() && find_clash(others, row.record) != Clash::none)
+            throw Fault(kPlanFilledMeanwhile);
+    if (import.replaces_blank && !others.empty()) throw Fault(kPlanFilledMeanwhile);
+}
+
+void PlanSets::apply_import(const ImportPreview& import) {
+    all_or_nothing([&] {
+        need_plan();
+        need_room_for(import);
+        if (import.replaces_blank) {
+            programs_->move_first();
+            programs_->remove();
+        }
+        for (const ImportRow& row : import.rows) {
+            if (!row.added()) continue;
+            programs_->add_new();
+            programs_->set(field::kNome, plan_);
+            write_program(*programs_, row.record);
+            programs_->update();
+        }
+        if (import.oscillators != oscillators()) write_oscillators(import.oscillators);
+    });
+    crea_records(plan_);
+}
+
+}  // namespace m47
