@@ -7,6 +7,7 @@
 
 #include "diseqc_commands.h"
 #include "fields.h"
+#include "program_limits.h"
 
 namespace m47 {
 namespace {
@@ -20,8 +21,8 @@ struct NumberKey {
     int maximum;
     int digits;
 };
-constexpr std::array kNumberKeys{NumberKey{field::kPgNum, 0, 99, 3},
-                                 NumberKey{field::kLoggerPos, 1, 41, 2}};
+constexpr std::array kNumberKeys{NumberKey{field::kPgNum, 0, kHighestProgram, 3},
+                                 NumberKey{field::kLoggerPos, 1, kLastLoggerLine, 2}};
 
 /// A whole number that stands for one of `choices` places of a list.
 struct Choice {
@@ -30,7 +31,7 @@ struct Choice {
 };
 constexpr std::array kChoices{
     Choice{field::kLocOsc0, static_cast<int>(field::kOscillators.size())},
-    Choice{field::kLnbVolt, 3},
+    Choice{field::kLnbVolt, kSupplyChoices},
     Choice{field::kDiseqcCmd, static_cast<int>(kDiseqcCommands.size())},
     Choice{field::kDiseqcCmd2, static_cast<int>(kDiseqcCommands.size())},
 };

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "numbers.h"
+#include "program_limits.h"
 
 namespace m47 {
 namespace {

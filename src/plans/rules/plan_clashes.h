@@ -19,7 +19,4 @@ Clash find_clash(const std::vector<ProgramRecord>& others, const ProgramRecord& 
 /// ends at 41, is full.
 QString next_logger_position(const std::vector<ProgramRecord>& programs);
 
-/// The last line of the meter's logger table.
-inline constexpr int kLastLoggerLine = 41;
-
 }  // namespace m47

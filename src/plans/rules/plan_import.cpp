@@ -9,6 +9,7 @@
 #include "numbers.h"
 #include "plan_clashes.h"
 #include "program_checks.h"
+#include "program_limits.h"
 #include "used_numbers.h"
 
 namespace m47 {
@@ -147,8 +148,8 @@ ProgramRecord import_defaults(double unit_offset) {
     record.qpsk_symbolrate = QStringLiteral("27500");
     record.satchbw = QStringLiteral("36");
     record.diseqc_cmd = record.diseqc_cmd2 = kDiseqcNone;
-    record.lev_min = plain_text(20 - unit_offset);
-    record.lev_max = plain_text(120 - unit_offset);
+    record.lev_min = plain_text(level_range(unit_offset).minimum);
+    record.lev_max = plain_text(level_range(unit_offset).maximum);
     record.noise_min = record.mer_min = QStringLiteral("1");
     record.noise_max = record.mer_max = QStringLiteral("40");
     record.chber_min = QStringLiteral("1E-8");

@@ -7,17 +7,15 @@
 #include "box_numbers.h"
 #include "diseqc_commands.h"
 #include "numbers.h"
+#include "program_limits.h"
 #include "tuning_range.h"
 
 namespace m47 {
 namespace {
 
-constexpr double kHighestProgram = 99;
 constexpr double kLowestBandwidth = 1;
 constexpr double kHighestBandwidth = 40;
 constexpr double kUsualBandwidth = 36;
-constexpr double kLowestLevel = 20;  // dBuV
-constexpr double kHighestLevel = 120;
 constexpr double kLowestRatio = 1;  // dB
 constexpr double kHighestRatio = 40;
 constexpr double kHighestChber = 0.03;
@@ -48,15 +46,15 @@ void correct_selections(ProgramRecord& record) {
     constexpr int kCommands = static_cast<int>(kDiseqcCommands.size());
     record.diseqc_cmd = selected(record.diseqc_cmd, kCommands);
     record.diseqc_cmd2 = selected(record.diseqc_cmd2, kCommands);
-    record.lnb_volt = selected(record.lnb_volt, 3);
-    record.K22 = selected(record.K22, 2);
+    record.lnb_volt = selected(record.lnb_volt, kSupplyChoices);
+    record.K22 = selected(record.K22, kToneChoices);
     record.loc_osc0 = static_cast<int>(oscillator_entry(record));
 }
 
 }  // namespace
 
 QString checked_program_number(const QString& text) {
-    return format_number(std::clamp(box_value(text), 0.0, kHighestProgram), "000");
+    return format_number(std::clamp(box_value(text), 0.0, double{kHighestProgram}), "000");
 }
 
 QString checked_frequency(const QString& text, bool direct, const QString& oscillator) {
@@ -93,8 +91,7 @@ QString checked_oscillator(const QString& text) {
 }
 
 void correct_level_limits(QString& minimum, QString& maximum, double unit_offset) {
-    const double lowest = kLowestLevel - unit_offset;
-    const double highest = kHighestLevel - unit_offset;
+    const auto [lowest, highest] = level_range(unit_offset);
     if (box_value(minimum) < lowest) minimum = plain_text(lowest);
     // Room is left for a maximum above it.
     if (box_value(minimum) > highest) minimum = plain_text(highest - 1);

@@ -4,13 +4,9 @@
 #include "commands.h"
 #include "numbers.h"
 #include "program_commands.h"
+#include "program_limits.h"
 
 namespace m47 {
-namespace {
-
-constexpr double kHighestNumber = 99;
-
-}  // namespace
 
 void leave_out_blank(UploadPlan& plan) {
     std::erase_if(plan.programs, is_blank);
@@ -22,7 +18,7 @@ QStringList opening_commands(UploadMode mode) {
     QStringList commands{command::kMeasure};
     if (mode == kDisable) commands += command::query(command::kLoggerTable);
     if (mode == kReplace) {
-        commands += with_pair(with_pair(command::kDelete, 0), kHighestNumber);
+        commands += with_pair(with_pair(command::kDelete, 0), kHighestProgram);
         commands += command::kClearLoggerTable;
     }
     return commands;

@@ -4,6 +4,7 @@
 #include <QString>
 #include <array>
 
+#include "program_limits.h"
 #include "program_record.h"
 
 namespace m47 {
@@ -17,7 +18,7 @@ class UsedNumbers {
     QString first_free() const;
 
   private:
-    std::array<bool, 100> used_{};
+    std::array<bool, kHighestProgram + 1> used_{};
 };
 
 }  // namespace m47

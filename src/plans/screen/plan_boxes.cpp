@@ -6,8 +6,7 @@
 #include "diseqc_commands.h"
 #include "fields.h"
 #include "numbers.h"
-#include "plan_clashes.h"
-#include "program_checks.h"
+#include "program_limits.h"
 #include "ui_program_set.h"
 
 namespace m47 {

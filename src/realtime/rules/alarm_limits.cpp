@@ -8,9 +8,6 @@
 namespace m47 {
 namespace {
 
-constexpr double kLevelMinimum = 20;  // dBuV
-constexpr double kLevelMaximum = 120;
-
 bool any(const auto& boxes) {
     return std::ranges::find(boxes, true) != boxes.end();
 }
@@ -67,10 +64,6 @@ void check_limits(AlarmRow row, double value, RealtimePanel& panel, RealtimeStat
                         (limits->maximum && value >= *limits->maximum);
     if (failed) state.alarm_raised = true;
     panel.alarm_light[static_cast<std::size_t>(row)] = failed ? LampColour::red : LampColour::green;
-}
-
-LevelRange level_range(double offset) {
-    return {kLevelMinimum - offset, kLevelMaximum - offset};
 }
 
 void clamp_analog_limits(RealtimePanel& panel, double offset, EmptyLimits empty) {

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "measurement.h"
+#include "program_limits.h"
 #include "realtime_panel.h"
 
 namespace m47 {
@@ -36,13 +37,6 @@ std::optional<Limits> limits_in_force(AlarmRow row, const RealtimePanel& panel, 
 /// A value equal to a limit fails. A row whose alarm is not ticked or has no limit is left alone.
 void check_limits(AlarmRow row, double value, RealtimePanel& panel, RealtimeState& state,
                   EmptyLimits empty = EmptyLimits::zero);
-
-/// The levels that a limit can have in a unit `offset` dB below dBuV, both ends included.
-struct LevelRange {
-    double minimum;
-    double maximum;
-};
-LevelRange level_range(double offset);
 
 /// Brings the analog level limits into the meter's range, 20 to 120 dBuV seen in the unit that lies
 /// `offset` dB below dBuV (0, 60 or 109), and writes corrected ones back.
