@@ -52,12 +52,12 @@ void fill(m47::Database& database) {
     for (int plan = 0; plan < kPlans; ++plan) {
         for (m47::Recordset* set : {&plans, &configurations}) {
             set->add_new();
-            set->set(field::kNome, plan_of(plan));
+            set->set(m47::field::kNome, plan_of(plan));
             set->update();
         }
         for (int number = 0; number < kPrograms; ++number) {
             programs.add_new();
-            programs.set(field::kNome, plan_of(plan));
+            programs.set(m47::field::kNome, plan_of(plan));
             m47::write_program(programs, program_of(number));
             programs.update();
         }
@@ -195,10 +195,10 @@ int main(int argc, char** argv) {
     });
     const bool found = compare("find a plan and a program", *database, path, [&](int k) {
         m47::Recordset& plans = database->gruppo();
-        if (!plans.find_first(field::kNome, plan_of(place(k)))) std::abort();
+        if (!plans.find_first(m47::field::kNome, plan_of(place(k)))) std::abort();
         m47::Recordset programs =
             database->of_plan(QString::fromLatin1(m47::table::kProgrammi), plan_of(place(k)));
-        if (!programs.find_first(field::kPgNum, QStringLiteral("050"))) std::abort();
+        if (!programs.find_first(m47::field::kPgNum, QStringLiteral("050"))) std::abort();
     });
     return shown && stored && found ? 0 : 1;
 }

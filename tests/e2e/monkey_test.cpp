@@ -19,6 +19,7 @@
 #include "meter_in_process.h"
 #include "monkey.h"
 #include "old_reader.h"
+#include "plan_name.h"
 #include "plan_sets.h"
 #include "process_support.h"
 #include "program_in_folder.h"
