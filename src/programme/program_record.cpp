@@ -97,8 +97,7 @@ void give_box_form(ProgramRecord& record) {
 ProgramRecord read_program(const Recordset& set, int unset_diseqc) {
     const ProgramRow row(set);
     ProgramRecord record;
-    for (const ProgramField& field : kProgramFields)
-        set_field(record, field, set.text(field.name));
+    for (const ProgramField& field : kProgramFields) set_field(record, field, set.text(field.name));
     give_box_form(record);
     for (const auto command : {&R::diseqc_cmd, &R::diseqc_cmd2})
         if (!row.has(command)) record.*command = unset_diseqc;
