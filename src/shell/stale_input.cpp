@@ -12,9 +12,6 @@
 namespace m47 {
 namespace {
 
-// A timer of no time may come before what lies in the queue of the window system, but not twice.
-constexpr int kTurns = 2;
-
 /// The widget of `window`, or of the menu open before it, at a place of the screen.
 QWidget* widget_at(const QWindow* window, QPoint place) {
     QWidget* around = QApplication::activePopupWidget();
@@ -37,19 +34,20 @@ bool is_kept_at(const QWindow* window, QPoint place) {
 
 StaleInput::StaleInput() {
     qApp->installEventFilter(this);
+    connect(&mark_, &QueueMark::passed, this, [this] { stale_ = false; });
 }
 
 void StaleInput::begin() {
     stale_ = true;
-    turns_ = 0;
+    mark_.take_away();
     if (timer_ == 0) timer_ = startTimer(0);
 }
 
+// Timers rest while the meter is waited for, so the wait is over now.
 void StaleInput::timerEvent(QTimerEvent* event) {
-    if (++turns_ < kTurns) return;
     killTimer(event->timerId());
     timer_ = 0;
-    stale_ = false;
+    mark_.set();
 }
 
 bool StaleInput::eventFilter(QObject* watched, QEvent* event) {

@@ -8,6 +8,8 @@
 #include <QWidget>
 #include <QWindow>
 
+#include "queue_mark.h"
+
 namespace m47 {
 
 /// What the user did while the meter was waited for comes out of the queue when the wait is over,
@@ -34,7 +36,7 @@ class StaleInput : public QObject {
 
     bool stale_ = false;
     int timer_ = 0;
-    int turns_ = 0;
+    QueueMark mark_;
     /// Buttons and keys that are still down after their press was dropped.
     Qt::MouseButtons buttons_;
     QSet<int> keys_;
