@@ -93,8 +93,8 @@ struct Stand {
         click(handle(), place_of(control) + inside);
     }
     static void key(QWindow* to, QEvent::Type type, int code, const QString& text,
-                    bool repeats = false) {
-        QKeyEvent event(type, code, Qt::NoModifier, text, repeats);
+                    bool repeats = false, Qt::KeyboardModifiers held = Qt::NoModifier) {
+        QKeyEvent event(type, code, held, text, repeats);
         QCoreApplication::sendEvent(to, &event);
     }
     void enter(QEvent::Type type, bool repeats) const {
@@ -272,6 +272,33 @@ class BusyPumpTest : public QObject {
         QTest::qWait(20);
         stand.press(Qt::Key_Return, "\r");
         QCOMPARE(entered, 1);
+    }
+
+    void what_is_typed_takes_the_place_of_what_was_selected() {
+        Stand stand;
+        stand.box->setText("1000");
+        stand.box->setFocus();
+        stand.pump.pump();
+        Stand::key(stand.handle(), QEvent::KeyPress, Qt::Key_A, "\x01", false, Qt::ControlModifier);
+        for (const char digit : {'1', '7'}) stand.press(digit, QChar(digit));
+        QCOMPARE(stand.box->text(), QString("17"));
+    }
+
+    void where_the_wait_exchanges_the_content_nothing_is_taken() {
+        Stand stand;
+        keep_while_busy(stand.window.centralWidget(), false);
+        stand.box->setText("1000");
+        stand.box->setFocus();
+        stand.pump.pump();
+        stand.press('1', "1");
+        stand.click(stand.tabs);
+        QCOMPARE(stand.box->text(), QString("1000"));
+        stand.click(stand.stop);
+        QCOMPARE(stand.stops, 1);
+        QTest::qWait(20);
+        stand.box->setFocus();
+        stand.press('1', "1");
+        QCOMPARE(stand.box->text(), QString("10001"));
     }
 
     void a_held_enter_does_nothing_until_it_is_let_go() {

@@ -16,6 +16,7 @@
 #include <QTabBar>
 #include <QToolButton>
 #include <algorithm>
+#include <array>
 
 namespace m47 {
 namespace {
@@ -24,6 +25,15 @@ constexpr const char* kKept = "m47_keep_while_busy";
 
 bool is_kept(const QObject* control) {
     return control && control->property(kKept).toBool();
+}
+
+/// A place whose content the wait itself may exchange takes nothing in it.
+bool is_refused(const QWidget* place) {
+    for (; place; place = place->parentWidget()) {
+        const QVariant said = place->property(kKept);
+        if (said.isValid()) return !said.toBool();
+    }
+    return false;
 }
 
 template <class... Kinds>
@@ -59,7 +69,13 @@ bool moves_about(int key) {
     return key >= Qt::Key_Home && key <= Qt::Key_PageDown;
 }
 
+/// What belongs to typing: without "select all" the next digits would land beside the old ones.
 bool edits(const QKeyEvent& key) {
+    constexpr std::array kSequences{QKeySequence::SelectAll, QKeySequence::Cut,
+                                    QKeySequence::Copy,      QKeySequence::Paste,
+                                    QKeySequence::Undo,      QKeySequence::Redo};
+    if (std::ranges::any_of(kSequences, [&](auto sequence) { return key.matches(sequence); }))
+        return true;
     if (key.key() == Qt::Key_Backspace || key.key() == Qt::Key_Delete) return true;
     const bool command = key.modifiers() & (Qt::ControlModifier | Qt::AltModifier);
     return !command && !key.text().isEmpty() && key.text().front().isPrint();
@@ -85,6 +101,7 @@ bool press_is_kept(const QWidget* target, QPoint place) {
     if (const auto* menu = qobject_cast<const QMenu*>(target)) return entry_is_kept(*menu, place);
     const auto* key = qobject_cast<const QToolButton*>(target);
     if (is_kept(target) || (key && is_kept(key->defaultAction()))) return true;
+    if (is_refused(target)) return false;
     // The page of a view is a child of it.
     return is_view(target) ||
            (target && !is_one_of<QAbstractButton>(target) && is_view(target->parentWidget()));
@@ -95,6 +112,7 @@ bool key_is_kept(const QWidget* focus, const QKeyEvent& key) {
     if (is_kept_shortcut(key)) return true;
     if (!focus) return false;
     if (key.key() == Qt::Key_Space && is_kept(focus)) return true;
+    if (is_refused(focus)) return false;
     if (is_text_box(focus)) return moves_about(key.key()) || edits(key);
     return moves_about(key.key()) && is_view(focus);
 }

@@ -3,6 +3,7 @@
 
 #include <QApplication>
 
+#include "busy_input.h"
 #include "corrected_actions.h"
 #include "handler.h"
 #include "icons.h"
@@ -45,6 +46,8 @@ ProgramSet::ProgramSet(Link& link, ProgramState& program, Database& database, QW
     ui_->delete_plan->setObjectName(QStringLiteral("delete"));
     // Its menu would hide the toolbar, and nothing would bring it back.
     setContextMenuPolicy(Qt::NoContextMenu);
+    // An upload goes through the programs: behind it another one stands in the boxes.
+    keep_while_busy(this, false);
     sets_.on_checked = [this](const QStringList& numbers) {
         const QString list = numbers.join(QStringLiteral(", "));
         Q_EMIT upload_state(program_.texts.pick(kFrequenciesCorrected).arg(list), QString());
