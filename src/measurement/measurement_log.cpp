@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "file_lock.h"
 #include "log_lines.h"
 #include "plain_file.h"
 
@@ -38,6 +39,9 @@ class OpenFile {
 
     /// False when the system reports only now that something was not written.
     bool close() { return !opened() || ::close(std::exchange(descriptor_, -1)) == 0; }
+
+    /// A second descriptor of the same opening.
+    int copy() const { return fcntl(descriptor_, F_DUPFD_CLOEXEC, 0); }
 
     /// The length in bytes; nothing for what is not a plain file, such as a pipe or a device.
     std::optional<off_t> length() const {
@@ -133,6 +137,11 @@ bool MeasurementLog::append(std::string_view line) {
     const QByteArray name = QFile::encodeName(path_);
     OpenFile file(open_to_append(name));
     if (!file.opened()) return failed(qt_error_string(errno));
+    // Stays open when the file is closed, and the lock with it.
+    const OpenFile kept(file.copy());
+    if (!kept.opened()) return failed(qt_error_string(errno));
+    // Another program may log to the same file: what is taken back must not be a line of its own.
+    const FileLock alone(file.get());
     const auto length = file.length();
     if (!length) return failed(QStringLiteral("not a plain file"));
 
@@ -146,10 +155,11 @@ bool MeasurementLog::append(std::string_view line) {
         reason_.clear();
         return true;
     }
-    QString reason = qt_error_string(errno);
-    if (truncate(name.constData(), *length) != 0)
-        reason += QStringLiteral("; a part of the line is left: ") + qt_error_string(errno);
-    return failed(reason);
+    const QString reason = qt_error_string(errno);
+    if (alone.refused()) return failed(reason + QStringLiteral("; a part of the line may be left"));
+    if (ftruncate(kept.get(), *length) == 0) return failed(reason);
+    return failed(reason + QStringLiteral("; a part of the line is left: ") +
+                  qt_error_string(errno));
 }
 
 bool MeasurementLog::failed(const QString& reason) {

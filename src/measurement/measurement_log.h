@@ -31,7 +31,8 @@ class MeasurementLog {
 
     /// Adds one line (without its line end) to the file, creating it where there is none; a file
     /// that breaks off within a line gets a line end first. On false nothing has been added, not
-    /// half a line either, and reason() says why.
+    /// half a line either, and reason() says why. Other programs may append to the same file: each
+    /// line stays whole, and so does what they have written.
     bool append(std::string_view line);
 
     /// Why the last append() failed; empty after one that succeeded and for a log just opened.

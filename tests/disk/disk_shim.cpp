@@ -44,7 +44,7 @@ struct Settings {
         if (path == nullptr) return;
         constexpr int kFlags = O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC;
         const long opened = syscall(SYS_openat, AT_FDCWD, path, kFlags, 0600);
-        record = fcntl(static_cast<int>(opened), F_DUPFD_CLOEXEC, kOwnFrom);
+        record = static_cast<int>(syscall(SYS_fcntl, opened, F_DUPFD_CLOEXEC, kOwnFrom));
         syscall(SYS_close, opened);
     }
 };
@@ -193,6 +193,15 @@ int sync_with(long call, const char* word, int descriptor) {
     return static_cast<int>(result);
 }
 
+int watch_copy(int of, long copy) {
+    if (copy < 0 || copy >= kDescriptors) return static_cast<int>(copy);
+    g_watched[copy] = watched(of);
+    if (!g_watched[copy]) return static_cast<int>(copy);
+    std::memmove(g_names[copy], g_names[of], PATH_MAX);
+    record("open", static_cast<int>(copy), 0, 0, g_names[copy]);
+    return static_cast<int>(copy);
+}
+
 /// Renaming and linking.
 int move_with(const char* word, long call, int from_at, const char* from, int to_at, const char* to,
               unsigned flags) {
@@ -298,6 +307,19 @@ int truncate(const char* path, off_t length) noexcept {
 int truncate64(const char* path, off_t length) noexcept {
     return truncate_to(-1, path, length);
 }
+
+#define M47_FCNTL(name)                                                            \
+    int name(int descriptor, int command, ...) {                                   \
+        std::va_list rest;                                                         \
+        va_start(rest, command);                                                   \
+        const long argument = va_arg(rest, long);                                  \
+        va_end(rest);                                                              \
+        const long result = syscall(SYS_fcntl, descriptor, command, argument);     \
+        const bool copies = command == F_DUPFD || command == F_DUPFD_CLOEXEC;      \
+        return copies ? watch_copy(descriptor, result) : static_cast<int>(result); \
+    }
+M47_FCNTL(fcntl)
+M47_FCNTL(fcntl64)
 
 int rename(const char* from, const char* to) noexcept {
     return move_with("rename", SYS_renameat2, AT_FDCWD, from, AT_FDCWD, to, 0);

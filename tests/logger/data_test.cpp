@@ -14,6 +14,7 @@
 #include "commands.h"
 #include "fake_link_view.h"
 #include "fake_port.h"
+#include "file_lock.h"
 #include "logger_data.h"
 
 namespace m47 {
@@ -139,6 +140,19 @@ class DataTest : public QObject {
         download();
         QCOMPARE(data_->text(), QByteArray("three\r\nOK\r\n"));
         QCOMPARE(content("DWL.TMP"), QByteArray("three\r\nOK\r\n"));
+    }
+
+    /// As with any file that cannot be written; the meter still has the data.
+    void a_folder_that_another_program_holds_leaves_the_text_empty() {
+        meter_sends("one\r\n");
+        {
+            const FileLock other(folder_->path());
+            download();
+        }
+        QCOMPARE(data_->text(), QByteArray());
+        QCOMPARE(files(), QStringList());
+        download();
+        QCOMPARE(data_->text(), QByteArray("one\r\nOK\r\n"));
     }
 
     void every_byte_survives() {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "measurement_log.h"
 
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -457,6 +458,27 @@ class MeasurementLogTest : public QObject {
         QVERIFY(!append(log, kAnalogLine));
         QVERIFY(!log.reason().isEmpty());
         QVERIFY(timer.elapsed() < 5000);
+    }
+
+    void a_log_that_another_program_holds_takes_its_lines() {
+        const QString log_path = write("a\r\n");
+        QFile other(log_path);
+        QVERIFY(other.open(QIODevice::ReadOnly));
+        QCOMPARE(flock(other.handle(), LOCK_EX), 0);
+        MeasurementLog log;
+        PageModel page;
+        log.open(log_path, page);
+        QVERIFY2(append(log, "b"), qPrintable(log.reason()));
+        QCOMPARE(contents(), QByteArray("a\r\nb\r\n"));
+        bool done = true;
+        {
+            const DiskFullAt full(6 + 10);
+            done = append(log, kAnalogLine);
+        }
+        // What follows may be the other one's line by then.
+        QVERIFY(!done);
+        QVERIFY2(log.reason().contains(QLatin1String("may be left")), qPrintable(log.reason()));
+        QCOMPARE(contents(), "a\r\nb\r\n" + kAnalogLine.first(10));
     }
 
     void a_link_to_a_log_is_the_log() {

@@ -12,7 +12,8 @@ from places import places_in
 from schemata import write
 
 PRESET = "mutants"
-_FAULT = re.compile(r"^(/[^:\n]+):(\d+):(\d+): (fatal error|error|note):", re.M)
+# A compiler cache makes paths relative to the folder of the build.
+_FAULT = re.compile(r"^((?:/|\.\./)[^:\n]+):(\d+):(\d+): (fatal error|error|note):", re.M)
 
 
 class BuildFailed(Exception):
@@ -141,7 +142,8 @@ class Tree:
         return broken
 
     def _owners(self, path, line, column):
-        written = self._written.get(os.path.normpath(path).removeprefix(f"{self._copy}/"))
+        whole = os.path.normpath(self.build_folder / path)
+        written = self._written.get(whole.removeprefix(f"{self._copy}/"))
         if written is None:
             return ()
         lines = written.text.split("\n")

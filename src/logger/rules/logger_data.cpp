@@ -3,6 +3,8 @@
 
 #include <QFile>
 
+#include "file_lock.h"
+
 namespace m47 {
 namespace {
 
@@ -39,7 +41,9 @@ NameFault LoggerData::download(const QString& command, const QString& name) {
 void LoggerData::visualizza(const QByteArray& answer) {
     text_.clear();
     const QString path = program_.base_dir + program_.temp_file_name;
-    if (write_file(path, answer, Links::refused)) show_file(path);
+    // Another window in the folder may use the same name: neither is to read the other's.
+    const FileLock alone(program_.base_dir);
+    if (!alone.refused() && write_file(path, answer, Links::refused)) show_file(path);
 }
 
 bool LoggerData::show_file(const QString& path) {
