@@ -941,6 +941,63 @@ class PlanScreenTest : public QObject, protected ProgramInFolder {
         QCOMPARE(stored(both), QStringLiteral("1001.0 20,1600.0 43"));
     }
 
+    void a_deletion_asks_where_another_program_has_stored_meanwhile() {
+        start_alone();
+        type_two_programs();
+        const auto changed_elsewhere = [&](const char* level) {
+            elsewhere(QStringLiteral("UPDATE programmi SET lev_min = '%1' WHERE pg_num = '002'")
+                          .arg(QLatin1String(level)));
+        };
+        const auto remove = pressed("programma_delete");
+        const auto confirmed = pressing(QMessageBox::Ok);
+        changed_elsewhere("41");
+        QStringList changes;
+        answering_each(remove, {confirmed, noting_changes(changes, "changed_neither")});
+        QCOMPARE(changes, QStringList({"002: Level, minimum|41|20"}));
+        QCOMPARE(stored(QStringLiteral("lev_min")), QStringLiteral("20,41"));
+        QCOMPARE(text_of("lev_mintxt"), QStringLiteral("41"));
+        changed_elsewhere("42");
+        answering_each(remove, {confirmed, choosing_button("changed_mine")});
+        QCOMPARE(stored(QStringLiteral("lev_min")), QStringLiteral("20"));
+    }
+
+    void a_plan_is_not_deleted_with_what_another_program_has_stored_in_it() {
+        start_alone();
+        program_state().texts.language = kItalian;
+        type_two_programs();
+        const auto remove = pressed("delete");
+        const auto confirmed = pressing(QMessageBox::Ok);
+        elsewhere(QStringLiteral("INSERT INTO gruppo (nome) VALUES ('OTHER')"));
+        elsewhere(
+            QStringLiteral("INSERT INTO programmi (nome, pg_num, frequenza) VALUES ('PLAN 1', "
+                           "'003', 1003)"));
+        elsewhere(QStringLiteral("UPDATE configurazione SET loc_osc2 = 10600"));
+        QStringList changes;
+        answering_each(remove, {confirmed, noting_changes(changes, "changed_neither")});
+        QCOMPARE(changes, QStringList({"003: Programma|003|", "003: Frequenza, MHz|1003|",
+                                       "Oscillatore 2, MHz|10600|"}));
+        QCOMPARE(stored(QStringLiteral("frequenza")), QStringLiteral("1001.0,1002.0,1003.0"));
+        // What has been asked about is known now.
+        answering(remove, confirmed);
+        QCOMPARE(stored(QStringLiteral("frequenza")), QString());
+    }
+
+    void a_plan_that_has_become_the_last_one_stays_and_it_is_told() {
+        start_alone();
+        type_two_programs();
+        elsewhere(QStringLiteral("INSERT INTO gruppo (nome) VALUES ('OTHER')"));
+        answering_each(pressed("delete"),
+                       {[this](QWidget* front) {
+                            elsewhere(QStringLiteral("DELETE FROM gruppo WHERE nome = 'OTHER'"));
+                            pressing(QMessageBox::Ok)(front);
+                        },
+                        pressing(QMessageBox::Ok)});
+        QVERIFY2(told_.last().contains(QStringLiteral("The last one stays")),
+                 qPrintable(told_.last()));
+        QCOMPARE(stored(QStringLiteral("frequenza")), QStringLiteral("1001.0,1002.0"));
+        QCOMPARE(text_of("grp_name"), QStringLiteral("PLAN 1"));
+    }
+
     void what_is_stored_twice_alike_is_not_asked() {
         start_alone();
         type_two_programs();

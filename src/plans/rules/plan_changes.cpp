@@ -16,6 +16,11 @@ constexpr Bilingual kPlanFilledMeanwhile{
     "file again.",
     "Nel frattempo un altro programma ha memorizzato programmi in questo piano. Nulla è stato "
     "importato: scegliere di nuovo il file."};
+constexpr Bilingual kOscillatorsChanged{
+    "Another program has changed the oscillators of this plan meanwhile. Nothing was imported: "
+    "choose the file again.",
+    "Nel frattempo un altro programma ha modificato gli oscillatori di questo piano. Nulla è stato "
+    "importato: scegliere di nuovo il file."};
 constexpr Bilingual kNoPlanToStoreIn{"Nothing can be stored: there is no plan.",
                                      "Non si può memorizzare nulla: non c'è alcun piano."};
 
@@ -54,7 +59,9 @@ void PlanSets::add_rows(const QString& name) {
 }
 
 void PlanSets::add_new(const QString& name) {
-    if (!has_plan(name)) all_or_nothing([&] { add_rows(name); });
+    all_or_nothing([&] {
+        if (!has_plan(name)) add_rows(name);
+    });
     show_plan(name);
 }
 
@@ -66,9 +73,35 @@ bool PlanSets::can_delete_plan() const {
     return names.contains(plan_) && names.count(plan_) < names.size() && !plan_.isEmpty();
 }
 
-void PlanSets::del_old() {
-    if (!can_delete_plan()) return;
-    all_or_nothing([this] {
+RemovedRows PlanSets::rows_of(Recordset set) const {
+    RemovedRows rows;
+    if (!set.empty()) set.move_first();
+    for (; !set.end_of_set(); set.move_next())
+        rows.programs[set.bookmark()] = read_program(set, kNoDiseqcChosen);
+    return rows;
+}
+
+RemovedRows PlanSets::seen_program(const StoredProgram& known) const {
+    RemovedRows rows;
+    if (const auto row = current_row()) rows.programs[*row] = known.program;
+    return rows;
+}
+
+RemovedRows PlanSets::seen_plan(const StoredProgram& known) const {
+    RemovedRows rows = rows_of(*programs_);
+    for (const auto& [row, program] : seen_program(known).programs) rows.programs[row] = program;
+    rows.oscillators = known.oscillators;
+    return rows;
+}
+
+bool PlanSets::del_old(const RemovedRows* seen) {
+    bool deleted = false;
+    // With the look at the others: they may delete plans too, and change this one.
+    all_or_nothing([&] {
+        if (!can_delete_plan()) return;
+        RemovedRows now = rows_of(database_.of_plan(QString::fromLatin1(table::kProgrammi), plan_));
+        now.oscillators = oscillators_of(plan_);
+        if (seen) need_unchanged(*seen, now);
         for (const char* table : {table::kGruppo, table::kConfigurazione, table::kProgrammi}) {
             Recordset set = database_.of_plan(table, plan_);
             while (!set.empty()) {
@@ -76,9 +109,12 @@ void PlanSets::del_old() {
                 set.remove();
             }
         }
+        deleted = true;
     });
+    if (!deleted) return false;
     plans_.requery();
     first_plan();
+    return true;
 }
 
 bool PlanSets::can_delete_program() const {
@@ -86,16 +122,25 @@ bool PlanSets::can_delete_program() const {
     return database_.of_plan(table::kProgrammi, plan_).count() > 1;
 }
 
-void PlanSets::delete_program() {
-    if (!can_delete_program()) return;
-    all_or_nothing([this] { programs_->remove(); });
-    crea_records(plan_);
+bool PlanSets::delete_program(const RemovedRows* seen) {
+    bool deleted = false;
+    all_or_nothing([&] {
+        if (!can_delete_program()) return;
+        read_anew(true);
+        const RemovedRows now{{{programs_->bookmark(), stored().program}}, {}};
+        if (seen) need_unchanged(*seen, now);
+        programs_->remove();
+        deleted = true;
+    });
+    if (deleted) crea_records(plan_);
+    return deleted;
 }
 
 /// Others may have filled the plan since the user has looked at what is to come.
 void PlanSets::need_room_for(const ImportPreview& import) {
     programs_->requery();
     config_->requery();
+    if (import.oscillators_before != oscillators()) throw Fault(kOscillatorsChanged);
     std::vector<ProgramRecord> others = programs();
     if (import.replaces_blank) std::erase_if(others, is_blank);
     for (const ImportRow& row : import.rows)

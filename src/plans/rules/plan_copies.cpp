@@ -63,35 +63,49 @@ ImportProblem find_oscillator(const ProgramRecord& record, const Oscillators& kn
 
 }  // namespace
 
-void PlanSets::copy_plan(const QString& name) {
-    need_plan();
+bool PlanSets::copy_plan(const QString& name) {
+    bool copied = false;
     all_or_nothing([&] {
+        need_plan();
+        if (has_plan(name)) return;
         for (const char* table : {table::kGruppo, table::kConfigurazione, table::kProgrammi}) {
             Recordset from = database_.of_plan(QString::fromLatin1(table), plan_);
             Recordset to = database_.of_plan(QString::fromLatin1(table), name);
             for (; !from.end_of_set(); from.move_next())
                 copy_row(from, to, table, {{field::kNome, name}});
         }
+        copied = true;
     });
-    show_plan(name);
+    if (copied) show_plan(name);
+    return copied;
 }
 
 ImportProblem PlanSets::copy_program(const QString& name) {
-    need_plan();
+    ImportProblem problem = ImportProblem::none;
+    // With the look at the other plan: nobody else may take the number or the oscillator between.
+    all_or_nothing([&] {
+        need_plan();
+        read_anew(true);
+        ProgramCopy copy;
+        problem = fit_copy(name, copy);
+        if (problem == ImportProblem::none) write_copy(name, copy);
+    });
+    if (problem != ImportProblem::none) return problem;
+    show_plan(name);
+    last_program();
+    return ImportProblem::none;
+}
+
+ImportProblem PlanSets::fit_copy(const QString& name, ProgramCopy& copy) const {
     ProgramRecord record = program();
     std::vector<ProgramRecord> others = programs_of(name, std::nullopt);
-    ProgramCopy copy{.own = {{field::kNome, name}}, .oscillators = oscillators_of(name)};
+    copy = {.own = {{field::kNome, name}}, .oscillators = oscillators_of(name)};
     // The program that a new plan starts with makes room, unless it is the one to be copied.
     copy.replaces_blank = name != plan_ && others.size() == 1 && is_blank(others.front());
     if (copy.replaces_blank) others.clear();
     find_number_and_line(others, record, copy.own);
     if (record.pg_num.isEmpty() && !program().pg_num.isEmpty()) return ImportProblem::no_number;
-    const ImportProblem problem = find_oscillator(record, oscillators(), copy);
-    if (problem != ImportProblem::none) return problem;
-    all_or_nothing([&] { write_copy(name, copy); });
-    show_plan(name);
-    last_program();
-    return ImportProblem::none;
+    return find_oscillator(record, oscillators(), copy);
 }
 
 void PlanSets::write_copy(const QString& name, const ProgramCopy& copy) {

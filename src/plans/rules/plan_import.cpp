@@ -52,7 +52,7 @@ class Importer {
              const std::vector<ProgramRecord>& programs, const Oscillators& oscillators,
              std::optional<double> unit_offset)
         : taken_(programs), unit_offset_(unit_offset) {
-        preview_.oscillators = oscillators;
+        preview_.oscillators = preview_.oscillators_before = oscillators;
         preview_.replaces_blank = taken_.size() == 1 && is_blank(taken_.front());
         if (preview_.replaces_blank) taken_.clear();
         for (const ProgramRecord& program : taken_) used_.take(program);

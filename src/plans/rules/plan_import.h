@@ -44,8 +44,9 @@ struct ImportRow {
 /// What an import will do, before anything is written.
 struct ImportPreview {
     std::vector<ImportRow> rows;
-    Oscillators oscillators;      ///< of the plan after the import
-    bool replaces_blank = false;  ///< the one program that a new plan starts with goes
+    Oscillators oscillators;         ///< of the plan after the import
+    Oscillators oscillators_before;  ///< as they were when this was made
+    bool replaces_blank = false;     ///< the one program that a new plan starts with goes
 
     int added() const;
 };

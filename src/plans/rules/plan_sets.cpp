@@ -10,8 +10,6 @@
 namespace m47 {
 namespace {
 
-constexpr int kNoDiseqcChosen = -1;
-
 bool step_back(Recordset& set) {
     if (!set.begin_of_set()) set.move_previous();
     if (!set.begin_of_set()) return true;

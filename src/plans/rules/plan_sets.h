@@ -76,12 +76,19 @@ class PlanSets {
     void add_new(const QString& name);
     /// The last plan cannot be deleted.
     bool can_delete_plan() const;
-    /// Deletes the current plan and moves to the first one.
-    void del_old();
+    /// Deletes the current plan and moves to the first one. False, and nothing is deleted, where it
+    /// is the last one by then. With `seen`, what another program has changed since is not deleted:
+    /// RemovalChanged.
+    bool del_old(const RemovedRows* seen = nullptr);
+    /// What is deleted with the plan as the user knows it, who saw `known` of the current program:
+    /// the rows that have been read by now.
+    RemovedRows seen_plan(const StoredProgram& known) const;
     /// The last program of a plan cannot be deleted.
     bool can_delete_program() const;
-    /// Deletes the current program and moves to the first one.
-    void delete_program();
+    /// Deletes the current program and moves to the first one. False and `seen` as for del_old.
+    bool delete_program(const RemovedRows* seen = nullptr);
+    /// The current program as the user saw it.
+    RemovedRows seen_program(const StoredProgram& known) const;
 
     /// Sets oscillator `index` (0 to 3) of the plan; an empty text is none. Where the user wants
     /// it, the frequencies of all programs that use it are checked against it. `known` as for
@@ -101,9 +108,9 @@ class PlanSets {
     /// Adds what `import` says to the current plan.
     void apply_import(const ImportPreview& import);
 
-    /// Makes the plan `name`, which must not exist, as a copy of the current one, and makes it
-    /// current.
-    void copy_plan(const QString& name);
+    /// Makes the plan `name` as a copy of the current one, and makes it current. False, and nothing
+    /// is copied, where there is such a plan.
+    bool copy_plan(const QString& name);
 
     /// Copies the current program as it is stored into the plan `name`, which is made where it does
     /// not exist, and makes that plan current. A number or logger position that is taken there is
@@ -133,6 +140,8 @@ class PlanSets {
     void add_rows(const QString& name);
     void write_oscillators(const Oscillators& oscillators);
     Oscillators oscillators_of(const QString& plan) const;
+    RemovedRows rows_of(Recordset set) const;
+    ImportProblem fit_copy(const QString& name, ProgramCopy& copy) const;
     void write_copy(const QString& name, const ProgramCopy& copy);
     std::vector<ProgramRecord> programs_of(const QString& plan,
                                            std::optional<Bookmark> without) const;

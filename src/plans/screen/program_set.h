@@ -78,6 +78,8 @@ class ProgramSet : public QMainWindow {
     void add_new();
     void del_old();
     void delete_program();
+    void remove_seen(RemovedRows seen, const Bilingual& last_one,
+                     const std::function<bool(const RemovedRows&)>& remove);
     void move_plan(bool moved);
     void move_program(bool moved);
 

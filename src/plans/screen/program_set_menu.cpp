@@ -100,12 +100,10 @@ void ProgramSet::cmdcopyplan_Click() {
     if (lacks_plan()) return;
     const QString name = ask_plan_name(this, program_.texts.pick(kCopyPlanAs), QString());
     if (name.isEmpty()) return;
-    if (sets_.has_plan(name)) {
+    if (sets_.copy_plan(name))
+        move_plan(true);
+    else
         tell_problem(this, program_.texts.pick(kPlanExists).arg(name));
-        return;
-    }
-    sets_.copy_plan(name);
-    move_plan(true);
 }
 
 }  // namespace m47

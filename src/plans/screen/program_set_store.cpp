@@ -9,6 +9,14 @@
 namespace m47 {
 namespace {
 
+constexpr Bilingual kLastPlan{
+    "Another program has deleted the other plans meanwhile. The last one stays.",
+    "Nel frattempo un altro programma ha cancellato gli altri piani. L'ultimo resta."};
+constexpr Bilingual kLastProgram{
+    "Another program has deleted the other programs of the plan meanwhile. The last one stays.",
+    "Nel frattempo un altro programma ha cancellato gli altri programmi del piano. L'ultimo "
+    "resta."};
+
 constexpr Bilingual kNoPlan{"There is no plan: make one first.",
                             "Non c'è alcun piano: occorre prima crearne uno."};
 constexpr Bilingual kPlanGone{"The plan %1 is gone: another program has deleted it.",
@@ -109,9 +117,29 @@ void ProgramSet::add_new() {
     move_plan(true);
 }
 
+/// Deletes what the user has `seen`, and asks where another program has changed it since. Tells
+/// where there was nothing but the last one by then.
+void ProgramSet::remove_seen(RemovedRows seen, const Bilingual& last_one,
+                             const std::function<bool(const RemovedRows&)>& remove) {
+    for (;;) {
+        try {
+            if (!remove(seen) && !lacks_plan()) tell_problem(this, program_.texts.pick(last_one));
+            return;
+        } catch (const RemovalChanged& change) {
+            ChangedDialog dialog(change, program_.texts, this);
+            dialog.exec();
+            if (dialog.choice() != ChangedDialog::Choice::mine) return;
+            seen = change.now;
+        }
+    }
+}
+
 void ProgramSet::del_old() {
-    if (!sets_.can_delete_plan() || !ask_remove(this, program_.texts, sets_.plan())) return;
-    sets_.del_old();
+    if (!sets_.can_delete_plan()) return;
+    const RemovedRows seen = sets_.seen_plan(known_);
+    if (!ask_remove(this, program_.texts, sets_.plan())) return;
+    remove_seen(seen, kLastPlan,
+                [this](const RemovedRows& known) { return sets_.del_old(&known); });
     move_plan(true);
 }
 
@@ -122,8 +150,9 @@ void ProgramSet::delete_program() {
         return;
     }
     if (!ask_remove(this, program_.texts, sets_.program().pg_num)) return;
-    sets_.delete_program();
-    mostra_record();
+    remove_seen(sets_.seen_program(known_), kLastProgram,
+                [this](const RemovedRows& known) { return sets_.delete_program(&known); });
+    move_plan(true);
 }
 
 }  // namespace m47
