@@ -87,6 +87,9 @@ class Recordset {
     /// The row last added by update(); 0, which is no row, before the first.
     Bookmark last_added() const;
 
+    /// The set's connection, for a transaction around what is asked and changed together.
+    QSqlDatabase database() const;
+
   private:
     enum class Pending { nothing, added, edited };
     /// A value for each field of the table, in their order.
@@ -96,7 +99,6 @@ class Recordset {
               const QVariantList& values);
 
     QString condition() const;
-    QSqlDatabase database() const;
     std::optional<Row> read(qint64 id) const;
     qint64 current_id() const;
     void seek(qsizetype position, qsizetype step);

@@ -27,12 +27,17 @@ class ScriptedUser : public AslQuestions {
     QString save_file;
     QString restore_file;
     bool restores = true;
+    bool overwrites = true;
     RestorePlan plan;
+    /// Runs while the user is asked whose satellite is to stay, or whether one goes.
+    std::function<void()> on_overwrite;
+    std::function<void()> on_confirm;
     /// Runs while the preview is open.
     std::function<void()> on_preview;
 
     bool confirm(const QString& title, const QString& text) override {
         seen += QStringLiteral("ok/cancel|") + title + u'|' + text;
+        if (on_confirm) on_confirm();
         return says_ok;
     }
     QString input(const QString& title, const QString& text, const QString& proposal) override {
@@ -44,6 +49,12 @@ class ScriptedUser : public AslQuestions {
     }
     void inform(const QString& title, const QString& text) override {
         seen += QStringLiteral("information|") + title + u'|' + text;
+    }
+    bool overwrite(const ChangedSatellite& change) override {
+        seen += (change.deletes ? QStringLiteral("delete|") : QStringLiteral("overwrite|")) +
+                change.name + u'|' + change.stored + u'|' + change.own;
+        if (on_overwrite) on_overwrite();
+        return overwrites;
     }
     QString file_to_save() override { return save_file; }
     QString file_to_restore() override { return restore_file; }

@@ -322,6 +322,41 @@ class AslScreenTest : public QObject {
         QCOMPARE(boxes_->take_seen(), QStringList("compare_view"));
     }
 
+    void what_another_program_has_stored_is_shown_beside_the_own() {
+        pick("listastr", 0);
+        click("cmdaddindb");
+        const QStringList before = f().rows();
+        // One digit of the data, and the check sum of its record with it.
+        sql_elsewhere(
+            "UPDATE asl SET dati = replace(dati, 'S10D00304155', 'S10D00304154') WHERE 1");
+        const QStringList theirs = f().rows();
+        QVERIFY(theirs != before);
+        QString told;
+        const auto refuse = [&](QDialog* box) {
+            QVERIFY(!find<QComboBox>("compare_left", box)->isEnabled());
+            told = find<QComboBox>("compare_left", box)->currentText() + u'|' +
+                   find<QComboBox>("compare_right", box)->currentText() + u'|' +
+                   find<QLabel>("compare_result", box)->text();
+            QTest::keyClick(box, Qt::Key_Return);
+        };
+        pick("listastr", 0);
+        boxes_->press(QMessageBox::Ok);
+        boxes_->answer(refuse);
+        click("cmdaddindb");
+        QVERIFY2(told.startsWith(QLatin1String("Stored meanwhile|Yours|")) &&
+                     told.endsWith(QLatin1String(
+                         "Another program has stored AURORA 13E since it was shown here. Store "
+                         "yours all the same?")),
+                 qPrintable(told));
+        QCOMPARE(f().rows(), theirs);
+        sql_elsewhere("UPDATE asl SET dati = 'none'");
+        pick("listastr", 0);
+        boxes_->press(QMessageBox::Ok);
+        boxes_->answer([](QDialog* box) { box->accept(); });
+        click("cmdaddindb");
+        QCOMPARE(f().rows(), before);
+    }
+
     void what_is_not_whole_cannot_be_compared() {
         f().add_satellite(QStringLiteral("HALF"), QStringLiteral("S1130000"));
         open();

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What moves between the satellites on the PC and the slots of the meter, byte for byte.
+#include <QSqlQuery>
 #include <QTest>
 #include <random>
 
@@ -141,6 +142,61 @@ class SatelliteListsTest : public QObject {
                  QStringList("ok/cancel|AutomaticSatelliteLocation|Il nome del satellite esiste! "
                              "vuoi risalvarlo? CIRRUS 9E"));
         QCOMPARE(f().rows(), QStringList({"ONE=1", "CIRRUS 9E=" + data_of(f().records(2))}));
+    }
+
+    /// Another window on the same database.
+    void elsewhere(const char* statement) {
+        QSqlQuery query(f().database->connection());
+        QVERIFY2(query.exec(QString::fromLatin1(statement)), statement);
+    }
+
+    void what_another_program_has_stored_is_shown_before_it_is_overwritten() {
+        f().add_satellite(QStringLiteral("CIRRUS 9E"), QStringLiteral("2"));
+        load();
+        f().select_slot(2);
+        const QString mine = data_of(f().records(2));
+        elsewhere("UPDATE asl SET dati = '3'");
+        f().user.overwrites = false;
+        lists().cmdaddindb_Click();
+        QCOMPARE(f().user.take_seen().value(1), "overwrite|CIRRUS 9E|3|" + mine);
+        QCOMPARE(f().rows(), QStringList("CIRRUS 9E=3"));
+        // The list has been read anew: nobody has changed it since.
+        f().select_slot(2);
+        lists().cmdaddindb_Click();
+        QCOMPARE(f().user.take_seen().size(), 1);
+        QCOMPARE(f().rows(), QStringList("CIRRUS 9E=" + mine));
+    }
+
+    void what_is_stored_while_the_user_is_asked_is_asked_about_as_well() {
+        f().add_satellite(QStringLiteral("CIRRUS 9E"), QStringLiteral("2"));
+        load();
+        f().select_slot(2);
+        f().user.on_confirm = [this] { elsewhere("UPDATE asl SET dati = '4'"); };
+        int times = 0;
+        f().user.on_overwrite = [&] {
+            if (++times == 1) elsewhere("UPDATE asl SET dati = '5'");
+        };
+        lists().cmdaddindb_Click();
+        QCOMPARE(times, 2);
+        QVERIFY(f().user.take_seen().value(2).startsWith(QLatin1String("overwrite|CIRRUS 9E|5|")));
+        QCOMPARE(f().rows(), QStringList("CIRRUS 9E=" + data_of(f().records(2))));
+    }
+
+    void a_satellite_that_another_program_has_stored_is_not_deleted_unasked() {
+        f().add_satellite(QStringLiteral("ONE"), QStringLiteral("1"));
+        f().add_satellite(QStringLiteral("TWO"), QStringLiteral("2"));
+        load();
+        f().select_pc(1);
+        f().user.on_confirm = [this] { elsewhere("UPDATE asl SET dati = '3' WHERE nome = 'TWO'"); };
+        f().user.overwrites = false;
+        lists().cmddelpc_Click();
+        QCOMPARE(f().user.take_seen().value(1), QStringLiteral("delete|TWO|3|2"));
+        QCOMPARE(f().rows(), QStringList({"ONE=1", "TWO=3"}));
+        // The last one stays, though there were two when the question was put.
+        f().select_pc(1);
+        f().user.on_confirm = [this] { elsewhere("DELETE FROM asl WHERE nome = 'ONE'"); };
+        lists().cmddelpc_Click();
+        QCOMPARE(f().rows(), QStringList("TWO=3"));
     }
 
     void a_copy_that_is_not_whole_stores_nothing_data() {

@@ -7,6 +7,14 @@
 
 namespace m47 {
 
+/// A satellite of the PC that another program has stored since it was shown here.
+struct ChangedSatellite {
+    QString name;
+    QString stored{};  ///< its data by now
+    QString own{};     ///< what is to be stored, or was shown of what is to be deleted
+    bool deletes = false;
+};
+
 /// What the satellite screen asks and tells its user.
 class AslQuestions {
   public:
@@ -20,6 +28,9 @@ class AslQuestions {
     virtual void warn(const QString& title, const QString& text) = 0;
     /// A message with the information icon.
     virtual void inform(const QString& title, const QString& text) = 0;
+
+    /// Shows both; true where the user's own is stored, or the satellite deleted, all the same.
+    virtual bool overwrite(const ChangedSatellite& change) = 0;
 
     /// The file to save all slots in, or to restore them from; empty when cancelled.
     virtual QString file_to_save() = 0;

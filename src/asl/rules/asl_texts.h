@@ -18,6 +18,18 @@ inline constexpr Bilingual kNoData{
     "Nothing is stored of this satellite but its name. Nothing was sent to the M47.",
     "Di questo satellite è memorizzato solo il nome. Non è stato inviato nulla al M47."};
 
+// What another program has stored of a satellite
+inline constexpr Bilingual kStoredMeanwhile{"Stored meanwhile", "Memorizzato nel frattempo"};
+inline constexpr Bilingual kYours{"Yours", "Vostro"};
+inline constexpr Bilingual kShownHere{"Shown here", "Mostrato qui"};
+inline constexpr Bilingual kOverwriteChanged{
+    "Another program has stored %1 since it was shown here. Store yours all the same?",
+    "Un altro programma ha memorizzato %1 da quando è mostrato qui. Memorizzare lo stesso il "
+    "vostro?"};
+inline constexpr Bilingual kDeleteChanged{
+    "Another program has stored %1 since it was shown here. Delete it all the same?",
+    "Un altro programma ha memorizzato %1 da quando è mostrato qui. Cancellarlo lo stesso?"};
+
 // Saving and restoring all slots
 inline constexpr Bilingual kNothingRead{
     "The M47 did not send its satellite slots. Nothing was saved or changed.",

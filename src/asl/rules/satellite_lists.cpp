@@ -7,6 +7,7 @@
 #include "asl_texts.h"
 #include "blanks.h"
 #include "commands.h"
+#include "database_transaction.h"
 #include "engine.h"
 #include "fault.h"
 #include "fields.h"
@@ -61,12 +62,14 @@ void SatelliteLists::visualizza_listadb() {
     panel.listadb.clear();
     panel.listadb_place = kNoPlace;
     records_.clear();
+    data_.clear();
     try {
         if (asl_.empty()) return;
         asl_.move_last();
         for (asl_.move_first(); !asl_.end_of_set(); asl_.move_next()) {
             panel.listadb += asl_.text(field::kNome);
             records_.push_back(asl_.bookmark());
+            data_ += asl_.text(field::kDati);
         }
     } catch (const EngineFault&) {
         // The list shows what could be read; that there is more must not go unsaid.
@@ -163,6 +166,47 @@ void SatelliteLists::cmdaddindb_Click() {
                         program_.texts.pick(asl_text::kIncompleteCopy));
         return;
     }
+    // What is the same already is no loss, whoever has stored it.
+    unless_changed({.name = name, .own = block},
+                   [&](bool there) { write_satellite(there, name, block); });
+    visualizza_listadb();
+}
+
+/// The data of the satellite `name`, the current record, as they were when the list was made;
+/// nothing where it was not in it.
+std::optional<QString> SatelliteLists::seen_data() const {
+    const auto found = std::ranges::find(records_, asl_.bookmark());
+    if (found == records_.end()) return std::nullopt;
+    return data_.at(found - records_.begin());
+}
+
+/// Does `body` in one transaction with the look at the satellite that `change` names, which is the
+/// current record then where it is `known`. Where another program has stored it since it was shown,
+/// the user is asked first.
+void SatelliteLists::unless_changed(ChangedSatellite change,
+                                    const std::function<void(bool known)>& body) {
+    std::optional<QString> seen;
+    for (bool asked = false;; asked = true) {
+        {
+            DatabaseTransaction transaction(asl_.database());
+            asl_.requery();
+            const bool known = asl_.find_first(field::kNome, change.name);
+            change.stored = known ? asl_.text(field::kDati) : QString();
+            if (!asked && known) seen = seen_data();
+            if (!known || seen == change.stored ||
+                (!change.deletes && change.own == change.stored)) {
+                body(known);
+                transaction.commit();
+                return;
+            }
+        }
+        if (change.deletes) change.own = seen.value_or(QString());
+        if (!questions_.overwrite(change)) return;
+        seen = change.stored;
+    }
+}
+
+void SatelliteLists::write_satellite(bool known, const QString& name, const QString& block) {
     if (known) {
         asl_.edit();
     } else {
@@ -172,7 +216,6 @@ void SatelliteLists::cmdaddindb_Click() {
     asl_.set(field::kNome, name);
     asl_.set(field::kDati, block);
     asl_.update();
-    visualizza_listadb();
 }
 
 void SatelliteLists::cmddelpc_Click() {
@@ -182,7 +225,9 @@ void SatelliteLists::cmddelpc_Click() {
     asl_.requery();
     if (asl_.count() <= 1) return;
     if (!confirm(asl_text::kDeleteTitle, kDeleteSatellite, name)) return;
-    if (asl_.find_first(field::kNome, name)) asl_.remove();
+    unless_changed({.name = name, .deletes = true}, [&](bool known) {
+        if (known && asl_.count() > 1) asl_.remove();
+    });
     asl_.requery();
     visualizza_listadb();
 }

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <QStringList>
+#include <functional>
+#include <optional>
 #include <vector>
 
 #include "asl_questions.h"
@@ -73,6 +75,9 @@ class SatelliteLists {
     QString selected_pc_name() const;
     Bookmark record_at(int place) const;
     bool can_be_sent();
+    std::optional<QString> seen_data() const;
+    void unless_changed(ChangedSatellite change, const std::function<void(bool known)>& body);
+    void write_satellite(bool known, const QString& name, const QString& block);
     int slot_to_program(const QString& name);
     void learn(int slot, const QString& name);
     bool confirm(const char* title, int message, const QString& rest);
@@ -83,6 +88,8 @@ class SatelliteLists {
     AslQuestions& questions_;
     /// The records behind the entries of `panel.listadb`.
     std::vector<Bookmark> records_;
+    /// The data of those records as they were read.
+    QStringList data_;
 };
 
 }  // namespace m47

@@ -4,6 +4,8 @@
 #include <QFileDialog>
 #include <QInputDialog>
 
+#include "asl_texts.h"
+#include "compare_view.h"
 #include "file_question.h"
 #include "message_box.h"
 #include "restore_preview.h"
@@ -26,6 +28,19 @@ void AslBoxes::warn(const QString& title, const QString& text) {
 
 void AslBoxes::inform(const QString& title, const QString& text) {
     show_message_box(screen_, QMessageBox::Information, title, text);
+}
+
+bool AslBoxes::overwrite(const ChangedSatellite& change) {
+    const Texts& texts = program_.texts;
+    const Bilingual& own = change.deletes ? asl_text::kShownHere : asl_text::kYours;
+    const Bilingual& question =
+        change.deletes ? asl_text::kDeleteChanged : asl_text::kOverwriteChanged;
+    const QList<Comparable> both{
+        {texts.pick(asl_text::kStoredMeanwhile), SlotBlock::parse(change.stored)},
+        {texts.pick(own), SlotBlock::parse(change.own)}};
+    CompareView view(both, 0, 1, texts, screen_);
+    view.ask(texts.pick(question).arg(change.name));
+    return view.exec() == QDialog::Accepted;
 }
 
 QString AslBoxes::file_to_save() {

@@ -17,6 +17,7 @@ class AslBoxes : public AslQuestions {
     QString input(const QString& title, const QString& text, const QString& proposal) override;
     void warn(const QString& title, const QString& text) override;
     void inform(const QString& title, const QString& text) override;
+    bool overwrite(const ChangedSatellite& change) override;
     QString file_to_save() override;
     QString file_to_restore() override;
     bool preview(const RestorePlan& plan) override;

@@ -3,6 +3,7 @@
 
 #include <QFontDatabase>
 #include <QHeaderView>
+#include <QPushButton>
 
 #include "asl_texts.h"
 #include "dialog_buttons.h"
@@ -42,17 +43,32 @@ CompareView::CompareView(const QList<Comparable>& entries, int left, int right, 
 
 CompareView::~CompareView() = default;
 
+void CompareView::ask(const QString& text) {
+    question_ = text;
+    ui_->compare_result->setWordWrap(true);
+    for (QComboBox* box : {ui_->compare_left, ui_->compare_right}) box->setEnabled(false);
+    ui_->compare_buttons->setStandardButtons(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    ui_->compare_buttons->button(QDialogButtonBox::Cancel)->setDefault(true);
+    name_buttons(ui_->compare_buttons, texts_);
+    connect(ui_->compare_buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    show_choice();
+}
+
+void CompareView::show_result(const QString& text) {
+    ui_->compare_result->setText(question_.isEmpty() ? text : text + u'\n' + question_);
+}
+
 void CompareView::show_choice() {
     const Comparable& left = entries_.at(ui_->compare_left->currentIndex());
     const Comparable& right = entries_.at(ui_->compare_right->currentIndex());
     if (!left.block || !right.block) {
-        ui_->compare_result->setText(texts_.pick(asl_text::kNotComparable));
+        show_result(texts_.pick(asl_text::kNotComparable));
         ui_->compare_table->setRowCount(0);
         return;
     }
     const SlotComparison comparison = compare_slots(*left.block, *right.block);
     const QString bytes = QString::number(SlotBlock::kBytes);
-    ui_->compare_result->setText(
+    show_result(
         comparison.differing == 0
             ? texts_.pick(asl_text::kSame).arg(bytes)
             : texts_.pick(asl_text::kDiffering).arg(QString::number(comparison.differing), bytes));

@@ -31,10 +31,15 @@ class CompareView : public QDialog {
                 QWidget* parent = nullptr);
     ~CompareView() override;
 
+    /// Makes it the question `text` about the two: OK accepts the dialog, Cancel does not.
+    void ask(const QString& text);
+
   private:
     void show_choice();
+    void show_result(const QString& text);
     void show_rows(const SlotComparison& comparison);
 
+    QString question_;
     const QList<Comparable> entries_;
     const Texts& texts_;
     std::unique_ptr<Ui::CompareView> ui_;
