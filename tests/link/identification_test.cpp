@@ -67,6 +67,7 @@ class IdentificationTest : public QObject {
     void a_device_that_comes_back();
     void an_open_port_is_closed_first();
     void a_port_that_stays_open_is_shown();
+    void the_last_number_is_a_port_too();
     void other_entries_only_close_the_link();
     void versions_data();
     void versions();
@@ -276,6 +277,17 @@ void IdentificationTest::a_port_that_stays_open_is_shown() {
     identification.porta_Click(10);
     QVERIFY(!port.is_open());
     QCOMPARE(view.state_text, QString("RS232 ComPort 11 NOT Connected"));
+}
+
+void IdentificationTest::the_last_number_is_a_port_too() {
+    Setup s;
+    QVERIFY(s.ports.add(QStringLiteral("10=/dev/line10")));
+    QStringList versions;
+    s.identification.on_version = [&](const QString& version) { versions += version; };
+    s.identification.porta_Click(9);
+    QCOMPARE(s.link.port_number, 10);
+    QCOMPARE(s.port.take_commands(), (QStringList{"ATTEN?", "VER?"}));
+    QCOMPARE(versions, QStringList("V3.0.5"));
 }
 
 void IdentificationTest::other_entries_only_close_the_link() {

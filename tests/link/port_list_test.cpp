@@ -141,6 +141,10 @@ void PortListTest::on_board_ports_have_their_own_numbers() {
     put("dev/ttyS3");
     put("sys/class/tty/ttyS4/type", "4\n");
     QCOMPARE(devices(list()), (QStringList{dev() + "/ttyS0", "", dev() + "/ttyS2"}));
+    add_on_board(10, "4\n");
+    add_on_board(11, "4\n");
+    QCOMPARE(list().device(10), dev() + "/ttyS9");
+    QCOMPARE(list().device(11), QString());
 }
 
 void PortListTest::adapters_take_the_numbers_left() {

@@ -3,6 +3,9 @@
 
 #include <QTest>
 
+#include "late_answers.h"
+#include "meter_settings.h"
+
 namespace m47 {
 
 using Verdict = ReplyWatch::Verdict;
@@ -19,6 +22,13 @@ class ReplyTest : public QObject {
     void verdicts();
     void verdict_does_not_depend_on_the_pieces();
     void a_long_answer_byte_by_byte();
+    void where_an_answer_ends_data();
+    void where_an_answer_ends();
+    void late_answers_are_counted_until_they_cannot_come();
+    void an_echo_tells_whose_answer_it_is();
+    void the_settings_follow_what_the_meter_was_told();
+    void what_the_meter_may_not_have_done_is_not_known();
+    void an_oscillator_is_known_by_its_number();
 };
 
 void ReplyTest::limits_data() {
@@ -139,6 +149,129 @@ void ReplyTest::a_long_answer_byte_by_byte() {
     }
     reply += "OK\r";
     QVERIFY(watch.look_at(reply) == Verdict::complete);
+}
+
+void ReplyTest::where_an_answer_ends_data() {
+    QTest::addColumn<QString>("raw");
+    QTest::addColumn<int>("end");
+    const auto row = [](const char* raw, int end) {
+        QTest::newRow(raw) << QString::fromLatin1(raw) << end;
+    };
+    row("", 0);
+    row("VER?\rV3", 0);
+    row("A\rOK\r", 5);
+    row("A\rOK\rB\rOK\r", 5);
+    row("ERROR\r", 6);
+    row("A\rOK\rERROR\r", 5);
+    row("COMMAND ERROR\rA\rOK\r", 14);
+}
+
+void ReplyTest::where_an_answer_ends() {
+    QFETCH(QString, raw);
+    QTEST(static_cast<int>(answer_end(raw)), "end");
+}
+
+void ReplyTest::late_answers_are_counted_until_they_cannot_come() {
+    LateAnswers late;
+    late.expect("A", 1, 0, 10);
+    QVERIFY(late.may_come(10));
+    QVERIFY(!late.may_come(10.1));
+    late.expect("B", 2, 5, 20);
+    QVERIFY(late.may_come("A", 9));
+    QVERIFY(late.may_come("A", 10));
+    QVERIFY(!late.may_come("A", 11));
+    QVERIFY(late.may_come("B", 11));
+    late.came("C\rOK\r");
+    late.came("B\rOK\r");
+    QVERIFY(late.may_come("B", 11));
+    late.came("B\rOK\r");
+    QVERIFY(!late.may_come("B", 11));
+    QVERIFY(!late.may_come(11));
+    // Neither none nor one too many of them makes the next wait longer.
+    late.came("B\rOK\r");
+    late.expect("B", 0, 11, 30);
+    late.expect("B", -1, 11, 30);
+    QVERIFY(!late.may_come(12));
+    late.expect("B", 1, 11, 30);
+    QVERIFY(late.may_come(12));
+}
+
+void ReplyTest::an_echo_tells_whose_answer_it_is() {
+    LateAnswers late;
+    for (int k = 0; k < 17; ++k) late.asked(QString::number(k));
+    QVERIFY(late.is_to_another("16\rOK\r", "5"));
+    QVERIFY(!late.is_to_another("5\rOK\r", "5"));
+    QVERIFY(late.is_to_another("1\rOK\r", "5"));
+    QVERIFY(!late.is_to_another("0\rOK\r", "5"));
+    QVERIFY(!late.is_to_another("noise", "5"));
+    // Asked again it is the last one, and none is known twice.
+    late.asked("1");
+    late.asked("17");
+    QVERIFY(late.is_to_another("1\rOK\r", "5"));
+    QVERIFY(!late.is_to_another("2\rOK\r", "5"));
+}
+
+void ReplyTest::the_settings_follow_what_the_meter_was_told() {
+    MeterSettings settings;
+    QVERIFY(!settings.unit() && !settings.frequency() && !settings.oscillator());
+    for (const int unit : {0, 1, 2}) {
+        settings.take(QStringLiteral("UNIT 0%1").arg(unit), QString());
+        QCOMPARE(settings.unit(), std::optional<int>(unit));
+    }
+    for (const char* unknown : {"UNIT 03", "UNIT -1", "UNIT", "UNIT x"}) {
+        settings.take("UNIT?", "1");
+        QCOMPARE(settings.unit(), std::optional<int>(1));
+        settings.take(QString::fromLatin1(unknown), QString());
+        QVERIFY2(!settings.unit(), unknown);
+    }
+    settings.take("FREQ 1503.5", QString());
+    QCOMPARE(settings.frequency(), std::optional<double>(1503.5));
+    settings.take("FREQ?", "0999.0");
+    QCOMPARE(settings.frequency(), std::optional<double>(999));
+    // Another word begins alike.
+    settings.take("UNITS 02", QString());
+    QVERIFY(!settings.unit());
+}
+
+void ReplyTest::what_the_meter_may_not_have_done_is_not_known() {
+    MeterSettings settings;
+    const auto known = [&] {
+        return QStringLiteral("%1%2%3")
+            .arg(settings.unit().has_value())
+            .arg(settings.frequency().has_value())
+            .arg(settings.oscillator().has_value());
+    };
+    for (const char* command : {"UNIT 01", "FREQ 1000", "LOCOSC 1 09750", "LOCOSC 1"})
+        settings.take(QString::fromLatin1(command), QString());
+    for (const char* query : {"UNIT?", "FREQ?", "LOCOSC?", "MEASURE"})
+        settings.doubt(QString::fromLatin1(query));
+    QCOMPARE(known(), QStringLiteral("111"));
+    settings.doubt("FREQ 1100");
+    QCOMPARE(known(), QStringLiteral("101"));
+    settings.doubt("UNIT 02");
+    QCOMPARE(known(), QStringLiteral("001"));
+    settings.doubt("LOCOSC 2");
+    QCOMPARE(known(), QStringLiteral("000"));
+}
+
+void ReplyTest::an_oscillator_is_known_by_its_number() {
+    MeterSettings settings;
+    for (const char* command : {"LOCOSC 1 09750", "LOCOSC 2 10600", "LOCOSC 0 05150"})
+        settings.take(QString::fromLatin1(command), QString());
+    QVERIFY(!settings.oscillator());
+    settings.take("LOCOSC 2", QString());
+    QCOMPARE(settings.oscillator(), std::optional<double>(10600));
+    settings.take("LOCOSC 1", QString());
+    QCOMPARE(settings.oscillator(), std::optional<double>(9750));
+    // Number 0 is none, whatever it was given.
+    settings.take("LOCOSC 0", QString());
+    QVERIFY(!settings.oscillator());
+    settings.take("LOCOSC 1", QString());
+    settings.take("LOCOSC 4", QString());
+    QVERIFY(!settings.oscillator());
+    settings.forget();
+    settings.take("LOCOSC 1", QString());
+    QVERIFY(!settings.oscillator());
 }
 
 }  // namespace m47

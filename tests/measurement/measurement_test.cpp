@@ -122,6 +122,60 @@ class MeasurementTest : public QObject {
             QVERIFY(page.measurement(static_cast<int>(k)).limits[0] == all[k]);
     }
 
+    void a_unit_has_an_index_from_0_to_2() {
+        QVERIFY(!unit_of_index(std::nullopt));
+        QVERIFY(!unit_of_index(-1));
+        QVERIFY(unit_of_index(0) == kDbuv);
+        QVERIFY(unit_of_index(1) == kDbmv);
+        QVERIFY(unit_of_index(2) == kDbm);
+        QVERIFY(!unit_of_index(3));
+        QVERIFY(ProgramIdentity({"A", {}}).known());
+        QVERIFY(ProgramIdentity({{}, "007"}).known());
+        QVERIFY(!ProgramIdentity().known());
+    }
+
+    void each_unit_mark_and_verdict_comes_back() {
+        PageStore page;
+        QList<Measurement> made;
+        for (const auto unit : {std::optional<LevelUnit>(), std::optional(kDbuv),
+                                std::optional(kDbmv), std::optional(kDbm)})
+            for (const RangeMark mark : {RangeMark::none, RangeMark::below, RangeMark::above})
+                for (const Verdict verdict : {Verdict::none, Verdict::pass, Verdict::fail}) {
+                    Measurement one = whole();
+                    one.unit = unit;
+                    one.verdict = verdict;
+                    for (std::size_t k = 0; k < kAllQuantities; ++k)
+                        one.readings[k] = {static_cast<float>(k) + 0.5F,
+                                           k % 2 == 0 ? mark : RangeMark::none};
+                    page.append(cells(), one);
+                    made += one;
+                }
+        for (int row = 0; row < made.size(); ++row) QVERIFY(same(page.measurement(row), made[row]));
+    }
+
+    void what_is_no_date_or_time_is_none() {
+        QCOMPARE(*row_clock("23:59:59"), 86399.0);
+        QCOMPARE(*row_clock("0:0:0"), 0.0);
+        for (const char* time : {"24:00:00", "23:60:00", "23:59:60", "1:2", "1::2",
+                                 "1:2:", "1:2:3:", ":1:2:3", "", "a:b:c", "00001:2:3"})
+            QVERIFY2(!row_clock(time), time);
+        QCOMPARE(*row_midnight("1-2.2026"), *row_midnight("01/02/26"));
+        QCOMPARE(*row_midnight("01/01/1970"), 0.0);
+        QCOMPARE(*row_midnight("02/01/99") - *row_midnight("01/01/99"), 86400.0);
+        for (const char* date : {"00/01/26", "32/01/26", "29/02/26", "1/13/26", "1/2", "1//2"})
+            QVERIFY2(!row_midnight(date), date);
+        QVERIFY(row_midnight("29/02/28"));
+        QCOMPARE(time_text(*row_midnight("09/08/26") + 3723), std::string("2026-08-09 01:02:03"));
+        QCOMPARE(time_text(-1), std::string("1969-12-31 23:59:59"));
+    }
+
+    void a_number_at_the_edge_of_its_form() {
+        QCOMPARE(leading_value("+1.5x"), std::optional<double>(1.5));
+        QCOMPARE(leading_value("-.5"), std::optional<double>(-0.5));
+        for (const char* none : {"", "-", ".", "-.", "inf", "x1", "+-"})
+            QVERIFY2(!leading_value(none), none);
+    }
+
     void the_instant_of_a_row_is_that_of_its_text() {
         const QDateTime moment({2026, 11, 21}, {10, 0, 1, 700});
         QCOMPARE(row_instant(moment), *row_midnight("21/11/26") + 36001);
@@ -144,6 +198,19 @@ class MeasurementTest : public QObject {
         QVERIFY(series_key(single) == series_key(other));
         other.oscillator.reset();
         QVERIFY(!(series_key(single) == series_key(other)));
+        // Tables of series rely on keys that differ in any of these having other places.
+        const SeriesKeyHash hash;
+        QVERIFY(hash(key) == hash(series_key(whole())));
+        Measurement next = whole();
+        next.unit = kDbuv;
+        QVERIFY(hash(series_key(next)) != hash(key));
+        next.unit.reset();
+        QVERIFY(hash(series_key(next)) != hash(key));
+        QVERIFY(hash(series_key(single)) != hash(key));
+        QCOMPARE(series_key(single).oscillator_text(), QStringLiteral("10600"));
+        next = single;
+        next.oscillator = 9750.123F;
+        QCOMPARE(series_key(next).oscillator_text(), QStringLiteral("9750.123"));
         QCOMPARE(key.name(), QStringLiteral("ASTRA 007 · 11778.0 / 10600"));
         QCOMPARE(series_key(single).name(), QStringLiteral("11778.0 / 10600"));
         QCOMPARE(series_key(other).name(), QStringLiteral("11778.0"));

@@ -81,6 +81,18 @@ class PageModelTest : public QObject {
         QCOMPARE(reset.count(), 0);
     }
 
+    void a_row_with_its_measurement_comes_in_alike() {
+        PageModel page;
+        QSignalSpy inserted(&page, &PageModel::rowsInserted);
+        m47::Measurement measured;
+        measured.verdict = m47::Verdict::fail;
+        page.append(analog_cells(), measured);
+        QCOMPARE(page.measurements(), 1);
+        QCOMPARE(inserted.count(), 1);
+        QCOMPARE(row_texts(page, 0), analog_cells());
+        QVERIFY(page.store().measurement(0).verdict == m47::Verdict::fail);
+    }
+
     void cells_are_selectable_and_not_editable() {
         PageModel page;
         page.append(analog_cells());
