@@ -78,6 +78,8 @@ class SatelliteListsTest : public QObject {
     }
 
     void nothing_happens_without_a_selection() {
+        QCOMPARE(AslPanel().listadb_place, -1);
+        QCOMPARE(AslPanel().listastr_place, -1);
         load();
         f().panel().listadb_place = -1;
         for (const int slot : {-1, 20}) {

@@ -201,6 +201,8 @@ class SlotBlockTest : public QObject {
     }
 
     void names_that_the_line_carries() {
+        QVERIFY(fits_the_line(QStringLiteral("\u00ff\u00e0")));
+        QVERIFY(!fits_the_line(QStringLiteral("\u0100")));
         QVERIFY(fits_the_line(QStringLiteral("H\u00d4TBIRD 13\u00b0")));
         QVERIFY(!fits_the_line(QStringLiteral("13\u20ac")));
         QVERIFY(!fits_the_line(QStringLiteral("A\tB")));
@@ -250,6 +252,7 @@ class SlotBlockTest : public QObject {
         // Nowhere to put it.
         QCOMPARE(patched_copy(copy, slot_header(20) + u'\r' + sample().text()), copy);
         QCOMPARE(patched_copy(copy, QString()), copy);
+        QCOMPARE(patched_copy("ABCDEF", "AB\rx"), QStringLiteral("AB\rxEF"));
         QCOMPARE(patched_copy(QString(), block), QString());
     }
 

@@ -44,6 +44,21 @@ class TestRecordset : public QObject {
 
     void cleanup() { database_.reset(); }
 
+    void a_plan_is_found_in_whatever_letters() {
+        Recordset& plans = database_->gruppo();
+        add_row(plans, {{kNome, QStringLiteral(" roof ")}});
+        add_row(plans, {{kNome, QStringLiteral("CELLAR")}});
+        QVERIFY(find_plan(plans, QStringLiteral("Roof")));
+        QCOMPARE(plans.text(kNome), QStringLiteral(" roof "));
+        QVERIFY(find_plan(plans, QStringLiteral("cellar ")));
+        QCOMPARE(plans.text(kNome), QStringLiteral("CELLAR"));
+        QVERIFY(find_plan(plans, QStringLiteral("PLAN 1")));
+        QVERIFY(!find_plan(plans, QStringLiteral("ATTIC")));
+        run_sql(database_in(folder_->path()), {QStringLiteral("DELETE FROM gruppo")});
+        plans.requery();
+        QVERIFY(!find_plan(plans, QStringLiteral("PLAN 1")));
+    }
+
     void opens_on_the_first_row() {
         add_programs();
         const Recordset set = database_->of_plan(QStringLiteral("programmi"), QStringLiteral("B"));

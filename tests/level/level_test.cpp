@@ -76,6 +76,12 @@ class LevelTest : public QObject {
                  QStringLiteral("OLD: measured 10 s ago"));
         QCOMPARE(display.picture(125, true, texts()).age,
                  QStringLiteral("OLD: measured 2:05 min ago"));
+        QCOMPARE(display.picture(59, true, texts()).age, QStringLiteral("OLD: measured 59 s ago"));
+        QCOMPARE(display.picture(60, true, texts()).age,
+                 QStringLiteral("OLD: measured 1:00 min ago"));
+        QCOMPARE(display.picture(3599, true, texts()).age,
+                 QStringLiteral("OLD: measured 59:59 min ago"));
+        QCOMPARE(display.picture(3600, true, texts()).age, QStringLiteral("OLD: measured 1 h ago"));
         QCOMPARE(display.picture(7300, true, texts(kItalian)).age,
                  QStringLiteral("VECCHIO: misurato 2 h fa"));
     }

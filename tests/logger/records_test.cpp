@@ -115,6 +115,19 @@ class RecordsTest : public QObject {
                  QStringList({"D01 1000.0 S01", "", QStringLiteral(" \u0001 b\u00e0\t7  8 ")}));
     }
 
+    void a_model_is_a_table_before_it_has_a_text() {
+        RecordModel model;
+        QCOMPARE(model.rowCount(), 0);
+        QCOMPARE(model.columnCount(), 3);
+        model.set_text("no end");
+        QCOMPARE(column(model, QStringLiteral("Line")), QStringList{"1"});
+        QCOMPARE(column(model, QStringLiteral("Text")), QStringList{"no end"});
+    }
+
+    void brackets_go_where_both_are_there() {
+        QCOMPARE(heading_names("APR (dB) (dB dB) ()"), QStringList({"PR", "dB", "(dB", "dB)", ""}));
+    }
+
     void records_without_headings_have_the_usual_names() {
         RecordModel model;
         model.set_text("A01 503.2 S01 65.3 -- --- 43.0\r\n");

@@ -112,6 +112,21 @@ class ImportTest : public QObject {
         QCOMPARE(preview.rows[1].record.lev_min, QStringLiteral("20"));
     }
 
+    void a_file_may_begin_with_a_byte_order_mark() {
+        const std::vector<ImportCandidate> candidates = parsed(
+            "\xEF\xBB\xBF"
+            "frequenza\n1000\n");
+        QCOMPARE(candidates.size(), std::size_t(1));
+        QCOMPARE(candidates[0].record.frequenza, QStringLiteral("1000"));
+    }
+
+    void gaps_are_filled_in_the_unit_in_force() {
+        const ProgramRecord dbmv = import_defaults(60);
+        QCOMPARE(dbmv.lev_min + u' ' + dbmv.lev_max, QStringLiteral("-40 60"));
+        const ProgramRecord dbuv = import_defaults(0);
+        QCOMPARE(dbuv.lev_min + u' ' + dbuv.lev_max, QStringLiteral("20 120"));
+    }
+
     void a_cell_in_quotes_may_hold_anything() {
         const std::vector<ImportCandidate> candidates =
             parsed("nome,frequenza,pg_num\n\"a,\"\"b\"\"\nc\",\"1000\",5\nx,1001,6\n");
@@ -119,6 +134,14 @@ class ImportTest : public QObject {
         QCOMPARE(candidates[0].record.pg_num, QStringLiteral("5"));
         QCOMPARE(candidates[0].line, 2);
         QCOMPARE(candidates[1].line, 4);
+        // As it stands, to the last quote, where it is named as no number.
+        const std::vector<ImportCandidate> quoted =
+            parsed("frequenza,pg_num\r\n1000,\"5\"\"\"\r\n\"1\r\n\",6\r\n1001,7\r\n");
+        QCOMPARE(quoted.size(), std::size_t(3));
+        QCOMPARE(quoted[0].record.pg_num, QStringLiteral("5\""));
+        QCOMPARE(quoted[1].line, 3);
+        QCOMPARE(quoted[2].line, 5);
+        QCOMPARE(quoted[2].record.pg_num, QStringLiteral("7"));
         QCOMPARE(parsed("frequenza,nome\n1000,\"never closed\n1001,x\n").size(), std::size_t(1));
     }
 

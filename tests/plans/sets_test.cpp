@@ -530,6 +530,33 @@ class SetsTest : public QObject {
         QCOMPARE(numbers(), QStringList{"- -"});
     }
 
+    void an_empty_program_makes_room_in_another_plan_and_not_in_its_own() {
+        QCOMPARE(sets_->copy_program(QStringLiteral("PLAN 1")), ImportProblem::none);
+        QCOMPARE(numbers().size(), 2);
+        sets_->add_new(QStringLiteral("B"));
+        QCOMPARE(numbers().size(), 1);
+        sets_->first_plan();
+        QCOMPARE(store(tuned("7"), true), Clash::none);
+        QCOMPARE(sets_->copy_program(QStringLiteral("B")), ImportProblem::none);
+        QCOMPARE(numbers(), QStringList{"007 "});
+    }
+
+    void the_same_oscillator_again_checks_no_program() {
+        const CorrectedBehaviour all{.check_all = true};
+        PlanSets checking(*database_, all);
+        QStringList told;
+        checking.on_checked = [&](const QStringList& numbers) { told += numbers; };
+        checking.store_oscloc(0, QStringLiteral("9750"));
+        sql(
+            QStringLiteral("UPDATE programmi SET pg_num = '001', frequenza = 20000, loc_osc = 0, "
+                           "loc_osc0 = 0"));
+        checking.store_oscloc(0, QStringLiteral("9750.0"));
+        checking.store_oscloc(0, QString());
+        QCOMPARE(told, QStringList());
+        checking.store_oscloc(0, QStringLiteral("10600"));
+        QCOMPARE(told, QStringList{"001"});
+    }
+
     void a_program_is_not_copied_into_a_full_plan() {
         QCOMPARE(store(tuned("5"), true), Clash::none);
         sets_->add_new(QStringLiteral("B"));
