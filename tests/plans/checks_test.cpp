@@ -298,6 +298,7 @@ class ChecksTest : public QObject {
         record.diseqc_cmd = -1;
         record.diseqc_cmd2 = 74;
         record.lnb_volt = 3;
+        record.K22 = 2;
         record.logger_pos = QStringLiteral(" 03 ");
         record.satchbw = QStringLiteral("45");
         QString oscillator = QStringLiteral("13000");
@@ -307,6 +308,7 @@ class ChecksTest : public QObject {
         QCOMPARE(record.diseqc_cmd, 0);
         QCOMPARE(record.diseqc_cmd2, 0);
         QCOMPARE(record.lnb_volt, 0);
+        QCOMPARE(record.K22, 0);
         QCOMPARE(record.logger_pos, QStringLiteral("03"));
         QCOMPARE(record.satchbw, QStringLiteral("40"));
     }

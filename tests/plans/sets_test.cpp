@@ -9,6 +9,7 @@
 
 #include "db_support.h"
 #include "fault.h"
+#include "numbers.h"
 #include "plan_file.h"
 #include "plan_sets.h"
 
@@ -555,6 +556,22 @@ class SetsTest : public QObject {
         QCOMPARE(told, QStringList());
         checking.store_oscloc(0, QStringLiteral("10600"));
         QCOMPARE(told, QStringList{"001"});
+    }
+
+    void an_oscillator_alone_is_stored_and_its_programs_are_read_anew() {
+        const CorrectedBehaviour all{.check_all = true};
+        PlanSets checking(*database_, all);
+        ProgramRecord record = tuned("1", "11000");
+        record.loc_osc = false;
+        QString oscillator = QStringLiteral("9750");
+        QCOMPARE(checking.store_record(record, oscillator, 0, true), Clash::none);
+        StoredProgram known = checking.stored();
+        checking.store_oscloc(record, QStringLiteral("5150"), known);
+        QCOMPARE(sql(QStringLiteral("SELECT loc_osc1 FROM configurazione")), QStringList{"5150"});
+        const QString stored = sql(QStringLiteral("SELECT frequenza FROM programmi")).constFirst();
+        QVERIFY(stored != QStringLiteral("11000.0"));
+        QCOMPARE(typed_value(checking.program().frequenza), stored.toDouble());
+        QVERIFY(known == checking.stored());
     }
 
     void a_program_is_not_copied_into_a_full_plan() {
