@@ -34,6 +34,7 @@ class RealPortTest : public QObject {
   private Q_SLOTS:
     void a_lock_file_that_nobody_holds_data();
     void a_lock_file_that_nobody_holds();
+    void a_folder_for_lock_files_is_left_as_it_was();
     void no_room_for_a_lock_file();
     void a_whole_transaction();
     void an_event_loop_runs_meanwhile();
@@ -145,6 +146,24 @@ void RealPortTest::a_lock_file_that_nobody_holds() {
     QVERIFY2(text.contains(sentence), qPrintable(text));
     QVERIFY2(fault == PortFault::busy || !text.contains("another program"), qPrintable(text));
     QCOMPARE(fault_on_open(pty.path()), PortFault::none);
+}
+
+void RealPortTest::a_folder_for_lock_files_is_left_as_it_was() {
+    const QTemporaryDir folder;
+    const QString lock = folder.filePath("LCK..ttyS0");
+    QCOMPARE(look_at_lock_file(lock), PortFault::other);
+    QCOMPARE(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden), QStringList());
+    QCOMPARE(look_at_lock_file(folder.filePath("gone/LCK..ttyS0")), PortFault::lock_folder_shut);
+    QCOMPARE(look_at_lock_file(QString()), PortFault::lock_folder_shut);
+    QVERIFY(put_file(lock, "0\n"));
+    QCOMPARE(look_at_lock_file(lock), PortFault::lock_names_nobody);
+    // The first process is always there.
+    QVERIFY(put_file(lock, "1\n"));
+    QCOMPARE(look_at_lock_file(lock), PortFault::busy);
+    QVERIFY(put_file(lock, "1\nno such name\n"));
+    QCOMPARE(look_at_lock_file(lock), PortFault::lock_left_behind);
+    QVERIFY(!running_process(0));
+    QVERIFY(!running_process(-1));
 }
 
 void RealPortTest::no_room_for_a_lock_file() {
