@@ -13,6 +13,7 @@
 #include "plan_sets.h"
 #include "plan_upload.h"
 #include "program_state.h"
+#include "recordset.h"
 
 namespace Ui {
 class ProgramSet;
