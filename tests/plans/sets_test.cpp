@@ -146,6 +146,23 @@ class SetsTest : public QObject {
         QCOMPARE(sql(frequency), QStringList{"1300"});
     }
 
+    void the_same_in_another_form_is_no_change() {
+        ProgramRecord now = tuned("1", "1200.0");
+        now.satchbw = QStringLiteral("05");
+        const StoredProgram known{tuned("1"), {}};
+        ProgramRecord typed = now;
+        typed.satchbw = QStringLiteral("5");
+        typed.frequenza = QStringLiteral("1200");
+        const ChangedMeanwhile change({now, {}}, typed, QString(), true);
+        need_unchanged(known, change);
+        QVERIFY(changed_fields(change).isEmpty());
+        typed.satchbw = QStringLiteral("6");
+        const ChangedMeanwhile other({now, {}}, typed, QString(), true);
+        M47_VERIFY_FAULT(need_unchanged(known, other), "changed meanwhile");
+        QCOMPARE(changed_fields(other).size(), 1);
+        QCOMPARE(changed_fields(other)[0].typed, QStringLiteral("06"));
+    }
+
     /// Two windows look and store in any order: what neither has seen is never overwritten, and
     /// whoever would have done so is told.
     void two_windows_in_any_order_lose_nothing() {

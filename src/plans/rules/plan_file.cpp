@@ -176,8 +176,8 @@ QString plan_file_text(const QString& name, const std::vector<ProgramRecord>& pr
 
 ImportFile parse_import_file(const QByteArray& bytes, double unit_offset) {
     if (bytes.size() > kLargestPlanFile) return {};
-    QString text = QString::fromUtf8(bytes);
-    if (text.startsWith(QChar(QChar::ByteOrderMark))) text.remove(0, 1);
+    // A byte order mark in front goes by itself.
+    const QString text = QString::fromUtf8(bytes);
     if (!is_scan_table(text)) return parse_plan_file(text, unit_offset);
     return {parse_scan_table(text, unit_offset), {}, true};
 }
