@@ -55,6 +55,17 @@ class SlotBackupTest : public QObject {
   private Q_SLOTS:
     void init() { stand_ = std::make_unique<AslFixture>(); }
 
+    void each_slot_that_is_not_as_planned_is_named() {
+        const SlotBlock one = SlotBlock::of({}, QStringLiteral("ONE"));
+        RestorePlan plan{};
+        for (const std::size_t slot : {0U, 7U, 19U}) plan[slot].file = one;
+        SlotTable now{};
+        now[7] = one;
+        QCOMPARE(slots_that_differ(plan, now), QList<int>({0, 19}));
+        now[0] = now[19] = one;
+        QCOMPARE(slots_that_differ(plan, now), QList<int>());
+    }
+
     void all_slots_are_saved_record_for_record() {
         f().user.save_file = file("sat.s19");
         f().backup->cmdsaveall_Click();

@@ -4,6 +4,7 @@
 #include <QTest>
 
 #include "fault.h"
+#include "program_state.h"
 
 namespace m47 {
 namespace {
@@ -58,6 +59,14 @@ class TextsTest : public QObject {
     Q_OBJECT
 
   private Q_SLOTS:
+    void the_units_lie_apart_as_the_meter_has_them() {
+        QCOMPARE(unit_offset(kDbuv), 0.0);
+        QCOMPARE(unit_offset(kDbmv), 60.0);
+        QCOMPARE(unit_offset(kDbm), 109.0);
+        QCOMPARE(unit_name(kDbuv) + unit_name(kDbmv) + unit_name(kDbm),
+                 QStringLiteral("dBuVdBmVdBm"));
+    }
+
     void wording_data() {
         QTest::addColumn<int>("number");
         for (int number = 0; number < Texts::kMessages; ++number)

@@ -56,6 +56,18 @@ class ReportTest : public QObject {
         QCOMPARE(report.notes, QStringLiteral("Second dish"));
     }
 
+    void the_plans_are_those_of_the_rows_each_once() {
+        PageStore page;
+        for (const char* plan : {"ROOF", "ATTIC", "ROOF", ""}) {
+            Measurement measured;
+            measured.program = {QString::fromLatin1(plan), QStringLiteral("001")};
+            measured.frequency = 1000.0F;
+            page.append({"21/11/26", "10:00:00", "1000.0"}, measured);
+        }
+        const CustomerReport report = compose_report(page, context(), texts(kEnglish));
+        QCOMPARE(fact(report, "Plan"), QStringLiteral("ROOF, ATTIC"));
+    }
+
     void it_speaks_the_language_in_use() {
         const CustomerReport report = compose_report(three_rows(), context(), texts(kItalian));
         QCOMPARE(report.title, QStringLiteral("Rapporto di misura"));
