@@ -153,6 +153,15 @@ class MeasurementTest : public QObject {
         for (int row = 0; row < made.size(); ++row) QVERIFY(same(page.measurement(row), made[row]));
     }
 
+    void the_memory_of_a_page_counts_its_measurements() {
+        constexpr int kRows = 10'000;
+        PageStore page;
+        for (int row = 0; row < kRows; ++row) page.append(cells(), whole());
+        const auto text = static_cast<std::size_t>(cells().join(u'\t').size());
+        QVERIFY(page.memory_bytes() > kRows * (text + 48));
+        QVERIFY(page.memory_bytes() < 3 * kRows * (text + 48));
+    }
+
     void what_is_no_date_or_time_is_none() {
         QCOMPARE(*row_clock("23:59:59"), 86399.0);
         QCOMPARE(*row_clock("0:0:0"), 0.0);
@@ -201,6 +210,9 @@ class MeasurementTest : public QObject {
         // Tables of series rely on keys that differ in any of these having other places.
         const SeriesKeyHash hash;
         QVERIFY(hash(key) == hash(series_key(whole())));
+        Measurement tuned_anew = whole();
+        tuned_anew.frequency = 11000.0F;
+        QVERIFY(hash(series_key(tuned_anew)) == hash(key));
         Measurement next = whole();
         next.unit = kDbuv;
         QVERIFY(hash(series_key(next)) != hash(key));
@@ -209,8 +221,8 @@ class MeasurementTest : public QObject {
         QVERIFY(hash(series_key(single)) != hash(key));
         QCOMPARE(series_key(single).oscillator_text(), QStringLiteral("10600"));
         next = single;
-        next.oscillator = 9750.123F;
-        QCOMPARE(series_key(next).oscillator_text(), QStringLiteral("9750.123"));
+        next.oscillator = 950.12345F;
+        QCOMPARE(series_key(next).oscillator_text(), QStringLiteral("950.1235"));
         QCOMPARE(key.name(), QStringLiteral("ASTRA 007 · 11778.0 / 10600"));
         QCOMPARE(series_key(single).name(), QStringLiteral("11778.0 / 10600"));
         QCOMPARE(series_key(other).name(), QStringLiteral("11778.0"));

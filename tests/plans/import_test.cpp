@@ -4,6 +4,7 @@
 #include <ctime>
 
 #include "diseqc_commands.h"
+#include "free_places.h"
 #include "plan_file.h"
 #include "plan_import.h"
 
@@ -236,6 +237,22 @@ class ImportTest : public QObject {
                          "Escluso: lo strumento non può sintonizzarlo."));
         QCOMPARE(in_both(ImportProblem::unreadable),
                  QString("Left out: not understood./Escluso: non interpretabile."));
+    }
+
+    void an_oscillator_takes_the_place_it_is_meant_for_where_that_is_free() {
+        const QString mhz = QStringLiteral("9750");
+        for (const int preferred : {-1, 0, 4, 99}) {
+            Oscillators free;
+            QCOMPARE(place_oscillator(free, preferred, mhz), std::optional<int>(0));
+            QCOMPARE(free[0], mhz);
+        }
+        Oscillators free;
+        QCOMPARE(place_oscillator(free, 3, mhz), std::optional<int>(3));
+        QCOMPARE(place_oscillator(free, 1, mhz), std::optional<int>(3));
+        QCOMPARE(place_oscillator(free, 3, QStringLiteral("10600")), std::optional<int>(0));
+        Oscillators full{QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3"),
+                         QStringLiteral("4")};
+        QVERIFY(!place_oscillator(full, 0, mhz));
     }
 
     void an_oscillator_takes_a_free_place() {
