@@ -265,6 +265,11 @@ void MeasureStepsTest::digital_cn() {
     QCOMPARE(f_->commands(), (QStringList{"ATTEN 6", "MARKER 1 1", "LEVCND?"}));
     QCOMPARE(panel().noise_freqd, QString("5000"));
     QCOMPARE(panel().cndlev, shown);
+    const Reading kept = steps().outcome.reading(Quantity::cn);
+    // What is no number is shown, and kept as not measured.
+    QCOMPARE(kept.measured(), number != 0);
+    if (kept.measured()) QCOMPARE(kept.value, static_cast<float>(number));
+    QCOMPARE(kept.mark == RangeMark::above, shown.startsWith(u'>'));
     QCOMPARE(f_->state().cn_value, number);
     QVERIFY(f_->state().cn_done);
     QVERIFY(lamp_is(1, green ? LampColour::green : LampColour::red));
