@@ -56,6 +56,12 @@ void DiskImage::name(const QString& path, int file) {
 
 void DiskImage::open(const DiskChange& change) {
     const QString path = relative(change.name);
+    if ((change.offset & O_TMPFILE) == O_TMPFILE) {
+        // It gets its name when it is whole.
+        files_ += File();
+        descriptors_[change.descriptor] = static_cast<int>(files_.size()) - 1;
+        return;
+    }
     if (path.isEmpty()) {
         descriptors_[change.descriptor] = kFolder;
         return;
@@ -90,14 +96,22 @@ void DiskImage::sync(int descriptor) {
     files_[file].waiting.clear();
 }
 
+/// The file of a name, or of the descriptor that stands for one.
+int DiskImage::file_of(const QString& path) const {
+    const QString descriptors = QStringLiteral("/proc/self/fd/");
+    if (path.startsWith(descriptors))
+        return descriptors_.value(path.mid(descriptors.size()).toInt(), kFolder);
+    if (!names_.contains(relative(path))) qFatal("no file %s", qPrintable(path));
+    return names_[relative(path)];
+}
+
 void DiskImage::apply(const DiskChange& change) {
     if (change.call == "open") return open(change);
     if (change.call == "sync") return sync(change.descriptor);
     if (change.call == "unlink") return name(relative(change.name), -1);
     if (change.call == "rename" || change.call == "link") {
         const QStringList both = change.name.split(u'\t');
-        if (!names_.contains(relative(both[0]))) qFatal("no file %s", qPrintable(both[0]));
-        name(relative(both[1]), names_[relative(both[0])]);
+        name(relative(both[1]), file_of(both[0]));
         if (change.call == "rename") name(relative(both[0]), -1);
         return;
     }

@@ -12,7 +12,7 @@ namespace m47 {
 /// A change of the disk as the shim recorded it: a line "CALL DESCRIPTOR OFFSET LENGTH NAME", and
 /// behind that of a "write" and of what was "said" on stdout its LENGTH bytes. OFFSET holds the
 /// flags of an "open" and the new length of a "truncate"; the two names of a "rename" and of a
-/// "link" have a TAB between them.
+/// "link" have a TAB between them. The first may be a descriptor's, "/proc/self/fd/7".
 struct DiskChange {
     QByteArray call;
     int descriptor = -1;
@@ -65,6 +65,7 @@ class DiskImage {
     void open(const DiskChange& change);
     void name(const QString& path, int file);
     void sync(int descriptor);
+    int file_of(const QString& path) const;
 
     QString folder_;
     QList<File> files_;

@@ -202,12 +202,22 @@ int watch_copy(int of, long copy) {
     return static_cast<int>(copy);
 }
 
+/// A file without a name gets one through the name of its descriptor.
+bool is_nameless(const char* path, char* whole) {
+    constexpr char kDescriptorNames[] = "/proc/self/fd/";
+    constexpr size_t kLength = sizeof kDescriptorNames - 1;
+    if (std::strncmp(path, kDescriptorNames, kLength) != 0) return false;
+    std::snprintf(whole, PATH_MAX, "%s", path);
+    return watched(std::atoi(path + kLength));
+}
+
 /// Renaming and linking.
 int move_with(const char* word, long call, int from_at, const char* from, int to_at, const char* to,
               unsigned flags) {
     char old_name[PATH_MAX];
     char new_name[PATH_MAX];
-    const bool ours = below_folder(from_at, from, old_name) && below_folder(to_at, to, new_name);
+    const bool ours = (below_folder(from_at, from, old_name) || is_nameless(from, old_name)) &&
+                      below_folder(to_at, to, new_name);
     if (ours)
         if (const int error = error_for(word, new_name, kCanFill | kCanBeProtected))
             return static_cast<int>(failed(error));

@@ -13,6 +13,7 @@
 #include "disk_job.h"
 #include "plan_sets.h"
 #include "program_state.h"
+#include "signal_stand.h"
 
 namespace m47 {
 namespace {
@@ -97,6 +98,23 @@ class PowerTest : public QObject {
         QDir(path).removeRecursively();
         if (!QDir().mkpath(path)) qFatal("no folder");
         return path;
+    }
+    /// All slots of a meter with satellites, as the window saves them.
+    static void keep_satellites(const QString& path) {
+        WindowStand other({});
+        other.start();
+        other.order({"trigger asl", "trigger cmdsaveall", "file " + path, "press Ok",
+                     "pick listastr 0", "click cmddelstr"});
+        if (!other.wait_until_ready()) qFatal("nothing saved");
+        // What differs from it will be written.
+        QFile file(path);
+        if (!file.open(QIODevice::ReadWrite)) qFatal("nothing saved");
+        const QByteArray text = file.readAll();
+        const QByteArray slot = text.left(text.indexOf("S9") + 12);
+        const QByteArray next = text.mid(slot.size());
+        file.resize(0);
+        // The second satellite goes into the first slot too.
+        file.write(slot.left(slot.indexOf('\n') + 1) + next.mid(next.indexOf('\n') + 1));
     }
     QString after_cut(const QMap<QString, QByteArray>& files) {
         const QString path = made("after");
@@ -210,6 +228,55 @@ class PowerTest : public QObject {
                            QVERIFY2(log.size() >= promised, log.constData());
                            QVERIFY(!rows_in(path + u'/' + kDatabase).startsWith("damaged"));
                        });
+    }
+
+    void a_copy_is_safe_before_anything_is_erased_data() {
+        QTest::addColumn<QString>("erases");
+        QTest::addColumn<QStringList>("orders");
+        QTest::addColumn<QString>("copy");
+        QTest::newRow("logger table, before an upload disables its lines")
+            << "DATAPROGRAM 01 01 00"
+            << QStringList{"trigger program", "trigger accoda", "press Yes", "trigger sostituisci",
+                           "press Yes"}
+            << "backup/logger-*.txt";
+        // The header of a block for slot 0.
+        QTest::newRow("satellites, before a restore writes the first slot")
+            << "S00A000041534C20303030"
+            << QStringList{"trigger asl", "trigger cmdrestoreall", "file FOLDER/all.s19", "accept"}
+            << "all-before-*.s19";
+    }
+    /// The power goes just as the meter gets the first command that takes something away.
+    void a_copy_is_safe_before_anything_is_erased() {
+        QFETCH(const QString, erases);
+        QFETCH(const QStringList, orders);
+        QFETCH(const QString, copy);
+        WindowStand window({"--fault-on", erases.left(20), "--fault", "silence"});
+        keep_satellites(window.stand.path("all.s19"));
+        const QString record = window.stand.folder.filePath("record");
+        for (const auto& [name, value] :
+             {std::pair{"LD_PRELOAD", QStringLiteral(DISK_SHIM)},
+              std::pair{"M47_DISK_FOLDER", QFileInfo(window.stand.path("")).canonicalFilePath()},
+              std::pair{"M47_DISK_REPORT", window.stand.folder.filePath("report")},
+              std::pair{"M47_DISK_RECORD", record}})
+            window.stand.remote.environment.insert(name, value);
+        QMap<QString, QByteArray> before;
+        for (const QString& name : {kDatabase, QStringLiteral("all.s19")})
+            before.insert(name, window.stand.content(name));
+        window.start();
+        window.order(orders);
+        QVERIFY(window.wait_for(erases));
+        window.stand.remote.kill_now();
+        const QString folder = QFileInfo(window.stand.path("")).canonicalFilePath();
+        DiskImage image(folder, before);
+        for (const DiskChange& change : recorded_changes(content_of(record))) image.apply(change);
+        QRandomGenerator random(1);
+        const auto left = image.after_power_cut(Leaves::nothing, random);
+        const QFileInfo kept = QDir(folder + u'/' + QFileInfo(copy).path())
+                                   .entryInfoList({QFileInfo(copy).fileName()})
+                                   .value(0);
+        QVERIFY(kept.size() > 20);
+        QCOMPARE(left.value(QDir(folder).relativeFilePath(kept.filePath())),
+                 content_of(kept.filePath()));
     }
 };
 

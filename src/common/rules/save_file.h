@@ -11,9 +11,14 @@ namespace m47 {
 /// Puts `bytes` as a file in the place of what stood at `path` before, whole or not at all: the
 /// older file stands until the new one is whole on the disk, so the folder has to take a second
 /// file. Nothing but a plain file is replaced: neither a folder, a pipe or a device nor, where
-/// links are refused, a link; where they are followed the file that it names is written. Nothing on
-/// success, else the reason.
+/// links are refused, a link; where they are followed the file that it names is written. With the
+/// return file and name are on the medium: what may be erased for them can be. Nothing on success,
+/// else the reason; where the folder alone could not be written out, the new file is there.
 QString write_whole_file(const QString& path, const QByteArray& bytes,
                          Links links = Links::followed);
+
+/// Writes the names in `folder` out to the medium. Nothing on success, and where the file system
+/// has no such thing to give; else the reason.
+QString sync_folder(const QString& folder);
 
 }  // namespace m47

@@ -77,6 +77,8 @@ void keep_table(const QString& base_dir, const QString& table, const QDateTime& 
     if (!folder.mkpath(kBackupFolder) || !folder.cd(kBackupFolder))
         throw Fault(
             (folder.filePath(kBackupFolder) + QStringLiteral(": cannot be made")).toStdString());
+    const QString lost = sync_folder(base_dir);
+    if (!lost.isEmpty()) throw_file_fault(base_dir, lost);
     const QString path = free_backup_name(folder, now);
     const QString reason = write_whole_file(path, table.toLatin1(), Links::refused);
     if (!reason.isEmpty()) throw_file_fault(path, reason);
