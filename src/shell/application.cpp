@@ -12,6 +12,7 @@
 #include "contrast_style.h"
 #include "database_error.h"
 #include "display.h"
+#include "end_signals.h"
 #include "fault.h"
 #include "file_options.h"
 #include "handler.h"
@@ -21,6 +22,7 @@
 #include "old_reader.h"
 #include "program.h"
 #include "unattended.h"
+#include "window_end.h"
 #include "work_folder.h"
 
 namespace m47 {
@@ -113,10 +115,13 @@ int run_windows(Program& program, const Options& options) {
             program.window().open_screen(options.open);
         });
     });
-    return QApplication::exec();
+    const WindowEnd end(program);
+    const int status = QApplication::exec();
+    return times_told_to_end() > 0 ? WindowEnd::tell(program) : status;
 }
 
 int run_with_options(int argc, char** argv, const Options& options) {
+    listen_to_end_signals();
     g_toolkit_messages = qInstallMessageHandler(pass_message);
     GuardedApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("m47-remote"));
@@ -155,6 +160,7 @@ int run_with_options(int argc, char** argv, const Options& options) {
 int run_program(int argc, char** argv) {
     occupy_closed_streams();
     if (argc == 2 && qstrcmp(argv[1], kReadOldDatabase) == 0) return run_old_reader();
+    let_writes_fail();
     const Options options = parse_options(own_arguments(argc, argv));
     switch (options.action) {
         case Options::Action::help:

@@ -6,6 +6,8 @@
 #include <cstdio>
 
 #include "clash_dialog.h"
+#include "end_signals.h"
+#include "fault.h"
 #include "fields.h"
 #include "file_question.h"
 #include "import_apply.h"
@@ -14,6 +16,7 @@
 #include "old_reader.h"
 #include "report_dialog.h"
 #include "unattended.h"
+#include "work.h"
 
 namespace m47 {
 namespace {
@@ -21,6 +24,23 @@ namespace {
 constexpr Bilingual kImportTitle{"Import old database", "Importa vecchio database"};
 constexpr Bilingual kFileKinds{"Old databases (*.mdb *.MDB);;All files (*)",
                                "Vecchi database (*.mdb *.MDB);;Tutti i file (*)"};
+
+constexpr Bilingual kNothingImported{"nothing had been imported", "non era stato importato nulla"};
+constexpr Bilingual kImported{"%1 plans and %2 satellites had been imported, each whole",
+                              "%1 piani e %2 satelliti erano stati importati, ognuno intero"};
+
+/// How many of `items` have come, under whatever name.
+template <class Items>
+int arrived(const Items& items) {
+    const auto came = [](const ImportItem& item) {
+        return item.arrival != Arrival::open && item.arrival != Arrival::kept;
+    };
+    return static_cast<int>(std::ranges::count_if(items, came));
+}
+
+QStringList arrivals(const ImportPlan& plan) {
+    return {QString::number(arrived(plan.plans)), QString::number(arrived(plan.satellites))};
+}
 
 /// Reads the shared sets anew; the plan that the screens step on from stays the same.
 void refresh_sets(Database& database) {
@@ -46,13 +66,9 @@ void say_on_stderr(const QString& text) {
 
 }  // namespace
 
-ImportCommand::ImportCommand(Database& database, const ProgramState& program, QWidget& window,
-                             std::function<void()> pump)
-    : database_(database),
-      program_(program),
-      texts_(program.texts),
-      window_(window),
-      pump_(std::move(pump)) {}
+ImportCommand::ImportCommand(Database& database, Link& link, const ProgramState& program,
+                             QWidget& window)
+    : database_(database), link_(link), program_(program), texts_(program.texts), window_(window) {}
 
 void ImportCommand::cmdimportdb_Click() {
     QFileDialog dialog(&window_, texts_.pick(kImportTitle), QString(), texts_.pick(kFileKinds));
@@ -62,8 +78,9 @@ void ImportCommand::cmdimportdb_Click() {
 }
 
 void ImportCommand::import_file(const QString& path) {
+    Work work(link_, kNothingImported);
     OldFileError error;
-    const auto old = read_old_database(path, error, pump_);
+    const auto old = read_old_database(path, error, [this] { pump(); });
     if (!old) {
         show_message_box(&window_, QMessageBox::Critical, texts_.pick(kImportTitle),
                          old_file_error_text(error, texts_));
@@ -72,16 +89,26 @@ void ImportCommand::import_file(const QString& path) {
     ImportPlan plan = import_plan_of(*old);
     mark_clashes(plan, database_);
     if (anything_clashes(plan) && !ClashDialog(plan, texts_, &window_).ask()) return;
-    const QString stopped = apply_import(plan, database_, texts_);
+    const QString stopped = apply_import(plan, database_, texts_, link_.interrupted);
+    work.at(kImported, arrivals(plan));
     refresh_sets(database_);
     ReportDialog(texts_.pick(kImportTitle), import_report(plan, path, stopped, texts_), texts_,
                  &window_)
         .exec();
 }
 
-int import_unattended(Database& database, const QString& path, const Texts& texts) {
+/// The reader can take its time, and whoever wants to end the program does not wait for it.
+void ImportCommand::pump() {
+    link_.view().pump();
+    if (link_.interrupted && link_.interrupted()) throw Interrupted();
+}
+
+int import_unattended(Database& database, const QString& path, const Texts& texts) try {
+    const auto told = [] { return times_told_to_end() > 0; };
     OldFileError error;
-    const auto old = read_old_database(path, error);
+    const auto old = read_old_database(path, error, [&] {
+        if (told()) throw Interrupted();
+    });
     if (!old) {
         say_on_stderr(old_file_error_text(error, texts));
         return kOldFileUnreadable;
@@ -89,14 +116,21 @@ int import_unattended(Database& database, const QString& path, const Texts& text
     const QString remark = reader_remark(*old, texts);
     if (!remark.isEmpty()) say_on_stderr(remark);
     ImportPlan plan = import_plan_of(*old);
-    const QString stopped = apply_import(plan, database, texts);
+    const QString stopped = apply_import(plan, database, texts, told);
     const QByteArray report = import_report(plan, path, stopped, texts).toUtf8();
     const bool printed = std::fputs(report.constData(), stdout) >= 0 && std::fflush(stdout) == 0;
+    if (!stopped.isEmpty() && told()) {
+        tell_end({kImported, arrivals(plan)}, texts);
+        return end_signal_status();
+    }
     if (!stopped.isEmpty()) {
         say_on_stderr(stopped_text(stopped, texts));
         return kDatabase;
     }
     return printed ? kGood : kOutputLost;
+} catch (const Interrupted&) {
+    tell_end({kNothingImported, {}}, texts);
+    return end_signal_status();
 }
 
 }  // namespace m47

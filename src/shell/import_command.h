@@ -3,9 +3,9 @@
 
 #include <QString>
 #include <QWidget>
-#include <functional>
 
 #include "database.h"
+#include "link.h"
 #include "program_state.h"
 
 namespace m47 {
@@ -13,9 +13,9 @@ namespace m47 {
 /// The menu entry that brings plans and satellites from a file of the old engine.
 class ImportCommand {
   public:
-    /// Its boxes stand over `window`; `pump` keeps the windows alive while the file is read.
-    ImportCommand(Database& database, const ProgramState& program, QWidget& window,
-                  std::function<void()> pump);
+    /// Its boxes stand over `window`; the view of `link` keeps the windows alive while the file is
+    /// read.
+    ImportCommand(Database& database, Link& link, const ProgramState& program, QWidget& window);
 
     /// Asks for the file, for what is to become of every plan and satellite that is there already,
     /// imports and shows the report. Cancelling any of the questions imports nothing.
@@ -23,12 +23,13 @@ class ImportCommand {
 
   private:
     void import_file(const QString& path);
+    void pump();
 
     Database& database_;
+    Link& link_;
     const ProgramState& program_;
     const Texts& texts_;
     QWidget& window_;
-    std::function<void()> pump_;
 };
 
 /// The same without asking: what is there already is kept, and the report goes to stdout. Returns

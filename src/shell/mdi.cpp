@@ -137,7 +137,10 @@ void M47MDI::restore_place() {
 
 void M47MDI::closeEvent(QCloseEvent* event) {
     QMainWindow::closeEvent(event);
-    if (!event->isAccepted()) return;
+    if (event->isAccepted()) keep_places();
+}
+
+void M47MDI::keep_places() {
     program_.preferences.keep_place(objectName(),
                                     {QRect(pos(), normalGeometry().size()), isMaximized()});
     for (auto view = views_.cbegin(); view != views_.cend(); ++view)

@@ -45,6 +45,9 @@ class M47MDI : public QMainWindow, public MainWindowView {
     /// one.
     void restore_place();
 
+    /// Remembers the places of the windows.
+    void keep_places();
+
     /// Shows the screen of `key`, made where it does not exist yet; a key without one does nothing.
     void open_screen(const QString& key);
     /// The screen of `key` where it is open, else nullptr.

@@ -63,7 +63,7 @@ Program::Program(ProgramState& state, std::unique_ptr<Database> database, PortLi
       window_(state),
       link_(*port_, *clock_, window_.status()),
       identification_(link_, state.texts, ports_, window_),
-      import_(*database_, state, window_, [this] { window_.status().pump(); }) {
+      import_(*database_, link_, state, window_) {
     // The logger's temporary file has no name yet, and message 0 is composed with that.
     state_.texts.load_messages(state_.temp_file_name);
     tell_faults_in(&state_.texts);
@@ -89,6 +89,12 @@ Program::Program(ProgramState& state, std::unique_ptr<Database> database, PortLi
     on(&window_, &M47MDI::manual_asked, &window_, "cmdmanual_Click", [this] { cmdmanual_Click(); });
     window_.resize(kWindowSize.boundedTo(QGuiApplication::primaryScreen()->availableSize()));
     window_.restore_place();
+}
+
+std::optional<Said> Program::left_off() const {
+    if (link_.left_off) return link_.left_off;
+    const auto* screen = qobject_cast<Realtime*>(window_.screen_of(QStringLiteral("realtime")));
+    return screen ? screen->rules.acquisition.running() : std::nullopt;
 }
 
 Program::~Program() {

@@ -3,6 +3,7 @@
 
 #include <QTimer>
 #include <memory>
+#include <optional>
 
 #include "database.h"
 #include "device_watch.h"
@@ -38,6 +39,11 @@ class Program {
     Link& link() { return link_; }
     Database& database() { return *database_; }
     ProgramState& state() { return state_; }
+    const ProgramState& state() const { return state_; }
+
+    /// How far the work is that goes on, or came before the program was told to end; nothing where
+    /// there is none.
+    std::optional<Said> left_off() const;
 
     /// Identifies the meter on port `number` (1 to 10), as picking it on the port screen does.
     void identify(int number);

@@ -5,10 +5,10 @@
 
 #include <QBuffer>
 #include <QFileInfo>
-#include <csignal>
 #include <cstdio>
 
 #include "alarm_limits.h"
+#include "end_signals.h"
 #include "fault.h"
 #include "handler.h"
 #include "numbers.h"
@@ -22,30 +22,6 @@ namespace {
 
 /// How long the reader of the rows is waited for in the end, in seconds.
 constexpr double kLongestReaderWait = 10;
-
-/// How often the run has been told to end.
-volatile std::sig_atomic_t g_told_to_end = 0;
-
-void tell_to_end(int) {
-    if (g_told_to_end < 2) g_told_to_end = g_told_to_end + 1;
-}
-
-bool ignored(int signal) {
-    struct sigaction present {};
-    return sigaction(signal, nullptr, &present) == 0 && present.sa_handler == SIG_IGN;
-}
-
-void listen_to_signals() {
-    struct sigaction action {};
-    action.sa_handler = tell_to_end;
-    sigaction(SIGINT, &action, nullptr);
-    sigaction(SIGTERM, &action, nullptr);
-    // Under nohup the run outlives its terminal.
-    if (!ignored(SIGHUP)) sigaction(SIGHUP, &action, nullptr);
-    // A reader of the rows that goes away shows when they are written.
-    action.sa_handler = SIG_IGN;
-    sigaction(SIGPIPE, &action, nullptr);
-}
 
 /// The line on a terminal that tells how far the run is.
 class ProgressLine {
@@ -201,9 +177,9 @@ bool identify_meter(Run& run) {
 
 /// The same within a run over a plan. A signal ends the trying at once.
 bool connect_again(Run& run) {
-    run.program.link().interrupted = [] { return g_told_to_end > 0; };
+    run.program.link().interrupted = [] { return times_told_to_end() > 0; };
     identify_meter(run);
-    run.program.link().interrupted = [] { return g_told_to_end > 1; };
+    run.program.link().interrupted = [] { return times_told_to_end() > 1; };
     return run.program.link().port_connected;
 }
 
@@ -234,12 +210,12 @@ void measure_plan(Run& run) {
     set_up(run);
     for (const int mode : {kAnalogMode, kDigitalMode}) run.screen.rules.tick_measures(mode);
     // Told to end once, the running measurement is finished; told twice, not even that.
-    run.program.link().interrupted = [] { return g_told_to_end > 1; };
+    run.program.link().interrupted = [] { return times_told_to_end() > 1; };
     PlanRun plan_run(run.program.link(), run.screen.rules,
                      {.passes = run.options.passes,
                       .every = run.options.every,
                       .reconnect = run.options.reconnect});
-    plan_run.told_to_stop = [&run] { return g_told_to_end > 0 || run.pointless(); };
+    plan_run.told_to_stop = [&run] { return times_told_to_end() > 0 || run.pointless(); };
     plan_run.connect = [&run] { return connect_again(run); };
     plan_run.on_progress = [](const QString& text) { g_progress_line.show(text); };
     plan_run.on_remark = complain;
@@ -273,8 +249,8 @@ void write_screenshot(Run& run) {
 int status_of(const Run& run) {
     if (run.wrong_limits) return kUsage;
     if (!run.program.link().port_connected) {
-        complain(g_told_to_end ? QStringLiteral("ended without a link to the meter")
-                               : QStringLiteral("the link to the meter was lost"));
+        complain(times_told_to_end() > 0 ? QStringLiteral("ended without a link to the meter")
+                                         : QStringLiteral("the link to the meter was lost"));
         return kNoLink;
     }
     if (run.output.lost() || run.file_lost || run.row_missing) return kOutputLost;
@@ -305,11 +281,11 @@ bool prepare(Run& run, int& status) {
 }  // namespace
 
 int run_unattended(Program& program, const Options& options) {
-    listen_to_signals();
     // The window begins in Italian; what stderr says is English from the first line on.
     program.window().cmdinglese_Click();
     set_fault_reporter([](QWidget*, const QString& what) { complain(what); });
-    program.link().interrupted = [] { return g_told_to_end != 0; };
+    program.link().interrupted = [] { return times_told_to_end() > 0; };
+    program.link().cut_off = [] { return times_told_to_end() > 1; };
     Run run{program, options, *program.make_realtime(&program.window())};
     run.output.on_remark = complain;
     run.screen.rules.cycle.on_row = [&run](const QStringList& row) { print_row(run, row); };
@@ -338,7 +314,7 @@ int run_unattended(Program& program, const Options& options) {
     }
     g_progress_line.clear();
     write_screenshot(run);
-    run.output.finish(kLongestReaderWait, [] { return g_told_to_end > 1; });
+    run.output.finish(kLongestReaderWait, [] { return times_told_to_end() > 1; });
     return status_of(run);
 }
 

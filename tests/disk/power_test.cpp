@@ -275,6 +275,8 @@ class PowerTest : public QObject {
                                    .entryInfoList({QFileInfo(copy).fileName()})
                                    .value(0);
         QVERIFY(kept.size() > 20);
+        QVERIFY2(left.contains(QDir(folder).relativeFilePath(kept.filePath())),
+                 qPrintable(left.keys().join(u' ')));
         QCOMPARE(left.value(QDir(folder).relativeFilePath(kept.filePath())),
                  content_of(kept.filePath()));
     }

@@ -57,6 +57,11 @@ QString folder_template() {
 
 ChildProcess::ChildProcess() {
     process_.setChildProcessModifier([] {
+        // As from a shell, whatever the test itself was started under.
+        for (int number = 1; number < NSIG; ++number) ::signal(number, SIG_DFL);
+        sigset_t none;
+        ::sigemptyset(&none);
+        ::sigprocmask(SIG_SETMASK, &none, nullptr);
         ::setpgid(0, 0);
         ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     });
@@ -67,7 +72,8 @@ ChildProcess::~ChildProcess() {
 }
 
 void ChildProcess::send_signal(int number) const {
-    ::kill(static_cast<pid_t>(process_.processId()), number);
+    // What has ended has no number any more, and 0 would be the test itself.
+    if (process_.processId() > 0) ::kill(static_cast<pid_t>(process_.processId()), number);
 }
 
 void ChildProcess::kill_now() {

@@ -102,6 +102,12 @@ class RemoteProcess : public ChildProcess {
     /// The same for stderr.
     bool wait_for_error_lines(int count);
 
+    /// What it has written on stdout so far.
+    const QByteArray& written() {
+        collect();
+        return out_;
+    }
+
     /// Waits for its end, at most a minute; after that it is killed and the status is -1.
     Ending wait();
     Ending run(const QStringList& arguments);

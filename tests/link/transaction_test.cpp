@@ -7,6 +7,7 @@
 #include "fault.h"
 #include "link.h"
 #include "virtual_clock.h"
+#include "work.h"
 
 namespace m47 {
 
@@ -55,6 +56,9 @@ class TransactionTest : public QObject {
     void waiting_for_a_tick();
     void an_interruption_ends_waits_and_the_next_transaction();
     void a_transaction_that_has_begun_goes_on();
+    void what_is_undivided_is_sent_to_its_end();
+    void a_transaction_is_cut_off_when_told_again();
+    void work_that_is_broken_off_says_how_far_it_came();
     void each_wait_and_transaction_is_one_span();
     void midnight_within_a_transaction();
     void midnight_within_a_wait();
@@ -570,6 +574,61 @@ void TransactionTest::a_transaction_that_has_begun_goes_on() {
     QVERIFY(ending);
     QCOMPARE(link_->reply_text, QString("73.5"));
     QCOMPARE(port_->written, QByteArray("LEVANL?\r"));
+}
+
+void TransactionTest::what_is_undivided_is_sent_to_its_end() {
+    bool ending = false;
+    link_->interrupted = [&] { return ending; };
+    port_->answer = [](const QByteArray& command) { return FakePort::good(command); };
+    {
+        const Undivided whole(*link_);
+        run("ASLDEL 3");
+        ending = true;
+        run("ASLNAME 3 ASTRA");
+        link_->wait_time(0.5);
+    }
+    QCOMPARE(port_->written, QByteArray("ASLDEL 3\rASLNAME 3 ASTRA\r"));
+    QVERIFY_THROWS_EXCEPTION(Interrupted, static_cast<void>(Undivided{*link_}));
+    QCOMPARE(link_->undivided, 0);
+    QVERIFY_THROWS_EXCEPTION(Interrupted, run("MEASURE"));
+}
+
+void TransactionTest::a_transaction_is_cut_off_when_told_again() {
+    const Undivided whole(*link_);
+    link_->interrupted = [&] { return clock_->elapsed() > 1; };
+    link_->cut_off = [&] { return clock_->elapsed() > 100; };
+    port_->feed("DATAOUT\r", 0.5);
+    QVERIFY_THROWS_EXCEPTION(Interrupted, run("DATAOUT"));
+    QVERIFY(clock_->elapsed() < 101);
+    QVERIFY(!port_->is_open());
+}
+
+void TransactionTest::work_that_is_broken_off_says_how_far_it_came() {
+    bool ending = false;
+    const auto said = [this] { return link_->left_off ? link_->left_off->in(Texts()) : QString(); };
+    link_->interrupted = [&] { return ending; };
+    port_->answer = [](const QByteArray& command) { return FakePort::good(command); };
+    {
+        Work outer(*link_, {"%1 of %2", "%1 su %2"}, {"0", "%1"});
+        QCOMPARE(said(), QString("0 of %1"));
+        Work inner(*link_, {"within", "dentro"});
+        outer.at({"%1 of %2", "%1 su %2"}, {"1", "2"});
+    }
+    QCOMPARE(said(), QString());
+    run("FREQ 1");
+    QCOMPARE(said(), QString());
+    {
+        const Work work(*link_, {"half", "metà"});
+        ending = true;
+    }
+    QCOMPARE(said(), QString("half"));
+    // Without any work the command tells.
+    link_->left_off.reset();
+    ending = false;
+    view_->on_pump = [&] { ending = true; };
+    run("FREQ 2");
+    QVERIFY(ending);
+    QCOMPARE(said(), QString("nothing was sent behind the command FREQ 2"));
 }
 
 void TransactionTest::each_wait_and_transaction_is_one_span() {

@@ -12,11 +12,19 @@
 #include "fault.h"
 #include "fields.h"
 #include "numbers.h"
+#include "work.h"
 
 namespace m47 {
 namespace {
 
 constexpr int kNoPlace = -1;
+
+constexpr Bilingual kOnlyRead{"the satellites were being read, nothing was changed",
+                              "lettura dei satelliti in corso, nulla è stato modificato"};
+constexpr Bilingual kSlotNotSent{"slot %1 was not sent, it is as before",
+                                 "la posizione %1 non è stata inviata, è come prima"};
+constexpr Bilingual kSlotSent{"slot %1 was sent whole",
+                              "la posizione %1 è stata inviata per intero"};
 
 QString entry(const QStringList& list, int place) {
     return place >= 0 && place < list.size() ? list[place] : QString();
@@ -46,6 +54,7 @@ void SatelliteLists::Form_Load() {
 }
 
 void SatelliteLists::visualizza_listastr(Modo modo, const QString& quale) {
+    const Work work(link_, kOnlyRead);
     const bool answered = link_.send(command::query(command::kSlotName));
     panel.listastr = answered ? slot_names(link_.reply_text) : QStringList();
     panel.listastr_place = kNoPlace;
@@ -111,9 +120,14 @@ void SatelliteLists::cmdlearn_Click() {
 }
 
 void SatelliteLists::learn(int slot, const QString& name) {
-    send(command::kMeasure);
-    send(command::kLearnSlot + learnt_slot(slot));
-    send(command::kSlotName + learnt_slot(slot) + u' ' + name);
+    Work work = begin_slot(slot);
+    {
+        const Undivided whole(link_);
+        send(command::kMeasure);
+        send(command::kLearnSlot + learnt_slot(slot));
+        send(command::kSlotName + learnt_slot(slot) + u' ' + name);
+    }
+    tell_sent(work, slot);
     visualizza_listastr();
 }
 
@@ -125,8 +139,9 @@ void SatelliteLists::cmdsave_Click() {
     const int slot = slot_to_program(selected_pc_name());
     if (slot < 0) return;
     panel.listastr[slot] = panel.listadb[place];
-    const QString block = send_slot(slot, asl_.text(field::kDati));
-    name_slot(slot, asl_.text(field::kNome));
+    Work work = begin_slot(slot);
+    const QString block = send_named(slot, asl_.text(field::kDati), asl_.text(field::kNome));
+    tell_sent(work, slot);
     visualizza_listastr(Modo::patch, block);
 }
 
@@ -235,8 +250,18 @@ void SatelliteLists::cmddelpc_Click() {
 void SatelliteLists::cmddelstr_Click() {
     const int slot = panel.listastr_place;
     if (!is_place(panel.listastr, slot) || selected_slot_name() == kNoSatellite) return;
+    Work work = begin_slot(slot);
     empty_slot(slot);
+    tell_sent(work, slot);
     visualizza_listastr();
+}
+
+Work SatelliteLists::begin_slot(int slot) {
+    return Work(link_, kSlotNotSent, {format_number(slot, "00")});
+}
+
+void SatelliteLists::tell_sent(Work& work, int slot) const {
+    if (link_.port_connected) work.at(kSlotSent, {format_number(slot, "00")});
 }
 
 QString SatelliteLists::send_slot(int slot, const QString& block) {
@@ -246,11 +271,15 @@ QString SatelliteLists::send_slot(int slot, const QString& block) {
     return text;
 }
 
-void SatelliteLists::name_slot(int slot, const QString& name) {
+QString SatelliteLists::send_named(int slot, const QString& block, const QString& name) {
+    const Undivided whole(link_);
+    const QString text = send_slot(slot, block);
     send(command::kSlotName + programmed_slot(slot) + u' ' + name);
+    return text;
 }
 
 void SatelliteLists::empty_slot(int slot) {
+    const Undivided whole(link_);
     send(command::kDeleteSlot + programmed_slot(slot));
     send_slot(slot, SlotBlock().text());
 }

@@ -11,6 +11,7 @@
 #include "program_state.h"
 #include "recordset.h"
 #include "slot_block.h"
+#include "work.h"
 
 namespace m47 {
 
@@ -61,8 +62,8 @@ class SatelliteLists {
 
     /// Sends `block` into `slot`. Returns the text that was sent, header included.
     QString send_slot(int slot, const QString& block);
-    /// Gives a slot that was sent its name.
-    void name_slot(int slot, const QString& name);
+    /// The same, then gives the slot its name.
+    QString send_named(int slot, const QString& block, const QString& name);
     /// Deletes the satellite of `slot` and overwrites it with the empty slot.
     void empty_slot(int slot);
 
@@ -80,6 +81,8 @@ class SatelliteLists {
     void write_satellite(bool known, const QString& name, const QString& block);
     int slot_to_program(const QString& name);
     void learn(int slot, const QString& name);
+    Work begin_slot(int slot);
+    void tell_sent(Work& work, int slot) const;
     bool confirm(const char* title, int message, const QString& rest);
 
     Link& link_;

@@ -3,6 +3,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <algorithm>
 
 #include "asl_texts.h"
 #include "numbers.h"
@@ -14,6 +15,15 @@ namespace {
 /// Far more than a file of 20 slots; whatever is longer is none.
 constexpr qint64 kLongestFile = qint64{1024} * 1024;
 const QString kLineEnd = QStringLiteral("\r\n");
+
+constexpr Bilingual kNotSaved{"no slot was saved", "nessuna posizione è stata salvata"};
+constexpr Bilingual kAllSaved{"%1 slots were saved in %2", "%1 posizioni salvate in %2"};
+constexpr Bilingual kNoneWritten{"the restore had written no slot",
+                                 "il ripristino non aveva scritto nessuna posizione"};
+constexpr Bilingual kWritten{
+    "the restore had written %1 of %2 slots, what was there before is in %3",
+    "il ripristino aveva scritto %1 posizioni su %2, lo stato precedente "
+    "è in %3"};
 
 QList<int> missing_slots(const SlotTable& table) {
     QList<int> missing;
@@ -36,10 +46,13 @@ SlotBackup::SlotBackup(SatelliteLists& lists, Link& link, ProgramState& program,
 
 void SlotBackup::cmdsaveall_Click() {
     const QString path = questions_.file_to_save();
-    if (path.isEmpty() || !read_meter()) return;
+    if (path.isEmpty()) return;
+    Work work(link_, kNotSaved);
+    if (!read_meter()) return;
     const SlotTable table = present_slots();
     const QList<int> damaged = missing_slots(table);
     if (!agree_to_damage(damaged, asl_text::kSaveWithoutDamaged) || !save(path, table)) return;
+    work.at(kAllSaved, {QString::number(kSlots - damaged.size()), path});
     questions_.inform(
         QString::fromLatin1(asl_text::kTitle),
         program_.texts.pick(asl_text::kSaved)
@@ -54,13 +67,14 @@ void SlotBackup::cmdrestoreall_Click() {
         warn(program_.texts.pick(asl_text::kNoSlotsInFile).arg(QDir::toNativeSeparators(path)));
         return;
     }
+    Work work(link_, kNoneWritten);
     if (!read_meter()) return;
     const RestorePlan plan = restore_plan(present_slots(), file);
     if (!questions_.preview(plan) || !changes_any(plan)) return;
     if (!agree_to_damage(overwritten_unread(plan), asl_text::kOverwriteUnread)) return;
     const QString before = name_beside(path);
     if (!save(before, present_slots())) return;
-    restore(plan);
+    restore(plan, before, work);
     report(plan, before);
 }
 
@@ -115,21 +129,31 @@ QString SlotBackup::name_beside(const QString& path) const {
     return name + u'.' + kBackupSuffix;
 }
 
-void SlotBackup::restore(const RestorePlan& plan) {
-    for (int slot = 0; slot < kSlots && link_.port_connected; ++slot)
-        write_slot(slot, plan[static_cast<std::size_t>(slot)]);
+void SlotBackup::restore(const RestorePlan& plan, const QString& before, Work& work) {
+    const auto changes = [](const SlotPlan& slot) {
+        return slot.fate == SlotFate::emptied || slot.fate == SlotFate::written;
+    };
+    const QString all = QString::number(std::ranges::count_if(plan, changes));
+    int written = 0;
+    for (int slot = 0; slot < kSlots && link_.port_connected; ++slot) {
+        const SlotPlan& one = plan[static_cast<std::size_t>(slot)];
+        write_slot(slot, one);
+        if (changes(one) && link_.port_connected)
+            work.at(kWritten, {QString::number(++written), all, before});
+    }
     lists_.visualizza_listastr();
 }
 
 void SlotBackup::write_slot(int slot, const SlotPlan& plan) {
     if (plan.fate == SlotFate::emptied) lists_.empty_slot(slot);
     if (plan.fate != SlotFate::written) return;
-    lists_.send_slot(slot, plan.file->text());
     // A name that is no satellite's came with the block; the meter takes none of these by command,
     // nor one with a control character, which would be a command of its own.
     const QString name = plan.file->name();
     if (!name.isEmpty() && name != kNoSatellite && fits_the_line(name))
-        lists_.name_slot(slot, name);
+        lists_.send_named(slot, plan.file->text(), name);
+    else
+        lists_.send_slot(slot, plan.file->text());
 }
 
 void SlotBackup::report(const RestorePlan& plan, const QString& before) {

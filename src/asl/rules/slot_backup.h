@@ -30,7 +30,7 @@ class SlotBackup {
     bool save(const QString& path, const SlotTable& table);
     SlotTable slots_in_file(const QString& path);
     QString name_beside(const QString& path) const;
-    void restore(const RestorePlan& plan);
+    void restore(const RestorePlan& plan, const QString& before, Work& work);
     void write_slot(int slot, const SlotPlan& plan);
     void report(const RestorePlan& plan, const QString& before);
     void warn(const QString& text);

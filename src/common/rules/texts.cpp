@@ -71,6 +71,22 @@ QString Texts::pick(const Bilingual& pair) const {
     return QString::fromUtf8(language == kItalian ? pair.italian : pair.english);
 }
 
+QString Said::in(const Texts& texts) const {
+    // One after another they would be looked for in each other's text too.
+    QString text;
+    const QString form = texts.pick(words);
+    for (qsizetype at = 0; at < form.size(); ++at) {
+        const int place = form[at] == u'%' ? form.mid(at + 1, 1).toInt() : 0;
+        if (place < 1 || place > values.size()) {
+            text += form[at];
+            continue;
+        }
+        text += values[place - 1];
+        ++at;
+    }
+    return text;
+}
+
 QString on_one_line(const QString& text) {
     return QString(text).replace(u'\n', u' ');
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <array>
 
 namespace m47 {
@@ -51,6 +52,14 @@ class Texts {
 
     /// One of a pair: Italian when the language is Italian, English for every other code.
     QString pick(const Bilingual& pair) const;
+};
+
+/// A sentence and what stands in its places %1, %2 and so on.
+struct Said {
+    Bilingual words;
+    QStringList values;
+
+    QString in(const Texts& texts) const;
 };
 
 /// `text` as a line of stderr, where each message is one line for whoever goes through them.

@@ -18,6 +18,9 @@ constexpr double kEchoLimit = 2;
 constexpr qsizetype kLongestReply = qsizetype{4} * 1024 * 1024;
 constexpr double kPumpInterval = 0.02;
 
+constexpr Bilingual kBehindCommand{"nothing was sent behind the command %1",
+                                   "dopo il comando %1 non è stato inviato nulla"};
+
 }  // namespace
 
 Link::Link(SerialPort& port, Clock& clock, LinkView& view)
@@ -44,11 +47,17 @@ bool Link::transact(const std::function<Outcome()>& exchange, const std::functio
 
     const ClockSpan span(clock_);
     view_.set_hourglass(true);
-    if (exchange() != Outcome::answered) show_port_state();
-    rest();
+    try {
+        if (exchange() != Outcome::answered) show_port_state();
+        rest();
+    } catch (const Interrupted&) {
+        close_port();
+        throw;
+    }
     close_port();
     view_.set_hourglass(false);
     view_.set_progress(0);
+    note_left_off();
     return true;
 }
 
@@ -148,6 +157,7 @@ Link::Outcome Link::poll_answer(float start, float sent) {
         }
         // An unplugged line brings nothing any more: the limit need not be waited for.
         if (!port_.is_open()) return Outcome::lost;
+        end_when_cut_off();
         port_.wait_for_input(kPollSlice);
         pump_when_due();
     }
@@ -208,8 +218,23 @@ void Link::pump_when_due() {
     last_pump_ = clock_.now();
 }
 
+bool Link::told_to_end() const {
+    return undivided == 0 && interrupted && interrupted();
+}
+
 void Link::end_when_interrupted() const {
-    if (interrupted && interrupted()) throw Interrupted();
+    if (told_to_end()) throw Interrupted();
+    end_when_cut_off();
+}
+
+void Link::end_when_cut_off() const {
+    if (cut_off && cut_off()) throw Interrupted();
+}
+
+/// A block is known by its first line.
+void Link::note_left_off() {
+    if (left_off || !interrupted || !interrupted()) return;
+    left_off = Said{kBehindCommand, {command_text.section(u'\r', 0, 0)}};
 }
 
 QString port_state_text(int port_number, bool connected) {

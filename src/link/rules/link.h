@@ -11,6 +11,7 @@
 #include "meter_settings.h"
 #include "reply.h"
 #include "serial_port.h"
+#include "texts.h"
 
 namespace m47 {
 
@@ -39,8 +40,16 @@ class Link {
     bool refuse_doubtful = false;
     /// How the meter is set, as far as commands and answers have shown.
     MeterSettings settings;
-    /// Asked while waiting; true ends the wait or the next transaction with Interrupted.
+    /// Asked while waiting; true ends the wait or the next transaction with Interrupted. A
+    /// transaction that runs goes on to its end.
     std::function<bool()> interrupted;
+    /// True ends even a transaction that runs, and what is undivided, with Interrupted.
+    std::function<bool()> cut_off;
+    /// Above 0 `interrupted` is put off; see Undivided.
+    int undivided = 0;
+    /// How far the work in hand is, see Work; once the program has been told to end, how far it
+    /// came. Without any work the last command tells.
+    std::optional<Said> left_off;
     /// Told before each pump of the windows how many bytes of the answer have arrived so far (echo
     /// included; a new attempt starts from 0). It may show them and nothing else: the line is being
     /// read meanwhile.
@@ -70,6 +79,10 @@ class Link {
     /// Waits until more than `seconds` (0 or more) have passed on the clock; 0 waits for the next
     /// clock tick. No midnight correction of its own.
     void wait_time(double seconds);
+
+    /// Throws Interrupted where the program has been told to end, as each transaction does before
+    /// it begins.
+    void end_when_interrupted() const;
 
     /// Declares the link lost: `port_connected` false, `reply_text` empty, port closed, status red.
     void show_port_state();
@@ -117,7 +130,9 @@ class Link {
     void wait(double seconds, bool interruptible);
     void wait_tick();
     void pump_when_due();
-    void end_when_interrupted() const;
+    bool told_to_end() const;
+    void end_when_cut_off() const;
+    void note_left_off();
 
     SerialPort& port_;
     Clock& clock_;

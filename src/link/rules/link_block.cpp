@@ -31,6 +31,7 @@ Link::Outcome Link::poll_block(float start) {
         if (!is_late_to_block() && reply_text.contains(u'\r')) return Outcome::answered;
         // An unplugged line brings nothing any more: the limit need not be waited for.
         if (!port_.is_open()) return Outcome::lost;
+        end_when_cut_off();
         port_.wait_for_input(kPollSlice);
         pump_when_due();
     }

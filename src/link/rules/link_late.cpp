@@ -84,7 +84,7 @@ void Link::wait_for_late_answers() {
     double until = last_sent_ + answer_took_ + kSlack;
     const double limit = last_sent_ + answer_limit(command_text) + kSlack;
     double quiet_from = clock_.steady();
-    while (asked_ > answered_ && port_.is_open() && !(interrupted && interrupted())) {
+    while (asked_ > answered_ && port_.is_open() && !told_to_end()) {
         const QByteArray input = port_.read_all();
         const double now = clock_.steady();
         if (!input.isEmpty()) {
@@ -111,8 +111,7 @@ void Link::wait_until_unambiguous() {
     const ClockSpan span(clock_);
     view_.set_hourglass(true);
     QString received;
-    while (late_.may_come(command_text, clock_.steady()) && open_port() &&
-           !(interrupted && interrupted())) {
+    while (late_.may_come(command_text, clock_.steady()) && open_port() && !told_to_end()) {
         received += QString::fromLatin1(port_.read_all());
         const qsizetype end = answer_end(received);
         if (end > 0) late_.came(received.left(end));

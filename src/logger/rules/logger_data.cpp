@@ -4,9 +4,15 @@
 #include <QFile>
 
 #include "file_lock.h"
+#include "work.h"
 
 namespace m47 {
 namespace {
+
+constexpr Bilingual kNothingCame{"the download brought nothing, the meter still has its logs",
+                                 "non è stato scaricato nulla, i log sono ancora nello strumento"};
+constexpr Bilingual kKept{"the download is whole: %1 bytes in %2",
+                          "lo scarico è completo: %1 byte in %2"};
 
 /// Reports the bytes of one download; other commands of the link are nobody's concern.
 class ByteReport {
@@ -30,20 +36,25 @@ NameFault LoggerData::download(const QString& command, const QString& name) {
     program_.temp_file_name = name.toUpper();
     const NameFault fault = temporary_name_fault(program_.temp_file_name);
     if (fault != NameFault::none) return fault;
+    Work work(link_, kNothingCame);
+    bool came = false;
     {
         const ByteReport report(link_, on_bytes);
-        link_.send(command);
+        came = link_.send(command);
     }
-    visualizza(link_.reply_text.toLatin1());
+    const bool kept = visualizza(link_.reply_text.toLatin1());
+    if (came && kept)
+        work.at(kKept, {QString::number(link_.reply_text.size()), program_.temp_file_name});
     return NameFault::none;
 }
 
-void LoggerData::visualizza(const QByteArray& answer) {
+/// False when it could not be kept in the temporary file.
+bool LoggerData::visualizza(const QByteArray& answer) {
     text_.clear();
     const QString path = program_.base_dir + program_.temp_file_name;
     // Another window in the folder may use the same name: neither is to read the other's.
     const FileLock alone(program_.base_dir);
-    if (!alone.refused() && write_file(path, answer, Links::refused)) show_file(path);
+    return !alone.refused() && write_file(path, answer, Links::refused) && show_file(path);
 }
 
 bool LoggerData::show_file(const QString& path) {

@@ -42,7 +42,7 @@ class LoggerData {
     void remove(const QString& path);
 
   private:
-    void visualizza(const QByteArray& answer);
+    bool visualizza(const QByteArray& answer);
     bool show_file(const QString& path);
 
     Link& link_;

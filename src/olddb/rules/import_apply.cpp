@@ -9,6 +9,8 @@
 namespace m47 {
 namespace {
 
+constexpr Bilingual kToldToEnd{"the program was told to end", "il programma è stato terminato"};
+
 QStringList names_in_table(Database& database, const char* table) {
     QStringList names;
     Query query(
@@ -89,10 +91,12 @@ void write_satellite(const ImportedSatellite& satellite, const QString& name, bo
 
 /// Brings `items` in one after another, each written by `write` in a transaction of its own.
 template <class Items, class Write>
-void bring(Items& items, const char* table, Database& database, Write write) {
+void bring(Items& items, const char* table, Database& database,
+           const std::function<bool()>& told_to_end, Write write) {
     QStringList reserved;
     for (const auto& item : items) reserved += item.name;
     for (auto& item : items) {
+        if (told_to_end && told_to_end()) throw Fault(kToldToEnd);
         DatabaseTransaction transaction(database.connection());
         Arrival arrival{};
         QString name;
@@ -116,10 +120,11 @@ void mark_clashes(ImportPlan& plan, Database& database) {
     for (ImportedSatellite& one : plan.satellites) one.clashes = satellites.contains(one.name);
 }
 
-QString apply_import(ImportPlan& plan, Database& database, const Texts& texts) {
+QString apply_import(ImportPlan& plan, Database& database, const Texts& texts,
+                     const std::function<bool()>& told_to_end) {
     try {
-        bring(plan.plans, table::kGruppo, database, write_plan);
-        bring(plan.satellites, table::kAsl, database, write_satellite);
+        bring(plan.plans, table::kGruppo, database, told_to_end, write_plan);
+        bring(plan.satellites, table::kAsl, database, told_to_end, write_satellite);
     } catch (const Fault& fault) {
         return fault.text(texts);
     }

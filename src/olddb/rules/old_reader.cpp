@@ -46,9 +46,26 @@ Failure fault_of_start(const QString& path, PlainFile& plain) {
     return std::nullopt;
 }
 
+/// A reader that is no longer wanted, also where the wait for it is given up.
+class EndOfReader {
+  public:
+    explicit EndOfReader(QProcess& process) : process_(process) {}
+    ~EndOfReader() {
+        if (process_.state() == QProcess::NotRunning) return;
+        process_.kill();
+        process_.waitForFinished();
+    }
+    EndOfReader(const EndOfReader&) = delete;
+    EndOfReader& operator=(const EndOfReader&) = delete;
+
+  private:
+    QProcess& process_;
+};
+
 /// Lets the process work to its end, its time or its size; what it handed over.
 QByteArray output_of(QProcess& process, const std::function<void()>& idle,
                      const OldReaderLimits& limits) {
+    const EndOfReader end(process);
     QByteArray output;
     const QDeadlineTimer deadline(limits.milliseconds);
     while (process.state() != QProcess::NotRunning && !deadline.hasExpired() &&
@@ -57,11 +74,9 @@ QByteArray output_of(QProcess& process, const std::function<void()>& idle,
         output += process.readAllStandardOutput();
         if (idle) idle();
     }
-    if (process.state() != QProcess::NotRunning) {
-        process.kill();
-        process.waitForFinished();
-        return {};
-    }
+    // Ctrl+C ends the reader too: what it left then is not the file's fault.
+    if (idle) idle();
+    if (process.state() != QProcess::NotRunning) return {};
     return output + process.readAllStandardOutput();
 }
 

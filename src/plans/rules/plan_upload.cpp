@@ -2,6 +2,7 @@
 #include "plan_upload.h"
 
 #include "commands.h"
+#include "program_commands.h"
 #include "table_backup.h"
 
 namespace m47 {
@@ -10,24 +11,44 @@ namespace {
 const QString kAccepted = QStringLiteral("OK");
 /// What is left of the answer to a query that the meter refuses.
 const QString kRefusedQuery = QStringLiteral("0");
+constexpr Bilingual kNoneSent{"the upload had sent none of %1 programs",
+                              "l'invio non aveva trasmesso nessuno dei %1 programmi"};
+constexpr Bilingual kSent{"the upload had sent %1 of %2 programs, %3 commands answered OK",
+                          "l'invio aveva trasmesso %1 programmi su %2, %3 comandi con risposta OK"};
 constexpr Bilingual kSummary{"%1 of %2 commands answered OK", "%1 comandi su %2 con risposta OK"};
 
 }  // namespace
 
 UploadResult PlanUpload::run(const UploadPlan& plan, UploadMode mode) {
     UploadResult result;
+    Work work(link_, kNoneSent, {QString::number(plan.programs.size())});
     const QStringList opening = opening_commands(mode);
-    QStringList rest = plan_commands(plan);
-    result.commands = static_cast<int>(opening.size() + rest.size());
+    const auto of_plan = static_cast<int>(plan_commands(plan).size());
+    result.commands = static_cast<int>(opening.size()) + of_plan;
     send_all(opening, result);
     if (mode == kDisable && link_.can_send() && link_.reply_text != kRefusedQuery) {
         result.table = link_.reply_text;
         keep_table(program_.base_dir, result.table, link_.clock().date_time());
-        rest = disabling_commands(lines_through_file(program_.base_dir, result.table)) + rest;
-        result.commands = static_cast<int>(opening.size() + rest.size());
+        const QStringList disabling =
+            disabling_commands(lines_through_file(program_.base_dir, result.table));
+        result.commands += static_cast<int>(disabling.size());
+        send_all(disabling, result);
     }
-    send_all(rest, result);
+    send_all(settings_commands(plan), result);
+    send_programs(plan, result, work);
     return result;
+}
+
+void PlanUpload::send_programs(const UploadPlan& plan, UploadResult& result, Work& work) {
+    const QString all = QString::number(plan.programs.size());
+    int sent = 0;
+    for (const ProgramRecord& program : plan.programs) {
+        // The meter stores a program at the end of its commands and uses its supply meanwhile.
+        const Undivided whole(link_);
+        send_all(commands_of_program(program, plan.oscillators), result);
+        if (!link_.port_connected) continue;
+        work.at(kSent, {QString::number(++sent), all, QString::number(result.accepted)});
+    }
 }
 
 void PlanUpload::send_all(const QStringList& commands, UploadResult& result) {

@@ -8,6 +8,7 @@
 #include "link.h"
 #include "program_state.h"
 #include "upload_commands.h"
+#include "work.h"
 
 namespace m47 {
 
@@ -29,7 +30,7 @@ class PlanUpload {
 
     /// Sends the whole upload. A refused command does not stop it, a lost link does. The logger
     /// table that it asks for is kept in a file first; where that fails a Fault ends the upload
-    /// before anything has been changed in the meter.
+    /// before anything has been changed in the meter. Told to end, it ends between two programs.
     UploadResult run(const UploadPlan& plan, UploadMode mode);
 
     /// The meter's logger table now; nothing when the link is down or the meter refuses to tell it.
@@ -37,6 +38,7 @@ class PlanUpload {
 
   private:
     void send_all(const QStringList& commands, UploadResult& result);
+    void send_programs(const UploadPlan& plan, UploadResult& result, Work& work);
     void send_one(const QString& command, UploadResult& result);
 
     Link& link_;

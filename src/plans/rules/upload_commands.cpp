@@ -33,9 +33,13 @@ QStringList disabling_commands(const QStringList& lines) {
     return commands;
 }
 
+QStringList settings_commands(const UploadPlan& plan) {
+    return {with_pair(command::kBandwidth, typed_value(plan.bandwidth)),
+            with_pair(command::kUnit, plan.unit_index)};
+}
+
 QStringList plan_commands(const UploadPlan& plan) {
-    QStringList commands{with_pair(command::kBandwidth, typed_value(plan.bandwidth)),
-                         with_pair(command::kUnit, plan.unit_index)};
+    QStringList commands = settings_commands(plan);
     for (const ProgramRecord& program : plan.programs)
         commands += commands_of_program(program, plan.oscillators);
     return commands;

@@ -30,7 +30,10 @@ QStringList opening_commands(UploadMode mode);
 /// Disables the active ones of `lines`, the lines of the logger table.
 QStringList disabling_commands(const QStringList& lines);
 
-/// Bandwidth, unit and every program.
+/// Bandwidth and unit, which go for every program.
+QStringList settings_commands(const UploadPlan& plan);
+
+/// These and every program.
 QStringList plan_commands(const UploadPlan& plan);
 
 /// The whole upload; `table` is the meter's answer to the query of mode kDisable.

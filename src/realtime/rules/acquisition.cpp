@@ -10,6 +10,7 @@
 #include "fields.h"
 #include "program_row.h"
 #include "tables.h"
+#include "work.h"
 
 namespace m47 {
 namespace {
@@ -18,6 +19,14 @@ constexpr Bilingual kNoPlanOpen{"No plan is open.", "Nessun piano è aperto."};
 constexpr Bilingual kProgramsGone{
     "Another program deleted or replaced programs of the plan before they were measured.",
     "Un altro programma ha cancellato o sostituito programmi del piano prima della misura."};
+
+constexpr Bilingual kBrokenOff{
+    "a measurement was broken off and has no row, %1 rows are on the page",
+    "una misura è stata interrotta e non ha riga, %1 righe nella pagina"};
+constexpr Bilingual kMeasured{"the measurement was whole, %1 rows are on the page",
+                              "la misura era completa, %1 righe nella pagina"};
+constexpr Bilingual kBetween{"a run was between two measurements, %1 rows are on the page",
+                             "un ciclo era fra due misure, %1 righe nella pagina"};
 
 /// While it lives a recall only refreshes the screen.
 class Suspended {
@@ -200,11 +209,19 @@ void Acquisition::single_acq() {
 
 void Acquisition::measure_once(const std::function<void()>& prepare,
                                const ProgramIdentity& program) {
+    Work work(link_, kBrokenOff, {QString::number(cycle_.rows())});
     costs_.begin();
     cycle_.measure(prepare, program);
     cycle_.storemeas();
+    work.at(kMeasured, {QString::number(cycle_.rows())});
     // What is in doubt is no measurement, so nothing of it was lost.
     if (cycle_.doubt().isEmpty()) costs_.end();
+}
+
+std::optional<Said> Acquisition::running() const {
+    const bool runs = (Timer1 && Timer1->running()) || (Timer2 && Timer2->running());
+    if (!runs) return std::nullopt;
+    return Said{kBetween, {QString::number(cycle_.rows())}};
 }
 
 /// Over the rows that the plan has now: another program may have replaced them since the last pass.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <vector>
 
 #include "database.h"
@@ -82,6 +83,9 @@ class Acquisition {
     bool choose_plan(const QString& name);
     /// How many programs of the plan take part in a pass.
     int monitored_programs();
+
+    /// How far a timed run or a pass is that goes on by itself; nothing where none does.
+    std::optional<Said> running() const;
 
     /// One step of a plan pass. True while the pass goes on, false at the end of the plan.
     bool acq_multi();

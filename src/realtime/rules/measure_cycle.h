@@ -45,6 +45,9 @@ class MeasureCycle {
     /// Records the cycle just run; does nothing while the link is down or no measure is ticked.
     void storemeas();
 
+    /// The rows of the page so far.
+    int rows() const { return page_.measurements(); }
+
     /// The command whose answer made the last cycle's values doubtful; empty when none did.
     const QString& doubt() const { return doubt_; }
 

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "link.h"
+
+namespace m47 {
+
+/// A piece of work of more than one exchange. Where the program is told to end in it,
+/// Link::left_off says afterwards how far it came. Within another one it says nothing: the outer
+/// one is what the user began.
+class Work {
+  public:
+    /// It begins with `words`, how far it is then.
+    Work(Link& link, const Bilingual& words, const QStringList& values = {});
+    /// What has been finished is no longer told, unless the program was told to end meanwhile.
+    ~Work();
+    Work(const Work&) = delete;
+    Work& operator=(const Work&) = delete;
+
+    /// It is as far as `words` say.
+    void at(const Bilingual& words, const QStringList& values = {});
+
+  private:
+    Link& link_;
+    bool outermost_;
+};
+
+/// Exchanges that belong together, such as a satellite's block and its name. Told to end, the
+/// program ends before the first of them, with Interrupted, or behind the last.
+class Undivided {
+  public:
+    explicit Undivided(Link& link) : link_(link) {
+        link_.end_when_interrupted();
+        ++link_.undivided;
+    }
+    ~Undivided() { --link_.undivided; }
+    Undivided(const Undivided&) = delete;
+    Undivided& operator=(const Undivided&) = delete;
+
+  private:
+    Link& link_;
+};
+
+}  // namespace m47
