@@ -4,7 +4,7 @@
 #include <ctime>
 
 #include "diseqc_commands.h"
-#include "free_places.h"
+#include "oscillators.h"
 #include "plan_file.h"
 #include "plan_import.h"
 

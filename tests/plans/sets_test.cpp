@@ -6,12 +6,17 @@
 #include <QSqlQuery>
 #include <QTemporaryDir>
 #include <QTest>
+#include <array>
+#include <functional>
+#include <memory>
+#include <optional>
 
 #include "db_support.h"
 #include "fault.h"
 #include "numbers.h"
 #include "plan_file.h"
 #include "plan_sets.h"
+#include "statement_fault.h"
 
 namespace m47 {
 
@@ -37,6 +42,69 @@ class SetsTest : public QObject {
     /// No statement may change the file until `off`.
     void lock_file(bool on) {
         QSqlQuery(QStringLiteral("PRAGMA query_only = %1").arg(on), database_->connection());
+    }
+
+    /// As another program that has the file open and waits for nobody. False where it is locked.
+    bool elsewhere(const QStringList& statements) {
+        bool done = true;
+        {
+            QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", "elsewhere");
+            other.setDatabaseName(database_in(folder_->path()));
+            other.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=0"));
+            done = other.open();
+            for (const QString& statement : statements)
+                done = QSqlQuery(other).exec(statement) && done;
+        }
+        QSqlDatabase::removeDatabase("elsewhere");
+        return done;
+    }
+    /// Does `change` with `statements` done by another program right before its 1st, 2nd, … call of
+    /// the engine, each time in a new file with two plans of two programs; then `look`.
+    void with_another_program_at_each_call(const QStringList& statements,
+                                           const std::function<void()>& change,
+                                           const std::function<void()>& look) {
+        int came_in = 0;
+        for (int nth = 1, calls = nth; nth <= calls; ++nth) {
+            cleanup();
+            init();
+            make_two_plans();
+            calls = 0;
+            set_statement_fault([&]() -> std::optional<QSqlError> {
+                if (++calls == nth && elsewhere(statements)) ++came_in;
+                return std::nullopt;
+            });
+            try {
+                change();
+            } catch (const Fault&) {
+                // Told: nothing was changed then.
+            }
+            set_statement_fault({});
+            look();
+            if (QTest::currentTestFailed()) return qWarning("before call %d", nth);
+        }
+        QVERIFY(came_in > 0);
+    }
+    void make_two_plans() {
+        for (const char* plan : {"A", "B"}) {
+            sets_->add_new(QString::fromLatin1(plan));
+            QCOMPARE(store(tuned("1"), true), Clash::none);
+            QCOMPARE(store(tuned("2"), false), Clash::none);
+        }
+        sql(QStringLiteral("DELETE FROM gruppo WHERE nome = 'PLAN 1'"));
+        sql(QStringLiteral("DELETE FROM programmi WHERE nome = 'PLAN 1'"));
+        sql(QStringLiteral("DELETE FROM configurazione WHERE nome = 'PLAN 1'"));
+        sets_->refresh();
+        while (sets_->plan() != QStringLiteral("A")) sets_->previous_plan();
+    }
+    /// As this program does it: the last plan stays.
+    static QStringList deleting(const char* plan) {
+        QStringList statements;
+        for (const char* table : {"programmi", "configurazione", "gruppo"})
+            statements += QStringLiteral(
+                              "DELETE FROM %1 WHERE nome = '%2' AND (SELECT count(*) FROM gruppo) "
+                              "> 1")
+                              .arg(QLatin1String(table), QLatin1String(plan));
+        return statements;
     }
 
     static ProgramRecord tuned(const char* number, const char* frequency = "1000") {
@@ -201,6 +269,74 @@ class SetsTest : public QObject {
             QCOMPARE(sql("SELECT frequenza FROM programmi"), QStringList(QString::number(in_file)));
         }
         QVERIFY2(told > kInterleavings / 10, qPrintable(QString::number(told)));
+    }
+
+    void the_last_plan_stays_whenever_another_program_deletes_the_rest() {
+        with_another_program_at_each_call(
+            deleting("B"), [this] { sets_->del_old(); },
+            [this] {
+                QCOMPARE(sql(QStringLiteral("SELECT count(*) FROM gruppo")), QStringList{"1"});
+                QCOMPARE(sql(QStringLiteral("SELECT count(*) FROM programmi")), QStringList{"2"});
+            });
+    }
+
+    void the_last_program_stays_whenever_another_program_deletes_the_rest() {
+        with_another_program_at_each_call(
+            {QStringLiteral("DELETE FROM programmi WHERE nome = 'A' AND pg_num = '002' AND "
+                            "(SELECT count(*) FROM programmi WHERE nome = 'A') > 1")},
+            [this] { sets_->delete_program(); },
+            [this] {
+                QCOMPARE(sql(QStringLiteral("SELECT count(*) FROM programmi WHERE nome = 'A'")),
+                         QStringList{"1"});
+            });
+    }
+
+    void a_copied_program_has_its_own_number_whoever_stores_meanwhile() {
+        with_another_program_at_each_call(
+            {QStringLiteral(
+                "INSERT INTO programmi (nome, pg_num) SELECT 'B', '000' WHERE NOT "
+                "EXISTS (SELECT 1 FROM programmi WHERE nome = 'B' AND pg_num = '000')")},
+            [this] { QCOMPARE(sets_->copy_program("B"), ImportProblem::none); },
+            [this] {
+                const QString count = QStringLiteral(
+                    "SELECT count(pg_num) - count(DISTINCT pg_num) FROM programmi WHERE nome = "
+                    "'B'");
+                QCOMPARE(sql(count), QStringList{"0"});
+                QCOMPARE(sql("SELECT count(*) > 2 FROM programmi WHERE nome = 'B'"),
+                         QStringList{"1"});
+            });
+    }
+
+    void a_plan_is_made_once_whoever_makes_it_meanwhile_data() {
+        QTest::addColumn<bool>("copied");
+        QTest::newRow("empty") << false;
+        QTest::newRow("copied") << true;
+    }
+    void a_plan_is_made_once_whoever_makes_it_meanwhile() {
+        QFETCH(bool, copied);
+        with_another_program_at_each_call(
+            {QStringLiteral("INSERT INTO gruppo (nome) SELECT 'C' WHERE NOT EXISTS (SELECT 1 FROM "
+                            "gruppo WHERE nome = 'C')")},
+            [&] {
+                if (copied)
+                    sets_->copy_plan("C");
+                else
+                    sets_->add_new("C");
+            },
+            [this] {
+                QCOMPARE(sql(QStringLiteral("SELECT count(*) FROM gruppo WHERE nome = 'C'")),
+                         QStringList{"1"});
+            });
+    }
+
+    void an_import_spares_oscillators_that_another_program_has_stored_meanwhile() {
+        const ImportFile file = parse_import_file("frequenza,oscillator\n11000,9750\n", 0);
+        const ImportPreview import =
+            preview_import(file.candidates, sets_->programs(), sets_->oscillators(), 0);
+        sql(QStringLiteral("UPDATE configurazione SET loc_osc1 = 5150"));
+        M47_VERIFY_FAULT(sets_->apply_import(import), "oscillators");
+        QCOMPARE(sql(QStringLiteral("SELECT loc_osc1 FROM configurazione")), QStringList{"5150"});
+        QCOMPARE(numbers(), QStringList{"- -"});
     }
 
     void a_new_program_takes_the_next_position() {

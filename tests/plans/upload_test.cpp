@@ -13,6 +13,7 @@
 #include "fake_link_view.h"
 #include "fake_port.h"
 #include "fault.h"
+#include "file_lock.h"
 #include "plan_upload.h"
 #include "sample_programs.h"
 #include "table_backup.h"
@@ -173,6 +174,13 @@ class UploadTest : public QObject {
         QVERIFY(stopped);
         QCOMPARE(port_.take_commands(), QStringList({"MEASURE", "DATAPROGRAM?"}));
         QVERIFY(in_the_way.remove());
+    }
+
+    void a_folder_that_another_program_holds_stops_the_upload() {
+        const FileLock other(folder_.path());
+        QVERIFY_EXCEPTION_THROWN(PlanUpload(link_, program_).run(plan(), kDisable), Fault);
+        QCOMPARE(port_.take_commands(), QStringList({"MEASURE", "DATAPROGRAM?"}));
+        QCOMPARE(backups(), QStringList());
     }
 
     void the_scratch_file_goes_also_when_something_fails() {

@@ -7,6 +7,7 @@
 #include <QRegularExpression>
 
 #include "fault.h"
+#include "file_lock.h"
 #include "logger_table.h"
 #include "save_file.h"
 
@@ -20,6 +21,21 @@ const QString kBackupFolder = QStringLiteral("backup");
 // A wider pattern would take files away that the user has put there.
 const QString kBackupFiles = QStringLiteral("^logger-\\d{8}-\\d{6}-\\d{3}\\.txt$");
 const QString kScratchFile = QStringLiteral("temp.dat");
+
+constexpr Bilingual kFolderInUse{
+    "Another program is at work in the same folder just now. Nothing was changed: try again.",
+    "Un altro programma sta lavorando nella stessa cartella. Nulla è stato modificato: riprovare."};
+
+/// The folder's files are ours alone as long as it lives.
+class OwnFolder {
+  public:
+    explicit OwnFolder(const QString& path) : lock_(path) {
+        if (lock_.refused()) throw Fault(kFolderInUse);
+    }
+
+  private:
+    FileLock lock_;
+};
 
 [[noreturn]] void throw_file_fault(const QString& path, const QString& reason) {
     throw Fault((path + QStringLiteral(": ") + reason).toStdString());
@@ -79,6 +95,8 @@ void keep_table(const QString& base_dir, const QString& table, const QDateTime& 
             (folder.filePath(kBackupFolder) + QStringLiteral(": cannot be made")).toStdString());
     const QString lost = sync_folder(base_dir);
     if (!lost.isEmpty()) throw_file_fault(base_dir, lost);
+    // A name that is free may else be taken before it is used.
+    const OwnFolder alone(folder.path());
     const QString path = free_backup_name(folder, now);
     const QString reason = write_whole_file(path, table.toLatin1(), Links::refused);
     if (!reason.isEmpty()) throw_file_fault(path, reason);
@@ -86,6 +104,8 @@ void keep_table(const QString& base_dir, const QString& table, const QDateTime& 
 }
 
 QStringList lines_through_file(const QString& base_dir, const QString& table) {
+    // Until it is gone again: another window in the folder uses the same name.
+    const OwnFolder alone(base_dir);
     ScratchFile file(base_dir + kScratchFile);
     file.write(table.toLatin1());
     return table_lines(QString::fromLatin1(file.read()));
