@@ -19,6 +19,7 @@ enum class DatabaseFault {
     missing,
     unreadable,     ///< no permission to read it, or no regular file
     read_only,      ///< the file or its folder cannot be written
+    moved,          ///< the open file was taken away, or another put in its place
     old_engine,     ///< a file of the old Jet engine
     foreign,        ///< a file of another kind, or another program's SQLite file
     damaged,        ///< the engine's check of the whole file does not pass

@@ -50,9 +50,15 @@ constexpr Meaning kMeanings[] = {
     {26, DatabaseFault::damaged},        // NOTADB
 };
 
+/// An extended result code keeps the primary one in its low byte.
+constexpr int kPrimaryCode = 0xff;
+// READONLY_DBMOVED
+constexpr int kMoved = 8 | (4 << 8);
+
 DatabaseFault meaning_of(int code) {
+    if (code == kMoved) return DatabaseFault::moved;
     for (const Meaning& meaning : kMeanings)
-        if (meaning.code == code) return meaning.fault;
+        if (meaning.code == (code & kPrimaryCode)) return meaning.fault;
     return DatabaseFault::other;
 }
 
@@ -182,8 +188,7 @@ std::optional<DatabaseError> fault_of_file(const QString& path) {
 DatabaseFault fault_of_finding(const QString& finding) {
     static const QRegularExpression kCode(QStringLiteral("error code=(\\d+)"));
     const QRegularExpressionMatch match = kCode.match(finding);
-    return match.hasMatch() ? meaning_of(match.captured(1).toInt() & kPrimaryCode)
-                            : DatabaseFault::damaged;
+    return match.hasMatch() ? meaning_of(match.captured(1).toInt()) : DatabaseFault::damaged;
 }
 
 std::optional<DatabaseError> fault_of_content(const QSqlDatabase& database, const QString& path) {

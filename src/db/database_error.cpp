@@ -32,6 +32,12 @@ constexpr Wording kWordings[] = {
       "permission.",
       "Il database '%1' non è scrivibile. Per il file e la sua cartella serve il "
       "permesso di scrittura."}},
+    {DatabaseFault::moved,
+     {"The database '%1' was deleted, moved or replaced while the program was at work on it. "
+      "Nothing was stored. See that the right file is in its place, then start the program again.",
+      "Il database '%1' è stato cancellato, spostato o sostituito mentre il programma ci lavorava. "
+      "Nulla è stato memorizzato. Verificare che al suo posto ci sia il file giusto, poi riavviare "
+      "il programma."}},
     {DatabaseFault::old_engine,
      {"The database '%1' is a file of the old Jet engine, which this program does "
       "not work on. Its plans and satellites can be imported: start the program in "

@@ -19,7 +19,7 @@ std::string words_of(const QSqlError& error) {
 int code_of(const QSqlError& error) {
     bool is_number = false;
     const int code = error.nativeErrorCode().toInt(&is_number);
-    return is_number ? code & kPrimaryCode : -1;
+    return is_number ? code : -1;
 }
 
 QString path_of(const QString& address) {

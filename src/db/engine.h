@@ -12,15 +12,12 @@
 
 namespace m47 {
 
-/// Extended result codes of the engine keep the primary one in their low byte.
-inline constexpr int kPrimaryCode = 0xff;
-
 /// An error of the database engine, in its own words.
 class EngineFault : public Fault {
   public:
     /// `address` is the name under which the connection knows its file.
     EngineFault(const QSqlError& error, const QString& address);
-    /// The engine's primary result code; -1 where the engine gave none.
+    /// The engine's result code, extended where it gives that; -1 where the engine gave none.
     int code() const { return code_; }
     /// The file it happened on.
     const QString& path() const { return path_; }

@@ -95,13 +95,13 @@ class TestErrorText : public QObject {
         QVERIFY(!text_of(DatabaseFault::damaged, kEnglish).contains(u'('));
     }
 
-    void the_engines_code_is_the_primary_one_and_minus_one_without_any() {
+    void the_engines_code_is_kept_and_is_minus_one_without_any() {
         const auto fault_of = [](const char* words, const char* code) {
             return EngineFault(QSqlError(QStringLiteral("driver"), QString::fromLatin1(words),
                                          QSqlError::StatementError, QString::fromLatin1(code)),
                                QString());
         };
-        QCOMPARE(fault_of("disk I/O error", "522").code(), 10);
+        QCOMPARE(fault_of("disk I/O error", "522").code(), 522);
         QCOMPARE(fault_of("no code", "").code(), -1);
         QCOMPARE(QString::fromUtf8(fault_of("words", "1").what()), QStringLiteral("words"));
         QCOMPARE(QString::fromUtf8(fault_of("", "1").what()), QStringLiteral("driver"));

@@ -3,7 +3,9 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
+#include "database_check.h"
 #include "db_support.h"
+#include "engine.h"
 #include "fault.h"
 
 using namespace m47;
@@ -89,6 +91,27 @@ class TestLock : public QObject {
         set.move_next();
         QCOMPARE(set.text(kNome), QStringLiteral("PLAN 3"));
         QCOMPARE(set.count(), 2);
+    }
+
+    void a_file_that_was_taken_away_is_told_as_that_data() {
+        QTest::addColumn<bool>("replaced");
+        QTest::newRow("deleted") << false;
+        QTest::newRow("another in its place") << true;
+    }
+    void a_file_that_was_taken_away_is_told_as_that() {
+        QFETCH(bool, replaced);
+        const QByteArray content = content_of(path());
+        Recordset& set = database_->gruppo();
+        QVERIFY(QFile::remove(path()));
+        if (replaced) write_file(path(), content);
+        set.edit();
+        set.set(kNome, QStringLiteral("PLAN 2"));
+        try {
+            set.update();
+            QFAIL("stored nowhere");
+        } catch (const EngineFault& fault) {
+            QCOMPARE(error_of(fault).fault, DatabaseFault::moved);
+        }
     }
 
     void opening_a_locked_file_says_so() {
