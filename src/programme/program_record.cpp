@@ -126,4 +126,8 @@ bool is_blank(const ProgramRecord& record) {
     return rest == ProgramRecord();
 }
 
+bool is_untuned(const ProgramRecord& record) {
+    return record.frequenza.trimmed().isEmpty();
+}
+
 }  // namespace m47

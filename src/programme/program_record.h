@@ -72,5 +72,7 @@ void write_program(Recordset& set, const ProgramRecord& record);
 /// True for the program that a new plan starts with, as long as nobody has stored it. "NONE" for
 /// its unset DiSEqC commands is nothing either.
 bool is_blank(const ProgramRecord& record);
+/// True where no frequency was given yet: the meter would be sent zeros.
+bool is_untuned(const ProgramRecord& record);
 
 }  // namespace m47

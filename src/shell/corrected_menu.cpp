@@ -56,9 +56,9 @@ constexpr std::array<EntryTexts, kCorrectedEntries.size()> kEntryTexts{{
       "La memorizzazione e l'invio lasciano i limiti di livello come sono stati scritti. Di norma "
       "vengono portati nel campo dell'unità attuale."}},
     {{"&Empty programs are not uploaded", "I programmi &vuoti non vengono inviati"},
-     {"Programs that hold nothing yet are left out of an upload. By default they are sent with "
+     {"Programs without a frequency are left out of an upload. By default they are sent with "
       "zeros.",
-      "I programmi che non contengono ancora nulla restano fuori dall'invio. Di norma vengono "
+      "I programmi senza frequenza restano fuori dall'invio. Di norma vengono "
       "inviati con degli zeri."}},
     {{"&Refused new programs stay on the screen", "I nuovi programmi &rifiutati restano visibili"},
      {"A new program that was refused stays in the boxes, to be corrected. By default the last "

@@ -776,6 +776,21 @@ class PlanScreenTest : public QObject, protected ProgramInFolder {
         QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("-,007"));
     }
 
+    void a_number_meant_for_a_new_program_renumbers_none_after_a_fault() {
+        start_alone();
+        type_two_programs();
+        const QString numbers = stored(QStringLiteral("pg_num"));
+        const QString shown = text_of("prog_num");
+        type("sat_freq_txt", QStringLiteral("1700"));
+        change_file(QStringLiteral("PRAGMA query_only = 1"));
+        answering([this] { enter("prog_num", QStringLiteral("10")); }, pressing(QMessageBox::Ok));
+        QCOMPARE(text_of("prog_num"), shown);
+        QCOMPARE(text_of("sat_freq_txt"), QStringLiteral("1700"));
+        change_file(QStringLiteral("PRAGMA query_only = 0"));
+        press("store");
+        QCOMPARE(stored(QStringLiteral("pg_num")), numbers);
+    }
+
     void thirty_programs_are_typed_in_edited_and_uploaded_in_each_way() {
         start_on_virtual_line();
         new_plan(QStringLiteral("thirty"));
@@ -1719,8 +1734,9 @@ class PlanScreenTest : public QObject, protected ProgramInFolder {
         new_plan(QStringLiteral("B"));
         enter("prog_num", QStringLiteral("7"));
         upload();
-        QCOMPARE(told(), QStringLiteral("An empty program was sent as program 00: delete it from "
-                                        "the plan"));
+        QCOMPARE(told(),
+                 QStringLiteral("A program without frequency was sent with zeros: type it or "
+                                "delete the program"));
         upload();
         QCOMPARE(told(), QString());
     }

@@ -45,6 +45,7 @@ class MeasureCycleTest : public QObject {
     void a_level_equal_to_both_limits_fails();
     void an_alarm_without_limits_checks_nothing_where_chosen();
     void an_alarm_with_one_limit_checks_that_one_where_chosen();
+    void a_cycle_that_ends_at_the_noise_is_told();
     void an_alarm_without_limits_is_told();
     void digital_cn_ends_the_cycle();
     void digital_noise_ends_the_cycle();
@@ -364,6 +365,25 @@ void MeasureCycleTest::an_alarm_with_one_limit_checks_that_one_where_chosen() {
         QCOMPARE(panel().lev_mina, QString(minimum));
         QCOMPARE(panel().lev_maxa, QString(maximum));
     }
+}
+
+void MeasureCycleTest::a_cycle_that_ends_at_the_noise_is_told() {
+    QStringList told;
+    f_->program.costs.on_cost = [&](const Bilingual& text) { told += text.english; };
+    panel().meas_statea[kLevel] = true;
+    f_->rules.acquisition.single_acq();
+    QCOMPARE(told, QStringList());
+    panel().meas_statea[kCnAnalog] = true;
+    f_->values["LEVCNA?"] = "CN 30.0";
+    for (int time = 0; time < 2; ++time) {
+        f_->rules.acquisition.single_acq();
+        QCOMPARE(told, QStringList("C/N and noise not measured: tick Complete C/N and noise, or "
+                                   "untick them"));
+    }
+    told.clear();
+    f_->program.corrected.complete = true;
+    f_->rules.acquisition.single_acq();
+    QCOMPARE(told, QStringList());
 }
 
 void MeasureCycleTest::an_alarm_without_limits_is_told() {

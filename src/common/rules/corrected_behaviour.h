@@ -14,7 +14,7 @@ struct CorrectedBehaviour {
     bool keep_mode = false;    ///< coming back to the real-time screen keeps analog or digital
     bool keep_box = false;     ///< a box keeps its text where the meter gave no answer
     bool keep_unit = false;    ///< limits stay in the unit they were typed in
-    bool skip_empty = false;   ///< programs that hold nothing yet are not uploaded
+    bool skip_empty = false;   ///< programs without frequency are not uploaded
     bool keep_new = false;     ///< a new program that was refused stays in the boxes
     bool check_all = false;    ///< a new oscillator frequency checks every program of the plan
     bool none_diseqc = false;  ///< an unset DiSEqC command is "NONE", not "TONE BURST"

@@ -10,8 +10,9 @@ namespace {
 
 constexpr Bilingual kLimitsChanged{"Level limits changed to fit the unit: type them again",
                                    "Limiti di livello adattati all'unità: scriverli di nuovo"};
-constexpr Bilingual kEmptySent{"An empty program was sent as program 00: delete it from the plan",
-                               "Un programma vuoto è stato inviato come 00: cancellarlo dal piano"};
+constexpr Bilingual kEmptySent{
+    "A program without frequency was sent with zeros: type it or delete the program",
+    "Un programma senza frequenza è stato inviato con degli zeri: scriverla o cancellarlo"};
 constexpr Bilingual kToneBurst{"A program without DiSEqC was sent with TONE BURST: choose NONE",
                                "Un programma senza DiSEqC è stato inviato con TONE BURST: "
                                "scegliere NONE"};
@@ -36,7 +37,7 @@ void tell_changed_limits(ProgramState& program, const ProgramRecord& before,
 
 void tell_sent(ProgramState& program, const UploadPlan& plan, bool unset_diseqc) {
     const CorrectedBehaviour& corrected = program.corrected;
-    const bool empty = std::ranges::any_of(plan.programs, is_blank);
+    const bool empty = std::ranges::any_of(plan.programs, is_untuned);
     if (empty && !corrected.skip_empty) program.costs.tell(kEmptySent);
     if (unset_diseqc && !corrected.none_diseqc) program.costs.tell(kToneBurst);
 }

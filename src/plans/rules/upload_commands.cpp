@@ -9,7 +9,7 @@
 namespace m47 {
 
 void leave_out_blank(UploadPlan& plan) {
-    std::erase_if(plan.programs, is_blank);
+    std::erase_if(plan.programs, is_untuned);
     if (plan.bandwidth.isEmpty() && !plan.programs.empty())
         plan.bandwidth = plan.programs.front().satchbw;
 }

@@ -9,6 +9,10 @@
 namespace m47 {
 namespace {
 
+constexpr Bilingual kNoNoiseEntry{
+    "C/N and noise not measured: tick Complete C/N and noise, or untick them",
+    "C/N e rumore non misurati: spuntare Completa C/N e rumore, o toglierli"};
+
 // The meter needs these pauses, in seconds, before its reading has settled.
 constexpr double kAfterRanging = 1;
 constexpr double kAfterAttenuator = 0.1;
@@ -125,8 +129,9 @@ void MeasureSteps::carr_satdig() {
 QString& MeasureSteps::noise_entry(QString& entry) const {
     // Without the complete C/N and noise measures these steps have no frequency entry of their
     // own, and the cycle ends here.
-    if (!program_.corrected.complete) throw Fault("no frequency entry for C/N and noise");
-    return entry;
+    if (program_.corrected.complete) return entry;
+    program_.costs.tell(kNoNoiseEntry);
+    throw Fault("no frequency entry for C/N and noise");
 }
 
 QString MeasureSteps::noise_frequency(QString& entry) const {
