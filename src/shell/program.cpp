@@ -94,7 +94,7 @@ Program::Program(ProgramState& state, std::unique_ptr<Database> database, PortLi
 std::optional<Said> Program::left_off() const {
     if (link_.left_off) return link_.left_off;
     const auto* screen = qobject_cast<Realtime*>(window_.screen_of(QStringLiteral("realtime")));
-    return screen ? screen->rules.acquisition.running() : std::nullopt;
+    return screen ? screen->acquisition.running() : std::nullopt;
 }
 
 Program::~Program() {
@@ -137,7 +137,7 @@ void Program::open_manual(const QStringList& folders) {
 }
 
 Realtime* Program::make_realtime(QWidget* parent) {
-    return new Realtime(link_, state_, *database_, parent);
+    return new Realtime(std::make_unique<RealtimeRules>(link_, state_, *database_), parent);
 }
 
 void Program::add_screens() {

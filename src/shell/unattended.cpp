@@ -115,7 +115,7 @@ void set_up(Run& run) {
 /// One measurement, taken again where an answer was doubtful. False when its row is missing.
 bool take_row(Run& run) {
     for (int tried = 0; tried < PlanRun::kMostTries; ++tried) {
-        run.screen.barracomandi_ButtonClick(QStringLiteral("single_acq"));
+        run.screen.rules.measure_once();
         if (run.screen.rules.cycle.doubt().isEmpty()) return true;
     }
     return false;
@@ -185,13 +185,13 @@ bool connect_again(Run& run) {
 
 /// False, with a complaint, where there is nothing to measure.
 bool plan_is_there(Run& run) {
-    Acquisition& walk = run.screen.rules.acquisition;
+    PlanWalk& plans = run.screen.rules.plans;
     const QString name = run.options.plan.trimmed().toUpper();
-    if (!walk.choose_plan(name)) {
+    if (!plans.choose_plan(name)) {
         complain(QStringLiteral("there is no plan %1").arg(name));
         return false;
     }
-    if (walk.monitored_programs() > 0) return true;
+    if (plans.monitored_programs() > 0) return true;
     complain(QStringLiteral("no program of the plan %1 is monitored").arg(name));
     return false;
 }

@@ -115,6 +115,7 @@ class AcquisitionTest : public QObject {
     void clock_text();
 
     void pass_over_a_plan();
+    void each_pass_tells_its_own_listener();
     void pass_rule_data();
     void pass_rule();
     void pass_without_a_monitored_program();
@@ -151,11 +152,12 @@ class AcquisitionTest : public QObject {
   private:
     RealtimePanel& panel() { return f_->panel(); }
     RealtimeState& state() { return f_->state(); }
-    Acquisition& acquisition() { return f_->rules.acquisition; }
+    Acquisition& acquisition() { return *acquisition_; }
     PageModel& page() { return f_->rules.page; }
     Recordset& programs() { return *f_->rules.modes.rs_programs; }
     double now() { return f_->clock.elapsed(); }
 
+    void make_acquisition(PassNews news);
     void empty_database();
     void add_plan(const QString& name, const QList<int>& monitor_states, double frequency = 1000);
     void add_program(const QString& plan, int number, const QMap<QString, QVariant>& fields);
@@ -190,14 +192,16 @@ class AcquisitionTest : public QObject {
             .arg(state().acq_kind);
     }
 
-    struct Ticks {
-        explicit Ticks(const VirtualClock& clock) : timer1(clock), timer2(clock), timer3(clock) {}
+    struct VirtualTicks {
+        explicit VirtualTicks(const VirtualClock& clock)
+            : timer1(clock), timer2(clock), timer3(clock) {}
         FakeTicker timer1, timer2, timer3;
     };
 
     // The tickers go before the fixture that holds their clock.
     std::unique_ptr<RealtimeFixture> f_;
-    std::unique_ptr<Ticks> ticks_;
+    std::unique_ptr<VirtualTicks> ticks_;
+    std::unique_ptr<Acquisition> acquisition_;
     QList<QPair<int, int>> progress_;
     QList<double> firings_;  ///< when a measurement began
     QStringList told_;       ///< why a pass was cut short
@@ -206,16 +210,15 @@ class AcquisitionTest : public QObject {
 void AcquisitionTest::init() {
     f_ = std::make_unique<RealtimeFixture>();
     f_->values["LEVANL?"] = "L 58.3";
-    ticks_ = std::make_unique<Ticks>(f_->clock);
+    ticks_ = std::make_unique<VirtualTicks>(f_->clock);
     progress_.clear();
     firings_.clear();
     told_.clear();
-    acquisition().Timer1 = &ticks_->timer1;
-    acquisition().Timer2 = &ticks_->timer2;
-    acquisition().Timer3 = &ticks_->timer3;
-    acquisition().on_progress = [this](int place, int monitored) {
-        progress_ += {place, monitored};
-    };
+    make_acquisition({.progress =
+                          [this](int place, int monitored) {
+                              progress_ += {place, monitored};
+                          },
+                      .cut_short = [this](const QString& reason) { told_ += reason; }});
     // The screen has been opened; what that sends is no matter here.
     f_->link.port_connected = false;
     f_->rules.modes.Form_Load();
@@ -225,6 +228,11 @@ void AcquisitionTest::init() {
         if (command == "MEASURE") firings_ += now();
     };
     empty_database();
+}
+
+void AcquisitionTest::make_acquisition(PassNews news) {
+    const Ticks ticks{ticks_->timer1, ticks_->timer2, ticks_->timer3};
+    acquisition_ = std::make_unique<Acquisition>(f_->rules, ticks, std::move(news));
 }
 
 void AcquisitionTest::empty_database() {
@@ -653,6 +661,24 @@ void AcquisitionTest::pass_over_a_plan() {
     QCOMPARE(place(), 0);
 }
 
+void AcquisitionTest::each_pass_tells_its_own_listener() {
+    add_plan("A", {1, 1});
+    acquisition().group();
+    QList<QPair<int, int>> other;
+    PlanPass by_hand(f_->rules, {.progress = [&](int place, int monitored) {
+                         other += {place, monitored};
+                     }});
+    for (by_hand.begin(); by_hand.running();) by_hand.step();
+    QCOMPARE(other, (QList<QPair<int, int>>{{1, 2}, {2, 2}, {0, 0}}));
+    QVERIFY(progress_.isEmpty());
+    QVERIFY(!acquisition().passing());
+    acquisition().multiple_acq();
+    run_for(20);
+    QCOMPARE(progress_, other);
+    QCOMPARE(other.size(), 3);
+    QCOMPARE(frequencies(), plan_frequencies({0, 1, 0, 1}));
+}
+
 void AcquisitionTest::pass_rule_data() {
     QTest::addColumn<QList<int>>("states");
     QTest::addColumn<QString>("steps");
@@ -681,7 +707,8 @@ void AcquisitionTest::pass_rule() {
     QString seen;
     for (bool goes_on = true; goes_on && seen.size() < 20;) {
         const int rows = page().measurements();
-        goes_on = acquisition().acq_multi();
+        acquisition().Timer2_Timer();
+        goes_on = ticks_->timer2.running();
         QVERIFY(!f_->link.commands_suspended);
         QCOMPARE(state().plan_run_active, goes_on);
         const bool measured = page().measurements() > rows;
@@ -1092,8 +1119,7 @@ void AcquisitionTest::database_held_at_a_firing() {
     panel().time_delay = 1;
     acquisition().time_delay_Click();
     acquisition().cmdstart_Click();
-    QStringList told;
-    acquisition().on_cut_short = [&](const QString& reason) { told += reason; };
+    const QStringList& told = told_;
     QSqlQuery("PRAGMA busy_timeout = 1", f_->database().connection());
     {
         const OtherConnection other(f_->path(kDatabaseFile));
@@ -1134,7 +1160,6 @@ void AcquisitionTest::start_timed_plan() {
     panel().time_delay = 1;
     acquisition().time_delay_Click();
     acquisition().cmdstart_Click();
-    acquisition().on_cut_short = [this](const QString& reason) { told_ += reason; };
 }
 
 void AcquisitionTest::a_plan_replaced_between_two_firings() {
@@ -1303,10 +1328,10 @@ void AcquisitionTest::a_week_of_a_plan() {
     };
     QList<double> ends;
     QList<double> begins;
-    acquisition().on_progress = [&](int place, int monitored) {
+    make_acquisition({.progress = [&](int place, int monitored) {
         if (place == 1) begins += now();
         if (monitored == 0) ends += now();
-    };
+    }});
 
     f_->rules.log.open(f_->path("week.log"), page());
     acquisition().group();

@@ -85,7 +85,8 @@ void DiseqcPanelTest::init() {
 
 void DiseqcPanelTest::load(int language) {
     f_->program.texts.language = language;
-    screen_ = std::make_unique<Realtime>(f_->link, f_->program, f_->database());
+    screen_ = std::make_unique<Realtime>(
+        std::make_unique<RealtimeRules>(f_->link, f_->program, f_->database()));
     screen_->resize(1000, 500);
     screen_->show();
     screen_->Form_Load();

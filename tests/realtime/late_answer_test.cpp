@@ -7,13 +7,6 @@
 namespace m47 {
 namespace {
 
-class NoTicker : public Ticker {
-  public:
-    void start() override {}
-    void stop() override {}
-    bool running() const override { return false; }
-};
-
 /// What the meter sends when a lone CR wakes it.
 const QByteArrayList kWakeAnswers{"", "\r", "\rCOMMAND ERROR\r"};
 
@@ -122,7 +115,6 @@ class LateAnswerTest : public QObject {
 
     std::unique_ptr<RealtimeFixture> f_;
     std::unique_ptr<LateMeter> meter_;
-    NoTicker ticker_;
     int runs_ = 0;
     int rows_ = 0;
     int missing_ = 0;
@@ -135,8 +127,7 @@ void LateAnswerTest::init() {
     f_ = std::make_unique<RealtimeFixture>();
     meter_ = std::make_unique<LateMeter>(f_->port, f_->clock);
     f_->clock.spans_hold = true;
-    Acquisition& walk = f_->rules.acquisition;
-    walk.Timer1 = walk.Timer2 = walk.Timer3 = &ticker_;
+    PlanWalk& walk = f_->rules.plans;
     RealtimeFixture::add_row(f_->database().gruppo(), {{"nome", "P"}});
     RealtimeFixture::add_row(f_->database().configurazione(), {{"nome", "P"}, {"loc_osc1", 9750}});
     for (int number = 0; number < kPrograms; ++number)

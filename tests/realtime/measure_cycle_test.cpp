@@ -395,21 +395,21 @@ void MeasureCycleTest::an_alarm_without_limits_is_told() {
     panel().alarm_statea[0] = true;
     panel().lev_mina = "30";
     panel().lev_maxa = "80";
-    f_->rules.acquisition.single_acq();
+    f_->acquisition.single_acq();
     QCOMPARE(told, QStringList());
     for (int time = 0; time < 2; ++time) {
         panel().lev_mina = panel().lev_maxa = "";
-        f_->rules.acquisition.single_acq();
+        f_->acquisition.single_acq();
         QCOMPARE(told, QStringList(fails));
     }
     f_->program.corrected.empty_alarm = true;
     for (int time = 0; time < 2; ++time) {
         panel().lev_mina = panel().lev_maxa = "";
-        f_->rules.acquisition.single_acq();
+        f_->acquisition.single_acq();
         QCOMPARE(told, QStringList({fails, nothing}));
     }
     f_->program.costs.begin_anew();
-    f_->rules.acquisition.single_acq();
+    f_->acquisition.single_acq();
     QCOMPARE(told, QStringList({fails, nothing, nothing}));
 }
 
@@ -740,7 +740,7 @@ void MeasureCycleTest::link_lost_at_any_moment() {
         if (f_->program.corrected.complete) tick({kCnDigital, kNoiseDigital});
         panel().alarm_stated.fill(true);
         f_->port.vanish_in(moment);
-        f_->rules.acquisition.single_acq();
+        f_->acquisition.single_acq();
         const QByteArray words = QByteArray::number(moment);
         QVERIFY2(!f_->link.port_connected, words);
         QVERIFY2(page().measurements() == 0, words);
@@ -776,7 +776,7 @@ void MeasureCycleTest::the_end_of_the_program_passes_through() {
     bool ends = false;
     f_->on_command = [&](const QByteArray& command) { ends = ends || command == at; };
     f_->link.interrupted = [&] { return ends; };
-    QVERIFY_THROWS_EXCEPTION(Interrupted, f_->rules.acquisition.single_acq());
+    QVERIFY_THROWS_EXCEPTION(Interrupted, f_->acquisition.single_acq());
     // The transaction that had begun came to its end, nothing was sent behind it.
     QCOMPARE(f_->commands().last(), QString::fromLatin1(at));
     QCOMPARE(page().measurements(), 0);
@@ -789,7 +789,7 @@ void MeasureCycleTest::one_measurement_now() {
     panel().meas_statea[kLevel] = true;
     bool active = false;
     f_->on_command = [&](const QByteArray&) { active = state().plan_run_active; };
-    f_->rules.acquisition.single_acq();
+    f_->acquisition.single_acq();
     QVERIFY(active);
     QVERIFY(!state().plan_run_active);
     QCOMPARE(f_->commands(), (QStringList{"MEASURE", "FREQ 1000.0", "ATTEN 6", "LEVANL?"}));

@@ -9,16 +9,6 @@
 #include "realtime_fixture.h"
 
 namespace m47 {
-namespace {
-
-class NoTicker : public Ticker {
-  public:
-    void start() override {}
-    void stop() override {}
-    bool running() const override { return false; }
-};
-
-}  // namespace
 
 /// Passes over a plan without anybody at the screen.
 class PlanRunTest : public QObject {
@@ -67,7 +57,6 @@ class PlanRunTest : public QObject {
     double now() const { return f_->clock.elapsed(); }
 
     std::unique_ptr<RealtimeFixture> f_;
-    NoTicker ticker_;
     QStringList begun_;      ///< the commands in the order of their arrival
     QList<double> firings_;  ///< when the first program of the plan was tuned
     QStringList remarks_;
@@ -83,9 +72,6 @@ void PlanRunTest::init() {
     remarks_.clear();
     progress_.clear();
     tries_.clear();
-    for (Ticker** ticker : {&f_->rules.acquisition.Timer1, &f_->rules.acquisition.Timer2,
-                            &f_->rules.acquisition.Timer3})
-        *ticker = &ticker_;
     f_->panel().meas_statea[kLevel] = true;
     f_->on_command = [this](const QByteArray& command) {
         begun_ += QString::fromLatin1(command);
@@ -95,7 +81,7 @@ void PlanRunTest::init() {
     RealtimeFixture::add_row(f_->database().configurazione(),
                              {{"nome", "P"}, {"loc_osc1", 9750}, {"loc_osc2", 10600}});
     for (int number = 0; number < 3; ++number) add_program(number);
-    QVERIFY(f_->rules.acquisition.choose_plan("p"));
+    QVERIFY(f_->rules.plans.choose_plan("p"));
 }
 
 void PlanRunTest::add_program(int number, const QMap<QString, QVariant>& fields) {
@@ -573,17 +559,17 @@ void PlanRunTest::without_full_tune_nothing_more_is_sent() {
 }
 
 void PlanRunTest::plans_are_chosen_by_their_name() {
-    QVERIFY(!f_->rules.acquisition.choose_plan("Q"));
-    QVERIFY(f_->rules.acquisition.choose_plan(" p "));
+    QVERIFY(!f_->rules.plans.choose_plan("Q"));
+    QVERIFY(f_->rules.plans.choose_plan(" p "));
     QCOMPARE(f_->panel().grp_name, QString("P"));
-    QCOMPARE(f_->rules.acquisition.monitored_programs(), 3);
+    QCOMPARE(f_->rules.plans.monitored_programs(), 3);
     // Other programs have written names in their own letters; the plan screen shows those plans.
     RealtimeFixture::add_row(f_->database().gruppo(), {{"nome", " Roof"}});
     RealtimeFixture::add_row(f_->database().configurazione(), {{"nome", "Roof"}});
     add_program(7, {{"nome", "Roof"}});
     for (const char* name : {"Roof", "roof ", "ROOF"}) {
-        QVERIFY2(f_->rules.acquisition.choose_plan(name), name);
-        QCOMPARE(f_->rules.acquisition.monitored_programs(), 1);
+        QVERIFY2(f_->rules.plans.choose_plan(name), name);
+        QCOMPARE(f_->rules.plans.monitored_programs(), 1);
     }
     QCOMPARE(f_->port.opens, 0);
 }

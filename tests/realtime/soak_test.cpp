@@ -23,16 +23,6 @@ constexpr int kBadIn = 1000;
 /// that came up once), so that has to be switched off: GLIBC_TUNABLES=glibc.malloc.tcache_count=0.
 constexpr double kAllowedGrowth = 16.0 * 1024;
 
-class IdleTicker : public Ticker {
-  public:
-    void start() override { running_ = true; }
-    void stop() override { running_ = false; }
-    bool running() const override { return running_; }
-
-  private:
-    bool running_ = false;
-};
-
 double allocated() {
     return static_cast<double>(mallinfo2().uordblks);
 }
@@ -61,7 +51,6 @@ class SoakTest : public QObject {
     FakeLinkView view_;
     Link link_{port_, clock_, view_};
     ProgramState state_;
-    IdleTicker ticker_;
     std::unique_ptr<MeterInProcess> meter_;
     std::unique_ptr<RealtimeRules> rules_;
     int tries_ = 0;
@@ -75,8 +64,7 @@ void SoakTest::init() {
     database_ = Database::open(file, error);
     meter_ = std::make_unique<MeterInProcess>(port_, 47);
     rules_ = std::make_unique<RealtimeRules>(link_, state_, *database_);
-    Acquisition& walk = rules_->acquisition;
-    walk.Timer1 = walk.Timer2 = walk.Timer3 = &ticker_;
+    PlanWalk& walk = rules_->plans;
     clock_.spans_hold = true;
     add_plan();
     link_.port_connected = true;

@@ -135,7 +135,7 @@ void SpoiltByteTest::measure() {
     f_->view.progress_values = {0};
     f_->link.port_connected = true;
     meter_->begin();
-    f_->rules.acquisition.single_acq();
+    f_->acquisition.single_acq();
 }
 
 /// As often as a new reading is compared with older ones: each fault stands alone.
@@ -265,7 +265,7 @@ void SpoiltByteTest::asking_twice_repeats_what_surprises() {
         };
         f_->port.written.clear();
         const double begin = f_->clock.elapsed();
-        f_->rules.acquisition.single_acq();
+        f_->acquisition.single_acq();
         // One question more, and no settling time.
         [&] { QVERIFY(f_->clock.elapsed() - begin < 1.5); }();
         return f_->commands().count("LEVANL?");
@@ -309,7 +309,7 @@ void SpoiltByteTest::two_answers_must_agree() {
         if (command != "LEVANL?") return FakePort::good(command);
         return FakePort::good(command, answers.value(asked++));
     };
-    f_->rules.acquisition.single_acq();
+    f_->acquisition.single_acq();
     QCOMPARE(asked, answers.size());
     QCOMPARE(f_->rules.page.measurements(), level.isEmpty() ? 0 : 1);
     if (!level.isEmpty()) QCOMPARE(f_->rules.page.cells(0)[4], level);

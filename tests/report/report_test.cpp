@@ -4,6 +4,7 @@
 
 #include "customer_report.h"
 #include "panel_limits.h"
+#include "plan_pass.h"
 #include "realtime_fixture.h"
 #include "report_summary.h"
 #include "trend_data.h"
@@ -183,12 +184,10 @@ class ReportTest : public QObject {
                                    {"monitor_state", 1}});
         fixture.panel().meas_statea[kLevel] = true;
         RealtimeRules& rules = fixture.rules;
-        QVERIFY(rules.acquisition.choose_plan("PLAN 1"));
-        for (int pass = 0; pass < 3; ++pass) {
-            rules.modes.rs_programs->move_first();
-            while (rules.acquisition.acq_multi()) {
-            }
-        }
+        QVERIFY(rules.plans.choose_plan("PLAN 1"));
+        PlanPass pass(rules, {});
+        for (int number = 0; number < 3; ++number)
+            for (pass.begin(); pass.running();) pass.step();
         QCOMPARE(rules.page.measurements(), 6);
         TrendData trend;
         trend.update(rules.page.store());
@@ -210,9 +209,9 @@ class ReportTest : public QObject {
         fixture.values["LEVANL?"] = "L 58.3";
         fixture.panel().meas_statea[kLevel] = true;
         RealtimeRules& rules = fixture.rules;
-        const auto measure = [&rules](int unit) {
-            rules.modes.cmdlev_Click(unit);
-            rules.acquisition.single_acq();
+        const auto measure = [&fixture](int unit) {
+            fixture.rules.modes.cmdlev_Click(unit);
+            fixture.acquisition.single_acq();
         };
         measure(kDbuv);
         fixture.values["LEVANL?"] = "L -50.7";

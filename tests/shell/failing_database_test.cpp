@@ -159,13 +159,11 @@ class FailingDatabaseTest : public QObject, protected ProgramInFolder {
         return screen;
     }
     static void tick(Realtime& screen, int seconds) {
-        Acquisition& walk = screen.rules.acquisition;
+        Acquisition& walk = screen.acquisition;
         // The screen's own timers stand still in a test that does not wait.
         for (; seconds > 0; --seconds) {
-            if (walk.Timer1->running())
-                run_handler(&screen, "Timer1_Timer", [&] { walk.Timer1_Timer(); });
-            if (walk.Timer2->running())
-                run_handler(&screen, "Timer2_Timer", [&] { walk.Timer2_Timer(); });
+            if (walk.timed()) run_handler(&screen, "Timer1_Timer", [&] { walk.Timer1_Timer(); });
+            if (walk.passing()) run_handler(&screen, "Timer2_Timer", [&] { walk.Timer2_Timer(); });
         }
     }
     static QStringList measured(const Realtime& screen) {
@@ -267,8 +265,8 @@ class FailingDatabaseTest : public QObject, protected ProgramInFolder {
             screen.rules.page.clear();
             screen.barracomandi_ButtonClick("group");
             screen.barracomandi_ButtonClick("start");
-            screen.rules.acquisition.time_delay_Click();
-            screen.rules.acquisition.cmdstart_Click();
+            screen.acquisition.time_delay_Click();
+            screen.acquisition.cmdstart_Click();
             told_.clear();
             const FailingStatement failing(nth, code);
             // A firing, its pass of two programs and a blank one, and the next firing.
@@ -286,8 +284,7 @@ class FailingDatabaseTest : public QObject, protected ProgramInFolder {
             if (measured(screen).size() < rows + 2)
                 QTest::qFail(qPrintable(where), __FILE__, __LINE__);
             screen.barracomandi_ButtonClick("stop");
-            if (screen.rules.acquisition.Timer1->running() ||
-                screen.rules.acquisition.Timer2->running())
+            if (screen.acquisition.timed() || screen.acquisition.passing())
                 QTest::qFail(qPrintable("not stopped: " + where), __FILE__, __LINE__);
             return failing.calls();
         });
@@ -296,7 +293,7 @@ class FailingDatabaseTest : public QObject, protected ProgramInFolder {
     void a_firing_that_cannot_begin() {
         Realtime& screen = *open_realtime();
         screen.barracomandi_ButtonClick("group");
-        Acquisition& walk = screen.rules.acquisition;
+        Acquisition& walk = screen.acquisition;
         fail_each_statement([&](int nth, int code) {
             screen.barracomandi_ButtonClick("start");
             walk.time_delay_Click();
@@ -339,7 +336,7 @@ class FailingDatabaseTest : public QObject, protected ProgramInFolder {
                 if (screen.rules.modes.rs_programs->text("nome") != screen.rules.panel.grp_name)
                     QTest::qFail(key, __FILE__, __LINE__);
                 screen.barracomandi_ButtonClick("stop");
-                screen.rules.acquisition.previous_prog();
+                screen.acquisition.previous_prog();
                 return calls;
             });
         }

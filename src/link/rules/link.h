@@ -166,6 +166,18 @@ class Measuring {
     bool before_;
 };
 
+/// While it lives a recall only refreshes the screen.
+class Suspended {
+  public:
+    explicit Suspended(Link& link) : link_(link) { link_.commands_suspended = true; }
+    ~Suspended() { link_.commands_suspended = false; }
+    Suspended(const Suspended&) = delete;
+    Suspended& operator=(const Suspended&) = delete;
+
+  private:
+    Link& link_;
+};
+
 /// "RS232 ComPort 2 Connected" or "RS232 ComPort 2 NOT Connected".
 QString port_state_text(int port_number, bool connected);
 

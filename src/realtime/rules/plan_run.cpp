@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "fault.h"
+#include "time_delays.h"
 
 namespace m47 {
 namespace {
@@ -14,57 +14,10 @@ constexpr double kLongestPause = 60;  // between two tries to find the meter aga
 constexpr double kIdlePause = 1;
 constexpr double kProgressInterval = 1;  // seconds between two countdown texts
 
-/// A tick without a timer: the run calls the handlers itself.
-class StepTicker : public Ticker {
-  public:
-    void start() override { running_ = true; }
-    void stop() override { running_ = false; }
-    bool running() const override { return running_; }
-
-  private:
-    bool running_ = false;
-};
-
-/// While it lives the walk is driven by hand; afterwards by the screen's timers again.
-class WalkByHand {
-  public:
-    explicit WalkByHand(Acquisition& walk)
-        : walk_(walk),
-          ticker_(walk.Timer2),
-          on_progress_(walk.on_progress),
-          on_cut_short_(walk.on_cut_short),
-          on_left_out_(walk.on_left_out) {
-        walk_.Timer2 = &step_;
-    }
-    ~WalkByHand() {
-        walk_.Timer2 = ticker_;
-        walk_.on_progress = on_progress_;
-        walk_.on_cut_short = on_cut_short_;
-        walk_.on_left_out = on_left_out_;
-    }
-    WalkByHand(const WalkByHand&) = delete;
-    WalkByHand& operator=(const WalkByHand&) = delete;
-
-  private:
-    StepTicker step_;
-    Acquisition& walk_;
-    Ticker* ticker_;
-    std::function<void(int, int)> on_progress_;
-    std::function<void(const QString&)> on_cut_short_;
-    std::function<void(const QString&)> on_left_out_;
-};
-
 }  // namespace
 
 PlanRun::End PlanRun::run() {
-    const WalkByHand by_hand(rules_.acquisition);
-    rules_.acquisition.on_progress = [this](int place, int monitored) {
-        show_program(place, monitored);
-    };
-    rules_.acquisition.on_cut_short = [this](const QString& reason) { cut_short(reason); };
-    rules_.acquisition.on_left_out = [this](const QString& reason) {
-        remark(QStringLiteral("%1: %2").arg(time_text(), reason));
-    };
+    plan_pass_ = std::make_unique<PlanPass>(rules_, news());
     if (!link_.port_connected) {
         if (!order_.reconnect) return End::link_lost;
         if (!find_meter(QStringLiteral("no meter answers, waiting for it"))) return End::stopped;
@@ -76,6 +29,15 @@ PlanRun::End PlanRun::run() {
         const End end = run_pass();
         if (end != End::done || last_pass()) return end;
     }
+}
+
+PassNews PlanRun::news() {
+    return {.progress = [this](int place, int monitored) { show_program(place, monitored); },
+            .cut_short = [this](const QString& reason) { cut_short(reason); },
+            .left_out =
+                [this](const QString& reason) {
+                    remark(QStringLiteral("%1: %2").arg(time_text(), reason));
+                }};
 }
 
 /// False when told to stop before the time of the next pass has come.
@@ -114,11 +76,11 @@ PlanRun::End PlanRun::run_pass() {
 }
 
 PlanRun::End PlanRun::walk() {
-    rules_.acquisition.unwatched_pass();
-    while (rules_.acquisition.Timer2->running()) {
+    plan_pass_->begin_unwatched();
+    while (plan_pass_->running()) {
         const End end = next_step();
         if (end != End::done) {
-            rules_.acquisition.stop();
+            plan_pass_->stop();
             return end;
         }
     }
@@ -127,31 +89,21 @@ PlanRun::End PlanRun::walk() {
 
 PlanRun::End PlanRun::next_step() {
     if (stop_asked()) return End::stopped;
-    Recordset& programs = *rules_.modes.rs_programs;
-    const bool at_program = !programs.end_of_set();
-    const Bookmark place = at_program ? programs.bookmark() : 0;
-    rules_.acquisition.Timer2_Timer();
-    if (link_.port_connected) {
-        pause_ = kFirstPause;
-        if (at_program && doubtful_again()) take_again(programs, place);
-        return End::done;
-    }
-    if (!order_.reconnect) return End::link_lost;
-    if (!find_meter(QStringLiteral("the link to the meter was lost, trying to connect again")))
-        return End::stopped;
-    // The measurement that was lost with the link is taken again; the pass goes on from there.
-    if (at_program) take_again(programs, place);
+    const std::optional<Bookmark> place = plan_pass_->place();
+    plan_pass_->step();
+    if (!link_.port_connected) return recover(place);
+    pause_ = kFirstPause;
+    if (place && doubtful_again()) plan_pass_->take_again(*place);
     return End::done;
 }
 
-/// Where its row can no longer be read the pass goes on without it.
-void PlanRun::take_again(Recordset& programs, Bookmark place) {
-    try {
-        programs.go_to(place);
-        rules_.acquisition.Timer2->start();
-    } catch (const Fault& fault) {
-        rules_.acquisition.tell_cut_short(fault);
-    }
+/// The measurement that was lost with the link is taken again; the pass goes on from there.
+PlanRun::End PlanRun::recover(const std::optional<Bookmark>& place) {
+    if (!order_.reconnect) return End::link_lost;
+    if (!find_meter(QStringLiteral("the link to the meter was lost, trying to connect again")))
+        return End::stopped;
+    if (place) plan_pass_->take_again(*place);
+    return End::done;
 }
 
 /// As long as nothing at all is measured the same reason is told once.

@@ -3,7 +3,9 @@
 
 #include <QString>
 #include <functional>
+#include <memory>
 
+#include "plan_pass.h"
 #include "realtime_rules.h"
 
 namespace m47 {
@@ -15,8 +17,8 @@ struct PlanRunOrder {
     bool reconnect = false;  ///< wait for the meter at the start, go on after a lost link
 };
 
-/// Passes over the open plan with nobody at the screen: the walk of the screen's own plan pass, one
-/// pass after the other at fixed times. A pass that takes longer than the interval makes the next
+/// Passes over the open plan with nobody at the screen: the same as the screen's own, one after the
+/// other at fixed times. A pass that takes longer than the interval makes the next
 /// one wait for the next of those times, so that none is doubled. After a lost link the program
 /// whose measurement was lost is measured first.
 class PlanRun {
@@ -53,7 +55,8 @@ class PlanRun {
     End walk();
     End next_step();
     bool find_meter(const QString& why);
-    void take_again(Recordset& programs, Bookmark place);
+    PassNews news();
+    End recover(const std::optional<Bookmark>& place);
     bool doubtful_again();
     void cut_short(const QString& reason);
     bool wait(double seconds);
@@ -68,6 +71,7 @@ class PlanRun {
     Link& link_;
     RealtimeRules& rules_;
     PlanRunOrder order_;
+    std::unique_ptr<PlanPass> plan_pass_;
     static constexpr double kFirstPause = 1;
     double pause_ = kFirstPause;  ///< seconds before the next try to find the meter again
     int pass_ = 0;

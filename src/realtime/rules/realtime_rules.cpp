@@ -1,15 +1,31 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "realtime_rules.h"
 
-namespace m47 {
+#include "work.h"
 
-RealtimeRules::RealtimeRules(Link& link, ProgramState& program, Database& database)
-    : tuning(link, program, panel, state),
+namespace m47 {
+namespace {
+
+constexpr Bilingual kBrokenOff{
+    "a measurement was broken off and has no row, %1 rows are on the page",
+    "una misura è stata interrotta e non ha riga, %1 righe nella pagina"};
+constexpr Bilingual kMeasured{"the measurement was whole, %1 rows are on the page",
+                              "la misura era completa, %1 righe nella pagina"};
+
+}  // namespace
+
+RealtimeRules::RealtimeRules(Link& the_link, ProgramState& the_program, Database& the_database)
+    : link(the_link),
+      program(the_program),
+      database(the_database),
+      tuning(link, program, panel, state),
       diseqc(link, panel, state),
       steps(link, program, panel, state, tuning),
       modes(link, program, database, panel, state, tuning, diseqc),
       cycle(link, panel, state, tuning, steps, page, log),
-      acquisition(link, program, database, panel, state, modes, cycle) {
+      plans(link, database, panel, state, modes),
+      program_tuning(link, program, panel, modes),
+      costs(link, program, panel, state, modes) {
     panel.cmdlev = program.unit_index;
     steps.cmdlev_Click = [this](int index) { modes.cmdlev_Click(index); };
 }
@@ -21,6 +37,17 @@ void RealtimeRules::tick_measures(int mode) {
     } else {
         panel.meas_statea[kLevel] = true;
     }
+}
+
+void RealtimeRules::measure_once(const std::function<void()>& prepare,
+                                 const ProgramIdentity& identity) {
+    Work work(link, kBrokenOff, {QString::number(cycle.rows())});
+    costs.begin();
+    cycle.measure(prepare, identity);
+    cycle.storemeas();
+    work.at(kMeasured, {QString::number(cycle.rows())});
+    // What is in doubt is no measurement, so nothing of it was lost.
+    if (cycle.doubt().isEmpty()) costs.end();
 }
 
 }  // namespace m47

@@ -1,26 +1,32 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "acquisition.h"
 #include "diseqc.h"
+#include "measure_costs.h"
 #include "measure_cycle.h"
 #include "measure_steps.h"
 #include "measurement_log.h"
 #include "modes.h"
 #include "page_model.h"
+#include "plan_walk.h"
+#include "program_tuning.h"
 #include "realtime_panel.h"
 #include "tuning.h"
 
 namespace m47 {
 
-/// Everything the real-time screen does, without the screen: it owns the panel and the state that
-/// the handlers share, and wires the rules to each other.
+/// Everything that measuring needs, without a screen: it owns the panel and the state that the
+/// handlers share, page and log, and wires the rules to each other. When something is measured is
+/// up to who uses it: the screen's Acquisition, or a PlanRun with nobody at the screen.
 class RealtimeRules {
   public:
-    RealtimeRules(Link& link, ProgramState& program, Database& database);
+    RealtimeRules(Link& the_link, ProgramState& the_program, Database& the_database);
     RealtimeRules(const RealtimeRules&) = delete;
     RealtimeRules& operator=(const RealtimeRules&) = delete;
 
+    Link& link;
+    ProgramState& program;
+    Database& database;
     RealtimePanel panel;
     RealtimeState state;
     PageModel page;
@@ -30,10 +36,17 @@ class RealtimeRules {
     MeasureSteps steps;
     Modes modes;
     MeasureCycle cycle;
-    Acquisition acquisition;
+    PlanWalk plans;
+    ProgramTuning program_tuning;
+    MeasureCosts costs;
 
     /// Ticks the measures of `mode` (kAnalogMode or kDigitalMode) whose steps run to their end.
     void tick_measures(int mode);
+
+    /// One measurement for the program `identity` of a plan, or for none, behind `prepare`, as
+    /// MeasureCycle::measure does it; its row is kept, and what it cost is told.
+    void measure_once(const std::function<void()>& prepare = {},
+                      const ProgramIdentity& identity = {});
 };
 
 }  // namespace m47

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QTime>
 #include <array>
 
 namespace m47 {
@@ -29,5 +30,10 @@ inline constexpr std::array<TimeDelay, 15> kTimeDelays{{
     {"1 Hour", 3600},
     {"2 Hour", 7200},
 }};
+
+/// The time until the next firing, "h:mm:ss"; 0 below 0.
+inline QString time_left_text(int seconds) {
+    return QTime(0, 0).addSecs(qMax(0, seconds)).toString(QStringLiteral("h:mm:ss"));
+}
 
 }  // namespace m47

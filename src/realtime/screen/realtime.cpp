@@ -41,14 +41,15 @@ constexpr Bilingual kReportNotSaved{"The report was not saved as '%1': %2",
 
 }  // namespace
 
-Realtime::Realtime(Link& link, ProgramState& program, Database& database, QWidget* parent)
+Realtime::Realtime(std::unique_ptr<RealtimeRules> own_rules, QWidget* parent)
     : QMainWindow(parent),
-      rules(link, program, database),
-      program_(program),
-      database_(database),
+      own_rules_(std::move(own_rules)),
+      rules(*own_rules_),
+      acquisition(rules, {.interval = timer1_, .pass = timer2_, .clock = timer3_}, pass_news()),
+      program_(rules.program),
       ui_(std::make_unique<Ui::Realtime>()),
       level_view_(new LevelView(
-          program.texts, [&link] { return link.port_connected; }, this)) {
+          program_.texts, [this] { return rules.link.port_connected; }, this)) {
     ui_->setupUi(this);
     tie_corrected(this, program_.corrected);
     binding_ = std::make_unique<PanelBinding>(this, rules.panel, program_.corrected);
@@ -71,7 +72,7 @@ Realtime::Realtime(Link& link, ProgramState& program, Database& database, QWidge
     for (QAction* action : {ui_->stop, ui_->cmdlevelview}) keep_while_busy(action);
     prepare_page();
     show_log_name();
-    rules.acquisition.single();
+    show_log_state(rules.log.reason());
     binding_->show();
 }
 
@@ -81,20 +82,15 @@ template <class Body>
 void Realtime::handle(const char* name, Body body) {
     run_handler(this, name, body);
     // Whoever wants to end a timed run must not have to wait for a pause in it.
-    keep_while_busy(ui_->cmdstart, rules.acquisition.Timer1->running());
+    keep_while_busy(ui_->cmdstart, acquisition.timed());
     binding_->show();
     ui_->trend->limits_changed();
     level_view_->ended();
 }
 
 void Realtime::Form_Load() {
-    set_tooltips(this, realtime_tooltips(), program_.texts);
-    ui_->diseqc->set_captions(program_.texts);
-    ui_->diseqc->add_diseqc_command();
+    fill_in();
     handle("Form_Load", [this] { rules.modes.Form_Load(); });
-    set_tooltip(ui_->save, QString::fromLatin1(kOpenFileTooltip));
-    show_tab_captions();
-    file_name_tooltip_ = ui_->file_name->toolTip();
 }
 
 void Realtime::Form_Activate() {
@@ -154,9 +150,8 @@ void Realtime::connect_lists() {
     on_pick(ui_->k22_state, "k22_state_Click", &Tuning::k22_state_Click);
     on_pick(ui_->lnb_supply, "lnb_supply_Click", &Tuning::lnb_supply_Click);
     new WheelGuard(ui_->time_delay);
-    connect(ui_->time_delay, &QComboBox::activated, this, [this] {
-        handle("time_delay_Click", [this] { rules.acquisition.time_delay_Click(); });
-    });
+    connect(ui_->time_delay, &QComboBox::activated, this,
+            [this] { handle("time_delay_Click", [this] { acquisition.time_delay_Click(); }); });
     new ListKeyFilter(ui_->satlnb_state);
     new WheelGuard(ui_->atten_list);
     connect(ui_->atten_list, &QComboBox::activated, this, [this](int index) {
@@ -211,7 +206,7 @@ void Realtime::barracomandi_ButtonClick(const QString& key) {
 
 void Realtime::fill_keys() {
     const auto add = [this](const char* key, void (Acquisition::*action)()) {
-        keys_.insert(QString::fromLatin1(key), [this, action] { (rules.acquisition.*action)(); });
+        keys_.insert(QString::fromLatin1(key), [this, action] { (acquisition.*action)(); });
     };
     add("single", &Acquisition::single);
     add("group", &Acquisition::group);
@@ -232,26 +227,27 @@ void Realtime::fill_keys() {
 
 void Realtime::connect_timers() {
     const auto drive = [this](TimerTicker& ticker, const char* name, void (Acquisition::*tick)()) {
-        connect(&ticker.timer(), &QTimer::timeout, this, [this, name, tick] {
-            handle(name, [this, tick] { (rules.acquisition.*tick)(); });
-        });
+        connect(&ticker.timer(), &QTimer::timeout, this,
+                [this, name, tick] { handle(name, [this, tick] { (acquisition.*tick)(); }); });
     };
     drive(timer1_, "Timer1_Timer", &Acquisition::Timer1_Timer);
     // A pass recalls and tunes before it measures: what is shown is no longer what is received.
     connect(&timer2_.timer(), &QTimer::timeout, level_view_, &LevelView::begins);
     drive(timer2_, "Timer2_Timer", &Acquisition::Timer2_Timer);
     drive(timer3_, "Timer3_Timer", &Acquisition::Timer3_Timer);
-    rules.acquisition.Timer1 = &timer1_;
-    rules.acquisition.Timer2 = &timer2_;
-    rules.acquisition.Timer3 = &timer3_;
     connect(ui_->cmdstart, &QPushButton::clicked, this,
-            [this] { handle("cmdstart_Click", [this] { rules.acquisition.cmdstart_Click(); }); });
-    rules.acquisition.on_progress = [this](int place, int monitored) {
-        Q_EMIT progress(monitored > 0 ? QStringLiteral("%1/%2").arg(place).arg(monitored)
-                                      : QString());
-    };
-    rules.acquisition.on_cut_short = [this](const QString& reason) { Q_EMIT cut_short(reason); };
-    rules.acquisition.on_left_out = [this](const QString& reason) { Q_EMIT left_out(reason); };
+            [this] { handle("cmdstart_Click", [this] { acquisition.cmdstart_Click(); }); });
+}
+
+PassNews Realtime::pass_news() {
+    return {.progress =
+                [this](int place, int monitored) {
+                    Q_EMIT progress(monitored > 0
+                                        ? QStringLiteral("%1/%2").arg(place).arg(monitored)
+                                        : QString());
+                },
+            .cut_short = [this](const QString& reason) { Q_EMIT cut_short(reason); },
+            .left_out = [this](const QString& reason) { Q_EMIT left_out(reason); }};
 }
 
 void Realtime::connect_level_view() {
@@ -289,13 +285,18 @@ void Realtime::prepare_page() {
         program_);
 }
 
-void Realtime::show_tab_captions() {
+void Realtime::fill_in() {
+    set_tooltips(this, realtime_tooltips(), program_.texts);
+    set_tooltip(ui_->save, QString::fromLatin1(kOpenFileTooltip));
+    ui_->diseqc->set_captions(program_.texts);
+    ui_->diseqc->add_diseqc_command();
     ui_->page_tabs->setTabText(0, program_.texts.pick(kPageTab));
     ui_->page_tabs->setTabText(1, program_.texts.pick(kTrendTab));
     ui_->trend->set_texts(program_.texts);
     ui_->cmdrecent->setTitle(program_.texts.pick(kRecentEntry));
     ui_->cmdlevelview->setText(program_.texts.pick(kLevelEntry));
     ui_->cmdreport->setText(program_.texts.pick(kReportEntry));
+    file_name_tooltip_ = ui_->file_name->toolTip();
 }
 
 void Realtime::follow_page() {
@@ -377,7 +378,8 @@ QList<ReportLimits> Realtime::limits_in_force() {
     if (rules.state.acq_kind != kPlan || !rules.modes.rs_programs)
         return {limits_of_panel(rules.panel, rules.state, rules.steps.empty_limits())};
     // A set of its own: a pass may be going through the plan's.
-    Recordset programs = database_.of_plan(QLatin1String(table::kProgrammi), rules.panel.grp_name);
+    Recordset programs =
+        rules.database.of_plan(QLatin1String(table::kProgrammi), rules.panel.grp_name);
     return limits_of_plan(programs, rules.panel, rules.steps.empty_limits());
 }
 

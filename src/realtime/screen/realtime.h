@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 
+#include "acquisition.h"
 #include "customer_report.h"
 #include "level_view.h"
 #include "panel_binding.h"
@@ -21,14 +22,24 @@ namespace m47 {
 /// The screen "Real Time Function Mode": binds the real-time rules to its controls.
 class Realtime : public QMainWindow {
     Q_OBJECT
+
+    std::unique_ptr<RealtimeRules> own_rules_;
+    TimerTicker timer1_;
+    TimerTicker timer2_;
+    TimerTicker timer3_;
+
   public:
-    Realtime(Link& link, ProgramState& program, Database& database, QWidget* parent = nullptr);
+    /// Takes over `rules`, also such that have measured already, and shows how they stand.
+    explicit Realtime(std::unique_ptr<RealtimeRules> rules, QWidget* parent = nullptr);
     ~Realtime() override;
 
-    RealtimeRules rules;
+    RealtimeRules& rules;
+    Acquisition acquisition;
 
     /// Prepares screen and meter; run once, when the screen is already visible.
     void Form_Load();
+    /// Captions, tooltips and lists, in the language in force; a part of Form_Load.
+    void fill_in();
     /// Run each time the screen comes to the front.
     void Form_Activate();
 
@@ -65,9 +76,9 @@ class Realtime : public QMainWindow {
     void connect_toolbar();
     void connect_limits();
     void connect_timers();
+    PassNews pass_news();
     void fill_keys();
     void prepare_page();
-    void show_tab_captions();
     void datamenagment();
     QString ask_log_name();
     void list_recent_logs();
@@ -82,15 +93,11 @@ class Realtime : public QMainWindow {
     void follow_page();
 
     ProgramState& program_;
-    Database& database_;
     std::unique_ptr<Ui::Realtime> ui_;
     std::unique_ptr<PanelBinding> binding_;
     QString file_name_tooltip_;
     LevelView* level_view_;
     QHash<QString, std::function<void()>> keys_;
-    TimerTicker timer1_;
-    TimerTicker timer2_;
-    TimerTicker timer3_;
 };
 
 }  // namespace m47
