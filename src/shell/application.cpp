@@ -19,8 +19,11 @@
 #include "icons.h"
 #include "import_command.h"
 #include "message_box.h"
+#include "no_view.h"
 #include "old_reader.h"
 #include "program.h"
+#include "real_clock.h"
+#include "real_port.h"
 #include "unattended.h"
 #include "window_end.h"
 #include "work_folder.h"
@@ -34,7 +37,9 @@ constexpr Bilingual kNoFolder{"Cannot work in the folder %1.",
 /// Last resort: a fault that reaches the event loop ends its event, not the program.
 class GuardedApplication : public QApplication {
   public:
-    using QApplication::QApplication;
+    GuardedApplication(int& argc, char** argv) : QApplication(argc, argv) {
+        setDesktopFileName(QStringLiteral(M47_APP_ID));
+    }
     bool notify(QObject* receiver, QEvent* event) override {
         bool handled = false;
         run_handler(activeWindow(), receiver->metaObject()->className(),
@@ -106,6 +111,21 @@ std::unique_ptr<Database> open_database(const ProgramState& state, const Options
     return database;
 }
 
+/// Without windows nothing of them is begun either, which saves time and memory.
+std::unique_ptr<QCoreApplication> make_application(int& argc, char** argv, const Options& options) {
+    if (options.unattended() && options.screenshot.isEmpty())
+        return std::make_unique<QCoreApplication>(argc, argv);
+    return std::make_unique<GuardedApplication>(argc, argv);
+}
+
+int measure_unattended(ProgramState& state, Database& database, PortList ports,
+                       const Options& options) {
+    NoView view;
+    Connection connection(state, std::move(ports), std::make_unique<RealClock>(local_time_of_day),
+                          std::make_unique<RealPort>(), view, view);
+    return run_unattended(state, database, connection, options);
+}
+
 int run_windows(Program& program, const Options& options) {
     QApplication::setStyle(new ContrastStyle);
     program.window().show();
@@ -123,10 +143,9 @@ int run_windows(Program& program, const Options& options) {
 int run_with_options(int argc, char** argv, const Options& options) {
     listen_to_end_signals();
     g_toolkit_messages = qInstallMessageHandler(pass_message);
-    GuardedApplication application(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("m47-remote"));
-    QApplication::setApplicationVersion(QStringLiteral(M47_VERSION));
-    QApplication::setDesktopFileName(QStringLiteral(M47_APP_ID));
+    const std::unique_ptr<QCoreApplication> application = make_application(argc, argv, options);
+    QCoreApplication::setApplicationName(QStringLiteral("m47-remote"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(M47_VERSION));
     ProgramState state;
     // What an unattended run says goes to a log, not to a screen.
     state.texts.language = options.unattended() ? kEnglish : kItalian;
@@ -151,8 +170,9 @@ int run_with_options(int argc, char** argv, const Options& options) {
         return import_unattended(*database, options.import_database, state.texts);
     PortList ports;
     for (const QString& entry : options.ports) ports.add(entry);
+    if (options.measure) return measure_unattended(state, *database, std::move(ports), options);
     Program program(state, std::move(database), std::move(ports));
-    return options.measure ? run_unattended(program, options) : run_windows(program, options);
+    return run_windows(program, options);
 }
 
 }  // namespace

@@ -16,7 +16,6 @@
 #include "handler.h"
 #include "manual_page.h"
 #include "message_box.h"
-#include "port_diagnosis.h"
 #include "port_setting.h"
 #include "program_set.h"
 #include "real_port.h"
@@ -57,29 +56,16 @@ Program::Program(ProgramState& state, std::unique_ptr<Database> database, PortLi
                  std::unique_ptr<Clock> clock, std::unique_ptr<SerialPort> port)
     : state_(state),
       database_(std::move(database)),
-      ports_(std::move(ports)),
-      clock_(std::move(clock)),
-      port_(std::move(port)),
       window_(state),
-      link_(*port_, *clock_, window_.status()),
-      identification_(link_, state.texts, ports_, window_),
-      import_(*database_, link_, state, window_) {
+      connection_(state, std::move(ports), std::move(clock), std::move(port), window_.status(),
+                  window_),
+      import_(*database_, link(), state, window_) {
     // The logger's temporary file has no name yet, and message 0 is composed with that.
     state_.texts.load_messages(state_.temp_file_name);
     tell_faults_in(&state_.texts);
     window_.status().reason = [this] { return link_fault(); };
     add_screens();
-    identification_.on_picked = [this] {
-        watch_.reset();
-        window_.allow_reconnect();
-        // Picking a port chooses English.
-        window_.show_texts();
-    };
-    identification_.claim = [this](const QString& device) { return claim_.take(device); };
-    identification_.on_version = [this](const QString& version) { state_.meter_version = version; };
-    on(&window_, &M47MDI::reconnect_asked, &window_, "cmdreconnect_Click", [this] { reconnect(); });
-    QObject::connect(&watch_timer_, &QTimer::timeout, &window_, [this] { watch_device(); });
-    watch_timer_.start(kDeviceWatchInterval);
+    connect_connection();
     on(&window_, &M47MDI::import_asked, &window_, "cmdimportdb_Click", [this] {
         import_.cmdimportdb_Click();
         const QString plans = QStringLiteral("program");
@@ -92,7 +78,8 @@ Program::Program(ProgramState& state, std::unique_ptr<Database> database, PortLi
 }
 
 std::optional<Said> Program::left_off() const {
-    if (link_.left_off) return link_.left_off;
+    const std::optional<Said>& told = connection_.link().left_off;
+    if (told) return told;
     const auto* screen = qobject_cast<Realtime*>(window_.screen_of(QStringLiteral("realtime")));
     return screen ? screen->acquisition.running() : std::nullopt;
 }
@@ -101,26 +88,32 @@ Program::~Program() {
     tell_faults_in(nullptr);
 }
 
+void Program::connect_connection() {
+    connection_.identification().on_picked = [this] {
+        watch_.reset();
+        window_.allow_reconnect();
+        // Picking a port chooses English.
+        window_.show_texts();
+    };
+    on(&window_, &M47MDI::reconnect_asked, &window_, "cmdreconnect_Click", [this] { reconnect(); });
+    QObject::connect(&watch_timer_, &QTimer::timeout, &window_, [this] { watch_device(); });
+    watch_timer_.start(kDeviceWatchInterval);
+}
+
 QString Program::link_fault() const {
-    if (watch_.came_back()) return state_.texts.pick(kDeviceIsBack).arg(identification_.device());
-    if (claim_.holder()) return claim_text(*claim_.holder(), port_->path(), state_.texts);
-    return port_fault_text(port_->fault(), port_->path(), state_.texts);
+    if (watch_.came_back()) return state_.texts.pick(kDeviceIsBack).arg(connection_.device());
+    return connection_.fault();
 }
 
-void Program::identify(int number) {
-    ports_.refresh();
-    identification_.porta_Click(number - 1);
-}
-
-bool Program::reconnect() {
+void Program::reconnect() {
     watch_.reset();
-    identification_.reconnect();
-    return link_.port_connected;
+    connection_.reconnect();
 }
 
 void Program::watch_device() {
-    if (identification_.device().isEmpty() || link_.port_connected) return;
-    if (watch_.look(QFileInfo::exists(identification_.device()))) window_.status().show_reason();
+    const QString& device = connection_.device();
+    if (device.isEmpty() || link().port_connected) return;
+    if (watch_.look(QFileInfo::exists(device))) window_.status().show_reason();
 }
 
 void Program::cmdmanual_Click() {
@@ -136,18 +129,14 @@ void Program::open_manual(const QStringList& folders) {
                                     : state_.texts.pick(kNoReader).arg(page));
 }
 
-Realtime* Program::make_realtime(QWidget* parent) {
-    return new Realtime(std::make_unique<RealtimeRules>(link_, state_, *database_), parent);
-}
-
 void Program::add_screens() {
     add_screen<ProgramSet>("program", [this] {
-        auto* screen = new ProgramSet(link_, state_, *database_);
+        auto* screen = new ProgramSet(link(), state_, *database_);
         QObject::connect(screen, &ProgramSet::upload_state, &window_, &M47MDI::show_upload);
         return screen;
     });
     add_screen<Realtime>("realtime", [this] {
-        Realtime* screen = make_realtime(nullptr);
+        auto* screen = new Realtime(std::make_unique<RealtimeRules>(link(), state_, *database_));
         QObject::connect(screen, &Realtime::progress, &window_, &M47MDI::show_progress);
         // No box: nobody may be there, and the next pass is not to wait for one.
         QObject::connect(screen, &Realtime::cut_short, &window_, [this](const QString& reason) {
@@ -162,13 +151,15 @@ void Program::add_screens() {
         return screen;
     });
     add_screen<Download>("download", [this] {
-        auto* screen = new Download(link_, state_);
+        auto* screen = new Download(link(), state_);
         QObject::connect(screen, &Download::progress, &window_, &M47MDI::show_progress);
         return screen;
     });
-    add_screen<Asl>("asl", [this] { return new Asl(link_, state_, database_->asl()); });
-    add_screen<ConfigSet>("configurazione", [this] { return new ConfigSet(link_, state_.texts); });
-    add_screen<PortSetting>("setport", [this] { return new PortSetting(identification_, ports_); });
+    add_screen<Asl>("asl", [this] { return new Asl(link(), state_, database_->asl()); });
+    add_screen<ConfigSet>("configurazione", [this] { return new ConfigSet(link(), state_.texts); });
+    add_screen<PortSetting>("setport", [this] {
+        return new PortSetting(connection_.identification(), connection_.ports());
+    });
 }
 
 template <class Screen, class Make>

@@ -5,21 +5,18 @@
 #include <memory>
 #include <optional>
 
+#include "connection.h"
 #include "database.h"
 #include "device_watch.h"
-#include "identification.h"
 #include "import_command.h"
 #include "link.h"
 #include "mdi.h"
-#include "port_claim.h"
 #include "port_list.h"
 #include "program_state.h"
 #include "real_clock.h"
 #include "serial_port.h"
 
 namespace m47 {
-
-class Realtime;
 
 /// The whole program: the parts that live as long as it does, and who knows whom.
 class Program {
@@ -36,7 +33,8 @@ class Program {
     Program& operator=(const Program&) = delete;
 
     M47MDI& window() { return window_; }
-    Link& link() { return link_; }
+    Connection& connection() { return connection_; }
+    Link& link() { return connection_.link(); }
     Database& database() { return *database_; }
     ProgramState& state() { return state_; }
     const ProgramState& state() const { return state_; }
@@ -46,35 +44,26 @@ class Program {
     std::optional<Said> left_off() const;
 
     /// Identifies the meter on port `number` (1 to 10), as picking it on the port screen does.
-    void identify(int number);
-
-    /// Identifies the meter behind the device picked last again. True when it answers.
-    bool reconnect();
+    void identify(int number) { connection_.identify(number); }
 
     void cmdmanual_Click();
     /// Opens the manual at the page of the screen in front, from the first of `folders` that has
     /// it; one message where none has.
     void open_manual(const QStringList& folders);
 
-    /// A real-time screen, neither loaded nor shown; `parent` owns it.
-    Realtime* make_realtime(QWidget* parent);
-
   private:
     void add_screens();
     template <class Screen, class Make>
     void add_screen(const char* key, Make make);
+    void connect_connection();
+    void reconnect();
     QString link_fault() const;
     void watch_device();
 
     ProgramState& state_;
     std::unique_ptr<Database> database_;
-    PortList ports_;
-    std::unique_ptr<Clock> clock_;
-    std::unique_ptr<SerialPort> port_;
     M47MDI window_;
-    Link link_;
-    PortClaim claim_;
-    Identification identification_;
+    Connection connection_;
     DeviceWatch watch_;
     QTimer watch_timer_;
     ImportCommand import_;

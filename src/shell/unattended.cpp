@@ -3,19 +3,16 @@
 
 #include <unistd.h>
 
-#include <QBuffer>
-#include <QFileInfo>
 #include <cstdio>
 
 #include "alarm_limits.h"
 #include "end_signals.h"
 #include "fault.h"
-#include "handler.h"
 #include "numbers.h"
 #include "plan_run.h"
-#include "realtime.h"
+#include "realtime_rules.h"
 #include "row_output.h"
-#include "save_file.h"
+#include "run_picture.h"
 
 namespace m47 {
 namespace {
@@ -50,9 +47,10 @@ void complain(const QString& text) {
 }
 
 struct Run {
-    Program& program;
+    ProgramState& state;
+    Connection& connection;
     const Options& options;
-    Realtime& screen;
+    std::unique_ptr<RealtimeRules> rules;
     RowOutput output{STDOUT_FILENO};
     int rows = 0;
     bool link_found = false;  ///< the meter has answered once
@@ -69,7 +67,7 @@ struct Run {
 void print_row(Run& run, const QStringList& row) {
     if (isatty(STDOUT_FILENO) != 0) g_progress_line.clear();
     ++run.rows;
-    run.output.write(row.join(run.screen.rules.state.field_separator).toUtf8() + '\n');
+    run.output.write(row.join(run.rules->state.field_separator).toUtf8() + '\n');
 }
 
 void tell_log(Run& run, const QString& reason) {
@@ -83,7 +81,7 @@ void tell_log(Run& run, const QString& reason) {
 /// Each time, with the frequency: the row may come yet.
 void tell_doubt(const Run& run, const QString& command) {
     complain(QStringLiteral("no row at %1 MHz: the answer to %2 came late or was spoilt")
-                 .arg(run.screen.rules.panel.fsat, command));
+                 .arg(run.rules->panel.fsat, command));
 }
 
 void set_alarm(RealtimePanel& panel, const AlarmOption& alarm) {
@@ -104,10 +102,10 @@ void set_alarm(RealtimePanel& panel, const AlarmOption& alarm) {
     }
 }
 
-/// The screen as a technician would set it up for either kind of run.
+/// The panel as a technician would set it up for either kind of run.
 void set_up(Run& run) {
-    RealtimeRules& rules = run.screen.rules;
-    if (!run.options.log.isEmpty()) run.screen.open_log(run.options.log);
+    RealtimeRules& rules = *run.rules;
+    if (!run.options.log.isEmpty()) rules.log.open(run.options.log, rules.page);
     if (!run.options.bandwidth.isEmpty()) rules.panel.chbws = run.options.bandwidth;
     for (const AlarmOption& alarm : run.options.alarms) set_alarm(rules.panel, alarm);
 }
@@ -115,8 +113,8 @@ void set_up(Run& run) {
 /// One measurement, taken again where an answer was doubtful. False when its row is missing.
 bool take_row(Run& run) {
     for (int tried = 0; tried < PlanRun::kMostTries; ++tried) {
-        run.screen.rules.measure_once();
-        if (run.screen.rules.cycle.doubt().isEmpty()) return true;
+        run.rules->measure_once();
+        if (run.rules->cycle.doubt().isEmpty()) return true;
     }
     return false;
 }
@@ -124,7 +122,7 @@ bool take_row(Run& run) {
 /// A level limit is in the unit that the meter is set to, which is known only now. The screen would
 /// move one that the meter cannot measure without a word.
 bool level_limits_fit(Run& run) {
-    const RealtimePanel& panel = run.screen.rules.panel;
+    const RealtimePanel& panel = run.rules->panel;
     for (const AlarmOption& alarm : run.options.alarms) {
         if (run.options.digital || alarm.name != QLatin1String("level")) continue;
         const LevelRange range = level_range(unit_offset(panel.cmdlev));
@@ -141,9 +139,11 @@ bool level_limits_fit(Run& run) {
 void measure_rows(Run& run) {
     run.wrong_limits = !level_limits_fit(run);
     if (run.wrong_limits) return;
-    RealtimeRules& rules = run.screen.rules;
-    run.screen.barracomandi_ButtonClick(run.options.digital ? QStringLiteral("qpsk")
-                                                            : QStringLiteral("analogico"));
+    RealtimeRules& rules = *run.rules;
+    if (run.options.digital)
+        rules.modes.digitalmode();
+    else
+        rules.modes.analogmode();
     set_up(run);
     if (!run.options.symbol_rate.isEmpty()) rules.panel.srqpsk_txt = run.options.symbol_rate;
     if (!run.options.frequency.isEmpty()) {
@@ -152,40 +152,46 @@ void measure_rows(Run& run) {
     }
     rules.tick_measures(rules.state.meas_mode);
     for (int taken = 0; taken < run.options.count; ++taken) {
-        if (!run.program.link().port_connected || run.pointless()) return;
+        if (!run.connection.link().port_connected || run.pointless()) return;
         run.row_missing = !take_row(run) || run.row_missing;
     }
 }
 
-/// Opens the screen, as the meter and the panel are prepared for it.
-void open_screen(Run& run) {
-    run.screen.Form_Load();
-    run.screen.Form_Activate();
+/// Prepares the meter and the panel, as opening the screen does. A signal in it ends the part that
+/// runs; the run ends with the next command.
+void prepare_meter(Run& run) {
+    for (const auto part : {&Modes::Form_Load, &Modes::Form_Activate}) {
+        try {
+            (run.rules->modes.*part)();
+        } catch (const Interrupted&) {
+            continue;
+        }
+    }
 }
 
 /// Looks for the meter: on its port at the start, afterwards behind the device where it was.
 bool identify_meter(Run& run) {
     if (run.link_found)
-        run.program.reconnect();
+        run.connection.reconnect();
     else
-        run.program.identify(run.options.on_port);
-    if (!run.program.link().port_connected) return false;
+        run.connection.identify(run.options.on_port);
+    if (!run.connection.link().port_connected) return false;
     run.link_found = true;
-    open_screen(run);
+    prepare_meter(run);
     return true;
 }
 
 /// The same within a run over a plan. A signal ends the trying at once.
 bool connect_again(Run& run) {
-    run.program.link().interrupted = [] { return times_told_to_end() > 0; };
+    run.connection.link().interrupted = [] { return times_told_to_end() > 0; };
     identify_meter(run);
-    run.program.link().interrupted = [] { return times_told_to_end() > 1; };
-    return run.program.link().port_connected;
+    run.connection.link().interrupted = [] { return times_told_to_end() > 1; };
+    return run.connection.link().port_connected;
 }
 
 /// False, with a complaint, where there is nothing to measure.
 bool plan_is_there(Run& run) {
-    PlanWalk& plans = run.screen.rules.plans;
+    PlanWalk& plans = run.rules->plans;
     const QString name = run.options.plan.trimmed().toUpper();
     if (!plans.choose_plan(name)) {
         complain(QStringLiteral("there is no plan %1").arg(name));
@@ -208,10 +214,10 @@ struct KeepOutcome {
 
 void measure_plan(Run& run) {
     set_up(run);
-    for (const int mode : {kAnalogMode, kDigitalMode}) run.screen.rules.tick_measures(mode);
+    for (const int mode : {kAnalogMode, kDigitalMode}) run.rules->tick_measures(mode);
     // Told to end once, the running measurement is finished; told twice, not even that.
-    run.program.link().interrupted = [] { return times_told_to_end() > 1; };
-    PlanRun plan_run(run.program.link(), run.screen.rules,
+    run.connection.link().interrupted = [] { return times_told_to_end() > 1; };
+    PlanRun plan_run(run.connection.link(), *run.rules,
                      {.passes = run.options.passes,
                       .every = run.options.every,
                       .reconnect = run.options.reconnect});
@@ -224,22 +230,10 @@ void measure_plan(Run& run) {
     static_cast<void>(plan_run.run());
 }
 
-/// The kind of picture follows from the name; a name that tells none is PNG.
-bool draw_picture(const QPixmap& picture, const QString& name, QByteArray& bytes) {
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    const QByteArray kind = QFileInfo(name).suffix().toLatin1();
-    return picture.save(&buffer, kind.constData()) || picture.save(&buffer, "PNG");
-}
-
 void write_screenshot(Run& run) {
     const QString& name = run.options.screenshot;
     if (name.isEmpty()) return;
-    run.screen.rules.panel.repaint();
-    run.screen.resize(run.screen.sizeHint().expandedTo({900, 560}));
-    QByteArray bytes;
-    const bool drawn = draw_picture(run.screen.grab(), name, bytes);
-    const QString reason = drawn ? write_whole_file(name, bytes) : QStringLiteral("not drawn");
+    const QString reason = write_run_picture(std::move(run.rules), name);
     if (reason.isEmpty()) return;
     complain(QStringLiteral("cannot write the picture %1: %2").arg(name, reason));
     run.file_lost = true;
@@ -248,7 +242,7 @@ void write_screenshot(Run& run) {
 /// A run that was told to end is good for what it has measured.
 int status_of(const Run& run) {
     if (run.wrong_limits) return kUsage;
-    if (!run.program.link().port_connected) {
+    if (!run.connection.link().port_connected) {
         complain(times_told_to_end() > 0 ? QStringLiteral("ended without a link to the meter")
                                          : QStringLiteral("the link to the meter was lost"));
         return kNoLink;
@@ -260,7 +254,7 @@ int status_of(const Run& run) {
 }
 
 void tell_no_meter(Run& run) {
-    const QString reason = run.program.window().status().reason();
+    const QString reason = run.connection.fault();
     complain(reason.isEmpty()
                  ? QStringLiteral("no meter answers on port %1").arg(run.options.on_port)
                  : reason);
@@ -278,27 +272,31 @@ bool prepare(Run& run, int& status) {
     return run.options.reconnect;
 }
 
-}  // namespace
-
-int run_unattended(Program& program, const Options& options) {
-    // The window begins in Italian; what stderr says is English from the first line on.
-    program.window().cmdinglese_Click();
-    set_fault_reporter([](QWidget*, const QString& what) { complain(what); });
-    program.link().interrupted = [] { return times_told_to_end() > 0; };
-    program.link().cut_off = [] { return times_told_to_end() > 1; };
-    Run run{program, options, *program.make_realtime(&program.window())};
+/// What is told while the run measures.
+void listen_to_rules(Run& run) {
     run.output.on_remark = complain;
-    run.screen.rules.cycle.on_row = [&run](const QStringList& row) { print_row(run, row); };
-    run.screen.rules.cycle.on_measured = [&run](const Measurement& measurement) {
+    MeasureCycle& cycle = run.rules->cycle;
+    cycle.on_row = [&run](const QStringList& row) { print_row(run, row); };
+    cycle.on_measured = [&run](const Measurement& measurement) {
         if (measurement.verdict == Verdict::fail) run.alarm_failed = true;
     };
-    run.screen.rules.cycle.on_log_written = [&run](const QString& reason) {
-        tell_log(run, reason);
+    cycle.on_log_written = [&run](const QString& reason) { tell_log(run, reason); };
+    cycle.on_doubt = [&run](const QString& command) { tell_doubt(run, command); };
+    run.state.costs.on_cost = [&state = run.state](const Bilingual& text) {
+        complain(state.texts.pick(text));
     };
-    program.state().costs.on_cost = [&program](const Bilingual& text) {
-        complain(program.state().texts.pick(text));
-    };
-    run.screen.rules.cycle.on_doubt = [&run](const QString& command) { tell_doubt(run, command); };
+}
+
+}  // namespace
+
+int run_unattended(ProgramState& state, Database& database, Connection& connection,
+                   const Options& options) {
+    state.texts.language = kEnglish;
+    connection.link().interrupted = [] { return times_told_to_end() > 0; };
+    connection.link().cut_off = [] { return times_told_to_end() > 1; };
+    Run run{state, connection, options,
+            std::make_unique<RealtimeRules>(connection.link(), state, database)};
+    listen_to_rules(run);
     try {
         int status = kGood;
         if (!prepare(run, status)) return status;
@@ -309,7 +307,7 @@ int run_unattended(Program& program, const Options& options) {
     } catch (const Interrupted&) {
         // The rows that were printed stand; a measurement that was not finished is none.
     } catch (const Fault& fault) {
-        complain(fault.text(program.state().texts));
+        complain(fault.text(state.texts));
         return kDatabase;
     }
     g_progress_line.clear();

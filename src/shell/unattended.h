@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "connection.h"
+#include "database.h"
 #include "options.h"
-#include "program.h"
 
 namespace m47 {
 
@@ -19,9 +20,10 @@ enum ExitStatus {
     kIncomplete = 7,         ///< nothing was measured, or a pass was cut short
 };
 
-/// Measures without showing a window: connects, runs the handlers that the buttons run and prints
-/// each row of the page on stdout as it comes. SIGINT, SIGTERM and SIGHUP end it after the running
-/// transaction. Returns the exit status.
-int run_unattended(Program& program, const Options& options);
+/// Measures without a window: connects, runs the rules that the buttons run and prints each row of
+/// the page on stdout as it comes. SIGINT, SIGTERM and SIGHUP end it after the running transaction.
+/// A screen is made for its picture alone, which takes a QApplication. Returns the exit status.
+int run_unattended(ProgramState& state, Database& database, Connection& connection,
+                   const Options& options);
 
 }  // namespace m47

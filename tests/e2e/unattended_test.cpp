@@ -25,6 +25,7 @@ class UnattendedTest : public QObject {
     void a_picture_replaces_neither_the_database_nor_a_pipe();
     void alarms();
     void log_goes_on();
+    void no_window_system_is_needed();
     void output_that_cannot_be_written();
     void a_second_start_on_the_same_port();
     void digital_row();
@@ -243,6 +244,15 @@ void UnattendedTest::log_goes_on() {
     QCOMPARE(ending.status, 0);
     QCOMPARE(rows_of(ending.out).size(), 1);
     QCOMPARE(stand.content("run.log"), before + as_log(ending.out));
+}
+
+void UnattendedTest::no_window_system_is_needed() {
+    TestStand stand;
+    stand.remote.environment.insert("QT_QPA_PLATFORM", "no-such-platform");
+    const Ending ending = stand.measure({});
+    QCOMPARE(ending.status, 0);
+    QCOMPARE(ending.err, QByteArray());
+    QCOMPARE(rows_of(ending.out).size(), 1);
 }
 
 void UnattendedTest::output_that_cannot_be_written() {

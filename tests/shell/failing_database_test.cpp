@@ -146,8 +146,8 @@ class FailingDatabaseTest : public QObject, protected ProgramInFolder {
         options.passes = passes;
         Caught rows(STDOUT_FILENO, in_folder("rows"));
         Caught told(STDERR_FILENO, in_folder("told"));
-        const int status = run_unattended(program(), options);
-        qDeleteAll(window().findChildren<Realtime*>());
+        const int status =
+            run_unattended(program_state(), program().database(), program().connection(), options);
         // The test program's own remarks go to stdout too; a row has its tabs.
         return {status, rows.lines().filter(QStringLiteral("\t")), told.lines()};
     }

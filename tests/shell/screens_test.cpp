@@ -99,6 +99,27 @@ class ScreensTest : public QObject, protected ProgramInFolder {
         QCOMPARE(progress->text(), QStringLiteral("Pass cut short"));
     }
 
+    void a_screen_shows_what_its_rules_have_measured() {
+        auto rules = std::make_unique<RealtimeRules>(program().link(), program_state(),
+                                                     program().database());
+        rules->panel.leva = QStringLiteral("58.3");
+        for (int row = 0; row < 100; ++row)
+            rules->page.append({"23/11/26", "10:00:00", QString::number(1000 + row), "10600",
+                                "58.3", "", "", "", "", "", ""},
+                               Measurement());
+        rules->log.open(in_folder("run.log"), rules->page);
+        Realtime screen(std::move(rules));
+        screen.fill_in();
+        screen.resize(900, 560);
+        static_cast<void>(screen.grab());
+        screen.show_newest();
+        QCOMPARE(find<QLabel>("leva", &screen)->text(), QStringLiteral("58.3"));
+        QVERIFY(find<QLabel>("file_name", &screen)->text().endsWith("run.log"));
+        const auto* page = find<QTableView>("measgrid", &screen);
+        const QRect newest = page->visualRect(page->model()->index(99, 0));
+        QVERIFY(page->viewport()->rect().contains(newest.center()));
+    }
+
     void it_starts_in_italian_and_the_menu_changes_only_what_comes_after() {
         QCOMPARE(program_state().texts.language, int(kItalian));
         QVERIFY(find<QAction>("cmditaliano")->isChecked());

@@ -302,7 +302,11 @@ void Realtime::fill_in() {
 void Realtime::follow_page() {
     // The newest row stays in sight unless the user has scrolled back to look at older ones.
     const QScrollBar* bar = ui_->measgrid->verticalScrollBar();
-    if (bar->value() >= bar->maximum() - 1) ui_->measgrid->scrollToBottom();
+    if (bar->value() >= bar->maximum() - 1) show_newest();
+}
+
+void Realtime::show_newest() {
+    ui_->measgrid->scrollToBottom();
 }
 
 QString Realtime::ask_log_name() {
@@ -331,7 +335,7 @@ void Realtime::open_log(const QString& file) {
     program_.preferences.log_opened(file);
     show_log_name();
     show_log_state(rules.log.reason());
-    ui_->measgrid->scrollToBottom();
+    show_newest();
 }
 
 void Realtime::list_recent_logs() {

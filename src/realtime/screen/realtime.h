@@ -40,6 +40,8 @@ class Realtime : public QMainWindow {
     void Form_Load();
     /// Captions, tooltips and lists, in the language in force; a part of Form_Load.
     void fill_in();
+    /// Brings the newest row of the page into sight.
+    void show_newest();
     /// Run each time the screen comes to the front.
     void Form_Activate();
 

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "connection.h"
+
+#include "port_diagnosis.h"
+
+namespace m47 {
+
+Connection::Connection(ProgramState& state, PortList ports, std::unique_ptr<Clock> clock,
+                       std::unique_ptr<SerialPort> port, LinkView& view, MainWindowView& window)
+    : state_(state),
+      ports_(std::move(ports)),
+      clock_(std::move(clock)),
+      port_(std::move(port)),
+      link_(*port_, *clock_, view),
+      identification_(link_, state.texts, ports_, window) {
+    identification_.claim = [this](const QString& device) { return claim_.take(device); };
+    identification_.on_version = [&state](const QString& version) {
+        state.meter_version = version;
+    };
+}
+
+void Connection::identify(int number) {
+    ports_.refresh();
+    identification_.porta_Click(number - 1);
+}
+
+bool Connection::reconnect() {
+    identification_.reconnect();
+    return link_.port_connected;
+}
+
+QString Connection::fault() const {
+    if (claim_.holder()) return claim_text(*claim_.holder(), port_->path(), state_.texts);
+    return port_fault_text(port_->fault(), port_->path(), state_.texts);
+}
+
+}  // namespace m47

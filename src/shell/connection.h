@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <memory>
+
+#include "identification.h"
+#include "link.h"
+#include "port_claim.h"
+#include "port_list.h"
+#include "program_state.h"
+#include "serial_port.h"
+
+namespace m47 {
+
+/// The way to the meter, with windows or without: the ports of this machine, the line and who may
+/// use it, the link, and who the meter behind it is.
+class Connection {
+  public:
+    /// What a user would see of it goes to `view` and `window`.
+    Connection(ProgramState& state, PortList ports, std::unique_ptr<Clock> clock,
+               std::unique_ptr<SerialPort> port, LinkView& view, MainWindowView& window);
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+
+    Link& link() { return link_; }
+    const Link& link() const { return link_; }
+    PortList& ports() { return ports_; }
+    Identification& identification() { return identification_; }
+
+    /// Identifies the meter on port `number` (1 to 10), as picking it on the port screen does.
+    void identify(int number);
+
+    /// Identifies the meter behind the device picked last again. True when it answers.
+    bool reconnect();
+
+    /// The device picked last, by its persistent name where it has one; empty before the first.
+    const QString& device() const { return identification_.device(); }
+
+    /// Why the port cannot be used, for the user; empty where nothing is known against it.
+    QString fault() const;
+
+  private:
+    const ProgramState& state_;
+    PortList ports_;
+    std::unique_ptr<Clock> clock_;
+    std::unique_ptr<SerialPort> port_;
+    Link link_;
+    PortClaim claim_;
+    Identification identification_;
+};
+
+}  // namespace m47
