@@ -37,6 +37,11 @@ struct ProgramIdentity {
 struct Limits {
     std::optional<double> minimum;
     std::optional<double> maximum;
+
+    /// A value equal to a limit is not within.
+    bool hold(double value) const {
+        return !(minimum && value <= *minimum) && !(maximum && value >= *maximum);
+    }
     bool operator==(const Limits&) const = default;
 };
 

@@ -293,10 +293,10 @@ void AlarmLimitsTest::keys() {
         expected[box] = digits + "-";
     for (const char* box : {"chber_mind", "chber_maxd"}) expected[box] = digits + "-Ee";
     QMap<QString, QString> found;
-    for (const LimitKeys& limit : kLimitKeys) {
+    for (const LimitBox& limit : limit_boxes()) {
         QString accepted(limit.accepted);
         std::sort(accepted.begin(), accepted.end());
-        found[limit.box] = accepted;
+        found[limit.control.name] = accepted;
     }
     for (QString& accepted : expected) std::sort(accepted.begin(), accepted.end());
     QCOMPARE(found, expected);

@@ -25,25 +25,11 @@ std::pair<bool, bool> sides(const AlarmLimits& limits, EmptyLimits empty) {
 }  // namespace
 
 AlarmLimits limits_of(AlarmRow row, const RealtimePanel& panel) {
-    const auto limits = [](bool enabled, const QString& minimum, const QString& maximum) {
-        return AlarmLimits{enabled, typed_value(minimum), typed_value(maximum), !is_empty(minimum),
-                           !is_empty(maximum)};
-    };
-    switch (row) {
-        case AlarmRow::dcp_level:
-            return limits(panel.alarm_stated[0], panel.lev_mind, panel.lev_maxd);
-        case AlarmRow::cn_digital:
-            return limits(panel.alarm_stated[1], panel.cn_mind, panel.cn_maxd);
-        case AlarmRow::chber:
-            return limits(panel.alarm_stated[2], panel.chber_mind, panel.chber_maxd);
-        case AlarmRow::mer:
-            return limits(panel.alarm_stated[3], panel.mer_mind, panel.mer_maxd);
-        case AlarmRow::level_analog:
-            return limits(panel.alarm_statea[0], panel.lev_mina, panel.lev_maxa);
-        case AlarmRow::cn_analog:
-            break;
-    }
-    return limits(panel.alarm_statea[1], panel.cn_mina, panel.cn_maxa);
+    const Measure& measure = measure_of(row);
+    const QString& minimum = panel.*measure.alarm->minimum.text;
+    const QString& maximum = panel.*measure.alarm->maximum.text;
+    return {is_alarm_ticked(measure, panel), typed_value(minimum), typed_value(maximum),
+            !is_empty(minimum), !is_empty(maximum)};
 }
 
 std::optional<Limits> limits_in_force(AlarmRow row, const RealtimePanel& panel, EmptyLimits empty) {
@@ -60,8 +46,7 @@ void check_limits(AlarmRow row, double value, RealtimePanel& panel, RealtimeStat
                   EmptyLimits empty) {
     const std::optional<Limits> limits = limits_in_force(row, panel, empty);
     if (!limits) return;
-    const bool failed = (limits->minimum && value <= *limits->minimum) ||
-                        (limits->maximum && value >= *limits->maximum);
+    const bool failed = !limits->hold(value);
     if (failed) state.alarm_raised = true;
     panel.alarm_light[static_cast<std::size_t>(row)] = failed ? LampColour::red : LampColour::green;
 }

@@ -4,16 +4,11 @@
 #include <optional>
 
 #include "measurement.h"
+#include "measures.h"
 #include "program_limits.h"
 #include "realtime_panel.h"
 
 namespace m47 {
-
-/// The values that have limits; the index is that of the lamp in `alarm_light`.
-enum class AlarmRow { dcp_level, cn_digital, chber, mer, level_analog, cn_analog };
-inline constexpr std::array kAlarmRows{AlarmRow::dcp_level,    AlarmRow::cn_digital,
-                                       AlarmRow::chber,        AlarmRow::mer,
-                                       AlarmRow::level_analog, AlarmRow::cn_analog};
 
 /// What the user has set for one value: it is within its limits above `minimum` and below
 /// `maximum`, and is looked at only while `enabled`.
@@ -48,25 +43,5 @@ bool measure_activestate(const RealtimePanel& panel);
 
 /// True when at least one alarm (of either presentation) is ticked and has a limit.
 bool alarm_activestate(const RealtimePanel& panel, EmptyLimits empty = EmptyLimits::zero);
-
-/// The keys that a limit box accepts besides Backspace; others are swallowed.
-struct LimitKeys {
-    const char* box;
-    const char* accepted;
-};
-inline constexpr std::array<LimitKeys, 12> kLimitKeys{{
-    {"chber_mind", "0123456789eE-"},
-    {"chber_maxd", "0123456789eE-"},
-    {"lev_mina", "0123456789-"},
-    {"lev_mind", "0123456789-"},
-    {"mer_mind", "0123456789-"},
-    {"mer_maxd", "0123456789-"},
-    {"lev_maxa", "0123456789"},
-    {"lev_maxd", "0123456789"},
-    {"cn_mina", "0123456789"},
-    {"cn_maxa", "0123456789"},
-    {"cn_mind", "0123456789"},
-    {"cn_maxd", "0123456789"},
-}};
 
 }  // namespace m47

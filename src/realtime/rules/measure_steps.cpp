@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "measure_steps.h"
 
+#include <algorithm>
+
 #include "commands.h"
 #include "fault.h"
 #include "measure_replies.h"
@@ -22,33 +24,10 @@ constexpr double kAfterQpsk = 5;
 constexpr double kAttenuatorStep = 10;  // dB
 constexpr double kFirstStepLevel = 60;  // dBuV
 
-Quantity quantity_of(AlarmRow row) {
-    switch (row) {
-        case AlarmRow::dcp_level:
-        case AlarmRow::level_analog:
-            return Quantity::level;
-        case AlarmRow::chber:
-            return Quantity::ber;
-        case AlarmRow::mer:
-            return Quantity::mer;
-        case AlarmRow::cn_digital:
-        case AlarmRow::cn_analog:
-            break;
-    }
-    return Quantity::cn;
-}
-
 /// A C/N answer begins with a character that is a range mark or means nothing.
 QString cn_value_text(const QString& reply) {
     const bool marked = reply.startsWith(u'<') || reply.startsWith(u'>');
     return marked ? reply : reply.mid(1);
-}
-
-/// What the digital quality answer brings.
-AskedFor asked_of(Quantity quantity) {
-    if (quantity == Quantity::ber) return AskedFor::channel_ber;
-    if (quantity == Quantity::pvber) return AskedFor::corrected_ber;
-    return quantity == Quantity::cfo ? AskedFor::offset : AskedFor::mer;
 }
 
 // Where the value stands in an answer
@@ -75,7 +54,7 @@ QString behind_letters(const QString& reply) {
 void MeasureSteps::check(AlarmRow row, double value) {
     check_limits(row, value, panel_, state_, empty_limits());
     const std::optional<Limits> limits = limits_in_force(row, panel_, empty_limits());
-    if (limits) outcome.limits[static_cast<std::size_t>(quantity_of(row))] = limits;
+    if (limits) outcome.limits[static_cast<std::size_t>(*measure_of(row).quantity)] = limits;
 }
 
 void MeasureSteps::keep(Quantity quantity, const QString& answered) {
@@ -181,27 +160,24 @@ void MeasureSteps::qpsk_real() {
     if (start_qpsk) link_.send(command::kMeasure);
 }
 
-void MeasureSteps::show_field(DigitalMeasure measure, Quantity quantity, const char* label,
-                              QString& result) {
-    if (!panel_.meas_stated[measure]) return;
-    const QString field = delete_cr(QString::fromLatin1(label), link_.reply_text);
-    expect(asked_of(quantity), field);
-    result = field;
-    keep(quantity, result);
+void MeasureSteps::show_field(const Measure& measure) {
+    const QString field = delete_cr(QString::fromLatin1(measure.label), link_.reply_text);
+    expect(*measure.asked, field);
+    panel_.*measure.shown = field;
+    keep(*measure.quantity, field);
     panel_.repaint();
-    if (measure == kChber) check(AlarmRow::chber, delete_segno(result.trimmed()));
-    if (measure == kMer) check(AlarmRow::mer, delete_segno(result.trimmed()));
+    if (measure.alarm) check(measure.alarm->row, delete_segno(field.trimmed()));
 }
 
 void MeasureSteps::digital_acquire() {
-    const auto& ticked = panel_.meas_stated;
-    if (ticked[kChber] || ticked[kPvBer] || ticked[kCfo] || ticked[kMer])
+    const auto ticked = [this](const Measure& measure) {
+        return measure.label && is_ticked(measure, panel_);
+    };
+    if (std::ranges::any_of(measures(), ticked))
         ask(command::query(command::kQpskQuality),
             [this](const QString& reply) { return quality_in(reply); });
-    show_field(kChber, Quantity::ber, "CHBER :", panel_.bercomune);
-    show_field(kPvBer, Quantity::pvber, "PvBER :", panel_.pvbercomune);
-    show_field(kCfo, Quantity::cfo, "CFO   :", panel_.cfcomune);
-    show_field(kMer, Quantity::mer, "MER   :", panel_.mercomune);
+    for (const Measure& measure : measures())
+        if (ticked(measure)) show_field(measure);
 }
 
 void MeasureSteps::carr_satanl() {

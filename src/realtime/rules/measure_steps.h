@@ -7,6 +7,7 @@
 #include "ask_twice.h"
 #include "link.h"
 #include "measurement.h"
+#include "measures.h"
 #include "program_state.h"
 #include "realtime_panel.h"
 #include "tuning.h"
@@ -69,7 +70,7 @@ class MeasureSteps {
     void expect(AskedFor asked, const QString& text) const;
     QString& noise_entry(QString& entry) const;
     QString noise_frequency(QString& entry) const;
-    void show_field(DigitalMeasure measure, Quantity quantity, const char* label, QString& result);
+    void show_field(const Measure& measure);
 
     Link& link_;
     ProgramState& program_;

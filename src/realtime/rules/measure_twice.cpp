@@ -13,39 +13,14 @@ namespace {
 /// So often a question is put before its value is given up.
 constexpr int kMostAsked = 4;
 
-struct QualityField {
-    DigitalMeasure measure;
-    AskedFor asked;
-    const char* label;
-};
-constexpr QualityField kQualityFields[] = {
-    {kChber, AskedFor::channel_ber, "CHBER :"},
-    {kPvBer, AskedFor::corrected_ber, "PvBER :"},
-    {kCfo, AskedFor::offset, "CFO   :"},
-    {kMer, AskedFor::mer, "MER   :"},
-};
-
+/// The alarm that a reading can raise in the presentation in force.
 std::optional<AlarmRow> row_of(AskedFor asked, bool digital) {
-    switch (asked) {
-        case AskedFor::level:
-            return AlarmRow::level_analog;
-        case AskedFor::channel_power:
-            return AlarmRow::dcp_level;
-        case AskedFor::cn:
-            return digital ? AlarmRow::cn_digital : AlarmRow::cn_analog;
-        case AskedFor::channel_ber:
-            return AlarmRow::chber;
-        case AskedFor::mer:
-            return AlarmRow::mer;
-        default:
-            return std::nullopt;
-    }
-}
-
-bool crosses(const std::optional<Limits>& limits, double value) {
-    if (!limits) return false;
-    return (limits->minimum && value <= *limits->minimum) ||
-           (limits->maximum && value >= *limits->maximum);
+    const MeasureMode mode = digital ? MeasureMode::digital : MeasureMode::analog;
+    for (const Measure& measure : measures())
+        if (measure.asked == asked && measure.alarm &&
+            (measure.mode == mode || asked != AskedFor::cn))
+            return measure.alarm->row;
+    return std::nullopt;
 }
 
 }  // namespace
@@ -86,8 +61,9 @@ void MeasureSteps::confirm(const QString& question, const ValuesIn& values_in) {
 bool MeasureSteps::surprising(const AskedValues& readings) const {
     return std::ranges::any_of(readings, [this](const AskedValue& reading) {
         const std::optional<AlarmRow> row = row_of(reading.asked, panel_.satdigmea_visible);
+        const auto limits = row ? limits_in_force(*row, panel_, empty_limits()) : std::nullopt;
         return scatter_.surprises(program_key(), reading) ||
-               (row && crosses(limits_in_force(*row, panel_, empty_limits()), reading.value));
+               (limits && !limits->hold(reading.value));
     });
 }
 
@@ -111,10 +87,10 @@ AskedValue MeasureSteps::value_in(AskedFor asked, const QString& text) const {
 
 AskedValues MeasureSteps::quality_in(const QString& reply) const {
     AskedValues readings;
-    for (const QualityField& field : kQualityFields)
-        if (panel_.meas_stated[field.measure])
+    for (const Measure& measure : measures())
+        if (measure.label && is_ticked(measure, panel_))
             readings.push_back(
-                value_in(field.asked, delete_cr(QString::fromLatin1(field.label), reply)));
+                value_in(*measure.asked, delete_cr(QString::fromLatin1(measure.label), reply)));
     return readings;
 }
 

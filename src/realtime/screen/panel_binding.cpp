@@ -4,8 +4,8 @@
 #include <QAction>
 #include <QPushButton>
 
-#include "alarm_limits.h"
 #include "fault.h"
+#include "measures.h"
 #include "time_delays.h"
 
 namespace m47 {
@@ -158,35 +158,16 @@ void PanelBinding::bind_measures() {
     bind_buttons<QCheckBox>("alarm_stated", panel_.alarm_stated);
     bind_buttons<QCheckBox>("alarm_statea", panel_.alarm_statea);
     bind_lamps();
-    const ControlArray<QCheckBox> measures(screen_, QStringLiteral("meas_stated"));
-    for (std::size_t k = 0; k < measures.size(); ++k)
+    const ControlArray<QCheckBox> boxes(screen_, QStringLiteral("meas_stated"));
+    for (std::size_t k = 0; k < boxes.size(); ++k)
         shows_.emplace_back(
-            [this, box = measures[k], k] { box->setEnabled(panel_.meas_stated_enabled[k]); });
+            [this, box = boxes[k], k] { box->setEnabled(panel_.meas_stated_enabled[k]); });
     bind_enabled("rucomune", panel_.rucomune_enabled);
-    const std::pair<const char*, const QString&> results[] = {
-        {"dcplev", panel_.dcplev},
-        {"cndlev", panel_.cndlev},
-        {"noisedlev", panel_.noisedlev},
-        {"bercomune", panel_.bercomune},
-        {"pvbercomune", panel_.pvbercomune},
-        {"cfcomune", panel_.cfcomune},
-        {"mercomune", panel_.mercomune},
-        {"rucomune", panel_.rucomune},
-        {"leva", panel_.leva},
-        {"cnalev", panel_.cnalev},
-        {"noisealev", panel_.noisealev},
-    };
-    for (const auto& [name, text] : results) bind_result(name, text);
-    const std::pair<const char*, QString&> limits[] = {
-        {"lev_mind", panel_.lev_mind},     {"lev_maxd", panel_.lev_maxd},
-        {"cn_mind", panel_.cn_mind},       {"cn_maxd", panel_.cn_maxd},
-        {"chber_mind", panel_.chber_mind}, {"chber_maxd", panel_.chber_maxd},
-        {"mer_mind", panel_.mer_mind},     {"mer_maxd", panel_.mer_maxd},
-        {"lev_mina", panel_.lev_mina},     {"lev_maxa", panel_.lev_maxa},
-        {"cn_mina", panel_.cn_mina},       {"cn_maxa", panel_.cn_maxa},
-    };
-    for (const auto& [name, text] : limits) bind_text(name, text);
-    for (const LimitKeys& limit : kLimitKeys) bind_enabled(limit.box, panel_.limits_enabled);
+    for (const Measure& measure : measures()) bind_result(measure.result, panel_.*measure.shown);
+    for (const LimitBox& limit : limit_boxes()) {
+        bind_text(limit.control.name, panel_.*limit.text);
+        bind_enabled(limit.control.name, panel_.limits_enabled);
+    }
 }
 
 void PanelBinding::bind_frames() {

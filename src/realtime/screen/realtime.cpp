@@ -15,6 +15,7 @@
 #include "handler.h"
 #include "icons.h"
 #include "key_filter.h"
+#include "measures.h"
 #include "panel_limits.h"
 #include "realtime_tooltips.h"
 #include "report_file.h"
@@ -163,12 +164,11 @@ void Realtime::connect_lists() {
 }
 
 void Realtime::connect_limits() {
-    for (const LimitKeys& limit : kLimitKeys)
-        new KeyFilter(findChild<QLineEdit*>(QString::fromLatin1(limit.box)),
-                      QString::fromLatin1(limit.accepted));
-    for (const LimitKeys& limit : kLimitKeys)
-        connect(findChild<QLineEdit*>(QString::fromLatin1(limit.box)), &QLineEdit::textChanged,
-                ui_->trend, &TrendView::limits_changed);
+    for (const LimitBox& limit : limit_boxes()) {
+        auto* box = findChild<QLineEdit*>(QString::fromLatin1(limit.control.name));
+        new KeyFilter(box, QString::fromLatin1(limit.accepted));
+        connect(box, &QLineEdit::textChanged, ui_->trend, &TrendView::limits_changed);
+    }
     for (const char* alarms : {"alarm_stated", "alarm_statea"}) {
         const ControlArray<QCheckBox> boxes(this, QString::fromLatin1(alarms));
         for (std::size_t k = 0; k < boxes.size(); ++k)

@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "realtime_tooltips.h"
 
+#include <vector>
+
+#include "measures.h"
+
 namespace m47 {
 namespace {
 
-// The slips in these texts ("Gropu", "sucessivo", the repeated texts) are the screen's own.
+// The slips in these texts ("Gropu", "sucessivo") are the screen's own.
 constexpr Tooltip kTooltips[] = {
     {"save", "Open / Close file", "Apri/chidi file"},
     {"single", "Single Element", "Elemento singolo"},
@@ -48,35 +52,6 @@ constexpr Tooltip kTooltips[] = {
     {"chbws", "Select channel bandwidth for digital channel power measurement",
      "Selezione larghezza banda per misura DCP"},
     {"srqpsk_txt", "Select symbol rate", "Selezione SymbolRate"},
-    {"meas_statea_0", nullptr, "Abilita misura livello"},
-    {"meas_statea_1", nullptr, "Abilita misura livello C/N"},
-    {"meas_statea_2", nullptr, "Abilita misura livello del noise per C/N"},
-    {"alarm_statea_0", "Enable level alarm", "Abilita allarme livello"},
-    {"alarm_statea_1", "Enabled CN alarm", "Abilita allarme C/N"},
-    {"meas_stated_0", "Enable DCP measurement", "Abilita misura DCP"},
-    {"meas_stated_1", "Enable CN digital measurement", "Abilita misura del C/N digitale"},
-    {"meas_stated_2", "Enable DCP noise for digital CN", "Abilita misura DCP del noise per CN"},
-    {"meas_stated_3", "Enable CHBER measurement", "Abilita misura CHBER"},
-    {"meas_stated_4", "Enable PvBER measurement", "Abilita misura PvBER"},
-    {"meas_stated_5", "Enable CFO measurement", "Abilita misura CFO"},
-    {"meas_stated_6", "Enable CFO measurement", "Abilita misura MER"},
-    {"meas_stated_7", "Enable RU measurement", "Abilita misura Noise Margin"},
-    {"alarm_stated_0", "Enable DCP alarm", "Abilita allarme DCP"},
-    {"alarm_stated_1", "Enabled CN  alarm", "Abilita allarme DCP"},
-    {"alarm_stated_2", "Enable CHBER alarm", "Abilita allarme CHBER"},
-    {"alarm_stated_3", "Enable MER alarm", "Abilita allarme MER"},
-    {"lev_mina", "Minimum alarm level", "Livello minimo d'allarme"},
-    {"lev_mind", "Minimum alarm level", "Livello minimo d'allarme"},
-    {"lev_maxa", "Maximum alarm level", "Livello massimo d'allarme"},
-    {"lev_maxd", "Maximum alarm level", "Livello massimo d'allarme"},
-    {"cn_mina", "Minimuml alarm NOISE level", "Livello minimo CN d'allarme"},
-    {"cn_mind", "Minimum alarm NOISE level", "Livello minimo CN d'allarme"},
-    {"cn_maxa", "Maximum alarm NOISE level", "Livello massimo CN d'allarme"},
-    {"cn_maxd", "Maximum alarm NOISE level", "Livello massimo CN d'allarme"},
-    {"chber_mind", "Minimum alarm CHBER level", "Livello minimo CHBER d'allarme"},
-    {"chber_maxd", "Maximum alarm CHBER level", "Livello massimo CHBER d'allarme"},
-    {"mer_mind", "Minimum alarm MER level", "Livello minimo MER d'allarme"},
-    {"mer_maxd", "Maximum alarm MER level", "Livello massimo MER d'allarme"},
     {"cmdstart", "Start Timing Acquisition", nullptr},
     {"time_act", nullptr, "Data e ora del sistema"},
     {"time_delay", "Expected Time", "Tempo d'attesa ciclo"},
@@ -90,10 +65,24 @@ constexpr Tooltip kTooltips[] = {
      "Crea un PDF della pagina misure per il cliente"},
 };
 
+std::vector<Tooltip> with_measures() {
+    std::vector<Tooltip> all(std::begin(kTooltips), std::end(kTooltips));
+    const auto add = [&all](const MeasureControl& control) {
+        all.push_back({control.name, control.english, control.italian});
+    };
+    for (const Measure& measure : measures()) {
+        add(measure.box);
+        if (measure.alarm) add(measure.alarm->box);
+    }
+    for (const LimitBox& limit : limit_boxes()) add(limit.control);
+    return all;
+}
+
 }  // namespace
 
 std::span<const Tooltip> realtime_tooltips() {
-    return kTooltips;
+    static const std::vector<Tooltip> all = with_measures();
+    return all;
 }
 
 }  // namespace m47

@@ -1,0 +1,195 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "measures.h"
+
+#include <algorithm>
+
+namespace m47 {
+namespace {
+
+constexpr const char* kDigits = "0123456789";
+constexpr const char* kSigned = "0123456789-";
+constexpr const char* kRate = "0123456789eE-";
+
+using Panel = RealtimePanel;
+
+// The slips in these texts ("Minimuml", the repeated ones) are the screen's own.
+const Measure kMeasures[] = {
+    {.mode = MeasureMode::digital,
+     .place = kDcpLevel,
+     .box = {"meas_stated_0", "Enable DCP measurement", "Abilita misura DCP"},
+     .result = "dcplev",
+     .shown = &Panel::dcplev,
+     .quantity = Quantity::level,
+     .asked = AskedFor::channel_power,
+     .alarm = {{.row = AlarmRow::dcp_level,
+                .place = 0,
+                .box = {"alarm_stated_0", "Enable DCP alarm", "Abilita allarme DCP"},
+                .minimum = {{"lev_mind", "Minimum alarm level", "Livello minimo d'allarme"},
+                            kSigned,
+                            &Panel::lev_mind},
+                .maximum = {{"lev_maxd", "Maximum alarm level", "Livello massimo d'allarme"},
+                            kDigits,
+                            &Panel::lev_maxd}}}},
+    {.mode = MeasureMode::digital,
+     .place = kCnDigital,
+     .box = {"meas_stated_1", "Enable CN digital measurement", "Abilita misura del C/N digitale"},
+     .result = "cndlev",
+     .shown = &Panel::cndlev,
+     .quantity = Quantity::cn,
+     .asked = AskedFor::cn,
+     .alarm = {{.row = AlarmRow::cn_digital,
+                .place = 1,
+                .box = {"alarm_stated_1", "Enabled CN  alarm", "Abilita allarme DCP"},
+                .minimum = {{"cn_mind", "Minimum alarm NOISE level", "Livello minimo CN d'allarme"},
+                            kDigits,
+                            &Panel::cn_mind},
+                .maximum = {{"cn_maxd", "Maximum alarm NOISE level",
+                             "Livello massimo CN d'allarme"},
+                            kDigits,
+                            &Panel::cn_maxd}}}},
+    {.mode = MeasureMode::digital,
+     .place = kNoiseDigital,
+     .box = {"meas_stated_2", "Enable DCP noise for digital CN",
+             "Abilita misura DCP del noise per CN"},
+     .result = "noisedlev",
+     .shown = &Panel::noisedlev,
+     .quantity = Quantity::noise,
+     .asked = AskedFor::noise},
+    {.mode = MeasureMode::digital,
+     .place = kChber,
+     .box = {"meas_stated_3", "Enable CHBER measurement", "Abilita misura CHBER"},
+     .result = "bercomune",
+     .shown = &Panel::bercomune,
+     .quantity = Quantity::ber,
+     .asked = AskedFor::channel_ber,
+     .label = "CHBER :",
+     .alarm = {{.row = AlarmRow::chber,
+                .place = 2,
+                .box = {"alarm_stated_2", "Enable CHBER alarm", "Abilita allarme CHBER"},
+                .minimum = {{"chber_mind", "Minimum alarm CHBER level",
+                             "Livello minimo CHBER d'allarme"},
+                            kRate,
+                            &Panel::chber_mind},
+                .maximum = {{"chber_maxd", "Maximum alarm CHBER level",
+                             "Livello massimo CHBER d'allarme"},
+                            kRate,
+                            &Panel::chber_maxd}}}},
+    {.mode = MeasureMode::digital,
+     .place = kPvBer,
+     .box = {"meas_stated_4", "Enable PvBER measurement", "Abilita misura PvBER"},
+     .result = "pvbercomune",
+     .shown = &Panel::pvbercomune,
+     .quantity = Quantity::pvber,
+     .asked = AskedFor::corrected_ber,
+     .label = "PvBER :"},
+    {.mode = MeasureMode::digital,
+     .place = kCfo,
+     .box = {"meas_stated_5", "Enable CFO measurement", "Abilita misura CFO"},
+     .result = "cfcomune",
+     .shown = &Panel::cfcomune,
+     .quantity = Quantity::cfo,
+     .asked = AskedFor::offset,
+     .label = "CFO   :"},
+    {.mode = MeasureMode::digital,
+     .place = kMer,
+     .box = {"meas_stated_6", "Enable CFO measurement", "Abilita misura MER"},
+     .result = "mercomune",
+     .shown = &Panel::mercomune,
+     .quantity = Quantity::mer,
+     .asked = AskedFor::mer,
+     .label = "MER   :",
+     .alarm = {{.row = AlarmRow::mer,
+                .place = 3,
+                .box = {"alarm_stated_3", "Enable MER alarm", "Abilita allarme MER"},
+                .minimum = {{"mer_mind", "Minimum alarm MER level", "Livello minimo MER d'allarme"},
+                            kSigned,
+                            &Panel::mer_mind},
+                .maximum = {{"mer_maxd", "Maximum alarm MER level",
+                             "Livello massimo MER d'allarme"},
+                            kSigned,
+                            &Panel::mer_maxd}}}},
+    // The meter has no command for it.
+    {.mode = MeasureMode::digital,
+     .place = kRu,
+     .box = {"meas_stated_7", "Enable RU measurement", "Abilita misura Noise Margin"},
+     .result = "rucomune",
+     .shown = &Panel::rucomune,
+     .quantity = {},
+     .asked = {}},
+    {.mode = MeasureMode::analog,
+     .place = kLevel,
+     .box = {"meas_statea_0", nullptr, "Abilita misura livello"},
+     .result = "leva",
+     .shown = &Panel::leva,
+     .quantity = Quantity::level,
+     .asked = AskedFor::level,
+     .alarm = {{.row = AlarmRow::level_analog,
+                .place = 0,
+                .box = {"alarm_statea_0", "Enable level alarm", "Abilita allarme livello"},
+                .minimum = {{"lev_mina", "Minimum alarm level", "Livello minimo d'allarme"},
+                            kSigned,
+                            &Panel::lev_mina},
+                .maximum = {{"lev_maxa", "Maximum alarm level", "Livello massimo d'allarme"},
+                            kDigits,
+                            &Panel::lev_maxa}}}},
+    {.mode = MeasureMode::analog,
+     .place = kCnAnalog,
+     .box = {"meas_statea_1", nullptr, "Abilita misura livello C/N"},
+     .result = "cnalev",
+     .shown = &Panel::cnalev,
+     .quantity = Quantity::cn,
+     .asked = AskedFor::cn,
+     .alarm = {{.row = AlarmRow::cn_analog,
+                .place = 1,
+                .box = {"alarm_statea_1", "Enabled CN alarm", "Abilita allarme C/N"},
+                .minimum = {{"cn_mina", "Minimuml alarm NOISE level",
+                             "Livello minimo CN d'allarme"},
+                            kDigits,
+                            &Panel::cn_mina},
+                .maximum = {{"cn_maxa", "Maximum alarm NOISE level",
+                             "Livello massimo CN d'allarme"},
+                            kDigits,
+                            &Panel::cn_maxa}}}},
+    {.mode = MeasureMode::analog,
+     .place = kNoiseAnalog,
+     .box = {"meas_statea_2", nullptr, "Abilita misura livello del noise per C/N"},
+     .result = "noisealev",
+     .shown = &Panel::noisealev,
+     .quantity = Quantity::noise,
+     .asked = AskedFor::noise},
+};
+
+}  // namespace
+
+std::span<const Measure> measures() {
+    return kMeasures;
+}
+
+const Measure& measure_of(AlarmRow row) {
+    return *std::ranges::find_if(kMeasures, [row](const Measure& measure) {
+        return measure.alarm && measure.alarm->row == row;
+    });
+}
+
+bool is_ticked(const Measure& measure, const RealtimePanel& panel) {
+    return measure.mode == MeasureMode::digital ? panel.meas_stated[measure.place]
+                                                : panel.meas_statea[measure.place];
+}
+
+bool is_alarm_ticked(const Measure& measure, const RealtimePanel& panel) {
+    if (!measure.alarm) return false;
+    return measure.mode == MeasureMode::digital ? panel.alarm_stated[measure.alarm->place]
+                                                : panel.alarm_statea[measure.alarm->place];
+}
+
+std::vector<LimitBox> limit_boxes() {
+    std::vector<LimitBox> boxes;
+    for (const Measure& measure : kMeasures) {
+        if (!measure.alarm) continue;
+        boxes.push_back(measure.alarm->minimum);
+        boxes.push_back(measure.alarm->maximum);
+    }
+    return boxes;
+}
+
+}  // namespace m47
