@@ -7,6 +7,7 @@
 
 #include "ask_twice.h"
 #include "measurement.h"
+#include "program_record.h"
 #include "realtime_panel.h"
 
 namespace m47 {
@@ -24,12 +25,13 @@ struct MeasureControl {
     const char* italian;
 };
 
-/// The box of a limit, the keys that it accepts besides Backspace (others are swallowed) and its
-/// member of the panel.
+/// The box of a limit, the keys that it accepts besides Backspace (others are swallowed), its
+/// member of the panel and the one of a program of a plan that it is recalled from.
 struct LimitBox {
     MeasureControl control;
     const char* accepted;
     QString RealtimePanel::*text;
+    QString ProgramRecord::*stored;
 };
 
 /// The alarm of a measure: its place in the array of check boxes of its presentation.

@@ -7,6 +7,7 @@
 #include "box_numbers.h"
 #include "commands.h"
 #include "fault.h"
+#include "measures.h"
 #include "numbers.h"
 #include "program_row.h"
 #include "tables.h"
@@ -193,14 +194,7 @@ Oscillators Modes::oscillators_of_plan() const {
 
 void Modes::recall_limits() {
     const ProgramRow program(*rs_programs);
-    panel_.lev_mina = panel_.lev_mind = program.text(&ProgramRecord::lev_min);
-    panel_.lev_maxa = panel_.lev_maxd = program.text(&ProgramRecord::lev_max);
-    panel_.cn_mina = panel_.cn_mind = program.text(&ProgramRecord::noise_min);
-    panel_.cn_maxa = panel_.cn_maxd = program.text(&ProgramRecord::noise_max);
-    panel_.chber_mind = program.text(&ProgramRecord::chber_min);
-    panel_.chber_maxd = program.text(&ProgramRecord::chber_max);
-    panel_.mer_mind = program.text(&ProgramRecord::mer_min);
-    panel_.mer_maxd = program.text(&ProgramRecord::mer_max);
+    for (const LimitBox& limit : limit_boxes()) panel_.*limit.text = program.text(limit.stored);
 }
 
 void Modes::cmdlev_Click(int index) {

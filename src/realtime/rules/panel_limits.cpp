@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "panel_limits.h"
 
+#include <functional>
+
 #include "program_row.h"
 
 namespace m47 {
 namespace {
-
-using R = ProgramRecord;
 
 /// What stands between a minimum and a maximum, as the user has set them.
 class Between {
@@ -28,21 +28,40 @@ class Between {
     EmptyLimits empty_;
 };
 
-ReportLimits limits_of_record(const ProgramRow& program, const RealtimePanel& panel,
-                              const Between& between) {
-    const bool digital = program.digital().value_or(false);
-    const auto limits = [&](bool enabled, QString R::*minimum, QString R::*maximum) {
-        return between(enabled, program.text(minimum), program.text(maximum));
-    };
+QString ReportLimits::*place_of(Quantity quantity) {
+    switch (quantity) {
+        case Quantity::cn:
+            return &ReportLimits::cn;
+        case Quantity::ber:
+            return &ReportLimits::ber;
+        case Quantity::mer:
+            return &ReportLimits::mer;
+        default:
+            return &ReportLimits::level;
+    }
+}
+
+/// The limits of the measures of `mode`, as `text_of` says what stands in each box.
+ReportLimits limits_by(MeasureMode mode, const RealtimePanel& panel, EmptyLimits empty,
+                       const std::function<QString(const LimitBox&)>& text_of) {
+    const Between between(empty);
     ReportLimits made;
+    for (const Measure& measure : measures())
+        if (measure.alarm && measure.mode == mode)
+            made.*place_of(*measure.quantity) =
+                between(is_alarm_ticked(measure, panel), text_of(measure.alarm->minimum),
+                        text_of(measure.alarm->maximum));
+    return made;
+}
+
+ReportLimits limits_of_record(const ProgramRow& program, const RealtimePanel& panel,
+                              EmptyLimits empty) {
+    const bool digital = program.digital().value_or(false);
+    ReportLimits made =
+        limits_by(digital ? MeasureMode::digital : MeasureMode::analog, panel, empty,
+                  [&](const LimitBox& limit) { return program.text(limit.stored); });
     made.program = program.pg_num();
-    made.frequency = program.text(&R::frequenza).trimmed();
-    made.level =
-        limits(digital ? panel.alarm_stated[0] : panel.alarm_statea[0], &R::lev_min, &R::lev_max);
-    made.cn = limits(digital ? panel.alarm_stated[1] : panel.alarm_statea[1], &R::noise_min,
-                     &R::noise_max);
-    made.ber = limits(digital && panel.alarm_stated[2], &R::chber_min, &R::chber_max);
-    made.mer = limits(digital && panel.alarm_stated[3], &R::mer_min, &R::mer_max);
+    made.frequency = program.text(&ProgramRecord::frequenza).trimmed();
     return made;
 }
 
@@ -61,18 +80,10 @@ std::optional<TrendRange> trend_limits(Quantity quantity, const RealtimePanel& p
 
 ReportLimits limits_of_panel(const RealtimePanel& panel, const RealtimeState& state,
                              EmptyLimits empty) {
-    const Between between(empty);
-    ReportLimits made;
+    const bool digital = state.meas_mode == kDigitalMode;
+    ReportLimits made = limits_by(digital ? MeasureMode::digital : MeasureMode::analog, panel,
+                                  empty, [&](const LimitBox& limit) { return panel.*limit.text; });
     made.frequency = panel.fsat.trimmed();
-    if (state.meas_mode == kDigitalMode) {
-        made.level = between(panel.alarm_stated[0], panel.lev_mind, panel.lev_maxd);
-        made.cn = between(panel.alarm_stated[1], panel.cn_mind, panel.cn_maxd);
-        made.ber = between(panel.alarm_stated[2], panel.chber_mind, panel.chber_maxd);
-        made.mer = between(panel.alarm_stated[3], panel.mer_mind, panel.mer_maxd);
-    } else {
-        made.level = between(panel.alarm_statea[0], panel.lev_mina, panel.lev_maxa);
-        made.cn = between(panel.alarm_statea[1], panel.cn_mina, panel.cn_maxa);
-    }
     return made;
 }
 
@@ -81,7 +92,7 @@ QList<ReportLimits> limits_of_plan(Recordset& programs, const RealtimePanel& pan
     QList<ReportLimits> all;
     const ProgramRow program(programs);
     for (programs.move_first(); !programs.end_of_set(); programs.move_next())
-        if (program.monitored()) all.append(limits_of_record(program, panel, Between(empty)));
+        if (program.monitored()) all.append(limits_of_record(program, panel, empty));
     return all;
 }
 
