@@ -46,11 +46,11 @@ struct MeasureAlarm {
 /// What can be ticked to be measured.
 struct Measure {
     MeasureMode mode;
-    std::size_t place;  ///< in the array of check boxes of its presentation
+    std::optional<Quantity> quantity;  ///< what is kept of it
+    std::size_t place;                 ///< in the array of check boxes of its presentation
     MeasureControl box;
     const char* result;  ///< the label that shows it, and what it shows
     QString RealtimePanel::*shown;
-    std::optional<Quantity> quantity;        ///< what is kept of it
     std::optional<AskedFor> asked;           ///< what the meter is asked for it
     const char* label = nullptr;             ///< before it in an answer that holds several
     std::optional<MeasureAlarm> alarm = {};  ///< where it has limits
