@@ -147,6 +147,8 @@ class AcquisitionTest : public QObject {
     void link_down();
     void link_lost_in_a_pass();
     void end_of_the_program_in_a_measurement();
+    void end_of_the_program_in_a_pass();
+    void what_goes_on_by_itself_tells_how_far_it_is();
     void a_week_of_a_plan();
 
   private:
@@ -1290,6 +1292,41 @@ void AcquisitionTest::end_of_the_program_in_a_measurement() {
     QVERIFY_THROWS_EXCEPTION(Interrupted, acquisition().single_acq());
     QVERIFY(!state().plan_run_active);
     QCOMPARE(page().measurements(), 0);
+}
+
+void AcquisitionTest::end_of_the_program_in_a_pass() {
+    add_plan("A", {1, 1, 1});
+    acquisition().group();
+    acquisition().multiple_acq();
+    run_for(1.5);
+    QCOMPARE(page().measurements(), 1);
+    QVERIFY(!f_->link.left_off);
+    bool ends = false;
+    f_->on_command = [&](const QByteArray& command) { ends = command == "ATTEN 6"; };
+    f_->link.interrupted = [&] { return ends; };
+    QVERIFY_THROWS_EXCEPTION(Interrupted, run_for(20));
+    QVERIFY(f_->link.left_off);
+    QCOMPARE(f_->link.left_off->in(f_->program.texts),
+             QString("a measurement was broken off and has no row, 1 rows are on the page"));
+}
+
+void AcquisitionTest::what_goes_on_by_itself_tells_how_far_it_is() {
+    const auto told = [this] {
+        const std::optional<Said> said = acquisition().running();
+        return said ? said->in(f_->program.texts) : QString();
+    };
+    add_plan("A", {1, 1, 1});
+    acquisition().group();
+    QCOMPARE(told(), QString());
+    acquisition().multiple_acq();
+    run_for(1.5);
+    QCOMPARE(told(), QString("a run was between two measurements, 1 rows are on the page"));
+    run_for(20);
+    QCOMPARE(told(), QString());
+    acquisition().cmdstart_Click();
+    QCOMPARE(told(), QString("a run was between two measurements, 3 rows are on the page"));
+    acquisition().stop();
+    QCOMPARE(told(), QString());
 }
 
 void AcquisitionTest::a_week_of_a_plan() {
