@@ -371,18 +371,18 @@ void MeasureCycleTest::a_cycle_that_ends_at_the_noise_is_told() {
     QStringList told;
     f_->program.costs.on_cost = [&](const Bilingual& text) { told += text.english; };
     panel().meas_statea[kLevel] = true;
-    f_->rules.acquisition.single_acq();
+    f_->acquisition.single_acq();
     QCOMPARE(told, QStringList());
     panel().meas_statea[kCnAnalog] = true;
     f_->values["LEVCNA?"] = "CN 30.0";
     for (int time = 0; time < 2; ++time) {
-        f_->rules.acquisition.single_acq();
+        f_->acquisition.single_acq();
         QCOMPARE(told, QStringList("C/N and noise not measured: tick Complete C/N and noise, or "
                                    "untick them"));
     }
     told.clear();
     f_->program.corrected.complete = true;
-    f_->rules.acquisition.single_acq();
+    f_->acquisition.single_acq();
     QCOMPARE(told, QStringList());
 }
 
