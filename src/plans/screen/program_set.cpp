@@ -95,11 +95,7 @@ void ProgramSet::show_current_row() {
         // The file cannot be read just now: what was read last stays.
     }
     try {
-        if (sets_.plan() == shown_plan_ && sets_.current_row() == shown_row_) {
-            // A number that was meant for a new program would renumber this one with "store".
-            ui_->prog_num->setText(known_.program.pg_num);
-            return;
-        }
+        if (sets_.plan() == shown_plan_ && sets_.current_row() == shown_row_) return;
         move_plan(true);
     } catch (const Fault&) {
         // Without a current row nothing can be overwritten.

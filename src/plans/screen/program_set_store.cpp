@@ -102,7 +102,15 @@ ProgramSet::Outcome ProgramSet::store_record(bool over) {
 
 void ProgramSet::store_as_new() {
     if (lacks_plan()) return;
-    const Outcome outcome = store_record(false);
+    Outcome outcome = Outcome::clash;
+    try {
+        outcome = store_record(false);
+    } catch (const std::exception&) {
+        // A number that was meant for a new program would renumber the one on the screen with
+        // "store".
+        ui_->prog_num->setText(known_.program.pg_num);
+        throw;
+    }
     if (outcome == Outcome::kept_theirs || outcome == Outcome::put_off) return;
     if (outcome == Outcome::clash && program_.corrected.keep_new) return;
     if (outcome == Outcome::clash) tell_refused_new(program_);
