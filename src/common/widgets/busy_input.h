@@ -8,8 +8,8 @@
 namespace m47 {
 
 /// Says whether using `control`, a widget or an action, while the meter is waited for is carried
-/// out afterwards. Unless it is said, only what changes nothing but the view is; where it is said of
-/// a widget that it is not, nothing in it is.
+/// out afterwards. Unless it is said, only what changes nothing but the view is; where it is said
+/// of a widget that it is not, nothing in it is.
 void keep_while_busy(QObject* control, bool keep = true);
 
 /// True when a press on `target`, at `place` of it, may be carried out after the wait: a control

@@ -17,8 +17,8 @@ struct UploadPlan {
     int unit_index = 0;  ///< a LevelUnit
 };
 
-/// Takes the programs out that have no frequency yet. Where one of them is shown, the bandwidth is that
-/// of the first program that is left.
+/// Takes the programs out that have no frequency yet. Where one of them is shown, the bandwidth is
+/// that of the first program that is left.
 void leave_out_blank(UploadPlan& plan);
 
 // The parts of an upload in the order they are sent.
