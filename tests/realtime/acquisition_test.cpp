@@ -134,6 +134,7 @@ class AcquisitionTest : public QObject {
     void progress_counts_the_programs_as_they_are();
     void a_level_that_the_mode_loses_is_told_once();
     void a_bandwidth_that_is_not_that_of_the_program_is_told();
+    void an_antenna_that_is_not_switched_is_told();
     void plan_deleted_in_a_pass_data();
     void plan_deleted_in_a_pass();
     void plan_deleted_between_two_firings();
@@ -1054,6 +1055,31 @@ void AcquisitionTest::a_bandwidth_that_is_not_that_of_the_program_is_told() {
     run_for(60);
     QCOMPARE(told, QStringList(other));
     QCOMPARE(f_->commands().filter("CHBW"), QStringList({"CHBW 08", "CHBW 27", "CHBW 36"}));
+}
+
+void AcquisitionTest::an_antenna_that_is_not_switched_is_told() {
+    const QString not_switched(
+        "Antenna not switched for each program: tick Tune everything in a pass (--full-tune)");
+    QStringList told;
+    f_->program.costs.on_cost = [&](const Bilingual& text) { told += text.english; };
+    panel().meas_statea[kLevel] = true;
+    add_plan("A", {1});
+    add_program("A", 1, {{"lnb_volt", 1}});
+    add_program("A", 2, {{"lnb_volt", 1}});
+    acquisition().group();
+    acquisition().multiple_acq();
+    run_for(60);
+    QCOMPARE(told, QStringList());
+    add_program("A", 3, {{"lnb_volt", 2}});
+    acquisition().multiple_acq();
+    run_for(60);
+    QCOMPARE(told, QStringList(not_switched));
+    told.clear();
+    f_->program.costs.begin_anew();
+    f_->program.corrected.full_tune = true;
+    acquisition().multiple_acq();
+    run_for(60);
+    QCOMPARE(told, QStringList());
 }
 
 void AcquisitionTest::plan_deleted_in_a_pass_data() {

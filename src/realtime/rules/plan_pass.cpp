@@ -14,6 +14,11 @@ constexpr Bilingual kProgramsGone{
     "Another program deleted or replaced programs of the plan before they were measured.",
     "Un altro programma ha cancellato o sostituito programmi del piano prima della misura."};
 
+constexpr Bilingual kNotSwitched{
+    "Antenna not switched for each program: tick Tune everything in a pass (--full-tune)",
+    "Antenna non commutata per ogni programma: spuntare Imposta tutto in una passata "
+    "(--full-tune)"};
+
 /// The pass is whole whether or not its first row can be read: the next one reads them anew.
 void leave_at_first(Recordset& set) {
     try {
@@ -31,6 +36,7 @@ void PlanPass::begin() {
     rules_.plans.programs().move_first();
     list_monitored();
     rows_ = rules_.plans.programs().count();
+    antenna_.clear();
     rules_.state.plan_run_active = true;
     running_ = true;
 }
@@ -91,12 +97,20 @@ void PlanPass::measure_program() {
         return;
     }
     report_place();
+    if (!full_tune) tell_other_antenna();
     const auto prepare = [this, full_tune] {
         if (full_tune) rules_.program_tuning.tune_everything();
         rules_.costs.tell_other_bandwidth();
     };
     const Recordset& row = rules_.plans.programs();
     rules_.measure_once(prepare, {row.text(field::kNome), ProgramRow(row).pg_num()});
+}
+
+/// What is measured at an antenna that is set for another program is no value of this one.
+void PlanPass::tell_other_antenna() {
+    const QStringList needed = rules_.program_tuning.antenna();
+    if (antenna_.isEmpty()) antenna_ = needed;
+    if (needed != antenna_) rules_.program.costs.tell(kNotSwitched);
 }
 
 void PlanPass::stop() {

@@ -59,6 +59,7 @@ class PlanPass {
     void measure_program();
     void end();
     void list_monitored() { monitored_ = rules_.plans.monitored(); }
+    void tell_other_antenna();
     void report_place();
     void report_progress(int place, int monitored) const;
     void tell_cut_short(const Fault& fault) const;
@@ -68,6 +69,7 @@ class PlanPass {
     bool running_ = false;
     std::vector<Bookmark> monitored_;  ///< the monitored programs of the pass that runs
     int rows_ = 0;                     ///< programs of its plan when it began there
+    QStringList antenna_;              ///< what its first program needs of the antenna
 };
 
 }  // namespace m47

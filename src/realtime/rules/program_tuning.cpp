@@ -35,12 +35,16 @@ QString ProgramTuning::reason() const {
     return program_.texts.pick(kNotMeasured).arg(row().pg_num()).arg(oscillator() + 1);
 }
 
+QStringList ProgramTuning::antenna() const {
+    const ProgramRow program = row();
+    return switching_commands(program,
+                              program.direct() ? Oscillators() : modes_.oscillators_of_plan());
+}
+
 void ProgramTuning::tune_everything() {
-    const bool direct = row().direct();
-    if (!direct) panel_.ol_freq = oscillator_text();
+    if (!row().direct()) panel_.ol_freq = oscillator_text();
     modes_.recall_bandwidth();
-    const Oscillators oscillators = direct ? Oscillators() : modes_.oscillators_of_plan();
-    const QStringList commands = switching_commands(row(), oscillators);
+    const QStringList commands = antenna();
     for (const QString& command : commands) link_.send(command);
 }
 

@@ -21,6 +21,9 @@ class ProgramTuning {
     /// Why it is not possible, for the user.
     QString reason() const;
 
+    /// What the program needs of the antenna, as the commands for it.
+    QStringList antenna() const;
+
     /// Sends oscillator, supply, tone and DiSEqC. The oscillator sent is also the one that the
     /// frequency is checked against and that the row names; frequency and bandwidth, put into their
     /// boxes, are sent with the measurement.
