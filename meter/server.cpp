@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <system_error>
 #include <thread>
 
 namespace meter {
@@ -68,7 +69,8 @@ Server::Server(const Options& options, PtyLine& line, Instrument& instrument, Tr
       trace_(trace),
       pacing_(options.baud_factor),
       delay_(from_seconds(options.delay_ms / 1000.0)),
-      state_file_(options.state) {}
+      state_file_(options.state),
+      link_(options.link) {}
 
 void Server::catch_signals() {
     handle_signal(SIGINT, on_stop);
@@ -182,13 +184,21 @@ void Server::answer(const ReceivedLine& received) {
     if (delivery.ending == Ending::unplug) {
         // Closing takes away what the other side has not read yet.
         wait_until(last + kTimeToRead);
-        line_.close();
+        close_line();
     } else if (delivery.ending == Ending::close_line) {
-        line_.close();
+        close_line();
     } else if (delivery.ending != Ending::none) {
         send_filler(delivery.ending, sent, last);
     }
     trace_.sent(start + pacing_.due(0), last, sent);
+}
+
+/// As with a cable, the device is gone: the number of the pseudo-terminal is given to somebody else
+/// next, and the link must not lead there.
+void Server::close_line() {
+    std::error_code ignored;
+    if (!link_.empty()) std::filesystem::remove(link_, ignored);
+    line_.close();
 }
 
 void Server::run() {

@@ -36,6 +36,7 @@ class Server {
     std::size_t send_paced(std::string_view bytes, TimePoint start);
     void send_filler(Ending ending, std::string& sent, TimePoint& last);
     void write_state() const;
+    void close_line();
 
     PtyLine& line_;
     Instrument& instrument_;
@@ -43,6 +44,7 @@ class Server {
     Pacing pacing_;
     std::chrono::nanoseconds delay_;
     std::string state_file_;
+    std::string link_;
     LineBuffer input_;
 };
 

@@ -409,7 +409,7 @@ class GuiTest : public QObject, protected ProgramInFolder {
         pick_port(3);
         Realtime* screen = open_realtime();
         tick("meas_statea_0", screen);
-        meter_->kill_now();
+        meter_->unplug();
         QElapsedTimer timer;
         timer.start();
         find<QAction>("single_acq", screen)->trigger();

@@ -155,7 +155,7 @@ void PlanTest::a_lost_link_ends_the_run() {
     make_plan(stand);
     stand.start_measuring({"--plan", "ROOF", "--passes", "0"});
     QVERIFY(stand.remote.wait_for_lines(2));
-    stand.meter.kill_now();
+    stand.meter.unplug();
     const Ending ending = stand.remote.wait();
     QCOMPARE(ending.status, 3);
     QCOMPARE(ending.err, QByteArray("m47-remote: the link to the meter was lost\n"));
@@ -167,7 +167,7 @@ void PlanTest::the_run_goes_on_when_the_meter_is_back() {
     make_plan(stand);
     stand.start_measuring({"--plan", "ROOF", "--passes", "0", "--reconnect", "--log", "r.log"});
     QVERIFY(stand.remote.wait_for_lines(2));
-    stand.meter.kill_now();
+    stand.meter.unplug();
     QVERIFY(stand.remote.wait_for_error_lines(1));
     QTest::qWait(1500);
     MeterProcess again(stand.folder.path(), {"--baud-factor", "0", "--delay", "0"});
@@ -226,7 +226,7 @@ void PlanTest::a_signal_while_the_lost_meter_is_looked_for() {
     make_plan(stand);
     stand.start_measuring({"--plan", "ROOF", "--passes", "0", "--reconnect"});
     QVERIFY(stand.remote.wait_for_lines(1));
-    stand.meter.kill_now();
+    stand.meter.unplug();
     QVERIFY(stand.remote.wait_for_error_lines(1));
     stand.remote.send_signal(SIGTERM);
     const Ending ending = stand.remote.wait();
@@ -238,7 +238,7 @@ void PlanTest::a_signal_while_the_lost_meter_is_looked_for() {
 void PlanTest::a_meter_that_is_away_at_the_start() {
     TestStand stand;
     make_plan(stand);
-    stand.meter.kill_now();
+    stand.meter.unplug();
     QFile::remove(stand.meter.link());
     QCOMPARE(stand.measure({"--plan", "ROOF"}).status, 3);
     stand.start_measuring({"--plan", "ROOF", "--reconnect", "--log", "r.log"});

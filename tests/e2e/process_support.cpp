@@ -93,6 +93,11 @@ MeterProcess::MeterProcess(const QString& folder, const QStringList& options)
         if (!process().waitForReadyRead(kPatience)) qFatal("the meter does not start");
 }
 
+void MeterProcess::unplug() {
+    QFile::remove(link_);
+    kill_now();
+}
+
 QList<TraceEntry> MeterProcess::trace() const {
     QList<TraceEntry> entries;
     const QByteArray text = content_of(trace_);

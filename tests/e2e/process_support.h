@@ -60,6 +60,10 @@ class MeterProcess : public ChildProcess {
     /// The path that stands for the meter's device.
     const QString& link() const { return link_; }
 
+    /// Takes the device away, with the path that stands for it: the number of a pseudo-terminal is
+    /// given to another meter next.
+    void unplug();
+
     /// Every exchange so far. What the meter is just sending comes in only when it has been sent.
     QList<TraceEntry> trace() const;
     /// The commands received so far, each without its CR; a lone CR is an empty text.
