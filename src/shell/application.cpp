@@ -121,8 +121,9 @@ std::unique_ptr<QCoreApplication> make_application(int& argc, char** argv, const
 int measure_unattended(ProgramState& state, Database& database, PortList ports,
                        const Options& options) {
     NoView view;
-    Connection connection(state, std::move(ports), std::make_unique<RealClock>(local_time_of_day),
-                          std::make_unique<RealPort>(), view, view);
+    MeterConnection connection(state, std::move(ports),
+                               std::make_unique<RealClock>(local_time_of_day),
+                               std::make_unique<RealPort>(), view, view);
     return run_unattended(state, database, connection, options);
 }
 

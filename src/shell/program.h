@@ -5,12 +5,12 @@
 #include <memory>
 #include <optional>
 
-#include "connection.h"
 #include "database.h"
 #include "device_watch.h"
 #include "import_command.h"
 #include "link.h"
 #include "mdi.h"
+#include "meter_connection.h"
 #include "port_list.h"
 #include "program_state.h"
 #include "real_clock.h"
@@ -33,7 +33,7 @@ class Program {
     Program& operator=(const Program&) = delete;
 
     M47MDI& window() { return window_; }
-    Connection& connection() { return connection_; }
+    MeterConnection& connection() { return connection_; }
     Link& link() { return connection_.link(); }
     Database& database() { return *database_; }
     ProgramState& state() { return state_; }
@@ -63,7 +63,7 @@ class Program {
     ProgramState& state_;
     std::unique_ptr<Database> database_;
     M47MDI window_;
-    Connection connection_;
+    MeterConnection connection_;
     DeviceWatch watch_;
     QTimer watch_timer_;
     ImportCommand import_;

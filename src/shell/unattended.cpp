@@ -48,7 +48,7 @@ void complain(const QString& text) {
 
 struct Run {
     ProgramState& state;
-    Connection& connection;
+    MeterConnection& connection;
     const Options& options;
     std::unique_ptr<RealtimeRules> rules;
     RowOutput output{STDOUT_FILENO};
@@ -289,7 +289,7 @@ void listen_to_rules(Run& run) {
 
 }  // namespace
 
-int run_unattended(ProgramState& state, Database& database, Connection& connection,
+int run_unattended(ProgramState& state, Database& database, MeterConnection& connection,
                    const Options& options) {
     state.texts.language = kEnglish;
     connection.link().interrupted = [] { return times_told_to_end() > 0; };

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "connection.h"
 #include "database.h"
+#include "meter_connection.h"
 #include "options.h"
 
 namespace m47 {
@@ -23,7 +23,7 @@ enum ExitStatus {
 /// Measures without a window: connects, runs the rules that the buttons run and prints each row of
 /// the page on stdout as it comes. SIGINT, SIGTERM and SIGHUP end it after the running transaction.
 /// A screen is made for its picture alone, which takes a QApplication. Returns the exit status.
-int run_unattended(ProgramState& state, Database& database, Connection& connection,
+int run_unattended(ProgramState& state, Database& database, MeterConnection& connection,
                    const Options& options);
 
 }  // namespace m47

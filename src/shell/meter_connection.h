@@ -14,13 +14,13 @@ namespace m47 {
 
 /// The way to the meter, with windows or without: the ports of this machine, the line and who may
 /// use it, the link, and who the meter behind it is.
-class Connection {
+class MeterConnection {
   public:
     /// What a user would see of it goes to `view` and `window`.
-    Connection(ProgramState& state, PortList ports, std::unique_ptr<Clock> clock,
-               std::unique_ptr<SerialPort> port, LinkView& view, MainWindowView& window);
-    Connection(const Connection&) = delete;
-    Connection& operator=(const Connection&) = delete;
+    MeterConnection(ProgramState& state, PortList ports, std::unique_ptr<Clock> clock,
+                    std::unique_ptr<SerialPort> port, LinkView& view, MainWindowView& window);
+    MeterConnection(const MeterConnection&) = delete;
+    MeterConnection& operator=(const MeterConnection&) = delete;
 
     Link& link() { return link_; }
     const Link& link() const { return link_; }

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "connection.h"
+#include "meter_connection.h"
 
 #include "port_diagnosis.h"
 
 namespace m47 {
 
-Connection::Connection(ProgramState& state, PortList ports, std::unique_ptr<Clock> clock,
-                       std::unique_ptr<SerialPort> port, LinkView& view, MainWindowView& window)
+MeterConnection::MeterConnection(ProgramState& state, PortList ports, std::unique_ptr<Clock> clock,
+                                 std::unique_ptr<SerialPort> port, LinkView& view,
+                                 MainWindowView& window)
     : state_(state),
       ports_(std::move(ports)),
       clock_(std::move(clock)),
@@ -19,17 +20,17 @@ Connection::Connection(ProgramState& state, PortList ports, std::unique_ptr<Cloc
     };
 }
 
-void Connection::identify(int number) {
+void MeterConnection::identify(int number) {
     ports_.refresh();
     identification_.porta_Click(number - 1);
 }
 
-bool Connection::reconnect() {
+bool MeterConnection::reconnect() {
     identification_.reconnect();
     return link_.port_connected;
 }
 
-QString Connection::fault() const {
+QString MeterConnection::fault() const {
     if (claim_.holder()) return claim_text(*claim_.holder(), port_->path(), state_.texts);
     return port_fault_text(port_->fault(), port_->path(), state_.texts);
 }
