@@ -36,6 +36,10 @@ class MeterConnection {
     /// The device picked last, by its persistent name where it has one; empty before the first.
     const QString& device() const { return identification_.device(); }
 
+    /// True when the link was lost because another device stands in the place of the one that was
+    /// identified.
+    bool other_device() const { return port_->fault() == PortFault::another_device; }
+
     /// Why the port cannot be used, for the user; empty where nothing is known against it.
     QString fault() const;
 

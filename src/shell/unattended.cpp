@@ -169,6 +169,11 @@ void prepare_meter(Run& run) {
     }
 }
 
+/// Who reads the rows has to know where those of another meter may begin.
+void tell_other_device(const Run& run) {
+    if (run.connection.other_device()) complain(run.connection.fault());
+}
+
 /// Looks for the meter: on its port at the start, afterwards behind the device where it was.
 bool identify_meter(Run& run) {
     if (run.link_found)
@@ -183,6 +188,7 @@ bool identify_meter(Run& run) {
 
 /// The same within a run over a plan. A signal ends the trying at once.
 bool connect_again(Run& run) {
+    tell_other_device(run);
     run.connection.link().interrupted = [] { return times_told_to_end() > 0; };
     identify_meter(run);
     run.connection.link().interrupted = [] { return times_told_to_end() > 1; };
@@ -243,6 +249,7 @@ void write_screenshot(Run& run) {
 int status_of(const Run& run) {
     if (run.wrong_limits) return kUsage;
     if (!run.connection.link().port_connected) {
+        tell_other_device(run);
         complain(times_told_to_end() > 0 ? QStringLiteral("ended without a link to the meter")
                                          : QStringLiteral("the link to the meter was lost"));
         return kNoLink;

@@ -23,6 +23,8 @@ class PlanTest : public QObject {
     void a_signal_ends_after_the_running_measurement();
     void a_lost_link_ends_the_run();
     void the_run_goes_on_when_the_meter_is_back();
+    void another_meter_takes_the_place_data();
+    void another_meter_takes_the_place();
     void a_late_answer_shifts_no_row_data();
     void a_late_answer_shifts_no_row();
     void a_signal_while_the_lost_meter_is_looked_for();
@@ -187,6 +189,44 @@ void PlanTest::the_run_goes_on_when_the_meter_is_back() {
     for (qsizetype k = 0; k < rows.size(); ++k)
         QCOMPARE(rows[k], k % 2 == 0 ? QString("1100.0") : QString("1300.0"));
     QCOMPARE(stand.content("r.log"), as_log(ending.out));
+}
+
+void PlanTest::another_meter_takes_the_place_data() {
+    QTest::addColumn<bool>("reconnect");
+    QTest::addColumn<bool>("unplugged");
+    QTest::newRow("the link leads elsewhere") << false << false;
+    QTest::newRow("the number is given to another") << false << true;
+    QTest::newRow("the link leads elsewhere, --reconnect") << true << false;
+    QTest::newRow("the number is given to another, --reconnect") << true << true;
+}
+
+/// In the pause between two passes, so that no exchange sees the meter go.
+void PlanTest::another_meter_takes_the_place() {
+    QFETCH(bool, reconnect);
+    QFETCH(bool, unplugged);
+    TestStand stand;
+    make_plan(stand);
+    const QStringList options{"--plan", "ROOF", "--passes", "2", "--every", "3"};
+    stand.start_measuring(options + (reconnect ? QStringList("--reconnect") : QStringList()));
+    QVERIFY(stand.remote.wait_for_lines(2));
+    QTest::qWait(300);
+    if (unplugged) stand.meter.unplug();
+    // It makes the path that stood for the first one its own.
+    const MeterProcess other(stand.folder.path(), {"--baud-factor", "0", "--delay", "0"});
+    const Ending ending = stand.remote.wait();
+    QVERIFY2(ending.err.contains("Another device stands behind "), ending.err.constData());
+    if (reconnect) {
+        QCOMPARE(ending.status, 0);
+        QCOMPARE(frequencies(ending.out), QStringList({"1100.0", "1300.0", "1100.0", "1300.0"}));
+        QVERIFY(ending.err.contains("connected again"));
+        // It was asked who it is and prepared before anything was measured with it.
+        QCOMPARE(other.commands().mid(0, kOpening.size()), kOpening);
+    } else {
+        QCOMPARE(ending.status, 3);
+        QCOMPARE(frequencies(ending.out), QStringList({"1100.0", "1300.0"}));
+        QVERIFY(ending.err.contains("the link to the meter was lost\n"));
+        QCOMPARE(other.commands(), QStringList());
+    }
 }
 
 void PlanTest::a_late_answer_shifts_no_row_data() {

@@ -242,6 +242,9 @@ void PortDiagnosisTest::texts_name_device_and_help() {
     QCOMPARE(text(PortFault::not_a_port), QString("/dev/ttyX is no serial port."));
     QCOMPARE(text(PortFault::vanished),
              QString("The line to /dev/ttyX was lost: the device has been unplugged."));
+    QCOMPARE(text(PortFault::another_device),
+             QString("Another device stands behind /dev/ttyX now, or it was plugged in anew. Check "
+                     "that it is the right meter, then reconnect."));
     QCOMPARE(text(PortFault::other), QString("/dev/ttyX cannot be opened."));
     QCOMPARE(port_fault_text(PortFault::missing, {}, texts),
              QString("No device stands behind this port number."));
@@ -252,6 +255,7 @@ void PortDiagnosisTest::texts_in_italian() {
     texts.language = kItalian;
     const auto text = [&](PortFault fault) { return port_fault_text(fault, "/dev/ttyX", texts); };
     QCOMPARE(text(PortFault::missing), QString("Il dispositivo /dev/ttyX non esiste."));
+    QVERIFY(text(PortFault::another_device).startsWith("Dietro /dev/ttyX c'è ora un altro "));
     QCOMPARE(text(PortFault::busy), QStringLiteral("/dev/ttyX è usato da un altro programma."));
     QCOMPARE(text(PortFault::no_permission), QString("Non hai il permesso di usare /dev/ttyX."));
 }

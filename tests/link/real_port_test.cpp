@@ -5,6 +5,7 @@
 #include <sys/file.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <sys/wait.h>
 
 #include <QCoreApplication>
@@ -14,9 +15,11 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <chrono>
+#include <memory>
 
 #include "fake_link_view.h"
 #include "fake_port.h"
+#include "known_device.h"
 #include "link.h"
 #include "port_diagnosis.h"
 #include "port_lock.h"
@@ -57,6 +60,10 @@ class RealPortTest : public QObject {
     void no_permission();
     void links_and_relative_paths();
     void opened_a_hundred_times();
+    void another_device_behind_the_link();
+    void a_number_given_to_another_device();
+    void a_touched_device_is_the_same();
+    void an_adapter_behind_a_node_that_stays();
 };
 
 namespace {
@@ -100,6 +107,12 @@ int as_root_alone(const std::function<int()>& work) {
     }
     int status = 0;
     return waitpid(child, &status, 0) == child && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+/// A pseudo-terminal with the number of one that is gone; nullptr where another process was faster.
+std::unique_ptr<Pty> pty_at(const QString& path) {
+    auto pty = std::make_unique<Pty>();
+    return pty->path() == path ? std::move(pty) : nullptr;
 }
 
 /// What arrives at `port` until `length` bytes are there or nothing comes for a second.
@@ -488,6 +501,9 @@ void RealPortTest::opened_a_hundred_times() {
     };
     RealPort port;
     port.select(pty.path());
+    // The first opening keeps the node, to know the device again.
+    QVERIFY(port.open());
+    port.close();
     const auto before = descriptors();
     for (int i = 0; i < 100; ++i) {
         QVERIFY(port.open());
@@ -495,6 +511,98 @@ void RealPortTest::opened_a_hundred_times() {
         port.close();
     }
     QCOMPARE(descriptors(), before);
+}
+
+void RealPortTest::another_device_behind_the_link() {
+    const Pty meter;
+    const Pty other;
+    QTemporaryDir folder;
+    const QString link = folder.filePath("meter");
+    QVERIFY(QFile::link(meter.path(), link));
+    Setup s(link);
+    QVERIFY(s.port.open());
+    s.port.close();
+    QVERIFY(QFile::remove(link));
+    QVERIFY(QFile::link(other.path(), link));
+    // Not even when it is tried again, and no byte goes out to the other one.
+    for (int i = 0; i < 2; ++i) {
+        s.link.port_connected = true;
+        QVERIFY(!s.link.send("LEVANL?"));
+        QVERIFY(!s.port.is_open());
+        QCOMPARE(s.port.fault(), PortFault::another_device);
+    }
+    QCOMPARE(other.take(1, 50), QByteArray());
+    // The way back to the meter itself is open.
+    QVERIFY(QFile::remove(link));
+    QVERIFY(QFile::link(meter.path(), link));
+    QVERIFY(s.port.open());
+    s.port.close();
+    // Chosen anew, whatever is there counts.
+    QVERIFY(QFile::remove(link));
+    QVERIFY(QFile::link(other.path(), link));
+    s.port.select(link);
+    QVERIFY(s.port.open());
+    s.port.close();
+    QVERIFY(s.port.open());
+}
+
+void RealPortTest::a_number_given_to_another_device() {
+    for (int attempt = 0; attempt < 20; ++attempt) {
+        auto meter = std::make_unique<Pty>();
+        RealPort port;
+        port.select(meter->path());
+        QVERIFY(port.open());
+        port.close();
+        const QString path = meter->path();
+        meter.reset();
+        const std::unique_ptr<Pty> other = pty_at(path);
+        if (!other) continue;
+        QVERIFY(!port.open());
+        QCOMPARE(port.fault(), PortFault::another_device);
+        port.select(path);
+        QVERIFY(port.open());
+        return;
+    }
+    QSKIP("other processes take each number that becomes free");
+}
+
+void RealPortTest::a_touched_device_is_the_same() {
+    const Pty pty;
+    RealPort port;
+    port.select(pty.path());
+    QVERIFY(port.open());
+    port.close();
+    // Time stamps of devices go by the tick of the system.
+    std::this_thread::sleep_for(20ms);
+    QCOMPARE(fchmod(pty.slave(), 0666), 0);
+    QCOMPARE(fchown(pty.slave(), geteuid(), getegid()), 0);
+    QCOMPARE(futimens(pty.slave(), nullptr), 0);
+    QVERIFY(port.open());
+    QVERIFY(port.write('x'));
+    QCOMPARE(pty.take(1), QByteArray("x"));
+    port.close();
+    QVERIFY(port.open());
+}
+
+void RealPortTest::an_adapter_behind_a_node_that_stays() {
+    const Pty pty;
+    struct stat node {};
+    QCOMPARE(fstat(pty.slave(), &node), 0);
+    QTemporaryDir sys;
+    const QString devices = sys.filePath("dev/char");
+    const QString name = QString("%1:%2").arg(major(node.st_rdev)).arg(minor(node.st_rdev));
+    QVERIFY(QDir().mkpath(devices + "/" + name));
+    KnownDevice device(sys.path());
+    const auto is_the_same = [&] { return device.is_the_same(pty.slave(), pty.path()); };
+    QVERIFY(is_the_same());
+    QVERIFY(is_the_same());
+    // Unplugged, and another one plugged in, while nobody looked.
+    QVERIFY(QDir(devices).rename(name, "gone"));
+    QVERIFY(!is_the_same());
+    QVERIFY(QDir(devices).mkdir(name));
+    QVERIFY(!is_the_same());
+    device.forget();
+    QVERIFY(is_the_same());
 }
 
 }  // namespace m47

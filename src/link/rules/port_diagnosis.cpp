@@ -53,6 +53,11 @@ constexpr Bilingual kLockLeadsNowhere{
 constexpr Bilingual kNotAPort{"%1 is no serial port.", "%1 non è una porta seriale."};
 constexpr Bilingual kVanished{"The line to %1 was lost: the device has been unplugged.",
                               "La linea verso %1 è caduta: il dispositivo è stato scollegato."};
+constexpr Bilingual kAnotherDevice{
+    "Another device stands behind %1 now, or it was plugged in anew. Check that it is the right "
+    "meter, then reconnect.",
+    "Dietro %1 c'è ora un altro dispositivo, oppure è stato ricollegato. Verificare che lo "
+    "strumento sia quello giusto, poi ricollegare."};
 constexpr Bilingual kOther{"%1 cannot be opened.", "Non è possibile aprire %1."};
 
 PortFault fault_of_errno(int error) {
@@ -163,6 +168,8 @@ QString port_fault_text(PortFault fault, const QString& device, const Texts& tex
             return texts.pick(kNotAPort).arg(device);
         case PortFault::vanished:
             return texts.pick(kVanished).arg(device);
+        case PortFault::another_device:
+            return texts.pick(kAnotherDevice).arg(device);
         case PortFault::lock_folder_full:
             return lock_folder_text(kLockFolderFull, device, texts);
         case PortFault::lock_folder_shut:

@@ -43,6 +43,7 @@ RealPort::~RealPort() {
 
 void RealPort::select(const QString& device) {
     device_ = device_path(device);
+    known_.forget();
 }
 
 bool RealPort::open() {
@@ -50,7 +51,8 @@ bool RealPort::open() {
     if (device_.isEmpty()) return fail(PortFault::missing);
     // By its own name, not by that of a link to it: that is how other programs lock it.
     const QString node = QFileInfo(device_).canonicalFilePath();
-    port_.setPortName(node.isEmpty() ? device_ : node);
+    const QString path = node.isEmpty() ? device_ : node;
+    port_.setPortName(path);
     if (!port_.open(QIODevice::ReadWrite)) {
         // The error does not tell a busy port from one without permission. Where nothing else
         // speaks against the device, it is its lock file that could not be made.
@@ -61,6 +63,7 @@ bool RealPort::open() {
     }
     // The terminal's exclusive flag does not keep out a second program that runs as root.
     if (flock(port_.handle(), LOCK_EX | LOCK_NB) != 0) return fail(PortFault::busy);
+    if (!known_.is_the_same(port_.handle(), path)) return fail(PortFault::another_device);
     clear();
     return true;
 }

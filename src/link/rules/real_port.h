@@ -3,6 +3,7 @@
 
 #include <QSerialPort>
 
+#include "known_device.h"
 #include "serial_port.h"
 
 namespace m47 {
@@ -32,6 +33,7 @@ class RealPort : public SerialPort {
 
     QSerialPort port_;
     QString device_;
+    KnownDevice known_;
     PortFault fault_ = PortFault::none;
 };
 

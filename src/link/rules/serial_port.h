@@ -10,11 +10,12 @@ namespace m47 {
 /// Why a port cannot be used, as far as the system tells.
 enum class PortFault {
     none,
-    missing,        ///< no such device
-    no_permission,  ///< the device node is not readable and writable for this user
-    busy,           ///< another program holds it
-    not_a_port,     ///< the node is no serial line
-    vanished,       ///< it was open and has gone
+    missing,         ///< no such device
+    no_permission,   ///< the device node is not readable and writable for this user
+    busy,            ///< another program holds it
+    not_a_port,      ///< the node is no serial line
+    vanished,        ///< it was open and has gone
+    another_device,  ///< not the one that was opened first behind the chosen path
     // No lock file can be made, though no other program holds the port.
     lock_folder_full,    ///< its folder takes no more files
     lock_folder_shut,    ///< its folder cannot be written
@@ -30,7 +31,9 @@ class SerialPort {
   public:
     virtual ~SerialPort() = default;
 
-    /// Chooses the device that open() opens next; an empty one makes open() fail as missing.
+    /// Chooses the device that open() opens next; an empty one makes open() fail as missing. What
+    /// is found there first is the device until the next choice: open() fails once another one has
+    /// taken its place.
     virtual void select(const QString& device) = 0;
 
     /// The absolute path of the chosen device.

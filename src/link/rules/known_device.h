@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <sys/stat.h>
+
+#include <QString>
+#include <utility>
+
+namespace m47 {
+
+/// Knows a device again between two openings. Its path does not tell: the name of an adapter, the
+/// number of a pseudo-terminal and what a link leads to are given to the next one. A device that
+/// was unplugged and plugged in again is another one too, as the meter behind it may be.
+class KnownDevice {
+  public:
+    /// `sys` is the folder in which the system describes its devices.
+    explicit KnownDevice(QString sys = QStringLiteral("/sys")) : sys_(std::move(sys)) {}
+    ~KnownDevice() { forget(); }
+    KnownDevice(const KnownDevice&) = delete;
+    KnownDevice& operator=(const KnownDevice&) = delete;
+
+    /// The next device is taken as it is.
+    void forget();
+
+    /// True when `descriptor`, just opened at `path`, is the device of the first call after
+    /// forget(). False too where that cannot be told.
+    bool is_the_same(int descriptor, const QString& path);
+
+  private:
+    bool take(int descriptor, const QString& path);
+    ino_t description_of(const struct stat& node) const;
+
+    QString sys_;
+    int node_ = -1;
+    struct stat taken_ {};
+    ino_t description_ = 0;
+};
+
+}  // namespace m47
