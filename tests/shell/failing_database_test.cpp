@@ -342,6 +342,26 @@ class FailingDatabaseTest : public QObject, protected ProgramInFolder {
         }
     }
 
+    void the_words_are_the_users() {
+        constexpr int kBusy = 5;
+        add_other_plan();
+        find<QAction>("program")->trigger();
+        QWidget* screen = window().screen_of("program");
+        program_state().texts.language = kItalian;
+        for (const char* key : {"next", "previous", "store", "store_new", "accoda"}) {
+            told_.clear();
+            {
+                const FailingStatement failing(1, kBusy);
+                find<QAction>(key, screen)->trigger();
+            }
+            QCOMPARE(told_.size(), 1);
+            QVERIFY2(told_[0].startsWith(
+                         QStringLiteral("Il database '%1' è usato da un altro programma. ")
+                             .arg(in_folder(kDatabaseFile))),
+                     qPrintable(key + QStringLiteral(": ") + told_[0]));
+        }
+    }
+
     void keys_of_the_plan_screen() {
         const auto yes = [](BoxAnswers& boxes) { boxes.press(QMessageBox::Ok); };
         const auto name = [](BoxAnswers& boxes) { boxes.type("NEW"); };

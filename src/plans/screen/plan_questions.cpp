@@ -3,8 +3,6 @@
 
 #include <QInputDialog>
 
-#include "engine.h"
-#include "handler.h"
 #include "message_box.h"
 #include "plan_name.h"
 
@@ -47,10 +45,6 @@ void tell_problem(QWidget* screen, const QString& text) {
 
 void tell_no_program(QWidget* screen, const Texts& texts) {
     tell_problem(screen, texts.pick(kNoProgram));
-}
-
-void tell_database_fault(QWidget* screen, const ProgramState& program, const EngineFault& fault) {
-    report_fault(screen, fault.text(program.texts));
 }
 
 }  // namespace m47

@@ -4,9 +4,8 @@
 #include <QString>
 #include <QWidget>
 
-#include "engine.h"
 #include "plan_clashes.h"
-#include "program_state.h"
+#include "texts.h"
 
 namespace m47 {
 
@@ -27,8 +26,5 @@ void tell_problem(QWidget* screen, const QString& text);
 
 /// The plan has no program that could be changed or sent.
 void tell_no_program(QWidget* screen, const Texts& texts);
-
-/// Why the database did not take a change.
-void tell_database_fault(QWidget* screen, const ProgramState& program, const EngineFault& fault);
 
 }  // namespace m47

@@ -76,9 +76,6 @@ void ProgramSet::handle(const char* name, const std::function<void()>& body) {
         } catch (const RecordGone&) {
             show_current_row();
             tell_problem(this, program_.texts.pick(kProgramGone));
-        } catch (const EngineFault& fault) {
-            show_current_row();
-            tell_database_fault(this, program_, fault);
         } catch (const std::exception&) {
             show_current_row();
             throw;
