@@ -228,7 +228,7 @@ void M47MDI::tell_costs() {
 
 void M47MDI::show_notice(const QString& text) {
     notice_->setText(text);
-    notice_->setToolTip(text);
+    notice_->setToolTip(plain_tooltip(text));
 }
 
 void M47MDI::show_progress(const QString& text) {

@@ -5,6 +5,7 @@
 #include <QHBoxLayout>
 
 #include "lamp.h"
+#include "tooltips.h"
 
 namespace m47 {
 
@@ -72,7 +73,7 @@ void StatusPanel::show_state(const QString& text, bool connected) {
 }
 
 void StatusPanel::show_reason() {
-    port_state_->setToolTip(!connected_ && reason ? reason() : QString());
+    port_state_->setToolTip(!connected_ && reason ? plain_tooltip(reason()) : QString());
 }
 
 void StatusPanel::pump() {

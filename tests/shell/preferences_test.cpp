@@ -202,7 +202,7 @@ class PreferencesTest : public QObject, protected ProgramInFolder {
 
     void a_recent_log_is_reopened_from_the_menu() {
         start();
-        const QString log = write(other_->filePath("a&b.log"),
+        const QString log = write(other_->filePath("a&b<i>.log"),
                                   "21/11/26\t10:00:00\t950.0\t10600\t58.3\t\t\t\t\t\tPASS\r\n");
         Realtime* screen = realtime();
         auto* menu = screen->findChild<QMenu*>("cmdrecent");
@@ -216,7 +216,8 @@ class PreferencesTest : public QObject, protected ProgramInFolder {
         QCOMPARE(menu->title(), QStringLiteral("&Log recenti"));
         Q_EMIT menu->aboutToShow();
         QCOMPARE(menu->actions().size(), 1);
-        QCOMPARE(menu->actions()[0]->text(), QStringLiteral("a&&b.log"));
+        QCOMPARE(menu->actions()[0]->text(), QStringLiteral("a&&b<i>.log"));
+        QVERIFY(!menu->actions()[0]->toolTip().contains(QStringLiteral("<i>")));
         menu->actions()[0]->trigger();
         QVERIFY(screen->rules.log.log_open());
         QCOMPARE(screen->rules.log.path(), log);

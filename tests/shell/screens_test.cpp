@@ -247,6 +247,21 @@ class ScreensTest : public QObject, protected ProgramInFolder {
         end_program();
     }
 
+    void the_name_of_a_device_is_no_mark_up() {
+        end_program();
+        const QString device = QStringLiteral("/dev/<b>meter</b>");
+        start_program({1024, 600}, PortList({"/nonexistent", "/nonexistent",
+                                             [&] { return QStringList(device); }}));
+        find<QAction>("setport")->trigger();
+        auto* porta = find<QComboBox>("porta");
+        porta->setCurrentIndex(0);
+        Q_EMIT porta->activated(0);
+        for (const QString& tip : {porta->itemData(0, Qt::ToolTipRole).toString(),
+                                   find<QLabel>("port_state")->toolTip()})
+            QVERIFY2(tip.contains(device.toHtmlEscaped()), qPrintable(tip));
+        end_program();
+    }
+
     void a_port_that_does_not_exist_turns_red_and_says_why() {
         find<QAction>("setport")->trigger();
         auto* porta = find<QComboBox>("porta");

@@ -5,6 +5,7 @@
 
 #include "handler.h"
 #include "key_filter.h"
+#include "tooltips.h"
 #include "ui_port_setting.h"
 
 namespace m47 {
@@ -44,8 +45,8 @@ void PortSetting::show_devices() {
     ports_.refresh();
     for (int index = 0; index < ui_->porta->count(); ++index) {
         const QString device = ports_.device(index + 1);
-        ui_->porta->setItemData(index, device.isEmpty() ? QStringLiteral("-") : device,
-                                Qt::ToolTipRole);
+        ui_->porta->setItemData(
+            index, device.isEmpty() ? QStringLiteral("-") : plain_tooltip(device), Qt::ToolTipRole);
     }
 }
 

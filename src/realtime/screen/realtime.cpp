@@ -344,7 +344,7 @@ void Realtime::list_recent_logs() {
         QAction* entry = ui_->cmdrecent->addAction(
             QFileInfo(path).fileName().replace(u'&', QStringLiteral("&&")));
         entry->setData(path);
-        entry->setToolTip(path);
+        entry->setToolTip(plain_tooltip(path));
     }
     if (ui_->cmdrecent->isEmpty())
         ui_->cmdrecent->addAction(program_.texts.pick(kNoRecent))->setEnabled(false);
@@ -366,7 +366,7 @@ void Realtime::show_log_state(const QString& reason) {
     QPalette colours = palette();
     if (!reason.isEmpty()) colours.setColor(QPalette::WindowText, QColor::fromRgb(kRed));
     ui_->file_name->setPalette(colours);
-    ui_->file_name->setToolTip(reason.isEmpty() ? file_name_tooltip_ : reason);
+    ui_->file_name->setToolTip(reason.isEmpty() ? file_name_tooltip_ : plain_tooltip(reason));
 }
 
 void Realtime::createdoc() {
