@@ -93,6 +93,20 @@ std::optional<DatabaseError> fault_of_kind(const QString& path) {
     return std::nullopt;
 }
 
+/// The engine opens what stands in the place of a journal, and waits for the other end of a pipe.
+std::optional<DatabaseError> fault_of_journals(const QString& path) {
+    const QString file = QFileInfo(path).canonicalFilePath();
+    for (const char* suffix : {"-journal", "-wal", "-shm"}) {
+        const QString beside = file + QLatin1String(suffix);
+        struct stat about {};
+        if (::lstat(QFile::encodeName(beside).constData(), &about) != 0) continue;
+        if (!S_ISREG(about.st_mode))
+            return DatabaseError{DatabaseFault::cannot_open, path,
+                                 QStringLiteral("%1 is no plain file").arg(beside)};
+    }
+    return std::nullopt;
+}
+
 QVariant single_answer(const QSqlDatabase& database, const QString& statement) {
     Query query(database, statement);
     return query.next() ? query.value(0) : QVariant();
@@ -179,6 +193,7 @@ void probe_write(const QSqlDatabase& database) {
 std::optional<DatabaseError> fault_of_file(const QString& path) {
     if (const auto fault = fault_of_place(path)) return fault;
     if (const auto fault = fault_of_kind(path)) return fault;
+    if (const auto fault = fault_of_journals(path)) return fault;
     QFile file(path);
     if (!file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly | QIODevice::Unbuffered))
         return DatabaseError{DatabaseFault::read_only, path, file.errorString()};

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <QDir>
 #include <QFile>
@@ -194,6 +195,28 @@ class TestOpen : public QObject {
         DatabaseError error{};
         QVERIFY(!Database::open(path(), error));
         QCOMPARE(error.fault, DatabaseFault::unreadable);
+    }
+
+    /// The engine would wait for the other end of a pipe for ever.
+    void refuses_a_pipe_in_the_place_of_its_journal() {
+        made_in(folder_->path()).reset();
+        const QString link = folder_->filePath(QStringLiteral("link.mdb"));
+        QVERIFY(QFile::link(path(), link));
+        for (const char* suffix : {"-journal", "-wal", "-shm"}) {
+            const QString beside = path() + QLatin1String(suffix);
+            QCOMPARE(::mkfifo(QFile::encodeName(beside).constData(), 0666), 0);
+            ::alarm(10);
+            for (const QString& name : {path(), link}) {
+                DatabaseError error{};
+                QVERIFY(!Database::open(name, error));
+                QCOMPARE(error.fault, DatabaseFault::cannot_open);
+                QVERIFY(error.detail.contains(QFileInfo(beside).fileName()));
+            }
+            ::alarm(0);
+            QVERIFY(QFile::remove(beside));
+        }
+        DatabaseError error{};
+        QVERIFY(Database::open(path(), error));
     }
 
     void refuses_a_file_of_the_old_engine() {

@@ -37,6 +37,7 @@ class RealPortTest : public QObject {
   private Q_SLOTS:
     void a_lock_file_that_nobody_holds_data();
     void a_lock_file_that_nobody_holds();
+    void what_is_no_file_in_the_place_of_the_lock_file();
     void a_folder_for_lock_files_is_left_as_it_was();
     void no_room_for_a_lock_file();
     void a_whole_transaction();
@@ -158,6 +159,30 @@ void RealPortTest::a_lock_file_that_nobody_holds() {
     QCOMPARE(static_cast<PortFault>(seen), fault);
     QVERIFY2(text.contains(sentence), qPrintable(text));
     QVERIFY2(fault == PortFault::busy || !text.contains("another program"), qPrintable(text));
+    QCOMPARE(fault_on_open(pty.path()), PortFault::none);
+}
+
+/// The serial library would wait for a pipe, and read a device or a huge file to its end.
+void RealPortTest::what_is_no_file_in_the_place_of_the_lock_file() {
+    const Pty pty;
+    QCOMPARE(fchmod(pty.slave(), 0666), 0);
+    const QString path = lock_file_of(pty.path());
+    const QByteArray name = QFile::encodeName(path);
+    const auto refused = [&] {
+        const int seen = as_ordinary_user([&] {
+            alarm(10);
+            return static_cast<int>(fault_on_open(pty.path()));
+        });
+        return static_cast<PortFault>(seen) == PortFault::lock_names_nobody;
+    };
+    QCOMPARE(mkfifo(name.constData(), 0666), 0);
+    const bool pipe_refused = refused();
+    QVERIFY(QFile::remove(path));
+    QVERIFY(QFile::link("/dev/zero", path));
+    const bool device_refused = refused();
+    QVERIFY(QFile::remove(path));
+    QVERIFY(pipe_refused);
+    QVERIFY(device_refused);
     QCOMPARE(fault_on_open(pty.path()), PortFault::none);
 }
 

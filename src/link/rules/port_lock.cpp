@@ -89,6 +89,11 @@ std::optional<PortHolder> lock_file_holder(const QString& lock_file) {
     return holder && is_same_program(entry.program, holder->program) ? holder : std::nullopt;
 }
 
+bool is_no_lock_file(const QString& lock_file) {
+    const QFileInfo about(lock_file);
+    return about.exists() && (!about.isFile() || about.size() > kLongestLockFile);
+}
+
 PortFault look_at_lock_file(const QString& lock_file) {
     if (lock_file.isEmpty()) return PortFault::lock_folder_shut;
     const QFileInfo about(lock_file);

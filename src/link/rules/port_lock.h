@@ -30,6 +30,10 @@ QString lock_file_of(const QString& device, const QStringList& folders = lock_fo
 /// The program that a lock file names, where it still runs.
 std::optional<PortHolder> lock_file_holder(const QString& lock_file);
 
+/// True where what stands at `lock_file` can be no lock file: a pipe, a device, a folder, a file
+/// that is too long. The serial library would wait for it or read it to its end.
+bool is_no_lock_file(const QString& lock_file);
+
 /// Why the lock file `lock_file` cannot be made: busy only where it names a program that runs.
 PortFault look_at_lock_file(const QString& lock_file);
 
