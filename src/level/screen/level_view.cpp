@@ -11,6 +11,7 @@ namespace {
 constexpr Bilingual kLevelTitle{"Level", "Livello"};
 constexpr Bilingual kLevelHint{"Esc: back    T: tone on", "Esc: indietro    T: tono acceso"};
 constexpr Bilingual kLevelHintOff{"Esc: back    T: tone off", "Esc: indietro    T: tono spento"};
+constexpr Bilingual kSoundNotLoaded{"No tone: %1", "Nessun tono: %1"};
 constexpr Bilingual kNoSound{"There is no sound device: no tone.",
                              "Nessun dispositivo audio: nessun tono."};
 
@@ -107,7 +108,8 @@ void LevelView::set_tone(bool on) {
     tone_ = on && player_.open();
     remark_.clear();
     if (on && !tone_ && !told_of_no_device_) {
-        remark_ = texts_.pick(kNoSound);
+        const QString& fault = player_.fault();
+        remark_ = fault.isEmpty() ? texts_.pick(kNoSound) : texts_.pick(kSoundNotLoaded).arg(fault);
         told_of_no_device_ = true;
     }
     refresh();

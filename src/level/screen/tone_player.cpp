@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tone_player.h"
 
-#include <QAudioDevice>
-#include <QAudioSink>
-#include <QMediaDevices>
+#include <QCoreApplication>
+#include <QDir>
+#include <utility>
 
 #include "level_tone.h"
 
@@ -12,39 +12,51 @@ namespace {
 
 constexpr double kToneSeconds = 0.4;
 
-}  // namespace
-
-TonePlayer::TonePlayer() = default;
-
-TonePlayer::~TonePlayer() = default;
-
-bool TonePlayer::device_present() {
-    return !QMediaDevices::defaultAudioOutput().isNull();
+/// The first of `folders` that has the part, or the last, which a fault then names.
+QString sound_path(const QStringList& folders) {
+    QString path;
+    for (const QString& folder : folders) {
+        path = folder + QStringLiteral("/libm47-sound.so");
+        if (QFile::exists(path)) break;
+    }
+    return path;
 }
 
-void TonePlayer::close() {
-    sink_.reset();
+}  // namespace
+
+TonePlayer::TonePlayer(const QStringList& folders) : folders_(folders) {}
+
+TonePlayer::~TonePlayer() {
+    close();
+}
+
+QStringList TonePlayer::sound_folders() {
+    const QDir program(QCoreApplication::applicationDirPath());
+    return {program.filePath(QStringLiteral("plugins")),
+            QDir::cleanPath(program.filePath(QStringLiteral(M47_PLUGIN_FOLDER)))};
+}
+
+SoundOutput* TonePlayer::output() {
+    // The loader forgets the name of a file that it does not find.
+    const QString path = sound_path(folders_);
+    if (loader_.fileName().isEmpty()) loader_.setFileName(path);
+    auto* output = qobject_cast<SoundOutput*>(loader_.instance());
+    fault_ = output ? QString() : QStringLiteral("%1: %2").arg(path, loader_.errorString());
+    return output;
 }
 
 bool TonePlayer::open() {
-    const QAudioDevice device = QMediaDevices::defaultAudioOutput();
-    if (device.isNull()) return false;
-    QAudioFormat format;
-    format.setSampleRate(LevelTone::kSampleRate);
-    format.setChannelCount(1);
-    format.setSampleFormat(QAudioFormat::Int16);
-    if (!device.isFormatSupported(format)) return false;
-    sink_ = std::make_unique<QAudioSink>(device, format);
-    // The whole tone goes to the device at once: nobody feeds it while the meter is waited for.
-    sink_->setBufferSize(format.bytesForDuration(static_cast<qint64>(kToneSeconds * 2e6)));
-    return true;
+    SoundOutput* const sound = output();
+    open_ = sound && sound->open(LevelTone::kSampleRate, kToneSeconds);
+    return open_;
+}
+
+void TonePlayer::close() {
+    if (std::exchange(open_, false)) output()->close();
 }
 
 void TonePlayer::play(double level) {
-    if (!sink_) return;
-    sink_->reset();
-    if (QIODevice* device = sink_->start())
-        device->write(LevelTone::samples(LevelTone::pitch(level), kToneSeconds));
+    if (open_) output()->play(LevelTone::samples(LevelTone::pitch(level), kToneSeconds));
 }
 
 }  // namespace m47

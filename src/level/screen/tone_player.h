@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <memory>
+#include <QPluginLoader>
+#include <QStringList>
 
-class QAudioSink;
+#include "sound_output.h"
 
 namespace m47 {
 
@@ -11,11 +12,11 @@ namespace m47 {
 /// itself: no tone goes on for a value that is old.
 class TonePlayer {
   public:
-    TonePlayer();
+    /// `folders` are searched for the part of the program that knows the device.
+    explicit TonePlayer(const QStringList& folders = sound_folders());
     ~TonePlayer();
-
-    /// True when the desktop has a sound device.
-    static bool device_present();
+    TonePlayer(const TonePlayer&) = delete;
+    TonePlayer& operator=(const TonePlayer&) = delete;
 
     /// True when there is a device to play on.
     bool open();
@@ -23,8 +24,19 @@ class TonePlayer {
     /// Plays the tone of `level` dBuV; nothing where no device is open.
     void play(double level);
 
+    /// Why that part could not be loaded; empty when it was, or was not needed yet.
+    const QString& fault() const { return fault_; }
+
+    /// Beside the program where it was built, and where an installation has it.
+    static QStringList sound_folders();
+
   private:
-    std::unique_ptr<QAudioSink> sink_;
+    SoundOutput* output();
+
+    QStringList folders_;
+    QPluginLoader loader_;
+    QString fault_;
+    bool open_ = false;
 };
 
 }  // namespace m47
