@@ -27,7 +27,7 @@ namespace {
 constexpr int kPlans = 1000;
 constexpr int kPrograms = 100;
 constexpr int kRuns = 40;
-constexpr double kMostTimesTheLibrary = 1.5;
+constexpr double kMostTimesTheLibrary = 1.3;
 
 using Statements = std::vector<std::string>;
 

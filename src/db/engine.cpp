@@ -56,6 +56,15 @@ Query::Query(const QSqlDatabase& database, const QString& statement, const QVari
     query_.setForwardOnly(true);
     fail_on_purpose(address_);
     if (!query_.prepare(statement)) throw EngineFault(query_.lastError(), address_);
+    run(values);
+}
+
+void Query::again(const QVariantList& values) {
+    fail_on_purpose(address_);
+    run(values);
+}
+
+void Query::run(const QVariantList& values) {
     for (const QVariant& value : values) query_.addBindValue(value);
     if (!query_.exec()) throw EngineFault(query_.lastError(), address_);
 }

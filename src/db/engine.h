@@ -30,11 +30,16 @@ class EngineFault : public Fault {
 };
 
 /// One statement, executed at once with its values bound in their order. Every failure, also one
-/// met while reading on, is an EngineFault. It holds a lock on the file while it lives.
+/// met while reading on, is an EngineFault. It holds a lock on the file until
+/// it is finished or gone.
 class Query {
   public:
     Query(const QSqlDatabase& database, const QString& statement, const QVariantList& values = {});
 
+    /// The same statement with other values: it is not read and planned a second time.
+    void again(const QVariantList& values);
+    /// Lets go of the answer and of the lock; again() may follow.
+    void finish() { query_.finish(); }
     /// To the next row of the answer; false behind the last.
     bool next();
     /// An unset field is a null QVariant.
@@ -43,6 +48,8 @@ class Query {
     qint64 inserted_row() const { return query_.lastInsertId().toLongLong(); }
 
   private:
+    void run(const QVariantList& values);
+
     QSqlQuery query_;
     QString address_;
 };

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "recordset.h"
 
+#include <QScopeGuard>
 #include <algorithm>
 #include <utility>
 
-#include "engine.h"
 #include "fault.h"
 
 namespace m47 {
@@ -88,8 +88,22 @@ void Recordset::requery() {
     if (!rows_.empty()) seek(0, 1);
 }
 
+/// The row `id`, about to be read.
+Query& Recordset::rows_with(qint64 id) const {
+    const QSqlDatabase open = database();
+    if (reader_)
+        reader_->again({id});
+    else
+        reader_ = std::make_shared<Query>(open, read_statement_, QVariantList{id});
+    return *reader_;
+}
+
 std::optional<Recordset::Row> Recordset::read(qint64 id) const {
-    Query query(database(), read_statement_, {id});
+    // Whatever happens, no lock is held behind it.
+    const auto let_go = qScopeGuard([this] {
+        if (reader_) reader_->finish();
+    });
+    Query& query = rows_with(id);
     if (!query.next()) return std::nullopt;
     Row row;
     row.reserve(table_->fields.size());

@@ -5,9 +5,11 @@
 #include <QSqlDatabase>
 #include <QString>
 #include <QVariant>
+#include <memory>
 #include <optional>
 #include <vector>
 
+#include "engine.h"
 #include "fault.h"
 #include "schema.h"
 
@@ -100,6 +102,7 @@ class Recordset {
 
     QString condition() const;
     std::optional<Row> read(qint64 id) const;
+    Query& rows_with(qint64 id) const;
     qint64 current_id() const;
     void seek(qsizetype position, qsizetype step);
     void settle(qsizetype position, std::optional<Row> row);
@@ -112,6 +115,9 @@ class Recordset {
     const Table* table_;
     /// Asks for all fields of one row.
     QString read_statement_;
+    /// Kept ready, as every move reads a row. Copies of a set may share it: a reading is over
+    /// before the next begins.
+    mutable std::shared_ptr<Query> reader_;
     QString field_;
     QVariantList filter_;
     /// The rows of the set in rising order.

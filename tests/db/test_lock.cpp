@@ -78,6 +78,27 @@ class TestLock : public QObject {
                  QStringLiteral("PLAN 2"));
     }
 
+    void a_row_that_was_read_holds_no_lock() {
+        Recordset& set = database_->gruppo();
+        add_row(set, {{kNome, QStringLiteral("PLAN 2")}});
+        for (int time = 0; time < 2; ++time) {
+            set.move_first();
+            set.move_next();
+            run_sql(path(), {QStringLiteral("BEGIN EXCLUSIVE"), QStringLiteral("COMMIT")});
+        }
+    }
+
+    void a_set_reads_on_after_a_fault() {
+        Recordset& set = database_->gruppo();
+        add_row(set, {{kNome, QStringLiteral("PLAN 2")}});
+        set.move_first();
+        const auto child = locked_for(60000);
+        M47_VERIFY_FAULT(set.move_next(), "locked");
+        child->kill_now();
+        set.move_next();
+        QCOMPARE(set.text(kNome), QStringLiteral("PLAN 2"));
+    }
+
     void a_move_that_fails_moves_nothing() {
         Recordset& set = database_->gruppo();
         add_row(set, {{kNome, QStringLiteral("PLAN 2")}});
