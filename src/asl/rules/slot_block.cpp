@@ -11,7 +11,6 @@ namespace m47 {
 namespace {
 
 constexpr qsizetype kRecordBytes = 16;
-const QString kEndRecord = QStringLiteral("S9030000FC");
 
 /// A name without the blanks or NULs that fill it up.
 QString without_filling(const QString& name) {
@@ -82,7 +81,7 @@ QString SlotBlock::text() const {
     QStringList lines;
     for (qsizetype address = 0; address <= kTuningBytes; address += kRecordBytes)
         lines += data_record(bytes_, address);
-    lines += kEndRecord;
+    lines += kSatelliteEnd;
     return lines.join(u'\r');
 }
 
@@ -129,7 +128,7 @@ QString block_in_copy(const QString& master_copy, int slot) {
     // Positions are counted from 1 and are 0 for what is not there.
     const QString header = slot_header(slot);
     const qsizetype header_at = master_copy.indexOf(header) + 1;
-    const qsizetype end_at = master_copy.indexOf(kEndRecord) + 1;
+    const qsizetype end_at = master_copy.indexOf(kSatelliteEnd) + 1;
     const qsizetype length = end_at - header.size() + 8;
     if (length <= 0) return {};
     return master_copy.mid(header_at + header.size(), length);

@@ -12,4 +12,7 @@ inline constexpr qsizetype kLongestName = 10;
 /// The name of a satellite slot, or of a row, that holds no satellite.
 inline const QString kNoSatellite = QStringLiteral("**********");
 
+/// The record that ends the data of a satellite, in the meter's answer as in a row.
+inline const QString kSatelliteEnd = QStringLiteral("S9030000FC");
+
 }  // namespace m47

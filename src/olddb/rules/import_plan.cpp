@@ -7,14 +7,12 @@
 #include "cut_text.h"
 #include "fields.h"
 #include "import_values.h"
+#include "plan_name.h"
 #include "schema.h"
 #include "tables.h"
 
 namespace m47 {
 namespace {
-
-// The last line of a satellite's data.
-const QString kEndOfData = QStringLiteral("S9030000FC");
 
 constexpr Bilingual kNameChanged{"The plan '%1' is named '%2'.",
                                  "Il piano '%1' prende il nome '%2'."};
@@ -132,7 +130,7 @@ class Importer {
         is_new = known < 0;
         if (!is_new) return plan_.plans[known];
         ImportedPlan plan;
-        plan.name = imported_plan_name(old_name);
+        plan.name = plan_name(old_name.trimmed());
         // Two long names can begin alike.
         if (names_.contains(plan.name)) plan.name = free_name(plan.name, names_);
         if (plan.name != old_name) plan_.corrected += {kNameChanged, {old_name, plan.name}};
@@ -246,7 +244,7 @@ class Importer {
     void take_data(const OldRow& row, ImportedSatellite& satellite) {
         const QVariant data = row.value(field::kDati);
         if (!data.isNull()) satellite.data = shown_value(data);
-        if (!satellite.data.toString().trimmed().endsWith(kEndOfData))
+        if (!satellite.data.toString().trimmed().endsWith(kSatelliteEnd))
             plan_.to_check += {kOddData, {satellite.name}};
     }
 
@@ -260,10 +258,6 @@ class Importer {
 };
 
 }  // namespace
-
-QString imported_plan_name(const QString& name) {
-    return cut_to(name.trimmed().toUpper(), kLongestName).trimmed();
-}
 
 QString satellite_name(const QString& name) {
     return cut_to(name.trimmed(), kLongestName).trimmed();

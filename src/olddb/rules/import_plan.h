@@ -61,9 +61,7 @@ struct ImportPlan {
     QStringList ignored;         ///< its tables and fields that we have not
 };
 
-/// `name` as plans are named: trimmed, in upper case, at most kLongestName characters.
-QString imported_plan_name(const QString& name);
-/// The same for a satellite, which keeps its small letters.
+/// `name` as satellites are named: trimmed, at most kLongestName characters.
 QString satellite_name(const QString& name);
 
 /// A name close to `name`, within kLongestName characters, that is not in `taken`.
