@@ -2,6 +2,7 @@
 // A measurement as a thing of its own: from a line of a log, packed beside a row, told apart.
 #include <QTest>
 
+#include "ask_twice.h"
 #include "measurement_line.h"
 #include "page_store.h"
 #include "row_time.h"
@@ -39,6 +40,13 @@ class MeasurementTest : public QObject {
                one.mode == other.mode && one.frequency == other.frequency &&
                one.oscillator == other.oscillator && one.unit == other.unit &&
                one.limits == other.limits && one.verdict == other.verdict;
+    }
+    /// What `program` was measured to have, one after another.
+    static Scatter known(AskedFor asked, const QList<double>& values,
+                         const QString& program = QStringLiteral("A")) {
+        Scatter scatter;
+        for (const double value : values) scatter.add(program, {asked, value, {}});
+        return scatter;
     }
     static QStringList cells() {
         return {"21/11/26", "10:00:01", "11778", "9750", "", "", "", "", "", "", "FAIL"};
@@ -188,6 +196,96 @@ class MeasurementTest : public QObject {
     void the_instant_of_a_row_is_that_of_its_text() {
         const QDateTime moment({2026, 11, 21}, {10, 0, 1, 700});
         QCOMPARE(row_instant(moment), *row_midnight("21/11/26") + 36001);
+    }
+
+    void two_readings_of_a_steady_signal_agree_data() {
+        QTest::addColumn<int>("asked");
+        QTest::addColumn<double>("one");
+        QTest::addColumn<double>("near");
+        QTest::addColumn<double>("far");
+        const auto row = [](const char* name, AskedFor asked, double one, double near, double far) {
+            QTest::newRow(name) << static_cast<int>(asked) << one << near << far;
+        };
+        row("level", AskedFor::level, 50, 51, 51.1);
+        row("level below", AskedFor::level, 50, 49, 48.9);
+        row("level at the pole", AskedFor::ranging_level, -0.5, 0.5, 0.6);
+        row("channel power", AskedFor::channel_power, -60, -61, -61.1);
+        row("C/N", AskedFor::cn, 10, 11, 11.1);
+        row("MER", AskedFor::mer, 14, 15, 15.1);
+        row("offset in MHz", AskedFor::offset, 0.25, 0.75, 0.8);
+        row("attenuation in steps", AskedFor::attenuation, 2, 2, 3);
+        row("rate by its exponent", AskedFor::channel_ber, 1e-4, 3e-4, 3.3e-4);
+        row("corrected rate", AskedFor::corrected_ber, 1e-8, 3.3e-9, 3e-9);
+        row("no error at all", AskedFor::corrected_ber, 0, 3e-12, 4e-12);
+    }
+    void two_readings_of_a_steady_signal_agree() {
+        QFETCH(int, asked);
+        QFETCH(double, one);
+        QFETCH(double, near);
+        QFETCH(double, far);
+        const auto what = static_cast<AskedFor>(asked);
+        const AskedValue reading{what, one, {}};
+        QVERIFY(agree(reading, AskedValue{what, near, {}}));
+        QVERIFY(agree(AskedValue{what, near, {}}, reading));
+        QVERIFY(!agree(reading, AskedValue{what, far, {}}));
+        QVERIFY(!agree(AskedValue{what, far, {}}, reading));
+        // The first two are what is usual for a program.
+        const Scatter scatter = known(what, {one, one});
+        QVERIFY(!scatter.surprises("A", {what, near, {}}));
+        QVERIFY(scatter.surprises("A", {what, far, {}}));
+    }
+
+    void readings_agree_in_kind_mark_and_number() {
+        const AskedValue level{AskedFor::level, 50, {}};
+        QVERIFY(!agree(level, AskedValue{AskedFor::cn, 50, {}}));
+        QVERIFY(!agree(level, AskedValue{AskedFor::level, 50, u'<'}));
+        QVERIFY(
+            agree(AskedValue{AskedFor::level, 50, u'<'}, AskedValue{AskedFor::level, 50, u'<'}));
+        const AskedValue mer{AskedFor::mer, 14, {}};
+        QVERIFY(agree(AskedValues{level, mer}, AskedValues{level, mer}));
+        QVERIFY(!agree(AskedValues{level, mer}, AskedValues{mer, level}));
+        QVERIFY(!agree(AskedValues{level, mer}, AskedValues{level}));
+        QVERIFY(!agree(AskedValues{level}, AskedValues{level, mer}));
+        QVERIFY(!agree(AskedValues{level, mer}, AskedValues{level, {AskedFor::mer, 18, {}}}));
+    }
+
+    void what_a_program_scatters_does_not_surprise() {
+        constexpr auto kLevel = AskedFor::level;
+        // The middle is 52, and half of them lie within 2 of it.
+        const Scatter wide = known(kLevel, {54, 50, 52, 48, 52});
+        for (const double value : {44.0, 52.0, 60.0})
+            QVERIFY(!wide.surprises("A", {kLevel, value, {}}));
+        for (const double value : {43.9, 60.1}) QVERIFY(wide.surprises("A", {kLevel, value, {}}));
+        // One that was spoilt and taken moves neither the middle nor the room.
+        const Scatter spoilt = known(kLevel, {50, 50, 999, 50, 50});
+        QVERIFY(!spoilt.surprises("A", {kLevel, 51, {}}));
+        QVERIFY(spoilt.surprises("A", {kLevel, 52, {}}));
+    }
+
+    void what_is_not_known_of_a_program_surprises() {
+        constexpr auto kLevel = AskedFor::level;
+        QVERIFY(Scatter().surprises("A", {kLevel, 50, {}}));
+        QVERIFY(known(kLevel, {50}).surprises("A", {kLevel, 50, {}}));
+        const Scatter scatter = known(kLevel, {50, 50});
+        QVERIFY(!scatter.surprises("A", {kLevel, 50, {}}));
+        QVERIFY(scatter.surprises("B", {kLevel, 50, {}}));
+        QVERIFY(scatter.surprises("A", {AskedFor::mer, 50, {}}));
+        QVERIFY(scatter.surprises("A", {kLevel, 50, u'>'}));
+    }
+
+    void the_last_eight_readings_are_what_is_known() {
+        constexpr auto kLevel = AskedFor::level;
+        // Four and four: nobody can say which is usual.
+        Scatter scatter = known(kLevel, {50, 50, 50, 50, 50, 80, 80, 80, 80});
+        QVERIFY(!scatter.surprises("A", {kLevel, 50, {}}));
+        QVERIFY(!scatter.surprises("A", {kLevel, 80, {}}));
+        scatter.add("A", {kLevel, 80, {}});
+        QVERIFY(scatter.surprises("A", {kLevel, 50, {}}));
+        QVERIFY(!scatter.surprises("A", {kLevel, 80, {}}));
+        // Only the last one's mark counts.
+        scatter.add("A", {kLevel, 80, u'>'});
+        QVERIFY(scatter.surprises("A", {kLevel, 80, {}}));
+        QVERIFY(!scatter.surprises("A", {kLevel, 80, u'>'}));
     }
 
     void measurements_are_told_apart_by_program_tuning_and_unit() {
