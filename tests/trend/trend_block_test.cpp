@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What is summed up in blocks is drawn as if every point had been looked at.
+// What of a series is drawn: columns of pixels, pauses, the window and its axis. What is summed up
+// in blocks is drawn as if every point had been looked at.
 #include <QRandomGenerator>
 #include <QTest>
 #include <bit>
+#include <cmath>
 
+#include "trend_limits.h"
 #include "trend_sampling.h"
+#include "trend_window.h"
 
 namespace m47 {
 namespace {
@@ -42,6 +46,50 @@ bool same(const std::vector<TrendSpot>& one, const std::vector<TrendSpot>& other
                       [&](const TrendSpot& a, const TrendSpot& b) {
                           return bits(a.time) == bits(b.time) && bits(a.value) == bits(b.value);
                       });
+}
+
+/// A row at a time, with a level; none where that is no number.
+struct At {
+    double time;
+    double level = 50;
+    bool failed = false;
+};
+
+TrendSeries series_of(const QList<At>& rows) {
+    TrendSeries series(SeriesKey{});
+    for (const At& row : rows) {
+        TrendPoint point;
+        point.time = row.time;
+        point.values = {static_cast<float>(row.level), NAN, NAN};
+        point.status = row.failed ? Verdict::fail : Verdict::pass;
+        series.add(point);
+    }
+    series.settle();
+    return series;
+}
+
+/// Points a second apart from 0 on.
+TrendSeries series_of_levels(const QList<double>& levels) {
+    QList<At> rows;
+    for (const double level : levels) rows += At{static_cast<double>(rows.size()), level};
+    return series_of(rows);
+}
+
+/// "0:50 3:40 | 5:50"
+QString drawn(const std::vector<TrendSpot>& spots) {
+    QStringList texts;
+    for (const TrendSpot& spot : spots)
+        texts << (std::isnan(spot.value) ? QStringLiteral("|")
+                                         : QStringLiteral("%1:%2").arg(spot.time).arg(spot.value));
+    return texts.join(u' ');
+}
+
+TrendSamples levels_of(const TrendSeries& series, TrendRange shown, int columns) {
+    return sample_trend(series, Quantity::level, shown, columns);
+}
+
+QString text_of(TrendRange range) {
+    return QStringLiteral("%1 to %2").arg(range.lower, 0, 'g', 10).arg(range.upper, 0, 'g', 10);
 }
 
 }  // namespace
@@ -111,6 +159,187 @@ class TrendBlockTest : public QObject {
             QVERIFY(same(one.line, other.line));
             QVERIFY(same(one.failed, other.failed));
         }
+    }
+
+    void what_is_usual_lies_between_powers_of_two_data() {
+        QTest::addColumn<QList<double>>("spacings");
+        QTest::addColumn<double>("longest");
+        const auto row = [](const char* name, const QList<double>& spacings, double longest) {
+            QTest::newRow(name) << spacings << longest;
+        };
+        const double none = std::numeric_limits<double>::infinity();
+        row("nothing is usual yet", {10, 10}, none);
+        row("three are enough", {10, 10, 10}, 64);
+        row("within the same second", {0, 0, 0.5}, 4);
+        row("a second", {1, 1, 1}, 8);
+        row("just below eight", {7.9, 7.9, 7.9}, 32);
+        row("eight", {8, 8, 8}, 64);
+        row("few long ones", {1, 1, 1, 100, 100}, 8);
+        row("half of them long", {1, 1, 100, 100}, 512);
+        row("a clock that is set back", {10, 10, -25, 10}, 64);
+    }
+    void what_is_usual_lies_between_powers_of_two() {
+        QFETCH(QList<double>, spacings);
+        QList<At> rows{{1000}};
+        for (const double spacing : std::as_const(spacings)) rows += At{rows.last().time + spacing};
+        QTEST(series_of(rows).longest_spacing(), "longest");
+    }
+
+    void a_pause_is_longer_than_four_usual_spacings() {
+        const TrendRange all{0, 200};
+        const TrendSeries joined = series_of({{0}, {10}, {20}, {30}, {94}, {104}});
+        QCOMPARE(drawn(levels_of(joined, all, 20).line),
+                 QStringLiteral("0:50 10:50 20:50 30:50 94:50 104:50"));
+        const TrendSeries parted = series_of({{0}, {10}, {20}, {30}, {94.5}, {104}});
+        QCOMPARE(drawn(levels_of(parted, all, 20).line),
+                 QStringLiteral("0:50 10:50 20:50 30:50 | 94.5:50 104:50"));
+    }
+
+    void a_column_shows_its_first_least_greatest_and_last() {
+        const TrendSeries series =
+            series_of_levels({50, 60, 40, 55, 52, 51, 51, 51, 51, 30, 35, 70, 45, 44, 43, 42});
+        const TrendSamples samples = levels_of(series, {0, 16}, 2);
+        QVERIFY(samples.dense);
+        QCOMPARE(drawn(samples.line), QStringLiteral("0:50 1:60 2:40 7:51 8:51 9:30 11:70 15:42"));
+        QVERIFY(samples.dots.empty() && samples.failed.empty());
+        QCOMPARE(text_of(*samples.values), QStringLiteral("30 to 70"));
+    }
+
+    void columns_are_summed_up_from_more_than_four_points_on() {
+        const TrendSeries series =
+            series_of_levels({50, 51, 52, 53, 54, 55, 56, 57, 58, 59, 60, 61, 62, 63, 64, 65});
+        QVERIFY(!levels_of(series, {0, 15}, 4).dense);
+        QVERIFY(levels_of(series, {0, 15}, 3).dense);
+        QCOMPARE(levels_of(series, {0, 15}, 4).line.size(), std::size_t(16));
+        // At one time all of them are one column whatever its width.
+        QVERIFY(!levels_of(series, {5, 5}, 1).dense);
+    }
+
+    void a_dot_has_eight_columns() {
+        const TrendSeries series = series_of_levels({50, 51, 52, 53});
+        QCOMPARE(drawn(levels_of(series, {0, 3}, 32).dots), QStringLiteral("0:50 1:51 2:52 3:53"));
+        QVERIFY(levels_of(series, {0, 3}, 31).dots.empty());
+    }
+
+    void a_column_between_two_gaps_is_a_dot_or_a_stroke() {
+        const double none = NAN;
+        // Columns of eight points: the second has one value, the third stands alone with two.
+        const TrendSeries series = series_of_levels(
+            {50,   50, 51, 51, 50,   50,   50,   none, none, none, none, 53, none, none, none, none,
+             none, 54, 55, 54, none, none, none, none, 56,   56,   56,   56, 56,   56,   56,   56});
+        const TrendSamples samples = levels_of(series, {0, 32}, 4);
+        QVERIFY(samples.dense);
+        QCOMPARE(drawn(samples.line), QStringLiteral("0:50 2:51 6:50 | 17:54 18:55 19:54"));
+        QCOMPARE(drawn(samples.dots), QStringLiteral("11:53 24:56"));
+    }
+
+    void a_gap_within_a_column_leads_no_line_to_the_next() {
+        QList<double> levels{50, 51, 50, NAN, 50, 50, 50, 50, 60, 61, 60, 60, 60, 60, 60, 60};
+        QCOMPARE(drawn(levels_of(series_of_levels(levels), {0, 16}, 2).line),
+                 QStringLiteral("0:50 1:51 7:50 | 8:60 9:61 15:60"));
+        levels[3] = 50;
+        QCOMPARE(drawn(levels_of(series_of_levels(levels), {0, 16}, 2).line),
+                 QStringLiteral("0:50 1:51 7:50 8:60 9:61 15:60"));
+    }
+
+    void a_column_marks_the_extremes_of_what_failed_data() {
+        QTest::addColumn<QList<double>>("failed");
+        QTest::addColumn<QString>("marks");
+        QTest::newRow("none") << QList<double>{} << "";
+        QTest::newRow("one") << QList<double>{40} << "0:40";
+        QTest::newRow("alike") << QList<double>{40, 40} << "0:40";
+        QTest::newRow("two") << QList<double>{40, 45} << "0:40 1:45";
+        QTest::newRow("falling") << QList<double>{45, 40} << "1:40 0:45";
+        QTest::newRow("three") << QList<double>{42, 40, 45} << "1:40 2:45";
+        QTest::newRow("first of the same") << QList<double>{40, 45, 40, 45} << "0:40 1:45";
+    }
+    void a_column_marks_the_extremes_of_what_failed() {
+        QFETCH(QList<double>, failed);
+        QList<At> rows;
+        for (int k = 0; k < 9; ++k) {
+            const bool fails = k < failed.size();
+            rows += At{static_cast<double>(k), fails ? failed[k] : 50, fails};
+        }
+        const TrendSamples samples = levels_of(series_of(rows), {0, 9}, 1);
+        QVERIFY(samples.dense);
+        QTEST(drawn(samples.failed), "marks");
+    }
+
+    void what_lies_at_the_edge_of_sight_is_in_sight() {
+        const TrendSeries series = series_of_levels({90, 50, 51, 52, 10});
+        QCOMPARE(text_of(*levels_of(series, {1, 3}, 100).values), QStringLiteral("50 to 52"));
+        QCOMPARE(text_of(*levels_of(series, {0, 4}, 100).values), QStringLiteral("10 to 90"));
+        QCOMPARE(drawn(levels_of(series, {1.5, 2.5}, 100).line), QStringLiteral("1:50 2:51 3:52"));
+        QVERIFY(!levels_of(series, {1.1, 1.2}, 100).values);
+    }
+
+    void a_window_has_room_behind_its_newest_row() {
+        TrendWindow window;
+        window.rows_came({1000, 2000}, 2000);
+        QCOMPARE(text_of(window.shown()), QStringLiteral("980 to 2020"));
+        window.rows_came({1000, 1030}, 1030);
+        QCOMPARE(text_of(window.shown()), QStringLiteral("984.4 to 1045.6"));
+        window.choose({1020, 1040});
+        QCOMPARE(text_of(window.shown()), QStringLiteral("1020 to 1040"));
+        window.rows_came({1000, 1100}, 1100);
+        QCOMPARE(text_of(window.shown()), QStringLiteral("1080.4 to 1100.4"));
+    }
+
+    void a_chosen_window_is_kept_within_bounds() {
+        TrendWindow window;
+        window.rows_came({1000, 2000}, 2000);
+        window.choose({0, 5000});
+        QCOMPARE(text_of(window.shown()), QStringLiteral("1400 to 2600"));
+        window.choose({1500, 1501});
+        QCOMPARE(text_of(window.shown()), QStringLiteral("1499.5 to 1501.5"));
+        window.choose({100, 200});
+        QCOMPARE(text_of(window.shown()), QStringLiteral("950 to 1050"));
+        window.choose({3000, 3100});
+        QCOMPARE(text_of(window.shown()), QStringLiteral("1950 to 2050"));
+        // Of a few rows two minutes can be looked at.
+        window.rows_came({1000, 1010}, 1010);
+        window.choose({0, 5000});
+        QCOMPARE(text_of(window.shown()), QStringLiteral("950 to 1070"));
+    }
+
+    void the_newest_row_at_the_edge_is_still_followed_data() {
+        QTest::addColumn<double>("lower");
+        QTest::addColumn<double>("upper");
+        QTest::addColumn<bool>("follows");
+        QTest::newRow("at the right edge") << 1900.0 << 2000.0 << true;
+        QTest::newRow("beyond the right edge") << 1899.0 << 1999.0 << false;
+        QTest::newRow("at the left edge") << 2000.0 << 2100.0 << true;
+        QTest::newRow("beyond the left edge") << 2001.0 << 2101.0 << false;
+    }
+    void the_newest_row_at_the_edge_is_still_followed() {
+        QFETCH(double, lower);
+        QFETCH(double, upper);
+        TrendWindow window;
+        // The clock was set back: the newest row is not the latest.
+        window.rows_came({1000, 3000}, 2000);
+        window.choose({lower, upper});
+        QTEST(window.follows(), "follows");
+    }
+
+    void a_limit_is_shown_up_to_six_times_the_values_away_data() {
+        QTest::addColumn<double>("lower");
+        QTest::addColumn<double>("upper");
+        QTest::addColumn<QString>("axis");
+        // The values alone are 40 to 70; there is room of 8 % on either side.
+        QTest::newRow("both near") << 30.0 << 80.0 << "26 to 84";
+        QTest::newRow("within the values") << 45.0 << 60.0 << "37.6 to 72.4";
+        QTest::newRow("lower as far as can be") << -110.0 << 60.0 << "-124.4 to 84.4";
+        QTest::newRow("lower too far") << -110.5 << 80.0 << "36.8 to 83.2";
+        QTest::newRow("upper as far as can be") << 50.0 << 220.0 << "25.6 to 234.4";
+        QTest::newRow("upper too far") << 30.0 << 220.5 << "26.8 to 73.2";
+        QTest::newRow("both too far") << -999.0 << 999.0 << "37.6 to 72.4";
+    }
+    void a_limit_is_shown_up_to_six_times_the_values_away() {
+        QFETCH(double, lower);
+        QFETCH(double, upper);
+        const TrendRange axis =
+            value_axis(Quantity::level, TrendRange{40, 70}, TrendRange{lower, upper});
+        QTEST(text_of(axis), "axis");
     }
 };
 
