@@ -184,6 +184,17 @@ class ImportTest : public QObject {
         row("logger_state", "x", 0LL, kChanged);
         row("lev_min", 45LL, "45", kSame);
         row("lev_min", 45.5, "45.5", kSame);
+        row("lev_min", true, "1", kSame);
+        row("pg_num", "0", "000", kChanged);
+        row("logger_pos", "1", "01", kChanged);
+        row("logger_pos", "0", "0", Verdict::doubtful);
+        row("frequenza", "inf", QVariant(), kChanged);
+        row("satchbw", "nan", QVariant(), kChanged);
+        row("loc_osc", "x", false, kChanged);
+        row("loc_osc", "1", true, kSame);
+        row("loc_osc0", 1.5, 1LL, kChanged);
+        row("diseqc_cmd", 0LL, 0LL, kSame);
+        row("monitor_state", 0LL, 0LL, kSame);
     }
     void values_take_their_form() {
         QFETCH(QByteArray, field);
@@ -230,6 +241,78 @@ class ImportTest : public QObject {
               "An entry '**********' is no satellite", "The satellite 'S' stands twice",
               "The data of satellite 'S-2' do not end"})
             QVERIFY2(report.contains(QLatin1String(line)), line);
+    }
+
+    void what_stands_twice_is_told_once() {
+        const ImportPlan plan = import_plan_of(old_database(
+            {plans({"A"}), table("programmi", {"nome", "pg_num", "logger_pos"},
+                                 {{"A", "001", ""}, {"A", "001", ""}, {"A", "001", "07"}})}));
+        QCOMPARE(said(plan).count("stands twice"), 1);
+    }
+
+    void plans_without_a_list_are_no_correction() {
+        const ImportPlan plan = import_plan_of(old_database(
+            {table("configurazione", {"nome"}, {{"A"}}), table("programmi", {"nome"}, {{"A"}})}));
+        QCOMPARE(names_of(plan), QStringList{"A"});
+        QVERIFY2(plan.corrected.isEmpty(), qPrintable(said(plan)));
+    }
+
+    void satellites_take_their_form() {
+        const ImportPlan plan = import_plan_of(old_database({table(
+            "asl", {"nome", "dati"},
+            {{" Astra 19.2E ", "S9030000FC\r"}, {"Astra 19.2E", "S9030000FC"}, {"X", {}}})}));
+        QCOMPARE(plan.satellites.size(), 3);
+        QCOMPARE(plan.satellites[0].name, QStringLiteral("Astra 19.2"));
+        QCOMPARE(plan.satellites[0].data, QVariant(QStringLiteral("S9030000FC\r")));
+        QCOMPARE(plan.satellites[1].name, QStringLiteral("Astra 19-2"));
+        QVERIFY(plan.satellites[2].data.isNull());
+        QCOMPARE(plan.corrected.size(), 2);
+        QCOMPARE(plan.to_check.size(), 1);
+        QVERIFY(said(plan).contains("The satellite ' Astra 19.2E ' is named 'Astra 19.2'."));
+        QVERIFY(said(plan).contains("The data of satellite 'X' do not end as they should."));
+        QCOMPARE(free_name("ABCDEFG XYZ", {}), QStringLiteral("ABCDEFG-2"));
+    }
+
+    void an_import_that_is_told_to_end_says_so_between_two_plans() {
+        QTemporaryDir folder;
+        const auto database = made_in(folder.path());
+        ImportPlan plan = import_plan_of(old_database({plans({"A", "B"})}));
+        int asked = 0;
+        Texts texts;
+        QCOMPARE(apply_import(plan, *database, texts, [&] { return ++asked > 1; }),
+                 QStringLiteral("the program was told to end"));
+        QCOMPARE(run_sql(database_in(folder.path()), {"SELECT nome FROM gruppo ORDER BY id"}),
+                 (QStringList{"PLAN 1", "A"}));
+        QVERIFY(plan.plans[0].arrival == Arrival::came && plan.plans[1].arrival == Arrival::open);
+    }
+
+    void the_report_line_by_line() {
+        ImportPlan plan;
+        plan.version = 3;
+        plan.plans.resize(3);
+        plan.plans[0].name = "A";
+        plan.plans[0].programs.resize(2);
+        plan.plans[0].arrival = Arrival::kept;
+        plan.plans[1].name = "B";
+        plan.plans[1].arrival = Arrival::renamed;
+        plan.plans[1].new_name = "B-2";
+        plan.plans[2].name = "C";
+        plan.missing = {"asl"};
+        Texts texts;
+        const QString report = QStringLiteral(
+            "Import of 'OLD.mdb' (Jet 3)\n\nPlans:\n"
+            "  A (programs: 2): clashed: the present one is kept\n"
+            "  B (programs: 0): clashed: came as 'B-2'\n"
+            "  C (programs: 0): not imported\n"
+            "\nSatellites:\n  none\n\nCorrected:\n  none\n"
+            "\nNot in the old database:\n  asl\n"
+            "\nCame: 0. Replaced: 0. Renamed: 1. Kept: 1. Corrections: 0.\n");
+        QCOMPARE(import_report(plan, "OLD.mdb", {}, texts), report);
+        QCOMPARE(import_report(plan, "OLD.mdb", "no room", texts),
+                 report + "The database could not be written any further: no room\n");
+        QCOMPARE(old_file_error_text({OldFileFault::damaged, "OLD.mdb", "12 bytes"}, texts),
+                 QStringLiteral("The old database 'OLD.mdb' is damaged. Use a backup copy of it. "
+                                "Nothing has been imported. (12 bytes)"));
     }
 
     void missing_and_unknown_tables_and_fields_are_reported() {
