@@ -41,8 +41,9 @@ class Report:
     def result(self, number):
         return self._rows[number][2]
 
-    def hung(self):
-        return [m for m in self.mutants if self.result(m.number) == "hung"]
+    def of(self, result):
+        """Those of which this is known so far."""
+        return [m for m in self.mutants if self.result(m.number) == result]
 
     def note(self, number, result, test=""):
         """The last line of a number counts."""

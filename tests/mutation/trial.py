@@ -19,6 +19,8 @@ _MEMORY = 4 << 30
 _FILE_SIZE = 1 << 30
 _SHORTEST_LIMIT = 10
 _TIMES_NORMAL = 5
+# Seconds from which on a function of a test is only asked about what the others let pass.
+_QUICK = 8
 # Tests of a room that stand in another one's folder, as they need more than that room.
 _ELSEWHERE = {"common": ["shell.preferences"], "link": ["realtime.late_answer"],
               "measurement": ["realtime.spoilt_byte", "trend.trend"],
@@ -43,12 +45,12 @@ class Test:
     real_time: bool = False
     functions: list = field(default_factory=list)
 
-    def coming_by(self, number):
-        return [f for f in self.functions if number in f.reached]
-
-    def seconds(self, number):
-        """What its functions that come by this mutant take."""
-        return sum(f.seconds for f in self.coming_by(number))
+    def coming_by(self, number, slow):
+        """Its functions that come by this mutant, the quickest first: those that take their time,
+        or the others."""
+        found = [f for f in self.functions
+                 if number in f.reached and (f.seconds > _QUICK) == slow]
+        return sorted(found, key=lambda f: f.seconds)
 
 
 def tests_of(build_folder, room):
@@ -124,23 +126,33 @@ def _functions_of(test):
     return [line.removesuffix("()") for line in listed.split("\n") if line.endswith("()")]
 
 
-def verdict(number, tests):
-    """Which test kills this mutant and how ("failed", "hung"); None when all of them pass."""
-    coming_by = [t for t in tests if t.coming_by(number)]
-    for test in sorted(coming_by, key=lambda t: t.seconds(number)):
-        result = _tried(test, number)
+def is_reached(number, tests):
+    return any(number in f.reached for test in tests for f in test.functions)
+
+
+def verdict(number, tests, slow):
+    """Which test kills this mutant and how ("failed", "hung"), by its quick functions or by its
+    slow ones; None when all of them pass."""
+    trials = [(test, test.coming_by(number, slow)) for test in tests]
+    for test, functions in sorted(trials, key=lambda each: _seconds(each[1])):
+        result = _tried(test, functions, number)
         # What the clock of a busy machine has done is not done twice.
         if result != "passed" and test.real_time:
-            result = _tried(test, number)
+            result = _tried(test, functions, number)
         if result != "passed":
             return test.name, result
     return None
 
 
-def _tried(test, number):
-    functions = [f.name for f in test.coming_by(number)]
-    limit = _SHORTEST_LIMIT + _TIMES_NORMAL * test.seconds(number)
-    return run(test, functions, number, limit=limit)
+def _seconds(functions):
+    return sum(f.seconds for f in functions)
+
+
+def _tried(test, functions, number):
+    if not functions:
+        return "passed"
+    limit = _SHORTEST_LIMIT + _TIMES_NORMAL * _seconds(functions)
+    return run(test, [f.name for f in functions], number, limit=limit)
 
 
 def _bound():
