@@ -60,6 +60,7 @@ class IdentificationTest : public QObject {
     void an_empty_answer_is_no_meter();
     void a_device_that_another_start_uses_is_left_alone();
     void the_link_drops_between_the_two_questions();
+    void the_state_names_the_port_once_there_is_one();
     void the_caption_grows();
     void reconnecting_asks_the_same_device_again();
     void reconnecting_before_a_port_was_picked();
@@ -162,6 +163,12 @@ void IdentificationTest::the_link_drops_between_the_two_questions() {
     QVERIFY(!s.link.port_connected);
     QCOMPARE(s.view.state_text, QString("RS232 ComPort 1 NOT Connected"));
     QCOMPARE(s.window.text, QString("VKD M47_03 REMOTE CONTROL "));
+}
+
+void IdentificationTest::the_state_names_the_port_once_there_is_one() {
+    QCOMPARE(port_state_text(0, false), QStringLiteral("RS232 ComPort NOT Connected"));
+    QCOMPARE(port_state_text(1, false), QStringLiteral("RS232 ComPort 1 NOT Connected"));
+    QCOMPARE(port_state_text(10, true), QStringLiteral("RS232 ComPort 10 Connected"));
 }
 
 void IdentificationTest::the_caption_grows() {

@@ -164,6 +164,7 @@ void ReplyTest::where_an_answer_ends_data() {
     row("ERROR\r", 6);
     row("A\rOK\rERROR\r", 5);
     row("COMMAND ERROR\rA\rOK\r", 14);
+    row("ERROR\rA\rOK\r", 6);
 }
 
 void ReplyTest::where_an_answer_ends() {
@@ -177,6 +178,8 @@ void ReplyTest::late_answers_are_counted_until_they_cannot_come() {
     QVERIFY(late.may_come(10));
     QVERIFY(!late.may_come(10.1));
     late.expect("B", 2, 5, 20);
+    // Nobody waits for it, whoever else is waited for.
+    late.came("C\rOK\r");
     QVERIFY(late.may_come("A", 9));
     QVERIFY(late.may_come("A", 10));
     QVERIFY(!late.may_come("A", 11));

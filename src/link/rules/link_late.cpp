@@ -83,19 +83,15 @@ void Link::note_late_answers(const QString& received) {
 void Link::wait_for_late_answers() {
     double until = last_sent_ + answer_took_ + kSlack;
     const double limit = last_sent_ + answer_limit(command_text) + kSlack;
-    double quiet_from = clock_.steady();
     while (asked_ > answered_ && port_.is_open() && !told_to_end()) {
         const QByteArray input = port_.read_all();
         const double now = clock_.steady();
-        if (!input.isEmpty()) {
-            quiet_from = now + kSlack;
-            until = std::max(until, now + answer_took_ + kSlack);
-        }
+        if (!input.isEmpty()) until = std::max(until, now + answer_took_ + kSlack);
         behind_ += QString::fromLatin1(input);
         const qsizetype end = answer_end(behind_);
         note_late_answers(behind_.left(end));
         behind_.remove(0, end);
-        if (now > limit || (now > until && now > quiet_from)) break;
+        if (now > limit || now > until) break;
         port_.wait_for_input(kPollSlice);
         pump_when_due();
     }
