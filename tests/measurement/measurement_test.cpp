@@ -186,7 +186,14 @@ class MeasurementTest : public QObject {
         QCOMPARE(time_text(-1), std::string("1969-12-31 23:59:59"));
     }
 
+    void verdicts_are_the_words_of_the_rows() {
+        QCOMPARE(verdict_text(Verdict::pass), QStringLiteral("PASS"));
+        QCOMPARE(verdict_text(Verdict::fail), QStringLiteral("FAIL"));
+        QCOMPARE(verdict_text(Verdict::none), QString());
+    }
+
     void a_number_at_the_edge_of_its_form() {
+        QCOMPARE(leading_value("5"), std::optional<double>(5));
         QCOMPARE(leading_value("+1.5x"), std::optional<double>(1.5));
         QCOMPARE(leading_value("-.5"), std::optional<double>(-0.5));
         for (const char* none : {"", "-", ".", "-.", "inf", "x1", "+-"})
@@ -316,6 +323,9 @@ class MeasurementTest : public QObject {
         QVERIFY(hash(series_key(next)) != hash(key));
         next.unit.reset();
         QVERIFY(hash(series_key(next)) != hash(key));
+        Measurement in_dbuv = whole();
+        in_dbuv.unit = kDbuv;
+        QVERIFY(hash(series_key(next)) != hash(series_key(in_dbuv)));
         QVERIFY(hash(series_key(single)) != hash(key));
         QCOMPARE(series_key(single).oscillator_text(), QStringLiteral("10600"));
         next = single;
