@@ -129,12 +129,24 @@ class Writer {
 
     QByteArray encoded(const QString& text) const {
         if (jet3_) return QStringEncoder("windows-1252").encode(text);
+        if (text.size() % 2 == 0 && text.size() > 2) return in_runs(text);
         QByteArray wide;
         for (const QChar one : text) wide += little(one.unicode());
-        const QByteArray narrow = text.toLatin1();
-        const bool compressible =
-            text.size() % 2 == 0 && text.size() > 2 && QString::fromLatin1(narrow) == text;
-        return compressible ? "\xff\xfe" + narrow : wide;
+        return wide;
+    }
+
+    /// Single bytes and UTF-16, with a zero byte at each change.
+    static QByteArray in_runs(const QString& text) {
+        QByteArray bytes("\xff\xfe");
+        bool single = true;
+        for (const QChar one : text) {
+            if ((one.unicode() <= 0xff) != single) {
+                bytes += '\0';
+                single = !single;
+            }
+            bytes += single ? QByteArray(1, one.toLatin1()) : little(one.unicode());
+        }
+        return bytes;
     }
 
     quint32 write_long(const QByteArray& bytes, bool chain) {

@@ -35,8 +35,9 @@ struct JetRows {
 /// A small file of the old engine, version 3 or 4, with these tables: no index, no second page of
 /// rows, no row of 256 bytes or more. Long texts lie in a chain of pages where they are longer than
 /// a page, on one page where they are longer than 30 characters, in the row else. Jet 4 texts of an
-/// even number of characters are written compressed, the others as UTF-16, Jet 3 texts in
-/// Windows-1252. `header` is the first page of a real file, whose scrambled part is kept.
+/// even number of characters are written in runs, compressed where they can be, the others as
+/// UTF-16, Jet 3 texts in Windows-1252. `header` is the first page of a real file, whose scrambled
+/// part is kept.
 QByteArray jet_file(int version, const QByteArray& header, const QList<JetRows>& tables);
 
 }  // namespace m47

@@ -324,8 +324,16 @@ class ReaderTest : public QObject {
             QCOMPARE(table(database, "asl").rows[k][1], made[2].rows[k][1]);
     }
 
-    void characters_beyond_the_first_plane() {
-        const QString text = QString::fromUtf8("\U0001F4E1 x");
+    void characters_of_more_than_a_byte_data() {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("beyond the first plane") << QString::fromUtf8("\U0001F4E1 xy");
+        QTest::newRow("between single bytes") << QString::fromUtf8("ab€‰cd");
+        QTest::newRow("at the end") << QString::fromUtf8("abc€");
+        QTest::newRow("at the begin") << QString::fromUtf8("€abc");
+        QTest::newRow("half of each") << QString::fromUtf8("\U0001F4E1àb");
+    }
+    void characters_of_more_than_a_byte() {
+        QFETCH(QString, text);
         const QList<JetRows> made{
             {QStringLiteral("gruppo"), {{QStringLiteral("nome"), JetKind::text}}, {{text}}}};
         const OldDatabase database = read(written(jet_file(4, real_file(), made)));
