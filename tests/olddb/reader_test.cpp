@@ -16,7 +16,6 @@
 #include <QTest>
 #include <array>
 #include <cerrno>
-#include <limits>
 
 #include "attempts.h"
 #include "confinement.h"
@@ -24,7 +23,6 @@
 #include "import_values.h"
 #include "jet_writer.h"
 #include "old_reader.h"
-#include "old_stream.h"
 
 namespace m47 {
 
@@ -159,19 +157,6 @@ class ReaderTest : public QObject {
     static QByteArray content_of(const QString& path) {
         QFile file(path);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
-    /// A table of one field and one row, as it is handed over.
-    static QByteArray handed_over(const QVariant& value) {
-        return bytes_of_reading(
-            OldDatabase{4, {{QStringLiteral("gruppo"), {QStringLiteral("nome")}, {{value}}}}, {}});
-    }
-    static bool is_taken(const QByteArray& bytes) {
-        return std::holds_alternative<OldDatabase>(reading_of_bytes(bytes));
-    }
-    /// `bytes` with `change` at the `place`; negative: from the end.
-    static QByteArray changed(QByteArray bytes, qsizetype place, char change) {
-        bytes[place < 0 ? bytes.size() + place : place] = change;
-        return bytes;
     }
 
   private Q_SLOTS:
@@ -340,6 +325,29 @@ class ReaderTest : public QObject {
         QCOMPARE(database.tables[0].rows[0][0], QVariant(text));
     }
 
+    void a_long_text_that_is_not_what_is_stated_is_damage_data() {
+        QTest::addColumn<QByteArray>("stated");
+        QTest::addColumn<QByteArray>("other");
+        const auto row = [](const char* name, const QByteArray& stated, const QByteArray& other) {
+            QTest::newRow(name) << stated << other;
+        };
+        // The length, and in the two highest bits where the text lies.
+        row("longer in the row", QByteArray("\x0a\0\0\x80", 4), QByteArray("\x0c\0\0\x80", 4));
+        row("shorter in the row", QByteArray("\x0a\0\0\x80", 4), QByteArray("\x08\0\0\x80", 4));
+        row("longer on a page", QByteArray("\x9a\x01\0\x40", 4), QByteArray("\x9c\x01\0\x40", 4));
+        row("shorter on a page", QByteArray("\x9a\x01\0\x40", 4), QByteArray("\x98\x01\0\x40", 4));
+        row("longer than its chain", QByteArray("\x6a\x10\0\0", 4), QByteArray("\x6c\x10\0\0", 4));
+        row("on pages of a table", "LVAL", QByteArray("\2\0\0\0", 4));
+    }
+    void a_long_text_that_is_not_what_is_stated_is_damage() {
+        QFETCH(QByteArray, stated);
+        QFETCH(QByteArray, other);
+        QByteArray file = jet_file(4, real_file(), made_tables());
+        QVERIFY(file.contains(stated));
+        file.replace(stated, other);
+        QCOMPARE(fault_of(file).fault, OldFileFault::damaged);
+    }
+
     void a_file_of_other_tables_is_told() {
         const QList<JetRows> made{
             {QStringLiteral("clienti"), {{QStringLiteral("nome"), JetKind::text}}, {{"x"}}}};
@@ -437,58 +445,6 @@ class ReaderTest : public QObject {
         const OldDatabase database = read(written(file));
         QCOMPARE(cell(database, "gruppo", 0, "nome").toString(),
                  QStringLiteral("citt") + character_of(page, '\xe0'));
-    }
-
-    void bytes_that_are_no_rows_are_refused() {
-        const QByteArray bytes = handed_over(QStringLiteral("KEY"));
-        QVERIFY(is_taken(bytes));
-        for (const qsizetype place : {0, 3, -4, -1}) QVERIFY(!is_taken(changed(bytes, place, 'x')));
-        // Before the text: its length, its kind, and what a row begins with.
-        const qsizetype text = bytes.indexOf(QByteArray("\0K\0E\0Y", 6));
-        const qsizetype kind = text - 5;
-        QCOMPARE(bytes[kind], char{1});
-        for (const char other : {'\x05', '\x09', '\xff'})
-            QVERIFY(!is_taken(changed(bytes, kind, other)));
-        QVERIFY(!is_taken(changed(bytes, kind - 1, 1)));
-        // Half of a pair of UTF-16.
-        QVERIFY(!is_taken(changed(bytes, text, '\xd8')));
-        QVERIFY(!is_taken(changed(bytes, text, '\xdc')));
-        QVERIFY(is_taken(changed(bytes, text, '\xe0')));
-    }
-
-    void numbers_that_are_none_are_refused() {
-        QVERIFY(is_taken(handed_over(1.5)));
-        QVERIFY(is_taken(handed_over(std::numeric_limits<double>::max())));
-        QVERIFY(!is_taken(handed_over(std::numeric_limits<double>::infinity())));
-        QVERIFY(!is_taken(handed_over(std::numeric_limits<double>::quiet_NaN())));
-    }
-
-    void a_table_has_256_fields_at_most() {
-        OldDatabase database{4, {{QStringLiteral("gruppo"), {}, {}}}, {}};
-        for (int k = 0; k < 256; ++k) database.tables[0].fields += QString::number(k);
-        const OldReading read = reading_of_bytes(bytes_of_reading(database));
-        QVERIFY(std::holds_alternative<OldDatabase>(read));
-        QCOMPARE(std::get<OldDatabase>(read), database);
-        database.tables[0].fields += QStringLiteral("one more");
-        QVERIFY(!is_taken(bytes_of_reading(database)));
-    }
-
-    void the_handed_over_bytes_are_checked() {
-        const OldDatabase database = read(QStringLiteral(OLD_DATABASE));
-        const QByteArray bytes = bytes_of_reading(database);
-        QCOMPARE(std::get<OldDatabase>(reading_of_bytes(bytes)), database);
-        QCOMPARE(std::get<QString>(reading_of_bytes(bytes_of_reading(QStringLiteral("why")))),
-                 QStringLiteral("why"));
-        for (qsizetype size = 0; size < bytes.size(); size += 7)
-            QVERIFY(!is_taken(bytes.first(size)));
-        QVERIFY(!is_taken(bytes + 'x'));
-        QRandomGenerator random(11);
-        for (int turn = 0; turn < 2000; ++turn) {
-            QByteArray noisy = bytes;
-            noisy[random.bounded(static_cast<int>(noisy.size()))] =
-                static_cast<char>(random.bounded(256));
-            reading_of_bytes(noisy);
-        }
     }
 };
 
