@@ -134,6 +134,7 @@ class AcquisitionTest : public QObject {
     void progress_counts_the_programs_as_they_are();
     void a_level_that_the_mode_loses_is_told_once();
     void a_bandwidth_that_is_not_that_of_the_program_is_told();
+    void a_program_without_a_bandwidth_has_no_other_one();
     void an_antenna_that_is_not_switched_is_told();
     void plan_deleted_in_a_pass_data();
     void plan_deleted_in_a_pass();
@@ -1055,6 +1056,22 @@ void AcquisitionTest::a_bandwidth_that_is_not_that_of_the_program_is_told() {
     run_for(60);
     QCOMPARE(told, QStringList(other));
     QCOMPARE(f_->commands().filter("CHBW"), QStringList({"CHBW 08", "CHBW 27", "CHBW 36"}));
+}
+
+void AcquisitionTest::a_program_without_a_bandwidth_has_no_other_one() {
+    QStringList told;
+    f_->program.costs.on_cost = [&](const Bilingual& text) { told += text.english; };
+    f_->values["ATTEN?"] = "2";
+    f_->values["LEVDCP?"] = "P 61.5";
+    panel().meas_stated[kDcpLevel] = true;
+    add_plan("A", {1});
+    add_program("A", 1, {{"sat_ad", 1}});
+    acquisition().group();
+    panel().chbws = "27";
+    acquisition().multiple_acq();
+    run_for(60);
+    QCOMPARE(f_->commands().filter("CHBW"), QStringList("CHBW 27"));
+    QCOMPARE(told, QStringList());
 }
 
 void AcquisitionTest::an_antenna_that_is_not_switched_is_told() {

@@ -39,6 +39,7 @@ class ModesTest : public QObject {
     void load();
     void load_is_one_recall();
     void load_shows_the_screen_first();
+    void load_starts_the_noise_boxes_where_c_n_is_complete();
     void load_without_a_link();
     void load_while_commands_are_suspended();
     void load_goes_on_after_a_refusal_data();
@@ -206,6 +207,16 @@ void ModesTest::load_shows_the_screen_first() {
     f_->on_command = [&](const QByteArray& command) { events += QString::fromLatin1(command); };
     modes().Form_Load();
     QCOMPARE(events, QStringList{"shown"} + kLoadCommands);
+}
+
+void ModesTest::load_starts_the_noise_boxes_where_c_n_is_complete() {
+    panel().noise_freqa = panel().noise_freqd = "950.0";
+    modes().Form_Load();
+    QCOMPARE(panel().noise_freqa, QString("950.0"));
+    f_->program.corrected.complete = true;
+    modes().Form_Load();
+    QCOMPARE(panel().noise_freqa, QString("1000.0"));
+    QCOMPARE(panel().noise_freqd, QString("1000.0"));
 }
 
 void ModesTest::load_without_a_link() {

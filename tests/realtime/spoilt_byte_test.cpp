@@ -91,6 +91,8 @@ class SpoiltByteTest : public QObject {
     void each_fault_is_counted();
     void a_spoilt_echo_gives_no_row();
     void asking_twice_repeats_what_surprises();
+    void a_crossed_limit_of_the_presentation_is_asked_twice_data();
+    void a_crossed_limit_of_the_presentation_is_asked_twice();
     void two_answers_must_agree_data();
     void two_answers_must_agree();
 
@@ -284,6 +286,42 @@ void SpoiltByteTest::asking_twice_repeats_what_surprises() {
     // Another program is known by itself.
     f_->panel().fsat = "1100.0";
     QCOMPARE(asked(62.0), 2);
+}
+
+void SpoiltByteTest::a_crossed_limit_of_the_presentation_is_asked_twice_data() {
+    QTest::addColumn<bool>("digital");
+    QTest::newRow("digital") << true;
+    QTest::newRow("analog") << false;
+}
+
+void SpoiltByteTest::a_crossed_limit_of_the_presentation_is_asked_twice() {
+    QFETCH(bool, digital);
+    RealtimePanel& panel = f_->panel();
+    panel.satdigmea_visible = digital;
+    panel.meas_stated.fill(false);
+    panel.meas_statea.fill(false);
+    panel.meas_stated[kCnDigital] = panel.meas_statea[kCnAnalog] = true;
+    panel.alarm_stated = {false, true, false, false};
+    panel.alarm_statea = {false, true};
+    panel.cn_mind = panel.cn_mina = "5";
+    panel.cn_maxd = panel.cn_maxa = "15";
+    f_->program.corrected.ask_twice = f_->program.corrected.complete = true;
+    const auto asked = [this] {
+        f_->port.answer = [](const QByteArray& command) {
+            return FakePort::good(command, command.endsWith('?') ? "   10.0" : QByteArray());
+        };
+        f_->port.written.clear();
+        f_->acquisition.single_acq();
+        return f_->commands().filter("LEVCN").size();
+    };
+    QCOMPARE(asked(), 2);
+    QCOMPARE(asked(), 2);
+    QCOMPARE(asked(), 1);
+    // Limits of the other presentation are not those of this value.
+    (digital ? panel.cn_maxa : panel.cn_maxd) = "9";
+    QCOMPARE(asked(), 1);
+    (digital ? panel.cn_maxd : panel.cn_maxa) = "9";
+    QCOMPARE(asked(), 2);
 }
 
 void SpoiltByteTest::two_answers_must_agree_data() {

@@ -17,8 +17,7 @@ constexpr int kMostAsked = 4;
 std::optional<AlarmRow> row_of(AskedFor asked, bool digital) {
     const MeasureMode mode = digital ? MeasureMode::digital : MeasureMode::analog;
     for (const Measure& measure : measures())
-        if (measure.asked == asked && measure.alarm &&
-            (measure.mode == mode || asked != AskedFor::cn))
+        if (measure.asked == asked && measure.alarm && measure.mode == mode)
             return measure.alarm->row;
     return std::nullopt;
 }
