@@ -35,6 +35,7 @@ class PlanRunTest : public QObject {
     void a_doubtful_measurement_is_taken_again();
     void a_meter_that_is_away_at_the_start_is_waited_for();
     void a_plan_that_was_emptied_is_told_once();
+    void a_pass_that_measures_nothing_is_told_once();
     void a_plan_that_was_replaced_is_measured_again();
     void a_row_that_cannot_be_taken_again_ends_no_run();
     void progress();
@@ -396,6 +397,22 @@ void PlanRunTest::a_plan_that_was_emptied_is_told_once() {
     QVERIFY(run.incomplete());
     // The walk over nothing pauses: it does not run in circles.
     QVERIFY(now() >= 4);
+}
+
+void PlanRunTest::a_pass_that_measures_nothing_is_told_once() {
+    Recordset programs = f_->database().of_plan("programmi", "P");
+    for (programs.move_first(); !programs.end_of_set(); programs.move_next())
+        RealtimeFixture::change_row(programs, {{"monitor_state", 0}});
+    const double start = now();
+    PlanRun run = make_run({.passes = 3});
+    QCOMPARE(run.run(), PlanRun::End::done);
+    QVERIFY(run.incomplete());
+    QVERIFY(measured().isEmpty());
+    QCOMPARE(remarks_.size(), 1);
+    QVERIFY2(remarks_[0].endsWith(": pass 1 measured nothing"), qPrintable(remarks_[0]));
+    // A pause between two passes, and none behind the last.
+    const double paused = now() - start;
+    QVERIFY2(paused >= 2 && paused < 2.5, qPrintable(QString::number(paused)));
 }
 
 void PlanRunTest::a_plan_that_was_replaced_is_measured_again() {
