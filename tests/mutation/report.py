@@ -24,13 +24,15 @@ class Report:
     def _file(self):
         return self._folder / "report.tsv"
 
-    def begin(self, go_on):
-        """Takes over what an earlier run said of the same mutants, if wanted; `left` has no more of
-        them."""
+    def begin(self, go_on, again=False):
+        """Takes over what an earlier run said of the same mutants, if wanted, `again` only of those
+        that were killed; `left` has no more of them."""
         kept = self._file.read_text().splitlines() if go_on and self._file.exists() else []
         for row in (line.split("\t") for line in kept):
             if len(row) == 5 and self._told.get(int(row[0])) == row[4]:
                 self._rows[int(row[0])] = row
+        if again:
+            self._rows = {number: row for number, row in self._rows.items() if row[3]}
         self._folder.mkdir(parents=True, exist_ok=True)
         self._file.write_text("".join("\t".join(row) + "\n" for row in self._rows.values()))
 
