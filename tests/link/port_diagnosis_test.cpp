@@ -153,12 +153,17 @@ void PortDiagnosisTest::claimed_by_another_start() {
     QVERIFY(QFile::link(pty.path(), link));
     const OtherStart other(pty.path(), folder_.path());
     PortClaim claim({folder_.path()});
+    const auto descriptors = [] {
+        return QDir("/proc/self/fd").entryList(QDir::AllEntries | QDir::System).size();
+    };
+    const qsizetype before = descriptors();
     // By another path to the same device, and as often as it is tried.
     for (const QString& path : {link, pty.path(), link}) {
         QVERIFY(!claim.take(path));
         QVERIFY(claim.holder());
         QCOMPARE(claim.holder()->process, other.process());
     }
+    QCOMPARE(descriptors(), before);
     const QString name = claim.holder()->program;
     QVERIFY(!name.isEmpty());
     Texts texts;
