@@ -16,10 +16,7 @@
 
 #include "measurement_row.h"
 
-using m47::MeasurementLog;
-using m47::PageModel;
-using m47::PageStore;
-
+namespace m47 {
 namespace {
 
 const QByteArray kAnalogLine("21/11/26\t10:00:00\t503.25\t9750\t58.3\t\t\t\t\t\tPASS");
@@ -153,7 +150,7 @@ class MeasurementLogTest : public QObject {
         MeasurementLog log;
         PageModel page;
         log.open(path(), page);
-        m47::MeasurementTexts shown;
+        MeasurementTexts shown;
         shown.date_time = QDateTime({2026, 11, 21}, {10, 0, 0});
         shown.meas_mode = 2;
         shown.fsat = QStringLiteral(" 503.25");
@@ -161,7 +158,7 @@ class MeasurementLogTest : public QObject {
         shown.level = QStringLiteral("58.3");
         shown.ber = QStringLiteral("2.0E-4");
         shown.status = QStringLiteral("PASS");
-        page.append(m47::measurement_row(shown));
+        page.append(measurement_row(shown));
         QVERIFY(log.append(page.store().line(0)));
         QCOMPARE(contents(), kAnalogLine + "\r\n");
         QCOMPARE(contents().count('\t'), 10);
@@ -492,5 +489,7 @@ class MeasurementLogTest : public QObject {
     }
 };
 
-QTEST_GUILESS_MAIN(MeasurementLogTest)
+}  // namespace m47
+
+QTEST_GUILESS_MAIN(m47::MeasurementLogTest)
 #include "measurement_log_test.moc"

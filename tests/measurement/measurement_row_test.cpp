@@ -3,9 +3,7 @@
 
 #include <QTest>
 
-using m47::measurement_row;
-using m47::MeasurementTexts;
-
+namespace m47 {
 namespace {
 
 MeasurementTexts everything_shown(int meas_mode) {
@@ -66,5 +64,7 @@ class MeasurementRowTest : public QObject {
     }
 };
 
-QTEST_GUILESS_MAIN(MeasurementRowTest)
+}  // namespace m47
+
+QTEST_GUILESS_MAIN(m47::MeasurementRowTest)
 #include "measurement_row_test.moc"

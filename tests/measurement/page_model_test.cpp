@@ -5,10 +5,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
-using m47::PageModel;
-using m47::PageStore;
-using m47::print_lines;
-
+namespace m47 {
 namespace {
 
 const QString kHeaderLine =
@@ -84,13 +81,13 @@ class PageModelTest : public QObject {
     void a_row_with_its_measurement_comes_in_alike() {
         PageModel page;
         QSignalSpy inserted(&page, &PageModel::rowsInserted);
-        m47::Measurement measured;
-        measured.verdict = m47::Verdict::fail;
+        Measurement measured;
+        measured.verdict = Verdict::fail;
         page.append(analog_cells(), measured);
         QCOMPARE(page.measurements(), 1);
         QCOMPARE(inserted.count(), 1);
         QCOMPARE(row_texts(page, 0), analog_cells());
-        QVERIFY(page.store().measurement(0).verdict == m47::Verdict::fail);
+        QVERIFY(page.store().measurement(0).verdict == Verdict::fail);
     }
 
     void cells_are_selectable_and_not_editable() {
@@ -163,5 +160,7 @@ class PageModelTest : public QObject {
     }
 };
 
-QTEST_GUILESS_MAIN(PageModelTest)
+}  // namespace m47
+
+QTEST_GUILESS_MAIN(m47::PageModelTest)
 #include "page_model_test.moc"

@@ -3,8 +3,7 @@
 
 #include <QTest>
 
-using m47::PageStore;
-
+namespace m47 {
 namespace {
 
 QByteArray bytes_of(std::string_view text) {
@@ -128,5 +127,7 @@ class PageStoreTest : public QObject {
     }
 };
 
-QTEST_GUILESS_MAIN(PageStoreTest)
+}  // namespace m47
+
+QTEST_GUILESS_MAIN(m47::PageStoreTest)
 #include "page_store_test.moc"

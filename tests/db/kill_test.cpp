@@ -7,8 +7,7 @@
 
 #include "db_support.h"
 
-using namespace m47;
-
+namespace m47 {
 namespace {
 
 // Until the child's first row is stored it only opens the file.
@@ -17,7 +16,7 @@ constexpr unsigned kLongestRun = 40000;
 }  // namespace
 
 /// The program's process dies while it stores.
-class TestKill : public QObject {
+class KillTest : public QObject {
     Q_OBJECT
 
     std::unique_ptr<QTemporaryDir> folder_;
@@ -95,5 +94,7 @@ class TestKill : public QObject {
     }
 };
 
-M47_DB_TEST_MAIN(TestKill)
-#include "test_kill.moc"
+}  // namespace m47
+
+M47_DB_TEST_MAIN(m47::KillTest)
+#include "kill_test.moc"

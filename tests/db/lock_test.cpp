@@ -8,8 +8,7 @@
 #include "engine.h"
 #include "fault.h"
 
-using namespace m47;
-
+namespace m47 {
 namespace {
 
 const QString kNome = QStringLiteral("nome");
@@ -21,7 +20,7 @@ constexpr qint64 kLate = 2500;
 }  // namespace
 
 /// Another program that holds the file locked.
-class TestLock : public QObject {
+class LockTest : public QObject {
     Q_OBJECT
 
     std::unique_ptr<QTemporaryDir> folder_;
@@ -150,5 +149,7 @@ class TestLock : public QObject {
     }
 };
 
-M47_DB_TEST_MAIN(TestLock)
-#include "test_lock.moc"
+}  // namespace m47
+
+M47_DB_TEST_MAIN(m47::LockTest)
+#include "lock_test.moc"

@@ -5,8 +5,7 @@
 #include "db_support.h"
 #include "fault.h"
 
-using namespace m47;
-
+namespace m47 {
 namespace {
 
 const QString kNome = QStringLiteral("nome");
@@ -15,7 +14,7 @@ const QString kNumber = QStringLiteral("pg_num");
 }  // namespace
 
 /// Moving, finding and counting in a record set.
-class TestRecordset : public QObject {
+class RecordsetTest : public QObject {
     Q_OBJECT
 
     std::unique_ptr<QTemporaryDir> folder_;
@@ -275,5 +274,7 @@ class TestRecordset : public QObject {
     }
 };
 
-M47_DB_TEST_MAIN(TestRecordset)
-#include "test_recordset.moc"
+}  // namespace m47
+
+M47_DB_TEST_MAIN(m47::RecordsetTest)
+#include "recordset_test.moc"

@@ -6,10 +6,10 @@
 #include "db_support.h"
 #include "engine.h"
 
-using namespace m47;
+namespace m47 {
 
 /// What the user is told about a database that cannot be used.
-class TestErrorText : public QObject {
+class ErrorTextTest : public QObject {
     Q_OBJECT
 
     static QString text_of(DatabaseFault fault, int language, const QString& detail = {}) {
@@ -108,5 +108,7 @@ class TestErrorText : public QObject {
     }
 };
 
-M47_DB_TEST_MAIN(TestErrorText)
-#include "test_error_text.moc"
+}  // namespace m47
+
+M47_DB_TEST_MAIN(m47::ErrorTextTest)
+#include "error_text_test.moc"

@@ -6,8 +6,7 @@
 #include "db_support.h"
 #include "fault.h"
 
-using namespace m47;
-
+namespace m47 {
 namespace {
 
 const QString kNome = QStringLiteral("nome");
@@ -17,7 +16,7 @@ const QString kDati = QStringLiteral("dati");
 }  // namespace
 
 /// Adding, editing and deleting rows.
-class TestRecordsetUpdate : public QObject {
+class RecordsetUpdateTest : public QObject {
     Q_OBJECT
 
     std::unique_ptr<QTemporaryDir> folder_;
@@ -332,5 +331,7 @@ class TestRecordsetUpdate : public QObject {
     }
 };
 
-M47_DB_TEST_MAIN(TestRecordsetUpdate)
-#include "test_recordset_update.moc"
+}  // namespace m47
+
+M47_DB_TEST_MAIN(m47::RecordsetUpdateTest)
+#include "recordset_update_test.moc"

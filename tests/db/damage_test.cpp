@@ -6,8 +6,7 @@
 #include "db_support.h"
 #include "fault.h"
 
-using namespace m47;
-
+namespace m47 {
 namespace {
 
 constexpr qsizetype kPage = 4096;
@@ -42,7 +41,7 @@ Rows programs_of(Database& database) {
 }  // namespace
 
 /// A file that was damaged on its medium.
-class TestDamage : public QObject {
+class DamageTest : public QObject {
     Q_OBJECT
 
     QTemporaryDir folder_;
@@ -222,5 +221,7 @@ class TestDamage : public QObject {
     }
 };
 
-M47_DB_TEST_MAIN(TestDamage)
-#include "test_damage.moc"
+}  // namespace m47
+
+M47_DB_TEST_MAIN(m47::DamageTest)
+#include "damage_test.moc"

@@ -12,10 +12,10 @@
 
 #include "db_support.h"
 
-using namespace m47;
+namespace m47 {
 
 /// Making a new database file.
-class TestCreate : public QObject {
+class CreateTest : public QObject {
     Q_OBJECT
 
     std::unique_ptr<QTemporaryDir> folder_;
@@ -222,5 +222,7 @@ class TestCreate : public QObject {
     }
 };
 
-M47_DB_TEST_MAIN(TestCreate)
-#include "test_create.moc"
+}  // namespace m47
+
+M47_DB_TEST_MAIN(m47::CreateTest)
+#include "create_test.moc"

@@ -14,8 +14,7 @@
 #include "engine.h"
 #include "fault.h"
 
-using namespace m47;
-
+namespace m47 {
 namespace {
 
 const QString kNome = QStringLiteral("nome");
@@ -26,7 +25,7 @@ const QByteArray kOldEngineStart("\x00\x01\x00\x00Standard Jet DB", 19);
 }  // namespace
 
 /// Opening the database file, and every reason not to.
-class TestOpen : public QObject {
+class OpenTest : public QObject {
     Q_OBJECT
 
     std::unique_ptr<QTemporaryDir> folder_;
@@ -324,5 +323,7 @@ class TestOpen : public QObject {
     }
 };
 
-M47_DB_TEST_MAIN(TestOpen)
-#include "test_open.moc"
+}  // namespace m47
+
+M47_DB_TEST_MAIN(m47::OpenTest)
+#include "open_test.moc"
