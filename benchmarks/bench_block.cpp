@@ -37,9 +37,7 @@ double seconds(nanoseconds time) {
 class EventLoopView : public m47::LinkView {
   public:
     void show_progress_bar() override {}
-    void set_progress(int value) override { progress_ = value; }
-    int progress() const override { return progress_; }
-    int progress_maximum() const override { return 100; }
+    void set_progress(int) override {}
     void set_hourglass(bool) override {}
     void set_port_state(const QString&, bool) override {}
     void pump() override { QCoreApplication::processEvents(); }
@@ -74,14 +72,14 @@ std::optional<double> run_at(std::chrono::hours hour, const QString& device) {
     m47::Link link(port, clock, view);
     port.select(device);
     link.port_connected = true;
-    link.command_text = full_block();
+    const QString block = full_block();
     double wall = 0;
     double floor = 0;
     double longest = 0;
     for (int block = 0; block < kBlocks; ++block) {
         const auto start = steady_clock::now();
-        floor += floor_time(clock, link.command_text.size() + 1);
-        link.send_block();
+        floor += floor_time(clock, block.size() + 1);
+        link.send_block(block);
         if (!link.port_connected) return std::nullopt;
         const double one = seconds(steady_clock::now() - start);
         wall += one;
@@ -89,8 +87,8 @@ std::optional<double> run_at(std::chrono::hours hour, const QString& device) {
     }
     std::printf(
         "from %02d:00: %d blocks of %d characters in %.3f s (longest %.3f s), floor %.3f s\n",
-        static_cast<int>(hour.count()), kBlocks, static_cast<int>(link.command_text.size() + 1),
-        wall, longest, floor);
+        static_cast<int>(hour.count()), kBlocks, static_cast<int>(block.size() + 1), wall, longest,
+        floor);
     return wall / floor;
 }
 

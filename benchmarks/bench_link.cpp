@@ -117,9 +117,7 @@ class PacedMeter {
 class EventLoopView : public m47::LinkView {
   public:
     void show_progress_bar() override {}
-    void set_progress(int value) override { progress_ = value; }
-    int progress() const override { return progress_; }
-    int progress_maximum() const override { return 100; }
+    void set_progress(int) override {}
     void set_hourglass(bool) override {}
     void set_port_state(const QString&, bool) override {}
     void pump() override { QCoreApplication::processEvents(); }
@@ -251,7 +249,7 @@ bool run_upload(const QString& device, Ratios& ratios) {
     const auto begin = steady_clock::now();
     for (const QString& command : commands) {
         ideal += ideal_time(*line.clock, command.toLatin1());
-        if (!line.link->send(command) || line.link->reply_text != u"OK") return false;
+        if (!line.link->send(command) || line.link->last_answer() != u"OK") return false;
     }
     const double wall = seconds(steady_clock::now() - begin);
     ratios.upload = wall / ideal;

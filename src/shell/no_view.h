@@ -10,9 +10,7 @@ namespace m47 {
 class NoView : public LinkView, public MainWindowView {
   public:
     void show_progress_bar() override {}
-    void set_progress(int value) override { progress_ = value; }
-    int progress() const override { return progress_; }
-    int progress_maximum() const override { return 100; }
+    void set_progress(int) override {}
     void set_hourglass(bool) override {}
     void set_port_state(const QString&, bool) override {}
     void pump() override;
@@ -22,7 +20,6 @@ class NoView : public LinkView, public MainWindowView {
     void enable_asl(bool) override {}
 
   private:
-    int progress_ = 0;
     QString caption_;
 };
 

@@ -14,6 +14,7 @@ StatusPanel::StatusPanel(QWidget* parent)
     setObjectName(QStringLiteral("Picture1"));
     pbar1_->setObjectName(QStringLiteral("pbar1"));
     pbar1_->setTextVisible(false);
+    pbar1_->setMaximum(kProgressSteps);
     pbar1_->setFixedWidth(fontMetrics().averageCharWidth() * 24);
     // Its place is kept, so that the screens do not jump when it appears.
     QSizePolicy place = pbar1_->sizePolicy();
@@ -37,14 +38,6 @@ void StatusPanel::show_progress_bar() {
 
 void StatusPanel::set_progress(int value) {
     pbar1_->setValue(value);
-}
-
-int StatusPanel::progress() const {
-    return pbar1_->value();
-}
-
-int StatusPanel::progress_maximum() const {
-    return pbar1_->maximum();
 }
 
 void StatusPanel::set_hourglass(bool on) {

@@ -23,8 +23,6 @@ class StatusPanel : public QFrame, public LinkView {
 
     void show_progress_bar() override;
     void set_progress(int value) override;
-    int progress() const override;
-    int progress_maximum() const override;
     void set_hourglass(bool on) override;
     void set_port_state(const QString& text, bool connected) override;
     void pump() override;

@@ -4,6 +4,7 @@
 #include <QTest>
 #include <random>
 
+#include "answer_before.h"
 #include "asl_fixture.h"
 
 namespace m47 {
@@ -69,7 +70,7 @@ class SatelliteListsTest : public QObject {
 
     void without_a_link_the_meters_list_is_empty() {
         f().link.port_connected = false;
-        f().link.reply_text = QStringLiteral("00\tOLD\r");
+        leave_answer(f().link, f().port, "00\tOLD\r");
         f().state.master_copy = QStringLiteral("OLD");
         lists().Form_Load();
         QCOMPARE(f().panel().listastr, QStringList());

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <memory>
 
+#include "answer_before.h"
 #include "fake_link_view.h"
 #include "fake_port.h"
 #include "fault.h"
@@ -61,6 +62,7 @@ class BlockTest : public QObject {
     std::unique_ptr<FakePort> port_;
     std::unique_ptr<FakeLinkView> view_;
     std::unique_ptr<Link> link_;
+    std::optional<QString> last_;
 };
 
 void BlockTest::init() {
@@ -77,41 +79,42 @@ void BlockTest::make(double time_of_day) {
 }
 
 void BlockTest::run(const QString& block) {
-    link_->command_text = block;
-    link_->send_block();
+    last_ = link_->send_block(block);
 }
 
 void BlockTest::without_a_link_nothing_is_sent() {
     link_->port_connected = false;
-    link_->reply_text = "as it was";
+    leave_answer(*link_, *port_, "as it was");
+    const double before = clock_->elapsed();
     view_->set_progress(7);
     run();
-    QCOMPARE(link_->reply_text, QString("as it was"));
+    QCOMPARE(link_->last_answer(), QString("as it was"));
     QVERIFY(view_->bar_shown);
     QCOMPARE(view_->progress(), 0);
     QVERIFY(!view_->hourglass);
     QVERIFY(view_->state_text.isEmpty());
     QCOMPARE(port_->opens, 0);
     QCOMPARE(port_->written, QByteArray());
-    QCOMPARE(clock_->elapsed(), 0.0);
+    QCOMPARE(last_, std::optional<QString>());
+    QCOMPARE(clock_->elapsed(), before);
 }
 
 void BlockTest::suspended_commands_are_not_sent() {
     link_->commands_suspended = true;
-    link_->reply_text = "as it was";
+    leave_answer(*link_, *port_, "as it was");
+    const double before = clock_->elapsed();
     run();
-    QCOMPARE(link_->reply_text, QString("as it was"));
+    QCOMPARE(link_->last_answer(), QString("as it was"));
     QVERIFY(view_->bar_shown);
     QCOMPARE(port_->opens, 0);
-    QCOMPARE(clock_->elapsed(), 0.0);
+    QCOMPARE(last_, std::optional<QString>());
+    QCOMPARE(clock_->elapsed(), before);
 }
 
 void BlockTest::the_text_goes_out_unchanged() {
     port_->answer = [](const QByteArray& line) { return line + "\rOK\r"; };
     run();
     QCOMPARE(port_->written, kBlock.toLatin1() + '\r');
-    QCOMPARE(link_->command_text, kBlock);
-    QCOMPARE(link_->command_frame, kBlock + u'\r');
     QCOMPARE(port_->opens, 1);
     QCOMPARE(port_->closes, 1);
     QVERIFY(link_->port_connected);
@@ -123,7 +126,7 @@ void BlockTest::the_first_cr_completes_the_answer() {
     port_->feed("ho\r", 0.3);
     port_->feed("OK\r", 0.5);
     run("echo");
-    QCOMPARE(link_->reply_text, QString("echo\r"));
+    QCOMPARE(link_->last_answer(), QString("echo\r"));
     QVERIFY(!port_->is_open());
     QVERIFY(std::abs(clock_->elapsed() - 0.3 - kPause) <= 2 * kTick);
 }
@@ -133,7 +136,7 @@ void BlockTest::an_echo_during_sending_completes_it() {
     port_->answer_delay = kTick / 2;
     port_->answer = [](const QByteArray& line) { return line + "\rOK\r"; };
     run();
-    QCOMPARE(link_->reply_text, QString("S00A0000\rOK\rS1130000\rOK\rS9030000FC\rOK\r"));
+    QCOMPARE(link_->last_answer(), QString("S00A0000\rOK\rS1130000\rOK\rS9030000FC\rOK\r"));
     const double sending = static_cast<double>(kBlock.size() + 1) * kTick;
     QVERIFY(std::abs(clock_->elapsed() - sending - kPause) < 1e-9);
 }
@@ -141,7 +144,7 @@ void BlockTest::an_echo_during_sending_completes_it() {
 void BlockTest::an_error_is_the_callers() {
     port_->answer = [](const QByteArray&) { return QByteArray("COMMAND ERROR\rOK\r"); };
     run("S1");
-    QCOMPARE(link_->reply_text, QString("COMMAND ERROR\rOK\r"));
+    QCOMPARE(link_->last_answer(), QString("COMMAND ERROR\rOK\r"));
     QCOMPARE(port_->written, QByteArray("S1\r"));
     QCOMPARE(port_->opens, 1);
     QVERIFY(link_->port_connected);
@@ -165,24 +168,24 @@ void BlockTest::what_arrives_in_the_pause_is_not_read() {
         return line + "\r";
     };
     run("S1");
-    QCOMPARE(link_->reply_text, QString("S1\r"));
+    QCOMPARE(link_->last_answer(), QString("S1\r"));
     port_->answer = [](const QByteArray& command) { return FakePort::good(command, "73.5"); };
     QVERIFY(link_->send("LEVANL?"));
-    QCOMPARE(link_->reply_text, QString("73.5"));
+    QCOMPARE(link_->last_answer(), QString("73.5"));
 }
 
 void BlockTest::old_input_is_dropped() {
     port_->feed("old\r");
     port_->answer = [](const QByteArray& line) { return line + "\r"; };
     run("S1");
-    QCOMPARE(link_->reply_text, QString("S1\r"));
+    QCOMPARE(link_->last_answer(), QString("S1\r"));
 }
 
 void BlockTest::no_cr_within_the_limit_loses_the_link() {
     port_->feed("S1130000 and no end", 1);
     run();
     QVERIFY(!link_->port_connected);
-    QCOMPARE(link_->reply_text, QString());
+    QCOMPARE(link_->last_answer(), QString());
     QCOMPARE(view_->state_text, QString("RS232 ComPort 2 NOT Connected"));
     QVERIFY(!view_->state_connected);
     QVERIFY(!view_->hourglass);
@@ -214,14 +217,14 @@ void BlockTest::a_block_that_takes_longer_than_the_limit() {
     run(block);
     QCOMPARE(port_->written, block.toLatin1() + '\r');
     QVERIFY(!link_->port_connected);
-    QCOMPARE(link_->reply_text, QString());
+    QCOMPARE(link_->last_answer(), QString());
     QVERIFY(std::abs(clock_->elapsed() - 15400 * kTick - kPause) < 1e-9);
     make();
     port_->answer_delay = 0;
     port_->answer = [](const QByteArray& line) { return line.left(3) + "\r"; };
     run(QString(15299, u'Y'));
     QVERIFY(link_->port_connected);
-    QCOMPARE(link_->reply_text, QString("YYY\r"));
+    QCOMPARE(link_->last_answer(), QString("YYY\r"));
 }
 
 void BlockTest::a_silent_meter_is_not_woken() {
@@ -235,7 +238,7 @@ void BlockTest::a_missing_port_loses_the_link_at_once() {
     port_->open_fault = PortFault::missing;
     run();
     QVERIFY(!link_->port_connected);
-    QCOMPARE(link_->reply_text, QString());
+    QCOMPARE(link_->last_answer(), QString());
     QCOMPARE(port_->written, QByteArray());
     QVERIFY(clock_->elapsed() <= kPause);
 }
@@ -264,12 +267,15 @@ void BlockTest::a_line_that_takes_nothing_waits_for_the_limit() {
 }
 
 void BlockTest::progress_steps_and_wraps() {
-    view_->maximum = 3;
     port_->answer_delay = 0;
     port_->answer = [](const QByteArray& line) { return line + "\r"; };
-    run("S1\rS9");
-    // Start; frame; six characters, wrapped to 0 before a step beyond 3; polling starts at 1.
-    QCOMPARE(view_->progress_values, (QList<int>{0, 0, 0, 1, 2, 3, 1, 2, 3, 1, 2, 0}));
+    const int characters = kProgressSteps + 3;
+    run(QString(characters - 1, u'S'));
+    // Start; frame; a step for each character, at the end of the bar anew; polling starts at 1.
+    QList<int> expected{0, 0, 0};
+    for (int step = 1; step <= kProgressSteps; ++step) expected += step;
+    expected += {1, 2, 3, 1, 2, 0};
+    QCOMPARE(view_->progress_values, expected);
 }
 
 void BlockTest::the_hourglass_stands_through_the_pause() {
@@ -306,16 +312,16 @@ void BlockTest::an_interruption_waits_for_the_end() {
 
 void BlockTest::nothing_starts_inside() {
     int refused = 0;
-    const auto attempt = [&](void (Link::*start)()) {
+    const auto attempt = [&](const auto& start) {
         try {
-            (link_.get()->*start)();
+            start();
         } catch (const Fault&) {
             ++refused;
         }
     };
     view_->on_pump = [&] {
-        attempt(&Link::send_command);
-        attempt(&Link::send_block);
+        attempt([this] { link_->send(QStringLiteral("LEVANL?")); });
+        attempt([this] { link_->send_block(kBlock); });
     };
     port_->answer = [](const QByteArray& line) { return line + "\r"; };
     run("S1");
@@ -323,7 +329,7 @@ void BlockTest::nothing_starts_inside() {
     QCOMPARE(port_->written, QByteArray("S1\r"));
     view_->on_pump = [] {};
     run("S9");
-    QCOMPARE(link_->reply_text, QString("S9\r"));
+    QCOMPARE(link_->last_answer(), QString("S9\r"));
 }
 
 void BlockTest::it_is_one_span_of_the_clock() {
@@ -339,8 +345,7 @@ void BlockTest::it_is_one_span_of_the_clock() {
     view_->on_pump = [&] { least_open = std::min(least_open, clock.open); };
     port.answer = [](const QByteArray& line) { return line + "\r"; };
     link.port_connected = true;
-    link.command_text = kBlock;
-    link.send_block();
+    link.send_block(kBlock);
     // Neither midnight nor a clock set by hand gets in between sending, answer and pause.
     QCOMPARE(least_open, 1);
     QCOMPARE(clock.open, 0);
@@ -350,7 +355,7 @@ void BlockTest::a_command_follows() {
     port_->answer = [](const QByteArray& line) { return FakePort::good(line); };
     run();
     QVERIFY(link_->send("ASLNAME 3 NOVA"));
-    QCOMPARE(link_->reply_text, QString("OK"));
+    QCOMPARE(link_->last_answer(), QString("OK"));
     QCOMPARE(port_->take_commands().last(), QString("ASLNAME 3 NOVA"));
 }
 
@@ -363,7 +368,7 @@ void BlockTest::a_late_answer_is_not_the_blocks() {
     port_->feed("ASLNAME?\rSOLE 16E\rOK\r", 0.2);
     port_->feed(kBlock.toLatin1() + "\rOK\r", 0.4);
     run();
-    QVERIFY(link_->reply_text.startsWith(QLatin1String("S00A")));
+    QVERIFY(link_->last_answer().startsWith(QLatin1String("S00A")));
     QVERIFY(link_->port_connected);
 }
 

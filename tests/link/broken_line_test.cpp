@@ -42,7 +42,7 @@ struct Setup {
         link.port_number = 10;
     }
     bool lost() const {
-        return !link.port_connected && link.reply_text.isEmpty() && !port.is_open() &&
+        return !link.port_connected && link.last_answer().isEmpty() && !port.is_open() &&
                view.state_text == QLatin1String("RS232 ComPort 10 NOT Connected") &&
                !view.state_connected && !view.hourglass && view.progress() == 0;
     }
@@ -99,7 +99,7 @@ void BrokenLineTest::unplugged_behind_the_answer() {
     s.port.answer = [](const QByteArray& command) { return FakePort::good(command, "73.5"); };
     s.port.vanish_in(1);
     QVERIFY(s.link.send("LEVANL?"));
-    QCOMPARE(s.link.reply_text, QString("73.5"));
+    QCOMPARE(s.link.last_answer(), QString("73.5"));
 }
 
 void BrokenLineTest::unplugged_before_the_wake_up() {
@@ -138,7 +138,7 @@ void BrokenLineTest::an_endless_answer_takes_bounded_memory() {
     const QByteArray piece(16 * 1024, 'x');
     for (int i = 0; i < 800; ++i) s.port.feed(piece, i * 0.02);
     qsizetype longest = 0;
-    s.view.on_pump = [&] { longest = std::max(longest, s.link.reply_text.size()); };
+    s.view.on_pump = [&] { longest = std::max(longest, s.link.last_answer().size()); };
     s.link.send("LEVANL?");
     QVERIFY(s.lost());
     QVERIFY(s.clock.elapsed() > 15 && s.clock.elapsed() < 15.02);
@@ -157,7 +157,7 @@ void BrokenLineTest::a_long_answer_arrives_whole() {
         return QByteArray();
     };
     QVERIFY(s.link.send("DATAOUT?"));
-    QCOMPARE(s.link.reply_text, QString::fromLatin1(value));
+    QCOMPARE(s.link.last_answer(), QString::fromLatin1(value));
 }
 
 void BrokenLineTest::noise() {
@@ -180,9 +180,9 @@ void BrokenLineTest::an_answer_to_something_else() {
     Setup s;
     s.port.answer = [](const QByteArray&) { return QByteArray("OK\r"); };
     QVERIFY(s.link.send("FREQ 1234.5"));
-    QCOMPARE(s.link.reply_text, QString("OK"));
+    QCOMPARE(s.link.last_answer(), QString("OK"));
     QVERIFY(s.link.send("LEVANL?"));
-    QCOMPARE(s.link.reply_text, QString());
+    QCOMPARE(s.link.last_answer(), QString());
 }
 
 void BrokenLineTest::the_state_names_the_port_in_use() {

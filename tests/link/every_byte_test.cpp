@@ -91,11 +91,11 @@ struct Exchange {
     }
 
     bool answered_with(const QString& value) {
-        return link.port_connected && link.reply_text == value && calm();
+        return link.port_connected && link.last_answer() == value && calm();
     }
     bool good() { return answered_with(QString::fromLatin1(kValue)); }
     bool lost() {
-        return !link.port_connected && link.reply_text.isEmpty() && calm() &&
+        return !link.port_connected && link.last_answer().isEmpty() && calm() &&
                view.state_text == QLatin1String("RS232 ComPort 4 NOT Connected") &&
                !view.state_connected;
     }
@@ -131,7 +131,7 @@ QString cut_out(const QByteArray& reply) {
     QVERIFY2(condition, qPrintable(QStringLiteral("byte %1, %2 times: \"%3\" after %4 s") \
                                        .arg(k)                                            \
                                        .arg(times)                                        \
-                                       .arg(e.link.reply_text)                            \
+                                       .arg(e.link.last_answer())                         \
                                        .arg(e.clock.elapsed())))
 
 }  // namespace
@@ -325,8 +325,7 @@ void EveryByteTest::a_block_is_cut() {
     const QByteArray answer = kBlock + "\rOK\r";
     for (qsizetype k = 0; k <= answer.size(); ++k) {
         Exchange e({{0.01, answer.left(k)}}, kAlways);
-        e.link.command_text = kBlock;
-        e.link.send_block();
+        e.link.send_block(kBlock);
         if (k > kBlock.size()) {
             M47_AT(e.answered_with(QString::fromLatin1(answer.left(k))), k, 1);
             M47_AT(e.lasted(kBlockPause), k, 1);
@@ -341,8 +340,7 @@ void EveryByteTest::the_device_vanishes_in_a_block() {
     for (int k = 1; k <= kBlock.size() + 1; ++k) {
         Exchange e({{0.01, kBlock + "\rOK\r"}}, kAlways);
         e.port.vanish_behind = k;
-        e.link.command_text = kBlock;
-        e.link.send_block();
+        e.link.send_block(kBlock);
         M47_AT(e.lost() && e.lasted(kBlockPause), k, 1);
         QCOMPARE(e.port.fault(), PortFault::vanished);
         QCOMPARE(e.port.written, (kBlock + '\r').left(k));
@@ -354,8 +352,7 @@ void EveryByteTest::the_meter_stops_reading_in_a_block() {
     for (int k = 0; k <= kBlock.size(); ++k) {
         Exchange e({{0.01, kBlock + "\rOK\r"}}, kAlways);
         e.port.stall_behind = k;
-        e.link.command_text = kBlock;
-        e.link.send_block();
+        e.link.send_block(kBlock);
         M47_AT(e.lost() && e.lasted(kBlockLimit + kBlockPause), k, 1);
         QCOMPARE(e.port.fault(), PortFault::none);
         QCOMPARE(e.port.written, kBlock.left(k));

@@ -224,7 +224,7 @@ void RealPortTest::a_whole_transaction() {
     Setup s(pty.path());
     for (int i = 0; i < 3; ++i) {
         QVERIFY(s.link.send("LEVANL?"));
-        QCOMPARE(s.link.reply_text, QString("73.5"));
+        QCOMPARE(s.link.last_answer(), QString("73.5"));
         QVERIFY(!s.port.is_open());
     }
 }
@@ -238,7 +238,7 @@ void RealPortTest::an_event_loop_runs_meanwhile() {
     Setup s(pty.path());
     s.view.on_pump = [] { QCoreApplication::processEvents(); };
     QVERIFY(s.link.send("LEVANL?"));
-    QCOMPARE(s.link.reply_text, QString("73.5"));
+    QCOMPARE(s.link.last_answer(), QString("73.5"));
     QVERIFY(s.view.pumps >= 5);
 }
 

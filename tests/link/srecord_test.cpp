@@ -17,7 +17,7 @@ class SrecordTest : public QObject {
     void headers_of_the_meter();
     void every_header_has_the_usual_checksum();
     void the_checksum_is_reduced_at_least_once_and_below_255();
-    void scratch_texts_are_left_behind();
+    void the_text_is_left_as_the_last_answer();
 
   private:
     VirtualClock clock_;
@@ -51,10 +51,9 @@ void SrecordTest::the_checksum_is_reduced_at_least_once_and_below_255() {
     QCOMPARE(srecord_checksum("01"), QString("1FE"));
 }
 
-void SrecordTest::scratch_texts_are_left_behind() {
+void SrecordTest::the_text_is_left_as_the_last_answer() {
     link_.make_srecord(1);
-    QCOMPARE(link_.reply_text, QString("ASL 001"));
-    QCOMPARE(link_.command_frame, QString("0A000041534C20303031"));
+    QCOMPARE(link_.last_answer(), QString("ASL 001"));
 }
 
 }  // namespace m47

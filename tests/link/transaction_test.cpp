@@ -2,6 +2,7 @@
 #include <QTest>
 #include <memory>
 
+#include "answer_before.h"
 #include "fake_link_view.h"
 #include "fake_port.h"
 #include "fault.h"
@@ -74,6 +75,7 @@ class TransactionTest : public QObject {
     std::unique_ptr<FakePort> port_;
     std::unique_ptr<FakeLinkView> view_;
     std::unique_ptr<Link> link_;
+    std::optional<QString> last_;
 };
 
 void TransactionTest::init() {
@@ -90,8 +92,7 @@ void TransactionTest::make(double time_of_day) {
 }
 
 void TransactionTest::run(const QString& command) {
-    link_->command_text = command;
-    link_->send_command();
+    last_ = link_->ask(command);
 }
 
 void TransactionTest::answer_with(const QByteArray& value) {
@@ -100,26 +101,31 @@ void TransactionTest::answer_with(const QByteArray& value) {
 
 void TransactionTest::without_a_link_nothing_is_sent() {
     link_->port_connected = false;
-    link_->reply_text = "as it was";
+    leave_answer(*link_, *port_, "as it was");
+    const double before = clock_->elapsed();
     view_->set_progress(7);
     run("LEVANL?");
-    QCOMPARE(link_->reply_text, QString("as it was"));
+    QCOMPARE(link_->last_answer(), QString("as it was"));
     QVERIFY(view_->bar_shown);
     QCOMPARE(view_->progress(), 0);
     QVERIFY(!view_->hourglass);
     QVERIFY(view_->state_text.isEmpty());
     QCOMPARE(port_->opens, 0);
     QCOMPARE(port_->written, QByteArray());
-    QCOMPARE(clock_->elapsed(), 0.0);
+    QCOMPARE(last_, std::optional<QString>());
+    QCOMPARE(clock_->elapsed(), before);
 }
 
 void TransactionTest::suspended_commands_are_not_sent() {
     link_->commands_suspended = true;
-    link_->reply_text = "as it was";
+    leave_answer(*link_, *port_, "as it was");
+    const double before = clock_->elapsed();
     QVERIFY(!link_->can_send());
     run("LEVANL?");
-    QCOMPARE(link_->reply_text, QString("as it was"));
+    QCOMPARE(link_->last_answer(), QString("as it was"));
     QCOMPARE(port_->opens, 0);
+    QCOMPARE(last_, std::optional<QString>());
+    QCOMPARE(clock_->elapsed(), before);
     QVERIFY(link_->port_connected);
     QVERIFY(view_->bar_shown);
 }
@@ -127,9 +133,8 @@ void TransactionTest::suspended_commands_are_not_sent() {
 void TransactionTest::a_query() {
     answer_with("73.5");
     run("LEVANL?");
-    QCOMPARE(link_->reply_text, QString("73.5"));
-    QCOMPARE(link_->command_text, QString("LEVANL?"));
-    QCOMPARE(link_->command_frame, QString("LEVANL?\r"));
+    QCOMPARE(link_->last_answer(), QString("73.5"));
+    QCOMPARE(last_, std::optional<QString>("73.5"));
     QCOMPARE(port_->written, QByteArray("LEVANL?\r"));
     QVERIFY(link_->port_connected);
     QVERIFY(!port_->is_open());
@@ -143,14 +148,14 @@ void TransactionTest::a_query() {
 void TransactionTest::a_setting() {
     answer_with({});
     run("FREQ 1234.5");
-    QCOMPARE(link_->reply_text, QString("OK"));
+    QCOMPARE(link_->last_answer(), QString("OK"));
     QCOMPARE(port_->written, QByteArray("FREQ 1234.5\r"));
 }
 
 void TransactionTest::a_refused_argument_is_zero() {
     answer_with("Invalid Parameter(s)");
     run("MASTERCOPY 6?");
-    QCOMPARE(link_->reply_text, QString("0"));
+    QCOMPARE(link_->last_answer(), QString("0"));
     QVERIFY(link_->port_connected);
     QCOMPARE(view_->progress(), 0);
     QVERIFY(!view_->hourglass);
@@ -159,16 +164,16 @@ void TransactionTest::a_refused_argument_is_zero() {
 void TransactionTest::the_error_rate_keeps_one_character_more() {
     port_->answer = [](const QByteArray& command) { return command + "\r1.2E-4OK\r"; };
     run("BERQPSK?");
-    QCOMPARE(link_->reply_text, QString("1.2E-4"));
+    QCOMPARE(link_->last_answer(), QString("1.2E-4"));
     run("BERQAM?");
-    QCOMPARE(link_->reply_text, QString("1.2E-"));
+    QCOMPARE(link_->last_answer(), QString("1.2E-"));
 }
 
 void TransactionTest::text_is_latin_1() {
     answer_with("\xB0");
     run(QStringLiteral("LOGO \u00e8\u20ac?"));
     QCOMPARE(port_->written, QByteArray("LOGO \xE8??\r"));
-    QCOMPARE(link_->reply_text, QStringLiteral("\u00b0"));
+    QCOMPARE(link_->last_answer(), QStringLiteral("\u00b0"));
 }
 
 void TransactionTest::one_tick_behind_each_character() {
@@ -200,7 +205,7 @@ void TransactionTest::the_answer_is_split_at_any_byte() {
         return whole.left(place);
     };
     run("LEVANL?");
-    QCOMPARE(link_->reply_text, QString("73.5"));
+    QCOMPARE(link_->last_answer(), QString("73.5"));
     QCOMPARE(port_->written, QByteArray("LEVANL?\r"));
 }
 
@@ -212,7 +217,7 @@ void TransactionTest::byte_by_byte() {
         return QByteArray();
     };
     run("LEVANL?");
-    QCOMPARE(link_->reply_text, QString("73.5"));
+    QCOMPARE(link_->last_answer(), QString("73.5"));
     QCOMPARE(port_->written, QByteArray("LEVANL?\r"));
 }
 
@@ -237,7 +242,7 @@ void TransactionTest::an_error_is_repeated() {
     };
     run("LEVANL?");
     const int attempts = std::min(errors + 1, 3);
-    QCOMPARE(link_->reply_text, reply);
+    QCOMPARE(link_->last_answer(), reply);
     QCOMPARE(port_->written, QByteArray("LEVANL?\r").repeated(attempts));
     QCOMPARE(port_->opens, attempts);
     QCOMPARE(port_->closes, attempts);
@@ -274,7 +279,7 @@ void TransactionTest::limits() {
     QVERIFY(!answer_after(limit + 3 * kTick));
     QVERIFY(clock_->elapsed() > limit);
     QVERIFY(clock_->elapsed() < limit + 3 * kTick);
-    QCOMPARE(link_->reply_text, QString());
+    QCOMPARE(link_->last_answer(), QString());
     QCOMPARE(view_->state_text, QString("RS232 ComPort 2 NOT Connected"));
     // No further attempt after a limit.
     QCOMPARE(port_->written, command + '\r');
@@ -316,7 +321,7 @@ void TransactionTest::a_sleeping_meter_is_woken() {
         return heard ? FakePort::good(command, "73.5") : QByteArray();
     };
     run("LEVANL?");
-    QCOMPARE(link_->reply_text, QString("73.5"));
+    QCOMPARE(link_->last_answer(), QString("73.5"));
     QCOMPARE(port_->written, QByteArray("LEVANL?\r\rLEVANL?\r"));
     QCOMPARE(port_->opens, 3);
     QCOMPARE(port_->closes, 3);
@@ -362,14 +367,14 @@ void TransactionTest::a_late_answer_is_dropped_with_its_exchange() {
     port_->feed("LEVANL?\r80.0\rOK\r", first);
     port_->feed("LEVANL?\r80.1\rOK\r", second);
     run("LEVANL?");
-    QCOMPARE(link_->reply_text, QString("80.0"));
+    QCOMPARE(link_->last_answer(), QString("80.0"));
     QCOMPARE(port_->written, QByteArray("LEVANL?\r\rLEVANL?\r"));
     QVERIFY2(std::abs(clock_->elapsed() - lasted) < 0.1,
              qPrintable(QString::number(clock_->elapsed())));
     // Nothing of it is left for the next.
     answer_with({});
     run("MEASURE");
-    QCOMPARE(link_->reply_text, QString("OK"));
+    QCOMPARE(link_->last_answer(), QString("OK"));
     QVERIFY(clock_->elapsed() < lasted + 0.2);
 }
 
@@ -384,7 +389,7 @@ void TransactionTest::a_late_answer_is_known_by_its_echo() {
         answer_with("3.1");
         port_->answer_delay = 0.5;
         run("VER?");
-        QCOMPARE(link_->reply_text, QString("3.1"));
+        QCOMPARE(link_->last_answer(), QString("3.1"));
         QVERIFY(link_->port_connected);
     }
 }
@@ -400,7 +405,7 @@ void TransactionTest::the_same_question_waits_for_the_late_answer() {
         port_->written.clear();
         answer_with("40.0");
         run("LEVANL?");
-        QCOMPARE(link_->reply_text, QString("40.0"));
+        QCOMPARE(link_->last_answer(), QString("40.0"));
         QCOMPARE(port_->written, QByteArray("LEVANL?\r"));
         // The last of the three went out 2 s before the link was lost.
         const double waited = clock_->elapsed() - lost;
@@ -414,7 +419,7 @@ void TransactionTest::the_same_question_waits_for_the_late_answer() {
     answer_with("40.0");
     const double lost = clock_->elapsed();
     run("LEVANL?");
-    QCOMPARE(link_->reply_text, QString("40.0"));
+    QCOMPARE(link_->last_answer(), QString("40.0"));
     QVERIFY(clock_->elapsed() - lost < 1.4);
 }
 
@@ -445,7 +450,7 @@ void TransactionTest::an_answer_to_something_else_is_doubtful() {
     QFETCH(QString, reply);
     port_->answer = [&](const QByteArray&) { return answer; };
     run("LEVANL?");
-    QCOMPARE(link_->reply_text, reply);
+    QCOMPARE(link_->last_answer(), reply);
     const Measuring measuring(*link_);
     port_->written.clear();
     QVERIFY_THROWS_EXCEPTION(DoubtfulAnswer, run("LEVANL?"));
@@ -454,7 +459,7 @@ void TransactionTest::an_answer_to_something_else_is_doubtful() {
     QVERIFY(!port_->is_open());
     answer_with("80.0");
     run("LEVANL?");
-    QCOMPARE(link_->reply_text, QString("80.0"));
+    QCOMPARE(link_->last_answer(), QString("80.0"));
 }
 
 void TransactionTest::old_input_is_dropped() {
@@ -462,7 +467,7 @@ void TransactionTest::old_input_is_dropped() {
     port_->feed("LEVANL?\r1.0\rOK\r");
     answer_with("73.5");
     run("LEVANL?");
-    QCOMPARE(link_->reply_text, QString("73.5"));
+    QCOMPARE(link_->last_answer(), QString("73.5"));
 }
 
 void TransactionTest::a_silent_meter_loses_the_link() {
@@ -471,24 +476,27 @@ void TransactionTest::a_silent_meter_loses_the_link() {
     QCOMPARE(port_->opens, 6);
     QCOMPARE(port_->closes, 6);
     QVERIFY(!link_->port_connected);
-    QCOMPARE(link_->reply_text, QString());
+    QCOMPARE(link_->last_answer(), QString());
     QCOMPARE(view_->state_text, QString("RS232 ComPort 2 NOT Connected"));
     QVERIFY(clock_->elapsed() > 6 && clock_->elapsed() < 6.3);
 }
 
 void TransactionTest::progress_steps_and_wraps() {
-    view_->maximum = 3;
     port_->answer_delay = 0;
     answer_with({});
-    run("LNB 1");
-    // Start; attempt; six characters, wrapped to 0 before a step beyond 3; polling starts at 1.
-    QCOMPARE(view_->progress_values, (QList<int>{0, 0, 0, 1, 2, 3, 1, 2, 3, 1, 2, 0}));
+    const int characters = kProgressSteps + 3;
+    run(QString(characters - 1, u'L'));
+    // Start; attempt; a step for each character, at the end of the bar anew; polling starts at 1.
+    QList<int> expected{0, 0, 0};
+    for (int step = 1; step <= kProgressSteps; ++step) expected += step;
+    expected += {1, 2, 3, 1, 2, 0};
+    QCOMPARE(view_->progress_values, expected);
 }
 
 void TransactionTest::the_bytes_that_have_arrived_are_told() {
     QList<qsizetype> told;
     link_->on_received = [&](qsizetype bytes) {
-        QCOMPARE(bytes, link_->reply_text.size());
+        QCOMPARE(bytes, link_->last_answer().size());
         if (told.isEmpty() || told.last() != bytes) told += bytes;
     };
     int asked = 0;
@@ -503,7 +511,7 @@ void TransactionTest::the_bytes_that_have_arrived_are_told() {
         return command + "\r";
     };
     run(QStringLiteral("LEVANL?"));
-    QCOMPARE(link_->reply_text, QStringLiteral("73.5"));
+    QCOMPARE(link_->last_answer(), QStringLiteral("73.5"));
     QCOMPARE(told, QList<qsizetype>({7, 8, 10, 15}));
 }
 
@@ -551,7 +559,7 @@ void TransactionTest::an_interruption_ends_waits_and_the_next_transaction() {
     answer_with("73.5");
     link_->interrupted = [&] { return clock_->elapsed() > 1; };
     run("LEVANL?");
-    QCOMPARE(link_->reply_text, QString("73.5"));
+    QCOMPARE(link_->last_answer(), QString("73.5"));
     QVERIFY_THROWS_EXCEPTION(Interrupted, link_->wait_time(100));
     QVERIFY(clock_->elapsed() < 1.1);
     QVERIFY_THROWS_EXCEPTION(Interrupted, link_->wait_time(0));
@@ -572,7 +580,7 @@ void TransactionTest::a_transaction_that_has_begun_goes_on() {
     answer_with("73.5");
     run("LEVANL?");
     QVERIFY(ending);
-    QCOMPARE(link_->reply_text, QString("73.5"));
+    QCOMPARE(link_->last_answer(), QString("73.5"));
     QCOMPARE(port_->written, QByteArray("LEVANL?\r"));
 }
 
@@ -648,8 +656,7 @@ void TransactionTest::each_wait_and_transaction_is_one_span() {
         return FakePort::good(command);
     };
     link.port_connected = true;
-    link.command_text = "FREQ 1";
-    link.send_command();
+    link.send("FREQ 1");
     QCOMPARE(open_while_answering, 1);
     QCOMPARE(clock.open, 0);
     clock.begun = 0;
@@ -666,7 +673,7 @@ void TransactionTest::midnight_within_a_transaction() {
     port_->feed("LEVANL?\r", 1);
     port_->feed("73.5\rOK\r", 100);
     run("LEVANL?");
-    QCOMPARE(link_->reply_text, QString("73.5"));
+    QCOMPARE(link_->last_answer(), QString("73.5"));
     QVERIFY(clock_->elapsed() >= 100);
 }
 
@@ -684,7 +691,7 @@ void TransactionTest::no_transaction_starts_inside_another() {
     int refused = 0;
     view_->on_pump = [&] {
         try {
-            link_->send_command();
+            link_->send(QStringLiteral("ATTEN?"));
         } catch (const Fault&) {
             ++refused;
         }
@@ -692,17 +699,16 @@ void TransactionTest::no_transaction_starts_inside_another() {
     run(QStringLiteral("LEVANL?"));
     QVERIFY(refused > 0);
     QCOMPARE(port_->take_commands(), QStringList{QStringLiteral("LEVANL?")});
-    QCOMPARE(link_->reply_text, QStringLiteral("73.5"));
+    QCOMPARE(link_->last_answer(), QStringLiteral("73.5"));
 }
 
 void TransactionTest::send_tells_whether_there_is_an_answer() {
     answer_with("73.5");
     QVERIFY(link_->send("LEVANL?"));
-    QCOMPARE(link_->reply_text, QString("73.5"));
-    QCOMPARE(link_->command_text, QString("LEVANL?"));
+    QCOMPARE(link_->last_answer(), QString("73.5"));
     link_->commands_suspended = true;
     QVERIFY(!link_->send("ATTEN?"));
-    QCOMPARE(link_->command_text, QString("ATTEN?"));
+    QCOMPARE(link_->last_answer(), QString("73.5"));
     link_->commands_suspended = false;
     port_->answer = nullptr;
     QVERIFY(!link_->send("ATTEN?"));

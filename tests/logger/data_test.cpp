@@ -11,6 +11,7 @@
 #include <csignal>
 #include <memory>
 
+#include "answer_before.h"
 #include "commands.h"
 #include "fake_link_view.h"
 #include "fake_port.h"
@@ -244,7 +245,7 @@ class DataTest : public QObject {
 
     void without_a_link_the_last_answer_is_shown() {
         link_->port_connected = false;
-        link_->reply_text = QStringLiteral("left over");
+        leave_answer(*link_, *port_, "left over");
         download();
         QCOMPARE(port_->written, QByteArray());
         QCOMPARE(data_->text(), QByteArray("left over\r\n"));

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <random>
 
+#include "answer_before.h"
 #include "column_headers.h"
 #include "fake_link_view.h"
 #include "fake_port.h"
@@ -133,7 +134,8 @@ class SpanTest : public QObject {
         port.answer = [](const QByteArray& command) {
             return command + "\r" + (command == "spanout" ? "1\t75\r\n2\t76\r\n" : "") + "OK\r";
         };
-        link.reply_text = QStringLiteral("9\t99\r\n");
+        leave_answer(link, port, "9\t99\r\n");
+        link.port_connected = false;
         QVERIFY(read_span(link).empty());
         QCOMPARE(port.written, QByteArray());
         link.port_connected = true;

@@ -3,6 +3,7 @@
 
 #include <QTest>
 
+#include "answer_before.h"
 #include "realtime_fixture.h"
 
 namespace m47 {
@@ -221,7 +222,7 @@ void ModesTest::load_starts_the_noise_boxes_where_c_n_is_complete() {
 
 void ModesTest::load_without_a_link() {
     f_->link.port_connected = false;
-    f_->link.reply_text = "2";
+    leave_answer(f_->link, f_->port, "2");
     f_->program.unit_index = 1;
     modes().Form_Load();
     QCOMPARE(f_->port.opens, 0);
@@ -237,7 +238,7 @@ void ModesTest::load_without_a_link() {
 
 void ModesTest::load_while_commands_are_suspended() {
     f_->link.commands_suspended = true;
-    f_->link.reply_text = "2";
+    leave_answer(f_->link, f_->port, "2");
     modes().Form_Load();
     QCOMPARE(f_->port.opens, 0);
     QCOMPARE(panel().srqpsk_txt, QString("27500"));
@@ -382,7 +383,7 @@ void ModesTest::satellite_defaults() {
 
 void ModesTest::satellite_defaults_without_a_link() {
     f_->link.port_connected = false;
-    f_->link.reply_text = "of another command";
+    leave_answer(f_->link, f_->port, "of another command");
     panel().k22_state = 0;
     state().east_limit_set = state().west_limit_set = true;
     modes().configurazione_prmt();

@@ -108,7 +108,7 @@ bool SoakTest::connect() {
     ++tries_;
     port_.open_fault = PortFault::none;
     link_.port_connected = true;
-    return link_.send("ATTEN?") && !link_.reply_text.isEmpty();
+    return link_.send("ATTEN?") && !link_.last_answer().isEmpty();
 }
 
 /// Each pass has measured each program once, in their order.

@@ -3,6 +3,7 @@
 
 #include <QTest>
 
+#include "answer_before.h"
 #include "realtime_fixture.h"
 
 namespace m47 {
@@ -251,7 +252,7 @@ void TuningTest::oscillator_choice_that_is_not_sent_keeps_the_frequency() {
     QFETCH(bool, suspended);
     f_->link.port_connected = connected;
     f_->link.commands_suspended = suspended;
-    f_->link.reply_text = "of another command";
+    leave_answer(f_->link, f_->port, "of another command");
     tuning().locopt_Click(0);
     QCOMPARE(panel().fsat, QString("1000.0"));
     QVERIFY(!panel().ol_freq_enabled);
@@ -489,7 +490,7 @@ void TuningTest::general_list_without_an_answer() {
     QFETCH(QByteArray, refused);
     f_->link.port_connected = connected;
     f_->link.commands_suspended = suspended;
-    f_->link.reply_text = "5";
+    leave_answer(f_->link, f_->port, "5");
     if (!refused.isEmpty()) f_->refuse(refused);
     QCOMPARE(tuning().list_Click("ATTEN", 3, 7), 3);
 }

@@ -11,6 +11,7 @@
 #include <QTest>
 #include <QToolBar>
 
+#include "answer_before.h"
 #include "fake_link_view.h"
 #include "fake_port.h"
 #include "virtual_clock.h"
@@ -46,7 +47,7 @@ class ConfigSetTest : public QObject {
   private Q_SLOTS:
     void init() {
         link_.port_connected = true;
-        link_.reply_text.clear();
+        link_.forget_answer();
         stored_ = "M47 FIELD METER";
         // A meter that keeps ten characters.
         port_.answer = [this](const QByteArray& command) {
@@ -156,7 +157,7 @@ class ConfigSetTest : public QObject {
 
     void without_a_link_the_box_shows_the_last_answer() {
         link_.port_connected = false;
-        link_.reply_text = QStringLiteral("last");
+        leave_answer(link_, port_, "last");
         QTest::keyClicks(box(), QStringLiteral("ABC"));
         QTest::keyClick(box(), Qt::Key_Return);
         QCOMPARE(box()->text(), QStringLiteral("last"));

@@ -14,7 +14,6 @@ class FakeLinkView : public LinkView {
     bool bar_shown = false;
     /// Every value that the progress bar was set to, the current one last.
     QList<int> progress_values{0};
-    int maximum = 100;
     bool hourglass = false;
     QString state_text;
     bool state_connected = false;
@@ -24,8 +23,7 @@ class FakeLinkView : public LinkView {
 
     void show_progress_bar() override { bar_shown = true; }
     void set_progress(int value) override { progress_values += value; }
-    int progress() const override { return progress_values.last(); }
-    int progress_maximum() const override { return maximum; }
+    int progress() const { return progress_values.last(); }
     void set_hourglass(bool on) override { hourglass = on; }
     void set_port_state(const QString& text, bool connected) override {
         state_text = text;

@@ -55,16 +55,15 @@ void SatelliteLists::Form_Load() {
 
 void SatelliteLists::visualizza_listastr(Modo modo, const QString& quale) {
     const Work work(link_, kOnlyRead);
-    const bool answered = link_.send(command::query(command::kSlotName));
-    panel.listastr = answered ? slot_names(link_.reply_text) : QStringList();
+    const std::optional<QString> names = link_.ask(command::query(command::kSlotName));
+    panel.listastr = names ? slot_names(*names) : QStringList();
     panel.listastr_place = kNoPlace;
     if (modo == Modo::patch) {
         program_.master_copy = patched_copy(program_.master_copy, quale);
         return;
     }
     // An answer to something else must not become slots.
-    const bool copied = link_.send(command::kCopySlots);
-    program_.master_copy = copied ? link_.reply_text : QString();
+    program_.master_copy = link_.ask(command::kCopySlots).value_or(QString());
 }
 
 void SatelliteLists::visualizza_listadb() {
@@ -116,16 +115,16 @@ void SatelliteLists::cmdlearn_Click() {
     else if (!name.isEmpty())
         learn(slot, name);
     // Whatever came of it, the meter goes back to measuring.
-    send(command::kMeasure);
+    link_.send(command::kMeasure);
 }
 
 void SatelliteLists::learn(int slot, const QString& name) {
     Work work = begin_slot(slot);
     {
         const Undivided whole(link_);
-        send(command::kMeasure);
-        send(command::kLearnSlot + learnt_slot(slot));
-        send(command::kSlotName + learnt_slot(slot) + u' ' + name);
+        link_.send(command::kMeasure);
+        link_.send(command::kLearnSlot + learnt_slot(slot));
+        link_.send(command::kSlotName + learnt_slot(slot) + u' ' + name);
     }
     tell_sent(work, slot);
     visualizza_listastr();
@@ -266,21 +265,20 @@ void SatelliteLists::tell_sent(Work& work, int slot) const {
 
 QString SatelliteLists::send_slot(int slot, const QString& block) {
     const QString text = link_.make_srecord(slot) + u'\r' + block;
-    link_.command_text = text;
-    link_.send_block();
+    link_.send_block(text);
     return text;
 }
 
 QString SatelliteLists::send_named(int slot, const QString& block, const QString& name) {
     const Undivided whole(link_);
     const QString text = send_slot(slot, block);
-    send(command::kSlotName + programmed_slot(slot) + u' ' + name);
+    link_.send(command::kSlotName + programmed_slot(slot) + u' ' + name);
     return text;
 }
 
 void SatelliteLists::empty_slot(int slot) {
     const Undivided whole(link_);
-    send(command::kDeleteSlot + programmed_slot(slot));
+    link_.send(command::kDeleteSlot + programmed_slot(slot));
     send_slot(slot, SlotBlock().text());
 }
 
@@ -291,11 +289,6 @@ QStringList SatelliteLists::stored_blocks() {
         blocks += asl_.text(field::kDati);
     }
     return blocks;
-}
-
-void SatelliteLists::send(const QString& command) {
-    link_.command_text = command;
-    link_.send_command();
 }
 
 QString SatelliteLists::selected_slot_name() const {

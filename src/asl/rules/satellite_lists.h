@@ -71,7 +71,6 @@ class SatelliteLists {
     QStringList stored_blocks();
 
   private:
-    void send(const QString& command);
     QString selected_slot_name() const;
     QString selected_pc_name() const;
     Bookmark record_at(int place) const;

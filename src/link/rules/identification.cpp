@@ -52,13 +52,10 @@ void Identification::reconnect() {
 void Identification::identify(const QString& device) {
     link_.port().select(device);
     link_.port_connected = !claim || claim(device);
-    if (!link_.port_connected) link_.reply_text.clear();
-    link_.command_text = command::query(command::kAttenuator);
-    link_.send_command();
-    show_presence(link_.port_number);
-    link_.command_text = command::query(command::kVersion);
-    link_.send_command();
-    show_version();
+    if (!link_.port_connected) link_.forget_answer();
+    const auto attenuator = link_.ask(command::query(command::kAttenuator));
+    show_presence(link_.port_number, !attenuator.value_or(QString()).isEmpty());
+    show_version(link_.ask(command::query(command::kVersion)).value_or(QString()));
 }
 
 void Identification::close_link(int number) {
@@ -70,19 +67,16 @@ void Identification::close_link(int number) {
     }
 }
 
-void Identification::show_presence(int number) {
-    const bool present = !link_.reply_text.isEmpty();
+void Identification::show_presence(int number, bool present) {
     // An answer without a value is none: whatever hangs there, no command may go out to it.
     link_.port_connected = present;
     if (!present) link_.port().close();
     link_.view().set_port_state(port_state_text(number, present), present);
 }
 
-void Identification::show_version() {
-    const QString version = link_.reply_text;
+void Identification::show_version(const QString& version) {
     if (on_version) on_version(version);
     window_.set_caption(window_.caption() + u' ' + version);
-    link_.view().set_progress(0);
     if (version_number(version) >= kPlusVersion)
         window_.enable_asl(version.contains(QLatin1String("PLUS")));
 }

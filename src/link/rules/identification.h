@@ -60,8 +60,8 @@ class Identification {
   private:
     void identify(const QString& device);
     void close_link(int number);
-    void show_presence(int number);
-    void show_version();
+    void show_presence(int number, bool present);
+    void show_version(const QString& version);
 
     Link& link_;
     Texts& texts_;

@@ -26,24 +26,33 @@ constexpr Bilingual kBehindCommand{"nothing was sent behind the command %1",
 Link::Link(SerialPort& port, Clock& clock, LinkView& view)
     : port_(port), clock_(clock), view_(view) {}
 
-void Link::send_command() {
-    if (refuse_doubtful && can_send()) wait_until_unambiguous();
-    if (!transact([this] { return run_attempts(); }, [this] { wait_for_late_answers(); })) return;
-    doubtful_ = doubtful_ || (port_connected && !well_framed(command_text, reply_text));
-    reply_text = reduce_answer(command_text, reply_text);
+std::optional<QString> Link::ask(const QString& command) {
+    if (refuse_doubtful && can_send()) wait_until_unambiguous(command);
+    if (!transact(
+            command, [this] { return run_attempts(); }, [this] { wait_for_late_answers(); }))
+        return std::nullopt;
+    doubtful_ = doubtful_ || (port_connected && !well_framed(command_text_, reply_text_));
+    reply_text_ = reduce_answer(command_text_, reply_text_);
     if (port_connected && !doubtful_)
-        settings.take(command_text, reply_text);
+        settings.take(command_text_, reply_text_);
     else
-        settings.doubt(command_text);
-    if (refuse_doubtful && doubtful_) throw DoubtfulAnswer(command_text.toStdString());
+        settings.doubt(command_text_);
+    if (refuse_doubtful && doubtful_) throw DoubtfulAnswer(command_text_.toStdString());
+    return answer();
 }
 
-bool Link::transact(const std::function<Outcome()>& exchange, const std::function<void()>& rest) {
+std::optional<QString> Link::answer() const {
+    return port_connected ? std::optional(reply_text_) : std::nullopt;
+}
+
+bool Link::transact(const QString& command, const std::function<Outcome()>& exchange,
+                    const std::function<void()>& rest) {
     view_.show_progress_bar();
-    view_.set_progress(0);
+    show_progress(0);
     if (!can_send()) return false;
     end_when_interrupted();
     const Transaction transaction(busy_);
+    command_text_ = command;
 
     const ClockSpan span(clock_);
     view_.set_hourglass(true);
@@ -56,16 +65,9 @@ bool Link::transact(const std::function<Outcome()>& exchange, const std::functio
     }
     close_port();
     view_.set_hourglass(false);
-    view_.set_progress(0);
+    show_progress(0);
     note_left_off();
     return true;
-}
-
-bool Link::send(const QString& command) {
-    command_text = command;
-    const bool sent = can_send();
-    send_command();
-    return sent && port_connected;
 }
 
 void Link::wait_time(double seconds) {
@@ -88,15 +90,14 @@ void Link::wait(double seconds, bool interruptible) {
 
 void Link::show_port_state() {
     view_.set_hourglass(false);
-    reply_text.clear();
+    reply_text_.clear();
     port_connected = false;
     close_port();
     view_.set_port_state(port_state_text(port_number, false), false);
 }
 
 QString Link::make_srecord(int slot) {
-    reply_text = srecord_text(slot);
-    command_frame = srecord_body(reply_text);
+    reply_text_ = srecord_text(slot);
     return srecord_header(slot);
 }
 
@@ -104,11 +105,10 @@ std::optional<float> Link::send_anew() {
     port_.clear();
     if (!open_port()) return std::nullopt;
     port_.read_all();
-    reply_text.clear();
+    reply_text_.clear();
 
     const float start = clock_.now();
-    command_frame = command_text + u'\r';
-    send_frame();
+    send_frame(command_text_ + u'\r');
     return start;
 }
 
@@ -117,7 +117,7 @@ Link::Outcome Link::run_attempts() {
     first_sent_ = clock_.steady();
     doubtful_ = false;
     behind_.clear();
-    late_.asked(command_text);
+    late_.asked(command_text_);
     Outcome outcome = Outcome::failed;
     for (int attempt = 0; attempt < kAttempts && outcome == Outcome::failed; ++attempt)
         outcome = run_attempt();
@@ -133,9 +133,9 @@ Link::Outcome Link::run_attempt() {
 }
 
 Link::Outcome Link::poll_answer(float start, float sent) {
-    const double limit = answer_limit(command_text);
+    const double limit = answer_limit(command_text_);
     ReplyWatch watch;
-    view_.set_progress(1);
+    show_progress(1);
     for (;;) {
         collect_input();
         advance_progress();
@@ -146,7 +146,7 @@ Link::Outcome Link::poll_answer(float start, float sent) {
             close_port();
             return Outcome::failed;
         }
-        if (reply_text.size() < command_text.size() && now - sent > kEchoLimit) {
+        if (reply_text_.size() < command_text_.size() && now - sent > kEchoLimit) {
             wake_meter();
             return Outcome::failed;
         }
@@ -165,8 +165,8 @@ Link::Outcome Link::poll_answer(float start, float sent) {
 
 void Link::collect_input() {
     const QByteArray input = port_.read_all();
-    const qsizetype room = kLongestReply - reply_text.size();
-    reply_text += QString::fromLatin1(input.first(std::min(input.size(), room)));
+    const qsizetype room = kLongestReply - reply_text_.size();
+    reply_text_ += QString::fromLatin1(input.first(std::min(input.size(), room)));
 }
 
 bool Link::open_port() {
@@ -178,9 +178,9 @@ void Link::close_port() {
 }
 
 /// The pause of a clock tick behind each character is the meter's: it cannot take a burst.
-void Link::send_frame() {
-    view_.set_progress(0);
-    for (const char character : command_frame.toLatin1()) {
+void Link::send_frame(const QString& frame) {
+    show_progress(0);
+    for (const char character : frame.toLatin1()) {
         // A character that does not go out shows in the missing echo; a lost line at once.
         if (!port_.write(character) && !port_.is_open()) return;
         wait_tick();
@@ -198,9 +198,13 @@ void Link::wake_meter() {
     close_port();
 }
 
+void Link::show_progress(int value) {
+    progress_ = value;
+    view_.set_progress(value);
+}
+
 void Link::advance_progress() {
-    const int value = view_.progress();
-    view_.set_progress(view_.progress_maximum() < value + 1 ? 1 : value + 1);
+    show_progress(progress_ < kProgressSteps ? progress_ + 1 : 1);
 }
 
 /// As wait_time(0), but a transaction that has begun goes on to its end.
@@ -213,7 +217,7 @@ void Link::pump_when_due() {
     const double passed = clock_.now() - last_pump_;
     // Back in time is a clock behind midnight.
     if (passed >= 0 && passed < kPumpInterval) return;
-    if (on_received && !reply_text.isEmpty()) on_received(reply_text.size());
+    if (on_received && !reply_text_.isEmpty()) on_received(reply_text_.size());
     view_.pump();
     last_pump_ = clock_.now();
 }
@@ -234,7 +238,7 @@ void Link::end_when_cut_off() const {
 /// A block is known by its first line.
 void Link::note_left_off() {
     if (left_off || !interrupted || !interrupted()) return;
-    left_off = Said{kBehindCommand, {command_text.section(u'\r', 0, 0)}};
+    left_off = Said{kBehindCommand, {command_text_.section(u'\r', 0, 0)}};
 }
 
 QString port_state_text(int port_number, bool connected) {

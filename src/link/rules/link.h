@@ -22,20 +22,14 @@ class Link {
   public:
     Link(SerialPort& port, Clock& clock, LinkView& view);
 
-    /// The command to send, without terminator; left unchanged by the transaction.
-    QString command_text;
-    /// The reduced answer; the receive accumulator while the transaction runs.
-    QString reply_text;
-    /// The bytes on the wire: `command_text` and one CR; scratch of make_srecord.
-    QString command_frame;
     /// The meter has been identified on a port. While false nothing is sent.
     bool port_connected = false;
     /// A screen only refreshes its controls from stored records. While true nothing is sent.
     bool commands_suspended = false;
     /// Number (1 to 10) of the port in use, for the status text; 0 before the first choice.
     int port_number = 0;
-    /// A value is at stake: an answer that is not surely the one to its question ends send_command
-    /// in a DoubtfulAnswer, and no question goes out while an older answer to the same words may
+    /// A value is at stake: an answer that is not surely the one to its question ends ask in a
+    /// DoubtfulAnswer, and no question goes out while an older answer to the same words may
     /// still come. See Measuring.
     bool refuse_doubtful = false;
     /// How the meter is set, as far as commands and answers have shown.
@@ -55,26 +49,31 @@ class Link {
     /// read meanwhile.
     std::function<void(qsizetype bytes)> on_received;
 
-    /// Sends `command_text` and leaves the reduced answer in `reply_text` ("OK" for a setting, the
-    /// value for a query, "0" for a query answered "Invalid Parameter(s)", empty after a lost
-    /// link). A call from inside a running transaction is a Fault. Late answers to other commands
-    /// are dropped; behind a command that was asked more than once those to its earlier attempts
-    /// are waited for, as long as the first answer took.
-    void send_command();
+    /// Sends `command`, without terminator. Its reduced answer: "OK" for a setting, the value for a
+    /// query, "0" for a query answered "Invalid Parameter(s)". Nothing where it could not be sent
+    /// or the link was lost over it. A call from inside a running transaction is a Fault. Late
+    /// answers to other commands are dropped; behind a command that was asked more than once those
+    /// to its earlier attempts are waited for, as long as the first answer took.
+    [[nodiscard]] std::optional<QString> ask(const QString& command);
 
-    /// Sends `command_text`, a long text such as a satellite block, in one piece and leaves the raw
-    /// text received, echo included, in `reply_text`. The answer is complete at its first CR,
-    /// within 60 s of the first character; without one the link is lost. Neither retry nor waking
-    /// nor a look for errors; what arrives in the half second after the CR, or behind it, is
-    /// dropped.
-    void send_block();
+    /// As ask, for a command of whose answer nothing is read. True when there was one.
+    bool send(const QString& command) { return ask(command).has_value(); }
 
-    /// True when send_command or send_block would put something on the wire.
+    /// Sends `block`, a long text such as that of a satellite, in one piece. The raw text received,
+    /// echo included; nothing where it could not be sent or the link was lost over it. The answer
+    /// is complete at its first CR, within 60 s of the first character; without one the link is
+    /// lost. Neither retry nor waking nor a look for errors; what arrives in the half second after
+    /// the CR, or behind it, is dropped.
+    std::optional<QString> send_block(const QString& block);
+
+    /// True when ask, send or send_block would put something on the wire.
     bool can_send() const { return port_connected && !commands_suspended; }
 
-    /// `command_text` := `command`, then send_command. True when it was sent and the link is still
-    /// up, so that `reply_text` is this command's answer; false leaves nothing to read.
-    bool send(const QString& command);
+    /// What the exchange before has left: its answer, empty after a lost link; what could not be
+    /// sent leaves it as it was. For a box or a file that shows this even then.
+    const QString& last_answer() const { return reply_text_; }
+    /// The answer before belongs to another port.
+    void forget_answer() { reply_text_.clear(); }
 
     /// Waits until more than `seconds` (0 or more) have passed on the clock; 0 waits for the next
     /// clock tick. No midnight correction of its own.
@@ -84,11 +83,11 @@ class Link {
     /// it begins.
     void end_when_interrupted() const;
 
-    /// Declares the link lost: `port_connected` false, `reply_text` empty, port closed, status red.
+    /// Declares the link lost: `port_connected` false, the answer empty, port closed, status red.
     void show_port_state();
 
-    /// The S0 header record of satellite slot `slot` (0 to 999). Leaves its text ("ASL 001") in
-    /// `reply_text` and the record's body in `command_frame`.
+    /// The S0 header record of satellite slot `slot` (0 to 999). Leaves its text ("ASL 001") as the
+    /// last answer.
     QString make_srecord(int slot);
 
     SerialPort& port() { return port_; }
@@ -98,17 +97,20 @@ class Link {
   private:
     enum class Outcome { answered, failed, lost };
 
-    /// One transaction around `exchange`, which sends and waits: the link is lost unless it was
-    /// answered. What `rest` does is done before the port is closed. False when nothing can be
-    /// sent.
-    bool transact(const std::function<Outcome()>& exchange, const std::function<void()>& rest);
+    /// The answer while the link is up.
+    std::optional<QString> answer() const;
+    /// One transaction around `exchange`, which sends `command` and waits: the link is lost unless
+    /// it was answered. What `rest` does is done before the port is closed. False when nothing can
+    /// be sent.
+    bool transact(const QString& command, const std::function<Outcome()>& exchange,
+                  const std::function<void()>& rest);
     /// Sends the frame over a line opened anew; the time at which it began, nothing when the port
     /// does not open.
     std::optional<float> send_anew();
     Outcome run_attempts();
     Outcome run_attempt();
     Outcome poll_answer(float start, float sent);
-    /// What `reply_text` is so far, once whatever belongs to other commands has been dropped.
+    /// What `reply_text_` is so far, once whatever belongs to other commands has been dropped.
     ReplyWatch::Verdict judge(ReplyWatch& watch);
     bool drop_late_answer();
     bool is_mere_noise(qsizetype begin) const;
@@ -117,15 +119,16 @@ class Link {
     void settle_answer();
     void wait_for_late_answers();
     void note_late_answers(const QString& received);
-    void wait_until_unambiguous();
+    void wait_until_unambiguous(const QString& command);
     Outcome run_block();
     Outcome poll_block(float start);
     bool is_late_to_block();
     void collect_input();
     bool open_port();
     void close_port();
-    void send_frame();
+    void send_frame(const QString& frame);
     void wake_meter();
+    void show_progress(int value);
     void advance_progress();
     void wait(double seconds, bool interruptible);
     void wait_tick();
@@ -139,6 +142,9 @@ class Link {
     LinkView& view_;
     float last_pump_ = 0;
     bool busy_ = false;
+    int progress_ = 0;      ///< steps of the exchange, 0 to kProgressSteps
+    QString command_text_;  ///< that is sent, without terminator
+    QString reply_text_;    ///< what has been received; at the end of the exchange its answer
 
     LateAnswers late_;
     // Of the present exchange; times on the steady clock

@@ -12,9 +12,11 @@ constexpr double kBlockPause = 0.5;
 
 }  // namespace
 
-void Link::send_block() {
+std::optional<QString> Link::send_block(const QString& block) {
     // A block that has gone out is let come to rest: an end of the program waits for that too.
-    transact([this] { return run_block(); }, [this] { wait(kBlockPause, false); });
+    const bool sent = transact(
+        block, [this] { return run_block(); }, [this] { wait(kBlockPause, false); });
+    return sent ? answer() : std::nullopt;
 }
 
 Link::Outcome Link::run_block() {
@@ -23,12 +25,12 @@ Link::Outcome Link::run_block() {
 }
 
 Link::Outcome Link::poll_block(float start) {
-    view_.set_progress(1);
+    show_progress(1);
     for (;;) {
         collect_input();
         advance_progress();
         if (clock_.now() - start > kBlockLimit) return Outcome::lost;
-        if (!is_late_to_block() && reply_text.contains(u'\r')) return Outcome::answered;
+        if (!is_late_to_block() && reply_text_.contains(u'\r')) return Outcome::answered;
         // An unplugged line brings nothing any more: the limit need not be waited for.
         if (!port_.is_open()) return Outcome::lost;
         end_when_cut_off();
@@ -39,11 +41,11 @@ Link::Outcome Link::poll_block(float start) {
 
 /// True while what has come is a late answer to an earlier command; a whole one is dropped.
 bool Link::is_late_to_block() {
-    if (!late_.may_come(clock_.steady()) || !late_.is_to_another(reply_text, command_text))
+    if (!late_.may_come(clock_.steady()) || !late_.is_to_another(reply_text_, command_text_))
         return false;
-    const qsizetype end = answer_end(reply_text);
-    note_late_answers(reply_text.left(end));
-    reply_text.remove(0, end);
+    const qsizetype end = answer_end(reply_text_);
+    note_late_answers(reply_text_.left(end));
+    reply_text_.remove(0, end);
     return true;
 }
 

@@ -14,27 +14,27 @@ constexpr double kSlack = 0.3;
 }  // namespace
 
 ReplyWatch::Verdict Link::judge(ReplyWatch& watch) {
-    ReplyWatch::Verdict verdict = watch.look_at(reply_text);
+    ReplyWatch::Verdict verdict = watch.look_at(reply_text_);
     while (verdict == ReplyWatch::Verdict::complete && drop_late_answer()) {
         watch = ReplyWatch();
-        verdict = watch.look_at(reply_text);
+        verdict = watch.look_at(reply_text_);
     }
     return verdict;
 }
 
-/// Drops from the front of `reply_text` what does not belong to this command. False when nothing
+/// Drops from the front of `reply_text_` what does not belong to this command. False when nothing
 /// was dropped: it begins with the answer, or with something that nobody can tell from it.
 bool Link::drop_late_answer() {
-    const qsizetype begin = answer_begin(command_text, reply_text);
+    const qsizetype begin = answer_begin(command_text_, reply_text_);
     if (begin == 0 || is_mere_noise(begin)) return false;
-    const bool to_another = late_.is_to_another(reply_text, command_text);
+    const bool to_another = late_.is_to_another(reply_text_, command_text_);
     if (begin < 0 && !to_another && !another_may_come()) {
         doubtful_ = true;
         return false;
     }
-    const qsizetype end = begin > 0 ? begin : answer_end(reply_text);
-    note_late_answers(reply_text.left(end));
-    reply_text.remove(0, end);
+    const qsizetype end = begin > 0 ? begin : answer_end(reply_text_);
+    note_late_answers(reply_text_.left(end));
+    reply_text_.remove(0, end);
     return true;
 }
 
@@ -42,7 +42,7 @@ bool Link::drop_late_answer() {
 /// ever, unless a measurement would take a part of it for the value.
 bool Link::is_mere_noise(qsizetype begin) const {
     return begin > 0 && !refuse_doubtful && !another_may_come() &&
-           answer_end(reply_text.left(begin)) == 0;
+           answer_end(reply_text_.left(begin)) == 0;
 }
 
 bool Link::another_may_come() const {
@@ -51,25 +51,25 @@ bool Link::another_may_come() const {
 
 /// An error without an echo may be the meter's word on the CR that was to wake it.
 void Link::settle_error() {
-    if (answer_begin(command_text, reply_text) >= 0 || !another_may_come())
+    if (answer_begin(command_text_, reply_text_) >= 0 || !another_may_come())
         ++answered_;
     else
-        late_.came(reply_text);
+        late_.came(reply_text_);
 }
 
 void Link::settle_answer() {
     ++answered_;
     answer_took_ = clock_.steady() - first_sent_;
     if (asked_ == 1) return;
-    const qsizetype end = answer_end(reply_text);
-    behind_ = reply_text.mid(end);
-    reply_text.truncate(end);
+    const qsizetype end = answer_end(reply_text_);
+    behind_ = reply_text_.mid(end);
+    reply_text_.truncate(end);
 }
 
 void Link::note_late_answers(const QString& received) {
     QString rest = received;
     for (qsizetype end = answer_end(rest); end > 0; end = answer_end(rest)) {
-        const qsizetype begin = answer_begin(command_text, rest.left(end));
+        const qsizetype begin = answer_begin(command_text_, rest.left(end));
         if (begin >= 0)
             ++answered_;
         else
@@ -82,7 +82,7 @@ void Link::note_late_answers(const QString& received) {
 /// is known to be missing, and the next exchanges look out for it.
 void Link::wait_for_late_answers() {
     double until = last_sent_ + answer_took_ + kSlack;
-    const double limit = last_sent_ + answer_limit(command_text) + kSlack;
+    const double limit = last_sent_ + answer_limit(command_text_) + kSlack;
     while (asked_ > answered_ && port_.is_open() && !told_to_end()) {
         const QByteArray input = port_.read_all();
         const double now = clock_.steady();
@@ -95,19 +95,19 @@ void Link::wait_for_late_answers() {
         port_.wait_for_input(kPollSlice);
         pump_when_due();
     }
-    late_.expect(command_text, asked_ - answered_, clock_.steady(), limit);
+    late_.expect(command_text_, asked_ - answered_, clock_.steady(), limit);
 }
 
 /// The same question gets the same echo: nobody could tell the answer to it from the one that an
 /// earlier one is still owed.
-void Link::wait_until_unambiguous() {
-    if (!late_.may_come(command_text, clock_.steady())) return;
+void Link::wait_until_unambiguous(const QString& command) {
+    if (!late_.may_come(command, clock_.steady())) return;
     end_when_interrupted();
     const Transaction transaction(busy_);
     const ClockSpan span(clock_);
     view_.set_hourglass(true);
     QString received;
-    while (late_.may_come(command_text, clock_.steady()) && open_port() && !told_to_end()) {
+    while (late_.may_come(command, clock_.steady()) && open_port() && !told_to_end()) {
         received += QString::fromLatin1(port_.read_all());
         const qsizetype end = answer_end(received);
         if (end > 0) late_.came(received.left(end));

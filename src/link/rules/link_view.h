@@ -5,15 +5,17 @@
 
 namespace m47 {
 
+/// The steps of the progress bar; behind the last it begins anew.
+inline constexpr int kProgressSteps = 100;
+
 /// What the user sees of the link: progress bar `pbar1`, pointer, status label `port_state`.
 class LinkView {
   public:
     virtual ~LinkView() = default;
 
     virtual void show_progress_bar() = 0;
+    /// 0 to kProgressSteps
     virtual void set_progress(int value) = 0;
-    virtual int progress() const = 0;
-    virtual int progress_maximum() const = 0;
 
     /// The hourglass pointer while true.
     virtual void set_hourglass(bool on) = 0;

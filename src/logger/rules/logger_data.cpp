@@ -42,9 +42,10 @@ NameFault LoggerData::download(const QString& command, const QString& name) {
         const ByteReport report(link_, on_bytes);
         came = link_.send(command);
     }
-    const bool kept = visualizza(link_.reply_text.toLatin1());
-    if (came && kept)
-        work.at(kKept, {QString::number(link_.reply_text.size()), program_.temp_file_name});
+    // Without one the answer before is shown, so that the page never keeps what is older still.
+    const QString& answer = link_.last_answer();
+    const bool kept = visualizza(answer.toLatin1());
+    if (came && kept) work.at(kKept, {QString::number(answer.size()), program_.temp_file_name});
     return NameFault::none;
 }
 

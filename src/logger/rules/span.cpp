@@ -46,8 +46,9 @@ SpanPoints parse_span(const QString& reply) {
 }
 
 SpanPoints read_span(Link& link) {
-    if (!link.send(command::kTabbedOutput) || !link.send(command::kSpan)) return {};
-    return parse_span(link.reply_text);
+    if (!link.send(command::kTabbedOutput)) return {};
+    const std::optional<QString> span = link.ask(command::kSpan);
+    return span ? parse_span(*span) : SpanPoints();
 }
 
 QString span_point_text(const SpanPoints& points, std::size_t row) {

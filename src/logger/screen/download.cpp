@@ -58,7 +58,7 @@ void Download::Form_Load() {
     set_tooltips(this, download_tooltips(), program_.texts);
     ui_->record_table->copy_action()->setText(program_.texts.pick(kCopyRows));
     // The logged text brings headers of its own, so these are not shown anywhere.
-    static_cast<void>(column_headers(link_.reply_text));
+    static_cast<void>(column_headers(link_.last_answer()));
 }
 
 void Download::Form_Activate() {

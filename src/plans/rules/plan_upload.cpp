@@ -25,9 +25,9 @@ UploadResult PlanUpload::run(const UploadPlan& plan, UploadMode mode) {
     const QStringList opening = opening_commands(mode);
     const auto of_plan = static_cast<int>(plan_commands(plan).size());
     result.commands = static_cast<int>(opening.size()) + of_plan;
-    send_all(opening, result);
-    if (mode == kDisable && link_.can_send() && link_.reply_text != kRefusedQuery) {
-        result.table = link_.reply_text;
+    const std::optional<QString> table = send_all(opening, result);
+    if (mode == kDisable && table && *table != kRefusedQuery) {
+        result.table = *table;
         keep_table(program_.base_dir, result.table, link_.clock().date_time());
         const QStringList disabling =
             disabling_commands(lines_through_file(program_.base_dir, result.table));
@@ -51,27 +51,30 @@ void PlanUpload::send_programs(const UploadPlan& plan, UploadResult& result, Wor
     }
 }
 
-void PlanUpload::send_all(const QStringList& commands, UploadResult& result) {
-    for (const QString& command : commands) send_one(command, result);
+std::optional<QString> PlanUpload::send_all(const QStringList& commands, UploadResult& result) {
+    std::optional<QString> last;
+    for (const QString& command : commands) last = send_one(command, result);
+    return last;
 }
 
-void PlanUpload::send_one(const QString& command, UploadResult& result) {
+std::optional<QString> PlanUpload::send_one(const QString& command, UploadResult& result) {
     if (on_progress)
         on_progress(result.accepted + static_cast<int>(result.refused.size()), result.commands);
     // The value of a query comes without the "OK" that ended it.
     const bool query = command.endsWith(u'?');
-    const bool answered = link_.can_send() && link_.send(command);
-    const bool good = query ? link_.reply_text != kRefusedQuery : link_.reply_text == kAccepted;
-    if (answered && good)
+    std::optional<QString> answer = link_.can_send() ? link_.ask(command) : std::nullopt;
+    const bool good = answer && (query ? *answer != kRefusedQuery : *answer == kAccepted);
+    if (good)
         ++result.accepted;
     else
         result.refused += command;
+    return answer;
 }
 
 std::optional<QString> PlanUpload::ask_table() {
-    const bool answered = link_.send(command::query(command::kLoggerTable));
-    if (!answered || link_.reply_text == kRefusedQuery) return std::nullopt;
-    return link_.reply_text;
+    std::optional<QString> table = link_.ask(command::query(command::kLoggerTable));
+    if (table == kRefusedQuery) return std::nullopt;
+    return table;
 }
 
 QString upload_summary(const UploadResult& result, const Texts& texts) {

@@ -37,9 +37,10 @@ class PlanUpload {
     std::optional<QString> ask_table();
 
   private:
-    void send_all(const QStringList& commands, UploadResult& result);
+    /// The answer to the last of `commands`.
+    std::optional<QString> send_all(const QStringList& commands, UploadResult& result);
     void send_programs(const UploadPlan& plan, UploadResult& result, Work& work);
-    void send_one(const QString& command, UploadResult& result);
+    std::optional<QString> send_one(const QString& command, UploadResult& result);
 
     Link& link_;
     const ProgramState& program_;

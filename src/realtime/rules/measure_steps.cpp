@@ -70,20 +70,22 @@ void MeasureSteps::expect(AskedFor asked, const QString& text) const {
     // The meter may write its steps with two digits.
     const QString number = steps && text.startsWith(u'0') ? text.mid(1) : text;
     if (!(rate ? can_be_rate(number) : can_be_value(number)))
-        throw DoubtfulAnswer(link_.command_text.toStdString());
+        throw DoubtfulAnswer(question_.toStdString());
 }
 
 void MeasureSteps::format_att() {
     link_.send(command::kFullAttenuation);
     link_.wait_time(kAfterRanging);
     if (program_.unit_index != kDbuv) link_.send(command::kUnit + QStringLiteral(" 00"));
-    ask_one(command::query(command::kAttenuator), AskedFor::attenuation, whole);
-    expect(AskedFor::attenuation, link_.reply_text);
-    double attenuation = meter_value(link_.reply_text);
-    ask_one(command::query(command::kLevel), AskedFor::ranging_level, behind_first);
+    const QString steps =
+        ask_one(command::query(command::kAttenuator), AskedFor::attenuation, whole);
+    expect(AskedFor::attenuation, steps);
+    double attenuation = meter_value(steps);
+    const QString reading =
+        ask_one(command::query(command::kLevel), AskedFor::ranging_level, behind_first);
     double level = 0;
-    if (level_for_attenuator(link_.reply_text, level)) {
-        expect(AskedFor::ranging_level, link_.reply_text.mid(2));
+    if (level_for_attenuator(reading, level)) {
+        expect(AskedFor::ranging_level, reading.mid(2));
         if (level > attenuation * kAttenuatorStep + kFirstStepLevel) {
             attenuation += 1;
             link_.send(command::kAttenuator + format_number(attenuation, " 0"));
@@ -95,8 +97,9 @@ void MeasureSteps::format_att() {
 
 void MeasureSteps::carr_satdig() {
     format_att();
-    ask_one(command::query(command::kChannelPower), AskedFor::channel_power, behind_lead);
-    const QString level = trimmed_from(link_.reply_text, 2);
+    const QString answer =
+        ask_one(command::query(command::kChannelPower), AskedFor::channel_power, behind_lead);
+    const QString level = trimmed_from(answer, 2);
     expect(AskedFor::channel_power, level);
     panel_.dcplev = level;
     keep(Quantity::level, panel_.dcplev);
@@ -121,12 +124,12 @@ void MeasureSteps::cn_satdig() {
     link_.send(command::kFullAttenuation);
     link_.send(command::kMarker + QStringLiteral(" 1 1"));
     noise_frequency(panel_.noise_freqd);
-    ask_one(command::query(command::kDigitalCn), AskedFor::cn, behind_first);
-    expect(AskedFor::cn, link_.reply_text);
-    panel_.cndlev = link_.reply_text.trimmed();
-    keep(Quantity::cn, cn_value_text(link_.reply_text));
+    const QString answer = ask_one(command::query(command::kDigitalCn), AskedFor::cn, behind_first);
+    expect(AskedFor::cn, answer);
+    panel_.cndlev = answer.trimmed();
+    keep(Quantity::cn, cn_value_text(answer));
     panel_.repaint();
-    state_.cn_value = meter_value(link_.reply_text.mid(1));
+    state_.cn_value = meter_value(answer.mid(1));
     check(AlarmRow::cn_digital, state_.cn_value);
     panel_.repaint();
     state_.cn_done = true;
@@ -137,8 +140,9 @@ void MeasureSteps::levn_satdig() {
     link_.send(command::kFrequency + u' ' + frequency);
     link_.wait_time(kAfterTuning);
     format_att();
-    ask_one(command::query(command::kChannelPower) + frequency, AskedFor::noise, noise_power);
-    const QString noise = noise_power(link_.reply_text);
+    const QString answer =
+        ask_one(command::query(command::kChannelPower) + frequency, AskedFor::noise, noise_power);
+    const QString noise = noise_power(answer);
     expect(AskedFor::noise, noise);
     panel_.noisedlev = noise;
     keep(Quantity::noise, panel_.noisedlev);
@@ -160,8 +164,8 @@ void MeasureSteps::qpsk_real() {
     if (start_qpsk) link_.send(command::kMeasure);
 }
 
-void MeasureSteps::show_field(const Measure& measure) {
-    const QString field = delete_cr(QString::fromLatin1(measure.label), link_.reply_text);
+void MeasureSteps::show_field(const Measure& measure, const QString& answer) {
+    const QString field = delete_cr(QString::fromLatin1(measure.label), answer);
     expect(*measure.asked, field);
     panel_.*measure.shown = field;
     keep(*measure.quantity, field);
@@ -173,18 +177,18 @@ void MeasureSteps::digital_acquire() {
     const auto ticked = [this](const Measure& measure) {
         return measure.label && is_ticked(measure, panel_);
     };
-    if (std::ranges::any_of(measures(), ticked))
-        ask(command::query(command::kQpskQuality),
-            [this](const QString& reply) { return quality_in(reply); });
+    if (std::ranges::none_of(measures(), ticked)) return;
+    const QString answer = ask(command::query(command::kQpskQuality),
+                               [this](const QString& reply) { return quality_in(reply); });
     for (const Measure& measure : measures())
-        if (ticked(measure)) show_field(measure);
+        if (ticked(measure)) show_field(measure, answer);
 }
 
 void MeasureSteps::carr_satanl() {
     link_.send(command::kFullAttenuation);
     link_.wait_time(kAfterRanging);
-    ask_one(command::query(command::kLevel), AskedFor::level, behind_lead);
-    const QString level = trimmed_from(link_.reply_text, 2);
+    const QString answer = ask_one(command::query(command::kLevel), AskedFor::level, behind_lead);
+    const QString level = trimmed_from(answer, 2);
     expect(AskedFor::level, level);
     panel_.leva = level;
     keep(Quantity::level, panel_.leva);
@@ -197,9 +201,10 @@ void MeasureSteps::cn_satanl() {
     link_.send(command::kFullAttenuation);
     link_.send(command::kMarker + QStringLiteral(" 1 0"));
     noise_frequency(panel_.noise_freqa);
-    ask_one(command::query(command::kAnalogCn), AskedFor::cn, behind_letters);
-    expect(AskedFor::cn, link_.reply_text.mid(3));
-    panel_.cnalev = link_.reply_text.mid(3);
+    const QString answer =
+        ask_one(command::query(command::kAnalogCn), AskedFor::cn, behind_letters);
+    expect(AskedFor::cn, answer.mid(3));
+    panel_.cnalev = answer.mid(3);
     keep(Quantity::cn, panel_.cnalev);
     panel_.repaint();
     check(AlarmRow::cn_analog, delete_segno(panel_.cnalev.trimmed()));
@@ -210,11 +215,11 @@ void MeasureSteps::levn_satanl() {
     const QString frequency = noise_frequency(panel_.noise_freqa);
     link_.send(command::kFrequency + u' ' + frequency);
     link_.wait_time(kAfterTuning);
-    ask_one(command::query(command::kLevel), AskedFor::noise, behind_words);
-    expect(AskedFor::noise, behind_words(link_.reply_text));
-    panel_.noisealev = link_.reply_text.trimmed();
+    const QString answer = ask_one(command::query(command::kLevel), AskedFor::noise, behind_words);
+    expect(AskedFor::noise, behind_words(answer));
+    panel_.noisealev = answer.trimmed();
     // An answer with a level begins with a character that is no part of it.
-    keep(Quantity::noise, trimmed_from(link_.reply_text, 2));
+    keep(Quantity::noise, trimmed_from(answer, 2));
     panel_.repaint();
 }
 

@@ -52,14 +52,14 @@ class MeasureSteps {
     void keep(Quantity quantity, const QString& answered);
     using ValuesIn = std::function<AskedValues(const QString& reply)>;
 
-    /// Sends `question`. Where the user has chosen so and what `values_in` finds in the answer
-    /// surprises, again, until two answers agree, which leaves the later one in the link's
-    /// `reply_text`; a DoubtfulAnswer when none do.
-    void ask(const QString& question, const ValuesIn& values_in);
+    /// Sends `question` and tells what stands as the answer then, whether or not there was one.
+    /// Where the user has chosen so and what `values_in` finds in it surprises, again, until two
+    /// answers agree, which gives the later one; a DoubtfulAnswer when none do.
+    QString ask(const QString& question, const ValuesIn& values_in);
     /// As ask, for a question with one value, of which `text_in` cuts the text out.
-    void ask_one(const QString& question, AskedFor asked,
-                 const std::function<QString(const QString& reply)>& text_in);
-    void confirm(const QString& question, const ValuesIn& values_in);
+    QString ask_one(const QString& question, AskedFor asked,
+                    const std::function<QString(const QString& reply)>& text_in);
+    void confirm(const ValuesIn& values_in);
     bool surprising(const AskedValues& readings) const;
     void remember(const AskedValues& readings);
     /// Whose readings are compared with each other.
@@ -70,7 +70,7 @@ class MeasureSteps {
     void expect(AskedFor asked, const QString& text) const;
     QString& noise_entry(QString& entry) const;
     QString noise_frequency(QString& entry) const;
-    void show_field(const Measure& measure);
+    void show_field(const Measure& measure, const QString& answer);
 
     Link& link_;
     ProgramState& program_;
@@ -78,6 +78,7 @@ class MeasureSteps {
     RealtimeState& state_;
     Tuning& tuning_;
     Scatter scatter_;
+    QString question_;  ///< asked last
 };
 
 }  // namespace m47

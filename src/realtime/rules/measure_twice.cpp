@@ -24,26 +24,29 @@ std::optional<AlarmRow> row_of(AskedFor asked, bool digital) {
 
 }  // namespace
 
-void MeasureSteps::ask(const QString& question, const ValuesIn& values_in) {
+QString MeasureSteps::ask(const QString& question, const ValuesIn& values_in) {
+    question_ = question;
     if (program_.corrected.ask_twice)
-        confirm(question, values_in);
+        confirm(values_in);
     else
         link_.send(question);
+    return link_.last_answer();
 }
 
-void MeasureSteps::ask_one(const QString& question, AskedFor asked,
-                           const std::function<QString(const QString& reply)>& text_in) {
-    ask(question,
-        [&](const QString& reply) { return AskedValues{value_in(asked, text_in(reply))}; });
+QString MeasureSteps::ask_one(const QString& question, AskedFor asked,
+                              const std::function<QString(const QString& reply)>& text_in) {
+    return ask(question,
+               [&](const QString& reply) { return AskedValues{value_in(asked, text_in(reply))}; });
 }
 
-void MeasureSteps::confirm(const QString& question, const ValuesIn& values_in) {
+void MeasureSteps::confirm(const ValuesIn& values_in) {
     std::vector<AskedValues> seen;
     std::exception_ptr fault;
     for (int times = 0; times < kMostAsked; ++times) {
         try {
-            if (!link_.send(question)) return;
-            const AskedValues readings = values_in(link_.reply_text);
+            const std::optional<QString> answer = link_.ask(question_);
+            if (!answer) return;
+            const AskedValues readings = values_in(*answer);
             const bool agreed = std::ranges::any_of(
                 seen, [&](const AskedValues& before) { return agree(before, readings); });
             if (agreed || (times == 0 && !surprising(readings))) return remember(readings);
@@ -54,7 +57,7 @@ void MeasureSteps::confirm(const QString& question, const ValuesIn& values_in) {
         }
     }
     if (seen.empty() && fault) std::rethrow_exception(fault);
-    throw DoubtfulAnswer(question.toStdString());
+    throw DoubtfulAnswer(question_.toStdString());
 }
 
 bool MeasureSteps::surprising(const AskedValues& readings) const {

@@ -73,8 +73,8 @@ void Modes::Form_Load() {
 
 void Modes::read_unit() {
     // With no answer the unit that the program works in stays.
-    const bool answered = link_.send(command::query(command::kUnit));
-    cmdlev_Click(answered ? unit_of(link_.reply_text) : program_.unit_index);
+    const std::optional<QString> unit = link_.ask(command::query(command::kUnit));
+    cmdlev_Click(unit ? unit_of(*unit) : program_.unit_index);
 }
 
 void Modes::Form_Activate() {
@@ -115,8 +115,8 @@ void Modes::configurazione_prmt() {
     link_.send(command::kToneOff);
     panel_.k22_state = kTone22kOff;
     if (!link_.can_send()) return;
-    const bool answered = link_.send(command::query(command::kSymbolRate));
-    tuning_.show_answer(answered, panel_.srqpsk_txt, kRateLost);
+    const std::optional<QString> rate = link_.ask(command::query(command::kSymbolRate));
+    tuning_.show_answer(rate, panel_.srqpsk_txt, kRateLost);
     panel_.srqpsk_txt = panel_.srqpsk_txt.trimmed();
 }
 

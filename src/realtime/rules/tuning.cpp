@@ -59,14 +59,14 @@ void Tuning::locopt_Click(int index) {
         }
     }
     if (!link_.can_send()) return;
-    const bool answered = link_.send(command::query(command::kFrequency));
-    show_answer(answered, panel_.fsat, kFrequencyLost);
+    show_answer(link_.ask(command::query(command::kFrequency)), panel_.fsat, kFrequencyLost);
 }
 
-void Tuning::show_answer(bool answered, QString& box, const Bilingual& cost) {
-    const bool lost = !answered || meter_value(link_.reply_text) <= 0;
+void Tuning::show_answer(const std::optional<QString>& answer, QString& box,
+                         const Bilingual& cost) {
+    const bool lost = !answer || meter_value(*answer) <= 0;
     if (lost && program_.corrected.keep_box) return;
-    box = link_.reply_text;
+    box = answer.value_or(QString());
     if (lost) program_.costs.tell(cost);
 }
 
@@ -118,8 +118,9 @@ void Tuning::lnb_supply_Click(int index) {
 int Tuning::list_Click(const QString& word, int index, int count) {
     if (state_.recall_in_progress) return index;
     link_.send(word + format_number(index, " 00"));
-    if (!link_.send(word + u'?')) return index;
-    const double accepted = meter_value(link_.reply_text);
+    const std::optional<QString> answer = link_.ask(word + u'?');
+    if (!answer) return index;
+    const double accepted = meter_value(*answer);
     return accepted >= 0 && accepted < count ? static_cast<int>(accepted) : index;
 }
 

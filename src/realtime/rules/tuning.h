@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QString>
+#include <optional>
+
 #include "link.h"
 #include "program_state.h"
 #include "realtime_panel.h"
@@ -42,9 +45,9 @@ class Tuning {
     /// gets the present one; a bound is never written into it.
     QString noise_frequency(QString& entry) const;
 
-    /// Puts the answer to the query just sent into `box`. One that is no number above 0 empties it,
-    /// or leaves it where the user has chosen that; when it is lost `cost` is told.
-    void show_answer(bool answered, QString& box, const Bilingual& cost);
+    /// Puts `answer`, that to a query, into `box`. One that is no number above 0 empties it, or
+    /// leaves it where the user has chosen that; when it is lost `cost` is told.
+    void show_answer(const std::optional<QString>& answer, QString& box, const Bilingual& cost);
 
     /// `text` (MHz) as the bandwidth that is sent, 5 to 36 in two digits.
     static QString checked_bandwidth(const QString& text);

@@ -14,15 +14,15 @@ constexpr int kEnter = 13;
 }  // namespace
 
 void Logo::read() {
-    send(command::query(command::kLogo));
-    logo_txt = link_.reply_text;
+    link_.send(command::query(command::kLogo));
+    logo_txt = link_.last_answer();
 }
 
 void Logo::logo_txt_KeyPress(int key_ascii) {
     if (key_ascii != kEnter || !can_be_sent(logo_txt)) return;
     const qsizetype end = logo_txt.indexOf(u'\r');
     if (end >= 0) logo_txt.truncate(end);
-    send(command::kLogo + u' ' + without_blanks(logo_txt));
+    link_.send(command::kLogo + u' ' + without_blanks(logo_txt));
     read();
 }
 
@@ -30,11 +30,6 @@ bool Logo::can_be_sent(const QString& text) {
     constexpr char16_t kLastLatin1 = 0xFF;
     return std::all_of(text.begin(), text.end(),
                        [](QChar character) { return character.unicode() <= kLastLatin1; });
-}
-
-void Logo::send(const QString& command) {
-    link_.command_text = command;
-    link_.send_command();
 }
 
 }  // namespace m47

@@ -27,8 +27,6 @@ class Logo {
     static bool can_be_sent(const QString& text);
 
   private:
-    void send(const QString& command);
-
     Link& link_;
 };
 
