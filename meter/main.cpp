@@ -5,10 +5,12 @@
 #include <variant>
 #include <vector>
 
+#include "device_link.h"
 #include "instrument.h"
 #include "options.h"
 #include "pty_line.h"
 #include "server.h"
+#include "signals.h"
 #include "trace.h"
 
 namespace {
@@ -25,7 +27,8 @@ int serve(const meter::Options& options) {
     meter::Trace trace;
     if (!trace.open(options.trace)) return complain("cannot write " + options.trace, kStatusFailed);
     meter::Instrument instrument(options);
-    meter::Server::catch_signals();
+    // Before the device path is announced: who reads it may end the meter at once.
+    meter::listen_to_signals();
     meter::PtyLine line;
     meter::DeviceLink link;
     if (!options.link.empty()) link.create(options.link, line.path());

@@ -1,16 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "server.h"
 
-#include <poll.h>
-#include <signal.h>
-#include <time.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <system_error>
 #include <thread>
+
+#include "fine_sleep.h"
+#include "signals.h"
 
 namespace meter {
 
@@ -24,41 +23,14 @@ constexpr auto kTimeToRead = 300ms;
 constexpr auto kUnreadLimit = 2s;
 constexpr auto kTrickleInterval = 250ms;
 constexpr auto kFineWait = 2ms;
+constexpr auto kRoomWait = 10ms;
 constexpr std::size_t kInputLimit = 256;
 constexpr std::size_t kTracedFiller = 256;
 constexpr std::size_t kFillerBlock = 64;
 
-volatile sig_atomic_t stop_requested = 0;
-volatile sig_atomic_t state_requested = 0;
-
-void on_stop(int) {
-    stop_requested = 1;
-}
-
-void on_state(int) {
-    state_requested = 1;
-}
-
-void handle_signal(int number, void (*handler)(int)) {
-    struct sigaction action {};
-    action.sa_handler = handler;
-    sigemptyset(&action.sa_mask);
-    sigaction(number, &action, nullptr);
-}
-
 std::chrono::nanoseconds from_seconds(double seconds) {
     return std::chrono::duration_cast<std::chrono::nanoseconds>(
         std::chrono::duration<double>(seconds));
-}
-
-/// Sleeps to a point of the monotonic clock, so that late wake-ups do not add up.
-void sleep_until(TimePoint when) {
-    const auto time = when.time_since_epoch();
-    const auto seconds = std::chrono::floor<std::chrono::seconds>(time);
-    timespec target{};
-    target.tv_sec = seconds.count();
-    target.tv_nsec = std::chrono::nanoseconds(time - seconds).count();
-    clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &target, nullptr);
 }
 
 }  // namespace
@@ -72,25 +44,9 @@ Server::Server(const Options& options, PtyLine& line, Instrument& instrument, Tr
       state_file_(options.state),
       link_(options.link) {}
 
-void Server::catch_signals() {
-    handle_signal(SIGINT, on_stop);
-    handle_signal(SIGTERM, on_stop);
-    handle_signal(SIGHUP, on_stop);
-    handle_signal(SIGUSR1, on_state);
-    handle_signal(SIGPIPE, SIG_IGN);
-}
-
 bool Server::stopping() {
-    if (state_requested != 0) {
-        state_requested = 0;
-        write_state();
-    }
-    return stop_requested != 0;
-}
-
-bool Server::wait_for_input(std::chrono::milliseconds longest) {
-    pollfd input{line_.descriptor(), POLLIN, 0};
-    return poll(&input, 1, static_cast<int>(longest.count())) > 0 && (input.revents & POLLIN) != 0;
+    if (state_asked_for()) write_state();
+    return told_to_stop();
 }
 
 void Server::take_input() {
@@ -108,7 +64,7 @@ bool Server::wait_until(TimePoint when) {
         const auto slice = std::chrono::floor<std::chrono::milliseconds>(left - 1ms);
         if (input_.waiting() >= kInputLimit)
             std::this_thread::sleep_for(std::min<Clock::duration>(slice, kIdleTick));
-        else if (wait_for_input(std::min<std::chrono::milliseconds>(slice, kIdleTick)))
+        else if (line_.wait_for_input(std::min<std::chrono::milliseconds>(slice, kIdleTick)))
             take_input();
     }
     return false;
@@ -124,8 +80,7 @@ bool Server::write_all(std::string_view bytes) {
             continue;
         }
         if (Clock::now() >= give_up) return false;
-        pollfd output{line_.descriptor(), POLLOUT, 0};
-        poll(&output, 1, 10);
+        line_.wait_for_room(kRoomWait);
         take_input();
     }
     return bytes.empty();
@@ -203,7 +158,7 @@ void Server::close_line() {
 
 void Server::run() {
     while (!stopping()) {
-        if (wait_for_input(kIdleTick))
+        if (line_.wait_for_input(kIdleTick))
             take_input();
         else
             line_.clear_stale_lock();

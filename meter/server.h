@@ -15,20 +15,16 @@
 
 namespace meter {
 
-/// Serves the line with the instrument until SIGINT or SIGTERM arrives.
+/// Serves the line with the instrument until a signal to end arrives (signals.h).
 class Server {
   public:
     Server(const Options& options, PtyLine& line, Instrument& instrument, Trace& trace);
-
-    /// Installs the signal handlers; call it before the device path is announced.
-    static void catch_signals();
 
     /// Runs until it is told to end; then writes the state file, if one is wanted.
     void run();
 
   private:
     bool stopping();
-    bool wait_for_input(std::chrono::milliseconds longest);
     void take_input();
     bool wait_until(TimePoint when);
     bool write_all(std::string_view bytes);

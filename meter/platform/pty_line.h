@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <chrono>
 #include <string>
 #include <string_view>
 
@@ -20,8 +21,11 @@ class PtyLine {
     /// Path of the device that programs open.
     const std::string& path() const { return path_; }
 
-    /// Descriptor to poll for input; -1 once the line is closed.
-    int descriptor() const { return master_; }
+    /// True when something has arrived, for which it waits `longest`.
+    bool wait_for_input(std::chrono::milliseconds longest) const;
+
+    /// Waits `longest` for the line to take something.
+    void wait_for_room(std::chrono::milliseconds longest) const;
 
     /// Everything that has arrived, without waiting.
     std::string read_pending();
@@ -46,24 +50,6 @@ class PtyLine {
     int slave_ = -1;
     std::string path_;
     std::string last_holder_;
-};
-
-/// A symbolic link to the device, removed at the end if it still leads there.
-class DeviceLink {
-  public:
-    DeviceLink() = default;
-    ~DeviceLink();
-
-    DeviceLink(const DeviceLink&) = delete;
-    DeviceLink& operator=(const DeviceLink&) = delete;
-
-    /// Makes `link` lead to `device`, in place of an older symbolic link. Throws
-    /// std::system_error when something other than a symbolic link stands there.
-    void create(const std::string& link, const std::string& device);
-
-  private:
-    std::string link_;
-    std::string device_;
 };
 
 }  // namespace meter

@@ -2,6 +2,7 @@
 #include "pty_line.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <stdlib.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
@@ -75,6 +76,17 @@ void PtyLine::close() {
     master_ = -1;
 }
 
+bool PtyLine::wait_for_input(std::chrono::milliseconds longest) const {
+    pollfd input{master_, POLLIN, 0};
+    return ::poll(&input, 1, static_cast<int>(longest.count())) > 0 &&
+           (input.revents & POLLIN) != 0;
+}
+
+void PtyLine::wait_for_room(std::chrono::milliseconds longest) const {
+    pollfd output{master_, POLLOUT, 0};
+    ::poll(&output, 1, static_cast<int>(longest.count()));
+}
+
 std::string PtyLine::read_pending() {
     std::string bytes;
     char buffer[512];
@@ -116,18 +128,6 @@ void PtyLine::clear_stale_lock() {
     if (slave_ >= 0 && ioctl(slave_, TIOCGEXCL, &locked) == 0 && locked != 0 &&
         !held_by_another_process())
         ioctl(slave_, TIOCNXCL);
-}
-
-DeviceLink::~DeviceLink() {
-    std::error_code error;
-    if (!link_.empty() && fs::read_symlink(link_, error) == device_) fs::remove(link_, error);
-}
-
-void DeviceLink::create(const std::string& link, const std::string& device) {
-    if (fs::is_symlink(fs::symlink_status(link))) fs::remove(link);
-    fs::create_symlink(device, link);
-    link_ = link;
-    device_ = device;
 }
 
 }  // namespace meter

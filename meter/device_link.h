@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <string>
+
+namespace meter {
+
+/// A symbolic link to the device, removed at the end if it still leads there.
+class DeviceLink {
+  public:
+    DeviceLink() = default;
+    ~DeviceLink();
+
+    DeviceLink(const DeviceLink&) = delete;
+    DeviceLink& operator=(const DeviceLink&) = delete;
+
+    /// Makes `link` lead to `device`, in place of an older symbolic link. Throws
+    /// std::system_error when something other than a symbolic link stands there.
+    void create(const std::string& link, const std::string& device);
+
+  private:
+    std::string link_;
+    std::string device_;
+};
+
+}  // namespace meter
