@@ -22,9 +22,9 @@ _TIMES_NORMAL = 5
 # Seconds from which on a function of a test is only asked about what the others let pass.
 _QUICK = 8
 # Tests of a room that stand in another one's folder, as they need more than that room.
-_ELSEWHERE = {"common": ["shell.preferences"], "link": ["realtime.late_answer"],
+_ELSEWHERE = {"common": ["shell.preferences"], "link": ["acquisition.late_answer"],
               "measurement": ["realtime.spoilt_byte", "trend.trend"],
-              "realtime": ["report.report"]}
+              "realtime": ["acquisition.acquisition", "acquisition.plan_run", "report.report"]}
 
 
 @dataclass

@@ -73,7 +73,6 @@ class MeasureCycleTest : public QObject {
     void a_refused_command_loses_the_link();
     void the_end_of_the_program_passes_through_data();
     void the_end_of_the_program_passes_through();
-    void one_measurement_now();
     void measures_that_run_to_their_end();
 
   private:
@@ -371,18 +370,18 @@ void MeasureCycleTest::a_cycle_that_ends_at_the_noise_is_told() {
     QStringList told;
     f_->program.costs.on_cost = [&](const Bilingual& text) { told += text.english; };
     panel().meas_statea[kLevel] = true;
-    f_->acquisition.single_acq();
+    f_->rules.measure_once();
     QCOMPARE(told, QStringList());
     panel().meas_statea[kCnAnalog] = true;
     f_->values["LEVCNA?"] = "CN 30.0";
     for (int time = 0; time < 2; ++time) {
-        f_->acquisition.single_acq();
+        f_->rules.measure_once();
         QCOMPARE(told, QStringList("C/N and noise not measured: tick Complete C/N and noise, or "
                                    "untick them"));
     }
     told.clear();
     f_->program.corrected.complete = true;
-    f_->acquisition.single_acq();
+    f_->rules.measure_once();
     QCOMPARE(told, QStringList());
 }
 
@@ -395,21 +394,21 @@ void MeasureCycleTest::an_alarm_without_limits_is_told() {
     panel().alarm_statea[0] = true;
     panel().lev_mina = "30";
     panel().lev_maxa = "80";
-    f_->acquisition.single_acq();
+    f_->rules.measure_once();
     QCOMPARE(told, QStringList());
     for (int time = 0; time < 2; ++time) {
         panel().lev_mina = panel().lev_maxa = "";
-        f_->acquisition.single_acq();
+        f_->rules.measure_once();
         QCOMPARE(told, QStringList(fails));
     }
     f_->program.corrected.empty_alarm = true;
     for (int time = 0; time < 2; ++time) {
         panel().lev_mina = panel().lev_maxa = "";
-        f_->acquisition.single_acq();
+        f_->rules.measure_once();
         QCOMPARE(told, QStringList({fails, nothing}));
     }
     f_->program.costs.begin_anew();
-    f_->acquisition.single_acq();
+    f_->rules.measure_once();
     QCOMPARE(told, QStringList({fails, nothing, nothing}));
 }
 
@@ -740,11 +739,10 @@ void MeasureCycleTest::link_lost_at_any_moment() {
         if (f_->program.corrected.complete) tick({kCnDigital, kNoiseDigital});
         panel().alarm_stated.fill(true);
         f_->port.vanish_in(moment);
-        f_->acquisition.single_acq();
+        f_->rules.measure_once();
         const QByteArray words = QByteArray::number(moment);
         QVERIFY2(!f_->link.port_connected, words);
         QVERIFY2(page().measurements() == 0, words);
-        QVERIFY2(!state().plan_run_active, words);
         QVERIFY2(!f_->port.is_open(), words);
     }
 }
@@ -776,24 +774,12 @@ void MeasureCycleTest::the_end_of_the_program_passes_through() {
     bool ends = false;
     f_->on_command = [&](const QByteArray& command) { ends = ends || command == at; };
     f_->link.interrupted = [&] { return ends; };
-    QVERIFY_THROWS_EXCEPTION(Interrupted, f_->acquisition.single_acq());
+    QVERIFY_THROWS_EXCEPTION(Interrupted, f_->rules.measure_once());
     // The transaction that had begun came to its end, nothing was sent behind it.
     QCOMPARE(f_->commands().last(), QString::fromLatin1(at));
     QCOMPARE(page().measurements(), 0);
     QCOMPARE(log_bytes(), QByteArray("no such file"));
-    QVERIFY(!state().plan_run_active);
     QVERIFY(f_->link.port_connected);
-}
-
-void MeasureCycleTest::one_measurement_now() {
-    panel().meas_statea[kLevel] = true;
-    bool active = false;
-    f_->on_command = [&](const QByteArray&) { active = state().plan_run_active; };
-    f_->acquisition.single_acq();
-    QVERIFY(active);
-    QVERIFY(!state().plan_run_active);
-    QCOMPARE(f_->commands(), (QStringList{"MEASURE", "FREQ 1000.0", "ATTEN 6", "LEVANL?"}));
-    QCOMPARE(results(), QString("1000.0|10600|58.3||||||"));
 }
 
 void MeasureCycleTest::measures_that_run_to_their_end() {

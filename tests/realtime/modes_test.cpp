@@ -652,7 +652,7 @@ void ModesTest::empty_fields() {
     // The cycle of such a program brings what it needs into its range.
     panel().meas_statea[kLevel] = true;
     f_->values["LEVANL?"] = "L 58.3";
-    f_->acquisition.single_acq();
+    f_->rules.measure_once();
     QCOMPARE(f_->commands(), (QStringList{"MEASURE", "FREQ 11520", "ATTEN 6", "LEVANL?"}));
     QCOMPARE(f_->rules.page.measurements(), 1);
 }

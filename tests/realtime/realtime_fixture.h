@@ -7,7 +7,6 @@
 #include <cmath>
 #include <memory>
 
-#include "acquisition.h"
 #include "database.h"
 #include "fake_link_view.h"
 #include "fake_port.h"
@@ -53,17 +52,6 @@ class SystemLocale {
     QLocale before_;
 };
 
-/// A tick that never comes.
-class IdleTicker : public Ticker {
-  public:
-    void start() override { running_ = true; }
-    void stop() override { running_ = false; }
-    bool running() const override { return running_; }
-
-  private:
-    bool running_ = false;
-};
-
 /// The real-time rules on a link to a meter that the test scripts, and a database file of their
 /// own with the plan "PLAN 1" of one empty program.
 class RealtimeFixture {
@@ -90,11 +78,9 @@ class RealtimeFixture {
   private:
     QTemporaryDir folder_;
     std::unique_ptr<Database> database_;
-    IdleTicker ticker_;
 
   public:
     RealtimeRules rules;
-    Acquisition acquisition{rules, {ticker_, ticker_, ticker_}, {}};
 
     RealtimePanel& panel() { return rules.panel; }
     RealtimeState& state() { return rules.state; }

@@ -137,7 +137,7 @@ void SpoiltByteTest::measure() {
     f_->view.progress_values = {0};
     f_->link.port_connected = true;
     meter_->begin();
-    f_->acquisition.single_acq();
+    f_->rules.measure_once();
 }
 
 /// As often as a new reading is compared with older ones: each fault stands alone.
@@ -267,7 +267,7 @@ void SpoiltByteTest::asking_twice_repeats_what_surprises() {
         };
         f_->port.written.clear();
         const double begin = f_->clock.elapsed();
-        f_->acquisition.single_acq();
+        f_->rules.measure_once();
         // One question more, and no settling time.
         [&] { QVERIFY(f_->clock.elapsed() - begin < 1.5); }();
         return f_->commands().count("LEVANL?");
@@ -347,7 +347,7 @@ void SpoiltByteTest::two_answers_must_agree() {
         if (command != "LEVANL?") return FakePort::good(command);
         return FakePort::good(command, answers.value(asked++));
     };
-    f_->acquisition.single_acq();
+    f_->rules.measure_once();
     QCOMPARE(asked, answers.size());
     QCOMPARE(f_->rules.page.measurements(), level.isEmpty() ? 0 : 1);
     if (!level.isEmpty()) QCOMPARE(f_->rules.page.cells(0)[4], level);

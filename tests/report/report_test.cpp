@@ -211,7 +211,7 @@ class ReportTest : public QObject {
         RealtimeRules& rules = fixture.rules;
         const auto measure = [&fixture](int unit) {
             fixture.rules.modes.cmdlev_Click(unit);
-            fixture.acquisition.single_acq();
+            fixture.rules.measure_once();
         };
         measure(kDbuv);
         fixture.values["LEVANL?"] = "L -50.7";

@@ -111,6 +111,7 @@ class AcquisitionTest : public QObject {
     void countdown_is_not_reloaded();
     void countdown_text();
     void countdown_pauses_while_a_plan_runs();
+    void one_measurement_locks_timed_firings_out();
     void single_acquisition_in_a_countdown();
     void clock_text();
 
@@ -599,6 +600,20 @@ void AcquisitionTest::countdown_pauses_while_a_plan_runs() {
     QCOMPARE(state().ticks_left, 1);
     run_for(1);
     QCOMPARE(firings_.size(), 1);
+}
+
+/// Meanwhile a timed firing is locked out, and no longer, however the measurement ends.
+void AcquisitionTest::one_measurement_locks_timed_firings_out() {
+    f_->rules.panel.meas_statea[kLevel] = true;
+    bool active = false;
+    f_->on_command = [&](const QByteArray&) { active = f_->state().plan_run_active; };
+    acquisition().single_acq();
+    QVERIFY(active);
+    QVERIFY(!f_->state().plan_run_active);
+    QCOMPARE(f_->commands(), cycle_at(QStringLiteral("1000.0")));
+    f_->link.interrupted = [] { return true; };
+    QVERIFY_THROWS_EXCEPTION(Interrupted, acquisition().single_acq());
+    QVERIFY(!f_->state().plan_run_active);
 }
 
 void AcquisitionTest::single_acquisition_in_a_countdown() {
