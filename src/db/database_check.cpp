@@ -1,16 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "database_check.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QSet>
-#include <cerrno>
-#include <cstring>
+#include <filesystem>
 
+#include "file_place.h"
+#include "plain_file.h"
 #include "schema.h"
 
 namespace m47 {
@@ -64,20 +62,21 @@ DatabaseFault meaning_of(int code) {
 
 /// A journal that cannot be opened beside the file: the folder takes none.
 bool folder_is_read_only(const QString& path) {
-    const QByteArray folder = QFile::encodeName(QFileInfo(path).absolutePath());
-    return ::access(folder.constData(), W_OK) != 0 && (errno == EACCES || errno == EROFS);
+    return refuses_new_files(QFileInfo(path).absolutePath());
 }
 
 std::optional<DatabaseError> fault_of_place(const QString& path) {
-    struct stat about {};
-    if (::stat(QFile::encodeName(path).constData(), &about) != 0) {
-        const int reason = errno;
-        const bool absent = reason == ENOENT || reason == ENOTDIR;
+    std::error_code error;
+    const std::filesystem::file_status about =
+        std::filesystem::status(QFile::encodeName(path).toStdString(), error);
+    if (error) {
+        const bool absent = about.type() == std::filesystem::file_type::not_found;
         return DatabaseError{absent ? DatabaseFault::missing : DatabaseFault::unreadable, path,
-                             QString::fromLocal8Bit(std::strerror(reason))};
+                             QString::fromLocal8Bit(error.message().c_str())};
     }
     // A pipe would never answer.
-    if (!S_ISREG(about.st_mode)) return DatabaseError{DatabaseFault::unreadable, path, QString()};
+    if (!std::filesystem::is_regular_file(about))
+        return DatabaseError{DatabaseFault::unreadable, path, QString()};
     return std::nullopt;
 }
 
@@ -98,9 +97,7 @@ std::optional<DatabaseError> fault_of_journals(const QString& path) {
     const QString file = QFileInfo(path).canonicalFilePath();
     for (const char* suffix : {"-journal", "-wal", "-shm"}) {
         const QString beside = file + QLatin1String(suffix);
-        struct stat about {};
-        if (::lstat(QFile::encodeName(beside).constData(), &about) != 0) continue;
-        if (!S_ISREG(about.st_mode))
+        if (something_else_at(beside, Links::refused))
             return DatabaseError{DatabaseFault::cannot_open, path,
                                  QStringLiteral("%1 is no plain file").arg(beside)};
     }

@@ -1,18 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
+#include <system_error>
 
 #include "database.h"
-
 #include "engine.h"
 #include "fields.h"
+#include "file_place.h"
+#include "medium.h"
 #include "schema.h"
 #include "tables.h"
 
@@ -21,26 +17,15 @@ namespace {
 
 const QString kFirstPlan = QStringLiteral("PLAN 1");
 
-[[noreturn]] void throw_system_fault() {
-    throw Fault(std::strerror(errno));
-}
-
-/// Makes the system write the file or folder to the medium; false with errno set.
-bool sync(const QString& path, int flags) {
-    const int handle = ::open(QFile::encodeName(path).constData(), flags | O_CLOEXEC);
-    if (handle < 0) return false;
-    const bool synced = ::fsync(handle) == 0;
-    const int reason = errno;
-    ::close(handle);
-    errno = reason;
-    return synced;
+void throw_if(const std::error_code& error) {
+    if (error) throw Fault(error.message());
 }
 
 /// An empty file of a name of its own beside `target`, gone again with this object unless it has
 /// become the target.
 class Draft {
   public:
-    explicit Draft(const QString& target) : target_(QFile::encodeName(target)) {
+    explicit Draft(const QString& target) : target_(target) {
         const QFileInfo about(target);
         folder_ = about.absolutePath();
         const QString start = QStringLiteral("%1/.%2.%3-")
@@ -48,13 +33,9 @@ class Draft {
                                   .arg(QCoreApplication::applicationPid());
         for (int number = 1;; ++number) {
             path_ = start + QString::number(number);
-            const int handle = ::open(QFile::encodeName(path_).constData(),
-                                      O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-            if (handle >= 0) {
-                ::close(handle);
-                return;
-            }
-            if (errno != EEXIST) throw_system_fault();
+            const std::error_code error = make_new_file(path_);
+            if (!error) return;
+            if (error != std::errc::file_exists) throw_if(error);
         }
     }
 
@@ -69,20 +50,15 @@ class Draft {
 
     /// Puts the file in its place in one step, unless there is one by now.
     void publish() const {
-        if (!sync(path_, O_RDWR)) throw_system_fault();
-        const QByteArray draft = QFile::encodeName(path_);
-        int result = ::renameat2(AT_FDCWD, draft.constData(), AT_FDCWD, target_.constData(),
-                                 RENAME_NOREPLACE);
-        // Some network file systems know no such renaming.
-        if (result != 0 && (errno == EINVAL || errno == ENOSYS))
-            result = ::link(draft.constData(), target_.constData());
-        if (result != 0 && errno != EEXIST) throw_system_fault();
+        throw_if(sync_file_at(path_));
+        const std::error_code error = put_in_free_place(path_, target_);
+        if (error != std::errc::file_exists) throw_if(error);
         // Not every file system syncs folders; the file is in its place and whole either way.
-        static_cast<void>(sync(folder_, O_RDONLY | O_DIRECTORY));
+        static_cast<void>(sync_folder(folder_));
     }
 
   private:
-    QByteArray target_;
+    QString target_;
     QString folder_;
     QString path_;
 };

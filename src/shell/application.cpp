@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "application.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <QApplication>
 #include <QDir>
 #include <QTimer>
@@ -24,6 +21,8 @@
 #include "program.h"
 #include "real_clock.h"
 #include "real_port.h"
+#include "standard_streams.h"
+#include "system_time.h"
 #include "unattended.h"
 #include "window_end.h"
 #include "work_folder.h"
@@ -61,14 +60,6 @@ void pass_message(QtMsgType type, const QMessageLogContext& context, const QStri
 bool print(std::FILE* stream, const QString& text) {
     return std::fprintf(stream, "%s\n", text.toLocal8Bit().constData()) >= 0 &&
            std::fflush(stream) == 0;
-}
-
-/// A file that is opened later must not come to be what a standard stream writes into. What is
-/// closed is opened the wrong way round, so that using it fails.
-void occupy_closed_streams() {
-    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-        if (::fcntl(stream, F_GETFD) < 0)
-            static_cast<void>(::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY));
 }
 
 /// The command line without the options of the window system, which QApplication reads itself.

@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "file_options.h"
 
-#include <sys/stat.h>
-
-#include <QFile>
 #include <QFileInfo>
 #include <QList>
 
 #include "database.h"
+#include "file_place.h"
 
 namespace m47 {
 namespace {
@@ -36,13 +34,8 @@ QString place_of(const QString& path, int links = 0) {
 }
 
 /// One file can have two names.
-bool same_file(const QString& one, const QString& other) {
-    struct stat first {};
-    struct stat second {};
-    if (::stat(QFile::encodeName(one).constData(), &first) == 0 &&
-        ::stat(QFile::encodeName(other).constData(), &second) == 0)
-        return first.st_dev == second.st_dev && first.st_ino == second.st_ino;
-    return place_of(one) == place_of(other);
+bool lead_to_one_file(const QString& one, const QString& other) {
+    return same_file(one, other).value_or(place_of(one) == place_of(other));
 }
 
 }  // namespace
@@ -52,11 +45,11 @@ QString file_option_fault(const Options& options, const QString& base_dir) {
     const QList<NamedFile> files = named_files(options);
     for (qsizetype k = 0; k < files.size(); ++k) {
         for (const char* beside : {"", "-journal", "-wal", "-shm"})
-            if (same_file(files[k].path, database + QLatin1String(beside)))
+            if (lead_to_one_file(files[k].path, database + QLatin1String(beside)))
                 return QStringLiteral("%1 names the database: %2")
                     .arg(files[k].option, files[k].path);
         for (qsizetype other = 0; other < k; ++other)
-            if (same_file(files[k].path, files[other].path))
+            if (lead_to_one_file(files[k].path, files[other].path))
                 return QStringLiteral("%1 and %2 name the same file: %3")
                     .arg(files[other].option, files[k].option, files[k].path);
     }

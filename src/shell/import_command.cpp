@@ -7,6 +7,7 @@
 
 #include "clash_dialog.h"
 #include "end_signals.h"
+#include "end_told.h"
 #include "fault.h"
 #include "fields.h"
 #include "file_question.h"

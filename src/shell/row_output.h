@@ -5,16 +5,15 @@
 #include <QString>
 #include <functional>
 
+#include "patient_output.h"
+
 namespace m47 {
 
 /// Lines for a reader at the other end of a descriptor, such as stdout. A reader that stalls holds
 /// nothing up: what it does not take waits here, up to 1 MiB, and goes out with a later line.
 class RowOutput {
   public:
-    explicit RowOutput(int descriptor);
-    ~RowOutput();
-    RowOutput(const RowOutput&) = delete;
-    RowOutput& operator=(const RowOutput&) = delete;
+    explicit RowOutput(int descriptor) : output_(descriptor) {}
 
     /// Told once when the reader stalls, once when a line is lost; a text of one line.
     std::function<void(const QString& text)> on_remark;
@@ -32,13 +31,11 @@ class RowOutput {
 
   private:
     void write_pending();
-    bool wait_until_ready(int milliseconds) const;
-    void take_error(int error);
+    void take_fault(const PatientOutput::Written& written);
     void stall(const QString& reason);
     void lose();
 
-    int descriptor_;
-    bool own_descriptor_ = false;
+    PatientOutput output_;
     QByteArray pending_;
     QString trouble_;  ///< why the last try did not write all of it
     bool stalled_ = false;

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "unattended.h"
 
-#include <unistd.h>
-
 #include <cstdio>
 
 #include "alarm_limits.h"
@@ -13,6 +11,7 @@
 #include "realtime_rules.h"
 #include "row_output.h"
 #include "run_picture.h"
+#include "standard_streams.h"
 
 namespace m47 {
 namespace {
@@ -24,7 +23,7 @@ constexpr double kLongestReaderWait = 10;
 class ProgressLine {
   public:
     void show(const QString& text) {
-        if (isatty(STDERR_FILENO) == 0) return;
+        if (!is_terminal(kStandardErrors)) return;
         std::fprintf(stderr, "\r%s\033[K", text.toLocal8Bit().constData());
         std::fflush(stderr);
         shown_ = true;
@@ -51,7 +50,7 @@ struct Run {
     MeterConnection& connection;
     const Options& options;
     std::unique_ptr<RealtimeRules> rules;
-    RowOutput output{STDOUT_FILENO};
+    RowOutput output{kStandardOutput};
     int rows = 0;
     bool link_found = false;  ///< the meter has answered once
     bool incomplete = false;  ///< a pass was cut short or measured nothing
@@ -65,7 +64,7 @@ struct Run {
 };
 
 void print_row(Run& run, const QStringList& row) {
-    if (isatty(STDOUT_FILENO) != 0) g_progress_line.clear();
+    if (is_terminal(kStandardOutput)) g_progress_line.clear();
     ++run.rows;
     run.output.write(row.join(run.rules->state.field_separator).toUtf8() + '\n');
 }

@@ -7,6 +7,7 @@
 #include <chrono>
 
 #include "end_signals.h"
+#include "end_told.h"
 
 namespace m47 {
 namespace {

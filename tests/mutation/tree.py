@@ -26,7 +26,7 @@ def rooms_of(project):
     rooms = {}
     for room in sorted(Path(project, "src").iterdir()):
         folder = room / "rules" if (room / "rules").is_dir() else room
-        if room.name != "shell" and any(folder.glob("*.cpp")):
+        if room.name != "shell" and any(folder.rglob("*.cpp")):
             rooms[room.name] = str(folder.relative_to(project))
     return rooms
 

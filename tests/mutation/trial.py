@@ -24,7 +24,10 @@ _QUICK = 8
 # Tests of a room that stand in another one's folder, as they need more than that room.
 _ELSEWHERE = {"common": ["shell.preferences"], "link": ["acquisition.late_answer"],
               "measurement": ["realtime.spoilt_byte", "trend.trend"],
-              "realtime": ["acquisition.acquisition", "acquisition.plan_run", "report.report"]}
+              "realtime": ["acquisition.acquisition", "acquisition.plan_run", "report.report"],
+              "platform": ["common.files", "db.create", "link.port_diagnosis", "link.real_port",
+                           "measurement.measurement_log", "olddb.reader", "shell.display",
+                           "shell.options"]}
 
 
 @dataclass

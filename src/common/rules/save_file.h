@@ -17,8 +17,4 @@ namespace m47 {
 QString write_whole_file(const QString& path, const QByteArray& bytes,
                          Links links = Links::followed);
 
-/// Writes the names in `folder` out to the medium. Nothing on success, and where the file system
-/// has no such thing to give; else the reason.
-QString sync_folder(const QString& folder);
-
 }  // namespace m47

@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "real_clock.h"
 
-#include <cerrno>
-#include <cmath>
-#include <ctime>
 #include <utility>
 
 #include "clock_tick.h"
@@ -11,15 +8,6 @@
 namespace m47 {
 
 using std::chrono::nanoseconds;
-
-nanoseconds local_time_of_day() {
-    timespec time{};
-    clock_gettime(CLOCK_REALTIME, &time);
-    tm local{};
-    localtime_r(&time.tv_sec, &local);
-    const std::chrono::seconds whole{(local.tm_hour * 60 + local.tm_min) * 60 + local.tm_sec};
-    return whole + nanoseconds{time.tv_nsec};
-}
 
 RealClock::RealClock(TimeOfDay time_of_day) : time_of_day_(std::move(time_of_day)) {}
 
@@ -37,18 +25,7 @@ double RealClock::until_next_tick() const {
 }
 
 void RealClock::sleep(double seconds) {
-    if (!(seconds > 0)) return;
-    constexpr long kNanosecondsPerSecond = 1'000'000'000;
-    timespec until{};
-    clock_gettime(CLOCK_MONOTONIC, &until);
-    const double whole = std::floor(seconds);
-    until.tv_sec += static_cast<time_t>(whole);
-    until.tv_nsec += static_cast<long>(std::ceil((seconds - whole) * kNanosecondsPerSecond));
-    if (until.tv_nsec >= kNanosecondsPerSecond) {
-        until.tv_nsec -= kNanosecondsPerSecond;
-        ++until.tv_sec;
-    }
-    while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &until, nullptr) == EINTR) continue;
+    if (seconds > 0) sleep_whole(seconds);
 }
 
 QDateTime RealClock::date_time() const {

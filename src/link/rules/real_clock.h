@@ -5,11 +5,9 @@
 #include <functional>
 
 #include "clock.h"
+#include "system_time.h"
 
 namespace m47 {
-
-/// The time of day on this machine's own clock, since local midnight.
-std::chrono::nanoseconds local_time_of_day();
 
 /// The system's clock. Outside a span it reads the time of day; inside, the time of day at which
 /// the outermost span began plus what has really passed since, so that neither midnight nor a

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "old_reader.h"
 
-#include <unistd.h>
-
 #include <QDeadlineTimer>
 #include <QFile>
 #include <QProcess>
 
 #include "old_stream.h"
+#include "own_program.h"
 #include "plain_file.h"
 #include "schema.h"
 
@@ -98,10 +97,7 @@ std::optional<OldDatabase> read_old_database(const QString& path, OldFileError& 
     QProcess process;
     process.setStandardErrorFile(QProcess::nullDevice());
     // What was looked at here is what is read there, whatever happens to its name.
-    process.setStandardInputFile(QProcess::nullDevice());
-    process.setChildProcessModifier([&plain] { ::dup2(plain.file().handle(), STDIN_FILENO); });
-    // Not by its name: an update may have put another version there since this one started.
-    process.start(QStringLiteral("/proc/self/exe"), {QLatin1String(kReadOldDatabase)});
+    start_own_program(process, {QLatin1String(kReadOldDatabase)}, plain.file().handle());
     if (!process.waitForStarted()) {
         error = {OldFileFault::unreadable, path, process.errorString()};
         return std::nullopt;

@@ -9,6 +9,7 @@
 #include "fault.h"
 #include "file_lock.h"
 #include "logger_table.h"
+#include "medium.h"
 #include "save_file.h"
 
 namespace m47 {
@@ -93,8 +94,8 @@ void keep_table(const QString& base_dir, const QString& table, const QDateTime& 
     if (!folder.mkpath(kBackupFolder) || !folder.cd(kBackupFolder))
         throw Fault(
             (folder.filePath(kBackupFolder) + QStringLiteral(": cannot be made")).toStdString());
-    const QString lost = sync_folder(base_dir);
-    if (!lost.isEmpty()) throw_file_fault(base_dir, lost);
+    if (const std::error_code lost = sync_folder(base_dir))
+        throw_file_fault(base_dir, qt_error_string(lost.value()));
     // A name that is free may else be taken before it is used.
     const OwnFolder alone(folder.path());
     const QString path = free_backup_name(folder, now);

@@ -8,7 +8,6 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
-#include <cstdio>
 #include <ctime>
 
 namespace m47 {
@@ -24,8 +23,6 @@ std::atomic<int> g_times{0};
 std::atomic<int> g_first{0};
 std::atomic<int> g_descriptor{-1};
 std::atomic<long long> g_last{0};  // ms
-
-constexpr Bilingual kEnded{"ended by %1: %2", "terminato da %1: %2"};
 
 long long milliseconds_now() {
     timespec now{};
@@ -93,8 +90,8 @@ int times_told_to_end() {
     return g_times;
 }
 
-int first_end_signal() {
-    return g_first;
+QString first_end_signal_name() {
+    return name_of(g_first);
 }
 
 int end_signal_descriptor() {
@@ -102,12 +99,7 @@ int end_signal_descriptor() {
 }
 
 int end_signal_status() {
-    return kStatusOfSignals + first_end_signal();
-}
-
-void tell_end(const Said& how_far, const Texts& texts) {
-    const QString line = Said{kEnded, {name_of(first_end_signal()), how_far.in(texts)}}.in(texts);
-    std::fprintf(stderr, "m47-remote: %s\n", on_one_line(line).toLocal8Bit().constData());
+    return kStatusOfSignals + g_first;
 }
 
 }  // namespace m47

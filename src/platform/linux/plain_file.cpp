@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <filesystem>
 
 namespace m47 {
 namespace {
@@ -31,6 +32,15 @@ bool refused_by_system(FileFault fault) {
 }
 
 }  // namespace
+
+bool something_else_at(const QString& path, Links links) {
+    const std::filesystem::path place(QFile::encodeName(path).toStdString());
+    std::error_code error;
+    const std::filesystem::file_status about = links == Links::followed
+                                                   ? std::filesystem::status(place, error)
+                                                   : std::filesystem::symlink_status(place, error);
+    return !error && !std::filesystem::is_regular_file(about);
+}
 
 PlainFile::PlainFile(const QString& path, qint64 longest, Links links) {
     const int flags = kReadFlags | (links == Links::refused ? O_NOFOLLOW : 0);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "texts.h"
+#include <QString>
 
 namespace m47 {
 
@@ -17,16 +17,13 @@ void listen_to_end_signals();
 /// How often the program has been told to end.
 int times_told_to_end();
 
-/// The signal that told it first; 0 when none did.
-int first_end_signal();
+/// The name of the signal that told it first.
+QString first_end_signal_name();
 
 /// A descriptor that can be read as soon as the program has been told to end; never read it.
 int end_signal_descriptor();
 
 /// The exit status of a program that was told to end: 128 + the first signal, as shells have it.
 int end_signal_status();
-
-/// Tells on stderr in one line which signal it was and `how_far` the work had come.
-void tell_end(const Said& how_far, const Texts& texts);
 
 }  // namespace m47

@@ -11,6 +11,10 @@ namespace m47 {
 /// writes unasked, nobody meant that file.
 enum class Links { followed, refused };
 
+/// True where something else than a plain file stands at `path`. A link that names none is nothing
+/// where links are followed.
+bool something_else_at(const QString& path, Links links);
+
 /// Why a file is not read.
 enum class FileFault {
     none,
