@@ -1,13 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "port_claim.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <sys/sysmacros.h>
-#include <unistd.h>
-
-#include <QFile>
-#include <cerrno>
 #include <utility>
 
 namespace m47 {
@@ -20,59 +13,10 @@ constexpr Bilingual kClaimed{
 constexpr Bilingual kClaimedUnseen{
     "%1 is in use by another start of this program. End that or choose another port.",
     "%1 è usato da un altro avvio di questo programma. Chiuderlo o scegliere un'altra porta."};
-/// Between opening a claim and locking it, its owner may have removed it.
-constexpr int kTries = 10;
-
-/// Any user may come to claim the device after us, also in a folder with the sticky bit.
-int open_claim(const QByteArray& path) {
-    constexpr int kFlags = O_RDWR | O_NOFOLLOW | O_CLOEXEC;
-    int file = ::open(path.constData(), kFlags);
-    if (file >= 0 || errno != ENOENT) return file;
-    file = ::open(path.constData(), kFlags | O_CREAT | O_EXCL, 0666);
-    if (file >= 0) static_cast<void>(::fchmod(file, 0666));
-    return file;
-}
-
-struct flock whole_file() {
-    struct flock range {};
-    range.l_type = F_WRLCK;
-    range.l_whence = SEEK_SET;
-    return range;
-}
-
-/// The process that has the claim; nothing once it has let go.
-std::optional<PortHolder> holder_of(int file) {
-    struct flock range = whole_file();
-    if (::fcntl(file, F_GETLK, &range) != 0 || range.l_type == F_UNLCK) return std::nullopt;
-    return running_process(range.l_pid).value_or(PortHolder{QString(), range.l_pid});
-}
-
-bool is_in_its_place(int file, const QByteArray& path) {
-    struct stat opened {};
-    struct stat present {};
-    return ::fstat(file, &opened) == 0 && ::lstat(path.constData(), &present) == 0 &&
-           opened.st_ino == present.st_ino && opened.st_dev == present.st_dev;
-}
-
-/// The number of a pseudo-terminal is given to the next one as soon as it is gone, while whoever
-/// worked on the old one may not have noticed yet; when it was made tells the two apart.
-QString claim_name(const struct stat& node) {
-    constexpr unsigned kFirstPseudoTerminal = 136;  // majors of the kernel's table
-    constexpr unsigned kLastPseudoTerminal = 143;
-    const unsigned kind = major(node.st_rdev);
-    const QString name = QStringLiteral("/m47-remote-%1-%2").arg(kind).arg(minor(node.st_rdev));
-    if (kind < kFirstPseudoTerminal || kind > kLastPseudoTerminal)
-        return name + QStringLiteral(".lock");
-    return name + QStringLiteral("-%1.%2.lock").arg(node.st_ctim.tv_sec).arg(node.st_ctim.tv_nsec);
-}
 
 }  // namespace
 
 PortClaim::PortClaim(QStringList folders) : folders_(std::move(folders)) {}
-
-PortClaim::~PortClaim() {
-    release();
-}
 
 QStringList PortClaim::usual_folders() {
     return {QStringLiteral("/run/lock"), QStringLiteral("/tmp")};
@@ -80,43 +24,16 @@ QStringList PortClaim::usual_folders() {
 
 bool PortClaim::take(const QString& device) {
     release();
-    struct stat node {};
-    if (::stat(QFile::encodeName(device).constData(), &node) != 0 || !S_ISCHR(node.st_mode))
-        return true;
+    const std::optional<QString> name = name_of_device(device);
+    if (!name) return true;
     for (const QString& folder : std::as_const(folders_))
-        if (lock(QFile::encodeName(folder + claim_name(node))) || holder_) break;
-    return !holder_;
+        if (file_.take(folder + QStringLiteral("/m47-remote-") + *name + QStringLiteral(".lock")) ||
+            holder())
+            break;
+    return !holder();
 }
 
-/// True when the claim at `path` is ours; else it cannot be made there, or holder() has it.
-bool PortClaim::lock(const QByteArray& path) {
-    for (int attempt = 0; attempt < kTries; ++attempt) {
-        const int file = open_claim(path);
-        if (file < 0 && errno == EEXIST) continue;
-        if (file < 0) return false;
-        struct flock range = whole_file();
-        const bool locked = ::fcntl(file, F_SETLK, &range) == 0;
-        if (locked && is_in_its_place(file, path)) {
-            file_ = file;
-            path_ = path;
-            return true;
-        }
-        if (!locked) holder_ = holder_of(file);
-        ::close(file);
-        if (holder_) return false;
-    }
-    return false;
-}
-
-void PortClaim::release() {
-    holder_.reset();
-    if (file_ < 0) return;
-    ::unlink(path_.constData());
-    ::close(file_);
-    file_ = -1;
-}
-
-QString claim_text(const PortHolder& holder, const QString& device, const Texts& texts) {
+QString claim_text(const RunningProcess& holder, const QString& device, const Texts& texts) {
     if (holder.program.isEmpty()) return texts.pick(kClaimedUnseen).arg(device);
     return texts.pick(kClaimed).arg(device, holder.program, QString::number(holder.process));
 }

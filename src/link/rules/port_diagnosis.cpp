@@ -1,21 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "port_diagnosis.h"
 
-#include <fcntl.h>
-#include <grp.h>
-#include <pwd.h>
-#include <sys/file.h>
-#include <sys/stat.h>
-#include <termios.h>
-#include <unistd.h>
-
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
-#include <cerrno>
 #include <optional>
 
 #include "port_lock.h"
+#include "serial_line.h"
 
 namespace m47 {
 namespace {
@@ -60,60 +51,38 @@ constexpr Bilingual kAnotherDevice{
     "strumento sia quello giusto, poi ricollegare."};
 constexpr Bilingual kOther{"%1 cannot be opened.", "Non è possibile aprire %1."};
 
-PortFault fault_of_errno(int error) {
-    switch (error) {
-        case EACCES:
-        case EPERM:
+PortFault fault_of(const std::error_code& error) {
+    switch (static_cast<std::errc>(error.value())) {
+        case std::errc::permission_denied:
+        case std::errc::operation_not_permitted:
             return PortFault::no_permission;
-        case EBUSY:
-        case EWOULDBLOCK:
+        case std::errc::device_or_resource_busy:
+        case std::errc::operation_would_block:
             return PortFault::busy;
-        case ENOTTY:
+        case std::errc::inappropriate_io_control_operation:
             return PortFault::not_a_port;
         // A node without hardware behind it opens or not, but has no line to talk about.
-        case EIO:
-        case ENOENT:
-        case ENOTDIR:
-        case ENODEV:
-        case ENXIO:
+        case std::errc::io_error:
+        case std::errc::no_such_file_or_directory:
+        case std::errc::not_a_directory:
+        case std::errc::no_such_device:
+        case std::errc::no_such_device_or_address:
             return PortFault::missing;
         default:
-            return PortFault::other;
+            return error ? PortFault::other : PortFault::none;
     }
-}
-
-PortFault look_at_line(int descriptor) {
-    termios settings{};
-    if (tcgetattr(descriptor, &settings) != 0) return fault_of_errno(errno);
-    if (flock(descriptor, LOCK_EX | LOCK_NB) != 0) return fault_of_errno(errno);
-    return PortFault::none;
-}
-
-/// The group whose members may use `device`; nothing where belonging to it would not help.
-std::optional<QString> owning_group(const QString& device) {
-    struct stat node {};
-    if (stat(QFile::encodeName(device).constData(), &node) != 0) return std::nullopt;
-    constexpr mode_t kReadWrite = S_IRGRP | S_IWGRP;
-    if ((node.st_mode & kReadWrite) != kReadWrite) return std::nullopt;
-    const group* entry = getgrgid(node.st_gid);
-    return entry ? QString::fromLocal8Bit(entry->gr_name) : QString::number(node.st_gid);
-}
-
-QString user_name() {
-    const passwd* entry = getpwuid(getuid());
-    return entry ? QString::fromLocal8Bit(entry->pw_name) : QString::number(getuid());
 }
 
 QString no_permission_text(const QString& device, const Texts& texts) {
     QString text = texts.pick(kNoPermission).arg(device);
-    if (const std::optional<QString> group = owning_group(device))
-        text += texts.pick(kJoinGroup).arg(*group, user_name());
+    if (const std::optional<QString> group = group_of_device(device))
+        text += texts.pick(kJoinGroup).arg(*group, name_of_user());
     return text;
 }
 
 QString busy_text(const QString& device, const Texts& texts) {
     QString text = texts.pick(kBusy).arg(device);
-    const std::optional<PortHolder> holder = lock_file_holder(lock_file_of(device));
+    const std::optional<RunningProcess> holder = lock_file_holder(lock_file_of(device));
     if (holder && !holder->program.isEmpty())
         text += texts.pick(kBusyBy).arg(holder->program, QString::number(holder->process));
     return text;
@@ -141,17 +110,7 @@ QString device_path(const QString& device) {
 
 PortFault look_at(const QString& device) {
     if (device.isEmpty()) return PortFault::missing;
-    const QByteArray path = QFile::encodeName(device_path(device));
-    struct stat node {};
-    if (stat(path.constData(), &node) != 0) return fault_of_errno(errno);
-    if (access(path.constData(), R_OK | W_OK) != 0) return fault_of_errno(errno);
-    if (!S_ISCHR(node.st_mode)) return PortFault::not_a_port;
-
-    const int descriptor = open(path.constData(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-    if (descriptor < 0) return fault_of_errno(errno);
-    const PortFault fault = look_at_line(descriptor);
-    close(descriptor);
-    return fault;
+    return fault_of(fault_of_line(device_path(device)));
 }
 
 QString port_fault_text(PortFault fault, const QString& device, const Texts& texts) {

@@ -1,14 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "port_lock.h"
 
-#include <fcntl.h>
-#include <signal.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <QFile>
 #include <QFileInfo>
-#include <cerrno>
+
+#include "file_place.h"
+#include "medium.h"
 
 namespace m47 {
 namespace {
@@ -17,7 +14,7 @@ constexpr qint64 kLongestLockFile = 1024;
 
 /// What a lock file says: its first line names a process, its second a program; neither has to.
 struct LockEntry {
-    pid_t process = 0;
+    qint64 process = 0;
     QString program;
 };
 
@@ -36,28 +33,12 @@ bool is_same_program(const QString& noted, const QString& running) {
 
 /// What keeps a file from being made in `folder`; none where one can be.
 PortFault look_at_folder(const QString& folder) {
-    const QByteArray probe = QFile::encodeName(folder + QStringLiteral("/.m47-remote-%1"))
-                                 .replace("%1", QByteArray::number(getpid()));
-    const int file = ::open(probe.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-    int reason = file < 0 ? errno : 0;
-    if (file >= 0) {
-        if (::write(file, "1\n", 2) != 2) reason = errno;
-        ::close(file);
-        ::unlink(probe.constData());
-    }
-    if (reason == 0) return PortFault::none;
-    return reason == ENOSPC || reason == EDQUOT ? PortFault::lock_folder_full
-                                                : PortFault::lock_folder_shut;
+    const std::error_code fault = fault_of_writing_in(folder, "1\n");
+    if (!fault) return PortFault::none;
+    return is_full(fault) ? PortFault::lock_folder_full : PortFault::lock_folder_shut;
 }
 
 }  // namespace
-
-std::optional<PortHolder> running_process(pid_t process) {
-    if (process <= 0 || (::kill(process, 0) != 0 && errno == ESRCH)) return std::nullopt;
-    QFile name(QStringLiteral("/proc/%1/comm").arg(process));
-    const bool told = name.open(QIODevice::ReadOnly);
-    return PortHolder{told ? QString::fromUtf8(name.readAll().trimmed()) : QString(), process};
-}
 
 QStringList lock_folders() {
     return {QStringLiteral("/var/lock"),
@@ -83,9 +64,9 @@ QString lock_file_of(const QString& device, const QStringList& folders) {
     return {};
 }
 
-std::optional<PortHolder> lock_file_holder(const QString& lock_file) {
+std::optional<RunningProcess> lock_file_holder(const QString& lock_file) {
     const LockEntry entry = read_lock_file(lock_file);
-    const std::optional<PortHolder> holder = running_process(entry.process);
+    const std::optional<RunningProcess> holder = running_process(entry.process);
     return holder && is_same_program(entry.program, holder->program) ? holder : std::nullopt;
 }
 

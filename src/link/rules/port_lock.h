@@ -1,24 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <sys/types.h>
-
 #include <QString>
 #include <QStringList>
 #include <optional>
 
+#include "running_process.h"
 #include "serial_port.h"
 
 namespace m47 {
-
-/// A program that runs now.
-struct PortHolder {
-    QString program;  ///< empty where the system does not tell
-    pid_t process = 0;
-};
-
-/// The running process `process`; nothing where there is none.
-std::optional<PortHolder> running_process(pid_t process);
 
 /// Where the system keeps the lock files of serial lines, in the order in which they are tried.
 QStringList lock_folders();
@@ -28,7 +18,7 @@ QStringList lock_folders();
 QString lock_file_of(const QString& device, const QStringList& folders = lock_folders());
 
 /// The program that a lock file names, where it still runs.
-std::optional<PortHolder> lock_file_holder(const QString& lock_file);
+std::optional<RunningProcess> lock_file_holder(const QString& lock_file);
 
 /// True where what stands at `lock_file` can be no lock file: a pipe, a device, a folder, a file
 /// that is too long. The serial library would wait for it or read it to its end.

@@ -1,16 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "real_port.h"
 
-#include <sys/file.h>
-#include <sys/ioctl.h>
-#include <termios.h>
-
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <thread>
 
 #include "port_diagnosis.h"
 #include "port_lock.h"
+#include "serial_line.h"
 
 namespace m47 {
 namespace {
@@ -20,11 +17,6 @@ using std::chrono::milliseconds;
 /// Twenty times what the line brings within one turn of the link; the rest waits in the kernel.
 constexpr qint64 kReadBuffer = qint64{64} * 1024;
 constexpr milliseconds kDrainLimit{50};
-
-bool line_alive(int descriptor) {
-    termios settings{};
-    return tcgetattr(descriptor, &settings) == 0;
-}
 
 }  // namespace
 
@@ -62,8 +54,7 @@ bool RealPort::open() {
         if (seen != PortFault::none) return fail(seen);
         return fail(refused ? look_at_lock_file(lock_file_of(device_)) : PortFault::other);
     }
-    // The terminal's exclusive flag does not keep out a second program that runs as root.
-    if (flock(port_.handle(), LOCK_EX | LOCK_NB) != 0) return fail(PortFault::busy);
+    if (!keep_line(port_.handle())) return fail(PortFault::busy);
     if (!known_.is_the_same(port_.handle(), path)) return fail(PortFault::another_device);
     clear();
     return true;
@@ -127,7 +118,7 @@ bool RealPort::wait_for_input(milliseconds limit) {
 }
 
 void RealPort::close_when_lost() {
-    if (line_alive(port_.handle())) return;
+    if (line_is_there(port_.handle())) return;
     port_.close();
     port_.clearError();
     fault_ = PortFault::vanished;
@@ -135,14 +126,7 @@ void RealPort::close_when_lost() {
 
 /// Closing puts the line's old settings back: a character still on its way would go out wrong.
 void RealPort::drain() const {
-    QElapsedTimer timer;
-    timer.start();
-    int waiting = 0;
-    while (ioctl(port_.handle(), TIOCOUTQ, &waiting) == 0 && waiting > 0) {
-        if (timer.hasExpired(kDrainLimit.count())) return;
-        std::this_thread::sleep_for(milliseconds{1});
-    }
-    tcdrain(port_.handle());
+    wait_for_line_to_drain(port_.handle(), kDrainLimit);
 }
 
 }  // namespace m47

@@ -4,6 +4,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <initializer_list>
+
 namespace m47 {
 
 static_assert(kStandardOutput == STDOUT_FILENO && kStandardErrors == STDERR_FILENO);

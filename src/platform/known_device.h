@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <sys/stat.h>
-
 #include <QString>
-#include <utility>
+#include <memory>
 
 namespace m47 {
 
@@ -14,8 +12,8 @@ namespace m47 {
 class KnownDevice {
   public:
     /// `sys` is the folder in which the system describes its devices.
-    explicit KnownDevice(QString sys = QStringLiteral("/sys")) : sys_(std::move(sys)) {}
-    ~KnownDevice() { forget(); }
+    explicit KnownDevice(QString sys = QStringLiteral("/sys"));
+    ~KnownDevice();
     KnownDevice(const KnownDevice&) = delete;
     KnownDevice& operator=(const KnownDevice&) = delete;
 
@@ -27,13 +25,11 @@ class KnownDevice {
     bool is_the_same(int descriptor, const QString& path);
 
   private:
+    struct Node;
     bool take(int descriptor, const QString& path);
-    ino_t description_of(const struct stat& node) const;
 
     QString sys_;
-    int node_ = -1;
-    struct stat taken_ {};
-    ino_t description_ = 0;
+    std::unique_ptr<Node> node_;
 };
 
 }  // namespace m47
