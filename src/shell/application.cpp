@@ -132,6 +132,20 @@ int run_windows(Program& program, const Options& options) {
     return times_told_to_end() > 0 ? WindowEnd::tell(program) : status;
 }
 
+/// Takes over what the program's state keeps of the command line.
+void choose(ProgramState& state, const Options& options) {
+    if (!options.unattended()) state.preferences = Preferences(Preferences::usual_file());
+    if (options.corrected) choose_all(state.corrected, true);
+    if (options.full_tune) state.corrected.full_tune = true;
+    if (options.confirm) state.corrected.ask_twice = true;
+}
+
+PortList ports_of(const Options& options) {
+    PortList ports;
+    for (const QString& entry : options.ports) ports.add(entry);
+    return ports;
+}
+
 int run_with_options(int argc, char** argv, const Options& options) {
     listen_to_end_signals();
     g_toolkit_messages = qInstallMessageHandler(pass_message);
@@ -152,18 +166,13 @@ int run_with_options(int argc, char** argv, const Options& options) {
         print(stderr, QStringLiteral("m47-remote: ") + wrong_file);
         return kUsage;
     }
-    if (!options.unattended()) state.preferences = Preferences(Preferences::usual_file());
-    if (options.corrected) choose_all(state.corrected, true);
-    if (options.full_tune) state.corrected.full_tune = true;
-    if (options.confirm) state.corrected.ask_twice = true;
+    choose(state, options);
     std::unique_ptr<Database> database = open_database(state, options);
     if (!database) return kDatabase;
     if (!options.import_database.isEmpty())
         return import_unattended(*database, options.import_database, state.texts);
-    PortList ports;
-    for (const QString& entry : options.ports) ports.add(entry);
-    if (options.measure) return measure_unattended(state, *database, std::move(ports), options);
-    Program program(state, std::move(database), std::move(ports));
+    if (options.measure) return measure_unattended(state, *database, ports_of(options), options);
+    Program program(state, std::move(database), ports_of(options));
     return run_windows(program, options);
 }
 

@@ -245,20 +245,8 @@ Options wrong(const QString& error) {
     return options;
 }
 
-}  // namespace
-
-Options parse_options(const QStringList& arguments) {
-    QCommandLineParser parser;
-    add_options(parser);
-    Options options;
-    const bool parsed = parser.parse(QStringList{QStringLiteral("m47-remote")} + arguments);
-    if (!parsed) return wrong(parser.errorText());
-    if (parser.isSet(QStringLiteral("help"))) options.action = Options::Action::help;
-    if (parser.isSet(QStringLiteral("version"))) options.action = Options::Action::version;
-    if (options.action != Options::Action::run) return options;
-    if (!parser.positionalArguments().isEmpty())
-        return wrong(QStringLiteral("unexpected argument \"%1\"")
-                         .arg(parser.positionalArguments().constFirst()));
+/// What needs no check.
+void read_choices(const QCommandLineParser& parser, Options& options) {
     options.directory = parser.value(QStringLiteral("directory"));
     options.user_data = parser.isSet(QStringLiteral("user-data"));
     options.create_database = parser.isSet(QStringLiteral("create-database"));
@@ -273,6 +261,23 @@ Options parse_options(const QStringList& arguments) {
     options.log = parser.value(QStringLiteral("log"));
     options.screenshot = parser.value(QStringLiteral("screenshot"));
     options.import_database = parser.value(QStringLiteral("import-database"));
+}
+
+}  // namespace
+
+Options parse_options(const QStringList& arguments) {
+    QCommandLineParser parser;
+    add_options(parser);
+    Options options;
+    const bool parsed = parser.parse(QStringList{QStringLiteral("m47-remote")} + arguments);
+    if (!parsed) return wrong(parser.errorText());
+    if (parser.isSet(QStringLiteral("help"))) options.action = Options::Action::help;
+    if (parser.isSet(QStringLiteral("version"))) options.action = Options::Action::version;
+    if (options.action != Options::Action::run) return options;
+    if (!parser.positionalArguments().isEmpty())
+        return wrong(QStringLiteral("unexpected argument \"%1\"")
+                         .arg(parser.positionalArguments().constFirst()));
+    read_choices(parser, options);
     QString error = read_values(parser, options);
     if (error.isEmpty() && options.user_data && parser.isSet(QStringLiteral("directory")))
         error = QStringLiteral("--directory and --user-data exclude each other");
