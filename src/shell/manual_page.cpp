@@ -3,7 +3,8 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QHash>
+
+#include "screen_table.h"
 
 namespace m47 {
 namespace {
@@ -17,15 +18,9 @@ constexpr Bilingual kLanguageFolder{"en", "it"};
 }  // namespace
 
 QString manual_page_name(const QString& key) {
-    static const QHash<QString, QString> kPages{
-        {QStringLiteral("program"), QStringLiteral("plans")},
-        {QStringLiteral("download"), QStringLiteral("logger")},
-        {QStringLiteral("realtime"), QStringLiteral("measure")},
-        {QStringLiteral("asl"), QStringLiteral("satellites")},
-        {QStringLiteral("configurazione"), QStringLiteral("logo")},
-        {QStringLiteral("setport"), QStringLiteral("connect")},
-    };
-    return kPages.value(key, QStringLiteral("index"));
+    for (const ScreenEntry& screen : screen_table())
+        if (key == QLatin1String(screen.key)) return QString::fromLatin1(screen.manual_page);
+    return QStringLiteral("index");
 }
 
 QStringList manual_folders(const QString& program_folder) {

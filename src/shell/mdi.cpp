@@ -12,6 +12,7 @@
 #include "handler.h"
 #include "icons.h"
 #include "keyboard_access.h"
+#include "screen_table.h"
 #include "tooltips.h"
 #include "ui_mdi.h"
 
@@ -38,6 +39,7 @@ M47MDI::M47MDI(ProgramState& program, QWidget* parent)
       notice_(new ElidedLabel),
       status_(new StatusPanel) {
     ui_->setupUi(this);
+    add_keys();
     caption_ = windowTitle();
     progress_->setObjectName(QStringLiteral("plan_progress"));
     progress_->setTextFormat(Qt::PlainText);
@@ -48,13 +50,6 @@ M47MDI::M47MDI(ProgramState& program, QWidget* parent)
     setWindowIcon(application_icon());
     // Its menu would hide the toolbar, and nothing would bring it back.
     setContextMenuPolicy(Qt::NoContextMenu);
-    int place = 0;
-    for (QAction* key : ui_->barracomandi->actions()) {
-        key->setIcon(toolbar_icon(key->objectName()));
-        // Tab stays within a screen, so another one is opened from there by Ctrl and its place.
-        keep_while_busy(key);
-        key->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + place++)));
-    }
     for (QAction* entry : {ui_->cmdinglese, ui_->cmditaliano, ui_->cmdmanual, ui_->cmdexit})
         keep_while_busy(entry);
     open_to_keyboard(this);
@@ -82,13 +77,25 @@ M47MDI::~M47MDI() {
     delete ui_->screens;
 }
 
+void M47MDI::add_keys() {
+    for (const ScreenEntry& screen : screen_table()) {
+        const QString name = QString::fromLatin1(screen.key);
+        auto* key = new QAction(toolbar_icon(name), QString::fromLatin1(screen.title), this);
+        key->setObjectName(name);
+        // Tab stays within a screen, so another one is opened from there by its shortcut.
+        keep_while_busy(key);
+        key->setShortcut(Qt::CTRL | screen.shortcut);
+        ui_->barracomandi->addAction(key);
+    }
+}
+
 void M47MDI::add_screen(const QString& key, const ScreenMaker& maker) {
     makers_[key] = maker;
 }
 
-QWidget* M47MDI::screen_of(const QString& key) const {
+Screen* M47MDI::screen_of(const QString& key) const {
     const QMdiSubWindow* view = views_.value(key);
-    return view ? view->widget() : nullptr;
+    return view ? qobject_cast<Screen*>(view->widget()) : nullptr;
 }
 
 void M47MDI::open_screen(const QString& key) {
@@ -98,8 +105,7 @@ void M47MDI::open_screen(const QString& key) {
         ui_->screens->setActiveSubWindow(view);
         return;
     }
-    const ScreenMaker& maker = makers_[key];
-    QWidget* screen = maker.create();
+    Screen* screen = makers_[key]();
     QMdiSubWindow* view = ui_->screens->addSubWindow(screen);
     view->setAttribute(Qt::WA_DeleteOnClose);
     view->setWindowIcon(toolbar_icon(key));
@@ -110,11 +116,10 @@ void M47MDI::open_screen(const QString& key) {
     restore_place_of(key, view);
     keep_inside(view);
     view->installEventFilter(this);
-    maker.load(screen);
-    open_to_keyboard(screen);
+    connect(screen, &Screen::exit_asked, view, &QWidget::close);
+    screen->load();
     corrected_->join(screen);
-    if (auto* exit = screen->findChild<QObject*>(QStringLiteral("cmdexit"))) keep_while_busy(exit);
-    if (maker.activate) maker.activate(screen);
+    screen->Form_Activate();
 }
 
 void M47MDI::keep_inside(QMdiSubWindow* view) const {
@@ -189,8 +194,7 @@ void M47MDI::screen_activated(QMdiSubWindow* view) {
         return;
     }
     front_ = view;
-    const QString key = key_of(view);
-    if (!key.isEmpty() && makers_[key].activate) makers_[key].activate(view->widget());
+    if (Screen* screen = screen_of(key_of(view))) screen->Form_Activate();
 }
 
 void M47MDI::cmdinglese_Click() {
@@ -255,7 +259,7 @@ void M47MDI::set_caption(const QString& caption) {
 }
 
 void M47MDI::enable_asl(bool on) {
-    ui_->asl->setEnabled(on);
+    findChild<QAction*>(QStringLiteral("asl"))->setEnabled(on);
 }
 
 }  // namespace m47

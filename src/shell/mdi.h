@@ -12,6 +12,7 @@
 #include "corrected_menu.h"
 #include "identification.h"
 #include "program_state.h"
+#include "screen.h"
 #include "status_panel.h"
 
 namespace Ui {
@@ -21,13 +22,7 @@ class M47MDI;
 namespace m47 {
 
 /// How the main window makes one of its screens.
-struct ScreenMaker {
-    std::function<QWidget*()> create;
-    /// Run once when the screen is there and visible.
-    std::function<void(QWidget*)> load;
-    /// Run each time the screen comes to the front, may be empty.
-    std::function<void(QWidget*)> activate;
-};
+using ScreenMaker = std::function<Screen*()>;
 
 /// The main window: toolbar and menus, the child views, the link's status.
 class M47MDI : public QMainWindow, public MainWindowView {
@@ -51,7 +46,14 @@ class M47MDI : public QMainWindow, public MainWindowView {
     /// Shows the screen of `key`, made where it does not exist yet; a key without one does nothing.
     void open_screen(const QString& key);
     /// The screen of `key` where it is open, else nullptr.
-    QWidget* screen_of(const QString& key) const;
+    Screen* screen_of(const QString& key) const;
+    /// The screen of that kind where it is open, else nullptr.
+    template <class Kind>
+    Kind* opened() const {
+        for (const QString& key : views_.keys())
+            if (auto* found = qobject_cast<Kind*>(screen_of(key))) return found;
+        return nullptr;
+    }
 
     /// The key of the screen in front, empty where none is open.
     QString front_key() const;
@@ -91,6 +93,7 @@ class M47MDI : public QMainWindow, public MainWindowView {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
+    void add_keys();
     void restore_place_of(const QString& key, QMdiSubWindow* view) const;
     void keep_place_of(const QString& key, const QMdiSubWindow* view) const;
     void screen_activated(QMdiSubWindow* view);

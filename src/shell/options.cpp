@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "port_list.h"
+#include "screen_table.h"
 #include "tuning_range.h"
 
 namespace m47 {
@@ -14,9 +15,6 @@ namespace {
 
 const QStringList kAlarmNames{QStringLiteral("level"), QStringLiteral("ber"),
                               QStringLiteral("mer")};
-const QStringList kScreens{QStringLiteral("program"),        QStringLiteral("download"),
-                           QStringLiteral("realtime"),       QStringLiteral("asl"),
-                           QStringLiteral("configurazione"), QStringLiteral("setport")};
 
 void add_options(QCommandLineParser& parser) {
     parser.setApplicationDescription(
@@ -222,8 +220,9 @@ QString check_combination(const QCommandLineParser& parser, const Options& optio
                                             "alarm", "confirm", "count", "log", "screenshot",
                                             "plan", "passes", "every", "full-tune", "reconnect"});
     if (!name.isEmpty()) return QStringLiteral("--%1 goes with --measure only").arg(name);
-    if (!options.open.isEmpty() && !kScreens.contains(options.open))
-        return QStringLiteral("--open takes one of %1").arg(kScreens.join(QStringLiteral(", ")));
+    if (!options.open.isEmpty() && !screen_keys().contains(options.open))
+        return QStringLiteral("--open takes one of %1")
+            .arg(screen_keys().join(QStringLiteral(", ")));
     return {};
 }
 

@@ -5,21 +5,17 @@
 #include <QDesktopServices>
 #include <QFileInfo>
 #include <QGuiApplication>
-#include <QMdiSubWindow>
 #include <QScreen>
 #include <QUrl>
 #include <chrono>
 
-#include "asl.h"
-#include "config_set.h"
-#include "download.h"
 #include "handler.h"
 #include "manual_page.h"
 #include "message_box.h"
-#include "port_setting.h"
 #include "program_set.h"
 #include "real_port.h"
 #include "realtime.h"
+#include "screen_table.h"
 
 namespace m47 {
 namespace {
@@ -31,19 +27,9 @@ constexpr Bilingual kDeviceIsBack{
     "The device %1 is there again: \"Reconnect\" in the menu connects it.",
     "Il dispositivo %1 è di nuovo presente: \"Reconnect\" nel menu lo collega."};
 
-constexpr Bilingual kNoRow{"No row: doubtful answer", "Nessuna riga: risposta dubbia"};
-constexpr Bilingual kCutShort{"Pass cut short", "Giro interrotto"};
 constexpr Bilingual kManualTitle{"Manual", "Manuale"};
 constexpr Bilingual kNoReader{"No program of this computer opens %1.",
                               "Nessun programma di questo computer apre %1."};
-
-/// The child view that holds `screen` closes with it.
-template <class Screen>
-void close_on_exit(Screen* screen) {
-    QObject::connect(screen, &Screen::exit_asked, screen, [screen] {
-        if (QWidget* view = screen->parentWidget()) view->close();
-    });
-}
 
 }  // namespace
 
@@ -68,9 +54,7 @@ Program::Program(ProgramState& state, std::unique_ptr<Database> database, PortLi
     connect_connection();
     on(&window_, &M47MDI::import_asked, &window_, "cmdimportdb_Click", [this] {
         import_.cmdimportdb_Click();
-        const QString plans = QStringLiteral("program");
-        if (auto* screen = qobject_cast<ProgramSet*>(window_.screen_of(plans)))
-            screen->database_changed();
+        if (auto* screen = window_.opened<ProgramSet>()) screen->database_changed();
     });
     on(&window_, &M47MDI::manual_asked, &window_, "cmdmanual_Click", [this] { cmdmanual_Click(); });
     window_.resize(kWindowSize.boundedTo(QGuiApplication::primaryScreen()->availableSize()));
@@ -80,7 +64,7 @@ Program::Program(ProgramState& state, std::unique_ptr<Database> database, PortLi
 std::optional<Said> Program::left_off() const {
     const std::optional<Said>& told = connection_.link().left_off;
     if (told) return told;
-    const auto* screen = qobject_cast<Realtime*>(window_.screen_of(QStringLiteral("realtime")));
+    const auto* screen = window_.opened<Realtime>();
     return screen ? screen->acquisition.running() : std::nullopt;
 }
 
@@ -130,53 +114,10 @@ void Program::open_manual(const QStringList& folders) {
 }
 
 void Program::add_screens() {
-    add_screen<ProgramSet>("program", [this] {
-        auto* screen = new ProgramSet(link(), state_, *database_);
-        QObject::connect(screen, &ProgramSet::upload_state, &window_, &M47MDI::show_upload);
-        return screen;
-    });
-    add_screen<Realtime>("realtime", [this] {
-        auto* screen = new Realtime(std::make_unique<RealtimeRules>(link(), state_, *database_));
-        QObject::connect(screen, &Realtime::progress, &window_, &M47MDI::show_progress);
-        // No box: nobody may be there, and the next pass is not to wait for one.
-        QObject::connect(screen, &Realtime::cut_short, &window_, [this](const QString& reason) {
-            window_.show_upload(state_.texts.pick(kCutShort), reason);
-        });
-        QObject::connect(screen, &Realtime::left_out, &window_, &M47MDI::show_notice);
-        QObject::connect(screen, &Realtime::no_row, &window_, [this](const QString& command) {
-            window_.show_notice(QStringLiteral("%1 (%2)").arg(state_.texts.pick(kNoRow), command));
-        });
-        QObject::connect(screen, &QObject::destroyed, &window_,
-                         [this] { window_.show_progress(QString()); });
-        return screen;
-    });
-    add_screen<Download>("download", [this] {
-        auto* screen = new Download(link(), state_);
-        QObject::connect(screen, &Download::progress, &window_, &M47MDI::show_progress);
-        return screen;
-    });
-    add_screen<Asl>("asl", [this] { return new Asl(link(), state_, database_->asl()); });
-    add_screen<ConfigSet>("configurazione", [this] { return new ConfigSet(link(), state_.texts); });
-    add_screen<PortSetting>("setport", [this] {
-        return new PortSetting(connection_.identification(), connection_.ports());
-    });
-}
-
-template <class Screen, class Make>
-void Program::add_screen(const char* key, Make make) {
-    window_.add_screen(QString::fromLatin1(key),
-                       {.create =
-                            [make] {
-                                Screen* screen = make();
-                                close_on_exit(screen);
-                                return screen;
-                            },
-                        .load = [](QWidget* screen) { static_cast<Screen*>(screen)->Form_Load(); },
-                        .activate =
-                            [](QWidget* screen) {
-                                if constexpr (requires(Screen & one) { one.Form_Activate(); })
-                                    static_cast<Screen*>(screen)->Form_Activate();
-                            }});
+    const ScreenParts parts{window_, connection_, state_, *database_};
+    for (const ScreenEntry& screen : screen_table())
+        window_.add_screen(QString::fromLatin1(screen.key),
+                           [parts, make = screen.make] { return make(parts); });
 }
 
 }  // namespace m47

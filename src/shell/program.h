@@ -53,8 +53,6 @@ class Program {
 
   private:
     void add_screens();
-    template <class Screen, class Make>
-    void add_screen(const char* key, Make make);
     void connect_connection();
     void reconnect();
     QString link_fault() const;

@@ -2,15 +2,47 @@
 #include "handler.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QRadioButton>
+#include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
+#include <QToolBar>
+#include <QWheelEvent>
 
 #include "fault.h"
+#include "screen.h"
 
 namespace m47 {
+
+/// A screen of a toolbar, a box and a list.
+class SmallScreen : public Screen {
+  public:
+    explicit SmallScreen(bool follows = false)
+        : bar(new QToolBar(this)), box(new QLineEdit(this)), list(new QComboBox(this)) {
+        bar->setObjectName("bar");
+        for (const char* name : {"good", "bad", "idle"}) bar->addAction(name)->setObjectName(name);
+        list->addItems({"a", "b", "c"});
+        if (follows) joints().follow(this);
+        joints().text(box, typed);
+        add_key(bar->actions().at(0), [this] { typed += "!"; });
+        add_key(bar->actions().at(1), [] { throw Fault("broken"); });
+        take_toolbar(bar);
+        take_exit(&exit);
+        guard_lists();
+    }
+    void Form_Load() override { list->setToolTip("which"); }
+
+    QToolBar* bar;
+    QLineEdit* box;
+    QComboBox* list;
+    QPushButton exit;
+    QString typed;
+};
 
 class HandlerTest : public QObject {
     Q_OBJECT
@@ -164,6 +196,95 @@ class HandlerTest : public QObject {
         }
         button.click();
         QCOMPARE(clicks, 1);
+    }
+
+    void a_handler_of_a_screen_takes_the_entries_and_shows_what_became_of_them() {
+        SmallScreen screen;
+        screen.box->setText("12");
+        QCOMPARE(screen.typed, QString());
+        screen.bar->actions().at(0)->trigger();
+        QCOMPARE(screen.box->text(), QString("12!"));
+        screen.box->setText("3");
+        screen.toolbar_ButtonClick("good");
+        QCOMPARE(screen.typed, QString("3!"));
+    }
+
+    void entries_that_are_followed_are_there_at_once() {
+        SmallScreen screen(true);
+        QTest::keyClicks(screen.box, "123");
+        QCOMPARE(screen.typed, QString("123"));
+        screen.box->setCursorPosition(1);
+        screen.toolbar_ButtonClick("idle");
+        QCOMPARE(screen.box->cursorPosition(), 1);
+        screen.typed = "9";
+        screen.toolbar_ButtonClick("good");
+        QCOMPARE(screen.box->text(), QString("9!"));
+    }
+
+    void a_key_with_a_fault_is_told_and_one_without_work_does_nothing() {
+        record_reports();
+        SmallScreen screen;
+        screen.bar->actions().at(1)->trigger();
+        QCOMPARE(reports_.size(), 1);
+        QCOMPARE(reports_[0].what, QString("broken"));
+        QCOMPARE(reports_[0].screen, &screen);
+        screen.box->setText("4");
+        screen.bar->actions().at(2)->trigger();
+        QCOMPARE(reports_.size(), 1);
+        QCOMPARE(screen.typed, QString());
+    }
+
+    void every_screen_is_left_loaded_and_guarded_alike() {
+        SmallScreen screen;
+        QSignalSpy asked(&screen, &Screen::exit_asked);
+        screen.exit.click();
+        QCOMPARE(asked.size(), 1);
+        QCOMPARE(screen.contextMenuPolicy(), Qt::NoContextMenu);
+        screen.load();
+        QCOMPARE(screen.list->accessibleName(), QString("which"));
+        QWheelEvent turn({5, 5}, screen.list->mapToGlobal(QPointF(5, 5)), {}, {0, -120},
+                         Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(screen.list, &turn);
+        QCOMPARE(screen.list->currentIndex(), 0);
+    }
+
+    void joints_take_and_show_each_kind_of_control() {
+        Joints joints;
+        QComboBox list, words;
+        list.addItems({"a", "b"});
+        words.addItems({"x", "y"});
+        QRadioButton yes, no;
+        QListWidget rows;
+        int index = 1, unset = 5, place = 1;
+        QString word = "y";
+        bool direct = true;
+        QStringList texts{"one", "two"};
+        joints.entry(&list, index);
+        joints.text(&words, word);
+        joints.either(&yes, &no, direct);
+        joints.entries(&rows, texts, place);
+        joints.show();
+        QCOMPARE(list.currentIndex(), 1);
+        QCOMPARE(words.currentText(), QString("y"));
+        QVERIFY(yes.isChecked());
+        QCOMPARE(rows.currentRow(), 1);
+        Joints with_unset;
+        with_unset.entry(&list, unset, 0);
+        list.setCurrentIndex(-1);
+        words.setCurrentIndex(0);
+        yes.setAutoExclusive(false);
+        yes.setChecked(false);
+        rows.clearSelection();
+        joints.take();
+        with_unset.take();
+        QCOMPARE(index, -1);
+        QCOMPARE(unset, 0);
+        QCOMPARE(word, QString("x"));
+        QVERIFY(!direct);
+        QCOMPARE(place, -1);
+        joints.show();
+        QVERIFY(no.isChecked());
+        QVERIFY(rows.selectedItems().isEmpty());
     }
 };
 

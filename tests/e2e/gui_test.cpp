@@ -19,6 +19,7 @@
 #include <QTimer>
 #include <csignal>
 
+#include "lamp.h"
 #include "process_support.h"
 #include "program_in_folder.h"
 #include "realtime.h"
@@ -439,7 +440,7 @@ class GuiTest : public QObject, protected ProgramInFolder {
         QTest::qWait(10);
         ticks = 0;
         inside = true;
-        screen->barracomandi_ButtonClick(QStringLiteral("single_acq"));
+        screen->toolbar_ButtonClick(QStringLiteral("single_acq"));
         inside = false;
         QCOMPARE(ticks, 0);
         QCoreApplication::processEvents();

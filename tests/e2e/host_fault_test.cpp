@@ -200,7 +200,7 @@ class HostFaultTest : public QObject {
                 OtherProgram(on_disk(kFile)).ask("SELECT count(*) FROM programmi").toInt();
             disk_->fill();
             number->setText("7");
-            screen->barracomando_ButtonClick("store");
+            screen->toolbar_ButtonClick("store");
             const QStringList told = windows.boxes.take_seen();
             QCOMPARE(told.size(), 1);
             QVERIFY2(told[0].contains("full"), qPrintable(told[0]));
@@ -211,7 +211,7 @@ class HostFaultTest : public QObject {
             QCOMPARE(other.ask("SELECT count(*) FROM programmi WHERE pg_num = '007'"),
                      QString("0"));
             disk_->make_room();
-            screen->barracomando_ButtonClick("store");
+            screen->toolbar_ButtonClick("store");
             QCOMPARE(windows.boxes.take_seen(), QStringList());
             QCOMPARE(other.ask("SELECT qpsk_symbolrate FROM programmi WHERE pg_num = '007'"),
                      QString("22000"));
@@ -290,12 +290,12 @@ class HostFaultTest : public QObject {
         OtherProgram other(folder_->filePath(kFile));
         other.ask("BEGIN EXCLUSIVE");
         screen->findChild<QLineEdit*>("prog_num")->setText("7");
-        screen->barracomando_ButtonClick("store");
+        screen->toolbar_ButtonClick("store");
         const QStringList told = windows.boxes.take_seen();
         QCOMPARE(told.size(), 1);
         QVERIFY2(told[0].contains("locked"), qPrintable(told[0]));
         other.ask("ROLLBACK");
-        screen->barracomando_ButtonClick("store");
+        screen->toolbar_ButtonClick("store");
         QCOMPARE(windows.boxes.take_seen(), QStringList());
         QCOMPARE(other.ask("SELECT count(*) FROM programmi WHERE pg_num = '007'"), QString("1"));
     }

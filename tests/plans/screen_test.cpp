@@ -1218,7 +1218,7 @@ class PlanScreenTest : public QObject, protected ProgramInFolder {
     void the_key_without_work_does_nothing() {
         start_alone();
         type("prog_num", QStringLiteral("7"));
-        screen_->barracomando_ButtonClick(QStringLiteral("storing"));
+        screen_->toolbar_ButtonClick(QStringLiteral("storing"));
         QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("-"));
         QCOMPARE(text_of("prog_num"), QStringLiteral("7"));
         QCOMPARE(beeps_, 0);

@@ -305,13 +305,13 @@ void DiseqcPanelTest::another_program_in_front_folds_nothing() {
 
 void DiseqcPanelTest::nothing_opens_while_a_plan_runs_the_tuning() {
     open_motor();
-    screen_->barracomandi_ButtonClick("group");
+    screen_->toolbar_ButtonClick("group");
     screen_->rules.panel.repaint();
     QVERIFY(!find("sat_opt")->isEnabled());
     QVERIFY(shows("folded"));
     point_at("diseqc");
     QVERIFY(shows("folded"));
-    screen_->barracomandi_ButtonClick("single");
+    screen_->toolbar_ButtonClick("single");
     screen_->rules.panel.repaint();
     // The row of the plan goes, and everything below it moves up.
     QCoreApplication::processEvents();
@@ -339,7 +339,7 @@ void DiseqcPanelTest::the_open_panel_lies_over_its_neighbours() {
 }
 
 void DiseqcPanelTest::the_open_panel_stays_inside_a_low_window() {
-    screen_->barracomandi_ButtonClick("qpsk");
+    screen_->toolbar_ButtonClick("qpsk");
     screen_->open_log(f_->path("day.log"));
     screen_->resize(screen_->minimumSizeHint());
     QCoreApplication::processEvents();
@@ -518,7 +518,7 @@ void DiseqcPanelTest::clicking_a_box_chooses_it() {
     QCOMPARE(red(), (QStringList{"starteast_s", "startwest_s"}));
     QCOMPARE(find<QLineEdit>("startwest_s")->text(), QString("01"));
     QTest::keyClick(find("startwest_t"), Qt::Key_Space);
-    screen_->barracomandi_ButtonClick("qpsk");
+    screen_->toolbar_ButtonClick("qpsk");
     screen_->rules.panel.repaint();
     QCOMPARE(red(), (QStringList{"starteast_s", "startwest_s"}));
 }

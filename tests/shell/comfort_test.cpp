@@ -200,16 +200,16 @@ class ComfortTest : public QObject, protected ProgramInFolder {
         auto* view = screen->findChild<LevelView*>("level_view");
         screen->findChild<QAction*>("cmdlevelview")->trigger();
         screen->rules.panel.meas_statea[kLevel] = true;
-        screen->barracomandi_ButtonClick("single_acq");
+        screen->toolbar_ButtonClick("single_acq");
         QVERIFY2(spoken_name(view).startsWith("58.3 dBuV"), qPrintable(spoken_name(view)));
         // The plan screen's choice is for the next upload: the meter is told nothing by it.
         window().findChild<QAction*>("program")->trigger();
         window().screen_of("program")->findChild<QAction*>("cmdlev_2")->trigger();
         QCOMPARE(program_state().unit_index, int(kDbm));
-        screen->barracomandi_ButtonClick("single_acq");
+        screen->toolbar_ButtonClick("single_acq");
         QVERIFY2(spoken_name(view).startsWith("58.3 dBuV"), qPrintable(spoken_name(view)));
         screen->findChild<QAction*>("cmdlev_2")->trigger();
-        screen->barracomandi_ButtonClick("single_acq");
+        screen->toolbar_ButtonClick("single_acq");
         QVERIFY2(spoken_name(view).startsWith("58.3 dBm"), qPrintable(spoken_name(view)));
     }
 

@@ -263,8 +263,8 @@ class FailingDatabaseTest : public QObject, protected ProgramInFolder {
         screen.rules.panel.meas_statea[kLevel] = true;
         fail_each_statement([&](int nth, int code) {
             screen.rules.page.clear();
-            screen.barracomandi_ButtonClick("group");
-            screen.barracomandi_ButtonClick("start");
+            screen.toolbar_ButtonClick("group");
+            screen.toolbar_ButtonClick("start");
             screen.acquisition.time_delay_Click();
             screen.acquisition.cmdstart_Click();
             told_.clear();
@@ -283,7 +283,7 @@ class FailingDatabaseTest : public QObject, protected ProgramInFolder {
             tick(screen, 10);
             if (measured(screen).size() < rows + 2)
                 QTest::qFail(qPrintable(where), __FILE__, __LINE__);
-            screen.barracomandi_ButtonClick("stop");
+            screen.toolbar_ButtonClick("stop");
             if (screen.acquisition.timed() || screen.acquisition.passing())
                 QTest::qFail(qPrintable("not stopped: " + where), __FILE__, __LINE__);
             return failing.calls();
@@ -292,10 +292,10 @@ class FailingDatabaseTest : public QObject, protected ProgramInFolder {
 
     void a_firing_that_cannot_begin() {
         Realtime& screen = *open_realtime();
-        screen.barracomandi_ButtonClick("group");
+        screen.toolbar_ButtonClick("group");
         Acquisition& walk = screen.acquisition;
         fail_each_statement([&](int nth, int code) {
-            screen.barracomandi_ButtonClick("start");
+            screen.toolbar_ButtonClick("start");
             walk.time_delay_Click();
             walk.cmdstart_Click();
             told_.clear();
@@ -306,7 +306,7 @@ class FailingDatabaseTest : public QObject, protected ProgramInFolder {
             if (green == failed || told_.size() != (failed ? 1 : 0))
                 QTest::qFail(qPrintable(QString::number(nth)), __FILE__, __LINE__);
             const int calls = failing.calls();
-            screen.barracomandi_ButtonClick("stop");
+            screen.toolbar_ButtonClick("stop");
             return calls;
         });
     }
@@ -314,7 +314,7 @@ class FailingDatabaseTest : public QObject, protected ProgramInFolder {
     void keys_of_the_realtime_screen() {
         add_other_plan();
         Realtime& screen = *open_realtime();
-        screen.barracomandi_ButtonClick("group");
+        screen.toolbar_ButtonClick("group");
         for (const char* key :
              {"group", "next", "previous", "next_prog", "previous_prog", "multiple_acq", "stop"}) {
             fail_each_statement([&](int nth, int code) {
@@ -335,7 +335,7 @@ class FailingDatabaseTest : public QObject, protected ProgramInFolder {
                                  __FILE__, __LINE__);
                 if (screen.rules.modes.rs_programs->text("nome") != screen.rules.panel.grp_name)
                     QTest::qFail(key, __FILE__, __LINE__);
-                screen.barracomandi_ButtonClick("stop");
+                screen.toolbar_ButtonClick("stop");
                 screen.acquisition.previous_prog();
                 return calls;
             });

@@ -27,9 +27,21 @@
 #include "program_in_folder.h"
 #include "realtime.h"
 #include "realtime_tooltips.h"
+#include "screen_table.h"
 #include "virtual_clock.h"
 
 namespace m47 {
+
+/// An empty screen that tells when it comes to the front.
+class TellingScreen : public Screen {
+  public:
+    explicit TellingScreen(std::function<void()> activated) : activated_(std::move(activated)) {}
+    void Form_Load() override {}
+    void Form_Activate() override { activated_(); }
+
+  private:
+    std::function<void()> activated_;
+};
 
 class ScreensTest : public QObject, protected ProgramInFolder {
     Q_OBJECT
@@ -160,13 +172,12 @@ class ScreensTest : public QObject, protected ProgramInFolder {
     void a_screen_brought_up_in_a_wait_comes_to_the_front_afterwards() {
         QStringList told;
         for (const char* key : {"program", "download"})
-            window().add_screen(key, {.create = [] { return new QWidget; },
-                                      .load = [](QWidget*) {},
-                                      .activate =
-                                          [this, &told, key](QWidget*) {
-                                              QVERIFY(!window().status().pumping());
-                                              told += QString::fromLatin1(key);
-                                          }});
+            window().add_screen(key, [this, &told, key] {
+                return new TellingScreen([this, &told, key] {
+                    QVERIFY(!window().status().pumping());
+                    told += QString::fromLatin1(key);
+                });
+            });
         find<QAction>("program")->trigger();
         find<QAction>("download")->trigger();
         told.clear();
@@ -179,6 +190,19 @@ class ScreensTest : public QObject, protected ProgramInFolder {
         QCOMPARE(area->currentSubWindow(), other);
         QCOMPARE(told, QStringList());
         QTRY_COMPARE(told, QStringList("program"));
+    }
+
+    void every_screen_of_the_table_opens_by_its_shortcut_and_is_left_by_exit() {
+        for (const ScreenEntry& entry : screen_table()) {
+            window().activateWindow();
+            QTest::keyClick(&window(), entry.shortcut, Qt::ControlModifier);
+            Screen* screen = window().screen_of(QString::fromLatin1(entry.key));
+            QVERIFY2(screen, entry.key);
+            QCOMPARE(window().front_key(), QString::fromLatin1(entry.key));
+            QCOMPARE(screen->contextMenuPolicy(), Qt::NoContextMenu);
+            Q_EMIT screen->exit_asked();
+            QTRY_VERIFY2(!window().screen_of(QString::fromLatin1(entry.key)), entry.key);
+        }
     }
 
     void a_screen_opens_once() {

@@ -5,55 +5,34 @@
 #include <utility>
 
 #include "asl_tooltips.h"
-#include "handler.h"
 #include "numbers.h"
 #include "ui_asl.h"
 
 namespace m47 {
-namespace {
-
-/// Shows `entries` with entry `place` selected; a list that has not changed keeps its scroll place.
-void show_list(QListWidget* list, const QStringList& entries, int place) {
-    QStringList shown;
-    for (int row = 0; row < list->count(); ++row) shown += list->item(row)->text();
-    if (shown != entries) {
-        list->clear();
-        list->addItems(entries);
-    }
-    list->setCurrentRow(place);
-}
-
-/// The place of the selected entry, -1 for none.
-int selected_place(const QListWidget* list) {
-    const QList<QListWidgetItem*> selected = list->selectedItems();
-    return selected.isEmpty() ? -1 : list->row(selected.constFirst());
-}
-
-}  // namespace
 
 Asl::Asl(Link& link, ProgramState& program, Recordset& asl, QWidget* parent)
-    : QMainWindow(parent),
+    : Screen(parent),
       program_(program),
       ui_(std::make_unique<Ui::Asl>()),
       boxes_(this, program),
       lists_(link, program, asl, boxes_),
       backup_(lists_, link, program, boxes_) {
     ui_->setupUi(this);
-    setContextMenuPolicy(Qt::NoContextMenu);
     ui_->cmdaddindb->setIcon(style()->standardIcon(QStyle::SP_ArrowLeft));
     ui_->cmdsave->setIcon(style()->standardIcon(QStyle::SP_ArrowRight));
+    AslPanel& panel = lists_.panel;
+    joints().entries(ui_->listadb, panel.listadb, panel.listadb_place);
+    joints().entries(ui_->listastr, panel.listastr, panel.listastr_place);
     connect_buttons();
     connect_menu();
+    take_exit(ui_->cmdexit);
 }
 
 Asl::~Asl() = default;
 
-template <class Body>
-void Asl::handle(const char* name, Body body) {
+void Asl::handle(const char* name, const std::function<void()>& body) {
     const bool outermost = !std::exchange(working_, true);
-    take_selection();
-    run_handler(this, name, body);
-    show_lists();
+    Screen::handle(name, body);
     if (outermost) working_ = false;
 }
 
@@ -71,8 +50,7 @@ void Asl::Form_Activate() {
 void Asl::connect_buttons() {
     const auto on_click = [this](QPushButton* button, const char* name,
                                  void (SatelliteLists::*handler)()) {
-        connect(button, &QPushButton::clicked, this,
-                [this, name, handler] { handle(name, [this, handler] { (lists_.*handler)(); }); });
+        when(button, &QPushButton::clicked, name, [this, handler] { (lists_.*handler)(); });
     };
     on_click(ui_->cmdaddindb, "cmdaddindb_Click", &SatelliteLists::cmdaddindb_Click);
     on_click(ui_->cmdsave, "cmdsave_Click", &SatelliteLists::cmdsave_Click);
@@ -82,23 +60,11 @@ void Asl::connect_buttons() {
 }
 
 void Asl::connect_menu() {
-    connect(ui_->cmdsaveall, &QAction::triggered, this,
-            [this] { handle("cmdsaveall_Click", [this] { backup_.cmdsaveall_Click(); }); });
-    connect(ui_->cmdrestoreall, &QAction::triggered, this,
-            [this] { handle("cmdrestoreall_Click", [this] { backup_.cmdrestoreall_Click(); }); });
-    connect(ui_->cmdcompare, &QAction::triggered, this,
-            [this] { handle("cmdcompare_Click", [this] { cmdcompare_Click(); }); });
-    connect(ui_->cmdexit, &QAction::triggered, this, &Asl::exit_asked);
-}
-
-void Asl::take_selection() {
-    lists_.panel.listadb_place = selected_place(ui_->listadb);
-    lists_.panel.listastr_place = selected_place(ui_->listastr);
-}
-
-void Asl::show_lists() {
-    show_list(ui_->listadb, lists_.panel.listadb, lists_.panel.listadb_place);
-    show_list(ui_->listastr, lists_.panel.listastr, lists_.panel.listastr_place);
+    when(ui_->cmdsaveall, &QAction::triggered, "cmdsaveall_Click",
+         [this] { backup_.cmdsaveall_Click(); });
+    when(ui_->cmdrestoreall, &QAction::triggered, "cmdrestoreall_Click",
+         [this] { backup_.cmdrestoreall_Click(); });
+    when(ui_->cmdcompare, &QAction::triggered, "cmdcompare_Click", [this] { cmdcompare_Click(); });
 }
 
 void Asl::cmdcompare_Click() {

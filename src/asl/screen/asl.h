@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QMainWindow>
 #include <memory>
 
 #include "asl_boxes.h"
 #include "compare_view.h"
 #include "satellite_lists.h"
+#include "screen.h"
 #include "slot_backup.h"
 
 namespace Ui {
@@ -16,7 +16,7 @@ class Asl;
 namespace m47 {
 
 /// The screen "Automatic Satellite Locator": binds the satellite lists to its controls.
-class Asl : public QMainWindow {
+class Asl : public Screen {
     Q_OBJECT
   public:
     /// `asl` is the program's shared set of satellites.
@@ -24,21 +24,14 @@ class Asl : public QMainWindow {
     ~Asl() override;
 
     /// Fills the lists and sets the tooltips; run once, when the screen is already visible.
-    void Form_Load();
+    void Form_Load() override;
     /// Each time the screen comes to the front: shows the satellites that are stored by then.
-    void Form_Activate();
-
-  Q_SIGNALS:
-    /// The menu entry "&Exit": the screen asks to be closed.
-    void exit_asked();
+    void Form_Activate() override;
 
   private:
-    template <class Body>
-    void handle(const char* name, Body body);
+    void handle(const char* name, const std::function<void()>& body) override;
     void connect_buttons();
     void connect_menu();
-    void take_selection();
-    void show_lists();
     void cmdcompare_Click();
     QList<Comparable> comparables();
 

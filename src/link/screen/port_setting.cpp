@@ -3,8 +3,6 @@
 
 #include <chrono>
 
-#include "handler.h"
-#include "key_filter.h"
 #include "tooltips.h"
 #include "ui_port_setting.h"
 
@@ -17,18 +15,18 @@ constexpr std::chrono::seconds kLookInterval{1};
 }  // namespace
 
 PortSetting::PortSetting(Identification& identification, PortList& ports, QWidget* parent)
-    : QWidget(parent),
+    : Screen(parent),
       identification_(identification),
       ports_(ports),
       ui_(std::make_unique<Ui::PortSetting>()) {
     ui_->setupUi(this);
-    new WheelGuard(ui_->porta);
-    on(ui_->porta, &QComboBox::activated, this, "porta_Click",
-       [this](int index) { identification_.porta_Click(index); });
+    when(ui_->porta, &QComboBox::activated, "porta_Click",
+         [this](int index) { identification_.porta_Click(index); });
     connect(&look_timer_, &QTimer::timeout, this, [this] {
         if (isVisible()) show_devices();
     });
-    connect(ui_->cmdexit, &QPushButton::clicked, this, &PortSetting::exit_asked);
+    take_exit(ui_->cmdexit);
+    guard_lists();
 }
 
 PortSetting::~PortSetting() = default;

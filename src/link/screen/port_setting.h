@@ -2,10 +2,10 @@
 #pragma once
 
 #include <QTimer>
-#include <QWidget>
 #include <memory>
 
 #include "identification.h"
+#include "screen.h"
 
 namespace Ui {
 class PortSetting;
@@ -14,7 +14,7 @@ class PortSetting;
 namespace m47 {
 
 /// The screen "RS232 Port Setting": the user picks the port that the meter hangs on.
-class PortSetting : public QWidget {
+class PortSetting : public Screen {
     Q_OBJECT
   public:
     PortSetting(Identification& identification, PortList& ports, QWidget* parent = nullptr);
@@ -22,11 +22,7 @@ class PortSetting : public QWidget {
 
     /// Fills the list of ports; each entry's tooltip names the device behind it, and follows when
     /// one is plugged in or out.
-    void Form_Load();
-
-  Q_SIGNALS:
-    /// The button "&Exit": the screen asks to be closed.
-    void exit_asked();
+    void Form_Load() override;
 
   private:
     void show_devices();

@@ -8,8 +8,6 @@
 #include "commands.h"
 #include "download_tooltips.h"
 #include "file_question.h"
-#include "handler.h"
-#include "icons.h"
 #include "message_box.h"
 #include "text_printer.h"
 #include "ui_download.h"
@@ -32,7 +30,7 @@ constexpr Bilingual kCopyRows{"Copy rows", "Copia righe"};
 }  // namespace
 
 Download::Download(Link& link, ProgramState& program, QWidget* parent)
-    : QMainWindow(parent),
+    : Screen(parent),
       data(link, program),
       link_(link),
       program_(program),
@@ -40,11 +38,14 @@ Download::Download(Link& link, ProgramState& program, QWidget* parent)
     ui_->setupUi(this);
     ui_->dwl_txt->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     show_span_panel(false);
-    // Its menu would hide the toolbar, and nothing would bring it back.
-    setContextMenuPolicy(Qt::NoContextMenu);
+    joints().follow(this);
+    tmpfile_ = ui_->tmpfile->text();
+    joints().text(ui_->tmpfile, tmpfile_);
+    joints().text(ui_->nome_file, data.file_name());
     add_keys();
     connect_buttons();
     connect_table();
+    take_exit(ui_->cmdexit);
     data.on_bytes = [this](qsizetype bytes) { show_bytes(bytes); };
 }
 
@@ -62,32 +63,30 @@ void Download::Form_Load() {
 }
 
 void Download::Form_Activate() {
-    run_handler(this, "Form_Activate", [this] { link_.send(command::kMeterDevice); });
+    handle("Form_Activate", [this] { link_.send(command::kMeterDevice); });
 }
 
 void Download::add_keys() {
     for (const char* name : kToolbarKeys) {
         const QString key = QString::fromLatin1(name);
-        ui_->Toolbar1->addAction(toolbar_icon(key), key)->setObjectName(key);
+        ui_->Toolbar1->addAction(key)->setObjectName(key);
     }
+    const auto add = [this](const char* name, void (Download::*work)()) {
+        const auto* key = findChild<QAction*>(QString::fromLatin1(name));
+        add_key(key, [this, work] { (this->*work)(); });
+    };
     // "dwl_c", "dwl_m", "to_ana" and "to_dig" are shown and do nothing.
-    keys_.insert(QStringLiteral("open"), [this] { cmdrecall_Click(); });
-    keys_.insert(QStringLiteral("save"), [this] { cmdsave_Click(); });
-    keys_.insert(QStringLiteral("delete"), [this] { cmddelete_Click(); });
-    keys_.insert(QStringLiteral("dwl"), [this] { cmddownload_Click(); });
-    keys_.insert(QStringLiteral("stampa"), [this] { createdoc(); });
-    on(ui_->Toolbar1, &QToolBar::actionTriggered, this, "Toolbar1_ButtonClick",
-       [this](QAction* key) { Toolbar1_ButtonClick(key->objectName()); });
-}
-
-void Download::Toolbar1_ButtonClick(const QString& key) {
-    const auto action = keys_.constFind(key);
-    if (action != keys_.constEnd()) (*action)();
+    add("open", &Download::cmdrecall_Click);
+    add("save", &Download::cmdsave_Click);
+    add("delete", &Download::cmddelete_Click);
+    add("dwl", &Download::cmddownload_Click);
+    add("stampa", &Download::createdoc);
+    take_toolbar(ui_->Toolbar1);
 }
 
 void Download::connect_buttons() {
     const auto click = [this](QPushButton* button, const char* name, void (Download::*handler)()) {
-        on(button, &QPushButton::clicked, this, name, [this, handler] { (this->*handler)(); });
+        when(button, &QPushButton::clicked, name, [this, handler] { (this->*handler)(); });
     };
     click(ui_->cmddownload, "cmddownload_Click", &Download::cmddownload_Click);
     click(ui_->cmddownloadlast, "cmddownloadlast_Click", &Download::cmddownloadlast_Click);
@@ -96,7 +95,6 @@ void Download::connect_buttons() {
     click(ui_->cmddatain, "cmddatain_Click", &Download::cmddatain_Click);
     click(ui_->cmdspan, "cmdspan_Click", &Download::cmdspan_Click);
     connect(ui_->span_chart, &SpanChart::point_clicked, this, &Download::show_span_point);
-    connect(ui_->cmdexit, &QAction::triggered, this, &Download::exit_asked);
 }
 
 void Download::connect_table() {
@@ -125,7 +123,7 @@ void Download::cmddatain_Click() {
 }
 
 void Download::download(const QString& command) {
-    const NameFault fault = data.download(command, ui_->tmpfile->text());
+    const NameFault fault = data.download(command, tmpfile_);
     Q_EMIT progress(QString());
     if (fault == NameFault::none) {
         show_text();
@@ -172,7 +170,6 @@ void Download::cmdrecall_Click() {
     if (path.isEmpty()) return;
     data.open(path);
     show_text();
-    ui_->nome_file->setText(data.file_name());
 }
 
 void Download::cmdsave_Click() {
@@ -186,7 +183,6 @@ void Download::cmdsave_Click() {
     });
     if (path.isEmpty()) return;
     data.save(path);
-    ui_->nome_file->setText(data.file_name());
 }
 
 void Download::cmddelete_Click() {

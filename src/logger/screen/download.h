@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QHash>
-#include <QMainWindow>
 #include <QMessageBox>
 #include <functional>
 #include <memory>
 
 #include "logger_data.h"
+#include "screen.h"
 
 class QFileDialog;
 class QPushButton;
@@ -20,7 +19,7 @@ namespace m47 {
 
 /// The screen "Download Data Logged": fetches what the meter's logger has recorded, shows it as
 /// text and as a table, keeps it in ".dwl" files, and shows a span as a curve.
-class Download : public QMainWindow {
+class Download : public Screen {
     Q_OBJECT
   public:
     Download(Link& link, ProgramState& program, QWidget* parent = nullptr);
@@ -32,9 +31,9 @@ class Download : public QMainWindow {
     LoggerData data;
 
     /// Sets the tooltips and composes the column headers; run once, when the screen is there.
-    void Form_Load();
+    void Form_Load() override;
     /// Run each time the screen comes to the front.
-    void Form_Activate();
+    void Form_Activate() override;
 
     void cmddownload_Click();
     void cmddownloadlast_Click();
@@ -46,13 +45,7 @@ class Download : public QMainWindow {
     void cmddelete_Click();
     void cmdspan_Click();
 
-    /// A click on the toolbar key `key`; one without an action does nothing.
-    void Toolbar1_ButtonClick(const QString& key);
-
   Q_SIGNALS:
-    /// The menu entry "&Exit": the screen asks to be closed.
-    void exit_asked();
-
     /// How much of a download has arrived, "20480 bytes"; empty when none runs.
     void progress(const QString& text);
 
@@ -73,7 +66,8 @@ class Download : public QMainWindow {
     Link& link_;
     ProgramState& program_;
     std::unique_ptr<Ui::Download> ui_;
-    QHash<QString, std::function<void()>> keys_;
+    /// The name of the temporary file as typed.
+    QString tmpfile_;
     bool table_filled_ = true;
 };
 

@@ -30,66 +30,53 @@ void PlanBoxes::fill_lists() {
     }
 }
 
+void PlanBoxes::join() {
+    ProgramRecord& record = record_;
+    joints_.text(ui_.prog_num, record.pg_num);
+    joints_.text(ui_.sat_freq_txt, record.frequenza);
+    joints_.either(ui_.ol_opt_0, ui_.ol_opt_1, record.loc_osc);
+    joints_.entry(ui_.ol_optval, record.loc_osc0, 0);
+    joints_.ticked(ui_.cmd_dig, record.sat_ad);
+    joints_.text(ui_.srqpsk_txt, record.qpsk_symbolrate);
+    joints_.text(ui_.chbw_txt, record.satchbw);
+    joints_.entry(ui_.diseqc_cmd, record.diseqc_cmd);
+    joints_.entry(ui_.diseqc_cmd2, record.diseqc_cmd2);
+    joints_.entry(ui_.lnb_state, record.lnb_volt, 0);
+    joints_.entry(ui_.k22_state, record.K22, 0);
+    joints_.text(ui_.logger_pos, record.logger_pos);
+    joints_.ticked(ui_.logger_state, record.logger_state);
+    joints_.ticked(ui_.monitor_state, record.monitor_state);
+    joints_.text(ui_.lev_mintxt, record.lev_min);
+    joints_.text(ui_.lev_maxtxt, record.lev_max);
+    joints_.text(ui_.cn_mintxt, record.noise_min);
+    joints_.text(ui_.cn_maxtxt, record.noise_max);
+    joints_.text(ui_.chber_mintxt, record.chber_min);
+    joints_.text(ui_.chber_maxtxt, record.chber_max);
+    joints_.text(ui_.mer_mintxt, record.mer_min);
+    joints_.text(ui_.mer_maxtxt, record.mer_max);
+}
+
 void PlanBoxes::show(const ProgramRecord& record) {
-    ui_.prog_num->setText(record.pg_num.trimmed());
-    ui_.sat_freq_txt->setText(record.frequenza);
-    (record.loc_osc ? ui_.ol_opt_0 : ui_.ol_opt_1)->setChecked(true);
-    ui_.ol_optval->setCurrentIndex(static_cast<int>(oscillator_entry(record)));
-    ui_.cmd_dig->setChecked(record.sat_ad);
-    ui_.srqpsk_txt->setText(record.qpsk_symbolrate);
-    ui_.chbw_txt->setText(record.satchbw);
-    ui_.diseqc_cmd->setCurrentIndex(record.diseqc_cmd);
-    ui_.diseqc_cmd2->setCurrentIndex(record.diseqc_cmd2);
-    ui_.lnb_state->setCurrentIndex(record.lnb_volt);
-    ui_.k22_state->setCurrentIndex(record.K22);
-    show_position(record.logger_pos.trimmed());
-    ui_.logger_state->setChecked(record.logger_state);
-    ui_.monitor_state->setChecked(record.monitor_state);
-    ui_.lev_mintxt->setText(record.lev_min);
-    ui_.lev_maxtxt->setText(record.lev_max);
-    ui_.cn_mintxt->setText(record.noise_min);
-    ui_.cn_maxtxt->setText(record.noise_max);
-    ui_.chber_mintxt->setText(record.chber_min);
-    ui_.chber_maxtxt->setText(record.chber_max);
-    ui_.mer_mintxt->setText(record.mer_min);
-    ui_.mer_maxtxt->setText(record.mer_max);
+    record_ = record;
+    record_.pg_num = record.pg_num.trimmed();
+    record_.loc_osc0 = static_cast<int>(oscillator_entry(record));
+    record_.logger_pos = record.logger_pos.trimmed();
+    offer_position(record_.logger_pos);
+    joints_.show();
     follow_tuning();
     follow_digital();
 }
 
-/// A position that the list does not offer, from a file made elsewhere, is shown as it is.
-void PlanBoxes::show_position(const QString& position) {
+/// A position that the list does not have, from a file made elsewhere, is shown as it is.
+void PlanBoxes::offer_position(const QString& position) {
     constexpr int kEntries = kLastLoggerLine + 2;
     while (ui_.logger_pos->count() > kEntries) ui_.logger_pos->removeItem(kEntries);
     if (ui_.logger_pos->findText(position) < 0) ui_.logger_pos->addItem(position);
-    ui_.logger_pos->setCurrentIndex(ui_.logger_pos->findText(position));
 }
 
-ProgramRecord PlanBoxes::read() const {
-    ProgramRecord record;
-    record.pg_num = ui_.prog_num->text();
-    record.frequenza = ui_.sat_freq_txt->text();
-    record.loc_osc = ui_.ol_opt_0->isChecked();
-    record.loc_osc0 = chosen_entry(ui_.ol_optval);
-    record.sat_ad = ui_.cmd_dig->isChecked();
-    record.qpsk_symbolrate = ui_.srqpsk_txt->text();
-    record.satchbw = ui_.chbw_txt->text();
-    record.diseqc_cmd = ui_.diseqc_cmd->currentIndex();
-    record.diseqc_cmd2 = ui_.diseqc_cmd2->currentIndex();
-    record.lnb_volt = chosen_entry(ui_.lnb_state);
-    record.K22 = chosen_entry(ui_.k22_state);
-    record.logger_pos = ui_.logger_pos->currentText();
-    record.logger_state = ui_.logger_state->isChecked();
-    record.monitor_state = ui_.monitor_state->isChecked();
-    record.lev_min = ui_.lev_mintxt->text();
-    record.lev_max = ui_.lev_maxtxt->text();
-    record.noise_min = ui_.cn_mintxt->text();
-    record.noise_max = ui_.cn_maxtxt->text();
-    record.chber_min = ui_.chber_mintxt->text();
-    record.chber_max = ui_.chber_maxtxt->text();
-    record.mer_min = ui_.mer_mintxt->text();
-    record.mer_max = ui_.mer_maxtxt->text();
-    return record;
+ProgramRecord PlanBoxes::read() {
+    joints_.take();
+    return record_;
 }
 
 void PlanBoxes::load_oscloc(const Oscillators& oscillators) {

@@ -3,6 +3,7 @@
 
 #include <QListWidget>
 
+#include "joints.h"
 #include "program_record.h"
 
 namespace Ui {
@@ -15,6 +16,11 @@ namespace m47 {
 class PlanBoxes {
   public:
     explicit PlanBoxes(Ui::ProgramSet& ui) : ui_(ui) {}
+    PlanBoxes(const PlanBoxes&) = delete;
+    PlanBoxes& operator=(const PlanBoxes&) = delete;
+
+    /// Joins each box to its member of the record, once the form is set up.
+    void join();
 
     /// Fills the lists whose entries are the same for every plan.
     void fill_lists();
@@ -22,7 +28,7 @@ class PlanBoxes {
     /// Shows `record` and enables what goes with it; runs no check.
     void show(const ProgramRecord& record);
     /// A DiSEqC list without a choice gives -1.
-    ProgramRecord read() const;
+    ProgramRecord read();
 
     /// Empties the list of oscillators and fills it anew; the chosen entry stays.
     void load_oscloc(const Oscillators& oscillators);
@@ -34,9 +40,12 @@ class PlanBoxes {
     void follow_digital();
 
   private:
-    void show_position(const QString& position);
+    void offer_position(const QString& position);
 
     Ui::ProgramSet& ui_;
+    /// What was shown or read last.
+    ProgramRecord record_;
+    Joints joints_;
 };
 
 /// Empties `list` and fills it with the user switches of the plan in `configurazione`'s row.

@@ -5,8 +5,6 @@
 
 #include "busy_input.h"
 #include "corrected_actions.h"
-#include "handler.h"
-#include "icons.h"
 #include "plan_costs.h"
 #include "plan_questions.h"
 #include "plan_tooltips.h"
@@ -33,7 +31,7 @@ void keep_place(QWidget* frame) {
 }  // namespace
 
 ProgramSet::ProgramSet(Link& link, ProgramState& program, Database& database, QWidget* parent)
-    : QMainWindow(parent),
+    : Screen(parent),
       beep([] { QApplication::beep(); }),
       link_(link),
       program_(program),
@@ -44,8 +42,7 @@ ProgramSet::ProgramSet(Link& link, ProgramState& program, Database& database, QW
     // These keys are words of the language, which a form cannot use as names.
     ui_->new_plan->setObjectName(QStringLiteral("new"));
     ui_->delete_plan->setObjectName(QStringLiteral("delete"));
-    // Its menu would hide the toolbar, and nothing would bring it back.
-    setContextMenuPolicy(Qt::NoContextMenu);
+    boxes_.join();
     // An upload goes through the programs: behind it another one stands in the boxes.
     keep_while_busy(this, false);
     sets_.on_checked = [this](const QStringList& numbers) {
@@ -53,7 +50,6 @@ ProgramSet::ProgramSet(Link& link, ProgramState& program, Database& database, QW
         Q_EMIT upload_state(program_.texts.pick(kFrequenciesCorrected).arg(list), QString());
     };
     sets_.on_unchecked = [this] { tell_unchecked(program_); };
-    set_icons();
     keep_place(ui_->dig_opt);
     keep_place(ui_->monitor_opt);
     show_monitor(false);
@@ -63,14 +59,15 @@ ProgramSet::ProgramSet(Link& link, ProgramState& program, Database& database, QW
     connect_lists();
     connect_menu();
     fill_keys();
-    on(ui_->barracomando, &QToolBar::actionTriggered, this, "barracomando_ButtonClick",
-       [this](QAction* key) { barracomando_ButtonClick(key->objectName()); });
+    take_toolbar(ui_->barracomando);
+    take_exit(ui_->cmdexit);
+    guard_lists();
 }
 
 ProgramSet::~ProgramSet() = default;
 
 void ProgramSet::handle(const char* name, const std::function<void()>& body) {
-    run_handler(this, name, [&] {
+    Screen::handle(name, [&] {
         try {
             body();
         } catch (const RecordGone&) {
@@ -99,10 +96,6 @@ void ProgramSet::show_current_row() {
     }
 }
 
-void ProgramSet::set_icons() {
-    for (QAction* key : ui_->barracomando->actions()) key->setIcon(toolbar_icon(key->objectName()));
-}
-
 void ProgramSet::Form_Load() {
     set_tooltips(this, plan_tooltips(), program_.texts);
     handle("Form_Load", [this] {
@@ -125,28 +118,20 @@ void ProgramSet::database_changed() {
 }
 
 void ProgramSet::fill_keys() {
-    const auto add = [this](const QAction* key, const std::function<void()>& action) {
-        keys_.insert(key->objectName(), action);
-    };
-    add(ui_->previous, [this] { move_plan(sets_.previous_plan()); });
-    add(ui_->next, [this] { move_plan(sets_.next_plan()); });
-    add(ui_->new_plan, [this] { add_new(); });
-    add(ui_->delete_plan, [this] { del_old(); });
-    add(ui_->store_new, [this] { store_as_new(); });
-    add(ui_->store, [this] { store_record(true); });
-    add(ui_->programma_delete, [this] { delete_program(); });
-    add(ui_->previous_prog, [this] { move_program(sets_.previous_program()); });
-    add(ui_->next_prog, [this] { move_program(sets_.next_program()); });
-    add(ui_->accoda, [this] { download_group(ui_->accoda->toolTip(), kAppend); });
-    add(ui_->sostituisci, [this] { download_group(ui_->sostituisci->toolTip(), kDisable); });
-    add(ui_->nuovo, [this] { download_group(ui_->nuovo->toolTip(), kReplace); });
-    add(ui_->monitor, [this] { show_monitor(ui_->monitor_opt->isHidden()); });
-}
-
-void ProgramSet::barracomando_ButtonClick(const QString& key) {
     // "storing" is known and does nothing.
-    const auto action = keys_.constFind(key);
-    if (action != keys_.constEnd()) handle("barracomando_ButtonClick", *action);
+    add_key(ui_->previous, [this] { move_plan(sets_.previous_plan()); });
+    add_key(ui_->next, [this] { move_plan(sets_.next_plan()); });
+    add_key(ui_->new_plan, [this] { add_new(); });
+    add_key(ui_->delete_plan, [this] { del_old(); });
+    add_key(ui_->store_new, [this] { store_as_new(); });
+    add_key(ui_->store, [this] { store_record(true); });
+    add_key(ui_->programma_delete, [this] { delete_program(); });
+    add_key(ui_->previous_prog, [this] { move_program(sets_.previous_program()); });
+    add_key(ui_->next_prog, [this] { move_program(sets_.next_program()); });
+    add_key(ui_->accoda, [this] { download_group(ui_->accoda->toolTip(), kAppend); });
+    add_key(ui_->sostituisci, [this] { download_group(ui_->sostituisci->toolTip(), kDisable); });
+    add_key(ui_->nuovo, [this] { download_group(ui_->nuovo->toolTip(), kReplace); });
+    add_key(ui_->monitor, [this] { show_monitor(ui_->monitor_opt->isHidden()); });
 }
 
 void ProgramSet::show_monitor(bool visible) {

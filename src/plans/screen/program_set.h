@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QHash>
-#include <QMainWindow>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -14,6 +12,7 @@
 #include "plan_upload.h"
 #include "program_state.h"
 #include "recordset.h"
+#include "screen.h"
 
 namespace Ui {
 class ProgramSet;
@@ -22,7 +21,7 @@ class ProgramSet;
 namespace m47 {
 
 /// The screen "Plan Setup": plans and their programs, and their upload to the meter.
-class ProgramSet : public QMainWindow {
+class ProgramSet : public Screen {
     Q_OBJECT
   public:
     ProgramSet(Link& link, ProgramState& program, Database& database, QWidget* parent = nullptr);
@@ -32,28 +31,21 @@ class ProgramSet : public QMainWindow {
     std::function<void()> beep;
 
     /// Fills the lists and shows the first program of the first plan.
-    void Form_Load();
+    void Form_Load() override;
     /// Each time the screen comes to the front: the level unit may have changed elsewhere.
-    void Form_Activate();
+    void Form_Activate() override;
 
     /// Something else has written plans into the database file. What the user is typing stays where
     /// its program is still the same.
     void database_changed();
 
-    /// A click on the toolbar key `key`.
-    void barracomando_ButtonClick(const QString& key);
-
   Q_SIGNALS:
-    /// The menu entry "&Exit": the screen asks to be closed.
-    void exit_asked();
-
     /// How far an upload is, what became of it, and what else is not worth a box.
     void upload_state(const QString& text, const QString& tooltip);
 
   private:
-    void handle(const char* name, const std::function<void()>& body);
+    void handle(const char* name, const std::function<void()>& body) override;
     void show_current_row();
-    void set_icons();
     void connect_boxes();
     void connect_oscillators();
     void connect_lists();
@@ -119,7 +111,6 @@ class ProgramSet : public QMainWindow {
     StoredProgram known_;
     /// Of the unit in which the level limits have been typed since then.
     std::optional<double> typed_offset_;
-    QHash<QString, std::function<void()>> keys_;
     /// They call this screen and go before its controls, one of which may lose the focus by going.
     std::vector<std::unique_ptr<QObject>> filters_;
 };

@@ -19,8 +19,7 @@ void ProgramSet::connect_boxes() {
     for (QLineEdit* limit : {ui_->lev_mintxt, ui_->lev_maxtxt})
         connect(limit, &QLineEdit::textEdited, this, [this] { typed_offset_ = offset(); });
     const auto check = [this](QLineEdit* box, const char* name, auto on_enter, auto on_leaving) {
-        connect(box, &QLineEdit::returnPressed, this,
-                [this, name, on_enter] { handle(name, on_enter); });
+        when(box, &QLineEdit::returnPressed, name, on_enter);
         filters_.push_back(std::make_unique<LeaveFilter>(
             box, [this, name, on_leaving] { handle(name, on_leaving); }));
     };
@@ -52,26 +51,21 @@ void ProgramSet::connect_oscillators() {
     connect(box, &QLineEdit::textEdited, this, [box](const QString& text) {
         if (text.size() > kOscillatorLength) box->setText(text.left(kOscillatorLength));
     });
-    connect(box, &QLineEdit::returnPressed, this,
-            [this] { handle("ol_optval_KeyPress", [this] { ol_optval_KeyPress(); }); });
+    when(box, &QLineEdit::returnPressed, "ol_optval_KeyPress", [this] { ol_optval_KeyPress(); });
     filters_.push_back(std::make_unique<LeaveFilter>(ui_->ol_optval, [this] {
         handle("ol_optval_LostFocus", [this] { sat_freq_KeyPress(); });
     }));
-    connect(ui_->ol_optval, &QComboBox::activated, this,
-            [this] { handle("ol_optval_Click", [this] { sat_freq_KeyPress(); }); });
+    when(ui_->ol_optval, &QComboBox::activated, "ol_optval_Click", [this] { sat_freq_KeyPress(); });
     for (QRadioButton* option : {ui_->ol_opt_0, ui_->ol_opt_1})
-        connect(option, &QRadioButton::clicked, this, [this] {
+        when(option, &QRadioButton::clicked, "ol_opt_Click", [this] {
             boxes_.follow_tuning();
-            handle("ol_opt_Click", [this] { sat_freq_KeyPress(); });
+            sat_freq_KeyPress();
         });
 }
 
 void ProgramSet::connect_lists() {
     for (QComboBox* list : {ui_->diseqc_cmd, ui_->diseqc_cmd2, ui_->k22_state, ui_->lnb_state})
         new KeyFilter(list, QStringLiteral(" "));
-    for (QComboBox* list : {ui_->diseqc_cmd, ui_->diseqc_cmd2, ui_->k22_state, ui_->lnb_state,
-                            ui_->logger_pos, ui_->ol_optval})
-        new WheelGuard(list);
     filters_.push_back(std::make_unique<TypedKeyFilter>(ui_->logger_pos, [this] {
         handle("logger_pos_KeyPress", [this] { store_record(true); });
     }));
@@ -84,14 +78,12 @@ void ProgramSet::connect_menu() {
         connect(units[k], &QAction::triggered, this,
                 [this, k] { cmdlev_Click(static_cast<int>(k)); });
     const auto entry = [this](QAction* action, const char* name, void (ProgramSet::*handler)()) {
-        connect(action, &QAction::triggered, this,
-                [this, name, handler] { handle(name, [this, handler] { (this->*handler)(); }); });
+        when(action, &QAction::triggered, name, [this, handler] { (this->*handler)(); });
     };
     entry(ui_->cmdimport, "cmdimport_Click", &ProgramSet::cmdimport_Click);
     entry(ui_->cmdexport, "cmdexport_Click", &ProgramSet::cmdexport_Click);
     entry(ui_->cmdcopyprog, "cmdcopyprog_Click", &ProgramSet::cmdcopyprog_Click);
     entry(ui_->cmdcopyplan, "cmdcopyplan_Click", &ProgramSet::cmdcopyplan_Click);
-    connect(ui_->cmdexit, &QAction::triggered, this, &ProgramSet::exit_asked);
 }
 
 void ProgramSet::check_prog_num() {

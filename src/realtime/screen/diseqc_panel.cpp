@@ -9,7 +9,7 @@
 
 #include "control_array.h"
 #include "diseqc_commands.h"
-#include "key_filter.h"
+#include "lamp_colours.h"
 #include "ui_diseqc_panel.h"
 
 namespace m47 {
@@ -51,6 +51,18 @@ class BoxClickFilter : public QObject {
     std::function<void()> clicked_;
 };
 
+void join_colour(Joints& joints, QLineEdit* box, const LampColour& colour) {
+    joints.also([box, &colour] {
+        const QColor wanted = shown_colour(colour);
+        QPalette colours = box->palette();
+        if (colours.color(QPalette::Base) == wanted) return;
+        colours.setColor(QPalette::Base, wanted);
+        // Black can be read on both colours, whatever the palette of the desktop.
+        colours.setColor(QPalette::Text, Qt::black);
+        box->setPalette(colours);
+    });
+}
+
 }  // namespace
 
 bool belongs_to(const QWidget* panel, const QWidget* widget) {
@@ -63,12 +75,24 @@ DiseqcPanel::DiseqcPanel(QWidget* parent)
     : QGroupBox(parent), ui_(std::make_unique<Ui::DiseqcPanel>()) {
     ui_->setupUi(this);
     size_controls();
-    new WheelGuard(ui_->diseqc_cmd);
     for (const QRadioButton* option : {ui_->dsqopt_0, ui_->dsqopt_1})
         connect(option, &QRadioButton::clicked, this, &DiseqcPanel::dsqopt_Click);
 }
 
 DiseqcPanel::~DiseqcPanel() = default;
+
+void DiseqcPanel::join(RealtimePanel& panel, Joints& joints) {
+    joints.text(ui_->storesat, panel.storesat);
+    joints.text(ui_->recallsat, panel.recallsat);
+    joints.text(ui_->starteast_s, panel.starteast_s);
+    joints.text(ui_->starteast_t, panel.starteast_t);
+    joints.text(ui_->startwest_s, panel.startwest_s);
+    joints.text(ui_->startwest_t, panel.startwest_t);
+    join_colour(joints, ui_->starteast_s, panel.starteast_s_colour);
+    join_colour(joints, ui_->starteast_t, panel.starteast_t_colour);
+    join_colour(joints, ui_->startwest_s, panel.startwest_s_colour);
+    join_colour(joints, ui_->startwest_t, panel.startwest_t_colour);
+}
 
 void DiseqcPanel::connect_to(Diseqc& rules, const Handle& handle) {
     connect(ui_->diseqc_cmd, &QComboBox::activated, this, [&rules, handle](int index) {

@@ -8,6 +8,8 @@
 
 #include "diseqc.h"
 #include "diseqc_layout.h"
+#include "joints.h"
+#include "realtime_panel.h"
 #include "texts.h"
 
 namespace Ui {
@@ -26,6 +28,9 @@ class DiseqcPanel : public QGroupBox {
 
     explicit DiseqcPanel(QWidget* parent = nullptr);
     ~DiseqcPanel() override;
+
+    /// Joins the boxes to their members of `panel`.
+    void join(RealtimePanel& panel, Joints& joints);
 
     /// Connects every control that sends or chooses to its handler in `rules`.
     void connect_to(Diseqc& rules, const Handle& handle);

@@ -1,53 +1,45 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMainWindow>
-#include <QRadioButton>
-#include <functional>
-#include <vector>
-
-#include "control_array.h"
 #include "corrected_behaviour.h"
-#include "lamp.h"
+#include "joints.h"
 #include "realtime_panel.h"
+
+namespace Ui {
+class Realtime;
+}
 
 namespace m47 {
 
-/// Ties each member of the panel to the control of its name: what the user enters goes into the
-/// panel as it is entered, show() puts the panel onto the screen. Knows no handler.
+/// The controls of the real-time screen that show and take the members of its panel, and what the
+/// choices of corrected behaviour let be seen of them. Controls of the measures are those that the
+/// table of measures names. What is joined outlives `joints`.
 class PanelBinding {
   public:
-    PanelBinding(QMainWindow* screen, RealtimePanel& panel, const CorrectedBehaviour& choices);
+    /// `ui` is the form of `screen`.
+    PanelBinding(const QWidget* screen, Ui::Realtime& ui, RealtimePanel& panel,
+                 const CorrectedBehaviour& choices, Joints& joints)
+        : screen_(screen), ui_(ui), panel_(panel), choices_(choices), joints_(joints) {}
 
-    void show();
+    /// Joins all of them.
+    void join();
 
   private:
-    void bind_text(const char* name, QString& text);
-    void bind_result(const char* name, const QString& text);
-    void bind_list(const char* name, int& index);
-    void bind_visible(const char* name, const bool& visible);
-    void bind_enabled(const char* name, const bool& enabled);
-    template <class Button, class Flags>
-    void bind_buttons(const char* name, Flags& flags);
-    void bind_lamps();
-    void bind_tuning();
-    void bind_diseqc();
-    void bind_box_colour(const char* name, const LampColour& colour);
-    void bind_measures();
-    void bind_frames();
-    void bind_keys();
-    void bind_menu();
-    template <class Control>
-    Control* control(const char* name) const;
+    void join_tuning();
+    void join_acquisition();
+    void join_measures();
+    void join_limits();
+    void join_frames();
+    void join_keys();
+    void join_menu();
+    template <class Flags>
+    void join_ticks(const char* name, Flags& flags);
 
-    QMainWindow* screen_;
+    const QWidget* screen_;
+    Ui::Realtime& ui_;
     RealtimePanel& panel_;
     const CorrectedBehaviour& choices_;
-    std::vector<std::function<void()>> shows_;
+    Joints& joints_;
 };
 
 }  // namespace m47

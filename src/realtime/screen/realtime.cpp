@@ -13,9 +13,9 @@
 #include "diseqc_folding.h"
 #include "file_question.h"
 #include "handler.h"
-#include "icons.h"
 #include "key_filter.h"
 #include "measures.h"
+#include "panel_binding.h"
 #include "panel_limits.h"
 #include "realtime_tooltips.h"
 #include "report_file.h"
@@ -43,7 +43,7 @@ constexpr Bilingual kReportNotSaved{"The report was not saved as '%1': %2",
 }  // namespace
 
 Realtime::Realtime(std::unique_ptr<RealtimeRules> own_rules, QWidget* parent)
-    : QMainWindow(parent),
+    : Screen(parent),
       own_rules_(std::move(own_rules)),
       rules(*own_rules_),
       acquisition(rules, {.interval = timer1_, .pass = timer2_, .clock = timer3_}, pass_news()),
@@ -53,38 +53,44 @@ Realtime::Realtime(std::unique_ptr<RealtimeRules> own_rules, QWidget* parent)
           program_.texts, [this] { return rules.link.port_connected; }, this)) {
     ui_->setupUi(this);
     tie_corrected(this, program_.corrected);
-    binding_ = std::make_unique<PanelBinding>(this, rules.panel, program_.corrected);
+    join_panel();
     rules.cycle.on_log_written = [this](const QString& reason) { show_log_state(reason); };
     rules.cycle.on_doubt = [this](const QString& command) { Q_EMIT no_row(command); };
     ui_->cmdmenu->setToolTipsVisible(true);
     ui_->cmdrecent->setToolTipsVisible(true);
-    // Its menu would hide the toolbar, and nothing would bring it back.
-    setContextMenuPolicy(Qt::NoContextMenu);
-    set_icons();
     connect_tuning();
     connect_diseqc();
     connect_lists();
     connect_limits();
     connect_menu();
-    connect_toolbar();
     connect_timers();
     connect_level_view();
     fill_keys();
+    take_toolbar(ui_->barracomandi);
+    take_exit(ui_->cmdexit);
+    guard_lists();
     for (QAction* action : {ui_->stop, ui_->cmdlevelview}) keep_while_busy(action);
     prepare_page();
     show_log_name();
     show_log_state(rules.log.reason());
-    binding_->show();
+    joints().show();
 }
 
 Realtime::~Realtime() = default;
 
-template <class Body>
-void Realtime::handle(const char* name, Body body) {
-    run_handler(this, name, body);
+void Realtime::join_panel() {
+    // A cycle goes on while the user types.
+    joints().follow(this);
+    binding_ =
+        std::make_unique<PanelBinding>(this, *ui_, rules.panel, program_.corrected, joints());
+    binding_->join();
+    joints().show();
+}
+
+void Realtime::handle(const char* name, const std::function<void()>& body) {
+    Screen::handle(name, body);
     // Whoever wants to end a timed run must not have to wait for a pause in it.
     keep_while_busy(ui_->cmdstart, acquisition.timed());
-    binding_->show();
     ui_->trend->limits_changed();
     level_view_->ended();
 }
@@ -98,33 +104,25 @@ void Realtime::Form_Activate() {
     handle("Form_Activate", [this] { rules.modes.Form_Activate(); });
 }
 
-void Realtime::set_icons() {
-    for (QAction* key : ui_->barracomandi->actions()) key->setIcon(toolbar_icon(key->objectName()));
-}
-
 void Realtime::connect_tuning() {
     const auto on_enter = [this](QLineEdit* box, const char* name, void (Tuning::*handler)(int)) {
-        connect(box, &QLineEdit::returnPressed, this, [this, name, handler] {
-            handle(name, [this, handler] { (rules.tuning.*handler)(kEnterKey); });
-        });
+        when(box, &QLineEdit::returnPressed, name,
+             [this, handler] { (rules.tuning.*handler)(kEnterKey); });
     };
     on_enter(ui_->fsat, "fsat_KeyPress", &Tuning::fsat_KeyPress);
     on_enter(ui_->ol_freq, "ol_freq_KeyPress", &Tuning::ol_freq_KeyPress);
     on_enter(ui_->srqpsk_txt, "srqpsk_txt_KeyPress", &Tuning::srqpsk_txt_KeyPress);
     on_enter(ui_->chbws, "chbws_KeyPress", &Tuning::chbws_KeyPress);
     const auto on_noise_enter = [this](QLineEdit* box, QString& frequency) {
-        connect(box, &QLineEdit::returnPressed, this, [this, &frequency] {
-            handle("noise_freq_KeyPress",
-                   [this, &frequency] { frequency = rules.tuning.noise_frequency(frequency); });
-        });
+        when(box, &QLineEdit::returnPressed, "noise_freq_KeyPress",
+             [this, &frequency] { frequency = rules.tuning.noise_frequency(frequency); });
     };
     on_noise_enter(ui_->noise_freqa, rules.panel.noise_freqa);
     on_noise_enter(ui_->noise_freqd, rules.panel.noise_freqd);
-    const ControlArray<QRadioButton> locopt(this, QStringLiteral("locopt"));
-    for (std::size_t k = 0; k < locopt.size(); ++k)
-        connect(locopt[k], &QRadioButton::clicked, this, [this, k] {
-            handle("locopt_Click", [this, k] { rules.tuning.locopt_Click(static_cast<int>(k)); });
-        });
+    when(ui_->locopt_0, &QRadioButton::clicked, "locopt_Click",
+         [this] { rules.tuning.locopt_Click(0); });
+    when(ui_->locopt_1, &QRadioButton::clicked, "locopt_Click",
+         [this] { rules.tuning.locopt_Click(1); });
 }
 
 void Realtime::connect_diseqc() {
@@ -142,24 +140,18 @@ void Realtime::connect_diseqc() {
 
 void Realtime::connect_lists() {
     const auto on_pick = [this](QComboBox* list, const char* name, void (Tuning::*handler)(int)) {
-        new WheelGuard(list);
-        connect(list, &QComboBox::activated, this, [this, name, handler](int index) {
-            handle(name, [this, handler, index] { (rules.tuning.*handler)(index); });
-        });
+        when(list, &QComboBox::activated, name,
+             [this, handler](int index) { (rules.tuning.*handler)(index); });
     };
     on_pick(ui_->satlnb_state, "satlnb_state_Click", &Tuning::satlnb_state_Click);
     on_pick(ui_->k22_state, "k22_state_Click", &Tuning::k22_state_Click);
     on_pick(ui_->lnb_supply, "lnb_supply_Click", &Tuning::lnb_supply_Click);
-    new WheelGuard(ui_->time_delay);
-    connect(ui_->time_delay, &QComboBox::activated, this,
-            [this] { handle("time_delay_Click", [this] { acquisition.time_delay_Click(); }); });
+    when(ui_->time_delay, &QComboBox::activated, "time_delay_Click",
+         [this] { acquisition.time_delay_Click(); });
     new ListKeyFilter(ui_->satlnb_state);
-    new WheelGuard(ui_->atten_list);
-    connect(ui_->atten_list, &QComboBox::activated, this, [this](int index) {
-        handle("atten_list_Click", [this, index] {
-            rules.panel.atten_list =
-                rules.tuning.list_Click(command::kAttenuator, index, ui_->atten_list->count());
-        });
+    when(ui_->atten_list, &QComboBox::activated, "atten_list_Click", [this](int index) {
+        rules.panel.atten_list =
+            rules.tuning.list_Click(command::kAttenuator, index, ui_->atten_list->count());
     });
 }
 
@@ -177,66 +169,54 @@ void Realtime::connect_limits() {
 }
 
 void Realtime::connect_menu() {
-    const ControlArray<QAction> units(this, QStringLiteral("cmdlev"));
-    for (std::size_t k = 0; k < units.size(); ++k)
-        connect(units[k], &QAction::triggered, this, [this, k] {
-            handle("cmdlev_Click", [this, k] { rules.modes.cmdlev_Click(static_cast<int>(k)); });
-        });
-    connect(ui_->cmdcomplete, &QAction::toggled, this,
-            [this] { handle("cmdcomplete_Click", [this] { rules.tuning.start_noise_boxes(); }); });
+    const auto unit = [this](QAction* entry, int index) {
+        when(entry, &QAction::triggered, "cmdlev_Click",
+             [this, index] { rules.modes.cmdlev_Click(index); });
+    };
+    unit(ui_->cmdlev_0, 0);
+    unit(ui_->cmdlev_1, 1);
+    unit(ui_->cmdlev_2, 2);
+    when(ui_->cmdcomplete, &QAction::toggled, "cmdcomplete_Click",
+         [this] { rules.tuning.start_noise_boxes(); });
     on(ui_->cmdrecent, &QMenu::aboutToShow, this, "cmdrecent_Show", [this] { list_recent_logs(); });
     on(ui_->cmdrecent, &QMenu::triggered, this, "cmdrecent_Click",
        [this](QAction* entry) { cmdrecent_Click(entry->data().toString()); });
     on(ui_->cmdreport, &QAction::triggered, this, "cmdreport_Click", [this] { cmdreport_Click(); });
-    connect(ui_->cmdexit, &QAction::triggered, this, &Realtime::exit_asked);
-}
-
-void Realtime::connect_toolbar() {
-    connect(ui_->barracomandi, &QToolBar::actionTriggered, this, [this](QAction* key) {
-        handle("barracomandi_ButtonClick",
-               [this, key] { barracomandi_ButtonClick(key->objectName()); });
-    });
-}
-
-void Realtime::barracomandi_ButtonClick(const QString& key) {
-    // "satellite", "terrestre", "qam" and "ofdm" are shown and do nothing.
-    const auto action = keys_.constFind(key);
-    if (action != keys_.constEnd()) (*action)();
 }
 
 void Realtime::fill_keys() {
-    const auto add = [this](const char* key, void (Acquisition::*action)()) {
-        keys_.insert(QString::fromLatin1(key), [this, action] { (acquisition.*action)(); });
+    // "satellite", "terrestre", "qam" and "ofdm" are shown and do nothing.
+    const auto add = [this](const QAction* key, void (Acquisition::*work)()) {
+        add_key(key, [this, work] { (acquisition.*work)(); });
     };
-    add("single", &Acquisition::single);
-    add("group", &Acquisition::group);
-    add("previous", &Acquisition::previous);
-    add("next", &Acquisition::next);
-    add("previous_prog", &Acquisition::previous_prog);
-    add("next_prog", &Acquisition::next_prog);
-    add("single_acq", &Acquisition::single_acq);
-    add("multiple_acq", &Acquisition::multiple_acq);
-    add("start", &Acquisition::start);
-    add("stop", &Acquisition::stop);
-    keys_.insert(QStringLiteral("save"), [this] { datamenagment(); });
-    keys_.insert(QStringLiteral("analogico"), [this] { rules.modes.analogmode(); });
-    keys_.insert(QStringLiteral("qpsk"), [this] { rules.modes.digitalmode(); });
-    keys_.insert(QStringLiteral("cancella"), [this] { rules.page.clear(); });
-    keys_.insert(QStringLiteral("stampa"), [this] { createdoc(); });
+    add(ui_->single, &Acquisition::single);
+    add(ui_->group, &Acquisition::group);
+    add(ui_->previous, &Acquisition::previous);
+    add(ui_->next, &Acquisition::next);
+    add(ui_->previous_prog, &Acquisition::previous_prog);
+    add(ui_->next_prog, &Acquisition::next_prog);
+    add(ui_->single_acq, &Acquisition::single_acq);
+    add(ui_->multiple_acq, &Acquisition::multiple_acq);
+    add(ui_->start, &Acquisition::start);
+    add(ui_->stop, &Acquisition::stop);
+    add_key(ui_->save, [this] { datamenagment(); });
+    add_key(ui_->analogico, [this] { rules.modes.analogmode(); });
+    add_key(ui_->qpsk, [this] { rules.modes.digitalmode(); });
+    add_key(ui_->cancella, [this] { rules.page.clear(); });
+    add_key(ui_->stampa, [this] { createdoc(); });
 }
 
 void Realtime::connect_timers() {
     const auto drive = [this](TimerTicker& ticker, const char* name, void (Acquisition::*tick)()) {
-        connect(&ticker.timer(), &QTimer::timeout, this,
-                [this, name, tick] { handle(name, [this, tick] { (acquisition.*tick)(); }); });
+        when(&ticker.timer(), &QTimer::timeout, name, [this, tick] { (acquisition.*tick)(); });
     };
     drive(timer1_, "Timer1_Timer", &Acquisition::Timer1_Timer);
     // A pass recalls and tunes before it measures: what is shown is no longer what is received.
     connect(&timer2_.timer(), &QTimer::timeout, level_view_, &LevelView::begins);
     drive(timer2_, "Timer2_Timer", &Acquisition::Timer2_Timer);
     drive(timer3_, "Timer3_Timer", &Acquisition::Timer3_Timer);
-    connect(ui_->cmdstart, &QPushButton::clicked, this,
-            [this] { handle("cmdstart_Click", [this] { acquisition.cmdstart_Click(); }); });
+    when(ui_->cmdstart, &QPushButton::clicked, "cmdstart_Click",
+         [this] { acquisition.cmdstart_Click(); });
 }
 
 PassNews Realtime::pass_news() {
@@ -252,7 +232,7 @@ PassNews Realtime::pass_news() {
 
 void Realtime::connect_level_view() {
     rules.panel.on_repaint = [this] {
-        binding_->show();
+        joints().show();
         // A cycle blanks the results before it asks for new ones.
         const bool digital = rules.state.meas_mode == kDigitalMode;
         const QString& level = digital ? rules.panel.dcplev : rules.panel.leva;

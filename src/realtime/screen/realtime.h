@@ -1,16 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QHash>
-#include <QMainWindow>
-#include <functional>
 #include <memory>
 
 #include "acquisition.h"
 #include "customer_report.h"
 #include "level_view.h"
-#include "panel_binding.h"
 #include "realtime_rules.h"
+#include "screen.h"
 #include "timer_ticker.h"
 
 namespace Ui {
@@ -19,8 +16,10 @@ class Realtime;
 
 namespace m47 {
 
+class PanelBinding;
+
 /// The screen "Real Time Function Mode": binds the real-time rules to its controls.
-class Realtime : public QMainWindow {
+class Realtime : public Screen {
     Q_OBJECT
 
     std::unique_ptr<RealtimeRules> own_rules_;
@@ -37,16 +36,13 @@ class Realtime : public QMainWindow {
     Acquisition acquisition;
 
     /// Prepares screen and meter; run once, when the screen is already visible.
-    void Form_Load();
+    void Form_Load() override;
     /// Captions, tooltips and lists, in the language in force; a part of Form_Load.
     void fill_in();
     /// Brings the newest row of the page into sight.
     void show_newest();
     /// Run each time the screen comes to the front.
-    void Form_Activate();
-
-    /// A click on the toolbar key `key`.
-    void barracomandi_ButtonClick(const QString& key);
+    void Form_Activate() override;
 
     /// Opens `file` as the log, as the key "save" does with the chosen name.
     void open_log(const QString& file);
@@ -55,9 +51,6 @@ class Realtime : public QMainWindow {
     void write_report(const QString& file, const ReportEntry& entry);
 
   Q_SIGNALS:
-    /// The menu entry "&Exit": the screen asks to be closed.
-    void exit_asked();
-
     /// How far a plan pass is, "12/30"; empty when none runs.
     void progress(const QString& text);
     /// A pass ended before its last program, `reason` says why; the next one begins at its time.
@@ -68,14 +61,12 @@ class Realtime : public QMainWindow {
     void no_row(const QString& command);
 
   private:
-    template <class Body>
-    void handle(const char* name, Body body);
-    void set_icons();
+    void handle(const char* name, const std::function<void()>& body) override;
+    void join_panel();
     void connect_tuning();
     void connect_diseqc();
     void connect_lists();
     void connect_menu();
-    void connect_toolbar();
     void connect_limits();
     void connect_timers();
     PassNews pass_news();
@@ -99,7 +90,6 @@ class Realtime : public QMainWindow {
     std::unique_ptr<PanelBinding> binding_;
     QString file_name_tooltip_;
     LevelView* level_view_;
-    QHash<QString, std::function<void()>> keys_;
 };
 
 }  // namespace m47

@@ -3,8 +3,6 @@
 
 #include <QValidator>
 
-#include "handler.h"
-#include "icons.h"
 #include "tooltips.h"
 #include "ui_config_set.h"
 
@@ -31,35 +29,22 @@ class SendableText : public QValidator {
 }  // namespace
 
 ConfigSet::ConfigSet(Link& link, const Texts& texts, QWidget* parent)
-    : QMainWindow(parent), texts_(texts), logo_(link), ui_(std::make_unique<Ui::ConfigSet>()) {
+    : Screen(parent), texts_(texts), logo_(link), ui_(std::make_unique<Ui::ConfigSet>()) {
     ui_->setupUi(this);
-    // Its menu would hide the toolbar, and nothing would bring it back.
-    setContextMenuPolicy(Qt::NoContextMenu);
-    for (QAction* key : ui_->Toolbar1->actions()) key->setIcon(toolbar_icon(key->objectName()));
     ui_->logo_txt->setValidator(new SendableText(this));
-    on(ui_->Toolbar1, &QToolBar::actionTriggered, this, "Toolbar1_ButtonClick",
-       [this](QAction* key) { Toolbar1_ButtonClick(key->objectName()); });
-    on(ui_->logo_txt, &QLineEdit::returnPressed, this, "logo_txt_KeyPress",
-       [this] { logo_txt_KeyPress(); });
-    connect(ui_->cmdexit, &QAction::triggered, this, &ConfigSet::exit_asked);
+    joints().text(ui_->logo_txt, logo_.logo_txt);
+    // "time" is shown and does nothing.
+    add_key(ui_->logo, [this] { logo_.read(); });
+    when(ui_->logo_txt, &QLineEdit::returnPressed, "logo_txt_KeyPress",
+         [this] { logo_.logo_txt_KeyPress(kEnterKeyOfBox); });
+    take_toolbar(ui_->Toolbar1);
+    take_exit(ui_->cmdexit);
 }
 
 ConfigSet::~ConfigSet() = default;
 
 void ConfigSet::Form_Load() {
     set_tooltips(this, kConfigTooltips, texts_);
-}
-
-void ConfigSet::Toolbar1_ButtonClick(const QString& key) {
-    if (key != QLatin1String("logo")) return;
-    logo_.read();
-    ui_->logo_txt->setText(logo_.logo_txt);
-}
-
-void ConfigSet::logo_txt_KeyPress() {
-    logo_.logo_txt = ui_->logo_txt->text();
-    logo_.logo_txt_KeyPress(kEnterKeyOfBox);
-    ui_->logo_txt->setText(logo_.logo_txt);
 }
 
 }  // namespace m47

@@ -7,7 +7,6 @@
 
 #include "file_question.h"
 #include "handler.h"
-#include "key_filter.h"
 #include "tooltips.h"
 #include "trend_files.h"
 #include "trend_plot.h"
@@ -87,7 +86,6 @@ void TrendView::make_bar() {
     layout()->addWidget(bar);
     programs_->setObjectName(QStringLiteral("trend_program"));
     programs_->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-    new WheelGuard(programs_);
     bar->addWidget(programs_);
     bar->addSeparator();
     quantities_ = {add_toggle("trend_level"), add_toggle("trend_ber"), add_toggle("trend_mer")};

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "screen.h"
+
+#include <QComboBox>
+
+#include "busy_input.h"
+#include "handler.h"
+#include "icons.h"
+#include "key_filter.h"
+#include "keyboard_access.h"
+
+namespace m47 {
+
+Screen::Screen(QWidget* parent) : QMainWindow(parent) {
+    // Its menu would hide the toolbar, and nothing would bring it back.
+    setContextMenuPolicy(Qt::NoContextMenu);
+}
+
+void Screen::load() {
+    Form_Load();
+    // The names are those of the tooltips that stand there now.
+    open_to_keyboard(this);
+}
+
+void Screen::handle(const char* name, const std::function<void()>& body) {
+    joints_.take();
+    run_handler(this, name, body);
+    joints_.show();
+}
+
+void Screen::add_key(const QAction* key, const std::function<void()>& work) {
+    keys_.insert(key->objectName(), work);
+}
+
+void Screen::take_toolbar(QToolBar* bar) {
+    toolbar_handler_ = bar->objectName().toLatin1() + "_ButtonClick";
+    for (QAction* key : bar->actions()) key->setIcon(toolbar_icon(key->objectName()));
+    connect(bar, &QToolBar::actionTriggered, this,
+            [this](const QAction* key) { toolbar_ButtonClick(key->objectName()); });
+}
+
+void Screen::toolbar_ButtonClick(const QString& key) {
+    const auto work = keys_.constFind(key);
+    if (work != keys_.constEnd()) handle(toolbar_handler_.constData(), *work);
+}
+
+void Screen::take_exit(QAction* exit) {
+    keep_while_busy(exit);
+    connect(exit, &QAction::triggered, this, &Screen::exit_asked);
+}
+
+void Screen::take_exit(QAbstractButton* exit) {
+    keep_while_busy(exit);
+    connect(exit, &QAbstractButton::clicked, this, &Screen::exit_asked);
+}
+
+void Screen::guard_lists() {
+    for (QComboBox* list : findChildren<QComboBox*>()) new WheelGuard(list);
+}
+
+}  // namespace m47

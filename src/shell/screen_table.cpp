@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "screen_table.h"
+
+#include "asl.h"
+#include "config_set.h"
+#include "download.h"
+#include "port_setting.h"
+#include "program_set.h"
+#include "realtime.h"
+
+namespace m47 {
+namespace {
+
+constexpr Bilingual kNoRow{"No row: doubtful answer", "Nessuna riga: risposta dubbia"};
+constexpr Bilingual kCutShort{"Pass cut short", "Giro interrotto"};
+
+Screen* make_plans(const ScreenParts& parts) {
+    auto* screen = new ProgramSet(parts.connection.link(), parts.state, parts.database);
+    QObject::connect(screen, &ProgramSet::upload_state, &parts.window, &M47MDI::show_upload);
+    return screen;
+}
+
+Screen* make_logger(const ScreenParts& parts) {
+    auto* screen = new Download(parts.connection.link(), parts.state);
+    QObject::connect(screen, &Download::progress, &parts.window, &M47MDI::show_progress);
+    return screen;
+}
+
+Screen* make_realtime(const ScreenParts& parts) {
+    auto* screen = new Realtime(
+        std::make_unique<RealtimeRules>(parts.connection.link(), parts.state, parts.database));
+    M47MDI* window = &parts.window;
+    const Texts* texts = &parts.state.texts;
+    QObject::connect(screen, &Realtime::progress, window, &M47MDI::show_progress);
+    // No box: nobody may be there, and the next pass is not to wait for one.
+    QObject::connect(screen, &Realtime::cut_short, window, [=](const QString& reason) {
+        window->show_upload(texts->pick(kCutShort), reason);
+    });
+    QObject::connect(screen, &Realtime::left_out, window, &M47MDI::show_notice);
+    QObject::connect(screen, &Realtime::no_row, window, [=](const QString& command) {
+        window->show_notice(QStringLiteral("%1 (%2)").arg(texts->pick(kNoRow), command));
+    });
+    QObject::connect(screen, &QObject::destroyed, window,
+                     [window] { window->show_progress(QString()); });
+    return screen;
+}
+
+Screen* make_satellites(const ScreenParts& parts) {
+    return new Asl(parts.connection.link(), parts.state, parts.database.asl());
+}
+
+Screen* make_logo(const ScreenParts& parts) {
+    return new ConfigSet(parts.connection.link(), parts.state.texts);
+}
+
+Screen* make_ports(const ScreenParts& parts) {
+    return new PortSetting(parts.connection.identification(), parts.connection.ports());
+}
+
+constexpr ScreenEntry kScreens[] = {
+    {"program", "Plan Setup", Qt::Key_1, "plans", make_plans},
+    {"download", "Download Data Logged", Qt::Key_2, "logger", make_logger},
+    {"realtime", "Real Time Function Mode", Qt::Key_3, "measure", make_realtime},
+    {"asl", "Automatic Satellite Locator", Qt::Key_4, "satellites", make_satellites},
+    {"configurazione", "Configuration", Qt::Key_5, "logo", make_logo},
+    {"setport", "RS232 Port Selection", Qt::Key_6, "connect", make_ports},
+};
+
+}  // namespace
+
+std::span<const ScreenEntry> screen_table() {
+    return kScreens;
+}
+
+QStringList screen_keys() {
+    QStringList keys;
+    for (const ScreenEntry& screen : kScreens) keys += QString::fromLatin1(screen.key);
+    return keys;
+}
+
+}  // namespace m47

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <span>
+
+#include "database.h"
+#include "mdi.h"
+#include "meter_connection.h"
+#include "program_state.h"
+#include "screen.h"
+
+namespace m47 {
+
+/// What screens are made of; it outlives them.
+struct ScreenParts {
+    M47MDI& window;
+    MeterConnection& connection;
+    ProgramState& state;
+    Database& database;
+};
+
+/// A screen of the main window.
+struct ScreenEntry {
+    const char* key;          ///< names its button in the toolbar, the icon and the stored place
+    const char* title;        ///< of that button
+    Qt::Key shortcut;         ///< of that button, together with Ctrl
+    const char* manual_page;  ///< opened by F1
+    Screen* (*make)(const ScreenParts& parts);
+};
+
+/// All screens, in the order of the toolbar.
+std::span<const ScreenEntry> screen_table();
+
+/// Their keys.
+QStringList screen_keys();
+
+}  // namespace m47
