@@ -1,87 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "measure_steps.h"
-
-#include <QTest>
-
-#include "realtime_fixture.h"
+#include "measure_steps_test.h"
 
 namespace m47 {
-namespace {
 
-/// The tick of the virtual clock's time of day, 10:00.
-constexpr double kTick = 1 / 256.0;
-
-/// A pause ends with the first reading of the clock beyond it, counted from the reading it began
-/// at.
-bool is_pause_of(double seconds, double found) {
-    return found > seconds - kTick && found <= seconds + kTick;
+bool MeasureStepsTest::lamp_is(std::size_t lamp, LampColour colour) {
+    return panel().alarm_light[lamp] == colour;
 }
-
-const QByteArray kLabels[] = {"CHBER :", "PvBER :", "CFO   :", "MER   :"};
-const QByteArray kFields[] = {" 2.0E-4", " <1.0E-8", " 1.25", " 12.3"};
-
-/// The four lines of the meter's QPSK answer; `missing` leaves one out.
-QByteArray qpsk_lines(int missing = -1) {
-    QByteArrayList lines;
-    for (int k = 0; k < 4; ++k)
-        if (k != missing) lines += kLabels[k] + kFields[k];
-    return lines.join('\r');
-}
-
-}  // namespace
-
-/// Each measurement step by itself: its commands, its label, its limit check.
-class MeasureStepsTest : public QObject {
-    Q_OBJECT
-
-  private Q_SLOTS:
-    void init() { f_ = std::make_unique<RealtimeFixture>(); }
-    void cleanup() { f_.reset(); }
-
-    void attenuator_data();
-    void attenuator();
-    void attenuator_pauses();
-    void attenuator_in_another_unit_data();
-    void attenuator_in_another_unit();
-    void channel_power_data();
-    void channel_power();
-    void channel_power_is_shown_before_the_next_command();
-    void channel_power_after_a_refusal_counts_0();
-    void digital_cn_without_a_frequency_of_its_own();
-    void digital_cn_data();
-    void digital_cn();
-    void digital_noise_without_a_frequency_of_its_own();
-    void digital_noise();
-    void digital_noise_without_a_line_end();
-    void what_is_no_noise_frequency_is_corrected_before_it_is_sent();
-    void a_noise_frequency_out_of_range_is_sent_as_the_nearest_bound();
-    void qpsk_data();
-    void qpsk();
-    void qpsk_pauses();
-    void qpsk_values_and_lamps();
-    void qpsk_values_are_shown_one_by_one();
-    void qpsk_label_missing_data();
-    void qpsk_label_missing();
-    void qpsk_unticked_label_may_be_missing();
-    void qpsk_range_marks_data();
-    void qpsk_range_marks();
-    void analog_level_data();
-    void analog_level();
-    void analog_cn_without_a_frequency_of_its_own();
-    void analog_cn_data();
-    void analog_cn();
-    void analog_noise_without_a_frequency_of_its_own();
-    void analog_noise();
-
-  private:
-    RealtimePanel& panel() { return f_->panel(); }
-    MeasureSteps& steps() { return f_->rules.steps; }
-    bool lamp_is(std::size_t lamp, LampColour colour) {
-        return panel().alarm_light[lamp] == colour;
-    }
-
-    std::unique_ptr<RealtimeFixture> f_;
-};
 
 void MeasureStepsTest::attenuator_data() {
     QTest::addColumn<QByteArray>("steps");
@@ -466,96 +390,6 @@ void MeasureStepsTest::qpsk_range_marks() {
     QVERIFY(lamp_is(3, mer_green ? LampColour::green : LampColour::red));
 }
 
-void MeasureStepsTest::analog_level_data() {
-    QTest::addColumn<QByteArray>("reply");
-    QTest::addColumn<QString>("shown");
-    QTest::addColumn<bool>("green");
-    // Limits 20 and 80.
-    QTest::newRow("in range") << QByteArray(" 58.3 ") << "58.3" << true;
-    QTest::newRow("letter in front") << QByteArray("L 58.3") << "58.3" << true;
-    QTest::newRow("below the range") << QByteArray(" <20.5") << "<20.5" << true;
-    QTest::newRow("above the range") << QByteArray(" >80.0") << ">80.0" << false;
-    QTest::newRow("no number") << QByteArray(" what") << "what" << false;
-}
-
-void MeasureStepsTest::analog_level() {
-    QFETCH(QByteArray, reply);
-    QFETCH(QString, shown);
-    QFETCH(bool, green);
-    f_->values["LEVANL?"] = reply;
-    panel().alarm_statea[0] = true;
-    panel().lev_mina = "20";
-    panel().lev_maxa = "80";
-    QStringList repainted;
-    panel().on_repaint = [&] { repainted += panel().leva; };
-    steps().carr_satanl();
-    QCOMPARE(f_->commands(), (QStringList{"ATTEN 6", "LEVANL?"}));
-    QCOMPARE(f_->pauses(), (QList<int>{0, 10}));
-    QCOMPARE(repainted, (QStringList{shown, shown}));
-    QVERIFY(lamp_is(4, green ? LampColour::green : LampColour::red));
-}
-
-void MeasureStepsTest::analog_cn_without_a_frequency_of_its_own() {
-    panel().noise_freqa = "1100.0";
-    panel().cnalev = "before";
-    panel().alarm_statea[1] = true;
-    QVERIFY(faults([this] { steps().cn_satanl(); }));
-    QCOMPARE(f_->commands(), (QStringList{"ATTEN 6", "MARKER 1 0"}));
-    QVERIFY(lamp_is(5, LampColour::grey));
-    QCOMPARE(panel().cnalev, QString("before"));
-}
-
-void MeasureStepsTest::analog_cn_data() {
-    QTest::addColumn<QByteArray>("reply");
-    QTest::addColumn<QString>("shown");
-    QTest::addColumn<bool>("green");
-    // Limits 5 and 20.
-    QTest::newRow("in range") << QByteArray("CN 12.5") << "12.5" << true;
-    QTest::newRow("blanks kept") << QByteArray("CN  12.5 ") << " 12.5 " << true;
-    QTest::newRow("at the minimum") << QByteArray("CN 5") << "5" << false;
-    QTest::newRow("below the range") << QByteArray("CN <12.5") << "<12.5" << true;
-    QTest::newRow("above the range") << QByteArray("CN >20") << ">20" << false;
-    QTest::newRow("three characters") << QByteArray("CN ") << "" << false;
-}
-
-void MeasureStepsTest::analog_cn() {
-    QFETCH(QByteArray, reply);
-    QFETCH(QString, shown);
-    QFETCH(bool, green);
-    f_->values["LEVCNA?"] = reply;
-    f_->program.corrected.complete = true;
-    panel().locopt = {false, true};
-    panel().noise_freqa = "100";
-    panel().alarm_statea[1] = true;
-    panel().cn_mina = "5";
-    panel().cn_maxa = "20";
-    steps().cn_satanl();
-    QCOMPARE(f_->commands(), (QStringList{"ATTEN 6", "MARKER 1 0", "LEVCNA?"}));
-    QCOMPARE(panel().noise_freqa, QString("100"));
-    QCOMPARE(panel().cnalev, shown);
-    QVERIFY(lamp_is(5, green ? LampColour::green : LampColour::red));
-}
-
-void MeasureStepsTest::analog_noise_without_a_frequency_of_its_own() {
-    panel().noise_freqa = "1100.0";
-    QVERIFY(faults([this] { steps().levn_satanl(); }));
-    QCOMPARE(f_->port.opens, 0);
-    QCOMPARE(f_->clock.elapsed(), 0.0);
-}
-
-void MeasureStepsTest::analog_noise() {
-    f_->values["LEVANL?"] = " L <28.3 ";
-    f_->program.corrected.complete = true;
-    panel().noise_freqa = "1100.0";
-    panel().alarm_statea.fill(true);
-    steps().levn_satanl();
-    QCOMPARE(f_->commands(), (QStringList{"FREQ 1100.0", "LEVANL?"}));
-    QCOMPARE(f_->pauses(), (QList<int>{0, 10}));
-    QCOMPARE(panel().noisealev, QString("L <28.3"));
-    QVERIFY((panel().alarm_light == std::array<LampColour, 6>{}));
-}
-
 }  // namespace m47
 
 QTEST_GUILESS_MAIN(m47::MeasureStepsTest)
-#include "measure_steps_test.moc"

@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The main window and its screens, used as a person does, on a link without a meter.
+#pragma once
+
+#include <QAction>
+#include <QComboBox>
+#include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QTableView>
+#include <QTest>
+#include <QTimer>
+#include <QToolBar>
+#include <QWheelEvent>
+
+#include "box_answers.h"
+#include "fake_port.h"
+#include "fault.h"
+#include "handler.h"
+#include "meter_in_process.h"
+#include "program_in_folder.h"
+#include "realtime.h"
+#include "realtime_tooltips.h"
+#include "screen_table.h"
+#include "virtual_clock.h"
+
+namespace m47 {
+
+/// An empty screen that tells when it comes to the front.
+class TellingScreen : public Screen {
+  public:
+    explicit TellingScreen(std::function<void()> activated) : activated_(std::move(activated)) {}
+    void Form_Load() override {}
+    void Form_Activate() override { activated_(); }
+
+  private:
+    std::function<void()> activated_;
+};
+
+class ScreensTest : public QObject, protected ProgramInFolder {
+    Q_OBJECT
+
+  private:
+    Realtime* open_realtime();
+
+  private Q_SLOTS:
+    void init();
+    void cleanup() { end_program(); }
+
+    void main_window_is_as_technicians_know_it();
+
+    void the_entries_of_the_main_window_follow_the_language();
+
+    void a_pass_that_was_cut_short_is_told_in_the_language();
+
+    void a_screen_shows_what_its_rules_have_measured();
+
+    void it_starts_in_italian_and_the_menu_changes_only_what_comes_after();
+
+    void every_tooltip_stands_in_both_languages();
+
+    void a_screen_brought_up_in_a_wait_comes_to_the_front_afterwards();
+
+    void every_screen_of_the_table_opens_by_its_shortcut_and_is_left_by_exit();
+
+    void a_screen_opens_once();
+
+    void a_maximised_screen_stays_so_when_brought_up_again();
+
+    void no_menu_hides_a_toolbar();
+
+    void a_new_screen_lies_inside_the_window();
+
+    void port_list_is_empty_until_a_choice_and_has_ten_numbers();
+
+    void a_device_that_is_plugged_in_while_the_list_is_open_shows();
+
+    void the_name_of_a_device_is_no_mark_up();
+
+    void a_port_that_does_not_exist_turns_red_and_says_why();
+
+    void realtime_opens_in_the_analog_presentation();
+
+    void qpsk_and_analogico_change_the_frames();
+
+    void coming_back_to_the_screen_shows_the_analog_frame();
+
+    void limit_boxes_swallow_what_they_do_not_accept();
+
+    void enter_corrects_a_box_without_a_link_too();
+
+    void the_lnb_list_swallows_keys_and_the_wheel();
+
+    void a_measurement_without_a_link_writes_no_row();
+
+    void complete_noise_shows_its_boxes();
+
+    void corrected_behaviour_has_an_entry_for_each_choice();
+
+    void each_entry_is_one_choice_and_all_of_them_is_every_one();
+
+    void the_entries_of_the_screens_are_the_same_choices();
+
+    void what_a_default_costs_is_told_once_in_the_status_line();
+
+    void a_digital_run_keeps_its_mode_where_chosen();
+
+    void noise_boxes_start_from_the_frequency_when_the_choice_was_made_before();
+
+    void a_new_log_does_not_carry_the_failure_of_the_old_one();
+
+    void the_log_is_opened_reloaded_and_closed_with_the_save_key();
+
+    void a_cancelled_dialog_leaves_the_tooltip_at_close_file();
+
+    void a_database_that_is_held_is_told_in_the_language_of_the_user();
+
+    void a_click_during_a_download_deletes_nothing();
+
+    void a_fault_in_a_handler_shows_one_box_and_the_program_goes_on();
+};
+
+}  // namespace m47
