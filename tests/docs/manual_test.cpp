@@ -14,15 +14,13 @@
 
 #include "manual_page.h"
 #include "program_in_folder.h"
+#include "screen_table.h"
 
 namespace m47 {
 namespace {
 
 const QString kPages = QStringLiteral(PROJECT_FOLDER "/docs/manual/");
 const QStringList kLanguages{QStringLiteral("en"), QStringLiteral("it")};
-const QStringList kKeys{QStringLiteral("program"),        QStringLiteral("download"),
-                        QStringLiteral("realtime"),       QStringLiteral("asl"),
-                        QStringLiteral("configurazione"), QStringLiteral("setport")};
 
 QString text_of(const QString& path) {
     QFile file(path);
@@ -161,12 +159,23 @@ class ManualTest : public QObject, protected ProgramInFolder {
 
     void every_screen_has_a_page() {
         QStringList names;
-        for (const QString& key : kKeys) names += manual_page_name(key);
+        for (const QString& key : screen_keys()) names += manual_page_name(key);
         QCOMPARE(names.removeDuplicates(), 0);
         QVERIFY(!names.contains("index"));
         for (const QString& name : names)
             QVERIFY2(QFile::exists(kPages + "en/" + name + ".md"), qPrintable(name));
         QCOMPARE(manual_page_name(QString()), QStringLiteral("index"));
+    }
+
+    void the_option_that_opens_a_screen_is_described_with_all_of_them() {
+        const QString packaging = QStringLiteral(PROJECT_FOLDER "/packaging/");
+        QVERIFY(text_of(packaging + "completion/m47-remote")
+                    .contains("compgen -W '" + screen_keys().join(u' ') + u'\''));
+        for (const char* page : {"man/m47-remote.1.in", "man/m47-remote.it.1.in"}) {
+            const QString text = text_of(packaging + page);
+            for (const QString& key : screen_keys())
+                QVERIFY2(captures(text, "\\n\\.BR? (" + key + ")\\b").size() == 1, qPrintable(key));
+        }
     }
 
     void the_page_is_looked_for_beside_the_program_and_in_the_documents() {
@@ -196,7 +205,7 @@ class ManualTest : public QObject, protected ProgramInFolder {
         QDesktopServices::setUrlHandler("file", this, "take_url");
         start();
         press_f1();
-        for (const QString& key : kKeys) {
+        for (const QString& key : screen_keys()) {
             window().open_screen(key);
             press_f1();
         }

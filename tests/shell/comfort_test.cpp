@@ -12,6 +12,7 @@
 #include "level_view.h"
 #include "program_in_folder.h"
 #include "realtime.h"
+#include "screen_table.h"
 #include "virtual_clock.h"
 
 namespace m47 {
@@ -100,10 +101,9 @@ class ComfortTest : public QObject, protected ProgramInFolder {
     void every_control_is_reached_by_tab_and_has_a_name_data() {
         QTest::addColumn<QString>("key");
         QTest::addColumn<int>("language");
-        for (const char* key :
-             {"program", "download", "realtime", "asl", "configurazione", "setport"}) {
-            QTest::addRow("%s in English", key) << key << int(kEnglish);
-            QTest::addRow("%s in Italian", key) << key << int(kItalian);
+        for (const QString& key : screen_keys()) {
+            QTest::addRow("%s in English", qPrintable(key)) << key << int(kEnglish);
+            QTest::addRow("%s in Italian", qPrintable(key)) << key << int(kItalian);
         }
     }
     void every_control_is_reached_by_tab_and_has_a_name() {

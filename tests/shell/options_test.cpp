@@ -9,6 +9,7 @@
 #include <QTest>
 
 #include "file_options.h"
+#include "screen_table.h"
 
 namespace m47 {
 
@@ -210,8 +211,7 @@ void OptionsTest::bounds_of_numbers() {
 
 void OptionsTest::screens_data() {
     QTest::addColumn<QString>("key");
-    for (const char* key : {"program", "download", "realtime", "asl", "configurazione", "setport"})
-        QTest::newRow(key) << QString::fromLatin1(key);
+    for (const QString& key : screen_keys()) QTest::newRow(qPrintable(key)) << key;
 }
 
 void OptionsTest::screens() {
