@@ -9,6 +9,7 @@
 
 #include "busy_input.h"
 #include "commands.h"
+#include "control_array.h"
 #include "corrected_actions.h"
 #include "diseqc_folding.h"
 #include "file_question.h"
