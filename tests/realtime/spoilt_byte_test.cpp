@@ -311,7 +311,7 @@ void SpoiltByteTest::a_crossed_limit_of_the_presentation_is_asked_twice() {
             return FakePort::good(command, command.endsWith('?') ? "   10.0" : QByteArray());
         };
         f_->port.written.clear();
-        f_->acquisition.single_acq();
+        f_->rules.measure_once();
         return f_->commands().filter("LEVCN").size();
     };
     QCOMPARE(asked(), 2);
