@@ -34,7 +34,7 @@ double seconds(nanoseconds time) {
 }
 
 /// The windows that wait meanwhile.
-class EventLoopView : public m47::LinkView {
+class EventLoopView : public m47::link::LinkView {
   public:
     void show_progress_bar() override {}
     void set_progress(int) override {}
@@ -48,17 +48,17 @@ class EventLoopView : public m47::LinkView {
 
 QString full_block() {
     QByteArray tuning;
-    for (qsizetype at = 0; at < m47::SlotBlock::kTuningBytes; ++at)
+    for (qsizetype at = 0; at < m47::asl::SlotBlock::kTuningBytes; ++at)
         tuning += static_cast<char>(at * 5 + 1);
-    const m47::SlotBlock slot = m47::SlotBlock::of(tuning, QStringLiteral("BENCH 13E"));
-    return m47::slot_header(3) + u'\r' + slot.text();
+    const m47::asl::SlotBlock slot = m47::asl::SlotBlock::of(tuning, QStringLiteral("BENCH 13E"));
+    return m47::asl::slot_header(3) + u'\r' + slot.text();
 }
 
 /// What a block that begins now needs: its first tick has begun already; the pause ends on the
 /// first reading beyond it.
-double floor_time(const m47::Clock& clock, qsizetype characters) {
-    const double tick = seconds(
-        m47::clock_tick(duration_cast<nanoseconds>(std::chrono::duration<float>(clock.now()))));
+double floor_time(const m47::link::Clock& clock, qsizetype characters) {
+    const double tick = seconds(m47::link::clock_tick(
+        duration_cast<nanoseconds>(std::chrono::duration<float>(clock.now()))));
     const auto whole_ticks = static_cast<double>(characters - 1);
     return clock.until_next_tick() + whole_ticks * tick + (std::floor(kPause / tick) + 1) * tick;
 }
@@ -66,21 +66,20 @@ double floor_time(const m47::Clock& clock, qsizetype characters) {
 /// One run whose clock starts at `hour`. Wall time over the floor; nothing without an answer.
 std::optional<double> run_at(std::chrono::hours hour, const QString& device) {
     const auto begin = steady_clock::now();
-    m47::RealClock clock([=] { return hour + (steady_clock::now() - begin); });
-    m47::RealPort port;
+    m47::link::RealClock clock([=] { return hour + (steady_clock::now() - begin); });
+    m47::link::RealPort port;
     EventLoopView view;
-    m47::Link link(port, clock, view);
+    m47::link::Link link(port, clock, view);
     port.select(device);
     link.port_connected = true;
     const QString block = full_block();
     double wall = 0;
     double floor = 0;
     double longest = 0;
-    for (int block = 0; block < kBlocks; ++block) {
+    for (int sent = 0; sent < kBlocks; ++sent) {
         const auto start = steady_clock::now();
         floor += floor_time(clock, block.size() + 1);
-        link.send_block(block);
-        if (!link.port_connected) return std::nullopt;
+        if (!link.send_block(block)) return std::nullopt;
         const double one = seconds(steady_clock::now() - start);
         wall += one;
         longest = std::max(longest, one);

@@ -35,8 +35,8 @@ QString plan_of(int number) {
     return QStringLiteral("PLAN %1").arg(number, 4, 10, QLatin1Char('0'));
 }
 
-m47::ProgramRecord program_of(int number) {
-    m47::ProgramRecord record = m47::import_defaults(0);
+m47::programme::ProgramRecord program_of(int number) {
+    m47::programme::ProgramRecord record = m47::plans::import_defaults(0);
     record.pg_num = QStringLiteral("%1").arg(number, 3, 10, QLatin1Char('0'));
     record.frequenza = QString::number(950 + number * 10);
     if (number < 41)
@@ -44,21 +44,21 @@ m47::ProgramRecord program_of(int number) {
     return record;
 }
 
-void fill(m47::Database& database) {
-    m47::DatabaseTransaction transaction(database.connection());
-    m47::Recordset& plans = database.gruppo();
-    m47::Recordset& configurations = database.configurazione();
-    m47::Recordset& programs = database.programmi();
+void fill(m47::db::Database& database) {
+    m47::db::DatabaseTransaction transaction(database.connection());
+    m47::db::Recordset& plans = database.gruppo();
+    m47::db::Recordset& configurations = database.configurazione();
+    m47::db::Recordset& programs = database.programmi();
     for (int plan = 0; plan < kPlans; ++plan) {
-        for (m47::Recordset* set : {&plans, &configurations}) {
+        for (m47::db::Recordset* set : {&plans, &configurations}) {
             set->add_new();
-            set->set(m47::field::kNome, plan_of(plan));
+            set->set(m47::db::field::kNome, plan_of(plan));
             set->update();
         }
         for (int number = 0; number < kPrograms; ++number) {
             programs.add_new();
-            programs.set(m47::field::kNome, plan_of(plan));
-            m47::write_program(programs, program_of(number));
+            programs.set(m47::db::field::kNome, plan_of(plan));
+            m47::programme::write_program(programs, program_of(number));
             programs.update();
         }
     }
@@ -138,7 +138,7 @@ double milliseconds(const std::function<void()>& run) {
 }
 
 /// `action` with ever another number against its own statements. False when one of them fails.
-bool compare(const char* what, m47::Database& database, const QString& path,
+bool compare(const char* what, m47::db::Database& database, const QString& path,
              const std::function<void(int)>& action) {
     BareLibrary library(path);
     std::vector<double> own;
@@ -171,13 +171,13 @@ QString folder_template() {
 int main(int argc, char** argv) {
     const QCoreApplication application(argc, argv);
     const QTemporaryDir folder(folder_template());
-    const QString path = folder.filePath(QString::fromLatin1(m47::kDatabaseFile));
-    m47::DatabaseError error{};
-    if (!m47::Database::create(path, error)) return 1;
-    const std::unique_ptr<m47::Database> database = m47::Database::open(path, error);
+    const QString path = folder.filePath(QString::fromLatin1(m47::db::kDatabaseFile));
+    m47::db::DatabaseError error{};
+    if (!m47::db::Database::create(path, error)) return 1;
+    const std::unique_ptr<m47::db::Database> database = m47::db::Database::open(path, error);
     if (!database) return 1;
     fill(*database);
-    m47::PlanSets sets(*database);
+    m47::plans::PlanSets sets(*database);
     const auto place = [](int k) { return k * 379 % kPlans; };
 
     const bool shown = compare("show a plan of 100 programs", *database, path, [&](int k) {
@@ -188,17 +188,17 @@ int main(int argc, char** argv) {
     });
     const bool stored = compare("store a program", *database, path, [&](int k) {
         sets.crea_records(plan_of(place(k)));
-        m47::ProgramRecord record = program_of(0);
+        m47::programme::ProgramRecord record = program_of(0);
         record.frequenza = QString::number(1000 + k);
         QString oscillator;
-        if (sets.store_record(record, oscillator, 0, true) != m47::Clash::none) std::abort();
+        if (sets.store_record(record, oscillator, 0, true) != m47::plans::Clash::none) std::abort();
     });
     const bool found = compare("find a plan and a program", *database, path, [&](int k) {
-        m47::Recordset& plans = database->gruppo();
-        if (!plans.find_first(m47::field::kNome, plan_of(place(k)))) std::abort();
-        m47::Recordset programs =
-            database->of_plan(QString::fromLatin1(m47::table::kProgrammi), plan_of(place(k)));
-        if (!programs.find_first(m47::field::kPgNum, QStringLiteral("050"))) std::abort();
+        m47::db::Recordset& plans = database->gruppo();
+        if (!plans.find_first(m47::db::field::kNome, plan_of(place(k)))) std::abort();
+        m47::db::Recordset programs =
+            database->of_plan(QString::fromLatin1(m47::db::table::kProgrammi), plan_of(place(k)));
+        if (!programs.find_first(m47::db::field::kPgNum, QStringLiteral("050"))) std::abort();
     });
     return shown && stored && found ? 0 : 1;
 }

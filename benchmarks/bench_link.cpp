@@ -114,7 +114,7 @@ class PacedMeter {
 };
 
 /// The windows that wait meanwhile.
-class EventLoopView : public m47::LinkView {
+class EventLoopView : public m47::link::LinkView {
   public:
     void show_progress_bar() override {}
     void set_progress(int) override {}
@@ -137,11 +137,11 @@ nanoseconds processor_time() {
 
 /// What a transaction that begins now needs: one tick behind each character but the first, whose
 /// tick has begun already, and the meter from the CR on, during which the last tick passes too.
-double ideal_time(const m47::Clock& clock, const QByteArray& command) {
+double ideal_time(const m47::link::Clock& clock, const QByteArray& command) {
     const double to_tick = clock.until_next_tick();
     const float reading = clock.now();
-    const double tick =
-        seconds(m47::clock_tick(duration_cast<nanoseconds>(std::chrono::duration<float>(reading))));
+    const double tick = seconds(
+        m47::link::clock_tick(duration_cast<nanoseconds>(std::chrono::duration<float>(reading))));
     const auto ticks_to_cr = static_cast<double>(command.size() - 1);
     return to_tick + ticks_to_cr * tick + std::max(tick, seconds(meter_time(command)));
 }
@@ -154,7 +154,7 @@ struct Result {
 };
 
 /// `count` transactions of `query`; nothing when one is not answered.
-std::optional<Result> measure(m47::Link& link, const QByteArray& query, int count) {
+std::optional<Result> measure(m47::link::Link& link, const QByteArray& query, int count) {
     Result result;
     const nanoseconds used = processor_time();
     const auto begin = steady_clock::now();
@@ -199,10 +199,10 @@ struct Line {
         port.select(device);
         link->port_connected = true;
     }
-    m47::RealPort port;
+    m47::link::RealPort port;
     EventLoopView view;
-    std::optional<m47::RealClock> clock;
-    std::optional<m47::Link> link;
+    std::optional<m47::link::RealClock> clock;
+    std::optional<m47::link::Link> link;
 };
 
 /// One run whose clock starts at `hour`. False when the meter does not answer.
@@ -221,12 +221,12 @@ bool run_at(std::chrono::hours hour, const QString& device, bool own_meter, Rati
     return true;
 }
 
-m47::UploadPlan full_plan() {
-    m47::UploadPlan plan;
+m47::plans::UploadPlan full_plan() {
+    m47::plans::UploadPlan plan;
     plan.bandwidth = QStringLiteral("36");
     plan.oscillators = {QStringLiteral("9750"), QStringLiteral("10600"), QString(), QString()};
     for (int number = 0; number < 100; ++number) {
-        m47::ProgramRecord program;
+        m47::programme::ProgramRecord program;
         program.pg_num = QString::number(number);
         program.frequenza = QString::number(11700 + number * 10);
         program.loc_osc0 = 1;
@@ -245,7 +245,7 @@ m47::UploadPlan full_plan() {
 bool run_upload(const QString& device, Ratios& ratios) {
     Line line(5h, device);
     double ideal = 0;
-    const QStringList commands = m47::upload_commands(full_plan(), m47::kAppend, {});
+    const QStringList commands = m47::plans::upload_commands(full_plan(), m47::plans::kAppend, {});
     const auto begin = steady_clock::now();
     for (const QString& command : commands) {
         ideal += ideal_time(*line.clock, command.toLatin1());

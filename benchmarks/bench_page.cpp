@@ -132,18 +132,19 @@ bool report_memory(const char* what, double stored, double resident) {
 /// Appends all rows to a page of its own and writes them to `path`. Leaves the time in `ms`.
 bool measure_append(const QString& path, double& ms) {
     std::vector<QStringList> rows;
-    std::vector<m47::Measurement> measured;
+    std::vector<m47::measurement::Measurement> measured;
     for (int k = 0; k < 1000; ++k) {
         rows.push_back(digital_row(k * 37));
         const QByteArray line = rows.back().join(u'\t').toLatin1();
-        measured.push_back(m47::measurement_of_line({line.data(), std::size_t(line.size())}));
+        measured.push_back(
+            m47::measurement::measurement_of_line({line.data(), std::size_t(line.size())}));
         measured.back().program = {QStringLiteral("ASTRA"), QString::number(k % 30)};
         measured.back().unit = m47::kDbuv;
-        measured.back().limits[0] = m47::Limits{45, 80};
+        measured.back().limits[0] = m47::measurement::Limits{45, 80};
     }
 
     const double before = resident_bytes();
-    m47::PageModel page;
+    m47::measurement::PageModel page;
     QElapsedTimer timer;
     timer.start();
     for (int k = 0; k < kRows; ++k) {
@@ -168,8 +169,8 @@ bool measure_append(const QString& path, double& ms) {
 }
 
 bool measure_reload(const QString& path, double append) {
-    m47::PageModel page;
-    m47::MeasurementLog log;
+    m47::measurement::PageModel page;
+    m47::measurement::MeasurementLog log;
     const double before = resident_bytes();
     log.open(path, page);
     const double resident = resident_bytes() - before;

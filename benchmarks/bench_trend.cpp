@@ -84,8 +84,8 @@ bool write_log(const QString& path, int programs) {
     return file.error() == QFile::NoError;
 }
 
-bool measure_build(const QString& path, m47::PageModel& page) {
-    m47::MeasurementLog log;
+bool measure_build(const QString& path, m47::measurement::PageModel& page) {
+    m47::measurement::MeasurementLog log;
     std::vector<double> reloads;
     std::vector<double> builds;
     double resident = 0;
@@ -93,7 +93,7 @@ bool measure_build(const QString& path, m47::PageModel& page) {
         page.clear();
         reloads.push_back(milliseconds([&] { log.open(path, page); }));
         const double before = resident_bytes();
-        m47::TrendData data;
+        m47::trend::TrendData data;
         builds.push_back(milliseconds([&] { data.update(page.store()); }));
         resident = (resident_bytes() - before) / kRows;
     }
@@ -107,7 +107,7 @@ bool measure_build(const QString& path, m47::PageModel& page) {
 }
 
 /// The median of some frames, each of which shows another part of `all`; the part is `span` long.
-double median_frame(QCustomPlot& plot, m47::TrendRange all, double span) {
+double median_frame(QCustomPlot& plot, m47::trend::TrendRange all, double span) {
     std::vector<double> frames;
     for (int k = 0; k < kFrames; ++k) {
         const double lower = all.lower + (all.span() - span) * k / kFrames;
@@ -122,7 +122,7 @@ double median_frame(QCustomPlot& plot, m47::TrendRange all, double span) {
 
 /// What the chart library needs for as many points as a window can show, four to a column of
 /// pixels, in `charts` charts that hold nothing else.
-double bare_frame(m47::TrendRange all, std::size_t charts) {
+double bare_frame(m47::trend::TrendRange all, std::size_t charts) {
     QCustomPlot plot;
     plot.plotLayout()->clear();
     QVector<double> times;
@@ -148,27 +148,27 @@ double bare_frame(m47::TrendRange all, std::size_t charts) {
 }
 
 /// Pans with the keyboard, zoomed so that `share` of the rows is in sight.
-bool measure_frames(const m47::PageModel& page, double share, bool one_program) {
-    m47::TrendData data;
+bool measure_frames(const m47::measurement::PageModel& page, double share, bool one_program) {
+    m47::trend::TrendData data;
     data.update(page.store());
     const m47::Texts texts;
-    m47::TrendPlot plot(
+    m47::trend::TrendPlot plot(
         data,
-        [](m47::Quantity) {
-            return std::optional<m47::TrendRange>({1e-4, 60});
+        [](m47::measurement::Quantity) {
+            return std::optional<m47::trend::TrendRange>({1e-4, 60});
         },
         texts);
     plot.resize(kPlotSize);
     plot.show();
     plot.rows_came();
     plot.replot();
-    const m47::TrendRange all = data.time();
+    const m47::trend::TrendRange all = data.time();
     const double frame = median_frame(plot, all, all.span() * share);
     std::printf("  a frame, %5.1f %% seen %8.1f ms (bound %.0f)\n", share * 100, frame,
                 kMostMsPerFrame);
     if (one_program && share == 1.0)
         bench::print_figure("trend redraw, 1,000,000 points in sight",
-                            frame / bare_frame(all, m47::kQuantities.size()),
+                            frame / bare_frame(all, m47::measurement::kQuantities.size()),
                             kMostTimesTheBareChart, "the bare chart with 4 points a column");
     return frame <= kMostMsPerFrame;
 }
@@ -177,7 +177,7 @@ bool measure(const QString& path, int programs) {
     std::printf("1,000,000 rows of %d program(s), %dx%d pixels\n", programs, kPlotSize.width(),
                 kPlotSize.height());
     if (!write_log(path, programs)) return false;
-    m47::PageModel page;
+    m47::measurement::PageModel page;
     bool good = measure_build(path, page);
     for (const double share : {1.0, 0.1, 0.001})
         good = measure_frames(page, share, programs == 1) && good;

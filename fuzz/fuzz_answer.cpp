@@ -11,7 +11,7 @@
 
 namespace {
 
-using Verdict = m47::ReplyWatch::Verdict;
+using Verdict = m47::link::ReplyWatch::Verdict;
 
 const std::array<QString, 8> kCommands{QStringLiteral("ATTEN?"),        QStringLiteral("LEVANL?"),
                                        QStringLiteral("BERQPSK?"),      QStringLiteral("VER?"),
@@ -19,7 +19,7 @@ const std::array<QString, 8> kCommands{QStringLiteral("ATTEN?"),        QStringL
                                        QStringLiteral("MASTERCOPY 6?"), QString()};
 
 void check_reduction(const QString& command, const QString& raw) {
-    const QString answer = m47::reduce_answer(command, raw);
+    const QString answer = m47::link::reduce_answer(command, raw);
     HOLDS(answer == u"0" || raw.contains(answer));
     HOLDS(answer.size() <= std::max<qsizetype>(raw.size(), 1));
 }
@@ -31,13 +31,13 @@ void check_inverse(const QString& command, const QString& payload) {
     QString expected = payload;
     // What a line adds to its end is not told from a payload's own.
     if (command != u"BERQPSK?" && payload.endsWith(u'\r')) expected.chop(1);
-    HOLDS(m47::reduce_answer(command, whole) == expected);
+    HOLDS(m47::link::reduce_answer(command, whole) == expected);
 }
 
 /// However an answer is cut in pieces, it is judged as when it comes whole.
 void check_watch(const QString& raw, qsizetype piece) {
-    const Verdict whole = m47::ReplyWatch().look_at(raw);
-    m47::ReplyWatch watch;
+    const Verdict whole = m47::link::ReplyWatch().look_at(raw);
+    m47::link::ReplyWatch watch;
     Verdict first = Verdict::open;
     for (qsizetype end = piece; first == Verdict::open; end += piece) {
         first = watch.look_at(raw.left(end));
@@ -57,7 +57,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     check_reduction(command, raw);
     check_inverse(command, raw);
     check_watch(raw, piece);
-    HOLDS(std::isfinite(m47::version_number(raw)));
-    HOLDS(std::isfinite(m47::meter_value(raw)));
+    HOLDS(std::isfinite(m47::link::version_number(raw)));
+    HOLDS(std::isfinite(m47::link::meter_value(raw)));
     return 0;
 }

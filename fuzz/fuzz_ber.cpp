@@ -15,7 +15,7 @@ const std::array<QString, 4> kLabels{QStringLiteral("CHBER :"), QStringLiteral("
 void check_label(const QString& label, const QString& answer) {
     QString value;
     try {
-        value = m47::delete_cr(label, answer);
+        value = m47::link::delete_cr(label, answer);
     } catch (const m47::Fault&) {
         HOLDS(!answer.contains(label));
         return;
@@ -24,7 +24,7 @@ void check_label(const QString& label, const QString& answer) {
     const qsizetype end = answer.indexOf(label) + label.size() + value.size();
     HOLDS(answer.left(end).endsWith(label + value));
     HOLDS(end == answer.size() || answer[end] == u'\r');
-    HOLDS(std::isfinite(m47::delete_segno(value.trimmed())));
+    HOLDS(std::isfinite(m47::link::delete_segno(value.trimmed())));
 }
 
 /// Four values in their lines come back as they are.
@@ -35,7 +35,7 @@ void check_inverse(const QString& text) {
         if (value.contains(label)) return;
     QString answer;
     for (const QString& label : kLabels) answer += label + value + u'\r';
-    for (const QString& label : kLabels) HOLDS(m47::delete_cr(label, answer) == value);
+    for (const QString& label : kLabels) HOLDS(m47::link::delete_cr(label, answer) == value);
 }
 
 }  // namespace

@@ -12,7 +12,7 @@
 namespace {
 
 void check_line_ends(const QByteArray& content, const QByteArray& text) {
-    HOLDS(m47::with_line_ends(text) == text);
+    HOLDS(m47::logger::with_line_ends(text) == text);
     HOLDS(text.isEmpty() || text.endsWith("\r\n"));
     HOLDS(text.count('\r') == text.count('\n'));
     QByteArray plain = content;
@@ -25,21 +25,21 @@ void check_line_ends(const QByteArray& content, const QByteArray& text) {
 }
 
 void check_line(std::string_view line) {
-    const auto fields = m47::blank_separated(line);
+    const auto fields = m47::logger::blank_separated(line);
     for (const std::string_view field : fields) {
         HOLDS(!field.empty() && field.find(' ') == std::string_view::npos);
         double number = 0;
-        if (m47::field_number(field, number)) HOLDS(!std::isnan(number));
+        if (m47::logger::field_number(field, number)) HOLDS(!std::isnan(number));
     }
-    const m47::LineKind kind = m47::line_kind(line);
-    if (kind != m47::LineKind::other)
-        HOLDS(fields.size() >= 2 && fields.size() <= m47::kMostFields);
-    HOLDS(static_cast<std::size_t>(m47::heading_names(line).size()) == fields.size());
+    const m47::logger::LineKind kind = m47::logger::line_kind(line);
+    if (kind != m47::logger::LineKind::other)
+        HOLDS(fields.size() >= 2 && fields.size() <= m47::logger::kMostFields);
+    HOLDS(static_cast<std::size_t>(m47::logger::heading_names(line).size()) == fields.size());
 }
 
 /// Every line is one row, shown once and whole, however the table is sorted.
 void check_model(const QByteArray& text, int column) {
-    m47::RecordModel model;
+    m47::logger::RecordModel model;
     model.set_text(text);
     qsizetype lines = 0;
     for (const QByteArray& line : text.split('\n')) lines += line.size() > 1 ? 1 : 0;
@@ -58,11 +58,11 @@ void check_model(const QByteArray& text, int column) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     fuzzing::Input input(data, size);
     const int column = static_cast<int>(input.byte());
-    const QByteArray text = m47::with_line_ends(input.byte_array());
+    const QByteArray text = m47::logger::with_line_ends(input.byte_array());
     check_line_ends(input.byte_array(), text);
     check_line(input.bytes().substr(0, input.bytes().find('\r')));
     check_model(text, column);
-    const m47::ColumnHeaders headers = m47::column_headers(input.text());
+    const m47::logger::ColumnHeaders headers = m47::logger::column_headers(input.text());
     HOLDS(headers.analog.endsWith(QLatin1String("\r\n")));
     HOLDS(headers.digital.endsWith(QLatin1String("\r\n")));
     return 0;

@@ -83,9 +83,9 @@ class PageWriter {
     QString write() {
         page_ = QString::fromUtf8(kOpening);
         write_failures();
-        for (const command::Group& group : command::command_list()) {
+        for (const link::command::Group& group : link::command::command_list()) {
             page_ += QStringLiteral("\n## %1\n").arg(QLatin1String(group.title));
-            for (const command::Word* word : group.words) write_word(*word);
+            for (const link::command::Word* word : group.words) write_word(*word);
         }
         write_diseqc_list();
         write_block();
@@ -100,18 +100,18 @@ class PageWriter {
 
     void write_failures() {
         page_ += QStringLiteral("\n## Refused\n\n```\n");
-        write_exchange(command::kFrequency + QStringLiteral(" 9999"), "out of range");
+        write_exchange(link::command::kFrequency + QStringLiteral(" 9999"), "out of range");
         write_exchange(QStringLiteral("TUNE 1000"), "unknown");
-        write_exchange(command::query(command::kSlotName) + u'7', "a bad argument");
+        write_exchange(link::command::query(link::command::kSlotName) + u'7', "a bad argument");
         page_ += QStringLiteral("```\n");
     }
 
-    void write_word(const command::Word& word) {
+    void write_word(const link::command::Word& word) {
         page_ += QStringLiteral("\n### `%1`\n\n%2.").arg(word, QLatin1String(word.purpose));
-        const double limit = answer_limit(word + QLatin1String(word.uses.front().argument));
+        const double limit = link::answer_limit(word + QLatin1String(word.uses.front().argument));
         if (limit != kUsualLimit) page_ += QStringLiteral(" Time limit %1 s.").arg(limit);
         page_ += QStringLiteral("\n\n```\n");
-        for (const command::Usage& use : word.uses)
+        for (const link::command::Usage& use : word.uses)
             write_exchange(word + QLatin1String(use.argument), use.meaning);
         page_ += QStringLiteral("```\n");
     }
@@ -141,8 +141,8 @@ class PageWriter {
     void write_diseqc_list() {
         page_ += QString::fromUtf8(kDiseqcOpening);
         int place = 0;
-        for (const char* text : kDiseqcCommands) {
-            const QString command = diseqc_command(place++);
+        for (const char* text : programme::kDiseqcCommands) {
+            const QString command = programme::diseqc_command(place++);
             const bool accepted = ask(command).endsWith(QStringLiteral("\rOK\r"));
             page_ += QStringLiteral("| `%1` | `%2` | %3 |\n")
                          .arg(command, QLatin1String(text),
@@ -152,7 +152,7 @@ class PageWriter {
 
     void write_block() {
         page_ += QString::fromUtf8(kBlockOpening) + QStringLiteral("\n```\n");
-        const QStringList copy = lines_of(ask(command::kCopySlots));
+        const QStringList copy = lines_of(ask(link::command::kCopySlots));
         // The echo of the command stands before the records.
         for (const QString& line : copy.mid(1, kSlotLines)) {
             const QString record = line.trimmed();

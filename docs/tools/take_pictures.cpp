@@ -69,16 +69,16 @@ class Pictures {
         meter_ = std::make_unique<MeterProcess>(work_.path(),
                                                 QStringList{"--baud-factor", "0", "--delay", "0"});
         state_.base_dir = folder_with_separator(work_.path());
-        const QString path = state_.base_dir + QLatin1String(kDatabaseFile);
-        DatabaseError error{};
-        if (!Database::create(path, error)) qFatal("no database");
-        PortList ports;
+        const QString path = state_.base_dir + QLatin1String(db::kDatabaseFile);
+        db::DatabaseError error{};
+        if (!db::Database::create(path, error)) qFatal("no database");
+        link::PortList ports;
         ports.add(QStringLiteral("1=") + meter_->link());
         // The line is quickest early in the morning.
         const auto begin = std::chrono::steady_clock::now();
-        program_ = std::make_unique<Program>(state_, Database::open(path, error), ports, [begin] {
-            return std::chrono::hours(5) + (std::chrono::steady_clock::now() - begin);
-        });
+        program_ = std::make_unique<shell::Program>(
+            state_, db::Database::open(path, error), ports,
+            [begin] { return std::chrono::hours(5) + (std::chrono::steady_clock::now() - begin); });
         program_->window().resize(kWindow);
         program_->window().show();
         if (!QTest::qWaitForWindowExposed(&program_->window())) qFatal("no window");
@@ -162,7 +162,7 @@ class Pictures {
     BoxAnswers boxes_;
     std::unique_ptr<MeterProcess> meter_;
     ProgramState state_;
-    std::unique_ptr<Program> program_;
+    std::unique_ptr<shell::Program> program_;
     QWidget* screen_ = nullptr;
 };
 
@@ -180,7 +180,7 @@ void Pictures::connecting() {
 }
 
 void Pictures::plans() {
-    Recordset& programs = program_->database().programmi();
+    db::Recordset& programs = program_->database().programmi();
     programs.move_first();
     programs.remove();
     for (const SampleProgram& sample : kPrograms) {
@@ -190,8 +190,8 @@ void Pictures::plans() {
         programs.set("frequenza", sample.mhz);
         programs.set("loc_osc", 1);
         programs.set("sat_ad", sample.digital ? 1 : 0);
-        programs.set("diseqc_cmd", kDiseqcNone);
-        programs.set("diseqc_cmd2", kDiseqcNone);
+        programs.set("diseqc_cmd", programme::kDiseqcNone);
+        programs.set("diseqc_cmd2", programme::kDiseqcNone);
         programs.set("monitor_state", 1);
         programs.set("logger_state", 1);
         programs.set("logger_pos", QString::fromLatin1(sample.position));
@@ -255,7 +255,7 @@ void Pictures::plan_run() {
     click_action("cancella");
     tick({"meas_statea_0", "alarm_statea_0"});
     click_action("group");
-    auto* realtime = static_cast<Realtime*>(screen_);
+    auto* realtime = static_cast<realtime::Realtime*>(screen_);
     for (int pass = 0; pass < kPasses; ++pass) {
         click_action("multiple_acq");
         if (!QTest::qWaitFor([&] { return !realtime->rules.state.plan_run_active; }, 60000))

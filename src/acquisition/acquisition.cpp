@@ -5,7 +5,7 @@
 #include "fault.h"
 #include "time_delays.h"
 
-namespace m47 {
+namespace m47::acquisition {
 namespace {
 
 constexpr Bilingual kBetween{"a run was between two measurements, %1 rows are on the page",
@@ -16,7 +16,7 @@ constexpr Bilingual kBetween{"a run was between two measurements, %1 rows are on
 void quietly(const std::function<void()>& body) {
     try {
         body();
-    } catch (const EngineFault&) {
+    } catch (const db::EngineFault&) {
         throw;
     } catch (const Fault&) {
         return;
@@ -26,13 +26,13 @@ void quietly(const std::function<void()>& body) {
 }  // namespace
 
 void Acquisition::single() {
-    RealtimePanel& panel = rules_.panel;
+    realtime::RealtimePanel& panel = rules_.panel;
     panel.plan_controls_visible = false;
     panel.plan_keys_visible = false;
     panel.single_acq_visible = true;
     panel.sat_opt_enabled = true;
     panel.limits_enabled = true;
-    rules_.state.acq_kind = kSingleElement;
+    rules_.state.acq_kind = realtime::kSingleElement;
 }
 
 void Acquisition::change_plan(Move move) {
@@ -47,23 +47,23 @@ void Acquisition::change_program(Move move) {
 }
 
 void Acquisition::group() {
-    change_plan(&PlanWalk::first_plan);
+    change_plan(&realtime::PlanWalk::first_plan);
 }
 
 void Acquisition::previous() {
-    change_plan(&PlanWalk::previous_plan);
+    change_plan(&realtime::PlanWalk::previous_plan);
 }
 
 void Acquisition::next() {
-    change_plan(&PlanWalk::next_plan);
+    change_plan(&realtime::PlanWalk::next_plan);
 }
 
 void Acquisition::previous_prog() {
-    change_program(&PlanWalk::previous_program);
+    change_program(&realtime::PlanWalk::previous_program);
 }
 
 void Acquisition::next_prog() {
-    change_program(&PlanWalk::next_program);
+    change_program(&realtime::PlanWalk::next_program);
 }
 
 void Acquisition::single_acq() {
@@ -90,18 +90,18 @@ void Acquisition::multiple_acq() {
 
 void Acquisition::start() {
     rules_.panel.timer_opt_visible = true;
-    rules_.panel.cmdstart = kStartCaption;
+    rules_.panel.cmdstart = realtime::kStartCaption;
     ticks_.clock.start();
 }
 
 void Acquisition::stop() {
     rules_.state.plan_run_active = false;
     ticks_.interval.stop();
-    rules_.panel.time_state = LampColour::grey;
+    rules_.panel.time_state = realtime::LampColour::grey;
     rules_.panel.timer_opt_visible = false;
-    rules_.panel.cmdstart = kStopCaption;
+    rules_.panel.cmdstart = realtime::kStopCaption;
     show_time_left();
-    if (rules_.state.acq_kind != kPlan) return;
+    if (rules_.state.acq_kind != realtime::kPlan) return;
     ticks_.pass.stop();
     pass_.stop();
 }
@@ -109,13 +109,13 @@ void Acquisition::stop() {
 void Acquisition::cmdstart_Click() {
     quietly([this] {
         const bool starts = !timed();
-        if (rules_.state.acq_kind == kPlan) go_to_first_program(starts);
+        if (rules_.state.acq_kind == realtime::kPlan) go_to_first_program(starts);
         if (starts)
             ticks_.interval.start();
         else
             ticks_.interval.stop();
-        rules_.panel.time_state = LampColour::grey;
-        rules_.panel.cmdstart = timed() ? kStopCaption : kStartCaption;
+        rules_.panel.time_state = realtime::LampColour::grey;
+        rules_.panel.cmdstart = timed() ? realtime::kStopCaption : realtime::kStartCaption;
     });
     show_time_left();
 }
@@ -136,24 +136,25 @@ void Acquisition::time_delay_Click() {
 }
 
 void Acquisition::show_time_left() {
-    rules_.panel.time_left = timed() ? time_left_text(rules_.state.ticks_left) : QString();
+    rules_.panel.time_left =
+        timed() ? realtime::time_left_text(rules_.state.ticks_left) : QString();
 }
 
 void Acquisition::Timer1_Timer() {
-    RealtimeState& state = rules_.state;
+    realtime::RealtimeState& state = rules_.state;
     if (state.plan_run_active) return;
     state.ticks_left -= 1;
     show_time_left();
     if (state.ticks_left != 0) return;
-    rules_.panel.time_state = LampColour::red;
+    rules_.panel.time_state = realtime::LampColour::red;
     rules_.panel.repaint();
     // The lamp of a firing that could not begin stays red.
-    if (fire()) rules_.panel.time_state = LampColour::green;
+    if (fire()) rules_.panel.time_state = realtime::LampColour::green;
     time_delay_Click();
 }
 
 bool Acquisition::fire() {
-    if (rules_.state.acq_kind == kSingleElement) {
+    if (rules_.state.acq_kind == realtime::kSingleElement) {
         rules_.measure_once();
         // The interval runs from the end of a firing: a tick that fell into it does not count.
         ticks_.interval.start();
@@ -165,7 +166,7 @@ bool Acquisition::fire() {
 }
 
 void Acquisition::Timer2_Timer() {
-    rules_.panel.time_state = LampColour::red;
+    rules_.panel.time_state = realtime::LampColour::red;
     rules_.panel.repaint();
     ticks_.pass.stop();
     pass_.step();
@@ -177,4 +178,4 @@ void Acquisition::Timer3_Timer() {
         rules_.link.clock().date_time().toString(QStringLiteral("dd'/'MM hh:mm:ss"));
 }
 
-}  // namespace m47
+}  // namespace m47::acquisition

@@ -7,7 +7,7 @@
 #include "realtime_rules.h"
 #include "ticker.h"
 
-namespace m47 {
+namespace m47::acquisition {
 
 /// The three one-second ticks of the screen: timed acquisition, plan pass, clock.
 struct Ticks {
@@ -22,7 +22,7 @@ struct Ticks {
 class Acquisition {
   public:
     /// `news` of the passes.
-    Acquisition(RealtimeRules& rules, const Ticks& ticks, PassNews news)
+    Acquisition(realtime::RealtimeRules& rules, const Ticks& ticks, PassNews news)
         : rules_(rules), ticks_(ticks), pass_(rules, std::move(news)) {}
 
     // The toolbar keys.
@@ -53,7 +53,7 @@ class Acquisition {
     std::optional<Said> running() const;
 
   private:
-    using Move = void (PlanWalk::*)();
+    using Move = void (realtime::PlanWalk::*)();
 
     /// Another plan; a pass that runs goes on there.
     void change_plan(Move move);
@@ -62,9 +62,9 @@ class Acquisition {
     void show_time_left();
     void go_to_first_program(bool starts);
 
-    RealtimeRules& rules_;
+    realtime::RealtimeRules& rules_;
     Ticks ticks_;
     PlanPass pass_;
 };
 
-}  // namespace m47
+}  // namespace m47::acquisition

@@ -7,7 +7,7 @@
 #include "fields.h"
 #include "program_row.h"
 
-namespace m47 {
+namespace m47::acquisition {
 namespace {
 
 constexpr Bilingual kProgramsGone{
@@ -20,10 +20,10 @@ constexpr Bilingual kNotSwitched{
     "(--full-tune)"};
 
 /// The pass is whole whether or not its first row can be read: the next one reads them anew.
-void leave_at_first(Recordset& set) {
+void leave_at_first(db::Recordset& set) {
     try {
         if (!set.empty()) set.move_first();
-    } catch (const EngineFault&) {
+    } catch (const db::EngineFault&) {
         return;
     }
 }
@@ -65,8 +65,8 @@ void PlanPass::step() {
 /// True while the pass goes on, false at the end of the plan.
 bool PlanPass::advance() {
     if (!recall()) return false;
-    Recordset& set = rules_.plans.programs();
-    if (ProgramRow(set).monitored()) measure_program();
+    db::Recordset& set = rules_.plans.programs();
+    if (programme::ProgramRow(set).monitored()) measure_program();
     set.move_next();
     return true;
 }
@@ -74,9 +74,9 @@ bool PlanPass::advance() {
 /// Shows the next program, unless the plan ends here. At most one unmonitored program is passed
 /// over; a second one in a row is recalled and not measured.
 bool PlanPass::recall() {
-    Recordset& set = rules_.plans.programs();
-    const Suspended suspended(rules_.link);
-    if (!set.end_of_set() && !ProgramRow(set).monitored()) set.move_next();
+    db::Recordset& set = rules_.plans.programs();
+    const link::Suspended suspended(rules_.link);
+    if (!set.end_of_set() && !programme::ProgramRow(set).monitored()) set.move_next();
     if (!set.end_of_set()) {
         rules_.modes.mostra_record_realtime();
         return true;
@@ -90,7 +90,7 @@ bool PlanPass::recall() {
 }
 
 void PlanPass::measure_program() {
-    ProgramTuning& tuning = rules_.program_tuning;
+    realtime::ProgramTuning& tuning = rules_.program_tuning;
     const bool full_tune = rules_.program.corrected.full_tune;
     if (full_tune && !tuning.possible()) {
         if (news_.left_out) news_.left_out(tuning.reason());
@@ -102,8 +102,8 @@ void PlanPass::measure_program() {
         if (full_tune) rules_.program_tuning.tune_everything();
         rules_.costs.tell_other_bandwidth();
     };
-    const Recordset& row = rules_.plans.programs();
-    rules_.measure_once(prepare, {row.text(field::kNome), ProgramRow(row).pg_num()});
+    const db::Recordset& row = rules_.plans.programs();
+    rules_.measure_once(prepare, {row.text(db::field::kNome), programme::ProgramRow(row).pg_num()});
 }
 
 /// What is measured at an antenna that is set for another program is no value of this one.
@@ -138,12 +138,12 @@ void PlanPass::plan_changed() {
     report_progress(0, 0);
 }
 
-std::optional<Bookmark> PlanPass::place() const {
-    const std::optional<Recordset>& set = rules_.modes.rs_programs;
+std::optional<db::Bookmark> PlanPass::place() const {
+    const std::optional<db::Recordset>& set = rules_.modes.rs_programs;
     return set && !set->end_of_set() ? std::optional(set->bookmark()) : std::nullopt;
 }
 
-void PlanPass::take_again(Bookmark place) {
+void PlanPass::take_again(db::Bookmark place) {
     try {
         rules_.plans.programs().go_to(place);
         running_ = true;
@@ -153,10 +153,10 @@ void PlanPass::take_again(Bookmark place) {
 }
 
 void PlanPass::report_place() {
-    const auto place_of = [this](Bookmark program) {
+    const auto place_of = [this](db::Bookmark program) {
         return std::find(monitored_.begin(), monitored_.end(), program);
     };
-    const Bookmark here = rules_.plans.programs().bookmark();
+    const db::Bookmark here = rules_.plans.programs().bookmark();
     // The user may have gone on to another plan, or monitored another program, since the pass
     // began.
     if (place_of(here) == monitored_.end()) list_monitored();
@@ -174,4 +174,4 @@ void PlanPass::tell_cut_short(const Fault& fault) const {
     if (news_.cut_short) news_.cut_short(fault.text(rules_.program.texts));
 }
 
-}  // namespace m47
+}  // namespace m47::acquisition

@@ -10,7 +10,7 @@
 #include "fault.h"
 #include "realtime_rules.h"
 
-namespace m47 {
+namespace m47::acquisition {
 
 /// Told of a pass while it goes; what is empty is not told.
 struct PassNews {
@@ -28,7 +28,8 @@ struct PassNews {
 /// began it takes it on step by step for as long as it is running.
 class PlanPass {
   public:
-    PlanPass(RealtimeRules& rules, PassNews news) : rules_(rules), news_(std::move(news)) {}
+    PlanPass(realtime::RealtimeRules& rules, PassNews news)
+        : rules_(rules), news_(std::move(news)) {}
 
     /// Begins at the first program, over the rows that the plan has now. A Fault, and no pass
     /// begun, where they cannot be read or there are none.
@@ -48,10 +49,10 @@ class PlanPass {
     void plan_changed();
 
     /// The row at which the next step begins; nothing at the end of the plan, or without one.
-    std::optional<Bookmark> place() const;
+    std::optional<db::Bookmark> place() const;
     /// Lets the next step begin at `place`, also where the pass has just ended; told as cut_short
     /// where that row can no longer be read.
-    void take_again(Bookmark place);
+    void take_again(db::Bookmark place);
 
   private:
     bool advance();
@@ -64,12 +65,12 @@ class PlanPass {
     void report_progress(int place, int monitored) const;
     void tell_cut_short(const Fault& fault) const;
 
-    RealtimeRules& rules_;
+    realtime::RealtimeRules& rules_;
     PassNews news_;
     bool running_ = false;
-    std::vector<Bookmark> monitored_;  ///< the monitored programs of the pass that runs
-    int rows_ = 0;                     ///< programs of its plan when it began there
-    QStringList antenna_;              ///< what its first program needs of the antenna
+    std::vector<db::Bookmark> monitored_;  ///< the monitored programs of the pass that runs
+    int rows_ = 0;                         ///< programs of its plan when it began there
+    QStringList antenna_;                  ///< what its first program needs of the antenna
 };
 
-}  // namespace m47
+}  // namespace m47::acquisition

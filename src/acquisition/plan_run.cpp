@@ -6,7 +6,7 @@
 
 #include "time_delays.h"
 
-namespace m47 {
+namespace m47::acquisition {
 namespace {
 
 constexpr double kWaitSlice = 0.2;    // seconds; how late a wish to stop is seen
@@ -89,7 +89,7 @@ PlanRun::End PlanRun::walk() {
 
 PlanRun::End PlanRun::next_step() {
     if (stop_asked()) return End::stopped;
-    const std::optional<Bookmark> place = plan_pass_->place();
+    const std::optional<db::Bookmark> place = plan_pass_->place();
     plan_pass_->step();
     if (!link_.port_connected) return recover(place);
     pause_ = kFirstPause;
@@ -98,7 +98,7 @@ PlanRun::End PlanRun::next_step() {
 }
 
 /// The measurement that was lost with the link is taken again; the pass goes on from there.
-PlanRun::End PlanRun::recover(const std::optional<Bookmark>& place) {
+PlanRun::End PlanRun::recover(const std::optional<db::Bookmark>& place) {
     if (!order_.reconnect) return End::link_lost;
     if (!find_meter(QStringLiteral("the link to the meter was lost, trying to connect again")))
         return End::stopped;
@@ -153,7 +153,7 @@ bool PlanRun::wait(double seconds) {
         if (link_.port_connected && now >= next_report) {
             report(QStringLiteral("pass %1 done, next in %2")
                        .arg(pass_)
-                       .arg(time_left_text(static_cast<int>(std::ceil(end - now)))));
+                       .arg(realtime::time_left_text(static_cast<int>(std::ceil(end - now)))));
             next_report = now + kProgressInterval;
         }
         link_.clock().sleep(std::min(kWaitSlice, end - now));
@@ -178,4 +178,4 @@ QString PlanRun::time_text() const {
     return link_.clock().date_time().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
 }
 
-}  // namespace m47
+}  // namespace m47::acquisition

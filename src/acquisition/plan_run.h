@@ -8,7 +8,7 @@
 #include "plan_pass.h"
 #include "realtime_rules.h"
 
-namespace m47 {
+namespace m47::acquisition {
 
 /// What a run over a plan is asked for.
 struct PlanRunOrder {
@@ -25,7 +25,7 @@ class PlanRun {
   public:
     enum class End { done, stopped, link_lost };
 
-    PlanRun(Link& link, RealtimeRules& rules, const PlanRunOrder& order)
+    PlanRun(link::Link& link, realtime::RealtimeRules& rules, const PlanRunOrder& order)
         : link_(link), rules_(rules), order_(order) {}
 
     /// True when the run shall end; looked at between measurements and while waiting.
@@ -56,7 +56,7 @@ class PlanRun {
     End next_step();
     bool find_meter(const QString& why);
     PassNews news();
-    End recover(const std::optional<Bookmark>& place);
+    End recover(const std::optional<db::Bookmark>& place);
     bool doubtful_again();
     void cut_short(const QString& reason);
     bool wait(double seconds);
@@ -68,8 +68,8 @@ class PlanRun {
     void remark(const QString& text) const;
     QString time_text() const;
 
-    Link& link_;
-    RealtimeRules& rules_;
+    link::Link& link_;
+    realtime::RealtimeRules& rules_;
     PlanRunOrder order_;
     std::unique_ptr<PlanPass> plan_pass_;
     static constexpr double kFirstPause = 1;
@@ -86,4 +86,4 @@ class PlanRun {
     double next_pass_ = 0;  ///< on the same clock
 };
 
-}  // namespace m47
+}  // namespace m47::acquisition

@@ -3,7 +3,7 @@
 
 #include <chrono>
 
-namespace m47 {
+namespace m47::acquisition {
 
 TimerTicker::TimerTicker() {
     timer_.setInterval(std::chrono::seconds(1));
@@ -22,4 +22,4 @@ bool TimerTicker::running() const {
     return timer_.isActive();
 }
 
-}  // namespace m47
+}  // namespace m47::acquisition

@@ -5,7 +5,7 @@
 
 #include "ticker.h"
 
-namespace m47 {
+namespace m47::acquisition {
 
 /// A tick of the screen's thread. It is steady: a clock that is set does not disturb it.
 class TimerTicker : public Ticker {
@@ -22,4 +22,4 @@ class TimerTicker : public Ticker {
     QTimer timer_;
 };
 
-}  // namespace m47
+}  // namespace m47::acquisition

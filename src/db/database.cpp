@@ -8,7 +8,7 @@
 #include "fields.h"
 #include "tables.h"
 
-namespace m47 {
+namespace m47::db {
 
 QString stored_plan_name(const QString& text) {
     return text.trimmed().toUpper();
@@ -77,4 +77,4 @@ Recordset Database::of_plan(const QString& table, const QString& plan) const {
     return Recordset::where_any(connection(), table, field::kNome, spellings);
 }
 
-}  // namespace m47
+}  // namespace m47::db

@@ -7,7 +7,7 @@
 
 #include "recordset.h"
 
-namespace m47 {
+namespace m47::db {
 
 class Connection;
 
@@ -93,4 +93,4 @@ class Database {
     Recordset asl_;
 };
 
-}  // namespace m47
+}  // namespace m47::db

@@ -11,7 +11,7 @@
 #include "plain_file.h"
 #include "schema.h"
 
-namespace m47 {
+namespace m47::db {
 namespace {
 
 // How the files of the two engines begin.
@@ -62,7 +62,7 @@ DatabaseFault meaning_of(int code) {
 
 /// A journal that cannot be opened beside the file: the folder takes none.
 bool folder_is_read_only(const QString& path) {
-    return refuses_new_files(QFileInfo(path).absolutePath());
+    return platform::refuses_new_files(QFileInfo(path).absolutePath());
 }
 
 std::optional<DatabaseError> fault_of_place(const QString& path) {
@@ -97,7 +97,7 @@ std::optional<DatabaseError> fault_of_journals(const QString& path) {
     const QString file = QFileInfo(path).canonicalFilePath();
     for (const char* suffix : {"-journal", "-wal", "-shm"}) {
         const QString beside = file + QLatin1String(suffix);
-        if (something_else_at(beside, Links::refused))
+        if (platform::something_else_at(beside, platform::Links::refused))
             return DatabaseError{DatabaseFault::cannot_open, path,
                                  QStringLiteral("%1 is no plain file").arg(beside)};
     }
@@ -217,4 +217,4 @@ DatabaseError error_of(const EngineFault& fault) {
     return {kind, fault.path(), QString::fromUtf8(fault.what())};
 }
 
-}  // namespace m47
+}  // namespace m47::db

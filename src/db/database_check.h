@@ -8,7 +8,7 @@
 #include "database.h"
 #include "engine.h"
 
-namespace m47 {
+namespace m47::db {
 
 /// What is wrong with the file at `path` as far as can be told without the engine: whether it is
 /// there, may be read and written, and is a file of the engine in use. Nothing where all is well.
@@ -29,4 +29,4 @@ DatabaseFault fault_of_finding(const QString& finding);
 /// corrupt or no database counts as damaged.
 DatabaseError error_of(const EngineFault& fault);
 
-}  // namespace m47
+}  // namespace m47::db

@@ -12,7 +12,7 @@
 #include "schema.h"
 #include "tables.h"
 
-namespace m47 {
+namespace m47::db {
 namespace {
 
 const QString kFirstPlan = QStringLiteral("PLAN 1");
@@ -33,7 +33,7 @@ class Draft {
                                   .arg(QCoreApplication::applicationPid());
         for (int number = 1;; ++number) {
             path_ = start + QString::number(number);
-            const std::error_code error = make_new_file(path_);
+            const std::error_code error = platform::make_new_file(path_);
             if (!error) return;
             if (error != std::errc::file_exists) throw_if(error);
         }
@@ -50,11 +50,11 @@ class Draft {
 
     /// Puts the file in its place in one step, unless there is one by now.
     void publish() const {
-        throw_if(sync_file_at(path_));
-        const std::error_code error = put_in_free_place(path_, target_);
+        throw_if(platform::sync_file_at(path_));
+        const std::error_code error = platform::put_in_free_place(path_, target_);
         if (error != std::errc::file_exists) throw_if(error);
         // Not every file system syncs folders; the file is in its place and whole either way.
-        static_cast<void>(sync_folder(folder_));
+        static_cast<void>(platform::sync_folder(folder_));
     }
 
   private:
@@ -97,4 +97,4 @@ bool Database::create(const QString& path, DatabaseError& error) {
     }
 }
 
-}  // namespace m47
+}  // namespace m47::db

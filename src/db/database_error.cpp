@@ -7,7 +7,7 @@
 #include "database_check.h"
 #include "engine.h"
 
-namespace m47 {
+namespace m47::db {
 namespace {
 
 struct Wording {
@@ -144,4 +144,4 @@ QString database_error_text(const DatabaseError& error, const Texts& texts) {
     return error.detail.isEmpty() ? text : text + QStringLiteral("\n(%1)").arg(error.detail);
 }
 
-}  // namespace m47
+}  // namespace m47::db

@@ -5,7 +5,7 @@
 
 #include "engine.h"
 
-namespace m47 {
+namespace m47::db {
 
 DatabaseTransaction::DatabaseTransaction(const QSqlDatabase& database) : database_(database) {
     Query(database_, QStringLiteral("BEGIN IMMEDIATE"));
@@ -21,4 +21,4 @@ void DatabaseTransaction::commit() {
     open_ = false;
 }
 
-}  // namespace m47
+}  // namespace m47::db

@@ -3,7 +3,7 @@
 
 #include <QSqlDatabase>
 
-namespace m47 {
+namespace m47::db {
 
 /// Several changes of the database file that come true together or not at all: what has not been
 /// committed is undone with this object. Record sets that changed meanwhile have to be read anew
@@ -24,4 +24,4 @@ class DatabaseTransaction {
     bool open_ = true;
 };
 
-}  // namespace m47
+}  // namespace m47::db

@@ -8,7 +8,7 @@
 
 #include "statement_fault.h"
 
-namespace m47 {
+namespace m47::db {
 namespace {
 
 std::string words_of(const QSqlError& error) {
@@ -105,4 +105,4 @@ void Connection::forget() {
     QSqlDatabase::removeDatabase(name);
 }
 
-}  // namespace m47
+}  // namespace m47::db

@@ -10,7 +10,7 @@
 
 #include "fault.h"
 
-namespace m47 {
+namespace m47::db {
 
 /// An error of the database engine, in its own words.
 class EngineFault : public Fault {
@@ -71,4 +71,4 @@ class Connection {
     QSqlDatabase database_;
 };
 
-}  // namespace m47
+}  // namespace m47::db

@@ -4,7 +4,7 @@
 #include <array>
 
 /// The names of the fields of the database file. What each holds stands in the schema.
-namespace m47::field {
+namespace m47::db::field {
 
 /// The plan's name, in each of its tables, and the satellite's in that of the satellites.
 inline constexpr const char* kNome = "nome";
@@ -40,4 +40,4 @@ inline constexpr const char* kMerMax = "mer_max";
 // Of `asl`.
 inline constexpr const char* kDati = "dati";
 
-}  // namespace m47::field
+}  // namespace m47::db::field

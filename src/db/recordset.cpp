@@ -7,7 +7,7 @@
 
 #include "fault.h"
 
-namespace m47 {
+namespace m47::db {
 namespace {
 
 const QString kComma = QStringLiteral(", ");
@@ -300,4 +300,4 @@ Bookmark Recordset::last_added() const {
     return last_added_;
 }
 
-}  // namespace m47
+}  // namespace m47::db

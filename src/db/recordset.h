@@ -13,7 +13,7 @@
 #include "fault.h"
 #include "schema.h"
 
-namespace m47 {
+namespace m47::db {
 
 /// A row of a record set, to come back to it. It holds for every set on the same table.
 using Bookmark = qint64;
@@ -132,4 +132,4 @@ class Recordset {
     qint64 last_added_ = 0;
 };
 
-}  // namespace m47
+}  // namespace m47::db

@@ -8,7 +8,7 @@
 #include "fields.h"
 #include "tables.h"
 
-namespace m47 {
+namespace m47::db {
 namespace {
 
 using enum FieldKind;
@@ -166,4 +166,4 @@ QStringList creation_statements(const Table& table) {
     return statements;
 }
 
-}  // namespace m47
+}  // namespace m47::db

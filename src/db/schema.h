@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <span>
 
-namespace m47 {
+namespace m47::db {
 
 /// What a field holds. Every field may be unset.
 enum class FieldKind {
@@ -53,4 +53,4 @@ QString field_list(const Table& table);
 /// The statements that make `table` and its indices.
 QStringList creation_statements(const Table& table);
 
-}  // namespace m47
+}  // namespace m47::db

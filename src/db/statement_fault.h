@@ -5,7 +5,7 @@
 #include <functional>
 #include <optional>
 
-namespace m47 {
+namespace m47::db {
 
 /// Asked before each call of the database engine: executing a statement, reading its next row.
 /// With an answer the call is not made and fails with that error.
@@ -15,4 +15,4 @@ using StatementFault = std::function<std::optional<QSqlError>()>;
 /// `fault` lets every call pass again.
 void set_statement_fault(StatementFault fault);
 
-}  // namespace m47
+}  // namespace m47::db

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace m47 {
+namespace m47::measurement {
 namespace {
 
 constexpr std::size_t kFewest = 2;
@@ -72,4 +72,4 @@ void Scatter::add(const QString& program, const AskedValue& reading) {
     if (known.size() > kRemembered) known.erase(known.begin());
 }
 
-}  // namespace m47
+}  // namespace m47::measurement

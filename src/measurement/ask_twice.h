@@ -6,7 +6,7 @@
 #include <map>
 #include <vector>
 
-namespace m47 {
+namespace m47::measurement {
 
 /// What a question of a measurement reads. Levels and ratios are in dB, error rates without unit,
 /// the offset in MHz, the attenuation in steps of 10 dB.
@@ -49,4 +49,4 @@ class Scatter {
     std::map<std::pair<QString, AskedFor>, AskedValues> lately_;
 };
 
-}  // namespace m47
+}  // namespace m47::measurement

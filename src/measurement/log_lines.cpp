@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstring>
 
-namespace m47 {
+namespace m47::measurement {
 namespace {
 
 const char* find_end(const char* from, const char* stop, char line_end) {
@@ -37,4 +37,4 @@ std::optional<std::size_t> take_log_lines(std::string_view text, bool last, Page
     return static_cast<std::size_t>(at - begin);
 }
 
-}  // namespace m47
+}  // namespace m47::measurement

@@ -7,7 +7,7 @@
 
 #include "page_store.h"
 
-namespace m47 {
+namespace m47::measurement {
 
 /// Adds the lines of `text`, a piece of a log, to `store` and returns how many bytes they took. A
 /// line ends at CR, LF or CR LF; a last line without a line end, or with a CR that may be half of
@@ -15,4 +15,4 @@ namespace m47 {
 /// not fit the page.
 std::optional<std::size_t> take_log_lines(std::string_view text, bool last, PageStore& store);
 
-}  // namespace m47
+}  // namespace m47::measurement

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "measurement.h"
 
-namespace m47 {
+namespace m47::measurement {
 
 QString verdict_text(Verdict verdict) {
     if (verdict == Verdict::none) return {};
@@ -26,4 +26,4 @@ QString frequency_text(float mhz) {
     return QString::number(static_cast<double>(mhz), 'f', 1);
 }
 
-}  // namespace m47
+}  // namespace m47::measurement

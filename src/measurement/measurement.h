@@ -10,7 +10,7 @@
 #include "program_state.h"
 #include "reading.h"
 
-namespace m47 {
+namespace m47::measurement {
 
 /// How the meter was asked; a line of a log does not say it.
 enum class MeasureMode : std::uint8_t { none = 0, analog = 2, digital = 3 };
@@ -79,4 +79,4 @@ std::optional<LevelUnit> unit_of_index(std::optional<int> index);
 /// A frequency in MHz as it is shown: "11778.0".
 QString frequency_text(float mhz);
 
-}  // namespace m47
+}  // namespace m47::measurement

@@ -5,7 +5,7 @@
 
 #include "row_time.h"
 
-namespace m47 {
+namespace m47::measurement {
 namespace {
 
 enum Field { kDate, kTime, kFrequency, kOscillator, kFirstReading, kStatus = 10, kFields };
@@ -69,4 +69,4 @@ std::optional<double> instant_of_line(std::string_view line) {
     return instant_of(fields[kDate], fields[kTime]);
 }
 
-}  // namespace m47
+}  // namespace m47::measurement

@@ -5,7 +5,7 @@
 
 #include "measurement.h"
 
-namespace m47 {
+namespace m47::measurement {
 
 /// The measurement in `line`, 11 TAB-separated fields as the page and its log hold them. The fields
 /// say neither program nor unit nor limits, and of the oscillator what stood in its box.
@@ -14,4 +14,4 @@ Measurement measurement_of_line(std::string_view line);
 /// The instant in the first two fields of `line`; nothing where they hold none.
 std::optional<double> instant_of_line(std::string_view line);
 
-}  // namespace m47
+}  // namespace m47::measurement

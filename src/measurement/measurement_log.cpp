@@ -11,7 +11,7 @@
 #include "log_lines.h"
 #include "plain_file.h"
 
-namespace m47 {
+namespace m47::measurement {
 namespace {
 
 constexpr std::size_t kBlockBytes = std::size_t{256} * 1024;
@@ -22,7 +22,8 @@ void read_lines(int descriptor, PageStore& store) {
     std::vector<char> block(kBlockBytes);
     std::size_t held = 0;
     for (;;) {
-        const qint64 got = read_some(descriptor, block.data() + held, block.size() - held);
+        const qint64 got =
+            platform::read_some(descriptor, block.data() + held, block.size() - held);
         if (got < 0) return;
         held += static_cast<std::size_t>(got);
         const auto taken = take_log_lines({block.data(), held}, got == 0, store);
@@ -32,13 +33,14 @@ void read_lines(int descriptor, PageStore& store) {
     }
 }
 
-bool breaks_off_within_a_line(const AppendFile& file, qint64 length) {
+bool breaks_off_within_a_line(const platform::AppendFile& file, qint64 length) {
     const std::optional<char> last = file.last_byte(length);
     return last && *last != '\n' && *last != '\r';
 }
 
 /// What is told of a line that failed with `error`, after what came of it has been taken back.
-QString taken_back(AppendFile& file, qint64 length, bool shared, const std::error_code& error) {
+QString taken_back(platform::AppendFile& file, qint64 length, bool shared,
+                   const std::error_code& error) {
     const QString reason = qt_error_string(error.value());
     if (shared) return reason + QStringLiteral("; a part of the line may be left");
     const std::error_code left = file.cut_to(length);
@@ -54,8 +56,8 @@ void MeasurementLog::open(const QString& path, PageModel& page) {
     path_ = path;
     log_open_ = true;
     reason_.clear();
-    PlainFile plain(path, kLongestLog);
-    if (plain.fault() != FileFault::none) return;
+    platform::PlainFile plain(path, kLongestLog);
+    if (plain.fault() != platform::FileFault::none) return;
     PageStore store;
     read_lines(plain.file().handle(), store);
     page.replace(std::move(store));
@@ -63,10 +65,10 @@ void MeasurementLog::open(const QString& path, PageModel& page) {
 
 bool MeasurementLog::append(std::string_view line) {
     if (!log_open_) return failed(QStringLiteral("no log is open"));
-    AppendFile file(path_);
+    platform::AppendFile file(path_);
     if (file.fault()) return failed(qt_error_string(file.fault().value()));
     // Another program may log to the same file: what is taken back must not be a line of its own.
-    const FileLock alone(file.descriptor());
+    const platform::FileLock alone(file.descriptor());
     const std::optional<qint64> length = file.length();
     if (!length) return failed(QStringLiteral("not a plain file"));
 
@@ -86,4 +88,4 @@ bool MeasurementLog::failed(const QString& reason) {
     return false;
 }
 
-}  // namespace m47
+}  // namespace m47::measurement

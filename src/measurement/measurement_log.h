@@ -6,7 +6,7 @@
 
 #include "page_model.h"
 
-namespace m47 {
+namespace m47::measurement {
 
 /// The log of the measurements: a text file of one line of 11 TAB-separated Latin-1 fields per row,
 /// each ended by CR LF, with no header line. The file is only held open while it is read or
@@ -46,4 +46,4 @@ class MeasurementLog {
     QString reason_;
 };
 
-}  // namespace m47
+}  // namespace m47::measurement

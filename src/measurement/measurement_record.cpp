@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "measurement_record.h"
 
-namespace m47 {
+namespace m47::measurement {
 namespace {
 
 constexpr float kNoNumber = std::numeric_limits<float>::quiet_NaN();
@@ -85,4 +85,4 @@ std::uint32_t MeasurementRecords::place_of(const LimitsInForce& limits) {
     return place;
 }
 
-}  // namespace m47
+}  // namespace m47::measurement

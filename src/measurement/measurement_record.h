@@ -6,7 +6,7 @@
 
 #include "measurement.h"
 
-namespace m47 {
+namespace m47::measurement {
 
 /// What a page keeps of a measurement beside its text, but for the time, which the text holds: 48
 /// bytes. Programs and limits, which come again with every pass, stand in MeasurementRecords once.
@@ -42,4 +42,4 @@ class MeasurementRecords {
     QHash<QByteArray, std::uint32_t> limit_places_;
 };
 
-}  // namespace m47
+}  // namespace m47::measurement

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "measurement_row.h"
 
-namespace m47 {
+namespace m47::measurement {
 
 QStringList measurement_row(const MeasurementTexts& shown) {
     const bool digital = shown.meas_mode == static_cast<int>(MeasureMode::digital);
@@ -24,4 +24,4 @@ QStringList measurement_row(const MeasurementTexts& shown) {
     };
 }
 
-}  // namespace m47
+}  // namespace m47::measurement

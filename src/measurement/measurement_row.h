@@ -7,7 +7,7 @@
 
 #include "measurement.h"
 
-namespace m47 {
+namespace m47::measurement {
 
 /// What the real-time screen shows when a cycle ends: the texts of its fields and labels as they
 /// stand, range marks included.
@@ -31,4 +31,4 @@ struct MeasurementTexts {
 /// is nothing between the time and the status.
 QStringList measurement_row(const MeasurementTexts& shown);
 
-}  // namespace m47
+}  // namespace m47::measurement

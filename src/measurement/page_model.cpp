@@ -3,7 +3,7 @@
 
 #include <utility>
 
-namespace m47 {
+namespace m47::measurement {
 namespace {
 
 constexpr std::array<const char*, PageStore::kColumns> kHeader{
@@ -79,4 +79,4 @@ QStringList print_lines(const PageModel& page) {
     return lines;
 }
 
-}  // namespace m47
+}  // namespace m47::measurement

@@ -5,7 +5,7 @@
 
 #include "page_store.h"
 
-namespace m47 {
+namespace m47::measurement {
 
 /// The measurement page `measgrid`: model row 0 is the first measurement, the last row is always
 /// the empty one that the next measurement fills; the header row is the horizontal header. Cells
@@ -52,4 +52,4 @@ class PageModel : public QAbstractTableModel {
 /// included, each as a TAB and its cells joined by TAB.
 QStringList print_lines(const PageModel& page);
 
-}  // namespace m47
+}  // namespace m47::measurement

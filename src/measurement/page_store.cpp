@@ -5,7 +5,7 @@
 
 #include "measurement_line.h"
 
-namespace m47 {
+namespace m47::measurement {
 namespace {
 
 constexpr char kTab = '\t';
@@ -116,4 +116,4 @@ void PageStore::end_row(Chunk& chunk) {
     if (chunk.rows == kChunkRows) chunk.bytes.shrink_to_fit();
 }
 
-}  // namespace m47
+}  // namespace m47::measurement

@@ -11,7 +11,7 @@
 
 #include "measurement_record.h"
 
-namespace m47 {
+namespace m47::measurement {
 
 /// The rows of the measurement page as the bytes of a log line, 11 cells in Latin-1 joined by TAB,
 /// and beside a row that was measured here what was measured.
@@ -68,4 +68,4 @@ class PageStore {
     MeasurementRecords records_;
 };
 
-}  // namespace m47
+}  // namespace m47::measurement

@@ -5,7 +5,7 @@
 
 #include "row_time.h"
 
-namespace m47 {
+namespace m47::measurement {
 namespace {
 
 void skip_blanks(std::string_view& text) {
@@ -53,4 +53,4 @@ QString reading_text(Quantity quantity, const Reading& reading) {
     return text + QString::number(static_cast<double>(reading.value), 'f', 1);
 }
 
-}  // namespace m47
+}  // namespace m47::measurement

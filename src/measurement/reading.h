@@ -9,7 +9,7 @@
 #include <limits>
 #include <string_view>
 
-namespace m47 {
+namespace m47::measurement {
 
 /// What the meter measures of a program.
 enum class Quantity : std::uint8_t { level, ber, mer, pvber, cfo, cn, noise };
@@ -42,4 +42,4 @@ constexpr bool is_error_rate(Quantity quantity) {
     return quantity == Quantity::ber || quantity == Quantity::pvber;
 }
 
-}  // namespace m47
+}  // namespace m47::measurement

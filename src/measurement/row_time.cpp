@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <cstdio>
 
-namespace m47 {
+namespace m47::measurement {
 namespace {
 
 constexpr int kCentury = 2000;
@@ -92,4 +92,4 @@ std::string time_text(double time) {
     return {text.data(), static_cast<std::size_t>(length)};
 }
 
-}  // namespace m47
+}  // namespace m47::measurement

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace m47 {
+namespace m47::measurement {
 
 /// The number that `text` begins with, as the limits read it; nothing where it begins with none.
 std::optional<double> leading_value(std::string_view text);
@@ -25,4 +25,4 @@ double row_instant(const QDateTime& moment);
 /// Seconds since 1970 as "yyyy-mm-dd hh:mm:ss".
 std::string time_text(double time);
 
-}  // namespace m47
+}  // namespace m47::measurement

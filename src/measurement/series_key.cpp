@@ -3,7 +3,7 @@
 
 #include <QHashFunctions>
 
-namespace m47 {
+namespace m47::measurement {
 
 bool SeriesKey::operator==(const SeriesKey& other) const {
     if (unit != other.unit || !(program == other.program)) return false;
@@ -31,4 +31,4 @@ std::size_t SeriesKeyHash::operator()(const SeriesKey& key) const {
     return qHashMulti(0, key.frequency.value_or(0), key.oscillator.value_or(0), unit);
 }
 
-}  // namespace m47
+}  // namespace m47::measurement

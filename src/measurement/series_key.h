@@ -5,7 +5,7 @@
 
 #include "measurement.h"
 
-namespace m47 {
+namespace m47::measurement {
 
 /// What measurements have in common that can be compared with one another: the program of a plan,
 /// or the frequency and oscillator of a measurement without one, in one unit.
@@ -30,4 +30,4 @@ struct SeriesKeyHash {
     std::size_t operator()(const SeriesKey& key) const;
 };
 
-}  // namespace m47
+}  // namespace m47::measurement

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <system_error>
 
-namespace m47 {
+namespace m47::platform {
 
 /// A file that lines are put behind; it is made where it is missing. Its name may be that of a pipe
 /// or of a serial device: neither holds the program up. It stays open, and with it a lock on it,
@@ -44,4 +44,4 @@ class AppendFile {
     std::error_code fault_;
 };
 
-}  // namespace m47
+}  // namespace m47::platform

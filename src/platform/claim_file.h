@@ -7,7 +7,7 @@
 
 #include "running_process.h"
 
-namespace m47 {
+namespace m47::platform {
 
 /// A file that one process at a time has, which any user may come to claim. The system takes it
 /// from a process that has ended.
@@ -35,4 +35,4 @@ class ClaimFile {
 /// nothing where no such device is there.
 std::optional<QString> name_of_device(const QString& path);
 
-}  // namespace m47
+}  // namespace m47::platform

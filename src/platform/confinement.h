@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-namespace m47 {
+namespace m47::platform {
 
 /// What the kernel of this machine could do to hold a process.
 struct Confinement {
@@ -28,4 +28,4 @@ void give_up_descriptors();
 /// All of these.
 Confinement confine_this_process();
 
-}  // namespace m47
+}  // namespace m47::platform

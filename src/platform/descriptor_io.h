@@ -5,7 +5,7 @@
 #include <string_view>
 #include <system_error>
 
-namespace m47 {
+namespace m47::platform {
 
 /// Reads at most `room` bytes into `into` and says how many came: 0 at the end, negative after an
 /// error.
@@ -14,4 +14,4 @@ qint64 read_some(int descriptor, char* into, std::size_t room);
 /// Writes `bytes` to the last; why it could not where it could not.
 std::error_code write_all(int descriptor, std::string_view bytes);
 
-}  // namespace m47
+}  // namespace m47::platform

@@ -3,7 +3,7 @@
 
 #include <QString>
 
-namespace m47 {
+namespace m47::platform {
 
 /// A pipe whose reader has gone and a file that has reached its limit no longer end the program:
 /// the write fails instead, which is told where it matters. Programs that this one starts are not
@@ -26,4 +26,4 @@ int end_signal_descriptor();
 /// The exit status of a program that was told to end: 128 + the first signal, as shells have it.
 int end_signal_status();
 
-}  // namespace m47
+}  // namespace m47::platform

@@ -3,7 +3,7 @@
 
 #include <QString>
 
-namespace m47 {
+namespace m47::platform {
 
 /// Keeps other starts of this program away from a file, or from a folder's files, for as long as it
 /// lives. Whoever has it is waited for, 2 s at most: it is held for a few calls to the disk. Where
@@ -28,4 +28,4 @@ class FileLock {
     bool refused_ = false;
 };
 
-}  // namespace m47
+}  // namespace m47::platform

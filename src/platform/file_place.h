@@ -6,7 +6,7 @@
 #include <optional>
 #include <system_error>
 
-namespace m47 {
+namespace m47::platform {
 
 /// True where both paths lead to one file, false where to two; nothing where one leads to none.
 std::optional<bool> same_file(const QString& one, const QString& other);
@@ -25,4 +25,4 @@ std::error_code make_new_file(const QString& path);
 /// that name already. The old name may stay beside the new one.
 std::error_code put_in_free_place(const QString& path, const QString& place);
 
-}  // namespace m47
+}  // namespace m47::platform

@@ -3,7 +3,7 @@
 
 #include <QByteArrayView>
 
-namespace m47 {
+namespace m47::platform {
 
 // What a process does to itself that works on foreign bytes for another one.
 
@@ -25,4 +25,4 @@ bool hand_over(QByteArrayView bytes);
 /// Ends this process at once, with nothing tidied up and nothing told to whatever runs at an end.
 [[noreturn]] void end_at_once(bool good);
 
-}  // namespace m47
+}  // namespace m47::platform

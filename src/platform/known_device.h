@@ -4,7 +4,7 @@
 #include <QString>
 #include <memory>
 
-namespace m47 {
+namespace m47::platform {
 
 /// Knows a device again between two openings. Its path does not tell: the name of an adapter, the
 /// number of a pseudo-terminal and what a link leads to are given to the next one. A device that
@@ -32,4 +32,4 @@ class KnownDevice {
     std::unique_ptr<Node> node_;
 };
 
-}  // namespace m47
+}  // namespace m47::platform

@@ -3,7 +3,7 @@
 
 #include <QByteArray>
 
-namespace m47 {
+namespace m47::platform {
 
 /// True when something listens on the local socket `path`; one that begins with a zero byte has no
 /// file.
@@ -12,4 +12,4 @@ bool local_socket_answers(const QByteArray& path);
 /// True when something listens on TCP port `port` of this machine.
 bool loopback_answers(int port);
 
-}  // namespace m47
+}  // namespace m47::platform

@@ -4,7 +4,7 @@
 #include <QString>
 #include <system_error>
 
-namespace m47 {
+namespace m47::platform {
 
 // Each writes out to the medium and tells why it could not. A file system that knows no such thing
 // has no more to give, which is no error.
@@ -24,4 +24,4 @@ std::error_code sync_folder(const QString& folder);
 /// True where `error` says that there is no room left, on the medium or of what this user may have.
 bool is_full(const std::error_code& error);
 
-}  // namespace m47
+}  // namespace m47::platform

@@ -4,7 +4,7 @@
 #include <QByteArrayView>
 #include <system_error>
 
-namespace m47 {
+namespace m47::platform {
 
 /// A pipe, a terminal or a file behind a descriptor such as stdout, written to without ever waiting
 /// for its reader.
@@ -36,4 +36,4 @@ class PatientOutput {
     bool own_ = false;
 };
 
-}  // namespace m47
+}  // namespace m47::platform

@@ -5,7 +5,7 @@
 #include <QFile>
 #include <QString>
 
-namespace m47 {
+namespace m47::platform {
 
 /// Whether a symbolic link in a file's place stands for the file that it names. Where the program
 /// writes unasked, nobody meant that file.
@@ -55,4 +55,4 @@ struct FileReading {
 /// Reads the plain file `path` whole, under the same conditions.
 FileReading read_plain_file(const QString& path, qint64 longest, Links links = Links::followed);
 
-}  // namespace m47
+}  // namespace m47::platform

@@ -5,7 +5,7 @@
 #include <optional>
 #include <system_error>
 
-namespace m47 {
+namespace m47::platform {
 
 /// A program that runs now.
 struct RunningProcess {
@@ -16,4 +16,4 @@ struct RunningProcess {
 /// The running process of that number; nothing where there is none.
 std::optional<RunningProcess> running_process(qint64 process);
 
-}  // namespace m47
+}  // namespace m47::platform

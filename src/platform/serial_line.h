@@ -6,7 +6,7 @@
 #include <optional>
 #include <system_error>
 
-namespace m47 {
+namespace m47::platform {
 
 /// What speaks against using the serial line `path` just now, as one of std::errc: nothing there,
 /// no permission, busy, no serial line (inappropriate_io_control_operation). A line that this
@@ -29,4 +29,4 @@ std::optional<QString> group_of_device(const QString& path);
 /// The name of the user who runs this program.
 QString name_of_user();
 
-}  // namespace m47
+}  // namespace m47::platform

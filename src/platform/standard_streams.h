@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-namespace m47 {
+namespace m47::platform {
 
 /// The descriptors that every program starts with.
 inline constexpr int kStandardOutput = 1;
@@ -14,4 +14,4 @@ void occupy_closed_streams();
 /// True where somebody looks at what is written there.
 bool is_terminal(int descriptor);
 
-}  // namespace m47
+}  // namespace m47::platform

@@ -5,7 +5,7 @@
 
 #include "numbers.h"
 
-namespace m47 {
+namespace m47::programme {
 
 bool is_number(const QString& text) {
     static const QRegularExpression kNumber(
@@ -14,22 +14,22 @@ bool is_number(const QString& text) {
 }
 
 double box_value(const QString& text) {
-    return meter_value(QString(text).replace(u',', u'.'));
+    return link::meter_value(QString(text).replace(u',', u'.'));
 }
 
 QString number_text(const QString& text) {
     const QString trimmed = text.trimmed();
     if (trimmed.isEmpty()) return {};
     return is_number(trimmed) ? QString(trimmed).replace(u',', u'.')
-                              : plain_text(box_value(trimmed));
+                              : link::plain_text(box_value(trimmed));
 }
 
 QString frequency_box_text(double mhz, bool direct) {
-    return format_number(mhz, direct ? "0.0" : "0");
+    return link::format_number(mhz, direct ? "0.0" : "0");
 }
 
 QString bandwidth_box_text(double mhz) {
-    return format_number(mhz, "00");
+    return link::format_number(mhz, "00");
 }
 
-}  // namespace m47
+}  // namespace m47::programme

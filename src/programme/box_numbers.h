@@ -3,7 +3,7 @@
 
 #include <QString>
 
-namespace m47 {
+namespace m47::programme {
 
 // The numbers that stand in boxes, as texts.
 
@@ -24,4 +24,4 @@ QString frequency_box_text(double mhz, bool direct);
 /// A bandwidth in MHz as the box shows it, in two digits.
 QString bandwidth_box_text(double mhz);
 
-}  // namespace m47
+}  // namespace m47::programme

@@ -3,7 +3,7 @@
 
 #include <array>
 
-namespace m47 {
+namespace m47::programme {
 
 /// The DiSEqC commands that the meter builds itself: it is told the place in this list, counted
 /// from 0. The two runs of sixteen positions are different commands with the same texts, and the
@@ -29,4 +29,4 @@ static_assert(kDiseqcCommands.size() == 74);
 /// "NONE", the last entry.
 inline constexpr int kDiseqcNone = 73;
 
-}  // namespace m47
+}  // namespace m47::programme

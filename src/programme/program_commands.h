@@ -6,7 +6,7 @@
 
 #include "program_row.h"
 
-namespace m47 {
+namespace m47::programme {
 
 // The commands that bring the meter and the antenna to what a program of a plan says. The upload of
 // a plan sends them, and so does a pass that tunes everything.
@@ -35,4 +35,4 @@ QStringList commands_of_program(const ProgramRecord& program, const Oscillators&
 /// it. A DiSEqC command that is unset or "NONE" is left out.
 QStringList switching_commands(const ProgramRow& program, const Oscillators& oscillators);
 
-}  // namespace m47
+}  // namespace m47::programme

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-namespace m47 {
+namespace m47::programme {
 
 /// Programs are numbered from 0 to this, in a plan as in the meter.
 inline constexpr int kHighestProgram = 99;
@@ -24,4 +24,4 @@ constexpr LevelRange level_range(double offset) {
     return {20 - offset, 120 - offset};
 }
 
-}  // namespace m47
+}  // namespace m47::programme

@@ -9,34 +9,34 @@
 #include "numbers.h"
 #include "program_row.h"
 
-namespace m47 {
+namespace m47::programme {
 namespace {
 
 using R = ProgramRecord;
 
 const std::array kProgramFields{
-    ProgramField{field::kPgNum, &R::pg_num},
-    ProgramField{field::kFrequenza, &R::frequenza},
-    ProgramField{field::kLocOsc, &R::loc_osc},
-    ProgramField{field::kLocOsc0, &R::loc_osc0},
-    ProgramField{field::kSatAd, &R::sat_ad},
-    ProgramField{field::kQpskSymbolrate, &R::qpsk_symbolrate},
-    ProgramField{field::kSatchbw, &R::satchbw},
-    ProgramField{field::kDiseqcCmd, &R::diseqc_cmd},
-    ProgramField{field::kDiseqcCmd2, &R::diseqc_cmd2},
-    ProgramField{field::kLnbVolt, &R::lnb_volt},
-    ProgramField{field::kK22, &R::K22},
-    ProgramField{field::kLoggerPos, &R::logger_pos},
-    ProgramField{field::kLoggerState, &R::logger_state},
-    ProgramField{field::kMonitorState, &R::monitor_state},
-    ProgramField{field::kLevMin, &R::lev_min},
-    ProgramField{field::kLevMax, &R::lev_max},
-    ProgramField{field::kNoiseMin, &R::noise_min},
-    ProgramField{field::kNoiseMax, &R::noise_max},
-    ProgramField{field::kChberMin, &R::chber_min},
-    ProgramField{field::kChberMax, &R::chber_max},
-    ProgramField{field::kMerMin, &R::mer_min},
-    ProgramField{field::kMerMax, &R::mer_max},
+    ProgramField{db::field::kPgNum, &R::pg_num},
+    ProgramField{db::field::kFrequenza, &R::frequenza},
+    ProgramField{db::field::kLocOsc, &R::loc_osc},
+    ProgramField{db::field::kLocOsc0, &R::loc_osc0},
+    ProgramField{db::field::kSatAd, &R::sat_ad},
+    ProgramField{db::field::kQpskSymbolrate, &R::qpsk_symbolrate},
+    ProgramField{db::field::kSatchbw, &R::satchbw},
+    ProgramField{db::field::kDiseqcCmd, &R::diseqc_cmd},
+    ProgramField{db::field::kDiseqcCmd2, &R::diseqc_cmd2},
+    ProgramField{db::field::kLnbVolt, &R::lnb_volt},
+    ProgramField{db::field::kK22, &R::K22},
+    ProgramField{db::field::kLoggerPos, &R::logger_pos},
+    ProgramField{db::field::kLoggerState, &R::logger_state},
+    ProgramField{db::field::kMonitorState, &R::monitor_state},
+    ProgramField{db::field::kLevMin, &R::lev_min},
+    ProgramField{db::field::kLevMax, &R::lev_max},
+    ProgramField{db::field::kNoiseMin, &R::noise_min},
+    ProgramField{db::field::kNoiseMax, &R::noise_max},
+    ProgramField{db::field::kChberMin, &R::chber_min},
+    ProgramField{db::field::kChberMax, &R::chber_max},
+    ProgramField{db::field::kMerMin, &R::mer_min},
+    ProgramField{db::field::kMerMax, &R::mer_max},
 };
 
 /// Far more than any list has entries, and still a whole number.
@@ -49,7 +49,7 @@ bool says_yes(const ProgramField& field, double number) {
 }
 
 QVariant number_or_unset(const QString& text) {
-    return text.trimmed().isEmpty() ? QVariant() : QVariant(typed_value(text));
+    return text.trimmed().isEmpty() ? QVariant() : QVariant(link::typed_value(text));
 }
 
 }  // namespace
@@ -65,7 +65,7 @@ const char* field_name(const ProgramField::Member& member) {
 }
 
 int whole_number(const QString& text) {
-    return static_cast<int>(std::clamp(typed_value(text), -kLargestIndex, kLargestIndex));
+    return static_cast<int>(std::clamp(link::typed_value(text), -kLargestIndex, kLargestIndex));
 }
 
 std::size_t oscillator_entry(const ProgramRecord& record) {
@@ -85,16 +85,17 @@ void set_field(ProgramRecord& record, const ProgramField& field, const QString& 
     else if (const auto* number = std::get_if<int R::*>(&field.member))
         record.** number = whole_number(text);
     else
-        record.*std::get<bool R::*>(field.member) = says_yes(field, typed_value(text));
+        record.*std::get<bool R::*>(field.member) = says_yes(field, link::typed_value(text));
 }
 
 void give_box_form(ProgramRecord& record) {
     if (!record.frequenza.isEmpty())
-        record.frequenza = frequency_box_text(typed_value(record.frequenza), record.loc_osc);
-    if (!record.satchbw.isEmpty()) record.satchbw = bandwidth_box_text(typed_value(record.satchbw));
+        record.frequenza = frequency_box_text(link::typed_value(record.frequenza), record.loc_osc);
+    if (!record.satchbw.isEmpty())
+        record.satchbw = bandwidth_box_text(link::typed_value(record.satchbw));
 }
 
-ProgramRecord read_program(const Recordset& set, int unset_diseqc) {
+ProgramRecord read_program(const db::Recordset& set, int unset_diseqc) {
     const ProgramRow row(set);
     ProgramRecord record;
     for (const ProgramField& field : kProgramFields) set_field(record, field, set.text(field.name));
@@ -104,7 +105,7 @@ ProgramRecord read_program(const Recordset& set, int unset_diseqc) {
     return record;
 }
 
-void write_program(Recordset& set, const ProgramRecord& record) {
+void write_program(db::Recordset& set, const ProgramRecord& record) {
     for (const ProgramField& field : kProgramFields) {
         QVariant value;
         if (const auto* text = std::get_if<QString R::*>(&field.member))
@@ -115,8 +116,8 @@ void write_program(Recordset& set, const ProgramRecord& record) {
             value = record.*std::get<bool R::*>(field.member) ? 1 : 0;
         set.set(QString::fromLatin1(field.name), value);
     }
-    set.set(field::kFrequenza, number_or_unset(record.frequenza));
-    set.set(field::kSatchbw, typed_value(record.satchbw));
+    set.set(db::field::kFrequenza, number_or_unset(record.frequenza));
+    set.set(db::field::kSatchbw, link::typed_value(record.satchbw));
 }
 
 bool is_blank(const ProgramRecord& record) {
@@ -130,4 +131,4 @@ bool is_untuned(const ProgramRecord& record) {
     return record.frequenza.trimmed().isEmpty();
 }
 
-}  // namespace m47
+}  // namespace m47::programme

@@ -8,7 +8,7 @@
 #include "oscillators.h"
 #include "recordset.h"
 
-namespace m47 {
+namespace m47::programme {
 
 /// One program of a plan as its controls show it: a text is what stands in the box, a number the
 /// chosen entry. An empty text is an unset field.
@@ -65,9 +65,9 @@ void give_box_form(ProgramRecord& record);
 
 /// The current row of `set` as the boxes show it; unset fields are empty or 0, unset DiSEqC
 /// commands `unset_diseqc`.
-ProgramRecord read_program(const Recordset& set, int unset_diseqc = 0);
+ProgramRecord read_program(const db::Recordset& set, int unset_diseqc = 0);
 /// Sets all fields of the row that is open in `set`, but for the plan's name.
-void write_program(Recordset& set, const ProgramRecord& record);
+void write_program(db::Recordset& set, const ProgramRecord& record);
 
 /// True for the program that a new plan starts with, as long as nobody has stored it. "NONE" for
 /// its unset DiSEqC commands is nothing either.
@@ -75,4 +75,4 @@ bool is_blank(const ProgramRecord& record);
 /// True where no frequency was given yet: the meter would be sent zeros.
 bool is_untuned(const ProgramRecord& record);
 
-}  // namespace m47
+}  // namespace m47::programme

@@ -6,7 +6,7 @@
 #include "diseqc_commands.h"
 #include "numbers.h"
 
-namespace m47 {
+namespace m47::programme {
 
 QString ProgramRow::text(const ProgramField::Member& field) const {
     return set_.text(field_name(field));
@@ -17,7 +17,7 @@ bool ProgramRow::has(const ProgramField::Member& field) const {
 }
 
 double ProgramRow::number(const ProgramField::Member& field) const {
-    return typed_value(text(field));
+    return link::typed_value(text(field));
 }
 
 int ProgramRow::whole(const ProgramField::Member& field) const {
@@ -25,7 +25,7 @@ int ProgramRow::whole(const ProgramField::Member& field) const {
 }
 
 QString ProgramRow::plain(const ProgramField::Member& field) const {
-    return has(field) ? plain_text(number(field)) : QString();
+    return has(field) ? link::plain_text(number(field)) : QString();
 }
 
 std::optional<int> ProgramRow::oscillator() const {
@@ -46,4 +46,4 @@ QList<int> ProgramRow::diseqc() const {
     return places;
 }
 
-}  // namespace m47
+}  // namespace m47::programme

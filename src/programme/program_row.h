@@ -7,7 +7,7 @@
 
 #include "program_record.h"
 
-namespace m47 {
+namespace m47::programme {
 
 /// The program in the current row of a record set as the file holds it, before a box gives it its
 /// form. A field is named by its member of ProgramRecord; a field that holds nothing but blanks is
@@ -15,7 +15,7 @@ namespace m47 {
 class ProgramRow {
   public:
     /// Follows `programmi`, which has to outlive this object, from row to row.
-    explicit ProgramRow(const Recordset& programmi) : set_(programmi) {}
+    explicit ProgramRow(const db::Recordset& programmi) : set_(programmi) {}
 
     bool has(const ProgramField::Member& field) const;
     /// As it stands, blanks and all; empty where unset.
@@ -41,7 +41,7 @@ class ProgramRow {
     QList<int> diseqc() const;
 
   private:
-    const Recordset& set_;
+    const db::Recordset& set_;
 };
 
-}  // namespace m47
+}  // namespace m47::programme

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tuning_range.h"
 
-namespace m47 {
+namespace m47::programme {
 namespace {
 
 constexpr double kBandStart = 920;
@@ -23,4 +23,4 @@ double inside_range(double frequency, const TuningRange& range) {
     return frequency;
 }
 
-}  // namespace m47
+}  // namespace m47::programme

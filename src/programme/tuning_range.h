@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-namespace m47 {
+namespace m47::programme {
 
 /// The frequencies in MHz that the meter can tune, both ends included.
 struct TuningRange {
@@ -26,4 +26,4 @@ inline constexpr double kSymbolRateMaximum = 45000;
 inline constexpr double kBandwidthMinimum = 5;
 inline constexpr double kBandwidthMaximum = 36;
 
-}  // namespace m47
+}  // namespace m47::programme

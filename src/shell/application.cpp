@@ -27,7 +27,7 @@
 #include "window_end.h"
 #include "work_folder.h"
 
-namespace m47 {
+namespace m47::shell {
 namespace {
 
 constexpr Bilingual kNoFolder{"Cannot work in the folder %1.",
@@ -92,13 +92,13 @@ void tell(const QString& text, const Options& options) {
         show_message_box(nullptr, QMessageBox::Critical, QStringLiteral("M47"), text);
 }
 
-std::unique_ptr<Database> open_database(const ProgramState& state, const Options& options) {
+std::unique_ptr<db::Database> open_database(const ProgramState& state, const Options& options) {
     const QString& path = state.database_file;
-    DatabaseError error{};
-    std::unique_ptr<Database> database;
-    if (!options.create_database || Database::create(path, error))
-        database = Database::open(path, error);
-    if (!database) tell(database_error_text(error, state.texts), options);
+    db::DatabaseError error{};
+    std::unique_ptr<db::Database> database;
+    if (!options.create_database || db::Database::create(path, error))
+        database = db::Database::open(path, error);
+    if (!database) tell(db::database_error_text(error, state.texts), options);
     return database;
 }
 
@@ -109,12 +109,12 @@ std::unique_ptr<QCoreApplication> make_application(int& argc, char** argv, const
     return std::make_unique<GuardedApplication>(argc, argv);
 }
 
-int measure_unattended(ProgramState& state, Database& database, PortList ports,
+int measure_unattended(ProgramState& state, db::Database& database, link::PortList ports,
                        const Options& options) {
     NoView view;
     MeterConnection connection(state, std::move(ports),
-                               std::make_unique<RealClock>(local_time_of_day),
-                               std::make_unique<RealPort>(), view, view);
+                               std::make_unique<link::RealClock>(platform::local_time_of_day),
+                               std::make_unique<link::RealPort>(), view, view);
     return run_unattended(state, database, connection, options);
 }
 
@@ -129,7 +129,7 @@ int run_windows(Program& program, const Options& options) {
     });
     const WindowEnd end(program);
     const int status = QApplication::exec();
-    return times_told_to_end() > 0 ? WindowEnd::tell(program) : status;
+    return platform::times_told_to_end() > 0 ? WindowEnd::tell(program) : status;
 }
 
 /// Takes over what the program's state keeps of the command line.
@@ -140,14 +140,14 @@ void choose(ProgramState& state, const Options& options) {
     if (options.confirm) state.corrected.ask_twice = true;
 }
 
-PortList ports_of(const Options& options) {
-    PortList ports;
+link::PortList ports_of(const Options& options) {
+    link::PortList ports;
     for (const QString& entry : options.ports) ports.add(entry);
     return ports;
 }
 
 int run_with_options(int argc, char** argv, const Options& options) {
-    listen_to_end_signals();
+    platform::listen_to_end_signals();
     g_toolkit_messages = qInstallMessageHandler(pass_message);
     const std::unique_ptr<QCoreApplication> application = make_application(argc, argv, options);
     QCoreApplication::setApplicationName(QStringLiteral("m47-remote"));
@@ -160,14 +160,14 @@ int run_with_options(int argc, char** argv, const Options& options) {
         return kDatabase;
     }
     state.base_dir = folder_with_separator(QDir::currentPath());
-    state.database_file = state.base_dir + QLatin1String(kDatabaseFile);
+    state.database_file = state.base_dir + QLatin1String(db::kDatabaseFile);
     const QString wrong_file = file_option_fault(options, state.base_dir);
     if (!wrong_file.isEmpty()) {
         print(stderr, QStringLiteral("m47-remote: ") + wrong_file);
         return kUsage;
     }
     choose(state, options);
-    std::unique_ptr<Database> database = open_database(state, options);
+    std::unique_ptr<db::Database> database = open_database(state, options);
     if (!database) return kDatabase;
     if (!options.import_database.isEmpty())
         return import_unattended(*database, options.import_database, state.texts);
@@ -179,9 +179,9 @@ int run_with_options(int argc, char** argv, const Options& options) {
 }  // namespace
 
 int run_program(int argc, char** argv) {
-    occupy_closed_streams();
-    if (argc == 2 && qstrcmp(argv[1], kReadOldDatabase) == 0) return run_old_reader();
-    let_writes_fail();
+    platform::occupy_closed_streams();
+    if (argc == 2 && qstrcmp(argv[1], olddb::kReadOldDatabase) == 0) return olddb::run_old_reader();
+    platform::let_writes_fail();
     const Options options = parse_options(own_arguments(argc, argv));
     switch (options.action) {
         case Options::Action::help:
@@ -206,4 +206,4 @@ int run_program(int argc, char** argv) {
     return run_with_options(argc, argv, options);
 }
 
-}  // namespace m47
+}  // namespace m47::shell

@@ -7,7 +7,7 @@
 #include <chrono>
 #include <utility>
 
-namespace m47 {
+namespace m47::shell {
 namespace {
 
 constexpr std::chrono::milliseconds kLookAgain{50};
@@ -52,4 +52,4 @@ void BusyPump::timerEvent(QTimerEvent* event) {
         if (window) window->close();
 }
 
-}  // namespace m47
+}  // namespace m47::shell

@@ -8,7 +8,7 @@
 
 #include "stale_input.h"
 
-namespace m47 {
+namespace m47::shell {
 
 /// Keeps the windows alive while the meter is being waited for: they repaint and answer the
 /// desktop, but nothing that the user does and no timer is acted on. Of the clicks and keys that
@@ -36,4 +36,4 @@ class BusyPump : public QObject {
     QList<QPointer<QWidget>> closing_;
 };
 
-}  // namespace m47
+}  // namespace m47::shell

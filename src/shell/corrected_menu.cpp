@@ -3,7 +3,7 @@
 
 #include "corrected_actions.h"
 
-namespace m47 {
+namespace m47::shell {
 namespace {
 
 constexpr Bilingual kMenuTitle{"Corrected &behaviour", "&Comportamento corretto"};
@@ -167,4 +167,4 @@ void CorrectedMenu::join(const QObject* screen) {
             follow_each_other(entry, same);
 }
 
-}  // namespace m47
+}  // namespace m47::shell

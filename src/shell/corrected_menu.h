@@ -7,7 +7,7 @@
 
 #include "program_state.h"
 
-namespace m47 {
+namespace m47::shell {
 
 /// The menu "Corrected behaviour": an entry for each choice, one for all of them, and whether the
 /// program shall start with them. The choices themselves are those of the program's state; where
@@ -44,4 +44,4 @@ class CorrectedMenu : public QObject {
     bool following_ = false;  ///< entries change because another one has
 };
 
-}  // namespace m47
+}  // namespace m47::shell

@@ -5,7 +5,7 @@
 
 #include "listener.h"
 
-namespace m47 {
+namespace m47::shell {
 namespace {
 
 constexpr int kFirstXPort = 6000;
@@ -14,7 +14,7 @@ bool wayland_reachable() {
     QByteArray path = qgetenv("WAYLAND_DISPLAY");
     if (path.isEmpty()) return false;
     if (!path.startsWith('/')) path.prepend(qgetenv("XDG_RUNTIME_DIR") + '/');
-    return local_socket_answers(path);
+    return platform::local_socket_answers(path);
 }
 
 }  // namespace
@@ -28,10 +28,11 @@ bool x_display_reachable(const QByteArray& name) {
     if (!good || number < 0) return false;
     if (host.isEmpty() || host == "unix") {
         const QByteArray path = "/tmp/.X11-unix/X" + QByteArray::number(number);
-        return local_socket_answers(path) || local_socket_answers(QByteArray(1, '\0') + path);
+        return platform::local_socket_answers(path) ||
+               platform::local_socket_answers(QByteArray(1, '\0') + path);
     }
     if (host == "localhost" || host.startsWith("127."))
-        return loopback_answers(kFirstXPort + number);
+        return platform::loopback_answers(kFirstXPort + number);
     return true;
 }
 
@@ -39,4 +40,4 @@ bool display_reachable() {
     return wayland_reachable() || x_display_reachable(qgetenv("DISPLAY"));
 }
 
-}  // namespace m47
+}  // namespace m47::shell

@@ -3,10 +3,10 @@
 
 #include "texts.h"
 
-namespace m47 {
+namespace m47::shell {
 
 /// Tells on stderr in one line which signal told the program to end and `how_far` the work had
 /// come.
 void tell_end(const Said& how_far, const Texts& texts);
 
-}  // namespace m47
+}  // namespace m47::shell

@@ -7,7 +7,7 @@
 #include "database.h"
 #include "file_place.h"
 
-namespace m47 {
+namespace m47::shell {
 namespace {
 
 struct NamedFile {
@@ -35,13 +35,13 @@ QString place_of(const QString& path, int links = 0) {
 
 /// One file can have two names.
 bool lead_to_one_file(const QString& one, const QString& other) {
-    return same_file(one, other).value_or(place_of(one) == place_of(other));
+    return platform::same_file(one, other).value_or(place_of(one) == place_of(other));
 }
 
 }  // namespace
 
 QString file_option_fault(const Options& options, const QString& base_dir) {
-    const QString database = base_dir + QLatin1String(kDatabaseFile);
+    const QString database = base_dir + QLatin1String(db::kDatabaseFile);
     const QList<NamedFile> files = named_files(options);
     for (qsizetype k = 0; k < files.size(); ++k) {
         for (const char* beside : {"", "-journal", "-wal", "-shm"})
@@ -56,4 +56,4 @@ QString file_option_fault(const Options& options, const QString& base_dir) {
     return {};
 }
 
-}  // namespace m47
+}  // namespace m47::shell

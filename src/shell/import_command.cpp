@@ -19,7 +19,7 @@
 #include "unattended.h"
 #include "work.h"
 
-namespace m47 {
+namespace m47::shell {
 namespace {
 
 constexpr Bilingual kImportTitle{"Import old database", "Importa vecchio database"};
@@ -33,29 +33,29 @@ constexpr Bilingual kImported{"%1 plans and %2 satellites had been imported, eac
 /// How many of `items` have come, under whatever name.
 template <class Items>
 int arrived(const Items& items) {
-    const auto came = [](const ImportItem& item) {
-        return item.arrival != Arrival::open && item.arrival != Arrival::kept;
+    const auto came = [](const olddb::ImportItem& item) {
+        return item.arrival != olddb::Arrival::open && item.arrival != olddb::Arrival::kept;
     };
     return static_cast<int>(std::ranges::count_if(items, came));
 }
 
-QStringList arrivals(const ImportPlan& plan) {
+QStringList arrivals(const olddb::ImportPlan& plan) {
     return {QString::number(arrived(plan.plans)), QString::number(arrived(plan.satellites))};
 }
 
 /// Reads the shared sets anew; the plan that the screens step on from stays the same.
-void refresh_sets(Database& database) {
-    Recordset& plans = database.gruppo();
+void refresh_sets(db::Database& database) {
+    db::Recordset& plans = database.gruppo();
     const bool on_plan = !plans.begin_of_set() && !plans.end_of_set();
-    const QString plan = on_plan ? plans.text(field::kNome) : QString();
-    for (Recordset* set :
+    const QString plan = on_plan ? plans.text(db::field::kNome) : QString();
+    for (db::Recordset* set :
          {&plans, &database.programmi(), &database.configurazione(), &database.asl()})
         set->requery();
-    if (on_plan) plans.find_first(field::kNome, plan);
+    if (on_plan) plans.find_first(db::field::kNome, plan);
 }
 
-bool anything_clashes(const ImportPlan& plan) {
-    const auto clashes = [](const ImportItem& item) { return item.clashes; };
+bool anything_clashes(const olddb::ImportPlan& plan) {
+    const auto clashes = [](const olddb::ImportItem& item) { return item.clashes; };
     return std::ranges::any_of(plan.plans, clashes) ||
            std::ranges::any_of(plan.satellites, clashes);
 }
@@ -67,7 +67,7 @@ void say_on_stderr(const QString& text) {
 
 }  // namespace
 
-ImportCommand::ImportCommand(Database& database, Link& link, const ProgramState& program,
+ImportCommand::ImportCommand(db::Database& database, link::Link& link, const ProgramState& program,
                              QWidget& window)
     : database_(database), link_(link), program_(program), texts_(program.texts), window_(window) {}
 
@@ -79,22 +79,22 @@ void ImportCommand::cmdimportdb_Click() {
 }
 
 void ImportCommand::import_file(const QString& path) {
-    Work work(link_, kNothingImported);
-    OldFileError error;
-    const auto old = read_old_database(path, error, [this] { pump(); });
+    link::Work work(link_, kNothingImported);
+    olddb::OldFileError error;
+    const auto old = olddb::read_old_database(path, error, [this] { pump(); });
     if (!old) {
         show_message_box(&window_, QMessageBox::Critical, texts_.pick(kImportTitle),
-                         old_file_error_text(error, texts_));
+                         olddb::old_file_error_text(error, texts_));
         return;
     }
-    ImportPlan plan = import_plan_of(*old);
-    mark_clashes(plan, database_);
-    if (anything_clashes(plan) && !ClashDialog(plan, texts_, &window_).ask()) return;
-    const QString stopped = apply_import(plan, database_, texts_, link_.interrupted);
+    olddb::ImportPlan plan = olddb::import_plan_of(*old);
+    olddb::mark_clashes(plan, database_);
+    if (anything_clashes(plan) && !olddb::ClashDialog(plan, texts_, &window_).ask()) return;
+    const QString stopped = olddb::apply_import(plan, database_, texts_, link_.interrupted);
     work.at(kImported, arrivals(plan));
     refresh_sets(database_);
-    ReportDialog(texts_.pick(kImportTitle), import_report(plan, path, stopped, texts_), texts_,
-                 &window_)
+    olddb::ReportDialog(texts_.pick(kImportTitle),
+                        olddb::import_report(plan, path, stopped, texts_), texts_, &window_)
         .exec();
 }
 
@@ -104,34 +104,34 @@ void ImportCommand::pump() {
     if (link_.interrupted && link_.interrupted()) throw Interrupted();
 }
 
-int import_unattended(Database& database, const QString& path, const Texts& texts) try {
-    const auto told = [] { return times_told_to_end() > 0; };
-    OldFileError error;
-    const auto old = read_old_database(path, error, [&] {
+int import_unattended(db::Database& database, const QString& path, const Texts& texts) try {
+    const auto told = [] { return platform::times_told_to_end() > 0; };
+    olddb::OldFileError error;
+    const auto old = olddb::read_old_database(path, error, [&] {
         if (told()) throw Interrupted();
     });
     if (!old) {
-        say_on_stderr(old_file_error_text(error, texts));
+        say_on_stderr(olddb::old_file_error_text(error, texts));
         return kOldFileUnreadable;
     }
-    const QString remark = reader_remark(*old, texts);
+    const QString remark = olddb::reader_remark(*old, texts);
     if (!remark.isEmpty()) say_on_stderr(remark);
-    ImportPlan plan = import_plan_of(*old);
-    const QString stopped = apply_import(plan, database, texts, told);
-    const QByteArray report = import_report(plan, path, stopped, texts).toUtf8();
+    olddb::ImportPlan plan = olddb::import_plan_of(*old);
+    const QString stopped = olddb::apply_import(plan, database, texts, told);
+    const QByteArray report = olddb::import_report(plan, path, stopped, texts).toUtf8();
     const bool printed = std::fputs(report.constData(), stdout) >= 0 && std::fflush(stdout) == 0;
     if (!stopped.isEmpty() && told()) {
         tell_end({kImported, arrivals(plan)}, texts);
-        return end_signal_status();
+        return platform::end_signal_status();
     }
     if (!stopped.isEmpty()) {
-        say_on_stderr(stopped_text(stopped, texts));
+        say_on_stderr(olddb::stopped_text(stopped, texts));
         return kDatabase;
     }
     return printed ? kGood : kOutputLost;
 } catch (const Interrupted&) {
     tell_end({kNothingImported, {}}, texts);
-    return end_signal_status();
+    return platform::end_signal_status();
 }
 
-}  // namespace m47
+}  // namespace m47::shell

@@ -8,14 +8,15 @@
 #include "link.h"
 #include "program_state.h"
 
-namespace m47 {
+namespace m47::shell {
 
 /// The menu entry that brings plans and satellites from a file of the old engine.
 class ImportCommand {
   public:
     /// Its boxes stand over `window`; the view of `link` keeps the windows alive while the file is
     /// read.
-    ImportCommand(Database& database, Link& link, const ProgramState& program, QWidget& window);
+    ImportCommand(db::Database& database, link::Link& link, const ProgramState& program,
+                  QWidget& window);
 
     /// Asks for the file, for what is to become of every plan and satellite that is there already,
     /// imports and shows the report. Cancelling any of the questions imports nothing.
@@ -25,8 +26,8 @@ class ImportCommand {
     void import_file(const QString& path);
     void pump();
 
-    Database& database_;
-    Link& link_;
+    db::Database& database_;
+    link::Link& link_;
     const ProgramState& program_;
     const Texts& texts_;
     QWidget& window_;
@@ -34,6 +35,6 @@ class ImportCommand {
 
 /// The same without asking: what is there already is kept, and the report goes to stdout. Returns
 /// the exit status.
-int import_unattended(Database& database, const QString& path, const Texts& texts);
+int import_unattended(db::Database& database, const QString& path, const Texts& texts);
 
-}  // namespace m47
+}  // namespace m47::shell

@@ -2,5 +2,5 @@
 #include "application.h"
 
 int main(int argc, char** argv) {
-    return m47::run_program(argc, argv);
+    return m47::shell::run_program(argc, argv);
 }

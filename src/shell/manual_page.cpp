@@ -6,7 +6,7 @@
 
 #include "screen_table.h"
 
-namespace m47 {
+namespace m47::shell {
 namespace {
 
 constexpr Bilingual kNoManual{
@@ -44,4 +44,4 @@ QString manual_missing_text(const QStringList& folders, const Texts& texts) {
     return texts.pick(kNoManual).arg(folders.join(QStringLiteral(", ")));
 }
 
-}  // namespace m47
+}  // namespace m47::shell

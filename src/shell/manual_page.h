@@ -6,7 +6,7 @@
 
 #include "texts.h"
 
-namespace m47 {
+namespace m47::shell {
 
 /// The manual's page about the screen of toolbar key `key`; "index" for any other.
 QString manual_page_name(const QString& key);
@@ -22,4 +22,4 @@ QString find_manual_page(const QStringList& folders, const QString& name, const 
 /// What to tell where no folder has the manual.
 QString manual_missing_text(const QStringList& folders, const Texts& texts);
 
-}  // namespace m47
+}  // namespace m47::shell

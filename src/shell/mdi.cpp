@@ -16,7 +16,7 @@
 #include "tooltips.h"
 #include "ui_mdi.h"
 
-namespace m47 {
+namespace m47::shell {
 namespace {
 
 /// Timers rest while a handler waits for the meter.
@@ -262,4 +262,4 @@ void M47MDI::enable_asl(bool on) {
     findChild<QAction*>(QStringLiteral("asl"))->setEnabled(on);
 }
 
-}  // namespace m47
+}  // namespace m47::shell

@@ -19,13 +19,13 @@ namespace Ui {
 class M47MDI;
 }
 
-namespace m47 {
+namespace m47::shell {
 
 /// How the main window makes one of its screens.
 using ScreenMaker = std::function<Screen*()>;
 
 /// The main window: toolbar and menus, the child views, the link's status.
-class M47MDI : public QMainWindow, public MainWindowView {
+class M47MDI : public QMainWindow, public link::MainWindowView {
     Q_OBJECT
   public:
     explicit M47MDI(ProgramState& program, QWidget* parent = nullptr);
@@ -114,4 +114,4 @@ class M47MDI : public QMainWindow, public MainWindowView {
     QPointer<QMdiSubWindow> front_;
 };
 
-}  // namespace m47
+}  // namespace m47::shell

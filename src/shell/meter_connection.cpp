@@ -3,11 +3,12 @@
 
 #include "port_diagnosis.h"
 
-namespace m47 {
+namespace m47::shell {
 
-MeterConnection::MeterConnection(ProgramState& state, PortList ports, std::unique_ptr<Clock> clock,
-                                 std::unique_ptr<SerialPort> port, LinkView& view,
-                                 MainWindowView& window)
+MeterConnection::MeterConnection(ProgramState& state, link::PortList ports,
+                                 std::unique_ptr<link::Clock> clock,
+                                 std::unique_ptr<link::SerialPort> port, link::LinkView& view,
+                                 link::MainWindowView& window)
     : state_(state),
       ports_(std::move(ports)),
       clock_(std::move(clock)),
@@ -31,8 +32,8 @@ bool MeterConnection::reconnect() {
 }
 
 QString MeterConnection::fault() const {
-    if (claim_.holder()) return claim_text(*claim_.holder(), port_->path(), state_.texts);
-    return port_fault_text(port_->fault(), port_->path(), state_.texts);
+    if (claim_.holder()) return link::claim_text(*claim_.holder(), port_->path(), state_.texts);
+    return link::port_fault_text(port_->fault(), port_->path(), state_.texts);
 }
 
-}  // namespace m47
+}  // namespace m47::shell

@@ -10,22 +10,23 @@
 #include "program_state.h"
 #include "serial_port.h"
 
-namespace m47 {
+namespace m47::shell {
 
 /// The way to the meter, with windows or without: the ports of this machine, the line and who may
 /// use it, the link, and who the meter behind it is.
 class MeterConnection {
   public:
     /// What a user would see of it goes to `view` and `window`.
-    MeterConnection(ProgramState& state, PortList ports, std::unique_ptr<Clock> clock,
-                    std::unique_ptr<SerialPort> port, LinkView& view, MainWindowView& window);
+    MeterConnection(ProgramState& state, link::PortList ports, std::unique_ptr<link::Clock> clock,
+                    std::unique_ptr<link::SerialPort> port, link::LinkView& view,
+                    link::MainWindowView& window);
     MeterConnection(const MeterConnection&) = delete;
     MeterConnection& operator=(const MeterConnection&) = delete;
 
-    Link& link() { return link_; }
-    const Link& link() const { return link_; }
-    PortList& ports() { return ports_; }
-    Identification& identification() { return identification_; }
+    link::Link& link() { return link_; }
+    const link::Link& link() const { return link_; }
+    link::PortList& ports() { return ports_; }
+    link::Identification& identification() { return identification_; }
 
     /// Identifies the meter on port `number` (1 to 10), as picking it on the port screen does.
     void identify(int number);
@@ -38,19 +39,19 @@ class MeterConnection {
 
     /// True when the link was lost because another device stands in the place of the one that was
     /// identified.
-    bool other_device() const { return port_->fault() == PortFault::another_device; }
+    bool other_device() const { return port_->fault() == link::PortFault::another_device; }
 
     /// Why the port cannot be used, for the user; empty where nothing is known against it.
     QString fault() const;
 
   private:
     const ProgramState& state_;
-    PortList ports_;
-    std::unique_ptr<Clock> clock_;
-    std::unique_ptr<SerialPort> port_;
-    Link link_;
-    PortClaim claim_;
-    Identification identification_;
+    link::PortList ports_;
+    std::unique_ptr<link::Clock> clock_;
+    std::unique_ptr<link::SerialPort> port_;
+    link::Link link_;
+    link::PortClaim claim_;
+    link::Identification identification_;
 };
 
-}  // namespace m47
+}  // namespace m47::shell

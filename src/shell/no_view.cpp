@@ -4,7 +4,7 @@
 #include <QCoreApplication>
 #include <QEventLoop>
 
-namespace m47 {
+namespace m47::shell {
 
 void NoView::pump() {
     // What the serial library posts to itself must not pile up for days.
@@ -12,4 +12,4 @@ void NoView::pump() {
                                     QEventLoop::X11ExcludeTimers);
 }
 
-}  // namespace m47
+}  // namespace m47::shell

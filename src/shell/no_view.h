@@ -4,10 +4,10 @@
 #include "identification.h"
 #include "link_view.h"
 
-namespace m47 {
+namespace m47::shell {
 
 /// What is shown of the link where there is no window: nothing. It only keeps what is asked back.
-class NoView : public LinkView, public MainWindowView {
+class NoView : public link::LinkView, public link::MainWindowView {
   public:
     void show_progress_bar() override {}
     void set_progress(int) override {}
@@ -23,4 +23,4 @@ class NoView : public LinkView, public MainWindowView {
     QString caption_;
 };
 
-}  // namespace m47
+}  // namespace m47::shell

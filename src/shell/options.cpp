@@ -10,7 +10,7 @@
 #include "screen_table.h"
 #include "tuning_range.h"
 
-namespace m47 {
+namespace m47::shell {
 namespace {
 
 const QStringList kAlarmNames{QStringLiteral("level"), QStringLiteral("ber"),
@@ -121,7 +121,7 @@ QString read_alarms(const QCommandLineParser& parser, QList<AlarmOption>& alarms
 /// A value that the screen would move into its range without a word.
 struct RangedOption {
     const char* name;
-    TuningRange range;
+    programme::TuningRange range;
     const char* unit;
     QString Options::*text;
 };
@@ -146,9 +146,15 @@ QString read_ranged(const QCommandLineParser& parser, const RangedOption& option
 /// A measurement without a plan is tuned directly.
 QString read_ranged_options(const QCommandLineParser& parser, Options& options) {
     const RangedOption ranged[] = {
-        {"freq", tuning_range(true, 0), "MHz", &Options::frequency},
-        {"bandwidth", {kBandwidthMinimum, kBandwidthMaximum}, "MHz", &Options::bandwidth},
-        {"symbol-rate", {kSymbolRateMinimum, kSymbolRateMaximum}, "kS/s", &Options::symbol_rate}};
+        {"freq", programme::tuning_range(true, 0), "MHz", &Options::frequency},
+        {"bandwidth",
+         {programme::kBandwidthMinimum, programme::kBandwidthMaximum},
+         "MHz",
+         &Options::bandwidth},
+        {"symbol-rate",
+         {programme::kSymbolRateMinimum, programme::kSymbolRateMaximum},
+         "kS/s",
+         &Options::symbol_rate}};
     QString error;
     for (const RangedOption& option : ranged)
         if (error.isEmpty()) error = read_ranged(parser, option, options);
@@ -166,7 +172,7 @@ QString read_names(const QCommandLineParser& parser) {
 }
 
 QString read_values(const QCommandLineParser& parser, Options& options) {
-    PortList entries({.sys = {}, .dev = {}, .reported = [] { return QStringList(); }});
+    link::PortList entries({.sys = {}, .dev = {}, .reported = [] { return QStringList(); }});
     options.ports = parser.values(QStringLiteral("port"));
     for (const QString& entry : std::as_const(options.ports))
         if (!entries.add(entry))
@@ -174,8 +180,8 @@ QString read_values(const QCommandLineParser& parser, Options& options) {
                 .arg(entry);
     QString error = read_names(parser);
     if (error.isEmpty())
-        error =
-            read_number(parser, QStringLiteral("on-port"), 1, PortList::kPorts, options.on_port);
+        error = read_number(parser, QStringLiteral("on-port"), 1, link::PortList::kPorts,
+                            options.on_port);
     if (error.isEmpty())
         error = read_number(parser, QStringLiteral("count"), 1, 1'000'000'000, options.count);
     if (error.isEmpty())
@@ -293,4 +299,4 @@ QString help_text() {
                                      QStringLiteral("m47-remote"));
 }
 
-}  // namespace m47
+}  // namespace m47::shell

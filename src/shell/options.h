@@ -5,7 +5,7 @@
 #include <QString>
 #include <QStringList>
 
-namespace m47 {
+namespace m47::shell {
 
 /// One alarm of an unattended measurement: its limits as they would be typed on the screen, or none
 /// where those of a plan hold.
@@ -57,4 +57,4 @@ Options parse_options(const QStringList& arguments);
 /// The text of --help.
 QString help_text();
 
-}  // namespace m47
+}  // namespace m47::shell

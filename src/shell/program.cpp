@@ -17,7 +17,7 @@
 #include "realtime.h"
 #include "screen_table.h"
 
-namespace m47 {
+namespace m47::shell {
 namespace {
 
 constexpr QSize kWindowSize(1100, 720);
@@ -33,13 +33,14 @@ constexpr Bilingual kNoReader{"No program of this computer opens %1.",
 
 }  // namespace
 
-Program::Program(ProgramState& state, std::unique_ptr<Database> database, PortList ports,
-                 RealClock::TimeOfDay time_of_day)
+Program::Program(ProgramState& state, std::unique_ptr<db::Database> database, link::PortList ports,
+                 link::RealClock::TimeOfDay time_of_day)
     : Program(state, std::move(database), std::move(ports),
-              std::make_unique<RealClock>(std::move(time_of_day)), std::make_unique<RealPort>()) {}
+              std::make_unique<link::RealClock>(std::move(time_of_day)),
+              std::make_unique<link::RealPort>()) {}
 
-Program::Program(ProgramState& state, std::unique_ptr<Database> database, PortList ports,
-                 std::unique_ptr<Clock> clock, std::unique_ptr<SerialPort> port)
+Program::Program(ProgramState& state, std::unique_ptr<db::Database> database, link::PortList ports,
+                 std::unique_ptr<link::Clock> clock, std::unique_ptr<link::SerialPort> port)
     : state_(state),
       database_(std::move(database)),
       window_(state),
@@ -54,7 +55,7 @@ Program::Program(ProgramState& state, std::unique_ptr<Database> database, PortLi
     connect_connection();
     on(&window_, &M47MDI::import_asked, &window_, "cmdimportdb_Click", [this] {
         import_.cmdimportdb_Click();
-        if (auto* screen = window_.opened<ProgramSet>()) screen->database_changed();
+        if (auto* screen = window_.opened<plans::ProgramSet>()) screen->database_changed();
     });
     on(&window_, &M47MDI::manual_asked, &window_, "cmdmanual_Click", [this] { cmdmanual_Click(); });
     window_.resize(kWindowSize.boundedTo(QGuiApplication::primaryScreen()->availableSize()));
@@ -64,7 +65,7 @@ Program::Program(ProgramState& state, std::unique_ptr<Database> database, PortLi
 std::optional<Said> Program::left_off() const {
     const std::optional<Said>& told = connection_.link().left_off;
     if (told) return told;
-    const auto* screen = window_.opened<Realtime>();
+    const auto* screen = window_.opened<realtime::Realtime>();
     return screen ? screen->acquisition.running() : std::nullopt;
 }
 
@@ -120,4 +121,4 @@ void Program::add_screens() {
                            [parts, make = screen.make] { return make(parts); });
 }
 
-}  // namespace m47
+}  // namespace m47::shell

@@ -16,26 +16,26 @@
 #include "real_clock.h"
 #include "serial_port.h"
 
-namespace m47 {
+namespace m47::shell {
 
 /// The whole program: the parts that live as long as it does, and who knows whom.
 class Program {
   public:
     /// `state` with `base_dir` set and `database` already open. `time_of_day` sets the pace of the
     /// characters on the line.
-    Program(ProgramState& state, std::unique_ptr<Database> database, PortList ports,
-            RealClock::TimeOfDay time_of_day = local_time_of_day);
+    Program(ProgramState& state, std::unique_ptr<db::Database> database, link::PortList ports,
+            link::RealClock::TimeOfDay time_of_day = platform::local_time_of_day);
     /// The same on another time and line than those of this machine.
-    Program(ProgramState& state, std::unique_ptr<Database> database, PortList ports,
-            std::unique_ptr<Clock> clock, std::unique_ptr<SerialPort> port);
+    Program(ProgramState& state, std::unique_ptr<db::Database> database, link::PortList ports,
+            std::unique_ptr<link::Clock> clock, std::unique_ptr<link::SerialPort> port);
     ~Program();
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
 
     M47MDI& window() { return window_; }
     MeterConnection& connection() { return connection_; }
-    Link& link() { return connection_.link(); }
-    Database& database() { return *database_; }
+    link::Link& link() { return connection_.link(); }
+    db::Database& database() { return *database_; }
     ProgramState& state() { return state_; }
     const ProgramState& state() const { return state_; }
 
@@ -59,12 +59,12 @@ class Program {
     void watch_device();
 
     ProgramState& state_;
-    std::unique_ptr<Database> database_;
+    std::unique_ptr<db::Database> database_;
     M47MDI window_;
     MeterConnection connection_;
-    DeviceWatch watch_;
+    link::DeviceWatch watch_;
     QTimer watch_timer_;
     ImportCommand import_;
 };
 
-}  // namespace m47
+}  // namespace m47::shell

@@ -3,7 +3,7 @@
 
 #include <QGuiApplication>
 
-namespace m47 {
+namespace m47::shell {
 namespace {
 
 constexpr int kOverdue = 2000;  // ms
@@ -43,4 +43,4 @@ void QueueMark::pass() {
     Q_EMIT passed();
 }
 
-}  // namespace m47
+}  // namespace m47::shell

@@ -5,7 +5,7 @@
 #include <QTimer>
 #include <QWindow>
 
-namespace m47 {
+namespace m47::shell {
 
 /// Tells when all that the window system has brought so far has been handed on. Input that was left
 /// lying while the meter was waited for need not come with the next turn of the event loop: under
@@ -35,4 +35,4 @@ class QueueMark : public QWindow {
     QTimer overdue_;
 };
 
-}  // namespace m47
+}  // namespace m47::shell

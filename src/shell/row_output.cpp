@@ -3,7 +3,7 @@
 
 #include <QDeadlineTimer>
 
-namespace m47 {
+namespace m47::shell {
 namespace {
 
 constexpr qsizetype kMostPending = qsizetype{1024} * 1024;
@@ -27,13 +27,13 @@ void RowOutput::write_pending() {
     trouble_.clear();
     while (!pending_.isEmpty() && trouble_.isEmpty()) {
         if (!output_.wait_until_ready(0)) return stall(kStalledReader);
-        const PatientOutput::Written written = output_.write(pending_);
+        const platform::PatientOutput::Written written = output_.write(pending_);
         pending_.remove(0, written.bytes);
         if (written.error) take_fault(written);
     }
 }
 
-void RowOutput::take_fault(const PatientOutput::Written& written) {
+void RowOutput::take_fault(const platform::PatientOutput::Written& written) {
     const QString reason = qt_error_string(written.error.value());
     if (written.stalled()) return stall(kStalledReader);
     // A disk may have room again later.
@@ -65,4 +65,4 @@ void RowOutput::lose() {
     lost_ = true;
 }
 
-}  // namespace m47
+}  // namespace m47::shell

@@ -7,7 +7,7 @@
 
 #include "patient_output.h"
 
-namespace m47 {
+namespace m47::shell {
 
 /// Lines for a reader at the other end of a descriptor, such as stdout. A reader that stalls holds
 /// nothing up: what it does not take waits here, up to 1 MiB, and goes out with a later line.
@@ -31,11 +31,11 @@ class RowOutput {
 
   private:
     void write_pending();
-    void take_fault(const PatientOutput::Written& written);
+    void take_fault(const platform::PatientOutput::Written& written);
     void stall(const QString& reason);
     void lose();
 
-    PatientOutput output_;
+    platform::PatientOutput output_;
     QByteArray pending_;
     QString trouble_;  ///< why the last try did not write all of it
     bool stalled_ = false;
@@ -43,4 +43,4 @@ class RowOutput {
     bool lost_ = false;
 };
 
-}  // namespace m47
+}  // namespace m47::shell

@@ -7,7 +7,7 @@
 #include "realtime.h"
 #include "save_file.h"
 
-namespace m47 {
+namespace m47::shell {
 namespace {
 
 constexpr QSize kLeastSize(900, 560);
@@ -21,8 +21,8 @@ bool draw_picture(const QPixmap& picture, const QString& name, QByteArray& bytes
 
 }  // namespace
 
-QString write_run_picture(std::unique_ptr<RealtimeRules> rules, const QString& file) {
-    Realtime screen(std::move(rules));
+QString write_run_picture(std::unique_ptr<realtime::RealtimeRules> rules, const QString& file) {
+    realtime::Realtime screen(std::move(rules));
     screen.fill_in();
     screen.resize(screen.sizeHint().expandedTo(kLeastSize));
     // What is not shown finds its places when it is drawn, and only then knows which row is last.
@@ -33,4 +33,4 @@ QString write_run_picture(std::unique_ptr<RealtimeRules> rules, const QString& f
     return drawn ? write_whole_file(file, bytes) : QStringLiteral("not drawn");
 }
 
-}  // namespace m47
+}  // namespace m47::shell

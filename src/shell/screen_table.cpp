@@ -8,36 +8,36 @@
 #include "program_set.h"
 #include "realtime.h"
 
-namespace m47 {
+namespace m47::shell {
 namespace {
 
 constexpr Bilingual kNoRow{"No row: doubtful answer", "Nessuna riga: risposta dubbia"};
 constexpr Bilingual kCutShort{"Pass cut short", "Giro interrotto"};
 
 Screen* make_plans(const ScreenParts& parts) {
-    auto* screen = new ProgramSet(parts.connection.link(), parts.state, parts.database);
-    QObject::connect(screen, &ProgramSet::upload_state, &parts.window, &M47MDI::show_upload);
+    auto* screen = new plans::ProgramSet(parts.connection.link(), parts.state, parts.database);
+    QObject::connect(screen, &plans::ProgramSet::upload_state, &parts.window, &M47MDI::show_upload);
     return screen;
 }
 
 Screen* make_logger(const ScreenParts& parts) {
-    auto* screen = new Download(parts.connection.link(), parts.state);
-    QObject::connect(screen, &Download::progress, &parts.window, &M47MDI::show_progress);
+    auto* screen = new logger::Download(parts.connection.link(), parts.state);
+    QObject::connect(screen, &logger::Download::progress, &parts.window, &M47MDI::show_progress);
     return screen;
 }
 
 Screen* make_realtime(const ScreenParts& parts) {
-    auto* screen = new Realtime(
-        std::make_unique<RealtimeRules>(parts.connection.link(), parts.state, parts.database));
+    auto* screen = new realtime::Realtime(std::make_unique<realtime::RealtimeRules>(
+        parts.connection.link(), parts.state, parts.database));
     M47MDI* window = &parts.window;
     const Texts* texts = &parts.state.texts;
-    QObject::connect(screen, &Realtime::progress, window, &M47MDI::show_progress);
+    QObject::connect(screen, &realtime::Realtime::progress, window, &M47MDI::show_progress);
     // No box: nobody may be there, and the next pass is not to wait for one.
-    QObject::connect(screen, &Realtime::cut_short, window, [=](const QString& reason) {
+    QObject::connect(screen, &realtime::Realtime::cut_short, window, [=](const QString& reason) {
         window->show_upload(texts->pick(kCutShort), reason);
     });
-    QObject::connect(screen, &Realtime::left_out, window, &M47MDI::show_notice);
-    QObject::connect(screen, &Realtime::no_row, window, [=](const QString& command) {
+    QObject::connect(screen, &realtime::Realtime::left_out, window, &M47MDI::show_notice);
+    QObject::connect(screen, &realtime::Realtime::no_row, window, [=](const QString& command) {
         window->show_notice(QStringLiteral("%1 (%2)").arg(texts->pick(kNoRow), command));
     });
     QObject::connect(screen, &QObject::destroyed, window,
@@ -46,15 +46,15 @@ Screen* make_realtime(const ScreenParts& parts) {
 }
 
 Screen* make_satellites(const ScreenParts& parts) {
-    return new Asl(parts.connection.link(), parts.state, parts.database.asl());
+    return new asl::Asl(parts.connection.link(), parts.state, parts.database.asl());
 }
 
 Screen* make_logo(const ScreenParts& parts) {
-    return new ConfigSet(parts.connection.link(), parts.state.texts);
+    return new settings::ConfigSet(parts.connection.link(), parts.state.texts);
 }
 
 Screen* make_ports(const ScreenParts& parts) {
-    return new PortSetting(parts.connection.identification(), parts.connection.ports());
+    return new link::PortSetting(parts.connection.identification(), parts.connection.ports());
 }
 
 constexpr ScreenEntry kScreens[] = {
@@ -78,4 +78,4 @@ QStringList screen_keys() {
     return keys;
 }
 
-}  // namespace m47
+}  // namespace m47::shell

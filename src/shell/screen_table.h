@@ -9,14 +9,14 @@
 #include "program_state.h"
 #include "screen.h"
 
-namespace m47 {
+namespace m47::shell {
 
 /// What screens are made of; it outlives them.
 struct ScreenParts {
     M47MDI& window;
     MeterConnection& connection;
     ProgramState& state;
-    Database& database;
+    db::Database& database;
 };
 
 /// A screen of the main window.
@@ -34,4 +34,4 @@ std::span<const ScreenEntry> screen_table();
 /// Their keys.
 QStringList screen_keys();
 
-}  // namespace m47
+}  // namespace m47::shell

@@ -9,7 +9,7 @@
 
 #include "busy_input.h"
 
-namespace m47 {
+namespace m47::shell {
 namespace {
 
 /// The widget of `window`, or of the menu open before it, at a place of the screen.
@@ -116,4 +116,4 @@ bool StaleInput::drops_key_release(const QKeyEvent& key) {
     return keys_.remove(key.key());
 }
 
-}  // namespace m47
+}  // namespace m47::shell

@@ -10,7 +10,7 @@
 
 #include "queue_mark.h"
 
-namespace m47 {
+namespace m47::shell {
 
 /// What the user did while the meter was waited for comes out of the queue when the wait is over,
 /// or in front of a box that opens then. A click or key that would delete, write or send is dropped
@@ -42,4 +42,4 @@ class StaleInput : public QObject {
     QSet<int> keys_;
 };
 
-}  // namespace m47
+}  // namespace m47::shell

@@ -7,14 +7,14 @@
 #include "lamp.h"
 #include "tooltips.h"
 
-namespace m47 {
+namespace m47::shell {
 
 StatusPanel::StatusPanel(QWidget* parent)
     : QFrame(parent), pbar1_(new QProgressBar(this)), port_state_(new QLabel(this)) {
     setObjectName(QStringLiteral("Picture1"));
     pbar1_->setObjectName(QStringLiteral("pbar1"));
     pbar1_->setTextVisible(false);
-    pbar1_->setMaximum(kProgressSteps);
+    pbar1_->setMaximum(link::kProgressSteps);
     pbar1_->setFixedWidth(fontMetrics().averageCharWidth() * 24);
     // Its place is kept, so that the screens do not jump when it appears.
     QSizePolicy place = pbar1_->sizePolicy();
@@ -73,4 +73,4 @@ void StatusPanel::pump() {
     pump_.pump();
 }
 
-}  // namespace m47
+}  // namespace m47::shell

@@ -9,10 +9,10 @@
 #include "busy_pump.h"
 #include "link_view.h"
 
-namespace m47 {
+namespace m47::shell {
 
 /// The panel `Picture1` of the main window: progress bar and link status.
-class StatusPanel : public QFrame, public LinkView {
+class StatusPanel : public QFrame, public link::LinkView {
     Q_OBJECT
   public:
     explicit StatusPanel(QWidget* parent = nullptr);
@@ -39,4 +39,4 @@ class StatusPanel : public QFrame, public LinkView {
     bool connected_ = false;
 };
 
-}  // namespace m47
+}  // namespace m47::shell

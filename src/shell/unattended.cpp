@@ -13,7 +13,7 @@
 #include "run_picture.h"
 #include "standard_streams.h"
 
-namespace m47 {
+namespace m47::shell {
 namespace {
 
 /// How long the reader of the rows is waited for in the end, in seconds.
@@ -23,7 +23,7 @@ constexpr double kLongestReaderWait = 10;
 class ProgressLine {
   public:
     void show(const QString& text) {
-        if (!is_terminal(kStandardErrors)) return;
+        if (!platform::is_terminal(platform::kStandardErrors)) return;
         std::fprintf(stderr, "\r%s\033[K", text.toLocal8Bit().constData());
         std::fflush(stderr);
         shown_ = true;
@@ -49,8 +49,8 @@ struct Run {
     ProgramState& state;
     MeterConnection& connection;
     const Options& options;
-    std::unique_ptr<RealtimeRules> rules;
-    RowOutput output{kStandardOutput};
+    std::unique_ptr<realtime::RealtimeRules> rules;
+    RowOutput output{platform::kStandardOutput};
     int rows = 0;
     bool link_found = false;  ///< the meter has answered once
     bool incomplete = false;  ///< a pass was cut short or measured nothing
@@ -64,7 +64,7 @@ struct Run {
 };
 
 void print_row(Run& run, const QStringList& row) {
-    if (is_terminal(kStandardOutput)) g_progress_line.clear();
+    if (platform::is_terminal(platform::kStandardOutput)) g_progress_line.clear();
     ++run.rows;
     run.output.write(row.join(run.rules->state.field_separator).toUtf8() + '\n');
 }
@@ -83,7 +83,7 @@ void tell_doubt(const Run& run, const QString& command) {
                  .arg(run.rules->panel.fsat, command));
 }
 
-void set_alarm(RealtimePanel& panel, const AlarmOption& alarm) {
+void set_alarm(realtime::RealtimePanel& panel, const AlarmOption& alarm) {
     const auto set = [&](bool& ticked, QString& minimum, QString& maximum) {
         ticked = true;
         // Those of a plan come with each of its programs.
@@ -103,7 +103,7 @@ void set_alarm(RealtimePanel& panel, const AlarmOption& alarm) {
 
 /// The panel as a technician would set it up for either kind of run.
 void set_up(Run& run) {
-    RealtimeRules& rules = *run.rules;
+    realtime::RealtimeRules& rules = *run.rules;
     if (!run.options.log.isEmpty()) rules.log.open(run.options.log, rules.page);
     if (!run.options.bandwidth.isEmpty()) rules.panel.chbws = run.options.bandwidth;
     for (const AlarmOption& alarm : run.options.alarms) set_alarm(rules.panel, alarm);
@@ -111,7 +111,7 @@ void set_up(Run& run) {
 
 /// One measurement, taken again where an answer was doubtful. False when its row is missing.
 bool take_row(Run& run) {
-    for (int tried = 0; tried < PlanRun::kMostTries; ++tried) {
+    for (int tried = 0; tried < acquisition::PlanRun::kMostTries; ++tried) {
         run.rules->measure_once();
         if (run.rules->cycle.doubt().isEmpty()) return true;
     }
@@ -121,14 +121,14 @@ bool take_row(Run& run) {
 /// A level limit is in the unit that the meter is set to, which is known only now. The screen would
 /// move one that the meter cannot measure without a word.
 bool level_limits_fit(Run& run) {
-    const RealtimePanel& panel = run.rules->panel;
+    const realtime::RealtimePanel& panel = run.rules->panel;
     for (const AlarmOption& alarm : run.options.alarms) {
         if (run.options.digital || alarm.name != QLatin1String("level")) continue;
-        const LevelRange range = level_range(unit_offset(panel.cmdlev));
+        const programme::LevelRange range = programme::level_range(unit_offset(panel.cmdlev));
         if (alarm.minimum.toDouble() >= range.minimum && alarm.maximum.toDouble() <= range.maximum)
             continue;
         complain(QStringLiteral("--alarm level takes limits from %1 to %2 %3, the meter's unit")
-                     .arg(plain_text(range.minimum), plain_text(range.maximum),
+                     .arg(link::plain_text(range.minimum), link::plain_text(range.maximum),
                           unit_name(panel.cmdlev)));
         return false;
     }
@@ -138,7 +138,7 @@ bool level_limits_fit(Run& run) {
 void measure_rows(Run& run) {
     run.wrong_limits = !level_limits_fit(run);
     if (run.wrong_limits) return;
-    RealtimeRules& rules = *run.rules;
+    realtime::RealtimeRules& rules = *run.rules;
     if (run.options.digital)
         rules.modes.digitalmode();
     else
@@ -147,7 +147,7 @@ void measure_rows(Run& run) {
     if (!run.options.symbol_rate.isEmpty()) rules.panel.srqpsk_txt = run.options.symbol_rate;
     if (!run.options.frequency.isEmpty()) {
         rules.panel.fsat = run.options.frequency;
-        rules.tuning.fsat_KeyPress(kEnterKey);
+        rules.tuning.fsat_KeyPress(realtime::kEnterKey);
     }
     rules.tick_measures(rules.state.meas_mode);
     for (int taken = 0; taken < run.options.count; ++taken) {
@@ -159,7 +159,7 @@ void measure_rows(Run& run) {
 /// Prepares the meter and the panel, as opening the screen does. A signal in it ends the part that
 /// runs; the run ends with the next command.
 void prepare_meter(Run& run) {
-    for (const auto part : {&Modes::Form_Load, &Modes::Form_Activate}) {
+    for (const auto part : {&realtime::Modes::Form_Load, &realtime::Modes::Form_Activate}) {
         try {
             (run.rules->modes.*part)();
         } catch (const Interrupted&) {
@@ -188,15 +188,15 @@ bool identify_meter(Run& run) {
 /// The same within a run over a plan. A signal ends the trying at once.
 bool connect_again(Run& run) {
     tell_other_device(run);
-    run.connection.link().interrupted = [] { return times_told_to_end() > 0; };
+    run.connection.link().interrupted = [] { return platform::times_told_to_end() > 0; };
     identify_meter(run);
-    run.connection.link().interrupted = [] { return times_told_to_end() > 1; };
+    run.connection.link().interrupted = [] { return platform::times_told_to_end() > 1; };
     return run.connection.link().port_connected;
 }
 
 /// False, with a complaint, where there is nothing to measure.
 bool plan_is_there(Run& run) {
-    PlanWalk& plans = run.rules->plans;
+    realtime::PlanWalk& plans = run.rules->plans;
     const QString name = run.options.plan.trimmed().toUpper();
     if (!plans.choose_plan(name)) {
         complain(QStringLiteral("there is no plan %1").arg(name));
@@ -210,7 +210,7 @@ bool plan_is_there(Run& run) {
 /// Takes over what a run over a plan came to, also where a second signal broke it off.
 struct KeepOutcome {
     Run& run;
-    const PlanRun& plan_run;
+    const acquisition::PlanRun& plan_run;
     ~KeepOutcome() {
         run.incomplete = plan_run.incomplete();
         run.row_missing = plan_run.missing() > 0;
@@ -219,14 +219,15 @@ struct KeepOutcome {
 
 void measure_plan(Run& run) {
     set_up(run);
-    for (const int mode : {kAnalogMode, kDigitalMode}) run.rules->tick_measures(mode);
+    for (const int mode : {realtime::kAnalogMode, realtime::kDigitalMode})
+        run.rules->tick_measures(mode);
     // Told to end once, the running measurement is finished; told twice, not even that.
-    run.connection.link().interrupted = [] { return times_told_to_end() > 1; };
-    PlanRun plan_run(run.connection.link(), *run.rules,
-                     {.passes = run.options.passes,
-                      .every = run.options.every,
-                      .reconnect = run.options.reconnect});
-    plan_run.told_to_stop = [&run] { return times_told_to_end() > 0 || run.pointless(); };
+    run.connection.link().interrupted = [] { return platform::times_told_to_end() > 1; };
+    acquisition::PlanRun plan_run(run.connection.link(), *run.rules,
+                                  {.passes = run.options.passes,
+                                   .every = run.options.every,
+                                   .reconnect = run.options.reconnect});
+    plan_run.told_to_stop = [&run] { return platform::times_told_to_end() > 0 || run.pointless(); };
     plan_run.connect = [&run] { return connect_again(run); };
     plan_run.on_progress = [](const QString& text) { g_progress_line.show(text); };
     plan_run.on_remark = complain;
@@ -249,8 +250,9 @@ int status_of(const Run& run) {
     if (run.wrong_limits) return kUsage;
     if (!run.connection.link().port_connected) {
         tell_other_device(run);
-        complain(times_told_to_end() > 0 ? QStringLiteral("ended without a link to the meter")
-                                         : QStringLiteral("the link to the meter was lost"));
+        complain(platform::times_told_to_end() > 0
+                     ? QStringLiteral("ended without a link to the meter")
+                     : QStringLiteral("the link to the meter was lost"));
         return kNoLink;
     }
     if (run.output.lost() || run.file_lost || run.row_missing) return kOutputLost;
@@ -281,10 +283,10 @@ bool prepare(Run& run, int& status) {
 /// What is told while the run measures.
 void listen_to_rules(Run& run) {
     run.output.on_remark = complain;
-    MeasureCycle& cycle = run.rules->cycle;
+    realtime::MeasureCycle& cycle = run.rules->cycle;
     cycle.on_row = [&run](const QStringList& row) { print_row(run, row); };
-    cycle.on_measured = [&run](const Measurement& measurement) {
-        if (measurement.verdict == Verdict::fail) run.alarm_failed = true;
+    cycle.on_measured = [&run](const measurement::Measurement& measurement) {
+        if (measurement.verdict == measurement::Verdict::fail) run.alarm_failed = true;
     };
     cycle.on_log_written = [&run](const QString& reason) { tell_log(run, reason); };
     cycle.on_doubt = [&run](const QString& command) { tell_doubt(run, command); };
@@ -295,13 +297,13 @@ void listen_to_rules(Run& run) {
 
 }  // namespace
 
-int run_unattended(ProgramState& state, Database& database, MeterConnection& connection,
+int run_unattended(ProgramState& state, db::Database& database, MeterConnection& connection,
                    const Options& options) {
     state.texts.language = kEnglish;
-    connection.link().interrupted = [] { return times_told_to_end() > 0; };
-    connection.link().cut_off = [] { return times_told_to_end() > 1; };
+    connection.link().interrupted = [] { return platform::times_told_to_end() > 0; };
+    connection.link().cut_off = [] { return platform::times_told_to_end() > 1; };
     Run run{state, connection, options,
-            std::make_unique<RealtimeRules>(connection.link(), state, database)};
+            std::make_unique<realtime::RealtimeRules>(connection.link(), state, database)};
     listen_to_rules(run);
     try {
         int status = kGood;
@@ -318,8 +320,8 @@ int run_unattended(ProgramState& state, Database& database, MeterConnection& con
     }
     g_progress_line.clear();
     write_screenshot(run);
-    run.output.finish(kLongestReaderWait, [] { return times_told_to_end() > 1; });
+    run.output.finish(kLongestReaderWait, [] { return platform::times_told_to_end() > 1; });
     return status_of(run);
 }
 
-}  // namespace m47
+}  // namespace m47::shell

@@ -5,7 +5,7 @@
 #include "meter_connection.h"
 #include "options.h"
 
-namespace m47 {
+namespace m47::shell {
 
 /// The exit statuses of the program.
 enum ExitStatus {
@@ -23,7 +23,7 @@ enum ExitStatus {
 /// Measures without a window: connects, runs the rules that the buttons run and prints each row of
 /// the page on stdout as it comes. SIGINT, SIGTERM and SIGHUP end it after the running transaction.
 /// A screen is made for its picture alone, which takes a QApplication. Returns the exit status.
-int run_unattended(ProgramState& state, Database& database, MeterConnection& connection,
+int run_unattended(ProgramState& state, db::Database& database, MeterConnection& connection,
                    const Options& options);
 
-}  // namespace m47
+}  // namespace m47::shell

@@ -9,7 +9,7 @@
 #include "end_signals.h"
 #include "end_told.h"
 
-namespace m47 {
+namespace m47::shell {
 namespace {
 
 /// Timers rest while a handler waits for the meter.
@@ -27,9 +27,9 @@ void cancel_printing() {
 }  // namespace
 
 WindowEnd::WindowEnd(Program& program)
-    : program_(program), told_(end_signal_descriptor(), QSocketNotifier::Read) {
-    program_.link().interrupted = [] { return times_told_to_end() > 0; };
-    program_.link().cut_off = [] { return times_told_to_end() > 1; };
+    : program_(program), told_(platform::end_signal_descriptor(), QSocketNotifier::Read) {
+    program_.link().interrupted = [] { return platform::times_told_to_end() > 0; };
+    program_.link().cut_off = [] { return platform::times_told_to_end() > 1; };
     connect(&told_, &QSocketNotifier::activated, this, [this] {
         told_.setEnabled(false);
         end_when_free();
@@ -54,7 +54,7 @@ void WindowEnd::end_when_free() {
 
 int WindowEnd::tell(const Program& program) {
     tell_end(program.left_off().value_or(Said{kIdle, {}}), program.state().texts);
-    return end_signal_status();
+    return platform::end_signal_status();
 }
 
-}  // namespace m47
+}  // namespace m47::shell

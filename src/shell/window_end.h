@@ -6,7 +6,7 @@
 
 #include "program.h"
 
-namespace m47 {
+namespace m47::shell {
 
 /// Ends the windows when the program is told to end: once the running exchange is over, and with
 /// every box that is open answered as if it had been closed.
@@ -27,4 +27,4 @@ class WindowEnd : public QObject {
     QSocketNotifier told_;
 };
 
-}  // namespace m47
+}  // namespace m47::shell

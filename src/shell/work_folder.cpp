@@ -4,7 +4,7 @@
 #include <QDir>
 #include <QFileInfo>
 
-namespace m47 {
+namespace m47::shell {
 namespace {
 
 bool make_private_folder(const QString& path) {
@@ -34,4 +34,4 @@ bool enter_folder(const Options& options) {
     return QDir::setCurrent(folder);
 }
 
-}  // namespace m47
+}  // namespace m47::shell

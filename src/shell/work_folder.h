@@ -5,7 +5,7 @@
 
 #include "options.h"
 
-namespace m47 {
+namespace m47::shell {
 
 /// The folder of the user's own data: "m47-remote" in XDG_DATA_HOME or, where that is not an
 /// absolute path, in "~/.local/share".
@@ -18,4 +18,4 @@ QString asked_folder(const Options& options);
 /// else. False, and still in the folder of before, when it cannot be entered.
 bool enter_folder(const Options& options);
 
-}  // namespace m47
+}  // namespace m47::shell

@@ -2,7 +2,7 @@
 // Plans, programs and links that change or go beneath an acquisition.
 #include "acquisition_test.h"
 
-namespace m47 {
+namespace m47::acquisition {
 
 void AcquisitionTest::plan_deleted_in_a_pass_data() {
     QTest::addColumn<bool>("moved");
@@ -72,12 +72,12 @@ void AcquisitionTest::database_held_at_a_firing() {
     const QStringList& told = told_;
     QSqlQuery("PRAGMA busy_timeout = 1", f_->database().connection());
     {
-        const OtherConnection other(f_->path(kDatabaseFile));
+        const OtherConnection other(f_->path(db::kDatabaseFile));
         other.run("BEGIN EXCLUSIVE");
         run_for(11);
         QCOMPARE(told.size(), 1);
         QVERIFY2(told[0].contains("in use by another program"), qPrintable(told[0]));
-        QCOMPARE(panel().time_state, LampColour::red);
+        QCOMPARE(panel().time_state, realtime::LampColour::red);
         QVERIFY(!state().plan_run_active);
         // The firings go on, and what runs can be ended.
         run_for(10);
@@ -88,7 +88,7 @@ void AcquisitionTest::database_held_at_a_firing() {
     QCOMPARE(told.size(), 2);
     QVERIFY(state().plan_run_active);
     {
-        const OtherConnection other(f_->path(kDatabaseFile));
+        const OtherConnection other(f_->path(db::kDatabaseFile));
         other.run("BEGIN EXCLUSIVE");
         acquisition().stop();
         QVERIFY(!ticks_->timer2.running());
@@ -96,7 +96,7 @@ void AcquisitionTest::database_held_at_a_firing() {
 }
 
 void AcquisitionTest::replace_programs(const QString& plan) {
-    const OtherConnection other(f_->path(kDatabaseFile));
+    const OtherConnection other(f_->path(db::kDatabaseFile));
     // As one that exports the rows and imports them again: none keeps its place.
     other.run("CREATE TEMP TABLE kept AS SELECT * FROM programmi WHERE nome = '" + plan + "'");
     other.run("UPDATE kept SET id = id + 1000");
@@ -147,13 +147,13 @@ void AcquisitionTest::a_firing_without_a_plan() {
     run_for(11.5);
     QCOMPARE(told_.size(), 1);
     QVERIFY2(told_[0].startsWith("The plan has no programs"), qPrintable(told_[0]));
-    QCOMPARE(panel().time_state, LampColour::red);
+    QCOMPARE(panel().time_state, realtime::LampColour::red);
     QVERIFY(!state().plan_run_active);
     f_->rules.modes.rs_programs.reset();
     run_for(10);
     QCOMPARE(told_.size(), 2);
     QCOMPARE(told_[1], QString("No plan is open."));
-    QCOMPARE(panel().time_state, LampColour::red);
+    QCOMPARE(panel().time_state, realtime::LampColour::red);
 }
 
 void AcquisitionTest::what_is_timed_stops_without_its_plan() {
@@ -171,12 +171,12 @@ void AcquisitionTest::another_plan_that_cannot_be_read() {
     add_plan("B", {1});
     acquisition().group();
     const QString before = panel().grp_name;
-    const Bookmark program = f_->rules.modes.rs_programs->bookmark();
+    const db::Bookmark program = f_->rules.modes.rs_programs->bookmark();
     QSqlQuery("PRAGMA busy_timeout = 1", f_->database().connection());
-    const OtherConnection other(f_->path(kDatabaseFile));
+    const OtherConnection other(f_->path(db::kDatabaseFile));
     // The list of plans can still be walked, the programs of its next plan cannot be opened.
     other.run("ALTER TABLE configurazione RENAME TO hidden");
-    QVERIFY(faults([&] { acquisition().next(); }));
+    QVERIFY(realtime::faults([&] { acquisition().next(); }));
     QCOMPARE(panel().grp_name, before);
     QCOMPARE(f_->rules.modes.rs_programs->bookmark(), program);
 }
@@ -365,4 +365,4 @@ void AcquisitionTest::a_week_of_a_plan() {
           static_cast<long long>(asked.size()));
 }
 
-}  // namespace m47
+}  // namespace m47::acquisition

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "acquisition_test.h"
 
-namespace m47 {
+namespace m47::acquisition {
 
 int AcquisitionTest::place() {
     if (programs().end_of_set()) return -1;
@@ -31,7 +31,7 @@ QString AcquisitionTest::kind_flags() {
 }
 
 void AcquisitionTest::init() {
-    f_ = std::make_unique<RealtimeFixture>();
+    f_ = std::make_unique<realtime::RealtimeFixture>();
     f_->values["LEVANL?"] = "L 58.3";
     ticks_ = std::make_unique<VirtualTicks>(f_->clock);
     progress_.clear();
@@ -46,7 +46,7 @@ void AcquisitionTest::init() {
     f_->link.port_connected = false;
     f_->rules.modes.Form_Load();
     f_->link.port_connected = true;
-    panel().meas_statea[kLevel] = true;
+    panel().meas_statea[realtime::kLevel] = true;
     f_->on_command = [this](const QByteArray& command) {
         if (command == "MEASURE") firings_ += now();
     };
@@ -59,7 +59,7 @@ void AcquisitionTest::make_acquisition(PassNews news) {
 }
 
 void AcquisitionTest::empty_database() {
-    for (Recordset* set :
+    for (db::Recordset* set :
          {&f_->database().programmi(), &f_->database().configurazione(), &f_->database().gruppo()})
         for (set->requery(); !set->empty(); set->requery()) set->remove();
 }
@@ -77,14 +77,14 @@ void AcquisitionTest::add_program(const QString& plan, int number,
                                 {"K22", 0},
                                 {"monitor_state", 1}};
     row.insert(fields);
-    RealtimeFixture::add_row(f_->database().programmi(), row);
+    realtime::RealtimeFixture::add_row(f_->database().programmi(), row);
 }
 
 void AcquisitionTest::add_plan(const QString& name, const QList<int>& monitor_states,
                                double frequency) {
-    RealtimeFixture::add_row(f_->database().gruppo(), {{"nome", name}});
-    RealtimeFixture::add_row(f_->database().configurazione(),
-                             {{"nome", name}, {"loc_osc1", 9750}, {"loc_osc2", 10600}});
+    realtime::RealtimeFixture::add_row(f_->database().gruppo(), {{"nome", name}});
+    realtime::RealtimeFixture::add_row(f_->database().configurazione(),
+                                       {{"nome", name}, {"loc_osc1", 9750}, {"loc_osc2", 10600}});
     int number = 0;
     for (const int monitored : monitor_states) {
         add_program(name, number,
@@ -94,7 +94,7 @@ void AcquisitionTest::add_plan(const QString& name, const QList<int>& monitor_st
 }
 
 void AcquisitionTest::remove_programs(const QString& plan) {
-    Recordset set = f_->database().of_plan("programmi", plan);
+    db::Recordset set = f_->database().of_plan("programmi", plan);
     for (; !set.empty(); set.requery()) set.remove();
 }
 
@@ -196,13 +196,13 @@ void AcquisitionTest::stop() {
     acquisition().start();
     acquisition().cmdstart_Click();
     run_for(10.5);
-    QVERIFY(panel().time_state != LampColour::grey);
+    QVERIFY(panel().time_state != realtime::LampColour::grey);
     acquisition().stop();
     QVERIFY(!state().plan_run_active);
     QVERIFY(!ticks_->timer1.running());
     QVERIFY(!ticks_->timer2.running());
     QVERIFY(ticks_->timer3.running());
-    QVERIFY(panel().time_state == LampColour::grey);
+    QVERIFY(panel().time_state == realtime::LampColour::grey);
     QVERIFY(!panel().timer_opt_visible);
     QCOMPARE(panel().time_left, QString());
     QCOMPARE(place(), plan ? 2 : 0);
@@ -241,17 +241,17 @@ void AcquisitionTest::stop_in_single_mode_leaves_the_pass() {
 }
 
 void AcquisitionTest::start_and_stop_button() {
-    panel().time_state = LampColour::green;
+    panel().time_state = realtime::LampColour::green;
     panel().time_delay = 4;
     acquisition().time_delay_Click();
     acquisition().cmdstart_Click();
     QVERIFY(ticks_->timer1.running());
-    QVERIFY(panel().time_state == LampColour::grey);
+    QVERIFY(panel().time_state == realtime::LampColour::grey);
     QCOMPARE(panel().cmdstart, QString("&Stop"));
-    panel().time_state = LampColour::green;
+    panel().time_state = realtime::LampColour::green;
     acquisition().cmdstart_Click();
     QVERIFY(!ticks_->timer1.running());
-    QVERIFY(panel().time_state == LampColour::grey);
+    QVERIFY(panel().time_state == realtime::LampColour::grey);
     QCOMPARE(panel().cmdstart, QString("&Start"));
     run_for(100);
     QCOMPARE(f_->port.opens, 0);
@@ -277,7 +277,7 @@ void AcquisitionTest::start_button_of_a_plan() {
 void AcquisitionTest::first_firing_after_one_second() {
     QCOMPARE(panel().time_delay, 0);
     QCOMPARE(state().ticks_left, 1);
-    QList<LampColour> lamps;
+    QList<realtime::LampColour> lamps;
     f_->on_command = [&](const QByteArray&) { lamps += panel().time_state; };
     acquisition().cmdstart_Click();
     run_for(0.99);
@@ -285,8 +285,8 @@ void AcquisitionTest::first_firing_after_one_second() {
     run_for(0.1);
     QCOMPARE(f_->commands(), cycle_at("1000.0"));
     QCOMPARE(static_cast<int>(f_->port.pauses.first() * 1000 + 0.5), 1000);
-    QVERIFY(lamps == QList<LampColour>(4, LampColour::red));
-    QVERIFY(panel().time_state == LampColour::green);
+    QVERIFY(lamps == QList<realtime::LampColour>(4, realtime::LampColour::red));
+    QVERIFY(panel().time_state == realtime::LampColour::green);
     QCOMPARE(state().ticks_left, 1);
     QVERIFY(!state().plan_run_active);
 }
@@ -300,7 +300,7 @@ void AcquisitionTest::single_interval_adds_the_measuring_time_data() {
 
 void AcquisitionTest::single_interval_adds_the_measuring_time() {
     QFETCH(int, delay);
-    const int seconds = kTimeDelays[static_cast<std::size_t>(delay)].seconds;
+    const int seconds = realtime::kTimeDelays[static_cast<std::size_t>(delay)].seconds;
     QList<double> ends;
     f_->rules.cycle.on_row = [&](const QStringList&) { ends += now(); };
     panel().time_delay = delay;
@@ -326,7 +326,7 @@ void AcquisitionTest::delay_list_data() {
     const QList<int> seconds{1,   10,   20,   40,   60,   120,  240, 480,
                              600, 1200, 1800, 2400, 3000, 3600, 7200};
     for (int i = 0; i < seconds.size(); ++i)
-        QTest::newRow(kTimeDelays[static_cast<std::size_t>(i)].entry) << i << seconds[i];
+        QTest::newRow(realtime::kTimeDelays[static_cast<std::size_t>(i)].entry) << i << seconds[i];
 }
 
 void AcquisitionTest::delay_list() {
@@ -359,7 +359,7 @@ void AcquisitionTest::no_delay_chosen() {
     // Nothing is loaded behind the firing, so there is no second one.
     QCOMPARE(firings_.size(), 1);
     QVERIFY(state().ticks_left < 0);
-    QVERIFY(panel().time_state == LampColour::green);
+    QVERIFY(panel().time_state == realtime::LampColour::green);
     QCOMPARE(panel().time_left, QString("0:00:00"));
 }
 
@@ -398,9 +398,9 @@ void AcquisitionTest::countdown_text() {
     QCOMPARE(panel().time_left, QString("0:00:10"));
     acquisition().cmdstart_Click();
     QCOMPARE(panel().time_left, QString());
-    QCOMPARE(time_left_text(-5), QString("0:00:00"));
-    QCOMPARE(time_left_text(59), QString("0:00:59"));
-    QCOMPARE(time_left_text(3600), QString("1:00:00"));
+    QCOMPARE(realtime::time_left_text(-5), QString("0:00:00"));
+    QCOMPARE(realtime::time_left_text(59), QString("0:00:59"));
+    QCOMPARE(realtime::time_left_text(3600), QString("1:00:00"));
 }
 
 void AcquisitionTest::countdown_pauses_while_a_plan_runs() {
@@ -422,7 +422,7 @@ void AcquisitionTest::countdown_pauses_while_a_plan_runs() {
 
 /// Meanwhile a timed firing is locked out, and no longer, however the measurement ends.
 void AcquisitionTest::one_measurement_locks_timed_firings_out() {
-    f_->rules.panel.meas_statea[kLevel] = true;
+    f_->rules.panel.meas_statea[realtime::kLevel] = true;
     bool active = false;
     f_->on_command = [&](const QByteArray&) { active = f_->state().plan_run_active; };
     acquisition().single_acq();
@@ -468,6 +468,6 @@ void AcquisitionTest::clock_text() {
     QCOMPARE(panel().time_act, QString("08/03 00:01:01"));
 }
 
-}  // namespace m47
+}  // namespace m47::acquisition
 
-QTEST_GUILESS_MAIN(m47::AcquisitionTest)
+QTEST_GUILESS_MAIN(m47::acquisition::AcquisitionTest)

@@ -11,7 +11,7 @@
 #include "realtime_fixture.h"
 #include "time_delays.h"
 
-namespace m47 {
+namespace m47::acquisition {
 
 constexpr double kInstant = 1e-6;  // seconds; below every step of the clock
 
@@ -154,11 +154,11 @@ class AcquisitionTest : public QObject {
     void a_week_of_a_plan();
 
   private:
-    RealtimePanel& panel() { return f_->panel(); }
-    RealtimeState& state() { return f_->state(); }
+    realtime::RealtimePanel& panel() { return f_->panel(); }
+    realtime::RealtimeState& state() { return f_->state(); }
     Acquisition& acquisition() { return *acquisition_; }
-    PageModel& page() { return f_->rules.page; }
-    Recordset& programs() { return *f_->rules.modes.rs_programs; }
+    measurement::PageModel& page() { return f_->rules.page; }
+    db::Recordset& programs() { return *f_->rules.modes.rs_programs; }
     double now() { return f_->clock.elapsed(); }
 
     void make_acquisition(PassNews news);
@@ -184,7 +184,7 @@ class AcquisitionTest : public QObject {
     };
 
     // The tickers go before the fixture that holds their clock.
-    std::unique_ptr<RealtimeFixture> f_;
+    std::unique_ptr<realtime::RealtimeFixture> f_;
     std::unique_ptr<VirtualTicks> ticks_;
     std::unique_ptr<Acquisition> acquisition_;
     QList<QPair<int, int>> progress_;
@@ -192,4 +192,4 @@ class AcquisitionTest : public QObject {
     QStringList told_;       ///< why a pass was cut short
 };
 
-}  // namespace m47
+}  // namespace m47::acquisition

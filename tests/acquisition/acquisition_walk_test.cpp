@@ -2,7 +2,7 @@
 // Walking through plans and programs, and what an acquisition tells.
 #include "acquisition_test.h"
 
-namespace m47 {
+namespace m47::acquisition {
 
 void AcquisitionTest::plans_walk() {
     add_plan("A", {1, 1});
@@ -118,7 +118,7 @@ void AcquisitionTest::program_walk_sends_nothing() {
 }
 
 void AcquisitionTest::no_plan_open() {
-    state().acq_kind = kPlan;
+    state().acq_kind = realtime::kPlan;
     acquisition().previous();
     acquisition().next();
     acquisition().previous_prog();
@@ -127,11 +127,11 @@ void AcquisitionTest::no_plan_open() {
     acquisition().multiple_acq();
     QVERIFY(!ticks_->timer2.running());
     panel().cmdstart = "before";
-    panel().time_state = LampColour::green;
+    panel().time_state = realtime::LampColour::green;
     acquisition().cmdstart_Click();
     QVERIFY(!ticks_->timer1.running());
     QCOMPARE(panel().cmdstart, QString("before"));
-    QVERIFY(panel().time_state == LampColour::green);
+    QVERIFY(panel().time_state == realtime::LampColour::green);
     acquisition().stop();
     QVERIFY(!state().plan_run_active);
     QCOMPARE(panel().cmdstart, QString("&Stop"));
@@ -181,9 +181,9 @@ void AcquisitionTest::progress_counts_the_programs_as_they_are() {
     acquisition().multiple_acq();
     run_for(1.5);
     // The plan screen monitors another program while the pass runs.
-    Recordset set = f_->database().of_plan("programmi", "A");
+    db::Recordset set = f_->database().of_plan("programmi", "A");
     set.find_first("pg_num", "002");
-    RealtimeFixture::change_row(set, {{"monitor_state", 1}});
+    realtime::RealtimeFixture::change_row(set, {{"monitor_state", 1}});
     run_for(30);
     QCOMPARE(frequencies(), plan_frequencies({0, 2, 3}));
     QCOMPARE(progress_, (QList<QPair<int, int>>{{1, 2}, {2, 3}, {3, 3}, {0, 0}}));
@@ -195,7 +195,7 @@ void AcquisitionTest::a_level_that_the_mode_loses_is_told_once() {
     f_->values["SYMBRATEQPSK?"] = "27500";
     f_->values["ATTEN?"] = "2";
     f_->values["LEVDCP?"] = "P 61.5";
-    panel().meas_stated[kDcpLevel] = true;
+    panel().meas_stated[realtime::kDcpLevel] = true;
     f_->rules.modes.digitalmode();
     acquisition().single_acq();
     QCOMPARE(page().cells(0)[4], QString("61.5"));
@@ -218,7 +218,7 @@ void AcquisitionTest::a_bandwidth_that_is_not_that_of_the_program_is_told() {
     f_->program.costs.on_cost = [&](const Bilingual& text) { told += text.english; };
     f_->values["ATTEN?"] = "2";
     f_->values["LEVDCP?"] = "P 61.5";
-    panel().meas_stated[kDcpLevel] = true;
+    panel().meas_stated[realtime::kDcpLevel] = true;
     add_plan("A", {1});
     add_program("A", 1, {{"sat_ad", 1}, {"satchbw", 8}});
     add_program("A", 2, {{"sat_ad", 1}, {"satchbw", 27}});
@@ -244,7 +244,7 @@ void AcquisitionTest::a_program_without_a_bandwidth_has_no_other_one() {
     f_->program.costs.on_cost = [&](const Bilingual& text) { told += text.english; };
     f_->values["ATTEN?"] = "2";
     f_->values["LEVDCP?"] = "P 61.5";
-    panel().meas_stated[kDcpLevel] = true;
+    panel().meas_stated[realtime::kDcpLevel] = true;
     add_plan("A", {1});
     add_program("A", 1, {{"sat_ad", 1}});
     acquisition().group();
@@ -260,7 +260,7 @@ void AcquisitionTest::an_antenna_that_is_not_switched_is_told() {
         "Antenna not switched for each program: tick Tune everything in a pass (--full-tune)");
     QStringList told;
     f_->program.costs.on_cost = [&](const Bilingual& text) { told += text.english; };
-    panel().meas_statea[kLevel] = true;
+    panel().meas_statea[realtime::kLevel] = true;
     add_plan("A", {1});
     add_program("A", 1, {{"lnb_volt", 1}});
     add_program("A", 2, {{"lnb_volt", 1}});
@@ -280,4 +280,4 @@ void AcquisitionTest::an_antenna_that_is_not_switched_is_told() {
     QCOMPARE(told, QStringList());
 }
 
-}  // namespace m47
+}  // namespace m47::acquisition

@@ -4,7 +4,7 @@
 #include "plan_run.h"
 #include "realtime_fixture.h"
 
-namespace m47 {
+namespace m47::acquisition {
 namespace {
 
 /// What the meter sends when a lone CR wakes it.
@@ -113,7 +113,7 @@ class LateAnswerTest : public QObject {
     void sweep(const QList<double>& delays, int place_step);
     void try_form(Late late, double delay, int place, int form);
 
-    std::unique_ptr<RealtimeFixture> f_;
+    std::unique_ptr<realtime::RealtimeFixture> f_;
     std::unique_ptr<LateMeter> meter_;
     int runs_ = 0;
     int rows_ = 0;
@@ -124,27 +124,29 @@ constexpr int kPrograms = 4;
 constexpr int kPasses = 2;
 
 void LateAnswerTest::init() {
-    f_ = std::make_unique<RealtimeFixture>();
+    f_ = std::make_unique<realtime::RealtimeFixture>();
     meter_ = std::make_unique<LateMeter>(f_->port, f_->clock);
     f_->clock.spans_hold = true;
-    PlanWalk& walk = f_->rules.plans;
-    RealtimeFixture::add_row(f_->database().gruppo(), {{"nome", "P"}});
-    RealtimeFixture::add_row(f_->database().configurazione(), {{"nome", "P"}, {"loc_osc1", 9750}});
+    realtime::PlanWalk& walk = f_->rules.plans;
+    realtime::RealtimeFixture::add_row(f_->database().gruppo(), {{"nome", "P"}});
+    realtime::RealtimeFixture::add_row(f_->database().configurazione(),
+                                       {{"nome", "P"}, {"loc_osc1", 9750}});
     for (int number = 0; number < kPrograms; ++number)
-        RealtimeFixture::add_row(f_->database().programmi(),
-                                 {{"nome", "P"},
-                                  {"pg_num", QString::number(number).rightJustified(3, u'0')},
-                                  {"frequenza", 1000 + 11 * number},
-                                  {"loc_osc", true},
-                                  {"loc_osc0", 0},
-                                  {"sat_ad", number % 2},
-                                  {"qpsk_symbolrate", "27500"},
-                                  {"lnb_volt", 1},
-                                  {"K22", 0},
-                                  {"monitor_state", 1}});
+        realtime::RealtimeFixture::add_row(
+            f_->database().programmi(),
+            {{"nome", "P"},
+             {"pg_num", QString::number(number).rightJustified(3, u'0')},
+             {"frequenza", 1000 + 11 * number},
+             {"loc_osc", true},
+             {"loc_osc0", 0},
+             {"sat_ad", number % 2},
+             {"qpsk_symbolrate", "27500"},
+             {"lnb_volt", 1},
+             {"K22", 0},
+             {"monitor_state", 1}});
     QVERIFY(walk.choose_plan("P"));
-    f_->panel().meas_statea[kLevel] = true;
-    f_->panel().meas_stated[kDcpLevel] = f_->panel().meas_stated[kMer] = true;
+    f_->panel().meas_statea[realtime::kLevel] = true;
+    f_->panel().meas_stated[realtime::kDcpLevel] = f_->panel().meas_stated[realtime::kMer] = true;
 }
 
 void LateAnswerTest::cleanup() {
@@ -180,7 +182,7 @@ PlanRun::End LateAnswerTest::run(const Case& chosen) {
 
 /// The first row whose level is not that of its frequency, or that stands twice; empty for none.
 QString LateAnswerTest::wrong_row() const {
-    const PageModel& page = f_->rules.page;
+    const measurement::PageModel& page = f_->rules.page;
     for (int row = 0; row < page.measurements(); ++row) {
         const QStringList cells = page.cells(row);
         const double level = LateMeter::level(cells[2].toDouble());
@@ -269,7 +271,7 @@ void LateAnswerTest::what_is_repeated_costs_its_own_time_only() {
     QVERIFY2(late - usual < 5, qPrintable(QString::number(late - usual)));
 }
 
-}  // namespace m47
+}  // namespace m47::acquisition
 
-QTEST_GUILESS_MAIN(m47::LateAnswerTest)
+QTEST_GUILESS_MAIN(m47::acquisition::LateAnswerTest)
 #include "late_answer_test.moc"

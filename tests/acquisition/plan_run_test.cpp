@@ -1,24 +1,24 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plan_run_test.h"
 
-namespace m47 {
+namespace m47::acquisition {
 
 void PlanRunTest::init() {
-    f_ = std::make_unique<RealtimeFixture>();
+    f_ = std::make_unique<realtime::RealtimeFixture>();
     f_->values["LEVANL?"] = "L 58.3";
     begun_.clear();
     firings_.clear();
     remarks_.clear();
     progress_.clear();
     tries_.clear();
-    f_->panel().meas_statea[kLevel] = true;
+    f_->panel().meas_statea[realtime::kLevel] = true;
     f_->on_command = [this](const QByteArray& command) {
         begun_ += QString::fromLatin1(command);
         if (command == "FREQ 1000.0") firings_ += now();
     };
-    RealtimeFixture::add_row(f_->database().gruppo(), {{"nome", "P"}});
-    RealtimeFixture::add_row(f_->database().configurazione(),
-                             {{"nome", "P"}, {"loc_osc1", 9750}, {"loc_osc2", 10600}});
+    realtime::RealtimeFixture::add_row(f_->database().gruppo(), {{"nome", "P"}});
+    realtime::RealtimeFixture::add_row(f_->database().configurazione(),
+                                       {{"nome", "P"}, {"loc_osc1", 9750}, {"loc_osc2", 10600}});
     for (int number = 0; number < 3; ++number) add_program(number);
     QVERIFY(f_->rules.plans.choose_plan("p"));
 }
@@ -34,7 +34,7 @@ void PlanRunTest::add_program(int number, const QMap<QString, QVariant>& fields)
                                 {"K22", 0},
                                 {"monitor_state", 1}};
     row.insert(fields);
-    RealtimeFixture::add_row(f_->database().programmi(), row);
+    realtime::RealtimeFixture::add_row(f_->database().programmi(), row);
 }
 
 PlanRun PlanRunTest::make_run(const PlanRunOrder& order) {
@@ -46,7 +46,7 @@ PlanRun PlanRunTest::make_run(const PlanRunOrder& order) {
 
 QStringList PlanRunTest::measured() const {
     QStringList all;
-    const PageModel& page = f_->rules.page;
+    const measurement::PageModel& page = f_->rules.page;
     for (int row = 0; row < page.measurements(); ++row)
         all += page.cells(row)[2].section(u'.', 0, 0);
     return all;
@@ -152,7 +152,7 @@ void PlanRunTest::the_date_changes_within_a_pass() {
 
 /// Another program that holds the database locked for longer than the program waits for it.
 void PlanRunTest::a_pass_cut_short_is_told() {
-    const QString path = f_->path(QString::fromLatin1(kDatabaseFile));
+    const QString path = f_->path(QString::fromLatin1(db::kDatabaseFile));
     bool cut_short = false;
     {
         QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", "other");
@@ -229,7 +229,7 @@ void PlanRunTest::after_a_lost_link_the_lost_program_comes_first() {
         pulled = pulled || command == "FREQ 1010.0";
     };
     run.connect = [this] {
-        f_->port.open_fault = PortFault::none;
+        f_->port.open_fault = link::PortFault::none;
         f_->link.port_connected = true;
         return true;
     };
@@ -250,7 +250,7 @@ void PlanRunTest::tries_come_at_growing_intervals() {
     run.connect = [this] {
         tries_ += now();
         if (tries_.size() < 9) return false;
-        f_->port.open_fault = PortFault::none;
+        f_->port.open_fault = link::PortFault::none;
         f_->link.port_connected = true;
         return true;
     };
@@ -324,7 +324,7 @@ void PlanRunTest::a_plan_that_was_emptied_is_told_once() {
     PlanRun run = make_run({.passes = 6});
     f_->on_command = [this](const QByteArray& command) {
         if (command != "FREQ 1020.0") return;
-        Recordset set = f_->database().of_plan("programmi", "P");
+        db::Recordset set = f_->database().of_plan("programmi", "P");
         for (; !set.empty(); set.requery()) set.remove();
     };
     QCOMPARE(run.run(), PlanRun::End::done);
@@ -338,9 +338,9 @@ void PlanRunTest::a_plan_that_was_emptied_is_told_once() {
 }
 
 void PlanRunTest::a_pass_that_measures_nothing_is_told_once() {
-    Recordset programs = f_->database().of_plan("programmi", "P");
+    db::Recordset programs = f_->database().of_plan("programmi", "P");
     for (programs.move_first(); !programs.end_of_set(); programs.move_next())
-        RealtimeFixture::change_row(programs, {{"monitor_state", 0}});
+        realtime::RealtimeFixture::change_row(programs, {{"monitor_state", 0}});
     const double start = now();
     PlanRun run = make_run({.passes = 3});
     QCOMPARE(run.run(), PlanRun::End::done);
@@ -357,7 +357,7 @@ void PlanRunTest::a_plan_that_was_replaced_is_measured_again() {
     f_->on_command = [this](const QByteArray& command) {
         if (command != "FREQ 1010.0" || !begun_.isEmpty()) return;
         begun_ += "replaced";
-        Recordset set = f_->database().of_plan("programmi", "P");
+        db::Recordset set = f_->database().of_plan("programmi", "P");
         // Others behind them first, so that no row of the new ones has a number of the old ones.
         for (const int number : {3, 4, 5}) add_program(number);
         set.move_first();
@@ -379,7 +379,7 @@ void PlanRunTest::a_row_that_cannot_be_taken_again_ends_no_run() {
     // Somebody deletes the very program whose answer was doubtful.
     f_->rules.cycle.on_doubt = [this](const QString&) {
         f_->raw.clear();
-        Recordset set = f_->database().of_plan("programmi", "P");
+        db::Recordset set = f_->database().of_plan("programmi", "P");
         set.move_next();
         set.remove();
     };
@@ -401,6 +401,6 @@ void PlanRunTest::progress() {
     QVERIFY(progress_.size() > 50 && progress_.size() < 70);
 }
 
-}  // namespace m47
+}  // namespace m47::acquisition
 
-QTEST_APPLESS_MAIN(m47::PlanRunTest)
+QTEST_APPLESS_MAIN(m47::acquisition::PlanRunTest)

@@ -10,7 +10,7 @@
 
 #include "realtime_fixture.h"
 
-namespace m47 {
+namespace m47::acquisition {
 
 /// Passes over a plan without anybody at the screen.
 class PlanRunTest : public QObject {
@@ -59,7 +59,7 @@ class PlanRunTest : public QObject {
     int asked(const QString& command) const { return static_cast<int>(begun_.count(command)); }
     double now() const { return f_->clock.elapsed(); }
 
-    std::unique_ptr<RealtimeFixture> f_;
+    std::unique_ptr<realtime::RealtimeFixture> f_;
     QStringList begun_;      ///< the commands in the order of their arrival
     QList<double> firings_;  ///< when the first program of the plan was tuned
     QStringList remarks_;
@@ -67,4 +67,4 @@ class PlanRunTest : public QObject {
     QList<double> tries_;
 };
 
-}  // namespace m47
+}  // namespace m47::acquisition

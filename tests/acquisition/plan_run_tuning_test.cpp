@@ -2,18 +2,18 @@
 // What a run tunes, and which plan it takes.
 #include "plan_run_test.h"
 
-namespace m47 {
+namespace m47::acquisition {
 
 void PlanRunTest::full_tune() {
-    Recordset& set = *f_->rules.modes.rs_programs;
+    db::Recordset& set = *f_->rules.modes.rs_programs;
     set.move_first();
-    RealtimeFixture::change_row(set, {{"loc_osc", false},
-                                      {"loc_osc0", 1},
-                                      {"frequenza", 11778},
-                                      {"lnb_volt", 2},
-                                      {"K22", 1},
-                                      {"diseqc_cmd", 37},
-                                      {"diseqc_cmd2", 3}});
+    realtime::RealtimeFixture::change_row(set, {{"loc_osc", false},
+                                                {"loc_osc0", 1},
+                                                {"frequenza", 11778},
+                                                {"lnb_volt", 2},
+                                                {"K22", 1},
+                                                {"diseqc_cmd", 37},
+                                                {"diseqc_cmd2", 3}});
     f_->program.corrected.full_tune = true;
     f_->values["FREQ?"] = "11778";
     QCOMPARE(make_run({}).run(), PlanRun::End::done);
@@ -23,9 +23,9 @@ void PlanRunTest::full_tune() {
 }
 
 void PlanRunTest::full_tune_leaves_out_what_is_none() {
-    Recordset& set = *f_->rules.modes.rs_programs;
+    db::Recordset& set = *f_->rules.modes.rs_programs;
     set.move_first();
-    RealtimeFixture::change_row(set, {{"lnb_volt", 0}, {"diseqc_cmd", 73}});
+    realtime::RealtimeFixture::change_row(set, {{"lnb_volt", 0}, {"diseqc_cmd", 73}});
     f_->program.corrected.full_tune = true;
     QCOMPARE(make_run({}).run(), PlanRun::End::done);
     QCOMPARE(begun_.mid(0, 11),
@@ -56,12 +56,12 @@ void PlanRunTest::full_tune_checks_against_the_oscillator_it_sends() {
     QFETCH(double, frequency);
     QFETCH(QStringList, sent);
     QFETCH(QString, oscillator);
-    Recordset& set = *f_->rules.modes.rs_programs;
+    db::Recordset& set = *f_->rules.modes.rs_programs;
     set.move_first();
-    RealtimeFixture::change_row(
+    realtime::RealtimeFixture::change_row(
         set, {{"loc_osc", false}, {"loc_osc0", entry}, {"frequenza", frequency}});
-    RealtimeFixture::change_row(*f_->rules.modes.rs_config,
-                                {{"loc_osc1", 9800}, {"loc_osc3", 9750}, {"loc_osc4", 5150}});
+    realtime::RealtimeFixture::change_row(
+        *f_->rules.modes.rs_config, {{"loc_osc1", 9800}, {"loc_osc3", 9750}, {"loc_osc4", 5150}});
     f_->program.corrected.full_tune = true;
     QCOMPARE(make_run({}).run(), PlanRun::End::done);
     QCOMPARE(begun_.mid(0, 2) + begun_.filter("FREQ").mid(0, 1), sent);
@@ -74,20 +74,21 @@ void PlanRunTest::full_tune_checks_against_the_oscillator_it_sends() {
 void PlanRunTest::full_tune_sends_the_bandwidth_of_the_program() {
     f_->values["ATTEN?"] = "2";
     f_->values["LEVDCP?"] = "P 61.5";
-    f_->panel().meas_stated[kDcpLevel] = true;
+    f_->panel().meas_stated[realtime::kDcpLevel] = true;
     f_->panel().chbws = "36";
-    Recordset& set = *f_->rules.modes.rs_programs;
+    db::Recordset& set = *f_->rules.modes.rs_programs;
     set.move_first();
-    RealtimeFixture::change_row(set, {{"sat_ad", 1}, {"satchbw", 8}});
+    realtime::RealtimeFixture::change_row(set, {{"sat_ad", 1}, {"satchbw", 8}});
     f_->program.corrected.full_tune = true;
     QCOMPARE(make_run({}).run(), PlanRun::End::done);
     QCOMPARE(begun_.filter("CHBW"), QStringList{"CHBW 08"});
 }
 
 void PlanRunTest::a_program_without_its_oscillator_is_left_out_and_told() {
-    Recordset& set = *f_->rules.modes.rs_programs;
+    db::Recordset& set = *f_->rules.modes.rs_programs;
     set.move_first();
-    RealtimeFixture::change_row(set, {{"loc_osc", false}, {"loc_osc0", 2}, {"frequenza", 11000}});
+    realtime::RealtimeFixture::change_row(
+        set, {{"loc_osc", false}, {"loc_osc0", 2}, {"frequenza", 11000}});
     f_->program.corrected.full_tune = true;
     QCOMPARE(make_run({}).run(), PlanRun::End::done);
     QCOMPARE(measured(), QStringList({"1010", "1020"}));
@@ -101,8 +102,8 @@ void PlanRunTest::a_program_without_its_oscillator_is_left_out_and_told() {
 
 void PlanRunTest::each_program_has_a_noise_frequency_of_its_own() {
     f_->program.corrected.complete = true;
-    f_->panel().meas_statea[kLevel] = false;
-    f_->panel().meas_statea[kNoiseAnalog] = true;
+    f_->panel().meas_statea[realtime::kLevel] = false;
+    f_->panel().meas_statea[realtime::kNoiseAnalog] = true;
     f_->panel().noise_freqa = "1500";
     QCOMPARE(make_run({}).run(), PlanRun::End::done);
     QStringList wanted;
@@ -122,8 +123,8 @@ void PlanRunTest::plans_are_chosen_by_their_name() {
     QCOMPARE(f_->panel().grp_name, QString("P"));
     QCOMPARE(f_->rules.plans.monitored_programs(), 3);
     // Other programs have written names in their own letters; the plan screen shows those plans.
-    RealtimeFixture::add_row(f_->database().gruppo(), {{"nome", " Roof"}});
-    RealtimeFixture::add_row(f_->database().configurazione(), {{"nome", "Roof"}});
+    realtime::RealtimeFixture::add_row(f_->database().gruppo(), {{"nome", " Roof"}});
+    realtime::RealtimeFixture::add_row(f_->database().configurazione(), {{"nome", "Roof"}});
     add_program(7, {{"nome", "Roof"}});
     for (const char* name : {"Roof", "roof ", "ROOF"}) {
         QVERIFY2(f_->rules.plans.choose_plan(name), name);
@@ -132,4 +133,4 @@ void PlanRunTest::plans_are_chosen_by_their_name() {
     QCOMPARE(f_->port.opens, 0);
 }
 
-}  // namespace m47
+}  // namespace m47::acquisition

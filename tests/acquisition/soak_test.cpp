@@ -11,7 +11,7 @@
 #include "plan_run.h"
 #include "realtime_rules.h"
 
-namespace m47 {
+namespace m47::acquisition {
 namespace {
 
 constexpr int kPrograms = 30;
@@ -45,31 +45,32 @@ class SoakTest : public QObject {
     void verify_log();
 
     std::unique_ptr<QTemporaryDir> folder_;
-    std::unique_ptr<Database> database_;
+    std::unique_ptr<db::Database> database_;
     VirtualClock clock_;
     FakePort port_{clock_};
     FakeLinkView view_;
-    Link link_{port_, clock_, view_};
+    link::Link link_{port_, clock_, view_};
     ProgramState state_;
     std::unique_ptr<MeterInProcess> meter_;
-    std::unique_ptr<RealtimeRules> rules_;
+    std::unique_ptr<realtime::RealtimeRules> rules_;
     int tries_ = 0;
 };
 
 void SoakTest::init() {
     folder_ = std::make_unique<QTemporaryDir>();
-    const QString file = folder_->filePath(QString::fromLatin1(kDatabaseFile));
-    DatabaseError error{};
-    QVERIFY(Database::create(file, error));
-    database_ = Database::open(file, error);
+    const QString file = folder_->filePath(QString::fromLatin1(db::kDatabaseFile));
+    db::DatabaseError error{};
+    QVERIFY(db::Database::create(file, error));
+    database_ = db::Database::open(file, error);
     meter_ = std::make_unique<MeterInProcess>(port_, 47);
-    rules_ = std::make_unique<RealtimeRules>(link_, state_, *database_);
-    PlanWalk& walk = rules_->plans;
+    rules_ = std::make_unique<realtime::RealtimeRules>(link_, state_, *database_);
+    realtime::PlanWalk& walk = rules_->plans;
     clock_.spans_hold = true;
     add_plan();
     link_.port_connected = true;
     rules_->modes.Form_Load();
-    for (const int mode : {kAnalogMode, kDigitalMode}) rules_->tick_measures(mode);
+    for (const int mode : {realtime::kAnalogMode, realtime::kDigitalMode})
+        rules_->tick_measures(mode);
     QVERIFY(walk.choose_plan("SOAK"));
     QCOMPARE(walk.monitored_programs(), kPrograms);
 }
@@ -82,7 +83,7 @@ void SoakTest::cleanup() {
 
 /// Every third program is a digital one.
 void SoakTest::add_plan() {
-    const auto add = [](Recordset& set, const QMap<QString, QVariant>& fields) {
+    const auto add = [](db::Recordset& set, const QMap<QString, QVariant>& fields) {
         set.add_new();
         for (auto field = fields.begin(); field != fields.end(); ++field)
             set.set(field.key(), field.value());
@@ -106,14 +107,14 @@ void SoakTest::add_plan() {
 
 bool SoakTest::connect() {
     ++tries_;
-    port_.open_fault = PortFault::none;
+    port_.open_fault = link::PortFault::none;
     link_.port_connected = true;
     return link_.send("ATTEN?") && !link_.last_answer().isEmpty();
 }
 
 /// Each pass has measured each program once, in their order.
 void SoakTest::verify_rows(int passes) {
-    const PageStore& page = rules_->page.store();
+    const measurement::PageStore& page = rules_->page.store();
     QCOMPARE(page.rows(), passes * kPrograms);
     for (int row = 0; row < page.rows(); ++row) {
         const std::string expected = std::to_string(1000 + 10 * (row % kPrograms)) + ".0";
@@ -125,7 +126,7 @@ void SoakTest::verify_rows(int passes) {
 void SoakTest::verify_log() {
     QFile log(folder_->filePath("soak.log"));
     QVERIFY(log.open(QIODevice::ReadOnly));
-    const PageStore& page = rules_->page.store();
+    const measurement::PageStore& page = rules_->page.store();
     for (int row = 0; row < page.rows(); ++row) {
         const QByteArray line = log.readLine();
         const std::string_view shown = page.line(row);
@@ -168,7 +169,7 @@ void SoakTest::days_of_a_plan() {
     };
     QCOMPARE(run.run(), PlanRun::End::done);
 
-    const PageStore& page = rules_->page.store();
+    const measurement::PageStore& page = rules_->page.store();
     const double page_bytes = static_cast<double>(page.memory_bytes());
     const double growth = allocated() - before - (page_bytes - page_before);
     verify_rows(passes);
@@ -189,7 +190,7 @@ void SoakTest::days_of_a_plan() {
           growth);
 }
 
-}  // namespace m47
+}  // namespace m47::acquisition
 
-QTEST_GUILESS_MAIN(m47::SoakTest)
+QTEST_GUILESS_MAIN(m47::acquisition::SoakTest)
 #include "soak_test.moc"

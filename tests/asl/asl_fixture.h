@@ -15,7 +15,7 @@
 #include "slot_backup.h"
 #include "virtual_clock.h"
 
-namespace m47 {
+namespace m47::asl {
 
 /// A user who answers what the test has laid ready and keeps a record of every box: what it was,
 /// its title and its text.
@@ -76,9 +76,9 @@ class AslFixture {
         link.port_connected = true;
         link.port_number = 2;
         port.answer = [this](const QByteArray& line) { return answer(line); };
-        const QString file = folder_.filePath(QString::fromLatin1(kDatabaseFile));
-        DatabaseError error{};
-        if (Database::create(file, error)) database = Database::open(file, error);
+        const QString file = folder_.filePath(QString::fromLatin1(db::kDatabaseFile));
+        db::DatabaseError error{};
+        if (db::Database::create(file, error)) database = db::Database::open(file, error);
         if (!database) qFatal("no database: %s", qPrintable(error.detail));
         lists = std::make_unique<SatelliteLists>(link, state, database->asl(), user);
         backup = std::make_unique<SlotBackup>(*lists, link, state, user);
@@ -87,12 +87,12 @@ class AslFixture {
     VirtualClock clock;
     FakePort port{clock};
     FakeLinkView view;
-    Link link{port, clock, view};
+    link::Link link{port, clock, view};
     ProgramState state;
     ScriptedUser user;
     std::unique_ptr<meter::Instrument> instrument =
         std::make_unique<meter::Instrument>(meter::Options{});
-    std::unique_ptr<Database> database;
+    std::unique_ptr<db::Database> database;
     std::unique_ptr<SatelliteLists> lists;
     std::unique_ptr<SlotBackup> backup;
 
@@ -100,7 +100,7 @@ class AslFixture {
     std::function<QByteArray(const QByteArray& command, const QByteArray& answer)> spoil;
 
     AslPanel& panel() { return lists->panel; }
-    Recordset& asl() { return database->asl(); }
+    db::Recordset& asl() { return database->asl(); }
     QString path(const QString& name) const { return folder_.filePath(name); }
     QString folder() const { return folder_.path(); }
     QStringList commands() { return port.take_commands(); }
@@ -138,4 +138,4 @@ class AslFixture {
     QTemporaryDir folder_;
 };
 
-}  // namespace m47
+}  // namespace m47::asl

@@ -18,7 +18,7 @@
 #include "asl_tooltips.h"
 #include "box_answers.h"
 
-namespace m47 {
+namespace m47::asl {
 
 class AslScreenTest : public QObject {
     Q_OBJECT
@@ -47,7 +47,7 @@ class AslScreenTest : public QObject {
     void sql_elsewhere(const char* statement) {
         {
             QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", "other");
-            other.setDatabaseName(f().path(QString::fromLatin1(kDatabaseFile)));
+            other.setDatabaseName(f().path(QString::fromLatin1(db::kDatabaseFile)));
             QVERIFY(other.open());
             QSqlQuery query(other);
             QVERIFY2(query.exec(QString::fromLatin1(statement)), statement);
@@ -393,7 +393,7 @@ class AslScreenTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::asl
 
-QTEST_MAIN(m47::AslScreenTest)
+QTEST_MAIN(m47::asl::AslScreenTest)
 #include "asl_screen_test.moc"

@@ -7,7 +7,7 @@
 #include "answer_before.h"
 #include "asl_fixture.h"
 
-namespace m47 {
+namespace m47::asl {
 namespace {
 
 const QString kQuery = QStringLiteral("ASLNAME?");
@@ -479,7 +479,7 @@ class SatelliteListsTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::asl
 
-QTEST_GUILESS_MAIN(m47::SatelliteListsTest)
+QTEST_GUILESS_MAIN(m47::asl::SatelliteListsTest)
 #include "satellite_lists_test.moc"

@@ -7,7 +7,7 @@
 
 #include "asl_fixture.h"
 
-namespace m47 {
+namespace m47::asl {
 
 class SlotBackupTest : public QObject {
     Q_OBJECT
@@ -334,7 +334,7 @@ class SlotBackupTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::asl
 
-QTEST_GUILESS_MAIN(m47::SlotBackupTest)
+QTEST_GUILESS_MAIN(m47::asl::SlotBackupTest)
 #include "slot_backup_test.moc"

@@ -7,7 +7,7 @@
 #include "instrument.h"
 #include "slot_comparison.h"
 
-namespace m47 {
+namespace m47::asl {
 namespace {
 
 // As the meter's own documentation prints it.
@@ -337,7 +337,7 @@ class SlotBlockTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::asl
 
-QTEST_APPLESS_MAIN(m47::SlotBlockTest)
+QTEST_APPLESS_MAIN(m47::asl::SlotBlockTest)
 #include "slot_block_test.moc"

@@ -28,7 +28,9 @@ class FilesTest : public QObject {
         if (mkfifo(QFile::encodeName(path(name)).constData(), 0600) != 0) qFatal("no pipe");
         return path(name);
     }
-    static QByteArray content(const QString& path) { return read_plain_file(path, 1000).bytes; }
+    static QByteArray content(const QString& path) {
+        return platform::read_plain_file(path, 1000).bytes;
+    }
 
     std::unique_ptr<QTemporaryDir> folder_;
 
@@ -37,38 +39,40 @@ class FilesTest : public QObject {
 
     void a_plain_file_is_read_up_to_its_limit() {
         const QString file = put("a", "12345");
-        QCOMPARE(read_plain_file(file, 5).fault, FileFault::none);
-        QCOMPARE(read_plain_file(file, 5).bytes, QByteArray("12345"));
-        QCOMPARE(read_plain_file(file, 4).fault, FileFault::too_long);
-        QCOMPARE(read_plain_file(file, 4).bytes, QByteArray());
-        QCOMPARE(read_plain_file(put("empty", {}), 0).fault, FileFault::none);
+        QCOMPARE(platform::read_plain_file(file, 5).fault, platform::FileFault::none);
+        QCOMPARE(platform::read_plain_file(file, 5).bytes, QByteArray("12345"));
+        QCOMPARE(platform::read_plain_file(file, 4).fault, platform::FileFault::too_long);
+        QCOMPARE(platform::read_plain_file(file, 4).bytes, QByteArray());
+        QCOMPARE(platform::read_plain_file(put("empty", {}), 0).fault, platform::FileFault::none);
     }
 
     void what_is_no_plain_file_is_not_waited_for() {
         for (const QString& other :
              {make_pipe("pipe"), folder_->path(), QStringLiteral("/dev/zero")}) {
-            QCOMPARE(read_plain_file(other, 100).fault, FileFault::not_plain);
-            QCOMPARE(read_plain_file(other, 100).bytes, QByteArray());
+            QCOMPARE(platform::read_plain_file(other, 100).fault, platform::FileFault::not_plain);
+            QCOMPARE(platform::read_plain_file(other, 100).bytes, QByteArray());
         }
-        const FileReading missing = read_plain_file(path("none"), 100);
-        QCOMPARE(missing.fault, FileFault::missing);
+        const platform::FileReading missing = platform::read_plain_file(path("none"), 100);
+        QCOMPARE(missing.fault, platform::FileFault::missing);
         QCOMPARE(missing.reason, QString("No such file or directory"));
-        QCOMPARE(read_plain_file(put("a", "1") + "/below", 100).fault, FileFault::missing);
+        QCOMPARE(platform::read_plain_file(put("a", "1") + "/below", 100).fault,
+                 platform::FileFault::missing);
     }
 
     void a_link_is_followed_where_somebody_chose_it() {
         const QString file = put("a", "older");
         QVERIFY(QFile::link(file, path("link")));
-        QCOMPARE(read_plain_file(path("link"), 100).bytes, QByteArray("older"));
-        QCOMPARE(read_plain_file(path("link"), 100, Links::refused).fault, FileFault::not_plain);
+        QCOMPARE(platform::read_plain_file(path("link"), 100).bytes, QByteArray("older"));
+        QCOMPARE(platform::read_plain_file(path("link"), 100, platform::Links::refused).fault,
+                 platform::FileFault::not_plain);
         QCOMPARE(write_whole_file(path("link"), "newer"), QString());
         QCOMPARE(content(file), QByteArray("newer"));
         QVERIFY(QFileInfo(path("link")).isSymLink());
-        QCOMPARE(write_whole_file(path("link"), "own", Links::refused),
+        QCOMPARE(write_whole_file(path("link"), "own", platform::Links::refused),
                  QString("not a plain file"));
         QCOMPARE(content(file), QByteArray("newer"));
         QVERIFY(QFile::remove(file));
-        QCOMPARE(write_whole_file(path("link"), "own", Links::refused),
+        QCOMPARE(write_whole_file(path("link"), "own", platform::Links::refused),
                  QString("not a plain file"));
         QVERIFY(!QFile::exists(file));
     }
@@ -79,9 +83,10 @@ class FilesTest : public QObject {
         QCOMPARE(write_whole_file(QStringLiteral("/dev/null"), "x"), QString("not a plain file"));
         QVERIFY(QDir(folder_->path()).mkdir("folder"));
         QCOMPARE(write_whole_file(path("folder"), "x"), QString("not a plain file"));
-        QCOMPARE(write_whole_file(path("folder"), "x", Links::refused),
+        QCOMPARE(write_whole_file(path("folder"), "x", platform::Links::refused),
                  QString("not a plain file"));
-        QCOMPARE(write_whole_file(pipe, "x", Links::refused), QString("not a plain file"));
+        QCOMPARE(write_whole_file(pipe, "x", platform::Links::refused),
+                 QString("not a plain file"));
     }
 
     void what_cannot_be_remembered_is_not_waited_for() {

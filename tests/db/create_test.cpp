@@ -12,7 +12,7 @@
 
 #include "db_support.h"
 
-namespace m47 {
+namespace m47::db {
 
 /// Making a new database file.
 class CreateTest : public QObject {
@@ -222,7 +222,7 @@ class CreateTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::db
 
-M47_DB_TEST_MAIN(m47::CreateTest)
+M47_DB_TEST_MAIN(m47::db::CreateTest)
 #include "create_test.moc"

@@ -6,7 +6,7 @@
 #include "db_support.h"
 #include "fault.h"
 
-namespace m47 {
+namespace m47::db {
 namespace {
 
 constexpr qsizetype kPage = 4096;
@@ -221,7 +221,7 @@ class DamageTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::db
 
-M47_DB_TEST_MAIN(m47::DamageTest)
+M47_DB_TEST_MAIN(m47::db::DamageTest)
 #include "damage_test.moc"

@@ -15,7 +15,7 @@
 #include "db_support.h"
 #include "fault.h"
 
-namespace m47 {
+namespace m47::db {
 namespace {
 
 void say(const QString& line) {
@@ -155,4 +155,4 @@ int run_child(QStringList arguments) {
     return 2;
 }
 
-}  // namespace m47
+}  // namespace m47::db

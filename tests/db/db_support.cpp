@@ -9,7 +9,7 @@
 #include <QSqlQuery>
 #include <QSqlRecord>
 
-namespace m47 {
+namespace m47::db {
 namespace {
 
 constexpr int kChildLimit = 30000;
@@ -133,4 +133,4 @@ QString Child::rest() {
     return QString::fromUtf8(process_.readAll());
 }
 
-}  // namespace m47
+}  // namespace m47::db

@@ -12,7 +12,7 @@
 
 #include "database.h"
 
-namespace m47 {
+namespace m47::db {
 
 /// The database file in `folder`.
 QString database_in(const QString& folder);
@@ -62,7 +62,7 @@ class Child {
 /// The roles of a Child; the process's exit status.
 int run_child(QStringList arguments);
 
-}  // namespace m47
+}  // namespace m47::db
 
 /// The main function of a test that starts itself as a Child.
 #define M47_DB_TEST_MAIN(TestClass)                                  \
@@ -70,7 +70,7 @@ int run_child(QStringList arguments);
         const QCoreApplication application(argc, argv);              \
         const QStringList arguments = QCoreApplication::arguments(); \
         if (arguments.value(1) == QLatin1String("--child"))          \
-            return m47::run_child(arguments.mid(2));                 \
+            return m47::db::run_child(arguments.mid(2));             \
         TestClass test;                                              \
         return QTest::qExec(&test, argc, argv);                      \
     }

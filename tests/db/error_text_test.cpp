@@ -6,7 +6,7 @@
 #include "db_support.h"
 #include "engine.h"
 
-namespace m47 {
+namespace m47::db {
 
 /// What the user is told about a database that cannot be used.
 class ErrorTextTest : public QObject {
@@ -108,7 +108,7 @@ class ErrorTextTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::db
 
-M47_DB_TEST_MAIN(m47::ErrorTextTest)
+M47_DB_TEST_MAIN(m47::db::ErrorTextTest)
 #include "error_text_test.moc"

@@ -7,7 +7,7 @@
 
 #include "db_support.h"
 
-namespace m47 {
+namespace m47::db {
 namespace {
 
 // Until the child's first row is stored it only opens the file.
@@ -94,7 +94,7 @@ class KillTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::db
 
-M47_DB_TEST_MAIN(m47::KillTest)
+M47_DB_TEST_MAIN(m47::db::KillTest)
 #include "kill_test.moc"

@@ -8,7 +8,7 @@
 #include "engine.h"
 #include "fault.h"
 
-namespace m47 {
+namespace m47::db {
 namespace {
 
 const QString kNome = QStringLiteral("nome");
@@ -149,7 +149,7 @@ class LockTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::db
 
-M47_DB_TEST_MAIN(m47::LockTest)
+M47_DB_TEST_MAIN(m47::db::LockTest)
 #include "lock_test.moc"

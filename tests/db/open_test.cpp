@@ -14,7 +14,7 @@
 #include "engine.h"
 #include "fault.h"
 
-namespace m47 {
+namespace m47::db {
 namespace {
 
 const QString kNome = QStringLiteral("nome");
@@ -323,7 +323,7 @@ class OpenTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::db
 
-M47_DB_TEST_MAIN(m47::OpenTest)
+M47_DB_TEST_MAIN(m47::db::OpenTest)
 #include "open_test.moc"

@@ -5,7 +5,7 @@
 #include "db_support.h"
 #include "fault.h"
 
-namespace m47 {
+namespace m47::db {
 namespace {
 
 const QString kNome = QStringLiteral("nome");
@@ -274,7 +274,7 @@ class RecordsetTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::db
 
-M47_DB_TEST_MAIN(m47::RecordsetTest)
+M47_DB_TEST_MAIN(m47::db::RecordsetTest)
 #include "recordset_test.moc"

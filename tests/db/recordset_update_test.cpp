@@ -6,7 +6,7 @@
 #include "db_support.h"
 #include "fault.h"
 
-namespace m47 {
+namespace m47::db {
 namespace {
 
 const QString kNome = QStringLiteral("nome");
@@ -331,7 +331,7 @@ class RecordsetUpdateTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::db
 
-M47_DB_TEST_MAIN(m47::RecordsetUpdateTest)
+M47_DB_TEST_MAIN(m47::db::RecordsetUpdateTest)
 #include "recordset_update_test.moc"

@@ -30,8 +30,8 @@ int wanted_steps() {
     return given ? asked : kUsualSteps;
 }
 
-ProgramRecord of_step(int step, int number) {
-    ProgramRecord record;
+programme::ProgramRecord of_step(int step, int number) {
+    programme::ProgramRecord record;
     record.pg_num = QStringLiteral("00%1").arg(number);
     record.loc_osc = true;
     record.frequenza = QStringLiteral("1000");
@@ -45,24 +45,24 @@ void say(int step) {
     if (::write(STDOUT_FILENO, line.constData(), static_cast<size_t>(line.size())) < 0) ::_exit(1);
 }
 
-std::unique_ptr<Database> opened(const QString& folder) {
-    DatabaseError error{};
-    auto database = Database::open(folder_with_separator(folder) + kDatabase, error);
+std::unique_ptr<db::Database> opened(const QString& folder) {
+    db::DatabaseError error{};
+    auto database = db::Database::open(folder_with_separator(folder) + kDatabase, error);
     if (!database) qFatal("no database: %s", qPrintable(error.detail));
     return database;
 }
 
-void store(PlanSets& sets, int step, int number, bool over) {
-    ProgramRecord record = of_step(step, number);
+void store(plans::PlanSets& sets, int step, int number, bool over) {
+    programme::ProgramRecord record = of_step(step, number);
     QString oscillator;
-    if (sets.store_record(record, oscillator, 0, over) != Clash::none) qFatal("not stored");
+    if (sets.store_record(record, oscillator, 0, over) != plans::Clash::none) qFatal("not stored");
 }
 
 void make_plan(const QString& folder) {
-    DatabaseError error{};
-    if (!Database::create(folder_with_separator(folder) + kDatabase, error)) qFatal("not made");
+    db::DatabaseError error{};
+    if (!db::Database::create(folder_with_separator(folder) + kDatabase, error)) qFatal("not made");
     const auto database = opened(folder);
-    PlanSets sets(*database);
+    plans::PlanSets sets(*database);
     for (int number = 0; number < kPlanPrograms; ++number) store(sets, 0, number, number == 0);
 }
 
@@ -70,7 +70,7 @@ void make_plan(const QString& folder) {
 /// over.
 int store_programs(const QString& folder, int steps) {
     const auto database = opened(folder);
-    PlanSets sets(*database);
+    plans::PlanSets sets(*database);
     for (int step = 1; step <= steps; ++step) {
         if (sets.has_plan(kCopy)) {
             sets.crea_records(kCopy);

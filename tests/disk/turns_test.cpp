@@ -42,8 +42,8 @@ struct Logging {
 };
 
 void log_lines(const QString& path, const QByteArray& name, Logging& result) {
-    PageModel page;
-    MeasurementLog log;
+    measurement::PageModel page;
+    measurement::MeasurementLog log;
     log.open(path, page);
     for (int k = 1; k <= kLinesEach; ++k) {
         const QByteArray line = name + QByteArray(20 * k, '.') + QByteArray::number(k);
@@ -67,8 +67,8 @@ struct Downloading {
     std::unique_ptr<FakePort> port = std::make_unique<FakePort>(*clock);
     FakeLinkView view;
     ProgramState state;
-    Link link{*port, *clock, view};
-    LoggerData data{link, state};
+    link::Link link{*port, *clock, view};
+    logger::LoggerData data{link, state};
 };
 
 }  // namespace
@@ -180,7 +180,7 @@ class TurnsTest : public QObject {
             Turns turns(seed);
             const auto download = [](Downloading& program) {
                 return [&program] {
-                    program.data.download(command::kAllLogs, QStringLiteral("dwl.tmp"));
+                    program.data.download(link::command::kAllLogs, QStringLiteral("dwl.tmp"));
                 };
             };
             turns.run(download(first), download(other));
@@ -202,7 +202,7 @@ class TurnsTest : public QObject {
                 return [&, which, table] {
                     try {
                         lines[which] =
-                            lines_through_file(path() + u'/', QString::fromLatin1(table));
+                            plans::lines_through_file(path() + u'/', QString::fromLatin1(table));
                     } catch (const std::exception& fault) {
                         faults[which] = QString::fromUtf8(fault.what());
                     }
@@ -225,8 +225,8 @@ class TurnsTest : public QObject {
         const QDateTime now({2026, 11, 22}, {4, 0});
         in_every_order([&](quint32 seed) {
             Turns turns(seed);
-            turns.run([&] { keep_table(path() + u'/', QStringLiteral("01 05 01"), now); },
-                      [&] { keep_table(path() + u'/', QStringLiteral("03 09 01"), now); });
+            turns.run([&] { plans::keep_table(path() + u'/', QStringLiteral("01 05 01"), now); },
+                      [&] { plans::keep_table(path() + u'/', QStringLiteral("03 09 01"), now); });
             QByteArrayList tables;
             for (const QString& name : names(QStringLiteral("backup")))
                 tables += content(QStringLiteral("backup/") + name);

@@ -159,32 +159,32 @@ class ManualTest : public QObject, protected ProgramInFolder {
 
     void every_screen_has_a_page() {
         QStringList names;
-        for (const QString& key : screen_keys()) names += manual_page_name(key);
+        for (const QString& key : shell::screen_keys()) names += shell::manual_page_name(key);
         QCOMPARE(names.removeDuplicates(), 0);
         QVERIFY(!names.contains("index"));
         for (const QString& name : names)
             QVERIFY2(QFile::exists(kPages + "en/" + name + ".md"), qPrintable(name));
-        QCOMPARE(manual_page_name(QString()), QStringLiteral("index"));
+        QCOMPARE(shell::manual_page_name(QString()), QStringLiteral("index"));
     }
 
     void the_option_that_opens_a_screen_is_described_with_all_of_them() {
         const QString packaging = QStringLiteral(PROJECT_FOLDER "/packaging/");
         QVERIFY(text_of(packaging + "completion/m47-remote")
-                    .contains("compgen -W '" + screen_keys().join(u' ') + u'\''));
+                    .contains("compgen -W '" + shell::screen_keys().join(u' ') + u'\''));
         for (const char* page : {"man/m47-remote.1.in", "man/m47-remote.it.1.in"}) {
             const QString text = text_of(packaging + page);
-            for (const QString& key : screen_keys())
+            for (const QString& key : shell::screen_keys())
                 QVERIFY2(captures(text, "\\n\\.BR? (" + key + ")\\b").size() == 1, qPrintable(key));
         }
     }
 
     void the_page_is_looked_for_beside_the_program_and_in_the_documents() {
-        QCOMPARE(manual_folders("/opt/m47/bin"),
+        QCOMPARE(shell::manual_folders("/opt/m47/bin"),
                  QStringList({"/opt/m47/bin/manual", "/opt/m47/share/doc/m47-remote/html"}));
         const QTemporaryDir one, two;
         Texts texts;
         const QStringList folders{one.path(), two.path()};
-        const auto find = [&] { return find_manual_page(folders, "tune", texts); };
+        const auto find = [&] { return shell::find_manual_page(folders, "tune", texts); };
         const auto put = [](const QTemporaryDir& folder, const char* language) {
             QVERIFY(QDir(folder.path()).mkpath(language));
             QFile file(folder.filePath(QLatin1String(language) + "/tune.html"));
@@ -205,7 +205,7 @@ class ManualTest : public QObject, protected ProgramInFolder {
         QDesktopServices::setUrlHandler("file", this, "take_url");
         start();
         press_f1();
-        for (const QString& key : screen_keys()) {
+        for (const QString& key : shell::screen_keys()) {
             window().open_screen(key);
             press_f1();
         }
@@ -213,7 +213,7 @@ class ManualTest : public QObject, protected ProgramInFolder {
         window().open_screen("asl");
         window().findChild<QAction*>("cmdmanual")->trigger();
         QStringList wanted{"it/index.html"};
-        for (const ScreenEntry& screen : screen_table())
+        for (const shell::ScreenEntry& screen : shell::screen_table())
             wanted += QStringLiteral("it/%1.html").arg(QLatin1String(screen.manual_page));
         wanted += "en/satellites.html";
         wanted.replaceInStrings(QRegularExpression("^"), QStringLiteral(MANUAL_HTML "/"));

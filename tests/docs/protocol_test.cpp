@@ -40,8 +40,8 @@ class ProtocolTest : public QObject {
         qsizetype defined = 0;
         for (auto found = kDefinition.globalMatch(header); found.hasNext(); found.next()) ++defined;
         QStringList listed;
-        for (const command::Group& group : command::command_list())
-            for (const command::Word* word : group.words) listed += *word;
+        for (const link::command::Group& group : link::command::command_list())
+            for (const link::command::Word* word : group.words) listed += *word;
         QVERIFY(defined > 30);
         QCOMPARE(listed.size(), defined);
         QCOMPARE(listed.removeDuplicates(), 0);
@@ -54,8 +54,8 @@ class ProtocolTest : public QObject {
         QVERIFY(!page.mid(examples).contains(QStringLiteral("ERROR")));
         QVERIFY(!page.mid(examples).contains(QStringLiteral("Invalid")));
         QVERIFY(!page.mid(examples).contains(QStringLiteral("refused")));
-        for (const command::Group& group : command::command_list())
-            for (const command::Word* word : group.words) QVERIFY(!word->uses.empty());
+        for (const link::command::Group& group : link::command::command_list())
+            for (const link::command::Word* word : group.words) QVERIFY(!word->uses.empty());
     }
 };
 

@@ -38,7 +38,7 @@ class GuiTest : public QObject, protected ProgramInFolder {
             folder(), QStringList{QStringLiteral("--baud-factor"), QStringLiteral("0"),
                                   QStringLiteral("--delay"), QStringLiteral("0")} +
                           meter_options);
-        PortList ports;
+        link::PortList ports;
         QVERIFY(ports.add(QStringLiteral("3=") + meter_->link()));
         start_program({1024, 600}, ports);
     }
@@ -56,9 +56,9 @@ class GuiTest : public QObject, protected ProgramInFolder {
         QTest::keyClick(view, Qt::Key_Return);
     }
 
-    Realtime* open_realtime() {
+    realtime::Realtime* open_realtime() {
         find<QAction>("realtime")->trigger();
-        return qobject_cast<Realtime*>(window().screen_of(QStringLiteral("realtime")));
+        return qobject_cast<realtime::Realtime*>(window().screen_of(QStringLiteral("realtime")));
     }
 
     /// The commands since the last call.
@@ -82,7 +82,7 @@ class GuiTest : public QObject, protected ProgramInFolder {
         QTest::keyClicks(box, text);
         QTest::keyClick(box, Qt::Key_Return);
     }
-    QStringList row(const Realtime* screen, int number) {
+    QStringList row(const realtime::Realtime* screen, int number) {
         QStringList cells;
         for (int column = 0; column < screen->rules.page.columnCount(); ++column)
             cells += screen->rules.page.index(number, column).data().toString();
@@ -158,7 +158,7 @@ class GuiTest : public QObject, protected ProgramInFolder {
     void an_analog_measurement_becomes_a_row_and_a_line() {
         start();
         pick_port(3);
-        Realtime* screen = open_realtime();
+        realtime::Realtime* screen = open_realtime();
         QCOMPARE(new_commands(),
                  QStringList({"ATTEN?", "VER?", "MEASURE", "ATTEN 6", "TONE22K 00", "SYMBRATEQPSK?",
                               "UNIT?", "LOCOSC 00", "FREQ 1000", "ATTEN 6"}));
@@ -181,7 +181,7 @@ class GuiTest : public QObject, protected ProgramInFolder {
     void a_digital_measurement_asks_for_what_is_ticked() {
         start();
         pick_port(3);
-        Realtime* screen = open_realtime();
+        realtime::Realtime* screen = open_realtime();
         new_commands();
         find<QAction>("qpsk", screen)->trigger();
         QCOMPARE(new_commands(), QStringList({"TONE22K 00", "SYMBRATEQPSK?"}));
@@ -204,7 +204,7 @@ class GuiTest : public QObject, protected ProgramInFolder {
     void tuning_controls_send_what_they_show() {
         start();
         pick_port(3);
-        Realtime* screen = open_realtime();
+        realtime::Realtime* screen = open_realtime();
         new_commands();
         type("fsat", screen, QStringLiteral("100"));
         QCOMPARE(new_commands(), QStringList({"FREQ 0920.0"}));
@@ -244,7 +244,7 @@ class GuiTest : public QObject, protected ProgramInFolder {
         const QString file = states.filePath(QStringLiteral("state"));
         start({QStringLiteral("--state"), file});
         pick_port(3);
-        Realtime* screen = open_realtime();
+        realtime::Realtime* screen = open_realtime();
         new_commands();
         const auto click = [&](const char* name) {
             QTest::mouseClick(find<QWidget>(name, screen), Qt::LeftButton);
@@ -293,7 +293,7 @@ class GuiTest : public QObject, protected ProgramInFolder {
     void the_unit_of_the_meter_is_taken_over() {
         start();
         pick_port(3);
-        Realtime* screen = open_realtime();
+        realtime::Realtime* screen = open_realtime();
         find<QAction>("cmdlev_1", screen)->trigger();
         screen->parentWidget()->close();
         QTRY_VERIFY(!window().screen_of(QStringLiteral("realtime")));
@@ -305,7 +305,7 @@ class GuiTest : public QObject, protected ProgramInFolder {
 
     /// Adds a monitored or unmonitored analog program to the plan that a new database holds.
     void add_program(const char* number, double frequency, int monitored) {
-        Recordset& programs = program().database().programmi();
+        db::Recordset& programs = program().database().programmi();
         programs.add_new();
         programs.set(QStringLiteral("nome"), QStringLiteral("PLAN 1"));
         programs.set(QStringLiteral("pg_num"), QString::fromLatin1(number));
@@ -322,7 +322,7 @@ class GuiTest : public QObject, protected ProgramInFolder {
         add_program("002", 1100, 0);
         add_program("003", 1200.5, 1);
         pick_port(3);
-        Realtime* screen = open_realtime();
+        realtime::Realtime* screen = open_realtime();
         tick("meas_statea_0", screen);
         find<QAction>("group", screen)->trigger();
         QCOMPARE(find<QLineEdit>("grp_name", screen)->text(), QStringLiteral("PLAN 1"));
@@ -355,16 +355,17 @@ class GuiTest : public QObject, protected ProgramInFolder {
         add_program("001", 1000, 1);
         add_program("002", 1100, 1);
         pick_port(3);
-        Realtime* screen = open_realtime();
+        realtime::Realtime* screen = open_realtime();
         tick("meas_statea_0", screen);
         find<QAction>("group", screen)->trigger();
         const auto* progress = find<QLabel>("plan_progress");
         {
             QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", "other");
-            other.setDatabaseName(in_folder(kDatabaseFile));
+            other.setDatabaseName(in_folder(db::kDatabaseFile));
             QVERIFY(other.open());
-            const auto first_row = connect(&screen->rules.page, &PageModel::rowsInserted, this,
-                                           [&] { QSqlQuery("BEGIN EXCLUSIVE", other); });
+            const auto first_row =
+                connect(&screen->rules.page, &measurement::PageModel::rowsInserted, this,
+                        [&] { QSqlQuery("BEGIN EXCLUSIVE", other); });
             find<QAction>("multiple_acq", screen)->trigger();
             QTRY_COMPARE_WITH_TIMEOUT(progress->text(), QString("Pass cut short"), 20000);
             disconnect(first_row);
@@ -385,7 +386,7 @@ class GuiTest : public QObject, protected ProgramInFolder {
     void timed_acquisition_measures_every_second_and_stops() {
         start();
         pick_port(3);
-        Realtime* screen = open_realtime();
+        realtime::Realtime* screen = open_realtime();
         tick("meas_statea_0", screen);
         QVERIFY(!find<QWidget>("timer_opt", screen)->isVisible());
         find<QAction>("start", screen)->trigger();
@@ -408,7 +409,7 @@ class GuiTest : public QObject, protected ProgramInFolder {
     void a_vanished_meter_turns_the_status_red_within_a_moment() {
         start();
         pick_port(3);
-        Realtime* screen = open_realtime();
+        realtime::Realtime* screen = open_realtime();
         tick("meas_statea_0", screen);
         meter_->unplug();
         QElapsedTimer timer;
@@ -427,7 +428,7 @@ class GuiTest : public QObject, protected ProgramInFolder {
         start({QStringLiteral("--fault"), QStringLiteral("late:1"), QStringLiteral("--fault-on"),
                QStringLiteral("LEVANL"), QStringLiteral("--late"), QStringLiteral("1")});
         pick_port(3);
-        Realtime* screen = open_realtime();
+        realtime::Realtime* screen = open_realtime();
         tick("meas_statea_0", screen);
         int ticks = 0;
         bool inside = false;

@@ -23,7 +23,7 @@ namespace m47 {
 namespace {
 
 constexpr int kPage = 4096;
-const QString kFile = QString::fromLatin1(kDatabaseFile);
+const QString kFile = QString::fromLatin1(db::kDatabaseFile);
 
 /// A connection of somebody else.
 class OtherProgram {
@@ -52,16 +52,16 @@ class OtherProgram {
 struct Windows {
     explicit Windows(const QString& folder) {
         state.base_dir = folder_with_separator(folder);
-        DatabaseError error{};
+        db::DatabaseError error{};
         const QString path = state.base_dir + kFile;
-        if (!Database::create(path, error)) qFatal("%s", qPrintable(error.detail));
+        if (!db::Database::create(path, error)) qFatal("%s", qPrintable(error.detail));
         auto clock = std::make_unique<VirtualClock>();
         auto port = std::make_unique<FakePort>(*clock);
         meter = std::make_unique<MeterInProcess>(*port, 1);
-        PortList ports(PortSources{folder, folder, [] { return QStringList(); }});
+        link::PortList ports(link::PortSources{folder, folder, [] { return QStringList(); }});
         ports.add(QStringLiteral("1=/dev/no-such-meter"));
-        program = std::make_unique<Program>(state, Database::open(path, error), ports,
-                                            std::move(clock), std::move(port));
+        program = std::make_unique<shell::Program>(state, db::Database::open(path, error), ports,
+                                                   std::move(clock), std::move(port));
         state.texts.language = kEnglish;
         program->window().show();
         program->identify(1);
@@ -77,7 +77,7 @@ struct Windows {
 
     ProgramState state;
     std::unique_ptr<MeterInProcess> meter;
-    std::unique_ptr<Program> program;
+    std::unique_ptr<shell::Program> program;
     BoxAnswers boxes;
 };
 
@@ -192,7 +192,7 @@ class HostFaultTest : public QObject {
         if (!make_disk(512)) QSKIP("no rights to mount a small disk");
         {
             Windows windows(on_disk(QString()));
-            auto* screen = windows.open<ProgramSet>("program");
+            auto* screen = windows.open<plans::ProgramSet>("program");
             auto* number = screen->findChild<QLineEdit*>("prog_num");
             auto* rate = screen->findChild<QLineEdit*>("srqpsk_txt");
             rate->setText("22000");
@@ -221,7 +221,7 @@ class HostFaultTest : public QObject {
     void a_download_on_a_full_disk_can_be_taken_again() {
         if (!make_disk(512)) QSKIP("no rights to mount a small disk");
         Windows windows(on_disk(QString()));
-        auto* screen = windows.open<Download>("download");
+        auto* screen = windows.open<logger::Download>("download");
         screen->findChild<QLineEdit*>("tmpfile")->setText("day");
         screen->cmddownload_Click();
         const QByteArray downloaded = screen->data.text();
@@ -247,7 +247,7 @@ class HostFaultTest : public QObject {
     void an_export_on_a_full_disk_leaves_the_older_file() {
         if (!make_disk(512)) QSKIP("no rights to mount a small disk");
         Windows windows(on_disk(QString()));
-        auto* screen = windows.open<ProgramSet>("program");
+        auto* screen = windows.open<plans::ProgramSet>("program");
         const QByteArray older(kPage, 'y');
         put(on_disk("plan.tsv"), older);
         disk_->fill();
@@ -286,7 +286,7 @@ class HostFaultTest : public QObject {
 
     void a_database_locked_meanwhile_is_told_and_stored_again() {
         Windows windows(folder_->path());
-        auto* screen = windows.open<ProgramSet>("program");
+        auto* screen = windows.open<plans::ProgramSet>("program");
         OtherProgram other(folder_->filePath(kFile));
         other.ask("BEGIN EXCLUSIVE");
         screen->findChild<QLineEdit*>("prog_num")->setText("7");

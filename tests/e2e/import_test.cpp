@@ -45,7 +45,7 @@ class ImportTest : public QObject, protected ProgramInFolder {
         QSqlDatabase::removeDatabase("look");
         return rows;
     }
-    QString database_path() const { return in_folder(kDatabaseFile); }
+    QString database_path() const { return in_folder(db::kDatabaseFile); }
 
     void start(int language) {
         new_folder();
@@ -260,7 +260,8 @@ class ImportTest : public QObject, protected ProgramInFolder {
 }  // namespace m47
 
 int main(int argc, char** argv) {
-    if (argc == 2 && qstrcmp(argv[1], m47::kReadOldDatabase) == 0) return m47::run_old_reader();
+    if (argc == 2 && qstrcmp(argv[1], m47::olddb::kReadOldDatabase) == 0)
+        return m47::olddb::run_old_reader();
     QApplication application(argc, argv);
     m47::ImportTest test;
     return QTest::qExec(&test, argc, argv);

@@ -76,7 +76,7 @@ quint32 number_from(const char* variable, int usual) {
 
 void MonkeyTest::init() {
     new_folder(folder_template());
-    PortList ports(PortSources{folder(), folder(), [] { return QStringList(); }});
+    link::PortList ports(link::PortSources{folder(), folder(), [] { return QStringList(); }});
     QVERIFY(ports.add(QStringLiteral("1=/dev/no-such-meter")));
     auto clock = std::make_unique<VirtualClock>();
     auto port = std::make_unique<FakePort>(*clock);
@@ -100,7 +100,7 @@ void MonkeyTest::cleanup() {
 /// The cable is plugged in again, and the port picked.
 void MonkeyTest::pick_up_the_line() {
     if (program().link().port_connected) return;
-    port_->open_fault = PortFault::none;
+    port_->open_fault = link::PortFault::none;
     program().identify(1);
 }
 
@@ -108,7 +108,7 @@ QStringList MonkeyTest::sql(const QString& statement) {
     QStringList column;
     {
         QSqlDatabase database = QSqlDatabase::addDatabase("QSQLITE", "look");
-        database.setDatabaseName(program_state().base_dir + QLatin1String(kDatabaseFile));
+        database.setDatabaseName(program_state().base_dir + QLatin1String(db::kDatabaseFile));
         if (!database.open()) qFatal("the database file does not open");
         QSqlQuery query(statement, database);
         while (query.next()) column += query.value(0).toString();
@@ -220,21 +220,21 @@ void MonkeyTest::every_box_takes_any_text() {
 }
 
 void MonkeyTest::names_of_plans_are_just_characters() {
-    PlanSets sets(program().database());
+    plans::PlanSets sets(program().database());
     const QStringList names{"'; DROP T", "\"\"",  "A'B''C", "--",
                             "%1 %n",     "/*X*/", "NULL",   "\u05E9\u05DC\u05D5\u05DD",
                             "A\nB"};
     for (const QString& name : names) {
-        sets.add_new(plan_name(name));
-        QCOMPARE(sets.plan(), plan_name(name));
-        QVERIFY2(sets.has_plan(plan_name(name)), qPrintable(name));
+        sets.add_new(programme::plan_name(name));
+        QCOMPARE(sets.plan(), programme::plan_name(name));
+        QVERIFY2(sets.has_plan(programme::plan_name(name)), qPrintable(name));
     }
     QCOMPARE(sql("SELECT count(*) FROM gruppo").value(0).toInt(), names.size() + 1);
     for (const QString& name : names) {
-        sets.crea_records(plan_name(name));
+        sets.crea_records(programme::plan_name(name));
         QCOMPARE(sets.programs().size(), std::size_t{1});
         sets.del_old();
-        QVERIFY(!sets.has_plan(plan_name(name)));
+        QVERIFY(!sets.has_plan(programme::plan_name(name)));
     }
     QCOMPARE(sql("SELECT nome FROM gruppo"), QStringList("PLAN 1"));
     QCOMPARE(sql("SELECT nome FROM programmi"), QStringList("PLAN 1"));
@@ -284,7 +284,8 @@ void MonkeyTest::all_screens_without_sense() {
 }  // namespace m47
 
 int main(int argc, char** argv) {
-    if (argc == 2 && qstrcmp(argv[1], m47::kReadOldDatabase) == 0) return m47::run_old_reader();
+    if (argc == 2 && qstrcmp(argv[1], m47::olddb::kReadOldDatabase) == 0)
+        return m47::olddb::run_old_reader();
     QApplication application(argc, argv);
     // The monkey closes the window now and then and goes on.
     QApplication::setQuitOnLastWindowClosed(false);

@@ -61,7 +61,7 @@ class SatellitesTest : public QObject, protected ProgramInFolder {
         first_ = std::make_unique<Stand>(first_options);
         second_ = std::make_unique<Stand>(QStringList{"--no-satellites"});
         boxes_ = std::make_unique<BoxAnswers>();
-        PortList ports;
+        link::PortList ports;
         QVERIFY(ports.add("1=" + first_->meter.link()));
         QVERIFY(ports.add("2=" + second_->meter.link()));
         // The quickest pace of the day, at whatever hour the test runs.

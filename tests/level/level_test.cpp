@@ -8,16 +8,18 @@
 #include "level_display.h"
 #include "level_tone.h"
 
-namespace m47 {
+namespace m47::level {
 
 class LevelTest : public QObject {
     Q_OBJECT
 
   private:
-    static Measurement measurement(const QString& level, Verdict verdict = Verdict::none,
-                                   std::optional<LevelUnit> unit = kDbuv) {
-        Measurement made;
-        made.reading(Quantity::level) = reading_of(Quantity::level, level);
+    static measurement::Measurement measurement(
+        const QString& level, measurement::Verdict verdict = measurement::Verdict::none,
+        std::optional<LevelUnit> unit = kDbuv) {
+        measurement::Measurement made;
+        made.reading(measurement::Quantity::level) =
+            measurement::reading_of(measurement::Quantity::level, level);
         made.verdict = verdict;
         made.unit = unit;
         made.frequency = 1200.0F;
@@ -47,7 +49,7 @@ class LevelTest : public QObject {
 
     void a_fresh_value_is_shown_in_the_colour_of_its_outcome() {
         LevelDisplay display;
-        Measurement of_a_plan = measurement("58.3", Verdict::pass, kDbm);
+        measurement::Measurement of_a_plan = measurement("58.3", measurement::Verdict::pass, kDbm);
         of_a_plan.program = {"ASTRA", "007"};
         of_a_plan.frequency = 11778.0F;
         display.measured(of_a_plan, 100);
@@ -58,7 +60,7 @@ class LevelTest : public QObject {
         QCOMPARE(picture.verdict, QStringLiteral("PASS"));
         QCOMPARE(picture.age, QStringLiteral("Measured 3 s ago"));
         QVERIFY(picture.colour == LevelColour::pass);
-        display.measured(measurement("58.3", Verdict::fail), 105);
+        display.measured(measurement("58.3", measurement::Verdict::fail), 105);
         QVERIFY(display.picture(105, true, texts()).colour == LevelColour::fail);
         display.measured(measurement("58.3"), 106);
         QVERIFY(display.picture(106, true, texts()).colour == LevelColour::live);
@@ -67,7 +69,7 @@ class LevelTest : public QObject {
 
     void an_old_value_is_grey_and_says_so() {
         LevelDisplay display;
-        display.measured(measurement("58.3", Verdict::pass), 0);
+        display.measured(measurement("58.3", measurement::Verdict::pass), 0);
         QVERIFY(display.live(LevelDisplay::kLiveSeconds, true));
         const double later = LevelDisplay::kLiveSeconds + 0.1;
         QVERIFY(!display.live(later, true));
@@ -88,11 +90,11 @@ class LevelTest : public QObject {
 
     void while_a_measurement_runs_the_value_before_it_is_not_live() {
         LevelDisplay display;
-        display.measured(measurement("58.3", Verdict::pass), 0);
+        display.measured(measurement("58.3", measurement::Verdict::pass), 0);
         display.begins();
         QVERIFY(display.picture(1, true, texts()).colour == LevelColour::stale);
         QCOMPARE(display.picture(1, true, texts()).age, QStringLiteral("Measuring…"));
-        display.measured(measurement("59.0", Verdict::pass), 2);
+        display.measured(measurement("59.0", measurement::Verdict::pass), 2);
         QVERIFY(display.live(2, true));
         display.begins();
         display.ended();
@@ -101,7 +103,7 @@ class LevelTest : public QObject {
 
     void without_a_link_nothing_is_live() {
         LevelDisplay display;
-        display.measured(measurement("58.3", Verdict::pass), 0);
+        display.measured(measurement("58.3", measurement::Verdict::pass), 0);
         QVERIFY(display.picture(0, false, texts()).colour == LevelColour::stale);
         QCOMPARE(display.picture(0, false, texts()).age,
                  QStringLiteral("The meter is not connected"));
@@ -110,20 +112,20 @@ class LevelTest : public QObject {
     void what_was_not_measured_is_a_dash_and_silent() {
         LevelDisplay display;
         for (const char* level : {"", "ERROR"}) {
-            display.measured(measurement(level, Verdict::fail), 0);
+            display.measured(measurement(level, measurement::Verdict::fail), 0);
             QCOMPARE(display.picture(0, true, texts()).value, QStringLiteral("—"));
             QVERIFY(!display.dbuv());
         }
         display.measured(measurement("<20.0"), 0);
         QCOMPARE(display.picture(0, true, texts()).value, QStringLiteral("<20.0"));
         QCOMPARE(*display.dbuv(), 20.0);
-        display.measured(measurement("-50", Verdict::none, kDbm), 0);
+        display.measured(measurement("-50", measurement::Verdict::none, kDbm), 0);
         QCOMPARE(*display.dbuv(), 59.0);
     }
 
     void a_level_of_an_unknown_unit_is_shown_without_one() {
         LevelDisplay display;
-        display.measured(measurement("58.3", Verdict::pass, {}), 0);
+        display.measured(measurement("58.3", measurement::Verdict::pass, {}), 0);
         QCOMPARE(display.picture(0, true, texts()).value, QStringLiteral("58.3"));
         QVERIFY(display.picture(0, true, texts()).unit.isEmpty());
         QCOMPARE(std::round(10 * *display.dbuv()), 583.0);
@@ -159,7 +161,7 @@ class LevelTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::level
 
-QTEST_MAIN(m47::LevelTest)
+QTEST_MAIN(m47::level::LevelTest)
 #include "level_test.moc"

@@ -12,7 +12,7 @@
 #include "link.h"
 #include "virtual_clock.h"
 
-namespace m47 {
+namespace m47::link {
 namespace {
 
 /// The tick of the virtual clock's time of day, 10:00.
@@ -372,7 +372,7 @@ void BlockTest::a_late_answer_is_not_the_blocks() {
     QVERIFY(link_->port_connected);
 }
 
-}  // namespace m47
+}  // namespace m47::link
 
-QTEST_APPLESS_MAIN(m47::BlockTest)
+QTEST_APPLESS_MAIN(m47::link::BlockTest)
 #include "block_test.moc"

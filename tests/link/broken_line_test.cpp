@@ -7,7 +7,7 @@
 #include "link.h"
 #include "virtual_clock.h"
 
-namespace m47 {
+namespace m47::link {
 
 /// What a meter out of order, a bad cable or a wrong device does to a transaction.
 class BrokenLineTest : public QObject {
@@ -192,7 +192,7 @@ void BrokenLineTest::the_state_names_the_port_in_use() {
     QCOMPARE(port_state_text(0, false), QString("RS232 ComPort NOT Connected"));
 }
 
-}  // namespace m47
+}  // namespace m47::link
 
-QTEST_APPLESS_MAIN(m47::BrokenLineTest)
+QTEST_APPLESS_MAIN(m47::link::BrokenLineTest)
 #include "broken_line_test.moc"

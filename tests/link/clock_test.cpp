@@ -7,7 +7,7 @@
 #include "real_clock.h"
 #include "virtual_clock.h"
 
-namespace m47 {
+namespace m47::link {
 
 using namespace std::chrono_literals;
 using std::chrono::nanoseconds;
@@ -127,7 +127,8 @@ void ClockTest::a_pause_over_midnight_outside_a_span_wraps() {
 void ClockTest::the_local_time_of_day() {
     const QTime before = QTime::currentTime();
     const qint64 time =
-        std::chrono::duration_cast<std::chrono::milliseconds>(local_time_of_day()).count();
+        std::chrono::duration_cast<std::chrono::milliseconds>(platform::local_time_of_day())
+            .count();
     const QTime after = QTime::currentTime();
     if (after < before) QSKIP("midnight has just passed");
     QVERIFY(time >= before.msecsSinceStartOfDay() && time <= after.msecsSinceStartOfDay());
@@ -152,7 +153,7 @@ void ClockTest::a_virtual_clock_stands_still_and_wraps() {
     }
 }
 
-}  // namespace m47
+}  // namespace m47::link
 
-QTEST_APPLESS_MAIN(m47::ClockTest)
+QTEST_APPLESS_MAIN(m47::link::ClockTest)
 #include "clock_test.moc"

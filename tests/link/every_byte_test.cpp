@@ -6,7 +6,7 @@
 #include "link.h"
 #include "virtual_clock.h"
 
-namespace m47 {
+namespace m47::link {
 
 /// Every fault of the line at every byte of an exchange, in the first attempt alone and in all of
 /// them. What stands at the end is either the meter's value or a link that is told to be lost, in
@@ -359,7 +359,7 @@ void EveryByteTest::the_meter_stops_reading_in_a_block() {
     }
 }
 
-}  // namespace m47
+}  // namespace m47::link
 
-QTEST_APPLESS_MAIN(m47::EveryByteTest)
+QTEST_APPLESS_MAIN(m47::link::EveryByteTest)
 #include "every_byte_test.moc"

@@ -11,7 +11,7 @@
 #include "fake_port.h"
 #include "virtual_clock.h"
 
-namespace m47 {
+namespace m47::link {
 namespace {
 
 struct FakeWindow : MainWindowView {
@@ -356,7 +356,7 @@ void IdentificationTest::the_satellite_button() {
     QCOMPARE(s.window.asl ? int(*s.window.asl) : -1, button);
 }
 
-}  // namespace m47
+}  // namespace m47::link
 
-QTEST_APPLESS_MAIN(m47::IdentificationTest)
+QTEST_APPLESS_MAIN(m47::link::IdentificationTest)
 #include "identification_test.moc"

@@ -6,7 +6,7 @@
 
 #include "fault.h"
 
-namespace m47 {
+namespace m47::link {
 
 class MeasureRepliesTest : public QObject {
     Q_OBJECT
@@ -174,7 +174,7 @@ class MeasureRepliesTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::link
 
-QTEST_GUILESS_MAIN(m47::MeasureRepliesTest)
+QTEST_GUILESS_MAIN(m47::link::MeasureRepliesTest)
 #include "measure_replies_test.moc"

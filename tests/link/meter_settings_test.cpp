@@ -3,7 +3,7 @@
 
 #include <QTest>
 
-namespace m47 {
+namespace m47::link {
 
 class MeterSettingsTest : public QObject {
     Q_OBJECT
@@ -61,7 +61,7 @@ void MeterSettingsTest::another_meter_is_not_known() {
     QVERIFY(!settings.unit());
 }
 
-}  // namespace m47
+}  // namespace m47::link
 
-QTEST_APPLESS_MAIN(m47::MeterSettingsTest)
+QTEST_APPLESS_MAIN(m47::link::MeterSettingsTest)
 #include "meter_settings_test.moc"

@@ -5,7 +5,7 @@
 #include <QTest>
 #include <limits>
 
-namespace m47 {
+namespace m47::link {
 
 class NumbersTest : public QObject {
     Q_OBJECT
@@ -188,7 +188,7 @@ void NumbersTest::frequencies_in_a_comma_locale() {
     QCOMPARE(format_freq("2150,1"), QString("02150"));
 }
 
-}  // namespace m47
+}  // namespace m47::link
 
-QTEST_APPLESS_MAIN(m47::NumbersTest)
+QTEST_APPLESS_MAIN(m47::link::NumbersTest)
 #include "numbers_test.moc"

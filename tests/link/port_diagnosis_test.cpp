@@ -16,7 +16,7 @@
 #include "port_claim.h"
 #include "pty.h"
 
-namespace m47 {
+namespace m47::link {
 
 namespace {
 
@@ -287,7 +287,7 @@ void PortDiagnosisTest::a_group_that_may_not_use_it_is_not_named() {
     QCOMPARE(text, QStringLiteral("You have no permission to use %1.").arg(device));
 }
 
-}  // namespace m47
+}  // namespace m47::link
 
-QTEST_APPLESS_MAIN(m47::PortDiagnosisTest)
+QTEST_APPLESS_MAIN(m47::link::PortDiagnosisTest)
 #include "port_diagnosis_test.moc"

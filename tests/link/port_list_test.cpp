@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <memory>
 
-namespace m47 {
+namespace m47::link {
 
 class PortListTest : public QObject {
     Q_OBJECT
@@ -219,7 +219,7 @@ void PortListTest::this_machine() {
         QVERIFY(device.isEmpty() || QFileInfo::exists(device));
 }
 
-}  // namespace m47
+}  // namespace m47::link
 
-QTEST_APPLESS_MAIN(m47::PortListTest)
+QTEST_APPLESS_MAIN(m47::link::PortListTest)
 #include "port_list_test.moc"

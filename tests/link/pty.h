@@ -18,7 +18,7 @@
 #include <thread>
 #include <utility>
 
-namespace m47 {
+namespace m47::link {
 
 /// A pseudo-terminal: what is written on its path comes out of master() and the other way round.
 class Pty {
@@ -126,4 +126,4 @@ inline int as_ordinary_user(const std::function<int()>& work) {
     return WEXITSTATUS(status);
 }
 
-}  // namespace m47
+}  // namespace m47::link

@@ -2,7 +2,7 @@
 // Ports that cannot be opened, and why.
 #include "real_port_test.h"
 
-namespace m47 {
+namespace m47::link {
 
 void RealPortTest::a_closed_port() {
     RealPort port;
@@ -213,7 +213,7 @@ void RealPortTest::an_adapter_behind_a_node_that_stays() {
     const QString devices = sys.filePath("dev/char");
     const QString name = QString("%1:%2").arg(major(node.st_rdev)).arg(minor(node.st_rdev));
     QVERIFY(QDir().mkpath(devices + "/" + name));
-    KnownDevice device(sys.path());
+    platform::KnownDevice device(sys.path());
     const auto is_the_same = [&] { return device.is_the_same(pty.slave(), pty.path()); };
     QVERIFY(is_the_same());
     QVERIFY(is_the_same());
@@ -226,4 +226,4 @@ void RealPortTest::an_adapter_behind_a_node_that_stays() {
     QVERIFY(is_the_same());
 }
 
-}  // namespace m47
+}  // namespace m47::link

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "real_port_test.h"
 
-namespace m47 {
+namespace m47::link {
 
 void RealPortTest::a_lock_file_that_nobody_holds_data() {
     QTest::addColumn<QByteArray>("content");
@@ -78,8 +78,8 @@ void RealPortTest::a_folder_for_lock_files_is_left_as_it_was() {
     QCOMPARE(look_at_lock_file(lock), PortFault::busy);
     QVERIFY(put_file(lock, "1\nno such name\n"));
     QCOMPARE(look_at_lock_file(lock), PortFault::lock_left_behind);
-    QVERIFY(!running_process(0));
-    QVERIFY(!running_process(-1));
+    QVERIFY(!platform::running_process(0));
+    QVERIFY(!platform::running_process(-1));
 }
 
 void RealPortTest::no_room_for_a_lock_file() {
@@ -286,6 +286,6 @@ void RealPortTest::the_other_side_does_not_read() {
     QVERIFY(port.write('y'));
 }
 
-}  // namespace m47
+}  // namespace m47::link
 
-QTEST_GUILESS_MAIN(m47::RealPortTest)
+QTEST_GUILESS_MAIN(m47::link::RealPortTest)

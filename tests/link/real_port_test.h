@@ -28,7 +28,7 @@
 #include "pty.h"
 #include "real_clock.h"
 
-namespace m47 {
+namespace m47::link {
 
 using namespace std::chrono_literals;
 
@@ -123,4 +123,4 @@ class RealPortTest : public QObject {
     void an_adapter_behind_a_node_that_stays();
 };
 
-}  // namespace m47
+}  // namespace m47::link

@@ -6,7 +6,7 @@
 #include "late_answers.h"
 #include "meter_settings.h"
 
-namespace m47 {
+namespace m47::link {
 
 using Verdict = ReplyWatch::Verdict;
 
@@ -277,7 +277,7 @@ void ReplyTest::an_oscillator_is_known_by_its_number() {
     QVERIFY(!settings.oscillator());
 }
 
-}  // namespace m47
+}  // namespace m47::link
 
-QTEST_APPLESS_MAIN(m47::ReplyTest)
+QTEST_APPLESS_MAIN(m47::link::ReplyTest)
 #include "reply_test.moc"

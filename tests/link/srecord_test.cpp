@@ -8,7 +8,7 @@
 #include "link.h"
 #include "virtual_clock.h"
 
-namespace m47 {
+namespace m47::link {
 
 class SrecordTest : public QObject {
     Q_OBJECT
@@ -56,7 +56,7 @@ void SrecordTest::the_text_is_left_as_the_last_answer() {
     QCOMPARE(link_.last_answer(), QString("ASL 001"));
 }
 
-}  // namespace m47
+}  // namespace m47::link
 
-QTEST_APPLESS_MAIN(m47::SrecordTest)
+QTEST_APPLESS_MAIN(m47::link::SrecordTest)
 #include "srecord_test.moc"

@@ -2,7 +2,7 @@
 // Answers that are refused, late or of something else.
 #include "transaction_test.h"
 
-namespace m47 {
+namespace m47::link {
 
 void TransactionTest::an_error_is_repeated_data() {
     QTest::addColumn<int>("errors");
@@ -264,4 +264,4 @@ void TransactionTest::a_silent_meter_loses_the_link() {
     QVERIFY(clock_->elapsed() > 6 && clock_->elapsed() < 6.3);
 }
 
-}  // namespace m47
+}  // namespace m47::link

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "transaction_test.h"
 
-namespace m47 {
+namespace m47::link {
 
 void TransactionTest::init() {
     make();
@@ -146,6 +146,6 @@ void TransactionTest::byte_by_byte() {
     QCOMPARE(port_->written, QByteArray("LEVANL?\r"));
 }
 
-}  // namespace m47
+}  // namespace m47::link
 
-QTEST_APPLESS_MAIN(m47::TransactionTest)
+QTEST_APPLESS_MAIN(m47::link::TransactionTest)

@@ -12,7 +12,7 @@
 #include "virtual_clock.h"
 #include "work.h"
 
-namespace m47 {
+namespace m47::link {
 
 /// The tick of the virtual clock's time of day, 10:00.
 constexpr double kTick = 1 / 256.0;
@@ -80,4 +80,4 @@ class TransactionTest : public QObject {
     std::optional<QString> last_;
 };
 
-}  // namespace m47
+}  // namespace m47::link

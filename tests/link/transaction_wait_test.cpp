@@ -2,7 +2,7 @@
 // Waits, interruptions and what is told meanwhile.
 #include "transaction_test.h"
 
-namespace m47 {
+namespace m47::link {
 
 void TransactionTest::progress_steps_and_wraps() {
     port_->answer_delay = 0;
@@ -238,4 +238,4 @@ void TransactionTest::send_tells_whether_there_is_an_answer() {
     QVERIFY(!link_->send("ATTEN?"));
 }
 
-}  // namespace m47
+}  // namespace m47::link

@@ -18,7 +18,7 @@
 #include "file_lock.h"
 #include "logger_data.h"
 
-namespace m47 {
+namespace m47::logger {
 namespace {
 
 /// Every byte but the two of a line end.
@@ -76,7 +76,7 @@ class DataTest : public QObject {
     std::unique_ptr<VirtualClock> clock_;
     std::unique_ptr<FakePort> port_;
     std::unique_ptr<FakeLinkView> view_;
-    std::unique_ptr<Link> link_;
+    std::unique_ptr<link::Link> link_;
     ProgramState state_;
     std::unique_ptr<LoggerData> data_;
 
@@ -100,7 +100,7 @@ class DataTest : public QObject {
         };
     }
     NameFault download(const QString& name = QStringLiteral("dwl.tmp")) {
-        return data_->download(command::kAllLogs, name);
+        return data_->download(link::command::kAllLogs, name);
     }
 
   private Q_SLOTS:
@@ -109,7 +109,7 @@ class DataTest : public QObject {
         clock_ = std::make_unique<VirtualClock>();
         port_ = std::make_unique<FakePort>(*clock_);
         view_ = std::make_unique<FakeLinkView>();
-        link_ = std::make_unique<Link>(*port_, *clock_, *view_);
+        link_ = std::make_unique<link::Link>(*port_, *clock_, *view_);
         link_->port_connected = true;
         state_ = ProgramState();
         state_.base_dir = folder_with_separator(folder_->path());
@@ -129,7 +129,7 @@ class DataTest : public QObject {
 
     void the_last_log_differs_in_its_command() {
         meter_sends("x\r\n");
-        QCOMPARE(data_->download(command::kLastLog, QStringLiteral("a")), NameFault::none);
+        QCOMPARE(data_->download(link::command::kLastLog, QStringLiteral("a")), NameFault::none);
         QCOMPARE(port_->written, QByteArray("DATALASTOUT\r"));
         QCOMPARE(content("A"), QByteArray("x\r\nOK\r\n"));
     }
@@ -147,7 +147,7 @@ class DataTest : public QObject {
     void a_folder_that_another_program_holds_leaves_the_text_empty() {
         meter_sends("one\r\n");
         {
-            const FileLock other(folder_->path());
+            const platform::FileLock other(folder_->path());
             download();
         }
         QCOMPARE(data_->text(), QByteArray());
@@ -264,7 +264,7 @@ class DataTest : public QObject {
         download();
         QCOMPARE(told, QList<qsizetype>({8, 11}));
         QVERIFY(!link_->on_received);
-        link_->send(command::kStartLog);
+        link_->send(link::command::kStartLog);
         QCOMPARE(told.size(), 2);
     }
 
@@ -320,7 +320,7 @@ class DataTest : public QObject {
         write("own.txt", "kept");
         QVERIFY(QFile::link(path("own.txt"), path("A.TMP")));
         meter_sends("x\r");
-        data_->download(command::kAllLogs, "a.tmp");
+        data_->download(link::command::kAllLogs, "a.tmp");
         QCOMPARE(data_->text(), QByteArray());
         QCOMPARE(content("own.txt"), QByteArray("kept"));
     }
@@ -366,7 +366,7 @@ class DataTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::logger
 
-QTEST_APPLESS_MAIN(m47::DataTest)
+QTEST_APPLESS_MAIN(m47::logger::DataTest)
 #include "data_test.moc"

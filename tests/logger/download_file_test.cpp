@@ -2,7 +2,7 @@
 // Logs that are saved, opened and deleted.
 #include "download_test.h"
 
-namespace m47 {
+namespace m47::logger {
 
 void DownloadTest::a_download_is_saved_and_recalled_byte_for_byte() {
     start({QStringLiteral("--logger-bytes"), QStringLiteral("200000")});
@@ -123,4 +123,4 @@ void DownloadTest::deleting_asks_nothing_and_a_missing_file_is_silent() {
     QCOMPARE(find<QLabel>("nome_file")->text(), in_folder("day.dwl"));
 }
 
-}  // namespace m47
+}  // namespace m47::logger

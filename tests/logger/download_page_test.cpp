@@ -2,7 +2,7 @@
 // What is shown of a download.
 #include "download_test.h"
 
-namespace m47 {
+namespace m47::logger {
 
 void DownloadTest::typing_into_the_text_changes_nothing() {
     start({QStringLiteral("--logger-bytes"), QStringLiteral("500")});
@@ -173,4 +173,4 @@ void DownloadTest::a_hundred_thousand_lines_are_shown_without_lag() {
     QCOMPARE(screen_->data.text(), text);
 }
 
-}  // namespace m47
+}  // namespace m47::logger

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "download_test.h"
 
-namespace m47 {
+namespace m47::logger {
 
 void DownloadTest::open_screen() {
     find<QAction>("download", &window())->trigger();
@@ -16,7 +16,7 @@ void DownloadTest::close_screen() {
 
 void DownloadTest::start_alone() {
     new_folder(folder_template());
-    PortList ports;
+    link::PortList ports;
     if (meter_) QVERIFY(ports.add(QStringLiteral("1=") + meter_->link()));
     start_program({}, ports);
     program_state().texts.language = kEnglish;
@@ -172,6 +172,6 @@ void DownloadTest::each_coming_to_the_front_chooses_the_device() {
     QCOMPARE(new_commands(), QStringList{QStringLiteral("DEVICE 0")});
 }
 
-}  // namespace m47
+}  // namespace m47::logger
 
-QTEST_MAIN(m47::DownloadTest)
+QTEST_MAIN(m47::logger::DownloadTest)

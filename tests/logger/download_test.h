@@ -30,7 +30,7 @@
 #include "program_in_folder.h"
 #include "span_chart.h"
 
-namespace m47 {
+namespace m47::logger {
 
 class DownloadTest : public QObject, protected ProgramInFolder {
     Q_OBJECT
@@ -125,4 +125,4 @@ class DownloadTest : public QObject, protected ProgramInFolder {
     void a_hundred_thousand_lines_are_shown_without_lag();
 };
 
-}  // namespace m47
+}  // namespace m47::logger

@@ -5,7 +5,7 @@
 
 #include "record_model.h"
 
-namespace m47 {
+namespace m47::logger {
 namespace {
 
 const QByteArray kTwoLogs =
@@ -200,7 +200,7 @@ class RecordsTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::logger
 
-QTEST_APPLESS_MAIN(m47::RecordsTest)
+QTEST_APPLESS_MAIN(m47::logger::RecordsTest)
 #include "records_test.moc"

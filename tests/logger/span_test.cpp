@@ -11,7 +11,7 @@
 #include "fake_link_view.h"
 #include "fake_port.h"
 
-namespace m47 {
+namespace m47::logger {
 namespace {
 
 QStringList shown(const SpanPoints& points) {
@@ -130,7 +130,7 @@ class SpanTest : public QObject {
         VirtualClock clock;
         FakePort port(clock);
         FakeLinkView view;
-        Link link(port, clock, view);
+        link::Link link(port, clock, view);
         port.answer = [](const QByteArray& command) {
             return command + "\r" + (command == "spanout" ? "1\t75\r\n2\t76\r\n" : "") + "OK\r";
         };
@@ -169,7 +169,7 @@ class SpanTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::logger
 
-QTEST_APPLESS_MAIN(m47::SpanTest)
+QTEST_APPLESS_MAIN(m47::logger::SpanTest)
 #include "span_test.moc"

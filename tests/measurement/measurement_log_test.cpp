@@ -16,7 +16,7 @@
 
 #include "measurement_row.h"
 
-namespace m47 {
+namespace m47::measurement {
 namespace {
 
 const QByteArray kAnalogLine("21/11/26\t10:00:00\t503.25\t9750\t58.3\t\t\t\t\t\tPASS");
@@ -489,7 +489,7 @@ class MeasurementLogTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::measurement
 
-QTEST_GUILESS_MAIN(m47::MeasurementLogTest)
+QTEST_GUILESS_MAIN(m47::measurement::MeasurementLogTest)
 #include "measurement_log_test.moc"

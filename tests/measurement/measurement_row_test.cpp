@@ -3,7 +3,7 @@
 
 #include <QTest>
 
-namespace m47 {
+namespace m47::measurement {
 namespace {
 
 MeasurementTexts everything_shown(int meas_mode) {
@@ -64,7 +64,7 @@ class MeasurementRowTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::measurement
 
-QTEST_GUILESS_MAIN(m47::MeasurementRowTest)
+QTEST_GUILESS_MAIN(m47::measurement::MeasurementRowTest)
 #include "measurement_row_test.moc"

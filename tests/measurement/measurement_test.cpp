@@ -8,7 +8,7 @@
 #include "row_time.h"
 #include "series_key.h"
 
-namespace m47 {
+namespace m47::measurement {
 
 class MeasurementTest : public QObject {
     Q_OBJECT
@@ -337,7 +337,7 @@ class MeasurementTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::measurement
 
-QTEST_GUILESS_MAIN(m47::MeasurementTest)
+QTEST_GUILESS_MAIN(m47::measurement::MeasurementTest)
 #include "measurement_test.moc"

@@ -5,7 +5,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
-namespace m47 {
+namespace m47::measurement {
 namespace {
 
 const QString kHeaderLine =
@@ -160,7 +160,7 @@ class PageModelTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::measurement
 
-QTEST_GUILESS_MAIN(m47::PageModelTest)
+QTEST_GUILESS_MAIN(m47::measurement::PageModelTest)
 #include "page_model_test.moc"

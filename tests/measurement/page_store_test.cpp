@@ -3,7 +3,7 @@
 
 #include <QTest>
 
-namespace m47 {
+namespace m47::measurement {
 namespace {
 
 QByteArray bytes_of(std::string_view text) {
@@ -127,7 +127,7 @@ class PageStoreTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::measurement
 
-QTEST_GUILESS_MAIN(m47::PageStoreTest)
+QTEST_GUILESS_MAIN(m47::measurement::PageStoreTest)
 #include "page_store_test.moc"

@@ -17,7 +17,7 @@
 #include <cerrno>
 #include <cstring>
 
-namespace m47 {
+namespace m47::olddb {
 namespace {
 
 constexpr int kSignalled = -1;
@@ -173,4 +173,4 @@ void pretend_an_old_kernel() {
     seccomp_release(filter);
 }
 
-}  // namespace m47
+}  // namespace m47::olddb

@@ -5,7 +5,7 @@
 #include <functional>
 #include <vector>
 
-namespace m47 {
+namespace m47::olddb {
 
 inline constexpr int kNoLandlock = 99;
 
@@ -29,4 +29,4 @@ int outcome_of(const Attempt& attempt, const std::function<void()>& confine);
 /// seccomp, as far as they can tell.
 void pretend_an_old_kernel();
 
-}  // namespace m47
+}  // namespace m47::olddb

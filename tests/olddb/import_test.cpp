@@ -12,7 +12,7 @@
 #include "import_report.h"
 #include "import_values.h"
 
-namespace m47 {
+namespace m47::olddb {
 
 class ImportTest : public QObject {
     Q_OBJECT
@@ -49,7 +49,7 @@ class ImportTest : public QObject {
     }
 
     static ImportedValue value(const char* table, const char* name, const QVariant& old) {
-        for (const Field& field : table_named(QLatin1String(table)).fields)
+        for (const db::Field& field : db::table_named(QLatin1String(table)).fields)
             if (qstrcmp(field.name, name) == 0) return value_for(field, old);
         qFatal("no field %s", name);
     }
@@ -127,7 +127,7 @@ class ImportTest : public QObject {
     }
 
     void unset_fields_stay_unset() {
-        for (const Field& field : table_named("programmi").fields) {
+        for (const db::Field& field : db::table_named("programmi").fields) {
             const ImportedValue now = value_for(field, QVariant());
             QVERIFY(now.value.isNull());
             QCOMPARE(now.verdict, ImportedValue::Verdict::as_it_was);
@@ -275,14 +275,15 @@ class ImportTest : public QObject {
 
     void an_import_that_is_told_to_end_says_so_between_two_plans() {
         QTemporaryDir folder;
-        const auto database = made_in(folder.path());
+        const auto database = db::made_in(folder.path());
         ImportPlan plan = import_plan_of(old_database({plans({"A", "B"})}));
         int asked = 0;
         Texts texts;
         QCOMPARE(apply_import(plan, *database, texts, [&] { return ++asked > 1; }),
                  QStringLiteral("the program was told to end"));
-        QCOMPARE(run_sql(database_in(folder.path()), {"SELECT nome FROM gruppo ORDER BY id"}),
-                 (QStringList{"PLAN 1", "A"}));
+        QCOMPARE(
+            db::run_sql(db::database_in(folder.path()), {"SELECT nome FROM gruppo ORDER BY id"}),
+            (QStringList{"PLAN 1", "A"}));
         QVERIFY(plan.plans[0].arrival == Arrival::came && plan.plans[1].arrival == Arrival::open);
     }
 
@@ -331,34 +332,37 @@ class ImportTest : public QObject {
 
     void a_satellite_that_differs_in_letter_case_is_another_one() {
         QTemporaryDir folder;
-        const auto database = made_in(folder.path());
-        const QString path = database_in(folder.path());
-        run_sql(path, {"INSERT INTO asl (nome, dati) VALUES ('Astra', 'first'), ('astra', 'small'),"
-                       " ('ASTRA', 'third')"});
+        const auto database = db::made_in(folder.path());
+        const QString path = db::database_in(folder.path());
+        db::run_sql(path,
+                    {"INSERT INTO asl (nome, dati) VALUES ('Astra', 'first'), ('astra', 'small'),"
+                     " ('ASTRA', 'third')"});
         ImportPlan plan = import_plan_of(one_plan());
         mark_clashes(plan, *database);
         QVERIFY(plan.satellites[0].clashes);
         plan.satellites[0].choice = ClashChoice::replace;
         QCOMPARE(apply_import(plan, *database), QString());
-        QCOMPARE(run_sql(path, {"SELECT nome || ' ' || substr(dati, 1, 5) FROM asl ORDER BY id"}),
-                 QStringList({"Astra first", "astra small", "ASTRA S1\rS9"}));
+        QCOMPARE(
+            db::run_sql(path, {"SELECT nome || ' ' || substr(dati, 1, 5) FROM asl ORDER BY id"}),
+            QStringList({"Astra first", "astra small", "ASTRA S1\rS9"}));
     }
 
     void everything_arrives_in_the_database() {
         QTemporaryDir folder;
-        const auto database = made_in(folder.path());
+        const auto database = db::made_in(folder.path());
         ImportPlan plan = import_plan_of(one_plan());
         QCOMPARE(apply_import(plan, *database), QString());
-        const QString path = database_in(folder.path());
-        QCOMPARE(run_sql(path, {"SELECT nome FROM gruppo ORDER BY id"}),
+        const QString path = db::database_in(folder.path());
+        QCOMPARE(db::run_sql(path, {"SELECT nome FROM gruppo ORDER BY id"}),
                  (QStringList{"PLAN 1", "A"}));
-        QCOMPARE(run_sql(path, {"SELECT loc_osc1 || user_sc3 || (loc_osc2 IS NULL) FROM "
-                                "configurazione WHERE nome = 'A'"}),
+        QCOMPARE(db::run_sql(path, {"SELECT loc_osc1 || user_sc3 || (loc_osc2 IS NULL) FROM "
+                                    "configurazione WHERE nome = 'A'"}),
                  QStringList{"9750.0SW D1"});
-        QCOMPARE(run_sql(path, {"SELECT pg_num || frequenza || (lev_min IS NULL) FROM programmi "
-                                "WHERE nome = 'A'"}),
-                 QStringList{"0011200.01"});
-        QCOMPARE(run_sql(path, {"SELECT hex(dati) FROM asl WHERE nome = 'ASTRA'"}),
+        QCOMPARE(
+            db::run_sql(path, {"SELECT pg_num || frequenza || (lev_min IS NULL) FROM programmi "
+                               "WHERE nome = 'A'"}),
+            QStringList{"0011200.01"});
+        QCOMPARE(db::run_sql(path, {"SELECT hex(dati) FROM asl WHERE nome = 'ASTRA'"}),
                  QStringList{QString::fromLatin1(QByteArray("S1\rS9030000FC").toHex().toUpper())});
     }
 
@@ -377,7 +381,7 @@ class ImportTest : public QObject {
     void clashes_are_kept_replaced_or_renamed() {
         QFETCH(int, choice);
         QTemporaryDir folder;
-        const auto database = made_in(folder.path());
+        const auto database = db::made_in(folder.path());
         OldDatabase first = one_plan("1200");
         first.tables[3].rows[0][1] = QStringLiteral("old");
         ImportPlan plan = import_plan_of(first);
@@ -390,53 +394,57 @@ class ImportTest : public QObject {
         plan.plans[0].choice = static_cast<ClashChoice>(choice);
         plan.satellites[0].choice = static_cast<ClashChoice>(choice);
         QCOMPARE(apply_import(plan, *database), QString());
-        const QString path = database_in(folder.path());
-        QTEST(run_sql(path, {"SELECT nome || ' ' || frequenza FROM programmi WHERE nome <> 'PLAN "
-                             "1' ORDER BY nome"}),
-              "frequencies");
-        QTEST(run_sql(path, {"SELECT nome || ' ' || dati FROM asl ORDER BY nome"}), "satellites");
+        const QString path = db::database_in(folder.path());
+        QTEST(
+            db::run_sql(path, {"SELECT nome || ' ' || frequenza FROM programmi WHERE nome <> 'PLAN "
+                               "1' ORDER BY nome"}),
+            "frequencies");
+        QTEST(db::run_sql(path, {"SELECT nome || ' ' || dati FROM asl ORDER BY nome"}),
+              "satellites");
         // One row a plan, whatever became of it.
         for (const char* table : {"gruppo", "configurazione"})
-            QCOMPARE(run_sql(path, {QStringLiteral("SELECT count(*) - count(DISTINCT nome) FROM %1")
-                                        .arg(QLatin1String(table))}),
-                     QStringList{"0"});
+            QCOMPARE(
+                db::run_sql(path, {QStringLiteral("SELECT count(*) - count(DISTINCT nome) FROM %1")
+                                       .arg(QLatin1String(table))}),
+                QStringList{"0"});
         QFETCH(QString, line);
         QVERIFY2(said(plan).contains(line), qPrintable(said(plan)));
     }
 
     void a_plan_clashes_in_whatever_letters_its_name_stands_there() {
         QTemporaryDir folder;
-        const auto database = made_in(folder.path());
-        const QString path = database_in(folder.path());
-        run_sql(path, {"INSERT INTO gruppo (nome) VALUES ('a ')"});
+        const auto database = db::made_in(folder.path());
+        const QString path = db::database_in(folder.path());
+        db::run_sql(path, {"INSERT INTO gruppo (nome) VALUES ('a ')"});
         ImportPlan plan = import_plan_of(one_plan());
         mark_clashes(plan, *database);
         QVERIFY(plan.plans[0].clashes);
         plan.plans[0].choice = ClashChoice::keep;
         QCOMPARE(apply_import(plan, *database), QString());
-        QCOMPARE(run_sql(path, {"SELECT nome FROM programmi"}), QStringList{"PLAN 1"});
+        QCOMPARE(db::run_sql(path, {"SELECT nome FROM programmi"}), QStringList{"PLAN 1"});
     }
 
     void a_new_name_is_none_that_is_still_to_come() {
         QTemporaryDir folder;
-        const auto database = made_in(folder.path());
+        const auto database = db::made_in(folder.path());
         ImportPlan plan = import_plan_of(one_plan());
         QCOMPARE(apply_import(plan, *database), QString());
         plan = import_plan_of(old_database({plans({"A", "A-2"})}));
         mark_clashes(plan, *database);
         plan.plans[0].choice = ClashChoice::rename;
         QCOMPARE(apply_import(plan, *database), QString());
-        QCOMPARE(run_sql(database_in(folder.path()), {"SELECT nome FROM gruppo ORDER BY nome"}),
-                 (QStringList{"A", "A-2", "A-3", "PLAN 1"}));
+        QCOMPARE(
+            db::run_sql(db::database_in(folder.path()), {"SELECT nome FROM gruppo ORDER BY nome"}),
+            (QStringList{"A", "A-2", "A-3", "PLAN 1"}));
     }
 
     void a_plan_that_cannot_be_written_whole_is_not_written_at_all() {
         QTemporaryDir folder;
-        const auto database = made_in(folder.path());
+        const auto database = db::made_in(folder.path());
         // The second program of plan B is refused, as on a full disk.
-        const QString path = database_in(folder.path());
-        run_sql(path, {"CREATE TRIGGER full BEFORE INSERT ON programmi WHEN NEW.pg_num = '013' "
-                       "BEGIN SELECT RAISE(ABORT, 'no room'); END"});
+        const QString path = db::database_in(folder.path());
+        db::run_sql(path, {"CREATE TRIGGER full BEFORE INSERT ON programmi WHEN NEW.pg_num = '013' "
+                           "BEGIN SELECT RAISE(ABORT, 'no room'); END"});
         ImportPlan plan = import_plan_of(
             old_database({plans({"A", "B", "C"}),
                           table("programmi", {"nome", "pg_num"},
@@ -444,55 +452,56 @@ class ImportTest : public QObject {
                           table("asl", {"nome", "dati"}, {{"S", "S9030000FC"}})}));
         const QString words = apply_import(plan, *database);
         QVERIFY2(words.contains("no room"), qPrintable(words));
-        QCOMPARE(run_sql(path, {"SELECT nome FROM gruppo ORDER BY id"}),
+        QCOMPARE(db::run_sql(path, {"SELECT nome FROM gruppo ORDER BY id"}),
                  (QStringList{"PLAN 1", "A"}));
-        QCOMPARE(run_sql(path, {"SELECT nome FROM programmi ORDER BY id"}),
+        QCOMPARE(db::run_sql(path, {"SELECT nome FROM programmi ORDER BY id"}),
                  (QStringList{"PLAN 1", "A"}));
-        QCOMPARE(run_sql(path, {"SELECT nome FROM configurazione ORDER BY id"}),
+        QCOMPARE(db::run_sql(path, {"SELECT nome FROM configurazione ORDER BY id"}),
                  (QStringList{"PLAN 1", "A"}));
-        QCOMPARE(run_sql(path, {"SELECT count(*) FROM asl"}), QStringList{"0"});
+        QCOMPARE(db::run_sql(path, {"SELECT count(*) FROM asl"}), QStringList{"0"});
         Texts texts;
         const QString report = import_report(plan, "OLD.mdb", words, texts);
         QVERIFY(report.contains("A (programs: 1): came"));
         QVERIFY(report.contains("B (programs: 2): not imported"));
         QVERIFY(report.contains("no room"));
         // The database goes on working.
-        add_row(database->gruppo(), {{"nome", "D"}});
+        db::add_row(database->gruppo(), {{"nome", "D"}});
     }
 
     void a_replaced_plan_that_fails_stays_as_it_was() {
         QTemporaryDir folder;
-        const auto database = made_in(folder.path());
+        const auto database = db::made_in(folder.path());
         ImportPlan plan = import_plan_of(one_plan());
         QCOMPARE(apply_import(plan, *database), QString());
-        const QString path = database_in(folder.path());
-        run_sql(path, {"CREATE TRIGGER full BEFORE INSERT ON programmi BEGIN SELECT RAISE(ABORT, "
-                       "'no room'); END"});
-        const QStringList before = run_sql(path, {"SELECT nome || pg_num FROM programmi"});
+        const QString path = db::database_in(folder.path());
+        db::run_sql(path,
+                    {"CREATE TRIGGER full BEFORE INSERT ON programmi BEGIN SELECT RAISE(ABORT, "
+                     "'no room'); END"});
+        const QStringList before = db::run_sql(path, {"SELECT nome || pg_num FROM programmi"});
         plan = import_plan_of(one_plan("1300"));
         mark_clashes(plan, *database);
         plan.plans[0].choice = ClashChoice::replace;
         QVERIFY(!apply_import(plan, *database).isEmpty());
-        QCOMPARE(run_sql(path, {"SELECT nome || pg_num FROM programmi"}), before);
-        QCOMPARE(run_sql(path, {"SELECT loc_osc1 FROM configurazione WHERE nome = 'A'"}),
+        QCOMPARE(db::run_sql(path, {"SELECT nome || pg_num FROM programmi"}), before);
+        QCOMPARE(db::run_sql(path, {"SELECT loc_osc1 FROM configurazione WHERE nome = 'A'"}),
                  QStringList{"9750"});
     }
 
     void a_transaction_is_kept_only_by_its_commit() {
         QTemporaryDir folder;
-        const auto database = made_in(folder.path());
-        const QString path = database_in(folder.path());
+        const auto database = db::made_in(folder.path());
+        const QString path = db::database_in(folder.path());
         {
-            const DatabaseTransaction dropped(database->connection());
-            add_row(database->gruppo(), {{"nome", "X"}});
+            const db::DatabaseTransaction dropped(database->connection());
+            db::add_row(database->gruppo(), {{"nome", "X"}});
         }
-        QCOMPARE(run_sql(path, {"SELECT nome FROM gruppo ORDER BY id"}), QStringList{"PLAN 1"});
+        QCOMPARE(db::run_sql(path, {"SELECT nome FROM gruppo ORDER BY id"}), QStringList{"PLAN 1"});
         {
-            DatabaseTransaction kept(database->connection());
-            add_row(database->gruppo(), {{"nome", "X"}});
+            db::DatabaseTransaction kept(database->connection());
+            db::add_row(database->gruppo(), {{"nome", "X"}});
             kept.commit();
         }
-        QCOMPARE(run_sql(path, {"SELECT nome FROM gruppo ORDER BY id"}),
+        QCOMPARE(db::run_sql(path, {"SELECT nome FROM gruppo ORDER BY id"}),
                  (QStringList{"PLAN 1", "X"}));
     }
 
@@ -521,7 +530,7 @@ class ImportTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::olddb
 
-QTEST_GUILESS_MAIN(m47::ImportTest)
+QTEST_GUILESS_MAIN(m47::olddb::ImportTest)
 #include "import_test.moc"

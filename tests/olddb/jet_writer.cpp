@@ -4,7 +4,7 @@
 #include <QStringEncoder>
 #include <QtEndian>
 
-namespace m47 {
+namespace m47::olddb {
 namespace {
 
 /// Where things stand in a page, by version.
@@ -283,4 +283,4 @@ QByteArray jet_file(int version, const QByteArray& header, const QList<JetRows>&
     return Writer(version, header).file(tables);
 }
 
-}  // namespace m47
+}  // namespace m47::olddb

@@ -6,7 +6,7 @@
 #include <QString>
 #include <QVariant>
 
-namespace m47 {
+namespace m47::olddb {
 
 /// A field of a table to be written, of the old engine's kinds.
 enum class JetKind : unsigned char {
@@ -40,4 +40,4 @@ struct JetRows {
 /// part is kept.
 QByteArray jet_file(int version, const QByteArray& header, const QList<JetRows>& tables);
 
-}  // namespace m47
+}  // namespace m47::olddb

@@ -6,7 +6,7 @@
 #include <QTest>
 #include <limits>
 
-namespace m47 {
+namespace m47::olddb {
 
 class OldStreamTest : public QObject {
     Q_OBJECT
@@ -90,7 +90,7 @@ class OldStreamTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::olddb
 
-QTEST_APPLESS_MAIN(m47::OldStreamTest)
+QTEST_APPLESS_MAIN(m47::olddb::OldStreamTest)
 #include "old_stream_test.moc"

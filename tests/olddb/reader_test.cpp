@@ -25,7 +25,7 @@
 #include "jet_writer.h"
 #include "old_reader.h"
 
-namespace m47 {
+namespace m47::olddb {
 
 class ReaderTest : public QObject {
     Q_OBJECT
@@ -190,21 +190,22 @@ class ReaderTest : public QObject {
     }
 
     void a_held_process_reaches_nothing() {
-        const bool landlock = landlock_version() > 0;
+        const bool landlock = platform::landlock_version() > 0;
         verify_refused(
             [=] {
-                const Confinement held = confine_this_process();
+                const platform::Confinement held = platform::confine_this_process();
                 insist_on(held.few_calls && held.no_files == landlock);
             },
             [](const Attempt&) { return true; });
     }
 
     void the_filter_of_calls_suffices() {
-        verify_refused([] { insist_on(give_up_calls()); }, [](const Attempt&) { return true; });
+        verify_refused([] { insist_on(platform::give_up_calls()); },
+                       [](const Attempt&) { return true; });
     }
 
     void landlock_suffices_for_files() {
-        const int version = landlock_version();
+        const int version = platform::landlock_version();
         qInfo("Landlock %d", version);
         // The kernel's own word, so that nothing is left untested by mistake.
         constexpr unsigned kAskVersion = 1;
@@ -213,7 +214,7 @@ class ReaderTest : public QObject {
             qWarning("THIS KERNEL HAS NO LANDLOCK: only the filter of system calls was tested");
             QSKIP("no Landlock");
         }
-        verify_refused([] { insist_on(give_up_files()); },
+        verify_refused([] { insist_on(platform::give_up_files()); },
                        [=](const Attempt& attempt) { return attempt.landlock_from <= version; });
     }
 
@@ -230,7 +231,8 @@ class ReaderTest : public QObject {
         QCOMPARE(reader_remark(database, Texts()), QString());
         const Attempt opening{"open", [] {
                                   pretend_an_old_kernel();
-                                  const Confinement held = confine_this_process();
+                                  const platform::Confinement held =
+                                      platform::confine_this_process();
                                   if (held.no_files || held.few_calls) return 0;
                                   return ::open("/dev/null", O_RDONLY) < 0 ? errno : 0;
                               }};
@@ -454,12 +456,13 @@ class ReaderTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::olddb
 
 int main(int argc, char** argv) {
-    if (argc == 2 && qstrcmp(argv[1], m47::kReadOldDatabase) == 0) return m47::run_old_reader();
+    if (argc == 2 && qstrcmp(argv[1], m47::olddb::kReadOldDatabase) == 0)
+        return m47::olddb::run_old_reader();
     const QCoreApplication application(argc, argv);
-    m47::ReaderTest test;
+    m47::olddb::ReaderTest test;
     return QTest::qExec(&test, argc, argv);
 }
 #include "reader_test.moc"

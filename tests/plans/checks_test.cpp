@@ -9,11 +9,11 @@
 #include "plan_clashes.h"
 #include "program_checks.h"
 
-namespace m47 {
+namespace m47::plans {
 namespace {
 
-ProgramRecord numbered(const char* number, const char* position = "") {
-    ProgramRecord record;
+programme::ProgramRecord numbered(const char* number, const char* position = "") {
+    programme::ProgramRecord record;
     record.pg_num = QString::fromLatin1(number);
     record.logger_pos = QString::fromLatin1(position);
     return record;
@@ -278,7 +278,7 @@ class ChecksTest : public QObject {
     }
 
     void all_limits_of_a_program() {
-        ProgramRecord record;
+        programme::ProgramRecord record;
         record.lev_min = QStringLiteral("10");
         record.noise_min = QStringLiteral("45");
         record.chber_min = QStringLiteral("0.05");
@@ -293,7 +293,7 @@ class ChecksTest : public QObject {
     }
 
     void the_oscillator_is_corrected_before_the_frequency() {
-        ProgramRecord record;
+        programme::ProgramRecord record;
         record.frequenza = QStringLiteral("1000");
         record.diseqc_cmd = -1;
         record.diseqc_cmd2 = 74;
@@ -314,7 +314,7 @@ class ChecksTest : public QObject {
     }
 
     void what_is_stored_is_what_is_shown() {
-        ProgramRecord record;
+        programme::ProgramRecord record;
         record.loc_osc = true;
         record.frequenza = QStringLiteral("1500,55");
         record.satchbw = QStringLiteral("7,6 MHz");
@@ -330,7 +330,7 @@ class ChecksTest : public QObject {
         QCOMPARE(record.lev_min, QStringLiteral("45.5"));
         QCOMPARE(record.mer_min, QStringLiteral("10"));
         // Again it changes nothing.
-        const ProgramRecord once = record;
+        const programme::ProgramRecord once = record;
         correct_fields(record, oscillator, 0);
         QCOMPARE(record, once);
     }
@@ -345,7 +345,7 @@ class ChecksTest : public QObject {
     }
 
     void clashes_go_by_value() {
-        const std::vector<ProgramRecord> others{numbered("007", "03"), numbered("", "")};
+        const std::vector<programme::ProgramRecord> others{numbered("007", "03"), numbered("", "")};
         QCOMPARE(find_clash(others, numbered("7", "")), Clash::number);
         QCOMPARE(find_clash(others, numbered("8", "3")), Clash::logger_position);
         QCOMPARE(find_clash(others, numbered("7", "03")), Clash::number);
@@ -374,9 +374,9 @@ class ChecksTest : public QObject {
     }
 
     void the_table_is_compared_line_by_line() {
-        ProgramRecord active = numbered("007", "03");
+        programme::ProgramRecord active = numbered("007", "03");
         active.logger_state = true;
-        const std::vector<ProgramRecord> plan{active, numbered("008", "04")};
+        const std::vector<programme::ProgramRecord> plan{active, numbered("008", "04")};
         const auto rows_of = [&](UploadMode mode, const char* before, const char* after) {
             QStringList rows;
             for (const TableComparison& row :
@@ -442,7 +442,7 @@ class ChecksTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::plans
 
-QTEST_GUILESS_MAIN(m47::ChecksTest)
+QTEST_GUILESS_MAIN(m47::plans::ChecksTest)
 #include "checks_test.moc"

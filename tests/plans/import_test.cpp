@@ -8,7 +8,7 @@
 #include "plan_file.h"
 #include "plan_import.h"
 
-namespace m47 {
+namespace m47::plans {
 namespace {
 
 const QByteArray kHeader =
@@ -16,8 +16,8 @@ const QByteArray kHeader =
     "diseqc_cmd2\tlnb_volt\tK22\tlogger_pos\tlogger_state\tmonitor_state\tlev_min\tlev_max\t"
     "noise_min\tnoise_max\tchber_min\tchber_max\tmer_min\tmer_max\toscillator\n";
 
-ProgramRecord full_program() {
-    ProgramRecord program = import_defaults(0);
+programme::ProgramRecord full_program() {
+    programme::ProgramRecord program = import_defaults(0);
     program.pg_num = QStringLiteral("007");
     program.frequenza = QStringLiteral("11778");
     program.loc_osc = false;
@@ -53,13 +53,15 @@ class ImportTest : public QObject {
     Q_OBJECT
 
   private:
-    const Oscillators ku_{QStringLiteral("9750"), QStringLiteral("10600"), QString(), QString()};
+    const programme::Oscillators ku_{QStringLiteral("9750"), QStringLiteral("10600"), QString(),
+                                     QString()};
 
     static std::vector<ImportCandidate> parsed(const QByteArray& bytes) {
         return parse_import_file(bytes, 0).candidates;
     }
     ImportPreview into_empty_plan(const QByteArray& bytes) const {
-        return preview_import(parsed(bytes), {ProgramRecord()}, Oscillators(), 0);
+        return preview_import(parsed(bytes), {programme::ProgramRecord()}, programme::Oscillators(),
+                              0);
     }
 
   private Q_SLOTS:
@@ -80,25 +82,25 @@ class ImportTest : public QObject {
     }
     void a_plan_comes_back_as_it_was() {
         QFETCH(QChar, separator);
-        ProgramRecord direct = import_defaults(0);
+        programme::ProgramRecord direct = import_defaults(0);
         direct.pg_num = QStringLiteral("008");
         direct.frequenza = QStringLiteral("1234.5");
-        const std::vector<ProgramRecord> programs{full_program(), direct};
+        const std::vector<programme::ProgramRecord> programs{full_program(), direct};
         const QString text =
             plan_file_text(QStringLiteral("A \"B\",;\t"), programs, ku_, separator);
-        const ImportPreview preview =
-            preview_import(parsed(text.toUtf8()), {ProgramRecord()}, Oscillators(), 0);
+        const ImportPreview preview = preview_import(
+            parsed(text.toUtf8()), {programme::ProgramRecord()}, programme::Oscillators(), 0);
         QCOMPARE(preview.added(), 2);
         QCOMPARE(preview.rows[0].record, programs[0]);
         QCOMPARE(preview.rows[1].record, programs[1]);
         QCOMPARE(preview.rows[0].corrections, QStringList());
-        QCOMPARE(preview.oscillators,
-                 Oscillators({QString(), QStringLiteral("10600"), QString(), QString()}));
+        QCOMPARE(preview.oscillators, programme::Oscillators({QString(), QStringLiteral("10600"),
+                                                              QString(), QString()}));
         QVERIFY(preview.replaces_blank);
     }
 
     void a_decimal_comma_of_the_user_goes_out_as_a_full_stop() {
-        ProgramRecord program = full_program();
+        programme::ProgramRecord program = full_program();
         program.lev_min = QStringLiteral("45,5");
         const QString text = plan_file_text(QStringLiteral("P"), {program}, ku_, u',');
         QVERIFY(text.contains(QStringLiteral(",45.5,")));
@@ -122,9 +124,9 @@ class ImportTest : public QObject {
     }
 
     void gaps_are_filled_in_the_unit_in_force() {
-        const ProgramRecord dbmv = import_defaults(60);
+        const programme::ProgramRecord dbmv = import_defaults(60);
         QCOMPARE(dbmv.lev_min + u' ' + dbmv.lev_max, QStringLiteral("-40 60"));
-        const ProgramRecord dbuv = import_defaults(0);
+        const programme::ProgramRecord dbuv = import_defaults(0);
         QCOMPARE(dbuv.lev_min + u' ' + dbuv.lev_max, QStringLiteral("20 120"));
     }
 
@@ -168,7 +170,7 @@ class ImportTest : public QObject {
             "11000,False,FALSE,false,False\n");
         for (std::size_t k : {0U, 1U}) {
             QCOMPARE(rows[k].problem, ImportProblem::none);
-            const ProgramRecord& record = rows[k].record;
+            const programme::ProgramRecord& record = rows[k].record;
             QCOMPARE(record.loc_osc, k == 0);
             QCOMPARE(record.logger_state, k == 0);
             QCOMPARE(record.monitor_state, k == 0);
@@ -202,7 +204,7 @@ class ImportTest : public QObject {
     }
 
     void clashes_are_left_out_and_named() {
-        ProgramRecord there = full_program();
+        programme::ProgramRecord there = full_program();
         const ImportPreview preview = preview_import(
             parsed("pg_num,frequenza,logger_pos\n7,1000,\n8,1000,03\n9,1000,04\n9,1001,05\n"
                    "10,1002,04\n,1003,\n"),
@@ -242,22 +244,23 @@ class ImportTest : public QObject {
     void an_oscillator_takes_the_place_it_is_meant_for_where_that_is_free() {
         const QString mhz = QStringLiteral("9750");
         for (const int preferred : {-1, 0, 4, 99}) {
-            Oscillators free;
-            QCOMPARE(place_oscillator(free, preferred, mhz), std::optional<int>(0));
+            programme::Oscillators free;
+            QCOMPARE(programme::place_oscillator(free, preferred, mhz), std::optional<int>(0));
             QCOMPARE(free[0], mhz);
         }
-        Oscillators free;
-        QCOMPARE(place_oscillator(free, 3, mhz), std::optional<int>(3));
-        QCOMPARE(place_oscillator(free, 1, mhz), std::optional<int>(3));
-        QCOMPARE(place_oscillator(free, 3, QStringLiteral("10600")), std::optional<int>(0));
-        Oscillators full{QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3"),
-                         QStringLiteral("4")};
-        QVERIFY(!place_oscillator(full, 0, mhz));
+        programme::Oscillators free;
+        QCOMPARE(programme::place_oscillator(free, 3, mhz), std::optional<int>(3));
+        QCOMPARE(programme::place_oscillator(free, 1, mhz), std::optional<int>(3));
+        QCOMPARE(programme::place_oscillator(free, 3, QStringLiteral("10600")),
+                 std::optional<int>(0));
+        programme::Oscillators full{QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3"),
+                                    QStringLiteral("4")};
+        QVERIFY(!programme::place_oscillator(full, 0, mhz));
     }
 
     void an_oscillator_takes_a_free_place() {
-        Oscillators oscillators{QStringLiteral("9750"), QString(), QStringLiteral("5150"),
-                                QString()};
+        programme::Oscillators oscillators{QStringLiteral("9750"), QString(),
+                                           QStringLiteral("5150"), QString()};
         const ImportPreview preview = preview_import(
             parsed("frequenza,oscillator,loc_osc0\n11000,9750,3\n12000,10600,0\n3500,5150,\n"
                    "11500,10000,1\n11500,11000,\n"),
@@ -266,7 +269,7 @@ class ImportTest : public QObject {
                  QStringList({"2 000 11000 9750 added ", "3 001 12000 10600 added ",
                               "4 002 3500 5150 added ", "5 003 11500 10000 added ",
                               "6 004 11500 11000 4 "}));
-        QCOMPARE(preview.oscillators, Oscillators({"9750", "10600", "5150", "10000"}));
+        QCOMPARE(preview.oscillators, programme::Oscillators({"9750", "10600", "5150", "10000"}));
     }
 
     void a_later_line_may_bring_the_oscillator() {
@@ -317,9 +320,9 @@ class ImportTest : public QObject {
     }
 
     void a_number_that_is_not_free_is_skipped() {
-        ProgramRecord zero = full_program();
+        programme::ProgramRecord zero = full_program();
         zero.pg_num = QStringLiteral("000");
-        ProgramRecord two = full_program();
+        programme::ProgramRecord two = full_program();
         two.pg_num = QStringLiteral("2");
         const ImportPreview preview =
             preview_import(parsed("frequenza\n1000\n1001\n"), {zero, two}, ku_, 0);
@@ -357,7 +360,7 @@ class ImportTest : public QObject {
         QFETCH(QByteArray, text);
         const ImportPreview preview = into_empty_plan(text);
         QCOMPARE(preview.added(), 2);
-        const ProgramRecord& upper = preview.rows[0].record;
+        const programme::ProgramRecord& upper = preview.rows[0].record;
         QCOMPARE(upper.pg_num, QStringLiteral("000"));
         QCOMPARE(upper.frequenza, QStringLiteral("11720"));
         QCOMPARE(upper.qpsk_symbolrate, QStringLiteral("27500"));
@@ -365,14 +368,14 @@ class ImportTest : public QObject {
         QCOMPARE(upper.lnb_volt, 2);
         QCOMPARE(upper.K22, 1);
         QCOMPARE(upper.loc_osc0, 1);
-        QCOMPARE(upper.diseqc_cmd, kDiseqcNone);
-        const ProgramRecord& lower = preview.rows[1].record;
+        QCOMPARE(upper.diseqc_cmd, programme::kDiseqcNone);
+        const programme::ProgramRecord& lower = preview.rows[1].record;
         QCOMPARE(lower.frequenza, QStringLiteral("10719"));
         QCOMPARE(lower.lnb_volt, 1);
         QCOMPARE(lower.K22, 0);
         QCOMPARE(lower.loc_osc0, 0);
         QCOMPARE(preview.oscillators,
-                 Oscillators({QStringLiteral("9750"), QStringLiteral("10600")}));
+                 programme::Oscillators({QStringLiteral("9750"), QStringLiteral("10600")}));
     }
 
     void the_bands_have_their_oscillators() {
@@ -401,7 +404,7 @@ class ImportTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::plans
 
-QTEST_GUILESS_MAIN(m47::ImportTest)
+QTEST_GUILESS_MAIN(m47::plans::ImportTest)
 #include "import_test.moc"

@@ -21,7 +21,7 @@
 #include "plan_sets.h"
 #include "plan_upload.h"
 
-namespace m47 {
+namespace m47::plans {
 namespace {
 
 constexpr int kPrograms = 10;
@@ -33,12 +33,12 @@ const QString kPlan = QStringLiteral("PLAN 1");
 const QString kFirstNumber = QStringLiteral("000");
 
 QString file_in(const QString& folder) {
-    return folder_with_separator(folder) + QLatin1String(kDatabaseFile);
+    return folder_with_separator(folder) + QLatin1String(db::kDatabaseFile);
 }
 
-std::unique_ptr<Database> opened(const QString& folder) {
-    DatabaseError error{};
-    auto database = Database::open(file_in(folder), error);
+std::unique_ptr<db::Database> opened(const QString& folder) {
+    db::DatabaseError error{};
+    auto database = db::Database::open(file_in(folder), error);
     if (!database) qFatal("fault %d: %s", static_cast<int>(error.fault), qPrintable(error.detail));
     return database;
 }
@@ -52,8 +52,8 @@ QByteArray logger_table() {
 }
 
 /// A record all of whose numbers tell the same generation.
-ProgramRecord of_generation(int generation) {
-    ProgramRecord record;
+programme::ProgramRecord of_generation(int generation) {
+    programme::ProgramRecord record;
     record.pg_num = kFirstNumber;
     record.loc_osc = true;
     record.frequenza = QString::number(950 + generation % 1000);
@@ -64,13 +64,13 @@ ProgramRecord of_generation(int generation) {
 }
 
 void make_plan(const QString& folder) {
-    DatabaseError error{};
-    if (!Database::create(file_in(folder), error)) qFatal("%s", qPrintable(error.detail));
+    db::DatabaseError error{};
+    if (!db::Database::create(file_in(folder), error)) qFatal("%s", qPrintable(error.detail));
     const auto database = opened(folder);
     PlanSets sets(*database);
     QString oscillator;
     for (int number = 0; number < kPrograms; ++number) {
-        ProgramRecord record = of_generation(0);
+        programme::ProgramRecord record = of_generation(0);
         record.pg_num = QString::number(number);
         if (sets.store_record(record, oscillator, 0, number == 0) != Clash::none)
             qFatal("the plan cannot be made");
@@ -89,7 +89,7 @@ int work_for_ever(const QString& folder) {
     VirtualClock clock;
     FakePort port(clock);
     FakeLinkView view;
-    Link link(port, clock, view);
+    link::Link link(port, clock, view);
     link.port_connected = true;
     port.answer = [](const QByteArray& command) {
         return FakePort::good(command, command.endsWith('?') ? logger_table() : QByteArray());
@@ -101,7 +101,7 @@ int work_for_ever(const QString& folder) {
     int generation = sets.program().qpsk_symbolrate.toInt() - 1500;
     for (;;) {
         ++generation;
-        ProgramRecord record = of_generation(generation);
+        programme::ProgramRecord record = of_generation(generation);
         sets.store_record(record, oscillator, 0, true);
         const QString copy = QStringLiteral("COPY %1").arg(generation % kCopies);
         if (sets.has_plan(copy)) {
@@ -215,13 +215,14 @@ class KillTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::plans
 
 int main(int argc, char** argv) {
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.value(1) == QLatin1String("--child")) return m47::work_for_ever(arguments[2]);
-    m47::KillTest test;
+    if (arguments.value(1) == QLatin1String("--child"))
+        return m47::plans::work_for_ever(arguments[2]);
+    m47::plans::KillTest test;
     return QTest::qExec(&test, argc, argv);
 }
 #include "kill_test.moc"

@@ -2,7 +2,7 @@
 // What is shown, typed and stored.
 #include "screen_test.h"
 
-namespace m47 {
+namespace m47::plans {
 
 void PlanScreenTest::it_opens_as_technicians_know_it() {
     start_alone();
@@ -338,7 +338,7 @@ void PlanScreenTest::user_switches_fill_a_list() {
     start_alone();
     QSqlQuery(QStringLiteral("UPDATE configurazione SET user_sc0 = 'A', user_sc3 = 'D'"),
               program().database().connection());
-    Recordset row = program().database().of_plan(QStringLiteral("configurazione"), "PLAN 1");
+    db::Recordset row = program().database().of_plan(QStringLiteral("configurazione"), "PLAN 1");
     QListWidget list;
     list.addItem(QStringLiteral("old"));
     associa_user_sc(&list, row);
@@ -346,4 +346,4 @@ void PlanScreenTest::user_switches_fill_a_list() {
     QCOMPARE(list.item(0)->text() + list.item(1)->text() + list.item(3)->text(), "AD");
 }
 
-}  // namespace m47
+}  // namespace m47::plans

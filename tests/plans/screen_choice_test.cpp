@@ -2,7 +2,7 @@
 // What is chosen against the behaviour as ever, and uploads that are refused.
 #include "screen_test.h"
 
-namespace m47 {
+namespace m47::plans {
 
 void PlanScreenTest::limits_stay_in_their_unit_where_that_is_chosen_data() {
     QTest::addColumn<bool>("keep");
@@ -328,4 +328,4 @@ void PlanScreenTest::a_refused_upload_says_how_far_it_came() {
     QCOMPARE(new_commands().mid(9), QStringList({"DISEQC 73", "DISEQC 73", "DISEQC 73"}));
 }
 
-}  // namespace m47
+}  // namespace m47::plans

@@ -2,7 +2,7 @@
 // What failed or went, and what a box can hold.
 #include "screen_test.h"
 
-namespace m47 {
+namespace m47::plans {
 
 void PlanScreenTest::after_a_failed_store_the_next_one_overwrites_no_other_program() {
     start_alone();
@@ -192,4 +192,4 @@ void PlanScreenTest::a_cell_of_a_file_is_plain_text_in_the_preview() {
                                           }});
 }
 
-}  // namespace m47
+}  // namespace m47::plans

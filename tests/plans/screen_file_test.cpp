@@ -2,7 +2,7 @@
 // Whole plans, and files that take nothing.
 #include "screen_test.h"
 
-namespace m47 {
+namespace m47::plans {
 
 void PlanScreenTest::a_read_only_file_is_told_once_and_nothing_is_half_written() {
     start_alone();
@@ -158,4 +158,4 @@ void PlanScreenTest::a_plan_without_programs_or_oscillators_can_still_be_filled(
     QCOMPARE(stored(QStringLiteral("pg_num || ' ' || loc_osc1")), QStringLiteral("007 9750.0"));
 }
 
-}  // namespace m47
+}  // namespace m47::plans

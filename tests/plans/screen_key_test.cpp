@@ -2,7 +2,7 @@
 // Keys, names, files and copies.
 #include "screen_test.h"
 
-namespace m47 {
+namespace m47::plans {
 
 void PlanScreenTest::keys_of_the_position_list() {
     start_alone();
@@ -301,4 +301,4 @@ void PlanScreenTest::the_meter_holds_the_plan_after_each_kind_of_upload() {
     QCOMPARE(meter_keeps(QStringLiteral("logger-line")), QStringList({"01 11 01", "02 12 01"}));
 }
 
-}  // namespace m47
+}  // namespace m47::plans

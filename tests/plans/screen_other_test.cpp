@@ -2,7 +2,7 @@
 // Another program writes into the same file.
 #include "screen_test.h"
 
-namespace m47 {
+namespace m47::plans {
 
 void PlanScreenTest::plans_that_came_into_the_file_are_there_at_once() {
     start_alone();
@@ -259,4 +259,4 @@ void PlanScreenTest::the_unit_goes_out_with_the_plan() {
              QStringList({"MEASURE", "CHBW 01", "UNIT 02", "PROGRAM 00"}));
 }
 
-}  // namespace m47
+}  // namespace m47::plans

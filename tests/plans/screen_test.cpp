@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "screen_test.h"
 
-namespace m47 {
+namespace m47::plans {
 
-void PlanScreenTest::start(const PortList& ports, int language) {
+void PlanScreenTest::start(const link::PortList& ports, int language) {
     start_program({1024, 600}, ports);
     to_the_front(language);
 }
@@ -26,7 +26,7 @@ void PlanScreenTest::open_screen() {
 
 void PlanScreenTest::start_alone(int language) {
     new_folder(folder_template());
-    start(PortList(), language);
+    start(link::PortList(), language);
     open_screen();
 }
 
@@ -36,7 +36,7 @@ void PlanScreenTest::start_on_virtual_line() {
     auto line = std::make_unique<FakePort>(*clock);
     line_ = line.get();
     quick_meter_ = std::make_unique<MeterInProcess>(*line, 1);
-    PortList ports;
+    link::PortList ports;
     QVERIFY(ports.add(QStringLiteral("1=/dev/no-such-meter")));
     start_program({1024, 600}, ports, std::move(clock), std::move(line));
     to_the_front(kEnglish);
@@ -56,7 +56,7 @@ void PlanScreenTest::start_with_meter(const QStringList& options) {
     meter_ = std::make_unique<MeterProcess>(
         folder(),
         QStringList{"--baud-factor", "0", "--delay", "0", "--state", state_file()} + options);
-    PortList ports;
+    link::PortList ports;
     QVERIFY(ports.add(QStringLiteral("1=") + meter_->link()));
     start(ports, kEnglish);
     program().identify(1);
@@ -155,7 +155,7 @@ void PlanScreenTest::change_file(const QString& statement) {
 void PlanScreenTest::elsewhere(const QString& statement) {
     {
         QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", "other");
-        other.setDatabaseName(in_folder(kDatabaseFile));
+        other.setDatabaseName(in_folder(db::kDatabaseFile));
         QVERIFY(other.open());
         QSqlQuery query(other);
         QVERIFY2(query.exec(statement), qPrintable(statement));
@@ -320,6 +320,6 @@ void PlanScreenTest::cleanup() {
     meter_.reset();
 }
 
-}  // namespace m47
+}  // namespace m47::plans
 
-QTEST_MAIN(m47::PlanScreenTest)
+QTEST_MAIN(m47::plans::PlanScreenTest)

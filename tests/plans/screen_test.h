@@ -39,7 +39,7 @@
 #include "upload_commands.h"
 #include "virtual_clock.h"
 
-namespace m47 {
+namespace m47::plans {
 
 class PlanScreenTest : public QObject, protected ProgramInFolder {
     Q_OBJECT
@@ -61,7 +61,7 @@ class PlanScreenTest : public QObject, protected ProgramInFolder {
         return ProgramInFolder::find<Kind>(name, screen_);
     }
 
-    void start(const PortList& ports, int language);
+    void start(const link::PortList& ports, int language);
     /// Makes the window the active one, as beneath a hand that types.
     void to_the_front(int language);
     void open_screen();
@@ -332,4 +332,4 @@ class PlanScreenTest : public QObject, protected ProgramInFolder {
     void a_refused_upload_says_how_far_it_came();
 };
 
-}  // namespace m47
+}  // namespace m47::plans

@@ -2,7 +2,7 @@
 // Programs and plans that are copied, imported and corrected.
 #include "sets_test.h"
 
-namespace m47 {
+namespace m47::plans {
 
 void SetsTest::an_import_replaces_the_empty_program() {
     const ImportFile file = parse_import_file("frequenza,oscillator\n11000,9750\n12000,10600\n", 0);
@@ -10,7 +10,8 @@ void SetsTest::an_import_replaces_the_empty_program() {
         preview_import(file.candidates, sets_->programs(), sets_->oscillators(), 0));
     QCOMPARE(numbers(), QStringList({"000 ", "001 "}));
     QCOMPARE(sets_->program().frequenza, QStringLiteral("11000"));
-    QCOMPARE(sets_->oscillators(), Oscillators({QStringLiteral("9750"), QStringLiteral("10600")}));
+    QCOMPARE(sets_->oscillators(),
+             programme::Oscillators({QStringLiteral("9750"), QStringLiteral("10600")}));
     QCOMPARE(sql(QStringLiteral("SELECT frequenza FROM programmi")),
              QStringList({"11000", "12000"}));
 }
@@ -30,7 +31,7 @@ void SetsTest::a_plan_is_copied_field_by_field() {
 }
 
 void SetsTest::a_program_is_copied_with_its_oscillator() {
-    ProgramRecord record = tuned("7", "12000");
+    programme::ProgramRecord record = tuned("7", "12000");
     record.loc_osc = false;
     record.loc_osc0 = 3;
     record.logger_pos = QStringLiteral("05");
@@ -73,7 +74,7 @@ void SetsTest::a_copied_program_keeps_what_no_box_would_take() {
 void SetsTest::a_program_that_nobody_has_stored_is_copied_empty() {
     QCOMPARE(sets_->copy_program(QStringLiteral("B")), ImportProblem::none);
     QCOMPARE(sets_->plan(), QStringLiteral("B"));
-    QVERIFY(is_blank(sets_->program()));
+    QVERIFY(programme::is_blank(sets_->program()));
     QCOMPARE(numbers(), QStringList{"- -"});
 }
 
@@ -107,7 +108,7 @@ void SetsTest::the_same_oscillator_again_checks_no_program() {
 void SetsTest::an_oscillator_alone_is_stored_and_its_programs_are_read_anew() {
     const CorrectedBehaviour all{.check_all = true};
     PlanSets checking(*database_, all);
-    ProgramRecord record = tuned("1", "11000");
+    programme::ProgramRecord record = tuned("1", "11000");
     record.loc_osc = false;
     QString oscillator = QStringLiteral("9750");
     QCOMPARE(checking.store_record(record, oscillator, 0, true), Clash::none);
@@ -116,7 +117,7 @@ void SetsTest::an_oscillator_alone_is_stored_and_its_programs_are_read_anew() {
     QCOMPARE(sql(QStringLiteral("SELECT loc_osc1 FROM configurazione")), QStringList{"5150"});
     const QString stored = sql(QStringLiteral("SELECT frequenza FROM programmi")).constFirst();
     QVERIFY(stored != QStringLiteral("11000.0"));
-    QCOMPARE(typed_value(checking.program().frequenza), stored.toDouble());
+    QCOMPARE(link::typed_value(checking.program().frequenza), stored.toDouble());
     QVERIFY(known == checking.stored());
 }
 
@@ -134,7 +135,7 @@ void SetsTest::a_program_is_not_copied_into_a_full_plan() {
 }
 
 void SetsTest::a_program_without_room_is_not_copied() {
-    ProgramRecord record = tuned("7", "12000");
+    programme::ProgramRecord record = tuned("7", "12000");
     record.loc_osc = false;
     QString oscillator = QStringLiteral("10600");
     QCOMPARE(sets_->store_record(record, oscillator, 0, true), Clash::none);
@@ -149,4 +150,4 @@ void SetsTest::a_program_without_room_is_not_copied() {
              QStringList{"1"});
 }
 
-}  // namespace m47
+}  // namespace m47::plans

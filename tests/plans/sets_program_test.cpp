@@ -2,7 +2,7 @@
 // Programs of a plan, their numbers and places.
 #include "sets_test.h"
 
-namespace m47 {
+namespace m47::plans {
 
 void SetsTest::a_new_program_takes_the_next_position() {
     QCOMPARE(store(tuned("5"), true), Clash::none);
@@ -12,7 +12,7 @@ void SetsTest::a_new_program_takes_the_next_position() {
 }
 
 void SetsTest::behind_the_last_position_there_is_none() {
-    ProgramRecord last = tuned("1");
+    programme::ProgramRecord last = tuned("1");
     last.logger_pos = QStringLiteral("41");
     QCOMPARE(store(last, true), Clash::none);
     QCOMPARE(store(tuned("2"), false), Clash::none);
@@ -42,7 +42,7 @@ void SetsTest::a_position_comes_once_in_a_plan() {
     QCOMPARE(store(tuned("1"), true), Clash::none);
     QCOMPARE(store(tuned("2"), false), Clash::none);
     sets_->first_program();
-    ProgramRecord first = sets_->program();
+    programme::ProgramRecord first = sets_->program();
     first.pg_num = number;
     first.logger_pos = QStringLiteral("01");
     QCOMPARE(store(first, true), Clash::logger_position);
@@ -53,7 +53,7 @@ void SetsTest::a_program_keeps_its_own_position_under_a_new_number() {
     QCOMPARE(store(tuned("1"), true), Clash::none);
     QCOMPARE(store(tuned("2"), false), Clash::none);
     sets_->last_program();
-    ProgramRecord program = sets_->program();
+    programme::ProgramRecord program = sets_->program();
     program.pg_num = QStringLiteral("33");
     QCOMPARE(store(program, true), Clash::none);
     QCOMPARE(numbers(), QStringList({"001 ", "033 01"}));
@@ -61,7 +61,7 @@ void SetsTest::a_program_keeps_its_own_position_under_a_new_number() {
 }
 
 void SetsTest::what_is_stored_is_corrected_and_comes_back() {
-    ProgramRecord record = tuned("150", "10000");
+    programme::ProgramRecord record = tuned("150", "10000");
     record.loc_osc = false;
     record.loc_osc0 = 2;
     record.qpsk_symbolrate = QStringLiteral(" 28000 ");
@@ -71,7 +71,7 @@ void SetsTest::what_is_stored_is_corrected_and_comes_back() {
     QCOMPARE(sets_->store_record(record, oscillator, 0, true), Clash::none);
     QCOMPARE(record.frequenza, QStringLiteral("10670"));
     sets_->crea_records(QStringLiteral(" plan 1 "));
-    ProgramRecord expected = record;
+    programme::ProgramRecord expected = record;
     expected.qpsk_symbolrate = QStringLiteral("28000");
     QCOMPARE(sets_->program(), expected);
     QCOMPARE(sets_->oscillators()[2], QStringLiteral("9750"));
@@ -82,7 +82,7 @@ void SetsTest::what_is_stored_is_corrected_and_comes_back() {
 }
 
 void SetsTest::without_an_oscillator_frequency_and_oscillator_stay_empty() {
-    ProgramRecord record = sets_->program();
+    programme::ProgramRecord record = sets_->program();
     QString none;
     QCOMPARE(sets_->store_record(record, none, 0, true), Clash::none);
     QCOMPARE(sql(QStringLiteral("SELECT frequenza IS NULL FROM programmi")), QStringList{"1"});
@@ -117,7 +117,7 @@ void SetsTest::programs_are_walked_to_both_ends() {
 void SetsTest::a_plan_without_programs_is_tolerated() {
     sql(QStringLiteral("DELETE FROM programmi"));
     sets_->crea_records(sets_->plan());
-    QVERIFY(is_blank(sets_->program()));
+    QVERIFY(programme::is_blank(sets_->program()));
     QVERIFY(!sets_->next_program());
     QVERIFY(!sets_->previous_program());
     QVERIFY(!sets_->can_delete_program());
@@ -232,7 +232,7 @@ void SetsTest::a_file_that_takes_nothing_keeps_everything_as_it_was() {
     QCOMPARE(store(tuned("1"), true), Clash::none);
     QCOMPARE(store(tuned("2"), false), Clash::none);
     sets_->last_program();
-    const QByteArray before = content_of(database_in(folder_->path()));
+    const QByteArray before = db::content_of(db::database_in(folder_->path()));
     lock_file(true);
     M47_VERIFY_FAULT(store(tuned("3"), false), "readonly");
     M47_VERIFY_FAULT(store(tuned("2", "1500"), true), "readonly");
@@ -244,7 +244,7 @@ void SetsTest::a_file_that_takes_nothing_keeps_everything_as_it_was() {
                                            sets_->programs(), {}, 0)),
         "readonly");
     lock_file(false);
-    QCOMPARE(content_of(database_in(folder_->path())), before);
+    QCOMPARE(db::content_of(db::database_in(folder_->path())), before);
     QCOMPARE(sets_->plan(), QStringLiteral("PLAN 1"));
     QCOMPARE(sets_->program().pg_num, QStringLiteral("002"));
     QCOMPARE(sets_->program().frequenza, QStringLiteral("1000.0"));
@@ -274,4 +274,4 @@ void SetsTest::a_failure_half_way_leaves_no_half_plan() {
     QCOMPARE(numbers(), QStringList{"001 "});
 }
 
-}  // namespace m47
+}  // namespace m47::plans

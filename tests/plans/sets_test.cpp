@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "sets_test.h"
 
-namespace m47 {
+namespace m47::plans {
 
 QStringList SetsTest::sql(const QString& statement) {
-    return run_sql(database_in(folder_->path()), {statement});
+    return db::run_sql(db::database_in(folder_->path()), {statement});
 }
 
 QStringList SetsTest::numbers() {
@@ -21,7 +21,7 @@ bool SetsTest::elsewhere(const QStringList& statements) {
     bool done = true;
     {
         QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", "elsewhere");
-        other.setDatabaseName(database_in(folder_->path()));
+        other.setDatabaseName(db::database_in(folder_->path()));
         other.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=0"));
         done = other.open();
         for (const QString& statement : statements) done = QSqlQuery(other).exec(statement) && done;
@@ -39,7 +39,7 @@ void SetsTest::with_another_program_at_each_call(const QStringList& statements,
         init();
         make_two_plans();
         calls = 0;
-        set_statement_fault([&]() -> std::optional<QSqlError> {
+        db::set_statement_fault([&]() -> std::optional<QSqlError> {
             if (++calls == nth && elsewhere(statements)) ++came_in;
             return std::nullopt;
         });
@@ -48,7 +48,7 @@ void SetsTest::with_another_program_at_each_call(const QStringList& statements,
         } catch (const Fault&) {
             // Told: nothing was changed then.
         }
-        set_statement_fault({});
+        db::set_statement_fault({});
         look();
         if (QTest::currentTestFailed()) return qWarning("before call %d", nth);
     }
@@ -78,14 +78,14 @@ QStringList SetsTest::deleting(const char* plan) {
     return statements;
 }
 
-ProgramRecord SetsTest::tuned(const char* number, const char* frequency) {
-    ProgramRecord record = import_defaults(0);
+programme::ProgramRecord SetsTest::tuned(const char* number, const char* frequency) {
+    programme::ProgramRecord record = import_defaults(0);
     record.pg_num = QString::fromLatin1(number);
     record.frequenza = QString::fromLatin1(frequency);
     return record;
 }
 
-Clash SetsTest::store(ProgramRecord record, bool over) {
+Clash SetsTest::store(programme::ProgramRecord record, bool over) {
     QString none;
     return sets_->store_record(record, none, 0, over);
 }
@@ -96,7 +96,7 @@ void SetsTest::init() {
     folder_ =
         std::make_unique<QTemporaryDir>((memory ? QStringLiteral("/dev/shm") : QDir::tempPath()) +
                                         QStringLiteral("/m47-plans-XXXXXX"));
-    database_ = made_in(folder_->path());
+    database_ = db::made_in(folder_->path());
     sets_ = std::make_unique<PlanSets>(*database_);
 }
 
@@ -108,8 +108,8 @@ void SetsTest::cleanup() {
 void SetsTest::a_new_plan_has_one_empty_program() {
     sets_->add_new(QStringLiteral("B"));
     QCOMPARE(sets_->plan(), QStringLiteral("B"));
-    QVERIFY(is_blank(sets_->program()));
-    QCOMPARE(sets_->oscillators(), Oscillators());
+    QVERIFY(programme::is_blank(sets_->program()));
+    QCOMPARE(sets_->oscillators(), programme::Oscillators());
     QCOMPARE(numbers(), QStringList{"- -"});
     QCOMPARE(sql(QStringLiteral("SELECT count(*) FROM configurazione WHERE nome = 'B'")),
              QStringList{"1"});
@@ -161,7 +161,7 @@ void SetsTest::an_import_spares_what_another_program_has_stored_meanwhile() {
     import.replaces_blank = true;
     PlanSets other(*database_);
     QString oscillator;
-    ProgramRecord theirs = tuned("5");
+    programme::ProgramRecord theirs = tuned("5");
     QCOMPARE(other.store_record(theirs, oscillator, 0, true), Clash::none);
     M47_VERIFY_FAULT(sets_->apply_import(import), "meanwhile");
     QCOMPARE(numbers(), QStringList{"005 "});
@@ -172,9 +172,9 @@ void SetsTest::what_was_seen_is_overwritten_and_nothing_else() {
     const StoredProgram seen = sets_->stored();
     PlanSets other(*database_);
     QString oscillator;
-    ProgramRecord theirs = tuned("1", "1200");
+    programme::ProgramRecord theirs = tuned("1", "1200");
     QCOMPARE(other.store_record(theirs, oscillator, 0, true), Clash::none);
-    ProgramRecord mine = tuned("1", "1300");
+    programme::ProgramRecord mine = tuned("1", "1300");
     const auto store_mine = [&](const StoredProgram& known) {
         return sets_->store_record(mine, oscillator, 0, true, &known);
     };
@@ -187,10 +187,10 @@ void SetsTest::what_was_seen_is_overwritten_and_nothing_else() {
 }
 
 void SetsTest::the_same_in_another_form_is_no_change() {
-    ProgramRecord now = tuned("1", "1200.0");
+    programme::ProgramRecord now = tuned("1", "1200.0");
     now.satchbw = QStringLiteral("05");
     const StoredProgram known{tuned("1"), {}};
-    ProgramRecord typed = now;
+    programme::ProgramRecord typed = now;
     typed.satchbw = QStringLiteral("5");
     typed.frequenza = QStringLiteral("1200");
     const ChangedMeanwhile change({now, {}}, typed, QString(), true);
@@ -205,7 +205,7 @@ void SetsTest::the_same_in_another_form_is_no_change() {
 
 void SetsTest::two_windows_in_any_order_lose_nothing() {
     QCOMPARE(store(tuned("1"), true), Clash::none);
-    const auto elsewhere = opened(database_in(folder_->path()));
+    const auto elsewhere = db::opened(db::database_in(folder_->path()));
     PlanSets other(*elsewhere);
     const std::array<PlanSets*, 2> windows{sets_.get(), &other};
     std::array<StoredProgram, 2> seen{windows[0]->stored(), windows[1]->stored()};
@@ -221,7 +221,7 @@ void SetsTest::two_windows_in_any_order_lose_nothing() {
             seen_mhz[w] = in_file;
             continue;
         }
-        ProgramRecord record = tuned("1");
+        programme::ProgramRecord record = tuned("1");
         record.frequenza = QString::number(1000 + step);
         QString oscillator;
         const bool stale = seen_mhz[w] != in_file;
@@ -307,6 +307,6 @@ void SetsTest::an_import_spares_oscillators_that_another_program_has_stored_mean
     QCOMPARE(numbers(), QStringList{"- -"});
 }
 
-}  // namespace m47
+}  // namespace m47::plans
 
-QTEST_GUILESS_MAIN(m47::SetsTest)
+QTEST_GUILESS_MAIN(m47::plans::SetsTest)

@@ -20,7 +20,7 @@
 #include "plan_sets.h"
 #include "statement_fault.h"
 
-namespace m47 {
+namespace m47::plans {
 
 /// Their frequencies stay within the meter's range.
 constexpr int kInterleavings = 1000;
@@ -30,7 +30,7 @@ class SetsTest : public QObject {
 
   private:
     std::unique_ptr<QTemporaryDir> folder_;
-    std::unique_ptr<Database> database_;
+    std::unique_ptr<db::Database> database_;
     std::unique_ptr<PlanSets> sets_;
 
     QStringList sql(const QString& statement);
@@ -49,8 +49,8 @@ class SetsTest : public QObject {
     /// As this program does it: the last plan stays.
     static QStringList deleting(const char* plan);
 
-    static ProgramRecord tuned(const char* number, const char* frequency = "1000");
-    Clash store(ProgramRecord record, bool over);
+    static programme::ProgramRecord tuned(const char* number, const char* frequency = "1000");
+    Clash store(programme::ProgramRecord record, bool over);
 
   private Q_SLOTS:
     void init();
@@ -145,4 +145,4 @@ class SetsTest : public QObject {
     void a_program_without_room_is_not_copied();
 };
 
-}  // namespace m47
+}  // namespace m47::plans

@@ -18,7 +18,7 @@
 #include "sample_programs.h"
 #include "table_backup.h"
 
-namespace m47 {
+namespace m47::plans {
 
 class UploadTest : public QObject {
     Q_OBJECT
@@ -28,7 +28,7 @@ class UploadTest : public QObject {
     VirtualClock clock_;
     FakePort port_{clock_};
     FakeLinkView view_;
-    Link link_{port_, clock_, view_};
+    link::Link link_{port_, clock_, view_};
     ProgramState program_;
     QByteArray table_;
     QByteArray refused_;
@@ -177,7 +177,7 @@ class UploadTest : public QObject {
     }
 
     void a_folder_that_another_program_holds_stops_the_upload() {
-        const FileLock other(folder_.path());
+        const platform::FileLock other(folder_.path());
         QVERIFY_EXCEPTION_THROWN(PlanUpload(link_, program_).run(plan(), kDisable), Fault);
         QCOMPARE(port_.take_commands(), QStringList({"MEASURE", "DATAPROGRAM?"}));
     }
@@ -314,7 +314,7 @@ class UploadTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::plans
 
-QTEST_GUILESS_MAIN(m47::UploadTest)
+QTEST_GUILESS_MAIN(m47::plans::UploadTest)
 #include "upload_test.moc"

@@ -9,7 +9,7 @@
 #include "diseqc_commands.h"
 #include "sample_programs.h"
 
-namespace m47 {
+namespace m47::programme {
 
 class ProgramCommandsTest : public QObject {
     Q_OBJECT
@@ -123,7 +123,7 @@ void ProgramCommandsTest::an_active_program_without_a_position_takes_line_0() {
 class StoredRow {
   public:
     explicit StoredRow(const ProgramRecord& program)
-        : database_(made_in(folder_.path())), set_(database_->programmi()) {
+        : database_(db::made_in(folder_.path())), set_(database_->programmi()) {
         set_.move_first();
         set_.edit();
         write_program(set_, program);
@@ -134,8 +134,8 @@ class StoredRow {
 
   private:
     QTemporaryDir folder_;
-    std::unique_ptr<Database> database_;
-    Recordset set_;
+    std::unique_ptr<db::Database> database_;
+    db::Recordset set_;
 };
 
 void ProgramCommandsTest::a_row_switches_what_it_says() {
@@ -156,7 +156,7 @@ void ProgramCommandsTest::a_row_tuned_directly_needs_no_oscillator() {
              QStringList({"LOCOSC 0", "LNB 00", "TONE22K 00"}));
 }
 
-}  // namespace m47
+}  // namespace m47::programme
 
-M47_DB_TEST_MAIN(m47::ProgramCommandsTest)
+M47_DB_TEST_MAIN(m47::programme::ProgramCommandsTest)
 #include "program_commands_test.moc"

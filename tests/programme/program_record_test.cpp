@@ -13,7 +13,7 @@
 #include "program_row.h"
 #include "tables.h"
 
-namespace m47 {
+namespace m47::programme {
 namespace {
 
 using R = ProgramRecord;
@@ -53,30 +53,30 @@ class ProgramRecordTest : public QObject {
 
   private:
     std::unique_ptr<QTemporaryDir> folder_;
-    std::unique_ptr<Database> database_;
+    std::unique_ptr<db::Database> database_;
 
-    Recordset table_of(const char* name) const {
-        Recordset set = Recordset::table(database_->connection(), QLatin1String(name));
+    db::Recordset table_of(const char* name) const {
+        db::Recordset set = db::Recordset::table(database_->connection(), QLatin1String(name));
         set.move_first();
         return set;
     }
-    Recordset programs() const { return table_of(table::kProgrammi); }
-    Recordset stored(const ProgramRecord& program) const {
-        Recordset set = programs();
+    db::Recordset programs() const { return table_of(db::table::kProgrammi); }
+    db::Recordset stored(const ProgramRecord& program) const {
+        db::Recordset set = programs();
         set.edit();
         write_program(set, program);
         set.update();
         return programs();
     }
-    Recordset stored(const char* name, const QVariant& value) const {
-        Recordset set = programs();
+    db::Recordset stored(const char* name, const QVariant& value) const {
+        db::Recordset set = programs();
         set.edit();
         set.set(name, value);
         set.update();
         return programs();
     }
     QString in_file(const char* name) const {
-        return row_of(database_in(folder_->path()), QLatin1String(table::kProgrammi), 1)
+        return db::row_of(db::database_in(folder_->path()), QLatin1String(db::table::kProgrammi), 1)
             .value(QLatin1String(name), QStringLiteral("-"));
     }
 
@@ -87,7 +87,7 @@ class ProgramRecordTest : public QObject {
         folder_ = std::make_unique<QTemporaryDir>(
             (memory ? QStringLiteral("/dev/shm") : QDir::tempPath()) +
             QStringLiteral("/m47-programme-XXXXXX"));
-        database_ = made_in(folder_->path());
+        database_ = db::made_in(folder_->path());
     }
 
     void the_fields_are_those_of_the_table();
@@ -108,10 +108,10 @@ class ProgramRecordTest : public QObject {
 };
 
 void ProgramRecordTest::the_fields_are_those_of_the_table() {
-    QStringList ours{field::kNome};
+    QStringList ours{db::field::kNome};
     for (const ProgramField& field : program_fields()) ours += QLatin1String(field.name);
     QStringList theirs;
-    for (const Field& field : table_named(QLatin1String(table::kProgrammi)).fields)
+    for (const db::Field& field : db::table_named(QLatin1String(db::table::kProgrammi)).fields)
         theirs += QLatin1String(field.name);
     QCOMPARE(ours, theirs);
 }
@@ -162,9 +162,9 @@ void ProgramRecordTest::every_field_stands_in_the_file_as_it_always_did() {
 void ProgramRecordTest::a_blank_program_leaves_its_numbers_unset() {
     stored(program_of_all_fields());
     stored(ProgramRecord());
-    QCOMPARE(in_file(field::kFrequenza), QStringLiteral("-"));
-    QCOMPARE(in_file(field::kSatchbw), QStringLiteral("0"));
-    QCOMPARE(in_file(field::kLocOsc0), QStringLiteral("0"));
+    QCOMPARE(in_file(db::field::kFrequenza), QStringLiteral("-"));
+    QCOMPARE(in_file(db::field::kSatchbw), QStringLiteral("0"));
+    QCOMPARE(in_file(db::field::kLocOsc0), QStringLiteral("0"));
 }
 
 void ProgramRecordTest::an_empty_row_is_a_blank_program() {
@@ -176,9 +176,9 @@ void ProgramRecordTest::an_empty_row_is_a_blank_program() {
 }
 
 void ProgramRecordTest::a_row_is_read_as_it_stands() {
-    stored(field::kFrequenza, 11777.25);
-    stored(field::kSatchbw, 7.5);
-    const Recordset set = stored(field::kLevMin, QStringLiteral(" 45 "));
+    stored(db::field::kFrequenza, 11777.25);
+    stored(db::field::kSatchbw, 7.5);
+    const db::Recordset set = stored(db::field::kLevMin, QStringLiteral(" 45 "));
     const ProgramRow row(set);
     QCOMPARE(row.plain(&R::frequenza), QStringLiteral("11777.25"));
     QCOMPARE(row.number(&R::satchbw), 7.5);
@@ -191,29 +191,29 @@ void ProgramRecordTest::a_row_is_read_as_it_stands() {
 }
 
 void ProgramRecordTest::what_is_unset_is_told_from_zero() {
-    const Recordset empty = programs();
+    const db::Recordset empty = programs();
     QVERIFY(!ProgramRow(empty).oscillator());
     QVERIFY(!ProgramRow(empty).digital());
     QCOMPARE(ProgramRow(empty).plain(&R::frequenza), QString());
     QCOMPARE(ProgramRow(empty).whole(&R::K22), 0);
-    const Recordset zero = stored(ProgramRecord());
+    const db::Recordset zero = stored(ProgramRecord());
     QCOMPARE(ProgramRow(zero).oscillator(), std::optional(0));
     QCOMPARE(ProgramRow(zero).digital(), std::optional(false));
     QVERIFY(!ProgramRow(zero).direct());
-    const Recordset seventh = stored(field::kLocOsc0, 7);
+    const db::Recordset seventh = stored(db::field::kLocOsc0, 7);
     QCOMPARE(ProgramRow(seventh).oscillator(), std::optional(0));
 }
 
 void ProgramRecordTest::one_alone_is_monitored_and_digital() {
     for (const int other : {-1, 0, 2}) {
-        stored(field::kMonitorState, other);
-        const Recordset set = stored(field::kSatAd, other);
+        stored(db::field::kMonitorState, other);
+        const db::Recordset set = stored(db::field::kSatAd, other);
         QVERIFY(!ProgramRow(set).monitored());
         QVERIFY(ProgramRow(set).digital() != std::optional(true));
         QVERIFY(!read_program(set).sat_ad);
     }
-    stored(field::kMonitorState, 1);
-    const Recordset set = stored(field::kSatAd, 1);
+    stored(db::field::kMonitorState, 1);
+    const db::Recordset set = stored(db::field::kSatAd, 1);
     QVERIFY(ProgramRow(set).monitored());
     QCOMPARE(ProgramRow(set).digital(), std::optional(true));
     QVERIFY(read_program(set).sat_ad);
@@ -221,15 +221,15 @@ void ProgramRecordTest::one_alone_is_monitored_and_digital() {
 
 void ProgramRecordTest::the_dish_is_told_what_was_chosen_and_nothing_else() {
     QCOMPARE(ProgramRow(programs()).diseqc(), QList<int>());
-    stored(field::kDiseqcCmd, kDiseqcNone);
-    const Recordset second = stored(field::kDiseqcCmd2, 0);
+    stored(db::field::kDiseqcCmd, kDiseqcNone);
+    const db::Recordset second = stored(db::field::kDiseqcCmd2, 0);
     QCOMPARE(ProgramRow(second).diseqc(), QList<int>{0});
-    const Recordset both = stored(field::kDiseqcCmd, 5);
+    const db::Recordset both = stored(db::field::kDiseqcCmd, 5);
     QCOMPARE(ProgramRow(both).diseqc(), QList<int>({5, 0}));
 }
 
 void ProgramRecordTest::oscillators_come_back() {
-    Recordset set = table_of(table::kConfigurazione);
+    db::Recordset set = table_of(db::table::kConfigurazione);
     QCOMPARE(read_oscillators(set), Oscillators());
     const Oscillators written{QStringLiteral("9750"), QStringLiteral("10600"), QString(),
                               QStringLiteral("5150.5")};
@@ -238,11 +238,11 @@ void ProgramRecordTest::oscillators_come_back() {
         write_oscillator(set, index, written[static_cast<std::size_t>(index)]);
         set.update();
     }
-    QCOMPARE(read_oscillators(table_of(table::kConfigurazione)), written);
+    QCOMPARE(read_oscillators(table_of(db::table::kConfigurazione)), written);
     set.edit();
     write_oscillator(set, 1, QStringLiteral(" "));
     set.update();
-    QCOMPARE(read_oscillators(table_of(table::kConfigurazione))[1], QString());
+    QCOMPARE(read_oscillators(table_of(db::table::kConfigurazione))[1], QString());
 }
 
 void ProgramRecordTest::an_oscillator_entry_that_is_not_there_counts_as_the_first() {
@@ -270,7 +270,7 @@ void ProgramRecordTest::a_name_has_ten_characters_in_capitals() {
              QStringLiteral("ABCDEFGHI"));
 }
 
-}  // namespace m47
+}  // namespace m47::programme
 
-M47_DB_TEST_MAIN(m47::ProgramRecordTest)
+M47_DB_TEST_MAIN(m47::programme::ProgramRecordTest)
 #include "program_record_test.moc"

@@ -5,7 +5,7 @@
 
 #include "oscillators.h"
 
-namespace m47 {
+namespace m47::programme {
 
 class TuningRangeTest : public QObject {
     Q_OBJECT
@@ -64,7 +64,7 @@ class TuningRangeTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::programme
 
-QTEST_APPLESS_MAIN(m47::TuningRangeTest)
+QTEST_APPLESS_MAIN(m47::programme::TuningRangeTest)
 #include "tuning_range_test.moc"

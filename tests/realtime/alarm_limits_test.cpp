@@ -6,7 +6,7 @@
 #include <QTest>
 #include <algorithm>
 
-namespace m47 {
+namespace m47::realtime {
 namespace {
 
 /// Where a row's limits stand in the panel.
@@ -302,7 +302,7 @@ void AlarmLimitsTest::keys() {
     QCOMPARE(found, expected);
 }
 
-}  // namespace m47
+}  // namespace m47::realtime
 
-QTEST_GUILESS_MAIN(m47::AlarmLimitsTest)
+QTEST_GUILESS_MAIN(m47::realtime::AlarmLimitsTest)
 #include "alarm_limits_test.moc"

@@ -2,7 +2,7 @@
 // What the list, the motor and the boxes send.
 #include "diseqc_panel_test.h"
 
-namespace m47 {
+namespace m47::realtime {
 
 void DiseqcPanelTest::every_choice_of_the_list_sends() {
     point_at("diseqc");
@@ -176,4 +176,4 @@ void DiseqcPanelTest::labels_in_both_languages() {
     nothing_is_clipped();
 }
 
-}  // namespace m47
+}  // namespace m47::realtime

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "diseqc_panel_test.h"
 
-namespace m47 {
+namespace m47::realtime {
 
 void DiseqcPanelTest::open_motor() {
     QTest::mouseClick(find("dsqopt_1"), Qt::LeftButton);
@@ -56,7 +56,8 @@ void DiseqcPanelTest::loading_fills_the_list_and_sends_none_of_it() {
     const auto* list = find<QComboBox>("diseqc_cmd");
     QCOMPARE(list->count(), 74);
     for (int k = 0; k < list->count(); ++k)
-        QCOMPARE(list->itemText(k), QString::fromLatin1(kDiseqcCommands[std::size_t(k)]));
+        QCOMPARE(list->itemText(k),
+                 QString::fromLatin1(programme::kDiseqcCommands[std::size_t(k)]));
     QCOMPARE(list->currentIndex(), -1);
     QVERIFY(f_->commands().filter("DISEQC").isEmpty());
     screen_->Form_Load();
@@ -323,6 +324,6 @@ void DiseqcPanelTest::nothing_is_clipped() {
     }
 }
 
-}  // namespace m47
+}  // namespace m47::realtime
 
-QTEST_MAIN(m47::DiseqcPanelTest)
+QTEST_MAIN(m47::realtime::DiseqcPanelTest)

@@ -20,7 +20,7 @@
 #include "realtime.h"
 #include "realtime_fixture.h"
 
-namespace m47 {
+namespace m47::realtime {
 
 class DiseqcPanelTest : public QObject {
     Q_OBJECT
@@ -74,4 +74,4 @@ class DiseqcPanelTest : public QObject {
     std::unique_ptr<Realtime> screen_;
 };
 
-}  // namespace m47
+}  // namespace m47::realtime

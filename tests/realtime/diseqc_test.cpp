@@ -7,7 +7,7 @@
 #include "diseqc_layout.h"
 #include "realtime_fixture.h"
 
-namespace m47 {
+namespace m47::realtime {
 namespace {
 
 using KeyPress = void (Diseqc::*)(int key);
@@ -71,13 +71,13 @@ class DiseqcTest : public QObject {
 
 void DiseqcTest::every_switching_command_is_its_place_in_the_list() {
     QStringList expected;
-    for (int index = 0; index < static_cast<int>(kDiseqcCommands.size()); ++index) {
+    for (int index = 0; index < static_cast<int>(programme::kDiseqcCommands.size()); ++index) {
         diseqc().diseqc_cmd_Click(index);
         expected += QStringLiteral("DISEQC %1").arg(index, 2, 10, QLatin1Char('0'));
     }
     QCOMPARE(f_->commands(), expected);
     diseqc().diseqc_cmd_Click(3);
-    diseqc().diseqc_cmd_Click(kDiseqcNone);
+    diseqc().diseqc_cmd_Click(programme::kDiseqcNone);
     QCOMPARE(f_->commands(), (QStringList{"DISEQC 03", "DISEQC 73"}));
 }
 
@@ -276,7 +276,7 @@ void DiseqcTest::without_a_link_the_entry_is_corrected_all_the_same() {
     f_->link.port_connected = false;
     panel().storesat = "150";
     diseqc().dsqmtr_Click(kStorePosition);
-    diseqc().diseqc_cmd_Click(kDiseqcNone);
+    diseqc().diseqc_cmd_Click(programme::kDiseqcNone);
     QCOMPARE(f_->port.opens, 0);
     QCOMPARE(panel().storesat, QString("99"));
 }
@@ -296,7 +296,7 @@ void DiseqcTest::three_states_of_the_panel() {
     QVERIFY(!motor.dsq11opt && motor.dsq12opt);
 }
 
-}  // namespace m47
+}  // namespace m47::realtime
 
-QTEST_GUILESS_MAIN(m47::DiseqcTest)
+QTEST_GUILESS_MAIN(m47::realtime::DiseqcTest)
 #include "diseqc_test.moc"

@@ -2,7 +2,7 @@
 // The row of a measurement, what is kept of it, and how one ends early.
 #include "measure_cycle_test.h"
 
-namespace m47 {
+namespace m47::realtime {
 
 void MeasureCycleTest::status_data() {
     QTest::addColumn<bool>("level_alarm");
@@ -87,20 +87,24 @@ void MeasureCycleTest::each_row_is_announced() {
 }
 
 void MeasureCycleTest::what_was_sent_and_answered_is_kept_beside_the_row() {
-    Measurement told;
-    f_->rules.cycle.on_measured = [&](const Measurement& measurement) { told = measurement; };
+    measurement::Measurement told;
+    f_->rules.cycle.on_measured = [&](const measurement::Measurement& measurement) {
+        told = measurement;
+    };
     panel().meas_statea[kLevel] = true;
     // The unit of the meter is not known before it was told or asked, and no oscillator is in use,
     // whatever stands in the boxes.
     f_->program.unit_index = panel().cmdlev = kDbm;
     measure_and_store();
-    QVERIFY(told.mode == MeasureMode::analog);
+    QVERIFY(told.mode == measurement::MeasureMode::analog);
     QCOMPARE(*told.frequency, 1000.0F);
     QVERIFY(!told.oscillator && !told.unit && !told.program.known());
-    QVERIFY(told.verdict == Verdict::none);
-    QCOMPARE(reading_text(Quantity::level, told.reading(Quantity::level)), QString("58.3"));
-    QVERIFY(!told.reading(Quantity::ber).measured());
-    QCOMPARE(time_text(*told.instant), std::string("2026-11-21 10:00:01"));
+    QVERIFY(told.verdict == measurement::Verdict::none);
+    QCOMPARE(measurement::reading_text(measurement::Quantity::level,
+                                       told.reading(measurement::Quantity::level)),
+             QString("58.3"));
+    QVERIFY(!told.reading(measurement::Quantity::ber).measured());
+    QCOMPARE(measurement::time_text(*told.instant), std::string("2026-11-21 10:00:01"));
     panel().locopt = {false, true};
     panel().fsat = "11778";
     f_->values["FREQ?"] = "11778";
@@ -114,7 +118,7 @@ void MeasureCycleTest::what_was_sent_and_answered_is_kept_beside_the_row() {
     QCOMPARE(*told.oscillator, 10600.0F);
     QVERIFY(told.unit == kDbmv);
     QCOMPARE(told.program.text(), QString("ASTRA 007"));
-    const Measurement kept = page().store().measurement(1);
+    const measurement::Measurement kept = page().store().measurement(1);
     QVERIFY(kept.oscillator == told.oscillator && kept.unit == kDbmv);
     QCOMPARE(kept.frequency, told.frequency);
     QVERIFY(kept.program == told.program);
@@ -126,9 +130,11 @@ void MeasureCycleTest::the_digital_level_is_kept_though_the_row_is_analog() {
     tick({kDcpLevel});
     measure_and_store();
     QCOMPARE(results(), QString("1000.0|10600|||||||"));
-    const Measurement kept = page().store().measurement(0);
-    QVERIFY(kept.mode == MeasureMode::digital);
-    QCOMPARE(reading_text(Quantity::level, kept.reading(Quantity::level)), QString("61.5"));
+    const measurement::Measurement kept = page().store().measurement(0);
+    QVERIFY(kept.mode == measurement::MeasureMode::digital);
+    QCOMPARE(measurement::reading_text(measurement::Quantity::level,
+                                       kept.reading(measurement::Quantity::level)),
+             QString("61.5"));
 }
 
 void MeasureCycleTest::the_limits_that_were_checked_are_kept() {
@@ -140,21 +146,21 @@ void MeasureCycleTest::the_limits_that_were_checked_are_kept() {
     panel().mer_mind = "13";
     panel().mer_maxd = "20";
     measure_and_store();
-    const Measurement kept = page().store().measurement(0);
-    const auto limits = [&kept](Quantity quantity) {
+    const measurement::Measurement kept = page().store().measurement(0);
+    const auto limits = [&kept](measurement::Quantity quantity) {
         return kept.limits[static_cast<std::size_t>(quantity)];
     };
-    QVERIFY(limits(Quantity::level) == Limits({30, 80}));
-    QVERIFY(limits(Quantity::mer) == Limits({13, 20}));
-    QVERIFY(!limits(Quantity::ber) && !limits(Quantity::cn));
-    QVERIFY(kept.verdict == Verdict::fail);  // 12.3 is below 13
-    const auto shown = [&kept](Quantity quantity) {
-        return reading_text(quantity, kept.reading(quantity));
+    QVERIFY(limits(measurement::Quantity::level) == measurement::Limits({30, 80}));
+    QVERIFY(limits(measurement::Quantity::mer) == measurement::Limits({13, 20}));
+    QVERIFY(!limits(measurement::Quantity::ber) && !limits(measurement::Quantity::cn));
+    QVERIFY(kept.verdict == measurement::Verdict::fail);  // 12.3 is below 13
+    const auto shown = [&kept](measurement::Quantity quantity) {
+        return measurement::reading_text(quantity, kept.reading(quantity));
     };
-    QCOMPARE(shown(Quantity::ber), QString("2.0E-4"));
-    QCOMPARE(shown(Quantity::pvber), QString("<1.0E-8"));
-    QCOMPARE(kept.reading(Quantity::cfo).value, 1.25F);
-    QCOMPARE(shown(Quantity::mer), QString("12.3"));
+    QCOMPARE(shown(measurement::Quantity::ber), QString("2.0E-4"));
+    QCOMPARE(shown(measurement::Quantity::pvber), QString("<1.0E-8"));
+    QCOMPARE(kept.reading(measurement::Quantity::cfo).value, 1.25F);
+    QCOMPARE(shown(measurement::Quantity::mer), QString("12.3"));
 }
 
 void MeasureCycleTest::complete_measures_are_kept() {
@@ -163,9 +169,13 @@ void MeasureCycleTest::complete_measures_are_kept() {
     f_->values["LEVCNA?"] = "CN 12.5";
     for (auto& ticked : panel().meas_statea) ticked = true;
     measure_and_store();
-    const Measurement kept = page().store().measurement(0);
-    QCOMPARE(reading_text(Quantity::cn, kept.reading(Quantity::cn)), QString("12.5"));
-    QCOMPARE(reading_text(Quantity::noise, kept.reading(Quantity::noise)), QString("58.3"));
+    const measurement::Measurement kept = page().store().measurement(0);
+    QCOMPARE(measurement::reading_text(measurement::Quantity::cn,
+                                       kept.reading(measurement::Quantity::cn)),
+             QString("12.5"));
+    QCOMPARE(measurement::reading_text(measurement::Quantity::noise,
+                                       kept.reading(measurement::Quantity::noise)),
+             QString("58.3"));
     QCOMPARE(*kept.frequency, 1000.0F);  // that of the level, not of the noise beside it
 }
 
@@ -301,4 +311,4 @@ void MeasureCycleTest::measures_that_run_to_their_end() {
     QCOMPARE(panel().meas_stated, (std::array{true, false, false, true, true, true, true, false}));
 }
 
-}  // namespace m47
+}  // namespace m47::realtime

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "measure_cycle_test.h"
 
-namespace m47 {
+namespace m47::realtime {
 
 void MeasureCycleTest::measure_and_store() {
     f_->rules.cycle.measure();
@@ -19,7 +19,7 @@ void MeasureCycleTest::tick(std::initializer_list<DigitalMeasure> measures) {
 
 QString MeasureCycleTest::row(int number) {
     QStringList cells;
-    for (int column = 0; column < PageStore::kColumns; ++column)
+    for (int column = 0; column < measurement::PageStore::kColumns; ++column)
         cells += page().index(number, column).data().toString();
     return cells.join(u'|');
 }
@@ -418,6 +418,6 @@ void MeasureCycleTest::error_rates_that_start_nothing() {
     QCOMPARE(results(), QString("1000.0|10600|||<1.0E-8|1.25|||"));
 }
 
-}  // namespace m47
+}  // namespace m47::realtime
 
-QTEST_GUILESS_MAIN(m47::MeasureCycleTest)
+QTEST_GUILESS_MAIN(m47::realtime::MeasureCycleTest)

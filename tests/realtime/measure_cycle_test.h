@@ -10,7 +10,7 @@
 #include "realtime_fixture.h"
 #include "row_time.h"
 
-namespace m47 {
+namespace m47::realtime {
 
 inline const QByteArray kQpskLines("CHBER : 2.0E-4\rPvBER : <1.0E-8\rCFO   : 1.25\rMER   : 12.3");
 inline const QString kEight(8, u' ');
@@ -78,7 +78,7 @@ class MeasureCycleTest : public QObject {
   private:
     RealtimePanel& panel() { return f_->panel(); }
     RealtimeState& state() { return f_->state(); }
-    PageModel& page() { return f_->rules.page; }
+    measurement::PageModel& page() { return f_->rules.page; }
 
     void measure_and_store();
     void show_digital();
@@ -92,4 +92,4 @@ class MeasureCycleTest : public QObject {
     std::unique_ptr<RealtimeFixture> f_;
 };
 
-}  // namespace m47
+}  // namespace m47::realtime

@@ -2,7 +2,7 @@
 // The analog steps.
 #include "measure_steps_test.h"
 
-namespace m47 {
+namespace m47::realtime {
 
 void MeasureStepsTest::analog_level_data() {
     QTest::addColumn<QByteArray>("reply");
@@ -93,4 +93,4 @@ void MeasureStepsTest::analog_noise() {
     QVERIFY((panel().alarm_light == std::array<LampColour, 6>{}));
 }
 
-}  // namespace m47
+}  // namespace m47::realtime

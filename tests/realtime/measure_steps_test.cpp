@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "measure_steps_test.h"
 
-namespace m47 {
+namespace m47::realtime {
 
 bool MeasureStepsTest::lamp_is(std::size_t lamp, LampColour colour) {
     return panel().alarm_light[lamp] == colour;
@@ -189,11 +189,11 @@ void MeasureStepsTest::digital_cn() {
     QCOMPARE(f_->commands(), (QStringList{"ATTEN 6", "MARKER 1 1", "LEVCND?"}));
     QCOMPARE(panel().noise_freqd, QString("5000"));
     QCOMPARE(panel().cndlev, shown);
-    const Reading kept = steps().outcome.reading(Quantity::cn);
+    const measurement::Reading kept = steps().outcome.reading(measurement::Quantity::cn);
     // What is no number is shown, and kept as not measured.
     QCOMPARE(kept.measured(), number != 0);
     if (kept.measured()) QCOMPARE(kept.value, static_cast<float>(number));
-    QCOMPARE(kept.mark == RangeMark::above, shown.startsWith(u'>'));
+    QCOMPARE(kept.mark == measurement::RangeMark::above, shown.startsWith(u'>'));
     QCOMPARE(f_->state().cn_value, number);
     QVERIFY(f_->state().cn_done);
     QVERIFY(lamp_is(1, green ? LampColour::green : LampColour::red));
@@ -390,6 +390,6 @@ void MeasureStepsTest::qpsk_range_marks() {
     QVERIFY(lamp_is(3, mer_green ? LampColour::green : LampColour::red));
 }
 
-}  // namespace m47
+}  // namespace m47::realtime
 
-QTEST_GUILESS_MAIN(m47::MeasureStepsTest)
+QTEST_GUILESS_MAIN(m47::realtime::MeasureStepsTest)

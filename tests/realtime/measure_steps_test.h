@@ -7,7 +7,7 @@
 
 #include "realtime_fixture.h"
 
-namespace m47 {
+namespace m47::realtime {
 
 /// The tick of the virtual clock's time of day, 10:00.
 constexpr double kTick = 1 / 256.0;
@@ -80,4 +80,4 @@ class MeasureStepsTest : public QObject {
     std::unique_ptr<RealtimeFixture> f_;
 };
 
-}  // namespace m47
+}  // namespace m47::realtime

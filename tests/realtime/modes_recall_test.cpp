@@ -2,7 +2,7 @@
 // A program of a plan is recalled.
 #include "modes_test.h"
 
-namespace m47 {
+namespace m47::realtime {
 
 void ModesTest::recall_of_an_analog_program() {
     // The oscillator choice is the program's already.
@@ -185,4 +185,4 @@ void ModesTest::program_that_is_not_monitored() {
     QVERIFY(!state().recall_in_progress);
 }
 
-}  // namespace m47
+}  // namespace m47::realtime

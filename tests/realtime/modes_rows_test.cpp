@@ -2,7 +2,7 @@
 // The rows that a recall finds, and how it ends.
 #include "modes_test.h"
 
-namespace m47 {
+namespace m47::realtime {
 
 void ModesTest::empty_fields() {
     QMap<QString, QVariant> empty = whole_program();
@@ -184,4 +184,4 @@ void ModesTest::recall_ended_by_the_user() {
     QVERIFY(!state().recall_in_progress);
 }
 
-}  // namespace m47
+}  // namespace m47::realtime

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "modes_test.h"
 
-namespace m47 {
+namespace m47::realtime {
 
 void ModesTest::change_program(const QMap<QString, QVariant>& fields) {
     f_->database().programmi().move_first();
@@ -360,6 +360,6 @@ void ModesTest::unit_menu_during_a_recall() {
     QCOMPARE(f_->program.unit_index, 2);
 }
 
-}  // namespace m47
+}  // namespace m47::realtime
 
-QTEST_GUILESS_MAIN(m47::ModesTest)
+QTEST_GUILESS_MAIN(m47::realtime::ModesTest)

@@ -8,7 +8,7 @@
 #include "answer_before.h"
 #include "realtime_fixture.h"
 
-namespace m47 {
+namespace m47::realtime {
 
 inline const QStringList kLoadCommands{"MEASURE", "ATTEN 6",   "TONE22K 00", "SYMBRATEQPSK?",
                                        "UNIT?",   "LOCOSC 00", "FREQ 1000"};
@@ -110,4 +110,4 @@ class ModesTest : public QObject {
     std::unique_ptr<RealtimeFixture> f_;
 };
 
-}  // namespace m47
+}  // namespace m47::realtime

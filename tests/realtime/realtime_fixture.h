@@ -15,7 +15,7 @@
 #include "realtime_rules.h"
 #include "virtual_clock.h"
 
-namespace m47 {
+namespace m47::realtime {
 
 /// A fake port that also tells how long the program paused between one command and the next: every
 /// command opens the port at its start and closes it at its end.
@@ -65,7 +65,7 @@ class RealtimeFixture {
     VirtualClock clock;
     TimedPort port{clock};
     FakeLinkView view;
-    Link link{port, clock, view};
+    link::Link link{port, clock, view};
     ProgramState program;
 
     /// The value that the meter answers to a query; a query without one ends the test program.
@@ -77,14 +77,14 @@ class RealtimeFixture {
 
   private:
     QTemporaryDir folder_;
-    std::unique_ptr<Database> database_;
+    std::unique_ptr<db::Database> database_;
 
   public:
     RealtimeRules rules;
 
     RealtimePanel& panel() { return rules.panel; }
     RealtimeState& state() { return rules.state; }
-    Database& database() { return *database_; }
+    db::Database& database() { return *database_; }
     QString path(const QString& name) const { return folder_.filePath(name); }
 
     QStringList commands() { return port.take_commands(); }
@@ -100,29 +100,29 @@ class RealtimeFixture {
     void refuse(const QByteArray& command) { raw[command] = command + "\rCOMMAND ERROR\r"; }
 
     /// Appends a row with the given fields.
-    static void add_row(Recordset& set, const QMap<QString, QVariant>& fields) {
+    static void add_row(db::Recordset& set, const QMap<QString, QVariant>& fields) {
         set.add_new();
         write(set, fields);
     }
 
     /// Changes fields of the current row; a null QVariant empties one.
-    static void change_row(Recordset& set, const QMap<QString, QVariant>& fields) {
+    static void change_row(db::Recordset& set, const QMap<QString, QVariant>& fields) {
         set.edit();
         write(set, fields);
     }
 
   private:
-    static void write(Recordset& set, const QMap<QString, QVariant>& fields) {
+    static void write(db::Recordset& set, const QMap<QString, QVariant>& fields) {
         for (auto field = fields.begin(); field != fields.end(); ++field)
             set.set(field.key(), field.value());
         set.update();
     }
 
-    static std::unique_ptr<Database> make_database(const QTemporaryDir& folder) {
-        const QString file = folder.filePath(QString::fromLatin1(kDatabaseFile));
-        DatabaseError error{};
-        std::unique_ptr<Database> database;
-        if (Database::create(file, error)) database = Database::open(file, error);
+    static std::unique_ptr<db::Database> make_database(const QTemporaryDir& folder) {
+        const QString file = folder.filePath(QString::fromLatin1(db::kDatabaseFile));
+        db::DatabaseError error{};
+        std::unique_ptr<db::Database> database;
+        if (db::Database::create(file, error)) database = db::Database::open(file, error);
         if (!database) qFatal("no database: %s", qPrintable(error.detail));
         return database;
     }
@@ -149,4 +149,4 @@ bool faults(Body body) {
     return false;
 }
 
-}  // namespace m47
+}  // namespace m47::realtime

@@ -4,7 +4,7 @@
 
 #include "realtime_fixture.h"
 
-namespace m47 {
+namespace m47::realtime {
 namespace {
 
 /// What becomes of one byte on its way.
@@ -162,7 +162,7 @@ QList<Spoiling> SpoiltByteTest::spoilings(char byte) const {
 
 void SpoiltByteTest::judge(Count& count) {
     ++count.faults;
-    const PageModel& page = f_->rules.page;
+    const measurement::PageModel& page = f_->rules.page;
     if (!f_->link.port_connected) {
         QCOMPARE(page.measurements(), 0);
         ++count.lost;
@@ -353,7 +353,7 @@ void SpoiltByteTest::two_answers_must_agree() {
     if (!level.isEmpty()) QCOMPARE(f_->rules.page.cells(0)[4], level);
 }
 
-}  // namespace m47
+}  // namespace m47::realtime
 
-QTEST_GUILESS_MAIN(m47::SpoiltByteTest)
+QTEST_GUILESS_MAIN(m47::realtime::SpoiltByteTest)
 #include "spoilt_byte_test.moc"

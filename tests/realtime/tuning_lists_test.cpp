@@ -2,7 +2,7 @@
 // The lists, the symbol rate and the bandwidth.
 #include "tuning_test.h"
 
-namespace m47 {
+namespace m47::realtime {
 
 void TuningTest::lnb_data() {
     QTest::addColumn<int>("index");
@@ -180,4 +180,4 @@ void TuningTest::bandwidth() {
     QCOMPARE(f_->commands(), QStringList{QString("CHBW ") + shown});
 }
 
-}  // namespace m47
+}  // namespace m47::realtime

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tuning_test.h"
 
-namespace m47 {
+namespace m47::realtime {
 
 void TuningTest::frequency_data() {
     QTest::addColumn<bool>("direct");
@@ -316,6 +316,6 @@ void TuningTest::noise_boxes_start_from_the_present_frequency() {
     QCOMPARE(panel().noise_freqd, QString("11000"));
 }
 
-}  // namespace m47
+}  // namespace m47::realtime
 
-QTEST_GUILESS_MAIN(m47::TuningTest)
+QTEST_GUILESS_MAIN(m47::realtime::TuningTest)

@@ -8,7 +8,7 @@
 #include "answer_before.h"
 #include "realtime_fixture.h"
 
-namespace m47 {
+namespace m47::realtime {
 
 /// What the tuning controls send and show when the user confirms a value.
 class TuningTest : public QObject {
@@ -66,4 +66,4 @@ class TuningTest : public QObject {
     std::unique_ptr<RealtimeFixture> f_;
 };
 
-}  // namespace m47
+}  // namespace m47::realtime

@@ -9,15 +9,17 @@
 #include "report_summary.h"
 #include "trend_data.h"
 
-namespace m47 {
+namespace m47::report {
 
 class ReportTest : public QObject {
     Q_OBJECT
 
   private:
-    static void add(PageStore& page, const char* line) { QVERIFY(page.append_line(line)); }
-    static PageStore three_rows() {
-        PageStore page;
+    static void add(measurement::PageStore& page, const char* line) {
+        QVERIFY(page.append_line(line));
+    }
+    static measurement::PageStore three_rows() {
+        measurement::PageStore page;
         add(page, "21/11/26\t10:00:00\t950.0\t10600\t58.3\t\t\t\t\t\tPASS");
         add(page, "21/11/26\t10:00:10\t11778.0\t10600\t>61.0\t2.0E-4\t<1.0E-8\t0.1\t14.2\t\tFAIL");
         add(page, "21/11/26\t10:00:20\t950.0\t10600\t59.1\t\t\t\t\t\t");
@@ -58,9 +60,9 @@ class ReportTest : public QObject {
     }
 
     void the_plans_are_those_of_the_rows_each_once() {
-        PageStore page;
+        measurement::PageStore page;
         for (const char* plan : {"ROOF", "ATTIC", "ROOF", ""}) {
-            Measurement measured;
+            measurement::Measurement measured;
             measured.program = {QString::fromLatin1(plan), QStringLiteral("001")};
             measured.frequency = 1000.0F;
             page.append({"21/11/26", "10:00:00", "1000.0"}, measured);
@@ -108,7 +110,8 @@ class ReportTest : public QObject {
 
     void an_empty_page_and_an_unknown_meter_are_said() {
         ReportContext unknown;
-        const CustomerReport report = compose_report(PageStore(), unknown, texts(kEnglish));
+        const CustomerReport report =
+            compose_report(measurement::PageStore(), unknown, texts(kEnglish));
         QCOMPARE(fact(report, "Meter"), QStringLiteral("not connected"));
         QCOMPARE(fact(report, "Plan"), QStringLiteral("none (single elements)"));
         QCOMPARE(fact(report, "Site"), QStringLiteral("—"));
@@ -130,7 +133,7 @@ class ReportTest : public QObject {
     }
 
     void a_result_without_any_alarm_is_no_pass() {
-        PageStore page;
+        measurement::PageStore page;
         add(page, "21/11/26\t10:00:00\t950.0\t10600\t58.3\t\t\t\t\t\t");
         QCOMPARE(fact(compose_report(page, context(), texts(kEnglish)), "Result"),
                  QStringLiteral("1 measurements: 0 PASS, 0 FAIL, 1 without limits"));
@@ -140,7 +143,7 @@ class ReportTest : public QObject {
     }
 
     void a_page_of_many_rows_prints_the_newest_and_says_so() {
-        PageStore page;
+        measurement::PageStore page;
         for (int row = 0; row < kReportRows; ++row)
             add(page, "21/11/26\t10:00:00\t950.0\t10600\t1.0\t\t\t\t\t\tPASS");
         QCOMPARE(compose_report(page, context(), texts(kEnglish)).measurements.remark,
@@ -157,7 +160,7 @@ class ReportTest : public QObject {
     }
 
     void many_programs_are_cut_off_in_words() {
-        PageStore page;
+        measurement::PageStore page;
         for (int k = 0; k < kReportPrograms + 5; ++k)
             QVERIFY(page.append_line(
                 QStringLiteral("21/11/26\t10:00:00\t%1\t10600\t1.0").arg(1000 + k).toStdString()));
@@ -168,9 +171,9 @@ class ReportTest : public QObject {
     }
 
     void programs_of_one_frequency_are_told_apart_by_their_number() {
-        RealtimeFixture fixture;
+        realtime::RealtimeFixture fixture;
         fixture.values["LEVANL?"] = "L 58.3";
-        Recordset programs = fixture.database().of_plan("programmi", "PLAN 1");
+        db::Recordset programs = fixture.database().of_plan("programmi", "PLAN 1");
         fixture.change_row(programs, {{"pg_num", "001"},
                                       {"frequenza", "1200"},
                                       {"loc_osc", true},
@@ -182,19 +185,19 @@ class ReportTest : public QObject {
                                    {"loc_osc", true},
                                    {"lnb_volt", 2},
                                    {"monitor_state", 1}});
-        fixture.panel().meas_statea[kLevel] = true;
-        RealtimeRules& rules = fixture.rules;
+        fixture.panel().meas_statea[realtime::kLevel] = true;
+        realtime::RealtimeRules& rules = fixture.rules;
         QVERIFY(rules.plans.choose_plan("PLAN 1"));
-        PlanPass pass(rules, {});
+        acquisition::PlanPass pass(rules, {});
         for (int number = 0; number < 3; ++number)
             for (pass.begin(); pass.running();) pass.step();
         QCOMPARE(rules.page.measurements(), 6);
-        TrendData trend;
+        trend::TrendData trend;
         trend.update(rules.page.store());
         QCOMPARE(trend.series().size(), std::size_t(2));
         for (const auto& series : trend.series()) {
             QCOMPARE(series->points().size(), std::size_t(3));
-            for (const TrendPoint& point : series->points()) QVERIFY(!point.apart);
+            for (const trend::TrendPoint& point : series->points()) QVERIFY(!point.apart);
         }
         QVERIFY(trend.series()[0]->name() != trend.series()[1]->name());
         const ReportTable summary =
@@ -205,10 +208,10 @@ class ReportTest : public QObject {
     }
 
     void levels_of_two_units_are_kept_apart() {
-        RealtimeFixture fixture;
+        realtime::RealtimeFixture fixture;
         fixture.values["LEVANL?"] = "L 58.3";
-        fixture.panel().meas_statea[kLevel] = true;
-        RealtimeRules& rules = fixture.rules;
+        fixture.panel().meas_statea[realtime::kLevel] = true;
+        realtime::RealtimeRules& rules = fixture.rules;
         const auto measure = [&fixture](int unit) {
             fixture.rules.modes.cmdlev_Click(unit);
             fixture.rules.measure_once();
@@ -227,45 +230,50 @@ class ReportTest : public QObject {
         QCOMPARE(report.measurements.rows[1].last(), QStringLiteral("dBm"));
         QCOMPARE(fact(report, "Level unit"),
                  QStringLiteral("dBuV, dBm: each row in its own, none is converted"));
-        TrendData trend;
+        trend::TrendData trend;
         trend.update(rules.page.store());
         QCOMPARE(trend.series().size(), std::size_t(2));
     }
 
     void limits_are_those_of_the_ticked_alarms() {
-        RealtimePanel panel;
-        RealtimeState state;
+        realtime::RealtimePanel panel;
+        realtime::RealtimeState state;
         panel.lev_mina = QStringLiteral("40");
         panel.lev_maxa = QStringLiteral("80");
         panel.lev_mind = QStringLiteral("45");
         panel.lev_maxd = QStringLiteral("75");
-        for (const Quantity quantity : kQuantities) QVERIFY(!trend_limits(quantity, panel, state));
+        for (const measurement::Quantity quantity : measurement::kQuantities)
+            QVERIFY(!realtime::trend_limits(quantity, panel, state));
         panel.alarm_statea[0] = panel.alarm_stated[0] = panel.alarm_stated[2] = true;
-        QCOMPARE(trend_limits(Quantity::level, panel, state)->lower, 40.0);
-        state.meas_mode = kDigitalMode;
-        QCOMPARE(trend_limits(Quantity::level, panel, state)->lower, 45.0);
-        QCOMPARE(trend_limits(Quantity::level, panel, state)->upper, 75.0);
-        QCOMPARE(trend_limits(Quantity::ber, panel, state)->lower, 1e-8);
-        QCOMPARE(trend_limits(Quantity::ber, panel, state)->upper, 3e-2);
-        QVERIFY(!trend_limits(Quantity::mer, panel, state));
+        QCOMPARE(realtime::trend_limits(measurement::Quantity::level, panel, state)->lower, 40.0);
+        state.meas_mode = realtime::kDigitalMode;
+        QCOMPARE(realtime::trend_limits(measurement::Quantity::level, panel, state)->lower, 45.0);
+        QCOMPARE(realtime::trend_limits(measurement::Quantity::level, panel, state)->upper, 75.0);
+        QCOMPARE(realtime::trend_limits(measurement::Quantity::ber, panel, state)->lower, 1e-8);
+        QCOMPARE(realtime::trend_limits(measurement::Quantity::ber, panel, state)->upper, 3e-2);
+        QVERIFY(!realtime::trend_limits(measurement::Quantity::mer, panel, state));
     }
 
     void an_empty_limit_is_no_band_where_it_checks_nothing() {
-        RealtimePanel panel;
-        const RealtimeState state;
+        realtime::RealtimePanel panel;
+        const realtime::RealtimeState state;
         panel.alarm_statea[0] = true;
         for (const char* minimum : {"", "40"}) {
             panel.lev_mina = QString::fromLatin1(minimum);
-            QVERIFY(trend_limits(Quantity::level, panel, state));
-            QVERIFY(!trend_limits(Quantity::level, panel, state, EmptyLimits::none));
+            QVERIFY(realtime::trend_limits(measurement::Quantity::level, panel, state));
+            QVERIFY(!realtime::trend_limits(measurement::Quantity::level, panel, state,
+                                            realtime::EmptyLimits::none));
         }
         panel.lev_maxa = QStringLiteral("80");
-        QCOMPARE(trend_limits(Quantity::level, panel, state, EmptyLimits::none)->upper, 80.0);
+        QCOMPARE(realtime::trend_limits(measurement::Quantity::level, panel, state,
+                                        realtime::EmptyLimits::none)
+                     ->upper,
+                 80.0);
     }
 
     void the_limits_of_the_screen_are_those_of_the_presentation() {
-        RealtimePanel panel;
-        RealtimeState state;
+        realtime::RealtimePanel panel;
+        realtime::RealtimeState state;
         panel.fsat = "1200.0";
         panel.alarm_statea = {true, false};
         panel.lev_mina = "45";
@@ -273,40 +281,42 @@ class ReportTest : public QObject {
         panel.alarm_stated = {false, false, true, true};
         panel.mer_mind = "12";
         panel.mer_maxd = "30";
-        ReportLimits limits = limits_of_panel(panel, state);
+        ReportLimits limits = realtime::limits_of_panel(panel, state);
         QCOMPARE(limits.frequency, QStringLiteral("1200.0"));
         QCOMPARE(limits.level, QStringLiteral("45 … 0"));
         QVERIFY(limits.cn.isEmpty() && limits.ber.isEmpty() && limits.mer.isEmpty());
-        state.meas_mode = kDigitalMode;
-        limits = limits_of_panel(panel, state);
+        state.meas_mode = realtime::kDigitalMode;
+        limits = realtime::limits_of_panel(panel, state);
         QVERIFY(limits.level.isEmpty());
         QCOMPARE(limits.ber, QStringLiteral("1E-8 … 3E-2"));
         QCOMPARE(limits.mer, QStringLiteral("12 … 30"));
     }
 
     void an_empty_limit_is_none_where_it_checks_nothing() {
-        RealtimePanel panel;
-        const RealtimeState state;
+        realtime::RealtimePanel panel;
+        const realtime::RealtimeState state;
         panel.alarm_statea = {true, true};
         panel.lev_mina = "45";
-        QCOMPARE(limits_of_panel(panel, state).cn, QStringLiteral("0 … 0"));
-        const ReportLimits limits = limits_of_panel(panel, state, EmptyLimits::none);
+        QCOMPARE(realtime::limits_of_panel(panel, state).cn, QStringLiteral("0 … 0"));
+        const ReportLimits limits =
+            realtime::limits_of_panel(panel, state, realtime::EmptyLimits::none);
         QCOMPARE(limits.level, QStringLiteral("45 … –"));
         QVERIFY(limits.cn.isEmpty());
-        RealtimeFixture fixture;
+        realtime::RealtimeFixture fixture;
         fixture.panel().alarm_statea = {true, true};
-        Recordset programs = fixture.database().of_plan("programmi", "PLAN 1");
+        db::Recordset programs = fixture.database().of_plan("programmi", "PLAN 1");
         fixture.change_row(programs, {{"monitor_state", 1}, {"sat_ad", 0}, {"lev_max", "80"}});
         const ReportLimits of_plan =
-            limits_of_plan(programs, fixture.panel(), EmptyLimits::none).value(0);
+            realtime::limits_of_plan(programs, fixture.panel(), realtime::EmptyLimits::none)
+                .value(0);
         QCOMPARE(of_plan.level, QStringLiteral("– … 80"));
         QVERIFY(of_plan.cn.isEmpty());
     }
 
     void the_limits_of_a_plan_are_those_of_its_monitored_programs() {
-        RealtimeFixture fixture;
+        realtime::RealtimeFixture fixture;
         fixture.panel().alarm_stated = {true, false, false, true};
-        Recordset programs = fixture.database().of_plan("programmi", "PLAN 1");
+        db::Recordset programs = fixture.database().of_plan("programmi", "PLAN 1");
         fixture.change_row(programs, {{"pg_num", "1"}, {"monitor_state", 0}});
         fixture.add_row(programs, {{"nome", "PLAN 1"},
                                    {"pg_num", "2"},
@@ -323,7 +333,7 @@ class ReportTest : public QObject {
                                    {"monitor_state", 1},
                                    {"sat_ad", 0},
                                    {"lev_min", "50"}});
-        const QList<ReportLimits> limits = limits_of_plan(programs, fixture.panel());
+        const QList<ReportLimits> limits = realtime::limits_of_plan(programs, fixture.panel());
         QCOMPARE(limits.size(), 2);
         QCOMPARE(limits[0].program, QStringLiteral("2"));
         QCOMPARE(limits[0].frequency, QStringLiteral("11778"));
@@ -335,7 +345,7 @@ class ReportTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::report
 
-QTEST_MAIN(m47::ReportTest)
+QTEST_MAIN(m47::report::ReportTest)
 #include "report_test.moc"

@@ -16,7 +16,7 @@
 #include "fake_port.h"
 #include "virtual_clock.h"
 
-namespace m47 {
+namespace m47::settings {
 
 class ConfigSetTest : public QObject {
     Q_OBJECT
@@ -25,7 +25,7 @@ class ConfigSetTest : public QObject {
     VirtualClock clock_;
     FakePort port_{clock_};
     FakeLinkView view_;
-    Link link_{port_, clock_, view_};
+    link::Link link_{port_, clock_, view_};
     Texts texts_;
     QByteArray stored_;
     std::unique_ptr<ConfigSet> screen_;
@@ -179,7 +179,7 @@ class ConfigSetTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::settings
 
-QTEST_MAIN(m47::ConfigSetTest)
+QTEST_MAIN(m47::settings::ConfigSetTest)
 #include "config_set_test.moc"

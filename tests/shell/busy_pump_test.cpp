@@ -20,7 +20,7 @@
 #include "busy_input.h"
 #include "busy_pump.h"
 
-namespace m47 {
+namespace m47::shell {
 namespace {
 
 class PaintCounter : public QWidget {
@@ -358,7 +358,7 @@ class BusyPumpTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::shell
 
-QTEST_MAIN(m47::BusyPumpTest)
+QTEST_MAIN(m47::shell::BusyPumpTest)
 #include "busy_pump_test.moc"

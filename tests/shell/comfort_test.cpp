@@ -15,15 +15,15 @@
 #include "screen_table.h"
 #include "virtual_clock.h"
 
-namespace m47 {
+namespace m47::shell {
 
 class ComfortTest : public QObject, protected ProgramInFolder {
     Q_OBJECT
 
   private:
-    Realtime* realtime() {
+    realtime::Realtime* realtime() {
         window().findChild<QAction*>("realtime")->trigger();
-        return qobject_cast<Realtime*>(window().screen_of("realtime"));
+        return qobject_cast<realtime::Realtime*>(window().screen_of("realtime"));
     }
     static QString title(const QWidget* control) {
         return QStringLiteral("%1 %2 in %3")
@@ -79,7 +79,7 @@ class ComfortTest : public QObject, protected ProgramInFolder {
             if (command == "LEVANL?") return FakePort::good(command, "L 58.3");
             return FakePort::good(command, command.endsWith('?') ? "0" : "");
         };
-        PortList ports;
+        link::PortList ports;
         QVERIFY(ports.add("1=/dev/no-such-meter"));
         start_program({1300, 900}, ports, std::move(clock), std::move(line));
         program().identify(1);
@@ -128,7 +128,7 @@ class ComfortTest : public QObject, protected ProgramInFolder {
     }
 
     void a_name_is_in_the_language_of_its_screen() {
-        Realtime* screen = realtime();
+        realtime::Realtime* screen = realtime();
         QCOMPARE(spoken_name(screen->findChild<QWidget*>("fsat")),
                  QStringLiteral("Selezione frequenza"));
         auto* bar = screen->findChild<QToolBar*>("barracomandi");
@@ -146,7 +146,7 @@ class ComfortTest : public QObject, protected ProgramInFolder {
     }
 
     void a_toolbar_key_works_by_the_space_bar() {
-        Realtime* screen = realtime();
+        realtime::Realtime* screen = realtime();
         auto* bar = screen->findChild<QToolBar*>("barracomandi");
         QWidget* key = bar->widgetForAction(screen->findChild<QAction*>("group"));
         key->setFocus(Qt::TabFocusReason);
@@ -158,18 +158,19 @@ class ComfortTest : public QObject, protected ProgramInFolder {
         program().link().port_connected = true;
         program().link().commands_suspended = true;
         window().findChild<QAction*>("cmdinglese")->trigger();
-        Realtime* screen = realtime();
-        auto* view = screen->findChild<LevelView*>("level_view");
+        realtime::Realtime* screen = realtime();
+        auto* view = screen->findChild<level::LevelView*>("level_view");
         QVERIFY(view && !view->isVisible());
         screen->findChild<QAction*>("cmdlevelview")->trigger();
         QVERIFY(view->isVisible() && view->isFullScreen());
         QVERIFY(spoken_name(view).contains("No measurement yet"));
         const QStringList row{"21/11/26", "10:00:00", "1200.0", "10600", "58.3", "",
                               "",         "",         "",       "",      "PASS"};
-        Measurement measured;
-        measured.reading(Quantity::level) = reading_of(Quantity::level, row[4]);
+        measurement::Measurement measured;
+        measured.reading(measurement::Quantity::level) =
+            measurement::reading_of(measurement::Quantity::level, row[4]);
         measured.unit = kDbuv;
-        measured.verdict = Verdict::pass;
+        measured.verdict = measurement::Verdict::pass;
         screen->rules.page.append(row, measured);
         QCOMPARE(spoken_name(view), QStringLiteral("58.3 dBuV PASS Measured 0 s ago"));
         const auto has_colour = [view](QColor colour) {
@@ -196,10 +197,10 @@ class ComfortTest : public QObject, protected ProgramInFolder {
 
     void the_large_level_names_the_unit_that_the_meter_was_asked_in() {
         start_on_virtual_line();
-        Realtime* screen = realtime();
-        auto* view = screen->findChild<LevelView*>("level_view");
+        realtime::Realtime* screen = realtime();
+        auto* view = screen->findChild<level::LevelView*>("level_view");
         screen->findChild<QAction*>("cmdlevelview")->trigger();
-        screen->rules.panel.meas_statea[kLevel] = true;
+        screen->rules.panel.meas_statea[realtime::kLevel] = true;
         screen->toolbar_ButtonClick("single_acq");
         QVERIFY2(spoken_name(view).startsWith("58.3 dBuV"), qPrintable(spoken_name(view)));
         // The plan screen's choice is for the next upload: the meter is told nothing by it.
@@ -214,9 +215,9 @@ class ComfortTest : public QObject, protected ProgramInFolder {
     }
 
     void without_a_sound_device_it_says_so_once() {
-        if (TonePlayer().open()) QSKIP("this machine has a sound device");
-        Realtime* screen = realtime();
-        auto* view = screen->findChild<LevelView*>("level_view");
+        if (level::TonePlayer().open()) QSKIP("this machine has a sound device");
+        realtime::Realtime* screen = realtime();
+        auto* view = screen->findChild<level::LevelView*>("level_view");
         screen->findChild<QAction*>("cmdlevelview")->trigger();
         QTest::keyClick(view, Qt::Key_T);
         QVERIFY(view->isVisible());
@@ -228,20 +229,20 @@ class ComfortTest : public QObject, protected ProgramInFolder {
     }
 
     void the_part_for_sound_is_loaded_from_beside_the_program() {
-        TonePlayer player;
+        level::TonePlayer player;
         player.open();
         QCOMPARE(player.fault(), QString());
     }
 
     void a_part_for_sound_that_is_missing_is_told_as_that() {
         const QTemporaryDir empty;
-        TonePlayer player(QStringList{empty.path()});
+        level::TonePlayer player(QStringList{empty.path()});
         QVERIFY(!player.open());
         QVERIFY2(player.fault().contains("libm47-sound"), qPrintable(player.fault()));
     }
 };
 
-}  // namespace m47
+}  // namespace m47::shell
 
-QTEST_MAIN(m47::ComfortTest)
+QTEST_MAIN(m47::shell::ComfortTest)
 #include "comfort_test.moc"

@@ -11,7 +11,7 @@
 #include "busy_input.h"
 #include "busy_pump.h"
 
-namespace m47 {
+namespace m47::shell {
 namespace {
 
 void xdotool(const QStringList& arguments) {
@@ -89,7 +89,7 @@ class DesktopInputTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::shell
 
 /// Starts an X server, which is gone with the test.
 int main(int argc, char** argv) {
@@ -104,7 +104,7 @@ int main(int argc, char** argv) {
     int status = 0;
     {
         const QApplication application(argc, argv);
-        m47::DesktopInputTest test;
+        m47::shell::DesktopInputTest test;
         status = QTest::qExec(&test, argc, argv);
     }
     server.kill();

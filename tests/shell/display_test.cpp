@@ -13,7 +13,7 @@
 #include "application.h"
 #include "display.h"
 
-namespace m47 {
+namespace m47::shell {
 
 namespace {
 
@@ -97,7 +97,7 @@ class DisplayTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::shell
 
-QTEST_APPLESS_MAIN(m47::DisplayTest)
+QTEST_APPLESS_MAIN(m47::shell::DisplayTest)
 #include "display_test.moc"

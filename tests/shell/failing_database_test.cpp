@@ -21,7 +21,7 @@
 #include "unattended.h"
 #include "virtual_clock.h"
 
-namespace m47 {
+namespace m47::shell {
 namespace {
 
 const QString kPlanMeasured = QStringLiteral("PLAN 1");
@@ -85,7 +85,7 @@ class FailingDatabaseTest : public QObject, protected ProgramInFolder {
     std::unique_ptr<MeterInProcess> meter_;
     QStringList told_;
 
-    void add_row(Recordset& set, const QMap<QString, QVariant>& fields) {
+    void add_row(db::Recordset& set, const QMap<QString, QVariant>& fields) {
         set.add_new();
         for (auto field = fields.begin(); field != fields.end(); ++field)
             set.set(field.key(), field.value());
@@ -152,21 +152,22 @@ class FailingDatabaseTest : public QObject, protected ProgramInFolder {
         return {status, rows.lines().filter(QStringLiteral("\t")), told.lines()};
     }
 
-    Realtime* open_realtime() {
+    realtime::Realtime* open_realtime() {
         find<QAction>("realtime")->trigger();
-        auto* screen = qobject_cast<Realtime*>(window().screen_of("realtime"));
-        connect(screen, &Realtime::cut_short, this, [this](const QString& text) { told_ += text; });
+        auto* screen = qobject_cast<realtime::Realtime*>(window().screen_of("realtime"));
+        connect(screen, &realtime::Realtime::cut_short, this,
+                [this](const QString& text) { told_ += text; });
         return screen;
     }
-    static void tick(Realtime& screen, int seconds) {
-        Acquisition& walk = screen.acquisition;
+    static void tick(realtime::Realtime& screen, int seconds) {
+        acquisition::Acquisition& walk = screen.acquisition;
         // The screen's own timers stand still in a test that does not wait.
         for (; seconds > 0; --seconds) {
             if (walk.timed()) run_handler(&screen, "Timer1_Timer", [&] { walk.Timer1_Timer(); });
             if (walk.passing()) run_handler(&screen, "Timer2_Timer", [&] { walk.Timer2_Timer(); });
         }
     }
-    static QStringList measured(const Realtime& screen) {
+    static QStringList measured(const realtime::Realtime& screen) {
         QStringList all;
         for (int row = 0; row < screen.rules.page.measurements(); ++row)
             all += screen.rules.page.cells(row).join(u'\t');
@@ -179,7 +180,7 @@ class FailingDatabaseTest : public QObject, protected ProgramInFolder {
         auto clock = std::make_unique<VirtualClock>();
         auto line = std::make_unique<FakePort>(*clock);
         meter_ = std::make_unique<MeterInProcess>(*line, 1);
-        PortList ports;
+        link::PortList ports;
         QVERIFY(ports.add("1=/dev/no-such-meter"));
         start_program({1024, 600}, ports, std::move(clock), std::move(line));
         program_state().texts.language = kEnglish;
@@ -191,7 +192,7 @@ class FailingDatabaseTest : public QObject, protected ProgramInFolder {
     }
 
     void cleanup() {
-        set_statement_fault({});
+        db::set_statement_fault({});
         meter_.reset();
         end_program();
     }
@@ -200,8 +201,8 @@ class FailingDatabaseTest : public QObject, protected ProgramInFolder {
         constexpr int kFull = 13;
         fail_each_statement([&](int nth, int code) {
             const FailingStatement failing(nth, code);
-            DatabaseError error{};
-            const auto database = Database::open(in_folder(kDatabaseFile), error);
+            db::DatabaseError error{};
+            const auto database = db::Database::open(in_folder(db::kDatabaseFile), error);
             const bool failed = failing.calls() >= nth;
             // A full disk stands in the way of storing alone.
             if ((!database != failed && code != kFull) || (!database && error.path.isEmpty()))
@@ -259,8 +260,8 @@ class FailingDatabaseTest : public QObject, protected ProgramInFolder {
     }
 
     void a_timed_run() {
-        Realtime& screen = *open_realtime();
-        screen.rules.panel.meas_statea[kLevel] = true;
+        realtime::Realtime& screen = *open_realtime();
+        screen.rules.panel.meas_statea[realtime::kLevel] = true;
         fail_each_statement([&](int nth, int code) {
             screen.rules.page.clear();
             screen.toolbar_ButtonClick("group");
@@ -291,9 +292,9 @@ class FailingDatabaseTest : public QObject, protected ProgramInFolder {
     }
 
     void a_firing_that_cannot_begin() {
-        Realtime& screen = *open_realtime();
+        realtime::Realtime& screen = *open_realtime();
         screen.toolbar_ButtonClick("group");
-        Acquisition& walk = screen.acquisition;
+        acquisition::Acquisition& walk = screen.acquisition;
         fail_each_statement([&](int nth, int code) {
             screen.toolbar_ButtonClick("start");
             walk.time_delay_Click();
@@ -302,7 +303,7 @@ class FailingDatabaseTest : public QObject, protected ProgramInFolder {
             const FailingStatement failing(nth, code);
             walk.Timer1_Timer();
             const bool failed = failing.calls() >= nth;
-            const bool green = screen.rules.panel.time_state == LampColour::green;
+            const bool green = screen.rules.panel.time_state == realtime::LampColour::green;
             if (green == failed || told_.size() != (failed ? 1 : 0))
                 QTest::qFail(qPrintable(QString::number(nth)), __FILE__, __LINE__);
             const int calls = failing.calls();
@@ -313,7 +314,7 @@ class FailingDatabaseTest : public QObject, protected ProgramInFolder {
 
     void keys_of_the_realtime_screen() {
         add_other_plan();
-        Realtime& screen = *open_realtime();
+        realtime::Realtime& screen = *open_realtime();
         screen.toolbar_ButtonClick("group");
         for (const char* key :
              {"group", "next", "previous", "next_prog", "previous_prog", "multiple_acq", "stop"}) {
@@ -357,7 +358,7 @@ class FailingDatabaseTest : public QObject, protected ProgramInFolder {
             QCOMPARE(told_.size(), 1);
             QVERIFY2(told_[0].startsWith(
                          QStringLiteral("Il database '%1' è usato da un altro programma. ")
-                             .arg(in_folder(kDatabaseFile))),
+                             .arg(in_folder(db::kDatabaseFile))),
                      qPrintable(key + QStringLiteral(": ") + told_[0]));
         }
     }
@@ -396,7 +397,7 @@ class FailingDatabaseTest : public QObject, protected ProgramInFolder {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::shell
 
-QTEST_MAIN(m47::FailingDatabaseTest)
+QTEST_MAIN(m47::shell::FailingDatabaseTest)
 #include "failing_database_test.moc"

@@ -11,7 +11,7 @@
 #include "file_options.h"
 #include "screen_table.h"
 
-namespace m47 {
+namespace m47::shell {
 
 /// The command line as it is read, without anything being done.
 class OptionsTest : public QObject {
@@ -320,7 +320,7 @@ void OptionsTest::no_file_of_an_option_is_written_over() {
     put("rows.log");
     QVERIFY(QFile::link(here.filePath("VKDM47_03.mdb"), here.filePath("link.png")));
     QVERIFY(QFile::link(folder.path(), here.filePath("here")));
-    QCOMPARE(link(qPrintable(here.filePath("VKDM47_03.mdb")), qPrintable(here.filePath("twin"))),
+    QCOMPARE(::link(qPrintable(here.filePath("VKDM47_03.mdb")), qPrintable(here.filePath("twin"))),
              0);
     // They name no file yet.
     QVERIFY(QFile::link("VKDM47_03.mdb-journal", here.filePath("later.log")));
@@ -376,7 +376,7 @@ void OptionsTest::help_names_every_option() {
         QVERIFY2(help.contains(QLatin1String(name)), name);
 }
 
-}  // namespace m47
+}  // namespace m47::shell
 
-QTEST_GUILESS_MAIN(m47::OptionsTest)
+QTEST_GUILESS_MAIN(m47::shell::OptionsTest)
 #include "options_test.moc"

@@ -9,7 +9,7 @@
 #include "program_in_folder.h"
 #include "realtime.h"
 
-namespace m47 {
+namespace m47::shell {
 
 class PreferencesTest : public QObject, protected ProgramInFolder {
     Q_OBJECT
@@ -28,9 +28,9 @@ class PreferencesTest : public QObject, protected ProgramInFolder {
         program_state().preferences = preferences();
         start_program();
     }
-    Realtime* realtime() {
+    realtime::Realtime* realtime() {
         window().findChild<QAction*>("realtime")->trigger();
-        return qobject_cast<Realtime*>(window().screen_of("realtime"));
+        return qobject_cast<realtime::Realtime*>(window().screen_of("realtime"));
     }
     QString write(const QString& path, const QByteArray& bytes) {
         QDir().mkpath(QFileInfo(path).path());
@@ -186,7 +186,7 @@ class PreferencesTest : public QObject, protected ProgramInFolder {
 
     void dialogs_begin_in_the_folder_used_last() {
         start();
-        Realtime* screen = realtime();
+        realtime::Realtime* screen = realtime();
         const auto save_key = [screen] { screen->findChild<QAction*>("save")->trigger(); };
         const QString log = write(other_->filePath("mine.log"),
                                   "21/11/26\t10:00:00\t950.0\t10600\t58.3\t\t\t\t\t\tPASS\r\n");
@@ -204,7 +204,7 @@ class PreferencesTest : public QObject, protected ProgramInFolder {
         start();
         const QString log = write(other_->filePath("a&b<i>.log"),
                                   "21/11/26\t10:00:00\t950.0\t10600\t58.3\t\t\t\t\t\tPASS\r\n");
-        Realtime* screen = realtime();
+        realtime::Realtime* screen = realtime();
         auto* menu = screen->findChild<QMenu*>("cmdrecent");
         Q_EMIT menu->aboutToShow();
         QCOMPARE(menu->actions().size(), 1);
@@ -226,7 +226,7 @@ class PreferencesTest : public QObject, protected ProgramInFolder {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::shell
 
-QTEST_MAIN(m47::PreferencesTest)
+QTEST_MAIN(m47::shell::PreferencesTest)
 #include "preferences_test.moc"

@@ -16,7 +16,7 @@
 
 #include "text_printer.h"
 
-namespace m47 {
+namespace m47::shell {
 
 class PrintTest : public QObject {
     Q_OBJECT
@@ -95,7 +95,7 @@ class PrintTest : public QObject {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::shell
 
-QTEST_MAIN(m47::PrintTest)
+QTEST_MAIN(m47::shell::PrintTest)
 #include "print_test.moc"

@@ -12,13 +12,13 @@
 #include "program_in_folder.h"
 #include "realtime.h"
 
-namespace m47 {
+namespace m47::shell {
 
 class ReportTest : public QObject, protected ProgramInFolder {
     Q_OBJECT
 
   private:
-    Realtime* screen_ = nullptr;
+    realtime::Realtime* screen_ = nullptr;
     BoxAnswers boxes_;
 
     template <class Kind>
@@ -57,7 +57,7 @@ class ReportTest : public QObject, protected ProgramInFolder {
         start_program();
         window().findChild<QAction*>("cmdinglese")->trigger();
         window().findChild<QAction*>("realtime")->trigger();
-        screen_ = qobject_cast<Realtime*>(window().screen_of("realtime"));
+        screen_ = qobject_cast<realtime::Realtime*>(window().screen_of("realtime"));
         boxes_.take_seen();
     }
     void cleanup() { end_program(); }
@@ -201,7 +201,7 @@ class ReportTest : public QObject, protected ProgramInFolder {
     }
 
     void of_very_many_rows_the_newest_thousand_are_printed() {
-        PageStore store;
+        measurement::PageStore store;
         for (int row = 0; row < 100'000; ++row)
             store.append_line("21/11/26\t10:00:00\t950.0\t10600\t58.3\t\t\t\t\t\tPASS");
         screen_->rules.page.replace(std::move(store));
@@ -213,7 +213,7 @@ class ReportTest : public QObject, protected ProgramInFolder {
     }
 };
 
-}  // namespace m47
+}  // namespace m47::shell
 
-QTEST_MAIN(m47::ReportTest)
+QTEST_MAIN(m47::shell::ReportTest)
 #include "report_test.moc"

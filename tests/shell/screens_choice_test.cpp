@@ -2,7 +2,7 @@
 // The choices of the menus, the log and what goes wrong.
 #include "screens_test.h"
 
-namespace m47 {
+namespace m47::shell {
 
 void ScreensTest::corrected_behaviour_has_an_entry_for_each_choice() {
     find<QAction>("cmdinglese")->trigger();
@@ -50,7 +50,7 @@ void ScreensTest::each_entry_is_one_choice_and_all_of_them_is_every_one() {
 
 void ScreensTest::the_entries_of_the_screens_are_the_same_choices() {
     find<QAction>("cmdfulltune")->trigger();
-    Realtime* screen = open_realtime();
+    realtime::Realtime* screen = open_realtime();
     QVERIFY(find<QAction>("cmdfulltune", screen)->isChecked());
     find<QAction>("cmdcomplete", screen)->trigger();
     QVERIFY(program_state().corrected.complete);
@@ -90,25 +90,25 @@ void ScreensTest::what_a_default_costs_is_told_once_in_the_status_line() {
 }
 
 void ScreensTest::a_digital_run_keeps_its_mode_where_chosen() {
-    Realtime* screen = open_realtime();
+    realtime::Realtime* screen = open_realtime();
     find<QAction>("cmdkeepmode")->trigger();
     find<QAction>("qpsk", screen)->trigger();
     find<QAction>("asl")->trigger();
     find<QAction>("realtime")->trigger();
-    QCOMPARE(screen->rules.state.meas_mode, kDigitalMode);
+    QCOMPARE(screen->rules.state.meas_mode, realtime::kDigitalMode);
     QVERIFY(find<QWidget>("digitalresults", screen)->isVisible());
     QVERIFY(!find<QWidget>("analogresults", screen)->isVisible());
 }
 
 void ScreensTest::noise_boxes_start_from_the_frequency_when_the_choice_was_made_before() {
     find<QAction>("cmdcomplete")->trigger();
-    Realtime* screen = open_realtime();
+    realtime::Realtime* screen = open_realtime();
     QVERIFY(find<QWidget>("noise_freqa", screen)->isVisible());
     QCOMPARE(find<QLineEdit>("noise_freqa", screen)->text(), QStringLiteral("1000.0"));
 }
 
 void ScreensTest::a_new_log_does_not_carry_the_failure_of_the_old_one() {
-    Realtime* screen = open_realtime();
+    realtime::Realtime* screen = open_realtime();
     auto* name = find<QLabel>("file_name", screen);
     const QString tip = name->toolTip();
     const auto is_red = [name] {
@@ -131,7 +131,7 @@ void ScreensTest::the_log_is_opened_reloaded_and_closed_with_the_save_key() {
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write("a\tb\r\nc\r\nd\te\tf\r\n");
     file.close();
-    Realtime* screen = open_realtime();
+    realtime::Realtime* screen = open_realtime();
     QVERIFY(!find<QWidget>("file_name", screen)->isVisible());
     QTimer::singleShot(100, screen, [log] {
         auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
@@ -156,7 +156,7 @@ void ScreensTest::the_log_is_opened_reloaded_and_closed_with_the_save_key() {
 }
 
 void ScreensTest::a_cancelled_dialog_leaves_the_tooltip_at_close_file() {
-    Realtime* screen = open_realtime();
+    realtime::Realtime* screen = open_realtime();
     QTimer::singleShot(100, screen, [] { QApplication::activeModalWidget()->close(); });
     find<QAction>("save", screen)->trigger();
     QVERIFY(!screen->rules.log.log_open());
@@ -164,16 +164,16 @@ void ScreensTest::a_cancelled_dialog_leaves_the_tooltip_at_close_file() {
 }
 
 void ScreensTest::a_database_that_is_held_is_told_in_the_language_of_the_user() {
-    Recordset& satellites = program().database().asl();
+    db::Recordset& satellites = program().database().asl();
     satellites.add_new();
     satellites.update();
-    Realtime* screen = open_realtime();
+    realtime::Realtime* screen = open_realtime();
     find<QAction>("group", screen)->trigger();
     // Told at once, for the sake of the test.
     QSqlQuery("PRAGMA busy_timeout = 20", program().database().connection());
     BoxAnswers boxes;
     const QString sentence = QStringLiteral("critical|M47|Il database '%1' \u00e8 usato da un ")
-                                 .arg(in_folder(kDatabaseFile));
+                                 .arg(in_folder(db::kDatabaseFile));
     const auto told_once = [&] {
         const QStringList told = boxes.take_seen();
         if (told.size() == 1 && told[0].startsWith(sentence)) return true;
@@ -182,7 +182,7 @@ void ScreensTest::a_database_that_is_held_is_told_in_the_language_of_the_user() 
     };
     {
         QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", "other");
-        other.setDatabaseName(in_folder(kDatabaseFile));
+        other.setDatabaseName(in_folder(db::kDatabaseFile));
         QVERIFY(other.open());
         QSqlQuery("BEGIN EXCLUSIVE", other);
         find<QAction>("program")->trigger();
@@ -213,7 +213,7 @@ void ScreensTest::a_click_during_a_download_deletes_nothing() {
     auto line = std::make_unique<FakePort>(*clock);
     FakePort& port = *line;
     auto meter = std::make_unique<MeterInProcess>(port, 1);
-    PortList ports;
+    link::PortList ports;
     QVERIFY(ports.add("1=/dev/no-such-meter"));
     start_program({1024, 600}, ports, std::move(clock), std::move(line));
     program().identify(1);
@@ -255,4 +255,4 @@ void ScreensTest::a_fault_in_a_handler_shows_one_box_and_the_program_goes_on() {
     QVERIFY(open_realtime());
 }
 
-}  // namespace m47
+}  // namespace m47::shell

@@ -2,10 +2,10 @@
 // The real-time screen in the main window.
 #include "screens_test.h"
 
-namespace m47 {
+namespace m47::shell {
 
 void ScreensTest::realtime_opens_in_the_analog_presentation() {
-    Realtime* screen = open_realtime();
+    realtime::Realtime* screen = open_realtime();
     QCOMPARE(screen->objectName(), QStringLiteral("realtime"));
     QCOMPARE(screen->windowTitle(), QStringLiteral("Real Time Function Mode"));
     QVERIFY(find<QWidget>("analogresults", screen)->isVisible());
@@ -24,7 +24,7 @@ void ScreensTest::realtime_opens_in_the_analog_presentation() {
 }
 
 void ScreensTest::qpsk_and_analogico_change_the_frames() {
-    Realtime* screen = open_realtime();
+    realtime::Realtime* screen = open_realtime();
     find<QAction>("qpsk", screen)->trigger();
     QVERIFY(find<QWidget>("digitalresults", screen)->isVisible());
     QVERIFY(find<QWidget>("satdigmea", screen)->isVisible());
@@ -35,18 +35,18 @@ void ScreensTest::qpsk_and_analogico_change_the_frames() {
 }
 
 void ScreensTest::coming_back_to_the_screen_shows_the_analog_frame() {
-    Realtime* screen = open_realtime();
+    realtime::Realtime* screen = open_realtime();
     find<QAction>("qpsk", screen)->trigger();
     find<QAction>("setport")->trigger();
     find<QAction>("realtime")->trigger();
     QVERIFY(!find<QWidget>("digitalresults", screen)->isVisible());
     QVERIFY(find<QWidget>("analogresults", screen)->isVisible());
-    QCOMPARE(screen->rules.state.meas_mode, kAnalogMode);
+    QCOMPARE(screen->rules.state.meas_mode, realtime::kAnalogMode);
     QVERIFY(find<QWidget>("satdigmea", screen)->isVisible());
 }
 
 void ScreensTest::limit_boxes_swallow_what_they_do_not_accept() {
-    Realtime* screen = open_realtime();
+    realtime::Realtime* screen = open_realtime();
     auto* maximum = find<QLineEdit>("lev_maxa", screen);
     QTest::keyClicks(maximum, QStringLiteral("-1.2a3"));
     QCOMPARE(maximum->text(), QStringLiteral("123"));
@@ -62,7 +62,7 @@ void ScreensTest::limit_boxes_swallow_what_they_do_not_accept() {
 }
 
 void ScreensTest::enter_corrects_a_box_without_a_link_too() {
-    Realtime* screen = open_realtime();
+    realtime::Realtime* screen = open_realtime();
     auto* frequency = find<QLineEdit>("fsat", screen);
     frequency->setText(QStringLiteral("100"));
     QTest::keyClick(frequency, Qt::Key_Return);
@@ -74,7 +74,7 @@ void ScreensTest::enter_corrects_a_box_without_a_link_too() {
 }
 
 void ScreensTest::the_lnb_list_swallows_keys_and_the_wheel() {
-    Realtime* screen = open_realtime();
+    realtime::Realtime* screen = open_realtime();
     auto* list = find<QComboBox>("satlnb_state", screen);
     list->setFocus();
     QTest::keyClicks(list, QStringLiteral("1"));
@@ -87,7 +87,7 @@ void ScreensTest::the_lnb_list_swallows_keys_and_the_wheel() {
 }
 
 void ScreensTest::a_measurement_without_a_link_writes_no_row() {
-    Realtime* screen = open_realtime();
+    realtime::Realtime* screen = open_realtime();
     QTest::mouseClick(find<QWidget>("meas_statea_0", screen), Qt::LeftButton, {}, {8, 8});
     QVERIFY(screen->rules.panel.meas_statea[0]);
     find<QAction>("single_acq", screen)->trigger();
@@ -95,7 +95,7 @@ void ScreensTest::a_measurement_without_a_link_writes_no_row() {
 }
 
 void ScreensTest::complete_noise_shows_its_boxes() {
-    Realtime* screen = open_realtime();
+    realtime::Realtime* screen = open_realtime();
     QVERIFY(!find<QWidget>("noise_freqa", screen)->isVisible());
     find<QAction>("cmdcomplete", screen)->trigger();
     QVERIFY(find<QWidget>("noise_freqa", screen)->isVisible());
@@ -106,4 +106,4 @@ void ScreensTest::complete_noise_shows_its_boxes() {
     QVERIFY(find<QAction>("cmdcomplete", open_realtime())->isChecked());
 }
 
-}  // namespace m47
+}  // namespace m47::shell

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "screens_test.h"
 
-namespace m47 {
+namespace m47::shell {
 
-Realtime* ScreensTest::open_realtime() {
+realtime::Realtime* ScreensTest::open_realtime() {
     find<QAction>("realtime")->trigger();
-    return qobject_cast<Realtime*>(window().screen_of(QStringLiteral("realtime")));
+    return qobject_cast<realtime::Realtime*>(window().screen_of(QStringLiteral("realtime")));
 }
 
 void ScreensTest::init() {
@@ -55,7 +55,7 @@ void ScreensTest::the_entries_of_the_main_window_follow_the_language() {
 }
 
 void ScreensTest::a_pass_that_was_cut_short_is_told_in_the_language() {
-    Realtime* screen = open_realtime();
+    realtime::Realtime* screen = open_realtime();
     const auto* progress = find<QLabel>("plan_progress");
     Q_EMIT screen->cut_short(QStringLiteral("<b>why</b>"));
     QCOMPARE(progress->text(), QStringLiteral("Giro interrotto"));
@@ -66,15 +66,15 @@ void ScreensTest::a_pass_that_was_cut_short_is_told_in_the_language() {
 }
 
 void ScreensTest::a_screen_shows_what_its_rules_have_measured() {
-    auto rules =
-        std::make_unique<RealtimeRules>(program().link(), program_state(), program().database());
+    auto rules = std::make_unique<realtime::RealtimeRules>(program().link(), program_state(),
+                                                           program().database());
     rules->panel.leva = QStringLiteral("58.3");
     for (int row = 0; row < 100; ++row)
         rules->page.append({"23/11/26", "10:00:00", QString::number(1000 + row), "10600", "58.3",
                             "", "", "", "", "", ""},
-                           Measurement());
+                           measurement::Measurement());
     rules->log.open(in_folder("run.log"), rules->page);
-    Realtime screen(std::move(rules));
+    realtime::Realtime screen(std::move(rules));
     screen.fill_in();
     screen.resize(900, 560);
     static_cast<void>(screen.grab());
@@ -90,7 +90,7 @@ void ScreensTest::it_starts_in_italian_and_the_menu_changes_only_what_comes_afte
     QCOMPARE(program_state().texts.language, int(kItalian));
     QVERIFY(find<QAction>("cmditaliano")->isChecked());
     QVERIFY(!find<QAction>("cmdinglese")->isChecked());
-    Realtime* first = open_realtime();
+    realtime::Realtime* first = open_realtime();
     QCOMPARE(find<QLineEdit>("fsat", first)->toolTip(), QStringLiteral("Selezione frequenza"));
     find<QAction>("cmdinglese")->trigger();
     QCOMPARE(program_state().texts.language, int(kEnglish));
@@ -107,8 +107,8 @@ void ScreensTest::it_starts_in_italian_and_the_menu_changes_only_what_comes_afte
 void ScreensTest::every_tooltip_stands_in_both_languages() {
     for (const int language : {int(kEnglish), int(kItalian)}) {
         program_state().texts.language = language;
-        Realtime* screen = open_realtime();
-        for (const Tooltip& tooltip : realtime_tooltips()) {
+        realtime::Realtime* screen = open_realtime();
+        for (const Tooltip& tooltip : realtime::realtime_tooltips()) {
             if (QLatin1String(tooltip.control) == QLatin1String("save")) continue;
             auto* control = find<QObject>(tooltip.control, screen);
             const bool italian = language == kItalian && tooltip.italian;
@@ -207,7 +207,7 @@ void ScreensTest::a_device_that_is_plugged_in_while_the_list_is_open_shows() {
     end_program();
     QStringList plugged{"/dev/ttyUSB7"};
     start_program({1024, 600},
-                  PortList({"/nonexistent", "/nonexistent", [&plugged] { return plugged; }}));
+                  link::PortList({"/nonexistent", "/nonexistent", [&plugged] { return plugged; }}));
     find<QAction>("setport")->trigger();
     auto* porta = find<QComboBox>("porta");
     const auto devices = [porta] {
@@ -227,8 +227,8 @@ void ScreensTest::a_device_that_is_plugged_in_while_the_list_is_open_shows() {
 void ScreensTest::the_name_of_a_device_is_no_mark_up() {
     end_program();
     const QString device = QStringLiteral("/dev/<b>meter</b>");
-    start_program({1024, 600},
-                  PortList({"/nonexistent", "/nonexistent", [&] { return QStringList(device); }}));
+    start_program({1024, 600}, link::PortList({"/nonexistent", "/nonexistent",
+                                               [&] { return QStringList(device); }}));
     find<QAction>("setport")->trigger();
     auto* porta = find<QComboBox>("porta");
     porta->setCurrentIndex(0);
@@ -256,6 +256,6 @@ void ScreensTest::a_port_that_does_not_exist_turns_red_and_says_why() {
     QVERIFY(state->toolTip() != english);
 }
 
-}  // namespace m47
+}  // namespace m47::shell
 
-QTEST_MAIN(m47::ScreensTest)
+QTEST_MAIN(m47::shell::ScreensTest)

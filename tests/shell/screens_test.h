@@ -32,7 +32,7 @@
 #include "screen_table.h"
 #include "virtual_clock.h"
 
-namespace m47 {
+namespace m47::shell {
 
 /// An empty screen that tells when it comes to the front.
 class TellingScreen : public Screen {
@@ -49,7 +49,7 @@ class ScreensTest : public QObject, protected ProgramInFolder {
     Q_OBJECT
 
   private:
-    Realtime* open_realtime();
+    realtime::Realtime* open_realtime();
 
   private Q_SLOTS:
     void init();
@@ -128,4 +128,4 @@ class ScreensTest : public QObject, protected ProgramInFolder {
     void a_fault_in_a_handler_shows_one_box_and_the_program_goes_on();
 };
 
-}  // namespace m47
+}  // namespace m47::shell

@@ -23,20 +23,22 @@
 #include "trend_plot.h"
 #include "trend_view.h"
 
-namespace m47 {
+namespace m47::shell {
 
 class TrendViewTest : public QObject, protected ProgramInFolder {
     Q_OBJECT
 
   private:
-    Realtime* screen_ = nullptr;
+    realtime::Realtime* screen_ = nullptr;
     int second_ = 0;
 
     template <class Kind>
     Kind* find(const char* name) {
         return ProgramInFolder::find<Kind>(name, screen_);
     }
-    TrendPlot* plot() { return static_cast<TrendPlot*>(find<QCustomPlot>("trend_plot")); }
+    trend::TrendPlot* plot() {
+        return static_cast<trend::TrendPlot*>(find<QCustomPlot>("trend_plot"));
+    }
     void open_tab(int index) {
         auto* bar = find<QTabWidget>("page_tabs")->tabBar();
         QTest::mouseClick(bar, Qt::LeftButton, {}, bar->tabRect(index).center());
@@ -92,7 +94,7 @@ class TrendViewTest : public QObject, protected ProgramInFolder {
         start_program({1100, 900});
         window().findChild<QAction*>(QStringLiteral("cmdinglese"))->trigger();
         window().findChild<QAction*>(QStringLiteral("realtime"))->trigger();
-        screen_ = qobject_cast<Realtime*>(window().screen_of(QStringLiteral("realtime")));
+        screen_ = qobject_cast<realtime::Realtime*>(window().screen_of(QStringLiteral("realtime")));
         screen_->parentWidget()->showMaximized();
     }
     void cleanup() { end_program(); }
@@ -101,11 +103,11 @@ class TrendViewTest : public QObject, protected ProgramInFolder {
         QCOMPARE(find<QTabWidget>("page_tabs")->tabText(0), QStringLiteral("Measurement page"));
         QCOMPARE(find<QTabWidget>("page_tabs")->tabText(1), QStringLiteral("Trend"));
         QVERIFY(find<QTableView>("measgrid")->isVisible());
-        QVERIFY(!find<TrendView>("trend")->isVisible());
+        QVERIFY(!find<trend::TrendView>("trend")->isVisible());
         add_rows(5);
         QVERIFY(!screen_->findChild<QCustomPlot*>());
         open_tab(1);
-        QVERIFY(find<TrendView>("trend")->isVisible());
+        QVERIFY(find<trend::TrendView>("trend")->isVisible());
         QVERIFY(plot()->isVisible());
         QCOMPARE(plot()->axisRectCount(), 3);
     }
@@ -119,7 +121,7 @@ class TrendViewTest : public QObject, protected ProgramInFolder {
         screen_->parentWidget()->close();
         QTRY_VERIFY(!window().screen_of(QStringLiteral("realtime")));
         window().findChild<QAction*>(QStringLiteral("realtime"))->trigger();
-        screen_ = qobject_cast<Realtime*>(window().screen_of(QStringLiteral("realtime")));
+        screen_ = qobject_cast<realtime::Realtime*>(window().screen_of(QStringLiteral("realtime")));
         QCOMPARE(find<QTabWidget>("page_tabs")->tabText(1), QStringLiteral("Andamento"));
         QCOMPARE(find<QAction>("trend_follow")->text(), QStringLiteral("Segui"));
         QCOMPARE(find<QComboBox>("trend_program")->itemText(0),
@@ -311,10 +313,10 @@ class TrendViewTest : public QObject, protected ProgramInFolder {
         for (const char* level : {"55.5", "51.0", ""}) add_row(QString::fromLatin1(level));
         open_tab(1);
         plot()->replot();
-        const auto* legend = dynamic_cast<TrendLegend*>(plot()->plotLayout()->element(0, 1));
+        const auto* legend = dynamic_cast<trend::TrendLegend*>(plot()->plotLayout()->element(0, 1));
         QVERIFY(legend);
         QCOMPARE(legend->lines().size(), std::size_t(1));
-        const TrendLegend::Line& line = legend->lines()[0];
+        const trend::TrendLegend::Line& line = legend->lines()[0];
         QCOMPARE(line.name, QStringLiteral("11778.0 / 10600"));
         QCOMPARE(line.figures[0], QStringLiteral("51.0"));
         QCOMPARE(line.figures[1], QStringLiteral("55.5"));
@@ -324,14 +326,14 @@ class TrendViewTest : public QObject, protected ProgramInFolder {
     void the_legend_names_the_unit_beside_levels_alone() {
         const QString line =
             QStringLiteral("21/11/26\t10:00:10\t11778.0\t10600\t58.3\t2.0E-4\t\t\t14.2\t\tPASS");
-        Measurement measured = measurement_of_line(line.toStdString());
-        measured.unit = unit_of_index(0);
+        measurement::Measurement measured = measurement::measurement_of_line(line.toStdString());
+        measured.unit = measurement::unit_of_index(0);
         screen_->rules.page.append(line.split(u'\t'), measured);
         open_tab(1);
         plot()->replot();
         const auto name = [this](int panel) {
             const auto* legend =
-                dynamic_cast<TrendLegend*>(plot()->plotLayout()->element(panel, 1));
+                dynamic_cast<trend::TrendLegend*>(plot()->plotLayout()->element(panel, 1));
             return legend && legend->lines().size() == 1 ? legend->lines()[0].name : QString();
         };
         QCOMPARE(name(0), QStringLiteral("11778.0 / 10600 · dBuV"));
@@ -381,13 +383,13 @@ class TrendViewTest : public QObject, protected ProgramInFolder {
         QPalette dark;
         dark.setColor(QPalette::Base, QColor(30, 30, 30));
         dark.setColor(QPalette::Text, Qt::white);
-        find<TrendView>("trend")->setPalette(dark);
+        find<trend::TrendView>("trend")->setPalette(dark);
         add_rows(30);
         open_tab(1);
         const QString png = in_folder(QStringLiteral("trend.png"));
         const QString pdf = in_folder(QStringLiteral("trend.PDF"));
-        find<TrendView>("trend")->save(png);
-        find<TrendView>("trend")->save(pdf);
+        find<trend::TrendView>("trend")->save(png);
+        find<trend::TrendView>("trend")->save(pdf);
         const QImage image(png);
         QVERIFY(image.width() >= 1280 && image.height() >= 800);
         QCOMPARE(image.pixelColor(2, 2), QColor(Qt::white));
@@ -408,13 +410,13 @@ class TrendViewTest : public QObject, protected ProgramInFolder {
             text = box->text();
             box->accept();
         });
-        find<TrendView>("trend")->save(path);
+        find<trend::TrendView>("trend")->save(path);
         QVERIFY2(text.contains(path), qPrintable(text));
         QVERIFY(!QFileInfo::exists(path));
     }
 };
 
-}  // namespace m47
+}  // namespace m47::shell
 
-QTEST_MAIN(m47::TrendViewTest)
+QTEST_MAIN(m47::shell::TrendViewTest)
 #include "trend_view_test.moc"

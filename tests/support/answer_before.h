@@ -9,7 +9,7 @@
 namespace m47 {
 
 /// Leaves `value` as the answer to a question before, of which nothing is to be seen in `port`.
-inline void leave_answer(Link& link, FakePort& port, const QByteArray& value) {
+inline void leave_answer(link::Link& link, FakePort& port, const QByteArray& value) {
     const bool connected = std::exchange(link.port_connected, true);
     const bool suspended = std::exchange(link.commands_suspended, false);
     const auto answer = std::exchange(

@@ -26,13 +26,13 @@ inline constexpr std::array<int, 6> kEngineCodes{
 class FailingStatement {
   public:
     FailingStatement(int nth, int code) {
-        set_statement_fault([this, nth, code]() -> std::optional<QSqlError> {
+        db::set_statement_fault([this, nth, code]() -> std::optional<QSqlError> {
             if (++calls_ != nth) return std::nullopt;
             return QSqlError(QString(), QStringLiteral("failed on purpose"),
                              QSqlError::StatementError, QString::number(code));
         });
     }
-    ~FailingStatement() { set_statement_fault({}); }
+    ~FailingStatement() { db::set_statement_fault({}); }
     FailingStatement(const FailingStatement&) = delete;
     FailingStatement& operator=(const FailingStatement&) = delete;
 

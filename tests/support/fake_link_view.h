@@ -9,7 +9,7 @@
 namespace m47 {
 
 /// What the user would see of the link, for a test to look at.
-class FakeLinkView : public LinkView {
+class FakeLinkView : public link::LinkView {
   public:
     bool bar_shown = false;
     /// Every value that the progress bar was set to, the current one last.

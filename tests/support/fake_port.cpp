@@ -40,8 +40,8 @@ void FakePort::select(const QString& chosen) {
 
 bool FakePort::open() {
     check_line();
-    fault_ = device.isEmpty() ? PortFault::missing : open_fault;
-    if (fault_ != PortFault::none) return false;
+    fault_ = device.isEmpty() ? link::PortFault::missing : open_fault;
+    if (fault_ != link::PortFault::none) return false;
     open_ = true;
     ++opens;
     clear();
@@ -98,17 +98,17 @@ bool FakePort::wait_for_input(std::chrono::milliseconds limit) {
     return open_ && input_ready();
 }
 
-PortFault FakePort::fault() const {
+link::PortFault FakePort::fault() const {
     return fault_;
 }
 
 void FakePort::check_line() {
     if (vanish_at_ < 0 || clock_.elapsed() < vanish_at_) return;
     vanish_at_ = -1;
-    open_fault = PortFault::missing;
+    open_fault = link::PortFault::missing;
     if (!open_) return;
     open_ = false;
-    fault_ = PortFault::vanished;
+    fault_ = link::PortFault::vanished;
 }
 
 bool FakePort::input_ready() const {

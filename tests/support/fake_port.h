@@ -11,7 +11,7 @@ namespace m47 {
 
 /// A serial port without a line: a test scripts what the meter answers and when, and can stall,
 /// break or unplug it. It records every byte that was written, in order.
-class FakePort : public SerialPort {
+class FakePort : public link::SerialPort {
   public:
     explicit FakePort(VirtualClock& clock) : clock_(clock) {}
 
@@ -23,7 +23,7 @@ class FakePort : public SerialPort {
     /// Bytes that arrive `seconds` from now whatever is written.
     void feed(const QByteArray& bytes, double seconds = 0);
     /// What the next and every later open() finds; `none` opens.
-    PortFault open_fault = PortFault::none;
+    link::PortFault open_fault = link::PortFault::none;
     /// Nothing of what was fed comes any more, but for what has arrived.
     void hush();
     /// The device is pulled `seconds` from now.
@@ -53,7 +53,7 @@ class FakePort : public SerialPort {
     QByteArray read_all() override;
     bool write(char character) override;
     bool wait_for_input(std::chrono::milliseconds limit) override;
-    PortFault fault() const override;
+    link::PortFault fault() const override;
 
   private:
     struct Arrival {
@@ -67,7 +67,7 @@ class FakePort : public SerialPort {
     std::deque<Arrival> arrivals_;
     QByteArray line_;
     bool open_ = false;
-    PortFault fault_ = PortFault::none;
+    link::PortFault fault_ = link::PortFault::none;
     double vanish_at_ = -1;
 };
 

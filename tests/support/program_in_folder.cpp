@@ -13,17 +13,18 @@ void ProgramInFolder::new_folder(const QString& pattern) {
     forget_state();
 }
 
-void ProgramInFolder::start_program(const QSize& size, const PortList& ports,
-                                    RealClock::TimeOfDay time_of_day) {
-    program_ = std::make_unique<Program>(state_, open_database(), ports, std::move(time_of_day));
+void ProgramInFolder::start_program(const QSize& size, const link::PortList& ports,
+                                    link::RealClock::TimeOfDay time_of_day) {
+    program_ =
+        std::make_unique<shell::Program>(state_, open_database(), ports, std::move(time_of_day));
     show_window(size);
 }
 
-void ProgramInFolder::start_program(const QSize& size, const PortList& ports,
-                                    std::unique_ptr<Clock> clock,
-                                    std::unique_ptr<SerialPort> port) {
-    program_ = std::make_unique<Program>(state_, open_database(), ports, std::move(clock),
-                                         std::move(port));
+void ProgramInFolder::start_program(const QSize& size, const link::PortList& ports,
+                                    std::unique_ptr<link::Clock> clock,
+                                    std::unique_ptr<link::SerialPort> port) {
+    program_ = std::make_unique<shell::Program>(state_, open_database(), ports, std::move(clock),
+                                                std::move(port));
     show_window(size);
 }
 
@@ -37,11 +38,11 @@ void ProgramInFolder::forget_state() {
     if (folder_) state_.base_dir = folder_with_separator(folder());
 }
 
-std::unique_ptr<Database> ProgramInFolder::open_database() const {
-    const QString file = state_.base_dir + QLatin1String(kDatabaseFile);
-    DatabaseError error{};
-    if (!Database::create(file, error)) qFatal("no database: %s", qPrintable(error.detail));
-    auto database = Database::open(file, error);
+std::unique_ptr<db::Database> ProgramInFolder::open_database() const {
+    const QString file = state_.base_dir + QLatin1String(db::kDatabaseFile);
+    db::DatabaseError error{};
+    if (!db::Database::create(file, error)) qFatal("no database: %s", qPrintable(error.detail));
+    auto database = db::Database::open(file, error);
     if (!database) qFatal("the database does not open: %s", qPrintable(error.detail));
     return database;
 }

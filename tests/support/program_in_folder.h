@@ -27,18 +27,18 @@ class ProgramInFolder {
     /// Starts the program in the folder and waits until its window is to be seen; without a `size`
     /// it has the one it gives itself. Makes the database where there is none. What is put
     /// into `program_state` before, the program finds there.
-    void start_program(const QSize& size = QSize(), const PortList& ports = PortList(),
-                       RealClock::TimeOfDay time_of_day = local_time_of_day);
+    void start_program(const QSize& size = QSize(), const link::PortList& ports = link::PortList(),
+                       link::RealClock::TimeOfDay time_of_day = platform::local_time_of_day);
     /// The same on another time and line than those of this machine.
-    void start_program(const QSize& size, const PortList& ports, std::unique_ptr<Clock> clock,
-                       std::unique_ptr<SerialPort> port);
+    void start_program(const QSize& size, const link::PortList& ports,
+                       std::unique_ptr<link::Clock> clock, std::unique_ptr<link::SerialPort> port);
 
     /// Ends the program, if one runs, and forgets its state. The folder stays, for the next run.
     void end_program();
 
     bool is_running() const { return program_ != nullptr; }
-    Program& program() { return *program_; }
-    M47MDI& window() { return program_->window(); }
+    shell::Program& program() { return *program_; }
+    shell::M47MDI& window() { return program_->window(); }
     ProgramState& program_state() { return state_; }
     QString folder() const { return folder_->path(); }
     QString in_folder(const QString& name) const { return folder_->filePath(name); }
@@ -53,12 +53,12 @@ class ProgramInFolder {
 
   private:
     void forget_state();
-    std::unique_ptr<Database> open_database() const;
+    std::unique_ptr<db::Database> open_database() const;
     void show_window(const QSize& size);
 
     std::unique_ptr<QTemporaryDir> folder_;
     ProgramState state_;
-    std::unique_ptr<Program> program_;
+    std::unique_ptr<shell::Program> program_;
 };
 
 }  // namespace m47

@@ -8,8 +8,8 @@
 
 namespace m47 {
 
-inline ProgramRecord direct_program() {
-    ProgramRecord program;
+inline programme::ProgramRecord direct_program() {
+    programme::ProgramRecord program;
     program.pg_num = QStringLiteral("007");
     program.frequenza = QStringLiteral("1234.5");
     program.loc_osc = true;
@@ -19,8 +19,8 @@ inline ProgramRecord direct_program() {
     return program;
 }
 
-inline ProgramRecord digital_program() {
-    ProgramRecord program = direct_program();
+inline programme::ProgramRecord digital_program() {
+    programme::ProgramRecord program = direct_program();
     program.pg_num = QStringLiteral("008");
     program.frequenza = QStringLiteral("11778");
     program.loc_osc = false;
@@ -35,7 +35,8 @@ inline ProgramRecord digital_program() {
     return program;
 }
 
-inline const Oscillators kKu{QStringLiteral("9750"), QStringLiteral("10600"), QString(), QString()};
+inline const programme::Oscillators kKu{QStringLiteral("9750"), QStringLiteral("10600"), QString(),
+                                        QString()};
 inline const QStringList kDigitalCommands{
     "PROGRAM 08", "LOCOSC 2 10600",      "LOCOSC 2",  "FREQ 11778",
     "MARKER 1 1", "SYMBRATEQPSK 27500",  "DISEQC 05", "LNB 01",

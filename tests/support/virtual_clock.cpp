@@ -50,14 +50,14 @@ double VirtualClock::elapsed() const {
 }
 
 float VirtualClock::now() const {
-    return tick_reading(reading());
+    return link::tick_reading(reading());
 }
 
 double VirtualClock::until_next_tick() const {
     // At midnight the reading falls back to 0 and so changes too.
     const nanoseconds time = reading();
-    if (spans_hold && spans_ > 0) return seconds_of(time_to_next_tick(time));
-    return seconds_of(std::min(time_to_next_tick(time), kDay - time));
+    if (spans_hold && spans_ > 0) return seconds_of(link::time_to_next_tick(time));
+    return seconds_of(std::min(link::time_to_next_tick(time), kDay - time));
 }
 
 void VirtualClock::sleep(double seconds) {

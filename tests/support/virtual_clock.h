@@ -10,7 +10,7 @@ namespace m47 {
 /// A clock that stands still until somebody waits on it. Its date and its seconds since midnight
 /// go on together; at midnight the seconds wrap to 0, as a raw time-of-day clock does. Where
 /// `spans_hold` neither midnight nor a clock that is set disturbs a reading within a span.
-class VirtualClock : public Clock {
+class VirtualClock : public link::Clock {
   public:
     explicit VirtualClock(double seconds_since_midnight = 36000.0);
 

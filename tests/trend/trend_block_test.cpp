@@ -10,7 +10,7 @@
 #include "trend_sampling.h"
 #include "trend_window.h"
 
-namespace m47 {
+namespace m47::trend {
 namespace {
 
 constexpr int kPoints = 20000;
@@ -33,7 +33,7 @@ std::vector<TrendPoint> random_points(quint32 seed) {
         point.values = {one_in(97) || none ? NAN : 40 + static_cast<float>(random.bounded(30)),
                         one_in(50) ? 1e-12F : 1e-5F * static_cast<float>(random.bounded(9)),
                         k % 2 == 0 ? NAN : static_cast<float>(random.bounded(20))};
-        if (one_in(40)) point.status = Verdict::fail;
+        if (one_in(40)) point.status = measurement::Verdict::fail;
         point.apart = one_in(300);
         points.push_back(point);
     }
@@ -56,12 +56,12 @@ struct At {
 };
 
 TrendSeries series_of(const QList<At>& rows) {
-    TrendSeries series(SeriesKey{});
+    TrendSeries series(measurement::SeriesKey{});
     for (const At& row : rows) {
         TrendPoint point;
         point.time = row.time;
         point.values = {static_cast<float>(row.level), NAN, NAN};
-        point.status = row.failed ? Verdict::fail : Verdict::pass;
+        point.status = row.failed ? measurement::Verdict::fail : measurement::Verdict::pass;
         series.add(point);
     }
     series.settle();
@@ -85,7 +85,7 @@ QString drawn(const std::vector<TrendSpot>& spots) {
 }
 
 TrendSamples levels_of(const TrendSeries& series, TrendRange shown, int columns) {
-    return sample_trend(series, Quantity::level, shown, columns);
+    return sample_trend(series, measurement::Quantity::level, shown, columns);
 }
 
 QString text_of(TrendRange range) {
@@ -105,8 +105,8 @@ class TrendBlockTest : public QObject {
 
     void blocks_change_nothing_of_what_is_drawn() {
         QFETCH(quint32, seed);
-        TrendSeries summed(SeriesKey{});
-        TrendSeries plain(SeriesKey{});
+        TrendSeries summed(measurement::SeriesKey{});
+        TrendSeries plain(measurement::SeriesKey{});
         for (const TrendPoint& point : random_points(seed)) {
             summed.add(point);
             plain.add(point);
@@ -116,7 +116,7 @@ class TrendBlockTest : public QObject {
         QVERIFY(plain.blocks().empty());
         const double begin = plain.points().front().time;
         const double length = plain.points().back().time - begin;
-        for (const Quantity quantity : kQuantities) {
+        for (const measurement::Quantity quantity : measurement::kQuantities) {
             for (const int columns : kColumns) {
                 for (int k = 0; k < 8; ++k) {
                     const TrendRange shown{begin + length * k / 20, begin + length * (1 - k / 40.)};
@@ -137,8 +137,8 @@ class TrendBlockTest : public QObject {
 
     /// A clock that was set back: rows come between those that are summed up already.
     void rows_that_come_in_between_are_summed_up_anew() {
-        TrendSeries twice(SeriesKey{});
-        TrendSeries once(SeriesKey{});
+        TrendSeries twice(measurement::SeriesKey{});
+        TrendSeries once(measurement::SeriesKey{});
         const std::vector<TrendPoint> points = random_points(9);
         for (const TrendPoint& point : points) twice.add(point);
         twice.settle();
@@ -153,7 +153,7 @@ class TrendBlockTest : public QObject {
         QCOMPARE(twice.points().size(), points.size() + later.size());
         QCOMPARE(twice.blocks().size(), twice.points().size() / TrendBlock::kPoints);
         const TrendRange all{points.front().time, points.back().time};
-        for (const Quantity quantity : kQuantities) {
+        for (const measurement::Quantity quantity : measurement::kQuantities) {
             const TrendSamples one = sample_trend(twice, quantity, all, 100);
             const TrendSamples other = sample_trend(once, quantity, all, 100);
             QVERIFY(same(one.line, other.line));
@@ -338,12 +338,12 @@ class TrendBlockTest : public QObject {
         QFETCH(double, lower);
         QFETCH(double, upper);
         const TrendRange axis =
-            value_axis(Quantity::level, TrendRange{40, 70}, TrendRange{lower, upper});
+            value_axis(measurement::Quantity::level, TrendRange{40, 70}, TrendRange{lower, upper});
         QTEST(text_of(axis), "axis");
     }
 };
 
-}  // namespace m47
+}  // namespace m47::trend
 
-QTEST_GUILESS_MAIN(m47::TrendBlockTest)
+QTEST_GUILESS_MAIN(m47::trend::TrendBlockTest)
 #include "trend_block_test.moc"

@@ -2,10 +2,10 @@
 // What a chart and a table show of a series.
 #include "trend_test.h"
 
-namespace m47 {
+namespace m47::trend {
 
 void TrendTest::dense_points_keep_extremes_gaps_and_failures() {
-    PageStore page;
+    measurement::PageStore page;
     Cells cells;
     constexpr int kRows = 20000;
     for (int k = 0; k < kRows; ++k) {
@@ -19,7 +19,7 @@ void TrendTest::dense_points_keep_extremes_gaps_and_failures() {
         page.append(row(cells));
     }
     const TrendData data = data_of(page);
-    const TrendSamples samples = all_of(data, Quantity::level, 100);
+    const TrendSamples samples = all_of(data, measurement::Quantity::level, 100);
     QVERIFY(samples.dense);
     QVERIFY2(samples.line.size() <= 4 * 102, qPrintable(QString::number(samples.line.size())));
     const QStringList texts = drawn(samples.line).split(u' ');
@@ -34,14 +34,14 @@ void TrendTest::dense_points_keep_extremes_gaps_and_failures() {
 }
 
 void TrendTest::every_second_row_empty_leaves_no_line_at_all() {
-    PageStore page;
+    measurement::PageStore page;
     Cells cells;
     for (int k = 0; k < 10000; ++k) {
         cells.time = clock_text(k);
         cells.lev = k % 2 == 0 ? QStringLiteral("55") : QString();
         page.append(row(cells));
     }
-    const TrendSamples samples = all_of(data_of(page), Quantity::level, 100);
+    const TrendSamples samples = all_of(data_of(page), measurement::Quantity::level, 100);
     QVERIFY(samples.line.empty());
     QVERIFY(samples.dots.size() >= 100);
 }
@@ -51,8 +51,8 @@ void TrendTest::only_what_is_in_sight_is_sampled_with_its_neighbours() {
     for (int k = 0; k < 100; ++k) levels << QString::number(k);
     const TrendData data = data_of(page_of_levels(levels));
     const double start = data.time().lower;
-    const TrendSamples samples =
-        sample_trend(*data.series()[0], Quantity::level, {start + 305, start + 335}, 1000);
+    const TrendSamples samples = sample_trend(*data.series()[0], measurement::Quantity::level,
+                                              {start + 305, start + 335}, 1000);
     QCOMPARE(drawn(samples.line), QStringLiteral("30 31 32 33 34"));
     QCOMPARE(samples.values->lower, 31.0);
     QCOMPARE(samples.values->upper, 33.0);
@@ -60,14 +60,15 @@ void TrendTest::only_what_is_in_sight_is_sampled_with_its_neighbours() {
 
 void TrendTest::the_value_axis_shows_limits_but_never_presses_the_values_flat() {
     const TrendRange values{55, 60};
-    const TrendRange near = value_axis(Quantity::level, values, TrendRange{40, 80});
+    const TrendRange near = value_axis(measurement::Quantity::level, values, TrendRange{40, 80});
     QVERIFY(near.lower < 40 && near.upper > 80);
-    const TrendRange far = value_axis(Quantity::level, values, TrendRange{0, 9999});
+    const TrendRange far = value_axis(measurement::Quantity::level, values, TrendRange{0, 9999});
     QVERIFY(far.upper < 100);
-    const TrendRange flat = value_axis(Quantity::mer, TrendRange{12, 12}, {});
+    const TrendRange flat = value_axis(measurement::Quantity::mer, TrendRange{12, 12}, {});
     QVERIFY(flat.span() >= 5);
     QVERIFY(flat.lower < 12 && flat.upper > 12);
-    const TrendRange zero = value_axis(Quantity::ber, TrendRange{1e-6, 1e-5}, TrendRange{0, 1});
+    const TrendRange zero =
+        value_axis(measurement::Quantity::ber, TrendRange{1e-6, 1e-5}, TrendRange{0, 1});
     QVERIFY(zero.lower > 0 && std::isfinite(zero.upper));
 }
 
@@ -76,17 +77,18 @@ void TrendTest::the_value_axis_has_its_room_and_its_shortest_length_data() {
     QTest::addColumn<QList<double>>("values");
     QTest::addColumn<double>("lower");
     QTest::addColumn<double>("upper");
-    const auto row = [](const char* name, Quantity quantity, const QList<double>& values,
-                        double lower, double upper) {
+    const auto row = [](const char* name, measurement::Quantity quantity,
+                        const QList<double>& values, double lower, double upper) {
         QTest::newRow(name) << static_cast<int>(quantity) << values << lower << upper;
     };
-    row("no level", Quantity::level, {}, 12, 128);
-    row("one level", Quantity::level, {50, 50}, 44.2, 55.8);
-    row("levels far apart", Quantity::level, {40, 70}, 37.6, 72.4);
-    row("no MER", Quantity::mer, {}, -2.4, 32.4);
-    row("one MER", Quantity::mer, {10, 10}, 7.1, 12.9);
-    row("no error rate", Quantity::ber, {}, std::pow(10, -9.64), std::pow(10, -0.36));
-    row("one error rate", Quantity::ber, {1e-4, 1e-4}, std::pow(10, -5.16), std::pow(10, -2.84));
+    row("no level", measurement::Quantity::level, {}, 12, 128);
+    row("one level", measurement::Quantity::level, {50, 50}, 44.2, 55.8);
+    row("levels far apart", measurement::Quantity::level, {40, 70}, 37.6, 72.4);
+    row("no MER", measurement::Quantity::mer, {}, -2.4, 32.4);
+    row("one MER", measurement::Quantity::mer, {10, 10}, 7.1, 12.9);
+    row("no error rate", measurement::Quantity::ber, {}, std::pow(10, -9.64), std::pow(10, -0.36));
+    row("one error rate", measurement::Quantity::ber, {1e-4, 1e-4}, std::pow(10, -5.16),
+        std::pow(10, -2.84));
 }
 
 void TrendTest::the_value_axis_has_its_room_and_its_shortest_length() {
@@ -94,7 +96,7 @@ void TrendTest::the_value_axis_has_its_room_and_its_shortest_length() {
     QFETCH(QList<double>, values);
     std::optional<TrendRange> in_sight;
     if (!values.isEmpty()) in_sight = TrendRange{values[0], values[1]};
-    const TrendRange axis = value_axis(static_cast<Quantity>(quantity), in_sight, {});
+    const TrendRange axis = value_axis(static_cast<measurement::Quantity>(quantity), in_sight, {});
     QTEST(axis.lower, "lower");
     QTEST(axis.upper, "upper");
 }
@@ -148,7 +150,7 @@ void TrendTest::one_row_alone_has_a_minute_around_it() {
 }
 
 void TrendTest::the_table_holds_every_row_and_leaves_gaps_empty() {
-    PageStore page;
+    measurement::PageStore page;
     Cells cells;
     cells.ber = QStringLiteral("<1.0E-8");
     cells.status = QStringLiteral("PASS");
@@ -197,4 +199,4 @@ void TrendTest::a_table_that_cannot_be_written_says_so() {
     QVERIFY(!write_trend_table(full, series));
 }
 
-}  // namespace m47
+}  // namespace m47::trend

@@ -15,7 +15,7 @@
 #include "trend_table.h"
 #include "trend_window.h"
 
-namespace m47 {
+namespace m47::trend {
 
 constexpr double kDay = 86400;
 
@@ -40,8 +40,8 @@ inline QString clock_text(int seconds) {
 }
 
 /// A page of one program with a row every `step` seconds from ten o'clock on.
-inline PageStore page_of_levels(const QStringList& levels, int step = 10) {
-    PageStore page;
+inline measurement::PageStore page_of_levels(const QStringList& levels, int step = 10) {
+    measurement::PageStore page;
     for (int k = 0; k < levels.size(); ++k) {
         Cells cells;
         cells.time = clock_text(36000 + k * step);
@@ -51,7 +51,7 @@ inline PageStore page_of_levels(const QStringList& levels, int step = 10) {
     return page;
 }
 
-inline TrendData data_of(const PageStore& page) {
+inline TrendData data_of(const measurement::PageStore& page) {
     TrendData data;
     data.update(page);
     return data;
@@ -66,7 +66,8 @@ inline QString drawn(const std::vector<TrendSpot>& spots) {
     return texts.join(u' ');
 }
 
-inline TrendSamples all_of(const TrendData& data, Quantity quantity, int columns = 1000) {
+inline TrendSamples all_of(const TrendData& data, measurement::Quantity quantity,
+                           int columns = 1000) {
     return sample_trend(*data.series().front(), quantity, data.time(), columns);
 }
 
@@ -133,4 +134,4 @@ class TrendTest : public QObject {
     void a_table_that_cannot_be_written_says_so();
 };
 
-}  // namespace m47
+}  // namespace m47::trend

@@ -5,7 +5,7 @@
 
 #include "restore_plan.h"
 
-namespace m47 {
+namespace m47::asl {
 
 /// A satellite of the PC that another program has stored since it was shown here.
 struct ChangedSatellite {
@@ -39,4 +39,4 @@ class AslQuestions {
     virtual bool preview(const RestorePlan& plan) = 0;
 };
 
-}  // namespace m47
+}  // namespace m47::asl

@@ -4,7 +4,7 @@
 #include "texts.h"
 
 /// The texts of the satellite screen that are no numbered message.
-namespace m47::asl_text {
+namespace m47::asl::asl_text {
 
 inline constexpr const char* kTitle = "AutomaticSatelliteLocation";
 inline constexpr const char* kDeleteTitle = "ASL";
@@ -79,4 +79,4 @@ inline constexpr Bilingual kDiffering{"%1 of %2 bytes differ.", "%1 byte su %2 s
 inline constexpr Bilingual kNotComparable{"One of the two is not whole.",
                                           "Uno dei due non è completo."};
 
-}  // namespace m47::asl_text
+}  // namespace m47::asl::asl_text

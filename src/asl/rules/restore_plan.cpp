@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-namespace m47 {
+namespace m47::asl {
 namespace {
 
 bool changes(const SlotPlan& one) {
@@ -55,4 +55,4 @@ QList<int> slots_that_differ(const RestorePlan& plan, const SlotTable& now) {
     return differing;
 }
 
-}  // namespace m47
+}  // namespace m47::asl

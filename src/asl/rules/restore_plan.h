@@ -5,7 +5,7 @@
 
 #include "slot_block.h"
 
-namespace m47 {
+namespace m47::asl {
 
 /// What becomes of one slot in a restore.
 enum class SlotFate {
@@ -38,4 +38,4 @@ QList<int> overwritten_unread(const RestorePlan& plan);
 /// after it. A slot that was left alone must hold what it held before.
 QList<int> slots_that_differ(const RestorePlan& plan, const SlotTable& now);
 
-}  // namespace m47
+}  // namespace m47::asl

@@ -14,7 +14,7 @@
 #include "numbers.h"
 #include "work.h"
 
-namespace m47 {
+namespace m47::asl {
 namespace {
 
 constexpr int kNoPlace = -1;
@@ -36,15 +36,15 @@ bool is_place(const QStringList& list, int place) {
 
 /// The meter takes the slot in one digit when it is programmed or emptied, in two when it learns.
 QString programmed_slot(int slot) {
-    return format_number(slot, " 0");
+    return link::format_number(slot, " 0");
 }
 QString learnt_slot(int slot) {
-    return format_number(slot, " 00");
+    return link::format_number(slot, " 00");
 }
 
 }  // namespace
 
-SatelliteLists::SatelliteLists(Link& link, ProgramState& program, Recordset& asl,
+SatelliteLists::SatelliteLists(link::Link& link, ProgramState& program, db::Recordset& asl,
                                AslQuestions& questions)
     : link_(link), program_(program), asl_(asl), questions_(questions) {}
 
@@ -54,8 +54,8 @@ void SatelliteLists::Form_Load() {
 }
 
 void SatelliteLists::visualizza_listastr(Modo modo, const QString& quale) {
-    const Work work(link_, kOnlyRead);
-    const std::optional<QString> names = link_.ask(command::query(command::kSlotName));
+    const link::Work work(link_, kOnlyRead);
+    const std::optional<QString> names = link_.ask(link::command::query(link::command::kSlotName));
     panel.listastr = names ? slot_names(*names) : QStringList();
     panel.listastr_place = kNoPlace;
     if (modo == Modo::patch) {
@@ -63,7 +63,7 @@ void SatelliteLists::visualizza_listastr(Modo modo, const QString& quale) {
         return;
     }
     // An answer to something else must not become slots.
-    program_.master_copy = link_.ask(command::kCopySlots).value_or(QString());
+    program_.master_copy = link_.ask(link::command::kCopySlots).value_or(QString());
 }
 
 void SatelliteLists::visualizza_listadb() {
@@ -75,11 +75,11 @@ void SatelliteLists::visualizza_listadb() {
         if (asl_.empty()) return;
         asl_.move_last();
         for (asl_.move_first(); !asl_.end_of_set(); asl_.move_next()) {
-            panel.listadb += asl_.text(field::kNome);
+            panel.listadb += asl_.text(db::field::kNome);
             records_.push_back(asl_.bookmark());
-            data_ += asl_.text(field::kDati);
+            data_ += asl_.text(db::field::kDati);
         }
-    } catch (const EngineFault&) {
+    } catch (const db::EngineFault&) {
         // The list shows what could be read; that there is more must not go unsaid.
         throw;
     } catch (const Fault&) {
@@ -88,16 +88,16 @@ void SatelliteLists::visualizza_listadb() {
 }
 
 void SatelliteLists::refresh_listadb() {
-    const std::optional<Bookmark> selected = is_place(panel.listadb, panel.listadb_place)
-                                                 ? std::optional(record_at(panel.listadb_place))
-                                                 : std::nullopt;
+    const std::optional<db::Bookmark> selected = is_place(panel.listadb, panel.listadb_place)
+                                                     ? std::optional(record_at(panel.listadb_place))
+                                                     : std::nullopt;
     asl_.requery();
     visualizza_listadb();
     const auto found = std::ranges::find(records_, selected);
     if (found != records_.end()) panel.listadb_place = static_cast<int>(found - records_.begin());
 }
 
-Bookmark SatelliteLists::record_at(int place) const {
+db::Bookmark SatelliteLists::record_at(int place) const {
     return records_.at(static_cast<std::size_t>(place));
 }
 
@@ -115,16 +115,16 @@ void SatelliteLists::cmdlearn_Click() {
     else if (!name.isEmpty())
         learn(slot, name);
     // Whatever came of it, the meter goes back to measuring.
-    link_.send(command::kMeasure);
+    link_.send(link::command::kMeasure);
 }
 
 void SatelliteLists::learn(int slot, const QString& name) {
-    Work work = begin_slot(slot);
+    link::Work work = begin_slot(slot);
     {
-        const Undivided whole(link_);
-        link_.send(command::kMeasure);
-        link_.send(command::kLearnSlot + learnt_slot(slot));
-        link_.send(command::kSlotName + learnt_slot(slot) + u' ' + name);
+        const link::Undivided whole(link_);
+        link_.send(link::command::kMeasure);
+        link_.send(link::command::kLearnSlot + learnt_slot(slot));
+        link_.send(link::command::kSlotName + learnt_slot(slot) + u' ' + name);
     }
     tell_sent(work, slot);
     visualizza_listastr();
@@ -138,16 +138,17 @@ void SatelliteLists::cmdsave_Click() {
     const int slot = slot_to_program(selected_pc_name());
     if (slot < 0) return;
     panel.listastr[slot] = panel.listadb[place];
-    Work work = begin_slot(slot);
-    const QString block = send_named(slot, asl_.text(field::kDati), asl_.text(field::kNome));
+    link::Work work = begin_slot(slot);
+    const QString block =
+        send_named(slot, asl_.text(db::field::kDati), asl_.text(db::field::kNome));
     tell_sent(work, slot);
     visualizza_listastr(Modo::patch, block);
 }
 
 /// False, with a message, where the current record would reach the meter as something else.
 bool SatelliteLists::can_be_sent() {
-    const bool name_fits = fits_the_line(asl_.text(field::kNome));
-    const bool has_data = !without_blanks(asl_.text(field::kDati)).isEmpty();
+    const bool name_fits = fits_the_line(asl_.text(db::field::kNome));
+    const bool has_data = !without_blanks(asl_.text(db::field::kDati)).isEmpty();
     if (!name_fits)
         questions_.warn(QString::fromLatin1(asl_text::kTitle),
                         program_.texts.message(kInvalidSatelliteName));
@@ -172,7 +173,7 @@ void SatelliteLists::cmdaddindb_Click() {
     if (!is_place(panel.listastr, slot) || name == kNoSatellite) return;
     // Others may have stored it meanwhile: it is not to come in twice unasked.
     asl_.requery();
-    const bool known = asl_.find_first(field::kNome, name);
+    const bool known = asl_.find_first(db::field::kNome, name);
     if (known && !confirm(asl_text::kTitle, kSatelliteExistsRestore, u' ' + name)) return;
     const QString block = block_in_copy(program_.master_copy, slot);
     if (!header_in_copy(program_.master_copy, slot) || !SlotBlock::parse(block)) {
@@ -202,10 +203,10 @@ void SatelliteLists::unless_changed(ChangedSatellite change,
     std::optional<QString> seen;
     for (bool asked = false;; asked = true) {
         {
-            DatabaseTransaction transaction(asl_.database());
+            db::DatabaseTransaction transaction(asl_.database());
             asl_.requery();
-            const bool known = asl_.find_first(field::kNome, change.name);
-            change.stored = known ? asl_.text(field::kDati) : QString();
+            const bool known = asl_.find_first(db::field::kNome, change.name);
+            change.stored = known ? asl_.text(db::field::kDati) : QString();
             if (!asked && known) seen = seen_data();
             if (!known || seen == change.stored ||
                 (!change.deletes && change.own == change.stored)) {
@@ -227,8 +228,8 @@ void SatelliteLists::write_satellite(bool known, const QString& name, const QStr
         if (!asl_.empty()) asl_.move_last();
         asl_.add_new();
     }
-    asl_.set(field::kNome, name);
-    asl_.set(field::kDati, block);
+    asl_.set(db::field::kNome, name);
+    asl_.set(db::field::kDati, block);
     asl_.update();
 }
 
@@ -249,18 +250,18 @@ void SatelliteLists::cmddelpc_Click() {
 void SatelliteLists::cmddelstr_Click() {
     const int slot = panel.listastr_place;
     if (!is_place(panel.listastr, slot) || selected_slot_name() == kNoSatellite) return;
-    Work work = begin_slot(slot);
+    link::Work work = begin_slot(slot);
     empty_slot(slot);
     tell_sent(work, slot);
     visualizza_listastr();
 }
 
-Work SatelliteLists::begin_slot(int slot) {
-    return Work(link_, kSlotNotSent, {format_number(slot, "00")});
+link::Work SatelliteLists::begin_slot(int slot) {
+    return link::Work(link_, kSlotNotSent, {link::format_number(slot, "00")});
 }
 
-void SatelliteLists::tell_sent(Work& work, int slot) const {
-    if (link_.port_connected) work.at(kSlotSent, {format_number(slot, "00")});
+void SatelliteLists::tell_sent(link::Work& work, int slot) const {
+    if (link_.port_connected) work.at(kSlotSent, {link::format_number(slot, "00")});
 }
 
 QString SatelliteLists::send_slot(int slot, const QString& block) {
@@ -270,23 +271,23 @@ QString SatelliteLists::send_slot(int slot, const QString& block) {
 }
 
 QString SatelliteLists::send_named(int slot, const QString& block, const QString& name) {
-    const Undivided whole(link_);
+    const link::Undivided whole(link_);
     const QString text = send_slot(slot, block);
-    link_.send(command::kSlotName + programmed_slot(slot) + u' ' + name);
+    link_.send(link::command::kSlotName + programmed_slot(slot) + u' ' + name);
     return text;
 }
 
 void SatelliteLists::empty_slot(int slot) {
-    const Undivided whole(link_);
-    link_.send(command::kDeleteSlot + programmed_slot(slot));
+    const link::Undivided whole(link_);
+    link_.send(link::command::kDeleteSlot + programmed_slot(slot));
     send_slot(slot, SlotBlock().text());
 }
 
 QStringList SatelliteLists::stored_blocks() {
     QStringList blocks;
-    for (const Bookmark record : records_) {
+    for (const db::Bookmark record : records_) {
         asl_.go_to(record);
-        blocks += asl_.text(field::kDati);
+        blocks += asl_.text(db::field::kDati);
     }
     return blocks;
 }
@@ -303,4 +304,4 @@ bool SatelliteLists::confirm(const char* title, int message, const QString& rest
     return questions_.confirm(QString::fromLatin1(title), program_.texts.message(message) + rest);
 }
 
-}  // namespace m47
+}  // namespace m47::asl

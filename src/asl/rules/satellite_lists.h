@@ -13,7 +13,7 @@
 #include "slot_block.h"
 #include "work.h"
 
-namespace m47 {
+namespace m47::asl {
 
 /// What the two lists of the satellite screen show. A place is counted from 0, -1 for none.
 struct AslPanel {
@@ -27,7 +27,8 @@ struct AslPanel {
 /// are not examined: where the link is lost, the status line says so.
 class SatelliteLists {
   public:
-    SatelliteLists(Link& link, ProgramState& program, Recordset& asl, AslQuestions& questions);
+    SatelliteLists(link::Link& link, ProgramState& program, db::Recordset& asl,
+                   AslQuestions& questions);
 
     AslPanel panel;
 
@@ -73,25 +74,25 @@ class SatelliteLists {
   private:
     QString selected_slot_name() const;
     QString selected_pc_name() const;
-    Bookmark record_at(int place) const;
+    db::Bookmark record_at(int place) const;
     bool can_be_sent();
     std::optional<QString> seen_data() const;
     void unless_changed(ChangedSatellite change, const std::function<void(bool known)>& body);
     void write_satellite(bool known, const QString& name, const QString& block);
     int slot_to_program(const QString& name);
     void learn(int slot, const QString& name);
-    Work begin_slot(int slot);
-    void tell_sent(Work& work, int slot) const;
+    link::Work begin_slot(int slot);
+    void tell_sent(link::Work& work, int slot) const;
     bool confirm(const char* title, int message, const QString& rest);
 
-    Link& link_;
+    link::Link& link_;
     ProgramState& program_;
-    Recordset& asl_;
+    db::Recordset& asl_;
     AslQuestions& questions_;
     /// The records behind the entries of `panel.listadb`.
-    std::vector<Bookmark> records_;
+    std::vector<db::Bookmark> records_;
     /// The data of those records as they were read.
     QStringList data_;
 };
 
-}  // namespace m47
+}  // namespace m47::asl

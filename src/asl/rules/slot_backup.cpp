@@ -9,7 +9,7 @@
 #include "numbers.h"
 #include "save_file.h"
 
-namespace m47 {
+namespace m47::asl {
 namespace {
 
 /// Far more than a file of 20 slots; whatever is longer is none.
@@ -34,20 +34,20 @@ QList<int> missing_slots(const SlotTable& table) {
 
 QString slot_list(const QList<int>& slots_named) {
     QStringList numbers;
-    for (const int slot : slots_named) numbers += format_number(slot, "00");
+    for (const int slot : slots_named) numbers += link::format_number(slot, "00");
     return numbers.join(QStringLiteral(", "));
 }
 
 }  // namespace
 
-SlotBackup::SlotBackup(SatelliteLists& lists, Link& link, ProgramState& program,
+SlotBackup::SlotBackup(SatelliteLists& lists, link::Link& link, ProgramState& program,
                        AslQuestions& questions)
     : lists_(lists), link_(link), program_(program), questions_(questions) {}
 
 void SlotBackup::cmdsaveall_Click() {
     const QString path = questions_.file_to_save();
     if (path.isEmpty()) return;
-    Work work(link_, kNotSaved);
+    link::Work work(link_, kNotSaved);
     if (!read_meter()) return;
     const SlotTable table = present_slots();
     const QList<int> damaged = missing_slots(table);
@@ -67,7 +67,7 @@ void SlotBackup::cmdrestoreall_Click() {
         warn(program_.texts.pick(asl_text::kNoSlotsInFile).arg(QDir::toNativeSeparators(path)));
         return;
     }
-    Work work(link_, kNoneWritten);
+    link::Work work(link_, kNoneWritten);
     if (!read_meter()) return;
     const RestorePlan plan = restore_plan(present_slots(), file);
     if (!questions_.preview(plan) || !changes_any(plan)) return;
@@ -112,8 +112,8 @@ bool SlotBackup::save(const QString& path, const SlotTable& table) {
 }
 
 SlotTable SlotBackup::slots_in_file(const QString& path) {
-    const FileReading reading = read_plain_file(path, kLongestFile);
-    if (reading.fault != FileFault::none) return {};
+    const platform::FileReading reading = platform::read_plain_file(path, kLongestFile);
+    if (reading.fault != platform::FileFault::none) return {};
     return parse_slots(QString::fromLatin1(reading.bytes));
 }
 
@@ -129,7 +129,7 @@ QString SlotBackup::name_beside(const QString& path) const {
     return name + u'.' + kBackupSuffix;
 }
 
-void SlotBackup::restore(const RestorePlan& plan, const QString& before, Work& work) {
+void SlotBackup::restore(const RestorePlan& plan, const QString& before, link::Work& work) {
     const auto changes = [](const SlotPlan& slot) {
         return slot.fate == SlotFate::emptied || slot.fate == SlotFate::written;
     };
@@ -173,4 +173,4 @@ void SlotBackup::warn(const QString& text) {
     questions_.warn(QString::fromLatin1(asl_text::kTitle), text);
 }
 
-}  // namespace m47
+}  // namespace m47::asl

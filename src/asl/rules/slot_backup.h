@@ -3,7 +3,7 @@
 
 #include "satellite_lists.h"
 
-namespace m47 {
+namespace m47::asl {
 
 /// The ending of a file that keeps the meter's slots as S-records.
 inline const QString kBackupSuffix = QStringLiteral("s19");
@@ -11,7 +11,8 @@ inline const QString kBackupSuffix = QStringLiteral("s19");
 /// Keeps all slots of the meter in one text file of S-records and writes such a file back.
 class SlotBackup {
   public:
-    SlotBackup(SatelliteLists& lists, Link& link, ProgramState& program, AslQuestions& questions);
+    SlotBackup(SatelliteLists& lists, link::Link& link, ProgramState& program,
+               AslQuestions& questions);
 
     /// Reads all slots and saves them. A slot that does not arrive whole is left out, and only when
     /// the user agrees.
@@ -30,15 +31,15 @@ class SlotBackup {
     bool save(const QString& path, const SlotTable& table);
     SlotTable slots_in_file(const QString& path);
     QString name_beside(const QString& path) const;
-    void restore(const RestorePlan& plan, const QString& before, Work& work);
+    void restore(const RestorePlan& plan, const QString& before, link::Work& work);
     void write_slot(int slot, const SlotPlan& plan);
     void report(const RestorePlan& plan, const QString& before);
     void warn(const QString& text);
 
     SatelliteLists& lists_;
-    Link& link_;
+    link::Link& link_;
     ProgramState& program_;
     AslQuestions& questions_;
 };
 
-}  // namespace m47
+}  // namespace m47::asl

@@ -7,7 +7,7 @@
 #include "blanks.h"
 #include "srecord.h"
 
-namespace m47 {
+namespace m47::asl {
 namespace {
 
 constexpr qsizetype kRecordBytes = 16;
@@ -94,7 +94,7 @@ SlotBlock SlotBlock::renamed(const QString& name) const {
 }
 
 QString slot_header(int slot) {
-    return srecord_header(slot);
+    return link::srecord_header(slot);
 }
 
 SlotTable parse_slots(const QString& copy) {
@@ -169,4 +169,4 @@ bool fits_the_line(const QString& name) {
     });
 }
 
-}  // namespace m47
+}  // namespace m47::asl

@@ -9,7 +9,7 @@
 
 #include "stored_names.h"
 
-namespace m47 {
+namespace m47::asl {
 
 /// The satellite slots of the meter.
 inline constexpr int kSlots = 20;
@@ -87,4 +87,4 @@ QStringList slot_names(const QString& answer);
 /// True when the line carries every character of `name` as it is: printable Latin-1 and no other.
 bool fits_the_line(const QString& name);
 
-}  // namespace m47
+}  // namespace m47::asl

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "slot_comparison.h"
 
-namespace m47 {
+namespace m47::asl {
 
 SlotComparison compare_slots(const SlotBlock& left, const SlotBlock& right) {
     SlotComparison comparison;
@@ -19,4 +19,4 @@ SlotComparison compare_slots(const SlotBlock& left, const SlotBlock& right) {
     return comparison;
 }
 
-}  // namespace m47
+}  // namespace m47::asl

@@ -5,7 +5,7 @@
 
 #include "slot_block.h"
 
-namespace m47 {
+namespace m47::asl {
 
 /// Up to eight neighbouring bytes of two slot blocks.
 struct ComparedRow {
@@ -27,4 +27,4 @@ struct SlotComparison {
 
 SlotComparison compare_slots(const SlotBlock& left, const SlotBlock& right);
 
-}  // namespace m47
+}  // namespace m47::asl

@@ -8,9 +8,9 @@
 #include "numbers.h"
 #include "ui_asl.h"
 
-namespace m47 {
+namespace m47::asl {
 
-Asl::Asl(Link& link, ProgramState& program, Recordset& asl, QWidget* parent)
+Asl::Asl(link::Link& link, ProgramState& program, db::Recordset& asl, QWidget* parent)
     : Screen(parent),
       program_(program),
       ui_(std::make_unique<Ui::Asl>()),
@@ -80,7 +80,7 @@ QList<Comparable> Asl::comparables() {
     for (int slot = 0; slot < kSlots; ++slot) {
         const QString label =
             QStringLiteral("M47 %1  %2")
-                .arg(format_number(slot, "00"), lists_.panel.listastr.value(slot));
+                .arg(link::format_number(slot, "00"), lists_.panel.listastr.value(slot));
         entries.append({label, slots_now[static_cast<std::size_t>(slot)]});
     }
     const QStringList blocks = lists_.stored_blocks();
@@ -90,4 +90,4 @@ QList<Comparable> Asl::comparables() {
     return entries;
 }
 
-}  // namespace m47
+}  // namespace m47::asl

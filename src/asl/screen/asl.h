@@ -13,14 +13,14 @@ namespace Ui {
 class Asl;
 }
 
-namespace m47 {
+namespace m47::asl {
 
 /// The screen "Automatic Satellite Locator": binds the satellite lists to its controls.
 class Asl : public Screen {
     Q_OBJECT
   public:
     /// `asl` is the program's shared set of satellites.
-    Asl(Link& link, ProgramState& program, Recordset& asl, QWidget* parent = nullptr);
+    Asl(link::Link& link, ProgramState& program, db::Recordset& asl, QWidget* parent = nullptr);
     ~Asl() override;
 
     /// Fills the lists and sets the tooltips; run once, when the screen is already visible.
@@ -46,4 +46,4 @@ class Asl : public Screen {
     bool fresh_ = false;
 };
 
-}  // namespace m47
+}  // namespace m47::asl

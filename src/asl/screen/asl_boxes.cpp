@@ -11,7 +11,7 @@
 #include "restore_preview.h"
 #include "slot_backup.h"
 
-namespace m47 {
+namespace m47::asl {
 
 bool AslBoxes::confirm(const QString& title, const QString& text) {
     return show_message_box(screen_, QMessageBox::NoIcon, title, text,
@@ -64,4 +64,4 @@ QString AslBoxes::ask_file(bool save) {
     return ask_for_file(dialog, program_);
 }
 
-}  // namespace m47
+}  // namespace m47::asl

@@ -6,7 +6,7 @@
 #include "asl_questions.h"
 #include "program_state.h"
 
-namespace m47 {
+namespace m47::asl {
 
 /// The boxes of the satellite screen, over the screen.
 class AslBoxes : public AslQuestions {
@@ -29,4 +29,4 @@ class AslBoxes : public AslQuestions {
     const ProgramState& program_;
 };
 
-}  // namespace m47
+}  // namespace m47::asl

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "asl_tooltips.h"
 
-namespace m47 {
+namespace m47::asl {
 namespace {
 
 constexpr Tooltip kAslTooltips[] = {
@@ -24,4 +24,4 @@ std::span<const Tooltip> asl_tooltips() {
     return kAslTooltips;
 }
 
-}  // namespace m47
+}  // namespace m47::asl

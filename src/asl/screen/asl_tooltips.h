@@ -5,9 +5,9 @@
 
 #include "tooltips.h"
 
-namespace m47 {
+namespace m47::asl {
 
 /// The tooltips of the satellite screen.
 std::span<const Tooltip> asl_tooltips();
 
-}  // namespace m47
+}  // namespace m47::asl

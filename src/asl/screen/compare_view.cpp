@@ -9,7 +9,7 @@
 #include "dialog_buttons.h"
 #include "ui_compare_view.h"
 
-namespace m47 {
+namespace m47::asl {
 namespace {
 
 /// Address, the left bytes, a gap, the right bytes.
@@ -104,4 +104,4 @@ void CompareView::show_rows(const SlotComparison& comparison) {
     table->resizeRowsToContents();
 }
 
-}  // namespace m47
+}  // namespace m47::asl

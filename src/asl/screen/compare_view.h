@@ -13,7 +13,7 @@ namespace Ui {
 class CompareView;
 }
 
-namespace m47 {
+namespace m47::asl {
 
 /// A satellite that can be compared: a slot of the meter or a record of the PC. Nothing for data
 /// that are not whole.
@@ -45,4 +45,4 @@ class CompareView : public QDialog {
     std::unique_ptr<Ui::CompareView> ui_;
 };
 
-}  // namespace m47
+}  // namespace m47::asl

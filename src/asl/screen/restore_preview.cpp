@@ -9,7 +9,7 @@
 #include "numbers.h"
 #include "ui_restore_preview.h"
 
-namespace m47 {
+namespace m47::asl {
 namespace {
 
 QString fate_text(SlotFate fate, const Texts& texts) {
@@ -60,7 +60,7 @@ void RestorePreview::fill(const RestorePlan& plan, const Texts& texts) {
     int changing = 0;
     for (int slot = 0; slot < kSlots; ++slot) {
         const SlotPlan& one = plan[static_cast<std::size_t>(slot)];
-        const QStringList cells{format_number(slot, "00"), name_of(one.now, texts),
+        const QStringList cells{link::format_number(slot, "00"), name_of(one.now, texts),
                                 name_of(one.file, texts), fate_text(one.fate, texts)};
         for (int column = 0; column < cells.size(); ++column) {
             auto* cell = new QTableWidgetItem(cells[column]);
@@ -77,4 +77,4 @@ void RestorePreview::fill(const RestorePlan& plan, const Texts& texts) {
     ui_->preview_count->setText(texts.pick(asl_text::kPreviewCount).arg(changing));
 }
 
-}  // namespace m47
+}  // namespace m47::asl

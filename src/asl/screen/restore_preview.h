@@ -11,7 +11,7 @@ namespace Ui {
 class RestorePreview;
 }
 
-namespace m47 {
+namespace m47::asl {
 
 /// Shows what a restore would do to each slot, before anything is sent. It can be accepted only
 /// when something changes.
@@ -27,4 +27,4 @@ class RestorePreview : public QDialog {
     std::unique_ptr<Ui::RestorePreview> ui_;
 };
 
-}  // namespace m47
+}  // namespace m47::asl

@@ -24,19 +24,19 @@ QString reason_of(const std::error_code& error) {
 /// it would put an empty file into the older one's place.
 QString put_in_place(QSaveFile& file, const QString& path) {
     if (!file.flush()) return file.errorString();
-    const QString reason = reason_of(sync_file(file.handle()));
+    const QString reason = reason_of(platform::sync_file(file.handle()));
     if (!reason.isEmpty()) {
         file.cancelWriting();
         file.commit();
         return reason;
     }
-    return file.commit() ? reason_of(sync_folder(folder_of(path))) : file.errorString();
+    return file.commit() ? reason_of(platform::sync_folder(folder_of(path))) : file.errorString();
 }
 
 }  // namespace
 
-QString write_whole_file(const QString& path, const QByteArray& bytes, Links links) {
-    if (something_else_at(path, links)) return QStringLiteral("not a plain file");
+QString write_whole_file(const QString& path, const QByteArray& bytes, platform::Links links) {
+    if (platform::something_else_at(path, links)) return QStringLiteral("not a plain file");
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
         return file.errorString();

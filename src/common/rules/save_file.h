@@ -15,6 +15,6 @@ namespace m47 {
 /// return file and name are on the medium: what may be erased for them can be. Nothing on success,
 /// else the reason; where the folder alone could not be written out, the new file is there.
 QString write_whole_file(const QString& path, const QByteArray& bytes,
-                         Links links = Links::followed);
+                         platform::Links links = platform::Links::followed);
 
 }  // namespace m47

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "level_display.h"
 
-namespace m47 {
+namespace m47::level {
 namespace {
 
 constexpr Bilingual kLevelMeasuring{"Measuring…", "Misura in corso…"};
@@ -17,17 +17,17 @@ QString span_text(int seconds) {
     return QStringLiteral("%1 h").arg(seconds / 3600);
 }
 
-QString name_of(const Measurement& of) {
+QString name_of(const measurement::Measurement& of) {
     QStringList parts;
     if (!of.program.plan.isEmpty()) parts += of.program.plan;
     if (!of.program.number.isEmpty()) parts += of.program.number;
-    if (of.frequency) parts += frequency_text(*of.frequency) + QStringLiteral(" MHz");
+    if (of.frequency) parts += measurement::frequency_text(*of.frequency) + QStringLiteral(" MHz");
     return parts.join(QStringLiteral("  ·  "));
 }
 
 }  // namespace
 
-void LevelDisplay::measured(const Measurement& measurement, double now) {
+void LevelDisplay::measured(const measurement::Measurement& measurement, double now) {
     last_ = measurement;
     at_ = now;
     running_ = false;
@@ -39,7 +39,7 @@ bool LevelDisplay::live(double now, bool linked) const {
 
 std::optional<double> LevelDisplay::dbuv() const {
     if (!last_) return {};
-    const Reading& reading = last_->reading(Quantity::level);
+    const measurement::Reading& reading = last_->reading(measurement::Quantity::level);
     if (!reading.measured()) return {};
     return static_cast<double>(reading.value) + unit_offset(last_->unit.value_or(kDbuv));
 }
@@ -60,17 +60,18 @@ LevelPicture LevelDisplay::picture(double now, bool linked, const Texts& texts) 
         picture.value = QStringLiteral("—");
         return picture;
     }
-    const Reading& reading = last_->reading(Quantity::level);
-    picture.value =
-        reading.measured() ? reading_text(Quantity::level, reading) : QStringLiteral("—");
-    picture.unit = unit_text(last_->unit);
+    const measurement::Reading& reading = last_->reading(measurement::Quantity::level);
+    picture.value = reading.measured()
+                        ? measurement::reading_text(measurement::Quantity::level, reading)
+                        : QStringLiteral("—");
+    picture.unit = measurement::unit_text(last_->unit);
     picture.name = name_of(*last_);
-    picture.verdict = verdict_text(last_->verdict);
+    picture.verdict = measurement::verdict_text(last_->verdict);
     if (!live(now, linked)) return picture;
     picture.colour = LevelColour::live;
-    if (last_->verdict == Verdict::pass) picture.colour = LevelColour::pass;
-    if (last_->verdict == Verdict::fail) picture.colour = LevelColour::fail;
+    if (last_->verdict == measurement::Verdict::pass) picture.colour = LevelColour::pass;
+    if (last_->verdict == measurement::Verdict::fail) picture.colour = LevelColour::fail;
     return picture;
 }
 
-}  // namespace m47
+}  // namespace m47::level

@@ -8,7 +8,7 @@
 #include "measurement.h"
 #include "texts.h"
 
-namespace m47 {
+namespace m47::level {
 
 /// What a level seen from afar is drawn in: a colour of its own for each outcome only while the
 /// value is live.
@@ -31,7 +31,7 @@ class LevelDisplay {
   public:
     static constexpr double kLiveSeconds = 10;
 
-    void measured(const Measurement& measurement, double now);
+    void measured(const measurement::Measurement& measurement, double now);
     /// A measurement begins: what is shown is that of the one before.
     void begins() { running_ = true; }
     /// It has ended, with or without a row.
@@ -47,9 +47,9 @@ class LevelDisplay {
   private:
     QString age_text(double now, bool linked, const Texts& texts) const;
 
-    std::optional<Measurement> last_;
+    std::optional<measurement::Measurement> last_;
     double at_ = 0;
     bool running_ = false;
 };
 
-}  // namespace m47
+}  // namespace m47::level

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <numbers>
 
-namespace m47 {
+namespace m47::level {
 namespace {
 
 constexpr double kReferenceHz = 440;
@@ -36,4 +36,4 @@ QByteArray LevelTone::samples(double hertz, double seconds) {
     return bytes;
 }
 
-}  // namespace m47
+}  // namespace m47::level

@@ -3,7 +3,7 @@
 
 #include <QByteArray>
 
-namespace m47 {
+namespace m47::level {
 
 /// A short tone whose pitch follows the level, for somebody who turns a dish and cannot look: 10 dB
 /// are an octave, so that half a dB is clearly heard.
@@ -21,4 +21,4 @@ class LevelTone {
     static QByteArray samples(double hertz, double seconds);
 };
 
-}  // namespace m47
+}  // namespace m47::level

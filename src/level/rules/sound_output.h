@@ -4,7 +4,7 @@
 #include <QByteArray>
 #include <QtPlugin>
 
-namespace m47 {
+namespace m47::level {
 
 /// A sound device of the desktop. The libraries behind it are many and large and few need them, so
 /// that it is loaded when the first tone is asked for.
@@ -20,7 +20,7 @@ class SoundOutput {
     virtual void play(const QByteArray& samples) = 0;
 };
 
-}  // namespace m47
+}  // namespace m47::level
 
 #define M47_SOUND_OUTPUT "org.m47remote.SoundOutput/1"
-Q_DECLARE_INTERFACE(m47::SoundOutput, M47_SOUND_OUTPUT)
+Q_DECLARE_INTERFACE(m47::level::SoundOutput, M47_SOUND_OUTPUT)

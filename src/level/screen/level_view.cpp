@@ -5,7 +5,7 @@
 #include <QPainter>
 #include <chrono>
 
-namespace m47 {
+namespace m47::level {
 namespace {
 
 constexpr Bilingual kLevelTitle{"Level", "Livello"};
@@ -77,7 +77,7 @@ void LevelView::closeEvent(QCloseEvent* event) {
     QWidget::closeEvent(event);
 }
 
-void LevelView::measured(const Measurement& measurement) {
+void LevelView::measured(const measurement::Measurement& measurement) {
     display_.measured(measurement, now());
     refresh();
     const std::optional<double> level = display_.dbuv();
@@ -150,4 +150,4 @@ void LevelView::keyPressEvent(QKeyEvent* event) {
     }
 }
 
-}  // namespace m47
+}  // namespace m47::level

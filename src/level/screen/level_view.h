@@ -9,7 +9,7 @@
 #include "level_display.h"
 #include "tone_player.h"
 
-namespace m47 {
+namespace m47::level {
 
 /// The level over the whole screen of the desktop, for work on the roof. It shows the measurements
 /// that the real-time screen makes and starts none itself. Esc leaves, T turns the tone on and off.
@@ -21,7 +21,7 @@ class LevelView : public QWidget {
     /// `linked` is asked whether the meter answers; `texts` outlive the view.
     LevelView(const Texts& texts, std::function<bool()> linked, QWidget* parent);
 
-    void measured(const Measurement& measurement);
+    void measured(const measurement::Measurement& measurement);
     void begins();
     void ended();
 
@@ -49,4 +49,4 @@ class LevelView : public QWidget {
     QString remark_;
 };
 
-}  // namespace m47
+}  // namespace m47::level

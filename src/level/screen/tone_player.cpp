@@ -7,7 +7,7 @@
 
 #include "level_tone.h"
 
-namespace m47 {
+namespace m47::level {
 namespace {
 
 constexpr double kToneSeconds = 0.4;
@@ -59,4 +59,4 @@ void TonePlayer::play(double level) {
     if (open_) output()->play(LevelTone::samples(LevelTone::pitch(level), kToneSeconds));
 }
 
-}  // namespace m47
+}  // namespace m47::level

@@ -6,7 +6,7 @@
 
 #include "sound_output.h"
 
-namespace m47 {
+namespace m47::level {
 
 /// Plays a tone for each measurement on the desktop's sound device. Sound is short and ends by
 /// itself: no tone goes on for a value that is old.
@@ -39,4 +39,4 @@ class TonePlayer {
     bool open_ = false;
 };
 
-}  // namespace m47
+}  // namespace m47::level

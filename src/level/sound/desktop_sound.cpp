@@ -5,7 +5,7 @@
 #include <QAudioSink>
 #include <QMediaDevices>
 
-namespace m47 {
+namespace m47::level {
 
 DesktopSound::DesktopSound() = default;
 
@@ -35,4 +35,4 @@ void DesktopSound::play(const QByteArray& samples) {
     if (QIODevice* device = sink_->start()) device->write(samples);
 }
 
-}  // namespace m47
+}  // namespace m47::level

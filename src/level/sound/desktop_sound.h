@@ -8,13 +8,13 @@
 
 class QAudioSink;
 
-namespace m47 {
+namespace m47::level {
 
 /// The desktop's own sound device.
 class DesktopSound : public QObject, public SoundOutput {
     Q_OBJECT
     Q_PLUGIN_METADATA(IID M47_SOUND_OUTPUT)
-    Q_INTERFACES(m47::SoundOutput)
+    Q_INTERFACES(m47::level::SoundOutput)
   public:
     DesktopSound();
     ~DesktopSound() override;
@@ -27,4 +27,4 @@ class DesktopSound : public QObject, public SoundOutput {
     std::unique_ptr<QAudioSink> sink_;
 };
 
-}  // namespace m47
+}  // namespace m47::level

@@ -3,7 +3,7 @@
 
 #include <QDateTime>
 
-namespace m47 {
+namespace m47::link {
 
 /// The program's only source of time, so that a limit of 240 s is tested in milliseconds.
 class Clock {
@@ -44,4 +44,4 @@ class ClockSpan {
     Clock& clock_;
 };
 
-}  // namespace m47
+}  // namespace m47::link

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "clock_tick.h"
 
-namespace m47 {
+namespace m47::link {
 
 using std::chrono::nanoseconds;
 
@@ -25,4 +25,4 @@ nanoseconds time_to_next_tick(nanoseconds since_midnight) {
     return tick - since_midnight % tick;
 }
 
-}  // namespace m47
+}  // namespace m47::link

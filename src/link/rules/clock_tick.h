@@ -3,7 +3,7 @@
 
 #include <chrono>
 
-namespace m47 {
+namespace m47::link {
 
 /// The step of a clock that counts seconds since midnight in single precision, at the time
 /// `since_midnight`: 1/512 s until 09:06, 1/256 s until 18:12, 1/128 s until 36:24. Never finer
@@ -17,4 +17,4 @@ float tick_reading(std::chrono::nanoseconds since_midnight);
 /// The time until that reading changes next, above 0.
 std::chrono::nanoseconds time_to_next_tick(std::chrono::nanoseconds since_midnight);
 
-}  // namespace m47
+}  // namespace m47::link

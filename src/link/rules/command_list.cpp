@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "command_list.h"
 
-namespace m47::command {
+namespace m47::link::command {
 
 std::vector<Group> command_list() {
     return {
@@ -20,4 +20,4 @@ std::vector<Group> command_list() {
     };
 }
 
-}  // namespace m47::command
+}  // namespace m47::link::command

@@ -5,7 +5,7 @@
 
 #include "commands.h"
 
-namespace m47::command {
+namespace m47::link::command {
 
 /// The words of one subject.
 struct Group {
@@ -17,4 +17,4 @@ struct Group {
 /// one after the other.
 std::vector<Group> command_list();
 
-}  // namespace m47::command
+}  // namespace m47::link::command

@@ -7,7 +7,7 @@
 /// The command words of the meter. An argument follows with the blanks that its command wants; a
 /// query is the word and "?". What stands beside a word goes into the page that describes the
 /// protocol.
-namespace m47::command {
+namespace m47::link::command {
 
 /// One way in which a command is used.
 struct Usage {
@@ -165,4 +165,4 @@ inline const QString kBoxOscillator = kOscillator + QStringLiteral("01");
 /// Memory area 6 holds all satellite slots.
 inline const QString kCopySlots = kMasterCopy + QStringLiteral(" 6?");
 
-}  // namespace m47::command
+}  // namespace m47::link::command

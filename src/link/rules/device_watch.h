@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-namespace m47 {
+namespace m47::link {
 
 /// Whether the device of the port in use has gone and come back. It is told once a second whether
 /// the device is there.
@@ -25,4 +25,4 @@ class DeviceWatch {
     bool came_back_ = false;
 };
 
-}  // namespace m47
+}  // namespace m47::link

@@ -4,7 +4,7 @@
 #include "commands.h"
 #include "numbers.h"
 
-namespace m47 {
+namespace m47::link {
 namespace {
 
 /// From this firmware on only the PLUS model has the satellite locator.
@@ -81,4 +81,4 @@ void Identification::show_version(const QString& version) {
         window_.enable_asl(version.contains(QLatin1String("PLUS")));
 }
 
-}  // namespace m47
+}  // namespace m47::link

@@ -9,7 +9,7 @@
 #include "port_list.h"
 #include "texts.h"
 
-namespace m47 {
+namespace m47::link {
 
 /// What picking a port changes on the main window besides the link's own display.
 class MainWindowView {
@@ -71,4 +71,4 @@ class Identification {
     QString caption_;  ///< of the window before the version was added
 };
 
-}  // namespace m47
+}  // namespace m47::link

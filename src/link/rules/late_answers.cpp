@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-namespace m47 {
+namespace m47::link {
 namespace {
 
 /// More commands than the answers lag behind even where each was asked three times.
@@ -49,4 +49,4 @@ bool LateAnswers::is_to_another(const QString& answer, const QString& command) c
     return echo != command && asked_.contains(echo);
 }
 
-}  // namespace m47
+}  // namespace m47::link

@@ -5,7 +5,7 @@
 #include <QStringList>
 #include <vector>
 
-namespace m47 {
+namespace m47::link {
 
 /// Answers that the meter may still send although nobody waits for them any more: a command that
 /// was asked again because its answer was late is answered twice. The protocol numbers nothing, so
@@ -40,4 +40,4 @@ class LateAnswers {
     QStringList asked_;  ///< the last commands that went out, each once
 };
 
-}  // namespace m47
+}  // namespace m47::link

@@ -9,7 +9,7 @@
 #include "srecord.h"
 #include "transaction.h"
 
-namespace m47 {
+namespace m47::link {
 namespace {
 
 constexpr int kAttempts = 3;
@@ -247,4 +247,4 @@ QString port_state_text(int port_number, bool connected) {
     return text + (connected ? QStringLiteral(" Connected") : QStringLiteral(" NOT Connected"));
 }
 
-}  // namespace m47
+}  // namespace m47::link

@@ -13,7 +13,7 @@
 #include "serial_port.h"
 #include "texts.h"
 
-namespace m47 {
+namespace m47::link {
 
 /// The link to the meter: one command at a time, each a whole transaction that opens the port,
 /// sends character by character, polls for the answer, retries, closes the port and reduces the
@@ -187,4 +187,4 @@ class Suspended {
 /// "RS232 ComPort 2 Connected" or "RS232 ComPort 2 NOT Connected".
 QString port_state_text(int port_number, bool connected);
 
-}  // namespace m47
+}  // namespace m47::link

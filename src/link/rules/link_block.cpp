@@ -2,7 +2,7 @@
 #include "link.h"
 #include "transaction.h"
 
-namespace m47 {
+namespace m47::link {
 namespace {
 
 /// Seconds from before the first character within which the answer's first CR is there.
@@ -49,4 +49,4 @@ bool Link::is_late_to_block() {
     return true;
 }
 
-}  // namespace m47
+}  // namespace m47::link

@@ -4,7 +4,7 @@
 #include "link.h"
 #include "transaction.h"
 
-namespace m47 {
+namespace m47::link {
 namespace {
 
 /// Seconds by which one answer may take longer than another to the same command, and after which a
@@ -120,4 +120,4 @@ void Link::wait_until_unambiguous(const QString& command) {
     end_when_interrupted();
 }
 
-}  // namespace m47
+}  // namespace m47::link

@@ -3,7 +3,7 @@
 
 #include <QString>
 
-namespace m47 {
+namespace m47::link {
 
 /// The steps of the progress bar; behind the last it begins anew.
 inline constexpr int kProgressSteps = 100;
@@ -28,4 +28,4 @@ class LinkView {
     virtual void pump() = 0;
 };
 
-}  // namespace m47
+}  // namespace m47::link

@@ -7,7 +7,7 @@
 #include "fault.h"
 #include "numbers.h"
 
-namespace m47 {
+namespace m47::link {
 namespace {
 
 bool has_digit(const QString& text) {
@@ -61,4 +61,4 @@ QString noise_power(const QString& reply) {
     return reply.mid(word + 4 - 1, length);
 }
 
-}  // namespace m47
+}  // namespace m47::link

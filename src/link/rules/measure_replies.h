@@ -3,7 +3,7 @@
 
 #include <QString>
 
-namespace m47 {
+namespace m47::link {
 
 /// The number of a displayed value without its range mark: a "<" or ">" in front says that the
 /// reading lies below or above the meter's range. 0 where there is no number.
@@ -32,4 +32,4 @@ bool level_for_attenuator(const QString& reply, double& level);
 /// line end in its right place is a Fault.
 QString noise_power(const QString& reply);
 
-}  // namespace m47
+}  // namespace m47::link

@@ -6,7 +6,7 @@
 #include "commands.h"
 #include "numbers.h"
 
-namespace m47 {
+namespace m47::link {
 namespace {
 
 /// What stands behind `word` in `command`: an argument, or "?". Nothing where another word is
@@ -63,4 +63,4 @@ void MeterSettings::take_oscillator(const QString& argument) {
     if (number > 0 && found != stored_.end()) oscillator_ = found->second;
 }
 
-}  // namespace m47
+}  // namespace m47::link

@@ -5,7 +5,7 @@
 #include <map>
 #include <optional>
 
-namespace m47 {
+namespace m47::link {
 
 /// How the meter is set as far as the line has shown: what it was told last, or said when it was
 /// asked. A reading holds by these, not by what a screen has in its boxes.
@@ -36,4 +36,4 @@ class MeterSettings {
     std::map<int, double> stored_;  ///< MHz, by the number of the oscillator
 };
 
-}  // namespace m47
+}  // namespace m47::link

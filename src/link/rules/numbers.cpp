@@ -11,7 +11,7 @@
 #include <string>
 #include <string_view>
 
-namespace m47 {
+namespace m47::link {
 namespace {
 
 constexpr std::string_view kDigits = "0123456789ABCDEF";
@@ -180,4 +180,4 @@ QString format_freq(const QString& text) {
     return format_number(frequency, satellite_if ? "0000.0" : "00000");
 }
 
-}  // namespace m47
+}  // namespace m47::link

@@ -3,7 +3,7 @@
 
 #include <QString>
 
-namespace m47 {
+namespace m47::link {
 
 /// The number that `text` begins with (blanks before it skipped, exponent allowed, "." as the
 /// decimal point), 0 where it begins with none. For everything the meter sends.
@@ -35,4 +35,4 @@ QString hex_to_num(const QString& text, int base);
 /// band), "00000" outside.
 QString format_freq(const QString& text);
 
-}  // namespace m47
+}  // namespace m47::link

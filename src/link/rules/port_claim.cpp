@@ -3,7 +3,7 @@
 
 #include <utility>
 
-namespace m47 {
+namespace m47::link {
 namespace {
 
 constexpr Bilingual kClaimed{
@@ -24,7 +24,7 @@ QStringList PortClaim::usual_folders() {
 
 bool PortClaim::take(const QString& device) {
     release();
-    const std::optional<QString> name = name_of_device(device);
+    const std::optional<QString> name = platform::name_of_device(device);
     if (!name) return true;
     for (const QString& folder : std::as_const(folders_))
         if (file_.take(folder + QStringLiteral("/m47-remote-") + *name + QStringLiteral(".lock")) ||
@@ -33,9 +33,10 @@ bool PortClaim::take(const QString& device) {
     return !holder();
 }
 
-QString claim_text(const RunningProcess& holder, const QString& device, const Texts& texts) {
+QString claim_text(const platform::RunningProcess& holder, const QString& device,
+                   const Texts& texts) {
     if (holder.program.isEmpty()) return texts.pick(kClaimedUnseen).arg(device);
     return texts.pick(kClaimed).arg(device, holder.program, QString::number(holder.process));
 }
 
-}  // namespace m47
+}  // namespace m47::link

@@ -8,7 +8,7 @@
 #include "claim_file.h"
 #include "texts.h"
 
-namespace m47 {
+namespace m47::link {
 
 /// Keeps a second start of this program off a device for as long as this one uses it. The port
 /// itself is open only during an exchange, so that its own lock leaves gaps. A device is known by
@@ -25,16 +25,17 @@ class PortClaim {
     void release() { file_.release(); }
 
     /// Who has the device that take() was refused last; nothing when it was not.
-    const std::optional<RunningProcess>& holder() const { return file_.holder(); }
+    const std::optional<platform::RunningProcess>& holder() const { return file_.holder(); }
 
     static QStringList usual_folders();
 
   private:
     QStringList folders_;
-    ClaimFile file_;
+    platform::ClaimFile file_;
 };
 
 /// Who has `device`, and what helps.
-QString claim_text(const RunningProcess& holder, const QString& device, const Texts& texts);
+QString claim_text(const platform::RunningProcess& holder, const QString& device,
+                   const Texts& texts);
 
-}  // namespace m47
+}  // namespace m47::link

@@ -8,7 +8,7 @@
 #include "port_lock.h"
 #include "serial_line.h"
 
-namespace m47 {
+namespace m47::link {
 namespace {
 
 constexpr Bilingual kNoPortChosen{"No device stands behind this port number.",
@@ -75,14 +75,14 @@ PortFault fault_of(const std::error_code& error) {
 
 QString no_permission_text(const QString& device, const Texts& texts) {
     QString text = texts.pick(kNoPermission).arg(device);
-    if (const std::optional<QString> group = group_of_device(device))
-        text += texts.pick(kJoinGroup).arg(*group, name_of_user());
+    if (const std::optional<QString> group = platform::group_of_device(device))
+        text += texts.pick(kJoinGroup).arg(*group, platform::name_of_user());
     return text;
 }
 
 QString busy_text(const QString& device, const Texts& texts) {
     QString text = texts.pick(kBusy).arg(device);
-    const std::optional<RunningProcess> holder = lock_file_holder(lock_file_of(device));
+    const std::optional<platform::RunningProcess> holder = lock_file_holder(lock_file_of(device));
     if (holder && !holder->program.isEmpty())
         text += texts.pick(kBusyBy).arg(holder->program, QString::number(holder->process));
     return text;
@@ -110,7 +110,7 @@ QString device_path(const QString& device) {
 
 PortFault look_at(const QString& device) {
     if (device.isEmpty()) return PortFault::missing;
-    return fault_of(fault_of_line(device_path(device)));
+    return fault_of(platform::fault_of_line(device_path(device)));
 }
 
 QString port_fault_text(PortFault fault, const QString& device, const Texts& texts) {
@@ -145,4 +145,4 @@ QString port_fault_text(PortFault fault, const QString& device, const Texts& tex
     return texts.pick(kOther).arg(device);
 }
 
-}  // namespace m47
+}  // namespace m47::link

@@ -6,7 +6,7 @@
 #include "serial_port.h"
 #include "texts.h"
 
-namespace m47 {
+namespace m47::link {
 
 /// The absolute path of `device`: a bare name ("ttyUSB0") lies in /dev unless the current directory
 /// has a file of that name, every other relative path starts from the current directory. Empty for
@@ -20,4 +20,4 @@ PortFault look_at(const QString& device);
 /// One sentence or two for the user: what is wrong with `device` and what helps. Empty for `none`.
 QString port_fault_text(PortFault fault, const QString& device, const Texts& texts);
 
-}  // namespace m47
+}  // namespace m47::link

@@ -9,7 +9,7 @@
 
 #include "port_diagnosis.h"
 
-namespace m47 {
+namespace m47::link {
 namespace {
 
 QString on_board_name(int number) {
@@ -104,4 +104,4 @@ QString PortList::persistent_name(const QString& device) const {
     return persistent_names(sources_.dev).value(true_path(device), device);
 }
 
-}  // namespace m47
+}  // namespace m47::link

@@ -8,7 +8,7 @@
 #include <optional>
 #include <utility>
 
-namespace m47 {
+namespace m47::link {
 
 /// The system locations of the serial lines that the system reports now.
 QStringList reported_devices();
@@ -55,4 +55,4 @@ class PortList {
     mutable std::optional<Devices> devices_;  ///< nothing as long as nobody has asked
 };
 
-}  // namespace m47
+}  // namespace m47::link

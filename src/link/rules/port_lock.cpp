@@ -7,7 +7,7 @@
 #include "file_place.h"
 #include "medium.h"
 
-namespace m47 {
+namespace m47::link {
 namespace {
 
 constexpr qint64 kLongestLockFile = 1024;
@@ -33,9 +33,9 @@ bool is_same_program(const QString& noted, const QString& running) {
 
 /// What keeps a file from being made in `folder`; none where one can be.
 PortFault look_at_folder(const QString& folder) {
-    const std::error_code fault = fault_of_writing_in(folder, "1\n");
+    const std::error_code fault = platform::fault_of_writing_in(folder, "1\n");
     if (!fault) return PortFault::none;
-    return is_full(fault) ? PortFault::lock_folder_full : PortFault::lock_folder_shut;
+    return platform::is_full(fault) ? PortFault::lock_folder_full : PortFault::lock_folder_shut;
 }
 
 }  // namespace
@@ -64,9 +64,9 @@ QString lock_file_of(const QString& device, const QStringList& folders) {
     return {};
 }
 
-std::optional<RunningProcess> lock_file_holder(const QString& lock_file) {
+std::optional<platform::RunningProcess> lock_file_holder(const QString& lock_file) {
     const LockEntry entry = read_lock_file(lock_file);
-    const std::optional<RunningProcess> holder = running_process(entry.process);
+    const std::optional<platform::RunningProcess> holder = platform::running_process(entry.process);
     return holder && is_same_program(entry.program, holder->program) ? holder : std::nullopt;
 }
 
@@ -88,4 +88,4 @@ PortFault look_at_lock_file(const QString& lock_file) {
                                                  : PortFault::lock_names_nobody;
 }
 
-}  // namespace m47
+}  // namespace m47::link

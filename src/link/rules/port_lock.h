@@ -8,7 +8,7 @@
 #include "running_process.h"
 #include "serial_port.h"
 
-namespace m47 {
+namespace m47::link {
 
 /// Where the system keeps the lock files of serial lines, in the order in which they are tried.
 QStringList lock_folders();
@@ -18,7 +18,7 @@ QStringList lock_folders();
 QString lock_file_of(const QString& device, const QStringList& folders = lock_folders());
 
 /// The program that a lock file names, where it still runs.
-std::optional<RunningProcess> lock_file_holder(const QString& lock_file);
+std::optional<platform::RunningProcess> lock_file_holder(const QString& lock_file);
 
 /// True where what stands at `lock_file` can be no lock file: a pipe, a device, a folder, a file
 /// that is too long. The serial library would wait for it or read it to its end.
@@ -27,4 +27,4 @@ bool is_no_lock_file(const QString& lock_file);
 /// Why the lock file `lock_file` cannot be made: busy only where it names a program that runs.
 PortFault look_at_lock_file(const QString& lock_file);
 
-}  // namespace m47
+}  // namespace m47::link

@@ -5,7 +5,7 @@
 
 #include "clock_tick.h"
 
-namespace m47 {
+namespace m47::link {
 
 using std::chrono::nanoseconds;
 
@@ -25,7 +25,7 @@ double RealClock::until_next_tick() const {
 }
 
 void RealClock::sleep(double seconds) {
-    if (seconds > 0) sleep_whole(seconds);
+    if (seconds > 0) platform::sleep_whole(seconds);
 }
 
 QDateTime RealClock::date_time() const {
@@ -49,4 +49,4 @@ void RealClock::end_span() {
     --spans_;
 }
 
-}  // namespace m47
+}  // namespace m47::link

@@ -7,7 +7,7 @@
 #include "clock.h"
 #include "system_time.h"
 
-namespace m47 {
+namespace m47::link {
 
 /// The system's clock. Outside a span it reads the time of day; inside, the time of day at which
 /// the outermost span began plus what has really passed since, so that neither midnight nor a
@@ -16,7 +16,7 @@ class RealClock : public Clock {
   public:
     using TimeOfDay = std::function<std::chrono::nanoseconds()>;
 
-    explicit RealClock(TimeOfDay time_of_day = local_time_of_day);
+    explicit RealClock(TimeOfDay time_of_day = platform::local_time_of_day);
 
     float now() const override;
     double until_next_tick() const override;
@@ -35,4 +35,4 @@ class RealClock : public Clock {
     std::chrono::steady_clock::time_point span_begin_;
 };
 
-}  // namespace m47
+}  // namespace m47::link

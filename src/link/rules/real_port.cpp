@@ -9,7 +9,7 @@
 #include "port_lock.h"
 #include "serial_line.h"
 
-namespace m47 {
+namespace m47::link {
 namespace {
 
 using std::chrono::milliseconds;
@@ -54,7 +54,7 @@ bool RealPort::open() {
         if (seen != PortFault::none) return fail(seen);
         return fail(refused ? look_at_lock_file(lock_file_of(device_)) : PortFault::other);
     }
-    if (!keep_line(port_.handle())) return fail(PortFault::busy);
+    if (!platform::keep_line(port_.handle())) return fail(PortFault::busy);
     if (!known_.is_the_same(port_.handle(), path)) return fail(PortFault::another_device);
     clear();
     return true;
@@ -118,7 +118,7 @@ bool RealPort::wait_for_input(milliseconds limit) {
 }
 
 void RealPort::close_when_lost() {
-    if (line_is_there(port_.handle())) return;
+    if (platform::line_is_there(port_.handle())) return;
     port_.close();
     port_.clearError();
     fault_ = PortFault::vanished;
@@ -126,7 +126,7 @@ void RealPort::close_when_lost() {
 
 /// Closing puts the line's old settings back: a character still on its way would go out wrong.
 void RealPort::drain() const {
-    wait_for_line_to_drain(port_.handle(), kDrainLimit);
+    platform::wait_for_line_to_drain(port_.handle(), kDrainLimit);
 }
 
-}  // namespace m47
+}  // namespace m47::link

@@ -6,7 +6,7 @@
 #include "known_device.h"
 #include "serial_port.h"
 
-namespace m47 {
+namespace m47::link {
 
 /// A serial device of the system, or a pseudo-terminal. It needs no event loop, and one that runs
 /// meanwhile does no harm.
@@ -33,8 +33,8 @@ class RealPort : public SerialPort {
 
     QSerialPort port_;
     QString device_;
-    KnownDevice known_;
+    platform::KnownDevice known_;
     PortFault fault_ = PortFault::none;
 };
 
-}  // namespace m47
+}  // namespace m47::link

@@ -4,7 +4,7 @@
 #include <QStringView>
 #include <algorithm>
 
-namespace m47 {
+namespace m47::link {
 namespace {
 
 constexpr double kUsualLimit = 15;
@@ -87,4 +87,4 @@ ReplyWatch::Verdict ReplyWatch::look_at(const QString& reply) {
     return verdict;
 }
 
-}  // namespace m47
+}  // namespace m47::link

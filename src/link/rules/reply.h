@@ -4,7 +4,7 @@
 #include <QByteArray>
 #include <QString>
 
-namespace m47 {
+namespace m47::link {
 
 /// Seconds within which the meter answers `command` with "OK" + CR, counted from before sending.
 double answer_limit(const QString& command);
@@ -38,4 +38,4 @@ class ReplyWatch {
     qsizetype seen_ = 0;
 };
 
-}  // namespace m47
+}  // namespace m47::link

@@ -5,7 +5,7 @@
 #include <QString>
 #include <chrono>
 
-namespace m47 {
+namespace m47::link {
 
 /// Why a port cannot be used, as far as the system tells.
 enum class PortFault {
@@ -64,4 +64,4 @@ class SerialPort {
     virtual PortFault fault() const = 0;
 };
 
-}  // namespace m47
+}  // namespace m47::link

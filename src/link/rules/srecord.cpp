@@ -3,7 +3,7 @@
 
 #include "numbers.h"
 
-namespace m47 {
+namespace m47::link {
 
 QString srecord_text(int slot) {
     return QStringLiteral("ASL ") + format_number(slot, "000");
@@ -34,4 +34,4 @@ QString srecord_header(int slot) {
     return QStringLiteral("S0") + body + srecord_checksum(body);
 }
 
-}  // namespace m47
+}  // namespace m47::link

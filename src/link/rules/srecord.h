@@ -3,7 +3,7 @@
 
 #include <QString>
 
-namespace m47 {
+namespace m47::link {
 
 /// The text that the header record of satellite slot `slot` (0 to 999) carries: "ASL 001".
 QString srecord_text(int slot);
@@ -18,4 +18,4 @@ QString srecord_checksum(const QString& body);
 /// The S0 header record of satellite slot `slot` (0 to 999).
 QString srecord_header(int slot);
 
-}  // namespace m47
+}  // namespace m47::link

@@ -5,7 +5,7 @@
 
 #include "fault.h"
 
-namespace m47 {
+namespace m47::link {
 
 /// How long one look at the line waits for input; a wait that polls costs the processor little.
 inline constexpr std::chrono::milliseconds kPollSlice{5};
@@ -29,4 +29,4 @@ class Transaction {
     bool& busy_;
 };
 
-}  // namespace m47
+}  // namespace m47::link

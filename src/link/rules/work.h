@@ -3,7 +3,7 @@
 
 #include "link.h"
 
-namespace m47 {
+namespace m47::link {
 
 /// A piece of work of more than one exchange. Where the program is told to end in it,
 /// Link::left_off says afterwards how far it came. Within another one it says nothing: the outer
@@ -41,4 +41,4 @@ class Undivided {
     Link& link_;
 };
 
-}  // namespace m47
+}  // namespace m47::link

@@ -6,7 +6,7 @@
 #include "tooltips.h"
 #include "ui_port_setting.h"
 
-namespace m47 {
+namespace m47::link {
 namespace {
 
 /// An adapter that is plugged in or out while the list is looked at shows within this time.
@@ -48,4 +48,4 @@ void PortSetting::show_devices() {
     }
 }
 
-}  // namespace m47
+}  // namespace m47::link

@@ -11,7 +11,7 @@ namespace Ui {
 class PortSetting;
 }
 
-namespace m47 {
+namespace m47::link {
 
 /// The screen "RS232 Port Setting": the user picks the port that the meter hangs on.
 class PortSetting : public Screen {
@@ -33,4 +33,4 @@ class PortSetting : public Screen {
     QTimer look_timer_;
 };
 
-}  // namespace m47
+}  // namespace m47::link

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "column_headers.h"
 
-namespace m47 {
+namespace m47::logger {
 namespace {
 
 // Places count from 0. The lengths are those of the longest unit, dBuV or dBmV.
@@ -19,4 +19,4 @@ ColumnHeaders column_headers(const QString& last_reply) {
                 QStringLiteral(")   BER    CN\r\n")};
 }
 
-}  // namespace m47
+}  // namespace m47::logger

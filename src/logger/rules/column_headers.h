@@ -3,7 +3,7 @@
 
 #include <QString>
 
-namespace m47 {
+namespace m47::logger {
 
 /// The column headers of the logged data, each ended by CR LF.
 struct ColumnHeaders {
@@ -16,4 +16,4 @@ struct ColumnHeaders {
 /// what it lacks.
 ColumnHeaders column_headers(const QString& last_reply);
 
-}  // namespace m47
+}  // namespace m47::logger

@@ -6,7 +6,7 @@
 #include "file_lock.h"
 #include "work.h"
 
-namespace m47 {
+namespace m47::logger {
 namespace {
 
 constexpr Bilingual kNothingCame{"the download brought nothing, the meter still has its logs",
@@ -17,7 +17,7 @@ constexpr Bilingual kKept{"the download is whole: %1 bytes in %2",
 /// Reports the bytes of one download; other commands of the link are nobody's concern.
 class ByteReport {
   public:
-    ByteReport(Link& link, const std::function<void(qsizetype)>& report) : link_(link) {
+    ByteReport(link::Link& link, const std::function<void(qsizetype)>& report) : link_(link) {
         link_.on_received = report;
     }
     ~ByteReport() { link_.on_received = nullptr; }
@@ -25,18 +25,18 @@ class ByteReport {
     ByteReport& operator=(const ByteReport&) = delete;
 
   private:
-    Link& link_;
+    link::Link& link_;
 };
 
 }  // namespace
 
-LoggerData::LoggerData(Link& link, ProgramState& program) : link_(link), program_(program) {}
+LoggerData::LoggerData(link::Link& link, ProgramState& program) : link_(link), program_(program) {}
 
 NameFault LoggerData::download(const QString& command, const QString& name) {
     program_.temp_file_name = name.toUpper();
     const NameFault fault = temporary_name_fault(program_.temp_file_name);
     if (fault != NameFault::none) return fault;
-    Work work(link_, kNothingCame);
+    link::Work work(link_, kNothingCame);
     bool came = false;
     {
         const ByteReport report(link_, on_bytes);
@@ -54,8 +54,9 @@ bool LoggerData::visualizza(const QByteArray& answer) {
     text_.clear();
     const QString path = program_.base_dir + program_.temp_file_name;
     // Another window in the folder may use the same name: neither is to read the other's.
-    const FileLock alone(program_.base_dir);
-    return !alone.refused() && write_file(path, answer, Links::refused) && show_file(path);
+    const platform::FileLock alone(program_.base_dir);
+    return !alone.refused() && write_file(path, answer, platform::Links::refused) &&
+           show_file(path);
 }
 
 bool LoggerData::show_file(const QString& path) {
@@ -71,7 +72,7 @@ void LoggerData::open(const QString& path) {
 }
 
 void LoggerData::save(const QString& path) {
-    if (write_file(path, text_, Links::followed)) file_name_ = path;
+    if (write_file(path, text_, platform::Links::followed)) file_name_ = path;
 }
 
 void LoggerData::remove(const QString& path) {
@@ -83,4 +84,4 @@ QString print_page(const QByteArray& text) {
     return QStringLiteral("\r\n\r\n") + QString::fromLatin1(text);
 }
 
-}  // namespace m47
+}  // namespace m47::logger

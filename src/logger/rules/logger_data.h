@@ -9,13 +9,13 @@
 #include "logger_files.h"
 #include "program_state.h"
 
-namespace m47 {
+namespace m47::logger {
 
 /// The logged data on the screen: fetched from the meter, kept in files and read back. The bytes
 /// are those of the meter (Latin-1); nothing on their way to a file recodes them.
 class LoggerData {
   public:
-    LoggerData(Link& link, ProgramState& program);
+    LoggerData(link::Link& link, ProgramState& program);
 
     /// The content of `dwl_txt`: lines, each ended by CR LF.
     const QByteArray& text() const { return text_; }
@@ -45,7 +45,7 @@ class LoggerData {
     bool visualizza(const QByteArray& answer);
     bool show_file(const QString& path);
 
-    Link& link_;
+    link::Link& link_;
     ProgramState& program_;
     QByteArray text_;
     QString file_name_;
@@ -54,4 +54,4 @@ class LoggerData {
 /// The page as it is printed: two empty lines, then the text as it stands.
 QString print_page(const QByteArray& text);
 
-}  // namespace m47
+}  // namespace m47::logger

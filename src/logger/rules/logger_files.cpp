@@ -4,7 +4,7 @@
 #include "database.h"
 #include "save_file.h"
 
-namespace m47 {
+namespace m47::logger {
 namespace {
 
 constexpr qint64 kLongestFile = qint64{64} * 1024 * 1024;
@@ -18,7 +18,7 @@ NameFault temporary_name_fault(const QString& name) {
     const bool leaves = name.contains(u'/') || name.contains(u'\\') ||
                         name.contains(QLatin1String("..")) || trimmed == QLatin1String(".");
     // On a disk that knows no case the two would be one file.
-    const bool database = trimmed.startsWith(QLatin1String(kDatabaseFile), Qt::CaseInsensitive);
+    const bool database = trimmed.startsWith(QLatin1String(db::kDatabaseFile), Qt::CaseInsensitive);
     return leaves || database ? NameFault::forbidden : NameFault::none;
 }
 
@@ -39,13 +39,13 @@ QByteArray with_line_ends(const QByteArray& content) {
 }
 
 bool read_file(const QString& path, QByteArray& content) {
-    const FileReading reading = read_plain_file(path, kLongestFile);
+    const platform::FileReading reading = platform::read_plain_file(path, kLongestFile);
     content = reading.bytes;
-    return reading.fault == FileFault::none;
+    return reading.fault == platform::FileFault::none;
 }
 
-bool write_file(const QString& path, const QByteArray& content, Links links) {
+bool write_file(const QString& path, const QByteArray& content, platform::Links links) {
     return write_whole_file(path, content + kLineEnd, links).isEmpty();
 }
 
-}  // namespace m47
+}  // namespace m47::logger

@@ -7,7 +7,7 @@
 
 #include "plain_file.h"
 
-namespace m47 {
+namespace m47::logger {
 
 /// What is wrong with a name for the temporary download file.
 enum class NameFault {
@@ -32,6 +32,6 @@ bool read_file(const QString& path, QByteArray& content);
 /// Creates or overwrites a file with `content` and one line end, whole or not at all. False when it
 /// could not be written: an older file stands as it was then. A name that the user chose may be
 /// that of a link; the program's own are not followed.
-bool write_file(const QString& path, const QByteArray& content, Links links);
+bool write_file(const QString& path, const QByteArray& content, platform::Links links);
 
-}  // namespace m47
+}  // namespace m47::logger

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <charconv>
 
-namespace m47 {
+namespace m47::logger {
 namespace {
 
 bool is_digit(char character) {
@@ -57,4 +57,4 @@ bool field_number(std::string_view field, double& number) {
     return error == std::errc() && stop == end && number == number;
 }
 
-}  // namespace m47
+}  // namespace m47::logger

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-namespace m47 {
+namespace m47::logger {
 
 /// What a line of the logged data looks like.
 enum class LineKind {
@@ -30,4 +30,4 @@ QStringList heading_names(std::string_view headings);
 /// ("---").
 bool field_number(std::string_view field, double& number);
 
-}  // namespace m47
+}  // namespace m47::logger

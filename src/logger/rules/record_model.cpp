@@ -6,7 +6,7 @@
 
 #include "column_headers.h"
 
-namespace m47 {
+namespace m47::logger {
 namespace {
 
 enum FixedColumn { kLineColumn, kLogColumn, kFirstNamed };
@@ -213,4 +213,4 @@ QString RecordModel::tab_separated(const std::vector<int>& rows) const {
     return text;
 }
 
-}  // namespace m47
+}  // namespace m47::logger

@@ -9,7 +9,7 @@
 
 #include "record_lines.h"
 
-namespace m47 {
+namespace m47::logger {
 
 /// The logged data as a table, a row for each line that is not empty: the line's number, the log it
 /// belongs to, then a column for each name that the text's own headings give (so that levels in two
@@ -67,4 +67,4 @@ class RecordModel : public QAbstractTableModel {
     int digital_ = -1;
 };
 
-}  // namespace m47
+}  // namespace m47::logger

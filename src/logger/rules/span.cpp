@@ -7,7 +7,7 @@
 #include "commands.h"
 #include "numbers.h"
 
-namespace m47 {
+namespace m47::logger {
 namespace {
 
 constexpr double kDetectorOffset = 30;
@@ -29,7 +29,7 @@ std::optional<SpanPoint> span_point(QStringView line) {
     const qsizetype tab = line.indexOf(u'\t');
     if (tab < 0) return {};
     return SpanPoint{line.first(tab).toString(),
-                     meter_value(line.sliced(tab + 1).toString()) - kDetectorOffset};
+                     link::meter_value(line.sliced(tab + 1).toString()) - kDetectorOffset};
 }
 
 }  // namespace
@@ -45,9 +45,9 @@ SpanPoints parse_span(const QString& reply) {
     return points;
 }
 
-SpanPoints read_span(Link& link) {
-    if (!link.send(command::kTabbedOutput)) return {};
-    const std::optional<QString> span = link.ask(command::kSpan);
+SpanPoints read_span(link::Link& link) {
+    if (!link.send(link::command::kTabbedOutput)) return {};
+    const std::optional<QString> span = link.ask(link::command::kSpan);
     return span ? parse_span(*span) : SpanPoints();
 }
 
@@ -55,7 +55,7 @@ QString span_point_text(const SpanPoints& points, std::size_t row) {
     if (row < 1 || row > points.size()) return {};
     const SpanPoint& point = points[row - 1];
     const double value = QString::number(point.value, 'f', kShownDecimals).toDouble();
-    return point.label + u' ' + plain_text(value);
+    return point.label + u' ' + link::plain_text(value);
 }
 
-}  // namespace m47
+}  // namespace m47::logger

@@ -6,7 +6,7 @@
 
 #include "link.h"
 
-namespace m47 {
+namespace m47::logger {
 
 /// One point of a span: what the meter calls it (its frequency) and its level.
 struct SpanPoint {
@@ -26,10 +26,10 @@ inline constexpr std::size_t kSpanRows = 100;
 SpanPoints parse_span(const QString& reply);
 
 /// Asks the meter for its span. Empty when nothing could be sent or the link was lost.
-SpanPoints read_span(Link& link);
+SpanPoints read_span(link::Link& link);
 
 /// What is shown of row `row` (1 to 100) of the chart: its label, a blank and its value. Empty for
 /// a row that is not filled.
 QString span_point_text(const SpanPoints& points, std::size_t row);
 
-}  // namespace m47
+}  // namespace m47::logger

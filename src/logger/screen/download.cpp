@@ -12,7 +12,7 @@
 #include "text_printer.h"
 #include "ui_download.h"
 
-namespace m47 {
+namespace m47::logger {
 namespace {
 
 /// The keys of the toolbar in their order. They are no part of the form, since "delete" is no name
@@ -29,7 +29,7 @@ constexpr Bilingual kCopyRows{"Copy rows", "Copia righe"};
 
 }  // namespace
 
-Download::Download(Link& link, ProgramState& program, QWidget* parent)
+Download::Download(link::Link& link, ProgramState& program, QWidget* parent)
     : Screen(parent),
       data(link, program),
       link_(link),
@@ -63,7 +63,7 @@ void Download::Form_Load() {
 }
 
 void Download::Form_Activate() {
-    handle("Form_Activate", [this] { link_.send(command::kMeterDevice); });
+    handle("Form_Activate", [this] { link_.send(link::command::kMeterDevice); });
 }
 
 void Download::add_keys() {
@@ -103,23 +103,23 @@ void Download::connect_table() {
 }
 
 void Download::cmddownload_Click() {
-    download(command::kAllLogs);
+    download(link::command::kAllLogs);
 }
 
 void Download::cmddownloadlast_Click() {
-    download(command::kLastLog);
+    download(link::command::kLastLog);
 }
 
 void Download::cmdclearall_Click() {
-    link_.send(command::kDeleteAllLogs);
+    link_.send(link::command::kDeleteAllLogs);
 }
 
 void Download::cmdclearlast_Click() {
-    link_.send(command::kDeleteLastLog);
+    link_.send(link::command::kDeleteLastLog);
 }
 
 void Download::cmddatain_Click() {
-    link_.send(command::kStartLog);
+    link_.send(link::command::kStartLog);
 }
 
 void Download::download(const QString& command) {
@@ -216,4 +216,4 @@ void Download::createdoc() {
     print_text(this, windowTitle(), print_page(data.text()), program_.texts);
 }
 
-}  // namespace m47
+}  // namespace m47::logger

@@ -15,14 +15,14 @@ namespace Ui {
 class Download;
 }
 
-namespace m47 {
+namespace m47::logger {
 
 /// The screen "Download Data Logged": fetches what the meter's logger has recorded, shows it as
 /// text and as a table, keeps it in ".dwl" files, and shows a span as a curve.
 class Download : public Screen {
     Q_OBJECT
   public:
-    Download(Link& link, ProgramState& program, QWidget* parent = nullptr);
+    Download(link::Link& link, ProgramState& program, QWidget* parent = nullptr);
     ~Download() override;
 
     /// Wide enough for a record, high enough for a few logs.
@@ -63,7 +63,7 @@ class Download : public Screen {
     QString ask_file(const std::function<void(QFileDialog&)>& set_up);
     void show_message(QMessageBox::Icon icon, const QString& title, int number);
 
-    Link& link_;
+    link::Link& link_;
     ProgramState& program_;
     std::unique_ptr<Ui::Download> ui_;
     /// The name of the temporary file as typed.
@@ -71,4 +71,4 @@ class Download : public Screen {
     bool table_filled_ = true;
 };
 
-}  // namespace m47
+}  // namespace m47::logger

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "download_tooltips.h"
 
-namespace m47 {
+namespace m47::logger {
 namespace {
 
 constexpr Tooltip kTooltips[] = {
@@ -32,4 +32,4 @@ std::span<const Tooltip> download_tooltips() {
     return kTooltips;
 }
 
-}  // namespace m47
+}  // namespace m47::logger

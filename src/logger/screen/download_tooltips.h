@@ -5,9 +5,9 @@
 
 #include "tooltips.h"
 
-namespace m47 {
+namespace m47::logger {
 
 /// The tooltips of the logger screen's controls and toolbar keys, in both languages.
 std::span<const Tooltip> download_tooltips();
 
-}  // namespace m47
+}  // namespace m47::logger

@@ -6,7 +6,7 @@
 #include <QHeaderView>
 #include <algorithm>
 
-namespace m47 {
+namespace m47::logger {
 
 RecordTable::RecordTable(QWidget* parent)
     : QTableView(parent), records_(new RecordModel(this)), copy_(new QAction(this)) {
@@ -41,4 +41,4 @@ void RecordTable::copy_rows() const {
     QGuiApplication::clipboard()->setText(records_->tab_separated(rows));
 }
 
-}  // namespace m47
+}  // namespace m47::logger

@@ -6,7 +6,7 @@
 
 #include "record_model.h"
 
-namespace m47 {
+namespace m47::logger {
 
 /// The logged data as a table that is sorted by a click on a column's name. Ctrl+C and the context
 /// menu copy the selected rows, or all, to the clipboard.
@@ -28,4 +28,4 @@ class RecordTable : public QTableView {
     QAction* copy_;
 };
 
-}  // namespace m47
+}  // namespace m47::logger

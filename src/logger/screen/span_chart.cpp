@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace m47 {
+namespace m47::logger {
 namespace {
 
 constexpr double kCurveWidth = 1.5;
@@ -113,4 +113,4 @@ void SpanChart::take_colours() {
     mark_->setScatterStyle({QCPScatterStyle::ssCircle, QPen(text, 2), Qt::NoBrush, kMarkSize});
 }
 
-}  // namespace m47
+}  // namespace m47::logger

@@ -7,7 +7,7 @@
 
 #include "span.h"
 
-namespace m47 {
+namespace m47::logger {
 
 /// The span as a curve in the colours of the palette. A click on a point marks it.
 class SpanChart : public QCustomPlot {
@@ -41,4 +41,4 @@ class SpanChart : public QCustomPlot {
     QCPGraph* mark_;
 };
 
-}  // namespace m47
+}  // namespace m47::logger

@@ -11,7 +11,7 @@
 #include "schema.h"
 #include "tables.h"
 
-namespace m47 {
+namespace m47::olddb {
 namespace {
 
 constexpr Bilingual kNameChanged{"The plan '%1' is named '%2'.",
@@ -60,7 +60,7 @@ class OldRow {
             if (table_.fields[k].compare(field, Qt::CaseInsensitive) == 0) return values_.value(k);
         return {};
     }
-    QString name() const { return shown_value(value(field::kNome)); }
+    QString name() const { return shown_value(value(db::field::kNome)); }
 
   private:
     const OldTable& table_;
@@ -90,7 +90,7 @@ class Importer {
 
     void compare_tables() {
         plan_.ignored = old_.others;
-        for (const Table& ours : schema()) {
+        for (const db::Table& ours : db::schema()) {
             const QString name = QString::fromLatin1(ours.name);
             const OldTable* theirs = table_of(ours.name);
             if (!theirs) {
@@ -98,7 +98,7 @@ class Importer {
                 continue;
             }
             QStringList known;
-            for (const Field& field : ours.fields) known += QString::fromLatin1(field.name);
+            for (const db::Field& field : ours.fields) known += QString::fromLatin1(field.name);
             for (const QString& field : std::as_const(known))
                 if (!theirs->fields.contains(field, Qt::CaseInsensitive))
                     plan_.missing += name + u'.' + field;
@@ -130,7 +130,7 @@ class Importer {
         is_new = known < 0;
         if (!is_new) return plan_.plans[known];
         ImportedPlan plan;
-        plan.name = plan_name(old_name.trimmed());
+        plan.name = programme::plan_name(old_name.trimmed());
         // Two long names can begin alike.
         if (names_.contains(plan.name)) plan.name = free_name(plan.name, names_);
         if (plan.name != old_name) plan_.corrected += {kNameChanged, {old_name, plan.name}};
@@ -144,12 +144,12 @@ class Importer {
     ImportedPlan& plan_of_row(const OldRow& row) {
         bool is_new = false;
         ImportedPlan& plan = plan_named(row.name(), is_new);
-        if (is_new && table_of(table::kGruppo)) plan_.corrected += {kNoPlanRow, {plan.name}};
+        if (is_new && table_of(db::table::kGruppo)) plan_.corrected += {kNoPlanRow, {plan.name}};
         return plan;
     }
 
     void take_plan_list() {
-        for_rows(table::kGruppo, [&](const OldRow& row) {
+        for_rows(db::table::kGruppo, [&](const OldRow& row) {
             bool is_new = false;
             const ImportedPlan& plan = plan_named(row.name(), is_new);
             if (!is_new) plan_.corrected += {kPlanTwice, {plan.name}};
@@ -161,9 +161,9 @@ class Importer {
     ImportedRow fields_of(const char* table, const OldRow& row, const Bilingual& changed,
                           const QStringList& told) {
         ImportedRow fields;
-        for (const Field& field : table_named(QLatin1String(table)).fields) {
+        for (const db::Field& field : db::table_named(QLatin1String(table)).fields) {
             const QString name = QString::fromLatin1(field.name);
-            if (name == field::kNome) continue;
+            if (name == db::field::kNome) continue;
             const QVariant old = row.value(name);
             const ImportedValue now = value_for(field, old);
             if (!now.value.isNull()) fields.insert(name, now.value);
@@ -177,7 +177,7 @@ class Importer {
     }
 
     void take_configurations() {
-        for_rows(table::kConfigurazione, [&](const OldRow& row) {
+        for_rows(db::table::kConfigurazione, [&](const OldRow& row) {
             ImportedPlan& plan = plan_of_row(row);
             const qsizetype place = names_.indexOf(plan.name);
             if (configured_[place]) {
@@ -186,15 +186,15 @@ class Importer {
             }
             configured_[place] = true;
             plan.configuration =
-                fields_of(table::kConfigurazione, row, kConfigurationChanged, {plan.name});
+                fields_of(db::table::kConfigurazione, row, kConfigurationChanged, {plan.name});
         });
     }
 
     void take_programs() {
-        for_rows(table::kProgrammi, [&](const OldRow& row) {
+        for_rows(db::table::kProgrammi, [&](const OldRow& row) {
             ImportedPlan& plan = plan_of_row(row);
-            const QStringList told{plan.name, shown_value(row.value(field::kPgNum))};
-            plan.programs += fields_of(table::kProgrammi, row, kValueChanged, told);
+            const QStringList told{plan.name, shown_value(row.value(db::field::kPgNum))};
+            plan.programs += fields_of(db::table::kProgrammi, row, kValueChanged, told);
         });
     }
 
@@ -205,7 +205,8 @@ class Importer {
             plan.programs += ImportedRow();
             plan_.corrected += {kNoProgram, {plan.name}};
         }
-        for (const char* field : {field::kPgNum, field::kLoggerPos}) tell_twins(plan, field);
+        for (const char* field : {db::field::kPgNum, db::field::kLoggerPos})
+            tell_twins(plan, field);
     }
 
     void tell_twins(const ImportedPlan& plan, const QString& field) {
@@ -220,7 +221,7 @@ class Importer {
 
     void take_satellites() {
         QStringList names;
-        for_rows(table::kAsl, [&](const OldRow& row) {
+        for_rows(db::table::kAsl, [&](const OldRow& row) {
             const QString old_name = row.name();
             ImportedSatellite satellite;
             satellite.name = satellite_name(old_name);
@@ -242,7 +243,7 @@ class Importer {
     }
 
     void take_data(const OldRow& row, ImportedSatellite& satellite) {
-        const QVariant data = row.value(field::kDati);
+        const QVariant data = row.value(db::field::kDati);
         if (!data.isNull()) satellite.data = shown_value(data);
         if (!satellite.data.toString().trimmed().endsWith(kSatelliteEnd))
             plan_.to_check += {kOddData, {satellite.name}};
@@ -275,4 +276,4 @@ ImportPlan import_plan_of(const OldDatabase& old) {
     return Importer(old).run();
 }
 
-}  // namespace m47
+}  // namespace m47::olddb

@@ -11,7 +11,7 @@
 #include "stored_names.h"
 #include "texts.h"
 
-namespace m47 {
+namespace m47::olddb {
 
 /// A row for the present database: its set fields by name.
 using ImportedRow = QMap<QString, QVariant>;
@@ -72,4 +72,4 @@ QString free_name(const QString& name, const QStringList& taken);
 /// in their form, choices outside of their lists, rows that belong to no plan.
 ImportPlan import_plan_of(const OldDatabase& old);
 
-}  // namespace m47
+}  // namespace m47::olddb

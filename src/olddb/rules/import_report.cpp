@@ -4,7 +4,7 @@
 #include <QDir>
 #include <algorithm>
 
-namespace m47 {
+namespace m47::olddb {
 namespace {
 
 Bilingual wording_of_fault(OldFileFault fault) {
@@ -167,4 +167,4 @@ QString import_report(const ImportPlan& plan, const QString& path, const QString
     return report.text;
 }
 
-}  // namespace m47
+}  // namespace m47::olddb

@@ -5,7 +5,7 @@
 
 #include "import_plan.h"
 
-namespace m47 {
+namespace m47::olddb {
 
 /// What is wrong with an old file and what helps, in the current language; as last word that
 /// nothing has been changed.
@@ -23,4 +23,4 @@ QString stopped_text(const QString& stopped, const Texts& texts);
 QString import_report(const ImportPlan& plan, const QString& path, const QString& stopped,
                       const Texts& texts);
 
-}  // namespace m47
+}  // namespace m47::olddb

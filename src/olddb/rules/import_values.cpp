@@ -9,7 +9,7 @@
 #include "fields.h"
 #include "program_limits.h"
 
-namespace m47 {
+namespace m47::olddb {
 namespace {
 
 using Verdict = ImportedValue::Verdict;
@@ -21,8 +21,9 @@ struct NumberKey {
     int maximum;
     int digits;
 };
-constexpr std::array kNumberKeys{NumberKey{field::kPgNum, 0, kHighestProgram, 3},
-                                 NumberKey{field::kLoggerPos, 1, kLastLoggerLine, 2}};
+constexpr std::array kNumberKeys{
+    NumberKey{db::field::kPgNum, 0, programme::kHighestProgram, 3},
+    NumberKey{db::field::kLoggerPos, 1, programme::kLastLoggerLine, 2}};
 
 /// A whole number that stands for one of `choices` places of a list.
 struct Choice {
@@ -30,10 +31,10 @@ struct Choice {
     int choices;
 };
 constexpr std::array kChoices{
-    Choice{field::kLocOsc0, static_cast<int>(field::kOscillators.size())},
-    Choice{field::kLnbVolt, kSupplyChoices},
-    Choice{field::kDiseqcCmd, static_cast<int>(kDiseqcCommands.size())},
-    Choice{field::kDiseqcCmd2, static_cast<int>(kDiseqcCommands.size())},
+    Choice{db::field::kLocOsc0, static_cast<int>(db::field::kOscillators.size())},
+    Choice{db::field::kLnbVolt, programme::kSupplyChoices},
+    Choice{db::field::kDiseqcCmd, static_cast<int>(programme::kDiseqcCommands.size())},
+    Choice{db::field::kDiseqcCmd2, static_cast<int>(programme::kDiseqcCommands.size())},
 };
 // The other whole numbers are 0 or 1.
 
@@ -73,7 +74,7 @@ ImportedValue key_value(const NumberKey& key, const QString& text) {
     return compared(QStringLiteral("%1").arg(number, key.digits, 10, QLatin1Char('0')), text);
 }
 
-ImportedValue text_value(const Field& field, const QVariant& old) {
+ImportedValue text_value(const db::Field& field, const QVariant& old) {
     // Kept as a number by another edition of the old program: the same value in other clothes.
     const QString text =
         old.typeId() == QMetaType::Bool ? QString::number(old.toInt()) : shown_value(old);
@@ -82,16 +83,16 @@ ImportedValue text_value(const Field& field, const QVariant& old) {
     return key_value(*key, text);
 }
 
-ImportedValue number_value(const Field& field, const QVariant& old) {
+ImportedValue number_value(const db::Field& field, const QVariant& old) {
     bool good = false;
     const double number = number_of(old, good);
     if (!good) return {QVariant(), Verdict::corrected};
-    if (qstrcmp(field.name, field::kFrequenza) != 0) return {number, Verdict::as_it_was};
+    if (qstrcmp(field.name, db::field::kFrequenza) != 0) return {number, Verdict::as_it_was};
     const double rounded = std::round(number * kFrequencySteps) / kFrequencySteps;
     return {rounded, qFuzzyCompare(rounded, number) ? Verdict::as_it_was : Verdict::corrected};
 }
 
-ImportedValue whole_value(const Field& field, const QVariant& old) {
+ImportedValue whole_value(const db::Field& field, const QVariant& old) {
     bool good = false;
     const double number = number_of(old, good);
     const Choice* list = entry_of(kChoices, field.name);
@@ -119,19 +120,19 @@ QString shown_value(const QVariant& value) {
     return value.toString();
 }
 
-ImportedValue value_for(const Field& field, const QVariant& old) {
+ImportedValue value_for(const db::Field& field, const QVariant& old) {
     if (old.isNull()) return {QVariant(), Verdict::as_it_was};
     switch (field.kind) {
-        case FieldKind::number:
+        case db::FieldKind::number:
             return number_value(field, old);
-        case FieldKind::whole:
+        case db::FieldKind::whole:
             return whole_value(field, old);
-        case FieldKind::boolean:
+        case db::FieldKind::boolean:
             return boolean_value(old);
-        case FieldKind::text:
+        case db::FieldKind::text:
             break;
     }
     return text_value(field, old);
 }
 
-}  // namespace m47
+}  // namespace m47::olddb

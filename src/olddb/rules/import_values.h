@@ -6,7 +6,7 @@
 
 #include "schema.h"
 
-namespace m47 {
+namespace m47::olddb {
 
 /// A value on its way into a field of ours.
 struct ImportedValue {
@@ -22,9 +22,9 @@ struct ImportedValue {
 /// `old`, read from a file of the old engine, as `field` keeps it. An unset value stays unset and a
 /// text in a field for texts stays as it is, but for program numbers and logger positions, which
 /// are looked up by their texts "007" and "03".
-ImportedValue value_for(const Field& field, const QVariant& old);
+ImportedValue value_for(const db::Field& field, const QVariant& old);
 
 /// A value for a reader of the report.
 QString shown_value(const QVariant& value);
 
-}  // namespace m47
+}  // namespace m47::olddb

@@ -3,7 +3,7 @@
 
 #include <iconv.h>
 
-namespace m47 {
+namespace m47::olddb {
 namespace {
 
 // By the names that the library for such files asks for.
@@ -29,4 +29,4 @@ void load_code_pages() {
     }
 }
 
-}  // namespace m47
+}  // namespace m47::olddb

@@ -11,7 +11,7 @@
 #include "jet_values.h"
 #include "schema.h"
 
-namespace m47 {
+namespace m47::olddb {
 namespace {
 
 struct CloseJet {
@@ -135,8 +135,8 @@ OldTable rows_of(MdbTableDef* table, OldDatabase& database) {
     const auto columns = usable_columns(table, database);
     for (const MdbColumn* column : columns) result.fields += QString::fromUtf8(column->name);
     // What else it holds is the importer's business, but this is what its rows are told by.
-    if (!result.fields.contains(QLatin1String(field::kNome), Qt::CaseInsensitive))
-        throw JetDamage(std::string("table ") + table->name + " has no field " + field::kNome);
+    if (!result.fields.contains(QLatin1String(db::field::kNome), Qt::CaseInsensitive))
+        throw JetDamage(std::string("table ") + table->name + " has no field " + db::field::kNome);
     mdb_rewind_table(table);
     while (mdb_fetch_row(table)) {
         const std::vector<MdbField> fields = fields_of_row(table);
@@ -152,7 +152,7 @@ OldTable rows_of(MdbTableDef* table, OldDatabase& database) {
 }
 
 bool is_ours(const char* name) {
-    for (const Table& table : schema())
+    for (const db::Table& table : db::schema())
         if (qstricmp(name, table.name) == 0) return true;
     return false;
 }
@@ -194,4 +194,4 @@ OldDatabase read_jet_file(QByteArrayView file) {
     return database;
 }
 
-}  // namespace m47
+}  // namespace m47::olddb

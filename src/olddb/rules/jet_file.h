@@ -6,7 +6,7 @@
 #include "fault.h"
 #include "old_database.h"
 
-namespace m47 {
+namespace m47::olddb {
 
 /// A file of the old engine contradicts itself.
 class JetDamage : public Fault {
@@ -22,4 +22,4 @@ class JetDamage : public Fault {
 /// a process of its own (old_reader.h).
 OldDatabase read_jet_file(QByteArrayView file);
 
-}  // namespace m47
+}  // namespace m47::olddb

@@ -11,7 +11,7 @@
 
 #include "jet_file.h"
 
-namespace m47 {
+namespace m47::olddb {
 namespace {
 
 // How the place of a long text is told: its length and, in the two highest bits, where it lies.
@@ -184,4 +184,4 @@ QVariant jet_value(MdbHandle* handle, const MdbColumn& column, const MdbField& f
     }
 }
 
-}  // namespace m47
+}  // namespace m47::olddb

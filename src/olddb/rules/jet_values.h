@@ -7,7 +7,7 @@
 
 #include <QVariant>
 
-namespace m47 {
+namespace m47::olddb {
 
 /// True for the kinds of field that the program's own fields can be filled from.
 bool is_usable_kind(int col_type);
@@ -16,4 +16,4 @@ bool is_usable_kind(int col_type);
 /// JetDamage where the value does not fit its page or its kind.
 QVariant jet_value(MdbHandle* handle, const MdbColumn& column, const MdbField& field);
 
-}  // namespace m47
+}  // namespace m47::olddb

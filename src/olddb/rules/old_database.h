@@ -6,7 +6,7 @@
 #include <QStringList>
 #include <QVariant>
 
-namespace m47 {
+namespace m47::olddb {
 
 /// A table of a file of the old engine, its fields under the names they have there. A value is
 /// null where the field is unset, else a QString, a qlonglong, a double or a bool.
@@ -46,4 +46,4 @@ struct OldFileError {
     QString detail;
 };
 
-}  // namespace m47
+}  // namespace m47::olddb

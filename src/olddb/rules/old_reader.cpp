@@ -10,7 +10,7 @@
 #include "plain_file.h"
 #include "schema.h"
 
-namespace m47 {
+namespace m47::olddb {
 namespace {
 
 constexpr int kLook = 20;                   // ms
@@ -26,11 +26,12 @@ constexpr qint64 kPage4 = 4096;
 using Failure = std::optional<OldFileError>;
 
 /// What can be told without the library: it would take any file for one of the old engine.
-Failure fault_of_start(const QString& path, PlainFile& plain) {
-    if (plain.fault() == FileFault::too_long) return OldFileError{OldFileFault::damaged, path, {}};
-    if (plain.fault() == FileFault::missing)
+Failure fault_of_start(const QString& path, platform::PlainFile& plain) {
+    if (plain.fault() == platform::FileFault::too_long)
+        return OldFileError{OldFileFault::damaged, path, {}};
+    if (plain.fault() == platform::FileFault::missing)
         return OldFileError{OldFileFault::missing, path, plain.reason()};
-    if (plain.fault() != FileFault::none)
+    if (plain.fault() != platform::FileFault::none)
         return OldFileError{OldFileFault::unreadable, path, plain.reason()};
     QFile& file = plain.file();
     const QByteArray start = file.read(kVersionAt + 1);
@@ -89,7 +90,7 @@ std::optional<OldDatabase> read_old_database(const QString& path, OldFileError& 
                                              const std::function<void()>& idle,
                                              const OldReaderLimits& limits) {
     // Opened once for all that is read of it.
-    PlainFile plain(path, kLargest);
+    platform::PlainFile plain(path, kLargest);
     if (const Failure failure = fault_of_start(path, plain)) {
         error = *failure;
         return std::nullopt;
@@ -97,7 +98,7 @@ std::optional<OldDatabase> read_old_database(const QString& path, OldFileError& 
     QProcess process;
     process.setStandardErrorFile(QProcess::nullDevice());
     // What was looked at here is what is read there, whatever happens to its name.
-    start_own_program(process, {QLatin1String(kReadOldDatabase)}, plain.file().handle());
+    platform::start_own_program(process, {QLatin1String(kReadOldDatabase)}, plain.file().handle());
     if (!process.waitForStarted()) {
         error = {OldFileFault::unreadable, path, process.errorString()};
         return std::nullopt;
@@ -112,4 +113,4 @@ std::optional<OldDatabase> read_old_database(const QString& path, OldFileError& 
     return std::nullopt;
 }
 
-}  // namespace m47
+}  // namespace m47::olddb

@@ -7,7 +7,7 @@
 
 #include "old_database.h"
 
-namespace m47 {
+namespace m47::olddb {
 
 /// The only argument that makes this program a process that reads the file of the old engine on its
 /// stdin, hands over what it found on stdout and can do nothing else. Not for users.
@@ -32,4 +32,4 @@ std::optional<OldDatabase> read_old_database(const QString& path, OldFileError& 
 /// return.
 [[noreturn]] int run_old_reader();
 
-}  // namespace m47
+}  // namespace m47::olddb

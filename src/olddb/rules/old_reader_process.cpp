@@ -6,7 +6,7 @@
 #include "old_reader.h"
 #include "old_stream.h"
 
-namespace m47 {
+namespace m47::olddb {
 namespace {
 
 constexpr qint64 kSeconds = 25;
@@ -27,7 +27,7 @@ void forget_settings() {
         qunsetenv(name);
 }
 
-OldReading read_for_another(QByteArrayView file, const Confinement& confinement) {
+OldReading read_for_another(QByteArrayView file, const platform::Confinement& confinement) {
     try {
         OldDatabase database = read_jet_file(file);
         database.reader_was_held = confinement.no_files || confinement.few_calls;
@@ -42,15 +42,15 @@ OldReading read_for_another(QByteArrayView file, const Confinement& confinement)
 }  // namespace
 
 int run_old_reader() {
-    close_all_but_streams();
-    const QByteArrayView file = take_input_file();
+    platform::close_all_but_streams();
+    const QByteArrayView file = platform::take_input_file();
     load_code_pages();
     forget_settings();
-    limit_this_process(kSeconds, memory_for(file.size()));
-    const Confinement confinement = confine_this_process();
-    const bool written = hand_over(bytes_of_reading(read_for_another(file, confinement)));
+    platform::limit_this_process(kSeconds, memory_for(file.size()));
+    const platform::Confinement confinement = platform::confine_this_process();
+    const bool written = platform::hand_over(bytes_of_reading(read_for_another(file, confinement)));
     // At once: the library's leftovers are not worth tidying up, and may be damaged.
-    end_at_once(written);
+    platform::end_at_once(written);
 }
 
-}  // namespace m47
+}  // namespace m47::olddb

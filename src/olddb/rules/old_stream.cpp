@@ -5,7 +5,7 @@
 #include <QIODevice>
 #include <cmath>
 
-namespace m47 {
+namespace m47::olddb {
 namespace {
 
 constexpr auto kStreamVersion = QDataStream::Qt_6_0;
@@ -151,4 +151,4 @@ OldReading reading_of_bytes(const QByteArray& bytes) {
     return QString();
 }
 
-}  // namespace m47
+}  // namespace m47::olddb

@@ -6,7 +6,7 @@
 
 #include "old_database.h"
 
-namespace m47 {
+namespace m47::olddb {
 
 /// What the reading process found: the rows, or why there are none (a technical word or two).
 using OldReading = std::variant<OldDatabase, QString>;
@@ -18,4 +18,4 @@ QByteArray bytes_of_reading(const OldReading& reading);
 /// reading without rows.
 OldReading reading_of_bytes(const QByteArray& bytes);
 
-}  // namespace m47
+}  // namespace m47::olddb

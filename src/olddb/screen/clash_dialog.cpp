@@ -8,7 +8,7 @@
 #include "key_filter.h"
 #include "ui_clash_dialog.h"
 
-namespace m47 {
+namespace m47::olddb {
 namespace {
 
 constexpr Bilingual kQuestion{
@@ -98,4 +98,4 @@ bool ClashDialog::ask() {
     return true;
 }
 
-}  // namespace m47
+}  // namespace m47::olddb

@@ -12,7 +12,7 @@ namespace Ui {
 class ClashDialog;
 }
 
-namespace m47 {
+namespace m47::olddb {
 
 /// Asks for each plan and satellite of an import that is there already what is to become of it.
 class ClashDialog : public QDialog {
@@ -37,4 +37,4 @@ class ClashDialog : public QDialog {
     QList<QComboBox*> choices_;
 };
 
-}  // namespace m47
+}  // namespace m47::olddb

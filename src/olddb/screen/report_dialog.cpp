@@ -7,7 +7,7 @@
 
 #include "ui_report_dialog.h"
 
-namespace m47 {
+namespace m47::olddb {
 namespace {
 
 constexpr Bilingual kCopy{"C&opy", "C&opia"};
@@ -32,4 +32,4 @@ ReportDialog::ReportDialog(const QString& title, const QString& text, const Text
 
 ReportDialog::~ReportDialog() = default;
 
-}  // namespace m47
+}  // namespace m47::olddb

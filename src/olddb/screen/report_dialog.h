@@ -10,7 +10,7 @@ namespace Ui {
 class ReportDialog;
 }
 
-namespace m47 {
+namespace m47::olddb {
 
 /// Shows a report as text that can be selected and copied.
 class ReportDialog : public QDialog {
@@ -23,4 +23,4 @@ class ReportDialog : public QDialog {
     std::unique_ptr<Ui::ReportDialog> ui_;
 };
 
-}  // namespace m47
+}  // namespace m47::olddb

@@ -7,7 +7,7 @@
 
 #include "numbers.h"
 
-namespace m47 {
+namespace m47::plans {
 namespace {
 
 using TableContent = QMap<QString, QString>;
@@ -15,7 +15,7 @@ using TableContent = QMap<QString, QString>;
 constexpr const char* kPair = "00";
 
 QString pair(double value) {
-    return format_number(value, kPair);
+    return link::format_number(value, kPair);
 }
 
 TableContent content_of_table(const QString& text) {
@@ -27,12 +27,12 @@ TableContent content_of_table(const QString& text) {
     return content;
 }
 
-TableContent planned_table(const std::vector<ProgramRecord>& programs) {
+TableContent planned_table(const std::vector<programme::ProgramRecord>& programs) {
     TableContent content;
-    for (const ProgramRecord& program : programs)
+    for (const programme::ProgramRecord& program : programs)
         if (program.logger_state)
-            content[pair(typed_value(program.logger_pos))] =
-                pair(typed_value(program.pg_num)) + u' ' + pair(1);
+            content[pair(link::typed_value(program.logger_pos))] =
+                pair(link::typed_value(program.pg_num)) + u' ' + pair(1);
     return content;
 }
 
@@ -49,7 +49,7 @@ int count_rows(const std::vector<TableComparison>& rows, Counts counts) {
 }  // namespace
 
 bool table_entry_active(const QString& entry) {
-    return meter_value(entry.section(u' ', -1)) != 0;
+    return link::meter_value(entry.section(u' ', -1)) != 0;
 }
 
 bool TableComparison::matches() const {
@@ -92,10 +92,10 @@ QString table_line_state(const QString& line) {
 }
 
 bool table_line_active(const QString& line) {
-    return meter_value(table_line_state(line)) != 0;
+    return link::meter_value(table_line_state(line)) != 0;
 }
 
-std::vector<TableComparison> compare_table(const std::vector<ProgramRecord>& programs,
+std::vector<TableComparison> compare_table(const std::vector<programme::ProgramRecord>& programs,
                                            UploadMode mode, const QString& before,
                                            const QString& after) {
     TableContent planned;
@@ -114,4 +114,4 @@ std::vector<TableComparison> compare_table(const std::vector<ProgramRecord>& pro
     return rows;
 }
 
-}  // namespace m47
+}  // namespace m47::plans

@@ -7,7 +7,7 @@
 
 #include "program_record.h"
 
-namespace m47 {
+namespace m47::plans {
 
 /// How an upload deals with what the meter holds already.
 enum UploadMode {
@@ -57,8 +57,8 @@ struct TableCheck {
 
 /// What the table should hold after an upload of `programs` against what it holds, both in the
 /// order of the lines. `before` is the table before the upload, where it was asked for.
-std::vector<TableComparison> compare_table(const std::vector<ProgramRecord>& programs,
+std::vector<TableComparison> compare_table(const std::vector<programme::ProgramRecord>& programs,
                                            UploadMode mode, const QString& before,
                                            const QString& after);
 
-}  // namespace m47
+}  // namespace m47::plans

@@ -8,7 +8,7 @@
 #include "plan_sets.h"
 #include "tables.h"
 
-namespace m47 {
+namespace m47::plans {
 namespace {
 
 constexpr Bilingual kPlanFilledMeanwhile{
@@ -33,9 +33,9 @@ void PlanSets::need_plan() const {
 
 void PlanSets::all_or_nothing(const std::function<void()>& body) {
     const QString plan = plan_;
-    const std::optional<Bookmark> current = current_row();
+    const std::optional<db::Bookmark> current = current_row();
     try {
-        DatabaseTransaction transaction(database_.connection());
+        db::DatabaseTransaction transaction(database_.connection());
         body();
         transaction.commit();
     } catch (...) {
@@ -50,10 +50,11 @@ void PlanSets::all_or_nothing(const std::function<void()>& body) {
 }
 
 void PlanSets::add_rows(const QString& name) {
-    for (const char* table : {table::kGruppo, table::kProgrammi, table::kConfigurazione}) {
-        Recordset set = database_.of_plan(table, name);
+    for (const char* table :
+         {db::table::kGruppo, db::table::kProgrammi, db::table::kConfigurazione}) {
+        db::Recordset set = database_.of_plan(table, name);
         set.add_new();
-        set.set(field::kNome, name);
+        set.set(db::field::kNome, name);
         set.update();
     }
 }
@@ -67,17 +68,17 @@ void PlanSets::add_new(const QString& name) {
 
 bool PlanSets::can_delete_plan() const {
     QStringList names;
-    Recordset plans = Recordset::table(database_.connection(), table::kGruppo);
+    db::Recordset plans = db::Recordset::table(database_.connection(), db::table::kGruppo);
     for (; !plans.end_of_set(); plans.move_next())
-        names += stored_plan_name(plans.text(field::kNome));
+        names += db::stored_plan_name(plans.text(db::field::kNome));
     return names.contains(plan_) && names.count(plan_) < names.size() && !plan_.isEmpty();
 }
 
-RemovedRows PlanSets::rows_of(Recordset set) const {
+RemovedRows PlanSets::rows_of(db::Recordset set) const {
     RemovedRows rows;
     if (!set.empty()) set.move_first();
     for (; !set.end_of_set(); set.move_next())
-        rows.programs[set.bookmark()] = read_program(set, kNoDiseqcChosen);
+        rows.programs[set.bookmark()] = programme::read_program(set, kNoDiseqcChosen);
     return rows;
 }
 
@@ -99,11 +100,13 @@ bool PlanSets::del_old(const RemovedRows* seen) {
     // With the look at the others: they may delete plans too, and change this one.
     all_or_nothing([&] {
         if (!can_delete_plan()) return;
-        RemovedRows now = rows_of(database_.of_plan(QString::fromLatin1(table::kProgrammi), plan_));
+        RemovedRows now =
+            rows_of(database_.of_plan(QString::fromLatin1(db::table::kProgrammi), plan_));
         now.oscillators = oscillators_of(plan_);
         if (seen) need_unchanged(*seen, now);
-        for (const char* table : {table::kGruppo, table::kConfigurazione, table::kProgrammi}) {
-            Recordset set = database_.of_plan(table, plan_);
+        for (const char* table :
+             {db::table::kGruppo, db::table::kConfigurazione, db::table::kProgrammi}) {
+            db::Recordset set = database_.of_plan(table, plan_);
             while (!set.empty()) {
                 set.move_first();
                 set.remove();
@@ -119,7 +122,7 @@ bool PlanSets::del_old(const RemovedRows* seen) {
 
 bool PlanSets::can_delete_program() const {
     // As the file holds them now: others delete programs too.
-    return database_.of_plan(table::kProgrammi, plan_).count() > 1;
+    return database_.of_plan(db::table::kProgrammi, plan_).count() > 1;
 }
 
 bool PlanSets::delete_program(const RemovedRows* seen) {
@@ -141,8 +144,8 @@ void PlanSets::need_room_for(const ImportPreview& import) {
     programs_->requery();
     config_->requery();
     if (import.oscillators_before != oscillators()) throw Fault(kOscillatorsChanged);
-    std::vector<ProgramRecord> others = programs();
-    if (import.replaces_blank) std::erase_if(others, is_blank);
+    std::vector<programme::ProgramRecord> others = programs();
+    if (import.replaces_blank) std::erase_if(others, programme::is_blank);
     for (const ImportRow& row : import.rows)
         if (row.added() && find_clash(others, row.record) != Clash::none)
             throw Fault(kPlanFilledMeanwhile);
@@ -160,8 +163,8 @@ void PlanSets::apply_import(const ImportPreview& import) {
         for (const ImportRow& row : import.rows) {
             if (!row.added()) continue;
             programs_->add_new();
-            programs_->set(field::kNome, plan_);
-            write_program(*programs_, row.record);
+            programs_->set(db::field::kNome, plan_);
+            programme::write_program(*programs_, row.record);
             programs_->update();
         }
         if (import.oscillators != oscillators()) write_oscillators(import.oscillators);
@@ -169,4 +172,4 @@ void PlanSets::apply_import(const ImportPreview& import) {
     crea_records(plan_);
 }
 
-}  // namespace m47
+}  // namespace m47::plans

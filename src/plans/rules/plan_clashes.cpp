@@ -6,31 +6,33 @@
 #include "numbers.h"
 #include "program_limits.h"
 
-namespace m47 {
+namespace m47::plans {
 namespace {
 
 bool same_number(const QString& one, const QString& other) {
     return !one.trimmed().isEmpty() && !other.trimmed().isEmpty() &&
-           typed_value(one) == typed_value(other);
+           link::typed_value(one) == link::typed_value(other);
 }
 
 }  // namespace
 
-Clash find_clash(const std::vector<ProgramRecord>& others, const ProgramRecord& record) {
-    const auto shared = [&](QString ProgramRecord::*field) {
-        return std::ranges::any_of(others, [&](const ProgramRecord& other) {
+Clash find_clash(const std::vector<programme::ProgramRecord>& others,
+                 const programme::ProgramRecord& record) {
+    const auto shared = [&](QString programme::ProgramRecord::*field) {
+        return std::ranges::any_of(others, [&](const programme::ProgramRecord& other) {
             return same_number(other.*field, record.*field);
         });
     };
-    if (shared(&ProgramRecord::pg_num)) return Clash::number;
-    return shared(&ProgramRecord::logger_pos) ? Clash::logger_position : Clash::none;
+    if (shared(&programme::ProgramRecord::pg_num)) return Clash::number;
+    return shared(&programme::ProgramRecord::logger_pos) ? Clash::logger_position : Clash::none;
 }
 
-QString next_logger_position(const std::vector<ProgramRecord>& programs) {
+QString next_logger_position(const std::vector<programme::ProgramRecord>& programs) {
     double largest = 0;
-    for (const ProgramRecord& program : programs)
-        largest = std::max(largest, typed_value(program.logger_pos));
-    return largest + 1 > kLastLoggerLine ? QString() : format_number(largest + 1, "00");
+    for (const programme::ProgramRecord& program : programs)
+        largest = std::max(largest, link::typed_value(program.logger_pos));
+    return largest + 1 > programme::kLastLoggerLine ? QString()
+                                                    : link::format_number(largest + 1, "00");
 }
 
-}  // namespace m47
+}  // namespace m47::plans

@@ -10,15 +10,16 @@
 #include "tables.h"
 #include "used_numbers.h"
 
-namespace m47 {
+namespace m47::plans {
 namespace {
 
 /// Fields that the copy of a row has of its own.
 using OwnFields = QMap<QString, QVariant>;
 
-void copy_row(const Recordset& from, Recordset& to, const char* table, const OwnFields& own) {
+void copy_row(const db::Recordset& from, db::Recordset& to, const char* table,
+              const OwnFields& own) {
     to.add_new();
-    for (const Field& field : table_named(QString::fromLatin1(table)).fields) {
+    for (const db::Field& field : db::table_named(QString::fromLatin1(table)).fields) {
         const QString key = QString::fromLatin1(field.name);
         to.set(key, own.contains(key) ? own.value(key) : from.value(key));
     }
@@ -30,34 +31,35 @@ void copy_row(const Recordset& from, Recordset& to, const char* table, const Own
 /// What a program's copy has of its own, and the oscillators of the plan it comes into.
 struct ProgramCopy {
     OwnFields own;
-    Oscillators oscillators;
+    programme::Oscillators oscillators;
     bool replaces_blank = false;
 };
 
 namespace {
 
-void find_number_and_line(const std::vector<ProgramRecord>& others, ProgramRecord& record,
-                          OwnFields& own) {
+void find_number_and_line(const std::vector<programme::ProgramRecord>& others,
+                          programme::ProgramRecord& record, OwnFields& own) {
     if (find_clash(others, record) == Clash::number) {
         UsedNumbers used;
-        for (const ProgramRecord& other : others) used.take(other);
+        for (const programme::ProgramRecord& other : others) used.take(other);
         record.pg_num = used.first_free();
-        own[field::kPgNum] = record.pg_num;
+        own[db::field::kPgNum] = record.pg_num;
     }
     if (find_clash(others, record) != Clash::logger_position) return;
     record.logger_pos = next_logger_position(others);
-    own[field::kLoggerPos] = record.logger_pos;
+    own[db::field::kLoggerPos] = record.logger_pos;
     // Without a line it cannot be active in the table.
-    if (record.logger_pos.isEmpty()) own[field::kLoggerState] = 0;
+    if (record.logger_pos.isEmpty()) own[db::field::kLoggerState] = 0;
 }
 
-ImportProblem find_oscillator(const ProgramRecord& record, const Oscillators& known,
-                              ProgramCopy& copy) {
-    const std::size_t entry = oscillator_entry(record);
+ImportProblem find_oscillator(const programme::ProgramRecord& record,
+                              const programme::Oscillators& known, ProgramCopy& copy) {
+    const std::size_t entry = programme::oscillator_entry(record);
     if (record.loc_osc || known[entry].isEmpty()) return ImportProblem::none;
-    const auto place = place_oscillator(copy.oscillators, static_cast<int>(entry), known[entry]);
+    const auto place =
+        programme::place_oscillator(copy.oscillators, static_cast<int>(entry), known[entry]);
     if (!place) return ImportProblem::no_oscillator;
-    copy.own[field::kLocOsc0] = *place;
+    copy.own[db::field::kLocOsc0] = *place;
     return ImportProblem::none;
 }
 
@@ -68,11 +70,12 @@ bool PlanSets::copy_plan(const QString& name) {
     all_or_nothing([&] {
         need_plan();
         if (has_plan(name)) return;
-        for (const char* table : {table::kGruppo, table::kConfigurazione, table::kProgrammi}) {
-            Recordset from = database_.of_plan(QString::fromLatin1(table), plan_);
-            Recordset to = database_.of_plan(QString::fromLatin1(table), name);
+        for (const char* table :
+             {db::table::kGruppo, db::table::kConfigurazione, db::table::kProgrammi}) {
+            db::Recordset from = database_.of_plan(QString::fromLatin1(table), plan_);
+            db::Recordset to = database_.of_plan(QString::fromLatin1(table), name);
             for (; !from.end_of_set(); from.move_next())
-                copy_row(from, to, table, {{field::kNome, name}});
+                copy_row(from, to, table, {{db::field::kNome, name}});
         }
         copied = true;
     });
@@ -97,11 +100,12 @@ ImportProblem PlanSets::copy_program(const QString& name) {
 }
 
 ImportProblem PlanSets::fit_copy(const QString& name, ProgramCopy& copy) const {
-    ProgramRecord record = program();
-    std::vector<ProgramRecord> others = programs_of(name, std::nullopt);
-    copy = {.own = {{field::kNome, name}}, .oscillators = oscillators_of(name)};
+    programme::ProgramRecord record = program();
+    std::vector<programme::ProgramRecord> others = programs_of(name, std::nullopt);
+    copy = {.own = {{db::field::kNome, name}}, .oscillators = oscillators_of(name)};
     // The program that a new plan starts with makes room, unless it is the one to be copied.
-    copy.replaces_blank = name != plan_ && others.size() == 1 && is_blank(others.front());
+    copy.replaces_blank =
+        name != plan_ && others.size() == 1 && programme::is_blank(others.front());
     if (copy.replaces_blank) others.clear();
     find_number_and_line(others, record, copy.own);
     if (record.pg_num.isEmpty() && !program().pg_num.isEmpty()) return ImportProblem::no_number;
@@ -109,13 +113,13 @@ ImportProblem PlanSets::fit_copy(const QString& name, ProgramCopy& copy) const {
 }
 
 void PlanSets::write_copy(const QString& name, const ProgramCopy& copy) {
-    const Recordset from = *programs_;
+    const db::Recordset from = *programs_;
     const bool is_new = !has_plan(name);
     if (is_new) add_rows(name);
     crea_records(name);
     if (is_new || copy.replaces_blank) programs_->remove();
-    copy_row(from, *programs_, table::kProgrammi, copy.own);
+    copy_row(from, *programs_, db::table::kProgrammi, copy.own);
     if (copy.oscillators != oscillators()) write_oscillators(copy.oscillators);
 }
 
-}  // namespace m47
+}  // namespace m47::plans

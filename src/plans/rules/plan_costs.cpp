@@ -5,7 +5,7 @@
 
 #include "box_numbers.h"
 
-namespace m47 {
+namespace m47::plans {
 namespace {
 
 constexpr Bilingual kLimitsChanged{"Level limits changed to fit the unit: type them again",
@@ -23,13 +23,14 @@ constexpr Bilingual kUnchecked{
     "Altri programmi sono fuori campo con il nuovo oscillatore: memorizzarli uno a uno"};
 
 bool changed(const QString& before, const QString& after) {
-    return !before.trimmed().isEmpty() && box_value(before) != box_value(after);
+    return !before.trimmed().isEmpty() &&
+           programme::box_value(before) != programme::box_value(after);
 }
 
 }  // namespace
 
-void tell_changed_limits(ProgramState& program, const ProgramRecord& before,
-                         const ProgramRecord& after) {
+void tell_changed_limits(ProgramState& program, const programme::ProgramRecord& before,
+                         const programme::ProgramRecord& after) {
     const bool lost =
         changed(before.lev_min, after.lev_min) || changed(before.lev_max, after.lev_max);
     if (lost && !program.corrected.keep_unit) program.costs.tell(kLimitsChanged);
@@ -37,7 +38,7 @@ void tell_changed_limits(ProgramState& program, const ProgramRecord& before,
 
 void tell_sent(ProgramState& program, const UploadPlan& plan, bool unset_diseqc) {
     const CorrectedBehaviour& corrected = program.corrected;
-    const bool empty = std::ranges::any_of(plan.programs, is_untuned);
+    const bool empty = std::ranges::any_of(plan.programs, programme::is_untuned);
     if (empty && !corrected.skip_empty) program.costs.tell(kEmptySent);
     if (unset_diseqc && !corrected.none_diseqc) program.costs.tell(kToneBurst);
 }
@@ -50,4 +51,4 @@ void tell_unchecked(ProgramState& program) {
     if (!program.corrected.check_all) program.costs.tell(kUnchecked);
 }
 
-}  // namespace m47
+}  // namespace m47::plans

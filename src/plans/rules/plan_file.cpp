@@ -7,7 +7,7 @@
 #include "program_checks.h"
 #include "scan_table.h"
 
-namespace m47 {
+namespace m47::plans {
 namespace {
 
 QString quoted(QString cell, QChar separator) {
@@ -24,8 +24,9 @@ QString line_of(const QStringList& cells, QChar separator) {
 }
 
 QStringList header() {
-    QStringList names{field::kNome};
-    for (const ProgramField& field : program_fields()) names += QString::fromLatin1(field.name);
+    QStringList names{db::field::kNome};
+    for (const programme::ProgramField& field : programme::program_fields())
+        names += QString::fromLatin1(field.name);
     return names << QString::fromLatin1(kOscillatorColumn);
 }
 
@@ -119,12 +120,13 @@ QString plain_cell(const QString& cell, bool flag) {
 }
 
 /// False where the cell is no number, though its field knows nothing else.
-bool take_cell(ProgramRecord& record, const ProgramField& field, const QString& cell) {
-    const bool flag = std::holds_alternative<bool ProgramRecord::*>(field.member);
-    const bool text = std::holds_alternative<QString ProgramRecord::*>(field.member);
+bool take_cell(programme::ProgramRecord& record, const programme::ProgramField& field,
+               const QString& cell) {
+    const bool flag = std::holds_alternative<bool programme::ProgramRecord::*>(field.member);
+    const bool text = std::holds_alternative<QString programme::ProgramRecord::*>(field.member);
     const QString plain = plain_cell(cell, flag);
-    set_field(record, field, plain);
-    return text || is_number(plain);
+    programme::set_field(record, field, plain);
+    return text || programme::is_number(plain);
 }
 
 ImportCandidate candidate_of_row(const QStringList& names, const CellRow& row, double unit_offset) {
@@ -136,7 +138,7 @@ ImportCandidate candidate_of_row(const QStringList& names, const CellRow& row, d
     candidate.record.loc_osc = candidate.oscillator.isEmpty();
     // With a cell too many, a decimal comma for example, all behind it are in the wrong column.
     bool good = row.cells.size() <= names.size();
-    for (const ProgramField& field : program_fields())
+    for (const programme::ProgramField& field : programme::program_fields())
         if (const QString text = cell(field.name); !text.isEmpty())
             good = take_cell(candidate.record, field, text) && good;
     if (!good) candidate.problem = ImportProblem::unreadable;
@@ -152,7 +154,7 @@ ImportFile parse_plan_file(const QString& text, double unit_offset) {
     for (const QString& name : names)
         if (!known.contains(name)) file.unknown_columns += name;
     // Without a frequency it is a table of something else.
-    file.understood = names.contains(field::kFrequenza);
+    file.understood = names.contains(db::field::kFrequenza);
     if (!file.understood) return file;
     for (std::size_t k = 1; k < rows.size(); ++k)
         file.candidates.push_back(candidate_of_row(names, rows[k], unit_offset));
@@ -161,14 +163,14 @@ ImportFile parse_plan_file(const QString& text, double unit_offset) {
 
 }  // namespace
 
-QString plan_file_text(const QString& name, const std::vector<ProgramRecord>& programs,
-                       const Oscillators& oscillators, QChar separator) {
+QString plan_file_text(const QString& name, const std::vector<programme::ProgramRecord>& programs,
+                       const programme::Oscillators& oscillators, QChar separator) {
     QString text = line_of(header(), separator);
-    for (const ProgramRecord& program : programs) {
+    for (const programme::ProgramRecord& program : programs) {
         QStringList cells{name};
-        for (const ProgramField& field : program_fields())
-            cells += field_text(program, field).replace(u',', u'.');
-        cells += program.loc_osc ? QString() : oscillators[oscillator_entry(program)];
+        for (const programme::ProgramField& field : programme::program_fields())
+            cells += programme::field_text(program, field).replace(u',', u'.');
+        cells += program.loc_osc ? QString() : oscillators[programme::oscillator_entry(program)];
         text += line_of(cells, separator);
     }
     return text;
@@ -182,4 +184,4 @@ ImportFile parse_import_file(const QByteArray& bytes, double unit_offset) {
     return {parse_scan_table(text, unit_offset), {}, true};
 }
 
-}  // namespace m47
+}  // namespace m47::plans

@@ -7,7 +7,7 @@
 
 #include "plan_import.h"
 
-namespace m47 {
+namespace m47::plans {
 
 /// No plan and no scan table is larger, in bytes.
 inline constexpr qint64 kLargestPlanFile = qint64{1024} * 1024;
@@ -18,8 +18,8 @@ inline constexpr const char* kOscillatorColumn = "oscillator";
 
 /// The plan `name` as a text with one line a program under a line of field names, separated by
 /// `separator` (TAB or comma), numbers with ".".
-QString plan_file_text(const QString& name, const std::vector<ProgramRecord>& programs,
-                       const Oscillators& oscillators, QChar separator);
+QString plan_file_text(const QString& name, const std::vector<programme::ProgramRecord>& programs,
+                       const programme::Oscillators& oscillators, QChar separator);
 
 /// What a file offers to import.
 struct ImportFile {
@@ -33,4 +33,4 @@ struct ImportFile {
 /// table.
 ImportFile parse_import_file(const QByteArray& bytes, double unit_offset);
 
-}  // namespace m47
+}  // namespace m47::plans

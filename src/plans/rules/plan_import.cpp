@@ -12,34 +12,36 @@
 #include "program_limits.h"
 #include "used_numbers.h"
 
-namespace m47 {
+namespace m47::plans {
 namespace {
 
 QString checked_position(const QString& text) {
-    const double line = typed_value(text);
-    const bool good = !text.trimmed().isEmpty() && line >= 0 && line <= kLastLoggerLine;
-    return good ? format_number(line, "00") : QString();
+    const double line = link::typed_value(text);
+    const bool good = !text.trimmed().isEmpty() && line >= 0 && line <= programme::kLastLoggerLine;
+    return good ? link::format_number(line, "00") : QString();
 }
 
-QStringList differences(const ProgramRecord& before, const ProgramRecord& after) {
+QStringList differences(const programme::ProgramRecord& before,
+                        const programme::ProgramRecord& after) {
     QStringList list;
-    for (const ProgramField& field : program_fields()) {
-        const QString old_text = field_text(before, field);
-        const QString new_text = field_text(after, field);
+    for (const programme::ProgramField& field : programme::program_fields()) {
+        const QString old_text = programme::field_text(before, field);
+        const QString new_text = programme::field_text(after, field);
         // Another form of the same number is no correction, nor is what fills a gap.
         const bool gap =
-            old_text.isEmpty() && QLatin1String(field.name) != QLatin1String(field::kFrequenza);
+            old_text.isEmpty() && QLatin1String(field.name) != QLatin1String(db::field::kFrequenza);
         if (gap || old_text == new_text) continue;
-        if (is_number(old_text) && is_number(new_text) &&
-            typed_value(old_text) == typed_value(new_text))
+        if (programme::is_number(old_text) && programme::is_number(new_text) &&
+            link::typed_value(old_text) == link::typed_value(new_text))
             continue;
         list += QStringLiteral("%1: %2 → %3").arg(QLatin1String(field.name), old_text, new_text);
     }
     return list;
 }
 
-QStringList corrections_of(const ImportCandidate& candidate, const ProgramRecord& after) {
-    ProgramRecord before = candidate.record;
+QStringList corrections_of(const ImportCandidate& candidate,
+                           const programme::ProgramRecord& after) {
+    programme::ProgramRecord before = candidate.record;
     // Another place for the same oscillator changes nothing.
     if (!candidate.oscillator.isEmpty()) before.loc_osc0 = after.loc_osc0;
     return differences(before, after);
@@ -49,13 +51,13 @@ QStringList corrections_of(const ImportCandidate& candidate, const ProgramRecord
 class Importer {
   public:
     Importer(const std::vector<ImportCandidate>& candidates,
-             const std::vector<ProgramRecord>& programs, const Oscillators& oscillators,
-             std::optional<double> unit_offset)
+             const std::vector<programme::ProgramRecord>& programs,
+             const programme::Oscillators& oscillators, std::optional<double> unit_offset)
         : taken_(programs), unit_offset_(unit_offset) {
         preview_.oscillators = preview_.oscillators_before = oscillators;
-        preview_.replaces_blank = taken_.size() == 1 && is_blank(taken_.front());
+        preview_.replaces_blank = taken_.size() == 1 && programme::is_blank(taken_.front());
         if (preview_.replaces_blank) taken_.clear();
-        for (const ProgramRecord& program : taken_) used_.take(program);
+        for (const programme::ProgramRecord& program : taken_) used_.take(program);
         // Numbers that the file names anywhere are left to those programs.
         for (const ImportCandidate& candidate : candidates)
             if (candidate.problem == ImportProblem::none) reserve(candidate.record);
@@ -89,14 +91,14 @@ class Importer {
     }
 
   private:
-    void reserve(ProgramRecord program) {
+    void reserve(programme::ProgramRecord program) {
         if (program.pg_num.isEmpty()) return;
         program.pg_num = checked_program_number(program.pg_num);
         used_.take(program);
     }
 
     ImportProblem fit(ImportRow& row) {
-        ProgramRecord& record = row.record;
+        programme::ProgramRecord& record = row.record;
         record.pg_num =
             record.pg_num.isEmpty() ? used_.first_free() : checked_program_number(record.pg_num);
         if (record.pg_num.isEmpty()) return ImportProblem::no_number;
@@ -116,21 +118,22 @@ class Importer {
     }
 
     ImportProblem tune(ImportRow& row) {
-        ProgramRecord& record = row.record;
+        programme::ProgramRecord& record = row.record;
         if (!record.loc_osc && !row.oscillator.isEmpty()) {
-            row.oscillator = plain_text(typed_value(checked_oscillator(row.oscillator)));
+            row.oscillator =
+                link::plain_text(link::typed_value(checked_oscillator(row.oscillator)));
             const auto place =
-                place_oscillator(preview_.oscillators, record.loc_osc0, row.oscillator);
+                programme::place_oscillator(preview_.oscillators, record.loc_osc0, row.oscillator);
             if (!place) return ImportProblem::no_oscillator;
             record.loc_osc0 = *place;
         }
-        QString oscillator = preview_.oscillators[oscillator_entry(record)];
+        QString oscillator = preview_.oscillators[programme::oscillator_entry(record)];
         correct_fields(record, oscillator, unit_offset_);
         row.oscillator = record.loc_osc ? QString() : oscillator;
         return ImportProblem::none;
     }
 
-    std::vector<ProgramRecord> taken_;
+    std::vector<programme::ProgramRecord> taken_;
     UsedNumbers used_;
     std::optional<double> unit_offset_;
     ImportPreview preview_;
@@ -142,14 +145,14 @@ int ImportPreview::added() const {
     return static_cast<int>(std::ranges::count_if(rows, &ImportRow::added));
 }
 
-ProgramRecord import_defaults(double unit_offset) {
-    ProgramRecord record;
+programme::ProgramRecord import_defaults(double unit_offset) {
+    programme::ProgramRecord record;
     record.loc_osc = true;
     record.qpsk_symbolrate = QStringLiteral("27500");
     record.satchbw = QStringLiteral("36");
-    record.diseqc_cmd = record.diseqc_cmd2 = kDiseqcNone;
-    record.lev_min = plain_text(level_range(unit_offset).minimum);
-    record.lev_max = plain_text(level_range(unit_offset).maximum);
+    record.diseqc_cmd = record.diseqc_cmd2 = programme::kDiseqcNone;
+    record.lev_min = link::plain_text(programme::level_range(unit_offset).minimum);
+    record.lev_max = link::plain_text(programme::level_range(unit_offset).maximum);
     record.noise_min = record.mer_min = QStringLiteral("1");
     record.noise_max = record.mer_max = QStringLiteral("40");
     record.chber_min = QStringLiteral("1E-8");
@@ -158,8 +161,9 @@ ProgramRecord import_defaults(double unit_offset) {
 }
 
 ImportPreview preview_import(const std::vector<ImportCandidate>& candidates,
-                             const std::vector<ProgramRecord>& programs,
-                             const Oscillators& oscillators, std::optional<double> unit_offset) {
+                             const std::vector<programme::ProgramRecord>& programs,
+                             const programme::Oscillators& oscillators,
+                             std::optional<double> unit_offset) {
     Importer importer(candidates, programs, oscillators, unit_offset);
     for (const ImportCandidate& candidate : candidates) importer.take(candidate);
     importer.tune_again(candidates);
@@ -188,4 +192,4 @@ QString import_problem_text(ImportProblem problem, const Texts& texts) {
     return {};
 }
 
-}  // namespace m47
+}  // namespace m47::plans

@@ -9,7 +9,7 @@
 #include "program_record.h"
 #include "texts.h"
 
-namespace m47 {
+namespace m47::plans {
 
 /// Why a program of a file does not come into the plan.
 enum class ImportProblem {
@@ -24,16 +24,16 @@ enum class ImportProblem {
 
 /// A program as a file describes it.
 struct ImportCandidate {
-    int line = 0;          ///< where it stands in the file, from 1
-    ProgramRecord record;  ///< an empty number asks for the first free one
-    QString oscillator{};  ///< MHz; empty: entry `loc_osc0` of the plan as it is
+    int line = 0;                     ///< where it stands in the file, from 1
+    programme::ProgramRecord record;  ///< an empty number asks for the first free one
+    QString oscillator{};             ///< MHz; empty: entry `loc_osc0` of the plan as it is
     ImportProblem problem = ImportProblem::none;
 };
 
 /// A program as it will be stored, or why it will not be.
 struct ImportRow {
     int line = 0;
-    ProgramRecord record;
+    programme::ProgramRecord record;
     QString oscillator;
     QStringList corrections;  ///< "frequenza: 500 → 920.0"
     ImportProblem problem = ImportProblem::none;
@@ -44,23 +44,24 @@ struct ImportRow {
 /// What an import will do, before anything is written.
 struct ImportPreview {
     std::vector<ImportRow> rows;
-    Oscillators oscillators;         ///< of the plan after the import
-    Oscillators oscillators_before;  ///< as they were when this was made
-    bool replaces_blank = false;     ///< the one program that a new plan starts with goes
+    programme::Oscillators oscillators;         ///< of the plan after the import
+    programme::Oscillators oscillators_before;  ///< as they were when this was made
+    bool replaces_blank = false;  ///< the one program that a new plan starts with goes
 
     int added() const;
 };
 
 /// The program that a file's gaps are filled from: tuned directly, no supply, no DiSEqC command,
 /// the widest alarm limits in the unit that lies `unit_offset` dB below dBuV.
-ProgramRecord import_defaults(double unit_offset);
+programme::ProgramRecord import_defaults(double unit_offset);
 
 /// What becomes of `candidates` in a plan that holds `programs` and `oscillators`. Without a
 /// `unit_offset` their level limits stay as they are.
 ImportPreview preview_import(const std::vector<ImportCandidate>& candidates,
-                             const std::vector<ProgramRecord>& programs,
-                             const Oscillators& oscillators, std::optional<double> unit_offset);
+                             const std::vector<programme::ProgramRecord>& programs,
+                             const programme::Oscillators& oscillators,
+                             std::optional<double> unit_offset);
 
 QString import_problem_text(ImportProblem problem, const Texts& texts);
 
-}  // namespace m47
+}  // namespace m47::plans

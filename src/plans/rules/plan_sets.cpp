@@ -7,17 +7,17 @@
 #include "fields.h"
 #include "tables.h"
 
-namespace m47 {
+namespace m47::plans {
 namespace {
 
-bool step_back(Recordset& set) {
+bool step_back(db::Recordset& set) {
     if (!set.begin_of_set()) set.move_previous();
     if (!set.begin_of_set()) return true;
     if (!set.empty()) set.move_first();
     return false;
 }
 
-bool step_on(Recordset& set) {
+bool step_on(db::Recordset& set) {
     if (!set.end_of_set()) set.move_next();
     if (!set.end_of_set()) return true;
     if (!set.empty()) set.move_last();
@@ -26,17 +26,17 @@ bool step_on(Recordset& set) {
 
 }  // namespace
 
-PlanSets::PlanSets(Database& database, const CorrectedBehaviour& corrected)
+PlanSets::PlanSets(db::Database& database, const CorrectedBehaviour& corrected)
     : database_(database),
       corrected_(corrected),
-      plans_(Recordset::table(database.connection(), table::kGruppo)) {
+      plans_(db::Recordset::table(database.connection(), db::table::kGruppo)) {
     first_plan();
 }
 
 void PlanSets::crea_records(const QString& plan) {
-    const QString name = stored_plan_name(plan);
-    Recordset programs = database_.of_plan(table::kProgrammi, name);
-    Recordset config = database_.of_plan(table::kConfigurazione, name);
+    const QString name = db::stored_plan_name(plan);
+    db::Recordset programs = database_.of_plan(db::table::kProgrammi, name);
+    db::Recordset config = database_.of_plan(db::table::kConfigurazione, name);
     // Only now nothing can fail any more: the programs of one plan never stand under another name.
     plan_ = name;
     programs_ = std::move(programs);
@@ -45,7 +45,7 @@ void PlanSets::crea_records(const QString& plan) {
 
 /// Makes the plan `name` the current row of the list of plans. False where it has none.
 bool PlanSets::find_plan(const QString& name) {
-    if (m47::find_plan(plans_, name)) return true;
+    if (db::find_plan(plans_, name)) return true;
     if (!plans_.empty()) plans_.move_first();
     return false;
 }
@@ -68,20 +68,20 @@ void PlanSets::show_plan(const QString& name) {
 
 void PlanSets::first_plan() {
     if (!plans_.empty()) plans_.move_first();
-    crea_records(plans_.empty() ? QString() : plans_.text(field::kNome));
+    crea_records(plans_.empty() ? QString() : plans_.text(db::field::kNome));
 }
 
 bool PlanSets::previous_plan() {
     if (!requery_plans()) return has_current_plan();
     const bool moved = step_back(plans_);
-    crea_records(plans_.text(field::kNome));
+    crea_records(plans_.text(db::field::kNome));
     return moved;
 }
 
 bool PlanSets::next_plan() {
     if (!requery_plans()) return has_current_plan();
     const bool moved = step_on(plans_);
-    crea_records(plans_.text(field::kNome));
+    crea_records(plans_.text(db::field::kNome));
     return moved;
 }
 
@@ -111,46 +111,50 @@ void PlanSets::read_anew(bool program) {
     if (program) programs_->go_to(programs_->bookmark());
 }
 
-ProgramRecord PlanSets::program() const {
-    return current_row() ? read(*programs_) : ProgramRecord();
+programme::ProgramRecord PlanSets::program() const {
+    return current_row() ? read(*programs_) : programme::ProgramRecord();
 }
 
-ProgramRecord PlanSets::read(const Recordset& set) const {
-    return read_program(set, corrected_.none_diseqc ? kDiseqcNone : 0);
+programme::ProgramRecord PlanSets::read(const db::Recordset& set) const {
+    return programme::read_program(set, corrected_.none_diseqc ? programme::kDiseqcNone : 0);
 }
 
-std::vector<ProgramRecord> PlanSets::programs() const {
+std::vector<programme::ProgramRecord> PlanSets::programs() const {
     return programs_of(plan_, std::nullopt);
 }
 
-std::vector<ProgramRecord> PlanSets::programs_of(const QString& plan,
-                                                 std::optional<Bookmark> without) const {
-    std::vector<ProgramRecord> records;
-    Recordset set = database_.of_plan(table::kProgrammi, plan);
+std::vector<programme::ProgramRecord> PlanSets::programs_of(
+    const QString& plan, std::optional<db::Bookmark> without) const {
+    std::vector<programme::ProgramRecord> records;
+    db::Recordset set = database_.of_plan(db::table::kProgrammi, plan);
     for (; !set.end_of_set(); set.move_next())
         if (set.bookmark() != without) records.push_back(read(set));
     return records;
 }
 
-Oscillators PlanSets::oscillators() const {
-    return config_ && !config_->empty() ? read_oscillators(*config_) : Oscillators();
+programme::Oscillators PlanSets::oscillators() const {
+    return config_ && !config_->empty() ? programme::read_oscillators(*config_)
+                                        : programme::Oscillators();
 }
 
 StoredProgram PlanSets::stored() const {
-    return {has_program() ? read_program(*programs_, kNoDiseqcChosen) : ProgramRecord(),
+    return {has_program() ? programme::read_program(*programs_, kNoDiseqcChosen)
+                          : programme::ProgramRecord(),
             oscillators()};
 }
 
 bool PlanSets::has_unset_diseqc() const {
-    Recordset set = database_.of_plan(table::kProgrammi, plan_);
+    db::Recordset set = database_.of_plan(db::table::kProgrammi, plan_);
     for (; !set.end_of_set(); set.move_next())
-        if (!is_blank(read(set)) && read_program(set, kNoDiseqcChosen).diseqc_cmd < 0) return true;
+        if (!programme::is_blank(read(set)) &&
+            programme::read_program(set, kNoDiseqcChosen).diseqc_cmd < 0)
+            return true;
     return false;
 }
 
-Oscillators PlanSets::oscillators_of(const QString& plan) const {
-    const Recordset config = database_.of_plan(table::kConfigurazione, plan);
-    return config.empty() ? Oscillators() : read_oscillators(config);
+programme::Oscillators PlanSets::oscillators_of(const QString& plan) const {
+    const db::Recordset config = database_.of_plan(db::table::kConfigurazione, plan);
+    return config.empty() ? programme::Oscillators() : programme::read_oscillators(config);
 }
 
 bool PlanSets::has_current_plan() const {
@@ -158,10 +162,10 @@ bool PlanSets::has_current_plan() const {
 }
 
 bool PlanSets::has_plan(const QString& name) const {
-    return !database_.of_plan(table::kGruppo, name).empty();
+    return !database_.of_plan(db::table::kGruppo, name).empty();
 }
 
-std::optional<Bookmark> PlanSets::current_row() const {
+std::optional<db::Bookmark> PlanSets::current_row() const {
     // After a move that failed halfway the set may stand beside its rows.
     if (!programs_ || !programs_->has_current()) return std::nullopt;
     return programs_->bookmark();
@@ -169,7 +173,7 @@ std::optional<Bookmark> PlanSets::current_row() const {
 
 /// Reads anew what a failed change may have left behind in the sets, and comes back to the program
 /// that was current.
-void PlanSets::reopen(std::optional<Bookmark> current) {
+void PlanSets::reopen(std::optional<db::Bookmark> current) {
     show_plan(plan_);
     if (!current || !has_program()) return;
     while (!programs_->end_of_set() && programs_->bookmark() != *current) programs_->move_next();
@@ -178,11 +182,11 @@ void PlanSets::reopen(std::optional<Bookmark> current) {
 
 bool PlanSets::refresh() {
     const QString plan = plan_;
-    const ProgramRecord record = program();
-    const Oscillators known = oscillators();
-    const std::optional<Bookmark> current = current_row();
+    const programme::ProgramRecord record = program();
+    const programme::Oscillators known = oscillators();
+    const std::optional<db::Bookmark> current = current_row();
     if (requery_plans()) reopen(current);
     return plan_ != plan || program() != record || oscillators() != known;
 }
 
-}  // namespace m47
+}  // namespace m47::plans

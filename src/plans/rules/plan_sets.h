@@ -13,7 +13,7 @@
 #include "program_record.h"
 #include "stored_program.h"
 
-namespace m47 {
+namespace m47::plans {
 
 /// Every behaviour as it always was.
 inline const CorrectedBehaviour kNothingCorrected;
@@ -25,7 +25,8 @@ struct ProgramCopy;
 class PlanSets {
   public:
     /// `corrected` may change meanwhile and has to outlive this object.
-    explicit PlanSets(Database& database, const CorrectedBehaviour& corrected = kNothingCorrected);
+    explicit PlanSets(db::Database& database,
+                      const CorrectedBehaviour& corrected = kNothingCorrected);
 
     /// Told the numbers of the programs whose frequency a new oscillator has changed.
     std::function<void(const QStringList& numbers)> on_checked;
@@ -57,14 +58,14 @@ class PlanSets {
     /// Nothing can be stored then.
     bool has_current_plan() const;
     /// The row of the current program; nothing where the plan has none.
-    std::optional<Bookmark> current_row() const;
+    std::optional<db::Bookmark> current_row() const;
     bool has_program() const { return programs_ && !programs_->empty(); }
     /// The current program, a blank one where the plan has none.
-    ProgramRecord program() const;
+    programme::ProgramRecord program() const;
     /// All programs of the plan.
-    std::vector<ProgramRecord> programs() const;
+    std::vector<programme::ProgramRecord> programs() const;
     /// Of the plan.
-    Oscillators oscillators() const;
+    programme::Oscillators oscillators() const;
     /// What was read last of the current program and the plan's oscillators.
     StoredProgram stored() const;
     /// True where a program of the plan that holds something has no DiSEqC command chosen.
@@ -94,14 +95,15 @@ class PlanSets {
     /// it, the frequencies of all programs that use it are checked against it. `known` as for
     /// store_record, of `record`, the current program as it is to be stored next.
     void store_oscloc(int index, const QString& oscillator);
-    void store_oscloc(const ProgramRecord& record, const QString& oscillator, StoredProgram& known);
+    void store_oscloc(const programme::ProgramRecord& record, const QString& oscillator,
+                      StoredProgram& known);
 
     /// Stores `record` with its oscillator `oscillator` over the current program (`over`) or as a
     /// new one behind the last. Both come back as corrected. Where it clashes with another program
     /// of the plan, only the number has been corrected and nothing is stored. `unit_offset` as for
     /// correct_limits. With `known`, what the user has seen of the current program, a change by
     /// another program is not overwritten: ChangedMeanwhile, and nothing is stored.
-    Clash store_record(ProgramRecord& record, QString& oscillator,
+    Clash store_record(programme::ProgramRecord& record, QString& oscillator,
                        std::optional<double> unit_offset, bool over,
                        const StoredProgram* known = nullptr);
 
@@ -124,36 +126,36 @@ class PlanSets {
     bool requery_plans();
     void need_plan() const;
     void read_anew(bool program);
-    void need_known(const StoredProgram& known, const ProgramRecord& record,
+    void need_known(const StoredProgram& known, const programme::ProgramRecord& record,
                     const QString& oscillator, bool over);
-    void write_record(const ProgramRecord& record, const QString& oscillator, bool over);
+    void write_record(const programme::ProgramRecord& record, const QString& oscillator, bool over);
     void edit_configuration();
-    ProgramRecord read(const Recordset& set) const;
+    programme::ProgramRecord read(const db::Recordset& set) const;
     void write_oscillator_entry(int index, const QString& oscillator);
-    std::vector<Bookmark> out_of_range(int index, const QString& oscillator) const;
-    void check_programs(const std::vector<Bookmark>& rows, const QString& oscillator);
+    std::vector<db::Bookmark> out_of_range(int index, const QString& oscillator) const;
+    void check_programs(const std::vector<db::Bookmark>& rows, const QString& oscillator);
     void need_room_for(const ImportPreview& import);
     void begin_checks();
     void tell_checked();
-    void reopen(std::optional<Bookmark> current);
+    void reopen(std::optional<db::Bookmark> current);
     void show_plan(const QString& name);
     void add_rows(const QString& name);
-    void write_oscillators(const Oscillators& oscillators);
-    Oscillators oscillators_of(const QString& plan) const;
-    RemovedRows rows_of(Recordset set) const;
+    void write_oscillators(const programme::Oscillators& oscillators);
+    programme::Oscillators oscillators_of(const QString& plan) const;
+    RemovedRows rows_of(db::Recordset set) const;
     ImportProblem fit_copy(const QString& name, ProgramCopy& copy) const;
     void write_copy(const QString& name, const ProgramCopy& copy);
-    std::vector<ProgramRecord> programs_of(const QString& plan,
-                                           std::optional<Bookmark> without) const;
+    std::vector<programme::ProgramRecord> programs_of(const QString& plan,
+                                                      std::optional<db::Bookmark> without) const;
 
-    Database& database_;
+    db::Database& database_;
     const CorrectedBehaviour& corrected_;
     QStringList checked_;
     bool unchecked_ = false;
-    Recordset plans_;
-    std::optional<Recordset> programs_;
-    std::optional<Recordset> config_;
+    db::Recordset plans_;
+    std::optional<db::Recordset> programs_;
+    std::optional<db::Recordset> config_;
     QString plan_;
 };
 
-}  // namespace m47
+}  // namespace m47::plans

@@ -10,13 +10,13 @@
 #include "program_checks.h"
 #include "tables.h"
 
-namespace m47 {
+namespace m47::plans {
 
 /// A plan that came without its oscillators gets a row for them.
 void PlanSets::edit_configuration() {
     if (config_->empty()) {
         config_->add_new();
-        config_->set(field::kNome, plan_);
+        config_->set(db::field::kNome, plan_);
         config_->update();
         config_->move_first();
     }
@@ -26,23 +26,26 @@ void PlanSets::edit_configuration() {
 void PlanSets::write_oscillator_entry(int index, const QString& oscillator) {
     const QString before = oscillators()[static_cast<std::size_t>(index)];
     edit_configuration();
-    write_oscillator(*config_, index, oscillator);
+    programme::write_oscillator(*config_, index, oscillator);
     config_->update();
-    if (oscillator.trimmed().isEmpty() || typed_value(before) == typed_value(oscillator)) return;
-    const std::vector<Bookmark> rows = out_of_range(index, oscillator);
+    if (oscillator.trimmed().isEmpty() ||
+        link::typed_value(before) == link::typed_value(oscillator))
+        return;
+    const std::vector<db::Bookmark> rows = out_of_range(index, oscillator);
     if (corrected_.check_all) return check_programs(rows, oscillator);
-    const std::optional<Bookmark> shown = current_row();
-    unchecked_ = std::ranges::any_of(rows, [&](Bookmark row) { return row != shown; });
+    const std::optional<db::Bookmark> shown = current_row();
+    unchecked_ = std::ranges::any_of(rows, [&](db::Bookmark row) { return row != shown; });
 }
 
 /// The programs of the plan that are tuned through oscillator `index` at a frequency that
 /// `oscillator` does not bring into the meter's range.
-std::vector<Bookmark> PlanSets::out_of_range(int index, const QString& oscillator) const {
-    std::vector<Bookmark> rows;
-    Recordset set = database_.of_plan(table::kProgrammi, plan_);
+std::vector<db::Bookmark> PlanSets::out_of_range(int index, const QString& oscillator) const {
+    std::vector<db::Bookmark> rows;
+    db::Recordset set = database_.of_plan(db::table::kProgrammi, plan_);
     for (; !set.end_of_set(); set.move_next()) {
-        const ProgramRecord record = read(set);
-        const bool uses_it = !record.loc_osc && oscillator_entry(record.loc_osc0) == index;
+        const programme::ProgramRecord record = read(set);
+        const bool uses_it =
+            !record.loc_osc && programme::oscillator_entry(record.loc_osc0) == index;
         if (!uses_it || record.frequenza.isEmpty()) continue;
         const QString checked = stored_frequency(record.frequenza, false, oscillator);
         if (checked != record.frequenza) rows.push_back(set.bookmark());
@@ -50,15 +53,15 @@ std::vector<Bookmark> PlanSets::out_of_range(int index, const QString& oscillato
     return rows;
 }
 
-void PlanSets::check_programs(const std::vector<Bookmark>& rows, const QString& oscillator) {
-    const std::optional<Bookmark> current = current_row();
-    Recordset set = database_.of_plan(table::kProgrammi, plan_);
-    for (const Bookmark row : rows) {
+void PlanSets::check_programs(const std::vector<db::Bookmark>& rows, const QString& oscillator) {
+    const std::optional<db::Bookmark> current = current_row();
+    db::Recordset set = database_.of_plan(db::table::kProgrammi, plan_);
+    for (const db::Bookmark row : rows) {
         set.go_to(row);
-        const ProgramRecord record = read(set);
+        const programme::ProgramRecord record = read(set);
         const QString checked = stored_frequency(record.frequenza, false, oscillator);
         set.edit();
-        set.set(field::kFrequenza, typed_value(checked));
+        set.set(db::field::kFrequenza, link::typed_value(checked));
         set.update();
         checked_ += record.pg_num;
     }
@@ -78,7 +81,7 @@ void PlanSets::tell_checked() {
 }
 
 /// Within a transaction, so that what is compared is what will be overwritten.
-void PlanSets::need_known(const StoredProgram& known, const ProgramRecord& record,
+void PlanSets::need_known(const StoredProgram& known, const programme::ProgramRecord& record,
                           const QString& oscillator, bool over) {
     read_anew(over);
     need_unchanged(known, ChangedMeanwhile(stored(), record, oscillator, over));
@@ -93,7 +96,7 @@ void PlanSets::store_oscloc(int index, const QString& oscillator) {
     tell_checked();
 }
 
-void PlanSets::store_oscloc(const ProgramRecord& record, const QString& oscillator,
+void PlanSets::store_oscloc(const programme::ProgramRecord& record, const QString& oscillator,
                             StoredProgram& known) {
     begin_checks();
     StoredProgram after;
@@ -107,34 +110,35 @@ void PlanSets::store_oscloc(const ProgramRecord& record, const QString& oscillat
     tell_checked();
 }
 
-void PlanSets::write_record(const ProgramRecord& record, const QString& oscillator, bool over) {
+void PlanSets::write_record(const programme::ProgramRecord& record, const QString& oscillator,
+                            bool over) {
     write_oscillator_entry(record.loc_osc0, oscillator);
     if (over)
         programs_->edit();
     else
         programs_->add_new();
-    programs_->set(field::kNome, plan_);
-    write_program(*programs_, record);
+    programs_->set(db::field::kNome, plan_);
+    programme::write_program(*programs_, record);
     programs_->update();
 }
 
-Clash PlanSets::store_record(ProgramRecord& record, QString& oscillator,
+Clash PlanSets::store_record(programme::ProgramRecord& record, QString& oscillator,
                              std::optional<double> unit_offset, bool over,
                              const StoredProgram* known) {
     need_plan();
     begin_checks();
     if (corrected_.none_diseqc)
         for (int* command : {&record.diseqc_cmd, &record.diseqc_cmd2})
-            if (*command < 0) *command = kDiseqcNone;
+            if (*command < 0) *command = programme::kDiseqcNone;
     record.pg_num = checked_program_number(record.pg_num);
-    std::optional<Bookmark> current;
+    std::optional<db::Bookmark> current;
     if (over) current = programs_->bookmark();
     if (!over) record.logger_pos.clear();
     Clash clash = Clash::none;
     // With the look at the others: no other program may take the number in between.
     all_or_nothing([&] {
         need_plan();
-        const std::vector<ProgramRecord> others = programs_of(plan_, current);
+        const std::vector<programme::ProgramRecord> others = programs_of(plan_, current);
         clash = find_clash(others, record);
         if (clash != Clash::none) return;
         if (!over) record.logger_pos = next_logger_position(others);
@@ -146,11 +150,11 @@ Clash PlanSets::store_record(ProgramRecord& record, QString& oscillator,
     return clash;
 }
 
-void PlanSets::write_oscillators(const Oscillators& oscillators) {
+void PlanSets::write_oscillators(const programme::Oscillators& oscillators) {
     edit_configuration();
     for (std::size_t index = 0; index < oscillators.size(); ++index)
-        write_oscillator(*config_, static_cast<int>(index), oscillators[index]);
+        programme::write_oscillator(*config_, static_cast<int>(index), oscillators[index]);
     config_->update();
 }
 
-}  // namespace m47
+}  // namespace m47::plans

@@ -5,7 +5,7 @@
 #include "program_commands.h"
 #include "table_backup.h"
 
-namespace m47 {
+namespace m47::plans {
 namespace {
 
 const QString kAccepted = QStringLiteral("OK");
@@ -21,7 +21,7 @@ constexpr Bilingual kSummary{"%1 of %2 commands answered OK", "%1 comandi su %2 
 
 UploadResult PlanUpload::run(const UploadPlan& plan, UploadMode mode) {
     UploadResult result;
-    Work work(link_, kNoneSent, {QString::number(plan.programs.size())});
+    link::Work work(link_, kNoneSent, {QString::number(plan.programs.size())});
     const QStringList opening = opening_commands(mode);
     const auto of_plan = static_cast<int>(plan_commands(plan).size());
     result.commands = static_cast<int>(opening.size()) + of_plan;
@@ -39,13 +39,13 @@ UploadResult PlanUpload::run(const UploadPlan& plan, UploadMode mode) {
     return result;
 }
 
-void PlanUpload::send_programs(const UploadPlan& plan, UploadResult& result, Work& work) {
+void PlanUpload::send_programs(const UploadPlan& plan, UploadResult& result, link::Work& work) {
     const QString all = QString::number(plan.programs.size());
     int sent = 0;
-    for (const ProgramRecord& program : plan.programs) {
+    for (const programme::ProgramRecord& program : plan.programs) {
         // The meter stores a program at the end of its commands and uses its supply meanwhile.
-        const Undivided whole(link_);
-        send_all(commands_of_program(program, plan.oscillators), result);
+        const link::Undivided whole(link_);
+        send_all(programme::commands_of_program(program, plan.oscillators), result);
         if (!link_.port_connected) continue;
         work.at(kSent, {QString::number(++sent), all, QString::number(result.accepted)});
     }
@@ -72,7 +72,7 @@ std::optional<QString> PlanUpload::send_one(const QString& command, UploadResult
 }
 
 std::optional<QString> PlanUpload::ask_table() {
-    std::optional<QString> table = link_.ask(command::query(command::kLoggerTable));
+    std::optional<QString> table = link_.ask(link::command::query(link::command::kLoggerTable));
     if (table == kRefusedQuery) return std::nullopt;
     return table;
 }
@@ -85,4 +85,4 @@ QString upload_refusals(const UploadResult& result) {
     return result.refused.join(u'\n');
 }
 
-}  // namespace m47
+}  // namespace m47::plans

@@ -10,7 +10,7 @@
 #include "upload_commands.h"
 #include "work.h"
 
-namespace m47 {
+namespace m47::plans {
 
 /// What became of an upload.
 struct UploadResult {
@@ -23,7 +23,7 @@ struct UploadResult {
 /// Sends a plan to the meter.
 class PlanUpload {
   public:
-    PlanUpload(Link& link, const ProgramState& program) : link_(link), program_(program) {}
+    PlanUpload(link::Link& link, const ProgramState& program) : link_(link), program_(program) {}
 
     /// Told before each command how many have been sent and how many there are.
     std::function<void(int sent, int commands)> on_progress;
@@ -39,10 +39,10 @@ class PlanUpload {
   private:
     /// The answer to the last of `commands`.
     std::optional<QString> send_all(const QStringList& commands, UploadResult& result);
-    void send_programs(const UploadPlan& plan, UploadResult& result, Work& work);
+    void send_programs(const UploadPlan& plan, UploadResult& result, link::Work& work);
     std::optional<QString> send_one(const QString& command, UploadResult& result);
 
-    Link& link_;
+    link::Link& link_;
     const ProgramState& program_;
 };
 
@@ -52,4 +52,4 @@ QString upload_summary(const UploadResult& result, const Texts& texts);
 /// The commands that were not answered with "OK", one a line; empty when all were.
 QString upload_refusals(const UploadResult& result);
 
-}  // namespace m47
+}  // namespace m47::plans

@@ -6,7 +6,7 @@
 
 #include "program_record.h"
 
-namespace m47 {
+namespace m47::plans {
 
 // Each takes what stands in a box and gives back what has to stand there: the text itself where it
 // is good, the nearest allowed value (or a fixed one) where it is not. None refuses.
@@ -38,7 +38,7 @@ void correct_chber_limits(QString& minimum, QString& maximum);
 
 /// Every alarm limit of `record`. Without a `unit_offset` the level limits are numbers of a unit
 /// that nobody knows here, and stay.
-void correct_limits(ProgramRecord& record, std::optional<double> unit_offset);
+void correct_limits(programme::ProgramRecord& record, std::optional<double> unit_offset);
 
 /// A frequency as it is kept: checked, and with no more decimals than the box shows of it.
 QString stored_frequency(const QString& text, bool direct, const QString& oscillator);
@@ -46,6 +46,7 @@ QString stored_frequency(const QString& text, bool direct, const QString& oscill
 /// Every check but the number's, as Enter in each box runs it. Every text is then a number that
 /// its box shows whole. `oscillator` is the text of the program's oscillator, `unit_offset` as for
 /// correct_limits.
-void correct_fields(ProgramRecord& record, QString& oscillator, std::optional<double> unit_offset);
+void correct_fields(programme::ProgramRecord& record, QString& oscillator,
+                    std::optional<double> unit_offset);
 
-}  // namespace m47
+}  // namespace m47::plans

@@ -9,7 +9,7 @@
 #include "logger_table.h"
 #include "numbers.h"
 
-namespace m47 {
+namespace m47::plans {
 namespace {
 
 /// A band that an LNB converts with one oscillator.
@@ -57,12 +57,12 @@ bool is_old_line(const QStringList& words) {
 
 ImportCandidate candidate_of(const Transponder& transponder, double unit_offset) {
     ImportCandidate candidate{.line = transponder.line, .record = import_defaults(unit_offset)};
-    const double mhz = meter_value(transponder.frequency) / kKilo;
-    const double rate = meter_value(transponder.symbol_rate) / kKilo;
-    ProgramRecord& record = candidate.record;
+    const double mhz = link::meter_value(transponder.frequency) / kKilo;
+    const double rate = link::meter_value(transponder.symbol_rate) / kKilo;
+    programme::ProgramRecord& record = candidate.record;
     record.sat_ad = true;
-    record.frequenza = frequency_box_text(mhz, false);
-    record.qpsk_symbolrate = format_number(rate, "0");
+    record.frequenza = programme::frequency_box_text(mhz, false);
+    record.qpsk_symbolrate = link::format_number(rate, "0");
     record.lnb_volt = supply_of(transponder.polarisation);
     const bool satellite = transponder.system.startsWith(QLatin1String("DVBS"));
     if (!satellite || mhz <= 0 || rate <= 0 || record.lnb_volt == 0) {
@@ -145,4 +145,4 @@ std::vector<ImportCandidate> parse_scan_table(const QString& text, double unit_o
     return candidates;
 }
 
-}  // namespace m47
+}  // namespace m47::plans

@@ -6,7 +6,7 @@
 
 #include "plan_import.h"
 
-namespace m47 {
+namespace m47::plans {
 
 /// True for a DVB scan table in its old form (one line a transponder, "S 11778000 V 27500000") or
 /// its newer one (blocks under "[CHANNEL]").
@@ -18,4 +18,4 @@ bool is_scan_table(const QString& text);
 /// tuned is marked, never skipped.
 std::vector<ImportCandidate> parse_scan_table(const QString& text, double unit_offset);
 
-}  // namespace m47
+}  // namespace m47::plans

@@ -7,7 +7,7 @@
 #include "fields.h"
 #include "numbers.h"
 
-namespace m47 {
+namespace m47::plans {
 namespace {
 
 constexpr Bilingual kChangedMeanwhile{
@@ -22,30 +22,31 @@ constexpr Bilingual kRemovalChanged{
 
 bool same_oscillator(const QString& one, const QString& other) {
     const bool none = one.trimmed().isEmpty();
-    return none == other.trimmed().isEmpty() && (none || typed_value(one) == typed_value(other));
+    return none == other.trimmed().isEmpty() &&
+           (none || link::typed_value(one) == link::typed_value(other));
 }
 
 /// The program of `row` among `rows`; where it is not there, one of which nothing is set.
-ProgramRecord program_of(const RemovedRows& rows, Bookmark row) {
+programme::ProgramRecord program_of(const RemovedRows& rows, db::Bookmark row) {
     const auto found = rows.programs.find(row);
     if (found != rows.programs.end()) return found->second;
-    ProgramRecord nothing;
+    programme::ProgramRecord nothing;
     nothing.diseqc_cmd = nothing.diseqc_cmd2 = kNoDiseqcChosen;
     return nothing;
 }
 
-void add_program_changes(const ProgramRecord& stored, const ProgramRecord& shown,
-                         QList<ChangedField>& fields) {
-    for (const ProgramField& field : program_fields()) {
-        const QString now = field_text(stored, field);
-        const QString seen = field_text(shown, field);
+void add_program_changes(const programme::ProgramRecord& stored,
+                         const programme::ProgramRecord& shown, QList<ChangedField>& fields) {
+    for (const programme::ProgramField& field : programme::program_fields()) {
+        const QString now = programme::field_text(stored, field);
+        const QString seen = programme::field_text(shown, field);
         if (now != seen) fields += {field.name, now, seen, stored.pg_num};
     }
 }
 
 }  // namespace
 
-ChangedMeanwhile::ChangedMeanwhile(StoredProgram in_file, ProgramRecord typed,
+ChangedMeanwhile::ChangedMeanwhile(StoredProgram in_file, programme::ProgramRecord typed,
                                    QString typed_oscillator, bool replaces)
     : Fault(kChangedMeanwhile),
       now(std::move(in_file)),
@@ -53,7 +54,7 @@ ChangedMeanwhile::ChangedMeanwhile(StoredProgram in_file, ProgramRecord typed,
       oscillator(std::move(typed_oscillator)),
       over(replaces) {
     // As it would be read again.
-    give_box_form(program);
+    programme::give_box_form(program);
 }
 
 RemovalChanged::RemovalChanged(RemovedRows in_file, RemovedRows known)
@@ -63,11 +64,11 @@ QList<ChangedField> changed_fields(const RemovalChanged& change) {
     QList<ChangedField> fields;
     for (const auto& [row, program] : change.now.programs)
         add_program_changes(program, program_of(change.seen, row), fields);
-    for (std::size_t entry = 0; entry < field::kOscillators.size(); ++entry) {
+    for (std::size_t entry = 0; entry < db::field::kOscillators.size(); ++entry) {
         const QString& stored = change.now.oscillators[entry];
         const QString& shown = change.seen.oscillators[entry];
         if (!same_oscillator(stored, shown))
-            fields += {field::kOscillators[entry], stored, shown, QString()};
+            fields += {db::field::kOscillators[entry], stored, shown, QString()};
     }
     return fields;
 }
@@ -83,21 +84,21 @@ void need_unchanged(const RemovedRows& seen, const RemovedRows& now) {
 QList<ChangedField> changed_fields(const ChangedMeanwhile& change) {
     QList<ChangedField> fields;
     if (change.over)
-        for (const ProgramField& field : program_fields()) {
-            const QString stored = field_text(change.now.program, field);
-            const QString typed = field_text(change.program, field);
+        for (const programme::ProgramField& field : programme::program_fields()) {
+            const QString stored = programme::field_text(change.now.program, field);
+            const QString typed = programme::field_text(change.program, field);
             if (stored != typed) fields += {field.name, stored, typed, QString()};
         }
-    const std::size_t entry = oscillator_entry(change.program);
+    const std::size_t entry = programme::oscillator_entry(change.program);
     const QString stored = change.now.oscillators[entry];
     if (!same_oscillator(stored, change.oscillator))
-        fields += {field::kOscillators[entry], stored, change.oscillator, QString()};
+        fields += {db::field::kOscillators[entry], stored, change.oscillator, QString()};
     return fields;
 }
 
 void need_unchanged(const StoredProgram& known, const ChangedMeanwhile& change) {
     const StoredProgram& now = change.now;
-    const std::size_t entry = oscillator_entry(change.program);
+    const std::size_t entry = programme::oscillator_entry(change.program);
     const bool program =
         change.over && now.program != known.program && now.program != change.program;
     const bool oscillator = now.oscillators[entry] != known.oscillators[entry] &&
@@ -105,4 +106,4 @@ void need_unchanged(const StoredProgram& known, const ChangedMeanwhile& change) 
     if (program || oscillator) throw change;
 }
 
-}  // namespace m47
+}  // namespace m47::plans

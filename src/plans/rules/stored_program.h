@@ -9,7 +9,7 @@
 #include "program_record.h"
 #include "recordset.h"
 
-namespace m47 {
+namespace m47::plans {
 
 /// What an unset DiSEqC command is read as where it is to be told from the first one.
 inline constexpr int kNoDiseqcChosen = -1;
@@ -17,8 +17,8 @@ inline constexpr int kNoDiseqcChosen = -1;
 /// A program and the oscillators of its plan as the file held them when they were read, whatever
 /// unset DiSEqC commands are shown as.
 struct StoredProgram {
-    ProgramRecord program;
-    Oscillators oscillators;
+    programme::ProgramRecord program;
+    programme::Oscillators oscillators;
 
     bool operator==(const StoredProgram&) const = default;
 };
@@ -28,11 +28,11 @@ class ChangedMeanwhile : public Fault {
   public:
     /// `typed` and `typed_oscillator` were to be stored; `replaces` is false for a new program,
     /// of which the oscillator alone overwrites something.
-    ChangedMeanwhile(StoredProgram in_file, ProgramRecord typed, QString typed_oscillator,
-                     bool replaces);
+    ChangedMeanwhile(StoredProgram in_file, programme::ProgramRecord typed,
+                     QString typed_oscillator, bool replaces);
 
     StoredProgram now;
-    ProgramRecord program;
+    programme::ProgramRecord program;
     QString oscillator;
     bool over;
 };
@@ -40,8 +40,8 @@ class ChangedMeanwhile : public Fault {
 /// What a deletion takes away: programs by their rows and, where their plan goes as well, its
 /// oscillators. As the user has seen it, or as the file holds it.
 struct RemovedRows {
-    std::map<Bookmark, ProgramRecord> programs;
-    Oscillators oscillators;
+    std::map<db::Bookmark, programme::ProgramRecord> programs;
+    programme::Oscillators oscillators;
 };
 
 /// Nothing was deleted: another program has changed meanwhile what would have gone.
@@ -75,4 +75,4 @@ void need_unchanged(const RemovedRows& seen, const RemovedRows& now);
 /// to be stored.
 void need_unchanged(const StoredProgram& known, const ChangedMeanwhile& change);
 
-}  // namespace m47
+}  // namespace m47::plans

@@ -12,7 +12,7 @@
 #include "medium.h"
 #include "save_file.h"
 
-namespace m47 {
+namespace m47::plans {
 namespace {
 
 constexpr qsizetype kKept = 30;
@@ -35,7 +35,7 @@ class OwnFolder {
     }
 
   private:
-    FileLock lock_;
+    platform::FileLock lock_;
 };
 
 [[noreturn]] void throw_file_fault(const QString& path, const QString& reason) {
@@ -71,14 +71,15 @@ class ScratchFile {
     ScratchFile& operator=(const ScratchFile&) = delete;
 
     void write(const QByteArray& bytes) {
-        const QString reason = write_whole_file(path_, bytes, Links::refused);
+        const QString reason = write_whole_file(path_, bytes, platform::Links::refused);
         if (!reason.isEmpty()) throw_file_fault(path_, reason);
         written_ = true;
     }
 
     QByteArray read() {
-        const FileReading reading = read_plain_file(path_, kLongestTable, Links::refused);
-        if (reading.fault != FileFault::none) throw_file_fault(path_, reading.reason);
+        const platform::FileReading reading =
+            platform::read_plain_file(path_, kLongestTable, platform::Links::refused);
+        if (reading.fault != platform::FileFault::none) throw_file_fault(path_, reading.reason);
         return reading.bytes;
     }
 
@@ -94,12 +95,12 @@ void keep_table(const QString& base_dir, const QString& table, const QDateTime& 
     if (!folder.mkpath(kBackupFolder) || !folder.cd(kBackupFolder))
         throw Fault(
             (folder.filePath(kBackupFolder) + QStringLiteral(": cannot be made")).toStdString());
-    if (const std::error_code lost = sync_folder(base_dir))
+    if (const std::error_code lost = platform::sync_folder(base_dir))
         throw_file_fault(base_dir, qt_error_string(lost.value()));
     // A name that is free may else be taken before it is used.
     const OwnFolder alone(folder.path());
     const QString path = free_backup_name(folder, now);
-    const QString reason = write_whole_file(path, table.toLatin1(), Links::refused);
+    const QString reason = write_whole_file(path, table.toLatin1(), platform::Links::refused);
     if (!reason.isEmpty()) throw_file_fault(path, reason);
     trim_backups(folder, QFileInfo(path).fileName());
 }
@@ -112,4 +113,4 @@ QStringList lines_through_file(const QString& base_dir, const QString& table) {
     return table_lines(QString::fromLatin1(file.read()));
 }
 
-}  // namespace m47
+}  // namespace m47::plans

@@ -5,7 +5,7 @@
 #include <QString>
 #include <QStringList>
 
-namespace m47 {
+namespace m47::plans {
 
 /// Keeps the meter's logger table before it is changed, as a file dated `now` in the folder
 /// `backup` of `base_dir`, and of all such files the last 30. A table that cannot be kept is a
@@ -17,4 +17,4 @@ void keep_table(const QString& base_dir, const QString& table, const QDateTime& 
 /// written or read is a Fault.
 QStringList lines_through_file(const QString& base_dir, const QString& table);
 
-}  // namespace m47
+}  // namespace m47::plans

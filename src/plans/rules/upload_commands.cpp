@@ -6,20 +6,21 @@
 #include "program_commands.h"
 #include "program_limits.h"
 
-namespace m47 {
+namespace m47::plans {
 
 void leave_out_blank(UploadPlan& plan) {
-    std::erase_if(plan.programs, is_untuned);
+    std::erase_if(plan.programs, programme::is_untuned);
     if (plan.bandwidth.isEmpty() && !plan.programs.empty())
         plan.bandwidth = plan.programs.front().satchbw;
 }
 
 QStringList opening_commands(UploadMode mode) {
-    QStringList commands{command::kMeasure};
-    if (mode == kDisable) commands += command::query(command::kLoggerTable);
+    QStringList commands{link::command::kMeasure};
+    if (mode == kDisable) commands += link::command::query(link::command::kLoggerTable);
     if (mode == kReplace) {
-        commands += with_pair(with_pair(command::kDelete, 0), kHighestProgram);
-        commands += command::kClearLoggerTable;
+        commands += programme::with_pair(programme::with_pair(link::command::kDelete, 0),
+                                         programme::kHighestProgram);
+        commands += link::command::kClearLoggerTable;
     }
     return commands;
 }
@@ -28,20 +29,20 @@ QStringList disabling_commands(const QStringList& lines) {
     QStringList commands;
     for (const QString& line : lines)
         if (table_line_active(line))
-            commands += command::kLoggerTable + u' ' + table_line_number(line) + u' ' +
+            commands += link::command::kLoggerTable + u' ' + table_line_number(line) + u' ' +
                         table_line_program(line) + QStringLiteral(" 00");
     return commands;
 }
 
 QStringList settings_commands(const UploadPlan& plan) {
-    return {with_pair(command::kBandwidth, typed_value(plan.bandwidth)),
-            with_pair(command::kUnit, plan.unit_index)};
+    return {programme::with_pair(link::command::kBandwidth, link::typed_value(plan.bandwidth)),
+            programme::with_pair(link::command::kUnit, plan.unit_index)};
 }
 
 QStringList plan_commands(const UploadPlan& plan) {
     QStringList commands = settings_commands(plan);
-    for (const ProgramRecord& program : plan.programs)
-        commands += commands_of_program(program, plan.oscillators);
+    for (const programme::ProgramRecord& program : plan.programs)
+        commands += programme::commands_of_program(program, plan.oscillators);
     return commands;
 }
 
@@ -51,4 +52,4 @@ QStringList upload_commands(const UploadPlan& plan, UploadMode mode, const QStri
     return commands + plan_commands(plan);
 }
 
-}  // namespace m47
+}  // namespace m47::plans

@@ -7,12 +7,12 @@
 #include "logger_table.h"
 #include "program_record.h"
 
-namespace m47 {
+namespace m47::plans {
 
 /// All that an upload needs to know of a plan.
 struct UploadPlan {
-    std::vector<ProgramRecord> programs;
-    Oscillators oscillators;
+    std::vector<programme::ProgramRecord> programs;
+    programme::Oscillators oscillators;
     QString bandwidth;   ///< of the program that is shown, MHz; it goes for all
     int unit_index = 0;  ///< a LevelUnit
 };
@@ -39,4 +39,4 @@ QStringList plan_commands(const UploadPlan& plan);
 /// The whole upload; `table` is the meter's answer to the query of mode kDisable.
 QStringList upload_commands(const UploadPlan& plan, UploadMode mode, const QString& table);
 
-}  // namespace m47
+}  // namespace m47::plans

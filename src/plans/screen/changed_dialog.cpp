@@ -9,7 +9,7 @@
 #include "field_words.h"
 #include "text_table.h"
 
-namespace m47 {
+namespace m47::plans {
 namespace {
 
 constexpr Bilingual kChangedTitle{"Stored meanwhile", "Memorizzato nel frattempo"};
@@ -93,4 +93,4 @@ void ChangedDialog::add_button(const char* name, const QString& text, Choice cho
     });
 }
 
-}  // namespace m47
+}  // namespace m47::plans

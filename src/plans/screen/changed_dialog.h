@@ -9,7 +9,7 @@
 
 class QDialogButtonBox;
 
-namespace m47 {
+namespace m47::plans {
 
 /// What another program has stored meanwhile beside what the user wants to store or has seen of
 /// what is to be deleted, field by field.
@@ -34,4 +34,4 @@ class ChangedDialog : public QDialog {
     Choice choice_ = Choice::neither;
 };
 
-}  // namespace m47
+}  // namespace m47::plans

@@ -7,7 +7,7 @@
 #include "diseqc_commands.h"
 #include "fields.h"
 
-namespace m47 {
+namespace m47::plans {
 namespace {
 
 enum class Shown { as_it_is, yes_or_no, diseqc, supply, oscillator_number };
@@ -19,34 +19,34 @@ struct FieldWords {
 };
 
 constexpr FieldWords kFieldWords[] = {
-    {field::kPgNum, {"Program", "Programma"}},
-    {field::kFrequenza, {"Frequency, MHz", "Frequenza, MHz"}},
-    {field::kLocOsc, {"Tuned directly", "Sintonia diretta"}, Shown::yes_or_no},
-    {field::kLocOsc0, {"Oscillator used", "Oscillatore usato"}, Shown::oscillator_number},
-    {field::kSatAd, {"Digital", "Digitale"}, Shown::yes_or_no},
-    {field::kQpskSymbolrate, {"Symbol rate", "Symbol rate"}},
-    {field::kSatchbw, {"Channel bandwidth, MHz", "Banda del canale, MHz"}},
-    {field::kDiseqcCmd, {"DiSEqC 1", "DiSEqC 1"}, Shown::diseqc},
-    {field::kDiseqcCmd2, {"DiSEqC 2", "DiSEqC 2"}, Shown::diseqc},
-    {field::kLnbVolt, {"LNB supply", "Alimentazione LNB"}, Shown::supply},
-    {field::kK22, {"22 kHz tone", "Tono 22 kHz"}, Shown::yes_or_no},
-    {field::kLoggerPos, {"Line of the logger table", "Riga della tabella datalogger"}},
-    {field::kLoggerState,
+    {db::field::kPgNum, {"Program", "Programma"}},
+    {db::field::kFrequenza, {"Frequency, MHz", "Frequenza, MHz"}},
+    {db::field::kLocOsc, {"Tuned directly", "Sintonia diretta"}, Shown::yes_or_no},
+    {db::field::kLocOsc0, {"Oscillator used", "Oscillatore usato"}, Shown::oscillator_number},
+    {db::field::kSatAd, {"Digital", "Digitale"}, Shown::yes_or_no},
+    {db::field::kQpskSymbolrate, {"Symbol rate", "Symbol rate"}},
+    {db::field::kSatchbw, {"Channel bandwidth, MHz", "Banda del canale, MHz"}},
+    {db::field::kDiseqcCmd, {"DiSEqC 1", "DiSEqC 1"}, Shown::diseqc},
+    {db::field::kDiseqcCmd2, {"DiSEqC 2", "DiSEqC 2"}, Shown::diseqc},
+    {db::field::kLnbVolt, {"LNB supply", "Alimentazione LNB"}, Shown::supply},
+    {db::field::kK22, {"22 kHz tone", "Tono 22 kHz"}, Shown::yes_or_no},
+    {db::field::kLoggerPos, {"Line of the logger table", "Riga della tabella datalogger"}},
+    {db::field::kLoggerState,
      {"Active in the logger table", "Attivo nel datalogger"},
      Shown::yes_or_no},
-    {field::kMonitorState, {"Monitored", "Monitorato"}, Shown::yes_or_no},
-    {field::kLevMin, {"Level, minimum", "Livello, minimo"}},
-    {field::kLevMax, {"Level, maximum", "Livello, massimo"}},
-    {field::kNoiseMin, {"C/N, minimum", "C/N, minimo"}},
-    {field::kNoiseMax, {"C/N, maximum", "C/N, massimo"}},
-    {field::kChberMin, {"CHBER, minimum", "CHBER, minimo"}},
-    {field::kChberMax, {"CHBER, maximum", "CHBER, massimo"}},
-    {field::kMerMin, {"MER, minimum", "MER, minimo"}},
-    {field::kMerMax, {"MER, maximum", "MER, massimo"}},
-    {field::kOscillators[0], {"Oscillator 1, MHz", "Oscillatore 1, MHz"}},
-    {field::kOscillators[1], {"Oscillator 2, MHz", "Oscillatore 2, MHz"}},
-    {field::kOscillators[2], {"Oscillator 3, MHz", "Oscillatore 3, MHz"}},
-    {field::kOscillators[3], {"Oscillator 4, MHz", "Oscillatore 4, MHz"}},
+    {db::field::kMonitorState, {"Monitored", "Monitorato"}, Shown::yes_or_no},
+    {db::field::kLevMin, {"Level, minimum", "Livello, minimo"}},
+    {db::field::kLevMax, {"Level, maximum", "Livello, massimo"}},
+    {db::field::kNoiseMin, {"C/N, minimum", "C/N, minimo"}},
+    {db::field::kNoiseMax, {"C/N, maximum", "C/N, massimo"}},
+    {db::field::kChberMin, {"CHBER, minimum", "CHBER, minimo"}},
+    {db::field::kChberMax, {"CHBER, maximum", "CHBER, massimo"}},
+    {db::field::kMerMin, {"MER, minimum", "MER, minimo"}},
+    {db::field::kMerMax, {"MER, maximum", "MER, massimo"}},
+    {db::field::kOscillators[0], {"Oscillator 1, MHz", "Oscillatore 1, MHz"}},
+    {db::field::kOscillators[1], {"Oscillator 2, MHz", "Oscillatore 2, MHz"}},
+    {db::field::kOscillators[2], {"Oscillator 3, MHz", "Oscillatore 3, MHz"}},
+    {db::field::kOscillators[3], {"Oscillator 4, MHz", "Oscillatore 4, MHz"}},
 };
 constexpr Bilingual kYes{"yes", "sì"};
 constexpr Bilingual kNo{"no", "no"};
@@ -62,8 +62,8 @@ const FieldWords* words_of_field(const QString& field) {
 QString diseqc_in_words(const QString& value, const Texts& texts) {
     const int place = value.toInt();
     if (place < 0) return texts.pick(kNotChosen);
-    if (place >= static_cast<int>(kDiseqcCommands.size())) return value;
-    return QString::fromLatin1(kDiseqcCommands[static_cast<std::size_t>(place)]);
+    if (place >= static_cast<int>(programme::kDiseqcCommands.size())) return value;
+    return QString::fromLatin1(programme::kDiseqcCommands[static_cast<std::size_t>(place)]);
 }
 
 QString supply_in_words(const QString& value, const Texts& texts) {
@@ -96,4 +96,4 @@ QString field_in_words(const QString& field, const QString& value, const Texts& 
     return value;
 }
 
-}  // namespace m47
+}  // namespace m47::plans

@@ -9,7 +9,7 @@
 #include "text_table.h"
 #include "tooltips.h"
 
-namespace m47 {
+namespace m47::plans {
 namespace {
 
 constexpr Bilingual kImportTitle{"Import programs", "Importa programmi"};
@@ -33,7 +33,7 @@ QString result_of(const ImportRow& row, const Texts& texts) {
 }
 
 QStringList cells_of(const ImportRow& row, const Texts& texts) {
-    const ProgramRecord& record = row.record;
+    const programme::ProgramRecord& record = row.record;
     return {QString::number(row.line),
             record.pg_num,
             record.frequenza,
@@ -87,4 +87,4 @@ ImportDialog::ImportDialog(const ImportPreview& preview, const QStringList& unkn
     resize(fontMetrics().averageCharWidth() * 120, fontMetrics().height() * 26);
 }
 
-}  // namespace m47
+}  // namespace m47::plans

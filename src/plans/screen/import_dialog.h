@@ -6,7 +6,7 @@
 #include "plan_file.h"
 #include "plan_import.h"
 
-namespace m47 {
+namespace m47::plans {
 
 /// Shows what an import will add, correct and leave out, before anything is written; accepted when
 /// the user wants it.
@@ -17,4 +17,4 @@ class ImportDialog : public QDialog {
                  const Texts& texts, QWidget* parent);
 };
 
-}  // namespace m47
+}  // namespace m47::plans

@@ -9,7 +9,7 @@
 #include "program_limits.h"
 #include "ui_program_set.h"
 
-namespace m47 {
+namespace m47::plans {
 namespace {
 
 /// Nothing chosen counts as the first entry.
@@ -22,16 +22,17 @@ int chosen_entry(const QComboBox* list) {
 void PlanBoxes::fill_lists() {
     ui_.logger_pos->clear();
     ui_.logger_pos->addItem(QString());
-    for (int line = 0; line <= kLastLoggerLine; ++line)
-        ui_.logger_pos->addItem(format_number(line, "00"));
+    for (int line = 0; line <= programme::kLastLoggerLine; ++line)
+        ui_.logger_pos->addItem(link::format_number(line, "00"));
     for (QComboBox* list : {ui_.diseqc_cmd, ui_.diseqc_cmd2}) {
         list->clear();
-        for (const char* entry : kDiseqcCommands) list->addItem(QString::fromLatin1(entry));
+        for (const char* entry : programme::kDiseqcCommands)
+            list->addItem(QString::fromLatin1(entry));
     }
 }
 
 void PlanBoxes::join() {
-    ProgramRecord& record = record_;
+    programme::ProgramRecord& record = record_;
     joints_.text(ui_.prog_num, record.pg_num);
     joints_.text(ui_.sat_freq_txt, record.frequenza);
     joints_.either(ui_.ol_opt_0, ui_.ol_opt_1, record.loc_osc);
@@ -56,10 +57,10 @@ void PlanBoxes::join() {
     joints_.text(ui_.mer_maxtxt, record.mer_max);
 }
 
-void PlanBoxes::show(const ProgramRecord& record) {
+void PlanBoxes::show(const programme::ProgramRecord& record) {
     record_ = record;
     record_.pg_num = record.pg_num.trimmed();
-    record_.loc_osc0 = static_cast<int>(oscillator_entry(record));
+    record_.loc_osc0 = static_cast<int>(programme::oscillator_entry(record));
     record_.logger_pos = record.logger_pos.trimmed();
     offer_position(record_.logger_pos);
     joints_.show();
@@ -69,17 +70,17 @@ void PlanBoxes::show(const ProgramRecord& record) {
 
 /// A position that the list does not have, from a file made elsewhere, is shown as it is.
 void PlanBoxes::offer_position(const QString& position) {
-    constexpr int kEntries = kLastLoggerLine + 2;
+    constexpr int kEntries = programme::kLastLoggerLine + 2;
     while (ui_.logger_pos->count() > kEntries) ui_.logger_pos->removeItem(kEntries);
     if (ui_.logger_pos->findText(position) < 0) ui_.logger_pos->addItem(position);
 }
 
-ProgramRecord PlanBoxes::read() {
+programme::ProgramRecord PlanBoxes::read() {
     joints_.take();
     return record_;
 }
 
-void PlanBoxes::load_oscloc(const Oscillators& oscillators) {
+void PlanBoxes::load_oscloc(const programme::Oscillators& oscillators) {
     const int chosen = chosen_entry(ui_.ol_optval);
     ui_.ol_optval->clear();
     for (const QString& oscillator : oscillators) ui_.ol_optval->addItem(oscillator);
@@ -104,9 +105,9 @@ void PlanBoxes::follow_digital() {
     ui_.dig_opt->setEnabled(ui_.cmd_dig->isChecked());
 }
 
-void associa_user_sc(QListWidget* list, const Recordset& configurazione) {
+void associa_user_sc(QListWidget* list, const db::Recordset& configurazione) {
     list->clear();
-    for (const char* entry : field::kUserSwitches) list->addItem(configurazione.text(entry));
+    for (const char* entry : db::field::kUserSwitches) list->addItem(configurazione.text(entry));
 }
 
-}  // namespace m47
+}  // namespace m47::plans

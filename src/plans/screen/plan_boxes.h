@@ -10,7 +10,7 @@ namespace Ui {
 class ProgramSet;
 }
 
-namespace m47 {
+namespace m47::plans {
 
 /// The controls of the plan screen that hold a program.
 class PlanBoxes {
@@ -26,12 +26,12 @@ class PlanBoxes {
     void fill_lists();
 
     /// Shows `record` and enables what goes with it; runs no check.
-    void show(const ProgramRecord& record);
+    void show(const programme::ProgramRecord& record);
     /// A DiSEqC list without a choice gives -1.
-    ProgramRecord read();
+    programme::ProgramRecord read();
 
     /// Empties the list of oscillators and fills it anew; the chosen entry stays.
-    void load_oscloc(const Oscillators& oscillators);
+    void load_oscloc(const programme::Oscillators& oscillators);
     QString oscillator() const;
     void set_oscillator(const QString& text);
 
@@ -44,11 +44,11 @@ class PlanBoxes {
 
     Ui::ProgramSet& ui_;
     /// What was shown or read last.
-    ProgramRecord record_;
+    programme::ProgramRecord record_;
     Joints joints_;
 };
 
 /// Empties `list` and fills it with the user switches of the plan in `configurazione`'s row.
-void associa_user_sc(QListWidget* list, const Recordset& configurazione);
+void associa_user_sc(QListWidget* list, const db::Recordset& configurazione);
 
-}  // namespace m47
+}  // namespace m47::plans

@@ -4,7 +4,7 @@
 #include <QFocusEvent>
 #include <QKeyEvent>
 
-namespace m47 {
+namespace m47::plans {
 namespace {
 
 bool goes_to_another_control(Qt::FocusReason reason) {
@@ -43,4 +43,4 @@ bool TypedKeyFilter::eventFilter(QObject* watched, QEvent* event) {
     return true;
 }
 
-}  // namespace m47
+}  // namespace m47::plans

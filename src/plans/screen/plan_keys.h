@@ -5,7 +5,7 @@
 #include <QWidget>
 #include <functional>
 
-namespace m47 {
+namespace m47::plans {
 
 /// Runs `left` when the user goes from a box to another control. Another window, a menu or an open
 /// list in front of the box is no leaving.
@@ -29,4 +29,4 @@ class TypedKeyFilter : public QObject {
     std::function<void()> pressed_;
 };
 
-}  // namespace m47
+}  // namespace m47::plans

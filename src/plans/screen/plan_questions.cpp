@@ -6,7 +6,7 @@
 #include "message_box.h"
 #include "plan_name.h"
 
-namespace m47 {
+namespace m47::plans {
 namespace {
 
 const QString kRemoveTitle = QStringLiteral("VKDM47");
@@ -30,7 +30,7 @@ bool ask_continue(QWidget* screen, const Texts& texts, const QString& prompt) {
 }
 
 QString ask_plan_name(QWidget* screen, const QString& prompt, const QString& preset) {
-    return plan_name(
+    return programme::plan_name(
         QInputDialog::getText(screen, kRemoveTitle, prompt, QLineEdit::Normal, preset));
 }
 
@@ -47,4 +47,4 @@ void tell_no_program(QWidget* screen, const Texts& texts) {
     tell_problem(screen, texts.pick(kNoProgram));
 }
 
-}  // namespace m47
+}  // namespace m47::plans

@@ -7,7 +7,7 @@
 #include "plan_clashes.h"
 #include "texts.h"
 
-namespace m47 {
+namespace m47::plans {
 
 /// "Remove program: " and `what`, the name of a plan or the number of a program.
 bool ask_remove(QWidget* screen, const Texts& texts, const QString& what);
@@ -27,4 +27,4 @@ void tell_problem(QWidget* screen, const QString& text);
 /// The plan has no program that could be changed or sent.
 void tell_no_program(QWidget* screen, const Texts& texts);
 
-}  // namespace m47
+}  // namespace m47::plans

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "plan_tooltips.h"
 
-namespace m47 {
+namespace m47::plans {
 namespace {
 
 // The slips in these texts ("commad", "sucessivo", the blank at an end) are the screen's own.
@@ -64,4 +64,4 @@ std::span<const Tooltip> plan_tooltips() {
     return kPlanTooltips;
 }
 
-}  // namespace m47
+}  // namespace m47::plans

@@ -5,9 +5,9 @@
 
 #include "tooltips.h"
 
-namespace m47 {
+namespace m47::plans {
 
 /// The tooltips of the plan screen's controls, toolbar keys and menu entries, in both languages.
 std::span<const Tooltip> plan_tooltips();
 
-}  // namespace m47
+}  // namespace m47::plans

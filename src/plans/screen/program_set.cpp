@@ -10,7 +10,7 @@
 #include "plan_tooltips.h"
 #include "ui_program_set.h"
 
-namespace m47 {
+namespace m47::plans {
 namespace {
 
 constexpr Bilingual kProgramGone{
@@ -30,7 +30,8 @@ void keep_place(QWidget* frame) {
 
 }  // namespace
 
-ProgramSet::ProgramSet(Link& link, ProgramState& program, Database& database, QWidget* parent)
+ProgramSet::ProgramSet(link::Link& link, ProgramState& program, db::Database& database,
+                       QWidget* parent)
     : Screen(parent),
       beep([] { QApplication::beep(); }),
       link_(link),
@@ -70,7 +71,7 @@ void ProgramSet::handle(const char* name, const std::function<void()>& body) {
     Screen::handle(name, [&] {
         try {
             body();
-        } catch (const RecordGone&) {
+        } catch (const db::RecordGone&) {
             show_current_row();
             tell_problem(this, program_.texts.pick(kProgramGone));
         } catch (const std::exception&) {
@@ -171,4 +172,4 @@ void ProgramSet::show_first_program() {
     mostra_record();
 }
 
-}  // namespace m47
+}  // namespace m47::plans

@@ -18,13 +18,14 @@ namespace Ui {
 class ProgramSet;
 }
 
-namespace m47 {
+namespace m47::plans {
 
 /// The screen "Plan Setup": plans and their programs, and their upload to the meter.
 class ProgramSet : public Screen {
     Q_OBJECT
   public:
-    ProgramSet(Link& link, ProgramState& program, Database& database, QWidget* parent = nullptr);
+    ProgramSet(link::Link& link, ProgramState& program, db::Database& database,
+               QWidget* parent = nullptr);
     ~ProgramSet() override;
 
     /// The sound of a refusal and of an end of the list.
@@ -52,7 +53,7 @@ class ProgramSet : public Screen {
     void connect_menu();
     void fill_keys();
     double offset() const;
-    std::optional<double> offset_of_limits(const ProgramRecord& record) const;
+    std::optional<double> offset_of_limits(const programme::ProgramRecord& record) const;
 
     // Plans and programs
     bool lacks_plan();
@@ -63,7 +64,7 @@ class ProgramSet : public Screen {
     /// the same, for what is stored now or to go on typing.
     enum class Outcome { stored, clash, kept_theirs, put_off };
     Outcome store_record(bool over);
-    Clash try_to_store(ProgramRecord& record, bool over);
+    Clash try_to_store(programme::ProgramRecord& record, bool over);
     Outcome unless_changed(const std::function<Outcome()>& store);
     bool store_for_upload();
     UploadPlan plan_to_upload() const;
@@ -96,16 +97,16 @@ class ProgramSet : public Screen {
     void cmdcopyplan_Click();
     QString ask_file(bool save, const QStringList& filters);
 
-    Link& link_;
+    link::Link& link_;
     ProgramState& program_;
     PlanSets sets_;
     std::unique_ptr<Ui::ProgramSet> ui_;
     PlanBoxes boxes_;
     /// The plan and the row of the program in the boxes.
     QString shown_plan_;
-    std::optional<Bookmark> shown_row_;
+    std::optional<db::Bookmark> shown_row_;
     /// That program as it was shown, before anybody typed.
-    ProgramRecord shown_;
+    programme::ProgramRecord shown_;
     QString shown_oscillator_;
     /// What the file held then: a store does not overwrite what another program has written since.
     StoredProgram known_;
@@ -115,4 +116,4 @@ class ProgramSet : public Screen {
     std::vector<std::unique_ptr<QObject>> filters_;
 };
 
-}  // namespace m47
+}  // namespace m47::plans

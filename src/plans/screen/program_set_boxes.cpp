@@ -8,7 +8,7 @@
 #include "program_set.h"
 #include "ui_program_set.h"
 
-namespace m47 {
+namespace m47::plans {
 namespace {
 
 constexpr qsizetype kOscillatorLength = 6;
@@ -116,4 +116,4 @@ void ProgramSet::show_unit() {
         units[k]->setChecked(program_.unit_index == static_cast<int>(k));
 }
 
-}  // namespace m47
+}  // namespace m47::plans

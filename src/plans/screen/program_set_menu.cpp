@@ -13,7 +13,7 @@
 #include "save_file.h"
 #include "ui_program_set.h"
 
-namespace m47 {
+namespace m47::plans {
 namespace {
 
 constexpr Bilingual kNotUnderstood{"%1 is neither a plan nor a DVB scan table.",
@@ -58,11 +58,12 @@ void ProgramSet::cmdimport_Click() {
     if (lacks_plan()) return;
     const QString path = ask_file(false, {QStringLiteral("(*)"), QStringLiteral("(*.tsv *.csv)")});
     if (path.isEmpty()) return;
-    const FileReading reading = read_plain_file(path, kLargestPlanFile);
+    const platform::FileReading reading = platform::read_plain_file(path, kLargestPlanFile);
     if (!reading.reason.isEmpty()) throw_plan_file_fault(path, reading.reason);
     const ImportFile file = parse_import_file(reading.bytes, offset());
     if (!file.understood) {
-        const Bilingual& what = reading.fault == FileFault::too_long ? kTooLong : kNotUnderstood;
+        const Bilingual& what =
+            reading.fault == platform::FileFault::too_long ? kTooLong : kNotUnderstood;
         tell_problem(this, program_.texts.pick(what).arg(QFileInfo(path).fileName()));
         return;
     }
@@ -106,4 +107,4 @@ void ProgramSet::cmdcopyplan_Click() {
         tell_problem(this, program_.texts.pick(kPlanExists).arg(name));
 }
 
-}  // namespace m47
+}  // namespace m47::plans

@@ -6,7 +6,7 @@
 #include "program_set.h"
 #include "ui_program_set.h"
 
-namespace m47 {
+namespace m47::plans {
 namespace {
 
 constexpr Bilingual kLastPlan{
@@ -29,7 +29,7 @@ double ProgramSet::offset() const {
 }
 
 /// Limits that nobody has typed since they were shown may be of another unit than the present one.
-std::optional<double> ProgramSet::offset_of_limits(const ProgramRecord& record) const {
+std::optional<double> ProgramSet::offset_of_limits(const programme::ProgramRecord& record) const {
     const bool none = record.lev_min.trimmed().isEmpty() && record.lev_max.trimmed().isEmpty();
     if (!program_.corrected.keep_unit || none) return offset();
     return typed_offset_;
@@ -72,8 +72,8 @@ ProgramSet::Outcome ProgramSet::unless_changed(const std::function<Outcome()>& s
     }
 }
 
-Clash ProgramSet::try_to_store(ProgramRecord& record, bool over) {
-    const ProgramRecord typed = record;
+Clash ProgramSet::try_to_store(programme::ProgramRecord& record, bool over) {
+    const programme::ProgramRecord typed = record;
     QString oscillator = boxes_.oscillator();
     const Clash clash =
         sets_.store_record(record, oscillator, offset_of_limits(record), over, &known_);
@@ -85,7 +85,7 @@ Clash ProgramSet::try_to_store(ProgramRecord& record, bool over) {
 ProgramSet::Outcome ProgramSet::store_record(bool over) {
     if (over ? lacks_program() : lacks_plan()) return Outcome::clash;
     return unless_changed([&] {
-        ProgramRecord record = boxes_.read();
+        programme::ProgramRecord record = boxes_.read();
         const Clash clash = try_to_store(record, over);
         if (clash == Clash::none) {
             // A new row is not the current one; whoever adds it moves to it.
@@ -163,4 +163,4 @@ void ProgramSet::delete_program() {
     move_plan(true);
 }
 
-}  // namespace m47
+}  // namespace m47::plans

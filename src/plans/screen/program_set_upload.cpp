@@ -6,12 +6,12 @@
 #include "ui_program_set.h"
 #include "verify_dialog.h"
 
-namespace m47 {
+namespace m47::plans {
 /// The program that nobody has stored yet is no program to be sent, so it is not made one. False
 /// where the user wants to go on typing first.
 bool ProgramSet::store_for_upload() {
     const bool typed = boxes_.read() != shown_ || boxes_.oscillator() != shown_oscillator_;
-    if (!program_.corrected.skip_empty || typed || !is_blank(sets_.program()))
+    if (!program_.corrected.skip_empty || typed || !programme::is_blank(sets_.program()))
         return store_record(true) != Outcome::put_off;
     return true;
 }
@@ -56,4 +56,4 @@ void ProgramSet::verify_upload(PlanUpload& upload, UploadMode mode, const QStrin
     dialog.exec();
 }
 
-}  // namespace m47
+}  // namespace m47::plans

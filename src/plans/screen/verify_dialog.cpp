@@ -7,7 +7,7 @@
 
 #include "text_table.h"
 
-namespace m47 {
+namespace m47::plans {
 namespace {
 
 constexpr Bilingual kVerifyTitle{"Verify upload", "Verifica dell'invio"};
@@ -95,4 +95,4 @@ VerifyDialog::VerifyDialog(const TableCheck& check, const Texts& texts, QWidget*
     resize(fontMetrics().averageCharWidth() * 70, fontMetrics().height() * 24);
 }
 
-}  // namespace m47
+}  // namespace m47::plans

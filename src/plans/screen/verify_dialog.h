@@ -6,7 +6,7 @@
 #include "logger_table.h"
 #include "texts.h"
 
-namespace m47 {
+namespace m47::plans {
 
 /// The logger table as the plan wants it beside the one that the meter has.
 class VerifyDialog : public QDialog {
@@ -15,4 +15,4 @@ class VerifyDialog : public QDialog {
     VerifyDialog(const TableCheck& check, const Texts& texts, QWidget* parent);
 };
 
-}  // namespace m47
+}  // namespace m47::plans

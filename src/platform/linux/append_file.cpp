@@ -14,7 +14,7 @@
 #include "medium.h"
 #include "system_error.h"
 
-namespace m47 {
+namespace m47::platform {
 namespace {
 
 int open_to_append(const QByteArray& name) {
@@ -67,4 +67,4 @@ std::error_code AppendFile::cut_to(qint64 length) {
     return ::ftruncate(kept_, length) == 0 ? std::error_code() : last_error();
 }
 
-}  // namespace m47
+}  // namespace m47::platform

@@ -10,7 +10,7 @@
 #include <cerrno>
 #include <utility>
 
-namespace m47 {
+namespace m47::platform {
 namespace {
 
 /// Between opening a claim and locking it, its owner may have removed it.
@@ -94,4 +94,4 @@ std::optional<QString> name_of_device(const QString& path) {
     return name + QStringLiteral("-%1.%2").arg(node.st_ctim.tv_sec).arg(node.st_ctim.tv_nsec);
 }
 
-}  // namespace m47
+}  // namespace m47::platform

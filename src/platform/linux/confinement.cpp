@@ -14,7 +14,7 @@
 #include <cstdint>
 #include <memory>
 
-namespace m47 {
+namespace m47::platform {
 namespace {
 
 /// What of the system Landlock sees to: written out here, as the kernel's header of a build machine
@@ -135,4 +135,4 @@ Confinement confine_this_process() {
     return confinement;
 }
 
-}  // namespace m47
+}  // namespace m47::platform

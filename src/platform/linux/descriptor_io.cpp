@@ -7,7 +7,7 @@
 
 #include "system_error.h"
 
-namespace m47 {
+namespace m47::platform {
 
 qint64 read_some(int descriptor, char* into, std::size_t room) {
     for (;;) {
@@ -29,4 +29,4 @@ std::error_code write_all(int descriptor, std::string_view bytes) {
     return {};
 }
 
-}  // namespace m47
+}  // namespace m47::platform

@@ -10,7 +10,7 @@
 #include <cstdint>
 #include <ctime>
 
-namespace m47 {
+namespace m47::platform {
 namespace {
 
 constexpr int kStatusOfSignals = 128;
@@ -102,4 +102,4 @@ int end_signal_status() {
     return kStatusOfSignals + g_first;
 }
 
-}  // namespace m47
+}  // namespace m47::platform

@@ -10,7 +10,7 @@
 #include <QThread>
 #include <cerrno>
 
-namespace m47 {
+namespace m47::platform {
 namespace {
 
 constexpr qint64 kLongestMs = 2000;
@@ -42,4 +42,4 @@ void FileLock::take(int descriptor) {
     refused_ = false;
 }
 
-}  // namespace m47
+}  // namespace m47::platform

@@ -11,7 +11,7 @@
 
 #include "system_error.h"
 
-namespace m47 {
+namespace m47::platform {
 
 std::optional<bool> same_file(const QString& one, const QString& other) {
     struct stat first {};
@@ -59,4 +59,4 @@ std::error_code put_in_free_place(const QString& path, const QString& place) {
     return result == 0 ? std::error_code() : last_error();
 }
 
-}  // namespace m47
+}  // namespace m47::platform

@@ -10,7 +10,7 @@
 
 #include "descriptor_io.h"
 
-namespace m47 {
+namespace m47::platform {
 namespace {
 
 void limit(__rlimit_resource resource, rlim_t most) {
@@ -55,4 +55,4 @@ void end_at_once(bool good) {
     ::_exit(good ? EXIT_SUCCESS : EXIT_FAILURE);
 }
 
-}  // namespace m47
+}  // namespace m47::platform

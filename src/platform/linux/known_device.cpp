@@ -9,7 +9,7 @@
 #include <QFile>
 #include <utility>
 
-namespace m47 {
+namespace m47::platform {
 namespace {
 
 bool same_node(const struct stat& one, const struct stat& other) {
@@ -77,4 +77,4 @@ bool KnownDevice::take(int descriptor, const QString& path) {
     return true;
 }
 
-}  // namespace m47
+}  // namespace m47::platform

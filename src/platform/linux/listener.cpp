@@ -11,7 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace m47 {
+namespace m47::platform {
 namespace {
 
 bool answers(int family, const sockaddr* address, socklen_t length) {
@@ -43,4 +43,4 @@ bool loopback_answers(int port) {
     return answers(AF_INET, reinterpret_cast<const sockaddr*>(&address), sizeof address);
 }
 
-}  // namespace m47
+}  // namespace m47::platform

@@ -9,7 +9,7 @@
 
 #include "system_error.h"
 
-namespace m47 {
+namespace m47::platform {
 namespace {
 
 std::error_code sync_by(int (*call)(int), int descriptor) {
@@ -54,4 +54,4 @@ bool is_full(const std::error_code& error) {
     return error.value() == ENOSPC || error.value() == EDQUOT;
 }
 
-}  // namespace m47
+}  // namespace m47::platform

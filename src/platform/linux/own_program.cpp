@@ -3,7 +3,7 @@
 
 #include <unistd.h>
 
-namespace m47 {
+namespace m47::platform {
 
 void start_own_program(QProcess& process, const QStringList& arguments, int input) {
     process.setStandardInputFile(QProcess::nullDevice());
@@ -11,4 +11,4 @@ void start_own_program(QProcess& process, const QStringList& arguments, int inpu
     process.start(QStringLiteral("/proc/self/exe"), arguments);
 }
 
-}  // namespace m47
+}  // namespace m47::platform

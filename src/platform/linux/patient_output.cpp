@@ -14,7 +14,7 @@
 #include "medium.h"
 #include "system_error.h"
 
-namespace m47 {
+namespace m47::platform {
 namespace {
 
 /// The same pipe or terminal behind a descriptor that never waits. The flag is not set on the
@@ -62,4 +62,4 @@ PatientOutput::Written PatientOutput::write(QByteArrayView bytes) const {
     return errno == EINTR ? Written() : Written{0, last_error()};
 }
 
-}  // namespace m47
+}  // namespace m47::platform

@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <filesystem>
 
-namespace m47 {
+namespace m47::platform {
 namespace {
 
 // A pipe, or a serial line, in the place of a file must not hold the program up.
@@ -75,4 +75,4 @@ FileReading read_plain_file(const QString& path, qint64 longest, Links links) {
     return reading;
 }
 
-}  // namespace m47
+}  // namespace m47::platform

@@ -6,7 +6,7 @@
 #include <QFile>
 #include <cerrno>
 
-namespace m47 {
+namespace m47::platform {
 
 std::optional<RunningProcess> running_process(qint64 process) {
     if (process <= 0 || (::kill(static_cast<pid_t>(process), 0) != 0 && errno == ESRCH))
@@ -16,4 +16,4 @@ std::optional<RunningProcess> running_process(qint64 process) {
     return RunningProcess{told ? QString::fromUtf8(name.readAll().trimmed()) : QString(), process};
 }
 
-}  // namespace m47
+}  // namespace m47::platform

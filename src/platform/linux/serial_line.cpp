@@ -16,7 +16,7 @@
 
 #include "system_error.h"
 
-namespace m47 {
+namespace m47::platform {
 namespace {
 
 std::error_code fault_of_open_line(int descriptor) {
@@ -74,4 +74,4 @@ QString name_of_user() {
     return entry ? QString::fromLocal8Bit(entry->pw_name) : QString::number(::getuid());
 }
 
-}  // namespace m47
+}  // namespace m47::platform

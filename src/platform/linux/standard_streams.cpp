@@ -6,7 +6,7 @@
 
 #include <initializer_list>
 
-namespace m47 {
+namespace m47::platform {
 
 static_assert(kStandardOutput == STDOUT_FILENO && kStandardErrors == STDERR_FILENO);
 
@@ -20,4 +20,4 @@ bool is_terminal(int descriptor) {
     return ::isatty(descriptor) != 0;
 }
 
-}  // namespace m47
+}  // namespace m47::platform

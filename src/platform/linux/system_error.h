@@ -4,11 +4,11 @@
 #include <cerrno>
 #include <system_error>
 
-namespace m47 {
+namespace m47::platform {
 
 /// Why the call to the system before failed.
 inline std::error_code last_error() {
     return {errno, std::generic_category()};
 }
 
-}  // namespace m47
+}  // namespace m47::platform

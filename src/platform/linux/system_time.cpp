@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <cmath>
 
-namespace m47 {
+namespace m47::platform {
 
 std::chrono::nanoseconds local_time_of_day() {
     timespec time{};
@@ -31,4 +31,4 @@ void sleep_whole(double seconds) {
     while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &until, nullptr) == EINTR) continue;
 }
 
-}  // namespace m47
+}  // namespace m47::platform

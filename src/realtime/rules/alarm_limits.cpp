@@ -5,7 +5,7 @@
 
 #include "numbers.h"
 
-namespace m47 {
+namespace m47::realtime {
 namespace {
 
 bool any(const auto& boxes) {
@@ -28,15 +28,16 @@ AlarmLimits limits_of(AlarmRow row, const RealtimePanel& panel) {
     const Measure& measure = measure_of(row);
     const QString& minimum = panel.*measure.alarm->minimum.text;
     const QString& maximum = panel.*measure.alarm->maximum.text;
-    return {is_alarm_ticked(measure, panel), typed_value(minimum), typed_value(maximum),
+    return {is_alarm_ticked(measure, panel), link::typed_value(minimum), link::typed_value(maximum),
             !is_empty(minimum), !is_empty(maximum)};
 }
 
-std::optional<Limits> limits_in_force(AlarmRow row, const RealtimePanel& panel, EmptyLimits empty) {
+std::optional<measurement::Limits> limits_in_force(AlarmRow row, const RealtimePanel& panel,
+                                                   EmptyLimits empty) {
     const AlarmLimits set = limits_of(row, panel);
     const auto [below, above] = sides(set, empty);
     if (!set.enabled || (!below && !above)) return std::nullopt;
-    Limits limits;
+    measurement::Limits limits;
     if (below) limits.minimum = set.minimum;
     if (above) limits.maximum = set.maximum;
     return limits;
@@ -44,7 +45,7 @@ std::optional<Limits> limits_in_force(AlarmRow row, const RealtimePanel& panel, 
 
 void check_limits(AlarmRow row, double value, RealtimePanel& panel, RealtimeState& state,
                   EmptyLimits empty) {
-    const std::optional<Limits> limits = limits_in_force(row, panel, empty);
+    const std::optional<measurement::Limits> limits = limits_in_force(row, panel, empty);
     if (!limits) return;
     const bool failed = !limits->hold(value);
     if (failed) state.alarm_raised = true;
@@ -52,14 +53,17 @@ void check_limits(AlarmRow row, double value, RealtimePanel& panel, RealtimeStat
 }
 
 void clamp_analog_limits(RealtimePanel& panel, double offset, EmptyLimits empty) {
-    const auto [lowest, highest] = level_range(offset);
+    const auto [lowest, highest] = programme::level_range(offset);
     const auto [below, above] = sides(limits_of(AlarmRow::level_analog, panel), empty);
-    if (below && typed_value(panel.lev_mina) < lowest) panel.lev_mina = plain_text(lowest);
-    if (below && typed_value(panel.lev_mina) > highest) panel.lev_mina = plain_text(highest);
+    if (below && link::typed_value(panel.lev_mina) < lowest)
+        panel.lev_mina = link::plain_text(lowest);
+    if (below && link::typed_value(panel.lev_mina) > highest)
+        panel.lev_mina = link::plain_text(highest);
     if (!above) return;
-    const double minimum = typed_value(panel.lev_mina);
-    if (below && minimum > typed_value(panel.lev_maxa)) panel.lev_maxa = plain_text(minimum + 1);
-    if (typed_value(panel.lev_maxa) > highest) panel.lev_maxa = plain_text(highest);
+    const double minimum = link::typed_value(panel.lev_mina);
+    if (below && minimum > link::typed_value(panel.lev_maxa))
+        panel.lev_maxa = link::plain_text(minimum + 1);
+    if (link::typed_value(panel.lev_maxa) > highest) panel.lev_maxa = link::plain_text(highest);
 }
 
 bool measure_activestate(const RealtimePanel& panel) {
@@ -71,4 +75,4 @@ bool alarm_activestate(const RealtimePanel& panel, EmptyLimits empty) {
         kAlarmRows, [&](AlarmRow row) { return limits_in_force(row, panel, empty).has_value(); });
 }
 
-}  // namespace m47
+}  // namespace m47::realtime

@@ -8,7 +8,7 @@
 #include "program_limits.h"
 #include "realtime_panel.h"
 
-namespace m47 {
+namespace m47::realtime {
 
 /// What the user has set for one value: it is within its limits above `minimum` and below
 /// `maximum`, and is looked at only while `enabled`.
@@ -26,7 +26,8 @@ enum class EmptyLimits { zero, none };
 AlarmLimits limits_of(AlarmRow row, const RealtimePanel& panel);
 
 /// The limits that a value of `row` is held against; nothing where none is.
-std::optional<Limits> limits_in_force(AlarmRow row, const RealtimePanel& panel, EmptyLimits empty);
+std::optional<measurement::Limits> limits_in_force(AlarmRow row, const RealtimePanel& panel,
+                                                   EmptyLimits empty);
 
 /// Compares `value` with the limits of `row`, lights its lamp and raises `alarm_raised` on failure.
 /// A value equal to a limit fails. A row whose alarm is not ticked or has no limit is left alone.
@@ -44,4 +45,4 @@ bool measure_activestate(const RealtimePanel& panel);
 /// True when at least one alarm (of either presentation) is ticked and has a limit.
 bool alarm_activestate(const RealtimePanel& panel, EmptyLimits empty = EmptyLimits::zero);
 
-}  // namespace m47
+}  // namespace m47::realtime

@@ -5,7 +5,7 @@
 #include "numbers.h"
 #include "program_commands.h"
 
-namespace m47 {
+namespace m47::realtime {
 namespace {
 
 constexpr double kEntryMinimum = 1;
@@ -13,9 +13,9 @@ constexpr double kEntryMaximum = 99;
 
 void confirm_entry(QString& box, int key) {
     if (key != kEnterKey) return;
-    if (typed_value(box) < kEntryMinimum) box = QStringLiteral("01");
-    if (typed_value(box) > kEntryMaximum) box = QStringLiteral("99");
-    box = format_number(typed_value(box), "00");
+    if (link::typed_value(box) < kEntryMinimum) box = QStringLiteral("01");
+    if (link::typed_value(box) > kEntryMaximum) box = QStringLiteral("99");
+    box = link::format_number(link::typed_value(box), "00");
 }
 
 /// What follows the two digits of a drive command.
@@ -26,12 +26,12 @@ QString amount_kind(bool in_steps) {
 }  // namespace
 
 void Diseqc::diseqc_cmd_Click(int index) {
-    link_.send(diseqc_command(index));
+    link_.send(programme::diseqc_command(index));
 }
 
 void Diseqc::dsqmtr_Click(int index) {
     if (index < kStopMotor || index > kResetMotor) return;
-    const QString command = command::kDiseqcMotor + format_number(index, " 00");
+    const QString command = link::command::kDiseqcMotor + link::format_number(index, " 00");
     switch (index) {
         case kStorePosition:
             storesat_KeyPress(kEnterKey);
@@ -109,4 +109,4 @@ void Diseqc::startwest_t_Click() {
     state_.west_limit_set = true;
 }
 
-}  // namespace m47
+}  // namespace m47::realtime

@@ -4,7 +4,7 @@
 #include "link.h"
 #include "realtime_panel.h"
 
-namespace m47 {
+namespace m47::realtime {
 
 /// The motor commands of the meter, by the index of their item in `dsqmtr`.
 enum MotorItem {
@@ -27,7 +27,7 @@ enum MotorItem {
 /// is told. No handler checks the answer.
 class Diseqc {
   public:
-    Diseqc(Link& link, RealtimePanel& panel, RealtimeState& state)
+    Diseqc(link::Link& link, RealtimePanel& panel, RealtimeState& state)
         : link_(link), panel_(panel), state_(state) {}
 
     /// Sends entry `index` of kDiseqcCommands.
@@ -54,9 +54,9 @@ class Diseqc {
   private:
     void drive(const QString& command, bool limit_set, QString& steps, QString& time);
 
-    Link& link_;
+    link::Link& link_;
     RealtimePanel& panel_;
     RealtimeState& state_;
 };
 
-}  // namespace m47
+}  // namespace m47::realtime

@@ -5,7 +5,7 @@
 
 #include "numbers.h"
 
-namespace m47 {
+namespace m47::realtime {
 namespace {
 
 constexpr Bilingual kLevelLost{"Level not kept: choose QPSK again",
@@ -59,9 +59,9 @@ void MeasureCosts::tell_lost_level() {
 void MeasureCosts::tell_other_bandwidth() {
     if (!panel_.satdigmea_visible || !panel_.meas_stated[kDcpLevel]) return;
     const double mhz = modes_.bandwidth_of_program();
-    const QString own = Tuning::checked_bandwidth(plain_text(mhz));
+    const QString own = Tuning::checked_bandwidth(link::plain_text(mhz));
     if (mhz > 0 && own != Tuning::checked_bandwidth(panel_.chbws))
         program_.costs.tell(kOtherBandwidth);
 }
 
-}  // namespace m47
+}  // namespace m47::realtime

@@ -9,13 +9,13 @@
 #include "program_state.h"
 #include "realtime_panel.h"
 
-namespace m47 {
+namespace m47::realtime {
 
 /// Looks at a measurement for what the behaviours that the user has not chosen cost of it, and
 /// tells that.
 class MeasureCosts {
   public:
-    MeasureCosts(const Link& link, ProgramState& program, const RealtimePanel& panel,
+    MeasureCosts(const link::Link& link, ProgramState& program, const RealtimePanel& panel,
                  const RealtimeState& state, const Modes& modes)
         : link_(link), program_(program), panel_(panel), state_(state), modes_(modes) {}
 
@@ -31,7 +31,7 @@ class MeasureCosts {
     void tell_empty_alarms();
     void tell_lost_level();
 
-    const Link& link_;
+    const link::Link& link_;
     ProgramState& program_;
     const RealtimePanel& panel_;
     const RealtimeState& state_;
@@ -39,4 +39,4 @@ class MeasureCosts {
     std::vector<AlarmRow> lacking_;  ///< the alarms without limits when the measurement began
 };
 
-}  // namespace m47
+}  // namespace m47::realtime

@@ -6,12 +6,13 @@
 #include "measurement_row.h"
 #include "row_time.h"
 
-namespace m47 {
+namespace m47::realtime {
 
-void MeasureCycle::measure(const std::function<void()>& prepare, const ProgramIdentity& program) {
-    const Measuring measuring(link_);
+void MeasureCycle::measure(const std::function<void()>& prepare,
+                           const measurement::ProgramIdentity& program) {
+    const link::Measuring measuring(link_);
     doubt_.clear();
-    steps_.outcome = Measurement();
+    steps_.outcome = measurement::Measurement();
     steps_.outcome.program = program;
     try {
         if (prepare) prepare();
@@ -62,12 +63,12 @@ void MeasureCycle::tuned() {
     };
     steps_.outcome.frequency = mhz(link_.settings.frequency());
     steps_.outcome.oscillator = mhz(link_.settings.oscillator());
-    steps_.outcome.unit = unit_of_index(link_.settings.unit());
+    steps_.outcome.unit = measurement::unit_of_index(link_.settings.unit());
 }
 
 void MeasureCycle::digital_cycle() {
-    steps_.outcome.mode = MeasureMode::digital;
-    link_.send(command::kMeasure);
+    steps_.outcome.mode = measurement::MeasureMode::digital;
+    link_.send(link::command::kMeasure);
     tuning_.fsat_KeyPress(kEnterKey);
     tuned();
     tuning_.chbws_KeyPress(kEnterKey);
@@ -78,8 +79,8 @@ void MeasureCycle::digital_cycle() {
 }
 
 void MeasureCycle::analog_cycle() {
-    steps_.outcome.mode = MeasureMode::analog;
-    link_.send(command::kMeasure);
+    steps_.outcome.mode = measurement::MeasureMode::analog;
+    link_.send(link::command::kMeasure);
     tuning_.fsat_KeyPress(kEnterKey);
     tuned();
     if (panel_.meas_statea[kLevel]) steps_.carr_satanl();
@@ -102,12 +103,13 @@ void MeasureCycle::storemeas() {
 
 void MeasureCycle::write_row() {
     const QDateTime now = link_.clock().date_time();
-    Measurement& outcome = steps_.outcome;
-    outcome.instant = row_instant(now);
+    measurement::Measurement& outcome = steps_.outcome;
+    outcome.instant = measurement::row_instant(now);
     if (alarm_activestate(panel_, steps_.empty_limits()))
-        outcome.verdict = state_.alarm_raised ? Verdict::fail : Verdict::pass;
+        outcome.verdict =
+            state_.alarm_raised ? measurement::Verdict::fail : measurement::Verdict::pass;
     const bool digital = state_.meas_mode == kDigitalMode;
-    const QStringList row = measurement_row({
+    const QStringList row = measurement::measurement_row({
         .date_time = now,
         .meas_mode = state_.meas_mode,
         .fsat = panel_.fsat,
@@ -118,7 +120,7 @@ void MeasureCycle::write_row() {
         .cfo = panel_.cfcomune,
         .mer = panel_.mercomune,
         .ru = panel_.rucomune,
-        .status = verdict_text(outcome.verdict),
+        .status = measurement::verdict_text(outcome.verdict),
     });
     page_.append(row, outcome);
     // The log comes first: who reads the rows may hold them up.
@@ -133,4 +135,4 @@ void MeasureCycle::log_row() {
     if (on_log_written) on_log_written(written ? QString() : log_.reason());
 }
 
-}  // namespace m47
+}  // namespace m47::realtime

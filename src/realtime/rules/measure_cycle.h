@@ -8,14 +8,15 @@
 #include "measurement_log.h"
 #include "page_model.h"
 
-namespace m47 {
+namespace m47::realtime {
 
 /// One measurement: `measure` asks the meter for every ticked value, `storemeas` keeps the outcome
 /// as a row of the page and a line of the log. Always called as this pair.
 class MeasureCycle {
   public:
-    MeasureCycle(Link& link, RealtimePanel& panel, RealtimeState& state, Tuning& tuning,
-                 MeasureSteps& steps, PageModel& page, MeasurementLog& log)
+    MeasureCycle(link::Link& link, RealtimePanel& panel, RealtimeState& state, Tuning& tuning,
+                 MeasureSteps& steps, measurement::PageModel& page,
+                 measurement::MeasurementLog& log)
         : link_(link),
           panel_(panel),
           state_(state),
@@ -25,7 +26,7 @@ class MeasureCycle {
           log_(log) {}
 
     /// Called with what was measured, just before on_row.
-    std::function<void(const Measurement&)> on_measured;
+    std::function<void(const measurement::Measurement&)> on_measured;
 
     /// Called with the eleven cells of each row that storemeas has put on the page and in the log.
     std::function<void(const QStringList&)> on_row;
@@ -40,7 +41,8 @@ class MeasureCycle {
     /// something to set first. A fault in the cycle ends it at once, silently; the values shown so
     /// far stay. An answer that is doubtful ends it too, and there is no row: it might be another
     /// program's.
-    void measure(const std::function<void()>& prepare = {}, const ProgramIdentity& program = {});
+    void measure(const std::function<void()>& prepare = {},
+                 const measurement::ProgramIdentity& program = {});
 
     /// Records the cycle just run; does nothing while the link is down or no measure is ticked.
     void storemeas();
@@ -61,14 +63,14 @@ class MeasureCycle {
     void write_row();
     void log_row();
 
-    Link& link_;
+    link::Link& link_;
     RealtimePanel& panel_;
     RealtimeState& state_;
     Tuning& tuning_;
     MeasureSteps& steps_;
-    PageModel& page_;
-    MeasurementLog& log_;
+    measurement::PageModel& page_;
+    measurement::MeasurementLog& log_;
     QString doubt_;
 };
 
-}  // namespace m47
+}  // namespace m47::realtime

@@ -8,7 +8,7 @@
 #include "measure_replies.h"
 #include "numbers.h"
 
-namespace m47 {
+namespace m47::realtime {
 namespace {
 
 constexpr Bilingual kNoNoiseEntry{
@@ -38,7 +38,7 @@ QString behind_first(const QString& reply) {
     return reply.mid(1);
 }
 QString behind_lead(const QString& reply) {
-    return trimmed_from(reply, 2);
+    return link::trimmed_from(reply, 2);
 }
 QString behind_words(const QString& reply) {
     qsizetype words = 0;
@@ -53,42 +53,43 @@ QString behind_letters(const QString& reply) {
 
 void MeasureSteps::check(AlarmRow row, double value) {
     check_limits(row, value, panel_, state_, empty_limits());
-    const std::optional<Limits> limits = limits_in_force(row, panel_, empty_limits());
+    const std::optional<measurement::Limits> limits = limits_in_force(row, panel_, empty_limits());
     if (limits) outcome.limits[static_cast<std::size_t>(*measure_of(row).quantity)] = limits;
 }
 
-void MeasureSteps::keep(Quantity quantity, const QString& answered) {
-    outcome.reading(quantity) = reading_of(quantity, answered);
+void MeasureSteps::keep(measurement::Quantity quantity, const QString& answered) {
+    outcome.reading(quantity) = measurement::reading_of(quantity, answered);
     // What the meter was asked in; the menus of the screens may say something else.
-    if (quantity == Quantity::level || quantity == Quantity::noise)
-        outcome.unit = unit_of_index(link_.settings.unit());
+    if (quantity == measurement::Quantity::level || quantity == measurement::Quantity::noise)
+        outcome.unit = measurement::unit_of_index(link_.settings.unit());
 }
 
-void MeasureSteps::expect(AskedFor asked, const QString& text) const {
-    const bool rate = asked == AskedFor::channel_ber || asked == AskedFor::corrected_ber;
-    const bool steps = asked == AskedFor::attenuation;
+void MeasureSteps::expect(measurement::AskedFor asked, const QString& text) const {
+    const bool rate = asked == measurement::AskedFor::channel_ber ||
+                      asked == measurement::AskedFor::corrected_ber;
+    const bool steps = asked == measurement::AskedFor::attenuation;
     // The meter may write its steps with two digits.
     const QString number = steps && text.startsWith(u'0') ? text.mid(1) : text;
-    if (!(rate ? can_be_rate(number) : can_be_value(number)))
+    if (!(rate ? link::can_be_rate(number) : link::can_be_value(number)))
         throw DoubtfulAnswer(question_.toStdString());
 }
 
 void MeasureSteps::format_att() {
-    link_.send(command::kFullAttenuation);
+    link_.send(link::command::kFullAttenuation);
     link_.wait_time(kAfterRanging);
-    if (program_.unit_index != kDbuv) link_.send(command::kUnit + QStringLiteral(" 00"));
-    const QString steps =
-        ask_one(command::query(command::kAttenuator), AskedFor::attenuation, whole);
-    expect(AskedFor::attenuation, steps);
-    double attenuation = meter_value(steps);
-    const QString reading =
-        ask_one(command::query(command::kLevel), AskedFor::ranging_level, behind_first);
+    if (program_.unit_index != kDbuv) link_.send(link::command::kUnit + QStringLiteral(" 00"));
+    const QString steps = ask_one(link::command::query(link::command::kAttenuator),
+                                  measurement::AskedFor::attenuation, whole);
+    expect(measurement::AskedFor::attenuation, steps);
+    double attenuation = link::meter_value(steps);
+    const QString reading = ask_one(link::command::query(link::command::kLevel),
+                                    measurement::AskedFor::ranging_level, behind_first);
     double level = 0;
-    if (level_for_attenuator(reading, level)) {
-        expect(AskedFor::ranging_level, reading.mid(2));
+    if (link::level_for_attenuator(reading, level)) {
+        expect(measurement::AskedFor::ranging_level, reading.mid(2));
         if (level > attenuation * kAttenuatorStep + kFirstStepLevel) {
             attenuation += 1;
-            link_.send(command::kAttenuator + format_number(attenuation, " 0"));
+            link_.send(link::command::kAttenuator + link::format_number(attenuation, " 0"));
             link_.wait_time(kAfterAttenuator);
         }
     }
@@ -97,14 +98,14 @@ void MeasureSteps::format_att() {
 
 void MeasureSteps::carr_satdig() {
     format_att();
-    const QString answer =
-        ask_one(command::query(command::kChannelPower), AskedFor::channel_power, behind_lead);
-    const QString level = trimmed_from(answer, 2);
-    expect(AskedFor::channel_power, level);
+    const QString answer = ask_one(link::command::query(link::command::kChannelPower),
+                                   measurement::AskedFor::channel_power, behind_lead);
+    const QString level = link::trimmed_from(answer, 2);
+    expect(measurement::AskedFor::channel_power, level);
     panel_.dcplev = level;
-    keep(Quantity::level, panel_.dcplev);
+    keep(measurement::Quantity::level, panel_.dcplev);
     panel_.repaint();
-    check(AlarmRow::dcp_level, delete_segno(panel_.dcplev));
+    check(AlarmRow::dcp_level, link::delete_segno(panel_.dcplev));
     panel_.repaint();
 }
 
@@ -121,15 +122,16 @@ QString MeasureSteps::noise_frequency(QString& entry) const {
 }
 
 void MeasureSteps::cn_satdig() {
-    link_.send(command::kFullAttenuation);
-    link_.send(command::kMarker + QStringLiteral(" 1 1"));
+    link_.send(link::command::kFullAttenuation);
+    link_.send(link::command::kMarker + QStringLiteral(" 1 1"));
     noise_frequency(panel_.noise_freqd);
-    const QString answer = ask_one(command::query(command::kDigitalCn), AskedFor::cn, behind_first);
-    expect(AskedFor::cn, answer);
+    const QString answer = ask_one(link::command::query(link::command::kDigitalCn),
+                                   measurement::AskedFor::cn, behind_first);
+    expect(measurement::AskedFor::cn, answer);
     panel_.cndlev = answer.trimmed();
-    keep(Quantity::cn, cn_value_text(answer));
+    keep(measurement::Quantity::cn, cn_value_text(answer));
     panel_.repaint();
-    state_.cn_value = meter_value(answer.mid(1));
+    state_.cn_value = link::meter_value(answer.mid(1));
     check(AlarmRow::cn_digital, state_.cn_value);
     panel_.repaint();
     state_.cn_done = true;
@@ -137,15 +139,15 @@ void MeasureSteps::cn_satdig() {
 
 void MeasureSteps::levn_satdig() {
     const QString frequency = noise_frequency(panel_.noise_freqd);
-    link_.send(command::kFrequency + u' ' + frequency);
+    link_.send(link::command::kFrequency + u' ' + frequency);
     link_.wait_time(kAfterTuning);
     format_att();
-    const QString answer =
-        ask_one(command::query(command::kChannelPower) + frequency, AskedFor::noise, noise_power);
-    const QString noise = noise_power(answer);
-    expect(AskedFor::noise, noise);
+    const QString answer = ask_one(link::command::query(link::command::kChannelPower) + frequency,
+                                   measurement::AskedFor::noise, link::noise_power);
+    const QString noise = link::noise_power(answer);
+    expect(measurement::AskedFor::noise, noise);
     panel_.noisedlev = noise;
-    keep(Quantity::noise, panel_.noisedlev);
+    keep(measurement::Quantity::noise, panel_.noisedlev);
     panel_.repaint();
     tuning_.fsat_KeyPress(kEnterKey);
 }
@@ -155,22 +157,22 @@ void MeasureSteps::qpsk_real() {
     const bool start_qpsk = panel_.meas_stated[kChber] || panel_.meas_stated[kMer];
     if (start_qpsk) {
         tuning_.fsat_KeyPress(kEnterKey);
-        link_.send(command::kAttenuator + QStringLiteral(" 00"));
+        link_.send(link::command::kAttenuator + QStringLiteral(" 00"));
         tuning_.srqpsk_txt_KeyPress(kEnterKey);
-        link_.send(command::kQpskQuality);
+        link_.send(link::command::kQpskQuality);
         link_.wait_time(kAfterQpsk);
     }
     digital_acquire();
-    if (start_qpsk) link_.send(command::kMeasure);
+    if (start_qpsk) link_.send(link::command::kMeasure);
 }
 
 void MeasureSteps::show_field(const Measure& measure, const QString& answer) {
-    const QString field = delete_cr(QString::fromLatin1(measure.label), answer);
+    const QString field = link::delete_cr(QString::fromLatin1(measure.label), answer);
     expect(*measure.asked, field);
     panel_.*measure.shown = field;
     keep(*measure.quantity, field);
     panel_.repaint();
-    if (measure.alarm) check(measure.alarm->row, delete_segno(field.trimmed()));
+    if (measure.alarm) check(measure.alarm->row, link::delete_segno(field.trimmed()));
 }
 
 void MeasureSteps::digital_acquire() {
@@ -178,49 +180,51 @@ void MeasureSteps::digital_acquire() {
         return measure.label && is_ticked(measure, panel_);
     };
     if (std::ranges::none_of(measures(), ticked)) return;
-    const QString answer = ask(command::query(command::kQpskQuality),
+    const QString answer = ask(link::command::query(link::command::kQpskQuality),
                                [this](const QString& reply) { return quality_in(reply); });
     for (const Measure& measure : measures())
         if (ticked(measure)) show_field(measure, answer);
 }
 
 void MeasureSteps::carr_satanl() {
-    link_.send(command::kFullAttenuation);
+    link_.send(link::command::kFullAttenuation);
     link_.wait_time(kAfterRanging);
-    const QString answer = ask_one(command::query(command::kLevel), AskedFor::level, behind_lead);
-    const QString level = trimmed_from(answer, 2);
-    expect(AskedFor::level, level);
+    const QString answer = ask_one(link::command::query(link::command::kLevel),
+                                   measurement::AskedFor::level, behind_lead);
+    const QString level = link::trimmed_from(answer, 2);
+    expect(measurement::AskedFor::level, level);
     panel_.leva = level;
-    keep(Quantity::level, panel_.leva);
+    keep(measurement::Quantity::level, panel_.leva);
     panel_.repaint();
-    check(AlarmRow::level_analog, delete_segno(panel_.leva));
+    check(AlarmRow::level_analog, link::delete_segno(panel_.leva));
     panel_.repaint();
 }
 
 void MeasureSteps::cn_satanl() {
-    link_.send(command::kFullAttenuation);
-    link_.send(command::kMarker + QStringLiteral(" 1 0"));
+    link_.send(link::command::kFullAttenuation);
+    link_.send(link::command::kMarker + QStringLiteral(" 1 0"));
     noise_frequency(panel_.noise_freqa);
-    const QString answer =
-        ask_one(command::query(command::kAnalogCn), AskedFor::cn, behind_letters);
-    expect(AskedFor::cn, answer.mid(3));
+    const QString answer = ask_one(link::command::query(link::command::kAnalogCn),
+                                   measurement::AskedFor::cn, behind_letters);
+    expect(measurement::AskedFor::cn, answer.mid(3));
     panel_.cnalev = answer.mid(3);
-    keep(Quantity::cn, panel_.cnalev);
+    keep(measurement::Quantity::cn, panel_.cnalev);
     panel_.repaint();
-    check(AlarmRow::cn_analog, delete_segno(panel_.cnalev.trimmed()));
+    check(AlarmRow::cn_analog, link::delete_segno(panel_.cnalev.trimmed()));
     panel_.repaint();
 }
 
 void MeasureSteps::levn_satanl() {
     const QString frequency = noise_frequency(panel_.noise_freqa);
-    link_.send(command::kFrequency + u' ' + frequency);
+    link_.send(link::command::kFrequency + u' ' + frequency);
     link_.wait_time(kAfterTuning);
-    const QString answer = ask_one(command::query(command::kLevel), AskedFor::noise, behind_words);
-    expect(AskedFor::noise, behind_words(answer));
+    const QString answer = ask_one(link::command::query(link::command::kLevel),
+                                   measurement::AskedFor::noise, behind_words);
+    expect(measurement::AskedFor::noise, behind_words(answer));
     panel_.noisealev = answer.trimmed();
     // An answer with a level begins with a character that is no part of it.
-    keep(Quantity::noise, trimmed_from(answer, 2));
+    keep(measurement::Quantity::noise, link::trimmed_from(answer, 2));
     panel_.repaint();
 }
 
-}  // namespace m47
+}  // namespace m47::realtime

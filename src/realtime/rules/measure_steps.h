@@ -12,7 +12,7 @@
 #include "realtime_panel.h"
 #include "tuning.h"
 
-namespace m47 {
+namespace m47::realtime {
 
 /// The measurement steps: each sends its commands, shows the value in its result label at once and
 /// hands the number to the limit check. None reports a failed command: it parses what stands in the
@@ -21,15 +21,15 @@ namespace m47 {
 /// surprises is asked again, and counts when two answers agree.
 class MeasureSteps {
   public:
-    MeasureSteps(Link& link, ProgramState& program, RealtimePanel& panel, RealtimeState& state,
-                 Tuning& tuning)
+    MeasureSteps(link::Link& link, ProgramState& program, RealtimePanel& panel,
+                 RealtimeState& state, Tuning& tuning)
         : link_(link), program_(program), panel_(panel), state_(state), tuning_(tuning) {}
 
     /// Run to restore the user's level unit after a reading in dBuV: the unit menu's handler.
     std::function<void(int)> cmdlev_Click;
 
     /// What the steps have measured, and against which limits, since it was last made anew.
-    Measurement outcome;
+    measurement::Measurement outcome;
     /// What a limit box with nothing in it means, by the user's choice.
     EmptyLimits empty_limits() const {
         return program_.corrected.empty_alarm ? EmptyLimits::none : EmptyLimits::zero;
@@ -49,36 +49,36 @@ class MeasureSteps {
 
   private:
     void check(AlarmRow row, double value);
-    void keep(Quantity quantity, const QString& answered);
-    using ValuesIn = std::function<AskedValues(const QString& reply)>;
+    void keep(measurement::Quantity quantity, const QString& answered);
+    using ValuesIn = std::function<measurement::AskedValues(const QString& reply)>;
 
     /// Sends `question` and tells what stands as the answer then, whether or not there was one.
     /// Where the user has chosen so and what `values_in` finds in it surprises, again, until two
     /// answers agree, which gives the later one; a DoubtfulAnswer when none do.
     QString ask(const QString& question, const ValuesIn& values_in);
     /// As ask, for a question with one value, of which `text_in` cuts the text out.
-    QString ask_one(const QString& question, AskedFor asked,
+    QString ask_one(const QString& question, measurement::AskedFor asked,
                     const std::function<QString(const QString& reply)>& text_in);
     void confirm(const ValuesIn& values_in);
-    bool surprising(const AskedValues& readings) const;
-    void remember(const AskedValues& readings);
+    bool surprising(const measurement::AskedValues& readings) const;
+    void remember(const measurement::AskedValues& readings);
     /// Whose readings are compared with each other.
     QString program_key() const;
-    AskedValue value_in(AskedFor asked, const QString& text) const;
-    AskedValues quality_in(const QString& reply) const;
+    measurement::AskedValue value_in(measurement::AskedFor asked, const QString& text) const;
+    measurement::AskedValues quality_in(const QString& reply) const;
     /// A text that can be none of what was asked is a DoubtfulAnswer.
-    void expect(AskedFor asked, const QString& text) const;
+    void expect(measurement::AskedFor asked, const QString& text) const;
     QString& noise_entry(QString& entry) const;
     QString noise_frequency(QString& entry) const;
     void show_field(const Measure& measure, const QString& answer);
 
-    Link& link_;
+    link::Link& link_;
     ProgramState& program_;
     RealtimePanel& panel_;
     RealtimeState& state_;
     Tuning& tuning_;
-    Scatter scatter_;
+    measurement::Scatter scatter_;
     QString question_;  ///< asked last
 };
 
-}  // namespace m47
+}  // namespace m47::realtime

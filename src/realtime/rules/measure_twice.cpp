@@ -7,15 +7,16 @@
 #include "measure_replies.h"
 #include "measure_steps.h"
 
-namespace m47 {
+namespace m47::realtime {
 namespace {
 
 /// So often a question is put before its value is given up.
 constexpr int kMostAsked = 4;
 
 /// The alarm that a reading can raise in the presentation in force.
-std::optional<AlarmRow> row_of(AskedFor asked, bool digital) {
-    const MeasureMode mode = digital ? MeasureMode::digital : MeasureMode::analog;
+std::optional<AlarmRow> row_of(measurement::AskedFor asked, bool digital) {
+    const measurement::MeasureMode mode =
+        digital ? measurement::MeasureMode::digital : measurement::MeasureMode::analog;
     for (const Measure& measure : measures())
         if (measure.asked == asked && measure.alarm && measure.mode == mode)
             return measure.alarm->row;
@@ -33,22 +34,25 @@ QString MeasureSteps::ask(const QString& question, const ValuesIn& values_in) {
     return link_.last_answer();
 }
 
-QString MeasureSteps::ask_one(const QString& question, AskedFor asked,
+QString MeasureSteps::ask_one(const QString& question, measurement::AskedFor asked,
                               const std::function<QString(const QString& reply)>& text_in) {
-    return ask(question,
-               [&](const QString& reply) { return AskedValues{value_in(asked, text_in(reply))}; });
+    return ask(question, [&](const QString& reply) {
+        return measurement::AskedValues{value_in(asked, text_in(reply))};
+    });
 }
 
 void MeasureSteps::confirm(const ValuesIn& values_in) {
-    std::vector<AskedValues> seen;
+    std::vector<measurement::AskedValues> seen;
     std::exception_ptr fault;
     for (int times = 0; times < kMostAsked; ++times) {
         try {
             const std::optional<QString> answer = link_.ask(question_);
             if (!answer) return;
-            const AskedValues readings = values_in(*answer);
-            const bool agreed = std::ranges::any_of(
-                seen, [&](const AskedValues& before) { return agree(before, readings); });
+            const measurement::AskedValues readings = values_in(*answer);
+            const bool agreed =
+                std::ranges::any_of(seen, [&](const measurement::AskedValues& before) {
+                    return measurement::agree(before, readings);
+                });
             if (agreed || (times == 0 && !surprising(readings))) return remember(readings);
             seen.push_back(readings);
         } catch (const Fault&) {
@@ -60,8 +64,8 @@ void MeasureSteps::confirm(const ValuesIn& values_in) {
     throw DoubtfulAnswer(question_.toStdString());
 }
 
-bool MeasureSteps::surprising(const AskedValues& readings) const {
-    return std::ranges::any_of(readings, [this](const AskedValue& reading) {
+bool MeasureSteps::surprising(const measurement::AskedValues& readings) const {
+    return std::ranges::any_of(readings, [this](const measurement::AskedValue& reading) {
         const std::optional<AlarmRow> row = row_of(reading.asked, panel_.satdigmea_visible);
         const auto limits = row ? limits_in_force(*row, panel_, empty_limits()) : std::nullopt;
         return scatter_.surprises(program_key(), reading) ||
@@ -69,8 +73,8 @@ bool MeasureSteps::surprising(const AskedValues& readings) const {
     });
 }
 
-void MeasureSteps::remember(const AskedValues& readings) {
-    for (const AskedValue& reading : readings) scatter_.add(program_key(), reading);
+void MeasureSteps::remember(const measurement::AskedValues& readings) {
+    for (const measurement::AskedValue& reading : readings) scatter_.add(program_key(), reading);
 }
 
 QString MeasureSteps::program_key() const {
@@ -80,20 +84,21 @@ QString MeasureSteps::program_key() const {
     return QStringList{program, panel_.fsat, panel_.ol_freq, panel_.chbws, unit}.join(u'\t');
 }
 
-AskedValue MeasureSteps::value_in(AskedFor asked, const QString& text) const {
+measurement::AskedValue MeasureSteps::value_in(measurement::AskedFor asked,
+                                               const QString& text) const {
     expect(asked, text);
     const QString value = text.trimmed();
     const bool marked = value.startsWith(u'<') || value.startsWith(u'>');
-    return {asked, delete_segno(value), marked ? value[0] : QChar()};
+    return {asked, link::delete_segno(value), marked ? value[0] : QChar()};
 }
 
-AskedValues MeasureSteps::quality_in(const QString& reply) const {
-    AskedValues readings;
+measurement::AskedValues MeasureSteps::quality_in(const QString& reply) const {
+    measurement::AskedValues readings;
     for (const Measure& measure : measures())
         if (measure.label && is_ticked(measure, panel_))
-            readings.push_back(
-                value_in(*measure.asked, delete_cr(QString::fromLatin1(measure.label), reply)));
+            readings.push_back(value_in(
+                *measure.asked, link::delete_cr(QString::fromLatin1(measure.label), reply)));
     return readings;
 }
 
-}  // namespace m47
+}  // namespace m47::realtime

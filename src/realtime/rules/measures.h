@@ -10,7 +10,7 @@
 #include "program_record.h"
 #include "realtime_panel.h"
 
-namespace m47 {
+namespace m47::realtime {
 
 /// The values that have limits; the index is that of the lamp in `alarm_light`.
 enum class AlarmRow { dcp_level, cn_digital, chber, mer, level_analog, cn_analog };
@@ -31,7 +31,7 @@ struct LimitBox {
     MeasureControl control;
     const char* accepted;
     QString RealtimePanel::*text;
-    QString ProgramRecord::*stored;
+    QString programme::ProgramRecord::*stored;
 };
 
 /// The alarm of a measure: its place in the array of check boxes of its presentation.
@@ -45,15 +45,15 @@ struct MeasureAlarm {
 
 /// What can be ticked to be measured.
 struct Measure {
-    MeasureMode mode;
-    std::optional<Quantity> quantity;  ///< what is kept of it
-    std::size_t place;                 ///< in the array of check boxes of its presentation
+    measurement::MeasureMode mode;
+    std::optional<measurement::Quantity> quantity;  ///< what is kept of it
+    std::size_t place;  ///< in the array of check boxes of its presentation
     MeasureControl box;
     const char* result;  ///< the label that shows it, and what it shows
     QString RealtimePanel::*shown;
-    std::optional<AskedFor> asked;           ///< what the meter is asked for it
-    const char* label = nullptr;             ///< before it in an answer that holds several
-    std::optional<MeasureAlarm> alarm = {};  ///< where it has limits
+    std::optional<measurement::AskedFor> asked;  ///< what the meter is asked for it
+    const char* label = nullptr;                 ///< before it in an answer that holds several
+    std::optional<MeasureAlarm> alarm = {};      ///< where it has limits
 };
 
 /// All of them, in the order in which the screen lists them: the digital ones, then the analog.
@@ -69,4 +69,4 @@ bool is_alarm_ticked(const Measure& measure, const RealtimePanel& panel);
 /// The boxes of all limits.
 std::vector<LimitBox> limit_boxes();
 
-}  // namespace m47
+}  // namespace m47::realtime

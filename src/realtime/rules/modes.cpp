@@ -13,7 +13,7 @@
 #include "tables.h"
 #include "time_delays.h"
 
-namespace m47 {
+namespace m47::realtime {
 namespace {
 
 constexpr int kTone22kOff = 1;  // the second entry of `k22_state`
@@ -43,7 +43,7 @@ class RecallGuard {
 
 /// The unit index in an answer: what is no number, or none of the meter's three units, is 0.
 int unit_of(const QString& reply) {
-    const int index = static_cast<int>(std::clamp(meter_value(reply), -1.0, 3.0));
+    const int index = static_cast<int>(std::clamp(link::meter_value(reply), -1.0, 3.0));
     return index >= kDbuv && index <= kDbm ? index : kDbuv;
 }
 
@@ -54,14 +54,14 @@ void Modes::Form_Load() {
     panel_.repaint();
     {
         const RecallGuard guard(state_);
-        link_.send(command::kMeasure);
-        link_.send(command::kFullAttenuation);
+        link_.send(link::command::kMeasure);
+        link_.send(link::command::kFullAttenuation);
         panel_.satlnb_state = 0;
         configurazione_prmt();
         read_unit();
         panel_.repaint();
-        link_.send(command::kNoOscillator);
-        link_.send(command::kFrequency + QStringLiteral(" 1000"));
+        link_.send(link::command::kNoOscillator);
+        link_.send(link::command::kFrequency + QStringLiteral(" 1000"));
         panel_.time_delay = 0;
         time_delay_Click();
         state_.acq_kind = 1;
@@ -73,12 +73,12 @@ void Modes::Form_Load() {
 
 void Modes::read_unit() {
     // With no answer the unit that the program works in stays.
-    const std::optional<QString> unit = link_.ask(command::query(command::kUnit));
+    const std::optional<QString> unit = link_.ask(link::command::query(link::command::kUnit));
     cmdlev_Click(unit ? unit_of(*unit) : program_.unit_index);
 }
 
 void Modes::Form_Activate() {
-    link_.send(command::kFullAttenuation);
+    link_.send(link::command::kFullAttenuation);
     // By default always back to analog, though the frame of the digital measures stays.
     const bool digital = program_.corrected.keep_mode && panel_.satdigmea_visible;
     state_.meas_mode = digital ? kDigitalMode : kAnalogMode;
@@ -112,17 +112,17 @@ void Modes::configurazione_prmt() {
     panel_.repaint();
     diseqc_.startwest_s_Click();
     panel_.repaint();
-    link_.send(command::kToneOff);
+    link_.send(link::command::kToneOff);
     panel_.k22_state = kTone22kOff;
     if (!link_.can_send()) return;
-    const std::optional<QString> rate = link_.ask(command::query(command::kSymbolRate));
+    const std::optional<QString> rate = link_.ask(link::command::query(link::command::kSymbolRate));
     tuning_.show_answer(rate, panel_.srqpsk_txt, kRateLost);
     panel_.srqpsk_txt = panel_.srqpsk_txt.trimmed();
 }
 
 void Modes::crea_records_realtime() {
-    rs_programs = database_.of_plan(QLatin1String(table::kProgrammi), panel_.grp_name);
-    rs_config = database_.of_plan(QLatin1String(table::kConfigurazione), panel_.grp_name);
+    rs_programs = database_.of_plan(QLatin1String(db::table::kProgrammi), panel_.grp_name);
+    rs_config = database_.of_plan(QLatin1String(db::table::kConfigurazione), panel_.grp_name);
     if (rs_programs->empty()) throw Fault(kNoPrograms);
     if (rs_config->empty()) throw Fault(kNoOscillators);
     rs_programs->move_first();
@@ -134,8 +134,10 @@ void Modes::crea_records_realtime() {
 
 void Modes::reread_plan() {
     if (!rs_programs) return;
-    Recordset programs = database_.of_plan(QLatin1String(table::kProgrammi), panel_.grp_name);
-    Recordset config = database_.of_plan(QLatin1String(table::kConfigurazione), panel_.grp_name);
+    db::Recordset programs =
+        database_.of_plan(QLatin1String(db::table::kProgrammi), panel_.grp_name);
+    db::Recordset config =
+        database_.of_plan(QLatin1String(db::table::kConfigurazione), panel_.grp_name);
     // Only now nothing can fail any more.
     rs_programs = std::move(programs);
     rs_config = std::move(config);
@@ -144,8 +146,8 @@ void Modes::reread_plan() {
 
 void Modes::mostra_record_realtime() {
     try {
-        if (!rs_programs || !ProgramRow(*rs_programs).monitored()) return;
-        panel_.prog_num = ProgramRow(*rs_programs).pg_num();
+        if (!rs_programs || !programme::ProgramRow(*rs_programs).monitored()) return;
+        panel_.prog_num = programme::ProgramRow(*rs_programs).pg_num();
         {
             const RecallGuard guard(state_);
             recall_tuning();
@@ -158,8 +160,8 @@ void Modes::mostra_record_realtime() {
 }
 
 void Modes::recall_tuning() {
-    const ProgramRow program(*rs_programs);
-    panel_.fsat = program.plain(&ProgramRecord::frequenza);
+    const programme::ProgramRow program(*rs_programs);
+    panel_.fsat = program.plain(&programme::ProgramRecord::frequenza);
     const bool direct = program.direct();
     if (direct != panel_.locopt[0]) {
         panel_.locopt = {direct, !direct};
@@ -169,37 +171,38 @@ void Modes::recall_tuning() {
     // The third and fourth are sent by a pass that tunes everything, and shown by it.
     if (entry && *entry <= 1)
         panel_.ol_freq = oscillators_of_plan()[static_cast<std::size_t>(*entry)];
-    panel_.satlnb_state = program.whole(&ProgramRecord::lnb_volt);
-    panel_.k22_state = program.whole(&ProgramRecord::K22);
+    panel_.satlnb_state = program.whole(&programme::ProgramRecord::lnb_volt);
+    panel_.k22_state = program.whole(&programme::ProgramRecord::K22);
     const std::optional<bool> digital = program.digital();
     if (digital == false) analogmode();
     if (digital == true) digitalmode();
-    panel_.srqpsk_txt = program.text(&ProgramRecord::qpsk_symbolrate);
+    panel_.srqpsk_txt = program.text(&programme::ProgramRecord::qpsk_symbolrate);
     if (program_.corrected.plan_width) recall_bandwidth();
     tuning_.start_noise_boxes();
 }
 
 double Modes::bandwidth_of_program() const {
-    return ProgramRow(*rs_programs).number(&ProgramRecord::satchbw);
+    return programme::ProgramRow(*rs_programs).number(&programme::ProgramRecord::satchbw);
 }
 
 void Modes::recall_bandwidth() {
     const double mhz = bandwidth_of_program();
-    if (mhz > 0) panel_.chbws = bandwidth_box_text(mhz);
+    if (mhz > 0) panel_.chbws = programme::bandwidth_box_text(mhz);
 }
 
-Oscillators Modes::oscillators_of_plan() const {
-    return read_oscillators(*rs_config);
+programme::Oscillators Modes::oscillators_of_plan() const {
+    return programme::read_oscillators(*rs_config);
 }
 
 void Modes::recall_limits() {
-    const ProgramRow program(*rs_programs);
+    const programme::ProgramRow program(*rs_programs);
     for (const LimitBox& limit : limit_boxes()) panel_.*limit.text = program.text(limit.stored);
 }
 
 void Modes::cmdlev_Click(int index) {
     panel_.cmdlev = index;
-    if (!state_.recall_in_progress) link_.send(command::kUnit + format_number(index, " 00"));
+    if (!state_.recall_in_progress)
+        link_.send(link::command::kUnit + link::format_number(index, " 00"));
     program_.unit_index = index;
 }
 
@@ -209,4 +212,4 @@ void Modes::time_delay_Click() {
     state_.ticks_left = kTimeDelays[static_cast<std::size_t>(index)].seconds;
 }
 
-}  // namespace m47
+}  // namespace m47::realtime

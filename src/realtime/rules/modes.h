@@ -11,13 +11,13 @@
 #include "realtime_panel.h"
 #include "tuning.h"
 
-namespace m47 {
+namespace m47::realtime {
 
 /// How the real-time screen prepares the meter, changes between the analog and the digital
 /// presentation and recalls stored programs.
 class Modes {
   public:
-    Modes(Link& link, ProgramState& program, Database& database, RealtimePanel& panel,
+    Modes(link::Link& link, ProgramState& program, db::Database& database, RealtimePanel& panel,
           RealtimeState& state, Tuning& tuning, Diseqc& diseqc)
         : link_(link),
           program_(program),
@@ -28,8 +28,8 @@ class Modes {
           diseqc_(diseqc) {}
 
     /// The record sets of the plan in `grp_name`; none before crea_records_realtime.
-    std::optional<Recordset> rs_programs;
-    std::optional<Recordset> rs_config;
+    std::optional<db::Recordset> rs_programs;
+    std::optional<db::Recordset> rs_config;
 
     /// Prepares the meter and the panel when the screen is opened.
     void Form_Load();
@@ -61,7 +61,7 @@ class Modes {
     void recall_bandwidth();
 
     /// Of the open plan.
-    Oscillators oscillators_of_plan() const;
+    programme::Oscillators oscillators_of_plan() const;
 
     /// Level unit `index` (a LevelUnit); sent unless a recall is in progress.
     void cmdlev_Click(int index);
@@ -74,13 +74,13 @@ class Modes {
     void recall_limits();
     void read_unit();
 
-    Link& link_;
+    link::Link& link_;
     ProgramState& program_;
-    Database& database_;
+    db::Database& database_;
     RealtimePanel& panel_;
     RealtimeState& state_;
     Tuning& tuning_;
     Diseqc& diseqc_;
 };
 
-}  // namespace m47
+}  // namespace m47::realtime

@@ -5,7 +5,7 @@
 
 #include "program_row.h"
 
-namespace m47 {
+namespace m47::realtime {
 namespace {
 
 /// What stands between a minimum and a maximum, as the user has set them.
@@ -28,24 +28,25 @@ class Between {
     EmptyLimits empty_;
 };
 
-QString ReportLimits::*place_of(Quantity quantity) {
+QString report::ReportLimits::*place_of(measurement::Quantity quantity) {
     switch (quantity) {
-        case Quantity::cn:
-            return &ReportLimits::cn;
-        case Quantity::ber:
-            return &ReportLimits::ber;
-        case Quantity::mer:
-            return &ReportLimits::mer;
+        case measurement::Quantity::cn:
+            return &report::ReportLimits::cn;
+        case measurement::Quantity::ber:
+            return &report::ReportLimits::ber;
+        case measurement::Quantity::mer:
+            return &report::ReportLimits::mer;
         default:
-            return &ReportLimits::level;
+            return &report::ReportLimits::level;
     }
 }
 
 /// The limits of the measures of `mode`, as `text_of` says what stands in each box.
-ReportLimits limits_by(MeasureMode mode, const RealtimePanel& panel, EmptyLimits empty,
-                       const std::function<QString(const LimitBox&)>& text_of) {
+report::ReportLimits limits_by(measurement::MeasureMode mode, const RealtimePanel& panel,
+                               EmptyLimits empty,
+                               const std::function<QString(const LimitBox&)>& text_of) {
     const Between between(empty);
-    ReportLimits made;
+    report::ReportLimits made;
     for (const Measure& measure : measures())
         if (measure.alarm && measure.mode == mode)
             made.*place_of(*measure.quantity) =
@@ -54,46 +55,48 @@ ReportLimits limits_by(MeasureMode mode, const RealtimePanel& panel, EmptyLimits
     return made;
 }
 
-ReportLimits limits_of_record(const ProgramRow& program, const RealtimePanel& panel,
-                              EmptyLimits empty) {
+report::ReportLimits limits_of_record(const programme::ProgramRow& program,
+                                      const RealtimePanel& panel, EmptyLimits empty) {
     const bool digital = program.digital().value_or(false);
-    ReportLimits made =
-        limits_by(digital ? MeasureMode::digital : MeasureMode::analog, panel, empty,
-                  [&](const LimitBox& limit) { return program.text(limit.stored); });
+    report::ReportLimits made =
+        limits_by(digital ? measurement::MeasureMode::digital : measurement::MeasureMode::analog,
+                  panel, empty, [&](const LimitBox& limit) { return program.text(limit.stored); });
     made.program = program.pg_num();
-    made.frequency = program.text(&ProgramRecord::frequenza).trimmed();
+    made.frequency = program.text(&programme::ProgramRecord::frequenza).trimmed();
     return made;
 }
 
 }  // namespace
 
-std::optional<TrendRange> trend_limits(Quantity quantity, const RealtimePanel& panel,
-                                       const RealtimeState& state, EmptyLimits empty) {
+std::optional<trend::TrendRange> trend_limits(measurement::Quantity quantity,
+                                              const RealtimePanel& panel,
+                                              const RealtimeState& state, EmptyLimits empty) {
     const bool digital = state.meas_mode == kDigitalMode;
     AlarmRow row = digital ? AlarmRow::dcp_level : AlarmRow::level_analog;
-    if (quantity == Quantity::ber) row = AlarmRow::chber;
-    if (quantity == Quantity::mer) row = AlarmRow::mer;
-    const std::optional<Limits> limits = limits_in_force(row, panel, empty);
+    if (quantity == measurement::Quantity::ber) row = AlarmRow::chber;
+    if (quantity == measurement::Quantity::mer) row = AlarmRow::mer;
+    const std::optional<measurement::Limits> limits = limits_in_force(row, panel, empty);
     if (!limits || !limits->minimum || !limits->maximum) return {};
-    return TrendRange{*limits->minimum, *limits->maximum};
+    return trend::TrendRange{*limits->minimum, *limits->maximum};
 }
 
-ReportLimits limits_of_panel(const RealtimePanel& panel, const RealtimeState& state,
-                             EmptyLimits empty) {
+report::ReportLimits limits_of_panel(const RealtimePanel& panel, const RealtimeState& state,
+                                     EmptyLimits empty) {
     const bool digital = state.meas_mode == kDigitalMode;
-    ReportLimits made = limits_by(digital ? MeasureMode::digital : MeasureMode::analog, panel,
-                                  empty, [&](const LimitBox& limit) { return panel.*limit.text; });
+    report::ReportLimits made =
+        limits_by(digital ? measurement::MeasureMode::digital : measurement::MeasureMode::analog,
+                  panel, empty, [&](const LimitBox& limit) { return panel.*limit.text; });
     made.frequency = panel.fsat.trimmed();
     return made;
 }
 
-QList<ReportLimits> limits_of_plan(Recordset& programs, const RealtimePanel& panel,
-                                   EmptyLimits empty) {
-    QList<ReportLimits> all;
-    const ProgramRow program(programs);
+QList<report::ReportLimits> limits_of_plan(db::Recordset& programs, const RealtimePanel& panel,
+                                           EmptyLimits empty) {
+    QList<report::ReportLimits> all;
+    const programme::ProgramRow program(programs);
     for (programs.move_first(); !programs.end_of_set(); programs.move_next())
         if (program.monitored()) all.append(limits_of_record(program, panel, empty));
     return all;
 }
 
-}  // namespace m47
+}  // namespace m47::realtime

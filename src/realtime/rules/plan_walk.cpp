@@ -9,23 +9,23 @@
 #include "program_row.h"
 #include "tables.h"
 
-namespace m47 {
+namespace m47::realtime {
 namespace {
 
 constexpr Bilingual kNoPlanOpen{"No plan is open.", "Nessun piano è aperto."};
 
 }  // namespace
 
-Recordset& PlanWalk::programs() {
+db::Recordset& PlanWalk::programs() {
     if (!modes_.rs_programs) throw Fault(kNoPlanOpen);
     return *modes_.rs_programs;
 }
 
-std::vector<Bookmark> PlanWalk::monitored() {
-    std::vector<Bookmark> places;
-    Recordset all = database_.of_plan(QLatin1String(table::kProgrammi), panel_.grp_name);
+std::vector<db::Bookmark> PlanWalk::monitored() {
+    std::vector<db::Bookmark> places;
+    db::Recordset all = database_.of_plan(QLatin1String(db::table::kProgrammi), panel_.grp_name);
     for (all.move_first(); !all.end_of_set(); all.move_next())
-        if (ProgramRow(all).monitored()) places.push_back(all.bookmark());
+        if (programme::ProgramRow(all).monitored()) places.push_back(all.bookmark());
     return places;
 }
 
@@ -44,9 +44,9 @@ void PlanWalk::open_programs() {
     const auto programs = modes_.rs_programs;
     const auto config = modes_.rs_config;
     try {
-        panel_.grp_name = database_.gruppo().text(field::kNome);
+        panel_.grp_name = database_.gruppo().text(db::field::kNome);
         modes_.crea_records_realtime();
-    } catch (const EngineFault&) {
+    } catch (const db::EngineFault&) {
         panel_.grp_name = name;
         modes_.rs_programs = programs;
         modes_.rs_config = config;
@@ -62,7 +62,7 @@ void PlanWalk::open_plan() {
 
 void PlanWalk::first_plan() {
     present_plan();
-    const Suspended suspended(link_);
+    const link::Suspended suspended(link_);
     database_.gruppo().requery();
     database_.gruppo().move_first();
     open_plan();
@@ -70,14 +70,14 @@ void PlanWalk::first_plan() {
 
 bool PlanWalk::choose_plan(const QString& name) {
     present_plan();
-    const Suspended suspended(link_);
+    const link::Suspended suspended(link_);
     database_.gruppo().requery();
-    if (!find_plan(database_.gruppo(), name)) return false;
+    if (!db::find_plan(database_.gruppo(), name)) return false;
     open_plan();
     return true;
 }
 
-bool PlanWalk::step(Recordset& set, Direction direction) {
+bool PlanWalk::step(db::Recordset& set, Direction direction) {
     if (direction == Direction::back) {
         set.move_previous();
         if (!set.begin_of_set()) return false;
@@ -91,13 +91,13 @@ bool PlanWalk::step(Recordset& set, Direction direction) {
 }
 
 void PlanWalk::move_plan(Direction direction) {
-    const Suspended suspended(link_);
-    Recordset& plans = database_.gruppo();
-    const Recordset before = plans;
+    const link::Suspended suspended(link_);
+    db::Recordset& plans = database_.gruppo();
+    const db::Recordset before = plans;
     try {
         step(plans, direction);
         open_programs();
-    } catch (const EngineFault&) {
+    } catch (const db::EngineFault&) {
         // Else the next step would begin at a plan that is not shown.
         plans = before;
         throw;
@@ -113,14 +113,14 @@ void PlanWalk::next_plan() {
 }
 
 void PlanWalk::move_program(Direction direction) {
-    const Suspended suspended(link_);
+    const link::Suspended suspended(link_);
     // Only a walk that came to its end moves the set: one that failed would leave it beside its
     // rows.
-    Recordset set = programs();
+    db::Recordset set = programs();
     bool at_end = false;
     do {
         at_end = step(set, direction);
-    } while (!at_end && !ProgramRow(set).monitored());
+    } while (!at_end && !programme::ProgramRow(set).monitored());
     programs() = std::move(set);
     modes_.mostra_record_realtime();
 }
@@ -133,4 +133,4 @@ void PlanWalk::next_program() {
     move_program(Direction::forward);
 }
 
-}  // namespace m47
+}  // namespace m47::realtime

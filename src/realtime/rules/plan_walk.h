@@ -9,14 +9,14 @@
 #include "modes.h"
 #include "realtime_panel.h"
 
-namespace m47 {
+namespace m47::realtime {
 
 /// Which plan is open and which of its programs is shown; nothing of it is sent to the meter. Each
 /// member that goes to another plan or program is a Fault where that cannot be read, and the one
 /// before stays then.
 class PlanWalk {
   public:
-    PlanWalk(Link& link, Database& database, RealtimePanel& panel, RealtimeState& state,
+    PlanWalk(link::Link& link, db::Database& database, RealtimePanel& panel, RealtimeState& state,
              Modes& modes)
         : link_(link), database_(database), panel_(panel), state_(state), modes_(modes) {}
 
@@ -32,9 +32,9 @@ class PlanWalk {
     void next_program();
 
     /// The programs of the open plan; a Fault where none is open.
-    Recordset& programs();
+    db::Recordset& programs();
     /// The rows that take part in a pass, as the database has them now.
-    std::vector<Bookmark> monitored();
+    std::vector<db::Bookmark> monitored();
     int monitored_programs() { return static_cast<int>(monitored().size()); }
 
   private:
@@ -44,15 +44,15 @@ class PlanWalk {
     void open_programs();
     void open_plan();
     /// One row on; true where the set ends there and stays on its last row.
-    static bool step(Recordset& set, Direction direction);
+    static bool step(db::Recordset& set, Direction direction);
     void move_plan(Direction direction);
     void move_program(Direction direction);
 
-    Link& link_;
-    Database& database_;
+    link::Link& link_;
+    db::Database& database_;
     RealtimePanel& panel_;
     RealtimeState& state_;
     Modes& modes_;
 };
 
-}  // namespace m47
+}  // namespace m47::realtime

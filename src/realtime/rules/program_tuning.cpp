@@ -5,7 +5,7 @@
 #include "numbers.h"
 #include "program_commands.h"
 
-namespace m47 {
+namespace m47::realtime {
 namespace {
 
 constexpr Bilingual kNotMeasured{
@@ -14,9 +14,9 @@ constexpr Bilingual kNotMeasured{
 
 }  // namespace
 
-ProgramRow ProgramTuning::row() const {
+programme::ProgramRow ProgramTuning::row() const {
     if (!modes_.rs_programs) throw Fault("no plan is open");
-    return ProgramRow(*modes_.rs_programs);
+    return programme::ProgramRow(*modes_.rs_programs);
 }
 
 int ProgramTuning::oscillator() const {
@@ -28,7 +28,7 @@ QString ProgramTuning::oscillator_text() const {
 }
 
 bool ProgramTuning::possible() const {
-    return row().direct() || is_oscillator(typed_value(oscillator_text()));
+    return row().direct() || programme::is_oscillator(link::typed_value(oscillator_text()));
 }
 
 QString ProgramTuning::reason() const {
@@ -36,9 +36,9 @@ QString ProgramTuning::reason() const {
 }
 
 QStringList ProgramTuning::antenna() const {
-    const ProgramRow program = row();
-    return switching_commands(program,
-                              program.direct() ? Oscillators() : modes_.oscillators_of_plan());
+    const programme::ProgramRow program = row();
+    return programme::switching_commands(
+        program, program.direct() ? programme::Oscillators() : modes_.oscillators_of_plan());
 }
 
 void ProgramTuning::tune_everything() {
@@ -48,4 +48,4 @@ void ProgramTuning::tune_everything() {
     for (const QString& command : commands) link_.send(command);
 }
 
-}  // namespace m47
+}  // namespace m47::realtime

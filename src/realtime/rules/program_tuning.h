@@ -7,13 +7,13 @@
 #include "program_state.h"
 #include "realtime_panel.h"
 
-namespace m47 {
+namespace m47::realtime {
 
 /// Tunes everything that the current program of the open plan says, for plans over several
 /// polarisations, bands or satellites. Without a current program each member is a Fault.
 class ProgramTuning {
   public:
-    ProgramTuning(Link& link, const ProgramState& program, RealtimePanel& panel, Modes& modes)
+    ProgramTuning(link::Link& link, const ProgramState& program, RealtimePanel& panel, Modes& modes)
         : link_(link), program_(program), panel_(panel), modes_(modes) {}
 
     /// False where the program needs an oscillator that no LNB has: the meter would refuse it.
@@ -30,14 +30,14 @@ class ProgramTuning {
     void tune_everything();
 
   private:
-    ProgramRow row() const;
+    programme::ProgramRow row() const;
     int oscillator() const;
     QString oscillator_text() const;
 
-    Link& link_;
+    link::Link& link_;
     const ProgramState& program_;
     RealtimePanel& panel_;
     Modes& modes_;
 };
 
-}  // namespace m47
+}  // namespace m47::realtime

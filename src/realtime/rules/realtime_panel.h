@@ -7,7 +7,7 @@
 
 #include "measurement.h"
 
-namespace m47 {
+namespace m47::realtime {
 
 enum class LampColour { grey, red, green };
 
@@ -117,10 +117,10 @@ struct RealtimeState {
     bool west_limit_set = false;  ///< the same for the west
 };
 
-inline constexpr int kAnalogMode = static_cast<int>(MeasureMode::analog);
-inline constexpr int kDigitalMode = static_cast<int>(MeasureMode::digital);
+inline constexpr int kAnalogMode = static_cast<int>(measurement::MeasureMode::analog);
+inline constexpr int kDigitalMode = static_cast<int>(measurement::MeasureMode::digital);
 
 /// The key code that confirms an entry.
 inline constexpr int kEnterKey = 13;
 
-}  // namespace m47
+}  // namespace m47::realtime

@@ -3,7 +3,7 @@
 
 #include "work.h"
 
-namespace m47 {
+namespace m47::realtime {
 namespace {
 
 constexpr Bilingual kBrokenOff{
@@ -14,7 +14,8 @@ constexpr Bilingual kMeasured{"the measurement was whole, %1 rows are on the pag
 
 }  // namespace
 
-RealtimeRules::RealtimeRules(Link& the_link, ProgramState& the_program, Database& the_database)
+RealtimeRules::RealtimeRules(link::Link& the_link, ProgramState& the_program,
+                             db::Database& the_database)
     : link(the_link),
       program(the_program),
       database(the_database),
@@ -40,8 +41,8 @@ void RealtimeRules::tick_measures(int mode) {
 }
 
 void RealtimeRules::measure_once(const std::function<void()>& prepare,
-                                 const ProgramIdentity& identity) {
-    Work work(link, kBrokenOff, {QString::number(cycle.rows())});
+                                 const measurement::ProgramIdentity& identity) {
+    link::Work work(link, kBrokenOff, {QString::number(cycle.rows())});
     costs.begin();
     cycle.measure(prepare, identity);
     cycle.storemeas();
@@ -50,4 +51,4 @@ void RealtimeRules::measure_once(const std::function<void()>& prepare,
     if (cycle.doubt().isEmpty()) costs.end();
 }
 
-}  // namespace m47
+}  // namespace m47::realtime

@@ -13,24 +13,24 @@
 #include "realtime_panel.h"
 #include "tuning.h"
 
-namespace m47 {
+namespace m47::realtime {
 
 /// Everything that measuring needs, without a screen: it owns the panel and the state that the
 /// handlers share, page and log, and wires the rules to each other. When something is measured is
 /// up to who uses it: the screen's Acquisition, or a PlanRun with nobody at the screen.
 class RealtimeRules {
   public:
-    RealtimeRules(Link& the_link, ProgramState& the_program, Database& the_database);
+    RealtimeRules(link::Link& the_link, ProgramState& the_program, db::Database& the_database);
     RealtimeRules(const RealtimeRules&) = delete;
     RealtimeRules& operator=(const RealtimeRules&) = delete;
 
-    Link& link;
+    link::Link& link;
     ProgramState& program;
-    Database& database;
+    db::Database& database;
     RealtimePanel panel;
     RealtimeState state;
-    PageModel page;
-    MeasurementLog log;
+    measurement::PageModel page;
+    measurement::MeasurementLog log;
     Tuning tuning;
     Diseqc diseqc;
     MeasureSteps steps;
@@ -46,7 +46,7 @@ class RealtimeRules {
     /// One measurement for the program `identity` of a plan, or for none, behind `prepare`, as
     /// MeasureCycle::measure does it; its row is kept, and what it cost is told.
     void measure_once(const std::function<void()>& prepare = {},
-                      const ProgramIdentity& identity = {});
+                      const measurement::ProgramIdentity& identity = {});
 };
 
-}  // namespace m47
+}  // namespace m47::realtime

@@ -4,7 +4,7 @@
 #include <QTime>
 #include <array>
 
-namespace m47 {
+namespace m47::realtime {
 
 /// An entry of the list `time_delay` and the seconds that it puts between two timed firings.
 struct TimeDelay {
@@ -36,4 +36,4 @@ inline QString time_left_text(int seconds) {
     return QTime(0, 0).addSecs(qMax(0, seconds)).toString(QStringLiteral("h:mm:ss"));
 }
 
-}  // namespace m47
+}  // namespace m47::realtime

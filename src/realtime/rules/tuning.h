@@ -8,13 +8,13 @@
 #include "program_state.h"
 #include "realtime_panel.h"
 
-namespace m47 {
+namespace m47::realtime {
 
 /// The tuning controls of the real-time screen: each brings the confirmed value into its range,
 /// writes it back and sends it. No handler checks the answer; the control keeps what was sent.
 class Tuning {
   public:
-    Tuning(Link& link, ProgramState& program, RealtimePanel& panel, RealtimeState& state)
+    Tuning(link::Link& link, ProgramState& program, RealtimePanel& panel, RealtimeState& state)
         : link_(link), program_(program), panel_(panel), state_(state) {}
 
     // The text boxes act on kEnterKey only; every other key is the box's own.
@@ -58,10 +58,10 @@ class Tuning {
   private:
     void send_supply(int volts);
 
-    Link& link_;
+    link::Link& link_;
     ProgramState& program_;
     RealtimePanel& panel_;
     RealtimeState& state_;
 };
 
-}  // namespace m47
+}  // namespace m47::realtime

@@ -6,7 +6,7 @@
 #include <QMouseEvent>
 #include <QTimer>
 
-namespace m47 {
+namespace m47::realtime {
 namespace {
 
 /// `rectangle` moved as little as needed to lie inside `room`; its top left corner always does.
@@ -137,4 +137,4 @@ void DiseqcFolding::settle() {
     }
 }
 
-}  // namespace m47
+}  // namespace m47::realtime

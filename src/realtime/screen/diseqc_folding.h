@@ -6,7 +6,7 @@
 
 #include "diseqc_panel.h"
 
-namespace m47 {
+namespace m47::realtime {
 
 /// Opens the DiSEqC panel when the pointer or the focus comes into it and folds it when they leave.
 /// The frame `sat_opt` grows and shrinks with it: its place in the layout stays that of the folded
@@ -36,4 +36,4 @@ class DiseqcFolding : public QObject {
     bool folding_ = false;
 };
 
-}  // namespace m47
+}  // namespace m47::realtime

@@ -12,7 +12,7 @@
 #include "lamp_colours.h"
 #include "ui_diseqc_panel.h"
 
-namespace m47 {
+namespace m47::realtime {
 namespace {
 
 constexpr Bilingual kSteps{"steps", "passi"};
@@ -138,7 +138,8 @@ void DiseqcPanel::connect_click(QLineEdit* box, const char* name, Click handler,
 
 void DiseqcPanel::add_diseqc_command() {
     ui_->diseqc_cmd->clear();
-    for (const char* entry : kDiseqcCommands) ui_->diseqc_cmd->addItem(QString::fromLatin1(entry));
+    for (const char* entry : programme::kDiseqcCommands)
+        ui_->diseqc_cmd->addItem(QString::fromLatin1(entry));
     ui_->diseqc_cmd->setCurrentIndex(-1);
 }
 
@@ -189,4 +190,4 @@ void DiseqcPanel::size_controls() {
     for (QLineEdit* box : findChildren<QLineEdit*>()) box->setFixedWidth(width);
 }
 
-}  // namespace m47
+}  // namespace m47::realtime

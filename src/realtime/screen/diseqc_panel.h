@@ -16,7 +16,7 @@ namespace Ui {
 class DiseqcPanel;
 }
 
-namespace m47 {
+namespace m47::realtime {
 
 /// The frame `diseqc` of the real-time screen: the choice of the protocol, the list of switching
 /// commands and the motor with its boxes.
@@ -75,4 +75,4 @@ class DiseqcPanel : public QGroupBox {
 /// True when `widget` is `panel` or belongs to it, its pop-up lists and menus included.
 bool belongs_to(const QWidget* panel, const QWidget* widget);
 
-}  // namespace m47
+}  // namespace m47::realtime

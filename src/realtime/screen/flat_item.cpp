@@ -4,7 +4,7 @@
 #include <QPainter>
 #include <QStyle>
 
-namespace m47 {
+namespace m47::realtime {
 namespace {
 
 // Room beside and above the caption, in logical pixels.
@@ -41,4 +41,4 @@ void FlatItem::paintEvent(QPaintEvent*) {
                           marked ? QPalette::HighlightedText : QPalette::ButtonText);
 }
 
-}  // namespace m47
+}  // namespace m47::realtime

@@ -3,7 +3,7 @@
 
 #include <QPushButton>
 
-namespace m47 {
+namespace m47::realtime {
 
 /// A push button as flat and narrow as a menu entry, marked while the pointer or the focus is on
 /// it. It keeps no state: the motor gets its command at every click.
@@ -19,4 +19,4 @@ class FlatItem : public QPushButton {
     void paintEvent(QPaintEvent* event) override;
 };
 
-}  // namespace m47
+}  // namespace m47::realtime

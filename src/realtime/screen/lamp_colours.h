@@ -4,7 +4,7 @@
 #include "lamp.h"
 #include "realtime_panel.h"
 
-namespace m47 {
+namespace m47::realtime {
 
 /// The exact colour that stands for `colour`.
 inline QColor shown_colour(LampColour colour) {
@@ -19,4 +19,4 @@ inline QColor shown_colour(LampColour colour) {
     return QColor::fromRgb(kGrey);
 }
 
-}  // namespace m47
+}  // namespace m47::realtime

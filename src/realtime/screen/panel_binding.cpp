@@ -11,7 +11,7 @@
 #include "time_delays.h"
 #include "ui_realtime.h"
 
-namespace m47 {
+namespace m47::realtime {
 namespace {
 
 /// A control that the table of measures names. The form has it, or the screen does not open.
@@ -127,4 +127,4 @@ void PanelBinding::join_menu() {
         joints_.visible(control, choices_.complete);
 }
 
-}  // namespace m47
+}  // namespace m47::realtime

@@ -9,7 +9,7 @@ namespace Ui {
 class Realtime;
 }
 
-namespace m47 {
+namespace m47::realtime {
 
 /// The controls of the real-time screen that show and take the members of its panel, and what the
 /// choices of corrected behaviour let be seen of them. Controls of the measures are those that the
@@ -42,4 +42,4 @@ class PanelBinding {
     Joints& joints_;
 };
 
-}  // namespace m47
+}  // namespace m47::realtime

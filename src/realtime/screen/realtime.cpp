@@ -26,7 +26,7 @@
 #include "twips.h"
 #include "ui_realtime.h"
 
-namespace m47 {
+namespace m47::realtime {
 namespace {
 
 // A column was 750 twips wide; it grows with the font so that a date still fits at 200 %.
@@ -50,7 +50,7 @@ Realtime::Realtime(std::unique_ptr<RealtimeRules> own_rules, QWidget* parent)
       acquisition(rules, {.interval = timer1_, .pass = timer2_, .clock = timer3_}, pass_news()),
       program_(rules.program),
       ui_(std::make_unique<Ui::Realtime>()),
-      level_view_(new LevelView(
+      level_view_(new level::LevelView(
           program_.texts, [this] { return rules.link.port_connected; }, this)) {
     ui_->setupUi(this);
     tie_corrected(this, program_.corrected);
@@ -152,7 +152,7 @@ void Realtime::connect_lists() {
     new ListKeyFilter(ui_->satlnb_state);
     when(ui_->atten_list, &QComboBox::activated, "atten_list_Click", [this](int index) {
         rules.panel.atten_list =
-            rules.tuning.list_Click(command::kAttenuator, index, ui_->atten_list->count());
+            rules.tuning.list_Click(link::command::kAttenuator, index, ui_->atten_list->count());
     });
 }
 
@@ -160,12 +160,12 @@ void Realtime::connect_limits() {
     for (const LimitBox& limit : limit_boxes()) {
         auto* box = findChild<QLineEdit*>(QString::fromLatin1(limit.control.name));
         new KeyFilter(box, QString::fromLatin1(limit.accepted));
-        connect(box, &QLineEdit::textChanged, ui_->trend, &TrendView::limits_changed);
+        connect(box, &QLineEdit::textChanged, ui_->trend, &trend::TrendView::limits_changed);
     }
     for (const char* alarms : {"alarm_stated", "alarm_statea"}) {
         const ControlArray<QCheckBox> boxes(this, QString::fromLatin1(alarms));
         for (std::size_t k = 0; k < boxes.size(); ++k)
-            connect(boxes[k], &QCheckBox::toggled, ui_->trend, &TrendView::limits_changed);
+            connect(boxes[k], &QCheckBox::toggled, ui_->trend, &trend::TrendView::limits_changed);
     }
 }
 
@@ -187,19 +187,19 @@ void Realtime::connect_menu() {
 
 void Realtime::fill_keys() {
     // "satellite", "terrestre", "qam" and "ofdm" are shown and do nothing.
-    const auto add = [this](const QAction* key, void (Acquisition::*work)()) {
+    const auto add = [this](const QAction* key, void (acquisition::Acquisition::*work)()) {
         add_key(key, [this, work] { (acquisition.*work)(); });
     };
-    add(ui_->single, &Acquisition::single);
-    add(ui_->group, &Acquisition::group);
-    add(ui_->previous, &Acquisition::previous);
-    add(ui_->next, &Acquisition::next);
-    add(ui_->previous_prog, &Acquisition::previous_prog);
-    add(ui_->next_prog, &Acquisition::next_prog);
-    add(ui_->single_acq, &Acquisition::single_acq);
-    add(ui_->multiple_acq, &Acquisition::multiple_acq);
-    add(ui_->start, &Acquisition::start);
-    add(ui_->stop, &Acquisition::stop);
+    add(ui_->single, &acquisition::Acquisition::single);
+    add(ui_->group, &acquisition::Acquisition::group);
+    add(ui_->previous, &acquisition::Acquisition::previous);
+    add(ui_->next, &acquisition::Acquisition::next);
+    add(ui_->previous_prog, &acquisition::Acquisition::previous_prog);
+    add(ui_->next_prog, &acquisition::Acquisition::next_prog);
+    add(ui_->single_acq, &acquisition::Acquisition::single_acq);
+    add(ui_->multiple_acq, &acquisition::Acquisition::multiple_acq);
+    add(ui_->start, &acquisition::Acquisition::start);
+    add(ui_->stop, &acquisition::Acquisition::stop);
     add_key(ui_->save, [this] { datamenagment(); });
     add_key(ui_->analogico, [this] { rules.modes.analogmode(); });
     add_key(ui_->qpsk, [this] { rules.modes.digitalmode(); });
@@ -208,19 +208,20 @@ void Realtime::fill_keys() {
 }
 
 void Realtime::connect_timers() {
-    const auto drive = [this](TimerTicker& ticker, const char* name, void (Acquisition::*tick)()) {
+    const auto drive = [this](acquisition::TimerTicker& ticker, const char* name,
+                              void (acquisition::Acquisition::*tick)()) {
         when(&ticker.timer(), &QTimer::timeout, name, [this, tick] { (acquisition.*tick)(); });
     };
-    drive(timer1_, "Timer1_Timer", &Acquisition::Timer1_Timer);
+    drive(timer1_, "Timer1_Timer", &acquisition::Acquisition::Timer1_Timer);
     // A pass recalls and tunes before it measures: what is shown is no longer what is received.
-    connect(&timer2_.timer(), &QTimer::timeout, level_view_, &LevelView::begins);
-    drive(timer2_, "Timer2_Timer", &Acquisition::Timer2_Timer);
-    drive(timer3_, "Timer3_Timer", &Acquisition::Timer3_Timer);
+    connect(&timer2_.timer(), &QTimer::timeout, level_view_, &level::LevelView::begins);
+    drive(timer2_, "Timer2_Timer", &acquisition::Acquisition::Timer2_Timer);
+    drive(timer3_, "Timer3_Timer", &acquisition::Acquisition::Timer3_Timer);
     when(ui_->cmdstart, &QPushButton::clicked, "cmdstart_Click",
          [this] { acquisition.cmdstart_Click(); });
 }
 
-PassNews Realtime::pass_news() {
+acquisition::PassNews Realtime::pass_news() {
     return {.progress =
                 [this](int place, int monitored) {
                     Q_EMIT progress(monitored > 0
@@ -239,7 +240,7 @@ void Realtime::connect_level_view() {
         const QString& level = digital ? rules.panel.dcplev : rules.panel.leva;
         if (!level.isEmpty() && level.trimmed().isEmpty()) level_view_->begins();
     };
-    connect(&rules.page, &PageModel::rowsInserted, this,
+    connect(&rules.page, &measurement::PageModel::rowsInserted, this,
             [this](const QModelIndex&, int row) { show_row_as_level(row); });
     on(ui_->cmdlevelview, &QAction::triggered, this, "cmdlevelview_Click",
        [this] { level_view_->open(); });
@@ -257,10 +258,10 @@ void Realtime::prepare_page() {
     const int width = qMax(pixels_of(kColumnTwips), fitting);
     for (int column = 0; column < rules.page.columnCount(); ++column)
         ui_->measgrid->setColumnWidth(column, width);
-    connect(&rules.page, &PageModel::rowsInserted, this, &Realtime::follow_page);
+    connect(&rules.page, &measurement::PageModel::rowsInserted, this, &Realtime::follow_page);
     ui_->trend->set_page(
         &rules.page,
-        [this](Quantity quantity) {
+        [this](measurement::Quantity quantity) {
             return trend_limits(quantity, rules.panel, rules.state, rules.steps.empty_limits());
         },
         program_);
@@ -351,34 +352,35 @@ void Realtime::show_log_state(const QString& reason) {
 }
 
 void Realtime::createdoc() {
-    print_text(this, windowTitle(), print_lines(rules.page).join(u'\n'), program_.texts);
+    print_text(this, windowTitle(), measurement::print_lines(rules.page).join(u'\n'),
+               program_.texts);
 }
 
 void Realtime::cmdreport_Click() {
-    ReportForm form(program_, this);
+    report::ReportForm form(program_, this);
     if (form.exec() == QDialog::Accepted) write_report(form.path(), form.entry());
 }
 
-QList<ReportLimits> Realtime::limits_in_force() {
+QList<report::ReportLimits> Realtime::limits_in_force() {
     if (rules.state.acq_kind != kPlan || !rules.modes.rs_programs)
         return {limits_of_panel(rules.panel, rules.state, rules.steps.empty_limits())};
     // A set of its own: a pass may be going through the plan's.
-    Recordset programs =
-        rules.database.of_plan(QLatin1String(table::kProgrammi), rules.panel.grp_name);
+    db::Recordset programs =
+        rules.database.of_plan(QLatin1String(db::table::kProgrammi), rules.panel.grp_name);
     return limits_of_plan(programs, rules.panel, rules.steps.empty_limits());
 }
 
-void Realtime::write_report(const QString& file, const ReportEntry& entry) {
+void Realtime::write_report(const QString& file, const report::ReportEntry& entry) {
     const bool plan = rules.state.acq_kind == kPlan;
-    const ReportContext context{.entry = entry,
-                                .meter = program_.meter_version,
-                                .made = QDateTime::currentDateTime(),
-                                .plan = plan ? rules.panel.grp_name : QString(),
-                                .limits = limits_in_force()};
+    const report::ReportContext context{.entry = entry,
+                                        .meter = program_.meter_version,
+                                        .made = QDateTime::currentDateTime(),
+                                        .plan = plan ? rules.panel.grp_name : QString(),
+                                        .limits = limits_in_force()};
     QApplication::setOverrideCursor(Qt::WaitCursor);
-    const QString reason = save_report(
+    const QString reason = report::save_report(
         file, rules.page.store(), context,
-        [this](Quantity quantity) {
+        [this](measurement::Quantity quantity) {
             return trend_limits(quantity, rules.panel, rules.state, rules.steps.empty_limits());
         },
         program_.texts);
@@ -387,4 +389,4 @@ void Realtime::write_report(const QString& file, const ReportEntry& entry) {
         report_fault(this, program_.texts.pick(kReportNotSaved).arg(file, reason));
 }
 
-}  // namespace m47
+}  // namespace m47::realtime

@@ -14,7 +14,7 @@ namespace Ui {
 class Realtime;
 }
 
-namespace m47 {
+namespace m47::realtime {
 
 class PanelBinding;
 
@@ -23,9 +23,9 @@ class Realtime : public Screen {
     Q_OBJECT
 
     std::unique_ptr<RealtimeRules> own_rules_;
-    TimerTicker timer1_;
-    TimerTicker timer2_;
-    TimerTicker timer3_;
+    acquisition::TimerTicker timer1_;
+    acquisition::TimerTicker timer2_;
+    acquisition::TimerTicker timer3_;
 
   public:
     /// Takes over `rules`, also such that have measured already, and shows how they stand.
@@ -33,7 +33,7 @@ class Realtime : public Screen {
     ~Realtime() override;
 
     RealtimeRules& rules;
-    Acquisition acquisition;
+    acquisition::Acquisition acquisition;
 
     /// Prepares screen and meter; run once, when the screen is already visible.
     void Form_Load() override;
@@ -48,7 +48,7 @@ class Realtime : public Screen {
     void open_log(const QString& file);
 
     /// Writes the report of the page to `file`; a failure shows one message box.
-    void write_report(const QString& file, const ReportEntry& entry);
+    void write_report(const QString& file, const report::ReportEntry& entry);
 
   Q_SIGNALS:
     /// How far a plan pass is, "12/30"; empty when none runs.
@@ -69,7 +69,7 @@ class Realtime : public Screen {
     void connect_menu();
     void connect_limits();
     void connect_timers();
-    PassNews pass_news();
+    acquisition::PassNews pass_news();
     void fill_keys();
     void prepare_page();
     void datamenagment();
@@ -82,14 +82,14 @@ class Realtime : public Screen {
     void show_row_as_level(int row);
     void createdoc();
     void cmdreport_Click();
-    QList<ReportLimits> limits_in_force();
+    QList<report::ReportLimits> limits_in_force();
     void follow_page();
 
     ProgramState& program_;
     std::unique_ptr<Ui::Realtime> ui_;
     std::unique_ptr<PanelBinding> binding_;
     QString file_name_tooltip_;
-    LevelView* level_view_;
+    level::LevelView* level_view_;
 };
 
-}  // namespace m47
+}  // namespace m47::realtime

@@ -5,7 +5,7 @@
 
 #include "measures.h"
 
-namespace m47 {
+namespace m47::realtime {
 namespace {
 
 // The slips in these texts ("Gropu", "sucessivo") are the screen's own.
@@ -85,4 +85,4 @@ std::span<const Tooltip> realtime_tooltips() {
     return all;
 }
 
-}  // namespace m47
+}  // namespace m47::realtime

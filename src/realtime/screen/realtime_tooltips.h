@@ -5,7 +5,7 @@
 
 #include "tooltips.h"
 
-namespace m47 {
+namespace m47::realtime {
 
 /// The tooltips of the real-time screen's controls and toolbar keys, in both languages.
 std::span<const Tooltip> realtime_tooltips();
@@ -14,4 +14,4 @@ std::span<const Tooltip> realtime_tooltips();
 inline constexpr const char* kOpenFileTooltip = "Open file";
 inline constexpr const char* kCloseFileTooltip = "Close file";
 
-}  // namespace m47
+}  // namespace m47::realtime

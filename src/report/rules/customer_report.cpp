@@ -6,7 +6,7 @@
 #include "page_model.h"
 #include "report_summary.h"
 
-namespace m47 {
+namespace m47::report {
 namespace {
 
 constexpr Bilingual kReportTitle{"Measurement report", "Rapporto di misura"};
@@ -83,18 +83,18 @@ QString result_text(const RowCounts& counts, const Texts& texts) {
 }
 
 QStringList summary_row(const ProgramSummary& program) {
-    const SeriesKey& key = program.key;
-    const QString level = program.range(Quantity::level);
+    const measurement::SeriesKey& key = program.key;
+    const QString level = program.range(measurement::Quantity::level);
     return {or_dash(key.program.text()),
-            key.frequency ? frequency_text(*key.frequency) : kNothing,
+            key.frequency ? measurement::frequency_text(*key.frequency) : kNothing,
             or_dash(key.oscillator_text()),
             QString::number(program.counts.rows),
             QString::number(program.counts.passed),
             QString::number(program.counts.failed),
             or_dash(level),
-            or_dash(level.isEmpty() ? QString() : unit_text(key.unit)),
-            or_dash(program.range(Quantity::ber)),
-            or_dash(program.range(Quantity::mer))};
+            or_dash(level.isEmpty() ? QString() : measurement::unit_text(key.unit)),
+            or_dash(program.range(measurement::Quantity::ber)),
+            or_dash(program.range(measurement::Quantity::mer))};
 }
 
 ReportTable summary_table(const PageSummary& summary, const Texts& texts) {
@@ -123,16 +123,17 @@ ReportTable limits_table(const QList<ReportLimits>& limits, const Texts& texts) 
 }
 
 /// The row as the page has it, and beside it the unit of its level.
-QStringList printed_row(const PageStore& page, int row, std::optional<LevelUnit> unit) {
+QStringList printed_row(const measurement::PageStore& page, int row,
+                        std::optional<LevelUnit> unit) {
     const std::string_view line = page.line(row);
     QStringList cells =
         QString::fromLatin1(line.data(), static_cast<qsizetype>(line.size())).split(u'\t');
-    const Measurement measurement = page.measurement(row, unit);
-    const bool measured = measurement.reading(Quantity::level).measured();
-    return cells << (measured ? unit_text(measurement.unit) : QString());
+    const measurement::Measurement measurement = page.measurement(row, unit);
+    const bool measured = measurement.reading(measurement::Quantity::level).measured();
+    return cells << (measured ? measurement::unit_text(measurement.unit) : QString());
 }
 
-ReportTable measurements_table(const PageStore& page, std::optional<LevelUnit> unit,
+ReportTable measurements_table(const measurement::PageStore& page, std::optional<LevelUnit> unit,
                                const Texts& texts) {
     const int printed = std::min(page.rows(), kReportRows);
     const int left_out = page.rows() - printed;
@@ -141,8 +142,8 @@ ReportTable measurements_table(const PageStore& page, std::optional<LevelUnit> u
         table.remark = texts.pick(kNewestRows).arg(printed).arg(page.rows()).arg(left_out);
     else
         table.remark = texts.pick(kEveryRow).arg(printed);
-    const PageModel names;
-    for (int column = 0; column < PageStore::kColumns; ++column)
+    const measurement::PageModel names;
+    for (int column = 0; column < measurement::PageStore::kColumns; ++column)
         table.header += names.headerData(column, Qt::Horizontal).toString();
     table.header += kUnitColumn;
     for (int row = left_out; row < page.rows(); ++row)
@@ -176,7 +177,7 @@ QList<std::pair<QString, QString>> facts_of(const ReportContext& context,
 
 }  // namespace
 
-CustomerReport compose_report(const PageStore& page, const ReportContext& context,
+CustomerReport compose_report(const measurement::PageStore& page, const ReportContext& context,
                               const Texts& texts) {
     const PageSummary summary = summary_of(page, context.entry.unit);
     CustomerReport report;
@@ -193,4 +194,4 @@ CustomerReport compose_report(const PageStore& page, const ReportContext& contex
     return report;
 }
 
-}  // namespace m47
+}  // namespace m47::report

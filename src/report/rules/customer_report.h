@@ -11,7 +11,7 @@
 #include "page_store.h"
 #include "texts.h"
 
-namespace m47 {
+namespace m47::report {
 
 /// What the technician says of the measurements.
 struct ReportEntry {
@@ -69,7 +69,7 @@ inline constexpr int kReportPrograms = 200;
 
 /// Composes the report of `page` in the language in use now. What is left out for its length is
 /// said in the remark of its table.
-CustomerReport compose_report(const PageStore& page, const ReportContext& context,
+CustomerReport compose_report(const measurement::PageStore& page, const ReportContext& context,
                               const Texts& texts);
 
-}  // namespace m47
+}  // namespace m47::report

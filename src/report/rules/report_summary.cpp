@@ -3,16 +3,16 @@
 
 #include <unordered_map>
 
-namespace m47 {
+namespace m47::report {
 namespace {
 
-void count_row(RowCounts& counts, Verdict verdict) {
+void count_row(RowCounts& counts, measurement::Verdict verdict) {
     ++counts.rows;
-    counts.passed += verdict == Verdict::pass;
-    counts.failed += verdict == Verdict::fail;
+    counts.passed += verdict == measurement::Verdict::pass;
+    counts.failed += verdict == measurement::Verdict::fail;
 }
 
-void take_reading(ProgramSummary::Extremes& extremes, const Reading& reading) {
+void take_reading(ProgramSummary::Extremes& extremes, const measurement::Reading& reading) {
     if (!reading.measured()) return;
     if (!extremes.minimum.measured() || reading.value < extremes.minimum.value)
         extremes.minimum = reading;
@@ -22,11 +22,11 @@ void take_reading(ProgramSummary::Extremes& extremes, const Reading& reading) {
 
 }  // namespace
 
-QString ProgramSummary::range(Quantity quantity) const {
+QString ProgramSummary::range(measurement::Quantity quantity) const {
     const Extremes& of = extremes[static_cast<std::size_t>(quantity)];
     if (!of.minimum.measured()) return {};
-    return reading_text(quantity, of.minimum) + QStringLiteral(" … ") +
-           reading_text(quantity, of.maximum);
+    return measurement::reading_text(quantity, of.minimum) + QStringLiteral(" … ") +
+           measurement::reading_text(quantity, of.maximum);
 }
 
 QStringList PageSummary::plans() const {
@@ -40,26 +40,26 @@ QStringList PageSummary::plans() const {
 QStringList PageSummary::units() const {
     QStringList all;
     for (const ProgramSummary& program : programs)
-        if (program.extremes[0].minimum.measured()) all += unit_text(program.key.unit);
+        if (program.extremes[0].minimum.measured()) all += measurement::unit_text(program.key.unit);
     all.removeDuplicates();
     return all;
 }
 
-PageSummary summary_of(const PageStore& page, std::optional<LevelUnit> unit) {
+PageSummary summary_of(const measurement::PageStore& page, std::optional<LevelUnit> unit) {
     PageSummary summary;
-    std::unordered_map<SeriesKey, std::size_t, SeriesKeyHash> places;
+    std::unordered_map<measurement::SeriesKey, std::size_t, measurement::SeriesKeyHash> places;
     for (int row = 0; row < page.rows(); ++row) {
-        const Measurement measurement = page.measurement(row, unit);
+        const measurement::Measurement measurement = page.measurement(row, unit);
         const auto [place, is_new] =
-            places.try_emplace(series_key(measurement), summary.programs.size());
+            places.try_emplace(measurement::series_key(measurement), summary.programs.size());
         if (is_new) summary.programs.push_back({place->first, {}, {}});
         ProgramSummary& program = summary.programs[place->second];
         count_row(summary.counts, measurement.verdict);
         count_row(program.counts, measurement.verdict);
-        for (std::size_t k = 0; k < kQuantities.size(); ++k)
-            take_reading(program.extremes[k], measurement.reading(kQuantities[k]));
+        for (std::size_t k = 0; k < measurement::kQuantities.size(); ++k)
+            take_reading(program.extremes[k], measurement.reading(measurement::kQuantities[k]));
     }
     return summary;
 }
 
-}  // namespace m47
+}  // namespace m47::report

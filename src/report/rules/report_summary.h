@@ -8,7 +8,7 @@
 #include "page_store.h"
 #include "series_key.h"
 
-namespace m47 {
+namespace m47::report {
 
 /// The outcomes of a number of rows.
 struct RowCounts {
@@ -22,16 +22,16 @@ struct RowCounts {
 
 /// What the page holds of one program in one unit.
 struct ProgramSummary {
-    SeriesKey key;
+    measurement::SeriesKey key;
     RowCounts counts;
     struct Extremes {
-        Reading minimum;
-        Reading maximum;
+        measurement::Reading minimum;
+        measurement::Reading maximum;
     };
-    std::array<Extremes, kQuantities.size()> extremes;
+    std::array<Extremes, measurement::kQuantities.size()> extremes;
 
     /// "58.1 … 60.2" with the range marks; empty when it was never measured.
-    QString range(Quantity quantity) const;
+    QString range(measurement::Quantity quantity) const;
 };
 
 /// Every row of the page, summed up.
@@ -47,6 +47,6 @@ struct PageSummary {
 };
 
 /// O(1) a row. Rows that do not tell their unit are in `unit`.
-PageSummary summary_of(const PageStore& page, std::optional<LevelUnit> unit = {});
+PageSummary summary_of(const measurement::PageStore& page, std::optional<LevelUnit> unit = {});
 
-}  // namespace m47
+}  // namespace m47::report

@@ -8,13 +8,13 @@
 #include "save_file.h"
 #include "trend_plot.h"
 
-namespace m47 {
+namespace m47::report {
 namespace {
 
 constexpr double kReportMargin = 15;  // mm
 constexpr int kPaperUnits = 96;       // to an inch
 
-void draw_trend(TrendPlot& plot, QCPPainter& painter, QSizeF size) {
+void draw_trend(trend::TrendPlot& plot, QCPPainter& painter, QSizeF size) {
     const QSize room = size.toSize();
     // What is drawn is chosen for the room there is, which has to be known before.
     plot.setViewport({{}, room});
@@ -22,7 +22,7 @@ void draw_trend(TrendPlot& plot, QCPPainter& painter, QSizeF size) {
     plot.on_paper([&] { plot.toPainter(&painter, room.width(), room.height()); });
 }
 
-bool draw_report(QIODevice& file, const CustomerReport& report, TrendPlot* plot) {
+bool draw_report(QIODevice& file, const CustomerReport& report, trend::TrendPlot* plot) {
     QPdfWriter writer(&file);
     writer.setTitle(report.title);
     writer.setCreator(QStringLiteral("m47-remote"));
@@ -44,11 +44,12 @@ bool draw_report(QIODevice& file, const CustomerReport& report, TrendPlot* plot)
 
 }  // namespace
 
-QString save_report(const QString& path, const PageStore& page, const ReportContext& context,
-                    const TrendLimits& limits, const Texts& texts) {
-    TrendData data(context.entry.unit);
+QString save_report(const QString& path, const measurement::PageStore& page,
+                    const ReportContext& context, const trend::TrendLimits& limits,
+                    const Texts& texts) {
+    trend::TrendData data(context.entry.unit);
     data.update(page);
-    TrendPlot plot(data, limits, texts);
+    trend::TrendPlot plot(data, limits, texts);
     plot.rows_came();
     QBuffer pdf;
     pdf.open(QIODevice::WriteOnly);
@@ -57,4 +58,4 @@ QString save_report(const QString& path, const PageStore& page, const ReportCont
     return write_whole_file(path, pdf.data());
 }
 
-}  // namespace m47
+}  // namespace m47::report

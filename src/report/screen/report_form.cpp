@@ -13,7 +13,7 @@
 #include "tooltips.h"
 #include "ui_report_form.h"
 
-namespace m47 {
+namespace m47::report {
 namespace {
 
 constexpr Bilingual kFormTitle{"Report", "Rapporto"};
@@ -83,7 +83,8 @@ void ReportForm::set_captions(const Texts& texts) {
 ReportEntry ReportForm::entry() const {
     // The first entry is that of no unit.
     return {ui_->report_site->text(), ui_->report_technician->text(),
-            ui_->report_notes->toPlainText(), unit_of_index(ui_->report_unit->currentIndex() - 1)};
+            ui_->report_notes->toPlainText(),
+            measurement::unit_of_index(ui_->report_unit->currentIndex() - 1)};
 }
 
 QString ReportForm::path() const {
@@ -117,4 +118,4 @@ void ReportForm::confirm() {
     accept();
 }
 
-}  // namespace m47
+}  // namespace m47::report

@@ -11,7 +11,7 @@ namespace Ui {
 class ReportForm;
 }
 
-namespace m47 {
+namespace m47::report {
 
 /// Asks what the report for the customer cannot know: where, who, and into which file.
 class ReportForm : public QDialog {
@@ -36,4 +36,4 @@ class ReportForm : public QDialog {
     QString confirmed_;  ///< a file that the file dialog has already asked about
 };
 
-}  // namespace m47
+}  // namespace m47::report

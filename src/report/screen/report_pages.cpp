@@ -6,7 +6,7 @@
 #include <QTextLayout>
 #include <algorithm>
 
-namespace m47 {
+namespace m47::report {
 namespace {
 
 // In units of 1/96 inch.
@@ -237,4 +237,4 @@ void ReportPages::draw_cells(const Line& line, QPainter& painter) const {
     painter.drawLine(QPointF(0, line.height), QPointF(size_.width(), line.height));
 }
 
-}  // namespace m47
+}  // namespace m47::report

@@ -9,7 +9,7 @@
 
 #include "customer_report.h"
 
-namespace m47 {
+namespace m47::report {
 
 /// Draws the trend with the given painter into a rectangle of this size, its top left at the
 /// painter's origin.
@@ -56,4 +56,4 @@ class ReportPages {
     double y_ = 0;
 };
 
-}  // namespace m47
+}  // namespace m47::report

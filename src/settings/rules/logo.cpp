@@ -6,7 +6,7 @@
 #include "blanks.h"
 #include "commands.h"
 
-namespace m47 {
+namespace m47::settings {
 namespace {
 
 constexpr int kEnter = 13;
@@ -14,7 +14,7 @@ constexpr int kEnter = 13;
 }  // namespace
 
 void Logo::read() {
-    link_.send(command::query(command::kLogo));
+    link_.send(link::command::query(link::command::kLogo));
     logo_txt = link_.last_answer();
 }
 
@@ -22,7 +22,7 @@ void Logo::logo_txt_KeyPress(int key_ascii) {
     if (key_ascii != kEnter || !can_be_sent(logo_txt)) return;
     const qsizetype end = logo_txt.indexOf(u'\r');
     if (end >= 0) logo_txt.truncate(end);
-    link_.send(command::kLogo + u' ' + without_blanks(logo_txt));
+    link_.send(link::command::kLogo + u' ' + without_blanks(logo_txt));
     read();
 }
 
@@ -32,4 +32,4 @@ bool Logo::can_be_sent(const QString& text) {
                        [](QChar character) { return character.unicode() <= kLastLatin1; });
 }
 
-}  // namespace m47
+}  // namespace m47::settings

@@ -5,12 +5,12 @@
 
 #include "link.h"
 
-namespace m47 {
+namespace m47::settings {
 
 /// The meter's logo: the short text that it shows as its owner's mark.
 class Logo {
   public:
-    explicit Logo(Link& link) : link_(link) {}
+    explicit Logo(link::Link& link) : link_(link) {}
 
     /// The text of the box.
     QString logo_txt;
@@ -27,7 +27,7 @@ class Logo {
     static bool can_be_sent(const QString& text);
 
   private:
-    Link& link_;
+    link::Link& link_;
 };
 
-}  // namespace m47
+}  // namespace m47::settings

@@ -6,7 +6,7 @@
 #include "tooltips.h"
 #include "ui_config_set.h"
 
-namespace m47 {
+namespace m47::settings {
 namespace {
 
 constexpr int kEnterKeyOfBox = 13;
@@ -28,7 +28,7 @@ class SendableText : public QValidator {
 
 }  // namespace
 
-ConfigSet::ConfigSet(Link& link, const Texts& texts, QWidget* parent)
+ConfigSet::ConfigSet(link::Link& link, const Texts& texts, QWidget* parent)
     : Screen(parent), texts_(texts), logo_(link), ui_(std::make_unique<Ui::ConfigSet>()) {
     ui_->setupUi(this);
     ui_->logo_txt->setValidator(new SendableText(this));
@@ -47,4 +47,4 @@ void ConfigSet::Form_Load() {
     set_tooltips(this, kConfigTooltips, texts_);
 }
 
-}  // namespace m47
+}  // namespace m47::settings

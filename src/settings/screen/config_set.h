@@ -11,14 +11,14 @@ namespace Ui {
 class ConfigSet;
 }
 
-namespace m47 {
+namespace m47::settings {
 
 /// The screen "Configuration": the meter's logo. The key "time" is shown and does nothing, since
 /// the meter has no command for its clock.
 class ConfigSet : public Screen {
     Q_OBJECT
   public:
-    ConfigSet(Link& link, const Texts& texts, QWidget* parent = nullptr);
+    ConfigSet(link::Link& link, const Texts& texts, QWidget* parent = nullptr);
     ~ConfigSet() override;
 
     /// Sets the tooltips.
@@ -30,4 +30,4 @@ class ConfigSet : public Screen {
     std::unique_ptr<Ui::ConfigSet> ui_;
 };
 
-}  // namespace m47
+}  // namespace m47::settings

@@ -6,7 +6,7 @@
 
 #include "trend_point.h"
 
-namespace m47 {
+namespace m47::trend {
 
 /// Where a point lies on the chart.
 struct TrendSpot {
@@ -31,13 +31,13 @@ struct TrendBlock {
     double begin = 0;            ///< the time of the first point
     double end = 0;              ///< that of the last
     double longest_spacing = 0;  ///< seconds, between two points of it
-    std::array<Extent, kQuantities.size()> extents{};
+    std::array<Extent, measurement::kQuantities.size()> extents{};
 };
 
 /// Where `point`, which was measured, lies on the chart of `quantity`.
-TrendSpot trend_spot(const TrendPoint& point, Quantity quantity);
+TrendSpot trend_spot(const TrendPoint& point, measurement::Quantity quantity);
 
 /// Sums up the kPoints points from `first` on, which are in the order of their time.
 TrendBlock trend_block(const TrendPoints::const_iterator& first);
 
-}  // namespace m47
+}  // namespace m47::trend

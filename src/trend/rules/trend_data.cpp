@@ -3,15 +3,15 @@
 
 #include <algorithm>
 
-namespace m47 {
+namespace m47::trend {
 namespace {
 
-TrendPoint point_of(const Measurement& measurement) {
+TrendPoint point_of(const measurement::Measurement& measurement) {
     TrendPoint point;
     point.time = *measurement.instant;
     point.status = measurement.verdict;
-    for (std::size_t k = 0; k < kQuantities.size(); ++k) {
-        const Reading& reading = measurement.reading(kQuantities[k]);
+    for (std::size_t k = 0; k < measurement::kQuantities.size(); ++k) {
+        const measurement::Reading& reading = measurement.reading(measurement::kQuantities[k]);
         point.values[k] = reading.value;
         point.marks[k] = reading.mark;
     }
@@ -20,16 +20,16 @@ TrendPoint point_of(const Measurement& measurement) {
 
 }  // namespace
 
-void TrendData::update(const PageStore& page) {
+void TrendData::update(const measurement::PageStore& page) {
     for (const int rows = page.rows(); rows_taken_ < rows; ++rows_taken_)
         take(page.measurement(rows_taken_, unit_));
     for (const auto& series : series_) series->settle();
 }
 
-void TrendData::take(const Measurement& measurement) {
+void TrendData::take(const measurement::Measurement& measurement) {
     if (!measurement.instant || !measurement.frequency) return;
     const bool first = series_.empty();
-    const std::size_t place = series_of(series_key(measurement));
+    const std::size_t place = series_of(measurement::series_key(measurement));
     TrendPoint point = point_of(measurement);
     ++rows_;
     point.apart = left_out(place);
@@ -40,7 +40,7 @@ void TrendData::take(const Measurement& measurement) {
     newest_ = point.time;
 }
 
-std::size_t TrendData::series_of(const SeriesKey& key) {
+std::size_t TrendData::series_of(const measurement::SeriesKey& key) {
     // A program mostly follows itself, or the one it followed in the pass before.
     for (const std::size_t guess : {latest_series_, latest_series_ + 1})
         if (guess < series_.size() && series_[guess]->key() == key) return latest_series_ = guess;
@@ -61,4 +61,4 @@ bool TrendData::left_out(std::size_t series) {
     return out;
 }
 
-}  // namespace m47
+}  // namespace m47::trend

@@ -10,7 +10,7 @@
 #include "page_store.h"
 #include "trend_series.h"
 
-namespace m47 {
+namespace m47::trend {
 
 /// A stretch of an axis, `lower` not above `upper`: seconds since 1970 on the clock of the
 /// rows, or a quantity.
@@ -22,7 +22,7 @@ struct TrendRange {
 };
 
 /// The limits between which a quantity is good, where it has any now.
-using TrendLimits = std::function<std::optional<TrendRange>(Quantity)>;
+using TrendLimits = std::function<std::optional<TrendRange>(measurement::Quantity)>;
 
 /// The measurements of the page as one series a program of a plan; of those without a plan, and of
 /// a log that came back, one a frequency and oscillator. Each unit has series of its own.
@@ -33,7 +33,7 @@ class TrendData {
 
     /// Takes what `page` has gained since the last call; O(1) a row. Rows without a date and time,
     /// or without a frequency, have no place on the trend and are left out.
-    void update(const PageStore& page);
+    void update(const measurement::PageStore& page);
 
     /// Forgets everything: the page begins anew.
     void clear() { *this = TrendData(unit_); }
@@ -50,14 +50,14 @@ class TrendData {
     double newest() const { return newest_; }
 
   private:
-    void take(const Measurement& measurement);
-    std::size_t series_of(const SeriesKey& key);
+    void take(const measurement::Measurement& measurement);
+    std::size_t series_of(const measurement::SeriesKey& key);
     bool left_out(std::size_t series);
 
     std::optional<LevelUnit> unit_;
     int rows_taken_ = 0;
     std::vector<std::unique_ptr<TrendSeries>> series_;
-    std::unordered_map<SeriesKey, std::size_t, SeriesKeyHash> places_;
+    std::unordered_map<measurement::SeriesKey, std::size_t, measurement::SeriesKeyHash> places_;
     std::vector<std::size_t> last_rows_;  ///< of each series: the number of its latest row, from 1
     std::size_t rows_ = 0;
     std::size_t repeated_since_ = 0;
@@ -66,4 +66,4 @@ class TrendData {
     double newest_ = 0;
 };
 
-}  // namespace m47
+}  // namespace m47::trend

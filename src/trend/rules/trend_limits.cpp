@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace m47 {
+namespace m47::trend {
 namespace {
 
 constexpr double kRoom = 0.08;      // of the axis, on either side
@@ -22,9 +22,9 @@ struct Scale {
     double to(double place) const { return decades ? std::pow(10.0, place) : place; }
 };
 
-Scale scale_of(Quantity quantity) {
-    if (is_error_rate(quantity)) return {true, 2, {-9, -1}};
-    if (quantity == Quantity::mer) return {false, 5, {0, 30}};
+Scale scale_of(measurement::Quantity quantity) {
+    if (measurement::is_error_rate(quantity)) return {true, 2, {-9, -1}};
+    if (quantity == measurement::Quantity::mer) return {false, 5, {0, 30}};
     return {false, 10, {20, 120}};
 }
 
@@ -46,7 +46,7 @@ TrendRange with_limits(TrendRange range, const TrendRange& limits) {
 
 }  // namespace
 
-TrendRange value_axis(Quantity quantity, const std::optional<TrendRange>& values,
+TrendRange value_axis(measurement::Quantity quantity, const std::optional<TrendRange>& values,
                       const std::optional<TrendRange>& limits) {
     const Scale scale = scale_of(quantity);
     TrendRange range = scale.nothing_in_sight;
@@ -57,4 +57,4 @@ TrendRange value_axis(Quantity quantity, const std::optional<TrendRange>& values
     return {scale.to(range.lower - room), scale.to(range.upper + room)};
 }
 
-}  // namespace m47
+}  // namespace m47::trend

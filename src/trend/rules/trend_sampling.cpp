@@ -5,7 +5,7 @@
 #include <array>
 #include <limits>
 
-namespace m47 {
+namespace m47::trend {
 namespace {
 
 constexpr std::ptrdiff_t kPointsPerColumn = 4;  // from here on columns are summed up
@@ -15,8 +15,8 @@ constexpr double kNoNumber = std::numeric_limits<double>::quiet_NaN();
 /// Collects the points of one column at a time.
 class Sampler {
   public:
-    Sampler(Quantity quantity, TrendRange shown, double columns_per_second, double longest_spacing,
-            bool every_dot)
+    Sampler(measurement::Quantity quantity, TrendRange shown, double columns_per_second,
+            double longest_spacing, bool every_dot)
         : quantity_(quantity),
           shown_(shown),
           columns_per_second_(columns_per_second),
@@ -32,7 +32,7 @@ class Sampler {
             broken_ = true;
             return;
         }
-        add(trend_spot(point, quantity_), point.status == Verdict::fail);
+        add(trend_spot(point, quantity_), point.status == measurement::Verdict::fail);
         broken_ = false;
     }
 
@@ -140,7 +140,7 @@ class Sampler {
                 line.push_back(spot);
     }
 
-    const Quantity quantity_;
+    const measurement::Quantity quantity_;
     const TrendRange shown_;
     const double columns_per_second_;
     const double longest_spacing_;
@@ -153,8 +153,8 @@ class Sampler {
 
 }  // namespace
 
-TrendSamples sample_trend(const TrendSeries& series, Quantity quantity, TrendRange shown,
-                          int columns) {
+TrendSamples sample_trend(const TrendSeries& series, measurement::Quantity quantity,
+                          TrendRange shown, int columns) {
     const auto& points = series.points();
     auto from =
         std::lower_bound(points.begin(), points.end(), shown.lower,
@@ -183,4 +183,4 @@ TrendSamples sample_trend(const TrendSeries& series, Quantity quantity, TrendRan
     return sampler.finish();
 }
 
-}  // namespace m47
+}  // namespace m47::trend

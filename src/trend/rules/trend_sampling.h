@@ -6,7 +6,7 @@
 
 #include "trend_data.h"
 
-namespace m47 {
+namespace m47::trend {
 
 /// What is drawn of one quantity of one program.
 struct TrendSamples {
@@ -27,7 +27,7 @@ struct TrendSamples {
 /// greatest and the last of a column are given, so that the drawing costs as much for a million
 /// points as for a thousand. A line never leads over a row without a value, over a pause, or over a
 /// pass that left the program out, however many points fall into a column.
-TrendSamples sample_trend(const TrendSeries& series, Quantity quantity, TrendRange shown,
-                          int columns);
+TrendSamples sample_trend(const TrendSeries& series, measurement::Quantity quantity,
+                          TrendRange shown, int columns);
 
-}  // namespace m47
+}  // namespace m47::trend

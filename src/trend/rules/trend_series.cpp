@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-namespace m47 {
+namespace m47::trend {
 namespace {
 
 constexpr double kPause = 4;                // times the usual spacing
@@ -16,15 +16,16 @@ bool earlier(const TrendPoint& one, const TrendPoint& other) {
 }  // namespace
 
 QString TrendSeries::name() const {
-    return key_.unit ? key_.name() + QStringLiteral(" · ") + unit_text(key_.unit) : key_.name();
+    return key_.unit ? key_.name() + QStringLiteral(" · ") + measurement::unit_text(key_.unit)
+                     : key_.name();
 }
 
 void TrendSeries::add(const TrendPoint& point) {
     if (!points_.empty()) count_spacing(point.time - last_.time);
     last_ = point;
     points_.push_back(point);
-    for (const Quantity quantity : kQuantities) {
-        const Reading reading = point.reading(quantity);
+    for (const measurement::Quantity quantity : measurement::kQuantities) {
+        const measurement::Reading reading = point.reading(quantity);
         if (!reading.measured()) continue;
         Extremes& extremes = extremes_[static_cast<std::size_t>(quantity)];
         // A comparison with what was never measured is false.
@@ -73,4 +74,4 @@ double TrendSeries::longest_spacing() const {
     return kPause * bound;
 }
 
-}  // namespace m47
+}  // namespace m47::trend

@@ -8,15 +8,15 @@
 #include "series_key.h"
 #include "trend_block.h"
 
-namespace m47 {
+namespace m47::trend {
 
 /// The rows of one program in the order of their time.
 class TrendSeries {
   public:
-    explicit TrendSeries(SeriesKey key) : key_(std::move(key)) {}
+    explicit TrendSeries(measurement::SeriesKey key) : key_(std::move(key)) {}
 
     /// What the measurements of the series have in common.
-    const SeriesKey& key() const { return key_; }
+    const measurement::SeriesKey& key() const { return key_; }
 
     /// The program with its unit, where that is known: "ASTRA 007 · 11778.0 / 10600 · dBuV".
     QString name() const;
@@ -35,12 +35,18 @@ class TrendSeries {
     const std::vector<TrendBlock>& blocks() const { return blocks_; }
 
     /// The extremes of all rows; not measured when no row was.
-    Reading minimum(Quantity quantity) const { return of(extremes_, quantity).minimum; }
-    Reading maximum(Quantity quantity) const { return of(extremes_, quantity).maximum; }
+    measurement::Reading minimum(measurement::Quantity quantity) const {
+        return of(extremes_, quantity).minimum;
+    }
+    measurement::Reading maximum(measurement::Quantity quantity) const {
+        return of(extremes_, quantity).maximum;
+    }
 
     /// The value in the row that came last; not measured when that row holds none, whatever the
     /// rows before it say.
-    Reading last(Quantity quantity) const { return last_.reading(quantity); }
+    measurement::Reading last(measurement::Quantity quantity) const {
+        return last_.reading(quantity);
+    }
 
     /// The longest time between two rows, in seconds, that is no pause: over four times the usual
     /// spacing of the rows. Without limit until there are enough of them to tell what is usual.
@@ -48,24 +54,24 @@ class TrendSeries {
 
   private:
     struct Extremes {
-        Reading minimum;
-        Reading maximum;
+        measurement::Reading minimum;
+        measurement::Reading maximum;
     };
-    static const Extremes& of(const std::array<Extremes, kQuantities.size()>& all,
-                              Quantity quantity) {
+    static const Extremes& of(const std::array<Extremes, measurement::kQuantities.size()>& all,
+                              measurement::Quantity quantity) {
         return all[static_cast<std::size_t>(quantity)];
     }
     void count_spacing(double seconds);
 
-    SeriesKey key_;
+    measurement::SeriesKey key_;
     TrendPoints points_;
     std::vector<TrendBlock> blocks_;
     std::size_t settled_ = 0;
-    std::array<Extremes, kQuantities.size()> extremes_{};
+    std::array<Extremes, measurement::kQuantities.size()> extremes_{};
     TrendPoint last_;
     /// How many spacings lie below 1, 2, 4, 8 ... seconds (and not below the one before).
     std::array<std::size_t, 32> spacings_{};
     std::size_t spacings_counted_ = 0;
 };
 
-}  // namespace m47
+}  // namespace m47::trend

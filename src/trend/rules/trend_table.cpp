@@ -7,10 +7,10 @@
 
 #include "row_time.h"
 
-namespace m47 {
+namespace m47::trend {
 namespace {
 
-constexpr std::array<const char*, kQuantities.size()> kNames{"LEV", "BER", "MER"};
+constexpr std::array<const char*, measurement::kQuantities.size()> kNames{"LEV", "BER", "MER"};
 constexpr std::size_t kBlockBytes = std::size_t{256} * 1024;
 
 void add_number(std::string& text, float value) {
@@ -21,19 +21,19 @@ void add_number(std::string& text, float value) {
 
 void add_row(std::string& text, const std::string& program, const std::string& unit,
              const TrendPoint& point) {
-    text.append(time_text(point.time)).append(1, '\t').append(program);
+    text.append(measurement::time_text(point.time)).append(1, '\t').append(program);
     std::string marks;
-    for (const Quantity quantity : kQuantities) {
+    for (const measurement::Quantity quantity : measurement::kQuantities) {
         text += '\t';
-        const Reading reading = point.reading(quantity);
+        const measurement::Reading reading = point.reading(quantity);
         if (!reading.measured()) continue;
         add_number(text, reading.value);
-        if (reading.mark == RangeMark::none) continue;
+        if (reading.mark == measurement::RangeMark::none) continue;
         if (!marks.empty()) marks += ' ';
         marks += kNames[static_cast<std::size_t>(quantity)];
-        marks += reading.mark == RangeMark::below ? '<' : '>';
+        marks += reading.mark == measurement::RangeMark::below ? '<' : '>';
     }
-    text.append(1, '\t').append(verdict_text(point.status).toStdString());
+    text.append(1, '\t').append(measurement::verdict_text(point.status).toStdString());
     text.append(1, '\t').append(marks).append(1, '\t').append(unit).append(1, '\n');
 }
 
@@ -52,7 +52,7 @@ bool write_trend_table(QIODevice& file, std::span<const TrendSeries* const> seri
     text += "\tSTATUS\tMARKS\tUNIT\n";
     for (const TrendSeries* each : series) {
         const std::string program = each->key().name().simplified().toLatin1().toStdString();
-        const std::string unit = unit_text(each->key().unit).toStdString();
+        const std::string unit = measurement::unit_text(each->key().unit).toStdString();
         for (const TrendPoint& point : each->points()) {
             add_row(text, program, unit, point);
             if (text.size() >= kBlockBytes && !put_out(file, text)) return false;
@@ -61,4 +61,4 @@ bool write_trend_table(QIODevice& file, std::span<const TrendSeries* const> seri
     return put_out(file, text);
 }
 
-}  // namespace m47
+}  // namespace m47::trend

@@ -6,7 +6,7 @@
 
 #include "trend_series.h"
 
-namespace m47 {
+namespace m47::trend {
 
 /// Writes the series to `file` for a spreadsheet: a header line, then the rows program by program,
 /// each in its order of time, as TAB-separated fields in Latin-1 ended by LF:
@@ -16,4 +16,4 @@ namespace m47 {
 /// take all of it.
 bool write_trend_table(QIODevice& file, std::span<const TrendSeries* const> series);
 
-}  // namespace m47
+}  // namespace m47::trend

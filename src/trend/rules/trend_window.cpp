@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-namespace m47 {
+namespace m47::trend {
 namespace {
 
 constexpr double kShortest = 2;  // seconds: two rows
@@ -62,4 +62,4 @@ void TrendWindow::show_newest() {
     shown_.lower = shown_.upper - span;
 }
 
-}  // namespace m47
+}  // namespace m47::trend

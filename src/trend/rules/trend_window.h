@@ -3,7 +3,7 @@
 
 #include "trend_data.h"
 
-namespace m47 {
+namespace m47::trend {
 
 /// The stretch of time that the trend shows: all of it until the user zooms, and with "follow" on
 /// it goes along with the newest row.
@@ -37,4 +37,4 @@ class TrendWindow {
     bool follows_ = true;
 };
 
-}  // namespace m47
+}  // namespace m47::trend

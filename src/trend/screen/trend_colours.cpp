@@ -4,7 +4,7 @@
 #include <array>
 #include <cmath>
 
-namespace m47 {
+namespace m47::trend {
 namespace {
 
 // Told apart by colour-blind eyes as well; red is left to what failed.
@@ -46,4 +46,4 @@ TrendColours paper_colours() {
     return colours(Qt::white, Qt::black);
 }
 
-}  // namespace m47
+}  // namespace m47::trend

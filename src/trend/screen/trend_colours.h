@@ -5,7 +5,7 @@
 #include <QPalette>
 #include <cstddef>
 
-namespace m47 {
+namespace m47::trend {
 
 /// The colours of the trend, light or dark as the window around it.
 struct TrendColours {
@@ -22,4 +22,4 @@ TrendColours trend_colours(const QPalette& palette);
 /// The colours on paper.
 TrendColours paper_colours();
 
-}  // namespace m47
+}  // namespace m47::trend

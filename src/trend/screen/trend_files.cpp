@@ -7,7 +7,7 @@
 #include "save_file.h"
 #include "trend_table.h"
 
-namespace m47 {
+namespace m47::trend {
 namespace {
 
 constexpr QSize kLeastPicture(1280, 800);
@@ -50,4 +50,4 @@ QString save_trend(const QString& path, TrendPlot& plot,
     return drawn ? write_whole_file(path, file.data()) : file.errorString();
 }
 
-}  // namespace m47
+}  // namespace m47::trend

@@ -6,7 +6,7 @@
 
 #include "trend_plot.h"
 
-namespace m47 {
+namespace m47::trend {
 
 /// The kinds of file that a trend is saved as, by the file's suffix.
 inline constexpr std::array<const char*, 3> kTrendSuffixes{"png", "pdf", "tsv"};
@@ -17,4 +17,4 @@ inline constexpr std::array<const char*, 3> kTrendSuffixes{"png", "pdf", "tsv"};
 QString save_trend(const QString& path, TrendPlot& plot,
                    std::span<const TrendSeries* const> series);
 
-}  // namespace m47
+}  // namespace m47::trend

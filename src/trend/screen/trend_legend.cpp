@@ -4,7 +4,7 @@
 #include <QFontMetrics>
 #include <algorithm>
 
-namespace m47 {
+namespace m47::trend {
 namespace {
 
 constexpr int kGap = 8;
@@ -97,4 +97,4 @@ void TrendLegend::draw_figures(QCPPainter* painter, const std::array<QString, kF
     }
 }
 
-}  // namespace m47
+}  // namespace m47::trend

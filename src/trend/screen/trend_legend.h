@@ -7,7 +7,7 @@
 
 #include "plot_library.h"
 
-namespace m47 {
+namespace m47::trend {
 
 /// The legend beside an axis rect: a line for each curve with its colour, its name and its figures
 /// in columns under their captions. Where there is no room for all, the last line says how many
@@ -55,4 +55,4 @@ class TrendLegend : public QCPLayoutElement {
     std::array<int, kFigures> figure_widths_{};
 };
 
-}  // namespace m47
+}  // namespace m47::trend

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-namespace m47 {
+namespace m47::trend {
 namespace {
 
 constexpr double kDotSize = 4;
@@ -40,7 +40,7 @@ void set_up_decades(QCPAxis* axis) {
 
 }  // namespace
 
-TrendPanel::TrendPanel(QCustomPlot* plot, Quantity quantity)
+TrendPanel::TrendPanel(QCustomPlot* plot, measurement::Quantity quantity)
     : plot_(plot),
       quantity_(quantity),
       rect_(new QCPAxisRect(plot, false)),
@@ -54,7 +54,7 @@ TrendPanel::TrendPanel(QCustomPlot* plot, Quantity quantity)
     rect_->setRangeDragAxes(time_axis(), value_axis());
     rect_->setRangeZoomAxes(time_axis(), value_axis());
     set_up_time_axis(time_axis());
-    if (quantity == Quantity::ber) set_up_decades(value_axis());
+    if (quantity == measurement::Quantity::ber) set_up_decades(value_axis());
     for (QCPAxis* axis : rect_->axes()) {
         axis->setLayer(QStringLiteral("axes"));
         axis->grid()->setLayer(QStringLiteral("grid"));
@@ -137,13 +137,13 @@ void TrendPanel::show_curves(std::span<const TrendCurve> curves, TrendRange show
         if (!series.minimum(quantity_).measured()) continue;
         lines.push_back({colour,
                          name_of(series),
-                         {reading_text(quantity_, series.minimum(quantity_)),
-                          reading_text(quantity_, series.maximum(quantity_)),
-                          reading_text(quantity_, series.last(quantity_))}});
+                         {measurement::reading_text(quantity_, series.minimum(quantity_)),
+                          measurement::reading_text(quantity_, series.maximum(quantity_)),
+                          measurement::reading_text(quantity_, series.last(quantity_))}});
     }
     legend_->set_lines(std::move(lines));
     if (!held_) {
-        const TrendRange axis = m47::value_axis(quantity_, values, limits_);
+        const TrendRange axis = trend::value_axis(quantity_, values, limits_);
         value_axis()->setRange(axis.lower, axis.upper);
     }
     draw_failed(failed);
@@ -151,7 +151,7 @@ void TrendPanel::show_curves(std::span<const TrendCurve> curves, TrendRange show
 
 /// The unit is that of the level and of nothing else.
 QString TrendPanel::name_of(const TrendSeries& series) const {
-    return quantity_ == Quantity::level ? series.name() : series.key().name();
+    return quantity_ == measurement::Quantity::level ? series.name() : series.key().name();
 }
 
 void TrendPanel::draw_failed(const std::vector<TrendSpot>& failed) {
@@ -203,4 +203,4 @@ void TrendPanel::show_limits(const std::optional<TrendRange>& limits) {
     above_->bottomRight->setCoords(1, limits->upper);
 }
 
-}  // namespace m47
+}  // namespace m47::trend

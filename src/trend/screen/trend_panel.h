@@ -11,7 +11,7 @@
 #include "trend_limits.h"
 #include "trend_sampling.h"
 
-namespace m47 {
+namespace m47::trend {
 
 /// A series to be drawn and the number that gives it its colour.
 struct TrendCurve {
@@ -24,9 +24,9 @@ struct TrendCurve {
 class TrendPanel {
   public:
     /// Puts the chart as a further row at the bottom of `plot`.
-    TrendPanel(QCustomPlot* plot, Quantity quantity);
+    TrendPanel(QCustomPlot* plot, measurement::Quantity quantity);
 
-    Quantity quantity() const { return quantity_; }
+    measurement::Quantity quantity() const { return quantity_; }
     QCPAxisRect* axis_rect() const { return rect_; }
     QCPAxis* time_axis() const { return rect_->axis(QCPAxis::atBottom); }
     QCPAxis* value_axis() const { return rect_->axis(QCPAxis::atLeft); }
@@ -57,7 +57,7 @@ class TrendPanel {
     void draw_curve(const Drawn& drawn, const TrendSamples& samples, const QColor& colour);
 
     QCustomPlot* plot_;
-    Quantity quantity_;
+    measurement::Quantity quantity_;
     QCPAxisRect* rect_;
     TrendLegend* legend_;
     std::vector<Drawn> drawn_;
@@ -69,4 +69,4 @@ class TrendPanel {
     bool held_ = false;
 };
 
-}  // namespace m47
+}  // namespace m47::trend

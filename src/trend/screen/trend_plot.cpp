@@ -5,7 +5,7 @@
 #include <QScopedValueRollback>
 #include <algorithm>
 
-namespace m47 {
+namespace m47::trend {
 namespace {
 
 constexpr double kStep = 0.2;  // of what is shown, for a key
@@ -17,9 +17,9 @@ constexpr Bilingual kMerAxis{"MER (dB)", "MER (dB)"};
 constexpr std::array<Bilingual, TrendLegend::kFigures> kFigureCaptions{
     {{"min", "min"}, {"max", "max"}, {"last", "ultimo"}}};
 
-const Bilingual& axis_caption(Quantity quantity) {
-    if (quantity == Quantity::ber) return kBerAxis;
-    return quantity == Quantity::mer ? kMerAxis : kLevelAxis;
+const Bilingual& axis_caption(measurement::Quantity quantity) {
+    if (quantity == measurement::Quantity::ber) return kBerAxis;
+    return quantity == measurement::Quantity::mer ? kMerAxis : kLevelAxis;
 }
 
 }  // namespace
@@ -44,7 +44,7 @@ void TrendPlot::build_panels() {
     panels_.clear();
     plotLayout()->clear();
     edges_ = std::make_unique<QCPMarginGroup>(this);
-    for (const Quantity quantity : kQuantities) {
+    for (const measurement::Quantity quantity : measurement::kQuantities) {
         if (!choice_.quantities[static_cast<std::size_t>(quantity)]) continue;
         auto panel = std::make_unique<TrendPanel>(this, quantity);
         panel->axis_rect()->setMarginGroup(QCP::msLeft | QCP::msRight, edges_.get());
@@ -194,4 +194,4 @@ void TrendPlot::keyPressEvent(QKeyEvent* event) {
     }
 }
 
-}  // namespace m47
+}  // namespace m47::trend

@@ -10,13 +10,13 @@
 #include "trend_panel.h"
 #include "trend_window.h"
 
-namespace m47 {
+namespace m47::trend {
 
 /// What the trend plots: whose rows, which quantities, which limits.
 struct TrendChoice {
     /// The program whose curve is shown, by its place in TrendData; negative for all of them.
     int program = -1;
-    std::array<bool, kQuantities.size()> quantities{true, true, true};
+    std::array<bool, measurement::kQuantities.size()> quantities{true, true, true};
 };
 
 /// The charts of the chosen quantities one below the other over one time axis. The wheel and
@@ -74,4 +74,4 @@ class TrendPlot : public QCustomPlot {
     bool moving_ = false;
 };
 
-}  // namespace m47
+}  // namespace m47::trend

@@ -11,7 +11,7 @@
 #include "trend_files.h"
 #include "trend_plot.h"
 
-namespace m47 {
+namespace m47::trend {
 namespace {
 
 struct Caption {
@@ -115,14 +115,15 @@ void TrendView::set_texts(const Texts& texts) {
     if (plot_) plot_->name_panels();
 }
 
-void TrendView::set_page(const PageModel* page, TrendLimits limits, const ProgramState& program) {
+void TrendView::set_page(const measurement::PageModel* page, TrendLimits limits,
+                         const ProgramState& program) {
     program_ = &program;
     page_ = page;
     limits_ = std::move(limits);
-    connect(page, &PageModel::rowsInserted, this, [this] {
+    connect(page, &measurement::PageModel::rowsInserted, this, [this] {
         if (isVisible()) catch_up();
     });
-    connect(page, &PageModel::modelReset, this, &TrendView::page_replaced);
+    connect(page, &measurement::PageModel::modelReset, this, &TrendView::page_replaced);
 }
 
 void TrendView::page_replaced() {
@@ -217,4 +218,4 @@ void TrendView::save(const QString& path) {
     if (!reason.isEmpty()) report_fault(this, texts_.pick(kNotSaved).arg(path, reason));
 }
 
-}  // namespace m47
+}  // namespace m47::trend

@@ -12,7 +12,7 @@
 #include "texts.h"
 #include "trend_data.h"
 
-namespace m47 {
+namespace m47::trend {
 
 class TrendPlot;
 
@@ -26,7 +26,8 @@ class TrendView : public QWidget {
 
     /// Plots `page` with the limits that `limits` gives at the time; page and program outlive the
     /// view.
-    void set_page(const PageModel* page, TrendLimits limits, const ProgramState& program);
+    void set_page(const measurement::PageModel* page, TrendLimits limits,
+                  const ProgramState& program);
 
     /// Captions and tooltips in the language in use now.
     void set_texts(const Texts& texts);
@@ -52,13 +53,13 @@ class TrendView : public QWidget {
     void ask_and_save();
 
     Texts texts_;
-    const PageModel* page_ = nullptr;
+    const measurement::PageModel* page_ = nullptr;
     const ProgramState* program_ = nullptr;
     TrendLimits limits_;
     TrendData data_;
     bool replaced_ = false;
     QComboBox* programs_;
-    std::array<QAction*, kQuantities.size()> quantities_{};
+    std::array<QAction*, measurement::kQuantities.size()> quantities_{};
     QAction* follow_ = nullptr;
     QAction* reset_ = nullptr;
     QAction* save_ = nullptr;
@@ -67,4 +68,4 @@ class TrendView : public QWidget {
     TrendPlot* plot_ = nullptr;  ///< made when the tab is first seen
 };
 
-}  // namespace m47
+}  // namespace m47::trend
