@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "clock_tick.h"
+#include "event_loop_view.h"
 #include "figure.h"
 #include "link.h"
 #include "real_clock.h"
@@ -32,19 +33,6 @@ constexpr double kMostTimesTheFloor = 1.05;
 double seconds(nanoseconds time) {
     return std::chrono::duration<double>(time).count();
 }
-
-/// The windows that wait meanwhile.
-class EventLoopView : public m47::link::LinkView {
-  public:
-    void show_progress_bar() override {}
-    void set_progress(int) override {}
-    void set_hourglass(bool) override {}
-    void set_port_state(const QString&, bool) override {}
-    void pump() override { QCoreApplication::processEvents(); }
-
-  private:
-    int progress_ = 0;
-};
 
 QString full_block() {
     QByteArray tuning;
@@ -68,7 +56,7 @@ std::optional<double> run_at(std::chrono::hours hour, const QString& device) {
     const auto begin = steady_clock::now();
     m47::link::RealClock clock([=] { return hour + (steady_clock::now() - begin); });
     m47::link::RealPort port;
-    EventLoopView view;
+    bench::EventLoopView view;
     m47::link::Link link(port, clock, view);
     port.select(device);
     link.port_connected = true;

@@ -21,6 +21,7 @@
 #include <vector>
 
 #include "clock_tick.h"
+#include "event_loop_view.h"
 #include "figure.h"
 #include "link.h"
 #include "real_clock.h"
@@ -113,19 +114,6 @@ class PacedMeter {
     std::thread thread_;
 };
 
-/// The windows that wait meanwhile.
-class EventLoopView : public m47::link::LinkView {
-  public:
-    void show_progress_bar() override {}
-    void set_progress(int) override {}
-    void set_hourglass(bool) override {}
-    void set_port_state(const QString&, bool) override {}
-    void pump() override { QCoreApplication::processEvents(); }
-
-  private:
-    int progress_ = 0;
-};
-
 nanoseconds processor_time() {
     rusage usage{};
     getrusage(RUSAGE_THREAD, &usage);
@@ -200,7 +188,7 @@ struct Line {
         link->port_connected = true;
     }
     m47::link::RealPort port;
-    EventLoopView view;
+    bench::EventLoopView view;
     std::optional<m47::link::RealClock> clock;
     std::optional<m47::link::Link> link;
 };

@@ -5,6 +5,7 @@
 
 #include "alarm_limits.h"
 #include "end_signals.h"
+#include "enter_key.h"
 #include "fault.h"
 #include "numbers.h"
 #include "plan_run.h"
@@ -147,7 +148,7 @@ void measure_rows(Run& run) {
     if (!run.options.symbol_rate.isEmpty()) rules.panel.srqpsk_txt = run.options.symbol_rate;
     if (!run.options.frequency.isEmpty()) {
         rules.panel.fsat = run.options.frequency;
-        rules.tuning.fsat_KeyPress(realtime::kEnterKey);
+        rules.tuning.fsat_KeyPress(kEnterKey);
     }
     rules.tick_measures(rules.state.meas_mode);
     for (int taken = 0; taken < run.options.count; ++taken) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "diseqc.h"
+#include "enter_key.h"
 
 #include <QTest>
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The lists, the symbol rate and the bandwidth.
+#include "enter_key.h"
 #include "tuning_test.h"
 
 namespace m47::realtime {

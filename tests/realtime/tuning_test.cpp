@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tuning_test.h"
+#include "enter_key.h"
 
 namespace m47::realtime {
 

@@ -2,6 +2,7 @@
 #include "diseqc.h"
 
 #include "commands.h"
+#include "enter_key.h"
 #include "numbers.h"
 #include "program_commands.h"
 

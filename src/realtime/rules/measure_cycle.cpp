@@ -2,6 +2,7 @@
 #include "measure_cycle.h"
 
 #include "commands.h"
+#include "enter_key.h"
 #include "fault.h"
 #include "measurement_row.h"
 #include "row_time.h"

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "commands.h"
+#include "enter_key.h"
 #include "fault.h"
 #include "measure_replies.h"
 #include "numbers.h"

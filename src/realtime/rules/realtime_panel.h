@@ -120,7 +120,4 @@ struct RealtimeState {
 inline constexpr int kAnalogMode = static_cast<int>(measurement::MeasureMode::analog);
 inline constexpr int kDigitalMode = static_cast<int>(measurement::MeasureMode::digital);
 
-/// The key code that confirms an entry.
-inline constexpr int kEnterKey = 13;
-
 }  // namespace m47::realtime

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "commands.h"
+#include "enter_key.h"
 #include "numbers.h"
 #include "oscillators.h"
 #include "tuning_range.h"

@@ -9,6 +9,7 @@
 
 #include "control_array.h"
 #include "diseqc_commands.h"
+#include "enter_key.h"
 #include "lamp_colours.h"
 #include "ui_diseqc_panel.h"
 

@@ -12,6 +12,7 @@
 #include "control_array.h"
 #include "corrected_actions.h"
 #include "diseqc_folding.h"
+#include "enter_key.h"
 #include "file_question.h"
 #include "handler.h"
 #include "key_filter.h"

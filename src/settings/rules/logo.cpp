@@ -5,13 +5,9 @@
 
 #include "blanks.h"
 #include "commands.h"
+#include "enter_key.h"
 
 namespace m47::settings {
-namespace {
-
-constexpr int kEnter = 13;
-
-}  // namespace
 
 void Logo::read() {
     link_.send(link::command::query(link::command::kLogo));
@@ -19,7 +15,7 @@ void Logo::read() {
 }
 
 void Logo::logo_txt_KeyPress(int key_ascii) {
-    if (key_ascii != kEnter || !can_be_sent(logo_txt)) return;
+    if (key_ascii != kEnterKey || !can_be_sent(logo_txt)) return;
     const qsizetype end = logo_txt.indexOf(u'\r');
     if (end >= 0) logo_txt.truncate(end);
     link_.send(link::command::kLogo + u' ' + without_blanks(logo_txt));

@@ -3,13 +3,12 @@
 
 #include <QValidator>
 
+#include "enter_key.h"
 #include "tooltips.h"
 #include "ui_config_set.h"
 
 namespace m47::settings {
 namespace {
-
-constexpr int kEnterKeyOfBox = 13;
 
 constexpr Tooltip kConfigTooltips[] = {
     {"logo", "Instrument Logo", nullptr},
@@ -36,7 +35,7 @@ ConfigSet::ConfigSet(link::Link& link, const Texts& texts, QWidget* parent)
     // "time" is shown and does nothing.
     add_key(ui_->logo, [this] { logo_.read(); });
     when(ui_->logo_txt, &QLineEdit::returnPressed, "logo_txt_KeyPress",
-         [this] { logo_.logo_txt_KeyPress(kEnterKeyOfBox); });
+         [this] { logo_.logo_txt_KeyPress(kEnterKey); });
     take_toolbar(ui_->Toolbar1);
     take_exit(ui_->cmdexit);
 }
