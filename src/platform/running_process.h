@@ -16,4 +16,8 @@ struct RunningProcess {
 /// The running process of that number; nothing where there is none.
 std::optional<RunningProcess> running_process(qint64 process);
 
+/// True where the process of that number has the device `node` open, and where the system does not
+/// let us see what it has open.
+bool may_have_open(qint64 process, const QString& node);
+
 }  // namespace m47::platform

@@ -64,6 +64,40 @@ void RealPortTest::what_is_no_file_in_the_place_of_the_lock_file() {
     QCOMPARE(fault_on_open(pty.path()), PortFault::none);
 }
 
+void RealPortTest::a_lock_file_of_a_program_that_has_the_port_data() {
+    QTest::addColumn<QByteArray>("form");
+    QTest::newRow("number alone") << QByteArray("%1\n");
+    QTest::newRow("number, program and user") << QByteArray("%1 sleep root\n");
+}
+
+/// As other programs write it: the number in ten places, with or without names behind it.
+void RealPortTest::a_lock_file_of_a_program_that_has_the_port() {
+    QFETCH(const QByteArray, form);
+    const Pty pty;
+    const auto locked_by = [&](QProcess& program, const QString& input) {
+        program.setStandardInputFile(input);
+        // This test has the port open, too.
+        program.setChildProcessModifier([] { ::close_range(3, ~0U, CLOSE_RANGE_CLOEXEC); });
+        program.start("sleep", {"60"});
+        if (!program.waitForStarted()) return false;
+        const QString number = QString::number(program.processId()).rightJustified(10);
+        return put_file(lock_file_of(pty.path()), QString(form).arg(number).toLatin1());
+    };
+    QProcess user;
+    QVERIFY(locked_by(user, pty.path()));
+    QCOMPARE(fault_on_open(pty.path()), PortFault::busy);
+    QVERIFY(QFile::exists(lock_file_of(pty.path())));
+    user.kill();
+    QVERIFY(user.waitForFinished());
+    // The number has been given to a program that has nothing to do with the port.
+    QProcess stranger;
+    QVERIFY(locked_by(stranger, "/dev/null"));
+    if (!form.contains("sleep")) QCOMPARE(fault_on_open(pty.path()), PortFault::none);
+    stranger.kill();
+    QVERIFY(stranger.waitForFinished());
+    QFile::remove(lock_file_of(pty.path()));
+}
+
 void RealPortTest::a_folder_for_lock_files_is_left_as_it_was() {
     const QTemporaryDir folder;
     const QString lock = folder.filePath("LCK..ttyS0");

@@ -3,17 +3,20 @@
 
 #include "real_port.h"
 
+#include <linux/close_range.h>
 #include <sched.h>
 #include <sys/file.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
 #include <chrono>
@@ -94,6 +97,8 @@ class RealPortTest : public QObject {
     void a_lock_file_that_nobody_holds_data();
     void a_lock_file_that_nobody_holds();
     void what_is_no_file_in_the_place_of_the_lock_file();
+    void a_lock_file_of_a_program_that_has_the_port_data();
+    void a_lock_file_of_a_program_that_has_the_port();
     void a_folder_for_lock_files_is_left_as_it_was();
     void no_room_for_a_lock_file();
     void a_whole_transaction();

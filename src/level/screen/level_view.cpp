@@ -11,7 +11,8 @@ namespace {
 constexpr Bilingual kLevelTitle{"Level", "Livello"};
 constexpr Bilingual kLevelHint{"Esc: back    T: tone on", "Esc: indietro    T: tono acceso"};
 constexpr Bilingual kLevelHintOff{"Esc: back    T: tone off", "Esc: indietro    T: tono spento"};
-constexpr Bilingual kSoundNotLoaded{"No tone: %1", "Nessun tono: %1"};
+constexpr Bilingual kSoundNotLoaded{"No tone: %1 is missing or damaged.",
+                                    "Nessun tono: %1 manca o è danneggiato."};
 constexpr Bilingual kNoSound{"There is no sound device: no tone.",
                              "Nessun dispositivo audio: nessun tono."};
 

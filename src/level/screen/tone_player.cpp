@@ -41,7 +41,7 @@ SoundOutput* TonePlayer::output() {
     const QString path = sound_path(folders_);
     if (loader_.fileName().isEmpty()) loader_.setFileName(path);
     auto* output = qobject_cast<SoundOutput*>(loader_.instance());
-    fault_ = output ? QString() : QStringLiteral("%1: %2").arg(path, loader_.errorString());
+    fault_ = output ? QString() : path;
     return output;
 }
 

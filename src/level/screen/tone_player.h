@@ -24,7 +24,8 @@ class TonePlayer {
     /// Plays the tone of `level` dBuV; nothing where no device is open.
     void play(double level);
 
-    /// Why that part could not be loaded; empty when it was, or was not needed yet.
+    /// The file of that part where it could not be loaded; empty when it was, or was not needed
+    /// yet.
     const QString& fault() const { return fault_; }
 
     /// Beside the program where it was built, and where an installation has it.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "port_lock.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 
@@ -13,6 +14,7 @@ namespace {
 constexpr qint64 kLongestLockFile = 1024;
 
 /// What a lock file says: its first line names a process, its second a program; neither has to.
+/// Many programs write all of it into the first line: number, program, user.
 struct LockEntry {
     qint64 process = 0;
     QString program;
@@ -23,7 +25,9 @@ LockEntry read_lock_file(const QString& path) {
     // A pipe in its place would never answer.
     if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) return {};
     const QList<QByteArray> lines = file.read(kLongestLockFile).split('\n');
-    return {lines.value(0).trimmed().toInt(), QString::fromUtf8(lines.value(1).trimmed())};
+    const QList<QByteArray> words = lines.value(0).simplified().split(' ');
+    const QByteArray program = words.size() > 1 ? words[1] : lines.value(1).trimmed();
+    return {words[0].toInt(), QString::fromUtf8(program)};
 }
 
 /// The number of a process that has ended may belong to another program by now.
@@ -73,6 +77,12 @@ std::optional<platform::RunningProcess> lock_file_holder(const QString& lock_fil
 bool is_no_lock_file(const QString& lock_file) {
     const QFileInfo about(lock_file);
     return about.exists() && (!about.isFile() || about.size() > kLongestLockFile);
+}
+
+bool is_held_by_another(const QString& lock_file, const QString& node) {
+    const std::optional<platform::RunningProcess> holder = lock_file_holder(lock_file);
+    return holder && holder->process != QCoreApplication::applicationPid() &&
+           platform::may_have_open(holder->process, node);
 }
 
 PortFault look_at_lock_file(const QString& lock_file) {

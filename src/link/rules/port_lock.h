@@ -24,6 +24,10 @@ std::optional<platform::RunningProcess> lock_file_holder(const QString& lock_fil
 /// that is too long. The serial library would wait for it or read it to its end.
 bool is_no_lock_file(const QString& lock_file);
 
+/// True where `lock_file` names a running program that has the device `node` open. The serial
+/// library takes the number alone, without a name, for a number given anew, and removes the file.
+bool is_held_by_another(const QString& lock_file, const QString& node);
+
 /// Why the lock file `lock_file` cannot be made: busy only where it names a program that runs.
 PortFault look_at_lock_file(const QString& lock_file);
 

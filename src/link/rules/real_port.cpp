@@ -44,7 +44,9 @@ bool RealPort::open() {
     // By its own name, not by that of a link to it: that is how other programs lock it.
     const QString node = QFileInfo(device_).canonicalFilePath();
     const QString path = node.isEmpty() ? device_ : node;
-    if (is_no_lock_file(lock_file_of(path))) return fail(PortFault::lock_names_nobody);
+    const QString lock_file = lock_file_of(path);
+    if (is_no_lock_file(lock_file)) return fail(PortFault::lock_names_nobody);
+    if (is_held_by_another(lock_file, path)) return fail(PortFault::busy);
     port_.setPortName(path);
     if (!port_.open(QIODevice::ReadWrite)) {
         // The error does not tell a busy port from one without permission. Where nothing else
