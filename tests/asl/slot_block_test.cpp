@@ -262,6 +262,7 @@ class SlotBlockTest : public QObject {
         };
         QCOMPARE(names("00\t A B \r01\tC"), QStringList({"A B", "C"}));
         QCOMPARE(names("00\tA\tx\r01\tC"), QStringList({"A\tx", "C"}));
+        QCOMPARE(names("\tA\r\tB"), QStringList({"A", "B"}));
         QCOMPARE(names(""), QStringList());
         QCOMPARE(names("0"), QStringList());
         QCOMPARE(names("00\tA\rnothing\r02\tC"), QStringList({"A"}));

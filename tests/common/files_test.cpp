@@ -3,11 +3,13 @@
 #include <sys/stat.h>
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 #include <memory>
 
+#include "file_lock.h"
 #include "preferences.h"
 #include "save_file.h"
 
@@ -96,6 +98,38 @@ class FilesTest : public QObject {
         const Preferences some(path("other.ini"));
         some.file_chosen(path("a"));
         QCOMPARE(some.directory("here"), folder_->path());
+    }
+
+    void a_window_comes_back_where_it_can_be_seen() {
+        const Preferences some(path("places.ini"));
+        for (const QRect& rect :
+             {QRect(20000, -20000, 50, 20000), QRect(-20000, 20000, 20000, 50)}) {
+            some.keep_place("a", {rect});
+            QVERIFY(some.place("a"));
+            QCOMPARE(some.place("a")->rect, rect);
+        }
+        for (const QRect& rect : {QRect(20001, 0, 300, 200), QRect(0, -20001, 300, 200),
+                                  QRect(0, 0, 49, 200), QRect(0, 0, 300, 20001)}) {
+            some.keep_place("a", {rect});
+            QVERIFY(!some.place("a"));
+        }
+    }
+
+    void whoever_has_the_lock_keeps_the_others_away() {
+        {
+            const platform::FileLock first(folder_->path());
+            QVERIFY(!first.refused());
+            QElapsedTimer timer;
+            timer.start();
+            const platform::FileLock second(folder_->path());
+            QVERIFY(second.refused());
+            QVERIFY(timer.elapsed() >= 2000);
+        }
+        const platform::FileLock third(folder_->path());
+        QVERIFY(!third.refused());
+        // Where no lock can be had nobody is kept away.
+        const platform::FileLock nowhere(path("none"));
+        QVERIFY(!nowhere.refused());
     }
 };
 

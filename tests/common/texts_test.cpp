@@ -3,6 +3,7 @@
 
 #include <QTest>
 
+#include "cost_notices.h"
 #include "fault.h"
 #include "program_state.h"
 
@@ -152,6 +153,35 @@ class TextsTest : public QObject {
         }
         texts.language = kItalian;
         QCOMPARE(texts.pick(pair), QStringLiteral("Citt\u00e0"));
+    }
+
+    void what_stands_for_a_place_is_not_looked_into() {
+        const Texts texts;
+        const auto said = [&](const char* words, const QStringList& values) {
+            return Said{{words, words}, values}.in(texts);
+        };
+        QCOMPARE(said("%1 of %2", {"a", "b"}), QString("a of b"));
+        QCOMPARE(said("%2, %1.", {"%2", "b"}), QString("b, %2."));
+        // What has no value, and what is no place, stays as it is.
+        QCOMPARE(said("%1 %2 %0 100 %", {"a"}), QString("a %2 %0 100 %"));
+    }
+
+    void a_cost_is_told_once_until_the_choices_are_others() {
+        static constexpr Bilingual kOne{"one", "uno"};
+        static constexpr Bilingual kOther{"other", "altro"};
+        CostNotices notices;
+        notices.tell(kOne);  // nobody to tell yet
+        notices.begin_anew();
+        QStringList told;
+        notices.on_cost = [&](const Bilingual& text) { told += text.english; };
+        for (int time = 0; time < 2; ++time) {
+            notices.tell(kOne);
+            notices.tell(kOther);
+        }
+        QCOMPARE(told, QStringList({"one", "other"}));
+        notices.begin_anew();
+        notices.tell(kOther);
+        QCOMPARE(told, QStringList({"one", "other", "other"}));
     }
 };
 

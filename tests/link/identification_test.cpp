@@ -206,6 +206,7 @@ void IdentificationTest::reconnecting_asks_the_same_device_again() {
 
 void IdentificationTest::reconnecting_before_a_port_was_picked() {
     Setup s;
+    QCOMPARE(s.link.port_number, 0);
     s.identification.reconnect();
     QCOMPARE(s.port.opens, 0);
     QVERIFY(!s.link.port_connected);
@@ -262,6 +263,10 @@ void IdentificationTest::an_open_port_is_closed_first() {
     s.identification.porta_Click(0);
     QCOMPARE(s.port.opens, 3);
     QCOMPARE(s.port.closes, 3);
+    s.port.open();
+    s.identification.reconnect();
+    QCOMPARE(s.port.opens, 6);
+    QCOMPARE(s.port.closes, 6);
 }
 
 void IdentificationTest::a_port_that_stays_open_is_shown() {

@@ -58,6 +58,21 @@ class MeasureRepliesTest : public QObject {
         QCOMPARE(can_be_value(text), possible);
     }
 
+    void what_can_be_a_rate_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("possible");
+        for (const char* text : {"2.0E-4", " <1.0E-8", "1", "1.0", "0", "1E-8", "", "NO LOCK"})
+            QTest::newRow(text) << text << true;
+        for (const char* text : {"1.1", "2", "2.0E-#", "2.0E4", "20E-4", "2.0E-4x"})
+            QTest::newRow(text) << text << false;
+    }
+
+    void what_can_be_a_rate() {
+        QFETCH(QString, text);
+        QFETCH(bool, possible);
+        QCOMPARE(can_be_rate(text), possible);
+    }
+
     void labelled_field_data() {
         QTest::addColumn<QString>("label");
         QTest::addColumn<QString>("answer");

@@ -162,6 +162,8 @@ void ReplyTest::where_an_answer_ends_data() {
     row("A\rOK\r", 5);
     row("A\rOK\rB\rOK\r", 5);
     row("ERROR\r", 6);
+    row("OK\r", 3);
+    row("OK\rERROR\r", 3);
     row("A\rOK\rERROR\r", 5);
     row("COMMAND ERROR\rA\rOK\r", 14);
     row("ERROR\rA\rOK\r", 6);
@@ -190,6 +192,11 @@ void ReplyTest::late_answers_are_counted_until_they_cannot_come() {
     late.came("B\rOK\r");
     QVERIFY(!late.may_come("B", 11));
     QVERIFY(!late.may_come(11));
+    // An answer of which nothing but its words has come is none.
+    late.expect("D", 1, 11, 12);
+    late.came("D");
+    QVERIFY(late.may_come("D", 12));
+    late.came("D\rOK\r");
     // Neither none nor one too many of them makes the next wait longer.
     late.came("B\rOK\r");
     late.expect("B", 0, 11, 30);

@@ -61,6 +61,7 @@ class RecordsTest : public QObject {
         row("A01", LineKind::other);
         row("A 1 2", LineKind::other);
         row("D1x 2", LineKind::other);
+        row("Dx1 2", LineKind::other);
         row("E01 2 3", LineKind::other);
         row("A1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16", LineKind::record);
         row("A1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17", LineKind::other);
@@ -122,6 +123,22 @@ class RecordsTest : public QObject {
         model.set_text("no end");
         QCOMPARE(column(model, QStringLiteral("Line")), QStringList{"1"});
         QCOMPARE(column(model, QStringLiteral("Text")), QStringList{"no end"});
+    }
+
+    void an_empty_first_line_is_a_line() {
+        RecordModel model;
+        model.set_text("\r\nD02 1 S02\r\n");
+        QCOMPARE(column(model, QStringLiteral("Line")), QStringList{"2"});
+        QCOMPARE(column(model, QStringLiteral("Text")), QStringList{"D02 1 S02"});
+    }
+
+    void what_is_no_column_has_no_name() {
+        const RecordModel model;
+        QCOMPARE(model.headerData(2, Qt::Horizontal).toString(), QStringLiteral("Text"));
+        for (const int section : {-1, 3, 1000})
+            QVERIFY(!model.headerData(section, Qt::Horizontal).isValid());
+        QVERIFY(!model.headerData(0, Qt::Vertical).isValid());
+        QVERIFY(!model.headerData(0, Qt::Horizontal, Qt::DecorationRole).isValid());
     }
 
     void brackets_go_where_both_are_there() {

@@ -12,6 +12,7 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <cerrno>
 #include <csignal>
 
 #include "measurement_row.h"
@@ -144,6 +145,12 @@ class MeasurementLogTest : public QObject {
 
         QVERIFY2(append(log, kAnalogLine), qPrintable(log.reason()));
         QCOMPARE(contents(), kAnalogLine + "\r\n");
+        // A file that others may read and write as the user has set it, and nothing to run.
+        const mode_t mask = umask(0);
+        umask(mask);
+        struct stat about {};
+        QCOMPARE(stat(QFile::encodeName(path()).constData(), &about), 0);
+        QCOMPARE(about.st_mode & 0777, 0666 & ~mask);
     }
 
     void an_analog_row_is_a_line_of_eleven_fields() {
@@ -320,6 +327,7 @@ class MeasurementLogTest : public QObject {
         QTest::addColumn<QByteArray>("before");
         QTest::addColumn<QByteArray>("after");
         QTest::newRow("half") << QByteArray("a\r\nhal") << QByteArray("a\r\nhal\r\nnew\r\n");
+        QTest::newRow("one character") << QByteArray("a") << QByteArray("a\r\nnew\r\n");
         QTest::newRow("TAB") << QByteArray("a\t") << QByteArray("a\t\r\nnew\r\n");
         QTest::newRow("CR LF") << QByteArray("a\r\n") << QByteArray("a\r\nnew\r\n");
         QTest::newRow("LF") << QByteArray("a\n") << QByteArray("a\nnew\r\n");
@@ -349,7 +357,8 @@ class MeasurementLogTest : public QObject {
                 done = append(log, kAnalogLine);
             }
             QVERIFY(!done);
-            QVERIFY(!log.reason().isEmpty());
+            // Nothing of the line is left, so nothing of that is said.
+            QCOMPARE(log.reason(), qt_error_string(EFBIG));
             QCOMPARE(contents(), before);
         }
         QVERIFY(append(log, kAnalogLine));

@@ -4,6 +4,7 @@
 
 #include "ask_twice.h"
 #include "measurement_line.h"
+#include "measurement_record.h"
 #include "page_store.h"
 #include "row_time.h"
 #include "series_key.h"
@@ -118,6 +119,29 @@ class MeasurementTest : public QObject {
         QVERIFY(page.memory_bytes() < 5000 * 150);
     }
 
+    void what_comes_again_is_kept_once() {
+        MeasurementRecords records;
+        Measurement one = whole();
+        Measurement other = whole();
+        other.program.number = QStringLiteral("008");
+        other.limits[0] = Limits{1, 2};
+        const MeasurementRecord first = records.pack(one);
+        const MeasurementRecord second = records.pack(other);
+        QVERIFY(first.program != second.program && first.limits != second.limits);
+        const MeasurementRecord again = records.pack(one);
+        QCOMPARE(again.program, first.program);
+        QCOMPARE(again.limits, first.limits);
+        one.instant.reset();
+        QVERIFY(same(records.unpack(again), one));
+    }
+
+    void a_range_mark_may_stand_between_blanks() {
+        for (const char* text : {"<20.5", " <20.5", "< 20.5", "  <  20.5"}) {
+            const Reading read = reading_of(Quantity::level, std::string_view(text));
+            QVERIFY2(read.mark == RangeMark::below && read.value == 20.5F, text);
+        }
+    }
+
     void limits_with_one_bound_are_kept_as_such() {
         PageStore page;
         std::vector<Limits> all{{30, 80}, {30, {}}, {{}, 80}, {0, 80}};
@@ -178,6 +202,8 @@ class MeasurementTest : public QObject {
             QVERIFY2(!row_clock(time), time);
         QCOMPARE(*row_midnight("1-2.2026"), *row_midnight("01/02/26"));
         QCOMPARE(*row_midnight("01/01/1970"), 0.0);
+        QCOMPARE(*row_midnight("01/01/99"), *row_midnight("01/01/2099"));
+        QCOMPARE(*row_midnight("01/01/00"), *row_midnight("01/01/2000"));
         QCOMPARE(*row_midnight("02/01/99") - *row_midnight("01/01/99"), 86400.0);
         for (const char* date : {"00/01/26", "32/01/26", "29/02/26", "1/13/26", "1/2", "1//2"})
             QVERIFY2(!row_midnight(date), date);

@@ -8,6 +8,7 @@
 #include "numbers.h"
 #include "plan_clashes.h"
 #include "program_checks.h"
+#include "used_numbers.h"
 
 namespace m47::plans {
 namespace {
@@ -333,6 +334,19 @@ class ChecksTest : public QObject {
         const programme::ProgramRecord once = record;
         correct_fields(record, oscillator, 0);
         QCOMPARE(record, once);
+    }
+
+    void only_a_programs_own_number_is_in_use() {
+        UsedNumbers used;
+        for (const char* number : {"-1", "1.5", "100", "1000", "1e9"}) used.take(numbered(number));
+        QCOMPARE(used.first_free(), QStringLiteral("000"));
+        used.take(numbered(""));
+        QCOMPARE(used.first_free(), QStringLiteral("001"));
+        for (int number = 1; number < 99; ++number)
+            used.take(numbered(qPrintable(QString::number(number))));
+        QCOMPARE(used.first_free(), QStringLiteral("099"));
+        used.take(numbered("99"));
+        QCOMPARE(used.first_free(), QString());
     }
 
     void the_next_position_follows_the_largest() {

@@ -6,7 +6,9 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
+#include <algorithm>
 
+#include "box_numbers.h"
 #include "db_support.h"
 #include "diseqc_commands.h"
 #include "plan_name.h"
@@ -103,6 +105,9 @@ class ProgramRecordTest : public QObject {
     void oscillators_come_back();
     void an_oscillator_entry_that_is_not_there_counts_as_the_first();
     void oscillators_that_exist();
+    void an_oscillator_takes_its_own_place_or_a_free_one();
+    void a_field_reads_as_the_file_has_it();
+    void what_was_typed_goes_out_as_a_number();
     void names_are_cut_trimmed_and_capital();
     void a_name_has_ten_characters_in_capitals();
 };
@@ -209,7 +214,7 @@ void ProgramRecordTest::one_alone_is_monitored_and_digital() {
         stored(db::field::kMonitorState, other);
         const db::Recordset set = stored(db::field::kSatAd, other);
         QVERIFY(!ProgramRow(set).monitored());
-        QVERIFY(ProgramRow(set).digital() != std::optional(true));
+        QCOMPARE(ProgramRow(set).digital(), other == 0 ? std::optional(false) : std::nullopt);
         QVERIFY(!read_program(set).sat_ad);
     }
     stored(db::field::kMonitorState, 1);
@@ -253,6 +258,40 @@ void ProgramRecordTest::an_oscillator_entry_that_is_not_there_counts_as_the_firs
 void ProgramRecordTest::oscillators_that_exist() {
     for (const double mhz : {3070.0, 9750.0, 12000.0}) QVERIFY(is_oscillator(mhz));
     for (const double mhz : {0.0, 3069.9, 12000.1}) QVERIFY(!is_oscillator(mhz));
+}
+
+void ProgramRecordTest::an_oscillator_takes_its_own_place_or_a_free_one() {
+    Oscillators known{QStringLiteral("9750"), QString(), QStringLiteral("10600"), QString()};
+    // Where it stands already, in whatever form and whatever is preferred.
+    QCOMPARE(place_oscillator(known, 1, QStringLiteral("10600.0")), std::optional(2));
+    QCOMPARE(place_oscillator(known, 3, QStringLiteral("5150")), std::optional(3));
+    QCOMPARE(known[3], QStringLiteral("5150"));
+    QCOMPARE(place_oscillator(known, 0, QStringLiteral("4000")), std::optional(1));
+    QCOMPARE(known[1], QStringLiteral("4000"));
+    const Oscillators full = known;
+    QCOMPARE(place_oscillator(known, 0, QStringLiteral("4001")), std::nullopt);
+    QCOMPARE(known, full);
+}
+
+void ProgramRecordTest::a_field_reads_as_the_file_has_it() {
+    ProgramRecord program = program_of_all_fields();
+    const auto text = [&](const ProgramField::Member& member) {
+        const auto& fields = program_fields();
+        return field_text(program, *std::ranges::find(fields, member, &ProgramField::member));
+    };
+    QCOMPARE(text(&R::logger_state), QStringLiteral("1"));
+    QCOMPARE(text(&R::loc_osc0), QStringLiteral("3"));
+    QCOMPARE(text(&R::mer_max), QStringLiteral("21"));
+    program.logger_state = false;
+    QCOMPARE(text(&R::logger_state), QStringLiteral("0"));
+}
+
+void ProgramRecordTest::what_was_typed_goes_out_as_a_number() {
+    QCOMPARE(number_text(QStringLiteral(" 45,5 ")), QStringLiteral("45.5"));
+    QCOMPARE(number_text(QStringLiteral("1E-8")), QStringLiteral("1E-8"));
+    QCOMPARE(number_text(QStringLiteral("45 dB")), QStringLiteral("45"));
+    QCOMPARE(number_text(QStringLiteral("what")), QStringLiteral("0"));
+    QCOMPARE(number_text(QStringLiteral("  ")), QString());
 }
 
 void ProgramRecordTest::names_are_cut_trimmed_and_capital() {

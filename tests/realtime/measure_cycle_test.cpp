@@ -312,6 +312,10 @@ void MeasureCycleTest::an_alarm_without_limits_is_told() {
     const QString fails("An alarm without limits fails: give it limits");
     const QString nothing("An alarm without limits checks nothing");
     panel().meas_statea[kLevel] = true;
+    // Neither one that is not ticked nor one of the frame that is not shown costs anything.
+    panel().alarm_stated[0] = true;
+    panel().lev_mind = panel().lev_maxd = panel().lev_mina = "";
+    f_->rules.measure_once();
     panel().alarm_statea[0] = true;
     panel().lev_mina = "30";
     panel().lev_maxa = "80";

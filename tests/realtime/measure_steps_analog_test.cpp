@@ -2,6 +2,8 @@
 // The analog steps.
 #include "measure_steps_test.h"
 
+#include <functional>
+
 namespace m47::realtime {
 
 void MeasureStepsTest::analog_level_data() {
@@ -91,6 +93,53 @@ void MeasureStepsTest::analog_noise() {
     QCOMPARE(f_->pauses(), (QList<int>{0, 10}));
     QCOMPARE(panel().noisealev, QString("L <28.3"));
     QVERIFY((panel().alarm_light == std::array<LampColour, 6>{}));
+}
+
+void MeasureStepsTest::a_spoilt_answer_is_no_value_data() {
+    QTest::addColumn<QByteArray>("command");
+    QTest::addColumn<QByteArray>("answer");
+    QTest::addColumn<int>("step");
+    const auto row = [](const char* name, const char* command, const char* answer, int step) {
+        QTest::newRow(name) << QByteArray(command) << QByteArray(answer) << step;
+    };
+    row("first digit of the level to range by", "LEVANL?", "L #8.3", 0);
+    row("digital noise", "LEVDCP?1100.0", "DCP2#.3", 1);
+    row("analog C/N", "LEVCNA?", "CN 1#.5", 2);
+    row("analog noise", "LEVANL?", " L 2#.3", 3);
+}
+
+/// One character of it came as another one.
+void MeasureStepsTest::a_spoilt_answer_is_no_value() {
+    QFETCH(QByteArray, command);
+    QFETCH(QByteArray, answer);
+    QFETCH(int, step);
+    f_->program.corrected.complete = true;
+    f_->values["ATTEN?"] = "2";
+    f_->values["LEVANL?"] = "L 70";
+    f_->raw["LEVDCP?1100.0"] = "LEVDCP?1100.0\rDCP28.3\rOK\r";
+    panel().noise_freqa = panel().noise_freqd = "1100.0";
+    if (command == "LEVDCP?1100.0")
+        f_->raw[command] = command + "\r" + answer + "\rOK\r";
+    else
+        f_->values[command] = answer;
+    const std::function<void()> all[] = {
+        [&] { steps().format_att(); }, [&] { steps().levn_satdig(); }, [&] { steps().cn_satanl(); },
+        [&] { steps().levn_satanl(); }};
+    QVERIFY(faults(all[step]));
+    QVERIFY(!steps().outcome.reading(measurement::Quantity::noise).measured());
+    QVERIFY(!steps().outcome.reading(measurement::Quantity::cn).measured());
+}
+
+void MeasureStepsTest::a_value_keeps_the_unit_that_the_meter_was_asked_in() {
+    f_->rules.modes.cmdlev_Click(kDbm);
+    f_->values["LEVANL?"] = "L -58.3";
+    steps().carr_satanl();
+    QVERIFY(steps().outcome.unit == kDbm);
+    steps().outcome.unit.reset();
+    f_->program.corrected.complete = true;
+    panel().noise_freqa = "1100.0";
+    steps().levn_satanl();
+    QVERIFY(steps().outcome.unit == kDbm);
 }
 
 }  // namespace m47::realtime

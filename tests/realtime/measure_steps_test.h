@@ -71,6 +71,9 @@ class MeasureStepsTest : public QObject {
     void analog_cn();
     void analog_noise_without_a_frequency_of_its_own();
     void analog_noise();
+    void a_spoilt_answer_is_no_value_data();
+    void a_spoilt_answer_is_no_value();
+    void a_value_keeps_the_unit_that_the_meter_was_asked_in();
 
   private:
     RealtimePanel& panel() { return f_->panel(); }
