@@ -383,6 +383,25 @@ void PlanRunTest::a_plan_that_was_replaced_is_measured_again() {
              qPrintable(remarks_[0]));
 }
 
+void PlanRunTest::the_same_reason_is_told_again_behind_a_measurement() {
+    const auto replace = [this](int first) {
+        db::Recordset set = f_->database().of_plan("programmi", "P");
+        for (int number = first; number < first + 3; ++number) add_program(number);
+        set.move_first();
+        for (int gone = 0; gone < 3; ++gone, set.requery()) set.remove();
+    };
+    int times = 0;
+    f_->on_command = [&](const QByteArray& command) {
+        if (command == "FREQ 1010.0" && times == 0) replace(3 * ++times);
+        if (command == "FREQ 1040.0" && times == 1) replace(3 * ++times);
+    };
+    QCOMPARE(make_run({.passes = 3}).run(), PlanRun::End::done);
+    QCOMPARE(measured(), QStringList({"1000", "1010", "1030", "1040", "1060", "1070", "1080"}));
+    QCOMPARE(remarks_.size(), 2);
+    for (const QString& remark : std::as_const(remarks_))
+        QVERIFY2(remark.contains("Another program deleted or replaced"), qPrintable(remark));
+}
+
 void PlanRunTest::a_row_that_cannot_be_taken_again_ends_no_run() {
     f_->raw["FREQ 1010.0"] = "FREQ 1#10.0\rOK\r";
     // Somebody deletes the very program whose answer was doubtful.

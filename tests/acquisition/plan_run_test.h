@@ -39,6 +39,7 @@ class PlanRunTest : public QObject {
     void a_plan_that_was_emptied_is_told_once();
     void a_pass_that_measures_nothing_is_told_once();
     void a_plan_that_was_replaced_is_measured_again();
+    void the_same_reason_is_told_again_behind_a_measurement();
     void a_row_that_cannot_be_taken_again_ends_no_run();
     void progress();
     void full_tune();

@@ -42,6 +42,7 @@ void SetsTest::a_program_is_copied_with_its_oscillator() {
     QCOMPARE(sets_->copy_program(QStringLiteral("PLAN 1")), ImportProblem::none);
     QCOMPARE(numbers(), QStringList({"007 05", "000 06"}));
     QCOMPARE(sets_->program().pg_num, QStringLiteral("000"));
+    QVERIFY(sets_->program().logger_state);
     // Into a plan that does not exist yet.
     sets_->first_program();
     QCOMPARE(sets_->copy_program(QStringLiteral("B")), ImportProblem::none);

@@ -201,6 +201,20 @@ void SetsTest::the_same_in_another_form_is_no_change() {
     M47_VERIFY_FAULT(need_unchanged(known, other), "changed meanwhile");
     QCOMPARE(changed_fields(other).size(), 1);
     QCOMPARE(changed_fields(other)[0].typed, QStringLiteral("06"));
+    // An oscillator likewise; one that is set and one that is not are two.
+    const auto of = [&](const char* in_file, const char* to_be_stored) {
+        return ChangedMeanwhile({now, {QString::fromLatin1(in_file)}}, now,
+                                QString::fromLatin1(to_be_stored), true);
+    };
+    const StoredProgram seen{now, {QStringLiteral("5150")}};
+    for (const auto& [in_file, typed] : {std::pair("9750.0", "9750"), {" ", ""}}) {
+        need_unchanged(seen, of(in_file, typed));
+        QVERIFY(changed_fields(of(in_file, typed)).isEmpty());
+    }
+    for (const auto& [in_file, typed] : {std::pair("9750", "10600"), {"", "9750"}, {"0", ""}}) {
+        M47_VERIFY_FAULT(need_unchanged(seen, of(in_file, typed)), "changed meanwhile");
+        QCOMPARE(changed_fields(of(in_file, typed)).size(), 1);
+    }
 }
 
 void SetsTest::two_windows_in_any_order_lose_nothing() {

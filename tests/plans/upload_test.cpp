@@ -88,6 +88,22 @@ class UploadTest : public QObject {
         }
     }
 
+    void told_to_end_it_says_how_many_programs_are_sent() {
+        PlanUpload upload(link_, program_);
+        bool ending = false;
+        link_.interrupted = [&] { return ending; };
+        port_.answer = [&](const QByteArray& command) {
+            // The last command of the first program.
+            ending = ending || QString::fromLatin1(command) == kDirectCommands.last();
+            return FakePort::good(command);
+        };
+        QVERIFY_THROWS_EXCEPTION(Interrupted, upload.run(plan(), kAppend));
+        QVERIFY(link_.left_off);
+        const QString said = link_.left_off->in(Texts());
+        QVERIFY2(said.contains(QLatin1String("1 of 2")), qPrintable(said));
+        link_.interrupted = nullptr;
+    }
+
     void the_table_is_kept_before_it_is_changed() {
         PlanUpload upload(link_, program_);
         QByteArray kept;

@@ -263,6 +263,12 @@ void DiseqcTest::the_entry_is_shown_before_it_is_sent() {
     panel().storesat = "7";
     diseqc().dsqmtr_Click(kStorePosition);
     QVERIFY(shown_first);
+    panel().on_repaint = [&] { shown += panel().starteast_s; };
+    f_->on_command = [&](const QByteArray&) { shown_first = shown.contains("09"); };
+    shown_first = false;
+    panel().starteast_s = "9";
+    diseqc().dsqmtr_Click(kDriveEast);
+    QVERIFY(shown_first);
 }
 
 void DiseqcTest::a_refusal_changes_nothing() {

@@ -3,6 +3,8 @@
 #include "enter_key.h"
 #include "tuning_test.h"
 
+#include <functional>
+
 namespace m47::realtime {
 
 void TuningTest::lnb_data() {
@@ -121,6 +123,30 @@ void TuningTest::general_list_without_an_answer() {
     leave_answer(f_->link, f_->port, "5");
     if (!refused.isEmpty()) f_->refuse(refused);
     QCOMPARE(tuning().list_Click("ATTEN", 3, 7), 3);
+}
+
+void TuningTest::a_corrected_entry_is_shown_before_it_is_sent() {
+    QString shown;
+    QStringList events;
+    panel().on_repaint = [&] {
+        shown = panel().ol_freq + u'|' + panel().srqpsk_txt + u'|' + panel().chbws;
+    };
+    f_->on_command = [&](const QByteArray& command) {
+        if (events.isEmpty()) events = {shown, QString::fromLatin1(command)};
+    };
+    const auto first_of = [&](const std::function<void()>& entry) {
+        shown.clear();
+        events.clear();
+        entry();
+        return events;
+    };
+    panel().ol_freq = "1";
+    panel().srqpsk_txt = "1";
+    panel().chbws = "1";
+    QCOMPARE(first_of([&] { tuning().ol_freq_KeyPress(kEnterKey); })[0], QString("03070|1|1"));
+    QCOMPARE(first_of([&] { tuning().srqpsk_txt_KeyPress(kEnterKey); })[0],
+             QString("03070|01500|1"));
+    QCOMPARE(first_of([&] { tuning().chbws_KeyPress(kEnterKey); })[0], QString("03070|01500|05"));
 }
 
 void TuningTest::symbol_rate_data() {

@@ -54,6 +54,7 @@ class TuningTest : public QObject {
     void general_list_sends_its_entry();
     void general_list_without_an_answer_data();
     void general_list_without_an_answer();
+    void a_corrected_entry_is_shown_before_it_is_sent();
     void symbol_rate_data();
     void symbol_rate();
     void bandwidth_data();

@@ -177,6 +177,7 @@ class TrendBlockTest : public QObject {
         row("few long ones", {1, 1, 1, 100, 100}, 8);
         row("half of them long", {1, 1, 100, 100}, 512);
         row("a clock that is set back", {10, 10, -25, 10}, 64);
+        row("longer than anything lasts", {1e12, 1e12, 1e12}, 4 * std::exp2(31));
     }
     void what_is_usual_lies_between_powers_of_two() {
         QFETCH(QList<double>, spacings);
@@ -213,6 +214,37 @@ class TrendBlockTest : public QObject {
         QCOMPARE(levels_of(series, {0, 15}, 4).line.size(), std::size_t(16));
         // At one time all of them are one column whatever its width.
         QVERIFY(!levels_of(series, {5, 5}, 1).dense);
+    }
+
+    void rows_at_one_time_have_no_columns() {
+        QList<At> rows;
+        for (int k = 0; k < 9; ++k) rows += At{5, 50.0 + k};
+        QVERIFY(!levels_of(series_of(rows), {5, 5}, 1).dense);
+        // In a second, and in less than one, they have.
+        for (int k = 0; k < 9; ++k) rows[k].time = 5 + k / 8.0;
+        QVERIFY(levels_of(series_of(rows), {5, 6}, 1).dense);
+        QVERIFY(levels_of(series_of(rows), {5, 5.875}, 1).dense);
+    }
+
+    /// A pause of just four times what is usual parts nothing, also where it is summed up.
+    void the_longest_spacing_parts_no_block() {
+        TrendSeries summed(measurement::SeriesKey{});
+        TrendSeries plain(measurement::SeriesKey{});
+        for (int k = 0; k < 4 * TrendBlock::kPoints; ++k) {
+            TrendPoint point;
+            point.time = 10 * k + (k < 90 ? 0 : 54);
+            point.values = {static_cast<float>(50 + k % 3), NAN, NAN};
+            summed.add(point);
+            plain.add(point);
+        }
+        summed.settle();
+        QCOMPARE(summed.longest_spacing(), 64.0);
+        const TrendRange all{0, plain.points().back().time};
+        for (const int columns : {1, 2, 3, 5}) {
+            const TrendSamples one = levels_of(summed, all, columns);
+            QVERIFY(same(one.line, levels_of(plain, all, columns).line));
+            QVERIFY(!drawn(one.line).contains(u'|'));
+        }
     }
 
     void a_dot_has_eight_columns() {
@@ -275,6 +307,7 @@ class TrendBlockTest : public QObject {
 
     void a_window_has_room_behind_its_newest_row() {
         TrendWindow window;
+        QCOMPARE(text_of(window.shown()), QStringLiteral("0 to 60"));
         window.rows_came({1000, 2000}, 2000);
         QCOMPARE(text_of(window.shown()), QStringLiteral("980 to 2020"));
         window.rows_came({1000, 1030}, 1030);
