@@ -207,13 +207,13 @@ void SetsTest::the_same_in_another_form_is_no_change() {
                                 QString::fromLatin1(to_be_stored), true);
     };
     const StoredProgram seen{now, {QStringLiteral("5150")}};
-    for (const auto& [in_file, typed] : {std::pair("9750.0", "9750"), {" ", ""}}) {
-        need_unchanged(seen, of(in_file, typed));
-        QVERIFY(changed_fields(of(in_file, typed)).isEmpty());
+    for (const auto& [in_file, wanted] : {std::pair("9750.0", "9750"), {" ", ""}}) {
+        need_unchanged(seen, of(in_file, wanted));
+        QVERIFY(changed_fields(of(in_file, wanted)).isEmpty());
     }
-    for (const auto& [in_file, typed] : {std::pair("9750", "10600"), {"", "9750"}, {"0", ""}}) {
-        M47_VERIFY_FAULT(need_unchanged(seen, of(in_file, typed)), "changed meanwhile");
-        QCOMPARE(changed_fields(of(in_file, typed)).size(), 1);
+    for (const auto& [in_file, wanted] : {std::pair("9750", "10600"), {"", "9750"}, {"0", ""}}) {
+        M47_VERIFY_FAULT(need_unchanged(seen, of(in_file, wanted)), "changed meanwhile");
+        QCOMPARE(changed_fields(of(in_file, wanted)).size(), 1);
     }
 }
 
