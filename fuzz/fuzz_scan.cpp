@@ -5,6 +5,7 @@
 #include "fuzzing.h"
 #include "logger_table.h"
 #include "numbers.h"
+#include "scan_reader.h"
 #include "scan_table.h"
 #include "tuning_range.h"
 

@@ -5,6 +5,7 @@
 #include "fields.h"
 #include "numbers.h"
 #include "program_checks.h"
+#include "scan_reader.h"
 #include "scan_table.h"
 
 namespace m47::plans {

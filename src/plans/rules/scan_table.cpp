@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "scan_table.h"
 
-#include <QRegularExpression>
 #include <array>
 #include <optional>
 
 #include "box_numbers.h"
-#include "logger_table.h"
 #include "numbers.h"
+#include "scan_reader.h"
 
 namespace m47::plans {
 namespace {
@@ -25,17 +24,7 @@ constexpr std::array kBands{
     Band{11700, 12751, 10600, true},
 };
 
-const QString kBlock = QStringLiteral("[CHANNEL]");
 constexpr double kKilo = 1000;
-
-/// A transponder in the words of its table.
-struct Transponder {
-    int line = 0;
-    QString system;
-    QString frequency;     ///< kHz
-    QString polarisation;  ///< begins with H, V, L or R
-    QString symbol_rate;   ///< S/s
-};
 
 std::optional<Band> band_of(double mhz) {
     for (const Band& band : kBands)
@@ -48,11 +37,6 @@ int supply_of(const QString& polarisation) {
     const QString letter = polarisation.left(1).toUpper();
     if (letter == u"V" || letter == u"R") return 1;
     return letter == u"H" || letter == u"L" ? 2 : 0;
-}
-
-bool is_old_line(const QStringList& words) {
-    static const QRegularExpression kSystem(QStringLiteral("^S[12]?$"));
-    return kSystem.match(words.value(0)).hasMatch();
 }
 
 ImportCandidate candidate_of(const Transponder& transponder, double unit_offset) {
@@ -81,66 +65,11 @@ ImportCandidate candidate_of(const Transponder& transponder, double unit_offset)
     return candidate;
 }
 
-QString significant(const QString& line) {
-    return line.section(u'#', 0, 0).trimmed();
-}
-
-/// Collects the lines of either form into transponders.
-class ScanReader {
-  public:
-    std::vector<Transponder> transponders;
-
-    void read(const QString& line, int number) {
-        const QStringList words = line.simplified().split(u' ');
-        if (line.startsWith(u'[')) {
-            transponders.push_back({number, {}, {}, {}, {}});
-            in_block_ = line.toUpper() == kBlock;
-        } else if (is_old_line(words)) {
-            transponders.push_back(
-                {number, QStringLiteral("DVBS"), words.value(1), words.value(2), words.value(3)});
-            in_block_ = false;
-        } else if (in_block_) {
-            take_entry(line);
-        } else {
-            transponders.push_back({number, {}, {}, {}, {}});
-        }
-    }
-
-  private:
-    void take_entry(const QString& line) {
-        const QString key = line.section(u'=', 0, 0).trimmed().toUpper();
-        const QString value = line.section(u'=', 1).trimmed().toUpper();
-        Transponder& current = transponders.back();
-        if (key == u"DELIVERY_SYSTEM") current.system = value;
-        if (key == u"FREQUENCY") current.frequency = value;
-        if (key == u"POLARIZATION") current.polarisation = value;
-        if (key == u"SYMBOL_RATE") current.symbol_rate = value;
-    }
-
-    bool in_block_ = false;
-};
-
 }  // namespace
 
-bool is_scan_table(const QString& text) {
-    for (const QString& line : table_lines(text)) {
-        const QString content = significant(line);
-        if (content.isEmpty()) continue;
-        return content.startsWith(u'[') || is_old_line(content.simplified().split(u' '));
-    }
-    return false;
-}
-
 std::vector<ImportCandidate> parse_scan_table(const QString& text, double unit_offset) {
-    ScanReader reader;
-    int number = 0;
-    for (const QString& line : table_lines(text)) {
-        ++number;
-        const QString content = significant(line);
-        if (!content.isEmpty()) reader.read(content, number);
-    }
     std::vector<ImportCandidate> candidates;
-    for (const Transponder& transponder : reader.transponders)
+    for (const Transponder& transponder : read_transponders(text))
         candidates.push_back(candidate_of(transponder, unit_offset));
     return candidates;
 }

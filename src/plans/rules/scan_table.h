@@ -8,10 +8,6 @@
 
 namespace m47::plans {
 
-/// True for a DVB scan table in its old form (one line a transponder, "S 11778000 V 27500000") or
-/// its newer one (blocks under "[CHANNEL]").
-bool is_scan_table(const QString& text);
-
 /// The transponders of a satellite scan table as digital programs: oscillator by band (9750 and
 /// 10600 MHz with the 22 kHz tone in the upper one; 5150 MHz in C band), 13 V for vertical and 18 V
 /// for horizontal polarisation, numbers from the first free one on. What cannot be understood or
