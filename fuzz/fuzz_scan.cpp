@@ -19,6 +19,9 @@ void check_candidates(const QString& text,
         HOLDS(candidate.line > previous && candidate.line <= lines);
         previous = candidate.line;
         HOLDS(candidate.record.sat_ad && candidate.record.pg_num.isEmpty());
+        HOLDS(candidate.streams > 0);
+        HOLDS((candidate.problem == m47::plans::ImportProblem::unreadable) ==
+              !candidate.unread.isEmpty());
         if (candidate.problem != m47::plans::ImportProblem::none) continue;
         HOLDS(!candidate.record.loc_osc);
         HOLDS(candidate.record.lnb_volt == 1 || candidate.record.lnb_volt == 2);
@@ -47,7 +50,7 @@ void check_inverse(unsigned number) {
     const QString line = QStringLiteral("S %1 %2 27500000")
                              .arg(mhz * 1000, 0, 'f', 0)
                              .arg(number % 2 == 0 ? QChar(u'V') : QChar(u'H'));
-    const auto candidates = m47::plans::parse_scan_table(line, 0);
+    const auto candidates = m47::plans::parse_scan_table(line, 0).candidates;
     HOLDS(candidates.size() == 1 && candidates[0].problem == m47::plans::ImportProblem::none);
     HOLDS(m47::link::typed_value(candidates[0].record.frequenza) == mhz);
     HOLDS(candidates[0].record.lnb_volt == (number % 2 == 0 ? 1 : 2));
@@ -57,8 +60,9 @@ void check_inverse(unsigned number) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const QString text = fuzzing::Input(data, size).text();
-    const auto candidates = m47::plans::parse_scan_table(text, 0);
-    if (m47::plans::is_scan_table(text)) HOLDS(!candidates.empty());
+    const m47::plans::ScanTable table = m47::plans::parse_scan_table(text, 0);
+    const auto& candidates = table.candidates;
+    if (m47::plans::is_scan_table(text)) HOLDS(!candidates.empty() || table.not_satellite > 0);
     check_candidates(text, candidates);
     check_preview(candidates);
     if (size >= 2) check_inverse(data[0] * 256U + data[1]);

@@ -159,11 +159,6 @@ class ImportTest : public QObject {
         QVERIFY(preview.rows[0].added());
     }
 
-    void a_number_that_is_none_is_named() {
-        const ImportPreview preview = into_empty_plan("pg_num,frequenza\nabc,1000\n");
-        QCOMPARE(preview.rows[0].corrections, QStringList{"pg_num: abc → 000"});
-    }
-
     void words_for_yes_and_no_are_understood() {
         const std::vector<ImportCandidate> rows = parsed(
             "frequenza,loc_osc,logger_state,monitor_state,sat_ad\n1000,True,TRUE,true,True\n"
@@ -182,6 +177,12 @@ class ImportTest : public QObject {
         QTest::addColumn<QByteArray>("text");
         QTest::newRow("a flag") << QByteArray("frequenza,loc_osc\n1000,maybe\n");
         QTest::newRow("a choice") << QByteArray("frequenza,lnb_volt\n1000,18V\n");
+        QTest::newRow("a number") << QByteArray("pg_num,frequenza\nabc,1000\n");
+        QTest::newRow("a frequency") << QByteArray("pg_num,frequenza\n1,abc\n");
+        QTest::newRow("no frequency") << QByteArray("pg_num,frequenza\n1,\n");
+        QTest::newRow("thousands") << QByteArray("pg_num;frequenza\n1;11.778,5\n");
+        QTest::newRow("a limit") << QByteArray("frequenza,lev_min\n1000,45dB\n");
+        QTest::newRow("an oscillator") << QByteArray("frequenza,oscillator\n11000,9750 MHz\n");
         QTest::newRow("decimal comma between commas") << QByteArray("frequenza,pg_num\n1234,5,7\n");
     }
     void a_row_that_cannot_be_meant_so_is_left_out() {
@@ -196,11 +197,6 @@ class ImportTest : public QObject {
             into_empty_plan("pg_num,frequenza\n,1000\n0,1001\n001,1002\n,1003\n");
         QCOMPARE(one_line_each(preview), QStringList({"2 002 1000  added ", "3 000 1001  added ",
                                                       "4 001 1002  added ", "5 003 1003  added "}));
-    }
-
-    void a_missing_frequency_shows() {
-        const ImportPreview preview = into_empty_plan("pg_num,frequenza\n1,\n");
-        QCOMPARE(preview.rows[0].corrections, QStringList{"frequenza:  → 920.0"});
     }
 
     void clashes_are_left_out_and_named() {
@@ -343,64 +339,6 @@ class ImportTest : public QObject {
         const ImportFile file = parse_import_file("frequenza,colour\n1000,red\n", 0);
         QVERIFY(file.understood);
         QCOMPARE(file.unknown_columns, QStringList{"colour"});
-    }
-
-    void scan_tables_of_both_forms_data() {
-        QTest::addColumn<QByteArray>("text");
-        QTest::newRow("old") << QByteArray(
-            "# Somewhere\n# freq pol sr fec\nS 11719500 H 27500000 3/4\nS2 10719000 V 29900000 "
-            "AUTO AUTO QPSK # comment\n");
-        QTest::newRow("new") << QByteArray(
-            "# Somewhere\n\n[CHANNEL]\n\tDELIVERY_SYSTEM = DVBS\n\tFREQUENCY = 11719500\n"
-            "\tPOLARIZATION = HORIZONTAL\n\tSYMBOL_RATE = 27500000\n\tINNER_FEC = 3/4\n\n"
-            "[CHANNEL]\r\n  delivery_system=DVBS2\r\n  FREQUENCY = 10719000\r\n"
-            "  POLARIZATION = VERTICAL\r\n  SYMBOL_RATE = 29900000\r\n");
-    }
-    void scan_tables_of_both_forms() {
-        QFETCH(QByteArray, text);
-        const ImportPreview preview = into_empty_plan(text);
-        QCOMPARE(preview.added(), 2);
-        const programme::ProgramRecord& upper = preview.rows[0].record;
-        QCOMPARE(upper.pg_num, QStringLiteral("000"));
-        QCOMPARE(upper.frequenza, QStringLiteral("11720"));
-        QCOMPARE(upper.qpsk_symbolrate, QStringLiteral("27500"));
-        QVERIFY(upper.sat_ad && !upper.loc_osc);
-        QCOMPARE(upper.lnb_volt, 2);
-        QCOMPARE(upper.K22, 1);
-        QCOMPARE(upper.loc_osc0, 1);
-        QCOMPARE(upper.diseqc_cmd, programme::kDiseqcNone);
-        const programme::ProgramRecord& lower = preview.rows[1].record;
-        QCOMPARE(lower.frequenza, QStringLiteral("10719"));
-        QCOMPARE(lower.lnb_volt, 1);
-        QCOMPARE(lower.K22, 0);
-        QCOMPARE(lower.loc_osc0, 0);
-        QCOMPARE(preview.oscillators,
-                 programme::Oscillators({QStringLiteral("9750"), QStringLiteral("10600")}));
-    }
-
-    void the_bands_have_their_oscillators() {
-        const ImportPreview preview = into_empty_plan(
-            "S 11699000 V 27500000 3/4\nS 11700000 V 27500000 3/4\nS 10669000 V 27500000 3/4\n"
-            "S 10670000 L 27500000 3/4\nS 12750000 R 27500000 3/4\nS 12752000 V 27500000 3/4\n"
-            "S 3400000 H 27500000 3/4\nS 20000000 H 27500000 3/4\n");
-        QCOMPARE(one_line_each(preview),
-                 QStringList({"1 000 11699 9750 added ", "2 001 11700 10600 added ", "3  10669  5 ",
-                              "4 002 10670 9750 added ", "5 003 12750 10600 added ", "6  12752  5 ",
-                              "7 004 3400 5150 added ", "8  20000  5 "}));
-        QCOMPARE(preview.rows[3].record.lnb_volt, 2);
-        QCOMPARE(preview.rows[4].record.lnb_volt, 1);
-        QCOMPARE(preview.rows[6].record.K22, 0);
-    }
-
-    void what_a_scan_table_does_not_say_clearly_is_named() {
-        const ImportPreview preview = into_empty_plan(
-            "S 11778000 V\nS 11778000 X 27500000\nS\nnonsense\n[VDR]\n"
-            "[CHANNEL]\nDELIVERY_SYSTEM = DVBT\nFREQUENCY = 11778000\nPOLARIZATION = VERTICAL\n"
-            "SYMBOL_RATE = 27500000\n");
-        QCOMPARE(preview.added(), 0);
-        QCOMPARE(preview.rows.size(), std::size_t(6));
-        for (const ImportRow& row : preview.rows) QCOMPARE(row.problem, ImportProblem::unreadable);
-        QCOMPARE(preview.rows[5].line, 6);
     }
 };
 

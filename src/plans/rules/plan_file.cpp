@@ -120,14 +120,17 @@ QString plain_cell(const QString& cell, bool flag) {
     return QString(cell).replace(u',', u'.');
 }
 
-/// False where the cell is no number, though its field knows nothing else.
-bool take_cell(programme::ProgramRecord& record, const programme::ProgramField& field,
+void note_unread(ImportCandidate& candidate, const char* column, const QString& cell) {
+    candidate.unread += QStringLiteral("%1: %2").arg(QLatin1String(column), cell);
+}
+
+/// Takes a cell into its field; every field is a number or a choice that is written as one.
+void take_cell(ImportCandidate& candidate, const programme::ProgramField& field,
                const QString& cell) {
     const bool flag = std::holds_alternative<bool programme::ProgramRecord::*>(field.member);
-    const bool text = std::holds_alternative<QString programme::ProgramRecord::*>(field.member);
     const QString plain = plain_cell(cell, flag);
-    programme::set_field(record, field, plain);
-    return text || programme::is_number(plain);
+    programme::set_field(candidate.record, field, plain);
+    if (!programme::is_number(plain)) note_unread(candidate, field.name, cell);
 }
 
 ImportCandidate candidate_of_row(const QStringList& names, const CellRow& row, double unit_offset) {
@@ -137,12 +140,16 @@ ImportCandidate candidate_of_row(const QStringList& names, const CellRow& row, d
     };
     candidate.oscillator = plain_cell(cell(kOscillatorColumn), false);
     candidate.record.loc_osc = candidate.oscillator.isEmpty();
-    // With a cell too many, a decimal comma for example, all behind it are in the wrong column.
-    bool good = row.cells.size() <= names.size();
+    if (!candidate.record.loc_osc && !programme::is_number(candidate.oscillator))
+        note_unread(candidate, kOscillatorColumn, candidate.oscillator);
     for (const programme::ProgramField& field : programme::program_fields())
-        if (const QString text = cell(field.name); !text.isEmpty())
-            good = take_cell(candidate.record, field, text) && good;
-    if (!good) candidate.problem = ImportProblem::unreadable;
+        // Without a frequency there is no program; all else has a usual value.
+        if (const QString text = cell(field.name);
+            !text.isEmpty() || QLatin1String(field.name) == QLatin1String(db::field::kFrequenza))
+            take_cell(candidate, field, text);
+    // With a cell too many, a decimal comma for example, all behind it are in the wrong column.
+    if (!candidate.unread.isEmpty() || row.cells.size() > names.size())
+        candidate.problem = ImportProblem::unreadable;
     return candidate;
 }
 
@@ -182,7 +189,8 @@ ImportFile parse_import_file(const QByteArray& bytes, double unit_offset) {
     // A byte order mark in front goes by itself.
     const QString text = QString::fromUtf8(bytes);
     if (!is_scan_table(text)) return parse_plan_file(text, unit_offset);
-    return {parse_scan_table(text, unit_offset), {}, true};
+    const ScanTable table = parse_scan_table(text, unit_offset);
+    return {table.candidates, {}, table.not_satellite, true};
 }
 
 }  // namespace m47::plans

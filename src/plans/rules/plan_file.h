@@ -25,6 +25,7 @@ QString plan_file_text(const QString& name, const std::vector<programme::Program
 struct ImportFile {
     std::vector<ImportCandidate> candidates;
     QStringList unknown_columns;
+    int not_satellite = 0;  ///< terrestrial and cable channels, none of which is a candidate
     /// False where it is neither a plan nor a scan table, or larger than any plan.
     bool understood = false;
 };

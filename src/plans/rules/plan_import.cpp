@@ -44,7 +44,7 @@ QStringList corrections_of(const ImportCandidate& candidate,
     programme::ProgramRecord before = candidate.record;
     // Another place for the same oscillator changes nothing.
     if (!candidate.oscillator.isEmpty()) before.loc_osc0 = after.loc_osc0;
-    return differences(before, after);
+    return candidate.corrections + differences(before, after);
 }
 
 /// Makes the preview program by program: each one sees those before it as part of the plan.
@@ -184,6 +184,9 @@ QString import_problem_text(ImportProblem problem, const Texts& texts) {
         case ImportProblem::out_of_range:
             return texts.pick({"Left out: the meter cannot tune it.",
                                "Escluso: lo strumento non può sintonizzarlo."});
+        case ImportProblem::rate_out_of_range:
+            return texts.pick({"Left out: the meter measures 1500 to 45000 kS/s.",
+                               "Escluso: lo strumento misura da 1500 a 45000 kS/s."});
         case ImportProblem::unreadable:
             return texts.pick({"Left out: not understood.", "Escluso: non interpretabile."});
         case ImportProblem::none:

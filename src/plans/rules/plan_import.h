@@ -16,9 +16,10 @@ enum class ImportProblem {
     none,
     number_taken,
     position_taken,
-    no_number,      ///< all numbers of the plan are in use
-    no_oscillator,  ///< all oscillators of the plan are in use, at other frequencies
-    out_of_range,   ///< no oscillator brings its frequency into the meter's range
+    no_number,          ///< all numbers of the plan are in use
+    no_oscillator,      ///< all oscillators of the plan are in use, at other frequencies
+    out_of_range,       ///< no oscillator brings its frequency into the meter's range
+    rate_out_of_range,  ///< the meter measures no such symbol rate
     unreadable,
 };
 
@@ -28,6 +29,11 @@ struct ImportCandidate {
     programme::ProgramRecord record;  ///< an empty number asks for the first free one
     QString oscillator{};             ///< MHz; empty: entry `loc_osc0` of the plan as it is
     ImportProblem problem = ImportProblem::none;
+    QStringList unread{};       ///< what is no number though it has to be, "frequenza: abc"
+    QStringList corrections{};  ///< of what the file says, as those of ImportRow
+    QString name{};             ///< of a transponder, where its table has one
+    int streams = 1;            ///< how many entries of the file it stands for
+    bool beyond_qpsk = false;   ///< the meter has no receiver for it, but for its level
 };
 
 /// A program as it will be stored, or why it will not be.
