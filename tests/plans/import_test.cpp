@@ -64,6 +64,23 @@ class ImportTest : public QObject {
                               0);
     }
 
+    /// Numbers 7 and 8, each with a logger line.
+    static std::vector<programme::ProgramRecord> two_programs() {
+        std::vector<programme::ProgramRecord> plan{full_program(), full_program()};
+        plan[1].pg_num = QStringLiteral("008");
+        plan[1].frequenza = QStringLiteral("11000");
+        plan[1].loc_osc0 = 0;
+        plan[1].logger_pos = QStringLiteral("04");
+        return plan;
+    }
+    QByteArray exported(const std::vector<programme::ProgramRecord>& plan) const {
+        return plan_file_text(QStringLiteral("P"), plan, ku_, u'\t').toUtf8();
+    }
+    ImportPreview replacing(const QByteArray& file,
+                            const std::vector<programme::ProgramRecord>& plan) const {
+        return preview_import(parsed(file), plan, ku_, 0, TakenNumbers::replace);
+    }
+
   private Q_SLOTS:
     void a_plan_file_names_every_field() {
         const QString text =
@@ -290,6 +307,96 @@ class ImportTest : public QObject {
         QCOMPARE(preview.rows[2].record.loc_osc0, 0);
         QCOMPARE(preview.rows[2].oscillator, QStringLiteral("10600"));
         QCOMPARE(preview.rows[2].record.frequenza, QStringLiteral("11520"));
+    }
+
+    void an_exported_plan_is_in_the_plan_already() {
+        const std::vector<programme::ProgramRecord> plan = two_programs();
+        const ImportPreview preview = replacing(exported(plan), plan);
+        for (const ImportRow& row : preview.rows) QCOMPARE(row.problem, ImportProblem::as_in_plan);
+        QCOMPARE(preview.rows.size(), std::size_t(2));
+        QCOMPARE(preview.added(), 0);
+    }
+
+    void what_was_edited_replaces_the_program_of_its_number() {
+        const std::vector<programme::ProgramRecord> plan = two_programs();
+        const QByteArray edited = exported(plan).replace("\t11778\t", "\t11798\t");
+        QCOMPARE(preview_import(parsed(edited), plan, ku_, 0).added(), 0);
+        const ImportPreview preview = replacing(edited, plan);
+        QCOMPARE(preview.added(), 1);
+        QCOMPARE(preview.replaced(), 1);
+        QCOMPARE(preview.rows[0].changes, QStringList{"frequenza: 11778 → 11798"});
+        QCOMPARE(*preview.rows[0].replaces, plan[0]);
+        programme::ProgramRecord after = plan[0];
+        after.frequenza = QStringLiteral("11798");
+        QCOMPARE(preview.rows[0].record, after);
+        QCOMPARE(preview.oscillators, ku_);
+    }
+
+    void programs_may_change_their_logger_lines() {
+        const std::vector<programme::ProgramRecord> plan = two_programs();
+        std::vector<programme::ProgramRecord> swapped = plan;
+        std::swap(swapped[0].logger_pos, swapped[1].logger_pos);
+        const ImportPreview preview = replacing(exported(swapped), plan);
+        QCOMPARE(preview.replaced(), 2);
+        QCOMPARE(preview.rows[1].record, swapped[1]);
+    }
+
+    void a_column_that_the_file_lacks_stays_as_it_is() {
+        const std::vector<programme::ProgramRecord> plan = two_programs();
+        const ImportPreview preview =
+            replacing("pg_num,frequenza,mer_min\n7,11800,12\n9,1000,\n", plan);
+        programme::ProgramRecord after = plan[0];
+        after.frequenza = QStringLiteral("11800");
+        after.mer_min = QStringLiteral("12");
+        QCOMPARE(preview.rows[0].record, after);
+        // A program that is new has the usual values there.
+        QCOMPARE(preview.rows[1].record.loc_osc, true);
+        QVERIFY(preview.rows[1].added() && !preview.rows[1].replaces);
+    }
+
+    void limits_that_nobody_edited_stay_in_their_unit() {
+        std::vector<programme::ProgramRecord> plan = two_programs();
+        plan[0].lev_max = QStringLiteral("90");
+        const ImportPreview preview =
+            preview_import(parsed(exported(plan).replace("\t11778\t", "\t11798\t")), plan, ku_, 109,
+                           TakenNumbers::replace);
+        QCOMPARE(preview.rows[0].changes, QStringList{"frequenza: 11778 → 11798"});
+        QCOMPARE(preview.rows[1].problem, ImportProblem::as_in_plan);
+    }
+
+    void a_program_whose_successor_does_not_fit_stays() {
+        const std::vector<programme::ProgramRecord> plan = two_programs();
+        const programme::Oscillators full{"9750", "10600", "5150", "10000"};
+        // The first one has no oscillator, so that the second one's new line is not free.
+        const ImportPreview preview = preview_import(
+            parsed("pg_num,frequenza,oscillator,logger_pos\n7,11800,10700,09\n8,11000,9750,03\n"),
+            plan, full, 0, TakenNumbers::replace);
+        QCOMPARE(preview.rows[0].problem, ImportProblem::no_oscillator);
+        QCOMPARE(preview.rows[1].problem, ImportProblem::position_taken);
+        QCOMPARE(preview.added(), 0);
+    }
+
+    void a_number_that_had_to_be_corrected_replaces_nothing() {
+        std::vector<programme::ProgramRecord> plan = two_programs();
+        plan[0].pg_num = QStringLiteral("099");
+        const ImportPreview preview =
+            replacing("pg_num,frequenza\n150,1000\n8,1000\n8,1001\n", plan);
+        QCOMPARE(preview.rows[0].problem, ImportProblem::number_taken);
+        QVERIFY(preview.rows[1].added());
+        QCOMPARE(preview.rows[2].problem, ImportProblem::number_taken);
+    }
+
+    void what_is_not_ticked_takes_no_place() {
+        std::vector<ImportCandidate> candidates =
+            parsed("frequenza,oscillator\n11000,9750\n11000,10000\n12000,10600\n");
+        candidates[1].wanted = false;
+        const ImportPreview preview = preview_import(candidates, {}, {}, 0);
+        QCOMPARE(one_line_each(preview),
+                 QStringList({"2 000 11000 9750 added ",
+                              QStringLiteral("3  11000 10000 %1 ")
+                                  .arg(static_cast<int>(ImportProblem::unwanted)),
+                              "4 001 12000 10600 added "}));
+        QCOMPARE(preview.oscillators, programme::Oscillators({"9750", "10600"}));
     }
 
     void a_long_file_is_previewed_at_once() {

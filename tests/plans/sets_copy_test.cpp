@@ -16,6 +16,24 @@ void SetsTest::an_import_replaces_the_empty_program() {
              QStringList({"11000", "12000"}));
 }
 
+void SetsTest::an_import_replaces_programs_where_they_stand() {
+    QCOMPARE(store(tuned("7"), true), Clash::none);
+    QCOMPARE(store(tuned("8"), false), Clash::none);
+    const QStringList rows = sql(QStringLiteral("SELECT rowid || ' ' || pg_num FROM programmi"));
+    const ImportFile file = parse_import_file("pg_num,frequenza\n9,1300\n8,1400\n", 0);
+    const ImportPreview preview = preview_import(file.candidates, sets_->programs(),
+                                                 sets_->oscillators(), 0, TakenNumbers::replace);
+    const programme::ProgramRecord before = sets_->programs()[0];
+    sets_->apply_import(preview);
+    QCOMPARE(sets_->programs().size(), std::size_t(3));
+    QCOMPARE(sets_->programs()[0], before);
+    QCOMPARE(sets_->programs()[1].frequenza, QStringLiteral("1400.0"));
+    QCOMPARE(sql(QStringLiteral("SELECT rowid || ' ' || pg_num FROM programmi")).mid(0, 2), rows);
+    // What it was to replace is no longer so.
+    M47_VERIFY_FAULT(sets_->apply_import(preview), "meanwhile");
+    QCOMPARE(sets_->programs().size(), std::size_t(3));
+}
+
 void SetsTest::a_plan_is_copied_field_by_field() {
     sql(QStringLiteral("UPDATE configurazione SET loc_osc3 = 5150, user_sc0 = 'A'"));
     sql(QStringLiteral("UPDATE programmi SET frequenza = 503.25, lnb_volt = NULL"));

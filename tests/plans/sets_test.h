@@ -126,6 +126,8 @@ class SetsTest : public QObject {
 
     void an_import_replaces_the_empty_program();
 
+    void an_import_replaces_programs_where_they_stand();
+
     void a_plan_is_copied_field_by_field();
 
     void a_program_is_copied_with_its_oscillator();

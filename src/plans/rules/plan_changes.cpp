@@ -139,17 +139,31 @@ bool PlanSets::delete_program(const RemovedRows* seen) {
     return deleted;
 }
 
-/// Others may have filled the plan since the user has looked at what is to come.
+/// Others may have filled the plan, or changed in it, since the user has looked at what is to come.
 void PlanSets::need_room_for(const ImportPreview& import) {
     programs_->requery();
     config_->requery();
     if (import.oscillators_before != oscillators()) throw Fault(kOscillatorsChanged);
     std::vector<programme::ProgramRecord> others = programs();
     if (import.replaces_blank) std::erase_if(others, programme::is_blank);
+    for (const ImportRow& row : import.rows) {
+        if (!row.added() || !row.replaces) continue;
+        const auto place = std::ranges::find(others, *row.replaces);
+        if (place == others.end()) throw Fault(kPlanFilledMeanwhile);
+        others.erase(place);
+    }
     for (const ImportRow& row : import.rows)
         if (row.added() && find_clash(others, row.record) != Clash::none)
             throw Fault(kPlanFilledMeanwhile);
     if (import.replaces_blank && !others.empty()) throw Fault(kPlanFilledMeanwhile);
+}
+
+/// Opens the row that `row` is written to: a new one, or that of the program it replaces.
+void PlanSets::open_row_for(const ImportRow& row) {
+    if (!row.replaces) return programs_->add_new();
+    programs_->move_first();
+    while (read(*programs_) != *row.replaces) programs_->move_next();
+    programs_->edit();
 }
 
 void PlanSets::apply_import(const ImportPreview& import) {
@@ -162,7 +176,7 @@ void PlanSets::apply_import(const ImportPreview& import) {
         }
         for (const ImportRow& row : import.rows) {
             if (!row.added()) continue;
-            programs_->add_new();
+            open_row_for(row);
             programs_->set(db::field::kNome, plan_);
             programme::write_program(*programs_, row.record);
             programs_->update();

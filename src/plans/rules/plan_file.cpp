@@ -138,6 +138,7 @@ ImportCandidate candidate_of_row(const QStringList& names, const CellRow& row, d
     const auto cell = [&](const char* name) {
         return row.cells.value(names.indexOf(QString::fromLatin1(name)));
     };
+    candidate.columns = names;
     candidate.oscillator = plain_cell(cell(kOscillatorColumn), false);
     candidate.record.loc_osc = candidate.oscillator.isEmpty();
     if (!candidate.record.loc_osc && !programme::is_number(candidate.oscillator))

@@ -12,10 +12,6 @@ namespace m47::plans {
 /// No plan and no scan table is larger, in bytes.
 inline constexpr qint64 kLargestPlanFile = qint64{1024} * 1024;
 
-/// The column of a plan file behind those of the table: the MHz of the program's oscillator, since
-/// its number alone says nothing in another plan.
-inline constexpr const char* kOscillatorColumn = "oscillator";
-
 /// The plan `name` as a text with one line a program under a line of field names, separated by
 /// `separator` (TAB or comma), numbers with ".".
 QString plan_file_text(const QString& name, const std::vector<programme::ProgramRecord>& programs,

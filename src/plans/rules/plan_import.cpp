@@ -5,11 +5,12 @@
 
 #include "box_numbers.h"
 #include "diseqc_commands.h"
-#include "fields.h"
 #include "numbers.h"
 #include "plan_clashes.h"
 #include "program_checks.h"
+#include "program_differences.h"
 #include "program_limits.h"
+#include "replaced_programs.h"
 #include "used_numbers.h"
 
 namespace m47::plans {
@@ -21,30 +22,12 @@ QString checked_position(const QString& text) {
     return good ? link::format_number(line, "00") : QString();
 }
 
-QStringList differences(const programme::ProgramRecord& before,
-                        const programme::ProgramRecord& after) {
-    QStringList list;
-    for (const programme::ProgramField& field : programme::program_fields()) {
-        const QString old_text = programme::field_text(before, field);
-        const QString new_text = programme::field_text(after, field);
-        // Another form of the same number is no correction, nor is what fills a gap.
-        const bool gap =
-            old_text.isEmpty() && QLatin1String(field.name) != QLatin1String(db::field::kFrequenza);
-        if (gap || old_text == new_text) continue;
-        if (programme::is_number(old_text) && programme::is_number(new_text) &&
-            link::typed_value(old_text) == link::typed_value(new_text))
-            continue;
-        list += QStringLiteral("%1: %2 → %3").arg(QLatin1String(field.name), old_text, new_text);
-    }
-    return list;
-}
-
 QStringList corrections_of(const ImportCandidate& candidate,
                            const programme::ProgramRecord& after) {
     programme::ProgramRecord before = candidate.record;
     // Another place for the same oscillator changes nothing.
     if (!candidate.oscillator.isEmpty()) before.loc_osc0 = after.loc_osc0;
-    return candidate.corrections + differences(before, after);
+    return candidate.corrections + program_corrections(before, after);
 }
 
 /// Makes the preview program by program: each one sees those before it as part of the plan.
@@ -52,21 +35,33 @@ class Importer {
   public:
     Importer(const std::vector<ImportCandidate>& candidates,
              const std::vector<programme::ProgramRecord>& programs,
-             const programme::Oscillators& oscillators, std::optional<double> unit_offset)
-        : taken_(programs), unit_offset_(unit_offset) {
+             const programme::Oscillators& oscillators, std::optional<double> unit_offset,
+             const NumberedPrograms& replaced)
+        : taken_(programs), unit_offset_(unit_offset), replaced_(replaced) {
         preview_.oscillators = preview_.oscillators_before = oscillators;
         preview_.replaces_blank = taken_.size() == 1 && programme::is_blank(taken_.front());
         if (preview_.replaces_blank) taken_.clear();
         for (const programme::ProgramRecord& program : taken_) used_.take(program);
+        for (const auto& [number, program] : replaced_) leave_place(program);
         // Numbers that the file names anywhere are left to those programs.
         for (const ImportCandidate& candidate : candidates)
-            if (candidate.problem == ImportProblem::none) reserve(candidate.record);
+            if (candidate.comes()) reserve(candidate.record);
     }
 
+    ImportPreview preview_of(const std::vector<ImportCandidate>& candidates) {
+        for (const ImportCandidate& candidate : candidates) take(candidate);
+        tune_again(candidates);
+        compare(candidates);
+        if (preview_.added() == 0) preview_.replaces_blank = false;
+        return preview_;
+    }
+
+  private:
     void take(const ImportCandidate& candidate) {
         ImportRow row{
             candidate.line, candidate.record, candidate.oscillator, {}, candidate.problem};
-        if (row.added()) row.problem = fit(row);
+        if (row.added() && !candidate.wanted) row.problem = ImportProblem::unwanted;
+        if (row.added()) row.problem = fit(row, candidate);
         if (row.added()) {
             taken_.push_back(row.record);
             used_.take(row.record);
@@ -85,19 +80,46 @@ class Importer {
         }
     }
 
-    ImportPreview result() {
-        if (preview_.added() == 0) preview_.replaces_blank = false;
-        return preview_;
+    /// A program that is as the plan has it does not come, but keeps its place.
+    void compare(const std::vector<ImportCandidate>& candidates) {
+        for (std::size_t k = 0; k < candidates.size(); ++k) {
+            ImportRow& row = preview_.rows[k];
+            if (!row.added() || !row.replaces) continue;
+            keep_unedited(row.record, candidates[k].record, *row.replaces, is_tuned_as_before(row));
+            row.corrections = corrections_of(candidates[k], row.record);
+            row.changes = program_differences(*row.replaces, row.record);
+            if (row.changes.isEmpty()) row.problem = ImportProblem::as_in_plan;
+        }
     }
 
-  private:
     void reserve(programme::ProgramRecord program) {
         if (program.pg_num.isEmpty()) return;
         program.pg_num = checked_program_number(program.pg_num);
         used_.take(program);
     }
 
-    ImportProblem fit(ImportRow& row) {
+    /// The program goes, and nothing stands in the way of the one that takes its place.
+    void leave_place(const programme::ProgramRecord& program) {
+        const auto place = std::ranges::find(taken_, program);
+        if (place != taken_.end()) taken_.erase(place);
+    }
+
+    void replace(ImportRow& row, const ImportCandidate& candidate) {
+        const auto number = number_of(row.record);
+        if (!number || !replaced_.contains(*number)) return;
+        row.replaces = replaced_.at(*number);
+        keep_other_columns(row.record, candidate, *row.replaces);
+    }
+
+    bool is_tuned_as_before(const ImportRow& row) const {
+        const programme::ProgramRecord& before = *row.replaces;
+        if (row.record.loc_osc != before.loc_osc) return false;
+        const QString& mhz = preview_.oscillators_before[programme::oscillator_entry(before)];
+        return before.loc_osc || is_same_value(row.oscillator, mhz);
+    }
+
+    ImportProblem fit(ImportRow& row, const ImportCandidate& candidate) {
+        replace(row, candidate);
         programme::ProgramRecord& record = row.record;
         record.pg_num =
             record.pg_num.isEmpty() ? used_.first_free() : checked_program_number(record.pg_num);
@@ -136,13 +158,45 @@ class Importer {
     std::vector<programme::ProgramRecord> taken_;
     UsedNumbers used_;
     std::optional<double> unit_offset_;
+    NumberedPrograms replaced_;
     ImportPreview preview_;
 };
+
+/// Those of `replaced` whose place a program of the file really takes.
+NumberedPrograms really_replaced(const ImportPreview& preview, const NumberedPrograms& replaced) {
+    NumberedPrograms taken;
+    for (const ImportRow& row : preview.rows) {
+        const bool placed = row.added() || row.problem == ImportProblem::as_in_plan;
+        const auto number = number_of(row.record);
+        if (placed && row.replaces && number) taken.emplace(*number, replaced.at(*number));
+    }
+    return taken;
+}
+
+/// Of the rows that were to replace a program and cannot, why: the number alone is no reason.
+void keep_reasons(const ImportPreview& preview, std::vector<ImportProblem>& reasons) {
+    for (std::size_t k = 0; k < preview.rows.size(); ++k) {
+        const ImportRow& row = preview.rows[k];
+        if (row.replaces && !row.added()) reasons[k] = row.problem;
+    }
+}
+
+void tell_reasons(ImportPreview& preview, const std::vector<ImportProblem>& reasons) {
+    for (std::size_t k = 0; k < reasons.size(); ++k)
+        if (reasons[k] != ImportProblem::none &&
+            preview.rows[k].problem == ImportProblem::number_taken)
+            preview.rows[k].problem = reasons[k];
+}
 
 }  // namespace
 
 int ImportPreview::added() const {
     return static_cast<int>(std::ranges::count_if(rows, &ImportRow::added));
+}
+
+int ImportPreview::replaced() const {
+    return static_cast<int>(std::ranges::count_if(
+        rows, [](const ImportRow& row) { return row.added() && row.replaces; }));
 }
 
 programme::ProgramRecord import_defaults(double unit_offset) {
@@ -163,11 +217,22 @@ programme::ProgramRecord import_defaults(double unit_offset) {
 ImportPreview preview_import(const std::vector<ImportCandidate>& candidates,
                              const std::vector<programme::ProgramRecord>& programs,
                              const programme::Oscillators& oscillators,
-                             std::optional<double> unit_offset) {
-    Importer importer(candidates, programs, oscillators, unit_offset);
-    for (const ImportCandidate& candidate : candidates) importer.take(candidate);
-    importer.tune_again(candidates);
-    return importer.result();
+                             std::optional<double> unit_offset, TakenNumbers taken) {
+    NumberedPrograms replaced;
+    if (taken == TakenNumbers::replace) replaced = named_programs(programs, candidates);
+    std::vector<ImportProblem> reasons(candidates.size(), ImportProblem::none);
+    for (;;) {
+        Importer importer(candidates, programs, oscillators, unit_offset, replaced);
+        ImportPreview preview = importer.preview_of(candidates);
+        const NumberedPrograms placed = really_replaced(preview, replaced);
+        if (placed.size() == replaced.size()) {
+            tell_reasons(preview, reasons);
+            return preview;
+        }
+        // Where the new one does not fit, the old one stays, and that with all that it takes up.
+        keep_reasons(preview, reasons);
+        replaced = placed;
+    }
 }
 
 QString import_problem_text(ImportProblem problem, const Texts& texts) {
@@ -189,6 +254,10 @@ QString import_problem_text(ImportProblem problem, const Texts& texts) {
                                "Escluso: lo strumento misura da 1500 a 45000 kS/s."});
         case ImportProblem::unreadable:
             return texts.pick({"Left out: not understood.", "Escluso: non interpretabile."});
+        case ImportProblem::unwanted:
+            return texts.pick({"Not ticked.", "Non spuntato."});
+        case ImportProblem::as_in_plan:
+            return texts.pick({"As in the plan.", "Come nel piano."});
         case ImportProblem::none:
             break;
     }

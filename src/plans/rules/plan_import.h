@@ -11,6 +11,10 @@
 
 namespace m47::plans {
 
+/// The column of a plan file behind those of the table: the MHz of the program's oscillator, since
+/// its number alone says nothing in another plan.
+inline constexpr const char* kOscillatorColumn = "oscillator";
+
 /// Why a program of a file does not come into the plan.
 enum class ImportProblem {
     none,
@@ -21,6 +25,8 @@ enum class ImportProblem {
     out_of_range,       ///< no oscillator brings its frequency into the meter's range
     rate_out_of_range,  ///< the meter measures no such symbol rate
     unreadable,
+    unwanted,    ///< the user does not want it
+    as_in_plan,  ///< the plan has it already, field by field
 };
 
 /// A program as a file describes it.
@@ -34,6 +40,11 @@ struct ImportCandidate {
     QString name{};             ///< of a transponder, where its table has one
     int streams = 1;            ///< how many entries of the file it stands for
     bool beyond_qpsk = false;   ///< the meter has no receiver for it, but for its level
+    QStringList columns{};      ///< that its file has, by the names of their fields
+    bool wanted = true;
+
+    /// True where nothing in the file and no choice of the user's is against it.
+    bool comes() const { return wanted && problem == ImportProblem::none; }
 };
 
 /// A program as it will be stored, or why it will not be.
@@ -43,11 +54,14 @@ struct ImportRow {
     QString oscillator;
     QStringList corrections;  ///< "frequenza: 500 → 920.0"
     ImportProblem problem = ImportProblem::none;
+    std::optional<programme::ProgramRecord> replaces{};  ///< the program of the plan, as it was
+    QStringList changes{};                               ///< of that one, as `corrections`
 
+    /// True where it will be stored, as a new program or over one of the plan.
     bool added() const { return problem == ImportProblem::none; }
 };
 
-/// What an import will do, before anything is written.
+/// What an import will do, before anything is written; a row for each candidate, in their order.
 struct ImportPreview {
     std::vector<ImportRow> rows;
     programme::Oscillators oscillators;         ///< of the plan after the import
@@ -55,18 +69,24 @@ struct ImportPreview {
     bool replaces_blank = false;  ///< the one program that a new plan starts with goes
 
     int added() const;
+    int replaced() const;
 };
+
+/// What is done with a program whose number the plan has already.
+enum class TakenNumbers { leave_out, replace };
 
 /// The program that a file's gaps are filled from: tuned directly, no supply, no DiSEqC command,
 /// the widest alarm limits in the unit that lies `unit_offset` dB below dBuV.
 programme::ProgramRecord import_defaults(double unit_offset);
 
 /// What becomes of `candidates` in a plan that holds `programs` and `oscillators`. Without a
-/// `unit_offset` their level limits stay as they are.
+/// `unit_offset` their level limits stay as they are. Where a program is replaced, what the file
+/// says as the plan has it, or not at all, stays as it is stored.
 ImportPreview preview_import(const std::vector<ImportCandidate>& candidates,
                              const std::vector<programme::ProgramRecord>& programs,
                              const programme::Oscillators& oscillators,
-                             std::optional<double> unit_offset);
+                             std::optional<double> unit_offset,
+                             TakenNumbers taken = TakenNumbers::leave_out);
 
 QString import_problem_text(ImportProblem problem, const Texts& texts);
 

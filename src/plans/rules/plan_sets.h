@@ -107,7 +107,8 @@ class PlanSets {
                        std::optional<double> unit_offset, bool over,
                        const StoredProgram* known = nullptr);
 
-    /// Adds what `import` says to the current plan.
+    /// Adds what `import` says to the current plan and replaces in it what it says. A Fault where
+    /// the plan is no longer as it was when `import` was made.
     void apply_import(const ImportPreview& import);
 
     /// Makes the plan `name` as a copy of the current one, and makes it current. False, and nothing
@@ -135,6 +136,7 @@ class PlanSets {
     std::vector<db::Bookmark> out_of_range(int index, const QString& oscillator) const;
     void check_programs(const std::vector<db::Bookmark>& rows, const QString& oscillator);
     void need_room_for(const ImportPreview& import);
+    void open_row_for(const ImportRow& row);
     void begin_checks();
     void tell_checked();
     void reopen(std::optional<db::Bookmark> current);
