@@ -182,7 +182,7 @@ void PlanScreenTest::a_cell_of_a_file_is_plain_text_in_the_preview() {
         file_with(QStringLiteral("some.csv"), "frequenza,qpsk_symbolrate\n1000,<b>x</b>\n");
     answering_each(pressed("cmdimport"), {choosing(file), [](QWidget* front) {
                                               const auto* cell =
-                                                  front->findChild<QTableWidget*>()->item(0, 5);
+                                                  front->findChild<QTableWidget*>()->item(0, 8);
                                               const QString text = cell->text();
                                               const QString tip = cell->toolTip();
                                               qobject_cast<QDialog*>(front)->reject();

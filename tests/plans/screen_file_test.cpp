@@ -118,6 +118,122 @@ void PlanScreenTest::transponders_of_a_scan_table_are_imported_and_uploaded() {
     QCOMPARE(meter_keeps(QStringLiteral("logger-line")), QStringList());
 }
 
+namespace {
+
+QString cell_of(QWidget* front, int row, int column) {
+    return front->findChild<QTableWidget*>(QStringLiteral("import_table"))
+        ->item(row, column)
+        ->text();
+}
+
+QString summary_of(QWidget* front) {
+    return front->findChild<QLabel*>(QStringLiteral("import_summary"))->text();
+}
+
+void tick(QWidget* front, int row, bool wanted) {
+    front->findChild<QTableWidget*>(QStringLiteral("import_table"))
+        ->item(row, 0)
+        ->setCheckState(wanted ? Qt::Checked : Qt::Unchecked);
+}
+
+}  // namespace
+
+void PlanScreenTest::the_rows_of_an_import_are_chosen() {
+    start_alone();
+    new_plan(QStringLiteral("B"));
+    const QString table = file_with(
+        QStringLiteral("scan"),
+        "[Sky UK]\nDELIVERY_SYSTEM = DVBS\nFREQUENCY = 10719000\nPOLARIZATION = VERTICAL\n"
+        "SYMBOL_RATE = 27500000\n[Rai]\nDELIVERY_SYSTEM = DVBS2\nFREQUENCY = 11766000\n"
+        "POLARIZATION = HORIZONTAL\nSYMBOL_RATE = 29900000\nSTREAM_ID = 1\n"
+        "[Rai]\nDELIVERY_SYSTEM = DVBS2\nFREQUENCY = 11766000\n"
+        "POLARIZATION = HORIZONTAL\nSYMBOL_RATE = 29900000\nSTREAM_ID = 2\n"
+        "[X]\nDELIVERY_SYSTEM = DVBS\nFREQUENCY = 11800000\nPOLARIZATION = LEFT\n"
+        "SYMBOL_RATE = 27x\n[CHANNEL]\nDELIVERY_SYSTEM = DVBT\nFREQUENCY = 594000000\n");
+    QStringList rows;
+    answering_each(pressed("cmdimport"), {choosing(table), [&](QWidget* front) {
+                                              for (int row = 0; row < 3; ++row) {
+                                                  QStringList cells;
+                                                  for (int column = 1; column < 9; ++column)
+                                                      cells += cell_of(front, row, column);
+                                                  rows += cells.join(u'|');
+                                              }
+                                              rows += summary_of(front);
+                                              tick(front, 0, false);
+                                              rows += cell_of(front, 0, 8);
+                                              rows += cell_of(front, 1, 1);
+                                              rows += summary_of(front).section(u'\n', 0, 0);
+                                              choose(front, "import_none");
+                                              rows += summary_of(front).section(u'\n', 0, 0);
+                                              choose(front, "import_all");
+                                              // A selection is ticked as one.
+                                              front->findChild<QTableWidget*>()->selectAll();
+                                              tick(front, 0, false);
+                                              rows += summary_of(front).section(u'\n', 0, 0);
+                                              front->findChild<QTableWidget*>()->clearSelection();
+                                              tick(front, 1, true);
+                                              accepting()(front);
+                                          }});
+    QCOMPARE(rows,
+             QStringList({
+                 "000|Sky UK|10719|V|OFF|9750|27500|Added",
+                 "001|Rai|11766|H|ON|10600|29900|Added; 2 streams of one transponder; DVB-S2 or "
+                 "8PSK: the meter measures QPSK, of this the level alone",
+                 "|X|11800|H|OFF|||Left out: not understood. SYMBOL_RATE: 27X",
+                 "2 of 3 programs will be added.\nThey replace the empty program of the new plan.\n"
+                 "Terrestrial and cable channels left out: 1.",
+                 "Not ticked.",
+                 "000",
+                 "1 of 3 programs will be added.",
+                 "0 of 3 programs will be added.",
+                 "0 of 3 programs will be added.",
+             }));
+    QCOMPARE(stored(QStringLiteral("frequenza")), QStringLiteral("11766.0"));
+}
+
+void PlanScreenTest::an_exported_plan_comes_back_edited() {
+    start_alone();
+    click("ol_opt_0");
+    type("sat_freq_txt", QStringLiteral("1234.5"));
+    type("prog_num", QStringLiteral("7"));
+    press("store");
+    enter("prog_num", QStringLiteral("8"));
+    const QString path = in_folder(QStringLiteral("out.tsv"));
+    answering(pressed("cmdexport"), choosing(path));
+    const QString numbers = stored(QStringLiteral("pg_num"));
+    QByteArray text = content_of(path);
+    text.replace(text.indexOf("1234.5"), 6, "1300.5");
+    const QString edited = file_with(QStringLiteral("edited.tsv"), text);
+    QStringList told;
+    answering_each(
+        pressed("cmdimport"),
+        {choosing(edited), [&](QWidget* front) {
+             told += cell_of(front, 0, 8);
+             front->findChild<QCheckBox*>(QStringLiteral("import_replace"))->setChecked(true);
+             told += cell_of(front, 0, 8);
+             told += cell_of(front, 1, 8);
+             told += summary_of(front);
+             accepting()(front);
+         }});
+    QCOMPARE(told, QStringList({"The Programme in the data base already exist.",
+                                "Replaces the program of the plan: frequenza: 1234.5 → 1300.5",
+                                "As in the plan.",
+                                "0 of 2 programs will be added.\nPrograms of the plan that will be "
+                                "replaced: 1."}));
+    QCOMPARE(stored(QStringLiteral("pg_num")), numbers);
+    QCOMPARE(stored(QStringLiteral("frequenza")).section(u',', 0, 0), QStringLiteral("1300.5"));
+}
+
+void PlanScreenTest::a_table_without_satellites_is_told_once() {
+    start_alone();
+    const QString table =
+        file_with(QStringLiteral("roof"), "T 594000000 8MHz\nC 121000000 6900000\n");
+    answering_each(pressed("cmdimport"), {choosing(table), pressing(QMessageBox::Ok)});
+    QVERIFY2(told_.constLast().contains(
+                 QStringLiteral("roof is a table of terrestrial or cable channels.")),
+             qPrintable(told_.constLast()));
+}
+
 void PlanScreenTest::without_a_plan_one_message_says_so() {
     start_alone(kEnglish);
     for (const char* table : {"gruppo", "programmi", "configurazione"})

@@ -171,7 +171,7 @@ void PlanScreenTest::a_file_is_imported_after_its_preview_and_exported() {
             auto* table = dialog->findChild<QTableWidget*>();
             results.clear();
             for (int row = 0; row < table->rowCount(); ++row)
-                results += table->item(row, 0)->text() + u'|' + table->item(row, 5)->text();
+                results += table->item(row, 0)->text() + u'|' + table->item(row, 8)->text();
             accept ? dialog->accept() : dialog->reject();
         };
     };

@@ -223,6 +223,12 @@ class PlanScreenTest : public QObject, protected ProgramInFolder {
 
     void transponders_of_a_scan_table_are_imported_and_uploaded();
 
+    void the_rows_of_an_import_are_chosen();
+
+    void an_exported_plan_comes_back_edited();
+
+    void a_table_without_satellites_is_told_once();
+
     void without_a_plan_one_message_says_so();
 
     void a_plan_without_programs_or_oscillators_can_still_be_filled();

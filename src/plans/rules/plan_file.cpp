@@ -143,11 +143,13 @@ ImportCandidate candidate_of_row(const QStringList& names, const CellRow& row, d
     candidate.record.loc_osc = candidate.oscillator.isEmpty();
     if (!candidate.record.loc_osc && !programme::is_number(candidate.oscillator))
         note_unread(candidate, kOscillatorColumn, candidate.oscillator);
-    for (const programme::ProgramField& field : programme::program_fields())
+    for (const programme::ProgramField& field : programme::program_fields()) {
+        const QString text = cell(field.name);
         // Without a frequency there is no program; all else has a usual value.
-        if (const QString text = cell(field.name);
-            !text.isEmpty() || QLatin1String(field.name) == QLatin1String(db::field::kFrequenza))
-            take_cell(candidate, field, text);
+        const bool needed = QLatin1String(field.name) == QLatin1String(db::field::kFrequenza);
+        if (text.isEmpty()) candidate.empty_cells += QString::fromLatin1(field.name);
+        if (needed || !text.isEmpty()) take_cell(candidate, field, text);
+    }
     // With a cell too many, a decimal comma for example, all behind it are in the wrong column.
     if (!candidate.unread.isEmpty() || row.cells.size() > names.size())
         candidate.problem = ImportProblem::unreadable;

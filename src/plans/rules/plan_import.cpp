@@ -85,7 +85,7 @@ class Importer {
         for (std::size_t k = 0; k < candidates.size(); ++k) {
             ImportRow& row = preview_.rows[k];
             if (!row.added() || !row.replaces) continue;
-            keep_unedited(row.record, candidates[k].record, *row.replaces, is_tuned_as_before(row));
+            keep_unedited(row.record, candidates[k], *row.replaces, is_tuned_as_before(row));
             row.corrections = corrections_of(candidates[k], row.record);
             row.changes = program_differences(*row.replaces, row.record);
             if (row.changes.isEmpty()) row.problem = ImportProblem::as_in_plan;

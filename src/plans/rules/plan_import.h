@@ -41,6 +41,7 @@ struct ImportCandidate {
     int streams = 1;            ///< how many entries of the file it stands for
     bool beyond_qpsk = false;   ///< the meter has no receiver for it, but for its level
     QStringList columns{};      ///< that its file has, by the names of their fields
+    QStringList empty_cells{};  ///< those of them in which nothing stands
     bool wanted = true;
 
     /// True where nothing in the file and no choice of the user's is against it.

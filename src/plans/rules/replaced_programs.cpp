@@ -53,13 +53,15 @@ void keep_other_columns(programme::ProgramRecord& record, const ImportCandidate&
             programme::set_field(record, field, programme::field_text(program, field));
 }
 
-void keep_unedited(programme::ProgramRecord& record, const programme::ProgramRecord& said,
+void keep_unedited(programme::ProgramRecord& record, const ImportCandidate& candidate,
                    const programme::ProgramRecord& program, bool same_tuning) {
     for (const programme::ProgramField& field : programme::program_fields()) {
         if (is_field(field, db::field::kLocOsc0)) continue;
         if (is_field(field, db::field::kFrequenza) && !same_tuning) continue;
         const QString stored = programme::field_text(program, field);
-        if (is_same_value(programme::field_text(said, field), stored))
+        const bool unset =
+            stored.isEmpty() && candidate.empty_cells.contains(QLatin1String(field.name));
+        if (unset || is_same_value(programme::field_text(candidate.record, field), stored))
             programme::set_field(record, field, stored);
     }
 }

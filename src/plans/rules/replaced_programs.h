@@ -23,9 +23,10 @@ NumberedPrograms named_programs(const std::vector<programme::ProgramRecord>& pro
 void keep_other_columns(programme::ProgramRecord& record, const ImportCandidate& candidate,
                         const programme::ProgramRecord& program);
 
-/// What the file says as `program` has it stays as it is stored, whatever a check made of it in
-/// `record`; the frequency only where `same_tuning`, and never the oscillator's entry.
-void keep_unedited(programme::ProgramRecord& record, const programme::ProgramRecord& said,
+/// What the candidate says as `program` has it, unset fields too, stays as it is stored, whatever a
+/// check made of it in `record`; the frequency only where `same_tuning`, and never the oscillator's
+/// entry.
+void keep_unedited(programme::ProgramRecord& record, const ImportCandidate& candidate,
                    const programme::ProgramRecord& program, bool same_tuning);
 
 }  // namespace m47::plans

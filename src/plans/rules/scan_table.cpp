@@ -115,8 +115,9 @@ ImportCandidate candidate_of(const Transponder& transponder, double unit_offset)
     const double rate = positive(transponder.symbol_rate) / kKilo;
     programme::ProgramRecord& record = candidate.record;
     record.sat_ad = true;
-    record.frequenza = programme::frequency_box_text(khz / kKilo, false);
-    record.qpsk_symbolrate = link::format_number(rate, "0");
+    // What is no number is shown as nothing, and not as 0.
+    record.frequenza = khz > 0 ? programme::frequency_box_text(khz / kKilo, false) : QString();
+    record.qpsk_symbolrate = rate > 0 ? link::format_number(rate, "0") : QString();
     record.lnb_volt = supply_of(polarisation_letter(transponder));
     candidate.unread = unread_entries(transponder);
     if (!candidate.unread.isEmpty())

@@ -2,10 +2,11 @@
 #include "import_dialog.h"
 
 #include <QDialogButtonBox>
-#include <QLabel>
-#include <QPushButton>
+#include <QHBoxLayout>
+#include <QSignalBlocker>
 #include <QVBoxLayout>
 
+#include "import_words.h"
 #include "text_table.h"
 #include "tooltips.h"
 
@@ -15,76 +16,127 @@ namespace {
 constexpr Bilingual kImportTitle{"Import programs", "Importa programmi"};
 constexpr Bilingual kImportButton{"Import", "Importa"};
 constexpr Bilingual kCancelButton{"Cancel", "Annulla"};
-constexpr Bilingual kAddedOf{"%1 of %2 programs will be added.",
-                             "Verranno aggiunti %1 programmi su %2."};
-constexpr Bilingual kBlankGoes{"They replace the empty program of the new plan.",
-                               "Sostituiscono il programma vuoto del nuovo piano."};
-constexpr Bilingual kIgnoredColumns{"Columns not used: %1", "Colonne non usate: %1"};
-constexpr Bilingual kImportColumns[] = {{"File line", "Riga del file"}, {"Program", "Programma"},
-                                        {"Freq MHz", "Freq MHz"},       {"L.O. MHz", "O.L. MHz"},
-                                        {"Symbol rate", "SymbolRate"},  {"Result", "Risultato"}};
-constexpr Bilingual kWillBeAdded{"Added", "Aggiunto"};
-constexpr Bilingual kWillBeCorrected{"Added, corrected: %1", "Aggiunto, corretto: %1"};
+constexpr Bilingual kReplace{"&Replace programs by number", "&Sostituisci i programmi per numero"};
+constexpr Bilingual kTickAll{"Tick &all", "Spunta &tutti"};
+constexpr Bilingual kTickNone{"Tick &none", "Spunta &nessuno"};
+constexpr Bilingual kTickTip{"A tick on one of several selected rows holds for all of them.",
+                             "La spunta su una di più righe selezionate vale per tutte."};
 
-QString result_of(const ImportRow& row, const Texts& texts) {
-    if (!row.added()) return import_problem_text(row.problem, texts);
-    if (row.corrections.isEmpty()) return texts.pick(kWillBeAdded);
-    return texts.pick(kWillBeCorrected).arg(row.corrections.join(QStringLiteral("; ")));
-}
+constexpr int kTickColumn = 0;
 
-QStringList cells_of(const ImportRow& row, const Texts& texts) {
-    const programme::ProgramRecord& record = row.record;
-    return {QString::number(row.line),
-            record.pg_num,
-            record.frequenza,
-            row.oscillator,
-            record.sat_ad ? record.qpsk_symbolrate : QString(),
-            result_of(row, texts)};
-}
-
-QTableWidget* table_of_import(const ImportPreview& preview, const Texts& texts) {
-    QList<QStringList> rows;
-    for (const ImportRow& row : preview.rows) rows.append(cells_of(row, texts));
-    QTableWidget* table = text_table("import_table", kImportColumns, rows, texts);
-    table->setSelectionBehavior(QAbstractItemView::SelectRows);
-    for (int row = 0; row < table->rowCount(); ++row)
-        for (int column = 0; column < table->columnCount(); ++column)
-            table->item(row, column)->setToolTip(plain_tooltip(table->item(row, column)->text()));
-    return table;
-}
-
-QString summary_of(const ImportPreview& preview, const QStringList& unknown_columns,
-                   const Texts& texts) {
-    QStringList lines{texts.pick(kAddedOf).arg(preview.added()).arg(preview.rows.size())};
-    if (preview.replaces_blank) lines += texts.pick(kBlankGoes);
-    if (!unknown_columns.isEmpty())
-        lines += texts.pick(kIgnoredColumns).arg(unknown_columns.join(QStringLiteral(", ")));
-    return lines.join(u'\n');
+Qt::CheckState state_of(bool wanted) {
+    return wanted ? Qt::Checked : Qt::Unchecked;
 }
 
 }  // namespace
 
-ImportDialog::ImportDialog(const ImportPreview& preview, const QStringList& unknown_columns,
-                           const Texts& texts, QWidget* parent)
-    : QDialog(parent) {
+ImportDialog::ImportDialog(const ImportFile& file, ImportPreviewer previewer, const Texts& texts,
+                           QWidget* parent)
+    : QDialog(parent),
+      file_(file),
+      previewer_(std::move(previewer)),
+      texts_(texts),
+      preview_(previewer_(file_.candidates, TakenNumbers::leave_out)),
+      summary_(new QLabel),
+      replace_(new QCheckBox(texts.pick(kReplace))) {
     setObjectName(QStringLiteral("import_preview"));
     setWindowTitle(texts.pick(kImportTitle));
-    auto* summary = new QLabel(summary_of(preview, unknown_columns, texts));
-    summary->setObjectName(QStringLiteral("import_summary"));
-    summary->setTextFormat(Qt::PlainText);
-    summary->setWordWrap(true);
+    summary_->setObjectName(QStringLiteral("import_summary"));
+    summary_->setTextFormat(Qt::PlainText);
+    summary_->setWordWrap(true);
+    table_ = make_table();
     auto* buttons = new QDialogButtonBox;
-    auto* import_button =
-        buttons->addButton(texts.pick(kImportButton), QDialogButtonBox::AcceptRole);
-    import_button->setEnabled(preview.added() > 0);
+    import_ = buttons->addButton(texts.pick(kImportButton), QDialogButtonBox::AcceptRole);
     buttons->addButton(texts.pick(kCancelButton), QDialogButtonBox::RejectRole);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(summary);
-    layout->addWidget(table_of_import(preview, texts));
+    layout->addWidget(summary_);
+    layout->addWidget(make_choices());
+    layout->addWidget(table_);
     layout->addWidget(buttons);
-    resize(fontMetrics().averageCharWidth() * 120, fontMetrics().height() * 26);
+    look_again();
+    resize(fontMetrics().averageCharWidth() * 140, fontMetrics().height() * 28);
+}
+
+QTableWidget* ImportDialog::make_table() {
+    QList<QStringList> rows;
+    bool named = false;
+    for (std::size_t row = 0; row < preview_.rows.size(); ++row) {
+        rows.append(import_cells(file_.candidates[row], preview_.rows[row], texts_));
+        named = named || !file_.candidates[row].name.isEmpty();
+    }
+    QTableWidget* table = text_table("import_table", import_columns(), rows, texts_);
+    table->setSelectionBehavior(QAbstractItemView::SelectRows);
+    table->setColumnHidden(kImportNameColumn, !named);
+    // What the file itself does not allow has no tick.
+    for (int row = 0; row < table->rowCount(); ++row)
+        if (file_.candidates[static_cast<std::size_t>(row)].problem == ImportProblem::none)
+            table->item(row, kTickColumn)->setCheckState(Qt::Checked);
+    table->resizeColumnToContents(kTickColumn);
+    connect(table, &QTableWidget::itemChanged, this, &ImportDialog::tick);
+    return table;
+}
+
+QWidget* ImportDialog::make_choices() {
+    auto* row = new QWidget;
+    auto* layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    add_tick_key(row, "import_all", kTickAll, true);
+    add_tick_key(row, "import_none", kTickNone, false);
+    replace_->setObjectName(QStringLiteral("import_replace"));
+    layout->addWidget(replace_);
+    layout->addStretch();
+    connect(replace_, &QCheckBox::toggled, this, &ImportDialog::look_again);
+    return row;
+}
+
+void ImportDialog::add_tick_key(QWidget* row, const char* name, const Bilingual& caption,
+                                bool wanted) {
+    auto* key = new QPushButton(texts_.pick(caption));
+    key->setObjectName(QLatin1String(name));
+    key->setAutoDefault(false);
+    key->setToolTip(texts_.pick(kTickTip));
+    connect(key, &QPushButton::clicked, this, [this, wanted] { tick_all(wanted); });
+    row->layout()->addWidget(key);
+}
+
+void ImportDialog::tick(QTableWidgetItem* item) {
+    if (item->column() != kTickColumn) return;
+    const bool wanted = item->checkState() == Qt::Checked;
+    file_.candidates[static_cast<std::size_t>(item->row())].wanted = wanted;
+    if (item->isSelected())
+        for (const QModelIndex& selected : table_->selectionModel()->selectedRows())
+            file_.candidates[static_cast<std::size_t>(selected.row())].wanted = wanted;
+    look_again();
+}
+
+void ImportDialog::tick_all(bool wanted) {
+    for (ImportCandidate& candidate : file_.candidates) candidate.wanted = wanted;
+    look_again();
+}
+
+/// What one row leaves free another one takes, so all of them are shown anew.
+void ImportDialog::look_again() {
+    preview_ = previewer_(file_.candidates,
+                          replace_->isChecked() ? TakenNumbers::replace : TakenNumbers::leave_out);
+    const QSignalBlocker quiet(table_);
+    for (int row = 0; row < table_->rowCount(); ++row) show_row(row);
+    table_->viewport()->update();
+    summary_->setText(import_summary(file_, preview_, texts_));
+    import_->setEnabled(preview_.added() > 0);
+}
+
+void ImportDialog::show_row(int row) {
+    const auto index = static_cast<std::size_t>(row);
+    const ImportCandidate& candidate = file_.candidates[index];
+    const QStringList cells = import_cells(candidate, preview_.rows[index], texts_);
+    for (int column = 0; column < cells.size(); ++column) {
+        table_->item(row, column)->setText(cells[column]);
+        table_->item(row, column)->setToolTip(plain_tooltip(cells[column]));
+    }
+    if (candidate.problem == ImportProblem::none)
+        table_->item(row, kTickColumn)->setCheckState(state_of(candidate.wanted));
 }
 
 }  // namespace m47::plans

@@ -1,20 +1,50 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QCheckBox>
 #include <QDialog>
+#include <QLabel>
+#include <QPushButton>
+#include <QTableWidget>
+#include <functional>
 
 #include "plan_file.h"
 #include "plan_import.h"
 
 namespace m47::plans {
 
-/// Shows what an import will add, correct and leave out, before anything is written; accepted when
-/// the user wants it.
+/// What an import of these candidates will do.
+using ImportPreviewer =
+    std::function<ImportPreview(const std::vector<ImportCandidate>&, TakenNumbers)>;
+
+/// Shows what an import will add, replace, correct and leave out, before anything is written, and
+/// lets the user choose its rows; accepted when the user wants it.
 class ImportDialog : public QDialog {
     Q_OBJECT
   public:
-    ImportDialog(const ImportPreview& preview, const QStringList& unknown_columns,
-                 const Texts& texts, QWidget* parent);
+    ImportDialog(const ImportFile& file, ImportPreviewer previewer, const Texts& texts,
+                 QWidget* parent);
+
+    /// As the rows are ticked.
+    const ImportPreview& preview() const { return preview_; }
+
+  private:
+    QTableWidget* make_table();
+    QWidget* make_choices();
+    void add_tick_key(QWidget* row, const char* name, const Bilingual& caption, bool wanted);
+    void tick(QTableWidgetItem* item);
+    void tick_all(bool wanted);
+    void look_again();
+    void show_row(int row);
+
+    ImportFile file_;
+    ImportPreviewer previewer_;
+    const Texts& texts_;
+    ImportPreview preview_;
+    QLabel* summary_;
+    QCheckBox* replace_;
+    QTableWidget* table_;
+    QPushButton* import_;
 };
 
 }  // namespace m47::plans

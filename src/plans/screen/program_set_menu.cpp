@@ -18,6 +18,11 @@ namespace {
 
 constexpr Bilingual kNotUnderstood{"%1 is neither a plan nor a DVB scan table.",
                                    "%1 non è un piano né una tabella DVB."};
+constexpr Bilingual kNoSatellites{
+    "%1 is a table of terrestrial or cable channels. A plan takes the transponders of satellites, "
+    "as those in /usr/share/dvb/dvb-s.",
+    "%1 è una tabella di canali terrestri o via cavo. Un piano prende i transponder dei satelliti, "
+    "come quelli in /usr/share/dvb/dvb-s."};
 constexpr Bilingual kTooLong{"%1 is longer than 1 MiB, which no plan is.",
                              "%1 supera 1 MiB: nessun piano è così lungo."};
 constexpr Bilingual kPlanExists{"The plan %1 already exists.", "Il piano %1 esiste già."};
@@ -67,13 +72,23 @@ void ProgramSet::cmdimport_Click() {
         tell_problem(this, program_.texts.pick(what).arg(QFileInfo(path).fileName()));
         return;
     }
+    if (file.candidates.empty() && file.not_satellite > 0) {
+        tell_problem(this, program_.texts.pick(kNoSatellites).arg(QFileInfo(path).fileName()));
+        return;
+    }
+    // As they are now, whatever others store while the user looks.
+    const std::vector<programme::ProgramRecord> programs = sets_.programs();
+    const programme::Oscillators oscillators = sets_.oscillators();
     std::optional<double> unit_offset = offset();
     if (program_.corrected.keep_unit) unit_offset.reset();
-    const ImportPreview preview =
-        preview_import(file.candidates, sets_.programs(), sets_.oscillators(), unit_offset);
-    ImportDialog dialog(preview, file.unknown_columns, program_.texts, this);
+    ImportDialog dialog(
+        file,
+        [&](const std::vector<ImportCandidate>& candidates, TakenNumbers taken) {
+            return preview_import(candidates, programs, oscillators, unit_offset, taken);
+        },
+        program_.texts, this);
     if (dialog.exec() != QDialog::Accepted) return;
-    sets_.apply_import(preview);
+    sets_.apply_import(dialog.preview());
     mostra_record();
 }
 
