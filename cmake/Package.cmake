@@ -33,6 +33,8 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 m47_plugin_packages(CPACK_DEBIAN_PACKAGE_DEPENDS)
 # A session without an X server shows windows through it.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS qt6-wayland)
+# The transponders of the satellites, to import into a plan.
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS dtv-scan-tables)
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
 "The M47 is a portable TV signal level meter for satellite and terrestrial
 reception with an RS232 line. This program tunes it, measures level, channel
