@@ -179,7 +179,7 @@ void PlanScreenTest::the_rows_of_an_import_are_chosen() {
                  "000|Sky UK|10719|V|OFF|9750|27500|Added",
                  "001|Rai|11766|H|ON|10600|29900|Added; 2 streams of one transponder; DVB-S2 or "
                  "8PSK: the meter measures QPSK, of this the level alone",
-                 "|X|11800|H|OFF|||Left out: not understood. SYMBOL_RATE: 27X",
+                 "|X|11800|L|OFF|||Left out: not understood. SYMBOL_RATE: 27X",
                  "2 of 3 programs will be added.\nThey replace the empty program of the new plan.\n"
                  "Terrestrial and cable channels left out: 1.",
                  "Not ticked.",

@@ -38,6 +38,7 @@ struct ImportCandidate {
     QStringList unread{};       ///< what is no number though it has to be, "frequenza: abc"
     QStringList corrections{};  ///< of what the file says, as those of ImportRow
     QString name{};             ///< of a transponder, where its table has one
+    QString polarisation{};     ///< of a transponder: H, V, L or R
     int streams = 1;            ///< how many entries of the file it stands for
     bool beyond_qpsk = false;   ///< the meter has no receiver for it, but for its level
     QStringList columns{};      ///< that its file has, by the names of their fields

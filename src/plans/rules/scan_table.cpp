@@ -119,6 +119,7 @@ ImportCandidate candidate_of(const Transponder& transponder, double unit_offset)
     record.frequenza = khz > 0 ? programme::frequency_box_text(khz / kKilo, false) : QString();
     record.qpsk_symbolrate = rate > 0 ? link::format_number(rate, "0") : QString();
     record.lnb_volt = supply_of(polarisation_letter(transponder));
+    if (record.lnb_volt != 0) candidate.polarisation = polarisation_letter(transponder);
     candidate.unread = unread_entries(transponder);
     if (!candidate.unread.isEmpty())
         candidate.problem = ImportProblem::unreadable;

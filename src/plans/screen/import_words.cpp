@@ -54,8 +54,9 @@ QString result_of(const ImportCandidate& candidate, const ImportRow& row, const 
     return joined(parts);
 }
 
-/// The polarisation that the supply chooses at the LNB.
-QString polarisation_of(const programme::ProgramRecord& record) {
+/// As the file names it, else that which the supply chooses at the LNB.
+QString polarisation_of(const ImportCandidate& candidate, const programme::ProgramRecord& record) {
+    if (!candidate.polarisation.isEmpty()) return candidate.polarisation;
     if (record.lnb_volt == 1) return QStringLiteral("V");
     return record.lnb_volt == 2 ? QStringLiteral("H") : QString();
 }
@@ -73,7 +74,7 @@ QStringList import_cells(const ImportCandidate& candidate, const ImportRow& row,
             record.pg_num,
             candidate.name,
             record.frequenza,
-            polarisation_of(record),
+            polarisation_of(candidate, record),
             record.K22 == 1 ? QStringLiteral("ON") : QStringLiteral("OFF"),
             row.oscillator,
             record.sat_ad ? record.qpsk_symbolrate : QString(),
