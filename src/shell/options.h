@@ -13,6 +13,11 @@ struct AlarmOption {
     QString name;  ///< "level", or with --digital "ber" or "mer"
     QString minimum;
     QString maximum;
+
+    /// As it is written on the command line.
+    QString text() const {
+        return minimum.isEmpty() ? name : name + u'=' + minimum + u':' + maximum;
+    }
 };
 
 /// What the command line asks for.

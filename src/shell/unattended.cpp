@@ -128,9 +128,10 @@ bool level_limits_fit(Run& run) {
         const programme::LevelRange range = programme::level_range(unit_offset(panel.cmdlev));
         if (alarm.minimum.toDouble() >= range.minimum && alarm.maximum.toDouble() <= range.maximum)
             continue;
-        complain(QStringLiteral("--alarm level takes limits from %1 to %2 %3, the meter's unit")
+        complain(QStringLiteral("--alarm level takes limits from %1 to %2 %3, the meter's unit, "
+                                "not \"%4\"")
                      .arg(link::plain_text(range.minimum), link::plain_text(range.maximum),
-                          unit_name(panel.cmdlev)));
+                          unit_name(panel.cmdlev), alarm.text()));
         return false;
     }
     return true;

@@ -187,7 +187,7 @@ void UnattendedTest::level_limits_out_of_range() {
     QCOMPARE(ending.status, 2);
     QCOMPARE(ending.out, QByteArray());
     QCOMPARE(ending.err, QByteArray("m47-remote: --alarm level takes limits from 20 to 120 dBuV, "
-                                    "the meter's unit\n"));
+                                    "the meter's unit, not \"level=19:110\"\n"));
 }
 
 void UnattendedTest::a_picture_replaces_neither_the_database_nor_a_pipe() {

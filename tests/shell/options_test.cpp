@@ -34,6 +34,7 @@ class OptionsTest : public QObject {
     void wrong_data();
     void wrong();
     void a_value_out_of_range_is_told_its_range();
+    void twice_with_different_values();
     void no_file_of_an_option_is_written_over();
     void wrong_options_keep_nothing();
     void help_names_every_option();
@@ -249,6 +250,12 @@ void OptionsTest::wrong_data() {
     row("measurement without port", {"--measure"}, "--on-port");
     row("two modes", measuring({"--digital", "--analog"}), "--analog");
     row("screen in a measurement", measuring({"--open", "realtime"}), "--open");
+    row("empty screen in a measurement", measuring({"--open", ""}), "--open");
+    row("bandwidth of an analog row", measuring({"--analog", "--bandwidth", "27"}), "--bandwidth");
+    row("rate of an analog row", measuring({"--analog", "--symbol-rate", "22000"}),
+        "--symbol-rate");
+    row("empty old database", {"--import-database", " "}, "--import-database takes a name");
+    row("empty port", {"--port", ""}, "--port takes N=DEVICE");
     row("screen in capitals", {"--open", "Realtime"}, "--open");
     row("alarm without limits", measuring({"--alarm", "level"}), "--alarm");
     row("alarm limit that is no number", measuring({"--alarm", "level=abc:110"}), "--alarm");
@@ -295,17 +302,61 @@ void OptionsTest::a_value_out_of_range_is_told_its_range() {
     const auto told = [](const char* option, const char* value) {
         return parse_options(measuring({QLatin1String(option), QLatin1String(value)})).error;
     };
-    QCOMPARE(told("--freq", "99999"), QString("--freq takes a number from 920 to 2150 MHz"));
-    QCOMPARE(told("--bandwidth", "99"), QString("--bandwidth takes a number from 5 to 36 MHz"));
-    QCOMPARE(told("--symbol-rate", "9"),
-             QString("--symbol-rate takes a number from 1500 to 45000 kS/s"));
+    QCOMPARE(told("--freq", "99999"),
+             QString("--freq takes a number from 920 to 2150 MHz, not \"99999\""));
+    QCOMPARE(told("--freq", ""), QString("--freq takes a number from 920 to 2150 MHz, not \"\""));
+    QCOMPARE(told("--bandwidth", "27MHz"),
+             QString("--bandwidth takes a number from 5 to 36 MHz, not \"27MHz\""));
+    QCOMPARE(told("--symbol-rate", "nan"),
+             QString("--symbol-rate takes a number from 1500 to 45000 kS/s, not \"nan\""));
     QCOMPARE(told("--alarm", "level=75:45"),
-             QString("--alarm level takes a MIN below its MAX, not level=75:45"));
-    QCOMPARE(told("--count", "0"), QString("--count takes a whole number from 1 to 1000000000"));
-    QCOMPARE(parse_options(measuring({"--plan", "A", "--every", "0"})).error,
-             QString("--every takes a whole number from 1 to 31536000"));
-    QCOMPARE(parse_options(measuring({"--plan", "A", "--passes", "-1"})).error,
-             QString("--passes takes a whole number from 0 to 1000000000"));
+             QString("--alarm level takes a MIN below its MAX, not \"level=75:45\""));
+    QCOMPARE(told("--alarm", "level=1:2dB"),
+             QString("--alarm takes NAME=MIN:MAX with NAME one of level, ber, mer, not "
+                     "\"level=1:2dB\""));
+    QCOMPARE(told("--count", "0"),
+             QString("--count takes a whole number from 1 to 1000000000, not \"0\""));
+    QCOMPARE(told("--count", "2x"),
+             QString("--count takes a whole number from 1 to 1000000000, not \"2x\""));
+    QCOMPARE(parse_options({"--on-port", "11"}).error,
+             QString("--on-port takes a whole number from 1 to 10, not \"11\""));
+    QCOMPARE(parse_options({"--open", ""}).error.section(',', -1), QString(" not \"\""));
+    QCOMPARE(parse_options({"--open", "level"}).error.section(',', -1), QString(" not \"level\""));
+    const auto of_plan = [](const QStringList& options) {
+        return parse_options(measuring(QStringList{"--plan", "A"} + options)).error;
+    };
+    QCOMPARE(of_plan({"--every", "0"}),
+             QString("--every takes a whole number from 1 to 31536000, not \"0\""));
+    QCOMPARE(of_plan({"--every", "1e3"}),
+             QString("--every takes a whole number from 1 to 31536000, not \"1e3\""));
+    QCOMPARE(of_plan({"--passes", "-1"}),
+             QString("--passes takes a whole number from 0 to 1000000000, not \"-1\""));
+    QCOMPARE(of_plan({"--alarm", "cn"}),
+             QString("--alarm with --plan takes one of level, ber, mer, not \"cn\""));
+    QCOMPARE(told("--freq", "1\n2"),
+             QString("--freq takes a number from 920 to 2150 MHz, not \"1 2\""));
+}
+
+/// Which of the two was meant nobody can know; the same twice is no contradiction.
+void OptionsTest::twice_with_different_values() {
+    const auto twice = [](const QString& option, const QString& one, const QString& other) {
+        return parse_options(measuring({option, one, option, other})).error;
+    };
+    QCOMPARE(twice("--freq", "1000", "1200"),
+             QString("--freq is given twice, as \"1000\" and as \"1200\""));
+    QCOMPARE(twice("--freq", "1000", "1000"), QString());
+    QCOMPARE(twice("--count", "1", "2"), QString("--count is given twice, as \"1\" and as \"2\""));
+    QCOMPARE(twice("--log", "a", "b"), QString("--log is given twice, as \"a\" and as \"b\""));
+    QCOMPARE(twice("--on-port", "2", "1"),
+             QString("--on-port is given twice, as \"1\" and as \"2\""));
+    QCOMPARE(twice("--alarm", "level=1:2", "level=1:3"),
+             QString("--alarm level is given twice, as \"level=1:2\" and as \"level=1:3\""));
+    QCOMPARE(twice("--alarm", "level=1:2", "level=1:2"), QString());
+    QCOMPARE(twice("--port", "1=/dev/a", "1=/dev/b"),
+             QString("--port 1 is given twice, as \"1=/dev/a\" and as \"1=/dev/b\""));
+    QCOMPARE(twice("--port", "1=/dev/a", "01=/dev/b"),
+             QString("--port 1 is given twice, as \"1=/dev/a\" and as \"01=/dev/b\""));
+    QCOMPARE(twice("--port", "1=/dev/a", "2=/dev/a"), QString());
 }
 
 void OptionsTest::no_file_of_an_option_is_written_over() {

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "option_list.h"
+
+namespace m47::shell {
+
+void add_options(QCommandLineParser& parser) {
+    parser.setApplicationDescription(
+        QStringLiteral("Remote control for the M47 TV signal level meter."));
+    const QList<QCommandLineOption> options{
+        {{"h", "help"}, "Show this help and end."},
+        {{"v", "version"}, "Show the version and end."},
+        {"directory",
+         "Work in DIR instead of the current directory; other relative names start there.", "DIR"},
+        {"user-data",
+         "Work in $XDG_DATA_HOME/m47-remote (~/.local/share/m47-remote), which is made where it "
+         "does not exist."},
+        {"port", "The device behind port number N (1 to 10); repeatable.", "N=DEVICE"},
+        {"create-database", "First create the database file where it does not exist."},
+        {"on-port", "Connect to the meter on port number N at start.", "N"},
+        {"open", "Open the screen of toolbar key KEY at start.", "KEY"},
+        {"corrected",
+         "Start with every entry of the menu \"Corrected behaviour\" ticked; goes with --measure "
+         "too."},
+        {"measure", "Measure without a window and print each row, TAB-separated."},
+        {"analog", "Measure the analog way (the default)."},
+        {"digital", "Measure the digital way (QPSK)."},
+        {"freq", "Frequency to measure at, 920 to 2150.", "MHZ"},
+        {"bandwidth", "Channel bandwidth for the digital channel power, 5 to 36.", "MHZ"},
+        {"symbol-rate", "QPSK symbol rate, 1500 to 45000.", "KS"},
+        {"alarm",
+         "Check limits, NAME one of level, ber, mer; repeatable. With --plan NAME alone: the "
+         "limits "
+         "are the plan's.",
+         "NAME=MIN:MAX"},
+        {"confirm",
+         "Ask again for a value that lies off the ones before it or crosses a limit; take it when "
+         "two answers agree."},
+        {"count", "How many measurements to take (default 1).", "K"},
+        {"plan", "Measure the monitored programs of the plan NAME.", "NAME"},
+        {"passes", "How often to measure the plan (default 1, 0 until told to stop).", "K"},
+        {"every", "Begin a pass over the plan every so many SECONDS.", "SECONDS"},
+        {"full-tune",
+         "Set oscillator, LNB, tone, DiSEqC and bandwidth of each program of the plan too."},
+        {"reconnect",
+         "Wait for a meter that does not answer at the start, and after a lost link go on when the "
+         "plan's meter answers again."},
+        {"log", "Append each row to FILE as well.", "FILE"},
+        {"screenshot", "Write a picture of the real-time screen at the end.", "FILE"},
+        {"import-database",
+         "Bring the plans and satellites of OLD, a database file of the old Jet engine, into the "
+         "database, print a report and end; what is there under the same name is kept. Ends with "
+         "status 4 where the database cannot be used, 5 where OLD cannot be read or the report "
+         "not be printed.",
+         "OLD"},
+    };
+    for (const QCommandLineOption& option : options) parser.addOption(option);
+}
+
+}  // namespace m47::shell

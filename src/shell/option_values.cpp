@@ -1,0 +1,214 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "option_values.h"
+
+#include <QLocale>
+#include <QRegularExpression>
+#include <cmath>
+
+#include "port_list.h"
+#include "screen_table.h"
+#include "tuning_range.h"
+
+namespace m47::shell {
+namespace {
+
+const QStringList kAlarmNames{QStringLiteral("level"), QStringLiteral("ber"),
+                              QStringLiteral("mer")};
+
+QString refused(const QString& rule, const QString& given) {
+    return rule + QStringLiteral(", not \"") + given + u'"';
+}
+
+/// What an option of this name was given before, with another value: nobody can know which is
+/// meant.
+QString given_twice(const QString& option, const QString& one, const QString& other) {
+    return QStringLiteral("%1 is given twice, as \"").arg(option) + one +
+           QStringLiteral("\" and as \"") + other + u'"';
+}
+
+/// The same twice is no contradiction.
+QString check_given_once(const QCommandLineParser& parser) {
+    static const QStringList kRepeatable{QStringLiteral("port"), QStringLiteral("alarm")};
+    const QStringList names = parser.optionNames();
+    for (const QString& name : names) {
+        const QStringList values = parser.values(name);
+        if (kRepeatable.contains(name)) continue;
+        for (const QString& value : values)
+            if (value != values.constFirst())
+                return given_twice(QStringLiteral("--") + name, values.constFirst(), value);
+    }
+    return {};
+}
+
+/// A whole number from `minimum` to `maximum` as the value of `name`; an error text otherwise.
+QString read_number(const QCommandLineParser& parser, const QString& name, int minimum, int maximum,
+                    int& number) {
+    if (!parser.isSet(name)) return {};
+    bool good = false;
+    const int value = parser.value(name).toInt(&good);
+    if (!good || value < minimum || value > maximum)
+        return refused(QStringLiteral("--%1 takes a whole number from %2 to %3")
+                           .arg(name)
+                           .arg(minimum)
+                           .arg(maximum),
+                       parser.value(name));
+    number = value;
+    return {};
+}
+
+/// The limits of the plan hold where an alarm is only named.
+QString read_alarm_name(const QString& name, QList<AlarmOption>& alarms) {
+    if (!kAlarmNames.contains(name))
+        return refused(QStringLiteral("--alarm with --plan takes one of level, ber, mer"), name);
+    alarms.append({name, {}, {}});
+    return {};
+}
+
+QString read_alarm_limits(const QString& value, QList<AlarmOption>& alarms) {
+    static const QRegularExpression kForm(QStringLiteral("^([a-z]+)=([^:]*):([^:]*)$"));
+    const QRegularExpressionMatch match = kForm.match(value);
+    bool minimum_good = false;
+    bool maximum_good = false;
+    const double minimum = match.captured(2).toDouble(&minimum_good);
+    const double maximum = match.captured(3).toDouble(&maximum_good);
+    if (!kAlarmNames.contains(match.captured(1)) || !minimum_good || !maximum_good ||
+        !std::isfinite(minimum) || !std::isfinite(maximum))
+        return refused(
+            QStringLiteral("--alarm takes NAME=MIN:MAX with NAME one of level, ber, mer"), value);
+    // A value passes between the two, so nothing could.
+    if (minimum >= maximum)
+        return refused(
+            QStringLiteral("--alarm %1 takes a MIN below its MAX").arg(match.captured(1)), value);
+    alarms.append({match.captured(1), match.captured(2), match.captured(3)});
+    return {};
+}
+
+/// The limits that `alarms` holds for the one behind them already, where they are others.
+QString check_alarm_once(const QList<AlarmOption>& alarms) {
+    const AlarmOption& last = alarms.constLast();
+    for (const AlarmOption& alarm : alarms)
+        if (alarm.name == last.name && alarm.text() != last.text())
+            return given_twice(QStringLiteral("--alarm ") + alarm.name, alarm.text(), last.text());
+    return {};
+}
+
+QString read_alarms(const QCommandLineParser& parser, QList<AlarmOption>& alarms) {
+    const auto read = parser.isSet(QStringLiteral("plan")) ? read_alarm_name : read_alarm_limits;
+    const QStringList values = parser.values(QStringLiteral("alarm"));
+    for (const QString& value : values) {
+        QString error = read(value, alarms);
+        if (error.isEmpty()) error = check_alarm_once(alarms);
+        if (!error.isEmpty()) return error;
+    }
+    return {};
+}
+
+/// A value that the screen would move into its range without a word.
+struct RangedOption {
+    const char* name;
+    programme::TuningRange range;
+    const char* unit;
+    QString Options::*text;
+};
+
+QString read_ranged(const QCommandLineParser& parser, const RangedOption& option,
+                    Options& options) {
+    const QString name = QLatin1String(option.name);
+    if (!parser.isSet(name)) return {};
+    bool good = false;
+    const QString text = parser.value(name);
+    const double value =
+        QString(text).replace(QLocale().decimalPoint(), QStringLiteral(".")).toDouble(&good);
+    options.*option.text = text;
+    if (good && value >= option.range.minimum && value <= option.range.maximum) return {};
+    return refused(QStringLiteral("--%1 takes a number from %2 to %3 %4")
+                       .arg(name)
+                       .arg(option.range.minimum)
+                       .arg(option.range.maximum)
+                       .arg(QLatin1String(option.unit)),
+                   text);
+}
+
+/// A measurement without a plan is tuned directly.
+QString read_ranged_options(const QCommandLineParser& parser, Options& options) {
+    const RangedOption ranged[] = {
+        {"freq", programme::tuning_range(true, 0), "MHz", &Options::frequency},
+        {"bandwidth",
+         {programme::kBandwidthMinimum, programme::kBandwidthMaximum},
+         "MHz",
+         &Options::bandwidth},
+        {"symbol-rate",
+         {programme::kSymbolRateMinimum, programme::kSymbolRateMaximum},
+         "kS/s",
+         &Options::symbol_rate}};
+    QString error;
+    for (const RangedOption& option : ranged)
+        if (error.isEmpty()) error = read_ranged(parser, option, options);
+    return error;
+}
+
+/// A name that a script left empty is not the same as none.
+QString check_names(const QCommandLineParser& parser) {
+    for (const char* name : {"directory", "log", "plan", "screenshot", "import-database"}) {
+        const QString option = QString::fromLatin1(name);
+        if (parser.isSet(option) && parser.value(option).trimmed().isEmpty())
+            return QStringLiteral("--%1 takes a name, not an empty one").arg(option);
+    }
+    const QString open = QStringLiteral("open");
+    if (parser.isSet(open) && !screen_keys().contains(parser.value(open)))
+        return refused(
+            QStringLiteral("--open takes one of %1").arg(screen_keys().join(QStringLiteral(", "))),
+            parser.value(open));
+    return {};
+}
+
+QString read_ports(const QCommandLineParser& parser, Options& options) {
+    link::PortList entries({.sys = {}, .dev = {}, .reported = [] { return QStringList(); }});
+    options.ports = parser.values(QStringLiteral("port"));
+    QMap<int, QString> given;
+    for (const QString& entry : std::as_const(options.ports)) {
+        if (!entries.add(entry))
+            return refused(QStringLiteral("--port takes N=DEVICE with N from 1 to 10"), entry);
+        const int number = entry.section(u'=', 0, 0).toInt();
+        const QString before = given.value(number, entry);
+        if (before.section(u'=', 1) != entry.section(u'=', 1))
+            return given_twice(QStringLiteral("--port %1").arg(number), before, entry);
+        given.insert(number, entry);
+    }
+    return {};
+}
+
+QString read_whole_numbers(const QCommandLineParser& parser, Options& options) {
+    constexpr int kMostTimes = 1'000'000'000;
+    constexpr int kYear = 31'536'000;  // seconds
+    struct WholeNumber {
+        const char* name;
+        int minimum;
+        int maximum;
+        int Options::*number;
+    };
+    const WholeNumber numbers[] = {{"on-port", 1, link::PortList::kPorts, &Options::on_port},
+                                   {"count", 1, kMostTimes, &Options::count},
+                                   {"passes", 0, kMostTimes, &Options::passes},
+                                   {"every", 1, kYear, &Options::every}};
+    QString error;
+    for (const WholeNumber& number : numbers)
+        if (error.isEmpty())
+            error = read_number(parser, QLatin1String(number.name), number.minimum, number.maximum,
+                                options.*number.number);
+    return error;
+}
+
+}  // namespace
+
+QString read_values(const QCommandLineParser& parser, Options& options) {
+    QString error = check_given_once(parser);
+    if (error.isEmpty()) error = check_names(parser);
+    if (error.isEmpty()) error = read_ports(parser, options);
+    if (error.isEmpty()) error = read_whole_numbers(parser, options);
+    if (error.isEmpty()) error = read_ranged_options(parser, options);
+    if (error.isEmpty()) error = read_alarms(parser, options.alarms);
+    return error;
+}
+
+}  // namespace m47::shell
