@@ -5,6 +5,8 @@
 #include <QRegularExpression>
 #include <cmath>
 
+#include "antenna_options.h"
+#include "option_words.h"
 #include "port_list.h"
 #include "screen_table.h"
 #include "tuning_range.h"
@@ -14,17 +16,6 @@ namespace {
 
 const QStringList kAlarmNames{QStringLiteral("level"), QStringLiteral("ber"),
                               QStringLiteral("mer")};
-
-QString refused(const QString& rule, const QString& given) {
-    return rule + QStringLiteral(", not \"") + given + u'"';
-}
-
-/// What an option of this name was given before, with another value: nobody can know which is
-/// meant.
-QString given_twice(const QString& option, const QString& one, const QString& other) {
-    return QStringLiteral("%1 is given twice, as \"").arg(option) + one +
-           QStringLiteral("\" and as \"") + other + u'"';
-}
 
 /// The same twice is no contradiction.
 QString check_given_once(const QCommandLineParser& parser) {
@@ -107,7 +98,7 @@ QString read_alarms(const QCommandLineParser& parser, QList<AlarmOption>& alarms
 struct RangedOption {
     const char* name;
     programme::TuningRange range;
-    const char* unit;
+    QString unit;
     QString Options::*text;
 };
 
@@ -125,22 +116,29 @@ QString read_ranged(const QCommandLineParser& parser, const RangedOption& option
                        .arg(name)
                        .arg(option.range.minimum)
                        .arg(option.range.maximum)
-                       .arg(QLatin1String(option.unit)),
+                       .arg(option.unit),
                    text);
 }
 
-/// A measurement without a plan is tuned directly.
+/// A measurement without a plan is tuned directly, or through the oscillator that was given.
+RangedOption frequency_option(const AntennaOptions& antenna) {
+    const auto& oscillator = antenna.oscillator;
+    const QString unit = oscillator ? QStringLiteral("MHz with --oscillator %1").arg(*oscillator)
+                                    : QStringLiteral("MHz");
+    return {"freq", programme::tuning_range(!oscillator, oscillator.value_or(0)), unit,
+            &Options::frequency};
+}
+
 QString read_ranged_options(const QCommandLineParser& parser, Options& options) {
-    const RangedOption ranged[] = {
-        {"freq", programme::tuning_range(true, 0), "MHz", &Options::frequency},
-        {"bandwidth",
-         {programme::kBandwidthMinimum, programme::kBandwidthMaximum},
-         "MHz",
-         &Options::bandwidth},
-        {"symbol-rate",
-         {programme::kSymbolRateMinimum, programme::kSymbolRateMaximum},
-         "kS/s",
-         &Options::symbol_rate}};
+    const RangedOption ranged[] = {frequency_option(options.antenna),
+                                   {"bandwidth",
+                                    {programme::kBandwidthMinimum, programme::kBandwidthMaximum},
+                                    QStringLiteral("MHz"),
+                                    &Options::bandwidth},
+                                   {"symbol-rate",
+                                    {programme::kSymbolRateMinimum, programme::kSymbolRateMaximum},
+                                    QStringLiteral("kS/s"),
+                                    &Options::symbol_rate}};
     QString error;
     for (const RangedOption& option : ranged)
         if (error.isEmpty()) error = read_ranged(parser, option, options);
@@ -206,6 +204,7 @@ QString read_values(const QCommandLineParser& parser, Options& options) {
     if (error.isEmpty()) error = check_names(parser);
     if (error.isEmpty()) error = read_ports(parser, options);
     if (error.isEmpty()) error = read_whole_numbers(parser, options);
+    if (error.isEmpty()) error = read_antenna_options(parser, options.antenna);
     if (error.isEmpty()) error = read_ranged_options(parser, options);
     if (error.isEmpty()) error = read_alarms(parser, options.alarms);
     return error;

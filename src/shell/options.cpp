@@ -27,13 +27,16 @@ QString check_measurement(const QCommandLineParser& parser, const Options& optio
     if (!options.open.isEmpty()) return QStringLiteral("--open does not go with --measure");
     if (parser.isSet(QStringLiteral("plan"))) {
         // A program of a plan brings its own kind, frequency and symbol rate.
-        const QString name =
-            first_set(parser, {"analog", "digital", "freq", "symbol-rate", "count"});
+        const QString name = first_set(parser, {"analog", "digital", "freq", "symbol-rate", "count",
+                                                "oscillator", "lnb", "tone", "diseqc"});
         return name.isEmpty() ? QString()
                               : QStringLiteral("--%1 does not go with --plan").arg(name);
     }
     const QString name = first_set(parser, {"passes", "every", "full-tune", "reconnect"});
     if (!name.isEmpty()) return QStringLiteral("--%1 needs --plan").arg(name);
+    // The frequency before is one of another band.
+    if (options.antenna.oscillator && options.frequency.isEmpty())
+        return QStringLiteral("--oscillator needs --freq");
     for (const AlarmOption& alarm : options.alarms)
         if (!options.digital && alarm.name != QLatin1String("level"))
             return QStringLiteral("--alarm %1 needs --digital").arg(alarm.name);
@@ -42,9 +45,10 @@ QString check_measurement(const QCommandLineParser& parser, const Options& optio
 
 QString check_combination(const QCommandLineParser& parser, const Options& options) {
     if (options.measure) return check_measurement(parser, options);
-    const QString name = first_set(parser, {"analog", "digital", "freq", "bandwidth", "symbol-rate",
-                                            "alarm", "confirm", "count", "log", "screenshot",
-                                            "plan", "passes", "every", "full-tune", "reconnect"});
+    const QString name =
+        first_set(parser, {"analog", "digital", "freq", "bandwidth", "symbol-rate", "alarm",
+                           "confirm", "count", "log", "screenshot", "plan", "passes", "every",
+                           "full-tune", "reconnect", "oscillator", "lnb", "tone", "diseqc"});
     if (!name.isEmpty()) return QStringLiteral("--%1 goes with --measure only").arg(name);
     return {};
 }

@@ -4,6 +4,7 @@
 #include <QMap>
 #include <QString>
 #include <QStringList>
+#include <optional>
 
 namespace m47::shell {
 
@@ -18,6 +19,15 @@ struct AlarmOption {
     QString text() const {
         return minimum.isEmpty() ? name : name + u'=' + minimum + u':' + maximum;
     }
+};
+
+/// What brings the antenna to a measurement without a plan; what is not set is left as it is. The
+/// numbers are places in the lists of the real-time screen.
+struct AntennaOptions {
+    std::optional<int> oscillator;  ///< MHz; nothing: tuned directly
+    std::optional<int> supply;      ///< off, 13 V, 15 V, 18 V, 24 V
+    std::optional<int> tone;        ///< on, off
+    std::optional<int> diseqc;      ///< of kDiseqcCommands
 };
 
 /// What the command line asks for.
@@ -39,6 +49,7 @@ struct Options {
     QString frequency;    ///< MHz, as it would be typed; empty leaves the screen's own
     QString bandwidth;    ///< MHz
     QString symbol_rate;  ///< kS/s
+    AntennaOptions antenna;
     int count = 1;
     QString log;
     QString screenshot;

@@ -137,6 +137,25 @@ bool level_limits_fit(Run& run) {
     return true;
 }
 
+/// In the order of a plan's program, by what the boxes of the screen do. What is not given stays.
+void set_antenna(realtime::RealtimeRules& rules, const AntennaOptions& antenna) {
+    realtime::RealtimePanel& panel = rules.panel;
+    if (antenna.oscillator) {
+        panel.ol_freq = QString::number(*antenna.oscillator);
+        panel.locopt = {false, true};
+        rules.tuning.locopt_Click(1);
+    }
+    if (antenna.supply) {
+        panel.lnb_supply = *antenna.supply;
+        rules.tuning.lnb_supply_Click(*antenna.supply);
+    }
+    if (antenna.tone) {
+        panel.k22_state = *antenna.tone;
+        rules.tuning.k22_state_Click(*antenna.tone);
+    }
+    if (antenna.diseqc) rules.diseqc.diseqc_cmd_Click(*antenna.diseqc);
+}
+
 void measure_rows(Run& run) {
     run.wrong_limits = !level_limits_fit(run);
     if (run.wrong_limits) return;
@@ -147,6 +166,7 @@ void measure_rows(Run& run) {
         rules.modes.analogmode();
     set_up(run);
     if (!run.options.symbol_rate.isEmpty()) rules.panel.srqpsk_txt = run.options.symbol_rate;
+    set_antenna(rules, run.options.antenna);
     if (!run.options.frequency.isEmpty()) {
         rules.panel.fsat = run.options.frequency;
         rules.tuning.fsat_KeyPress(kEnterKey);

@@ -21,6 +21,7 @@ class UnattendedTest : public QObject {
     void cleanupTestCase();
     void analog_rows();
     void frequencies();
+    void antenna_options();
     void level_limits_out_of_range();
     void a_picture_replaces_neither_the_database_nor_a_pipe();
     void alarms();
@@ -177,8 +178,31 @@ void UnattendedTest::frequencies() {
         const Ending refused = own.measure({"--freq", QLatin1String(outside)});
         QCOMPARE(refused.status, 2);
         QCOMPARE(refused.err,
-                 QByteArray("m47-remote: --freq takes a number from 920 to 2150 MHz\n"));
+                 QByteArray("m47-remote: --freq takes a number from 920 to 2150 MHz, not \"") +
+                     outside + "\"\n");
     }
+}
+
+/// What the boxes of the screen send, before the frequency.
+void UnattendedTest::antenna_options() {
+    TestStand whole;
+    const Ending ending = whole.measure({"--freq", "10773", "--oscillator", "9750", "--lnb", "13",
+                                         "--tone", "on", "--diseqc", "sw opt b", "--count", "2"});
+    QCOMPARE(ending.err, QByteArray());
+    QCOMPARE(ending.status, 0);
+    const QStringList antenna{"LOCOSC 1 A 09750", "LOCOSC 1 A", "FREQ?",     "LNVOLT 13",
+                              "LNB 01",           "TONE22K 01", "DISEQC 28", "FREQ 10773"};
+    QCOMPARE(whole.meter.commands(), kIdentification + kScreenOpening + antenna +
+                                         analog_cycle("10773") + analog_cycle("10773"));
+    QCOMPARE(rows_of(ending.out).size(), 2);
+    QCOMPARE(rows_of(ending.out)[0].value(kFrequency), QString("10773"));
+    QCOMPARE(rows_of(ending.out)[0].value(kOscillator), QString("9750"));
+
+    TestStand single;
+    QCOMPARE(single.measure({"--lnb", "off", "--tone", "off", "--diseqc", "73"}).status, 0);
+    const QStringList switched{"LNB 00", "TONE22K 00", "DISEQC 73"};
+    QCOMPARE(single.meter.commands(),
+             kIdentification + kScreenOpening + switched + analog_cycle("1000.0"));
 }
 
 void UnattendedTest::level_limits_out_of_range() {

@@ -35,6 +35,8 @@ class OptionsTest : public QObject {
     void wrong();
     void a_value_out_of_range_is_told_its_range();
     void twice_with_different_values();
+    void antenna_options();
+    void wrong_antenna_options();
     void no_file_of_an_option_is_written_over();
     void wrong_options_keep_nothing();
     void help_names_every_option();
@@ -359,6 +361,76 @@ void OptionsTest::twice_with_different_values() {
     QCOMPARE(twice("--port", "1=/dev/a", "2=/dev/a"), QString());
 }
 
+void OptionsTest::antenna_options() {
+    const Options options =
+        parse_options(measuring({"--oscillator", "10600", "--freq", "11778", "--lnb", "18",
+                                 "--tone", "on", "--diseqc", "37"}));
+    QCOMPARE(options.error, QString());
+    QCOMPARE(options.antenna.oscillator, std::optional(10600));
+    QCOMPARE(options.antenna.supply, std::optional(3));
+    QCOMPARE(options.antenna.tone, std::optional(0));
+    QCOMPARE(options.antenna.diseqc, std::optional(37));
+
+    const Options plain = parse_options(measuring({}));
+    QCOMPARE(plain.antenna.oscillator, std::nullopt);
+    QCOMPARE(plain.antenna.supply, std::nullopt);
+    QCOMPARE(plain.antenna.tone, std::nullopt);
+    QCOMPARE(plain.antenna.diseqc, std::nullopt);
+
+    const Options off =
+        parse_options(measuring({"--lnb", "off", "--tone", "off", "--diseqc", "reset"}));
+    QCOMPARE(off.antenna.supply, std::optional(0));
+    QCOMPARE(off.antenna.tone, std::optional(1));
+    QCOMPARE(off.antenna.diseqc, std::optional(3));
+    // The texts have double blanks, which nobody types.
+    QCOMPARE(parse_options(measuring({"--diseqc", "SW2 ON V"})).antenna.diseqc, std::optional(8));
+    QCOMPARE(parse_options(measuring({"--diseqc", "0"})).antenna.diseqc, std::optional(0));
+}
+
+void OptionsTest::wrong_antenna_options() {
+    const auto told = [](const QStringList& options) {
+        return parse_options(measuring(options)).error;
+    };
+    for (const char* value : {"3069", "12001", "9750.5", "", "nan", "9750MHz"})
+        QCOMPARE(told({"--freq", "1000", "--oscillator", value}),
+                 QStringLiteral("--oscillator takes a whole number from 3070 to 12000, not \"%1\"")
+                     .arg(value));
+    QCOMPARE(told({"--oscillator", "10600"}), QString("--oscillator needs --freq"));
+    // What can be received through the oscillator.
+    const auto through = [&](const char* oscillator, const char* frequency) {
+        return told({"--oscillator", oscillator, "--freq", frequency});
+    };
+    QCOMPARE(through("10600", "11520"), QString());
+    QCOMPARE(through("10600", "12750"), QString());
+    QCOMPARE(through("10600", "1000"),
+             QString("--freq takes a number from 11520 to 12750 MHz with --oscillator 10600, not "
+                     "\"1000\""));
+    QCOMPARE(through("5150", "2999.9"),
+             QString("--freq takes a number from 3000 to 4230 MHz with --oscillator 5150, not "
+                     "\"2999.9\""));
+    for (const char* value : {"", "0", "12", "13V", "ON"})
+        QCOMPARE(told({"--lnb", value}),
+                 QStringLiteral("--lnb takes one of off, 13, 15, 18, 24, not \"%1\"").arg(value));
+    for (const char* value : {"", "1", "ON"})
+        QCOMPARE(told({"--tone", value}),
+                 QStringLiteral("--tone takes one of on, off, not \"%1\"").arg(value));
+    for (const char* value : {"", "-1", "74", "3x", "1e1", "nothing"})
+        QCOMPARE(told({"--diseqc", value}),
+                 QStringLiteral("--diseqc takes a number from 0 to 73 or a text of the list, not "
+                                "\"%1\"")
+                     .arg(value));
+    QCOMPARE(told({"--diseqc", "Po 1-V-h LO"}),
+             QString("--diseqc takes 38 or 54, which are both called \"Po 1-V-h LO\""));
+    for (const char* option : {"--oscillator", "--lnb", "--tone", "--diseqc"}) {
+        const QString value = QLatin1String(option) == QLatin1String("--tone") ? "on" : "13";
+        QCOMPARE(parse_options({option, value}).error.section(' ', 0, 0), QString(option));
+    }
+    QCOMPARE(told({"--plan", "A", "--lnb", "13"}), QString("--lnb does not go with --plan"));
+    QCOMPARE(told({"--plan", "A", "--tone", "on"}), QString("--tone does not go with --plan"));
+    QCOMPARE(told({"--plan", "A", "--diseqc", "1"}), QString("--diseqc does not go with --plan"));
+    QCOMPARE(parse_options({"--lnb", "13"}).error, QString("--lnb goes with --measure only"));
+}
+
 void OptionsTest::no_file_of_an_option_is_written_over() {
     const QTemporaryDir folder;
     const QDir here(folder.path());
@@ -419,11 +491,12 @@ void OptionsTest::wrong_options_keep_nothing() {
 void OptionsTest::help_names_every_option() {
     const QString help = help_text();
     for (const char* name :
-         {"--help",      "--version",    "--directory",   "--port",   "--create-database",
-          "--on-port",   "--open",       "--measure",     "--analog", "--digital",
-          "--freq",      "--bandwidth",  "--symbol-rate", "--alarm",  "--count",
-          "--log",       "--screenshot", "--plan",        "--passes", "--every",
-          "--full-tune", "--reconnect",  "--user-data"})
+         {"--help",      "--version",    "--directory",   "--port",       "--create-database",
+          "--on-port",   "--open",       "--measure",     "--analog",     "--digital",
+          "--freq",      "--bandwidth",  "--symbol-rate", "--alarm",      "--count",
+          "--log",       "--screenshot", "--plan",        "--passes",     "--every",
+          "--full-tune", "--reconnect",  "--user-data",   "--oscillator", "--lnb",
+          "--tone",      "--diseqc"})
         QVERIFY2(help.contains(QLatin1String(name)), name);
 }
 
