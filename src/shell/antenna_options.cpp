@@ -15,19 +15,6 @@ const QStringList kSupplies{QStringLiteral("off"), QStringLiteral("13"), QString
                             QStringLiteral("18"), QStringLiteral("24")};
 const QStringList kTones{QStringLiteral("on"), QStringLiteral("off")};
 
-/// The place of what was given in `choices`.
-QString read_choice(const QCommandLineParser& parser, const QString& name,
-                    const QStringList& choices, std::optional<int>& place) {
-    if (!parser.isSet(name)) return {};
-    const auto found = static_cast<int>(choices.indexOf(parser.value(name)));
-    if (found < 0)
-        return refused(
-            QStringLiteral("--%1 takes one of %2").arg(name, choices.join(QStringLiteral(", "))),
-            parser.value(name));
-    place = found;
-    return {};
-}
-
 /// Where the list has `text`, in whatever letters and with single blanks.
 QStringList places_of_command(const QString& text) {
     QStringList places;

@@ -52,6 +52,10 @@ void add_options(QCommandLineParser& parser) {
          "Wait for a meter that does not answer at the start, and after a lost link go on when the "
          "plan's meter answers again."},
         {"log", "Append each row to FILE as well.", "FILE"},
+        {"format",
+         "Print the rows as tsv, csv (both under a line of names) or json (an object a line), with "
+         "times and numbers that programs read.",
+         "FORMAT"},
         {"screenshot", "Write a picture of the real-time screen at the end.", "FILE"},
         {"import-database",
          "Bring the plans and satellites of OLD, a database file of the old Jet engine, into the "

@@ -145,6 +145,15 @@ QString read_ranged_options(const QCommandLineParser& parser, Options& options) 
     return error;
 }
 
+QString read_format(const QCommandLineParser& parser, Options& options) {
+    static const QStringList kFormats{QStringLiteral("tsv"), QStringLiteral("csv"),
+                                      QStringLiteral("json")};
+    std::optional<int> place;
+    const QString error = read_choice(parser, QStringLiteral("format"), kFormats, place);
+    if (place) options.format = static_cast<measurement::OutputFormat>(*place);
+    return error;
+}
+
 /// A name that a script left empty is not the same as none.
 QString check_names(const QCommandLineParser& parser) {
     for (const char* name : {"directory", "log", "plan", "screenshot", "import-database"}) {
@@ -206,6 +215,7 @@ QString read_values(const QCommandLineParser& parser, Options& options) {
     if (error.isEmpty()) error = read_whole_numbers(parser, options);
     if (error.isEmpty()) error = read_antenna_options(parser, options.antenna);
     if (error.isEmpty()) error = read_ranged_options(parser, options);
+    if (error.isEmpty()) error = read_format(parser, options);
     if (error.isEmpty()) error = read_alarms(parser, options.alarms);
     return error;
 }

@@ -46,9 +46,10 @@ QString check_measurement(const QCommandLineParser& parser, const Options& optio
 QString check_combination(const QCommandLineParser& parser, const Options& options) {
     if (options.measure) return check_measurement(parser, options);
     const QString name =
-        first_set(parser, {"analog", "digital", "freq", "bandwidth", "symbol-rate", "alarm",
-                           "confirm", "count", "log", "screenshot", "plan", "passes", "every",
-                           "full-tune", "reconnect", "oscillator", "lnb", "tone", "diseqc"});
+        first_set(parser, {"analog",     "digital",    "freq",   "bandwidth", "symbol-rate",
+                           "alarm",      "confirm",    "count",  "log",       "format",
+                           "screenshot", "plan",       "passes", "every",     "full-tune",
+                           "reconnect",  "oscillator", "lnb",    "tone",      "diseqc"});
     if (!name.isEmpty()) return QStringLiteral("--%1 goes with --measure only").arg(name);
     return {};
 }

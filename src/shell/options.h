@@ -6,6 +6,8 @@
 #include <QStringList>
 #include <optional>
 
+#include "measurement_output.h"
+
 namespace m47::shell {
 
 /// One alarm of an unattended measurement: its limits as they would be typed on the screen, or none
@@ -53,6 +55,8 @@ struct Options {
     int count = 1;
     QString log;
     QString screenshot;
+    /// How the rows go to stdout; nothing: as they stand on the page.
+    std::optional<measurement::OutputFormat> format;
     QString plan;  ///< measure the monitored programs of this plan
     int passes = 1;
     int every = 0;  ///< seconds from pass to pass

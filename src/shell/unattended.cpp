@@ -52,6 +52,7 @@ struct Run {
     const Options& options;
     std::unique_ptr<realtime::RealtimeRules> rules;
     RowOutput output{platform::kStandardOutput};
+    measurement::Measurement measured{};  ///< of the row that comes next
     int rows = 0;
     bool link_found = false;  ///< the meter has answered once
     bool incomplete = false;  ///< a pass was cut short or measured nothing
@@ -66,8 +67,15 @@ struct Run {
 
 void print_row(Run& run, const QStringList& row) {
     if (platform::is_terminal(platform::kStandardOutput)) g_progress_line.clear();
-    ++run.rows;
-    run.output.write(row.join(run.rules->state.field_separator).toUtf8() + '\n');
+    const bool first = run.rows++ == 0;
+    if (!run.options.format) {
+        run.output.write(row.join(run.rules->state.field_separator).toUtf8() + '\n');
+        return;
+    }
+    const int offset = run.connection.link().clock().date_time().offsetFromUtc();
+    const measurement::OutputFormat format = *run.options.format;
+    const QByteArray header = first ? measurement::output_header(format) : QByteArray();
+    run.output.write(header + measurement::output_line(format, run.measured, offset));
 }
 
 void tell_log(Run& run, const QString& reason) {
@@ -308,6 +316,7 @@ void listen_to_rules(Run& run) {
     realtime::MeasureCycle& cycle = run.rules->cycle;
     cycle.on_row = [&run](const QStringList& row) { print_row(run, row); };
     cycle.on_measured = [&run](const measurement::Measurement& measurement) {
+        run.measured = measurement;
         if (measurement.verdict == measurement::Verdict::fail) run.alarm_failed = true;
     };
     cycle.on_log_written = [&run](const QString& reason) { tell_log(run, reason); };

@@ -5,6 +5,8 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QTest>
 #include <map>
 
@@ -22,6 +24,7 @@ class UnattendedTest : public QObject {
     void analog_rows();
     void frequencies();
     void antenna_options();
+    void rows_for_programs();
     void level_limits_out_of_range();
     void a_picture_replaces_neither_the_database_nor_a_pipe();
     void alarms();
@@ -203,6 +206,43 @@ void UnattendedTest::antenna_options() {
     const QStringList switched{"LNB 00", "TONE22K 00", "DISEQC 73"};
     QCOMPARE(single.meter.commands(),
              kIdentification + kScreenOpening + switched + analog_cycle("1000.0"));
+}
+
+void UnattendedTest::rows_for_programs() {
+    TestStand stand;
+    stand.remote.environment.insert("TZ", "XYZ-05:30");
+    const auto lines = [&](const char* format) {
+        const Ending ending = stand.measure({"--freq", "1275.5", "--count", "2", "--alarm",
+                                             "level=20:110", "--format", format, "--log", "a.log"});
+        if (ending.status != 0 || !ending.err.isEmpty()) return QByteArrayList();
+        return ending.out.split('\n');
+    };
+    const QByteArrayList csv = lines("csv");
+    QCOMPARE(csv.size(), 4);
+    QVERIFY2(csv[0].startsWith("time,plan,program,") && csv[0].endsWith("verdict\r"), csv[0]);
+    const QByteArrayList cells = csv[1].split(',');
+    QCOMPARE(cells.size(), 22);
+    QVERIFY2(cells[0].endsWith("+05:30"), cells[0]);
+    QCOMPARE(cells[4], QByteArray("1275.5"));
+    // What the log has of it stays as it is, in the clock's own time.
+    const QStringList logged = rows_of(stand.content("a.log")).value(0);
+    QCOMPARE(logged.size(), kFields);
+    QCOMPARE(QString::fromLatin1(cells[0].mid(11, 8)), logged[kTime]);
+    QCOMPARE(cells[7].toDouble(), logged[kLevel].toDouble());
+    QCOMPARE(cells[21], QByteArray("PASS\r"));
+
+    const QByteArrayList json = lines("json");
+    QCOMPARE(json.size(), 3);
+    for (const QByteArray& line : json.first(2)) {
+        const QJsonObject object = QJsonDocument::fromJson(line).object();
+        QCOMPARE(object["frequency"], QJsonValue(1275.5));
+        QVERIFY(object["level"].isDouble());
+        QVERIFY(object["plan"].isNull());
+    }
+    const QByteArrayList tsv = lines("tsv");
+    QCOMPARE(tsv.size(), 4);
+    QCOMPARE(QByteArray(tsv[0]).replace('\t', ','), csv[0].chopped(1));
+    QCOMPARE(tsv[2].split('\t').size(), 22);
 }
 
 void UnattendedTest::level_limits_out_of_range() {

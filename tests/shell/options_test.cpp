@@ -36,6 +36,7 @@ class OptionsTest : public QObject {
     void a_value_out_of_range_is_told_its_range();
     void twice_with_different_values();
     void antenna_options();
+    void formats();
     void wrong_antenna_options();
     void no_file_of_an_option_is_written_over();
     void wrong_options_keep_nothing();
@@ -387,6 +388,22 @@ void OptionsTest::antenna_options() {
     QCOMPARE(parse_options(measuring({"--diseqc", "0"})).antenna.diseqc, std::optional(0));
 }
 
+void OptionsTest::formats() {
+    using measurement::OutputFormat;
+    const auto read = [](const char* name) {
+        return parse_options(measuring({"--format", QLatin1String(name)}));
+    };
+    QCOMPARE(parse_options(measuring({})).format, std::nullopt);
+    QCOMPARE(read("tsv").format, std::optional(OutputFormat::tsv));
+    QCOMPARE(read("csv").format, std::optional(OutputFormat::csv));
+    QCOMPARE(read("json").format, std::optional(OutputFormat::json));
+    for (const char* wrong : {"", "JSON", "xml", "1"})
+        QCOMPARE(read(wrong).error,
+                 QStringLiteral("--format takes one of tsv, csv, json, not \"%1\"").arg(wrong));
+    QCOMPARE(parse_options({"--format", "csv"}).error,
+             QString("--format goes with --measure only"));
+}
+
 void OptionsTest::wrong_antenna_options() {
     const auto told = [](const QStringList& options) {
         return parse_options(measuring(options)).error;
@@ -421,7 +438,7 @@ void OptionsTest::wrong_antenna_options() {
                      .arg(value));
     QCOMPARE(told({"--diseqc", "Po 1-V-h LO"}),
              QString("--diseqc takes 38 or 54, which are both called \"Po 1-V-h LO\""));
-    for (const char* option : {"--oscillator", "--lnb", "--tone", "--diseqc"}) {
+    for (const char* option : {"--oscillator", "--lnb", "--tone", "--diseqc", "--format"}) {
         const QString value = QLatin1String(option) == QLatin1String("--tone") ? "on" : "13";
         QCOMPARE(parse_options({option, value}).error.section(' ', 0, 0), QString(option));
     }
