@@ -18,6 +18,7 @@
 #include "message_box.h"
 #include "no_view.h"
 #include "old_reader.h"
+#include "plan_commands.h"
 #include "program.h"
 #include "real_clock.h"
 #include "real_port.h"
@@ -171,6 +172,8 @@ int run_with_options(int argc, char** argv, const Options& options) {
     if (!database) return kDatabase;
     if (!options.import_database.isEmpty())
         return import_unattended(*database, options.import_database, state.texts);
+    if (options.export_plan.asked()) return export_plan_unattended(*database, options, state.texts);
+    if (options.import_plan.asked()) return import_plan_unattended(*database, options, state.texts);
     if (options.measure) return measure_unattended(state, *database, ports_of(options), options);
     Program program(state, std::move(database), ports_of(options));
     return run_windows(program, options);

@@ -18,7 +18,9 @@ struct NamedFile {
 QList<NamedFile> named_files(const Options& options) {
     QList<NamedFile> files{{QStringLiteral("--log"), options.log},
                            {QStringLiteral("--screenshot"), options.screenshot},
-                           {QStringLiteral("--import-database"), options.import_database}};
+                           {QStringLiteral("--import-database"), options.import_database},
+                           {QStringLiteral("--export-plan"), options.export_plan.file},
+                           {QStringLiteral("--import-plan"), options.import_plan.file}};
     files.removeIf([](const NamedFile& file) { return file.path.isEmpty(); });
     return files;
 }

@@ -16,6 +16,7 @@
 #include "message_box.h"
 #include "old_reader.h"
 #include "report_dialog.h"
+#include "say_on_stderr.h"
 #include "unattended.h"
 #include "work.h"
 
@@ -58,11 +59,6 @@ bool anything_clashes(const olddb::ImportPlan& plan) {
     const auto clashes = [](const olddb::ImportItem& item) { return item.clashes; };
     return std::ranges::any_of(plan.plans, clashes) ||
            std::ranges::any_of(plan.satellites, clashes);
-}
-
-/// A line for whoever reads what the command says.
-void say_on_stderr(const QString& text) {
-    std::fprintf(stderr, "m47-remote: %s\n", on_one_line(text).toLocal8Bit().constData());
 }
 
 }  // namespace

@@ -63,6 +63,15 @@ void add_options(QCommandLineParser& parser) {
          "status 4 where the database cannot be used, 5 where OLD cannot be read or the report "
          "not be printed.",
          "OLD"},
+        {"export-plan",
+         "Write the plan NAME into FILE, as the plan screen does, and end: separated by commas "
+         "where it ends in .csv, else by TAB.",
+         "NAME=FILE"},
+        {"import-plan",
+         "Add the programs in FILE, a plan or a DVB scan table, to the plan NAME, which is made "
+         "where there is none, print what was left out and end.",
+         "NAME=FILE"},
+        {"overwrite", "Let --export-plan replace FILE."},
     };
     for (const QCommandLineOption& option : options) parser.addOption(option);
 }

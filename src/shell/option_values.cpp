@@ -6,9 +6,12 @@
 #include <cmath>
 
 #include "antenna_options.h"
+#include "database.h"
 #include "option_words.h"
+#include "plan_name.h"
 #include "port_list.h"
 #include "screen_table.h"
+#include "stored_names.h"
 #include "tuning_range.h"
 
 namespace m47::shell {
@@ -169,6 +172,33 @@ QString check_names(const QCommandLineParser& parser) {
     return {};
 }
 
+/// Split at the first "=", as file names have one more often than plans.
+QString read_plan_file_option(const QCommandLineParser& parser, const QString& option,
+                              PlanFileOption& read) {
+    if (!parser.isSet(option)) return {};
+    const QString value = parser.value(option);
+    const qsizetype equals = value.indexOf(u'=');
+    const QString plan = value.left(equals).trimmed();
+    const QString file = value.mid(equals + 1);
+    if (equals < 0 || plan.isEmpty() || file.trimmed().isEmpty())
+        return refused(QStringLiteral("--%1 takes NAME=FILE").arg(option), value);
+    if (programme::plan_name(plan) != db::stored_plan_name(plan))
+        return refused(QStringLiteral("--%1 takes a plan's name of at most %2 characters")
+                           .arg(option)
+                           .arg(kLongestName),
+                       plan);
+    read = {plan, file};
+    return {};
+}
+
+QString read_plan_files(const QCommandLineParser& parser, Options& options) {
+    const QString error =
+        read_plan_file_option(parser, QStringLiteral("export-plan"), options.export_plan);
+    return error.isEmpty()
+               ? read_plan_file_option(parser, QStringLiteral("import-plan"), options.import_plan)
+               : error;
+}
+
 QString read_ports(const QCommandLineParser& parser, Options& options) {
     link::PortList entries({.sys = {}, .dev = {}, .reported = [] { return QStringList(); }});
     options.ports = parser.values(QStringLiteral("port"));
@@ -216,6 +246,7 @@ QString read_values(const QCommandLineParser& parser, Options& options) {
     if (error.isEmpty()) error = read_antenna_options(parser, options.antenna);
     if (error.isEmpty()) error = read_ranged_options(parser, options);
     if (error.isEmpty()) error = read_format(parser, options);
+    if (error.isEmpty()) error = read_plan_files(parser, options);
     if (error.isEmpty()) error = read_alarms(parser, options.alarms);
     return error;
 }

@@ -54,13 +54,16 @@ QString check_combination(const QCommandLineParser& parser, const Options& optio
     return {};
 }
 
-QString check_import(const QCommandLineParser& parser) {
-    const QString name = QStringLiteral("import-database");
-    if (!parser.isSet(name)) return {};
-    for (const char* other : {"measure", "open", "on-port", "port", "corrected"})
-        if (parser.isSet(QString::fromLatin1(other)))
-            return QStringLiteral("--import-database does not go with --%1")
-                .arg(QLatin1String(other));
+/// What works on the database alone and ends: one of them, and nothing of a meter or a window.
+QString check_database_work(const QCommandLineParser& parser) {
+    const QString work = first_set(parser, {"import-database", "export-plan", "import-plan"});
+    if (parser.isSet(QStringLiteral("overwrite")) && work != QLatin1String("export-plan"))
+        return QStringLiteral("--overwrite goes with --export-plan only");
+    if (work.isEmpty()) return {};
+    for (const char* other :
+         {"measure", "open", "on-port", "port", "corrected", "export-plan", "import-plan"})
+        if (work != QLatin1String(other) && parser.isSet(QString::fromLatin1(other)))
+            return QStringLiteral("--%1 does not go with --%2").arg(work, QLatin1String(other));
     return {};
 }
 
@@ -86,6 +89,7 @@ void read_choices(const QCommandLineParser& parser, Options& options) {
     options.reconnect = parser.isSet(QStringLiteral("reconnect"));
     options.log = parser.value(QStringLiteral("log"));
     options.screenshot = parser.value(QStringLiteral("screenshot"));
+    options.overwrite = parser.isSet(QStringLiteral("overwrite"));
     options.import_database = parser.value(QStringLiteral("import-database"));
 }
 
@@ -108,7 +112,7 @@ Options parse_options(const QStringList& arguments) {
     if (error.isEmpty() && options.user_data && parser.isSet(QStringLiteral("directory")))
         error = QStringLiteral("--directory and --user-data exclude each other");
     if (error.isEmpty()) error = check_combination(parser, options);
-    if (error.isEmpty()) error = check_import(parser);
+    if (error.isEmpty()) error = check_database_work(parser);
     return error.isEmpty() ? options : wrong(error);
 }
 

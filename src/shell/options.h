@@ -32,6 +32,14 @@ struct AntennaOptions {
     std::optional<int> diseqc;      ///< of kDiseqcCommands
 };
 
+/// A plan and the file that it goes into or comes from.
+struct PlanFileOption {
+    QString plan;
+    QString file;
+
+    bool asked() const { return !file.isEmpty(); }
+};
+
 /// What the command line asks for.
 struct Options {
     enum class Action { run, help, version, wrong };
@@ -67,8 +75,14 @@ struct Options {
 
     QString import_database;  ///< a file of the old engine to import, empty for none
 
+    PlanFileOption export_plan;
+    PlanFileOption import_plan;
+    bool overwrite = false;  ///< the file of export_plan may be replaced
+
     /// Nothing is shown and nobody is asked.
-    bool unattended() const { return measure || !import_database.isEmpty(); }
+    bool unattended() const {
+        return measure || !import_database.isEmpty() || export_plan.asked() || import_plan.asked();
+    }
 };
 
 /// Reads the command line without its first word (the program's name).

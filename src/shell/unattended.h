@@ -15,9 +15,9 @@ enum ExitStatus {
     kNoLink = 3,
     kDatabase = 4,
     kOutputLost = 5,         ///< a row is missing in the log or on stdout, or the picture is
-    kOldFileUnreadable = 5,  ///< the old database to import cannot be read
+    kOldFileUnreadable = 5,  ///< the file to import cannot be read
     kNoDisplay = 6,          ///< windows were wanted and there is no display
-    kIncomplete = 7,         ///< nothing was measured, or a pass was cut short
+    kIncomplete = 7,         ///< nothing was measured, a pass was cut short, or programs left out
 };
 
 /// Measures without a window: connects, runs the rules that the buttons run and prints each row of

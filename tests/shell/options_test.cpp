@@ -37,6 +37,7 @@ class OptionsTest : public QObject {
     void twice_with_different_values();
     void antenna_options();
     void formats();
+    void plan_files();
     void wrong_antenna_options();
     void no_file_of_an_option_is_written_over();
     void wrong_options_keep_nothing();
@@ -404,6 +405,45 @@ void OptionsTest::formats() {
              QString("--format goes with --measure only"));
 }
 
+void OptionsTest::plan_files() {
+    const Options out = parse_options({"--export-plan", "Roof=my=plan.tsv", "--overwrite"});
+    QCOMPARE(out.error, QString());
+    QCOMPARE(out.export_plan.plan, QString("Roof"));
+    QCOMPARE(out.export_plan.file, QString("my=plan.tsv"));
+    QVERIFY(out.overwrite);
+    QVERIFY(out.unattended());
+    const Options in = parse_options({"--import-plan", "Roof=a.csv", "--create-database"});
+    QCOMPARE(in.error, QString());
+    QCOMPARE(in.import_plan.plan, QString("Roof"));
+    QCOMPARE(in.import_plan.file, QString("a.csv"));
+    QVERIFY(in.unattended());
+    for (const char* option : {"--export-plan", "--import-plan"}) {
+        const auto told = [option](const char* value) {
+            return parse_options({QLatin1String(option), QLatin1String(value)}).error;
+        };
+        for (const char* value : {"", "ROOF", "=a", "ROOF=", " =a", "ROOF= "})
+            QCOMPARE(told(value),
+                     QStringLiteral("%1 takes NAME=FILE, not \"%2\"").arg(option, value));
+        QCOMPARE(told("A name too long=a"),
+                 QStringLiteral("%1 takes a plan's name of at most 10 characters, not "
+                                "\"A name too long\"")
+                     .arg(option));
+        for (const QStringList& other : {QStringList{"--open", "program"},
+                                         QStringList{"--on-port", "1"}, QStringList{"--corrected"}})
+            QCOMPARE(parse_options(QStringList{option, "A=b"} + other).error,
+                     QStringLiteral("%1 does not go with %2").arg(option, other.constFirst()));
+        QCOMPARE(parse_options(measuring({option, "A=b"})).error,
+                 QStringLiteral("%1 does not go with --measure").arg(option));
+        QCOMPARE(parse_options({"--import-database", "x", option, "A=b"}).error,
+                 QStringLiteral("--import-database does not go with %1").arg(option));
+    }
+    QCOMPARE(parse_options({"--import-plan", "A=b", "--export-plan", "A=b"}).error,
+             QString("--export-plan does not go with --import-plan"));
+    for (const QStringList& without : {QStringList(), QStringList{"--import-plan", "A=b"}})
+        QCOMPARE(parse_options(QStringList("--overwrite") + without).error,
+                 QString("--overwrite goes with --export-plan only"));
+}
+
 void OptionsTest::wrong_antenna_options() {
     const auto told = [](const QStringList& options) {
         return parse_options(measuring(options)).error;
@@ -438,7 +478,7 @@ void OptionsTest::wrong_antenna_options() {
                      .arg(value));
     QCOMPARE(told({"--diseqc", "Po 1-V-h LO"}),
              QString("--diseqc takes 38 or 54, which are both called \"Po 1-V-h LO\""));
-    for (const char* option : {"--oscillator", "--lnb", "--tone", "--diseqc", "--format"}) {
+    for (const char* option : {"--oscillator", "--lnb", "--tone", "--diseqc"}) {
         const QString value = QLatin1String(option) == QLatin1String("--tone") ? "on" : "13";
         QCOMPARE(parse_options({option, value}).error.section(' ', 0, 0), QString(option));
     }
@@ -496,6 +536,12 @@ void OptionsTest::no_file_of_an_option_is_written_over() {
     options = {};
     options.import_database = "VKDM47_03.mdb";
     QCOMPARE(fault(options), QString("--import-database names the database: VKDM47_03.mdb"));
+    options = {};
+    options.export_plan = {"A", here.filePath("link.png")};
+    QCOMPARE(fault(options), QString("--export-plan names the database: link.png"));
+    options = {};
+    options.import_plan = {"A", here.filePath("twin")};
+    QCOMPARE(fault(options), QString("--import-plan names the database: twin"));
 }
 
 void OptionsTest::wrong_options_keep_nothing() {
@@ -508,12 +554,13 @@ void OptionsTest::wrong_options_keep_nothing() {
 void OptionsTest::help_names_every_option() {
     const QString help = help_text();
     for (const char* name :
-         {"--help",      "--version",    "--directory",   "--port",       "--create-database",
-          "--on-port",   "--open",       "--measure",     "--analog",     "--digital",
-          "--freq",      "--bandwidth",  "--symbol-rate", "--alarm",      "--count",
-          "--log",       "--screenshot", "--plan",        "--passes",     "--every",
-          "--full-tune", "--reconnect",  "--user-data",   "--oscillator", "--lnb",
-          "--tone",      "--diseqc"})
+         {"--help",      "--version",    "--directory",   "--port",        "--create-database",
+          "--on-port",   "--open",       "--measure",     "--analog",      "--digital",
+          "--freq",      "--bandwidth",  "--symbol-rate", "--alarm",       "--count",
+          "--log",       "--screenshot", "--plan",        "--passes",      "--every",
+          "--full-tune", "--reconnect",  "--user-data",   "--oscillator",  "--lnb",
+          "--tone",      "--diseqc",     "--format",      "--export-plan", "--import-plan",
+          "--overwrite"})
         QVERIFY2(help.contains(QLatin1String(name)), name);
 }
 

@@ -7,10 +7,11 @@
 #include "fault.h"
 #include "file_question.h"
 #include "import_dialog.h"
+#include "plain_file.h"
+#include "plan_export.h"
 #include "plan_file.h"
 #include "plan_questions.h"
 #include "program_set.h"
-#include "save_file.h"
 #include "ui_program_set.h"
 
 namespace m47::plans {
@@ -31,12 +32,6 @@ constexpr Bilingual kCopyPlanAs{"Copy the plan under the name:", "Copia il piano
 
 [[noreturn]] void throw_plan_file_fault(const QString& path, const QString& reason) {
     throw Fault((path + QStringLiteral(": ") + reason).toStdString());
-}
-
-/// Writes the file whole or not at all.
-void write_plan_file(const QString& path, const QByteArray& bytes) {
-    const QString reason = write_whole_file(path, bytes);
-    if (!reason.isEmpty()) throw_plan_file_fault(path, reason);
 }
 
 }  // namespace
@@ -96,10 +91,8 @@ void ProgramSet::cmdexport_Click() {
     if (lacks_plan()) return;
     const QString path = ask_file(true, {QStringLiteral("(*.tsv)"), QStringLiteral("(*.csv)")});
     if (path.isEmpty()) return;
-    const bool comma = QFileInfo(path).suffix().toLower() == QLatin1String("csv");
-    const QString text = plan_file_text(sets_.plan(), sets_.programs(), sets_.oscillators(),
-                                        comma ? QChar(u',') : QChar(u'\t'));
-    write_plan_file(path, text.toUtf8());
+    const QString reason = export_plan(sets_, path);
+    if (!reason.isEmpty()) throw_plan_file_fault(path, reason);
 }
 
 void ProgramSet::cmdcopyprog_Click() {
