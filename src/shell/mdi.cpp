@@ -130,13 +130,12 @@ void M47MDI::keep_inside(QMdiSubWindow* view) const {
     view->move(qMax(0, qMin(view->x(), furthest.x())), qMax(0, qMin(view->y(), furthest.y())));
 }
 
-void M47MDI::restore_place() {
+void M47MDI::restore_place(const QSize& otherwise) {
     const std::optional<WindowPlace> place = program_.preferences.place(objectName());
-    if (!place) return;
-    const QScreen* screen = QGuiApplication::screenAt(place->rect.center());
+    if (!place) return fit_.size(otherwise, screen()->availableGeometry());
     // A window whose screen is no longer plugged in comes back where it can be seen.
-    if (screen) move(place->rect.topLeft());
-    resize(place->rect.size().boundedTo((screen ? screen : this->screen())->availableSize()));
+    const QScreen* was_on = QGuiApplication::screenAt(place->rect.center());
+    fit_.place(place->rect, (was_on ? was_on : screen())->availableGeometry());
     if (place->maximised) setWindowState(windowState() | Qt::WindowMaximized);
 }
 

@@ -14,6 +14,7 @@
 #include "program_state.h"
 #include "screen.h"
 #include "status_panel.h"
+#include "window_fit.h"
 
 namespace Ui {
 class M47MDI;
@@ -36,9 +37,9 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
     /// The screen that toolbar key `key` opens.
     void add_screen(const QString& key, const ScreenMaker& maker);
 
-    /// Takes the place that the window had in the run before, of the screen where it is still on
-    /// one.
-    void restore_place();
+    /// Takes the place that the window had in the run before, or the size `otherwise`; wholly on a
+    /// screen, with its frame, whatever screen there is now.
+    void restore_place(const QSize& otherwise);
 
     /// Remembers the places of the windows.
     void keep_places();
@@ -112,6 +113,7 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
     QMap<QString, ScreenMaker> makers_;
     QMap<QString, QPointer<QMdiSubWindow>> views_;
     QPointer<QMdiSubWindow> front_;
+    WindowFit fit_{this};
 };
 
 }  // namespace m47::shell

@@ -4,8 +4,6 @@
 #include <QCoreApplication>
 #include <QDesktopServices>
 #include <QFileInfo>
-#include <QGuiApplication>
-#include <QScreen>
 #include <QUrl>
 #include <chrono>
 
@@ -58,8 +56,7 @@ Program::Program(ProgramState& state, std::unique_ptr<db::Database> database, li
         if (auto* screen = window_.opened<plans::ProgramSet>()) screen->database_changed();
     });
     on(&window_, &M47MDI::manual_asked, &window_, "cmdmanual_Click", [this] { cmdmanual_Click(); });
-    window_.resize(kWindowSize.boundedTo(QGuiApplication::primaryScreen()->availableSize()));
-    window_.restore_place();
+    window_.restore_place(kWindowSize);
 }
 
 std::optional<Said> Program::left_off() const {

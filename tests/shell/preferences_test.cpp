@@ -8,6 +8,7 @@
 #include "box_answers.h"
 #include "program_in_folder.h"
 #include "realtime.h"
+#include "window_fit.h"
 
 namespace m47::shell {
 
@@ -122,6 +123,41 @@ class PreferencesTest : public QObject, protected ProgramInFolder {
         QCOMPARE(realtime()->parentWidget()->geometry(), QRect(12, 17, 420, 300));
         window().findChild<QAction*>("setport")->trigger();
         QCOMPARE(window().screen_of("setport")->parentWidget()->geometry(), left);
+    }
+
+    void a_window_lies_on_the_screen_with_its_frame_data() {
+        QTest::addColumn<QRect>("left");
+        QTest::newRow("first start") << QRect();
+        QTest::newRow("as large as the screen") << QRect(0, 0, 4000, 3000);
+        QTest::newRow("half outside") << QRect(500, 500, 560, 560);
+        QTest::newRow("on a screen that is gone") << QRect(3000, 300, 500, 400);
+        QTest::newRow("above and left") << QRect(-90, -90, 500, 400);
+    }
+    void a_window_lies_on_the_screen_with_its_frame() {
+        QFETCH(QRect, left);
+        if (left.isValid()) preferences().keep_place("M47MDI", {left, false});
+        start();
+        const QRect room = window().screen()->availableGeometry();
+        const QRect frame = window().frameGeometry();
+        QVERIFY(window().geometry() != frame);  // else there is nothing to be tried here
+        QVERIFY2(room.contains(frame), qPrintable(QDebug::toString(frame)));
+        if (left.isValid() && room.size().width() > left.width() + 50)
+            QCOMPARE(window().size(), left.size());
+    }
+
+    void a_frame_larger_than_thought_is_put_right() {
+        QWidget window;
+        WindowFit fit(&window);
+        const QRect room(0, 20, 1024, 580);
+        const QMargins frame(10, 60, 10, 10);
+        fit.size({1100, 720}, room);
+        QVERIFY(room.size().expandedTo(window.size()) == room.size());
+        fit.correct(frame, room);
+        QCOMPARE(QRect(window.pos(), window.size().grownBy(frame)), room);
+        // What the user made of it meanwhile is left.
+        window.resize(2000, 300);
+        fit.correct(frame, room);
+        QCOMPARE(window.size(), QSize(2000, 300));
     }
 
     void a_maximised_screen_comes_back_maximised() {
