@@ -31,8 +31,9 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION electronics)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 m47_plugin_packages(CPACK_DEBIAN_PACKAGE_DEPENDS)
-# A session without an X server shows windows through it.
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS qt6-wayland)
+# A session without an X server shows windows through the one; the other has Qt's own words in
+# Italian.
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "qt6-translations-l10n, qt6-wayland")
 # The transponders of the satellites, to import into a plan.
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS dtv-scan-tables)
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION

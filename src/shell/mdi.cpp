@@ -65,6 +65,7 @@ M47MDI::M47MDI(ProgramState& program, QWidget* parent)
     connect(ui_->cmdexit, &QAction::triggered, this, &QWidget::close);
     connect(ui_->screens, &QMdiArea::subWindowActivated, this, &M47MDI::screen_activated);
     corrected_ = new CorrectedMenu(ui_->cmdcorrected, program_);
+    connect_window_menu();
     tell_costs();
     ui_->cmdinglese->setChecked(true);
     cmditaliano_Click();
@@ -112,14 +113,36 @@ void M47MDI::open_screen(const QString& key) {
     // The screen is already at the front while it loads; its activation comes after that, once.
     front_ = view;
     views_[key] = view;
-    view->show();
-    restore_place_of(key, view);
-    keep_inside(view);
+    put_in_place(key, view);
     view->installEventFilter(this);
     connect(screen, &Screen::exit_asked, view, &QWidget::close);
     screen->load();
     corrected_->join(screen);
     screen->Form_Activate();
+}
+
+void M47MDI::connect_window_menu() {
+    windows_ = new WindowMenu(ui_->cmdwindow, ui_->screens, program_);
+    windows_->front_key = [this] { return front_key(); };
+    windows_->open_keys = [this] {
+        QList<QAction*> keys = ui_->barracomandi->actions();
+        keys.removeIf([this](const QAction* key) { return !screen_of(key->objectName()); });
+        return keys;
+    };
+    on(windows_, &WindowMenu::picked, this, "cmdwindow_Click",
+       [this](const QString& key) { open_screen(key); });
+    connect(windows_, &WindowMenu::tabs_wanted, this, &M47MDI::keep_places_of_screens);
+    connect(windows_, &WindowMenu::windows_wanted, this, [this] {
+        for (auto view = views_.cbegin(); view != views_.cend(); ++view)
+            if (view.value()) put_in_place(view.key(), view.value());
+    });
+}
+
+void M47MDI::put_in_place(const QString& key, QMdiSubWindow* view) const {
+    if (windows_->as_tabs()) return view->showMaximized();
+    view->showNormal();
+    restore_place_of(key, view);
+    keep_inside(view);
 }
 
 void M47MDI::keep_inside(QMdiSubWindow* view) const {
@@ -147,6 +170,10 @@ void M47MDI::closeEvent(QCloseEvent* event) {
 void M47MDI::keep_places() {
     program_.preferences.keep_place(objectName(),
                                     {QRect(pos(), normalGeometry().size()), isMaximized()});
+    keep_places_of_screens();
+}
+
+void M47MDI::keep_places_of_screens() {
     for (auto view = views_.cbegin(); view != views_.cend(); ++view)
         if (view.value()) keep_place_of(view.key(), view.value());
 }
@@ -168,7 +195,9 @@ void M47MDI::restore_place_of(const QString& key, QMdiSubWindow* view) const {
 }
 
 void M47MDI::keep_place_of(const QString& key, const QMdiSubWindow* view) const {
-    if (!view->isMinimized())
+    // A tab has no place of its own: that of the window it was stays.
+    const bool tab = ui_->screens->viewMode() == QMdiArea::TabbedView;
+    if (!tab && !view->isMinimized())
         program_.preferences.keep_place(key, {view->geometry(), view->isMaximized()});
 }
 
@@ -214,6 +243,8 @@ void M47MDI::show_texts() {
     // This window is never loaded again, so what it says changes with the language.
     status_->show_reason();
     corrected_->show_texts();
+    windows_->show_texts();
+    toolkit_language_.follow(program_.texts);
     set_tooltips(this, kMenuTips, program_.texts);
     for (QAction* entry : {ui_->cmdimportdb, ui_->cmdmanual}) entry->setStatusTip(entry->toolTip());
 }

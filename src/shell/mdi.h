@@ -14,7 +14,9 @@
 #include "program_state.h"
 #include "screen.h"
 #include "status_panel.h"
+#include "toolkit_language.h"
 #include "window_fit.h"
+#include "window_menu.h"
 
 namespace Ui {
 class M47MDI;
@@ -95,7 +97,11 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
 
   private:
     void add_keys();
+    void connect_window_menu();
+    /// Gives a screen that opens, or is no tab any more, its place.
+    void put_in_place(const QString& key, QMdiSubWindow* view) const;
     void restore_place_of(const QString& key, QMdiSubWindow* view) const;
+    void keep_places_of_screens();
     void keep_place_of(const QString& key, const QMdiSubWindow* view) const;
     void screen_activated(QMdiSubWindow* view);
     /// A new screen opens wholly visible, scaled to the room there is.
@@ -110,10 +116,12 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
     QLabel* notice_;
     StatusPanel* status_;
     CorrectedMenu* corrected_ = nullptr;
+    WindowMenu* windows_ = nullptr;
     QMap<QString, ScreenMaker> makers_;
     QMap<QString, QPointer<QMdiSubWindow>> views_;
     QPointer<QMdiSubWindow> front_;
     WindowFit fit_{this};
+    ToolkitLanguage toolkit_language_;
 };
 
 }  // namespace m47::shell

@@ -107,6 +107,7 @@ class PreferencesTest : public QObject, protected ProgramInFolder {
 
     void windows_come_back_where_they_were() {
         start();
+        window().findChild<QAction*>("cmdtabs")->setChecked(false);
         window().resize(700, 500);
         window().move(30, 40);
         auto* view = qobject_cast<QMdiSubWindow*>(realtime()->parentWidget());
@@ -123,6 +124,26 @@ class PreferencesTest : public QObject, protected ProgramInFolder {
         QCOMPARE(realtime()->parentWidget()->geometry(), QRect(12, 17, 420, 300));
         window().findChild<QAction*>("setport")->trigger();
         QCOMPARE(window().screen_of("setport")->parentWidget()->geometry(), left);
+    }
+
+    void tabs_are_remembered_and_leave_the_places_of_windows_alone() {
+        const QRect place(12, 17, 420, 300);
+        start();
+        window().findChild<QAction*>("cmdtabs")->setChecked(false);
+        window().resize(700, 500);
+        realtime()->parentWidget()->setGeometry(place);
+        window().findChild<QAction*>("cmdtabs")->setChecked(true);
+        QVERIFY(realtime()->parentWidget()->isMaximized());
+        start();
+        QVERIFY(window().findChild<QAction*>("cmdtabs")->isChecked());
+        QVERIFY(realtime()->parentWidget()->isMaximized());
+        realtime()->parentWidget()->close();
+        realtime();
+        window().findChild<QAction*>("cmdtabs")->setChecked(false);
+        QCOMPARE(realtime()->parentWidget()->geometry(), place);
+        start();
+        QVERIFY(!window().findChild<QAction*>("cmdtabs")->isChecked());
+        QCOMPARE(realtime()->parentWidget()->geometry(), place);
     }
 
     void a_window_lies_on_the_screen_with_its_frame_data() {
@@ -162,6 +183,7 @@ class PreferencesTest : public QObject, protected ProgramInFolder {
 
     void a_maximised_screen_comes_back_maximised() {
         start();
+        window().findChild<QAction*>("cmdtabs")->setChecked(false);
         realtime()->parentWidget()->showMaximized();
         start();
         QVERIFY(realtime()->parentWidget()->isMaximized());

@@ -180,7 +180,69 @@ void ScreensTest::no_menu_hides_a_toolbar() {
     QCOMPARE(open_realtime()->contextMenuPolicy(), Qt::NoContextMenu);
 }
 
+void ScreensTest::screens_open_as_tabs_that_fill_the_window() {
+    const auto* area = find<QMdiArea>("screens");
+    QCOMPARE(area->viewMode(), QMdiArea::TabbedView);
+    for (const ScreenEntry& entry : screen_table()) {
+        window().open_screen(QString::fromLatin1(entry.key));
+        const Screen* screen = window().screen_of(QString::fromLatin1(entry.key));
+        QVERIFY2(screen->parentWidget()->isMaximized(), entry.key);
+        QVERIFY2(screen->parentWidget()->size() == area->viewport()->size(), entry.key);
+        QVERIFY2(screen->size() == area->viewport()->size(), entry.key);
+        // The window's caption is its own: tabs say which screen it is.
+        QCOMPARE(window().windowTitle(), QStringLiteral("VKD M47_03 REMOTE CONTROL"));
+    }
+    QCOMPARE(area->findChild<QTabBar*>()->count(), int(screen_table().size()));
+}
+
+void ScreensTest::the_window_menu_makes_windows_of_tabs_and_names_the_open_screens() {
+    auto* menu = find<QMenu>("cmdwindow");
+    QCOMPARE(menu->title(), QStringLiteral("&Finestra"));
+    find<QAction>("cmdinglese")->trigger();
+    QCOMPARE(menu->title(), QStringLiteral("&Window"));
+    Q_EMIT menu->aboutToShow();
+    QCOMPARE(menu->actions().size(), 3);
+    find<QAction>("setport")->trigger();
+    find<QAction>("program")->trigger();
+    Q_EMIT menu->aboutToShow();
+    QCOMPARE(menu->actions().size(), 6);
+    QCOMPARE(menu->actions()[4]->text(), QStringLiteral("Plan Setup\tCtrl+1"));
+    QVERIFY(menu->actions()[4]->isChecked());
+    QVERIFY(!menu->actions()[5]->isChecked());
+    menu->actions()[5]->trigger();
+    QCOMPARE(window().front_key(), QStringLiteral("setport"));
+    const auto* area = find<QMdiArea>("screens");
+    for (const char* arrangement : {"cmdtile", "cmdtabs", "cmdcascade"}) {
+        find<QAction>(arrangement)->trigger();
+        const bool tabs = qstrcmp(arrangement, "cmdtabs") == 0;
+        QCOMPARE(find<QAction>("cmdtabs")->isChecked(), tabs);
+        QCOMPARE(area->currentSubWindow()->isMaximized(), tabs);
+        // A screen that needs more than its tile is scrolled to.
+        for (const QMdiSubWindow* view : area->subWindowList())
+            QVERIFY2(area->viewport()->rect().contains(view->pos()), arrangement);
+    }
+}
+
+void ScreensTest::arranging_the_screens_brings_none_to_the_front() {
+    QStringList told;
+    for (const char* key : {"program", "download", "realtime"})
+        window().add_screen(key, [&told, key] {
+            return new TellingScreen([&told, key] { told += QString::fromLatin1(key); });
+        });
+    for (const char* key : {"program", "download", "realtime", "program"})
+        find<QAction>(key)->trigger();
+    told.clear();
+    for (const char* arrangement : {"cmdtabs", "cmdtile", "cmdtabs", "cmdcascade", "cmdtabs"}) {
+        find<QAction>(arrangement)->trigger();
+        QCoreApplication::processEvents();
+        QCOMPARE(window().front_key(), QStringLiteral("program"));
+        // Coming to the front, a screen sends commands.
+        QCOMPARE(told, QStringList());
+    }
+}
+
 void ScreensTest::a_new_screen_lies_inside_the_window() {
+    find<QAction>("cmdtabs")->setChecked(false);
     find<QAction>("setport")->trigger();
     const QWidget* view = open_realtime()->parentWidget();
     const QRect area = find<QMdiArea>("screens")->viewport()->rect();
@@ -189,6 +251,30 @@ void ScreensTest::a_new_screen_lies_inside_the_window() {
                                                              .arg(view->height())
                                                              .arg(area.width())
                                                              .arg(area.height())));
+}
+
+void ScreensTest::the_words_of_the_toolkit_are_in_the_language_too() {
+    const auto words = [] {
+        QMessageBox box(QMessageBox::Question, {}, {}, QMessageBox::Yes | QMessageBox::Cancel);
+        QFileDialog files;
+        files.setOption(QFileDialog::DontUseNativeDialog);
+        return QStringList{box.button(QMessageBox::Yes)->text(),
+                           box.button(QMessageBox::Cancel)->text(),
+                           files.labelText(QFileDialog::LookIn)};
+    };
+    const QStringList italian{"&Sì", "Annulla", "Cerca in:"};
+    const QStringList english{"&Yes", "Cancel", "Look in:"};
+    QCOMPARE(words(), italian);
+    find<QAction>("cmdinglese")->trigger();
+    QCOMPARE(words(), english);
+    find<QAction>("cmditaliano")->trigger();
+    QCOMPARE(words(), italian);
+    // Picking a port chooses English.
+    program().identify(10);
+    QCOMPARE(words(), english);
+    find<QAction>("cmditaliano")->trigger();
+    end_program();
+    QCOMPARE(words(), english);
 }
 
 void ScreensTest::port_list_is_empty_until_a_choice_and_has_ten_numbers() {

@@ -15,6 +15,7 @@
 #include <QRadioButton>
 #include <QSqlDatabase>
 #include <QSqlQuery>
+#include <QTabBar>
 #include <QTableView>
 #include <QTest>
 #include <QTimer>
@@ -78,6 +79,14 @@ class ScreensTest : public QObject, protected ProgramInFolder {
     void no_menu_hides_a_toolbar();
 
     void a_new_screen_lies_inside_the_window();
+
+    void screens_open_as_tabs_that_fill_the_window();
+
+    void the_window_menu_makes_windows_of_tabs_and_names_the_open_screens();
+
+    void arranging_the_screens_brings_none_to_the_front();
+
+    void the_words_of_the_toolkit_are_in_the_language_too();
 
     void port_list_is_empty_until_a_choice_and_has_ten_numbers();
 

@@ -10,6 +10,7 @@ namespace {
 
 const QString kDirectory = QStringLiteral("files/directory");
 const QString kLogs = QStringLiteral("files/logs");
+const QString kScreensAsTabs = QStringLiteral("windows/tabs");
 const QString kStartsCorrected = QStringLiteral("behaviour/corrected");
 
 // A window of another size has not been one that a user left.
@@ -45,9 +46,9 @@ Preferences::Preferences(const QString& file) {
     if (!about.exists() || about.isFile()) file_ = file;
 }
 
-QVariant Preferences::value(const QString& key) const {
-    if (file_.isEmpty()) return {};
-    return QSettings(file_, QSettings::IniFormat).value(key);
+QVariant Preferences::value(const QString& key, const QVariant& otherwise) const {
+    if (file_.isEmpty()) return otherwise;
+    return QSettings(file_, QSettings::IniFormat).value(key, otherwise);
 }
 
 void Preferences::keep(const QString& key, const QVariant& value) const {
@@ -89,6 +90,14 @@ std::optional<WindowPlace> Preferences::place(const QString& name) const {
 void Preferences::keep_place(const QString& name, const WindowPlace& place) const {
     keep(maximised_key(name), place.maximised);
     if (!place.maximised || !this->place(name)) keep(rect_key(name), place.rect);
+}
+
+bool Preferences::screens_as_tabs() const {
+    return value(kScreensAsTabs, true).toBool();
+}
+
+void Preferences::keep_screens_as_tabs(bool wanted) const {
+    keep(kScreensAsTabs, wanted);
 }
 
 bool Preferences::starts_corrected() const {

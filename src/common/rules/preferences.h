@@ -44,12 +44,16 @@ class Preferences {
     /// A maximised window keeps the rect that it had before.
     void keep_place(const QString& name, const WindowPlace& place) const;
 
+    /// Whether screens open as tabs, which they do until the user wants windows.
+    bool screens_as_tabs() const;
+    void keep_screens_as_tabs(bool wanted) const;
+
     /// Whether the user wants every corrected behaviour from the start on.
     bool starts_corrected() const;
     void keep_starts_corrected(bool wanted) const;
 
   private:
-    QVariant value(const QString& key) const;
+    QVariant value(const QString& key, const QVariant& otherwise = {}) const;
     void keep(const QString& key, const QVariant& value) const;
 
     QString file_;
