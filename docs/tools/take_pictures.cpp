@@ -82,6 +82,8 @@ class Pictures {
         program_->window().resize(kWindow);
         program_->window().show();
         if (!QTest::qWaitForWindowExposed(&program_->window())) qFatal("no window");
+        // A picture shows one screen, as large as it needs to be.
+        program_->window().findChild<QAction*>(QStringLiteral("cmdtabs"))->setChecked(false);
     }
 
     void take() {

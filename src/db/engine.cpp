@@ -105,4 +105,18 @@ void Connection::forget() {
     QSqlDatabase::removeDatabase(name);
 }
 
+QString engine_version() {
+    const QString name = next_connection_name();
+    QString version;
+    {
+        QSqlDatabase memory = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+        memory.setDatabaseName(QStringLiteral(":memory:"));
+        memory.open();
+        QSqlQuery asked(QStringLiteral("select sqlite_version()"), memory);
+        if (asked.next()) version = asked.value(0).toString();
+    }
+    QSqlDatabase::removeDatabase(name);
+    return version;
+}
+
 }  // namespace m47::db

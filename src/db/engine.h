@@ -71,4 +71,7 @@ class Connection {
     QSqlDatabase database_;
 };
 
+/// The version of the engine behind the files, as "3.40.1"; empty where it does not tell.
+QString engine_version();
+
 }  // namespace m47::db

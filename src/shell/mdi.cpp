@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "mdi.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QScreen>
 #include <QTimer>
 #include <chrono>
 
+#include "about_box.h"
 #include "busy_input.h"
 #include "elided_label.h"
 #include "handler.h"
@@ -27,6 +29,8 @@ constexpr Tooltip kMenuTips[] = {
      "Importa piani e satelliti da un vecchio database"},
     {"cmdmanual", "Open the manual at the page of this screen",
      "Apre il manuale alla pagina di questa schermata"},
+    {"cmdabout", "Version, folder and licence of this program",
+     "Versione, cartella e licenza di questo programma"},
 };
 
 }  // namespace
@@ -62,6 +66,8 @@ M47MDI::M47MDI(ProgramState& program, QWidget* parent)
     connect(ui_->cmdreconnect, &QAction::triggered, this, &M47MDI::reconnect_asked);
     connect(ui_->cmdimportdb, &QAction::triggered, this, &M47MDI::import_asked);
     connect(ui_->cmdmanual, &QAction::triggered, this, &M47MDI::manual_asked);
+    on(ui_->cmdabout, &QAction::triggered, this, "cmdabout_Click",
+       [this] { show_about(this, program_); });
     connect(ui_->cmdexit, &QAction::triggered, this, &QWidget::close);
     connect(ui_->screens, &QMdiArea::subWindowActivated, this, &M47MDI::screen_activated);
     corrected_ = new CorrectedMenu(ui_->cmdcorrected, program_);
@@ -119,6 +125,15 @@ void M47MDI::open_screen(const QString& key) {
     screen->load();
     corrected_->join(screen);
     screen->Form_Activate();
+    focus_in(screen);
+}
+
+void M47MDI::focus_in(Screen* screen) {
+    // Its shortcuts hold only then, and a tab that was clicked has the keyboard itself.
+    if (screen == QApplication::focusWidget() || screen->isAncestorOf(QApplication::focusWidget()))
+        return;
+    QWidget* last = screen->focusWidget();
+    (last ? last : screen)->setFocus();
 }
 
 void M47MDI::connect_window_menu() {
@@ -222,7 +237,10 @@ void M47MDI::screen_activated(QMdiSubWindow* view) {
         return;
     }
     front_ = view;
-    if (Screen* screen = screen_of(key_of(view))) screen->Form_Activate();
+    Screen* screen = screen_of(key_of(view));
+    if (!screen) return;
+    screen->Form_Activate();
+    focus_in(screen);
 }
 
 void M47MDI::cmdinglese_Click() {
@@ -246,7 +264,8 @@ void M47MDI::show_texts() {
     windows_->show_texts();
     toolkit_language_.follow(program_.texts);
     set_tooltips(this, kMenuTips, program_.texts);
-    for (QAction* entry : {ui_->cmdimportdb, ui_->cmdmanual}) entry->setStatusTip(entry->toolTip());
+    for (QAction* entry : {ui_->cmdimportdb, ui_->cmdmanual, ui_->cmdabout})
+        entry->setStatusTip(entry->toolTip());
 }
 
 void M47MDI::tell_costs() {

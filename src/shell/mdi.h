@@ -104,6 +104,8 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
     void keep_places_of_screens();
     void keep_place_of(const QString& key, const QMdiSubWindow* view) const;
     void screen_activated(QMdiSubWindow* view);
+    /// Gives the keyboard to `screen`, where it was in it last.
+    static void focus_in(Screen* screen);
     /// A new screen opens wholly visible, scaled to the room there is.
     void keep_inside(QMdiSubWindow* view) const;
     QString key_of(const QMdiSubWindow* view) const;

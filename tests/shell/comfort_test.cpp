@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Work without a mouse, without eyes and from afar: every screen by Tab, and the large level.
 #include <QAccessible>
+#include <QCheckBox>
+#include <QHelpEvent>
 #include <QMdiSubWindow>
 #include <QRadioButton>
 #include <QSet>
 #include <QTabWidget>
 #include <QToolBar>
 #include <QToolButton>
+#include <QToolTip>
 
 #include "fake_port.h"
 #include "level_view.h"
@@ -143,6 +146,93 @@ class ComfortTest : public QObject, protected ProgramInFolder {
         QVERIFY(window().screen_of("realtime"));
         QTest::keyClick(window().screen_of("realtime"), Qt::Key_6, Qt::ControlModifier);
         QVERIFY(window().screen_of("setport"));
+    }
+
+    void measuring_and_stopping_have_keys() {
+        start_on_virtual_line();
+        QApplication::setActiveWindow(&window());
+        realtime::Realtime* screen = realtime();
+        find<QCheckBox>("meas_statea_0", screen)->setChecked(true);
+        QVERIFY(screen->isAncestorOf(QApplication::focusWidget()));  // the keys work at once
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_F5);
+        QCOMPARE(screen->rules.page.measurements(), 1);
+        screen->toolbar_ButtonClick("start");
+        QVERIFY(find<QWidget>("time_delay", screen)->isVisible());
+        find<QPushButton>("cmdstart", screen)->click();
+        QVERIFY(screen->acquisition.timed());
+        QTest::keyClick(find<QLineEdit>("fsat", screen), Qt::Key_F5, Qt::ShiftModifier);
+        QVERIFY(!screen->acquisition.timed());
+    }
+
+    void plans_are_gone_through_and_stored_by_keys() {
+        window().findChild<QAction*>("program")->trigger();
+        Screen* screen = window().screen_of("program");
+        auto* frequency = find<QLineEdit>("sat_freq_txt", screen);
+        const auto number = [&] { return find<QLineEdit>("prog_num", screen)->text(); };
+        frequency->setFocus();
+        for (const char* added : {"002", "003"}) {
+            find<QLineEdit>("prog_num", screen)->setText(added);
+            screen->findChild<QAction*>("store_new")->trigger();
+        }
+        const QString second = number();
+        QTest::keyClick(frequency, Qt::Key_PageUp);
+        const QString first = number();
+        QVERIFY(first != second);
+        frequency->setText("1111.0");
+        QTest::keyClick(frequency, Qt::Key_S, Qt::ControlModifier);
+        QTest::keyClick(frequency, Qt::Key_PageDown);
+        QCOMPARE(number(), second);
+        QTest::keyClick(frequency, Qt::Key_PageUp);
+        QCOMPARE(frequency->text().toDouble(), 1111.0);
+        // A list keeps them: they move about in it.
+        auto* list = find<QComboBox>("k22_state", screen);
+        list->setFocus();
+        QKeyEvent key(QEvent::ShortcutOverride, Qt::Key_PageDown, Qt::NoModifier);
+        key.ignore();
+        QCoreApplication::sendEvent(list, &key);
+        QVERIFY(key.isAccepted());
+    }
+
+    void a_tooltip_names_the_shortcut_and_stays_what_it_is() {
+        realtime::Realtime* screen = realtime();
+        auto* bar = screen->findChild<QToolBar*>("barracomandi");
+        QAction* action = screen->findChild<QAction*>("stop");
+        const QString text = action->toolTip();
+        QWidget* button = bar->widgetForAction(action);
+        QHelpEvent pointed(QEvent::ToolTip, QPoint(2, 2), button->mapToGlobal(QPoint(2, 2)));
+        QCoreApplication::sendEvent(button, &pointed);
+        QVERIFY2(QToolTip::text().startsWith(text + " (") && QToolTip::text().contains("F5"),
+                 qPrintable(QToolTip::text()));
+        QCOMPARE(action->toolTip(), text);
+        QToolTip::hideText();
+    }
+
+    void the_large_level_opens_in_a_run_and_leaves_all_as_it_was() {
+        start_on_virtual_line();
+        realtime::Realtime* screen = realtime();
+        screen->toolbar_ButtonClick("qpsk");
+        screen->toolbar_ButtonClick("start");
+        find<QPushButton>("cmdstart", screen)->click();
+        QVERIFY(screen->acquisition.timed());
+        auto* box = find<QLineEdit>("fsat", screen);
+        box->setFocus();
+        box->setText("1234");
+        const QRect place = window().geometry();
+        const int mode = screen->rules.state.meas_mode;
+        QTest::keyClick(box, Qt::Key_F11);
+        auto* view = screen->findChild<level::LevelView*>("level_view");
+        QVERIFY(view->isFullScreen());
+        QApplication::setActiveWindow(view);
+        QTest::keyClick(view, Qt::Key_F11);
+        QVERIFY(!view->isVisible());
+        window().activateWindow();
+        QCoreApplication::processEvents();
+        QVERIFY(screen->acquisition.timed());
+        QCOMPARE(screen->rules.state.meas_mode, mode);
+        QCOMPARE(box->text(), QStringLiteral("1234"));
+        QCOMPARE(window().focusWidget(), box);
+        QCOMPARE(window().geometry(), place);
+        QCOMPARE(window().front_key(), QStringLiteral("realtime"));
     }
 
     void a_toolbar_key_works_by_the_space_bar() {

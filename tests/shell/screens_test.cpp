@@ -277,6 +277,27 @@ void ScreensTest::the_words_of_the_toolkit_are_in_the_language_too() {
     QCOMPARE(words(), english);
 }
 
+void ScreensTest::the_about_box_says_what_runs_here_and_copies_it() {
+    QGuiApplication::clipboard()->setText("before");
+    QString shown;
+    BoxAnswers boxes;
+    boxes.answer([&](QDialog* dialog) {
+        auto* box = qobject_cast<QMessageBox*>(dialog);
+        QVERIFY(box);
+        shown = box->text();
+        for (QAbstractButton* button : box->buttons())
+            if (box->buttonRole(button) == QMessageBox::ActionRole) button->click();
+        QVERIFY(box->isVisible());
+        box->button(QMessageBox::Close)->click();
+    });
+    find<QAction>("cmdabout")->trigger();
+    QVERIFY2(shown.contains(QStringLiteral("Cartella: ") + folder()), qPrintable(shown));
+    for (const char* form :
+         {"^m47-remote \\d+\\.\\d+", "\nQt 6\\.\\d", "\nSQLite 3\\.\\d+", "GPL-3.0"})
+        QVERIFY2(shown.contains(QRegularExpression(form)), form);
+    QCOMPARE(QGuiApplication::clipboard()->text(), shown);
+}
+
 void ScreensTest::port_list_is_empty_until_a_choice_and_has_ten_numbers() {
     find<QAction>("setport")->trigger();
     const auto* porta = find<QComboBox>("porta");

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QAction>
+#include <QClipboard>
 #include <QComboBox>
 #include <QFileDialog>
 #include <QLabel>
@@ -87,6 +88,8 @@ class ScreensTest : public QObject, protected ProgramInFolder {
     void arranging_the_screens_brings_none_to_the_front();
 
     void the_words_of_the_toolkit_are_in_the_language_too();
+
+    void the_about_box_says_what_runs_here_and_copies_it();
 
     void port_list_is_empty_until_a_choice_and_has_ten_numbers();
 

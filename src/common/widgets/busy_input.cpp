@@ -18,6 +18,8 @@
 #include <algorithm>
 #include <array>
 
+#include "keyboard_access.h"
+
 namespace m47 {
 namespace {
 
@@ -65,8 +67,10 @@ bool is_view(const QWidget* widget) {
            is_text_box(widget);
 }
 
-bool moves_about(int key) {
-    return key >= Qt::Key_Home && key <= Qt::Key_PageDown;
+bool moves_about(const QWidget* focus, int key) {
+    // Elsewhere these two take the screen to another program.
+    if (key == Qt::Key_PageUp || key == Qt::Key_PageDown) return pages_by_keyboard(focus);
+    return key >= Qt::Key_Home && key <= Qt::Key_Down;
 }
 
 /// What belongs to typing: without "select all" the next digits would land beside the old ones.
@@ -113,8 +117,8 @@ bool key_is_kept(const QWidget* focus, const QKeyEvent& key) {
     if (!focus) return false;
     if (key.key() == Qt::Key_Space && is_kept(focus)) return true;
     if (is_refused(focus)) return false;
-    if (is_text_box(focus)) return moves_about(key.key()) || edits(key);
-    return moves_about(key.key()) && is_view(focus);
+    if (is_text_box(focus)) return moves_about(focus, key.key()) || edits(key);
+    return moves_about(focus, key.key()) && is_view(focus);
 }
 
 }  // namespace m47

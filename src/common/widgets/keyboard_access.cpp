@@ -2,12 +2,16 @@
 #include "keyboard_access.h"
 
 #include <QAbstractItemView>
+#include <QAbstractSlider>
 #include <QAction>
+#include <QComboBox>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QToolBar>
 #include <QToolButton>
+#include <QToolTip>
 
 namespace m47 {
 namespace {
@@ -51,6 +55,41 @@ QString tab_of(const QWidget* control) {
     return {};
 }
 
+/// What the tooltip of a toolbar button shows: its text and how the key is pressed.
+class ShortcutTip : public QObject {
+  public:
+    ShortcutTip(QToolButton* button, const QAction* action) : QObject(button), action_(action) {
+        button->installEventFilter(this);
+    }
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() != QEvent::ToolTip || action_->shortcut().isEmpty()) return false;
+        const QString keys = action_->shortcut().toString(QKeySequence::NativeText);
+        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(),
+                           QStringLiteral("%1 (%2)").arg(action_->toolTip(), keys),
+                           static_cast<QWidget*>(watched));
+        return true;
+    }
+
+  private:
+    const QAction* action_;
+};
+
+/// Leaves PgUp and PgDn to a control that pages by them, where they are shortcuts of the screen.
+class PagingKeys : public QObject {
+  public:
+    explicit PagingKeys(QWidget* control) : QObject(control) { control->installEventFilter(this); }
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        // It comes to whatever lies around the control with the keyboard, too.
+        if (event->type() != QEvent::ShortcutOverride ||
+            !static_cast<QWidget*>(watched)->hasFocus())
+            return false;
+        const auto* key = static_cast<QKeyEvent*>(event);
+        const bool paging = key->key() == Qt::Key_PageUp || key->key() == Qt::Key_PageDown;
+        if (paging && key->modifiers() == Qt::NoModifier) event->accept();
+        return false;
+    }
+};
+
 void name_button(QToolButton* button, const QAction* action) {
     const auto rename = [button, action] { button->setAccessibleName(action->toolTip()); };
     rename();
@@ -63,6 +102,7 @@ void open_toolbar(QToolBar* bar) {
         if (!button) continue;
         button->setFocusPolicy(Qt::TabFocus);
         name_button(button, action);
+        new ShortcutTip(button, action);
     }
     // What finds no room on a narrow window is behind this button.
     if (auto* more = bar->findChild<QToolButton*>(QStringLiteral("qt_toolbar_ext_button"))) {
@@ -91,6 +131,13 @@ void open_to_keyboard(QWidget* screen) {
     for (auto* view : screen->findChildren<QAbstractItemView*>()) view->setTabKeyNavigation(false);
     for (QWidget* control : screen->findChildren<QWidget*>())
         if (control->focusPolicy() & Qt::TabFocus) name_control(control);
+    for (QWidget* control : screen->findChildren<QWidget*>())
+        if (pages_by_keyboard(control)) new PagingKeys(control);
+}
+
+bool pages_by_keyboard(const QWidget* control) {
+    return qobject_cast<const QAbstractScrollArea*>(control) ||
+           qobject_cast<const QAbstractSlider*>(control) || qobject_cast<const QComboBox*>(control);
 }
 
 }  // namespace m47
