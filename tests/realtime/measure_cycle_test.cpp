@@ -335,6 +335,11 @@ void MeasureCycleTest::an_alarm_without_limits_is_told() {
     f_->program.costs.begin_anew();
     f_->rules.measure_once();
     QCOMPARE(told, QStringList({fails, nothing, nothing}));
+    // One that is not ticked is none.
+    panel().alarm_statea[0] = false;
+    f_->program.costs.begin_anew();
+    f_->rules.measure_once();
+    QCOMPARE(told.size(), 3);
 }
 
 void MeasureCycleTest::digital_cn_ends_the_cycle() {
