@@ -7,6 +7,7 @@
 #include <QUrl>
 #include <chrono>
 
+#include "asl.h"
 #include "handler.h"
 #include "manual_page.h"
 #include "message_box.h"
@@ -24,6 +25,12 @@ constexpr std::chrono::seconds kDeviceWatchInterval{1};
 constexpr Bilingual kDeviceIsBack{
     "The device %1 is there again: \"Reconnect\" in the menu connects it.",
     "Il dispositivo %1 è di nuovo presente: \"Reconnect\" nel menu lo collega."};
+
+constexpr Bilingual kOtherDevice{
+    "Another device than before stands behind %1, or it was plugged in anew. Check that it is the "
+    "right meter.",
+    "Dietro %1 c'è un dispositivo diverso da prima, oppure è stato ricollegato. Verificare che lo "
+    "strumento sia quello giusto."};
 
 constexpr Bilingual kManualTitle{"Manual", "Manuale"};
 constexpr Bilingual kNoReader{"No program of this computer opens %1.",
@@ -77,6 +84,7 @@ void Program::connect_connection() {
         // Picking a port chooses English.
         window_.show_texts();
     };
+    connection_.identification().on_another_device = [this] { another_device(); };
     on(&window_, &M47MDI::reconnect_asked, &window_, "cmdreconnect_Click", [this] { reconnect(); });
     QObject::connect(&watch_timer_, &QTimer::timeout, &window_, [this] { watch_device(); });
     watch_timer_.start(kDeviceWatchInterval);
@@ -89,7 +97,14 @@ QString Program::link_fault() const {
 
 void Program::reconnect() {
     watch_.reset();
-    connection_.reconnect();
+    if (!connection_.reconnect()) return;
+    if (auto* screen = window_.opened<realtime::Realtime>()) screen->meter_came();
+}
+
+void Program::another_device() {
+    window_.show_notice(state_.texts.pick(kOtherDevice).arg(connection_.device()));
+    state_.master_copy.clear();
+    if (auto* screen = window_.opened<asl::Asl>()) screen->another_meter();
 }
 
 void Program::watch_device() {

@@ -55,6 +55,7 @@ class Program {
     void add_screens();
     void connect_connection();
     void reconnect();
+    void another_device();
     QString link_fault() const;
     void watch_device();
 

@@ -217,9 +217,15 @@ bool identify_meter(Run& run) {
 
 /// The same within a run over a plan. A signal ends the trying at once.
 bool connect_again(Run& run) {
+    const bool told = run.connection.other_device();
     tell_other_device(run);
+    // A loss within an exchange does not show what came behind it.
+    run.connection.identification().on_another_device = [&run, told] {
+        if (!told) tell_other_device(run);
+    };
     run.connection.link().interrupted = [] { return platform::times_told_to_end() > 0; };
     identify_meter(run);
+    run.connection.identification().on_another_device = nullptr;
     run.connection.link().interrupted = [] { return platform::times_told_to_end() > 1; };
     return run.connection.link().port_connected;
 }

@@ -120,8 +120,29 @@ class GuiTest : public QObject, protected ProgramInFolder {
         reconnect->trigger();
         QCOMPARE(status->text(), QStringLiteral("RS232 ComPort 3 Connected"));
         QCOMPARE(status->toolTip(), QString());
-        QTRY_COMPARE(meter_->commands(), QStringList({"ATTEN?", "VER?"}));
+        // The real-time screen is open and asks for the unit.
+        QTRY_COMPARE(meter_->commands(), QStringList({"ATTEN?", "VER?", "UNIT?"}));
         QCOMPARE(window().windowTitle(), QStringLiteral("VKD M47_03 REMOTE CONTROL V3.1.0 PLUS"));
+    }
+
+    void another_meter_after_reconnect_is_asked_for_its_unit() {
+        start();
+        pick_port(3);
+        auto* screen = open_realtime();
+        screen->rules.modes.cmdlev_Click(kDbmv);
+        QCOMPARE(program().link().settings.unit(), std::optional<int>(kDbmv));
+        meter_->unplug();
+        meter_ = std::make_unique<MeterProcess>(folder(),
+                                                QStringList{"--baud-factor", "0", "--delay", "0"});
+        find<QAction>("cmdreconnect")->trigger();
+        QCOMPARE(meter_->commands(), QStringList({"ATTEN?", "VER?", "UNIT?"}));
+        QCOMPARE(program().link().settings.unit(), std::optional<int>(kDbuv));
+        QCOMPARE(screen->rules.panel.cmdlev, static_cast<int>(kDbuv));
+        QVERIFY(find<QAction>("cmdlev_0", screen)->isChecked());
+        // It was told no oscillator and no frequency yet.
+        QCOMPARE(program().link().settings.frequency(), std::nullopt);
+        QCOMPARE(program().link().settings.oscillator(), std::nullopt);
+        QVERIFY(find<QLabel>("corrected_notice")->text().contains(meter_->link()));
     }
 
     void picking_a_port_identifies_the_meter() {

@@ -25,6 +25,7 @@ class PlanTest : public QObject {
     void the_run_goes_on_when_the_meter_is_back();
     void another_meter_takes_the_place_data();
     void another_meter_takes_the_place();
+    void another_meter_after_a_loss_within_an_exchange();
     void a_late_answer_shifts_no_row_data();
     void a_late_answer_shifts_no_row();
     void a_signal_while_the_lost_meter_is_looked_for();
@@ -173,14 +174,15 @@ void PlanTest::the_run_goes_on_when_the_meter_is_back() {
     QVERIFY(stand.remote.wait_for_error_lines(1));
     QTest::qWait(1500);
     MeterProcess again(stand.folder.path(), {"--baud-factor", "0", "--delay", "0"});
-    QVERIFY(stand.remote.wait_for_error_lines(2));
+    QVERIFY(stand.remote.wait_for_error_lines(3));
     // The new meter has been prepared like the old one before it was measured with.
     QVERIFY2(again.wait_for_command(wire::kLevel, 3), qPrintable(again.commands().join(u'|')));
     stand.remote.send_signal(SIGINT);
     const Ending ending = stand.remote.wait();
     QCOMPARE(ending.status, 0);
-    QCOMPARE(ending.err.count('\n'), 2);
+    QCOMPARE(ending.err.count('\n'), 3);
     QVERIFY(ending.err.contains("the link to the meter was lost, trying to connect again\n"));
+    QVERIFY(ending.err.contains("Another device stands behind "));
     QVERIFY(ending.err.contains("connected again, nothing was measured for "));
     QVERIFY2(again.commands().mid(0, 10) == kOpening, qPrintable(again.commands().join(u'|')));
     // The programs follow each other in their order: the lost one was taken again, none was made
@@ -227,6 +229,24 @@ void PlanTest::another_meter_takes_the_place() {
         QVERIFY(ending.err.contains("the link to the meter was lost\n"));
         QCOMPARE(other.commands(), QStringList());
     }
+}
+
+/// The first one goes while its answer is waited for.
+void PlanTest::another_meter_after_a_loss_within_an_exchange() {
+    TestStand stand({"--fault", "silence", "--fault-on", "FREQ 1300"});
+    make_plan(stand);
+    stand.start_measuring({"--plan", "ROOF", "--reconnect"});
+    QVERIFY(stand.meter.wait_for_command("FREQ 1300.0"));
+    stand.meter.unplug();
+    const MeterProcess other(stand.folder.path(), {"--baud-factor", "0", "--delay", "0"});
+    const Ending ending = stand.remote.wait();
+    QCOMPARE(ending.status, 0);
+    QCOMPARE(frequencies(ending.out), QStringList({"1100.0", "1300.0"}));
+    const qsizetype told = ending.err.indexOf("Another device stands behind ");
+    QVERIFY2(told > ending.err.indexOf("the link to the meter was lost"), ending.err.constData());
+    QVERIFY(told < ending.err.indexOf("connected again"));
+    QCOMPARE(ending.err.count('\n'), 3);
+    QCOMPARE(other.commands().mid(0, kOpening.size()), kOpening);
 }
 
 void PlanTest::a_late_answer_shifts_no_row_data() {

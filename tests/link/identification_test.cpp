@@ -63,6 +63,7 @@ class IdentificationTest : public QObject {
     void the_state_names_the_port_once_there_is_one();
     void the_caption_grows();
     void reconnecting_asks_the_same_device_again();
+    void reconnecting_finds_another_device();
     void reconnecting_before_a_port_was_picked();
     void reconnecting_to_an_adapter_that_was_plugged_in_elsewhere();
     void a_device_that_comes_back();
@@ -202,6 +203,30 @@ void IdentificationTest::reconnecting_asks_the_same_device_again() {
     QVERIFY(!s.link.port_connected);
     QCOMPARE(s.view.state_text, QString("RS232 ComPort 3 NOT Connected"));
     QCOMPARE(picked, 1);
+}
+
+void IdentificationTest::reconnecting_finds_another_device() {
+    Setup s;
+    QStringList asked_by_then;
+    int told = 0;
+    s.identification.on_another_device = [&] {
+        ++told;
+        asked_by_then = s.port.take_commands();
+    };
+    s.identification.porta_Click(2);
+    QVERIFY(s.link.send("UNIT 02"));
+    s.port.take_commands();
+    s.identification.reconnect();
+    QCOMPARE(told, 0);
+    // Even behind the same device there may be another meter.
+    QCOMPARE(s.link.settings.unit(), std::optional<int>());
+    s.port.take_commands();
+    s.port.another_device = true;
+    s.identification.reconnect();
+    QCOMPARE(told, 1);
+    QCOMPARE(asked_by_then, QStringList());
+    QVERIFY(s.link.port_connected);
+    QCOMPARE(s.port.take_commands(), (QStringList{"ATTEN?", "VER?"}));
 }
 
 void IdentificationTest::reconnecting_before_a_port_was_picked() {

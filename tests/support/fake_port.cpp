@@ -35,12 +35,18 @@ QByteArray FakePort::good(const QByteArray& command, const QByteArray& value) {
 }
 
 void FakePort::select(const QString& chosen) {
+    follow(chosen);
+    another_device = false;
+}
+
+void FakePort::follow(const QString& chosen) {
     device = chosen;
 }
 
 bool FakePort::open() {
     check_line();
     fault_ = device.isEmpty() ? link::PortFault::missing : open_fault;
+    if (fault_ == link::PortFault::none && another_device) fault_ = link::PortFault::another_device;
     if (fault_ != link::PortFault::none) return false;
     open_ = true;
     ++opens;

@@ -35,6 +35,8 @@ class FakePort : public link::SerialPort {
     QByteArray written;
     /// What select() chose last.
     QString device = QStringLiteral("/dev/fake");
+    /// Another device stands there than the one found at the last choice.
+    bool another_device = false;
     int opens = 0;
     int closes = 0;
     /// Everything written so far, cut at each CR, and forgets it.
@@ -45,6 +47,7 @@ class FakePort : public link::SerialPort {
     static QByteArray good(const QByteArray& command, const QByteArray& value = {});
 
     void select(const QString& device) override;
+    void follow(const QString& device) override;
     QString path() const override { return device; }
     bool open() override;
     void close() override;

@@ -66,6 +66,12 @@ void SatelliteLists::visualizza_listastr(Modo modo, const QString& quale) {
     program_.master_copy = link_.ask(link::command::kCopySlots).value_or(QString());
 }
 
+void SatelliteLists::forget_slots() {
+    panel.listastr.clear();
+    panel.listastr_place = kNoPlace;
+    program_.master_copy.clear();
+}
+
 void SatelliteLists::visualizza_listadb() {
     panel.listadb.clear();
     panel.listadb_place = kNoPlace;

@@ -42,6 +42,8 @@ class SatelliteLists {
     /// Asks the meter for the names of its slots and brings `master_copy` up to date; `quale` is
     /// the block just sent, its header line included.
     void visualizza_listastr(Modo modo = Modo::full, const QString& quale = {});
+    /// The slots are those of a meter that is gone: none of them is shown or kept any more.
+    void forget_slots();
     /// Reads the PC's satellites anew. Where the database cannot be read, the list shows what came
     /// and an EngineFault tells why.
     void visualizza_listadb();

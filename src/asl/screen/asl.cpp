@@ -47,6 +47,10 @@ void Asl::Form_Activate() {
     handle("Form_Activate", [this] { lists_.refresh_listadb(); });
 }
 
+void Asl::another_meter() {
+    handle("cmdreconnect_Click", [this] { lists_.forget_slots(); });
+}
+
 void Asl::connect_buttons() {
     const auto on_click = [this](QPushButton* button, const char* name,
                                  void (SatelliteLists::*handler)()) {

@@ -28,6 +28,9 @@ class Asl : public Screen {
     /// Each time the screen comes to the front: shows the satellites that are stored by then.
     void Form_Activate() override;
 
+    /// Another meter has come: the slots shown are not its own, and no key may work on them.
+    void another_meter();
+
   private:
     void handle(const char* name, const std::function<void()>& body) override;
     void connect_buttons();

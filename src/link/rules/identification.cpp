@@ -32,13 +32,14 @@ void Identification::porta_Click(int index) {
     close_link(number);
     if (number < 1 || number > PortList::kPorts) return;
 
+    if (number != link_.port_number) link_.forget_late_answers();
     link_.port_number = number;
-    link_.settings.forget();
     device_ = ports_.persistent_name(ports_.device(number));
     caption_ = window_.caption();
     // The dialogue with the meter and all that follows is in English until a language is picked.
     texts_.language = kEnglish;
     if (on_picked) on_picked();
+    link_.port().select(ports_.device(number));
     identify(ports_.device(number));
 }
 
@@ -46,11 +47,23 @@ void Identification::reconnect() {
     if (link_.port_number == 0) return;
     close_link(link_.port_number);
     window_.set_caption(caption_);
+    link_.port().follow(device_);
+    if (!claim || claim(device_)) take_another_device();
     identify(device_);
 }
 
+/// Whether it is another one is seen before a byte goes out to it.
+void Identification::take_another_device() {
+    if (link_.port().open()) link_.port().close();
+    if (link_.port().fault() != PortFault::another_device) return;
+    link_.forget_late_answers();
+    if (on_another_device) on_another_device();
+    link_.port().select(device_);
+}
+
 void Identification::identify(const QString& device) {
-    link_.port().select(device);
+    // Another meter may have been joined to the same line as well.
+    link_.settings.forget();
     link_.port_connected = !claim || claim(device);
     if (!link_.port_connected) link_.forget_answer();
     const auto attenuator = link_.ask(command::query(command::kAttenuator));

@@ -49,6 +49,10 @@ class Identification {
     /// Called with each answer of a meter to the question for its version; empty where none came.
     std::function<void(const QString& version)> on_version;
 
+    /// Called by reconnect() when another device than before is found, or the same that was plugged
+    /// in anew, before the meter behind it is asked. The port's fault is another_device then.
+    std::function<void()> on_another_device;
+
     /// Identifies the meter behind the device picked last once more, wherever that is plugged in
     /// now. The language stays and the caption does not grow again. Does nothing before a port has
     /// been picked.
@@ -59,6 +63,7 @@ class Identification {
 
   private:
     void identify(const QString& device);
+    void take_another_device();
     void close_link(int number);
     void show_presence(int number, bool present);
     void show_version(const QString& version);

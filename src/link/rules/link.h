@@ -74,6 +74,8 @@ class Link {
     const QString& last_answer() const { return reply_text_; }
     /// The answer before belongs to another port.
     void forget_answer() { reply_text_.clear(); }
+    /// What the meter before may still have sent comes no more: another device is on the line.
+    void forget_late_answers() { late_ = LateAnswers(); }
 
     /// Waits until more than `seconds` (0 or more) have passed on the clock; 0 waits for the next
     /// clock tick. No midnight correction of its own.

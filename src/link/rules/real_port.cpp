@@ -34,8 +34,12 @@ RealPort::~RealPort() {
 }
 
 void RealPort::select(const QString& device) {
-    device_ = device_path(device);
+    follow(device);
     known_.forget();
+}
+
+void RealPort::follow(const QString& device) {
+    device_ = device_path(device);
 }
 
 bool RealPort::open() {

@@ -16,6 +16,7 @@ class RealPort : public SerialPort {
     ~RealPort() override;
 
     void select(const QString& device) override;
+    void follow(const QString& device) override;
     bool open() override;
     void close() override;
     bool is_open() const override;

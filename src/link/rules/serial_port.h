@@ -36,6 +36,10 @@ class SerialPort {
     /// taken its place.
     virtual void select(const QString& device) = 0;
 
+    /// Looks at `device` from now on for what was found at the last choice; open() fails as well
+    /// where another one is found there. Where nothing was found yet it is a choice.
+    virtual void follow(const QString& device) = 0;
+
     /// The absolute path of the chosen device.
     virtual QString path() const = 0;
 

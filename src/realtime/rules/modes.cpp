@@ -77,6 +77,12 @@ void Modes::read_unit() {
     cmdlev_Click(unit ? unit_of(*unit) : program_.unit_index);
 }
 
+void Modes::meter_came() {
+    const RecallGuard guard(state_);
+    read_unit();
+    panel_.repaint();
+}
+
 void Modes::Form_Activate() {
     link_.send(link::command::kFullAttenuation);
     // By default always back to analog, though the frame of the digital measures stays.

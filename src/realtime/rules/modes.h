@@ -63,6 +63,9 @@ class Modes {
     /// Of the open plan.
     programme::Oscillators oscillators_of_plan() const;
 
+    /// A meter was connected again: asks it for its unit, which need not be that of the one before.
+    void meter_came();
+
     /// Level unit `index` (a LevelUnit); sent unless a recall is in progress.
     void cmdlev_Click(int index);
 

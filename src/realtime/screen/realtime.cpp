@@ -106,6 +106,10 @@ void Realtime::Form_Activate() {
     handle("Form_Activate", [this] { rules.modes.Form_Activate(); });
 }
 
+void Realtime::meter_came() {
+    handle("cmdreconnect_Click", [this] { rules.modes.meter_came(); });
+}
+
 void Realtime::connect_tuning() {
     const auto on_enter = [this](QLineEdit* box, const char* name, void (Tuning::*handler)(int)) {
         when(box, &QLineEdit::returnPressed, name,

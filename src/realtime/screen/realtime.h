@@ -44,6 +44,9 @@ class Realtime : public Screen {
     /// Run each time the screen comes to the front.
     void Form_Activate() override;
 
+    /// A meter was connected again while the screen is open.
+    void meter_came();
+
     /// Opens `file` as the log, as the key "save" does with the chosen name.
     void open_log(const QString& file);
 
