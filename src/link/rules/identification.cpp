@@ -40,7 +40,8 @@ void Identification::porta_Click(int index) {
     texts_.language = kEnglish;
     if (on_picked) on_picked();
     link_.port().select(ports_.device(number));
-    identify(ports_.device(number));
+    take_line(ports_.device(number));
+    ask_meter();
 }
 
 void Identification::reconnect() {
@@ -48,8 +49,8 @@ void Identification::reconnect() {
     close_link(link_.port_number);
     window_.set_caption(caption_);
     link_.port().follow(device_);
-    if (!claim || claim(device_)) take_another_device();
-    identify(device_);
+    if (take_line(device_)) take_another_device();
+    ask_meter();
 }
 
 /// Whether it is another one is seen before a byte goes out to it.
@@ -61,11 +62,16 @@ void Identification::take_another_device() {
     link_.port().select(device_);
 }
 
-void Identification::identify(const QString& device) {
+/// False where another start has the device; its meter is left alone then.
+bool Identification::take_line(const QString& device) {
     // Another meter may have been joined to the same line as well.
     link_.settings.forget();
     link_.port_connected = !claim || claim(device);
     if (!link_.port_connected) link_.forget_answer();
+    return link_.port_connected;
+}
+
+void Identification::ask_meter() {
     const auto attenuator = link_.ask(command::query(command::kAttenuator));
     show_presence(link_.port_number, !attenuator.value_or(QString()).isEmpty());
     show_version(link_.ask(command::query(command::kVersion)).value_or(QString()));

@@ -62,7 +62,8 @@ class Identification {
     const QString& device() const { return device_; }
 
   private:
-    void identify(const QString& device);
+    bool take_line(const QString& device);
+    void ask_meter();
     void take_another_device();
     void close_link(int number);
     void show_presence(int number, bool present);
