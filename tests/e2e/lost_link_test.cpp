@@ -75,8 +75,9 @@ void LostLinkTest::no_device() {
 void LostLinkTest::no_serial_port() {
     EmptyStand stand;
     stand.write("plain", "no port");
-    const Ending ending = stand.remote.run(
-        stand.measuring({"--create-database", "--port", "1=" + stand.path("plain")}));
+    QStringList arguments = stand.measuring({"--create-database"});
+    arguments[arguments.indexOf("--port") + 1] = "1=" + stand.path("plain");
+    const Ending ending = stand.remote.run(arguments);
     QCOMPARE(ending.status, 3);
     QCOMPARE(ending.out, QByteArray());
     QCOMPARE(ending.err.count('\n'), 1);
