@@ -325,6 +325,23 @@ class DataTest : public QObject {
         QCOMPARE(content("own.txt"), QByteArray("kept"));
     }
 
+    void what_a_file_takes_from_the_user_is_told_each_time() {
+        QStringList told;
+        state_.costs.on_cost = [&](const Bilingual& text) { told += QString(text.english); };
+        QVERIFY(QDir(folder_->path()).mkdir("A.TMP"));
+        meter_sends("x\r");
+        for (int time = 0; time < 2; ++time) data_->download(link::command::kAllLogs, "a.tmp");
+        data_->save(folder_->path());
+        data_->open(path("missing.dwl"));
+        QCOMPARE(told.size(), 4);
+        QVERIFY(told[0].startsWith("The download is not shown"));
+        QCOMPARE(told[1], told[0]);
+        QVERIFY(told[2].startsWith("The log was not saved"));
+        QVERIFY(told[3].startsWith("The log was not opened"));
+        data_->download(link::command::kAllLogs, "b.tmp");
+        QCOMPARE(told.size(), 4);
+    }
+
     void files_that_cannot_be_read_empty_the_text_and_keep_the_name() {
         write("good.dwl", "a\r\n");
         data_->open(path("good.dwl"));

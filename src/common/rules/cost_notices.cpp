@@ -8,6 +8,10 @@ namespace m47 {
 void CostNotices::tell(const Bilingual& text) {
     if (std::ranges::find(told_, text.english) != told_.end()) return;
     told_.push_back(text.english);
+    tell_each(text);
+}
+
+void CostNotices::tell_each(const Bilingual& text) const {
     if (on_cost) on_cost(text);
 }
 

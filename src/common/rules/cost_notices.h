@@ -18,6 +18,9 @@ class CostNotices {
     /// `text` is one of the constants of the room that tells it.
     void tell(const Bilingual& text);
 
+    /// The same for something that was lost just now and is told each time.
+    void tell_each(const Bilingual& text) const;
+
     /// The choices are others now: what costs something from here on is told anew.
     void begin_anew() { told_.clear(); }
 

@@ -14,6 +14,15 @@ constexpr Bilingual kNothingCame{"the download brought nothing, the meter still 
 constexpr Bilingual kKept{"the download is whole: %1 bytes in %2",
                           "lo scarico è completo: %1 byte in %2"};
 
+constexpr Bilingual kNotKept{
+    "The download is not shown: its temporary file cannot be written. The meter still has the "
+    "logs.",
+    "Lo scarico non si vede: il file temporaneo non si può scrivere. I log sono nello strumento."};
+constexpr Bilingual kNotSaved{"The log was not saved: the file cannot be written.",
+                              "Il log non è salvato: il file non si può scrivere."};
+constexpr Bilingual kNotOpened{"The log was not opened: the file cannot be read.",
+                               "Il log non è aperto: il file non si può leggere."};
+
 /// Reports the bytes of one download; other commands of the link are nobody's concern.
 class ByteReport {
   public:
@@ -45,6 +54,7 @@ NameFault LoggerData::download(const QString& command, const QString& name) {
     // Without one the answer before is shown, so that the page never keeps what is older still.
     const QString& answer = link_.last_answer();
     const bool kept = visualizza(answer.toLatin1());
+    if (came && !kept) program_.costs.tell_each(kNotKept);
     if (came && kept) work.at(kKept, {QString::number(answer.size()), program_.temp_file_name});
     return NameFault::none;
 }
@@ -68,11 +78,17 @@ bool LoggerData::show_file(const QString& path) {
 
 void LoggerData::open(const QString& path) {
     text_.clear();
-    if (show_file(path)) file_name_ = path;
+    if (show_file(path))
+        file_name_ = path;
+    else
+        program_.costs.tell_each(kNotOpened);
 }
 
 void LoggerData::save(const QString& path) {
-    if (write_file(path, text_, platform::Links::followed)) file_name_ = path;
+    if (write_file(path, text_, platform::Links::followed))
+        file_name_ = path;
+    else
+        program_.costs.tell_each(kNotSaved);
 }
 
 void LoggerData::remove(const QString& path) {
