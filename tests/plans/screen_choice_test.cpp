@@ -246,6 +246,20 @@ void PlanScreenTest::an_unset_diseqc_command_is_none_where_that_is_chosen() {
                                                "first."));
 }
 
+void PlanScreenTest::plan_a_line() {
+    click("ol_opt_0");
+    type("prog_num", QStringLiteral("10"));
+    pick("diseqc_cmd", 73);
+    pick("logger_pos", 2);
+    click("logger_state");
+}
+
+void PlanScreenTest::work_at_the_meter(const QString& command) {
+    connect(screen_, &ProgramSet::upload_state, this, [this, command](const QString& text) {
+        if (text.contains(QStringLiteral("answered"))) QVERIFY(program().link().send(command));
+    });
+}
+
 QString PlanScreenTest::verified(const char* key, QStringList* rows) {
     QString said;
     answering_each(pressed(key), {pressing(QMessageBox::Yes), [&](QWidget* front) {
@@ -298,15 +312,8 @@ void PlanScreenTest::a_plan_without_lines_is_not_called_verified() {
 
 void PlanScreenTest::a_line_that_the_meter_lists_as_inactive_is_as_good_as_none() {
     start_on_virtual_line();
-    click("ol_opt_0");
-    type("prog_num", QStringLiteral("10"));
-    pick("diseqc_cmd", 73);
-    pick("logger_pos", 2);
-    click("logger_state");
-    connect(screen_, &ProgramSet::upload_state, this, [this](const QString& text) {
-        if (text.contains(QStringLiteral("answered")))
-            QVERIFY(program().link().send(QStringLiteral("DATAPROGRAM 05 10 00")));
-    });
+    plan_a_line();
+    work_at_the_meter(QStringLiteral("DATAPROGRAM 05 10 00"));
     press("cmdverify");
     QStringList rows;
     QCOMPARE(verified("nuovo", &rows),

@@ -196,16 +196,8 @@ void PlanScreenTest::closing_during_an_upload_waits_for_the_comparison_to_be_rea
 
 void PlanScreenTest::what_the_meter_holds_beside_the_plan_is_shown() {
     start_with_meter();
-    click("ol_opt_0");
-    type("prog_num", QStringLiteral("10"));
-    pick("diseqc_cmd", 73);
-    pick("logger_pos", 2);
-    click("logger_state");
-    // Somebody works at the meter between the last command and the comparison.
-    connect(screen_, &ProgramSet::upload_state, this, [this](const QString& text) {
-        if (text.contains(QStringLiteral("answered")))
-            QVERIFY(program().link().send(QStringLiteral("DATAPROGRAM 05 10 01")));
-    });
+    plan_a_line();
+    work_at_the_meter(QStringLiteral("DATAPROGRAM 05 10 01"));
     press("cmdverify");
     QString summary;
     QStringList row;

@@ -327,6 +327,10 @@ class PlanScreenTest : public QObject, protected ProgramInFolder {
   private:
     /// What the box after an upload by `key` says, and the rows of its table.
     QString verified(const char* key, QStringList* rows = nullptr);
+    /// Program 10 on the third line of the logger.
+    void plan_a_line();
+    /// Somebody works at the meter between an upload's last command and the comparison.
+    void work_at_the_meter(const QString& command);
 
   private Q_SLOTS:
     void a_refused_table_is_not_as_planned();

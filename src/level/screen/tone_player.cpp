@@ -47,16 +47,17 @@ SoundOutput* TonePlayer::output() {
 
 bool TonePlayer::open() {
     SoundOutput* const sound = output();
-    open_ = sound && sound->open(LevelTone::kSampleRate, kToneSeconds);
-    return open_;
+    const bool ready = sound && sound->open(LevelTone::kSampleRate, kToneSeconds);
+    open_ = ready ? sound : nullptr;
+    return ready;
 }
 
 void TonePlayer::close() {
-    if (std::exchange(open_, false)) output()->close();
+    if (SoundOutput* const sound = std::exchange(open_, nullptr)) sound->close();
 }
 
 void TonePlayer::play(double level) {
-    if (open_) output()->play(LevelTone::samples(LevelTone::pitch(level), kToneSeconds));
+    if (open_) open_->play(LevelTone::samples(LevelTone::pitch(level), kToneSeconds));
 }
 
 }  // namespace m47::level

@@ -37,7 +37,7 @@ class TonePlayer {
     QStringList folders_;
     QPluginLoader loader_;
     QString fault_;
-    bool open_ = false;
+    SoundOutput* open_ = nullptr;  ///< the device while it is open
 };
 
 }  // namespace m47::level
