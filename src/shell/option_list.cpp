@@ -3,10 +3,13 @@
 
 namespace m47::shell {
 
-void add_options(QCommandLineParser& parser) {
-    parser.setApplicationDescription(
-        QStringLiteral("Remote control for the M47 TV signal level meter."));
-    const QList<QCommandLineOption> options{
+namespace {
+
+using OptionList = QList<QCommandLineOption>;
+
+/// Where the program works and what it opens.
+OptionList start_options() {
+    return {
         {{"h", "help"}, "Show this help and end."},
         {{"v", "version"}, "Show the version and end."},
         {"directory",
@@ -21,6 +24,12 @@ void add_options(QCommandLineParser& parser) {
         {"corrected",
          "Start with every entry of the menu \"Corrected behaviour\" ticked; goes with --measure "
          "too."},
+    };
+}
+
+/// What is measured without a window, and what it is held against.
+OptionList measurement_options() {
+    return {
         {"measure", "Measure without a window and print each row, TAB-separated."},
         {"analog", "Measure the analog way (the default)."},
         {"digital", "Measure the digital way (QPSK)."},
@@ -43,6 +52,12 @@ void add_options(QCommandLineParser& parser) {
          "Ask again for a value that lies off the ones before it or crosses a limit; take it when "
          "two answers agree."},
         {"count", "How many measurements to take (default 1).", "K"},
+    };
+}
+
+/// How a plan is measured without a window.
+OptionList pass_options() {
+    return {
         {"plan", "Measure the monitored programs of the plan NAME.", "NAME"},
         {"passes", "How often to measure the plan (default 1, 0 until told to stop).", "K"},
         {"every", "Begin a pass over the plan every so many SECONDS.", "SECONDS"},
@@ -51,12 +66,24 @@ void add_options(QCommandLineParser& parser) {
         {"reconnect",
          "Wait for a meter that does not answer at the start, and after a lost link go on when the "
          "plan's meter answers again."},
+    };
+}
+
+/// Where the rows go.
+OptionList output_options() {
+    return {
         {"log", "Append each row to FILE as well.", "FILE"},
         {"format",
          "Print the rows as tsv, csv (both under a line of names) or json (an object a line), with "
          "times and numbers that programs read.",
          "FORMAT"},
         {"screenshot", "Write a picture of the real-time screen at the end.", "FILE"},
+    };
+}
+
+/// What is brought into the database and out of it.
+OptionList exchange_options() {
+    return {
         {"import-database",
          "Bring the plans and satellites of OLD, a database file of the old Jet engine, into the "
          "database, print a report and end; what is there under the same name is kept. Ends with "
@@ -73,7 +100,16 @@ void add_options(QCommandLineParser& parser) {
          "NAME=FILE"},
         {"overwrite", "Let --export-plan replace FILE."},
     };
-    for (const QCommandLineOption& option : options) parser.addOption(option);
+}
+
+}  // namespace
+
+void add_options(QCommandLineParser& parser) {
+    parser.setApplicationDescription(
+        QStringLiteral("Remote control for the M47 TV signal level meter."));
+    for (const OptionList& subject : {start_options(), measurement_options(), pass_options(),
+                                      output_options(), exchange_options()})
+        parser.addOptions(subject);
 }
 
 }  // namespace m47::shell

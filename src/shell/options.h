@@ -45,39 +45,40 @@ struct Options {
     enum class Action { run, help, version, wrong };
 
     Action action = Action::run;
-    QString error;  ///< one line, when the action is wrong
-    QString directory;
-    bool user_data = false;  ///< work in the user's data folder
-    QStringList ports;       ///< "N=DEVICE"
-    bool create_database = false;
-    int on_port = 0;         ///< port to identify at start, 0 for none
-    QString open;            ///< toolbar key of a screen to open at start
-    bool corrected = false;  ///< start with every corrected behaviour
+    int on_port = 0;  ///< port to identify at start, 0 for none
+    int count = 1;
+    int passes = 1;
+    int every = 0;  ///< seconds from pass to pass
+    /// How the rows go to stdout; nothing: as they stand on the page.
+    std::optional<measurement::OutputFormat> format;
 
+    bool user_data = false;  ///< work in the user's data folder
+    bool create_database = false;
+    bool corrected = false;  ///< start with every corrected behaviour
     bool measure = false;
     bool digital = false;
+    bool reconnect = false;
+    bool full_tune = false;
+    bool confirm = false;    ///< ask twice for what surprises
+    bool overwrite = false;  ///< the file of export_plan may be replaced
+
+    QString error;  ///< one line, when the action is wrong
+    QString directory;
+    QStringList ports;  ///< "N=DEVICE"
+    QString open;       ///< toolbar key of a screen to open at start
+
     QString frequency;    ///< MHz, as it would be typed; empty leaves the screen's own
     QString bandwidth;    ///< MHz
     QString symbol_rate;  ///< kS/s
     AntennaOptions antenna;
-    int count = 1;
+    QList<AlarmOption> alarms;
+    QString plan;  ///< measure the monitored programs of this plan
     QString log;
     QString screenshot;
-    /// How the rows go to stdout; nothing: as they stand on the page.
-    std::optional<measurement::OutputFormat> format;
-    QString plan;  ///< measure the monitored programs of this plan
-    int passes = 1;
-    int every = 0;  ///< seconds from pass to pass
-    bool reconnect = false;
-    bool full_tune = false;
-    bool confirm = false;  ///< ask twice for what surprises
-    QList<AlarmOption> alarms;
 
     QString import_database;  ///< a file of the old engine to import, empty for none
-
     PlanFileOption export_plan;
     PlanFileOption import_plan;
-    bool overwrite = false;  ///< the file of export_plan may be replaced
 
     /// Nothing is shown and nobody is asked.
     bool unattended() const {
