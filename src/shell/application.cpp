@@ -3,8 +3,10 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QFontDatabase>
 #include <QTimer>
 #include <cstdio>
+#include <thread>
 
 #include "contrast_style.h"
 #include "database_error.h"
@@ -15,6 +17,7 @@
 #include "handler.h"
 #include "icons.h"
 #include "import_command.h"
+#include "memory_pool.h"
 #include "message_box.h"
 #include "no_view.h"
 #include "old_reader.h"
@@ -110,6 +113,23 @@ std::unique_ptr<QCoreApplication> make_application(int& argc, char** argv, const
     return std::make_unique<GuardedApplication>(argc, argv);
 }
 
+/// Has the fonts of the machine read, which takes as long as all else at the start, while the
+/// database is opened and checked. Ends when they are.
+class FontReader {
+  public:
+    explicit FontReader(const Options& options) {
+        if (!options.unattended()) reader_ = std::thread([] { QFontDatabase::families(); });
+    }
+    ~FontReader() {
+        if (reader_.joinable()) reader_.join();
+    }
+    FontReader(const FontReader&) = delete;
+    FontReader& operator=(const FontReader&) = delete;
+
+  private:
+    std::thread reader_;
+};
+
 int measure_unattended(ProgramState& state, db::Database& database, link::PortList ports,
                        const Options& options) {
     NoView view;
@@ -120,7 +140,6 @@ int measure_unattended(ProgramState& state, db::Database& database, link::PortLi
 }
 
 int run_windows(Program& program, const Options& options) {
-    QApplication::setStyle(new ContrastStyle);
     program.window().show();
     QTimer::singleShot(0, &program.window(), [&program, &options] {
         run_handler(&program.window(), "start", [&] {
@@ -168,13 +187,18 @@ int run_with_options(int argc, char** argv, const Options& options) {
         return kUsage;
     }
     choose(state, options);
-    std::unique_ptr<db::Database> database = open_database(state, options);
+    std::unique_ptr<db::Database> database;
+    {
+        const FontReader fonts(options);
+        database = open_database(state, options);
+    }
     if (!database) return kDatabase;
     if (!options.import_database.isEmpty())
         return import_unattended(*database, options.import_database, state.texts);
     if (options.export_plan.asked()) return export_plan_unattended(*database, options, state.texts);
     if (options.import_plan.asked()) return import_plan_unattended(*database, options, state.texts);
     if (options.measure) return measure_unattended(state, *database, ports_of(options), options);
+    QApplication::setStyle(new ContrastStyle);
     Program program(state, std::move(database), ports_of(options));
     return run_windows(program, options);
 }
@@ -185,6 +209,7 @@ int run_program(int argc, char** argv) {
     platform::occupy_closed_streams();
     if (argc == 2 && qstrcmp(argv[1], olddb::kReadOldDatabase) == 0) return olddb::run_old_reader();
     platform::let_writes_fail();
+    platform::share_one_memory_pool();
     const Options options = parse_options(own_arguments(argc, argv));
     switch (options.action) {
         case Options::Action::help:

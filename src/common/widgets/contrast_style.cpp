@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "contrast_style.h"
 
+#include <QIconEngine>
 #include <QPainter>
 #include <QStyleOption>
+#include <functional>
+#include <utility>
 
 namespace m47 {
 namespace {
@@ -14,7 +17,43 @@ bool is_box(QStyle::PrimitiveElement element) {
            element == QStyle::PE_IndicatorCheckBox || element == QStyle::PE_IndicatorRadioButton;
 }
 
+/// An icon of the desktop's, made when it is first painted: reading the pictures takes a start
+/// longer than all its windows.
+class LateIcon : public QIconEngine {
+  public:
+    explicit LateIcon(std::function<QIcon()> make) : make_(std::move(make)) {}
+
+    QIconEngine* clone() const override { return new LateIcon(*this); }
+
+    void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode,
+               QIcon::State state) override {
+        icon().paint(painter, rect, Qt::AlignCenter, mode, state);
+    }
+
+    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
+        return icon().pixmap(size, 1.0, mode, state);
+    }
+
+  private:
+    const QIcon& icon() {
+        if (icon_.isNull()) icon_ = make_();
+        return icon_;
+    }
+
+    std::function<QIcon()> make_;
+    QIcon icon_;
+};
+
 }  // namespace
+
+QIcon ContrastStyle::standardIcon(StandardPixmap which, const QStyleOption* option,
+                                  const QWidget* widget) const {
+    const auto usual = [this, which] { return QProxyStyle::standardIcon(which); };
+    const bool extension =
+        which == SP_ToolBarHorizontalExtensionButton || which == SP_ToolBarVerticalExtensionButton;
+    return extension ? QIcon(new LateIcon(usual))
+                     : QProxyStyle::standardIcon(which, option, widget);
+}
 
 void ContrastStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
                                   QPainter* painter, const QWidget* widget) const {
