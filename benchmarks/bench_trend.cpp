@@ -15,13 +15,16 @@
 #include <cstdio>
 #include <fstream>
 #include <functional>
+#include <memory>
 #include <vector>
 
+#include "custom_plot.h"
 #include "figure.h"
 #include "measurement_log.h"
 #include "page_model.h"
+#include "part.h"
 #include "texts.h"
-#include "trend_plot.h"
+#include "trend_chart.h"
 
 namespace {
 
@@ -152,15 +155,17 @@ bool measure_frames(const m47::measurement::PageModel& page, double share, bool 
     m47::trend::TrendData data;
     data.update(page.store());
     const m47::Texts texts;
-    m47::trend::TrendPlot plot(
-        data,
-        [](m47::measurement::Quantity) {
-            return std::optional<m47::trend::TrendRange>({1e-4, 60});
-        },
-        texts);
+    m47::Part part(m47::trend::kTrendPart);
+    auto* const charts = part.offer<m47::trend::TrendCharts>();
+    if (!charts) return false;
+    const auto limits = [](m47::measurement::Quantity) {
+        return std::optional<m47::trend::TrendRange>({1e-4, 60});
+    };
+    const std::unique_ptr<m47::trend::TrendChart> chart(charts->make(data, limits, texts));
+    auto& plot = static_cast<QCustomPlot&>(*chart->widget());
     plot.resize(kPlotSize);
     plot.show();
-    plot.rows_came();
+    chart->rows_came();
     plot.replot();
     const m47::trend::TrendRange all = data.time();
     const double frame = median_frame(plot, all, all.span() * share);

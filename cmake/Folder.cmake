@@ -1,12 +1,32 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-# A folder of the program is one static library with an include root of its own: what a folder
-# may use is exactly what it links, so that a wrong include does not build.
+# A folder of the program is one static library with an include root of its own: what a folder may use
+# is what it links (tests/walls says where it includes more). Without SOURCES: headers alone.
 function(m47_folder name)
     cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "SOURCES;USES")
+    if(NOT ARG_SOURCES)
+        add_library(${name} INTERFACE)
+        target_include_directories(${name} INTERFACE ${CMAKE_CURRENT_SOURCE_DIR})
+        target_link_libraries(${name} INTERFACE ${ARG_USES})
+        return()
+    endif()
     add_library(${name} STATIC ${ARG_SOURCES})
     target_include_directories(${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
     target_link_libraries(${name} PUBLIC ${ARG_USES})
     set_target_properties(${name} PROPERTIES UNITY_BUILD ${M47_FOLDERS_AS_ONE})
+endfunction()
+
+# A part of the program that it loads when it is first needed (src/common/rules/part.h): ROOM_NAME is
+# the file libm47-NAME.so.
+function(m47_part name)
+    cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "SOURCES;USES")
+    string(REGEX REPLACE ".*_" "m47-" file ${name})
+    add_library(${name} MODULE ${ARG_SOURCES})
+    target_link_libraries(${name} PRIVATE ${ARG_USES})
+    # What it has of the program's own is for itself.
+    target_link_options(${name} PRIVATE -Wl,--exclude-libs,ALL -Wl,--as-needed)
+    set_target_properties(${name} PROPERTIES UNITY_BUILD ${M47_FOLDERS_AS_ONE} OUTPUT_NAME ${file}
+        LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/plugins)
+    install(TARGETS ${name} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/m47-remote)
 endfunction()
 
 # Tests are compiled for a quick build: their own speed matters to nobody.

@@ -107,7 +107,7 @@ void DownloadTest::a_span_is_a_curve_and_a_click_reads_a_point() {
     click("cmdspan");
     QCOMPARE(new_commands(), QStringList({"outputmode 1", "spanout"}));
     QVERIFY(find<QWidget>("span_panel")->isVisible());
-    auto* chart = find<SpanChart>("span_chart");
+    auto* chart = find<SpanView>("span_chart")->findChild<QCustomPlot*>();
     QTRY_VERIFY(chart->width() > 200);
     chart->replot();
     const QStringList lines =
@@ -119,7 +119,10 @@ void DownloadTest::a_span_is_a_curve_and_a_click_reads_a_point() {
     for (const int row : {1, 37, 100}) {
         const QStringList words = lines[row - 1].split(u'\t');
         QCOMPARE(chart->graph(0)->data()->at(row - 1)->value, words[1].toDouble() - 30);
-        QTest::mouseClick(chart, Qt::LeftButton, {}, chart->place_of(row));
+        const QPoint place(
+            qRound(chart->xAxis->coordToPixel(row)),
+            qRound(chart->yAxis->coordToPixel(chart->graph(0)->data()->at(row - 1)->value)));
+        QTest::mouseClick(chart, Qt::LeftButton, {}, place);
         const QStringList read = caption->text().split(u' ');
         QCOMPARE(read.size(), 2);
         QCOMPARE(read[0], words[0]);

@@ -24,11 +24,12 @@
 #include <QTimer>
 #include <QToolBar>
 
+#include "custom_plot.h"
 #include "download.h"
 #include "download_tooltips.h"
 #include "process_support.h"
 #include "program_in_folder.h"
-#include "span_chart.h"
+#include "span_view.h"
 
 namespace m47::logger {
 

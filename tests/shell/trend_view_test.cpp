@@ -5,6 +5,7 @@
 #include <QComboBox>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMdiSubWindow>
 #include <QMessageBox>
@@ -17,10 +18,15 @@
 #include <QToolButton>
 #include <QWheelEvent>
 
+#include "handler.h"
 #include "measurement_line.h"
+#include "part.h"
 #include "program_in_folder.h"
 #include "realtime.h"
-#include "trend_plot.h"
+#include "report_file.h"
+#include "text_printer.h"
+#include "trend_chart.h"
+#include "trend_legend.h"
 #include "trend_view.h"
 
 namespace m47::shell {
@@ -36,9 +42,7 @@ class TrendViewTest : public QObject, protected ProgramInFolder {
     Kind* find(const char* name) {
         return ProgramInFolder::find<Kind>(name, screen_);
     }
-    trend::TrendPlot* plot() {
-        return static_cast<trend::TrendPlot*>(find<QCustomPlot>("trend_plot"));
-    }
+    QCustomPlot* plot() { return find<QCustomPlot>("trend_plot"); }
     void open_tab(int index) {
         auto* bar = find<QTabWidget>("page_tabs")->tabBar();
         QTest::mouseClick(bar, Qt::LeftButton, {}, bar->tabRect(index).center());
@@ -110,6 +114,31 @@ class TrendViewTest : public QObject, protected ProgramInFolder {
         QVERIFY(find<trend::TrendView>("trend")->isVisible());
         QVERIFY(plot()->isVisible());
         QCOMPARE(plot()->axisRectCount(), 3);
+    }
+
+    /// In a folder without the parts (shell.missing_parts).
+    void where_what_draws_and_prints_is_missing_it_says_so() {
+        if (Part(trend::kTrendPart).offer<trend::TrendCharts>()) QSKIP("the parts are here");
+        add_rows(3);
+        open_tab(1);
+        auto* said = find<QLabel>("trend_nothing");
+        QVERIFY(said->isVisible());
+        QVERIFY2(said->text().contains("libm47-plot.so"), qPrintable(said->text()));
+        add_rows(1);
+        open_tab(0);
+        open_tab(1);
+        QVERIFY(said->isVisible());
+        const QString pdf = in_folder("report.pdf");
+        const QString reason = report::save_report(
+            pdf, screen_->rules.page.store(), {},
+            [](measurement::Quantity) { return std::nullopt; }, Texts());
+        QVERIFY2(reason.contains("libm47-plot.so"), qPrintable(reason));
+        QVERIFY(!QFile::exists(pdf));
+        QString told;
+        set_fault_reporter([&](QWidget*, const QString& what) { told = what; });
+        QVERIFY(!print_text(screen_, "Page", "x", Texts()));
+        set_fault_reporter({});
+        QVERIFY2(told.contains("libm47-print.so"), qPrintable(told));
     }
 
     void captions_and_tooltips_stand_in_both_languages() {
@@ -313,7 +342,7 @@ class TrendViewTest : public QObject, protected ProgramInFolder {
         for (const char* level : {"55.5", "51.0", ""}) add_row(QString::fromLatin1(level));
         open_tab(1);
         plot()->replot();
-        const auto* legend = dynamic_cast<trend::TrendLegend*>(plot()->plotLayout()->element(0, 1));
+        const auto* legend = static_cast<trend::TrendLegend*>(plot()->plotLayout()->element(0, 1));
         QVERIFY(legend);
         QCOMPARE(legend->lines().size(), std::size_t(1));
         const trend::TrendLegend::Line& line = legend->lines()[0];
@@ -333,7 +362,7 @@ class TrendViewTest : public QObject, protected ProgramInFolder {
         plot()->replot();
         const auto name = [this](int panel) {
             const auto* legend =
-                dynamic_cast<trend::TrendLegend*>(plot()->plotLayout()->element(panel, 1));
+                static_cast<trend::TrendLegend*>(plot()->plotLayout()->element(panel, 1));
             return legend && legend->lines().size() == 1 ? legend->lines()[0].name : QString();
         };
         QCOMPARE(name(0), QStringLiteral("11778.0 / 10600 · dBuV"));

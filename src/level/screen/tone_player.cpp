@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tone_player.h"
 
-#include <QCoreApplication>
-#include <QDir>
 #include <utility>
 
 #include "level_tone.h"
@@ -12,41 +10,16 @@ namespace {
 
 constexpr double kToneSeconds = 0.4;
 
-/// The first of `folders` that has the part, or the last, which a fault then names.
-QString sound_path(const QStringList& folders) {
-    QString path;
-    for (const QString& folder : folders) {
-        path = folder + QStringLiteral("/libm47-sound.so");
-        if (QFile::exists(path)) break;
-    }
-    return path;
-}
-
 }  // namespace
 
-TonePlayer::TonePlayer(const QStringList& folders) : folders_(folders) {}
+TonePlayer::TonePlayer(const QStringList& folders) : part_("m47-sound", folders) {}
 
 TonePlayer::~TonePlayer() {
     close();
 }
 
-QStringList TonePlayer::sound_folders() {
-    const QDir program(QCoreApplication::applicationDirPath());
-    return {program.filePath(QStringLiteral("plugins")),
-            QDir::cleanPath(program.filePath(QStringLiteral(M47_PLUGIN_FOLDER)))};
-}
-
-SoundOutput* TonePlayer::output() {
-    // The loader forgets the name of a file that it does not find.
-    const QString path = sound_path(folders_);
-    if (loader_.fileName().isEmpty()) loader_.setFileName(path);
-    auto* output = qobject_cast<SoundOutput*>(loader_.instance());
-    fault_ = output ? QString() : path;
-    return output;
-}
-
 bool TonePlayer::open() {
-    SoundOutput* const sound = output();
+    auto* const sound = part_.offer<SoundOutput>();
     const bool ready = sound && sound->open(LevelTone::kSampleRate, kToneSeconds);
     open_ = ready ? sound : nullptr;
     return ready;

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QPluginLoader>
 #include <QStringList>
 
+#include "part.h"
 #include "sound_output.h"
 
 namespace m47::level {
@@ -13,7 +13,7 @@ namespace m47::level {
 class TonePlayer {
   public:
     /// `folders` are searched for the part of the program that knows the device.
-    explicit TonePlayer(const QStringList& folders = sound_folders());
+    explicit TonePlayer(const QStringList& folders = Part::usual_folders());
     ~TonePlayer();
     TonePlayer(const TonePlayer&) = delete;
     TonePlayer& operator=(const TonePlayer&) = delete;
@@ -26,17 +26,10 @@ class TonePlayer {
 
     /// The file of that part where it could not be loaded; empty when it was, or was not needed
     /// yet.
-    const QString& fault() const { return fault_; }
-
-    /// Beside the program where it was built, and where an installation has it.
-    static QStringList sound_folders();
+    const QString& fault() const { return part_.fault(); }
 
   private:
-    SoundOutput* output();
-
-    QStringList folders_;
-    QPluginLoader loader_;
-    QString fault_;
+    Part part_;
     SoundOutput* open_ = nullptr;  ///< the device while it is open
 };
 

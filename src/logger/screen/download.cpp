@@ -94,7 +94,7 @@ void Download::connect_buttons() {
     click(ui_->cmdclearlast, "cmdclearlast_Click", &Download::cmdclearlast_Click);
     click(ui_->cmddatain, "cmddatain_Click", &Download::cmddatain_Click);
     click(ui_->cmdspan, "cmdspan_Click", &Download::cmdspan_Click);
-    connect(ui_->span_chart, &SpanChart::point_clicked, this, &Download::show_span_point);
+    connect(ui_->span_chart, &SpanView::point_clicked, this, &Download::show_span_point);
 }
 
 void Download::connect_table() {
@@ -200,7 +200,7 @@ void Download::cmdspan_Click() {
     show_span_panel(true);
     ui_->pages->setCurrentWidget(ui_->span_panel);
     ui_->span_point->clear();
-    ui_->span_chart->show_points(read_span(link_));
+    ui_->span_chart->show_points(read_span(link_), program_.texts);
 }
 
 void Download::show_span_panel(bool on) {

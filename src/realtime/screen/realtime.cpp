@@ -24,6 +24,7 @@
 #include "report_form.h"
 #include "tables.h"
 #include "text_printer.h"
+#include "trend_view.h"
 #include "twips.h"
 #include "ui_realtime.h"
 

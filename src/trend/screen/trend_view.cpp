@@ -9,7 +9,6 @@
 #include "handler.h"
 #include "tooltips.h"
 #include "trend_files.h"
-#include "trend_plot.h"
 
 namespace m47::trend {
 namespace {
@@ -29,6 +28,8 @@ constexpr Caption kCaptions[] = {
 };
 constexpr Bilingual kAllPrograms{"All programs", "Tutti i programmi"};
 constexpr Bilingual kNothing{"No measurement on the page.", "Nessuna misura sulla pagina."};
+constexpr Bilingual kNotLoaded{"No trend: %1 is missing or damaged.",
+                               "Nessun andamento: %1 manca o è danneggiato."};
 constexpr Bilingual kSaveTitle{"Save the trend", "Salva l'andamento"};
 constexpr Bilingual kNotSaved{"The trend was not saved as '%1': %2",
                               "L'andamento non è stato salvato come '%1': %2"};
@@ -110,7 +111,8 @@ void TrendView::set_texts(const Texts& texts) {
     for (const Caption& caption : kCaptions)
         findChild<QAction*>(QLatin1String(caption.control))->setText(texts_.pick(caption.text));
     set_tooltips(this, kTooltips, texts_);
-    nothing_->setText(texts_.pick(kNothing));
+    nothing_->setText(part_.fault().isEmpty() ? texts_.pick(kNothing)
+                                              : texts_.pick(kNotLoaded).arg(part_.fault()));
     list_programs();
     if (plot_) plot_->name_panels();
 }
@@ -121,7 +123,7 @@ void TrendView::set_page(const measurement::PageModel* page, TrendLimits limits,
     page_ = page;
     limits_ = std::move(limits);
     connect(page, &measurement::PageModel::rowsInserted, this, [this] {
-        if (isVisible()) catch_up();
+        if (plot_ && isVisible()) catch_up();
     });
     connect(page, &measurement::PageModel::modelReset, this, &TrendView::page_replaced);
 }
@@ -129,14 +131,16 @@ void TrendView::set_page(const measurement::PageModel* page, TrendLimits limits,
 void TrendView::page_replaced() {
     data_.clear();
     replaced_ = true;
-    if (isVisible()) catch_up();
+    if (plot_ && isVisible()) catch_up();
 }
 
 void TrendView::make_plot() {
-    plot_ = new TrendPlot(data_, limits_, texts_);
-    plot_->on_moved = [this] { follow_->setChecked(plot_->window().follows()); };
+    auto* const charts = part_.offer<TrendCharts>();
+    if (!charts) return nothing_->setText(texts_.pick(kNotLoaded).arg(part_.fault()));
+    plot_ = charts->make(data_, limits_, texts_);
+    plot_->on_moved = [this] { follow_->setChecked(plot_->follows()); };
     plot_->set_follows(follow_->isChecked());
-    pages_->addWidget(plot_);
+    pages_->addWidget(plot_->widget());
     choose();
 }
 
@@ -144,7 +148,7 @@ void TrendView::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
     if (!page_) return;
     if (!plot_) make_plot();
-    catch_up();
+    if (plot_) catch_up();
 }
 
 void TrendView::catch_up() {
@@ -159,7 +163,7 @@ void TrendView::catch_up() {
     }
     replaced_ = false;
     save_->setEnabled(!data_.empty());
-    pages_->setCurrentWidget(data_.empty() ? static_cast<QWidget*>(nothing_) : plot_);
+    pages_->setCurrentWidget(data_.empty() ? static_cast<QWidget*>(nothing_) : plot_->widget());
 }
 
 void TrendView::list_programs() {
@@ -186,7 +190,7 @@ void TrendView::choose() {
 }
 
 void TrendView::limits_changed() {
-    if (plot_ && isVisible()) plot_->replot(QCustomPlot::rpQueuedReplot);
+    if (plot_ && isVisible()) plot_->limits_changed();
 }
 
 void TrendView::ask_and_save() {

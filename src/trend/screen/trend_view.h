@@ -8,13 +8,12 @@
 #include <QWidget>
 
 #include "page_model.h"
+#include "part.h"
 #include "program_state.h"
 #include "texts.h"
-#include "trend_data.h"
+#include "trend_chart.h"
 
 namespace m47::trend {
-
-class TrendPlot;
 
 /// The tab "Trend": what the measurement page holds, over time. It looks at the page only while it
 /// is seen: a run that nobody watches pays nothing for it.
@@ -65,7 +64,9 @@ class TrendView : public QWidget {
     QAction* save_ = nullptr;
     QStackedWidget* pages_;
     QLabel* nothing_;
-    TrendPlot* plot_ = nullptr;  ///< made when the tab is first seen
+    Part part_{kTrendPart};
+    /// Made when the tab is first seen; null before, and where what draws is missing.
+    TrendChart* plot_ = nullptr;
 };
 
 }  // namespace m47::trend

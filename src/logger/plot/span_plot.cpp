@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "span_chart.h"
+#include "span_plot.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace m47::logger {
 namespace {
@@ -28,7 +27,7 @@ void colour_axis(QCPAxis* axis, const QColor& text, const QColor& faint) {
 
 }  // namespace
 
-SpanChart::SpanChart(QWidget* parent) : QCustomPlot(parent), curve_(addGraph()), mark_(addGraph()) {
+SpanPlot::SpanPlot(QWidget* parent) : QCustomPlot(parent), curve_(addGraph()), mark_(addGraph()) {
     mark_->setLineStyle(QCPGraph::lsNone);
     xAxis->setTickLabelFont(font());
     yAxis->setTickLabelFont(font());
@@ -38,8 +37,8 @@ SpanChart::SpanChart(QWidget* parent) : QCustomPlot(parent), curve_(addGraph()),
     show_points({});
 }
 
-void SpanChart::show_points(SpanPoints points) {
-    points_ = std::move(points);
+void SpanPlot::show_points(const SpanPoints& points) {
+    points_ = points;
     QVector<double> rows;
     QVector<double> values;
     for (const SpanPoint& point : points_) {
@@ -61,7 +60,7 @@ void SpanChart::show_points(SpanPoints points) {
 }
 
 /// As many names as fit beside one another; each row keeps its own for the read-out.
-void SpanChart::name_rows() {
+void SpanPlot::name_rows() {
     const int room = std::max(1, width() / (fontMetrics().averageCharWidth() * kNameWidth));
     const std::size_t fitting = static_cast<std::size_t>(room);
     const std::size_t step = std::max<std::size_t>(1, (points_.size() + fitting - 1) / fitting);
@@ -71,12 +70,12 @@ void SpanChart::name_rows() {
     xAxis->setTicker(names);
 }
 
-QPoint SpanChart::place_of(int row) const {
+QPoint SpanPlot::place_of(int row) const {
     const auto point = curve_->data()->at(row - 1);
     return QPointF(xAxis->coordToPixel(point->key), yAxis->coordToPixel(point->value)).toPoint();
 }
 
-void SpanChart::click(const QMouseEvent* event) {
+void SpanPlot::click(const QMouseEvent* event) {
     if (event->button() != Qt::LeftButton || curve_->data()->isEmpty()) return;
     const int count = curve_->data()->size();
     const int nearest = std::clamp(qRound(xAxis->pixelToCoord(event->pos().x())), 1, count);
@@ -86,22 +85,22 @@ void SpanChart::click(const QMouseEvent* event) {
         return;
     mark_->setData({double(nearest)}, {curve_->data()->at(nearest - 1)->value}, true);
     replot();
-    Q_EMIT point_clicked(nearest);
+    if (on_point_clicked) on_point_clicked(nearest);
 }
 
-void SpanChart::changeEvent(QEvent* event) {
+void SpanPlot::changeEvent(QEvent* event) {
     QCustomPlot::changeEvent(event);
     if (event->type() != QEvent::PaletteChange) return;
     take_colours();
     replot(QCustomPlot::rpQueuedReplot);
 }
 
-void SpanChart::resizeEvent(QResizeEvent* event) {
+void SpanPlot::resizeEvent(QResizeEvent* event) {
     name_rows();
     QCustomPlot::resizeEvent(event);
 }
 
-void SpanChart::take_colours() {
+void SpanPlot::take_colours() {
     const QColor text = palette().color(QPalette::Text);
     const QColor faint = palette().color(QPalette::Mid);
     const QColor curve = palette().color(QPalette::Link);

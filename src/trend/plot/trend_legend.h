@@ -5,7 +5,7 @@
 #include <array>
 #include <vector>
 
-#include "plot_library.h"
+#include "custom_plot.h"
 
 namespace m47::trend {
 

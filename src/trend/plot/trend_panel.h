@@ -5,7 +5,7 @@
 #include <span>
 #include <vector>
 
-#include "plot_library.h"
+#include "custom_plot.h"
 #include "trend_colours.h"
 #include "trend_legend.h"
 #include "trend_limits.h"

@@ -24,8 +24,8 @@ const Bilingual& axis_caption(measurement::Quantity quantity) {
 
 }  // namespace
 
-TrendPlot::TrendPlot(const TrendData& rows, TrendLimits limits, const Texts& texts, QWidget* parent)
-    : QCustomPlot(parent), data_(rows), limits_(std::move(limits)), texts_(texts) {
+TrendPlot::TrendPlot(const TrendData& rows, TrendLimits limits, const Texts& texts)
+    : data_(rows), limits_(std::move(limits)), texts_(texts) {
     setObjectName(QStringLiteral("trend_plot"));
     setFocusPolicy(Qt::StrongFocus);
     setMinimumSize(1, 1);
@@ -137,14 +137,6 @@ void TrendPlot::range_chosen(const QCPRange& range) {
     window_.choose({range.lower, range.upper});
     show_window();
     if (on_moved) on_moved();
-}
-
-void TrendPlot::on_paper(const std::function<void()>& paint) {
-    set_colours(paper_colours());
-    sample();
-    paint();
-    set_colours(trend_colours(palette()));
-    replot(rpQueuedReplot);
 }
 
 void TrendPlot::changeEvent(QEvent* event) {
