@@ -9,6 +9,7 @@
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMainWindow>
 #include <QPushButton>
 #include <QRadioButton>
@@ -19,6 +20,7 @@
 #include <QTimer>
 #include <csignal>
 
+#include "asl.h"
 #include "lamp.h"
 #include "process_support.h"
 #include "program_in_folder.h"
@@ -143,6 +145,25 @@ class GuiTest : public QObject, protected ProgramInFolder {
         QCOMPARE(program().link().settings.frequency(), std::nullopt);
         QCOMPARE(program().link().settings.oscillator(), std::nullopt);
         QVERIFY(find<QLabel>("corrected_notice")->text().contains(meter_->link()));
+    }
+
+    void another_meter_after_reconnect_takes_the_first_ones_satellites_off_the_screen() {
+        start();
+        pick_port(3);
+        find<QAction>("asl")->trigger();
+        auto* screen = qobject_cast<asl::Asl*>(window().screen_of("asl"));
+        QVERIFY(screen);
+        auto* slots_of_meter = find<QListWidget>("listastr", screen);
+        QTRY_COMPARE(slots_of_meter->count(), 20);
+        QVERIFY(!program_state().master_copy.isEmpty());
+        meter_->unplug();
+        meter_ = std::make_unique<MeterProcess>(folder(),
+                                                QStringList{"--baud-factor", "0", "--delay", "0"});
+        find<QAction>("cmdreconnect")->trigger();
+        QTRY_COMPARE(slots_of_meter->count(), 0);
+        QVERIFY(program_state().master_copy.isEmpty());
+        // Nothing is asked of the other meter and nothing sent to it until somebody wants that.
+        QCOMPARE(meter_->commands(), QStringList({"ATTEN?", "VER?"}));
     }
 
     void picking_a_port_identifies_the_meter() {
