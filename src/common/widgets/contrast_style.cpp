@@ -7,14 +7,42 @@
 #include <functional>
 #include <utility>
 
+#include "contrast.h"
+
 namespace m47 {
 namespace {
 
-constexpr int kDarkestWithOutline = 24;  // lightness of the window, 0 to 255
+/// More than what is asked for: soft edges lose some of it, and frames within frames are lighter or
+/// darker than the window.
+constexpr double kOutline = kOutlineContrast * 1.4;
+/// On windows as dark as that people want all the contrast there is.
+constexpr int kHighContrast = 24;  // lightness, 0 to 255
+constexpr double kRounding = 2;
+/// A small circle has hardly a pixel that it fills whole.
+constexpr double kCircleWidth = 1.5;
 
-bool is_box(QStyle::PrimitiveElement element) {
-    return element == QStyle::PE_PanelLineEdit || element == QStyle::PE_FrameLineEdit ||
-           element == QStyle::PE_IndicatorCheckBox || element == QStyle::PE_IndicatorRadioButton;
+bool has_outline(QStyle::PrimitiveElement element, const QStyleOption* option) {
+    switch (element) {
+        case QStyle::PE_PanelLineEdit:
+            return static_cast<const QStyleOptionFrame*>(option)->lineWidth > 0;
+        case QStyle::PE_FrameLineEdit:
+        case QStyle::PE_Frame:
+        case QStyle::PE_IndicatorCheckBox:
+        case QStyle::PE_IndicatorRadioButton:
+            return true;
+        case QStyle::PE_PanelButtonCommand: {
+            const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
+            return !button || !(button->features & QStyleOptionButton::Flat);
+        }
+        default:
+            return false;
+    }
+}
+
+/// Where the style draws its own: this one comes over it.
+QRectF outline_of(QStyle::PrimitiveElement element, const QStyleOption* option) {
+    const QRectF whole = QRectF(option->rect).adjusted(0.5, 0.5, -0.5, -0.5);
+    return element == QStyle::PE_PanelButtonCommand ? whole.adjusted(0, 1, 0, 0) : whole;
 }
 
 /// An icon of the desktop's, made when it is first painted: reading the pictures takes a start
@@ -55,24 +83,30 @@ QIcon ContrastStyle::standardIcon(StandardPixmap which, const QStyleOption* opti
                      : QProxyStyle::standardIcon(which, option, widget);
 }
 
+QColor outline_colour(const QPalette& palette, bool focused) {
+    const QColor window = palette.color(QPalette::Window);
+    const QColor text = palette.color(QPalette::WindowText);
+    const QColor mark = palette.color(QPalette::Highlight);
+    if (focused) return contrast(mark, window) >= kOutline ? mark : text;
+    return window.lightness() < kHighContrast ? text : just_seen(text, window, kOutline);
+}
+
 void ContrastStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
                                   QPainter* painter, const QWidget* widget) const {
     QProxyStyle::drawPrimitive(element, option, painter, widget);
-    const bool framed =
-        element != PE_PanelLineEdit || static_cast<const QStyleOptionFrame*>(option)->lineWidth > 0;
-    const bool dark = option->palette.window().color().lightness() < kDarkestWithOutline;
-    // What has the focus shows that by an outline of its own.
-    const bool focused = option->state & State_HasFocus;
-    if (!is_box(element) || !framed || !dark || focused) return;
+    // What cannot be used may be fainter.
+    if (!(option->state & State_Enabled) || !has_outline(element, option)) return;
     painter->save();
-    painter->setPen(option->palette.color(
-        option->state & State_Enabled ? QPalette::Normal : QPalette::Disabled, QPalette::Text));
+    painter->setRenderHint(QPainter::Antialiasing);
+    const bool circle = element == PE_IndicatorRadioButton;
+    const QColor colour = outline_colour(option->palette, option->state & State_HasFocus);
+    painter->setPen(QPen(colour, circle ? kCircleWidth : 1));
     painter->setBrush(Qt::NoBrush);
-    const QRect box = option->rect.adjusted(0, 0, -1, -1);
-    if (element == PE_IndicatorRadioButton)
-        painter->drawEllipse(box);
+    const QRectF outline = outline_of(element, option);
+    if (circle)
+        painter->drawEllipse(outline);
     else
-        painter->drawRect(box);
+        painter->drawRoundedRect(outline, kRounding, kRounding);
     painter->restore();
 }
 

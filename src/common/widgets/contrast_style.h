@@ -5,8 +5,8 @@
 
 namespace m47 {
 
-/// The desktop's style with an outline around boxes where the palette is so dark that the style's
-/// own outline, a darker tone of the window, is not to be seen: high contrast on black.
+/// The desktop's style with outlines that are seen in every palette: many styles draw those of
+/// boxes, options and buttons in a tone of the window that is hardly darker than it.
 class ContrastStyle : public QProxyStyle {
   public:
     void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
@@ -14,5 +14,9 @@ class ContrastStyle : public QProxyStyle {
     QIcon standardIcon(StandardPixmap which, const QStyleOption* option = nullptr,
                        const QWidget* widget = nullptr) const override;
 };
+
+/// The colour of an outline on the windows of `palette`; that of what has the keyboard where it is
+/// `focused`.
+QColor outline_colour(const QPalette& palette, bool focused);
 
 }  // namespace m47

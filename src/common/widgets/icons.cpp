@@ -11,9 +11,10 @@
 #include <QSvgRenderer>
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <utility>
 #include <vector>
+
+#include "contrast.h"
 
 // The folder is a static library: its resources are linked only when somebody asks for them, and
 // the macro wants to be outside of every namespace.
@@ -24,8 +25,6 @@ static void register_resources() {
 namespace m47 {
 namespace {
 
-/// The least contrast at which text, and so a thin glyph, can be read.
-constexpr double kReadable = 4.5;
 /// The side, in pixels, at which a themed icon is judged: that of a toolbar at 100 %.
 constexpr int kJudgedSide = 24;
 /// The opacity, to 255, from which a pixel belongs to the drawing and not to its soft edge.
@@ -58,21 +57,6 @@ QIcon desktop_icon(const QString& key) {
     return {};
 }
 
-double linear(int channel) {
-    const double value = channel / 255.0;
-    return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
-}
-
-double luminance(QRgb colour) {
-    return 0.2126 * linear(qRed(colour)) + 0.7152 * linear(qGreen(colour)) +
-           0.0722 * linear(qBlue(colour));
-}
-
-double contrast(QRgb one, QRgb other) {
-    const auto [dark, light] = std::minmax({luminance(one), luminance(other)});
-    return (light + 0.05) / (dark + 0.05);
-}
-
 /// The colours of the pixels that `icon` fills, at a toolbar's size.
 std::vector<QRgb> filled_pixels(const QIcon& icon) {
     const QPixmap pixmap = icon.pixmap(QSize(kJudgedSide, kJudgedSide), 1.0);
@@ -101,7 +85,7 @@ bool fits_glyphs(const QIcon& icon, const QColor& background) {
     return !pixels.empty() && spread(pixels, qRed) <= kOneColour &&
            spread(pixels, qGreen) <= kOneColour && spread(pixels, qBlue) <= kOneColour &&
            std::all_of(pixels.begin(), pixels.end(), [&background](QRgb pixel) {
-               return contrast(pixel, background.rgb()) >= kReadable;
+               return contrast(QColor::fromRgb(pixel), background) >= kTextContrast;
            });
 }
 
@@ -111,11 +95,7 @@ QColor glyph_colour(QIcon::Mode mode) {
     const QColor text = palette.color(QPalette::Active, QPalette::WindowText);
     if (mode == QIcon::Selected) return palette.color(QPalette::Active, QPalette::HighlightedText);
     if (mode != QIcon::Disabled) return text;
-    const auto mixed = [](int front, int back) {
-        return static_cast<int>(std::lround(kDisabledShare * front + (1 - kDisabledShare) * back));
-    };
-    return QColor(mixed(text.red(), window.red()), mixed(text.green(), window.green()),
-                  mixed(text.blue(), window.blue()));
+    return mixed(text, window, kDisabledShare);
 }
 
 QRectF centred_square(const QRectF& rect) {
@@ -169,7 +149,8 @@ class DrawingEngine : public QIconEngine {
 /// A line drawing whose `currentColor` is the palette's text colour at the moment of painting.
 class GlyphEngine : public QIconEngine {
   public:
-    GlyphEngine(QByteArray svg, QIcon themed) : svg_(std::move(svg)), themed_(std::move(themed)) {}
+    GlyphEngine(QByteArray svg, QIcon themed, bool faint)
+        : svg_(std::move(svg)), themed_(std::move(themed)), faint_(faint) {}
 
     QIconEngine* clone() const override { return new GlyphEngine(*this); }
 
@@ -177,6 +158,7 @@ class GlyphEngine : public QIconEngine {
                QIcon::State state) override {
         const QRect square = centred_square(rect).toRect();
         const qreal scale = painter->device()->devicePixelRatio();
+        mode = shown(mode);
         const QPixmap themed = themed_pixmap((QSizeF(square.size()) * scale).toSize(), mode, state);
         if (themed.isNull()) {
             draw_svg(painter, coloured(mode), rect);
@@ -186,18 +168,24 @@ class GlyphEngine : public QIconEngine {
     }
 
     QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
+        mode = shown(mode);
         const QPixmap themed = themed_pixmap(size, mode, state);
         return themed.isNull() ? svg_pixmap(coloured(mode), size) : themed;
     }
 
   private:
+    /// A faint glyph looks as on a button that is disabled.
+    QIcon::Mode shown(QIcon::Mode mode) const {
+        return faint_ && mode != QIcon::Selected ? QIcon::Disabled : mode;
+    }
+
     /// `size` is in device pixels. Null where the glyph is to be drawn: also in place of a themed
     /// icon that only exists smaller and would be blurred.
     QPixmap themed_pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) const {
         const QColor window = QGuiApplication::palette().color(QPalette::Active, QPalette::Window);
         if (themed_.isNull() || !fits_glyphs(themed_, window)) return {};
-        const QIcon::Mode shown = mode == QIcon::Disabled ? QIcon::Normal : mode;
-        const QPixmap found = themed_.pixmap(size, 1.0, shown, state);
+        const QIcon::Mode drawn = mode == QIcon::Disabled ? QIcon::Normal : mode;
+        const QPixmap found = themed_.pixmap(size, 1.0, drawn, state);
         if (found.width() < size.width() && found.height() < size.height()) return {};
         return mode == QIcon::Disabled ? dimmed(found) : found;
     }
@@ -208,6 +196,7 @@ class GlyphEngine : public QIconEngine {
 
     QByteArray svg_;
     QIcon themed_;
+    bool faint_;
 };
 
 /// The text of a drawing in the program, empty where there is none of this name.
@@ -219,9 +208,9 @@ QByteArray drawing(const QString& name) {
 
 }  // namespace
 
-QIcon toolbar_icon(const QString& key) {
+QIcon toolbar_icon(const QString& key, bool faint) {
     const QByteArray svg = drawing(QStringLiteral("toolbar/") + key);
-    return svg.isEmpty() ? QIcon() : QIcon(new GlyphEngine(svg, desktop_icon(key)));
+    return svg.isEmpty() ? QIcon() : QIcon(new GlyphEngine(svg, desktop_icon(key), faint));
 }
 
 QIcon application_icon() {

@@ -19,6 +19,9 @@ class Lamp : public QWidget {
 
     QColor colour() const { return colour_; }
     void set_colour(const QColor& colour);
+    /// A dimmed lamp is an empty ring around a point of its colour: it tells of what was before.
+    void set_dimmed(bool dimmed);
+    bool dimmed() const { return dimmed_; }
     QSize sizeHint() const override;
 
   protected:
@@ -26,6 +29,7 @@ class Lamp : public QWidget {
 
   private:
     QColor colour_{QColor::fromRgb(kGrey)};
+    bool dimmed_ = false;
 };
 
 }  // namespace m47
