@@ -41,8 +41,8 @@ class DiseqcPanelTest : public QObject {
     void leaving_the_frame_folds();
     void another_program_in_front_folds_nothing();
     void nothing_opens_while_a_plan_runs_the_tuning();
-    void the_open_panel_lies_over_its_neighbours();
-    void the_open_panel_stays_inside_a_low_window();
+    void the_open_panel_pushes_its_neighbours();
+    void the_open_panel_is_scrolled_to_in_a_low_window();
     void a_larger_font_makes_a_larger_panel();
     void nothing_is_clipped();
     void every_choice_of_the_list_sends();
@@ -68,6 +68,7 @@ class DiseqcPanelTest : public QObject {
     void open_motor();
     /// The panel is in `state`: its sizes, and its parts shown and hidden.
     bool shows(const QByteArray& state);
+    QByteArray shown();
     void load(int language = kEnglish);
 
     std::unique_ptr<RealtimeFixture> f_;

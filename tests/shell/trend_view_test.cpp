@@ -95,7 +95,7 @@ class TrendViewTest : public QObject, protected ProgramInFolder {
     void init() {
         second_ = 0;
         new_folder();
-        start_program({1100, 900});
+        start_program({1400, 900});
         window().findChild<QAction*>(QStringLiteral("cmdinglese"))->trigger();
         window().findChild<QAction*>(QStringLiteral("realtime"))->trigger();
         screen_ = qobject_cast<realtime::Realtime*>(window().screen_of(QStringLiteral("realtime")));

@@ -2,6 +2,7 @@
 #include "screen.h"
 
 #include <QComboBox>
+#include <QScrollArea>
 
 #include "busy_input.h"
 #include "handler.h"
@@ -17,9 +18,24 @@ Screen::Screen(QWidget* parent) : QMainWindow(parent) {
 }
 
 void Screen::load() {
+    let_body_scroll();
     Form_Load();
     // The names are those of the tooltips that stand there now.
     open_to_keyboard(this);
+}
+
+void Screen::let_body_scroll() {
+    if (!centralWidget() || qobject_cast<QScrollArea*>(centralWidget())) return;
+    QWidget* body = takeCentralWidget();
+    auto* area = new QScrollArea;
+    area->setObjectName(QStringLiteral("body"));
+    area->setFrameShape(QFrame::NoFrame);
+    // Its controls have the keyboard, and bring themselves into sight.
+    area->setFocusPolicy(Qt::NoFocus);
+    area->setWidgetResizable(true);
+    area->setWidget(body);
+    setCentralWidget(area);
+    body->show();
 }
 
 void Screen::handle(const char* name, const std::function<void()>& body) {

@@ -63,6 +63,9 @@ class Screen : public QMainWindow {
     void guard_lists();
 
   private:
+    /// What has no room in a low window is scrolled to.
+    void let_body_scroll();
+
     Joints joints_;
     QHash<QString, std::function<void()>> keys_;
     QByteArray toolbar_handler_;

@@ -86,6 +86,7 @@ VerifyDialog::VerifyDialog(const TableCheck& check, const Texts& texts, QWidget*
     auto* summary = new QLabel(summary_of_check(check, texts));
     summary->setTextFormat(Qt::PlainText);
     summary->setObjectName(QStringLiteral("verify_summary"));
+    summary->setWordWrap(true);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     auto* layout = new QVBoxLayout(this);

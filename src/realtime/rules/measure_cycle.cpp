@@ -55,6 +55,7 @@ void MeasureCycle::blank_results() {
     panel_.dcplev = panel_.cndlev = panel_.noisedlev = eight;
     panel_.bercomune = panel_.pvbercomune = panel_.cfcomune = six;
     panel_.mercomune = panel_.rucomune = six;
+    panel_.results_of_before = false;
 }
 
 /// The frequency has just been sent: what follows is measured there.
@@ -65,6 +66,7 @@ void MeasureCycle::tuned() {
     steps_.outcome.frequency = mhz(link_.settings.frequency());
     steps_.outcome.oscillator = mhz(link_.settings.oscillator());
     steps_.outcome.unit = measurement::unit_of_index(link_.settings.unit());
+    panel_.level_unit = measurement::unit_text(steps_.outcome.unit);
 }
 
 void MeasureCycle::digital_cycle() {

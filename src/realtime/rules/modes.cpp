@@ -159,6 +159,7 @@ void Modes::mostra_record_realtime() {
             recall_tuning();
         }
         recall_limits();
+        panel_.results_of_before = true;
     } catch (const Fault&) {
         // The controls stay as far as they were set.
     }
@@ -207,6 +208,8 @@ void Modes::recall_limits() {
 
 void Modes::cmdlev_Click(int index) {
     panel_.cmdlev = index;
+    // What is shown was measured in the unit before.
+    if (panel_.without_level()) panel_.level_unit = unit_name(index);
     if (!state_.recall_in_progress)
         link_.send(link::command::kUnit + link::format_number(index, " 00"));
     program_.unit_index = index;

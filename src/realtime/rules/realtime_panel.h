@@ -63,6 +63,9 @@ struct RealtimePanel {
     QString dcplev, cndlev, noisedlev;
     QString bercomune, pvbercomune, cfcomune, mercomune, rucomune;
     QString leva, cnalev, noisealev;
+    QString level_unit;  ///< of the levels shown, or of those that come; empty where not known
+    /// Values and lamps are those of a program that was shown before the present one.
+    bool results_of_before = false;
 
     // Frames
     bool sat_opt_visible = true;
@@ -91,6 +94,8 @@ struct RealtimePanel {
 
     /// Shows the panel as it stands, at once; a plain test leaves it empty.
     std::function<void()> on_repaint;
+    /// True where no level is shown.
+    bool without_level() const { return leva.trimmed().isEmpty() && dcplev.trimmed().isEmpty(); }
     void repaint() const {
         if (on_repaint) on_repaint();
     }

@@ -7,30 +7,9 @@
 #include <QTimer>
 
 namespace m47::realtime {
-namespace {
-
-/// `rectangle` moved as little as needed to lie inside `room`; its top left corner always does.
-QRect kept_inside(QRect rectangle, const QRect& room) {
-    rectangle.moveRight(qMin(rectangle.right(), room.right()));
-    rectangle.moveBottom(qMin(rectangle.bottom(), room.bottom()));
-    rectangle.moveLeft(qMax(rectangle.left(), room.left()));
-    rectangle.moveTop(qMax(rectangle.top(), room.top()));
-    return rectangle;
-}
-
-}  // namespace
 
 DiseqcFolding::DiseqcFolding(QWidget* sat_opt, DiseqcPanel* diseqc)
-    : QObject(sat_opt),
-      sat_opt_(sat_opt),
-      diseqc_(diseqc),
-      place_(new QWidget(sat_opt->parentWidget())) {
-    delete sat_opt->parentWidget()->layout()->replaceWidget(sat_opt, place_);
-    place_->lower();
-    // It lies over other controls when it is open.
-    sat_opt->setAutoFillBackground(true);
-    watch(place_);
-    watch(sat_opt->parentWidget());
+    : QObject(sat_opt), sat_opt_(sat_opt), diseqc_(diseqc) {
     watch(sat_opt);
     for (QWidget* widget : sat_opt->findChildren<QWidget*>()) watch(widget);
     connect(diseqc, &DiseqcPanel::dsqopt_Click, this, [this] { diseqc_MouseMove(); });
@@ -41,14 +20,15 @@ DiseqcFolding::DiseqcFolding(QWidget* sat_opt, DiseqcPanel* diseqc)
 
 void DiseqcFolding::watch(QWidget* widget) {
     widget->installEventFilter(this);
-    if (belongs_to(sat_opt_, widget)) widget->setMouseTracking(true);
+    widget->setMouseTracking(true);
 }
 
 bool DiseqcFolding::eventFilter(QObject* watched, QEvent* event) {
     auto* widget = static_cast<QWidget*>(watched);
     const QEvent::Type type = event->type();
-    if (!belongs_to(sat_opt_, widget)) {
-        if (type == QEvent::Move || type == QEvent::Resize) settle();
+    if (type == QEvent::LayoutRequest && (watched == sat_opt_ || watched == diseqc_)) {
+        // Its controls have become larger or smaller, as with another font.
+        settle();
     } else if (type == QEvent::MouseMove) {
         // With a button held the pointer selects text or drags, wherever it goes.
         const auto* mouse = static_cast<QMouseEvent*>(event);
@@ -74,8 +54,6 @@ void DiseqcFolding::watch_frame(QEvent::Type type) {
             if (!sat_opt_->isEnabled()) show_state(DiseqcState::folded);
             break;
         case QEvent::Show:
-        case QEvent::FontChange:
-        case QEvent::StyleChange:
             settle();
             break;
         default:
@@ -126,15 +104,7 @@ void DiseqcFolding::settle() {
     diseqc_->show_layout(layout);
     // The layout of the frame learns of the new size of the panel in it only when it is activated.
     sat_opt_->layout()->activate();
-    const QSize size = layout.sat_opt.expandedTo(sat_opt_->minimumSizeHint());
-    if (state_ == DiseqcState::folded) {
-        place_->setFixedSize(size);
-        sat_opt_->setGeometry(QRect(place_->pos(), size));
-    } else {
-        const QRect room = sat_opt_->parentWidget()->rect();
-        sat_opt_->setGeometry(kept_inside(QRect(place_->pos(), size), room));
-        sat_opt_->raise();
-    }
+    sat_opt_->setFixedSize(layout.sat_opt.expandedTo(sat_opt_->minimumSizeHint()));
 }
 
 }  // namespace m47::realtime

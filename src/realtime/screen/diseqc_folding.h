@@ -9,11 +9,9 @@
 namespace m47::realtime {
 
 /// Opens the DiSEqC panel when the pointer or the focus comes into it and folds it when they leave.
-/// The frame `sat_opt` grows and shrinks with it: its place in the layout stays that of the folded
-/// panel, the open one lies over what is beside and below.
+/// The frame `sat_opt` grows and shrinks with it and pushes what is beside and below.
 class DiseqcFolding : public QObject {
   public:
-    /// `sat_opt` must stand in the layout of its parent.
     DiseqcFolding(QWidget* sat_opt, DiseqcPanel* diseqc);
 
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -30,7 +28,6 @@ class DiseqcFolding : public QObject {
 
     QWidget* sat_opt_;
     DiseqcPanel* diseqc_;
-    QWidget* place_;
     DiseqcState state_ = DiseqcState::folded;
     bool focus_inside_ = false;
     bool folding_ = false;

@@ -5,12 +5,12 @@
 #include <QKeyEvent>
 #include <QLayout>
 #include <QMouseEvent>
-#include <QStyle>
 
 #include "control_array.h"
 #include "diseqc_commands.h"
 #include "enter_key.h"
 #include "lamp_colours.h"
+#include "measure_rows.h"
 #include "ui_diseqc_panel.h"
 
 namespace m47::realtime {
@@ -18,12 +18,6 @@ namespace {
 
 constexpr Bilingual kSteps{"steps", "passi"};
 constexpr Bilingual kSeconds{"s", "s"};
-
-// What the controls of this narrow panel need around their text.
-constexpr int kBoxFrame = 10;
-constexpr int kListFrame = 5;
-constexpr int kTitleFrame = 4;
-constexpr int kOptionGap = 2;
 
 /// Tells when a text box is clicked, or Space is pressed in it where there is no mouse.
 class BoxClickFilter : public QObject {
@@ -55,8 +49,9 @@ class BoxClickFilter : public QObject {
 void join_colour(Joints& joints, QLineEdit* box, const LampColour& colour) {
     joints.also([box, &colour] {
         const QColor wanted = shown_colour(colour);
-        QPalette colours = box->palette();
-        if (colours.color(QPalette::Base) == wanted) return;
+        if (box->palette().color(QPalette::Base) == wanted) return;
+        // All else is the desktop's, and changes with it.
+        QPalette colours;
         colours.setColor(QPalette::Base, wanted);
         // Black can be read on both colours, whatever the palette of the desktop.
         colours.setColor(QPalette::Text, Qt::black);
@@ -153,9 +148,7 @@ void DiseqcPanel::show_layout(const DiseqcLayout& layout) {
     ui_->dsq11opt->setVisible(layout.dsq11opt);
     ui_->dsq12opt->setVisible(layout.dsq12opt);
     this->layout()->activate();
-    // Not minimumSizeHint(), which adds more to the title than the frame draws around it.
-    const QSize title(fontMetrics().horizontalAdvance(this->title()) + kTitleFrame, 0);
-    setFixedSize(layout.diseqc.expandedTo(title).expandedTo(this->layout()->totalMinimumSize()));
+    setFixedSize(layout.diseqc.expandedTo(minimumSizeHint()));
 }
 
 DiseqcState DiseqcPanel::opened() const {
@@ -177,18 +170,12 @@ void DiseqcPanel::keep_focus() {
 
 void DiseqcPanel::changeEvent(QEvent* event) {
     QGroupBox::changeEvent(event);
-    if (event->type() == QEvent::FontChange) size_controls();
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
+        size_controls();
 }
 
 void DiseqcPanel::size_controls() {
-    const int indicator = style()->pixelMetric(QStyle::PM_ExclusiveIndicatorWidth) +
-                          style()->pixelMetric(QStyle::PM_RadioButtonLabelSpacing);
-    for (QRadioButton* option : {ui_->dsqopt_0, ui_->dsqopt_1})
-        option->setFixedWidth(indicator + fontMetrics().horizontalAdvance(option->text()) +
-                              kOptionGap);
-    ui_->diseqc_cmd->setMinimumHeight(fontMetrics().height() + kListFrame);
-    const int width = fontMetrics().horizontalAdvance(QStringLiteral("00")) + kBoxFrame;
-    for (QLineEdit* box : findChildren<QLineEdit*>()) box->setFixedWidth(width);
+    for (QLineEdit* box : findChildren<QLineEdit*>()) fit_to_text(*box, QStringLiteral("00"));
 }
 
 }  // namespace m47::realtime

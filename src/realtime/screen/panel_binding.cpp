@@ -8,6 +8,7 @@
 #include "fault.h"
 #include "lamp_colours.h"
 #include "measures.h"
+#include "read_out.h"
 #include "time_delays.h"
 #include "ui_realtime.h"
 
@@ -74,17 +75,32 @@ void PanelBinding::join_measures() {
     join_ticks("meas_statea", panel_.meas_statea);
     join_ticks("alarm_stated", panel_.alarm_stated);
     join_ticks("alarm_statea", panel_.alarm_statea);
-    const ControlArray<Lamp> lamps(screen_, QStringLiteral("alarm_light"));
-    for (std::size_t k = 0; k < panel_.alarm_light.size(); ++k)
-        joints_.also([lamp = lamps[k], &colour = panel_.alarm_light[k]] {
-            lamp->set_colour(shown_colour(colour));
-        });
+    join_lamps();
     const ControlArray<QCheckBox> boxes(screen_, QStringLiteral("meas_stated"));
     for (std::size_t k = 0; k < boxes.size(); ++k)
         joints_.enabled(boxes[k], panel_.meas_stated_enabled[k]);
     joints_.enabled(ui_.rucomune, panel_.rucomune_enabled);
-    for (const Measure& measure : measures())
-        joints_.text(named<QLabel>(screen_, measure.result), panel_.*measure.shown);
+    for (const Measure& measure : measures()) join_result(measure);
+}
+
+void PanelBinding::join_lamps() {
+    const ControlArray<Lamp> lamps(screen_, QStringLiteral("alarm_light"));
+    for (std::size_t k = 0; k < panel_.alarm_light.size(); ++k)
+        joints_.also([this, lamp = lamps[k], k] {
+            lamp->set_colour(shown_colour(panel_.alarm_light[k]));
+            lamp->set_dimmed(panel_.results_of_before);
+        });
+}
+
+void PanelBinding::join_result(const Measure& measure) {
+    auto* result = named<ReadOut>(screen_, measure.result);
+    joints_.text(result, panel_.*measure.shown);
+    joints_.also([this, result] { result->set_dimmed(panel_.results_of_before); });
+    // Levels alone are asked in a unit that the user chooses.
+    using measurement::Quantity;
+    if (measure.quantity != Quantity::level && measure.quantity != Quantity::noise) return;
+    auto* unit = named<QLabel>(screen_, std::string(measure.result).append("_unit").c_str());
+    joints_.text(unit, panel_.level_unit);
 }
 
 void PanelBinding::join_limits() {
@@ -112,6 +128,12 @@ void PanelBinding::join_keys() {
          {ui_.previous, ui_.next, ui_.previous_prog, ui_.next_prog, ui_.multiple_acq})
         joints_.visible(key, panel_.plan_keys_visible);
     joints_.visible(ui_.single_acq, panel_.single_acq_visible);
+    joints_.also([this] {
+        ui_.analogico->setChecked(panel_.analogresults_visible);
+        ui_.qpsk->setChecked(panel_.digitalresults_visible);
+        ui_.single->setChecked(!panel_.plan_controls_visible);
+        ui_.group->setChecked(panel_.plan_controls_visible);
+    });
 }
 
 void PanelBinding::join_menu() {

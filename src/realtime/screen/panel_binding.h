@@ -11,6 +11,8 @@ class Realtime;
 
 namespace m47::realtime {
 
+struct Measure;
+
 /// The controls of the real-time screen that show and take the members of its panel, and what the
 /// choices of corrected behaviour let be seen of them. Controls of the measures are those that the
 /// table of measures names. What is joined outlives `joints`.
@@ -28,6 +30,8 @@ class PanelBinding {
     void join_tuning();
     void join_acquisition();
     void join_measures();
+    void join_lamps();
+    void join_result(const Measure& measure);
     void join_limits();
     void join_frames();
     void join_keys();

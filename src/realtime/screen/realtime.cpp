@@ -15,10 +15,12 @@
 #include "enter_key.h"
 #include "file_question.h"
 #include "handler.h"
+#include "icons.h"
 #include "key_filter.h"
 #include "measures.h"
 #include "panel_binding.h"
 #include "panel_limits.h"
+#include "realtime_layout.h"
 #include "realtime_tooltips.h"
 #include "report_file.h"
 #include "report_form.h"
@@ -27,6 +29,7 @@
 #include "trend_view.h"
 #include "twips.h"
 #include "ui_realtime.h"
+#include "verdict_delegate.h"
 
 namespace m47::realtime {
 namespace {
@@ -70,10 +73,13 @@ Realtime::Realtime(std::unique_ptr<RealtimeRules> own_rules, QWidget* parent)
     connect_level_view();
     fill_keys();
     take_toolbar(ui_->barracomandi);
+    for (QAction* key : {ui_->satellite, ui_->terrestre, ui_->qam, ui_->ofdm})
+        key->setIcon(toolbar_icon(key->objectName(), true));
     take_exit(ui_->cmdexit);
     guard_lists();
     for (QAction* action : {ui_->stop, ui_->cmdlevelview}) keep_while_busy(action);
     prepare_page();
+    new RealtimeLayout(*ui_, this);
     show_log_name();
     show_log_state(rules.log.reason());
     joints().show();
@@ -258,6 +264,7 @@ void Realtime::show_row_as_level(int row) {
 
 void Realtime::prepare_page() {
     ui_->measgrid->setModel(&rules.page);
+    ui_->measgrid->setItemDelegate(new VerdictDelegate(this));
     ui_->measgrid->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     ui_->measgrid->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 4);
     const int fitting = fontMetrics().horizontalAdvance(QStringLiteral("00/00/00")) + 12;

@@ -59,6 +59,8 @@ ReportForm::ReportForm(const ProgramState& program, QWidget* parent)
     connect(ui_->report_buttons, &QDialogButtonBox::accepted, this, [this] { confirm(); });
     connect(ui_->report_buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     QPushButton* save = ui_->report_buttons->button(QDialogButtonBox::Save);
+    // A path is long, and a low window narrow.
+    resize(fontMetrics().averageCharWidth() * 90, sizeHint().height());
     connect(ui_->report_file, &QLineEdit::textChanged, save,
             [save](const QString& text) { save->setEnabled(!text.trimmed().isEmpty()); });
 }

@@ -6,6 +6,8 @@
 #include <QTextLayout>
 #include <algorithm>
 
+#include "verdict_colours.h"
+
 namespace m47::report {
 namespace {
 
@@ -17,8 +19,6 @@ constexpr double kTrendHeight = 430;
 constexpr double kFooterHeight = 24;
 
 const QColor kRule(0x99, 0x99, 0x99);
-const QColor kPassed(0x00, 0x66, 0x33);
-const QColor kFailed(0xC0, 0x00, 0x00);
 
 QFont paper_font(double pixels, bool bold) {
     QFont font(QFontDatabase::systemFont(QFontDatabase::GeneralFont).family());
@@ -226,8 +226,10 @@ void ReportPages::draw_cells(const Line& line, QPainter& painter) const {
         const QString text = metrics.horizontalAdvance(line.cells[k]) <= room + 0.5
                                  ? line.cells[k]
                                  : metrics.elidedText(line.cells[k], Qt::ElideRight, room);
-        if (line.kind == Kind::row && text == QLatin1String("FAIL")) painter.setPen(kFailed);
-        if (line.kind == Kind::row && text == QLatin1String("PASS")) painter.setPen(kPassed);
+        if (line.kind == Kind::row && text == QLatin1String("FAIL"))
+            painter.setPen(verdict_colour(false));
+        if (line.kind == Kind::row && text == QLatin1String("PASS"))
+            painter.setPen(verdict_colour(true));
         painter.drawText(QRectF(x, 0, line.widths[k], line.height),
                          Qt::AlignLeft | Qt::AlignVCenter | Qt::TextDontClip, text);
         painter.setPen(Qt::black);

@@ -16,6 +16,17 @@ class QWidget;
 
 namespace m47::trend {
 
+/// The least height, in pixels, at which a chart can be read.
+inline constexpr int kLeastChart = 120;
+
+/// The height of so many charts of the least height with their time axis, which is written in lines
+/// of `line_height` pixels.
+constexpr int height_of_charts(std::size_t charts, int line_height) {
+    constexpr int kAroundChart = 16;
+    constexpr int kTimeAxisGap = 16;
+    return static_cast<int>(charts) * (kLeastChart + kAroundChart) + 2 * line_height + kTimeAxisGap;
+}
+
 /// What the trend plots: whose rows and which quantities.
 struct TrendChoice {
     /// The program whose curve is shown, by its place in TrendData; negative for all of them.

@@ -46,7 +46,7 @@ TrendPanel::TrendPanel(QCustomPlot* plot, measurement::Quantity quantity)
       rect_(new QCPAxisRect(plot, false)),
       legend_(new TrendLegend(plot)) {
     rect_->addAxes(QCPAxis::atLeft | QCPAxis::atBottom);
-    rect_->setMinimumSize(40, 20);
+    rect_->setMinimumSize(40, kLeastChart);
     // An item looks for the plot's axis rects, so this one has to have its place first.
     const int row = plot->plotLayout()->rowCount();
     plot->plotLayout()->addElement(row, 0, rect_);

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "custom_plot.h"
+#include "trend_chart.h"
 #include "trend_colours.h"
 #include "trend_legend.h"
 #include "trend_limits.h"
@@ -38,6 +39,9 @@ class TrendPanel {
     /// of them.
     void show_curves(std::span<const TrendCurve> curves, TrendRange shown, int columns);
 
+    /// What the legend calls `series`.
+    QString name_of(const TrendSeries& series) const;
+
     void show_limits(const std::optional<TrendRange>& limits);
 
     /// Keeps the value axis as the user has just set it; release_values() lets it follow what is in
@@ -52,7 +56,6 @@ class TrendPanel {
     };
     QCPGraph* add_graph();
     QCPItemRect* add_band();
-    QString name_of(const TrendSeries& series) const;
     void draw_failed(const std::vector<TrendSpot>& failed);
     void draw_curve(const Drawn& drawn, const TrendSamples& samples, const QColor& colour);
 

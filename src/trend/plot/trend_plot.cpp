@@ -4,12 +4,19 @@
 #include <QKeyEvent>
 #include <QScopedValueRollback>
 #include <algorithm>
+#include <cmath>
+
+#include "row_time.h"
+#include "trend_nearest.h"
 
 namespace m47::trend {
 namespace {
 
 constexpr double kStep = 0.2;  // of what is shown, for a key
 constexpr double kZoom = 1.5;
+// How near the pointer has to come to a point, and how far from it its value stands, in pixels.
+constexpr int kReach = 20;
+constexpr int kBeside = 12;
 
 constexpr Bilingual kLevelAxis{"Level", "Livello"};
 constexpr Bilingual kBerAxis{"BER", "BER"};
@@ -25,13 +32,20 @@ const Bilingual& axis_caption(measurement::Quantity quantity) {
 }  // namespace
 
 TrendPlot::TrendPlot(const TrendData& rows, TrendLimits limits, const Texts& texts)
-    : data_(rows), limits_(std::move(limits)), texts_(texts) {
+    : data_(rows), limits_(std::move(limits)), texts_(texts), value_(new QLabel(this)) {
     setObjectName(QStringLiteral("trend_plot"));
     setFocusPolicy(Qt::StrongFocus);
     setMinimumSize(1, 1);
     setInteractions(QCP::iRangeDrag | QCP::iRangeZoom);
     setNoAntialiasingOnDrag(true);
     setAutoAddPlottableToLegend(false);
+    value_->setObjectName(QStringLiteral("trend_value"));
+    value_->setTextFormat(Qt::PlainText);
+    value_->setFrameShape(QFrame::StyledPanel);
+    value_->setMargin(2);
+    value_->setAutoFillBackground(true);
+    value_->setAttribute(Qt::WA_TransparentForMouseEvents);
+    value_->hide();
     connect(this, &QCustomPlot::beforeReplot, this, [this] { sample(); });
     build_panels();
 }
@@ -158,6 +172,55 @@ void TrendPlot::direct_mouse(const QPointF& place, Qt::KeyboardModifiers keys) {
 void TrendPlot::mousePressEvent(QMouseEvent* event) {
     direct_mouse(event->position(), event->modifiers());
     QCustomPlot::mousePressEvent(event);
+}
+
+/// What was measured next to `place`: its program, time and value; empty where nothing was.
+QString TrendPlot::value_at(const TrendPanel& panel, const QPoint& place) const {
+    const QCPAxis* time = panel.time_axis();
+    const double pointed = time->pixelToCoord(place.x());
+    const double reach = time->pixelToCoord(place.x() + kReach) - pointed;
+    const auto quantity = panel.quantity();
+    double least = kReach;
+    QString text;
+    for (const TrendCurve& curve : curves()) {
+        const auto point = nearest_point(*curve.series, quantity, pointed, reach);
+        if (!point) continue;
+        const measurement::Reading reading = point->reading(quantity);
+        const double value = plotted_value(quantity, reading.value);
+        const double away = std::hypot(time->coordToPixel(point->time) - place.x(),
+                                       panel.value_axis()->coordToPixel(value) - place.y());
+        if (away >= least) continue;
+        least = away;
+        text = QStringLiteral("%1\n%2  %3")
+                   .arg(panel.name_of(*curve.series),
+                        QString::fromStdString(measurement::time_text(point->time)),
+                        measurement::reading_text(quantity, reading));
+    }
+    return text;
+}
+
+void TrendPlot::show_value(const QPoint& place) {
+    QString text;
+    for (const auto& panel : panels_)
+        if (panel->axis_rect()->rect().contains(place)) text = value_at(*panel, place);
+    value_->setVisible(!text.isEmpty());
+    if (text.isEmpty()) return;
+    value_->setText(text);
+    value_->adjustSize();
+    const bool left = place.x() + kBeside + value_->width() > width();
+    const int x = left ? place.x() - kBeside - value_->width() : place.x() + kBeside;
+    const int y = qMin(place.y() + kBeside, height() - value_->height());
+    value_->move(qMax(0, x), qMax(0, y));
+}
+
+void TrendPlot::mouseMoveEvent(QMouseEvent* event) {
+    QCustomPlot::mouseMoveEvent(event);
+    show_value(event->pos());
+}
+
+void TrendPlot::leaveEvent(QEvent* event) {
+    QCustomPlot::leaveEvent(event);
+    value_->hide();
 }
 
 void TrendPlot::wheelEvent(QWheelEvent* event) {

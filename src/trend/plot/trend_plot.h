@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QLabel>
 #include <memory>
 #include <vector>
 
@@ -38,6 +39,8 @@ class TrendPlot : public QCustomPlot, public TrendChart {
   protected:
     void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
 
@@ -51,6 +54,8 @@ class TrendPlot : public QCustomPlot, public TrendChart {
     void range_chosen(const QCPRange& range);
     void direct_mouse(const QPointF& place, Qt::KeyboardModifiers keys);
     std::vector<TrendCurve> curves() const;
+    void show_value(const QPoint& place);
+    QString value_at(const TrendPanel& panel, const QPoint& place) const;
 
     const TrendData& data_;
     TrendLimits limits_;
@@ -59,6 +64,7 @@ class TrendPlot : public QCustomPlot, public TrendChart {
     TrendWindow window_;
     std::unique_ptr<QCPMarginGroup> edges_;
     std::vector<std::unique_ptr<TrendPanel>> panels_;
+    QLabel* value_;
     bool moving_ = false;
 };
 

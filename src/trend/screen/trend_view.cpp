@@ -37,6 +37,8 @@ constexpr Bilingual kNotSaved{"The trend was not saved as '%1': %2",
 constexpr Tooltip kTooltips[] = {
     {"trend_program", "Program shown (plan and number, frequency / oscillator)",
      "Programma mostrato (piano e numero, frequenza / oscillatore)"},
+    {"trend_first", "There is no room for all charts: which is shown",
+     "Non c'è posto per tutti i grafici: quale si vede"},
     {"trend_level", "Show the level", "Mostra il livello"},
     {"trend_ber", "Show the bit error rate", "Mostra il BER"},
     {"trend_mer", "Show the MER", "Mostra il MER"},
@@ -52,7 +54,11 @@ constexpr Tooltip kTooltips[] = {
 }  // namespace
 
 TrendView::TrendView(QWidget* parent)
-    : QWidget(parent), programs_(new QComboBox), pages_(new QStackedWidget), nothing_(new QLabel) {
+    : QWidget(parent),
+      programs_(new QComboBox),
+      first_(new QComboBox),
+      pages_(new QStackedWidget),
+      nothing_(new QLabel) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
@@ -60,6 +66,7 @@ TrendView::TrendView(QWidget* parent)
     nothing_->setAlignment(Qt::AlignCenter);
     nothing_->setObjectName(QStringLiteral("trend_nothing"));
     pages_->addWidget(nothing_);
+    pages_->setMinimumHeight(height_of_charts(1, fontMetrics().height()));
     layout->addWidget(pages_, 1);
     set_texts(texts_);
 }
@@ -80,21 +87,31 @@ QAction* TrendView::add_toggle(const char* name) {
     return action;
 }
 
+QAction* TrendView::add_list(QComboBox* list) {
+    list->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    // A low bar puts keys away rather than cut a list.
+    list->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
+    return findChild<QToolBar*>()->addWidget(list);
+}
+
 void TrendView::make_bar() {
     auto* bar = new QToolBar(this);
     bar->setObjectName(QStringLiteral("trend_bar"));
     bar->setToolButtonStyle(Qt::ToolButtonTextOnly);
     layout()->addWidget(bar);
     programs_->setObjectName(QStringLiteral("trend_program"));
-    programs_->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-    bar->addWidget(programs_);
+    first_->setObjectName(QStringLiteral("trend_first"));
+    add_list(programs_);
     bar->addSeparator();
     quantities_ = {add_toggle("trend_level"), add_toggle("trend_ber"), add_toggle("trend_mer")};
+    first_shown_ = add_list(first_);
+    first_shown_->setVisible(false);
     bar->addSeparator();
     follow_ = add_toggle("trend_follow");
     reset_ = add_action("trend_reset");
     save_ = add_action("trend_save");
     on(programs_, &QComboBox::activated, this, "trend_program_Click", [this] { choose(); });
+    on(first_, &QComboBox::activated, this, "trend_first_Click", [this] { choose(); });
     for (QAction* quantity : quantities_)
         on(quantity, &QAction::triggered, this, "trend_quantity_Click", [this] { choose(); });
     on(follow_, &QAction::triggered, this, "trend_follow_Click", [this] {
@@ -114,7 +131,9 @@ void TrendView::set_texts(const Texts& texts) {
     nothing_->setText(part_.fault().isEmpty() ? texts_.pick(kNothing)
                                               : texts_.pick(kNotLoaded).arg(part_.fault()));
     list_programs();
-    if (plot_) plot_->name_panels();
+    if (!plot_) return;
+    plot_->name_panels();
+    choose();
 }
 
 void TrendView::set_page(const measurement::PageModel* page, TrendLimits limits,
@@ -180,13 +199,49 @@ void TrendView::list_programs() {
     if (replaced_) programs_->setCurrentIndex(0);
 }
 
-void TrendView::choose() {
-    if (!plot_) return;
+TrendChoice TrendView::ticked() const {
     TrendChoice choice;
     choice.program = programs_->currentIndex() - 1;
     for (std::size_t k = 0; k < quantities_.size(); ++k)
         choice.quantities[k] = quantities_[k]->isChecked();
+    return choice;
+}
+
+/// Of the charts that are ticked those for which there is room, from the one in the list on.
+void TrendView::choose() {
+    if (!plot_) return;
+    TrendChoice choice = ticked();
+    std::vector<std::size_t> charts;
+    for (std::size_t k = 0; k < quantities_.size(); ++k)
+        if (choice.quantities[k]) charts.push_back(k);
+    std::size_t room = charts.size();
+    while (room > 1 && height_of_charts(room, fontMetrics().height()) > pages_->height()) --room;
+    list_charts(charts, room < charts.size());
+    if (room < charts.size()) {
+        choice.quantities.fill(false);
+        const auto first = static_cast<std::size_t>(qMax(0, first_->currentIndex()));
+        for (std::size_t k = 0; k < room; ++k)
+            choice.quantities[charts[(first + k) % charts.size()]] = true;
+    }
     plot_->choose(choice);
+}
+
+void TrendView::list_charts(const std::vector<std::size_t>& charts, bool needed) {
+    QStringList names;
+    for (const std::size_t chart : charts) names += quantities_[chart]->text();
+    QStringList listed;
+    for (int k = 0; k < first_->count(); ++k) listed += first_->itemText(k);
+    if (names != listed) {
+        first_->clear();
+        first_->addItems(names);
+    }
+    first_shown_->setVisible(needed);
+}
+
+void TrendView::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    layout()->activate();
+    choose();
 }
 
 void TrendView::limits_changed() {
@@ -218,7 +273,10 @@ void TrendView::save(const QString& path) {
     const int program = programs_->currentIndex() - 1;
     for (std::size_t k = 0; k < data_.series().size(); ++k)
         if (program < 0 || static_cast<int>(k) == program) shown.push_back(data_.series()[k].get());
+    // A file has room for all charts.
+    plot_->choose(ticked());
     const QString reason = save_trend(path, *plot_, shown);
+    choose();
     if (!reason.isEmpty()) report_fault(this, texts_.pick(kNotSaved).arg(path, reason));
 }
 

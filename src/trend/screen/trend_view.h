@@ -38,17 +38,21 @@ class TrendView : public QWidget {
     void save(const QString& path);
 
   protected:
+    void resizeEvent(QResizeEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
   private:
     QAction* add_action(const char* name);
     QAction* add_toggle(const char* name);
+    QAction* add_list(QComboBox* list);
     void make_bar();
     void make_plot();
     void page_replaced();
     void catch_up();
     void list_programs();
     void choose();
+    TrendChoice ticked() const;
+    void list_charts(const std::vector<std::size_t>& charts, bool needed);
     void ask_and_save();
 
     Texts texts_;
@@ -59,6 +63,8 @@ class TrendView : public QWidget {
     bool replaced_ = false;
     QComboBox* programs_;
     std::array<QAction*, measurement::kQuantities.size()> quantities_{};
+    QComboBox* first_;  ///< the chart to be shown where there is no room for all
+    QAction* first_shown_ = nullptr;
     QAction* follow_ = nullptr;
     QAction* reset_ = nullptr;
     QAction* save_ = nullptr;

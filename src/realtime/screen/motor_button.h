@@ -5,12 +5,12 @@
 
 namespace m47::realtime {
 
-/// A push button as flat and narrow as a menu entry, marked while the pointer or the focus is on
-/// it. It keeps no state: the motor gets its command at every click.
-class FlatItem : public QPushButton {
+/// A push button of the motor: low, as there are twelve of them, with its caption at the left, as
+/// its number leads it. It keeps no state: the motor gets its command at every click.
+class MotorButton : public QPushButton {
     Q_OBJECT
   public:
-    explicit FlatItem(QWidget* parent = nullptr);
+    explicit MotorButton(QWidget* parent = nullptr);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;

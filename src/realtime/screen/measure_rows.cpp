@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "measure_rows.h"
+
+#include <QStyle>
+#include <QStyleOptionFrame>
+
+namespace m47::realtime {
+namespace {
+
+/// Between two rows; the grids have none of their own, as they leave it out beside an empty row.
+constexpr int kBetweenRows = 2;
+/// What a text box keeps free on both sides of its text.
+constexpr int kTextMargins = 6;
+
+int row_of(const QGridLayout& grid, int item) {
+    int row = 0, column = 0, rows = 0, columns = 0;
+    grid.getItemPosition(item, &row, &column, &rows, &columns);
+    return row;
+}
+
+/// The height that the items of the rows `from` to `to` need.
+int height_of_rows(const QGridLayout& grid, int from, int to) {
+    int height = 0;
+    for (int k = 0; k < grid.count(); ++k) {
+        const int row = row_of(grid, k);
+        if (row >= from && row <= to) height = qMax(height, grid.itemAt(k)->sizeHint().height());
+    }
+    return height;
+}
+
+}  // namespace
+
+void level_rows(QGridLayout& measures, const QGroupBox& alarms, QGridLayout& limits) {
+    const int last = measures.rowCount() - 1;
+    const int height = kBetweenRows + qMax(height_of_rows(measures, 1, last),
+                                           height_of_rows(limits, 1, limits.rowCount() - 1));
+    for (int row = 1; row <= last; ++row) {
+        measures.setRowMinimumHeight(row, height);
+        if (row < limits.rowCount()) limits.setRowMinimumHeight(row, height);
+    }
+    const int captions = height_of_rows(limits, 0, 0);
+    limits.setRowMinimumHeight(0, captions);
+    const int above = alarms.contentsMargins().top() + limits.contentsMargins().top();
+    measures.setRowMinimumHeight(0, above + captions);
+}
+
+void fit_to_text(QLineEdit& box, const QString& longest) {
+    QStyleOptionFrame option;
+    option.initFrom(&box);
+    option.lineWidth = box.style()->pixelMetric(QStyle::PM_DefaultFrameWidth, &option, &box);
+    const QSize text(box.fontMetrics().horizontalAdvance(longest) + kTextMargins, 0);
+    box.setFixedWidth(
+        box.style()->sizeFromContents(QStyle::CT_LineEdit, &option, text, &box).width());
+}
+
+void keep_room(QWidget& widget) {
+    QSizePolicy policy = widget.sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    widget.setSizePolicy(policy);
+}
+
+}  // namespace m47::realtime

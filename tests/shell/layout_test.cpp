@@ -1,0 +1,411 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Every screen, dialog and state of a panel at every size of window, in both languages: nothing
+// lies over another control, is cut or out of reach, or fades into the ground it stands on. The
+// scale is that of the process, QT_SCALE_FACTOR: the more of it, the less room there is.
+#include <QDialog>
+#include <QMdiSubWindow>
+#include <QMessageBox>
+#include <QRadioButton>
+#include <QStyleFactory>
+#include <QTabWidget>
+
+#include "about_box.h"
+#include "box_answers.h"
+#include "changed_dialog.h"
+#include "clash_dialog.h"
+#include "compare_view.h"
+#include "contrast_style.h"
+#include "custom_plot.h"
+#include "import_dialog.h"
+#include "import_report.h"
+#include "layout_faults.h"
+#include "level_view.h"
+#include "program_in_folder.h"
+#include "realtime.h"
+#include "report_dialog.h"
+#include "report_form.h"
+#include "restore_preview.h"
+#include "sample_programs.h"
+#include "screen_table.h"
+#include "verify_dialog.h"
+
+namespace m47::shell {
+namespace {
+
+constexpr QSize kDesktops[] = {{1024, 600}, {1366, 768}, {1920, 1080}};
+/// What a desktop puts around a window.
+constexpr QSize kFrame(2, 30);
+constexpr int kLeastPlot = 120;
+
+double scale() {
+    const double asked = qEnvironmentVariable("QT_SCALE_FACTOR").toDouble();
+    return asked > 0 ? asked : 1;
+}
+
+/// The window that fills a desktop of `pixels`.
+QSize room_on(const QSize& pixels) {
+    return (QSizeF(pixels) / scale()).toSize() - kFrame;
+}
+
+struct Desktop {
+    const char* name;
+    QRgb window, base, button, text, highlight;
+};
+
+constexpr int kLight = 0;
+constexpr int kDark = 1;
+constexpr Desktop kPalettes[] = {
+    {"light", 0xffefefef, 0xffffffff, 0xffefefef, 0xff000000, 0xff308cc6},
+    {"dark", 0xff353535, 0xff242424, 0xff353535, 0xffffffff, 0xff2a82da},
+    {"Adwaita dark", 0xff353535, 0xff2d2d2d, 0xff353535, 0xffeeeeec, 0xff15539e},
+    {"greys", 0xff242424, 0xff1e1e1e, 0xff353535, 0xffeeeeee, 0xff3584e4},
+    {"high contrast", 0xff000000, 0xff000000, 0xff000000, 0xffffffff, 0xffffff00},
+};
+
+QPalette palette_of(const Desktop& desktop) {
+    // As the toolkit shades bevels of a button of this colour.
+    QPalette colours(QColor::fromRgb(desktop.button), QColor::fromRgb(desktop.window));
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        colours.setColor(role, QColor::fromRgb(desktop.text));
+    colours.setColor(QPalette::Base, QColor::fromRgb(desktop.base));
+    colours.setColor(QPalette::AlternateBase, QColor::fromRgb(desktop.base));
+    colours.setColor(QPalette::Highlight, QColor::fromRgb(desktop.highlight));
+    return colours;
+}
+
+}  // namespace
+
+class LayoutTest : public QObject, protected ProgramInFolder {
+    Q_OBJECT
+
+  private:
+    /// A way to use a screen, and what it is called where it does not hold.
+    struct State {
+        const char* name;
+        std::function<void(Screen*)> enter = [](Screen*) {};
+    };
+    using MakeDialog = std::function<QDialog*(QWidget* parent)>;
+
+    BoxAnswers boxes_;
+
+    static realtime::Realtime& realtime_of(Screen* screen) {
+        return *qobject_cast<realtime::Realtime*>(screen);
+    }
+    static void fill_page(realtime::Realtime& screen) {
+        for (int k = 0; k < 20; ++k)
+            screen.rules.page.append({"21/11/26", QTime(10, 0).addSecs(k).toString("HH:mm:ss"),
+                                      "11778.0", "10600", QString::number(50 + k % 5) + ".3",
+                                      "2.0E-4", "1.0E-8", "-0.5", "14.2", "",
+                                      k % 3 ? "PASS" : "FAIL"});
+    }
+    static void show_values(realtime::Realtime& screen) {
+        auto& panel = screen.rules.panel;
+        panel.dcplev = panel.leva = "<58.3";
+        panel.cndlev = panel.cnalev = panel.noisedlev = panel.noisealev = ">12.5";
+        panel.bercomune = panel.pvbercomune = "1.0E-8";
+        panel.cfcomune = "-12.5";
+        panel.mercomune = "14.2";
+        panel.alarm_stated.fill(true);
+        panel.alarm_statea.fill(true);
+        panel.lev_mind = panel.lev_mina = "-109";
+        panel.lev_maxd = panel.lev_maxa = "120";
+        panel.repaint();
+    }
+    static void choose_protocol(Screen* screen, const char* option) {
+        // As by keyboard: the focus opens the panel wherever the pointer is.
+        auto* button = screen->findChild<QRadioButton*>(QString::fromLatin1(option));
+        button->click();
+        button->setFocus();
+    }
+    QList<State> states_of(const QString& key) {
+        if (key == "program")
+            return {{"as it opens"},
+                    {"digital", [this](Screen* screen) { tick(screen, "cmd_dig"); }},
+                    {"monitored", [this](Screen* screen) { tick(screen, "monitor_state"); }}};
+        if (key == "download")
+            return {{"text"},
+                    {"table", [this](Screen* screen) { turn_page(screen, "pages", 1); }},
+                    {"span", [this](Screen* screen) { turn_page(screen, "pages", 2); }}};
+        if (key != "realtime") return {{"as it opens"}};
+        const auto press = [](const char* name) {
+            return [name](Screen* screen) { screen->findChild<QAction*>(name)->trigger(); };
+        };
+        return {
+            {"analog"},
+            {"1.1", [](Screen* screen) { choose_protocol(screen, "dsqopt_0"); }},
+            {"1.2", [](Screen* screen) { choose_protocol(screen, "dsqopt_1"); }},
+            {"folded", [this](Screen* screen) { find<QWidget>("fsat", screen)->setFocus(); }},
+            {"digital", press("qpsk")},
+            {"1.2 in digital", [](Screen* screen) { choose_protocol(screen, "dsqopt_1"); }},
+            {"values", [](Screen* screen) { show_values(realtime_of(screen)); }},
+            {"noise boxes", press("cmdcomplete")},
+            {"timer", press("start")},
+            {"log", [this](Screen* screen) { realtime_of(screen).open_log(in_folder("day.log")); }},
+            {"page", [](Screen* screen) { fill_page(realtime_of(screen)); }},
+            {"trend", [this](Screen* screen) { turn_page(screen, "page_tabs", 1); }},
+            {"plan", press("group")},
+            {"analog again", press("analogico")},
+        };
+    }
+    void tick(Screen* screen, const char* name) {
+        find<QAbstractButton>(name, screen)->setChecked(true);
+    }
+    void turn_page(Screen* screen, const char* pages, int page) {
+        find<QTabWidget>(pages, screen)->setCurrentIndex(page);
+    }
+    static void settle() {
+        for (int pass = 0; pass < 3; ++pass) {
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+            QCoreApplication::processEvents();
+        }
+    }
+    void speak(int language) {
+        window()
+            .findChild<QAction*>(language == kEnglish ? "cmdinglese" : "cmditaliano")
+            ->trigger();
+    }
+    Screen* open(const QString& key) {
+        window().open_screen(key);
+        return window().screen_of(key);
+    }
+    static void add_languages(const QStringList& names) {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<int>("language");
+        for (const QString& name : names) {
+            QTest::addRow("%s in English", qPrintable(name)) << name << int(kEnglish);
+            QTest::addRow("%s in Italian", qPrintable(name)) << name << int(kItalian);
+        }
+    }
+    static void hold(QStringList faults) {
+        faults.removeDuplicates();
+        for (const QString& fault : faults) qInfo("%s", qPrintable(fault));
+        QVERIFY2(faults.isEmpty(), qPrintable(QStringLiteral("%1 faults").arg(faults.size())));
+    }
+    /// For who wants to look: every window goes as a picture into the folder M47_PICTURES.
+    static void take_picture(QWidget* shown, const QString& name) {
+        const QString folder = qEnvironmentVariable("M47_PICTURES");
+        if (!folder.isEmpty()) shown->grab().save(QDir(folder).filePath(name + ".png"));
+    }
+    static QStringList told(const QString& where, const QStringList& faults) {
+        QStringList told;
+        for (const QString& fault : faults) told += where + ": " + fault;
+        return told;
+    }
+    static plans::ImportFile import_file() {
+        plans::ImportFile file;
+        file.understood = true;
+        for (int k = 0; k < 30; ++k) {
+            plans::ImportCandidate candidate;
+            candidate.line = k + 1;
+            candidate.record = k % 2 ? digital_program() : direct_program();
+            candidate.record.pg_num = QStringLiteral("%1").arg(k + 1, 3, 10, QChar('0'));
+            candidate.name = QStringLiteral("Transponder %1").arg(k);
+            candidate.polarisation = "H";
+            if (k % 5 == 4) candidate.record.frequenza = "500";
+            file.candidates.push_back(candidate);
+        }
+        return file;
+    }
+    QMap<QString, MakeDialog> dialogs();
+    void check_dialog(QDialog* dialog, const QString& name, QStringList& faults);
+
+  private Q_SLOTS:
+    void initTestCase() {
+        QApplication::setStyle(new ContrastStyle);
+        QCursor::setPos(4000, 4000);
+    }
+    void init() {
+        QApplication::setPalette(palette_of(kPalettes[0]));
+        new_folder();
+        start_program(room_on(kDesktops[0]));
+        QApplication::setActiveWindow(&window());
+    }
+    void cleanup() { end_program(); }
+
+    void every_screen_holds_at_every_size_data() { add_languages(screen_keys()); }
+    void every_screen_holds_at_every_size() {
+        QFETCH(QString, name);
+        QFETCH(int, language);
+        speak(language);
+        Screen* screen = open(name);
+        QStringList faults;
+        for (const State& state : states_of(name)) {
+            state.enter(screen);
+            for (const int palette : {kDark, kLight}) {
+                QApplication::setPalette(palette_of(kPalettes[palette]));
+                for (const QSize& desktop : kDesktops) {
+                    window().resize(room_on(desktop));
+                    settle();
+                    const QString where = QStringLiteral("%1 at %2x%3, %4 %, %5")
+                                              .arg(state.name)
+                                              .arg(desktop.width())
+                                              .arg(desktop.height())
+                                              .arg(100 * scale())
+                                              .arg(kPalettes[palette].name);
+                    faults += told(where, layout_faults(&window()));
+                    take_picture(&window(), name + ", " + where + ", " + QTest::currentDataTag());
+                }
+            }
+        }
+        hold(faults);
+    }
+
+    void every_dialog_holds_on_the_smallest_desktop_data() { add_languages(dialogs().keys()); }
+    void every_dialog_holds_on_the_smallest_desktop() {
+        QFETCH(QString, name);
+        QFETCH(int, language);
+        speak(language);
+        const std::unique_ptr<QDialog> dialog(dialogs()[name](&window()));
+        QStringList faults;
+        check_dialog(dialog.get(), name, faults);
+        hold(faults);
+    }
+
+    void a_message_box_holds_on_the_smallest_desktop() {
+        QStringList faults;
+        boxes_.answer([&](QDialog* box) {
+            settle();
+            faults = layout_faults(box);
+            box->reject();
+        });
+        show_about(&window(), program_state());
+        QVERIFY(boxes_.take_seen().size() <= 1);
+        hold(faults);
+    }
+
+    void every_outline_and_text_is_seen_in_every_palette_data() {
+        QTest::addColumn<int>("palette");
+        for (int k = 0; k < int(std::size(kPalettes)); ++k)
+            QTest::addRow("%s", kPalettes[k].name) << k;
+    }
+    void every_outline_and_text_is_seen_in_every_palette() {
+        QFETCH(int, palette);
+        QApplication::setPalette(palette_of(kPalettes[palette]));
+        speak(kEnglish);
+        window().resize(room_on(kDesktops[2]));
+        QStringList faults;
+        for (const QString& key : screen_keys()) {
+            Screen* screen = open(key);
+            settle();
+            faults += told(key, contrast_faults(&window()));
+            if (key != "realtime") continue;
+            for (const char* name : {"1.2", "digital", "values", "page"}) {
+                for (const State& state : states_of(key))
+                    if (qstrcmp(state.name, name) == 0) state.enter(screen);
+                settle();
+                faults += told(key + ' ' + name, contrast_faults(&window()));
+            }
+        }
+        for (const QString& name : dialogs().keys()) {
+            const std::unique_ptr<QDialog> dialog(dialogs()[name](&window()));
+            dialog->show();
+            settle();
+            faults += told(name, contrast_faults(dialog.get()));
+            take_picture(dialog.get(), name + ", " + QTest::currentDataTag());
+        }
+        hold(faults);
+    }
+
+    void every_plot_of_the_trend_can_be_read_at_every_size() {
+        Screen* screen = open("realtime");
+        fill_page(realtime_of(screen));
+        turn_page(screen, "page_tabs", 1);
+        for (const QSize& desktop : kDesktops) {
+            window().resize(room_on(desktop));
+            settle();
+            auto* plot = find<QCustomPlot>("trend_plot", screen);
+            plot->replot();
+            QVERIFY(plot->axisRectCount() > 0);
+            for (int k = 0; k < plot->axisRectCount(); ++k)
+                QVERIFY2(plot->axisRect(k)->height() >= kLeastPlot,
+                         qPrintable(QStringLiteral("plot %1 of %2 is %3 high at %4x%5")
+                                        .arg(k)
+                                        .arg(plot->axisRectCount())
+                                        .arg(plot->axisRect(k)->height())
+                                        .arg(desktop.width())
+                                        .arg(desktop.height())));
+        }
+    }
+};
+
+QMap<QString, LayoutTest::MakeDialog> LayoutTest::dialogs() {
+    const Texts& texts = program_state().texts;
+    QMap<QString, MakeDialog> made;
+    made["import"] = [&texts](QWidget* parent) {
+        const auto preview = [](const std::vector<plans::ImportCandidate>& candidates,
+                                plans::TakenNumbers taken) {
+            return plans::preview_import(candidates, {}, kKu, 0.0, taken);
+        };
+        return new plans::ImportDialog(import_file(), preview, texts, parent);
+    };
+    made["changed"] = [&texts](QWidget* parent) {
+        const plans::ChangedMeanwhile change({direct_program(), kKu}, digital_program(), "9750",
+                                             true);
+        return new plans::ChangedDialog(change, texts, parent);
+    };
+    made["verify"] = [&texts](QWidget* parent) {
+        plans::TableCheck check;
+        for (int k = 0; k < 20; ++k)
+            check.rows.push_back(
+                {QStringLiteral("%1").arg(k), "07 ON", k % 3 ? "07 ON" : "08 OFF"});
+        return new plans::VerifyDialog(check, texts, parent);
+    };
+    made["report"] = [this](QWidget* parent) {
+        return new report::ReportForm(program_state(), parent);
+    };
+    made["compare"] = [&texts](QWidget* parent) {
+        const auto one = asl::SlotBlock::of(QByteArray(48, 'a'), "HOTBIRD");
+        const auto other = asl::SlotBlock::of(QByteArray(48, 'b'), "ASTRA");
+        return new asl::CompareView({{"00 HOTBIRD", one}, {"01 ASTRA", other}}, 0, 1, texts,
+                                    parent);
+    };
+    made["restore"] = [&texts](QWidget* parent) {
+        asl::SlotTable now, file;
+        now.fill(asl::SlotBlock());
+        for (std::size_t k = 0; k < file.size(); k += 2)
+            file[k] = asl::SlotBlock::of(QByteArray(48, 'a'), "HOTBIRD");
+        return new asl::RestorePreview(asl::restore_plan(now, file), texts, parent);
+    };
+    made["clash"] = [&texts](QWidget* parent) -> QDialog* {
+        static olddb::ImportPlan plan;
+        plan = {};
+        for (int k = 0; k < 12; ++k) {
+            olddb::ImportedPlan old;
+            old.name = QStringLiteral("OLD PLAN %1").arg(k);
+            old.clashes = true;
+            plan.plans.append(old);
+        }
+        return new olddb::ClashDialog(plan, texts, parent);
+    };
+    made["old database"] = [&texts](QWidget* parent) {
+        return new olddb::ReportDialog("Import", QString("Line of the report\n").repeated(60),
+                                       texts, parent);
+    };
+    return made;
+}
+
+void LayoutTest::check_dialog(QDialog* dialog, const QString& name, QStringList& faults) {
+    // A desktop makes no dialog larger than itself; it can be made smaller than it likes to be.
+    dialog->show();
+    settle();
+    faults += told(name, layout_faults(dialog));
+    take_picture(
+        dialog,
+        QStringLiteral("%1, %2 %, %3").arg(name).arg(100 * scale()).arg(QTest::currentDataTag()));
+    const QSize room = room_on(kDesktops[0]);
+    dialog->resize(dialog->size().boundedTo(room));
+    settle();
+    if (dialog->width() > room.width() || dialog->height() > room.height())
+        faults += QStringLiteral("%1 needs %2x%3, there is %4x%5")
+                      .arg(name)
+                      .arg(dialog->width())
+                      .arg(dialog->height())
+                      .arg(room.width())
+                      .arg(room.height());
+    faults += told(name + " small", layout_faults(dialog));
+}
+
+}  // namespace m47::shell
+
+QTEST_MAIN(m47::shell::LayoutTest)
+#include "layout_test.moc"
