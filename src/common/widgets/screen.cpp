@@ -2,13 +2,13 @@
 #include "screen.h"
 
 #include <QComboBox>
-#include <QScrollArea>
 
 #include "busy_input.h"
 #include "handler.h"
 #include "icons.h"
 #include "key_filter.h"
 #include "keyboard_access.h"
+#include "scrolled_body.h"
 
 namespace m47 {
 
@@ -25,17 +25,15 @@ void Screen::load() {
 }
 
 void Screen::let_body_scroll() {
-    if (!centralWidget() || qobject_cast<QScrollArea*>(centralWidget())) return;
-    QWidget* body = takeCentralWidget();
-    auto* area = new QScrollArea;
+    if (!centralWidget() || qobject_cast<ScrolledBody*>(centralWidget())) return;
+    QWidget* body = centralWidget();
+    auto* area = new ScrolledBody(this);
     area->setObjectName(QStringLiteral("body"));
-    area->setFrameShape(QFrame::NoFrame);
-    // Its controls have the keyboard, and bring themselves into sight.
-    area->setFocusPolicy(Qt::NoFocus);
-    area->setWidgetResizable(true);
+    // It stays in this window all the time, so that Tab goes through it in the same order.
     area->setWidget(body);
     setCentralWidget(area);
     body->show();
+    area->show();
 }
 
 void Screen::handle(const char* name, const std::function<void()>& body) {
