@@ -35,6 +35,16 @@ void MeasureCycleTest::status() {
     QCOMPARE(results().section(u'|', 8), status);
 }
 
+void MeasureCycleTest::new_results_are_those_of_the_program_shown() {
+    panel().results_of_before = true;
+    measure_and_store();
+    // Nothing was ticked: what is shown is what was there before.
+    QVERIFY(panel().results_of_before);
+    panel().meas_statea[kLevel] = true;
+    measure_and_store();
+    QVERIFY(!panel().results_of_before);
+}
+
 void MeasureCycleTest::each_cycle_starts_anew() {
     panel().meas_statea[kLevel] = true;
     panel().alarm_statea[0] = true;

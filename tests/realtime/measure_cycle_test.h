@@ -57,6 +57,7 @@ class MeasureCycleTest : public QObject {
     void error_rates_that_start_nothing();
     void status_data();
     void status();
+    void new_results_are_those_of_the_program_shown();
     void each_cycle_starts_anew();
     void row_of_the_mode_and_cycle_of_the_frame();
     void row_of_another_mode();

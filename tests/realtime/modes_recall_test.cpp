@@ -16,6 +16,19 @@ void ModesTest::recall_of_an_analog_program() {
     QVERIFY(!state().recall_in_progress);
 }
 
+void ModesTest::recall_leaves_the_results_as_those_of_the_program_before() {
+    QVERIFY(!panel().results_of_before);
+    panel().leva = "58.3";
+    change_program({{"monitor_state", 0}});
+    modes().crea_records_realtime();
+    // Nothing of it is shown: the results are still those of what is.
+    QVERIFY(!panel().results_of_before);
+    change_program({{"monitor_state", 1}});
+    modes().crea_records_realtime();
+    QVERIFY(panel().results_of_before);
+    QCOMPARE(panel().leva, QString("58.3"));
+}
+
 void ModesTest::recall_of_a_digital_program() {
     panel().locopt = {false, true};
     change_program({{"sat_ad", 1}});

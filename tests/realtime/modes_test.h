@@ -64,6 +64,7 @@ class ModesTest : public QObject {
 
     void recall_of_an_analog_program();
     void recall_of_a_digital_program();
+    void recall_leaves_the_results_as_those_of_the_program_before();
     void recall_while_commands_are_suspended();
     void recall_that_changes_the_oscillator_choice_data();
     void recall_that_changes_the_oscillator_choice();

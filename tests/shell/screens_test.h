@@ -115,6 +115,24 @@ class ScreensTest : public QObject, protected ProgramInFolder {
 
     void complete_noise_shows_its_boxes();
 
+    void alarms_stand_level_with_their_measures();
+
+    void nothing_moves_between_the_presentations();
+
+    void the_keys_behind_those_of_a_plan_stay_where_they_are();
+
+    void the_keys_of_what_is_in_force_are_checked();
+
+    void keys_that_do_nothing_yet_are_faint();
+
+    void from_1280_pixels_on_the_page_stands_beside_the_controls();
+
+    void levels_stand_beside_the_unit_they_were_measured_in();
+
+    void what_the_program_before_measured_is_dimmed();
+
+    void verdicts_on_the_page_have_the_colours_of_the_report();
+
     void corrected_behaviour_has_an_entry_for_each_choice();
 
     void each_entry_is_one_choice_and_all_of_them_is_every_one();

@@ -141,6 +141,74 @@ class TrendViewTest : public QObject, protected ProgramInFolder {
         QVERIFY2(told.contains("libm47-print.so"), qPrintable(told));
     }
 
+    void where_there_is_no_room_for_all_charts_a_list_chooses() {
+        add_rows(20);
+        open_tab(1);
+        auto* list = find<QComboBox>("trend_first");
+        QCOMPARE(plot()->axisRectCount(), 3);
+        QVERIFY(!list->isVisible());
+        window().resize(1400, 430);
+        QCoreApplication::processEvents();
+        QVERIFY(list->isVisible());
+        QCOMPARE(list->count(), 3);
+        const int charts = plot()->axisRectCount();
+        QVERIFY(charts < 3);
+        const auto first = [this] { return plot()->axisRect(0)->axis(QCPAxis::atLeft)->label(); };
+        QCOMPARE(first(), QStringLiteral("Level"));
+        list->setCurrentIndex(2);
+        Q_EMIT list->activated(2);
+        QCoreApplication::processEvents();
+        QCOMPARE(plot()->axisRectCount(), charts);
+        const auto last = plot()->axisRect(charts - 1)->axis(QCPAxis::atLeft);
+        QCOMPARE(last->label(), QStringLiteral("MER (dB)"));
+        // One that is not ticked is not offered.
+        press("trend_ber");
+        QCOMPARE(list->count(), 2);
+        window().resize(1400, 900);
+        QCoreApplication::processEvents();
+        QVERIFY(!list->isVisible());
+        QCOMPARE(plot()->axisRectCount(), 2);
+    }
+
+    void a_picture_has_all_charts_whatever_the_window() {
+        add_rows(20);
+        open_tab(1);
+        window().resize(1400, 430);
+        QCoreApplication::processEvents();
+        const int charts = plot()->axisRectCount();
+        find<trend::TrendView>("trend")->save(in_folder(QStringLiteral("low.png")));
+        window().resize(1400, 900);
+        QCoreApplication::processEvents();
+        find<trend::TrendView>("trend")->save(in_folder(QStringLiteral("high.png")));
+        QVERIFY(charts < 3);
+        const QImage low(in_folder(QStringLiteral("low.png")));
+        const QImage high(in_folder(QStringLiteral("high.png")));
+        QVERIFY(!low.isNull());
+        QCOMPARE(low, high);
+    }
+
+    void the_value_under_the_pointer_is_told() {
+        add_rows(20);
+        open_tab(1);
+        plot()->replot();
+        auto* value = plot()->findChild<QLabel*>(QStringLiteral("trend_value"));
+        QVERIFY(!value->isVisible());
+        auto* rect = plot()->axisRect(0);
+        // The seventh row has 51 at 10:01:10.
+        const double time =
+            rect->axis(QCPAxis::atBottom)->range().center() - 35;  // 105 s in the middle
+        const QPoint at(int(rect->axis(QCPAxis::atBottom)->coordToPixel(time)),
+                        int(rect->axis(QCPAxis::atLeft)->coordToPixel(51)));
+        QTest::mouseMove(plot(), at);
+        QTRY_VERIFY(value->isVisible());
+        QVERIFY2(value->text().contains(QStringLiteral("10:01:10  51")), qPrintable(value->text()));
+        QVERIFY(value->text().startsWith(QStringLiteral("11778.0 / 10600")));
+        QVERIFY(plot()->rect().contains(value->geometry()));
+        QVERIFY(!value->geometry().contains(at));
+        QTest::mouseMove(plot(), QPoint(2, 2));
+        QTRY_VERIFY(!value->isVisible());
+    }
+
     void captions_and_tooltips_stand_in_both_languages() {
         QCOMPARE(find<QAction>("trend_follow")->text(), QStringLiteral("Follow"));
         QCOMPARE(find<QAction>("trend_save")->text(), QStringLiteral("Save…"));

@@ -46,6 +46,26 @@ void TrendTest::every_second_row_empty_leaves_no_line_at_all() {
     QVERIFY(samples.dots.size() >= 100);
 }
 
+void TrendTest::the_nearest_point_has_a_value_and_lies_within_reach() {
+    const TrendData data = data_of(page_of_levels({"50", "", "<52", "53"}));
+    const TrendSeries& series = *data.series()[0];
+    const double start = data.time().lower;
+    const auto nearest = [&](double seconds, double reach) {
+        const auto point =
+            nearest_point(series, measurement::Quantity::level, start + seconds, reach);
+        return point ? measurement::reading_text(measurement::Quantity::level,
+                                                 point->reading(measurement::Quantity::level))
+                     : QString();
+    };
+    QCOMPARE(nearest(0, 5), QStringLiteral("50.0"));
+    QCOMPARE(nearest(9, 5), QString());
+    QCOMPARE(nearest(9, 10), QStringLiteral("50.0"));
+    QCOMPARE(nearest(11, 12), QStringLiteral("<52.0"));
+    QCOMPARE(nearest(24, 100), QStringLiteral("<52.0"));
+    QCOMPARE(nearest(26, 100), QStringLiteral("53.0"));
+    QCOMPARE(nearest(1000, 100), QString());
+}
+
 void TrendTest::only_what_is_in_sight_is_sampled_with_its_neighbours() {
     QStringList levels;
     for (int k = 0; k < 100; ++k) levels << QString::number(k);

@@ -11,6 +11,7 @@
 #include "row_time.h"
 #include "trend_data.h"
 #include "trend_limits.h"
+#include "trend_nearest.h"
 #include "trend_sampling.h"
 #include "trend_table.h"
 #include "trend_window.h"
@@ -113,6 +114,7 @@ class TrendTest : public QObject {
     void every_second_row_empty_leaves_no_line_at_all();
 
     void only_what_is_in_sight_is_sampled_with_its_neighbours();
+    void the_nearest_point_has_a_value_and_lies_within_reach();
 
     void the_value_axis_shows_limits_but_never_presses_the_values_flat();
 

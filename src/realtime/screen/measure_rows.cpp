@@ -23,7 +23,10 @@ int height_of_rows(const QGridLayout& grid, int from, int to) {
     int height = 0;
     for (int k = 0; k < grid.count(); ++k) {
         const int row = row_of(grid, k);
-        if (row >= from && row <= to) height = qMax(height, grid.itemAt(k)->sizeHint().height());
+        // Not the item's, which is nothing while the frame has not been shown yet.
+        const QWidget* control = grid.itemAt(k)->widget();
+        if (control && row >= from && row <= to)
+            height = qMax(height, control->sizeHint().height());
     }
     return height;
 }
@@ -57,6 +60,10 @@ void keep_room(QWidget& widget) {
     QSizePolicy policy = widget.sizePolicy();
     policy.setRetainSizeWhenHidden(true);
     widget.setSizePolicy(policy);
+    // To a layout what was never shown is not there, and a frame without its controls is small.
+    for (QWidget* control : widget.findChildren<QWidget*>())
+        if (!control->isWindow() && !control->testAttribute(Qt::WA_WState_ExplicitShowHide))
+            control->show();
 }
 
 }  // namespace m47::realtime

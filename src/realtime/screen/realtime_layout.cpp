@@ -60,6 +60,11 @@ void RealtimeLayout::fit() {
             result->follow(screen_->font());
     fit_boxes();
     level_all_rows();
+    // What is hidden does not tell its neighbours that it needs another room now.
+    for (QWidget* frame : {ui_.satdigmea, ui_.analogresults, ui_.digitalresults, ui_.timer_opt}) {
+        for (QLayout* layout : frame->findChildren<QLayout*>()) layout->invalidate();
+        frame->updateGeometry();
+    }
 }
 
 void RealtimeLayout::fit_boxes() {
