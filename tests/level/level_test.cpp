@@ -131,6 +131,48 @@ class LevelTest : public QObject {
         QCOMPARE(std::round(10 * *display.dbuv()), 583.0);
     }
 
+    void the_peak_is_held_until_it_is_forgotten_or_something_else_is_received() {
+        LevelDisplay display;
+        QVERIFY(!display.picture(0, true, texts()).bar &&
+                !display.picture(0, true, texts()).bar_peak);
+        display.measured(measurement("70.0"), 0);
+        display.measured(measurement("45.0"), 1);
+        LevelPicture picture = display.picture(1, true, texts());
+        QCOMPARE(picture.peak, QStringLiteral("Peak 70.0 dBuV"));
+        QCOMPARE(*picture.bar, 0.25);
+        QCOMPARE(*picture.bar_peak, 0.5);
+        display.measured(measurement("ERROR"), 2);
+        picture = display.picture(2, true, texts(kItalian));
+        QVERIFY(!picture.bar);
+        QCOMPARE(picture.peak, QStringLiteral("Massimo 70.0 dBuV"));
+        display.forget_peak();
+        QVERIFY(display.picture(2, true, texts()).peak.isEmpty());
+        display.measured(measurement("45.0"), 3);
+        measurement::Measurement elsewhere = measurement("-69.0", {}, kDbm);
+        elsewhere.frequency = 1300.0F;
+        display.measured(elsewhere, 4);
+        QCOMPARE(display.picture(4, true, texts()).peak, QStringLiteral("Peak -69.0 dBm"));
+        for (const auto& [level, part] : {std::pair{"<5.0", 0.0}, std::pair{"130.0", 1.0}}) {
+            display.measured(measurement(QLatin1String(level)), 5);
+            QCOMPARE(*display.picture(5, true, texts()).bar, part);
+        }
+    }
+
+    void a_repeated_level_is_old_after_two_seconds() {
+        LevelDisplay display;
+        display.measured(measurement("70.0"), 0);
+        display.repeats(true);
+        QVERIFY(display.picture(0, true, texts()).peak.isEmpty());
+        display.measured(measurement("58.3"), 10);
+        QVERIFY(display.picture(12, true, texts()).colour == LevelColour::live);
+        QCOMPARE(display.picture(12, true, texts()).age, QStringLiteral("Level alone, repeated"));
+        QVERIFY(display.picture(12.1, true, texts()).colour == LevelColour::stale);
+        QCOMPARE(display.picture(15, true, texts()).age, QStringLiteral("OLD: no level for 5 s"));
+        QVERIFY(display.picture(11, false, texts()).colour == LevelColour::stale);
+        display.repeats(false);
+        QVERIFY(display.picture(15, true, texts()).colour == LevelColour::live);
+    }
+
     void ten_decibels_are_an_octave_within_what_is_heard() {
         QCOMPARE(LevelTone::pitch(60), 440.0);
         QCOMPARE(LevelTone::pitch(70), 880.0);

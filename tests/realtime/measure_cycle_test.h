@@ -75,6 +75,11 @@ class MeasureCycleTest : public QObject {
     void the_end_of_the_program_passes_through_data();
     void the_end_of_the_program_passes_through();
     void measures_that_run_to_their_end();
+    void the_level_alone_is_tuned_once_and_asked_again();
+    void the_level_alone_leaves_the_screen_as_it_was();
+    void the_digital_level_alone_is_ranged_anew_once_it_has_moved();
+    void a_level_alone_that_is_in_doubt_begins_anew();
+    void the_level_alone_ends_with_the_link();
 
   private:
     RealtimePanel& panel() { return f_->panel(); }

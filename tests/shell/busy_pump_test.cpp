@@ -31,6 +31,14 @@ class PaintCounter : public QWidget {
     void paintEvent(QPaintEvent*) override { ++paints; }
 };
 
+class KeyCounter : public QWidget {
+  public:
+    int keys = 0;
+
+  protected:
+    void keyPressEvent(QKeyEvent*) override { ++keys; }
+};
+
 /// As a transaction waits: slices of sleep with the pump in between.
 void wait_busily(BusyPump& pump, int milliseconds) {
     QElapsedTimer timer;
@@ -176,6 +184,25 @@ class BusyPumpTest : public QObject {
         }
         QVERIFY(stayed);
         QTRY_VERIFY(!alive);
+    }
+
+    void a_kept_window_with_the_keyboard_takes_its_keys_behind_the_wait() {
+        BusyPump pump;
+        KeyCounter window;
+        window.setFocusPolicy(Qt::StrongFocus);
+        window.show();
+        window.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        window.setFocus();
+        pump.pump();
+        QTest::keyClick(window.windowHandle(), Qt::Key_T);
+        QCOMPARE(window.keys, 0);
+        keep_while_busy(&window);
+        for (const Qt::Key key : {Qt::Key_T, Qt::Key_Space, Qt::Key_Escape}) {
+            pump.pump();
+            QTest::keyClick(window.windowHandle(), key);
+        }
+        QCOMPARE(window.keys, 3);
     }
 
     void a_click_of_the_wait_is_dropped() {

@@ -235,6 +235,53 @@ class ComfortTest : public QObject, protected ProgramInFolder {
         QCOMPARE(window().front_key(), QStringLiteral("realtime"));
     }
 
+    void space_repeats_the_level_alone_and_all_is_as_before() {
+        start_on_virtual_line();
+        realtime::Realtime* screen = realtime();
+        find<QCheckBox>("meas_statea_1", screen)->setChecked(true);
+        screen->toolbar_ButtonClick("start");
+        find<QPushButton>("cmdstart", screen)->click();
+        find<QLineEdit>("fsat", screen)->setText("1234");
+        const int left = screen->rules.state.ticks_left;
+        screen->findChild<QAction*>("cmdlevelview")->trigger();
+        auto* view = screen->findChild<level::LevelView*>("level_view");
+        QTest::keyClick(view, Qt::Key_Space);
+        QVERIFY(view->repeating());
+        QTRY_VERIFY2(spoken_name(view).startsWith("58.3 dBuV"), qPrintable(spoken_name(view)));
+        screen->acquisition.Timer1_Timer();
+        QCOMPARE(screen->rules.state.ticks_left, left);
+        QTest::keyClick(view, Qt::Key_Space);
+        QVERIFY(!view->repeating() && !screen->rules.state.plan_run_active);
+        QTest::keyClick(view, Qt::Key_Space);
+        QTest::keyClick(view, Qt::Key_Escape);
+        QVERIFY(!view->repeating() && !view->isVisible());
+        QVERIFY(!screen->rules.state.plan_run_active && screen->acquisition.timed());
+        QCOMPARE(screen->rules.page.measurements(), 0);
+        QCOMPARE(find<QLineEdit>("fsat", screen)->text(), QStringLiteral("1234"));
+        QVERIFY(find<QCheckBox>("meas_statea_1", screen)->isChecked());
+        QVERIFY(!find<QCheckBox>("meas_statea_0", screen)->isChecked());
+    }
+
+    void the_level_alone_waits_for_no_run_and_ends_with_the_link() {
+        start_on_virtual_line();
+        realtime::Realtime* screen = realtime();
+        screen->findChild<QAction*>("cmdlevelview")->trigger();
+        auto* view = screen->findChild<level::LevelView*>("level_view");
+        screen->toolbar_ButtonClick("group");
+        screen->toolbar_ButtonClick("multiple_acq");
+        QVERIFY(screen->acquisition.passing());
+        QTest::keyClick(view, Qt::Key_Space);
+        QVERIFY(!view->repeating() && screen->rules.state.plan_run_active);
+        QVERIFY(!view->property("remark").toString().isEmpty());
+        screen->toolbar_ButtonClick("stop");
+        QTest::keyClick(view, Qt::Key_Space);
+        QVERIFY(view->repeating() && view->property("remark").toString().isEmpty());
+        program().link().port_connected = false;
+        QTRY_VERIFY(!view->repeating());
+        QTest::keyClick(view, Qt::Key_Space);
+        QVERIFY(!view->repeating());
+    }
+
     void a_toolbar_key_works_by_the_space_bar() {
         realtime::Realtime* screen = realtime();
         auto* bar = screen->findChild<QToolBar*>("barracomandi");

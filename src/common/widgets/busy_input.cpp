@@ -115,7 +115,7 @@ bool key_is_kept(const QWidget* focus, const QKeyEvent& key) {
     if (key.key() == Qt::Key_Tab || key.key() == Qt::Key_Backtab) return true;
     if (is_kept_shortcut(key)) return true;
     if (!focus) return false;
-    if (key.key() == Qt::Key_Space && is_kept(focus)) return true;
+    if (is_kept(focus) && (key.key() == Qt::Key_Space || focus->isWindow())) return true;
     if (is_refused(focus)) return false;
     if (is_text_box(focus)) return moves_about(focus, key.key()) || edits(key);
     return moves_about(focus, key.key()) && is_view(focus);

@@ -17,7 +17,8 @@ void keep_while_busy(QObject* control, bool keep = true);
 bool press_is_kept(const QWidget* target, QPoint place);
 
 /// The same for a key pressed while `focus`, which may be nullptr, has the keyboard: Tab, what
-/// moves about or edits in a box, and the shortcuts of kept actions.
+/// moves about or edits in a box, the shortcuts of kept actions, and each key of a kept window that
+/// has the keyboard itself.
 bool key_is_kept(const QWidget* focus, const QKeyEvent& key);
 
 }  // namespace m47

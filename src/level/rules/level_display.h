@@ -21,21 +21,34 @@ struct LevelPicture {
     QString name;     ///< plan, program and frequency
     QString verdict;  ///< "PASS", "FAIL" or empty
     QString age;      ///< how old the value is, or that a measurement runs
+    QString peak;     ///< "Peak 61.2 dBuV"; empty before the first value
     LevelColour colour = LevelColour::stale;
+    /// How much of the bar is filled, and where the mark of the peak stands on it: 0 to 1 from 20
+    /// to 120 dBuV. Nothing where there is no value.
+    std::optional<double> bar;
+    std::optional<double> bar_peak;
 };
 
 /// The level for somebody who stands three metres away. It never shows an old value as a live one:
 /// that turns grey after kLiveSeconds, when the next measurement begins, and when the link is lost.
-/// Times are in seconds on any clock that only goes forward.
+/// While the level is repeated alone one value follows the other, and kRepeatedSeconds without one
+/// make it old. Times are in seconds on any clock that only goes forward.
 class LevelDisplay {
   public:
     static constexpr double kLiveSeconds = 10;
+    static constexpr double kRepeatedSeconds = 2;
 
     void measured(const measurement::Measurement& measurement, double now);
     /// A measurement begins: what is shown is that of the one before.
     void begins() { running_ = true; }
     /// It has ended, with or without a row.
     void ended() { running_ = false; }
+
+    /// The level is repeated alone from now on, or no longer.
+    void repeats(bool on);
+    bool repeating() const { return repeating_; }
+    /// The highest level is held from here on anew.
+    void forget_peak() { peak_.reset(); }
 
     bool live(double now, bool linked) const;
     LevelPicture picture(double now, bool linked, const Texts& texts) const;
@@ -46,10 +59,14 @@ class LevelDisplay {
 
   private:
     QString age_text(double now, bool linked, const Texts& texts) const;
+    QString repeated_text(double now, const Texts& texts) const;
+    void hold_peak();
 
     std::optional<measurement::Measurement> last_;
     double at_ = 0;
     bool running_ = false;
+    bool repeating_ = false;
+    std::optional<double> peak_;  ///< the highest level, dBuV, of what has been received lately
 };
 
 }  // namespace m47::level

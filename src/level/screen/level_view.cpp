@@ -2,15 +2,21 @@
 #include "level_view.h"
 
 #include <QKeyEvent>
-#include <QPainter>
 #include <chrono>
+#include <utility>
+
+#include "busy_input.h"
 
 namespace m47::level {
 namespace {
 
 constexpr Bilingual kLevelTitle{"Level", "Livello"};
-constexpr Bilingual kLevelHint{"Esc: back    T: tone on", "Esc: indietro    T: tono acceso"};
-constexpr Bilingual kLevelHintOff{"Esc: back    T: tone off", "Esc: indietro    T: tono spento"};
+constexpr Bilingual kKeys{"Esc: back    Space: %1    P: new peak    T: tone %2",
+                          "Esc: indietro    Spazio: %1    P: nuovo massimo    T: tono %2"};
+constexpr Bilingual kRepeat{"level alone, repeated", "solo il livello, ripetuto"};
+constexpr Bilingual kStopRepeating{"stop", "ferma"};
+constexpr Bilingual kToneOn{"on", "acceso"};
+constexpr Bilingual kToneOff{"off", "spento"};
 constexpr Bilingual kSoundNotLoaded{"No tone: %1 is missing or damaged.",
                                     "Nessun tono: %1 manca o è danneggiato."};
 constexpr Bilingual kNoSound{"There is no sound device: no tone.",
@@ -22,6 +28,7 @@ const QColor kLiveColour(0xFF, 0xFF, 0xFF);
 const QColor kPassColour(0x40, 0xFF, 0x60);
 const QColor kFailColour(0xFF, 0x60, 0x60);
 const QColor kStaleColour(0x80, 0x80, 0x80);
+const QColor kPeakColour(0xFF, 0xD0, 0x40);
 const QColor kCaptionColour(0xE0, 0xE0, 0xE0);
 
 QColor colour_of(LevelColour colour) {
@@ -38,18 +45,45 @@ QColor colour_of(LevelColour colour) {
     return kStaleColour;
 }
 
-/// Draws `text` as large as `room` lets it be.
-void draw_fitting(QPainter& painter, const QRectF& room, const QString& text, bool bold) {
-    if (text.isEmpty()) return;
-    QFont font = painter.font();
+/// The font in which `text` fills `room`.
+QFont fitting(QFont font, const QRectF& room, const QString& text, bool bold) {
     font.setBold(bold);
     font.setPixelSize(100);
     const QFontMetricsF metrics(font);
     const double scale = qMin(room.width() / qMax(1.0, metrics.horizontalAdvance(text)),
                               room.height() / metrics.height());
     font.setPixelSize(qMax(8, static_cast<int>(100 * scale)));
+    return font;
+}
+
+/// Draws `text` as large as `room` lets it be.
+void draw_fitting(QPainter& painter, const QRectF& room, const QString& text, bool bold,
+                  Qt::Alignment place = Qt::AlignCenter) {
+    if (text.isEmpty()) return;
+    painter.setFont(fitting(painter.font(), room, text, bold));
+    painter.drawText(room, static_cast<int>(place), text);
+}
+
+/// Draws a number as large as `room` lets its digits be. The size is that of the widest number of
+/// as many characters, so that it does not jump from value to value.
+void draw_number(QPainter& painter, const QRectF& room, const QString& text) {
+    QString widest = text.size() < 4 ? QStringLiteral("88.8") : text;
+    for (QChar& character : widest)
+        if (character.isDigit()) character = u'8';
+    QFont font = painter.font();
+    font.setBold(true);
+    font.setPixelSize(100);
+    const QFontMetricsF metrics(font);
+    const double digits = metrics.tightBoundingRect(QStringLiteral("8")).height();
+    const double scale =
+        qMin(room.width() / metrics.horizontalAdvance(widest), room.height() / digits);
+    font.setPixelSize(qMax(8, static_cast<int>(100 * scale)));
     painter.setFont(font);
-    painter.drawText(room, Qt::AlignCenter, text);
+    // Between the lines above and below a digit a font has room that the digits may take.
+    const QRectF tight = QFontMetricsF(font).tightBoundingRect(QStringLiteral("8"));
+    const double width = QFontMetricsF(font).horizontalAdvance(text);
+    painter.drawText(QPointF(room.center().x() - width / 2, room.center().y() - tight.center().y()),
+                     text);
 }
 
 }  // namespace
@@ -59,6 +93,7 @@ LevelView::LevelView(const Texts& texts, std::function<bool()> linked, QWidget* 
     setObjectName(QStringLiteral("level_view"));
     setFocusPolicy(Qt::StrongFocus);
     setAutoFillBackground(false);
+    keep_while_busy(this);
     clock_.start();
     connect(&ageing_, &QTimer::timeout, this, &LevelView::refresh);
 }
@@ -73,7 +108,9 @@ void LevelView::open() {
 }
 
 void LevelView::closeEvent(QCloseEvent* event) {
+    if (repeating()) Q_EMIT repeat_asked(false);
     ageing_.stop();
+    set_remark(QString());
     set_tone(false);
     QWidget::closeEvent(event);
 }
@@ -81,8 +118,18 @@ void LevelView::closeEvent(QCloseEvent* event) {
 void LevelView::measured(const measurement::Measurement& measurement) {
     display_.measured(measurement, now());
     refresh();
+    if (isVisible() && tone_) sound();
+}
+
+/// A tone that is broken off by the next one clicks: of many values a second some are heard.
+void LevelView::sound() {
     const std::optional<double> level = display_.dbuv();
-    if (isVisible() && tone_ && level) player_.play(*level);
+    const double seconds = repeating() ? TonePlayer::kBriefSeconds : TonePlayer::kSeconds;
+    const bool still_sounds =
+        since_tone_.isValid() && static_cast<double>(since_tone_.elapsed()) < 1000 * seconds;
+    if (!level || (repeating() && still_sounds)) return;
+    player_.play(*level, seconds);
+    since_tone_.start();
 }
 
 void LevelView::begins() {
@@ -95,13 +142,34 @@ void LevelView::ended() {
     refresh();
 }
 
+void LevelView::repeats(bool on) {
+    display_.repeats(on);
+    on ? display_.begins() : display_.ended();
+    refresh();
+}
+
+void LevelView::grows_old() {
+    if (was_live_ && !display_.live(now(), linked_())) refresh();
+}
+
 void LevelView::refresh() {
     if (!isVisible()) return;
     const LevelPicture shown = display_.picture(now(), linked_(), texts_);
+    const bool was_live = std::exchange(was_live_, display_.live(now(), linked_()));
+    // Who has it read aloud would never hear a sentence to its end.
+    if (!repeating() || was_live != was_live_ || sender() == &ageing_) speak(shown);
+    update();
+}
+
+void LevelView::speak(const LevelPicture& shown) {
     QStringList spoken{shown.value, shown.unit, shown.verdict, shown.age};
     spoken.removeAll(QString());
     setAccessibleName(spoken.join(u' '));
-    update();
+}
+
+void LevelView::set_remark(const QString& text) {
+    remark_ = text;
+    refresh();
 }
 
 void LevelView::set_tone(bool on) {
@@ -118,34 +186,80 @@ void LevelView::set_tone(bool on) {
 
 QString LevelView::hint() const {
     if (!remark_.isEmpty()) return remark_;
-    return texts_.pick(tone_ ? kLevelHintOff : kLevelHint);
+    return texts_.pick(kKeys).arg(texts_.pick(repeating() ? kStopRepeating : kRepeat),
+                                  texts_.pick(tone_ ? kToneOff : kToneOn));
 }
 
 void LevelView::paintEvent(QPaintEvent*) {
     // Asked at each painting: what is painted again is never older than it says.
     const LevelPicture shown = display_.picture(now(), linked_(), texts_);
     QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
     painter.fillRect(rect(), Qt::black);
+    paint_level(painter, shown);
+    paint_bar(painter, shown);
+    paint_rest(painter, shown);
+}
+
+/// The value takes the whole width: it is read from three metres away.
+void LevelView::paint_level(QPainter& painter, const LevelPicture& shown) {
+    const double w = width();
+    const double h = height();
+    const double edge = w * 0.03;
+    painter.setPen(colour_of(shown.colour));
+    draw_number(painter, {edge, h * 0.11, w - 2 * edge, h * 0.5}, shown.value);
+    const double row = h * 0.64;
+    draw_fitting(painter, {edge, row, w * 0.2, h * 0.11}, shown.unit, false,
+                 Qt::AlignLeft | Qt::AlignVCenter);
+    draw_fitting(painter, {w * 0.25, row, w * 0.3, h * 0.11}, shown.verdict, true);
+    draw_fitting(painter, {w * 0.57, row, w * 0.4, h * 0.11}, shown.peak, false,
+                 Qt::AlignRight | Qt::AlignVCenter);
+}
+
+/// The bar from the lowest to the highest level that the meter can read, with a mark at the peak.
+void LevelView::paint_bar(QPainter& painter, const LevelPicture& shown) {
+    const double edge = width() * 0.03;
+    const QRectF frame(edge, height() * 0.77, width() - 2 * edge, height() * 0.08);
+    painter.setPen(kCaptionColour);
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(frame);
+    const QRectF inside = frame.adjusted(2, 2, -2, -2);
+    if (shown.bar) {
+        QRectF filled = inside;
+        filled.setWidth(inside.width() * *shown.bar);
+        painter.fillRect(filled, colour_of(shown.colour));
+    }
+    if (!shown.bar_peak) return;
+    const double thick = qMax(3.0, width() * 0.005);
+    const double left = inside.left() + (inside.width() - thick) * *shown.bar_peak;
+    painter.fillRect(QRectF(left, inside.top(), thick, inside.height()), kPeakColour);
+}
+
+void LevelView::paint_rest(QPainter& painter, const LevelPicture& shown) {
     const double w = width();
     const double h = height();
     const double edge = w * 0.03;
     painter.setPen(kCaptionColour);
-    draw_fitting(painter, {edge, h * 0.02, w - 2 * edge, h * 0.11}, shown.name, false);
-    painter.setPen(colour_of(shown.colour));
-    draw_fitting(painter, {edge, h * 0.14, w * 0.74 - edge, h * 0.6}, shown.value, true);
-    draw_fitting(painter, {w * 0.76, h * 0.42, w * 0.21, h * 0.2}, shown.unit, false);
-    draw_fitting(painter, {edge, h * 0.74, w - 2 * edge, h * 0.12}, shown.verdict, true);
+    draw_fitting(painter, {edge, h * 0.01, w - 2 * edge, h * 0.09}, shown.name, false);
     painter.setPen(shown.colour == LevelColour::stale ? kStaleColour : kCaptionColour);
-    draw_fitting(painter, {edge, h * 0.86, w - 2 * edge, h * 0.07}, shown.age, false);
+    draw_fitting(painter, {edge, h * 0.865, w - 2 * edge, h * 0.065}, shown.age, false);
     painter.setPen(kCaptionColour);
-    draw_fitting(painter, {edge, h * 0.94, w - 2 * edge, h * 0.045}, hint(), false);
+    draw_fitting(painter, {edge, h * 0.94, w - 2 * edge, h * 0.05}, hint(), false);
 }
 
 void LevelView::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape || event->key() == Qt::Key_F11) {
+    // A key that is held down is meant once.
+    if (event->isAutoRepeat()) return;
+    const int key = event->key();
+    if (key == Qt::Key_Escape || key == Qt::Key_F11) {
         close();
-    } else if (event->key() == Qt::Key_T) {
+    } else if (key == Qt::Key_T) {
         set_tone(!tone_);
+    } else if (key == Qt::Key_P) {
+        display_.forget_peak();
+        refresh();
+    } else if (key == Qt::Key_Space) {
+        Q_EMIT repeat_asked(!repeating());
     } else {
         QWidget::keyPressEvent(event);
     }

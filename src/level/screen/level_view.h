@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QElapsedTimer>
+#include <QPainter>
 #include <QTimer>
 #include <QWidget>
 #include <functional>
@@ -12,7 +13,9 @@
 namespace m47::level {
 
 /// The level over the whole screen of the desktop, for work on the roof. It shows the measurements
-/// that the real-time screen makes and starts none itself. Esc leaves, T turns the tone on and off.
+/// that the real-time screen makes and starts none itself: Space asks for the level alone, again
+/// and again. T turns the tone on and off, P forgets the peak, Esc leaves. All of that is taken
+/// while the meter is waited for, too.
 class LevelView : public QWidget {
     Q_OBJECT
     /// What could not be done, in words; empty when there is nothing.
@@ -24,9 +27,20 @@ class LevelView : public QWidget {
     void measured(const measurement::Measurement& measurement);
     void begins();
     void ended();
+    /// The level is repeated alone from now on, or no longer.
+    void repeats(bool on);
+    bool repeating() const { return display_.repeating(); }
+    /// Shows a value that has grown old while the next one is waited for.
+    void grows_old();
 
     void open();
     void set_tone(bool on);
+    /// Shows `text` in place of the keys; empty shows them again.
+    void set_remark(const QString& text);
+
+  Q_SIGNALS:
+    /// The user wants the level alone to be repeated, or no longer.
+    void repeat_asked(bool on);
 
   protected:
     void paintEvent(QPaintEvent* event) override;
@@ -37,14 +51,21 @@ class LevelView : public QWidget {
     double now() const { return static_cast<double>(clock_.elapsed()) / 1000; }
     QString hint() const;
     void refresh();
+    void speak(const LevelPicture& shown);
+    void sound();
+    void paint_level(QPainter& painter, const LevelPicture& shown);
+    void paint_bar(QPainter& painter, const LevelPicture& shown);
+    void paint_rest(QPainter& painter, const LevelPicture& shown);
 
     const Texts& texts_;
     std::function<bool()> linked_;
     LevelDisplay display_;
     QElapsedTimer clock_;
+    QElapsedTimer since_tone_;
     QTimer ageing_;
     TonePlayer player_;
     bool tone_ = false;
+    bool was_live_ = false;
     bool told_of_no_device_ = false;
     QString remark_;
 };

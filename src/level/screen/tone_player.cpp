@@ -6,12 +6,6 @@
 #include "level_tone.h"
 
 namespace m47::level {
-namespace {
-
-constexpr double kToneSeconds = 0.4;
-
-}  // namespace
-
 TonePlayer::TonePlayer(const QStringList& folders) : part_("m47-sound", folders) {}
 
 TonePlayer::~TonePlayer() {
@@ -20,7 +14,7 @@ TonePlayer::~TonePlayer() {
 
 bool TonePlayer::open() {
     auto* const sound = part_.offer<SoundOutput>();
-    const bool ready = sound && sound->open(LevelTone::kSampleRate, kToneSeconds);
+    const bool ready = sound && sound->open(LevelTone::kSampleRate, kSeconds);
     open_ = ready ? sound : nullptr;
     return ready;
 }
@@ -29,8 +23,8 @@ void TonePlayer::close() {
     if (SoundOutput* const sound = std::exchange(open_, nullptr)) sound->close();
 }
 
-void TonePlayer::play(double level) {
-    if (open_) open_->play(LevelTone::samples(LevelTone::pitch(level), kToneSeconds));
+void TonePlayer::play(double level, double seconds) {
+    if (open_) open_->play(LevelTone::samples(LevelTone::pitch(level), seconds));
 }
 
 }  // namespace m47::level

@@ -21,8 +21,12 @@ class TonePlayer {
     /// True when there is a device to play on.
     bool open();
     void close();
-    /// Plays the tone of `level` dBuV; nothing where no device is open.
-    void play(double level);
+    static constexpr double kSeconds = 0.4;        ///< of the tone of a measurement
+    static constexpr double kBriefSeconds = 0.12;  ///< of one among many a second
+
+    /// Plays the tone of `level` dBuV for `seconds`, kSeconds at most; nothing where no device is
+    /// open.
+    void play(double level, double seconds = kSeconds);
 
     /// The file of that part where it could not be loaded; empty when it was, or was not needed
     /// yet.

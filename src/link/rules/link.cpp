@@ -217,6 +217,7 @@ void Link::pump_when_due() {
     const double passed = clock_.now() - last_pump_;
     // Back in time is a clock behind midnight.
     if (passed >= 0 && passed < kPumpInterval) return;
+    if (on_waited) on_waited();
     if (on_received && !reply_text_.isEmpty()) on_received(reply_text_.size());
     view_.pump();
     last_pump_ = clock_.now();

@@ -48,6 +48,9 @@ class Link {
     /// included; a new attempt starts from 0). It may show them and nothing else: the line is being
     /// read meanwhile.
     std::function<void(qsizetype bytes)> on_received;
+    /// Told before each pump of the windows, whether or not anything has come: what is shown may be
+    /// growing old. As on_received, it may show and nothing else.
+    std::function<void()> on_waited;
 
     /// Sends `command`, without terminator. Its reduced answer: "OK" for a setting, the value for a
     /// query, "0" for a query answered "Invalid Parameter(s)". Nothing where it could not be sent

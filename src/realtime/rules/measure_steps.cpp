@@ -99,6 +99,10 @@ void MeasureSteps::format_att() {
 
 void MeasureSteps::carr_satdig() {
     format_att();
+    level_satdig();
+}
+
+void MeasureSteps::level_satdig() {
     const QString answer = ask_one(link::command::query(link::command::kChannelPower),
                                    measurement::AskedFor::channel_power, behind_lead);
     const QString level = link::trimmed_from(answer, 2);
@@ -190,6 +194,10 @@ void MeasureSteps::digital_acquire() {
 void MeasureSteps::carr_satanl() {
     link_.send(link::command::kFullAttenuation);
     link_.wait_time(kAfterRanging);
+    level_satanl();
+}
+
+void MeasureSteps::level_satanl() {
     const QString answer = ask_one(link::command::query(link::command::kLevel),
                                    measurement::AskedFor::level, behind_lead);
     const QString level = link::trimmed_from(answer, 2);

@@ -39,11 +39,13 @@ class MeasureSteps {
     void format_att();
 
     void carr_satdig();      ///< digital channel power, dB of the unit in force
+    void level_satdig();     ///< the same behind the attenuator as it stands
     void cn_satdig();        ///< digital C/N, dB
     void levn_satdig();      ///< digital noise
     void qpsk_real();        ///< CHBER, PvBER, CFO, MER
     void digital_acquire();  ///< reads CHBER, PvBER, CFO, MER
     void carr_satanl();      ///< analog carrier level, dB of the unit in force
+    void level_satanl();     ///< the same behind the attenuator as it stands
     void cn_satanl();        ///< analog C/N, dB
     void levn_satanl();      ///< analog noise
 

@@ -45,6 +45,24 @@ constexpr Bilingual kLevelEntry{"Full-screen &level", "&Livello a tutto schermo"
 constexpr Bilingual kReportEntry{"&Report…", "&Rapporto…"};
 constexpr Bilingual kReportNotSaved{"The report was not saved as '%1': %2",
                                     "Il rapporto non è stato salvato come '%1': %2"};
+constexpr Bilingual kRunGoesOn{"A run is measuring: stop it first",
+                               "Un ciclo sta misurando: prima fermarlo"};
+
+constexpr std::chrono::milliseconds kBehindBox{200};
+
+/// While it lives `show` is told of each moment in which the meter is waited for.
+class Waiting {
+  public:
+    Waiting(link::Link& link, const std::function<void()>& show) : link_(link) {
+        link_.on_waited = show;
+    }
+    ~Waiting() { link_.on_waited = nullptr; }
+    Waiting(const Waiting&) = delete;
+    Waiting& operator=(const Waiting&) = delete;
+
+  private:
+    link::Link& link_;
+};
 
 }  // namespace
 
@@ -256,6 +274,38 @@ void Realtime::connect_level_view() {
             [this](const QModelIndex&, int row) { show_row_as_level(row); });
     on(ui_->cmdlevelview, &QAction::triggered, this, "cmdlevelview_Click",
        [this] { level_view_->open(); });
+    connect(level_view_, &level::LevelView::repeat_asked, this, &Realtime::repeat_level);
+    next_level_.setSingleShot(true);
+    on(&next_level_, &QTimer::timeout, this, "next_level_Timer", [this] { point_once(); });
+}
+
+void Realtime::repeat_level(bool on) {
+    const bool run = acquisition.passing() || (rules.state.plan_run_active && !pointing_);
+    level_view_->set_remark(on && run ? program_.texts.pick(kRunGoesOn) : QString());
+    if (on == (pointing_ != nullptr) || (on && (run || !rules.link.port_connected))) return;
+    // Timed firings wait meanwhile, as they do for a pass.
+    rules.state.plan_run_active = on || acquisition.passing();
+    pointing_ = on ? std::make_unique<Pointing>(rules) : nullptr;
+    level_view_->repeats(on);
+    if (on) next_level_.start(0);
+}
+
+void Realtime::point_once() {
+    if (!pointing_) return;
+    // A box in front belongs to work that is not done yet.
+    if (QApplication::activeModalWidget()) return next_level_.start(kBehindBox);
+    if (acquisition.passing()) return repeat_level(false);
+    rules.state.plan_run_active = true;
+    try {
+        const Waiting ageing(rules.link, [this] { level_view_->grows_old(); });
+        const std::optional<measurement::Measurement> level = pointing_->next();
+        if (level) level_view_->measured(*level);
+    } catch (...) {
+        repeat_level(false);
+        throw;
+    }
+    if (!rules.link.port_connected) return repeat_level(false);
+    next_level_.start(0);
 }
 
 void Realtime::show_row_as_level(int row) {

@@ -6,6 +6,7 @@
 #include "acquisition.h"
 #include "customer_report.h"
 #include "level_view.h"
+#include "pointing.h"
 #include "realtime_rules.h"
 #include "screen.h"
 #include "timer_ticker.h"
@@ -83,6 +84,8 @@ class Realtime : public Screen {
     void show_log_state(const QString& reason);
     void connect_level_view();
     void show_row_as_level(int row);
+    void repeat_level(bool on);
+    void point_once();
     void createdoc();
     void cmdreport_Click();
     QList<report::ReportLimits> limits_in_force();
@@ -93,6 +96,8 @@ class Realtime : public Screen {
     std::unique_ptr<PanelBinding> binding_;
     QString file_name_tooltip_;
     level::LevelView* level_view_;
+    std::unique_ptr<Pointing> pointing_;  ///< while the level is repeated alone
+    QTimer next_level_;
 };
 
 }  // namespace m47::realtime
