@@ -83,6 +83,13 @@ constexpr std::array<EntryTexts, kCorrectedEntries.size()> kEntryTexts{{
       "empty limits count as numbers and the alarm fails.",
       "Un allarme con i limiti vuoti non controlla nulla, e la riga di stato lo dice. Di norma i "
       "limiti vuoti contano come numeri e l'allarme scatta."}},
+    {{"Ask and &keep a copy before erasing", "Chiedi e conserva una cop&ia prima di cancellare"},
+     {"Before the logger is cleared, a satellite slot deleted or the programs replaced, what is "
+      "there is read and kept in the folder backup, and you are asked. By default it is erased at "
+      "once, and only replacing asks.",
+      "Prima di cancellare il logger o una posizione satellite, o di sostituire i programmi, ciò "
+      "che c'è viene letto e conservato nella cartella backup, con una domanda. Di norma viene "
+      "cancellato subito, e solo la sostituzione chiede."}},
     {{"Ask t&wice", "Chiedi d&ue volte"},
      {"A value that lies off the ones before it, or crosses a limit, is asked for again and taken "
       "when two answers agree. By default the first answer is taken.",

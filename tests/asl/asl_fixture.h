@@ -40,6 +40,10 @@ class ScriptedUser : public AslQuestions {
         if (on_confirm) on_confirm();
         return says_ok;
     }
+    bool erase(const QString& title, const QString& text, const QString& what_goes) override {
+        seen += QStringLiteral("erase|") + title + u'|' + text + u'|' + what_goes;
+        return says_ok;
+    }
     QString input(const QString& title, const QString& text, const QString& proposal) override {
         seen += QStringLiteral("input|") + title + u'|' + text + u'|' + proposal;
         return types;

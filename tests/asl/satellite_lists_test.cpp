@@ -354,6 +354,56 @@ class SatelliteListsTest : public QObject {
         QCOMPARE(f().commands(), QStringList());
     }
 
+    void a_slot_is_filed_and_asked_for_where_that_is_chosen() {
+        f().state.base_dir = f().folder() + u'/';
+        f().state.corrected.keep_copy = true;
+        load();
+        const SlotTable before = parse_slots(f().state.master_copy);
+        const QString name = f().panel().listastr[2];
+        const QDir backup(f().path("backup"));
+        f().select_slot(2);
+        f().user.says_ok = false;
+        lists().cmddelstr_Click();
+        const QStringList reading{kQuery, "MASTERCOPY 6?"};
+        QCOMPARE(f().commands(), reading);
+        QCOMPARE(f().panel().listastr_place, 2);
+        const QStringList kept = backup.entryList(QDir::Files);
+        QCOMPARE(kept.size(), 1);
+        QFile file(backup.filePath(kept[0]));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QVERIFY(parse_slots(QString::fromLatin1(file.readAll())) == before);
+        const QStringList asked = f().user.take_seen();
+        QCOMPARE(asked.size(), 1);
+        QVERIFY2(asked[0].startsWith("erase|ASL|Do you want delete satellite from list? " + name) &&
+                     asked[0].contains(kept[0]),
+                 qPrintable(asked[0]));
+        f().user.says_ok = true;
+        lists().cmddelstr_Click();
+        QCOMPARE(f().commands().mid(0, 3), reading + QStringList{"ASLDEL 2"});
+        QCOMPARE(f().panel().listastr[2], QStringLiteral("**********"));
+    }
+
+    void a_slot_that_holds_another_satellite_by_now_is_not_deleted() {
+        f().state.base_dir = f().folder() + u'/';
+        f().state.corrected.keep_copy = true;
+        load();
+        f().select_slot(2);
+        f().instrument->handle("ASLNAME 2 OTHER");
+        lists().cmddelstr_Click();
+        QCOMPARE(f().commands().filter("ASLDEL"), QStringList());
+        QCOMPARE(f().user.take_seen().size(), 1);
+        // One that does not come whole is told to have no copy.
+        f().spoil = [](const QByteArray& command, const QByteArray& answer) {
+            return command == "MASTERCOPY 6?" ? answer.left(answer.indexOf("ASL 002")) + "\rOK\r"
+                                              : answer;
+        };
+        f().select_slot(2);
+        f().user.says_ok = false;
+        lists().cmddelstr_Click();
+        const QStringList asked = f().user.take_seen();
+        QVERIFY2(asked.value(0).contains("no copy of it"), qPrintable(asked.join(u'/')));
+    }
+
     void a_slot_is_emptied_without_a_question() {
         load();
         f().select_slot(2);

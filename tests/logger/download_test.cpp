@@ -164,6 +164,50 @@ void DownloadTest::each_button_sends_its_command() {
     QVERIFY(shown().startsWith(QStringLiteral("LOG ")));
 }
 
+void DownloadTest::erasing_keeps_a_copy_and_asks_where_that_is_chosen() {
+    start({QStringLiteral("--logger-bytes"), QStringLiteral("500")});
+    program_state().corrected.keep_copy = true;
+    click("cmddownloadlast");
+    const QString before = shown();
+    static_cast<void>(new_commands());
+    const QDir backup(in_folder("backup"));
+    const struct {
+        const char* key;
+        QString reads, erases, text;
+    } keys[] = {{"cmdclearlast", "DATALASTOUT", "DATADELLAST", "Clear Last logged data"},
+                {"cmdclearall", "DATAOUT", "DATADELALL", "Clear All logged data"}};
+    int copies = 0;
+    for (const auto& key : keys) {
+        for (const bool agrees : {false, true}) {
+            QTimer::singleShot(50, this, [&] {
+                auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+                QVERIFY(box && box->defaultButton() == box->button(QMessageBox::No));
+                QCOMPARE(box->text(), key.text + "\rDo you want to continue?");
+                QCOMPARE(new_commands(), QStringList{key.reads});
+                const QString newest = backup.entryList(QDir::Files, QDir::Name).last();
+                QCOMPARE(content_of(backup.filePath(newest)), sent_for(key.reads));
+                QVERIFY(box->informativeText().contains(newest));
+                box->button(agrees ? QMessageBox::Yes : QMessageBox::No)->click();
+            });
+            click(key.key);
+            QCOMPARE(new_commands(), agrees ? QStringList{key.erases} : QStringList());
+            QCOMPARE(backup.entryList(QDir::Files).size(), ++copies);
+        }
+    }
+    QCOMPARE(shown(), before);
+}
+
+void DownloadTest::what_cannot_be_read_first_is_not_erased() {
+    start({});
+    program_state().corrected.keep_copy = true;
+    static_cast<void>(new_commands());
+    program_state().base_dir = in_folder("nowhere/");
+    QVERIFY(QFile(in_folder("nowhere")).open(QIODevice::WriteOnly));
+    const Box box = box_of([this] { click("cmdclearall"); });
+    QVERIFY2(box.text.contains("nowhere"), qPrintable(box.text));
+    QCOMPARE(new_commands(), QStringList{"DATAOUT"});
+}
+
 void DownloadTest::each_coming_to_the_front_chooses_the_device() {
     start({});
     QCOMPARE(meter_->commands().mid(2), QStringList{QStringLiteral("DEVICE 0")});

@@ -95,6 +95,10 @@ class DownloadTest : public QObject, protected ProgramInFolder {
 
     void each_button_sends_its_command();
 
+    void erasing_keeps_a_copy_and_asks_where_that_is_chosen();
+
+    void what_cannot_be_read_first_is_not_erased();
+
     void each_coming_to_the_front_chooses_the_device();
 
     void a_download_is_saved_and_recalled_byte_for_byte();

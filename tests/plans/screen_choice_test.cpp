@@ -139,6 +139,66 @@ void PlanScreenTest::a_plan_of_empty_programs_deletes_nothing_in_the_meter() {
     QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("-"));
 }
 
+void PlanScreenTest::replacing_says_what_goes_and_no_is_the_default() {
+    start_on_patient_line();
+    line_->take_commands();
+    const auto look = [](const QString& goes) {
+        return [goes](QWidget* front) {
+            const auto* box = qobject_cast<QMessageBox*>(front);
+            QCOMPARE(box->text(), QStringLiteral("Replace with the new Plan of program\rDo you "
+                                                 "want to continue?"));
+            QCOMPARE(box->informativeText(), goes);
+            QCOMPARE(box->defaultButton() == box->button(QMessageBox::No), !goes.isEmpty());
+            QTest::keyClick(front, Qt::Key_Return);
+        };
+    };
+    answering(pressed("nuovo"),
+              look(QStringLiteral("This erases all programs of the meter, 00 to 99, and its whole "
+                                  "logger table.")));
+    QCOMPARE(line_->take_commands(), QStringList());
+    // What erases nothing is asked as ever.
+    answering(pressed("accoda"), [](QWidget* front) {
+        auto* box = qobject_cast<QMessageBox*>(front);
+        QCOMPARE(box->informativeText(), QString());
+        box->button(QMessageBox::No)->click();
+    });
+}
+
+void PlanScreenTest::replacing_keeps_the_table_first_where_that_is_chosen() {
+    start_on_virtual_line();
+    click("ol_opt_0");
+    pick("diseqc_cmd", 73);
+    program_state().corrected.keep_copy = true;
+    const QDir backup(in_folder("backup"));
+    const auto informed = [this](QMessageBox::StandardButton button) {
+        QString said;
+        answering(pressed("nuovo"), [&](QWidget* front) {
+            auto* box = qobject_cast<QMessageBox*>(front);
+            said = box->informativeText();
+            box->button(button)->click();
+        });
+        return said;
+    };
+    line_->take_commands();
+    const QString asked = informed(QMessageBox::No);
+    QCOMPARE(line_->take_commands(), QStringList{"DATAPROGRAM?"});
+    const QStringList kept = backup.entryList(QDir::Files);
+    QCOMPARE(kept.size(), 1);
+    QVERIFY2(asked.contains(kept[0]), qPrintable(asked));
+    QVERIFY(!content_of(backup.filePath(kept[0])).isEmpty());
+    informed(QMessageBox::Yes);
+    const QStringList sent = line_->take_commands();
+    QCOMPARE(sent.mid(0, 4),
+             (QStringList{"DATAPROGRAM?", "MEASURE", "DELETE 00 99", "DATAPROGRAM *"}));
+    const auto usual = line_->answer;
+    line_->answer = [usual](const QByteArray& command) {
+        return command == "DATAPROGRAM?" ? command + "\rInvalid Parameter(s)\rOK\r"
+                                         : usual(command);
+    };
+    QVERIFY(informed(QMessageBox::No).contains(QStringLiteral("could not be read")));
+    QCOMPARE(backup.entryList(QDir::Files).size(), 2);
+}
+
 void PlanScreenTest::a_refused_new_program_stays_where_that_is_chosen() {
     start_alone();
     type_two_programs();

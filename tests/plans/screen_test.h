@@ -316,6 +316,10 @@ class PlanScreenTest : public QObject, protected ProgramInFolder {
 
     void a_plan_of_empty_programs_deletes_nothing_in_the_meter();
 
+    void replacing_says_what_goes_and_no_is_the_default();
+
+    void replacing_keeps_the_table_first_where_that_is_chosen();
+
     void a_refused_new_program_stays_where_that_is_chosen();
 
     void a_new_oscillator_checks_every_program_where_that_is_chosen();

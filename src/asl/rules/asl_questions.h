@@ -22,6 +22,9 @@ class AslQuestions {
 
     /// A question with OK and Cancel; true for OK.
     virtual bool confirm(const QString& title, const QString& text) = 0;
+    /// A question with Yes and No before something is erased, `what_goes` in smaller letters below;
+    /// true for Yes.
+    virtual bool erase(const QString& title, const QString& text, const QString& what_goes) = 0;
     /// Asks for one line of text, `proposal` being in the box already; empty when cancelled.
     virtual QString input(const QString& title, const QString& text, const QString& proposal) = 0;
     /// A message with the exclamation icon.

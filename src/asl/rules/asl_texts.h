@@ -30,6 +30,17 @@ inline constexpr Bilingual kDeleteChanged{
     "Another program has stored %1 since it was shown here. Delete it all the same?",
     "Un altro programma ha memorizzato %1 da quando è mostrato qui. Cancellarlo lo stesso?"};
 
+// Emptying a slot
+inline constexpr Bilingual kSlotsKept{
+    "All slots of the M47 were read and are kept in %1. The menu restores them from there.",
+    "Tutte le posizioni del M47 sono state lette e conservate in %1. Il menu le ripristina da lì."};
+inline constexpr Bilingual kOtherSatellite{
+    "Slot %1 holds another satellite by now. Nothing was deleted.",
+    "La posizione %1 contiene ormai un altro satellite. Non è stato cancellato nulla."};
+inline constexpr Bilingual kSlotNotKept{
+    "This slot did not arrive whole from the M47: there is no copy of it.",
+    "Questa posizione non è arrivata completa dal M47: non ce n'è copia."};
+
 // Saving and restoring all slots
 inline constexpr Bilingual kNothingRead{
     "The M47 did not send its satellite slots. Nothing was saved or changed.",

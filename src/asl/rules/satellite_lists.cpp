@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "satellite_lists.h"
 
+#include <QDir>
 #include <algorithm>
 #include <optional>
 
@@ -11,6 +12,7 @@
 #include "engine.h"
 #include "fault.h"
 #include "fields.h"
+#include "kept_copy.h"
 #include "numbers.h"
 #include "work.h"
 
@@ -256,10 +258,40 @@ void SatelliteLists::cmddelpc_Click() {
 void SatelliteLists::cmddelstr_Click() {
     const int slot = panel.listastr_place;
     if (!is_place(panel.listastr, slot) || selected_slot_name() == kNoSatellite) return;
+    if (!may_erase(slot)) return;
     link::Work work = begin_slot(slot);
     empty_slot(slot);
     tell_sent(work, slot);
     visualizza_listastr();
+}
+
+bool SatelliteLists::may_erase(int slot) {
+    if (!program_.corrected.keep_copy || !link_.can_send()) return true;
+    const QString name = panel.listastr[slot];
+    const QString kept = keep_slots(slot);
+    // Another name than the user saw is another satellite.
+    if (!link_.port_connected) return false;
+    if (entry(panel.listastr, slot) != name) {
+        questions_.warn(
+            QString::fromLatin1(asl_text::kTitle),
+            program_.texts.pick(asl_text::kOtherSatellite).arg(link::format_number(slot, "00")));
+        return false;
+    }
+    panel.listastr_place = slot;
+    return questions_.erase(QString::fromLatin1(asl_text::kDeleteTitle),
+                            program_.texts.message(kDeleteSatellite) + name,
+                            kept.isEmpty() ? program_.texts.pick(asl_text::kSlotNotKept)
+                                           : program_.texts.pick(asl_text::kSlotsKept).arg(kept));
+}
+
+/// Reads all slots and files them: the path, empty where `slot` did not come whole.
+QString SatelliteLists::keep_slots(int slot) {
+    visualizza_listastr();
+    const SlotTable table = parse_slots(program_.master_copy);
+    if (!table[static_cast<std::size_t>(slot)]) return {};
+    const QString text = slots_text(table, QStringLiteral("\r\n"));
+    return QDir::toNativeSeparators(
+        keep_copy(program_.base_dir, kSlotCopy, text.toLatin1(), link_.clock().date_time()));
 }
 
 link::Work SatelliteLists::begin_slot(int slot) {

@@ -58,7 +58,7 @@ class SatelliteLists {
     void cmdsave_Click();
     /// Deletes the selected satellite from the PC.
     void cmddelpc_Click();
-    /// Empties the selected slot.
+    /// Empties the selected slot; by the user's choice once all slots are filed and he agrees.
     void cmddelstr_Click();
     /// Lets the meter learn what it is tuned to into the selected slot.
     void cmdlearn_Click();
@@ -78,6 +78,8 @@ class SatelliteLists {
     QString selected_pc_name() const;
     db::Bookmark record_at(int place) const;
     bool can_be_sent();
+    bool may_erase(int slot);
+    QString keep_slots(int slot);
     std::optional<QString> seen_data() const;
     void unless_changed(ChangedSatellite change, const std::function<void(bool known)>& body);
     void write_satellite(bool known, const QString& name, const QString& block);

@@ -18,6 +18,10 @@ bool AslBoxes::confirm(const QString& title, const QString& text) {
                             QMessageBox::Ok | QMessageBox::Cancel) == QMessageBox::Ok;
 }
 
+bool AslBoxes::erase(const QString& title, const QString& text, const QString& what_goes) {
+    return ask_to_erase(screen_, title, text, what_goes);
+}
+
 QString AslBoxes::input(const QString& title, const QString& text, const QString& proposal) {
     return QInputDialog::getText(screen_, title, text, QLineEdit::Normal, proposal);
 }

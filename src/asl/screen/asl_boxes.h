@@ -14,6 +14,7 @@ class AslBoxes : public AslQuestions {
     AslBoxes(QWidget* screen, const ProgramState& program) : screen_(screen), program_(program) {}
 
     bool confirm(const QString& title, const QString& text) override;
+    bool erase(const QString& title, const QString& text, const QString& what_goes) override;
     QString input(const QString& title, const QString& text, const QString& proposal) override;
     void warn(const QString& title, const QString& text) override;
     void inform(const QString& title, const QString& text) override;

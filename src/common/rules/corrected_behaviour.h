@@ -20,7 +20,7 @@ struct CorrectedBehaviour {
     bool none_diseqc = false;  ///< an unset DiSEqC command is "NONE", not "TONE BURST"
     bool plan_width = false;   ///< recalling a program sets its channel bandwidth too
     bool empty_alarm = false;  ///< an alarm without limits is told and checks nothing
-    bool keep_copy = false;    ///< what an upload or a deletion erases is asked for and filed first
+    bool keep_copy = false;    ///< what is erased in the meter is read, filed and asked for first
     bool ask_twice = false;    ///< a value that surprises is asked for again
 };
 
@@ -30,7 +30,7 @@ struct CorrectedEntry {
     bool CorrectedBehaviour::*member;
 };
 
-inline constexpr std::array<CorrectedEntry, 13> kCorrectedEntries{{
+inline constexpr std::array<CorrectedEntry, 14> kCorrectedEntries{{
     {"cmdcomplete", &CorrectedBehaviour::complete},
     {"cmdfulltune", &CorrectedBehaviour::full_tune},
     {"cmdverify", &CorrectedBehaviour::verify},
@@ -43,6 +43,7 @@ inline constexpr std::array<CorrectedEntry, 13> kCorrectedEntries{{
     {"cmdnonediseqc", &CorrectedBehaviour::none_diseqc},
     {"cmdplanwidth", &CorrectedBehaviour::plan_width},
     {"cmdemptyalarm", &CorrectedBehaviour::empty_alarm},
+    {"cmdkeepcopy", &CorrectedBehaviour::keep_copy},
     {"cmdasktwice", &CorrectedBehaviour::ask_twice},
 }};
 

@@ -4,6 +4,7 @@
 #include <QFile>
 
 #include "file_lock.h"
+#include "kept_copy.h"
 #include "work.h"
 
 namespace m47::logger {
@@ -13,6 +14,9 @@ constexpr Bilingual kNothingCame{"the download brought nothing, the meter still 
                                  "non è stato scaricato nulla, i log sono ancora nello strumento"};
 constexpr Bilingual kKept{"the download is whole: %1 bytes in %2",
                           "lo scarico è completo: %1 byte in %2"};
+
+constexpr Bilingual kNothingErased{"the logs were being read, nothing was erased",
+                                   "lettura dei log in corso, nulla è stato cancellato"};
 
 constexpr Bilingual kNotKept{
     "The download is not shown: its temporary file cannot be written. The meter still has the "
@@ -57,6 +61,17 @@ NameFault LoggerData::download(const QString& command, const QString& name) {
     if (came && !kept) program_.costs.tell_each(kNotKept);
     if (came && kept) work.at(kKept, {QString::number(answer.size()), program_.temp_file_name});
     return NameFault::none;
+}
+
+std::optional<QString> LoggerData::keep_copy_of(const QString& command) {
+    const link::Work work(link_, kNothingErased);
+    std::optional<QString> answer;
+    {
+        const ByteReport report(link_, on_bytes);
+        answer = link_.ask(command);
+    }
+    if (!answer) return std::nullopt;
+    return keep_copy(program_.base_dir, kLogCopy, answer->toLatin1(), link_.clock().date_time());
 }
 
 /// False when it could not be kept in the temporary file.

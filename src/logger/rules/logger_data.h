@@ -4,6 +4,7 @@
 #include <QByteArray>
 #include <QString>
 #include <functional>
+#include <optional>
 
 #include "link.h"
 #include "logger_files.h"
@@ -30,6 +31,11 @@ class LoggerData {
     /// where it cannot be used nothing is sent and nothing changes but `temp_file_name`. The link
     /// reports its own failures; what it left of the answer is shown all the same.
     NameFault download(const QString& command, const QString& name);
+
+    /// Fetches logs with `command` and keeps them as a file in the folder for copies; what is shown
+    /// stays. The path of the file; nothing where they did not come whole. Logs that cannot be
+    /// kept are a Fault.
+    std::optional<QString> keep_copy_of(const QString& command);
 
     /// Shows the file `path`. One that cannot be read leaves the text empty and the name as it was.
     void open(const QString& path);

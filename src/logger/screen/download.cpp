@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "download.h"
 
+#include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QFontDatabase>
 
 #include "column_headers.h"
@@ -25,6 +27,10 @@ constexpr int kColumns = 120;
 constexpr int kLines = 34;
 
 constexpr Bilingual kBytesSoFar{"%1 bytes", "%1 byte"};
+constexpr Bilingual kLogsKept{"%1 bytes were read and are kept in %2.",
+                              "%1 byte sono stati letti e conservati in %2."};
+constexpr Bilingual kNotReadNotErased{"Nothing was erased: the logs could not be read first",
+                                      "Nulla è stato cancellato: non si potevano leggere i log"};
 constexpr Bilingual kCopyRows{"Copy rows", "Copia righe"};
 
 }  // namespace
@@ -111,11 +117,28 @@ void Download::cmddownloadlast_Click() {
 }
 
 void Download::cmdclearall_Click() {
-    link_.send(link::command::kDeleteAllLogs);
+    if (may_erase(ui_->cmdclearall, link::command::kAllLogs))
+        link_.send(link::command::kDeleteAllLogs);
 }
 
 void Download::cmdclearlast_Click() {
-    link_.send(link::command::kDeleteLastLog);
+    if (may_erase(ui_->cmdclearlast, link::command::kLastLog))
+        link_.send(link::command::kDeleteLastLog);
+}
+
+/// What `key` erases is what `command` fetches.
+bool Download::may_erase(const QPushButton* key, const QString& command) {
+    if (!program_.corrected.keep_copy || !link_.can_send()) return true;
+    const std::optional<QString> kept = data.keep_copy_of(command);
+    Q_EMIT progress(QString());
+    if (!kept) {
+        program_.costs.tell_each(kNotReadNotErased);
+        return false;
+    }
+    return ask_to_erase(this, QStringLiteral("M47"),
+                        key->toolTip() + u'\r' + program_.texts.message(kContinue),
+                        program_.texts.pick(kLogsKept).arg(QString::number(QFileInfo(*kept).size()),
+                                                           QDir::toNativeSeparators(*kept)));
 }
 
 void Download::cmddatain_Click() {

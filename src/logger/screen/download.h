@@ -53,6 +53,7 @@ class Download : public Screen {
     void add_keys();
     void connect_buttons();
     void connect_table();
+    bool may_erase(const QPushButton* key, const QString& command);
     void download(const QString& command);
     void show_text();
     void fill_table();

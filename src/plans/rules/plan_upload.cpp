@@ -77,6 +77,12 @@ std::optional<QString> PlanUpload::ask_table() {
     return table;
 }
 
+QString PlanUpload::keep_table_now() {
+    const std::optional<QString> table = ask_table();
+    if (!table) return {};
+    return keep_table(program_.base_dir, *table, link_.clock().date_time());
+}
+
 QString upload_summary(const UploadResult& result, const Texts& texts) {
     return texts.pick(kSummary).arg(result.accepted).arg(result.commands);
 }

@@ -36,6 +36,10 @@ class PlanUpload {
     /// The meter's logger table now; nothing when the link is down or the meter refuses to tell it.
     std::optional<QString> ask_table();
 
+    /// Reads the logger table and keeps it in a file: its path, empty where the table could not be
+    /// read. A table that cannot be kept is a Fault.
+    QString keep_table_now();
+
   private:
     /// The answer to the last of `commands`.
     std::optional<QString> send_all(const QStringList& commands, UploadResult& result);

@@ -8,9 +8,9 @@
 namespace m47::plans {
 
 /// Keeps the meter's logger table before it is changed, as a file dated `now` in the folder
-/// `backup` of `base_dir`, and of all such files the last 30. A table that cannot be kept is a
-/// Fault.
-void keep_table(const QString& base_dir, const QString& table, const QDateTime& now);
+/// `backup` of `base_dir`, and of all such files the last 30. The path of the file; a table that
+/// cannot be kept is a Fault.
+QString keep_table(const QString& base_dir, const QString& table, const QDateTime& now);
 
 /// The lines of `table`, taken from the file "temp.dat" in `base_dir`, where whoever has to look
 /// into a broken upload finds them; the file is gone again however this ends. A file that cannot be

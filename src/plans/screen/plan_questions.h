@@ -3,6 +3,7 @@
 
 #include <QString>
 #include <QWidget>
+#include <optional>
 
 #include "plan_clashes.h"
 #include "texts.h"
@@ -14,6 +15,11 @@ bool ask_remove(QWidget* screen, const Texts& texts, const QString& what);
 
 /// `prompt` and whether to go on.
 bool ask_continue(QWidget* screen, const Texts& texts, const QString& prompt);
+
+/// The same before the programs of the meter are replaced: says what is erased and, where `kept` is
+/// a file or empty, whether a copy of the logger table was kept. No is what Enter answers.
+bool ask_replace(QWidget* screen, const Texts& texts, const QString& prompt,
+                 const std::optional<QString>& kept);
 
 /// A plan's name as it is kept, with `preset` in the box; empty when the user gave none.
 QString ask_plan_name(QWidget* screen, const QString& prompt, const QString& preset);

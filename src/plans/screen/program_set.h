@@ -88,6 +88,7 @@ class ProgramSet : public Screen {
 
     // Upload
     void download_group(const QString& prompt, UploadMode mode);
+    bool agrees(const QString& prompt, UploadMode mode, PlanUpload& upload);
     void verify_upload(PlanUpload& upload, UploadMode mode, const QString& before);
 
     // Menu

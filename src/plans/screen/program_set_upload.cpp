@@ -29,8 +29,8 @@ void ProgramSet::download_group(const QString& prompt, UploadMode mode) {
     if (!store_for_upload()) return;
     const UploadPlan plan = plan_to_upload();
     if (plan.programs.empty()) return tell_no_program(this, program_.texts);
-    if (!ask_continue(this, program_.texts, prompt)) return;
     PlanUpload upload(link_, program_);
+    if (!agrees(prompt, mode, upload)) return;
     upload.on_progress = [this](int sent, int commands) {
         Q_EMIT upload_state(QStringLiteral("%1/%2").arg(sent).arg(commands), QString());
     };
@@ -46,6 +46,13 @@ void ProgramSet::download_group(const QString& prompt, UploadMode mode) {
     if (result.accepted > 0) tell_sent(program_, plan, sets_.has_unset_diseqc());
     Q_EMIT upload_state(upload_summary(result, program_.texts), upload_refusals(result));
     if (program_.corrected.verify && link_.can_send()) verify_upload(upload, mode, result.table);
+}
+
+bool ProgramSet::agrees(const QString& prompt, UploadMode mode, PlanUpload& upload) {
+    if (mode != kReplace) return ask_continue(this, program_.texts, prompt);
+    std::optional<QString> kept;
+    if (program_.corrected.keep_copy && link_.can_send()) kept = upload.keep_table_now();
+    return ask_replace(this, program_.texts, prompt, kept);
 }
 
 void ProgramSet::verify_upload(PlanUpload& upload, UploadMode mode, const QString& before) {
