@@ -8,8 +8,8 @@
 namespace m47::acquisition {
 namespace {
 
-constexpr Bilingual kBetween{"a run was between two measurements, %1 rows are on the page",
-                             "un ciclo era fra due misure, %1 righe nella pagina"};
+constexpr Bilingual kBetween{"a run was between two measurements, rows on the page: %1",
+                             "un ciclo era fra due misure, righe nella pagina: %1"};
 
 /// With no plan open the record sets cannot move; that ends the handler and needs no message. A
 /// database that cannot be read is told.

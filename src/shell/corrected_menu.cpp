@@ -169,9 +169,12 @@ void CorrectedMenu::show_texts() {
 }
 
 void CorrectedMenu::join(const QObject* screen) {
-    for (QAction* entry : entries_)
-        if (auto* same = screen->findChild<QAction*>(entry->objectName()))
-            follow_each_other(entry, same);
+    for (std::size_t k = 0; k < entries_.size(); ++k) {
+        auto* same = screen->findChild<QAction*>(entries_[k]->objectName());
+        if (!same) continue;
+        follow_each_other(entries_[k], same);
+        same->setText(program_.texts.pick(kEntryTexts[k].caption));
+    }
 }
 
 }  // namespace m47::shell

@@ -28,8 +28,8 @@ constexpr Bilingual kFileKinds{"Old databases (*.mdb *.MDB);;All files (*)",
                                "Vecchi database (*.mdb *.MDB);;Tutti i file (*)"};
 
 constexpr Bilingual kNothingImported{"nothing had been imported", "non era stato importato nulla"};
-constexpr Bilingual kImported{"%1 plans and %2 satellites had been imported, each whole",
-                              "%1 piani e %2 satelliti erano stati importati, ognuno intero"};
+constexpr Bilingual kImported{"imported, each whole: plans %1, satellites %2",
+                              "importati, ognuno intero: piani %1, satelliti %2"};
 
 /// How many of `items` have come, under whatever name.
 template <class Items>
@@ -70,7 +70,7 @@ ImportCommand::ImportCommand(db::Database& database, link::Link& link, const Pro
 void ImportCommand::cmdimportdb_Click() {
     QFileDialog dialog(&window_, texts_.pick(kImportTitle), QString(), texts_.pick(kFileKinds));
     dialog.setFileMode(QFileDialog::ExistingFile);
-    const QString path = ask_for_file(dialog, program_);
+    const QString path = ask_for_file(dialog, program_, FilePurpose::old_database);
     if (!path.isEmpty()) import_file(path);
 }
 

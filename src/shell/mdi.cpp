@@ -33,6 +33,14 @@ constexpr Tooltip kMenuTips[] = {
      "Versione, cartella e licenza di questo programma"},
 };
 
+constexpr Caption kMenuCaptions[] = {
+    {"cmdscreens", {"&Screens", "&Schermate"}},
+    {"cmdreconnect", {"&Reconnect", "&Ricollega"}},
+    {"cmdimportdb", {"&Import old database…", "&Importa un vecchio database…"}},
+    {"cmdmanual", {"&Manual", "&Manuale"}},
+    {"cmdabout", {"&About", "I&nformazioni"}},
+};
+
 }  // namespace
 
 M47MDI::M47MDI(ProgramState& program, QWidget* parent)
@@ -79,6 +87,7 @@ M47MDI::M47MDI(ProgramState& program, QWidget* parent)
 
 M47MDI::~M47MDI() {
     program_.costs.on_cost = nullptr;
+    program_.on_saved = nullptr;
     // The screens go while this window is whole; none of them comes to the front any more.
     ui_->screens->disconnect(this);
     delete ui_->screens;
@@ -94,6 +103,8 @@ void M47MDI::add_keys() {
         key->setShortcut(Qt::CTRL | screen.shortcut);
         ui_->barracomandi->addAction(key);
     }
+    // The keys have pictures alone: here they are read, with their shortcuts.
+    ui_->cmdscreens->addActions(ui_->barracomandi->actions());
 }
 
 void M47MDI::add_screen(const QString& key, const ScreenMaker& maker) {
@@ -264,6 +275,7 @@ void M47MDI::show_texts() {
     windows_->show_texts();
     toolkit_language_.follow(program_.texts);
     set_tooltips(this, kMenuTips, program_.texts);
+    set_captions(this, kMenuCaptions, program_.texts);
     for (QAction* entry : {ui_->cmdimportdb, ui_->cmdmanual, ui_->cmdabout})
         entry->setStatusTip(entry->toolTip());
 }
@@ -272,6 +284,7 @@ void M47MDI::tell_costs() {
     program_.costs.on_cost = [this](const Bilingual& text) {
         show_notice(program_.texts.pick(text));
     };
+    program_.on_saved = [this](const QString& path) { show_saved(path); };
     // What was told may no longer be true.
     connect(corrected_, &CorrectedMenu::chosen, this, [this] {
         program_.costs.begin_anew();
@@ -282,6 +295,14 @@ void M47MDI::tell_costs() {
 void M47MDI::show_notice(const QString& text) {
     notice_->setText(text);
     notice_->setToolTip(plain_tooltip(text));
+}
+
+void M47MDI::show_saved(const QString& path) {
+    if (!saved_) {
+        saved_ = new SavedNotice(program_.texts);
+        ui_->status_line->addWidget(saved_);
+    }
+    saved_->show_file(path);
 }
 
 void M47MDI::show_progress(const QString& text) {

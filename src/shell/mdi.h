@@ -12,6 +12,7 @@
 #include "corrected_menu.h"
 #include "identification.h"
 #include "program_state.h"
+#include "saved_notice.h"
 #include "screen.h"
 #include "status_panel.h"
 #include "toolkit_language.h"
@@ -110,12 +111,14 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
     void keep_inside(QMdiSubWindow* view) const;
     QString key_of(const QMdiSubWindow* view) const;
     void tell_costs();
+    void show_saved(const QString& path);
 
     ProgramState& program_;
     QString caption_;
     std::unique_ptr<Ui::M47MDI> ui_;
     QLabel* progress_;
     QLabel* notice_;
+    SavedNotice* saved_ = nullptr;  ///< made with the first file
     StatusPanel* status_;
     CorrectedMenu* corrected_ = nullptr;
     WindowMenu* windows_ = nullptr;

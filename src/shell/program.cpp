@@ -24,7 +24,7 @@ constexpr std::chrono::seconds kDeviceWatchInterval{1};
 
 constexpr Bilingual kDeviceIsBack{
     "The device %1 is there again: \"Reconnect\" in the menu connects it.",
-    "Il dispositivo %1 è di nuovo presente: \"Reconnect\" nel menu lo collega."};
+    "Il dispositivo %1 è di nuovo presente: \"Ricollega\" nel menu lo collega."};
 
 constexpr Bilingual kOtherDevice{
     "Another device than before stands behind %1, or it was plugged in anew. Check that it is the "

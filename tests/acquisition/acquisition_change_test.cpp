@@ -255,7 +255,7 @@ void AcquisitionTest::end_of_the_program_in_a_pass() {
     QVERIFY_THROWS_EXCEPTION(Interrupted, run_for(20));
     QVERIFY(f_->link.left_off);
     QCOMPARE(f_->link.left_off->in(f_->program.texts),
-             QString("a measurement was broken off and has no row, 1 rows are on the page"));
+             QString("a measurement was broken off and has no row, rows on the page: 1"));
 }
 
 void AcquisitionTest::what_goes_on_by_itself_tells_how_far_it_is() {
@@ -268,11 +268,11 @@ void AcquisitionTest::what_goes_on_by_itself_tells_how_far_it_is() {
     QCOMPARE(told(), QString());
     acquisition().multiple_acq();
     run_for(1.5);
-    QCOMPARE(told(), QString("a run was between two measurements, 1 rows are on the page"));
+    QCOMPARE(told(), QString("a run was between two measurements, rows on the page: 1"));
     run_for(20);
     QCOMPARE(told(), QString());
     acquisition().cmdstart_Click();
-    QCOMPARE(told(), QString("a run was between two measurements, 3 rows are on the page"));
+    QCOMPARE(told(), QString("a run was between two measurements, rows on the page: 3"));
     acquisition().stop();
     QCOMPARE(told(), QString());
 }

@@ -250,7 +250,7 @@ class AslScreenTest : public QObject {
         boxes_->press(QMessageBox::Ok);
         find<QAction>("cmdsaveall")->trigger();
         QCOMPARE(boxes_->take_seen().last(),
-                 "information|AutomaticSatelliteLocation|20 slots saved in " + path + ".|OK");
+                 "information|AutomaticSatelliteLocation|Saved in " + path + ". Slots: 20.|OK");
         pick("listastr", 1);
         click("cmddelstr");
         f().commands();
@@ -263,7 +263,7 @@ class AslScreenTest : public QObject {
             for (int column = 0; column < 4; ++column) row += table->item(1, column)->text();
             QCOMPARE(table->item(0, 3)->text(), QStringLiteral("unchanged"));
             QCOMPARE(find<QLabel>("preview_count", box)->text(),
-                     QStringLiteral("1 of 20 slots change."));
+                     QStringLiteral("Slots that change: 1 of 20."));
             QTest::mouseClick(
                 find<QDialogButtonBox>("preview_buttons", box)->button(QDialogButtonBox::Ok),
                 Qt::LeftButton);
@@ -312,7 +312,7 @@ class AslScreenTest : public QObject {
             QCOMPARE(table->item(0, 11)->text(), QStringLiteral("0F"));
             QVERIFY(table->item(0, 2)->font().bold());
             QVERIFY(!table->item(0, 1)->font().bold());
-            QVERIFY(find<QLabel>("compare_result", box)->text().endsWith("of 58 bytes differ."));
+            QVERIFY(find<QLabel>("compare_result", box)->text().endsWith(" of 58."));
             left->setCurrentIndex(0);
             QCOMPARE(find<QLabel>("compare_result", box)->text(),
                      QStringLiteral("All 58 bytes are the same."));

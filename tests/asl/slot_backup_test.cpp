@@ -72,8 +72,8 @@ class SlotBackupTest : public QObject {
         QCOMPARE(f().commands(), QStringList({"ASLNAME?", "MASTERCOPY 6?"}));
         QCOMPARE(content(file("sat.s19")), all_records());
         QCOMPARE(f().user.take_seen(),
-                 QStringList("information|AutomaticSatelliteLocation|20 slots saved in " +
-                             file("sat.s19") + "."));
+                 QStringList("information|AutomaticSatelliteLocation|Saved in " + file("sat.s19") +
+                             ". Slots: 20."));
     }
 
     void a_cancelled_file_name_asks_the_meter_nothing() {
@@ -117,10 +117,9 @@ class SlotBackupTest : public QObject {
         QVERIFY(!QFile::exists(file("sat.s19")));
         f().user.says_ok = true;
         f().backup->cmdsaveall_Click();
-        QCOMPARE(
-            f().user.take_seen(),
-            QStringList({question, "information|AutomaticSatelliteLocation|19 slots saved in " +
-                                       file("sat.s19") + "."}));
+        QCOMPARE(f().user.take_seen(),
+                 QStringList({question, "information|AutomaticSatelliteLocation|Saved in " +
+                                            file("sat.s19") + ". Slots: 19."}));
         const QByteArray records = f().records(4).join(QStringLiteral("\r\n")).toLatin1() + "\r\n";
         QCOMPARE(content(file("sat.s19")), all_records().replace(records, ""));
     }

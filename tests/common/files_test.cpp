@@ -93,11 +93,11 @@ class FilesTest : public QObject {
 
     void what_cannot_be_remembered_is_not_waited_for() {
         const Preferences none(make_pipe("settings.ini"));
-        QCOMPARE(none.directory("here"), QString("here"));
-        none.file_chosen(path("a"));
+        QCOMPARE(none.directory(FilePurpose::log, "here"), QString("here"));
+        none.file_chosen(FilePurpose::log, path("a"));
         const Preferences some(path("other.ini"));
-        some.file_chosen(path("a"));
-        QCOMPARE(some.directory("here"), folder_->path());
+        some.file_chosen(FilePurpose::log, path("a"));
+        QCOMPARE(some.directory(FilePurpose::log, "here"), folder_->path());
     }
 
     void a_window_comes_back_where_it_can_be_seen() {

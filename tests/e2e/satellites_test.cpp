@@ -189,7 +189,7 @@ class SatellitesTest : public QObject, protected ProgramInFolder {
             seen[1].startsWith("none|AutomaticSatelliteLocation|These slots did not arrive "
                                "whole from the M47: "));
         QCOMPARE(seen[2],
-                 "information|AutomaticSatelliteLocation|19 slots saved in " + path + ".|OK");
+                 "information|AutomaticSatelliteLocation|Saved in " + path + ". Slots: 19.|OK");
         const int broken = seen[1].section(": ", 1).left(2).toInt();
         QStringList records;
         for (int slot = 0; slot < 20; ++slot)

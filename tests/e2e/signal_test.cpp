@@ -248,8 +248,8 @@ QStringList half_plans(const QString& database) {
 }
 
 const char* kImportEnd =
-    "^m47-remote: ended by SIGTERM: (nothing had been imported|\\d+ plans and \\d+ satellites had "
-    "been imported, each whole)\n$";
+    "^m47-remote: ended by SIGTERM: (nothing had been imported|imported, each whole: plans \\d+, "
+    "satellites \\d+)\n$";
 
 }  // namespace
 

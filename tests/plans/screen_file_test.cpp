@@ -180,13 +180,14 @@ void PlanScreenTest::the_rows_of_an_import_are_chosen() {
                  "001|Rai|11766|H|ON|10600|29900|Added; 2 streams of one transponder; DVB-S2 or "
                  "8PSK: the meter measures QPSK, of this the level alone",
                  "|X|11800|L|OFF|||Left out: not understood. SYMBOL_RATE: 27X",
-                 "2 of 3 programs will be added.\nThey replace the empty program of the new plan.\n"
+                 "Programs that will be added: 2 of 3.\nThey replace the empty program of the new "
+                 "plan.\n"
                  "Terrestrial and cable channels left out: 1.",
                  "Not ticked.",
                  "000",
-                 "1 of 3 programs will be added.",
-                 "0 of 3 programs will be added.",
-                 "0 of 3 programs will be added.",
+                 "Programs that will be added: 1 of 3.",
+                 "Programs that will be added: 0 of 3.",
+                 "Programs that will be added: 0 of 3.",
              }));
     QCOMPARE(stored(QStringLiteral("frequenza")), QStringLiteral("11766.0"));
 }
@@ -215,11 +216,12 @@ void PlanScreenTest::an_exported_plan_comes_back_edited() {
              told += summary_of(front);
              accepting()(front);
          }});
-    QCOMPARE(told, QStringList({"The Programme in the data base already exist.",
-                                "Replaces the program of the plan: frequenza: 1234.5 → 1300.5",
-                                "As in the plan.",
-                                "0 of 2 programs will be added.\nPrograms of the plan that will be "
-                                "replaced: 1."}));
+    QCOMPARE(told,
+             QStringList({"The Programme in the data base already exist.",
+                          "Replaces the program of the plan: frequenza: 1234.5 → 1300.5",
+                          "As in the plan.",
+                          "Programs that will be added: 0 of 2.\nPrograms of the plan that will be "
+                          "replaced: 1."}));
     QCOMPARE(stored(QStringLiteral("pg_num")), numbers);
     QCOMPARE(stored(QStringLiteral("frequenza")).section(u',', 0, 0), QStringLiteral("1300.5"));
 }

@@ -210,7 +210,7 @@ void PlanScreenTest::what_the_meter_holds_beside_the_plan_is_shown() {
                                           qobject_cast<QDialog*>(front)->accept();
                                       }});
     QCOMPARE(summary,
-             QStringLiteral("1 lines of the logger table are not as planned.\nActive lines "
+             QStringLiteral("Lines of the logger table that are not as planned: 1.\nActive lines "
                             "planned: 1. Lines read from the meter: 2, active: 2."));
     QCOMPARE(row, QStringList({"05", "none", "program 10, active", QString::fromUtf8("✗")}));
     QCOMPARE(progress()->text(), QStringLiteral("14 of 14 commands answered OK"));

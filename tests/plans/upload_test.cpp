@@ -272,7 +272,7 @@ class UploadTest : public QObject {
         Texts texts;
         QCOMPARE(upload_summary(result, texts), QStringLiteral("24 of 25 commands answered OK"));
         texts.language = kItalian;
-        QCOMPARE(upload_summary(result, texts), QStringLiteral("24 comandi su 25 con risposta OK"));
+        QCOMPARE(upload_summary(result, texts), QStringLiteral("risposta OK: 24 su 25 comandi"));
         QCOMPARE(upload_refusals(result), QStringLiteral("DISEQC 73"));
     }
 

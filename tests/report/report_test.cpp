@@ -55,7 +55,8 @@ class ReportTest : public QObject {
                                         "Result"}));
         QCOMPARE(values,
                  QStringList({"Via Roma 1", "A. Rossi", "PLUS V3.0.5", "21/11/2026 16:30", "ASTRA",
-                              "dBuV", "FAIL — 3 measurements: 1 PASS, 1 FAIL, 1 without limits"}));
+                              "dBuV",
+                              "FAIL — Measurements: 3, of them 1 PASS, 1 FAIL, 1 without limits"}));
         QCOMPARE(report.notes, QStringLiteral("Second dish"));
     }
 
@@ -75,7 +76,7 @@ class ReportTest : public QObject {
         const CustomerReport report = compose_report(three_rows(), context(), texts(kItalian));
         QCOMPARE(report.title, QStringLiteral("Rapporto di misura"));
         QCOMPARE(fact(report, "Tecnico"), QStringLiteral("A. Rossi"));
-        QCOMPARE(report.measurements.remark, QStringLiteral("Tutte le 3 misure."));
+        QCOMPARE(report.measurements.remark, QStringLiteral("Tutte le misure: 3."));
         QCOMPARE(report.limits.header[0], QStringLiteral("Programma"));
         const CustomerReport english = compose_report(three_rows(), context(), texts(kEnglish));
         QVERIFY(report.limits.remark != english.limits.remark);
@@ -93,7 +94,7 @@ class ReportTest : public QObject {
         QCOMPARE(table.rows[1],
                  QStringList({"21/11/26", "10:00:10", "11778.0", "10600", ">61.0", "2.0E-4",
                               "<1.0E-8", "0.1", "14.2", "", "FAIL", "dBuV"}));
-        QCOMPARE(table.remark, QStringLiteral("All 3 measurements."));
+        QCOMPARE(table.remark, QStringLiteral("All measurements: 3."));
     }
 
     void the_summary_counts_every_program_with_its_extremes() {
@@ -104,7 +105,7 @@ class ReportTest : public QObject {
         QCOMPARE(table.rows[1],
                  QStringList({"—", "11778.0", "10600", "1", "0", "1", ">61.0 … >61.0", "dBuV",
                               "2.0E-4 … 2.0E-4", "14.2 … 14.2"}));
-        QCOMPARE(table.remark, QStringLiteral("Over all 3 measurements."));
+        QCOMPARE(table.remark, QStringLiteral("Over all measurements: 3."));
         for (const QStringList& row : table.rows) QCOMPARE(row.size(), table.header.size());
     }
 
@@ -136,7 +137,7 @@ class ReportTest : public QObject {
         measurement::PageStore page;
         add(page, "21/11/26\t10:00:00\t950.0\t10600\t58.3\t\t\t\t\t\t");
         QCOMPARE(fact(compose_report(page, context(), texts(kEnglish)), "Result"),
-                 QStringLiteral("1 measurements: 0 PASS, 0 FAIL, 1 without limits"));
+                 QStringLiteral("Measurements: 1, of them 0 PASS, 0 FAIL, 1 without limits"));
         add(page, "21/11/26\t10:00:00\t950.0\t10600\t58.3\t\t\t\t\t\tPASS");
         QVERIFY(fact(compose_report(page, context(), texts(kEnglish)), "Result")
                     .startsWith(QStringLiteral("PASS — ")));
@@ -147,14 +148,14 @@ class ReportTest : public QObject {
         for (int row = 0; row < kReportRows; ++row)
             add(page, "21/11/26\t10:00:00\t950.0\t10600\t1.0\t\t\t\t\t\tPASS");
         QCOMPARE(compose_report(page, context(), texts(kEnglish)).measurements.remark,
-                 QStringLiteral("All 1000 measurements."));
+                 QStringLiteral("All measurements: 1000."));
         add(page, "21/11/26\t10:00:00\t950.0\t10600\t2.0\t\t\t\t\t\tFAIL");
         const CustomerReport report = compose_report(page, context(), texts(kEnglish));
         QCOMPARE(report.measurements.rows.size(), kReportRows);
         QCOMPARE(report.measurements.rows.last()[4], QStringLiteral("2.0"));
         QCOMPARE(report.measurements.remark,
-                 QStringLiteral("The newest 1000 of 1001 measurements. The 1 before them are not "
-                                "printed here; the summary counts them."));
+                 QStringLiteral("The newest 1000 of 1001 measurements. Before them and not printed "
+                                "here, but counted in the summary: 1."));
         QCOMPARE(report.summary.rows[0][3], QStringLiteral("1001"));
         QCOMPARE(report.summary.rows[0][4], QStringLiteral("1000"));
     }
@@ -166,8 +167,8 @@ class ReportTest : public QObject {
                 QStringLiteral("21/11/26\t10:00:00\t%1\t10600\t1.0").arg(1000 + k).toStdString()));
         const CustomerReport report = compose_report(page, context(), texts(kEnglish));
         QCOMPARE(report.summary.rows.size(), kReportPrograms);
-        QCOMPARE(report.summary.remark, QStringLiteral("Over all 205 measurements; the first 200 "
-                                                       "of 205 programs are listed."));
+        QCOMPARE(report.summary.remark, QStringLiteral("Over all measurements: 205. Listed are "
+                                                       "the first 200 of 205 programs."));
     }
 
     void programs_of_one_frequency_are_told_apart_by_their_number() {

@@ -2,14 +2,18 @@
 // Work without a mouse, without eyes and from afar: every screen by Tab, and the large level.
 #include <QAccessible>
 #include <QCheckBox>
+#include <QDesktopServices>
 #include <QHelpEvent>
+#include <QLabel>
 #include <QMdiSubWindow>
+#include <QMenu>
 #include <QRadioButton>
 #include <QSet>
 #include <QTabWidget>
 #include <QToolBar>
 #include <QToolButton>
 #include <QToolTip>
+#include <QUrl>
 
 #include "fake_port.h"
 #include "level_view.h"
@@ -92,6 +96,11 @@ class ComfortTest : public QObject, protected ProgramInFolder {
         QAccessibleInterface* interface = QAccessible::queryAccessibleInterface(control);
         return interface ? interface->text(QAccessible::Name) : QString();
     }
+
+    QStringList opened_;
+
+  public Q_SLOTS:
+    void take_url(const QUrl& url) { opened_ += url.toLocalFile(); }
 
   private Q_SLOTS:
     void init() {
@@ -280,6 +289,82 @@ class ComfortTest : public QObject, protected ProgramInFolder {
         QTRY_VERIFY(!view->repeating());
         QTest::keyClick(view, Qt::Key_Space);
         QVERIFY(!view->repeating());
+    }
+
+    void every_shortcut_stands_in_a_menu() {
+        QList<QWidget*> windows{&window()};
+        for (const ScreenEntry& screen : screen_table()) {
+            window().findChild<QAction*>(screen.key)->trigger();
+            windows += window().screen_of(screen.key);
+        }
+        for (QWidget* one : windows) {
+            QSet<QAction*> listed;
+            for (const QMenu* menu : one->findChildren<QMenu*>())
+                for (QAction* entry : menu->actions()) listed += entry;
+            for (const QWidget* in : one->findChildren<QWidget*>())
+                if (in->contextMenuPolicy() == Qt::ActionsContextMenu)
+                    for (QAction* entry : in->actions()) listed += entry;
+            for (QAction* action : one->findChildren<QAction*>())
+                QVERIFY2(action->shortcut().isEmpty() || listed.contains(action),
+                         qPrintable(action->objectName()));
+        }
+    }
+
+    /// Each entry of each menu as "name=text", screens loaded in `language`.
+    QStringList menu_texts(const char* language) {
+        window().findChild<QAction*>(language)->trigger();
+        QStringList texts;
+        const auto add = [&texts](const QWidget* one) {
+            for (const QMenu* menu : one->findChildren<QMenu*>()) {
+                texts += menu->objectName() + u'=' + menu->title();
+                for (const QAction* entry : menu->actions())
+                    if (!entry->isSeparator() && !entry->menu())
+                        texts += entry->objectName() + u'=' + entry->text();
+            }
+        };
+        for (const ScreenEntry& screen : screen_table()) {
+            window().findChild<QAction*>(screen.key)->trigger();
+            add(window().screen_of(screen.key));
+            window().screen_of(screen.key)->parentWidget()->close();
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        }
+        add(&window());
+        texts.removeDuplicates();
+        return texts;
+    }
+
+    void a_menu_is_in_one_language_but_for_what_is_prescribed() {
+        const QSet<QString> prescribed{
+            "cmdmenu=Menu", "cmdmenu=&Menu", "cmdlingua=&Language", "cmdinglese=&English",
+            "cmditaliano=&Italiano", "cmdmeaunit=&Unit", "cmdlev_0=dBuV", "cmdlev_1=dBmV",
+            "cmdlev_2=dBm", "cmdexit=&Exit",
+            // The titles of the screens.
+            "program=Plan Setup", "download=Download Data Logged",
+            "realtime=Real Time Function Mode", "asl=Automatic Satellite Locator",
+            "configurazione=Configuration", "setport=RS232 Port Selection"};
+        const QStringList english = menu_texts("cmdinglese");
+        QVERIFY(english.size() > 50);
+        QStringList alike;
+        for (const QString& text : menu_texts("cmditaliano"))
+            if (english.contains(text) && !prescribed.contains(text) && !text.endsWith(u'='))
+                alike += text;
+        QCOMPARE(alike, QStringList());
+    }
+
+    void a_file_that_was_saved_is_told_and_can_be_opened() {
+        window().findChild<QAction*>("cmdinglese")->trigger();
+        QVERIFY(!window().findChild<QWidget*>("saved_notice"));
+        program_state().saved(in_folder("day <b>.dwl"));
+        auto* name = find<QLabel>("saved_name");
+        QVERIFY(name->isVisible() && name->textFormat() == Qt::PlainText);
+        QCOMPARE(name->text(), QStringLiteral("Saved day <b>.dwl"));
+        QDesktopServices::setUrlHandler("file", this, "take_url");
+        find<QToolButton>("saved_open")->click();
+        QDesktopServices::unsetUrlHandler("file");
+        QCOMPARE(opened_, QStringList(in_folder("day <b>.dwl")));
+        program_state().saved(in_folder("other.tsv"));
+        QCOMPARE(name->text(), QStringLiteral("Saved other.tsv"));
+        QCOMPARE(window().findChildren<QWidget*>("saved_notice").size(), 1);
     }
 
     void a_toolbar_key_works_by_the_space_bar() {

@@ -66,10 +66,10 @@ class PreferencesTest : public QObject, protected ProgramInFolder {
 
     void without_a_file_nothing_is_remembered() {
         const Preferences none;
-        none.file_chosen(other_->filePath("x.log"));
+        none.file_chosen(FilePurpose::log, other_->filePath("x.log"));
         none.log_opened(write(other_->filePath("x.log"), "x"));
         none.keep_place("a", {QRect(1, 2, 300, 200), true});
-        QCOMPARE(none.directory("here"), QStringLiteral("here"));
+        QCOMPARE(none.directory(FilePurpose::log, "here"), QStringLiteral("here"));
         QVERIFY(none.recent_logs().isEmpty());
         QVERIFY(!none.place("a"));
     }
@@ -87,10 +87,13 @@ class PreferencesTest : public QObject, protected ProgramInFolder {
     }
 
     void a_folder_that_is_gone_is_not_proposed() {
-        preferences().file_chosen(other_->filePath("x.log"));
-        QCOMPARE(preferences().directory("here"), other_->path());
+        for (const FilePurpose purpose : {FilePurpose::plan, FilePurpose::old_database})
+            QCOMPARE(preferences().directory(purpose, "here"), QStringLiteral("here"));
+        preferences().file_chosen(FilePurpose::plan, QDir(other_->path()).filePath("../p.tsv"));
+        preferences().file_chosen(FilePurpose::log, other_->filePath("x.log"));
+        QCOMPARE(preferences().directory(FilePurpose::log, "here"), other_->path());
         other_.reset();
-        QCOMPARE(preferences().directory("here"), QStringLiteral("here"));
+        QCOMPARE(preferences().directory(FilePurpose::log, "here"), QStringLiteral("here"));
     }
 
     void places_without_sense_are_none() {
@@ -242,7 +245,7 @@ class PreferencesTest : public QObject, protected ProgramInFolder {
         QVERIFY(boxes_.take_seen().isEmpty());
     }
 
-    void dialogs_begin_in_the_folder_used_last() {
+    void dialogs_begin_in_the_folder_used_last_for_the_purpose() {
         start();
         realtime::Realtime* screen = realtime();
         const auto save_key = [screen] { screen->findChild<QAction*>("save")->trigger(); };
@@ -253,8 +256,11 @@ class PreferencesTest : public QObject, protected ProgramInFolder {
         save_key();  // closes it
         QCOMPARE(folder_asked(save_key), other_->path());
         start();
-        window().findChild<QAction*>("asl");
+        // Each purpose has a folder of its own.
         QCOMPARE(folder_asked([this] { window().findChild<QAction*>("cmdimportdb")->trigger(); }),
+                 QDir(folder()).path());
+        screen = realtime();
+        QCOMPARE(folder_asked([screen] { screen->findChild<QAction*>("save")->trigger(); }),
                  other_->path());
     }
 
@@ -271,7 +277,7 @@ class PreferencesTest : public QObject, protected ProgramInFolder {
         start();
         screen = realtime();
         menu = screen->findChild<QMenu*>("cmdrecent");
-        QCOMPARE(menu->title(), QStringLiteral("&Log recenti"));
+        QCOMPARE(menu->title(), QStringLiteral("Lo&g recenti"));
         Q_EMIT menu->aboutToShow();
         QCOMPARE(menu->actions().size(), 1);
         QCOMPARE(menu->actions()[0]->text(), QStringLiteral("a&&b<i>.log"));

@@ -52,7 +52,9 @@ inline constexpr Bilingual kOverwriteUnread{
     "These slots did not arrive whole from the M47 and cannot be kept: %1. Overwrite them?",
     "Queste posizioni non sono arrivate complete dal M47 e non si possono conservare: %1. "
     "Sovrascriverle?"};
-inline constexpr Bilingual kSaved{"%1 slots saved in %2.", "%1 posizioni salvate in %2."};
+inline constexpr Bilingual kFileKind{"Satellite slots (*.%1);;All files (*)",
+                                     "Posizioni satellite (*.%1);;Tutti i file (*)"};
+inline constexpr Bilingual kSaved{"Saved in %2. Slots: %1.", "Salvato in %2. Posizioni: %1."};
 inline constexpr Bilingual kCannotWrite{"Cannot write %1: %2. Nothing was changed in the M47.",
                                         "Impossibile scrivere %1: %2. Nulla è cambiato nel M47."};
 inline constexpr Bilingual kNoSlotsInFile{
@@ -80,13 +82,14 @@ inline constexpr Bilingual kWritten{"is written", "viene scritta"};
 inline constexpr Bilingual kEmptied{"is emptied", "viene svuotata"};
 inline constexpr Bilingual kLeftAlone{"left alone", "non toccata"};
 inline constexpr Bilingual kNotWhole{"(not whole)", "(incompleta)"};
-inline constexpr Bilingual kPreviewCount{"%1 of 20 slots change.", "Cambiano %1 posizioni su 20."};
+inline constexpr Bilingual kPreviewCount{"Slots that change: %1 of 20.",
+                                         "Posizioni che cambiano: %1 su 20."};
 inline constexpr Bilingual kRestoreButton{"&Restore", "&Ripristina"};
 
 // The comparison
 inline constexpr Bilingual kCompareTitle{"Compare satellites", "Confronto satelliti"};
 inline constexpr Bilingual kSame{"All %1 bytes are the same.", "Tutti i %1 byte sono uguali."};
-inline constexpr Bilingual kDiffering{"%1 of %2 bytes differ.", "%1 byte su %2 sono diversi."};
+inline constexpr Bilingual kDiffering{"Bytes that differ: %1 of %2.", "Byte diversi: %1 su %2."};
 inline constexpr Bilingual kNotComparable{"One of the two is not whole.",
                                           "Uno dei due non è completo."};
 

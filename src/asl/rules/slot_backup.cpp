@@ -17,13 +17,12 @@ constexpr qint64 kLongestFile = qint64{1024} * 1024;
 const QString kLineEnd = QStringLiteral("\r\n");
 
 constexpr Bilingual kNotSaved{"no slot was saved", "nessuna posizione è stata salvata"};
-constexpr Bilingual kAllSaved{"%1 slots were saved in %2", "%1 posizioni salvate in %2"};
+constexpr Bilingual kAllSaved{"slots saved in %2: %1", "posizioni salvate in %2: %1"};
 constexpr Bilingual kNoneWritten{"the restore had written no slot",
                                  "il ripristino non aveva scritto nessuna posizione"};
 constexpr Bilingual kWritten{
-    "the restore had written %1 of %2 slots, what was there before is in %3",
-    "il ripristino aveva scritto %1 posizioni su %2, lo stato precedente "
-    "è in %3"};
+    "slots written by the restore: %1 of %2, what was there before is in %3",
+    "posizioni scritte dal ripristino: %1 su %2, lo stato precedente è in %3"};
 
 QList<int> missing_slots(const SlotTable& table) {
     QList<int> missing;
@@ -53,6 +52,7 @@ void SlotBackup::cmdsaveall_Click() {
     const QList<int> damaged = missing_slots(table);
     if (!agree_to_damage(damaged, asl_text::kSaveWithoutDamaged) || !save(path, table)) return;
     work.at(kAllSaved, {QString::number(kSlots - damaged.size()), path});
+    program_.saved(path);
     questions_.inform(
         QString::fromLatin1(asl_text::kTitle),
         program_.texts.pick(asl_text::kSaved)

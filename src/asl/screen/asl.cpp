@@ -9,6 +9,15 @@
 #include "ui_asl.h"
 
 namespace m47::asl {
+namespace {
+
+constexpr Caption kMenuCaptions[] = {
+    {"cmdsaveall", {"&Save all slots…", "&Salva tutte le posizioni…"}},
+    {"cmdrestoreall", {"&Restore all slots…", "&Ripristina tutte le posizioni…"}},
+    {"cmdcompare", {"&Compare…", "&Confronta…"}},
+};
+
+}  // namespace
 
 Asl::Asl(link::Link& link, ProgramState& program, db::Recordset& asl, QWidget* parent)
     : Screen(parent),
@@ -40,6 +49,7 @@ void Asl::Form_Load() {
     handle("Form_Load", [this] { lists_.Form_Load(); });
     fresh_ = true;
     set_tooltips(this, asl_tooltips(), program_.texts);
+    set_captions(this, kMenuCaptions, program_.texts);
 }
 
 void Asl::Form_Activate() {

@@ -63,9 +63,10 @@ QString AslBoxes::ask_file(bool save) {
     QFileDialog dialog(screen_);
     dialog.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     dialog.setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
-    dialog.setNameFilter(QStringLiteral("(*.%1)").arg(kBackupSuffix));
+    dialog.setNameFilter(program_.texts.pick(asl_text::kFileKind).arg(kBackupSuffix));
     dialog.setDefaultSuffix(kBackupSuffix);
-    return ask_for_file(dialog, program_);
+    if (save) dialog.selectFile(proposed_name(QStringLiteral("slots"), kBackupSuffix));
+    return ask_for_file(dialog, program_, FilePurpose::slots_of_meter);
 }
 
 }  // namespace m47::asl

@@ -20,7 +20,7 @@ constexpr int kColumnCharacters = 9;
 constexpr int kMillisecondsBeforeProgress = 500;
 constexpr double kFontPoints = 8;
 
-constexpr Bilingual kPrinting{"Printing: %1 of %2 lines", "Stampa: %1 righe su %2"};
+constexpr Bilingual kPrinting{"Printing: line %1 of %2", "Stampa: riga %1 di %2"};
 constexpr Bilingual kCancel{"Cancel", "Annulla"};
 
 /// Draws lines of text down a page, and says when the page is full.

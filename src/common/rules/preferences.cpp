@@ -25,6 +25,14 @@ bool sensible(const QRect& rect) {
            qAbs(rect.y()) <= kLargestWindow;
 }
 
+/// In the order of FilePurpose; they stand in the user's file.
+constexpr const char* kPurposes[] = {"log",    "download", "slots",       "plan",
+                                     "report", "trend",    "old_database"};
+
+QString directory_key(FilePurpose purpose) {
+    return kDirectory + u'_' + QLatin1String(kPurposes[static_cast<std::size_t>(purpose)]);
+}
+
 QString rect_key(const QString& name) {
     return QStringLiteral("windows/") + name;
 }
@@ -55,13 +63,13 @@ void Preferences::keep(const QString& key, const QVariant& value) const {
     if (!file_.isEmpty()) QSettings(file_, QSettings::IniFormat).setValue(key, value);
 }
 
-QString Preferences::directory(const QString& otherwise) const {
-    const QString last = value(kDirectory).toString();
+QString Preferences::directory(FilePurpose purpose, const QString& otherwise) const {
+    const QString last = value(directory_key(purpose)).toString();
     return !last.isEmpty() && QFileInfo(last).isDir() ? last : otherwise;
 }
 
-void Preferences::file_chosen(const QString& path) const {
-    keep(kDirectory, QFileInfo(path).absolutePath());
+void Preferences::file_chosen(FilePurpose purpose, const QString& path) const {
+    keep(directory_key(purpose), QFileInfo(path).absolutePath());
 }
 
 QStringList Preferences::recent_logs() const {

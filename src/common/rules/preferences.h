@@ -15,10 +15,14 @@ struct WindowPlace {
     bool maximised = false;
 };
 
+/// What a file is chosen for: each has a folder of its own.
+enum class FilePurpose { log, download, slots_of_meter, plan, report, trend, old_database };
+
 /// What the program remembers from one run to the next for the user's comfort: window places, the
-/// folder used last, recent logs, and whether corrected behaviour is wanted. Neither the port nor
-/// the language: a meter is never spoken to and a text never changed because of an earlier run. A
-/// file that is missing, damaged or cannot be written only means that less is remembered.
+/// folder used last for each purpose, recent logs, and whether corrected behaviour is wanted.
+/// Neither the port nor the language: a meter is never spoken to and a text never changed because
+/// of an earlier run. A file that is missing, damaged or cannot be written only means that less is
+/// remembered.
 class Preferences {
   public:
     static constexpr int kRecentLogs = 8;
@@ -31,9 +35,10 @@ class Preferences {
     /// The user's file, in the folder of the desktop for settings.
     static QString usual_file();
 
-    /// The folder that a file was chosen in last, where it is still there; else `otherwise`.
-    QString directory(const QString& otherwise) const;
-    void file_chosen(const QString& path) const;
+    /// The folder that a file was chosen in last for `purpose`, where it is still there; else
+    /// `otherwise`.
+    QString directory(FilePurpose purpose, const QString& otherwise) const;
+    void file_chosen(FilePurpose purpose, const QString& path) const;
 
     /// The logs opened last that are still there, the latest first.
     QStringList recent_logs() const;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QString>
+#include <functional>
 
 #include "corrected_behaviour.h"
 #include "cost_notices.h"
@@ -25,6 +26,12 @@ struct ProgramState {
     CorrectedBehaviour corrected;
     /// What the behaviours that are not chosen cost.
     CostNotices costs;
+    /// Told of each file that was just written where the user chose; whoever has a place for it
+    /// shows it.
+    std::function<void(const QString& path)> on_saved;
+    void saved(const QString& path) const {
+        if (on_saved) on_saved(path);
+    }
     /// The version that the meter identified last has told, "PLUS V3.0.5"; empty where none
     /// answers.
     QString meter_version;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "file_question.h"
 
+#include <QDate>
 #include <QFileInfo>
 #include <QMessageBox>
 
@@ -74,8 +75,13 @@ bool is_database(const QString& path, const ProgramState& program) {
 
 }  // namespace
 
-QString ask_for_file(QFileDialog& dialog, const ProgramState& program) {
-    dialog.setDirectory(program.preferences.directory(program.base_dir));
+QString proposed_name(const QString& stem, const QString& suffix) {
+    const QString name = stem + u'-' + QDate::currentDate().toString(QStringLiteral("yyyyMMdd"));
+    return suffix.isEmpty() ? name : name + u'.' + suffix;
+}
+
+QString ask_for_file(QFileDialog& dialog, const ProgramState& program, FilePurpose purpose) {
+    dialog.setDirectory(program.preferences.directory(purpose, program.base_dir));
     const QString chosen = chosen_file(dialog);
     if (chosen.isEmpty()) return {};
     if (is_database(chosen, program)) {
@@ -86,7 +92,7 @@ QString ask_for_file(QFileDialog& dialog, const ProgramState& program) {
         box.exec();
         return {};
     }
-    program.preferences.file_chosen(chosen);
+    program.preferences.file_chosen(purpose, chosen);
     return chosen;
 }
 

@@ -9,6 +9,10 @@ namespace m47 {
 
 /// Shows `dialog`, set up for one file, in the folder that a file was chosen in last; before the
 /// first one that is the folder the program works in. The chosen file, empty when cancelled.
-QString ask_for_file(QFileDialog& dialog, const ProgramState& program);
+QString ask_for_file(QFileDialog& dialog, const ProgramState& program, FilePurpose purpose);
+
+/// A name to propose for a new file, `stem`, the day and `suffix`, where there is one:
+/// "measures-20261122.log".
+QString proposed_name(const QString& stem, const QString& suffix);
 
 }  // namespace m47

@@ -2,6 +2,8 @@
 #include "tooltips.h"
 
 #include <QAction>
+#include <QGroupBox>
+#include <QMenu>
 #include <QTextDocument>
 #include <QWidget>
 
@@ -27,6 +29,17 @@ void set_tooltips(QObject* screen, std::span<const Tooltip> table, const Texts& 
         const bool italian = texts.language == kItalian && tooltip.italian;
         const char* text = italian ? tooltip.italian : tooltip.english;
         set_tooltip(control, text ? QString::fromUtf8(text) : QString());
+    }
+}
+
+void set_captions(QObject* screen, std::span<const Caption> table, const Texts& texts) {
+    for (const Caption& caption : table) {
+        auto* control = screen->findChild<QObject*>(QString::fromLatin1(caption.control));
+        if (!control) throw Fault(std::string("no control for the caption of ") + caption.control);
+        // Each kind of control has its own word for it.
+        const char* property =
+            qobject_cast<QMenu*>(control) || qobject_cast<QGroupBox*>(control) ? "title" : "text";
+        control->setProperty(property, texts.pick(caption.text));
     }
 }
 

@@ -20,6 +20,16 @@ struct Tooltip {
 /// entry without its control is a Fault.
 void set_tooltips(QObject* screen, std::span<const Tooltip> table, const Texts& texts);
 
+/// What a menu, an entry of one, a button, a label or a frame is called.
+struct Caption {
+    const char* control;
+    Bilingual text;
+};
+
+/// Sets the captions of what `screen` has, in the language that is in use now. A table entry
+/// without its control is a Fault.
+void set_captions(QObject* screen, std::span<const Caption> table, const Texts& texts);
+
 /// `text` as a tooltip that shows it as it stands, even where it looks like mark-up.
 QString plain_tooltip(const QString& text);
 

@@ -12,8 +12,8 @@ namespace {
 
 constexpr Bilingual kNothingCame{"the download brought nothing, the meter still has its logs",
                                  "non è stato scaricato nulla, i log sono ancora nello strumento"};
-constexpr Bilingual kKept{"the download is whole: %1 bytes in %2",
-                          "lo scarico è completo: %1 byte in %2"};
+constexpr Bilingual kKept{"the download is whole in %2, bytes: %1",
+                          "lo scarico è completo in %2, byte: %1"};
 
 constexpr Bilingual kNothingErased{"the logs were being read, nothing was erased",
                                    "lettura dei log in corso, nulla è stato cancellato"};
@@ -100,10 +100,10 @@ void LoggerData::open(const QString& path) {
 }
 
 void LoggerData::save(const QString& path) {
-    if (write_file(path, text_, platform::Links::followed))
-        file_name_ = path;
-    else
-        program_.costs.tell_each(kNotSaved);
+    if (!write_file(path, text_, platform::Links::followed))
+        return program_.costs.tell_each(kNotSaved);
+    file_name_ = path;
+    program_.saved(path);
 }
 
 void LoggerData::remove(const QString& path) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "download.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -26,9 +27,9 @@ constexpr const char* kToolbarKeys[] = {"open",  "save",   "delete", "dwl",   "d
 constexpr int kColumns = 120;
 constexpr int kLines = 34;
 
-constexpr Bilingual kBytesSoFar{"%1 bytes", "%1 byte"};
-constexpr Bilingual kLogsKept{"%1 bytes were read and are kept in %2.",
-                              "%1 byte sono stati letti e conservati in %2."};
+constexpr Bilingual kBytesSoFar{"Bytes: %1", "Byte: %1"};
+constexpr Bilingual kLogsKept{"What is there was read and is kept in %2. Bytes: %1.",
+                              "Ciò che c'è è stato letto ed è conservato in %2. Byte: %1."};
 constexpr Bilingual kNotReadNotErased{"Nothing was erased: the logs could not be read first",
                                       "Nulla è stato cancellato: non si potevano leggere i log"};
 constexpr Bilingual kCopyRows{"Copy rows", "Copia righe"};
@@ -184,7 +185,7 @@ QString Download::ask_file(const std::function<void(QFileDialog&)>& set_up) {
     dialog.setNameFilter(QStringLiteral("(*.dwl)"));
     dialog.setDefaultSuffix(QStringLiteral("dwl"));
     set_up(dialog);
-    return ask_for_file(dialog, program_);
+    return ask_for_file(dialog, program_, FilePurpose::download);
 }
 
 void Download::cmdrecall_Click() {
@@ -203,6 +204,10 @@ void Download::cmdsave_Click() {
     const QString path = ask_file([](QFileDialog& dialog) {
         dialog.setAcceptMode(QFileDialog::AcceptSave);
         dialog.setOption(QFileDialog::DontConfirmOverwrite);
+        // An existing file is overwritten without a question: what is proposed is none.
+        dialog.selectFile(
+            QStringLiteral("logged-%1.dwl")
+                .arg(QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss"))));
     });
     if (path.isEmpty()) return;
     data.save(path);

@@ -11,11 +11,11 @@ namespace {
 const QString kAccepted = QStringLiteral("OK");
 /// What is left of the answer to a query that the meter refuses.
 const QString kRefusedQuery = QStringLiteral("0");
-constexpr Bilingual kNoneSent{"the upload had sent none of %1 programs",
-                              "l'invio non aveva trasmesso nessuno dei %1 programmi"};
-constexpr Bilingual kSent{"the upload had sent %1 of %2 programs, %3 commands answered OK",
-                          "l'invio aveva trasmesso %1 programmi su %2, %3 comandi con risposta OK"};
-constexpr Bilingual kSummary{"%1 of %2 commands answered OK", "%1 comandi su %2 con risposta OK"};
+constexpr Bilingual kNoneSent{"programs sent by the upload: none of %1",
+                              "programmi trasmessi dall'invio: nessuno su %1"};
+constexpr Bilingual kSent{"programs sent by the upload: %1 of %2, commands answered OK: %3",
+                          "programmi trasmessi dall'invio: %1 su %2, comandi con risposta OK: %3"};
+constexpr Bilingual kSummary{"%1 of %2 commands answered OK", "risposta OK: %1 su %2 comandi"};
 
 }  // namespace
 

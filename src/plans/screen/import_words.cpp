@@ -16,8 +16,8 @@ constexpr std::array kColumns{Bilingual{"File line", "Riga del file"},
                               Bilingual{"Symbol rate", "SymbolRate"},
                               Bilingual{"Result", "Risultato"}};
 
-constexpr Bilingual kAddedOf{"%1 of %2 programs will be added.",
-                             "Verranno aggiunti %1 programmi su %2."};
+constexpr Bilingual kAddedOf{"Programs that will be added: %1 of %2.",
+                             "Programmi che verranno aggiunti: %1 su %2."};
 constexpr Bilingual kReplacedOf{"Programs of the plan that will be replaced: %1.",
                                 "Programmi del piano che verranno sostituiti: %1."};
 constexpr Bilingual kBlankGoes{"They replace the empty program of the new plan.",

@@ -18,6 +18,12 @@ constexpr Bilingual kProgramGone{
     "there now.",
     "Un altro programma ha cancellato ciò che era mostrato qui. Nulla è stato memorizzato; la "
     "schermata mostra ciò che c'è ora."};
+constexpr Caption kMenuCaptions[] = {
+    {"cmdimport", {"&Import programs…", "&Importa programmi…"}},
+    {"cmdexport", {"E&xport plan…", "E&sporta piano…"}},
+    {"cmdcopyprog", {"&Copy program…", "&Copia programma…"}},
+    {"cmdcopyplan", {"Copy &plan…", "Copia &piano…"}},
+};
 constexpr Bilingual kFrequenciesCorrected{"Frequencies corrected, programs: %1",
                                           "Frequenze corrette, programmi: %1"};
 
@@ -99,6 +105,9 @@ void ProgramSet::show_current_row() {
 
 void ProgramSet::Form_Load() {
     set_tooltips(this, plan_tooltips(), program_.texts);
+    set_captions(this, kMenuCaptions, program_.texts);
+    for (QAction* key : {ui_->store, ui_->previous_prog, ui_->next_prog})
+        key->setText(key->toolTip());
     handle("Form_Load", [this] {
         boxes_.fill_lists();
         show_unit();

@@ -17,6 +17,12 @@
 namespace m47::plans {
 namespace {
 
+constexpr Bilingual kAnyTable{"Plans and scan tables (*)", "Piani e tabelle di canali (*)"};
+constexpr Bilingual kPlanFiles{"Plans (*.tsv *.csv)", "Piani (*.tsv *.csv)"};
+constexpr Bilingual kTabbedPlan{"Plan with TAB between the columns (*.tsv)",
+                                "Piano con TAB fra le colonne (*.tsv)"};
+constexpr Bilingual kCommaPlan{"Plan with commas between the columns (*.csv)",
+                               "Piano con virgole fra le colonne (*.csv)"};
 constexpr Bilingual kNotUnderstood{"%1 is neither a plan nor a DVB scan table.",
                                    "%1 non è un piano né una tabella DVB."};
 constexpr Bilingual kNoSatellites{
@@ -51,12 +57,13 @@ QString ProgramSet::ask_file(bool save, const QStringList& filters) {
         connect(&dialog, &QFileDialog::filterSelected, &dialog, follow);
         dialog.selectFile(sets_.plan());
     }
-    return ask_for_file(dialog, program_);
+    return ask_for_file(dialog, program_, FilePurpose::plan);
 }
 
 void ProgramSet::cmdimport_Click() {
     if (lacks_plan()) return;
-    const QString path = ask_file(false, {QStringLiteral("(*)"), QStringLiteral("(*.tsv *.csv)")});
+    const QString path =
+        ask_file(false, {program_.texts.pick(kAnyTable), program_.texts.pick(kPlanFiles)});
     if (path.isEmpty()) return;
     const platform::FileReading reading = platform::read_plain_file(path, kLargestPlanFile);
     if (!reading.reason.isEmpty()) throw_plan_file_fault(path, reading.reason);
@@ -89,10 +96,12 @@ void ProgramSet::cmdimport_Click() {
 
 void ProgramSet::cmdexport_Click() {
     if (lacks_plan()) return;
-    const QString path = ask_file(true, {QStringLiteral("(*.tsv)"), QStringLiteral("(*.csv)")});
+    const QString path =
+        ask_file(true, {program_.texts.pick(kTabbedPlan), program_.texts.pick(kCommaPlan)});
     if (path.isEmpty()) return;
     const QString reason = export_plan(sets_, path);
     if (!reason.isEmpty()) throw_plan_file_fault(path, reason);
+    program_.saved(path);
 }
 
 void ProgramSet::cmdcopyprog_Click() {

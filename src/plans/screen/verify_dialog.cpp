@@ -13,8 +13,8 @@ namespace {
 constexpr Bilingual kVerifyTitle{"Verify upload", "Verifica dell'invio"};
 constexpr Bilingual kVerified{"The logger table is as planned.",
                               "La tabella datalogger è come previsto."};
-constexpr Bilingual kDiffers{"%1 lines of the logger table are not as planned.",
-                             "%1 righe della tabella datalogger non sono come previsto."};
+constexpr Bilingual kDiffers{"Lines of the logger table that are not as planned: %1.",
+                             "Righe della tabella datalogger diverse dal previsto: %1."};
 constexpr Bilingual kNoneActive{
     "The plan enters no program in the logger table, and none is active there.",
     "Il piano non inserisce programmi nella tabella datalogger e nessuno vi è attivo."};

@@ -7,10 +7,10 @@ namespace m47::realtime {
 namespace {
 
 constexpr Bilingual kBrokenOff{
-    "a measurement was broken off and has no row, %1 rows are on the page",
-    "una misura è stata interrotta e non ha riga, %1 righe nella pagina"};
-constexpr Bilingual kMeasured{"the measurement was whole, %1 rows are on the page",
-                              "la misura era completa, %1 righe nella pagina"};
+    "a measurement was broken off and has no row, rows on the page: %1",
+    "una misura è stata interrotta e non ha riga, righe nella pagina: %1"};
+constexpr Bilingual kMeasured{"the measurement was whole, rows on the page: %1",
+                              "la misura era completa, righe nella pagina: %1"};
 
 }  // namespace
 

@@ -39,7 +39,7 @@ constexpr int kColumnTwips = 750;
 
 constexpr Bilingual kPageTab{"Measurement page", "Pagina misure"};
 constexpr Bilingual kTrendTab{"Trend", "Andamento"};
-constexpr Bilingual kRecentEntry{"Recent &logs", "&Log recenti"};
+constexpr Bilingual kRecentEntry{"Recent lo&gs", "Lo&g recenti"};
 constexpr Bilingual kNoRecent{"None", "Nessuno"};
 constexpr Bilingual kLevelEntry{"Full-screen &level", "&Livello a tutto schermo"};
 constexpr Bilingual kReportEntry{"&Report…", "&Rapporto…"};
@@ -341,6 +341,9 @@ void Realtime::fill_in() {
     ui_->cmdrecent->setTitle(program_.texts.pick(kRecentEntry));
     ui_->cmdlevelview->setText(program_.texts.pick(kLevelEntry));
     ui_->cmdreport->setText(program_.texts.pick(kReportEntry));
+    // The keys have pictures alone: in the menu they are read, with their shortcuts.
+    for (QAction* key : {ui_->single_acq, ui_->stop, ui_->previous_prog, ui_->next_prog})
+        key->setText(key->toolTip());
     file_name_tooltip_ = ui_->file_name->toolTip();
 }
 
@@ -360,7 +363,9 @@ QString Realtime::ask_log_name() {
     dialog.setFileMode(QFileDialog::AnyFile);
     dialog.setNameFilter(QStringLiteral("(*.log)"));
     dialog.setDefaultSuffix(QStringLiteral("log"));
-    return ask_for_file(dialog, program_);
+    // One log a day: an existing one is gone on with.
+    dialog.selectFile(proposed_name(QStringLiteral("measures"), QStringLiteral("log")));
+    return ask_for_file(dialog, program_, FilePurpose::log);
 }
 
 void Realtime::datamenagment() {
@@ -450,6 +455,8 @@ void Realtime::write_report(const QString& file, const report::ReportEntry& entr
     QApplication::restoreOverrideCursor();
     if (!reason.isEmpty())
         report_fault(this, program_.texts.pick(kReportNotSaved).arg(file, reason));
+    else
+        program_.saved(file);
 }
 
 }  // namespace m47::realtime

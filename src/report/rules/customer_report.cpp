@@ -24,14 +24,14 @@ constexpr Bilingual kNotes{"Notes", "Note"};
 constexpr Bilingual kNoPlan{"none (single elements)", "nessuno (elementi singoli)"};
 constexpr Bilingual kUnknownMeter{"not connected", "non collegato"};
 constexpr Bilingual kNoMeasurements{"No measurement", "Nessuna misura"};
-constexpr Bilingual kCounted{"%1 measurements: %2 PASS, %3 FAIL, %4 without limits",
-                             "%1 misure: %2 PASS, %3 FAIL, %4 senza limiti"};
+constexpr Bilingual kCounted{"Measurements: %1, of them %2 PASS, %3 FAIL, %4 without limits",
+                             "Misure: %1, di cui %2 PASS, %3 FAIL, %4 senza limiti"};
 
 constexpr Bilingual kSummaryCaption{"Summary by program", "Riepilogo per programma"};
-constexpr Bilingual kSummaryOfAll{"Over all %1 measurements.", "Su tutte le %1 misure."};
+constexpr Bilingual kSummaryOfAll{"Over all measurements: %1.", "Su tutte le misure: %1."};
 constexpr Bilingual kSummaryOfSome{
-    "Over all %1 measurements; the first %2 of %3 programs are listed.",
-    "Su tutte le %1 misure; elencati i primi %2 programmi su %3."};
+    "Over all measurements: %1. Listed are the first %2 of %3 programs.",
+    "Su tutte le misure: %1. Elencati i primi %2 programmi su %3."};
 constexpr Bilingual kSummaryHeader[] = {
     {"Program", "Programma"}, {"FR", "FR"},   {"OSC", "OSC"},   {"Rows", "Righe"}, {"PASS", "PASS"},
     {"FAIL", "FAIL"},         {"LEV", "LEV"}, {"UNIT", "UNIT"}, {"BER", "BER"},    {"MER", "MER"}};
@@ -50,11 +50,11 @@ constexpr Bilingual kNoTrend{"No measurement has a place on the trend.",
                              "Nessuna misura trova posto nell'andamento."};
 
 constexpr Bilingual kMeasurements{"Measurement page", "Pagina misure"};
-constexpr Bilingual kEveryRow{"All %1 measurements.", "Tutte le %1 misure."};
+constexpr Bilingual kEveryRow{"All measurements: %1.", "Tutte le misure: %1."};
 constexpr Bilingual kNewestRows{
-    "The newest %1 of %2 measurements. The %3 before them are not printed here; the summary counts "
-    "them.",
-    "Le ultime %1 misure di %2. Le %3 precedenti non sono stampate qui; il riepilogo le conta."};
+    "The newest %1 of %2 measurements. Before them and not printed here, but counted in the "
+    "summary: %3.",
+    "Le ultime %1 misure di %2. Precedenti e non stampate qui, ma contate nel riepilogo: %3."};
 constexpr Bilingual kPageNumber{"Page %1 of %2", "Pagina %1 di %2"};
 
 const QString kNothing = QStringLiteral("—");

@@ -47,7 +47,7 @@ ReportForm::ReportForm(const ProgramState& program, QWidget* parent)
     : QDialog(parent),
       program_(program),
       ui_(std::make_unique<Ui::ReportForm>()),
-      directory_(program.preferences.directory(program.base_dir)) {
+      directory_(program.preferences.directory(FilePurpose::report, program.base_dir)) {
     const Texts& texts = program.texts;
     ui_->setupUi(this);
     set_captions(texts);
@@ -103,7 +103,7 @@ void ReportForm::browse() {
     dialog.setNameFilter(QStringLiteral("PDF (*.pdf)"));
     dialog.setDefaultSuffix(kReportSuffix);
     dialog.selectFile(QFileInfo(path()).fileName());
-    const QString chosen = ask_for_file(dialog, program_);
+    const QString chosen = ask_for_file(dialog, program_, FilePurpose::report);
     if (chosen.isEmpty()) return;
     ui_->report_file->setText(chosen);
     confirmed_ = path();
@@ -116,7 +116,7 @@ void ReportForm::confirm() {
                                              QMessageBox::Yes | QMessageBox::No);
         if (answer != QMessageBox::Yes) return;
     }
-    program_.preferences.file_chosen(path());
+    program_.preferences.file_chosen(FilePurpose::report, path());
     accept();
 }
 

@@ -262,8 +262,10 @@ void TrendView::ask_and_save() {
         dialog.setDefaultSuffix(QLatin1String(kTrendSuffixes[place]));
     };
     take_suffix(filters.constFirst());
+    // The suffix follows the chosen kind of file.
+    dialog.selectFile(proposed_name(QStringLiteral("trend"), QString()));
     connect(&dialog, &QFileDialog::filterSelected, this, take_suffix);
-    const QString path = ask_for_file(dialog, *program_);
+    const QString path = ask_for_file(dialog, *program_, FilePurpose::trend);
     if (!path.isEmpty()) save(path);
 }
 
@@ -277,6 +279,7 @@ void TrendView::save(const QString& path) {
     plot_->choose(ticked());
     const QString reason = save_trend(path, *plot_, shown);
     choose();
+    if (reason.isEmpty() && program_) program_->saved(path);
     if (!reason.isEmpty()) report_fault(this, texts_.pick(kNotSaved).arg(path, reason));
 }
 
