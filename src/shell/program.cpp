@@ -63,6 +63,9 @@ Program::Program(ProgramState& state, std::unique_ptr<db::Database> database, li
         if (auto* screen = window_.opened<plans::ProgramSet>()) screen->database_changed();
     });
     on(&window_, &M47MDI::manual_asked, &window_, "cmdmanual_Click", [this] { cmdmanual_Click(); });
+    help_key_ = std::make_unique<HelpKey>(window_, [this](const QString& page) {
+        open_manual(manual_folders(QCoreApplication::applicationDirPath()), page);
+    });
     window_.restore_place(kWindowSize);
 }
 
@@ -117,9 +120,9 @@ void Program::cmdmanual_Click() {
     open_manual(manual_folders(QCoreApplication::applicationDirPath()));
 }
 
-void Program::open_manual(const QStringList& folders) {
-    const QString page =
-        find_manual_page(folders, manual_page_name(window_.front_key()), state_.texts);
+void Program::open_manual(const QStringList& folders, const QString& name) {
+    const QString of_screen = manual_page_name(window_.front_key());
+    const QString page = find_manual_page(folders, name.isEmpty() ? of_screen : name, state_.texts);
     if (!page.isEmpty() && QDesktopServices::openUrl(QUrl::fromLocalFile(page))) return;
     show_message_box(&window_, QMessageBox::Warning, state_.texts.pick(kManualTitle),
                      page.isEmpty() ? manual_missing_text(folders, state_.texts)

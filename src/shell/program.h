@@ -7,6 +7,7 @@
 
 #include "database.h"
 #include "device_watch.h"
+#include "help_key.h"
 #include "import_command.h"
 #include "link.h"
 #include "mdi.h"
@@ -47,9 +48,9 @@ class Program {
     void identify(int number) { connection_.identify(number); }
 
     void cmdmanual_Click();
-    /// Opens the manual at the page of the screen in front, from the first of `folders` that has
-    /// it; one message where none has.
-    void open_manual(const QStringList& folders);
+    /// Opens the manual at the page `name`, or at that of the screen in front where it is empty,
+    /// from the first of `folders` that has it; one message where none has.
+    void open_manual(const QStringList& folders, const QString& name = {});
 
   private:
     void add_screens();
@@ -65,6 +66,7 @@ class Program {
     MeterConnection connection_;
     link::DeviceWatch watch_;
     QTimer watch_timer_;
+    std::unique_ptr<HelpKey> help_key_;
     ImportCommand import_;
 };
 

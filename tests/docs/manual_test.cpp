@@ -2,9 +2,11 @@
 // The manual is whole in both languages, names what the program shows, and F1 opens it.
 #include <QAction>
 #include <QDesktopServices>
+#include <QDialog>
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
+#include <QLineEdit>
 #include <QMdiSubWindow>
 #include <QMessageBox>
 #include <QRegularExpression>
@@ -139,6 +141,46 @@ class ManualTest : public QObject, protected ProgramInFolder {
         }
     }
 
+    void a_page_marks_itself_and_its_search_knows_every_heading() {
+        for (const QString& language : kLanguages) {
+            const QDir folder(QStringLiteral(MANUAL_HTML "/") + language);
+            const QString known = text_of(folder.filePath("search-data.js"));
+            for (const QString& file : files_in(folder.path(), "*.html")) {
+                const QString page = text_of(folder.filePath(file));
+                QCOMPARE(captures(page, "href=\"([^\"]*)\" aria-current=\"page\""),
+                         QStringList(file));
+                QVERIFY(page.contains("search-data.js") && page.contains("../search.js"));
+                const QString name = QFileInfo(file).baseName();
+                const QString title = captures(page, "<h1>(.*)</h1>").value(0);
+                QVERIFY2(known.contains(
+                             QStringLiteral("[\"%1\", \"%2\", \"\", \"\", ").arg(name, title)),
+                         qPrintable(name));
+                const QStringList headings = captures(page, "<h2 id=\"s\\d+\">(.*)</h2>");
+                QCOMPARE(captures(page, "(<h2)\\b").size() -
+                             captures(page.section("<main>", 0, 0), "(<h2)").size(),
+                         headings.size());
+                for (qsizetype k = 0; k < headings.size(); ++k)
+                    QVERIFY2(known.contains(
+                                 QStringLiteral("\"%1\", \"s%2\", ").arg(headings[k]).arg(k + 1)),
+                             qPrintable(headings[k]));
+            }
+        }
+    }
+
+    void the_pages_follow_the_work() {
+        const QStringList work{"connect", "tune",   "measure",    "plans",
+                               "upload",  "logger", "satellites", "troubleshooting"};
+        for (const QString& language : kLanguages) {
+            const QString page =
+                text_of(QStringLiteral(MANUAL_HTML "/") + language + "/index.html");
+            QStringList listed =
+                captures(page.section("<main>", 0, 0), "href=\"([a-z-]*)\\.html\"");
+            listed.removeIf([&](const QString& name) { return !work.contains(name); });
+            QCOMPARE(listed, work);
+            QVERIFY(page.contains("try.html"));
+        }
+    }
+
     void what_stands_in_quotes_is_what_the_program_shows() {
         // A number or a name stands in for what the program puts in at that place.
         static const QRegularExpression kPutIn(QStringLiteral("…|\\d"));
@@ -216,6 +258,27 @@ class ManualTest : public QObject, protected ProgramInFolder {
         for (const shell::ScreenEntry& screen : shell::screen_table())
             wanted += QStringLiteral("it/%1.html").arg(QLatin1String(screen.manual_page));
         wanted += "en/satellites.html";
+        wanted.replaceInStrings(QRegularExpression("^"), QStringLiteral(MANUAL_HTML "/"));
+        QCOMPARE(opened_, wanted);
+        QDesktopServices::unsetUrlHandler("file");
+    }
+
+    void f1_opens_the_manual_from_a_dialog_too() {
+        QDesktopServices::setUrlHandler("file", this, "take_url");
+        start();
+        window().open_screen("asl");
+        QDialog plain(&window());
+        QDialog other(&window());
+        other.setProperty("manual_page", "upload");
+        for (QDialog* dialog : {&plain, &other}) {
+            auto* box = new QLineEdit(dialog);
+            QTimer::singleShot(0, this, [box, dialog] {
+                QTest::keyClick(box, Qt::Key_F1);
+                dialog->accept();
+            });
+            dialog->exec();
+        }
+        QStringList wanted{"it/satellites.html", "it/upload.html"};
         wanted.replaceInStrings(QRegularExpression("^"), QStringLiteral(MANUAL_HTML "/"));
         QCOMPARE(opened_, wanted);
         QDesktopServices::unsetUrlHandler("file");

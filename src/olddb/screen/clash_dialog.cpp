@@ -35,6 +35,7 @@ ClashDialog::ClashDialog(ImportPlan& plan, const Texts& texts, QWidget* parent)
     : QDialog(parent), texts_(texts), ui_(std::make_unique<Ui::ClashDialog>()) {
     ui_->setupUi(this);
     setWindowTitle(texts.pick(kDialogTitle));
+    setProperty("manual_page", QStringLiteral("plans"));
     ui_->question->setText(texts.pick(kQuestion));
     ui_->for_all_label->setText(texts.pick(kForAll));
     ui_->clashes->setHorizontalHeaderLabels({texts.pick(kName), texts.pick(kFate)});

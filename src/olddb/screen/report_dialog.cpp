@@ -20,6 +20,7 @@ ReportDialog::ReportDialog(const QString& title, const QString& text, const Text
     : QDialog(parent), ui_(std::make_unique<Ui::ReportDialog>()) {
     ui_->setupUi(this);
     setWindowTitle(title);
+    setProperty("manual_page", QStringLiteral("plans"));
     ui_->report->setAccessibleName(title);
     ui_->report->setPlainText(text);
     ui_->cmdcopy->setText(texts.pick(kCopy));

@@ -83,6 +83,7 @@ VerifyDialog::VerifyDialog(const TableCheck& check, const Texts& texts, QWidget*
     : QDialog(parent) {
     setObjectName(QStringLiteral("verify_result"));
     setWindowTitle(texts.pick(kVerifyTitle));
+    setProperty("manual_page", QStringLiteral("upload"));
     auto* summary = new QLabel(summary_of_check(check, texts));
     summary->setTextFormat(Qt::PlainText);
     summary->setObjectName(QStringLiteral("verify_summary"));

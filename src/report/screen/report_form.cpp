@@ -69,6 +69,7 @@ ReportForm::~ReportForm() = default;
 
 void ReportForm::set_captions(const Texts& texts) {
     setWindowTitle(texts.pick(kFormTitle));
+    setProperty("manual_page", QStringLiteral("logs"));
     ui_->report_site_label->setText(texts.pick(kSiteLabel));
     ui_->report_technician_label->setText(texts.pick(kTechnicianLabel));
     ui_->report_unit_label->setText(texts.pick(kUnitLabel));
