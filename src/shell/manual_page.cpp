@@ -13,8 +13,6 @@ constexpr Bilingual kNoManual{
     "The manual is not installed with this program. It was looked for in %1.",
     "Il manuale non è installato con questo programma. È stato cercato in %1."};
 
-constexpr Bilingual kLanguageFolder{"en", "it"};
-
 }  // namespace
 
 QString manual_page_name(const QString& key) {
@@ -32,9 +30,10 @@ QStringList manual_folders(const QString& program_folder) {
 }
 
 QString find_manual_page(const QStringList& folders, const QString& name, const Texts& texts) {
+    // The manual is written in these two.
+    const auto language = texts.language == kItalian ? QStringLiteral("it") : QStringLiteral("en");
     for (const QString& folder : folders) {
-        const QString path =
-            QStringLiteral("%1/%2/%3.html").arg(folder, texts.pick(kLanguageFolder), name);
+        const QString path = QStringLiteral("%1/%2/%3.html").arg(folder, language, name);
         if (QFileInfo(path).isFile()) return path;
     }
     return {};

@@ -81,6 +81,13 @@ M47MDI::M47MDI(ProgramState& program, QWidget* parent)
     corrected_ = new CorrectedMenu(ui_->cmdcorrected, program_);
     connect_window_menu();
     tell_costs();
+    languages_ = new OtherLanguages(ui_->cmdlingua, program_.texts,
+                                    language_folders(QCoreApplication::applicationDirPath()));
+    connect(languages_, &OtherLanguages::chosen, this, [this] {
+        ui_->cmdinglese->setChecked(false);
+        ui_->cmditaliano->setChecked(false);
+        show_texts();
+    });
     ui_->cmdinglese->setChecked(true);
     cmditaliano_Click();
 }
@@ -255,6 +262,7 @@ void M47MDI::screen_activated(QMdiSubWindow* view) {
 }
 
 void M47MDI::cmdinglese_Click() {
+    languages_->leave();
     program_.texts.language = kEnglish;
     ui_->cmdinglese->setChecked(true);
     ui_->cmditaliano->setChecked(false);
@@ -262,6 +270,7 @@ void M47MDI::cmdinglese_Click() {
 }
 
 void M47MDI::cmditaliano_Click() {
+    languages_->leave();
     program_.texts.language = kItalian;
     ui_->cmdinglese->setChecked(false);
     ui_->cmditaliano->setChecked(true);

@@ -11,6 +11,7 @@
 
 #include "corrected_menu.h"
 #include "identification.h"
+#include "other_languages.h"
 #include "program_state.h"
 #include "saved_notice.h"
 #include "screen.h"
@@ -118,6 +119,7 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
     std::unique_ptr<Ui::M47MDI> ui_;
     QLabel* progress_;
     QLabel* notice_;
+    OtherLanguages* languages_;
     SavedNotice* saved_ = nullptr;  ///< made with the first file
     StatusPanel* status_;
     CorrectedMenu* corrected_ = nullptr;

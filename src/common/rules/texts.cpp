@@ -40,6 +40,9 @@ constexpr std::array<Bilingual, Texts::kMessages> kMessageTexts{{
     {"Invalid Satellite name!", "Nome non valido del Satellite!"},
 }};
 
+/// Of all texts in a file of Qt Linguist; packaging/write-ts writes it.
+constexpr const char* kContext = "m47";
+
 constexpr int kTurnOnAndDownload = 11;
 // The reserved languages end this one text with a comma.
 constexpr const char* kTurnOnAndDownloadReserved =
@@ -67,8 +70,15 @@ QString Texts::message(int number) const {
     return message_table[static_cast<std::size_t>(language)][static_cast<std::size_t>(number)];
 }
 
+QString Catalogue::translate(const char*, const char* source, const char*, int) const {
+    // Forms ask with their own name, which says nothing to a translator.
+    return QTranslator::translate(kContext, source);
+}
+
 QString Texts::pick(const Bilingual& pair) const {
-    return QString::fromUtf8(language == kItalian ? pair.italian : pair.english);
+    if (language == kItalian) return QString::fromUtf8(pair.italian);
+    const QString other = catalogue ? catalogue->translate(nullptr, pair.english) : QString();
+    return other.isEmpty() ? QString::fromUtf8(pair.english) : other;
 }
 
 QString Said::in(const Texts& texts) const {

@@ -3,12 +3,22 @@
 
 #include <QString>
 #include <QStringList>
+#include <QTranslator>
 #include <array>
+#include <memory>
 
 namespace m47 {
 
 /// The language codes that are ever set; 1 to 3 are reserved and behave as English, 5 has no texts.
 enum LanguageCode { kEnglish = 0, kItalian = 4 };
+
+/// The texts of a language that is not in the sources, from a file made with Qt Linguist. Each is
+/// found by its English text, wherever it stands.
+class Catalogue : public QTranslator {
+  public:
+    QString translate(const char* context, const char* source, const char* remark = nullptr,
+                      int count = -1) const override;
+};
 
 /// A text of the program in its two languages.
 struct Bilingual {
@@ -42,6 +52,9 @@ class Texts {
     static constexpr int kMessages = 23;
 
     int language = kEnglish;
+    /// While the language is not Italian, what it has takes the place of the English texts; what it
+    /// lacks, and the numbered messages, stay English. nullptr without a third language.
+    std::shared_ptr<Catalogue> catalogue;
     std::array<std::array<QString, kMessages>, kLanguages> message_table;
 
     /// Fills `message_table`; `file_name` is the logger screen's temporary file as it stands now.
@@ -50,7 +63,8 @@ class Texts {
     /// Text number `number` in the current language; a language code of 6 or more faults.
     QString message(int number) const;
 
-    /// One of a pair: Italian when the language is Italian, English for every other code.
+    /// One of a pair: Italian when the language is Italian, else that of the catalogue or English.
+    /// Every text of the program's own comes through here, but for the captions of its forms.
     QString pick(const Bilingual& pair) const;
 };
 

@@ -26,9 +26,8 @@ void set_tooltips(QObject* screen, std::span<const Tooltip> table, const Texts& 
     for (const Tooltip& tooltip : table) {
         auto* control = screen->findChild<QObject*>(QString::fromLatin1(tooltip.control));
         if (!control) throw Fault(std::string("no control for the tooltip of ") + tooltip.control);
-        const bool italian = texts.language == kItalian && tooltip.italian;
-        const char* text = italian ? tooltip.italian : tooltip.english;
-        set_tooltip(control, text ? QString::fromUtf8(text) : QString());
+        const char* const english = tooltip.english ? tooltip.english : "";
+        set_tooltip(control, texts.pick({english, tooltip.italian ? tooltip.italian : english}));
     }
 }
 

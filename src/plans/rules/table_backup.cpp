@@ -6,6 +6,7 @@
 #include "fault.h"
 #include "kept_copy.h"
 #include "logger_table.h"
+#include "plain_file.h"
 #include "save_file.h"
 
 namespace m47::plans {

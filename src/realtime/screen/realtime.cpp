@@ -332,7 +332,7 @@ void Realtime::prepare_page() {
 
 void Realtime::fill_in() {
     set_tooltips(this, realtime_tooltips(), program_.texts);
-    set_tooltip(ui_->save, QString::fromLatin1(kOpenFileTooltip));
+    set_tooltip(ui_->save, program_.texts.pick(kOpenFileTooltip));
     ui_->diseqc->set_captions(program_.texts);
     ui_->diseqc->add_diseqc_command();
     ui_->page_tabs->setTabText(0, program_.texts.pick(kPageTab));
@@ -370,10 +370,10 @@ QString Realtime::ask_log_name() {
 
 void Realtime::datamenagment() {
     if (rules.log.log_open()) {
-        set_tooltip(ui_->save, QString::fromLatin1(kOpenFileTooltip));
+        set_tooltip(ui_->save, program_.texts.pick(kOpenFileTooltip));
         rules.log.close();
     } else {
-        set_tooltip(ui_->save, QString::fromLatin1(kCloseFileTooltip));
+        set_tooltip(ui_->save, program_.texts.pick(kCloseFileTooltip));
         const QString name = ask_log_name();
         if (!name.isEmpty()) open_log(name);
     }
@@ -401,7 +401,7 @@ void Realtime::list_recent_logs() {
 }
 
 void Realtime::cmdrecent_Click(const QString& path) {
-    set_tooltip(ui_->save, QString::fromLatin1(kCloseFileTooltip));
+    set_tooltip(ui_->save, program_.texts.pick(kCloseFileTooltip));
     open_log(path);
 }
 

@@ -11,7 +11,7 @@ namespace m47::realtime {
 std::span<const Tooltip> realtime_tooltips();
 
 /// What the key "save" says once the screen is open: the log is closed, or open.
-inline constexpr const char* kOpenFileTooltip = "Open file";
-inline constexpr const char* kCloseFileTooltip = "Close file";
+inline constexpr Bilingual kOpenFileTooltip{"Open file", "Open file"};
+inline constexpr Bilingual kCloseFileTooltip{"Close file", "Close file"};
 
 }  // namespace m47::realtime

@@ -124,7 +124,7 @@ void TrendView::make_bar() {
 }
 
 void TrendView::set_texts(const Texts& texts) {
-    texts_.language = texts.language;
+    texts_ = texts;
     for (const Caption& caption : kCaptions)
         findChild<QAction*>(QLatin1String(caption.control))->setText(texts_.pick(caption.text));
     set_tooltips(this, kTooltips, texts_);
