@@ -59,6 +59,9 @@ class Recordset {
     /// False before the first row, behind the last and where a row has just been removed.
     bool has_current() const { return current_.has_value(); }
     int count() const;
+    /// The rows of the set, in the order of the file; one that another program has deleted may
+    /// still be among them.
+    const std::vector<Bookmark>& rows() const { return rows_; }
 
     /// Moves to the first row whose `field` equals `value` (text, compared as it stands). False and
     /// the current row unchanged where there is none.

@@ -51,6 +51,11 @@ class SetsTest : public QObject {
 
     static programme::ProgramRecord tuned(const char* number, const char* frequency = "1000");
     Clash store(programme::ProgramRecord record, bool over);
+    /// Programs 001 to `count` at 1001 MHz and so on; what was changed so far is forgotten.
+    void store_programs(int count);
+    /// Every field of every row of the plans.
+    QStringList whole_file();
+    std::vector<PlanRow> all_rows();
 
   private Q_SLOTS:
     void init();
@@ -145,6 +150,31 @@ class SetsTest : public QObject {
     void a_program_is_not_copied_into_a_full_plan();
 
     void a_program_without_room_is_not_copied();
+
+    void a_tick_in_many_rows_changes_nothing_else();
+
+    void a_limit_in_many_rows_is_corrected_as_a_store_does();
+
+    void programs_that_become_active_get_their_lines();
+
+    void without_a_line_for_all_none_becomes_active();
+
+    void what_another_program_changed_is_not_overwritten_by_many();
+
+    void many_programs_are_deleted_but_one_stays();
+
+    void copies_stand_behind_what_was_copied();
+
+    void the_order_of_the_plan_is_changed();
+
+    void every_deed_is_taken_back_and_made_again();
+
+    void a_store_that_changes_nothing_is_no_deed();
+
+    void nothing_of_another_program_is_taken_back_data();
+    void nothing_of_another_program_is_taken_back();
+
+    void the_table_follows_the_plan_row_by_row();
 };
 
 }  // namespace m47::plans

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Plans and programs that come and go: each change comes true as a whole or not at all.
 #include <algorithm>
+#include <utility>
 
 #include "database_transaction.h"
 #include "fault.h"
@@ -36,8 +37,11 @@ void PlanSets::all_or_nothing(const std::function<void()>& body) {
     const std::optional<db::Bookmark> current = current_row();
     try {
         db::DatabaseTransaction transaction(database_.connection());
+        recorder_.begin(plan_);
         body();
+        PlanChange change = recorder_.finish(database_.connection());
         transaction.commit();
+        if (!change.empty()) changes_.push_back(std::move(change));
     } catch (...) {
         plan_ = plan;
         try {
@@ -56,7 +60,9 @@ void PlanSets::add_rows(const QString& name) {
         set.add_new();
         set.set(db::field::kNome, name);
         set.update();
+        recorder_.was_added(table, set.last_added());
     }
+    recorder_.concerns(name);
 }
 
 void PlanSets::add_new(const QString& name) {
@@ -109,6 +115,7 @@ bool PlanSets::del_old(const RemovedRows* seen) {
             db::Recordset set = database_.of_plan(table, plan_);
             while (!set.empty()) {
                 set.move_first();
+                recorder_.will_change(table, set);
                 set.remove();
             }
         }
@@ -132,11 +139,25 @@ bool PlanSets::delete_program(const RemovedRows* seen) {
         read_anew(true);
         const RemovedRows now{{{programs_->bookmark(), stored().program}}, {}};
         if (seen) need_unchanged(*seen, now);
-        programs_->remove();
+        remove_current();
         deleted = true;
     });
     if (deleted) crea_records(plan_);
     return deleted;
+}
+
+void PlanSets::remove_current() {
+    recorder_.will_change(db::table::kProgrammi, *programs_);
+    programs_->remove();
+}
+
+/// Writes the program that is open, as a new row or over the current one.
+void PlanSets::write_open(const programme::ProgramRecord& record, bool over) {
+    if (over) recorder_.will_change(db::table::kProgrammi, *programs_);
+    programs_->set(db::field::kNome, plan_);
+    programme::write_program(*programs_, record);
+    programs_->update();
+    if (!over) recorder_.was_added(db::table::kProgrammi, programs_->last_added());
 }
 
 /// Others may have filled the plan, or changed in it, since the user has looked at what is to come.
@@ -172,14 +193,12 @@ void PlanSets::apply_import(const ImportPreview& import) {
         need_room_for(import);
         if (import.replaces_blank) {
             programs_->move_first();
-            programs_->remove();
+            remove_current();
         }
         for (const ImportRow& row : import.rows) {
             if (!row.added()) continue;
             open_row_for(row);
-            programs_->set(db::field::kNome, plan_);
-            programme::write_program(*programs_, row.record);
-            programs_->update();
+            write_open(row.record, row.replaces.has_value());
         }
         if (import.oscillators != oscillators()) write_oscillators(import.oscillators);
     });

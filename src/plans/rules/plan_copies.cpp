@@ -74,9 +74,12 @@ bool PlanSets::copy_plan(const QString& name) {
              {db::table::kGruppo, db::table::kConfigurazione, db::table::kProgrammi}) {
             db::Recordset from = database_.of_plan(QString::fromLatin1(table), plan_);
             db::Recordset to = database_.of_plan(QString::fromLatin1(table), name);
-            for (; !from.end_of_set(); from.move_next())
+            for (; !from.end_of_set(); from.move_next()) {
                 copy_row(from, to, table, {{db::field::kNome, name}});
+                recorder_.was_added(table, to.last_added());
+            }
         }
+        recorder_.concerns(name);
         copied = true;
     });
     if (copied) show_plan(name);
@@ -117,8 +120,10 @@ void PlanSets::write_copy(const QString& name, const ProgramCopy& copy) {
     const bool is_new = !has_plan(name);
     if (is_new) add_rows(name);
     crea_records(name);
-    if (is_new || copy.replaces_blank) programs_->remove();
+    recorder_.concerns(name);
+    if (is_new || copy.replaces_blank) remove_current();
     copy_row(from, *programs_, db::table::kProgrammi, copy.own);
+    recorder_.was_added(db::table::kProgrammi, programs_->last_added());
     if (copy.oscillators != oscillators()) write_oscillators(copy.oscillators);
 }
 

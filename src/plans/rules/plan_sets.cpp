@@ -105,6 +105,11 @@ void PlanSets::last_program() {
     if (has_program()) programs_->move_last();
 }
 
+void PlanSets::go_to(db::Bookmark row) {
+    read_anew(false);
+    programs_->go_to(row);
+}
+
 /// The oscillators of the plan, which its programs share, and the current program as well.
 void PlanSets::read_anew(bool program) {
     config_->requery();

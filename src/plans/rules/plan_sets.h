@@ -4,12 +4,15 @@
 #include <QString>
 #include <functional>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "corrected_behaviour.h"
 #include "database.h"
+#include "plan_change.h"
 #include "plan_clashes.h"
 #include "plan_import.h"
+#include "plan_rows.h"
 #include "program_record.h"
 #include "stored_program.h"
 
@@ -48,6 +51,10 @@ class PlanSets {
     bool previous_program();
     bool next_program();
     void last_program();
+
+    /// To the program of that row. A Fault where the plan has none such, RecordGone where another
+    /// program has deleted it.
+    void go_to(db::Bookmark row);
 
     /// Reads anew what others have written to the file. The current plan and program stay where
     /// they are still there; else the first ones become current. True where the current program,
@@ -121,6 +128,35 @@ class PlanSets {
     /// the answer says why and nothing is changed.
     ImportProblem copy_program(const QString& name);
 
+    /// Those of `rows` that are still there, as they are in the file.
+    std::vector<PlanRow> read_rows(const std::vector<db::Bookmark>& rows) const;
+    /// The rows of the plan's programs, in its order.
+    const std::vector<db::Bookmark>& rows() const;
+
+    // What is done to many programs of the plan at once, to all or to none. A Fault, which says why
+    // in one sentence, where one of them is not as the user has seen it (`known`).
+
+    /// Puts `text` into `member` of all as with_entry() does. A program that becomes active in the
+    /// logger gets a line of its table where it has none; how many did.
+    int set_in_rows(const std::vector<PlanRow>& known,
+                    const programme::ProgramField::Member& member, const QString& text,
+                    double unit_offset);
+    /// One program stays.
+    void delete_rows(const std::vector<PlanRow>& known);
+    /// Adds a copy of each behind the last of `known`, with a free number and the next line of the
+    /// logger table, and moves to the first copy.
+    void add_copies(const std::vector<PlanRow>& known);
+    /// Brings the programs into the order in which `order` names their rows. The current one stays
+    /// current, in its new place.
+    void reorder(const std::vector<db::Bookmark>& order);
+
+    /// What has been changed in the file since the last call, a change for each deed.
+    std::vector<PlanChange> take_changes() { return std::exchange(changes_, {}); }
+    /// Takes `change` back or makes it again and shows what it concerns. A Fault, and nothing is
+    /// changed, where the file does not hold what the change has left there, or where a number or
+    /// a logger line that comes back is taken.
+    void replay(const PlanChange& change, Direction direction);
+
   private:
     void all_or_nothing(const std::function<void()>& body);
     bool find_plan(const QString& name);
@@ -137,6 +173,15 @@ class PlanSets {
     void check_programs(const std::vector<db::Bookmark>& rows, const QString& oscillator);
     void need_room_for(const ImportPreview& import);
     void open_row_for(const ImportRow& row);
+    void go_to_known(db::Recordset& set, const PlanRow& known);
+    void come_back_to(std::optional<db::Bookmark> row);
+    db::Bookmark copy_current(const programme::ProgramRecord& own);
+    void write_order(const std::vector<db::Bookmark>& order);
+    void remove_current();
+    void write_open(const programme::ProgramRecord& record, bool over);
+    void need_as_left(const PlanChange& change, Direction direction);
+    void need_whole_plan(const PlanChange& change, Direction direction);
+    void show_changed(const PlanChange& change, Direction direction);
     void begin_checks();
     void tell_checked();
     void reopen(std::optional<db::Bookmark> current);
@@ -154,6 +199,8 @@ class PlanSets {
     const CorrectedBehaviour& corrected_;
     QStringList checked_;
     bool unchecked_ = false;
+    ChangeRecorder recorder_;
+    std::vector<PlanChange> changes_;
     db::Recordset plans_;
     std::optional<db::Recordset> programs_;
     std::optional<db::Recordset> config_;

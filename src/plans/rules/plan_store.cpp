@@ -18,9 +18,11 @@ void PlanSets::edit_configuration() {
         config_->add_new();
         config_->set(db::field::kNome, plan_);
         config_->update();
+        recorder_.was_added(db::table::kConfigurazione, config_->last_added());
         config_->move_first();
     }
     config_->edit();
+    recorder_.will_change(db::table::kConfigurazione, *config_);
 }
 
 void PlanSets::write_oscillator_entry(int index, const QString& oscillator) {
@@ -61,6 +63,7 @@ void PlanSets::check_programs(const std::vector<db::Bookmark>& rows, const QStri
         const programme::ProgramRecord record = read(set);
         const QString checked = stored_frequency(record.frequenza, false, oscillator);
         set.edit();
+        recorder_.will_change(db::table::kProgrammi, set);
         set.set(db::field::kFrequenza, link::typed_value(checked));
         set.update();
         checked_ += record.pg_num;
@@ -117,9 +120,7 @@ void PlanSets::write_record(const programme::ProgramRecord& record, const QStrin
         programs_->edit();
     else
         programs_->add_new();
-    programs_->set(db::field::kNome, plan_);
-    programme::write_program(*programs_, record);
-    programs_->update();
+    write_open(record, over);
 }
 
 Clash PlanSets::store_record(programme::ProgramRecord& record, QString& oscillator,
