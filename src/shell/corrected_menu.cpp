@@ -95,6 +95,11 @@ constexpr std::array<EntryTexts, kCorrectedEntries.size()> kEntryTexts{{
       "when two answers agree. By default the first answer is taken.",
       "Un valore lontano dai precedenti, o che supera un limite, viene chiesto di nuovo e preso "
       "quando due risposte concordano. Di norma viene presa la prima risposta."}},
+    {{"Ask before &leaving a program", "Chiedi prima di &lasciare un programma"},
+     {"Edits of a program that are not stored are asked about before another one is shown. By "
+      "default they leave the boxes and are offered back below.",
+      "Prima di mostrare un altro programma viene chiesto che fare delle modifiche non "
+      "memorizzate. Di norma lasciano le caselle e vengono riproposte in basso."}},
 }};
 
 void show_on(QAction* action, const EntryTexts& entry, const Texts& texts) {

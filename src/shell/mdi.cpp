@@ -196,6 +196,10 @@ void M47MDI::restore_place(const QSize& otherwise) {
 }
 
 void M47MDI::closeEvent(QCloseEvent* event) {
+    for (const QString& key : views_.keys()) {
+        Screen* screen = screen_of(key);
+        if (screen && !screen->may_be_left()) return event->ignore();
+    }
     QMainWindow::closeEvent(event);
     if (event->isAccepted()) keep_places();
 }

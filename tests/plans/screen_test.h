@@ -23,6 +23,7 @@
 #include <QSet>
 #include <QSqlDatabase>
 #include <QSqlQuery>
+#include <QTableView>
 #include <QTableWidget>
 #include <QTest>
 #include <QTimer>
@@ -344,6 +345,54 @@ class PlanScreenTest : public QObject, protected ProgramInFolder {
     void a_line_that_the_meter_lists_as_inactive_is_as_good_as_none();
 
     void a_refused_upload_says_how_far_it_came();
+
+  private:
+    QTableView* table();
+    QString cell(int row, int column);
+    /// The cells of a column of the table, separated by blanks.
+    QString column(int column);
+    void click_row(int row, Qt::KeyboardModifiers keys = {});
+    void tick_cell(int row, int column);
+    void type_in_cell(int row, int column, const QString& text);
+    QStringList selected_numbers();
+    /// Programs 001 to `count` at 1001 MHz and so on.
+    void type_programs(int count);
+    /// In the status line.
+    QString told_below();
+    void paste(const QString& text);
+
+  private Q_SLOTS:
+    void the_table_shows_the_plan_and_recalls_by_a_click();
+
+    void the_table_is_sorted_by_a_heading();
+
+    void a_tick_and_a_limit_hold_for_all_selected_rows();
+
+    void what_is_typed_in_the_record_stays_over_a_tick_in_the_table();
+
+    void rows_are_inserted_moved_and_deleted();
+
+    void rows_go_to_a_spreadsheet_and_come_back();
+
+    void a_paste_that_is_refused_is_told_in_a_sentence_and_pastes_nothing();
+
+    void what_was_stored_is_undone_and_done_again();
+
+    void undo_in_a_box_is_of_its_text();
+
+    void what_another_program_changed_is_not_undone();
+
+    void edits_are_marked_and_offered_back();
+
+    void going_through_the_boxes_is_no_edit();
+
+    void edits_put_back_do_not_overwrite_what_was_stored_since();
+
+    void a_refused_new_program_is_put_back_on_request();
+
+    void edits_are_asked_about_where_that_is_chosen();
+
+    void the_table_is_folded_and_the_screen_stays_usable_when_small();
 };
 
 }  // namespace m47::plans

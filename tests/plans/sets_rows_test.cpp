@@ -222,7 +222,7 @@ void SetsTest::nothing_of_another_program_is_taken_back() {
     if (meanwhile.startsWith(QStringLiteral("INSERT")) || both)
         QCOMPARE(refusal_of([&] { sets_->replay(deletion, Direction::back); }),
                  QStringLiteral("Another program has changed this in the file since. Nothing was "
-                                "taken back."));
+                                "undone."));
     if (!meanwhile.startsWith(QStringLiteral("INSERT")) || both)
         QVERIFY(!refusal_of([&] { sets_->replay(change, Direction::back); }).isEmpty());
     QCOMPARE(whole_file(), before);

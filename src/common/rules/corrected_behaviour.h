@@ -22,6 +22,7 @@ struct CorrectedBehaviour {
     bool empty_alarm = false;  ///< an alarm without limits is told and checks nothing
     bool keep_copy = false;    ///< what is erased in the meter is read, filed and asked for first
     bool ask_twice = false;    ///< a value that surprises is asked for again
+    bool ask_leave = false;    ///< edits of a program are asked about before it is left
 };
 
 /// One entry of the menu: the object name of its action and what it switches.
@@ -30,7 +31,7 @@ struct CorrectedEntry {
     bool CorrectedBehaviour::*member;
 };
 
-inline constexpr std::array<CorrectedEntry, 14> kCorrectedEntries{{
+inline constexpr std::array<CorrectedEntry, 15> kCorrectedEntries{{
     {"cmdcomplete", &CorrectedBehaviour::complete},
     {"cmdfulltune", &CorrectedBehaviour::full_tune},
     {"cmdverify", &CorrectedBehaviour::verify},
@@ -45,6 +46,7 @@ inline constexpr std::array<CorrectedEntry, 14> kCorrectedEntries{{
     {"cmdemptyalarm", &CorrectedBehaviour::empty_alarm},
     {"cmdkeepcopy", &CorrectedBehaviour::keep_copy},
     {"cmdasktwice", &CorrectedBehaviour::ask_twice},
+    {"cmdaskleave", &CorrectedBehaviour::ask_leave},
 }};
 
 /// Chooses every entry of the menu, or none.

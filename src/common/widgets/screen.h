@@ -26,6 +26,8 @@ class Screen : public QMainWindow {
     virtual void Form_Load() = 0;
     /// Run each time the screen comes to the front.
     virtual void Form_Activate() {}
+    /// False where the user, who has been asked, wants to stay: the program does not end then.
+    virtual bool may_be_left() { return true; }
 
     /// A click on the toolbar key `key`; one without work does nothing.
     void toolbar_ButtonClick(const QString& key);

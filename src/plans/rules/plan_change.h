@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "fault.h"
 #include "recordset.h"
 #include "stored_rows.h"
 #include "texts.h"
@@ -26,6 +27,13 @@ struct PlanChange {
     std::vector<RowChange> rows;
 
     bool empty() const { return rows.empty(); }
+};
+
+/// A change was not taken: the file does not hold what it has left there, or what would come back
+/// does not go with what another program has stored since.
+class ChangeRefused : public Fault {
+  public:
+    using Fault::Fault;
 };
 
 /// Which way a change is taken: back to what was there before it, or forth again.

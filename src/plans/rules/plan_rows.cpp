@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "box_numbers.h"
 #include "numbers.h"
@@ -83,6 +84,19 @@ QString free_logger_position(const std::vector<programme::ProgramRecord>& progra
         if (find_clash(programs, probe) == Clash::none) return probe.logger_pos;
     }
     return {};
+}
+
+std::vector<db::Bookmark> moved_rows(std::vector<db::Bookmark> order,
+                                     const std::vector<PlanRow>& rows, bool up) {
+    const auto moves = [&](db::Bookmark row) {
+        return std::ranges::find(rows, row, &PlanRow::row) != rows.end();
+    };
+    if (!up) std::ranges::reverse(order);
+    for (std::size_t place = 1; place < order.size(); ++place)
+        if (moves(order[place]) && !moves(order[place - 1]))
+            std::swap(order[place], order[place - 1]);
+    if (!up) std::ranges::reverse(order);
+    return order;
 }
 
 void write_differences(db::Recordset& set, const programme::ProgramRecord& before,

@@ -33,6 +33,10 @@ programme::ProgramRecord with_entry(programme::ProgramRecord program,
 /// Empty when all of 00 to 41 are taken.
 QString free_logger_position(const std::vector<programme::ProgramRecord>& programs);
 
+/// `order` with those of `rows` one place nearer to its begin (`up`) or end; at the end they stay.
+std::vector<db::Bookmark> moved_rows(std::vector<db::Bookmark> order,
+                                     const std::vector<PlanRow>& rows, bool up);
+
 /// The fields in which `after` differs from `before` go into the row that is open in `set`.
 void write_differences(db::Recordset& set, const programme::ProgramRecord& before,
                        const programme::ProgramRecord& after);

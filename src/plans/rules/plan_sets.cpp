@@ -110,6 +110,11 @@ void PlanSets::go_to(db::Bookmark row) {
     programs_->go_to(row);
 }
 
+void PlanSets::open_plan(const QString& plan) {
+    if (!has_plan(plan)) throw db::RecordGone();
+    show_plan(plan);
+}
+
 /// The oscillators of the plan, which its programs share, and the current program as well.
 void PlanSets::read_anew(bool program) {
     config_->requery();

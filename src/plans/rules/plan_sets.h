@@ -52,6 +52,8 @@ class PlanSets {
     bool next_program();
     void last_program();
 
+    /// Makes `plan` current, in the list of plans as well. RecordGone where it is not there.
+    void open_plan(const QString& plan);
     /// To the program of that row. A Fault where the plan has none such, RecordGone where another
     /// program has deleted it.
     void go_to(db::Bookmark row);
@@ -152,9 +154,9 @@ class PlanSets {
 
     /// What has been changed in the file since the last call, a change for each deed.
     std::vector<PlanChange> take_changes() { return std::exchange(changes_, {}); }
-    /// Takes `change` back or makes it again and shows what it concerns. A Fault, and nothing is
-    /// changed, where the file does not hold what the change has left there, or where a number or
-    /// a logger line that comes back is taken.
+    /// Takes `change` back or makes it again and shows what it concerns. ChangeRefused, and nothing
+    /// is changed, where the file does not hold what the change has left there, or where a number
+    /// or a logger line that comes back is taken.
     void replay(const PlanChange& change, Direction direction);
 
   private:

@@ -21,26 +21,26 @@ struct ColumnWords {
 
 constexpr std::array<ColumnWords, PlanTable::kColumns> kColumnWords{{
     {{"No.", "N."}, {"Program number", "Numero del programma"}},
-    {{"Line", "Riga"}, {"Line of the logger table", "Riga della tabella datalogger"}},
-    {{"Name", "Nome"},
-     {"Name of the transponder, where the file it was imported from has one",
-      "Nome del transponder, se il file da cui è stato importato ne ha uno"}},
     {{"MHz", "MHz"}, {"Frequency, MHz", "Frequenza, MHz"}},
     {{"V/H", "V/H"},
      {"Polarisation by the LNB supply: V at 13 V, H at 18 V",
       "Polarizzazione secondo l'alimentazione LNB: V a 13 V, H a 18 V"}},
-    {{"Band", "Banda"},
-     {"Low or high by the 22 kHz tone, and the oscillator in MHz; 1IF: tuned directly",
-      "Bassa o alta secondo il tono 22 kHz, e l'oscillatore in MHz; 1IF: sintonia diretta"}},
-    {{"kS/s", "kS/s"},
-     {"Symbol rate of a digital program", "Symbol rate di un programma digitale"}},
-    {{"Logger", "Logger"},
-     {"Active in the logger table. A tick in one of several selected rows holds for all of them.",
-      "Attivo nel datalogger. La spunta su una di più righe selezionate vale per tutte."}},
     {{"Monit.", "Monit."},
      {"Measured when the plan runs. A tick in one of several selected rows holds for all of them.",
       "Misurato quando il piano viene eseguito. La spunta su una di più righe selezionate vale per "
       "tutte."}},
+    {{"Logger", "Logger"},
+     {"Active in the logger table. A tick in one of several selected rows holds for all of them.",
+      "Attivo nel datalogger. La spunta su una di più righe selezionate vale per tutte."}},
+    {{"Line", "Riga"}, {"Line of the logger table", "Riga della tabella datalogger"}},
+    {{"Name", "Nome"},
+     {"Name of the transponder, where the file it was imported from has one",
+      "Nome del transponder, se il file da cui è stato importato ne ha uno"}},
+    {{"kS/s", "kS/s"},
+     {"Symbol rate of a digital program", "Symbol rate di un programma digitale"}},
+    {{"Band", "Banda"},
+     {"Low or high by the 22 kHz tone, and the oscillator in MHz; 1IF: tuned directly",
+      "Bassa o alta secondo il tono 22 kHz, e l'oscillatore in MHz; 1IF: sintonia diretta"}},
     {{"Level min", "Livello min"}, {"Minimum alarm level", "Livello minimo d'allarme"}},
     {{"Level max", "Livello max"}, {"Maximum alarm level", "Livello massimo d'allarme"}},
     {{"C/N min", "C/N min"}, {"Minimum alarm C/N, dB", "C/N minimo d'allarme, dB"}},
@@ -106,7 +106,10 @@ void PlanTable::follow(const PlanSets& sets, const std::vector<db::Bookmark>& ch
     if (sets.plan() != plan_) return follow_anew(sets);
     remove_gone(sets.rows());
     insert_come(sets);
-    for (const PlanRow& row : sets.read_rows(changed)) take(row);
+    std::vector<db::Bookmark> shown;
+    for (const db::Bookmark row : changed)
+        if (place_of(row) >= 0) shown.push_back(row);
+    for (const PlanRow& row : sets.read_rows(shown)) take(row);
     if (const auto current = sets.current_row()) take({*current, sets.stored().program});
     const programme::Oscillators oscillators = sets.oscillators();
     if (oscillators == oscillators_) return;

@@ -20,14 +20,14 @@ class PlanTable : public QAbstractTableModel {
   public:
     enum Column {
         kNumber,
-        kLine,
-        kName,
         kFrequency,
         kPolarisation,
-        kBand,
-        kSymbolRate,
-        kLogger,
         kMonitored,
+        kLogger,
+        kLine,
+        kName,
+        kSymbolRate,
+        kBand,
         kFirstLimit,
         kColumns = kFirstLimit + 8
     };

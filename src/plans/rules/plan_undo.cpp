@@ -14,14 +14,14 @@ namespace m47::plans {
 namespace {
 
 constexpr Bilingual kChangedSince{
-    "Another program has changed this in the file since. Nothing was taken back.",
+    "Another program has changed this in the file since. Nothing was undone.",
     "Nel frattempo un altro programma l'ha modificato nel file. Nulla è stato annullato."};
 constexpr Bilingual kChangedSinceForth{
-    "Another program has changed this in the file since. Nothing was done again.",
+    "Another program has changed this in the file since. Nothing was redone.",
     "Nel frattempo un altro programma l'ha modificato nel file. Nulla è stato ripetuto."};
 
 [[noreturn]] void refuse(Direction direction) {
-    throw Fault(direction == Direction::back ? kChangedSince : kChangedSinceForth);
+    throw ChangeRefused(direction == Direction::back ? kChangedSince : kChangedSinceForth);
 }
 
 bool is_program(const RowChange& row) {

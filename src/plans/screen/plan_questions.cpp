@@ -13,6 +13,9 @@ namespace {
 const QString kRemoveTitle = QStringLiteral("VKDM47");
 const QString kQuestionTitle = QStringLiteral("M47");
 const QString kErrorTitle = QStringLiteral("Error");
+constexpr Bilingual kEditsToStore{"The edits of program %1 are not stored. Store them?",
+                                  "Le modifiche del programma %1 non sono memorizzate. "
+                                  "Memorizzarle?"};
 constexpr Bilingual kNoProgram{"The plan has no program: make one first.",
                                "Il piano non ha programmi: occorre prima crearne uno."};
 
@@ -58,6 +61,14 @@ bool ask_replace(QWidget* screen, const Texts& texts, const QString& prompt,
 QString ask_plan_name(QWidget* screen, const QString& prompt, const QString& preset) {
     return programme::plan_name(
         QInputDialog::getText(screen, kRemoveTitle, prompt, QLineEdit::Normal, preset));
+}
+
+Edits ask_edits(QWidget* screen, const Texts& texts, const QString& number) {
+    const auto answer = show_message_box(
+        screen, QMessageBox::Question, kQuestionTitle, texts.pick(kEditsToStore).arg(number),
+        QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
+    if (answer == QMessageBox::Save) return Edits::store;
+    return answer == QMessageBox::Discard ? Edits::discard : Edits::stay;
 }
 
 void tell_clash(QWidget* screen, const Texts& texts, Clash clash) {

@@ -24,6 +24,10 @@ bool ask_replace(QWidget* screen, const Texts& texts, const QString& prompt,
 /// A plan's name as it is kept, with `preset` in the box; empty when the user gave none.
 QString ask_plan_name(QWidget* screen, const QString& prompt, const QString& preset);
 
+/// What becomes of edits of the program `number` before it is left.
+enum class Edits { store, discard, stay };
+Edits ask_edits(QWidget* screen, const Texts& texts, const QString& number);
+
 /// Why a program was not stored.
 void tell_clash(QWidget* screen, const Texts& texts, Clash clash);
 

@@ -2,6 +2,7 @@
 #include "program_set.h"
 
 #include <QApplication>
+#include <QScopedValueRollback>
 
 #include "busy_input.h"
 #include "corrected_actions.h"
@@ -44,7 +45,8 @@ ProgramSet::ProgramSet(link::Link& link, ProgramState& program, db::Database& da
       program_(program),
       sets_(database, program.corrected),
       ui_(std::make_unique<Ui::ProgramSet>()),
-      boxes_(*ui_) {
+      boxes_(*ui_),
+      table_(new PlanTableView(program.texts)) {
     ui_->setupUi(this);
     // These keys are words of the language, which a form cannot use as names.
     ui_->new_plan->setObjectName(QStringLiteral("new"));
@@ -66,6 +68,10 @@ ProgramSet::ProgramSet(link::Link& link, ProgramState& program, db::Database& da
     connect_lists();
     connect_menu();
     fill_keys();
+    put_table_beside();
+    connect_table();
+    connect_edit_menu();
+    watch_edits();
     take_toolbar(ui_->barracomando);
     take_exit(ui_->cmdexit);
     guard_lists();
@@ -78,13 +84,18 @@ void ProgramSet::handle(const char* name, const std::function<void()>& body) {
         try {
             body();
         } catch (const db::RecordGone&) {
+            table_is_old_ = true;
             show_current_row();
+            follow_changes();
             tell_problem(this, program_.texts.pick(kProgramGone));
         } catch (const std::exception&) {
+            table_is_old_ = true;
             show_current_row();
+            follow_changes();
             throw;
         }
     });
+    follow_changes();
 }
 
 /// After a fault the boxes may hold another program than the one that would be overwritten next.
@@ -123,21 +134,30 @@ void ProgramSet::Form_Activate() {
 
 void ProgramSet::database_changed() {
     handle("database_changed", [this] {
+        table_is_old_ = true;
         if (sets_.refresh()) move_plan(true);
     });
 }
 
 void ProgramSet::fill_keys() {
     // "storing" is known and does nothing.
-    add_key(ui_->previous, [this] { move_plan(sets_.previous_plan()); });
-    add_key(ui_->next, [this] { move_plan(sets_.next_plan()); });
+    add_key(ui_->previous, [this] {
+        if (may_leave()) move_plan(sets_.previous_plan());
+    });
+    add_key(ui_->next, [this] {
+        if (may_leave()) move_plan(sets_.next_plan());
+    });
     add_key(ui_->new_plan, [this] { add_new(); });
     add_key(ui_->delete_plan, [this] { del_old(); });
     add_key(ui_->store_new, [this] { store_as_new(); });
     add_key(ui_->store, [this] { store_record(true); });
     add_key(ui_->programma_delete, [this] { delete_program(); });
-    add_key(ui_->previous_prog, [this] { move_program(sets_.previous_program()); });
-    add_key(ui_->next_prog, [this] { move_program(sets_.next_program()); });
+    add_key(ui_->previous_prog, [this] {
+        if (may_leave()) move_program(sets_.previous_program());
+    });
+    add_key(ui_->next_prog, [this] {
+        if (may_leave()) move_program(sets_.next_program());
+    });
     add_key(ui_->accoda, [this] { download_group(ui_->accoda->toolTip(), kAppend); });
     add_key(ui_->sostituisci, [this] { download_group(ui_->sostituisci->toolTip(), kDisable); });
     add_key(ui_->nuovo, [this] { download_group(ui_->nuovo->toolTip(), kReplace); });
@@ -150,13 +170,14 @@ void ProgramSet::show_monitor(bool visible) {
 }
 
 void ProgramSet::mostra_record() {
+    keep_lost_edits();
+    const QScopedValueRollback<bool> filling(showing_, true);
     load_oscloc();
     boxes_.show(sets_.program());
     shown_plan_ = sets_.plan();
     shown_row_ = sets_.current_row();
     known_ = sets_.stored();
-    shown_ = boxes_.read();
-    shown_oscillator_ = boxes_.oscillator();
+    shown_ = boxed();
     typed_offset_.reset();
 }
 

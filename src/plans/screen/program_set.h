@@ -6,11 +6,16 @@
 #include <optional>
 #include <vector>
 
+#include "edits_bar.h"
 #include "link.h"
 #include "plan_boxes.h"
+#include "plan_edit_menu.h"
+#include "plan_history.h"
 #include "plan_sets.h"
+#include "plan_table_view.h"
 #include "plan_upload.h"
 #include "program_state.h"
+#include "record_edits.h"
 #include "recordset.h"
 #include "screen.h"
 
@@ -40,9 +45,15 @@ class ProgramSet : public Screen {
     /// its program is still the same.
     void database_changed();
 
+    /// False where the user wants to stay for the edits in the boxes, as the choice is.
+    bool may_be_left() override;
+
   Q_SIGNALS:
     /// How far an upload is, what became of it, and what else is not worth a box.
     void upload_state(const QString& text, const QString& tooltip);
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
 
   private:
     void handle(const char* name, const std::function<void()>& body) override;
@@ -72,7 +83,7 @@ class ProgramSet : public Screen {
     void add_new();
     void del_old();
     void delete_program();
-    void remove_seen(RemovedRows seen, const Bilingual& last_one,
+    bool remove_seen(RemovedRows seen, const Bilingual& last_one,
                      const std::function<bool(const RemovedRows&)>& remove);
     void move_plan(bool moved);
     void move_program(bool moved);
@@ -85,6 +96,40 @@ class ProgramSet : public Screen {
     void show_unit();
     void load_oscloc();
     void show_monitor(bool visible);
+
+    // Table of programs
+    void put_table_beside();
+    void connect_table();
+    void connect_edit_menu();
+    void follow_changes();
+    void refresh_record(bool same_program);
+    void recall(db::Bookmark row);
+    void enter_in_rows(const std::vector<PlanRow>& rows,
+                       const programme::ProgramField::Member& member, const QString& text);
+    void copy_rows();
+    void paste_rows();
+    void insert_rows();
+    void delete_rows();
+    void move_rows(bool up);
+    void keep_order();
+    void reorder(const std::vector<db::Bookmark>& order);
+    void step(Direction direction);
+    void tell(const Said& what);
+
+    // Edits that are not stored
+    struct LostEdits;
+    BoxedProgram boxed();
+    bool has_edits();
+    void take_as_stored();
+    void keep_lost_edits();
+    void offer_lost_edits();
+    void forget_lost_edits();
+    void put_back();
+    db::Bookmark row_of(const LostEdits& edits);
+    void show_typed(const BoxedProgram& typed);
+    void watch_edits();
+    void mark_edits();
+    bool may_leave();
 
     // Upload
     void download_group(const QString& prompt, UploadMode mode);
@@ -107,12 +152,30 @@ class ProgramSet : public Screen {
     QString shown_plan_;
     std::optional<db::Bookmark> shown_row_;
     /// That program as it was shown, before anybody typed.
-    programme::ProgramRecord shown_;
-    QString shown_oscillator_;
+    BoxedProgram shown_;
     /// What the file held then: a store does not overwrite what another program has written since.
     StoredProgram known_;
     /// Of the unit in which the level limits have been typed since then.
     std::optional<double> typed_offset_;
+    /// Edits of a program that has been left, to be put back on request.
+    struct LostEdits {
+        QString plan;
+        db::Bookmark row;
+        BoxedProgram typed;
+        BoxedProgram shown;  ///< before that
+        StoredProgram known;
+        std::optional<double> typed_offset;
+        bool refused_new;
+    };
+    std::optional<LostEdits> lost_;
+    bool refused_new_ = false;
+    PlanTableView* table_;
+    EditsBar* edits_bar_ = nullptr;
+    std::unique_ptr<PlanHistory> history_;
+    /// Others may have changed any row of the table.
+    bool table_is_old_ = false;
+    /// The boxes are being filled: what stands in them belongs to no one program yet.
+    bool showing_ = false;
     /// They call this screen and go before its controls, one of which may lose the focus by going.
     std::vector<std::unique_ptr<QObject>> filters_;
 };

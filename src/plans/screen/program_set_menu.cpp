@@ -61,7 +61,7 @@ QString ProgramSet::ask_file(bool save, const QStringList& filters) {
 }
 
 void ProgramSet::cmdimport_Click() {
-    if (lacks_plan()) return;
+    if (lacks_plan() || !may_leave()) return;
     const QString path =
         ask_file(false, {program_.texts.pick(kAnyTable), program_.texts.pick(kPlanFiles)});
     if (path.isEmpty()) return;
@@ -105,7 +105,7 @@ void ProgramSet::cmdexport_Click() {
 }
 
 void ProgramSet::cmdcopyprog_Click() {
-    if (lacks_program()) return;
+    if (lacks_program() || !may_leave()) return;
     const QString name = ask_plan_name(this, program_.texts.pick(kCopyInto), sets_.plan());
     if (name.isEmpty()) return;
     const ImportProblem problem = sets_.copy_program(name);
@@ -115,7 +115,7 @@ void ProgramSet::cmdcopyprog_Click() {
 }
 
 void ProgramSet::cmdcopyplan_Click() {
-    if (lacks_plan()) return;
+    if (lacks_plan() || !may_leave()) return;
     const QString name = ask_plan_name(this, program_.texts.pick(kCopyPlanAs), QString());
     if (name.isEmpty()) return;
     if (sets_.copy_plan(name))

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What the plan screen stores and deletes.
+#include <QScopedValueRollback>
+
 #include "changed_dialog.h"
 #include "plan_costs.h"
 #include "plan_questions.h"
@@ -64,6 +66,7 @@ ProgramSet::Outcome ProgramSet::unless_changed(const std::function<Outcome()>& s
             dialog.exec();
             if (dialog.choice() == ChangedDialog::Choice::neither) return Outcome::put_off;
             if (dialog.choice() == ChangedDialog::Choice::stored) {
+                take_as_stored();
                 move_plan(true);
                 return Outcome::kept_theirs;
             }
@@ -88,6 +91,9 @@ ProgramSet::Outcome ProgramSet::store_record(bool over) {
         programme::ProgramRecord record = boxes_.read();
         const Clash clash = try_to_store(record, over);
         if (clash == Clash::none) {
+            take_as_stored();
+            if (lost_ && (over ? lost_->row == shown_row_ : lost_->refused_new))
+                forget_lost_edits();
             // A new row is not the current one; whoever adds it moves to it.
             if (over) mostra_record();
             return Outcome::stored;
@@ -114,11 +120,13 @@ void ProgramSet::store_as_new() {
     if (outcome == Outcome::kept_theirs || outcome == Outcome::put_off) return;
     if (outcome == Outcome::clash && program_.corrected.keep_new) return;
     if (outcome == Outcome::clash) tell_refused_new(program_);
+    const QScopedValueRollback<bool> refused(refused_new_, outcome == Outcome::clash);
     sets_.last_program();
     mostra_record();
 }
 
 void ProgramSet::add_new() {
+    if (!may_leave()) return;
     const QString name = ask_plan_name(this, program_.texts.message(kAddPlan), QString());
     if (name.isEmpty()) return;
     sets_.add_new(name);
@@ -126,17 +134,18 @@ void ProgramSet::add_new() {
 }
 
 /// Deletes what the user has `seen`, and asks where another program has changed it since. Tells
-/// where there was nothing but the last one by then.
-void ProgramSet::remove_seen(RemovedRows seen, const Bilingual& last_one,
+/// where there was nothing but the last one by then. False where it was not deleted.
+bool ProgramSet::remove_seen(RemovedRows seen, const Bilingual& last_one,
                              const std::function<bool(const RemovedRows&)>& remove) {
     for (;;) {
         try {
-            if (!remove(seen) && !lacks_plan()) tell_problem(this, program_.texts.pick(last_one));
-            return;
+            if (remove(seen)) return true;
+            if (!lacks_plan()) tell_problem(this, program_.texts.pick(last_one));
+            return false;
         } catch (const RemovalChanged& change) {
             ChangedDialog dialog(change, program_.texts, this);
             dialog.exec();
-            if (dialog.choice() != ChangedDialog::Choice::mine) return;
+            if (dialog.choice() != ChangedDialog::Choice::mine) return false;
             seen = change.now;
         }
     }
@@ -146,8 +155,9 @@ void ProgramSet::del_old() {
     if (!sets_.can_delete_plan()) return;
     const RemovedRows seen = sets_.seen_plan(known_);
     if (!ask_remove(this, program_.texts, sets_.plan())) return;
-    remove_seen(seen, kLastPlan,
-                [this](const RemovedRows& known) { return sets_.del_old(&known); });
+    const bool gone = remove_seen(
+        seen, kLastPlan, [this](const RemovedRows& known) { return sets_.del_old(&known); });
+    if (gone) take_as_stored();
     move_plan(true);
 }
 
@@ -158,8 +168,10 @@ void ProgramSet::delete_program() {
         return;
     }
     if (!ask_remove(this, program_.texts, sets_.program().pg_num)) return;
-    remove_seen(sets_.seen_program(known_), kLastProgram,
-                [this](const RemovedRows& known) { return sets_.delete_program(&known); });
+    const bool gone =
+        remove_seen(sets_.seen_program(known_), kLastProgram,
+                    [this](const RemovedRows& known) { return sets_.delete_program(&known); });
+    if (gone) take_as_stored();
     move_plan(true);
 }
 

@@ -10,7 +10,7 @@ namespace m47::plans {
 /// The program that nobody has stored yet is no program to be sent, so it is not made one. False
 /// where the user wants to go on typing first.
 bool ProgramSet::store_for_upload() {
-    const bool typed = boxes_.read() != shown_ || boxes_.oscillator() != shown_oscillator_;
+    const bool typed = boxed() != shown_;
     if (!program_.corrected.skip_empty || typed || !programme::is_blank(sets_.program()))
         return store_record(true) != Outcome::put_off;
     return true;

@@ -1,0 +1,421 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The table of programs beside the record, edits that are not stored, and what is taken back.
+#include <QClipboard>
+#include <QTableView>
+
+#include "plan_table.h"
+#include "screen_test.h"
+
+namespace m47::plans {
+
+QTableView* PlanScreenTest::table() {
+    return find<QTableView>("plan_table");
+}
+
+QString PlanScreenTest::cell(int row, int column) {
+    return table()->model()->index(row, column).data().toString();
+}
+
+QString PlanScreenTest::column(int column) {
+    QStringList cells;
+    for (int row = 0; row < table()->model()->rowCount(); ++row) cells += cell(row, column);
+    return cells.join(u' ');
+}
+
+void PlanScreenTest::click_row(int row, Qt::KeyboardModifiers keys) {
+    const QModelIndex index = table()->model()->index(row, PlanTable::kNumber);
+    table()->scrollTo(index);
+    QTest::mouseClick(table()->viewport(), Qt::LeftButton, keys,
+                      table()->visualRect(index).center());
+}
+
+void PlanScreenTest::tick_cell(int row, int column) {
+    const QModelIndex index = table()->model()->index(row, column);
+    table()->scrollTo(index);
+    const QRect cell = table()->visualRect(index);
+    QTest::mouseClick(table()->viewport(), Qt::LeftButton, {},
+                      {cell.left() + 10, cell.center().y()});
+    QCoreApplication::processEvents();
+}
+
+void PlanScreenTest::type_in_cell(int row, int column, const QString& text) {
+    const QModelIndex index = table()->model()->index(row, column);
+    table()->selectionModel()->setCurrentIndex(index, QItemSelectionModel::NoUpdate);
+    table()->setFocus();
+    QTest::keyClick(table(), Qt::Key_F2);
+    auto* editor = table()->findChild<QLineEdit*>();
+    QVERIFY(editor);
+    editor->selectAll();
+    QTest::keyClicks(editor, text);
+    QTest::keyClick(editor, Qt::Key_Return);
+    // The cell is closed by one event and stored by the next.
+    QCoreApplication::processEvents();
+    QCoreApplication::processEvents();
+}
+
+QStringList PlanScreenTest::selected_numbers() {
+    QStringList numbers;
+    for (const QModelIndex& index : table()->selectionModel()->selectedRows())
+        numbers += index.data().toString();
+    numbers.sort();
+    return numbers;
+}
+
+void PlanScreenTest::type_programs(int count) {
+    type_two_programs();
+    for (int number = 3; number <= count; ++number) {
+        type("sat_freq_txt", QString::number(1000 + number));
+        enter("prog_num", QString::number(number));
+    }
+}
+
+QString PlanScreenTest::told_below() {
+    return progress()->text();
+}
+
+void PlanScreenTest::paste(const QString& text) {
+    QApplication::clipboard()->setText(text);
+    press("cmdpasterows");
+}
+
+void PlanScreenTest::the_table_shows_the_plan_and_recalls_by_a_click() {
+    start_alone();
+    type_programs(3);
+    QCOMPARE(column(PlanTable::kNumber), QStringLiteral("001 002 003"));
+    QCOMPARE(column(PlanTable::kFrequency), QStringLiteral("1001.0 1002.0 1003.0"));
+    QCOMPARE(selected_numbers(), QStringList("003"));
+    click_row(0);
+    QCOMPARE(text_of("prog_num"), QStringLiteral("001"));
+    QCOMPARE(text_of("sat_freq_txt"), QStringLiteral("1001.0"));
+    press("next_prog");
+    QCOMPARE(selected_numbers(), QStringList("002"));
+    // What is selected with others is not recalled.
+    click_row(2, Qt::ControlModifier);
+    QCOMPARE(text_of("prog_num"), QStringLiteral("002"));
+    type("sat_freq_txt", QStringLiteral("1500"));
+    press("store");
+    QCOMPARE(column(PlanTable::kFrequency), QStringLiteral("1001.0 1500.0 1003.0"));
+    new_plan(QStringLiteral("B"));
+    QCOMPARE(column(PlanTable::kNumber), QString());
+    press("previous");
+    QCOMPARE(column(PlanTable::kNumber), QStringLiteral("001 002 003"));
+    answering(pressed("programma_delete"), pressing(QMessageBox::Ok));
+    QCOMPARE(column(PlanTable::kNumber), QStringLiteral("002 003"));
+}
+
+void PlanScreenTest::the_table_is_sorted_by_a_heading() {
+    start_alone();
+    paste(QStringLiteral("frequenza\tpg_num\n1300\t9\n1100\t10\n1200\t2\n"));
+    QCOMPARE(column(PlanTable::kNumber), QStringLiteral("009 010 002"));
+    table()->sortByColumn(PlanTable::kNumber, Qt::AscendingOrder);
+    QCOMPARE(column(PlanTable::kNumber), QStringLiteral("002 009 010"));
+    click_row(0);
+    QCOMPARE(text_of("prog_num"), QStringLiteral("002"));
+    press("cmdkeeporder");
+    QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("002,009,010"));
+    QCOMPARE(text_of("prog_num"), QStringLiteral("002"));
+    press("next_prog");
+    QCOMPARE(text_of("prog_num"), QStringLiteral("009"));
+}
+
+void PlanScreenTest::a_tick_and_a_limit_hold_for_all_selected_rows() {
+    start_alone();
+    type_programs(4);
+    click_row(0);
+    click_row(2, Qt::ShiftModifier);
+    tick_cell(1, PlanTable::kMonitored);
+    QCOMPARE(stored(QStringLiteral("monitor_state")), QStringLiteral("1,1,1,0"));
+    QCOMPARE(selected_numbers(), QStringList({"001", "002", "003"}));
+    QCOMPARE(text_of("prog_num"), QStringLiteral("001"));
+    QVERIFY(find<QCheckBox>("monitor_state")->isChecked());
+    tick_cell(1, PlanTable::kLogger);
+    QCOMPARE(stored(QStringLiteral("logger_state")), QStringLiteral("1,1,1,0"));
+    QCOMPARE(stored(QStringLiteral("logger_pos")), QStringLiteral("04,01,02,03"));
+    QCOMPARE(told_below(), QStringLiteral("Lines of the logger table given: 1"));
+    // As a store corrects it.
+    type_in_cell(1, PlanTable::kFirstLimit + 6, QStringLiteral("12,5"));
+    QCOMPARE(stored(QStringLiteral("mer_min")), QStringLiteral("12.5,12.5,12.5,1"));
+    type_in_cell(1, PlanTable::kFirstLimit + 6, QStringLiteral("45"));
+    QCOMPARE(stored(QStringLiteral("mer_min")), QStringLiteral("1,1,1,1"));
+    QCOMPARE(text_of("mer_mintxt"), QStringLiteral("1"));
+}
+
+void PlanScreenTest::what_is_typed_in_the_record_stays_over_a_tick_in_the_table() {
+    start_alone();
+    type_programs(2);
+    type("sat_freq_txt", QStringLiteral("1500"));
+    tick_cell(1, PlanTable::kMonitored);
+    QCOMPARE(text_of("sat_freq_txt"), QStringLiteral("1500"));
+    QVERIFY(find<QCheckBox>("monitor_state")->isChecked());
+    QCOMPARE(stored(QStringLiteral("frequenza")), QStringLiteral("1001.0,1002.0"));
+    press("store");
+    QCOMPARE(stored(QStringLiteral("frequenza || ' ' || monitor_state")),
+             QStringLiteral("1001.0 0,1500.0 1"));
+    QVERIFY(told_.isEmpty());
+}
+
+void PlanScreenTest::rows_are_inserted_moved_and_deleted() {
+    start_alone();
+    type_programs(4);
+    click_row(0);
+    click_row(1, Qt::ShiftModifier);
+    press("cmdinsertrows");
+    QCOMPARE(column(PlanTable::kNumber), QStringLiteral("001 002 000 005 003 004"));
+    QCOMPARE(text_of("prog_num"), QStringLiteral("000"));
+    press("cmdrowup");
+    press("cmdrowup");
+    press("cmdrowup");
+    QCOMPARE(column(PlanTable::kNumber), QStringLiteral("000 001 002 005 003 004"));
+    QCOMPARE(text_of("prog_num"), QStringLiteral("000"));
+    QCOMPARE(selected_numbers(), QStringList("000"));
+    click_row(3, Qt::ControlModifier);
+    press("cmdrowdown");
+    QCOMPARE(column(PlanTable::kNumber), QStringLiteral("001 000 002 003 005 004"));
+    QCOMPARE(selected_numbers(), QStringList({"000", "005"}));
+    answering(pressed("cmddeleterows"), pressing(QMessageBox::Cancel));
+    answering(pressed("cmddeleterows"), pressing(QMessageBox::Ok));
+    QCOMPARE(told_.constLast(), QStringLiteral("VKDM47|Remove program: 000, 005"));
+    QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("001,002,003,004"));
+    table()->selectAll();
+    answering_each(pressed("cmddeleterows"),
+                   {pressing(QMessageBox::Ok), pressing(QMessageBox::Ok)});
+    QCOMPARE(told_.constLast(),
+             QStringLiteral("M47|The last program of a plan stays. Nothing was deleted."));
+    QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("001,002,003,004"));
+}
+
+void PlanScreenTest::rows_go_to_a_spreadsheet_and_come_back() {
+    start_alone();
+    type_programs(3);
+    click_row(0);
+    click_row(2, Qt::ControlModifier);
+    press("cmdcopyrows");
+    QCOMPARE(told_below(), QStringLiteral("Rows copied: 2"));
+    QString text = QApplication::clipboard()->text();
+    QCOMPARE(text.count(u'\n'), 3);
+    QVERIFY(text.startsWith(QStringLiteral("nome\tpg_num\tfrequenza\t")));
+    paste(text.replace(QStringLiteral("1003.0"), QStringLiteral("1103.5")));
+    QCOMPARE(told_below(), QStringLiteral("Programs added: 0, replaced: 1"));
+    QCOMPARE(stored(QStringLiteral("frequenza")), QStringLiteral("1001.0,1002.0,1103.5"));
+    // Without the names of the columns, into another plan.
+    new_plan(QStringLiteral("B"));
+    paste(text.section(u'\n', 1));
+    QCOMPARE(stored(QStringLiteral("pg_num || ' ' || frequenza")),
+             QStringLiteral("001 1001.0,003 1103.5"));
+}
+
+void PlanScreenTest::a_paste_that_is_refused_is_told_in_a_sentence_and_pastes_nothing() {
+    start_alone();
+    type_programs(2);
+    const QString before = stored(QStringLiteral("pg_num || frequenza || logger_pos"));
+    answering([this] { paste(QStringLiteral("frequenza\tpg_num\n1500\t7\n1600\t7\n")); },
+              pressing(QMessageBox::Ok));
+    QCOMPARE(told_.constLast(),
+             QStringLiteral("Error|Row 3 cannot be pasted: The Programme in the data base already "
+                            "exist. Nothing was pasted."));
+    answering([this] { paste(QStringLiteral("frequenza\tpg_num\tlogger_pos\n1500\t7\t1\n")); },
+              pressing(QMessageBox::Ok));
+    QVERIFY(told_.constLast().contains(QStringLiteral("logger status table already exist")));
+    answering([this] { paste(QStringLiteral("good morning")); }, pressing(QMessageBox::Ok));
+    QCOMPARE(told_.constLast(),
+             QStringLiteral("Error|The clipboard holds no programs. Nothing was pasted."));
+    QCOMPARE(stored(QStringLiteral("pg_num || frequenza || logger_pos")), before);
+    QVERIFY(!find<QAction>("cmdredo")->isEnabled());
+}
+
+void PlanScreenTest::what_was_stored_is_undone_and_done_again() {
+    start_alone();
+    QVERIFY(!find<QAction>("cmdundo")->isEnabled());
+    type_programs(2);
+    const QString typed = stored(QStringLiteral("pg_num || ' ' || frequenza"));
+    type("sat_freq_txt", QStringLiteral("1500"));
+    press("store");
+    QCOMPARE(find<QAction>("cmdundo")->text(), QStringLiteral("&Undo: program 002"));
+    table()->selectAll();
+    tick_cell(0, PlanTable::kMonitored);
+    QCOMPARE(find<QAction>("cmdundo")->text(), QStringLiteral("&Undo: programs: 2"));
+    press("cmdundo");
+    QCOMPARE(stored(QStringLiteral("monitor_state")), QStringLiteral("0,0"));
+    QCOMPARE(told_below(), QStringLiteral("Undone: programs: 2"));
+    press("cmdundo");
+    QCOMPARE(stored(QStringLiteral("pg_num || ' ' || frequenza")), typed);
+    QCOMPARE(text_of("sat_freq_txt"), QStringLiteral("1002.0"));
+    QCOMPARE(column(PlanTable::kFrequency), QStringLiteral("1001.0 1002.0"));
+    press("cmdredo");
+    QCOMPARE(text_of("sat_freq_txt"), QStringLiteral("1500.0"));
+    // Of another plan than the one shown, and a plan with all its rows.
+    new_plan(QStringLiteral("B"));
+    press("previous");
+    press("cmdundo");
+    QVERIFY(!program().database().gruppo().find_first(QStringLiteral("nome"), QStringLiteral("B")));
+    press("cmdundo");
+    QCOMPARE(stored(QStringLiteral("frequenza")), QStringLiteral("1001.0,1002.0"));
+    press("cmdredo");
+    press("cmdredo");
+    QCOMPARE(text_of("grp_name"), QStringLiteral("B"));
+    QVERIFY(!find<QAction>("cmdredo")->isEnabled());
+}
+
+void PlanScreenTest::undo_in_a_box_is_of_its_text() {
+    start_alone();
+    type_programs(2);
+    type("sat_freq_txt", QStringLiteral("1500"));
+    QTest::keyClick(find<QLineEdit>("sat_freq_txt"), Qt::Key_Z, Qt::ControlModifier);
+    QVERIFY(text_of("sat_freq_txt") != QStringLiteral("1500"));
+    QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("001,002"));
+    table()->setFocus();
+    QTest::keyClick(table(), Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("001"));
+}
+
+void PlanScreenTest::what_another_program_changed_is_not_undone() {
+    start_alone();
+    type_programs(2);
+    elsewhere(QStringLiteral("UPDATE programmi SET mer_min = '9' WHERE pg_num = '002'"));
+    answering(pressed("cmdundo"), pressing(QMessageBox::Ok));
+    QCOMPARE(told_.constLast(), QStringLiteral("M47|Another program has changed this in the file "
+                                               "since. Nothing was undone."));
+    QCOMPARE(stored(QStringLiteral("coalesce(mer_min, '-')")), QStringLiteral("1,9"));
+    // The step before it is not held up.
+    QCOMPARE(find<QAction>("cmdundo")->text(), QStringLiteral("&Undo: program 001"));
+    press("cmdundo");
+    QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("-,002"));
+}
+
+void PlanScreenTest::edits_are_marked_and_offered_back() {
+    start_alone();
+    type_programs(3);
+    QCOMPARE(screen_->windowTitle(), QStringLiteral("Plan Setup"));
+    QVERIFY(!screen_->findChild<QWidget*>(QStringLiteral("edits_bar")));
+    type("sat_freq_txt", QStringLiteral("1503"));
+    find<QComboBox>("ol_optval")->setEnabled(true);
+    type_oscillator(QStringLiteral("9750"), false);
+    QCOMPARE(screen_->windowTitle(), QStringLiteral("Plan Setup *"));
+    press("previous_prog");
+    QCOMPARE(screen_->windowTitle(), QStringLiteral("Plan Setup"));
+    QCOMPARE(find<QLabel>("edits_text")->text(),
+             QStringLiteral("Edits of program 003 were not stored"));
+    type("sat_freq_txt", QStringLiteral("1502"));
+    click("edits_back");
+    QCOMPARE(text_of("prog_num"), QStringLiteral("003"));
+    QCOMPARE(text_of("sat_freq_txt"), QStringLiteral("1503"));
+    QCOMPARE(find<QComboBox>("ol_optval")->currentText(), QStringLiteral("9750"));
+    QCOMPARE(screen_->windowTitle(), QStringLiteral("Plan Setup *"));
+    // The edits that had to make room are offered in their turn.
+    QCOMPARE(find<QLabel>("edits_text")->text(),
+             QStringLiteral("Edits of program 002 were not stored"));
+    press("store");
+    QCOMPARE(screen_->windowTitle(), QStringLiteral("Plan Setup"));
+    QCOMPARE(stored(QStringLiteral("frequenza")), QStringLiteral("1001.0,1002.0,1503.0"));
+    click("edits_back");
+    QVERIFY(!find<QWidget>("edits_bar")->isVisible());
+    press("store");
+    QCOMPARE(stored(QStringLiteral("frequenza")), QStringLiteral("1001.0,1502.0,1503.0"));
+    type("sat_freq_txt", QStringLiteral("1777"));
+    new_plan(QStringLiteral("B"));
+    click("edits_back");
+    QCOMPARE(text_of("grp_name"), QStringLiteral("PLAN 1"));
+    QCOMPARE(text_of("sat_freq_txt"), QStringLiteral("1777"));
+    press("next");
+    click("edits_forget");
+    QVERIFY(!find<QWidget>("edits_bar")->isVisible());
+}
+
+void PlanScreenTest::going_through_the_boxes_is_no_edit() {
+    start_alone();
+    for (const char* box : {"prog_num", "sat_freq_txt", "srqpsk_txt", "chbw_txt"})
+        QTest::keyClick(find<QLineEdit>(box), Qt::Key_Tab);
+    for (const char* box : {"prog_num", "sat_freq_txt", "srqpsk_txt", "chbw_txt", "lev_mintxt"})
+        find<QLineEdit>(box)->setFocus();
+    QCOMPARE(screen_->windowTitle(), QStringLiteral("Plan Setup"));
+    press("next_prog");
+    QVERIFY(!screen_->findChild<QWidget*>(QStringLiteral("edits_bar")));
+}
+
+void PlanScreenTest::edits_put_back_do_not_overwrite_what_was_stored_since() {
+    start_alone();
+    type_programs(2);
+    type("sat_freq_txt", QStringLiteral("1502"));
+    press("previous_prog");
+    elsewhere(QStringLiteral("UPDATE programmi SET mer_max = '9' WHERE pg_num = '002'"));
+    click("edits_back");
+    QCOMPARE(text_of("sat_freq_txt"), QStringLiteral("1502"));
+    QCOMPARE(text_of("mer_maxtxt"), QStringLiteral("9"));
+    press("previous_prog");
+    elsewhere(QStringLiteral("UPDATE programmi SET frequenza = 1600 WHERE pg_num = '002'"));
+    click("edits_back");
+    QStringList changes;
+    answering(pressed("store"), noting_changes(changes, "changed_neither"));
+    QCOMPARE(changes, QStringList({"Frequency, MHz|1600.0|1502.0"}));
+    QCOMPARE(stored(QStringLiteral("frequenza || ' ' || mer_max")),
+             QStringLiteral("1001.0 2,1600.0 9"));
+    // Another order of the plan has put another program into its row.
+    press("previous_prog");
+    QVERIFY(find<QWidget>("edits_bar")->isVisible());
+    table()->sortByColumn(PlanTable::kNumber, Qt::DescendingOrder);
+    press("cmdkeeporder");
+    QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("002,001"));
+    click("edits_back");
+    QCOMPARE(text_of("prog_num"), QStringLiteral("002"));
+    QCOMPARE(text_of("sat_freq_txt"), QStringLiteral("1502"));
+    press("next_prog");
+    elsewhere(QStringLiteral("DELETE FROM programmi WHERE pg_num = '002'"));
+    answering([this] { click("edits_back"); }, pressing(QMessageBox::Ok));
+    QVERIFY(told_.constLast().contains(QStringLiteral("Another program has deleted")));
+}
+
+void PlanScreenTest::a_refused_new_program_is_put_back_on_request() {
+    start_alone();
+    type_programs(2);
+    press("previous_prog");
+    type("sat_freq_txt", QStringLiteral("1555"));
+    answering([this] { enter("prog_num", QStringLiteral("2")); }, pressing(QMessageBox::Ok));
+    QCOMPARE(text_of("sat_freq_txt"), QStringLiteral("1002.0"));
+    QCOMPARE(find<QPushButton>("edits_back")->text(), QStringLiteral("Put back what was typed"));
+    click("edits_back");
+    QCOMPARE(text_of("sat_freq_txt"), QStringLiteral("1555"));
+    enter("prog_num", QStringLiteral("7"));
+    QCOMPARE(stored(QStringLiteral("pg_num || ' ' || frequenza")),
+             QStringLiteral("001 1001.0,002 1002.0,007 1555.0"));
+    QVERIFY(!find<QWidget>("edits_bar")->isVisible());
+}
+
+void PlanScreenTest::edits_are_asked_about_where_that_is_chosen() {
+    start_alone();
+    type_programs(3);
+    program_state().corrected.ask_leave = true;
+    type("sat_freq_txt", QStringLiteral("1503"));
+    answering(pressed("previous_prog"), pressing(QMessageBox::Cancel));
+    QCOMPARE(told_, QStringList{"M47|The edits of program 003 are not stored. Store them?"});
+    QCOMPARE(text_of("sat_freq_txt"), QStringLiteral("1503"));
+    answering([this] { click_row(0); }, pressing(QMessageBox::Cancel));
+    QCOMPARE(selected_numbers(), QStringList("003"));
+    answering([this] { screen_->parentWidget()->close(); }, pressing(QMessageBox::Cancel));
+    QVERIFY(window().screen_of(QStringLiteral("program")));
+    answering([this] { window().close(); }, pressing(QMessageBox::Cancel));
+    QVERIFY(window().isVisible());
+    answering([this] { click_row(0); }, pressing(QMessageBox::Save));
+    QCOMPARE(text_of("prog_num"), QStringLiteral("001"));
+    QCOMPARE(stored(QStringLiteral("frequenza")), QStringLiteral("1001.0,1002.0,1503.0"));
+    type("sat_freq_txt", QStringLiteral("1777"));
+    for (const char* key : {"next", "cmdcopyplan", "cmdcopyprog", "cmdimport", "new", "cmdundo",
+                            "cmdpasterows", "cmdinsertrows"})
+        answering(pressed(key), pressing(QMessageBox::Cancel));
+    QCOMPARE(text_of("sat_freq_txt"), QStringLiteral("1777"));
+    answering(pressed("next_prog"), pressing(QMessageBox::Discard));
+    QCOMPARE(text_of("prog_num"), QStringLiteral("002"));
+    QVERIFY(!screen_->findChild<QWidget*>(QStringLiteral("edits_bar")));
+}
+
+void PlanScreenTest::the_table_is_folded_and_the_screen_stays_usable_when_small() {
+    start_alone();
+    type_programs(3);
+    QVERIFY(table()->isVisible());
+    QVERIFY(table()->width() > 200);
+    find<QAction>("cmdtable")->trigger();
+    QVERIFY(!table()->isVisible());
+    find<QAction>("cmdtable")->trigger();
+    QVERIFY(table()->isVisible());
+}
+
+}  // namespace m47::plans
