@@ -85,6 +85,9 @@ QString report_of(const plans::ImportPreview& preview, const plans::ImportFile& 
     if (!file.unknown_columns.isEmpty())
         report += QStringLiteral("Columns not used: ") +
                   on_one_line(file.unknown_columns.join(QStringLiteral(", "))) + u'\n';
+    if (file.not_satellite > 0)
+        report += QStringLiteral("Terrestrial and cable channels left out: %1.\n")
+                      .arg(file.not_satellite);
     for (const plans::ImportRow& row : preview.rows) {
         const QString remark = remark_of(row, texts);
         if (remark.isEmpty()) continue;

@@ -138,6 +138,20 @@ class PlanFilesTest : public QObject {
         }
         QCOMPARE(export_plan(stand, "NEW=c.csv").status, 4);
     }
+
+    void channels_of_no_satellite_are_counted() {
+        EmptyStand stand;
+        const Ending some = import(stand, "A=mixed",
+                                   "[CHANNEL]\nDELIVERY_SYSTEM = DVBS\nFREQUENCY = 10719000\n"
+                                   "POLARIZATION = VERTICAL\nSYMBOL_RATE = 27500000\n"
+                                   "[CHANNEL]\nDELIVERY_SYSTEM = DVBT\nFREQUENCY = 594000000\n");
+        QCOMPARE(some.out, QByteArray("A: 1 of 1 programs were added.\n"
+                                      "Terrestrial and cable channels left out: 1.\n"));
+        const Ending none = import(stand, "B=roof", "T 594000000 8MHz\nC 121000000 6900000\n");
+        QCOMPARE(none.status, 7);
+        QCOMPARE(none.out, QByteArray("B: 0 of 0 programs were added.\n"
+                                      "Terrestrial and cable channels left out: 2.\n"));
+    }
 };
 
 }  // namespace m47

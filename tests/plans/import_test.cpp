@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Plan files and scan tables, and what an import of them will do.
+#include <QSet>
 #include <QTest>
 #include <ctime>
 
 #include "diseqc_commands.h"
+#include "import_choices.h"
 #include "oscillators.h"
 #include "plan_file.h"
 #include "plan_import.h"
@@ -449,6 +451,48 @@ class ImportTest : public QObject {
         const ImportFile file = parse_import_file("frequenza,colour\n1000,red\n", 0);
         QVERIFY(file.understood);
         QCOMPARE(file.unknown_columns, QStringList{"colour"});
+    }
+
+    void lines_and_the_monitored_tick_are_given_by_choice() {
+        std::vector<programme::ProgramRecord> plan = two_programs();
+        plan[0].monitor_state = false;
+        const auto with = [&](const QByteArray& file, const ImportChoices& choices) {
+            QStringList rows;
+            const ImportPreview preview = preview_import(with_choices(parsed(file), plan, choices),
+                                                         plan, ku_, 0, choices.taken);
+            for (const ImportRow& row : preview.rows)
+                if (row.added())
+                    rows += QStringLiteral("%1 %2 %3 %4")
+                                .arg(row.record.pg_num, row.record.logger_pos)
+                                .arg(row.record.logger_state)
+                                .arg(row.record.monitor_state);
+            return rows;
+        };
+        const QByteArray file = "pg_num,frequenza,logger_pos\n1,1000,\n2,1001,09\n7,1002,\n";
+        QCOMPARE(with(file, {}), QStringList({"001  0 0", "002 09 0 0"}));
+        QCOMPARE(with(file, {TakenNumbers::leave_out, true, true}),
+                 QStringList({"001 10 1 1", "002 09 1 1"}));
+        // The program of the plan that is replaced keeps its line where the file has none.
+        QCOMPARE(with("pg_num,frequenza\n7,1002\n1,1000\n", {TakenNumbers::replace, true, true}),
+                 QStringList({"007 03 1 1", "001 05 1 1"}));
+        QCOMPARE(with("pg_num,frequenza\n7,1002\n", {TakenNumbers::replace, false, true}),
+                 QStringList({"007 03 1 1"}));
+    }
+
+    void where_the_logger_table_is_full_the_rest_come_without_a_line() {
+        QByteArray file = "frequenza\n";
+        for (int k = 0; k < 50; ++k) file += QByteArray::number(1000 + k) + '\n';
+        const ImportPreview preview = preview_import(
+            with_choices(parsed(file), {}, {TakenNumbers::leave_out, true, false}), {}, ku_, 0);
+        QStringList lines;
+        for (const ImportRow& row : preview.rows) {
+            QVERIFY(row.added());
+            QCOMPARE(row.record.logger_state, !row.record.logger_pos.isEmpty());
+            if (row.record.logger_state) lines += row.record.logger_pos;
+        }
+        QCOMPARE(lines.size(), 42);
+        QCOMPARE(QSet<QString>(lines.begin(), lines.end()).size(), 42);
+        QCOMPARE(lines.constFirst(), QStringLiteral("01"));
     }
 };
 

@@ -407,6 +407,85 @@ void PlanScreenTest::edits_are_asked_about_where_that_is_chosen() {
     QVERIFY(!screen_->findChild<QWidget*>(QStringLiteral("edits_bar")));
 }
 
+void PlanScreenTest::lines_and_the_monitored_tick_come_with_an_import() {
+    start_alone();
+    const QString file = file_with(QStringLiteral("p.csv"), "frequenza\n1000\n1001\n");
+    QStringList told;
+    answering_each(
+        pressed("cmdimport"),
+        {choosing(file), [&](QWidget* front) {
+             for (const char* choice : {"import_logger", "import_monitored"})
+                 front->findChild<QCheckBox*>(QLatin1String(choice))->click();
+             told =
+                 front->findChild<QLabel*>(QStringLiteral("import_summary"))->text().split(u'\n');
+             accepting()(front);
+         }});
+    QCOMPARE(told.constLast(), QStringLiteral("In the logger table: 2 of 2."));
+    QCOMPARE(stored(QStringLiteral("logger_pos || logger_state || monitor_state")),
+             QStringLiteral("0111,0211"));
+}
+
+void PlanScreenTest::import_95(bool monitored) {
+    QByteArray rows = "frequenza\n";
+    for (int k = 0; k < 95; ++k) rows += QByteArray::number(1000 + k) + '\n';
+    const QString file = file_with(QStringLiteral("p.csv"), rows);
+    answering_each(pressed("cmdimport"), {choosing(file), [&](QWidget* front) {
+                                              if (monitored) {
+                                                  auto* choice = front->findChild<QCheckBox*>(
+                                                      QStringLiteral("import_monitored"));
+                                                  click_on(choice, {8, choice->height() / 2});
+                                              }
+                                              accepting()(front);
+                                          }});
+}
+
+void PlanScreenTest::click_on(QWidget* place, const QPoint& where) {
+    QTest::mouseClick(place, Qt::LeftButton, {}, where);
+    ++clicks_;
+}
+
+int PlanScreenTest::monitored() {
+    return static_cast<int>(stored(QStringLiteral("monitor_state")).count(u'1'));
+}
+
+void PlanScreenTest::ninety_five_imported_programs_are_monitored_by_one_click_or_two() {
+    start_alone();
+    // As the record alone does it.
+    import_95(false);
+    clicks_ = 0;
+    press("monitor");
+    const auto key = [this](const char* name) {
+        QWidget* button = find<QToolBar>("barracomando")->widgetForAction(find<QAction>(name));
+        click_on(button, button->rect().center());
+    };
+    for (int program = 0; program < 95; ++program) {
+        auto* tick = find<QCheckBox>("monitor_state");
+        click_on(tick, {8, tick->height() / 2});
+        key("store");
+        key("next_prog");
+    }
+    QCOMPARE(monitored(), 95);
+    QCOMPARE(clicks_, 285);
+
+    new_plan(QStringLiteral("B"));
+    import_95(false);
+    clicks_ = 0;
+    const QModelIndex cell = table()->model()->index(0, PlanTable::kMonitored);
+    click_on(table()->viewport(), table()->visualRect(cell.siblingAtColumn(0)).center());
+    QTest::keyClick(table(), Qt::Key_A, Qt::ControlModifier);
+    const QRect tick = table()->visualRect(cell);
+    click_on(table()->viewport(), {tick.left() + 10, tick.center().y()});
+    QCoreApplication::processEvents();
+    QCOMPARE(monitored(), 95);
+    QCOMPARE(clicks_, 2);
+
+    new_plan(QStringLiteral("C"));
+    clicks_ = 0;
+    import_95(true);
+    QCOMPARE(monitored(), 95);
+    QCOMPARE(clicks_, 1);
+}
+
 void PlanScreenTest::the_table_is_folded_and_the_screen_stays_usable_when_small() {
     start_alone();
     type_programs(3);

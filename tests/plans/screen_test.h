@@ -360,6 +360,12 @@ class PlanScreenTest : public QObject, protected ProgramInFolder {
     /// In the status line.
     QString told_below();
     void paste(const QString& text);
+    /// A plan of 95 programs at 1000 MHz and so on, by the import dialog.
+    void import_95(bool monitored);
+    /// A click that is counted.
+    void click_on(QWidget* place, const QPoint& where);
+    int clicks_ = 0;
+    int monitored();
 
   private Q_SLOTS:
     void the_table_shows_the_plan_and_recalls_by_a_click();
@@ -391,6 +397,10 @@ class PlanScreenTest : public QObject, protected ProgramInFolder {
     void a_refused_new_program_is_put_back_on_request();
 
     void edits_are_asked_about_where_that_is_chosen();
+
+    void lines_and_the_monitored_tick_come_with_an_import();
+
+    void ninety_five_imported_programs_are_monitored_by_one_click_or_two();
 
     void the_table_is_folded_and_the_screen_stays_usable_when_small();
 };

@@ -15,11 +15,11 @@ void take_what_leaving_writes(programme::ProgramRecord& shown,
     const auto take = [&](QString programme::ProgramRecord::*box, const QString& left) {
         if (typed.*box == left) shown.*box = left;
     };
-    using Record = programme::ProgramRecord;
-    take(&Record::pg_num, checked_program_number(shown.pg_num));
-    take(&Record::frequenza, checked_frequency(shown.frequenza, shown.loc_osc, oscillator));
-    take(&Record::qpsk_symbolrate, checked_symbol_rate(shown.qpsk_symbolrate));
-    take(&Record::satchbw, bandwidth_on_leaving(shown.satchbw));
+    take(&programme::ProgramRecord::pg_num, checked_program_number(shown.pg_num));
+    take(&programme::ProgramRecord::frequenza,
+         checked_frequency(shown.frequenza, shown.loc_osc, oscillator));
+    take(&programme::ProgramRecord::qpsk_symbolrate, checked_symbol_rate(shown.qpsk_symbolrate));
+    take(&programme::ProgramRecord::satchbw, bandwidth_on_leaving(shown.satchbw));
 }
 
 }  // namespace

@@ -17,6 +17,18 @@ constexpr Bilingual kImportTitle{"Import programs", "Importa programmi"};
 constexpr Bilingual kImportButton{"Import", "Importa"};
 constexpr Bilingual kCancelButton{"Cancel", "Annulla"};
 constexpr Bilingual kReplace{"&Replace programs by number", "&Sostituisci i programmi per numero"};
+constexpr Bilingual kReplaceTip{
+    "A program of the file takes the place of the one that has its number",
+    "Un programma del file prende il posto di quello con lo stesso numero"};
+constexpr Bilingual kLoggerLines{"Give &logger lines", "Assegna righe &datalogger"};
+constexpr Bilingual kLoggerLinesTip{
+    "Each program gets a line of the meter's logger table and is active in it, as far as the 42 "
+    "lines reach",
+    "Ogni programma ha una riga della tabella datalogger e vi è attivo, fin dove bastano le 42 "
+    "righe"};
+constexpr Bilingual kMonitoredAll{"&Monitored", "&Monitorati"};
+constexpr Bilingual kMonitoredTip{"Each program is measured when the plan runs",
+                                  "Ogni programma è misurato quando il piano viene eseguito"};
 constexpr Bilingual kTickAll{"Tick &all", "Spunta &tutti"};
 constexpr Bilingual kTickNone{"Tick &none", "Spunta &nessuno"};
 constexpr Bilingual kTickTip{"A tick on one of several selected rows holds for all of them.",
@@ -36,9 +48,8 @@ ImportDialog::ImportDialog(const ImportFile& file, ImportPreviewer previewer, co
       file_(file),
       previewer_(std::move(previewer)),
       texts_(texts),
-      preview_(previewer_(file_.candidates, TakenNumbers::leave_out)),
-      summary_(new QLabel),
-      replace_(new QCheckBox(texts.pick(kReplace))) {
+      preview_(previewer_(file_.candidates, {})),
+      summary_(new QLabel) {
     setObjectName(QStringLiteral("import_preview"));
     setWindowTitle(texts.pick(kImportTitle));
     summary_->setObjectName(QStringLiteral("import_summary"));
@@ -84,11 +95,26 @@ QWidget* ImportDialog::make_choices() {
     layout->setContentsMargins(0, 0, 0, 0);
     add_tick_key(row, "import_all", kTickAll, true);
     add_tick_key(row, "import_none", kTickNone, false);
-    replace_->setObjectName(QStringLiteral("import_replace"));
-    layout->addWidget(replace_);
+    replace_ = choice_of(row, "import_replace", kReplace, kReplaceTip);
+    logger_ = choice_of(row, "import_logger", kLoggerLines, kLoggerLinesTip);
+    monitored_ = choice_of(row, "import_monitored", kMonitoredAll, kMonitoredTip);
     layout->addStretch();
-    connect(replace_, &QCheckBox::toggled, this, &ImportDialog::look_again);
     return row;
+}
+
+QCheckBox* ImportDialog::choice_of(QWidget* row, const char* name, const Bilingual& caption,
+                                   const Bilingual& tip) {
+    auto* choice = new QCheckBox(texts_.pick(caption));
+    choice->setObjectName(QLatin1String(name));
+    choice->setToolTip(texts_.pick(tip));
+    row->layout()->addWidget(choice);
+    connect(choice, &QCheckBox::toggled, this, &ImportDialog::look_again);
+    return choice;
+}
+
+ImportChoices ImportDialog::choices() const {
+    return {replace_->isChecked() ? TakenNumbers::replace : TakenNumbers::leave_out,
+            logger_->isChecked(), monitored_->isChecked()};
 }
 
 void ImportDialog::add_tick_key(QWidget* row, const char* name, const Bilingual& caption,
@@ -118,12 +144,13 @@ void ImportDialog::tick_all(bool wanted) {
 
 /// What one row leaves free another one takes, so all of them are shown anew.
 void ImportDialog::look_again() {
-    preview_ = previewer_(file_.candidates,
-                          replace_->isChecked() ? TakenNumbers::replace : TakenNumbers::leave_out);
+    preview_ = previewer_(file_.candidates, choices());
     const QSignalBlocker quiet(table_);
     for (int row = 0; row < table_->rowCount(); ++row) show_row(row);
     table_->viewport()->update();
-    summary_->setText(import_summary(file_, preview_, texts_));
+    QString summary = import_summary(file_, preview_, texts_);
+    if (logger_->isChecked()) summary += u'\n' + lines_summary(preview_, texts_);
+    summary_->setText(summary);
     import_->setEnabled(preview_.added() > 0);
 }
 

@@ -8,6 +8,7 @@
 #include <QTableWidget>
 #include <functional>
 
+#include "import_choices.h"
 #include "plan_file.h"
 #include "plan_import.h"
 
@@ -15,7 +16,7 @@ namespace m47::plans {
 
 /// What an import of these candidates will do.
 using ImportPreviewer =
-    std::function<ImportPreview(const std::vector<ImportCandidate>&, TakenNumbers)>;
+    std::function<ImportPreview(const std::vector<ImportCandidate>&, const ImportChoices&)>;
 
 /// Shows what an import will add, replace, correct and leave out, before anything is written, and
 /// lets the user choose its rows; accepted when the user wants it.
@@ -31,6 +32,9 @@ class ImportDialog : public QDialog {
   private:
     QTableWidget* make_table();
     QWidget* make_choices();
+    ImportChoices choices() const;
+    QCheckBox* choice_of(QWidget* row, const char* name, const Bilingual& caption,
+                         const Bilingual& tip);
     void add_tick_key(QWidget* row, const char* name, const Bilingual& caption, bool wanted);
     void tick(QTableWidgetItem* item);
     void tick_all(bool wanted);
@@ -43,6 +47,8 @@ class ImportDialog : public QDialog {
     ImportPreview preview_;
     QLabel* summary_;
     QCheckBox* replace_;
+    QCheckBox* logger_;
+    QCheckBox* monitored_;
     QTableWidget* table_;
     QPushButton* import_;
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "import_words.h"
 
+#include <algorithm>
 #include <array>
 
 namespace m47::plans {
@@ -25,6 +26,8 @@ constexpr Bilingual kBlankGoes{"They replace the empty program of the new plan."
 constexpr Bilingual kIgnoredColumns{"Columns not used: %1", "Colonne non usate: %1"};
 constexpr Bilingual kNotSatellite{"Terrestrial and cable channels left out: %1.",
                                   "Canali terrestri e via cavo esclusi: %1."};
+constexpr Bilingual kInLogger{"In the logger table: %1 of %2.",
+                              "Nella tabella datalogger: %1 su %2."};
 constexpr Bilingual kWillBeAdded{"Added", "Aggiunto"};
 constexpr Bilingual kWillBeCorrected{"Added, corrected: %1", "Aggiunto, corretto: %1"};
 constexpr Bilingual kWillBeReplaced{"Replaces the program of the plan: %1",
@@ -91,6 +94,12 @@ QString import_summary(const ImportFile& file, const ImportPreview& preview, con
         lines += texts.pick(kIgnoredColumns).arg(file.unknown_columns.join(QStringLiteral(", ")));
     if (file.not_satellite > 0) lines += texts.pick(kNotSatellite).arg(file.not_satellite);
     return lines.join(u'\n');
+}
+
+QString lines_summary(const ImportPreview& preview, const Texts& texts) {
+    const auto active = std::ranges::count_if(
+        preview.rows, [](const ImportRow& row) { return row.added() && row.record.logger_state; });
+    return texts.pick(kInLogger).arg(active).arg(preview.added());
 }
 
 }  // namespace m47::plans

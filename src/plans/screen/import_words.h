@@ -22,4 +22,7 @@ QStringList import_cells(const ImportCandidate& candidate, const ImportRow& row,
 /// How many programs come and what else there is to know of the whole file, a line each.
 QString import_summary(const ImportFile& file, const ImportPreview& preview, const Texts& texts);
 
+/// How many of the programs that come are in the logger table.
+QString lines_summary(const ImportPreview& preview, const Texts& texts);
+
 }  // namespace m47::plans

@@ -85,8 +85,9 @@ void ProgramSet::cmdimport_Click() {
     if (program_.corrected.keep_unit) unit_offset.reset();
     ImportDialog dialog(
         file,
-        [&](const std::vector<ImportCandidate>& candidates, TakenNumbers taken) {
-            return preview_import(candidates, programs, oscillators, unit_offset, taken);
+        [&](const std::vector<ImportCandidate>& candidates, const ImportChoices& choices) {
+            return preview_import(with_choices(candidates, programs, choices), programs,
+                                  oscillators, unit_offset, choices.taken);
         },
         program_.texts, this);
     if (dialog.exec() != QDialog::Accepted) return;
