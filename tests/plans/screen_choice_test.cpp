@@ -64,7 +64,7 @@ void PlanScreenTest::what_the_behaviour_as_ever_costs_is_told_once() {
     press("store");
     QCOMPARE(told(), QStringLiteral("Level limits changed to fit the unit: type them again"));
     answering([this] { enter("prog_num", QStringLiteral("1")); }, pressing(QMessageBox::Ok));
-    QCOMPARE(told(), QStringLiteral("The refused program is gone: type it again"));
+    QCOMPARE(told(), QStringLiteral("The refused program has left the boxes: put it back below"));
     type_oscillator(QStringLiteral("9760"));
     QCOMPARE(told(), QString());
     type_oscillator(QStringLiteral("5150"));

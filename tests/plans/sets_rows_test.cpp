@@ -276,4 +276,49 @@ void SetsTest::the_table_follows_the_plan_row_by_row() {
     QCOMPARE(resets, 1);
 }
 
+void SetsTest::transponders_keep_their_names() {
+    const Texts texts;
+    PlanTable table(texts);
+    const auto names = [&] {
+        table.follow(*sets_);
+        QStringList cells;
+        for (int row = 0; row < table.rowCount(); ++row)
+            cells += table.index(row, PlanTable::kName).data().toString();
+        return cells.join(u'|');
+    };
+    QCOMPARE(names(), QString());
+    const auto import = [&](const QByteArray& file) {
+        sets_->apply_import(preview_import(parse_import_file(file, 0).candidates, sets_->programs(),
+                                           sets_->oscillators(), 0));
+    };
+    import("frequenza\n1000\n");
+    QVERIFY(
+        sql(QStringLiteral("SELECT name FROM sqlite_master WHERE name LIKE 'trans%'")).isEmpty());
+    import(
+        "[Sky UK]\nDELIVERY_SYSTEM = DVBS\nFREQUENCY = 10719000\nPOLARIZATION = VERTICAL\n"
+        "SYMBOL_RATE = 27500000\n[Rai]\nDELIVERY_SYSTEM = DVBS\nFREQUENCY = 10721000\n"
+        "POLARIZATION = HORIZONTAL\nSYMBOL_RATE = 27500000\n");
+    QCOMPARE(names(), QStringLiteral("|Sky UK|Rai"));
+    // Tuned finely, and in another order; another polarisation is another transponder.
+    sql(QStringLiteral("UPDATE programmi SET frequenza = 10718 WHERE pg_num = '001'"));
+    sets_->refresh();
+    sets_->reorder({sets_->rows().rbegin(), sets_->rows().rend()});
+    table.follow(*sets_, sets_->rows());
+    QCOMPARE(names(), QStringLiteral("Rai|Sky UK|"));
+    sets_->copy_plan(QStringLiteral("C"));
+    QCOMPARE(names(), QStringLiteral("Rai|Sky UK|"));
+    sets_->copy_program(QStringLiteral("D"));
+    QCOMPARE(names(), QStringLiteral("Rai"));
+    sets_->del_old();
+    const PlanChange deletion = sets_->take_changes().back();
+    sets_->replay(deletion, Direction::back);
+    QCOMPARE(names(), QStringLiteral("Rai"));
+    sets_->replay(deletion, Direction::forth);
+    sets_->add_new(QStringLiteral("D"));
+    QCOMPARE(store(tuned("1", "10721"), true), Clash::none);
+    sql(QStringLiteral("UPDATE programmi SET lnb_volt = 2, frequenza = 10721 WHERE nome = 'D'"));
+    sets_->refresh();
+    QCOMPARE(names(), QString());
+}
+
 }  // namespace m47::plans

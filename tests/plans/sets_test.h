@@ -175,6 +175,8 @@ class SetsTest : public QObject {
     void nothing_of_another_program_is_taken_back();
 
     void the_table_follows_the_plan_row_by_row();
+
+    void transponders_keep_their_names();
 };
 
 }  // namespace m47::plans

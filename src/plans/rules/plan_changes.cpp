@@ -6,6 +6,7 @@
 #include "database_transaction.h"
 #include "fault.h"
 #include "fields.h"
+#include "numbers.h"
 #include "plan_sets.h"
 #include "tables.h"
 
@@ -67,7 +68,10 @@ void PlanSets::add_rows(const QString& name) {
 
 void PlanSets::add_new(const QString& name) {
     all_or_nothing([&] {
-        if (!has_plan(name)) add_rows(name);
+        if (has_plan(name)) return;
+        add_rows(name);
+        // What an earlier plan of this name has left.
+        db::forget_names(database_.connection(), name);
     });
     show_plan(name);
 }
@@ -201,8 +205,18 @@ void PlanSets::apply_import(const ImportPreview& import) {
             write_open(row.record, row.replaces.has_value());
         }
         if (import.oscillators != oscillators()) write_oscillators(import.oscillators);
+        keep_names(import);
     });
     crea_records(plan_);
+}
+
+void PlanSets::keep_names(const ImportPreview& import) {
+    std::vector<db::TransponderName> names;
+    for (const ImportRow& row : import.rows)
+        if (row.added())
+            names.push_back(
+                {link::typed_value(row.record.frequenza), row.record.lnb_volt, row.name});
+    db::write_names(database_.connection(), plan_, names);
 }
 
 }  // namespace m47::plans

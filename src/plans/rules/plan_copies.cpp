@@ -5,6 +5,7 @@
 
 #include "database_transaction.h"
 #include "fields.h"
+#include "numbers.h"
 #include "plan_sets.h"
 #include "program_checks.h"
 #include "tables.h"
@@ -79,6 +80,8 @@ bool PlanSets::copy_plan(const QString& name) {
                 recorder_.was_added(table, to.last_added());
             }
         }
+        db::forget_names(database_.connection(), name);
+        db::write_names(database_.connection(), name, names());
         recorder_.concerns(name);
         copied = true;
     });
@@ -118,7 +121,12 @@ ImportProblem PlanSets::fit_copy(const QString& name, ProgramCopy& copy) const {
 void PlanSets::write_copy(const QString& name, const ProgramCopy& copy) {
     const db::Recordset from = *programs_;
     const bool is_new = !has_plan(name);
+    const programme::ProgramRecord record = program();
+    const double mhz = link::typed_value(record.frequenza);
+    const QString called = db::name_of(names(), mhz, record.lnb_volt);
     if (is_new) add_rows(name);
+    if (is_new) db::forget_names(database_.connection(), name);
+    db::write_names(database_.connection(), name, {{mhz, record.lnb_volt, called}});
     crea_records(name);
     recorder_.concerns(name);
     if (is_new || copy.replaces_blank) remove_current();

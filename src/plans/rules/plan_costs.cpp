@@ -16,8 +16,9 @@ constexpr Bilingual kEmptySent{
 constexpr Bilingual kToneBurst{"A program without DiSEqC was sent with TONE BURST: choose NONE",
                                "Un programma senza DiSEqC è stato inviato con TONE BURST: "
                                "scegliere NONE"};
-constexpr Bilingual kTypedLost{"The refused program is gone: type it again",
-                               "Il programma rifiutato non c'è più: scriverlo di nuovo"};
+constexpr Bilingual kTypedLost{"The refused program has left the boxes: put it back below",
+                               "Il programma rifiutato ha lasciato le caselle: riprenderlo in "
+                               "basso"};
 constexpr Bilingual kUnchecked{
     "Other programs are out of range of the new oscillator: store each of them",
     "Altri programmi sono fuori campo con il nuovo oscillatore: memorizzarli uno a uno"};

@@ -57,6 +57,11 @@ std::vector<PlanRow> PlanSets::read_rows(const std::vector<db::Bookmark>& rows) 
     return read;
 }
 
+const std::vector<db::TransponderName>& PlanSets::names() const {
+    if (!names_) names_ = db::read_names(database_.connection(), plan_);
+    return *names_;
+}
+
 const std::vector<db::Bookmark>& PlanSets::rows() const {
     static const std::vector<db::Bookmark> kNone;
     return programs_ ? programs_->rows() : kNone;

@@ -60,6 +60,7 @@ class Importer {
     void take(const ImportCandidate& candidate) {
         ImportRow row{
             candidate.line, candidate.record, candidate.oscillator, {}, candidate.problem};
+        row.name = candidate.name;
         if (row.added() && !candidate.wanted) row.problem = ImportProblem::unwanted;
         if (row.added()) row.problem = fit(row, candidate);
         if (row.added()) {

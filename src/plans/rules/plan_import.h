@@ -58,6 +58,7 @@ struct ImportRow {
     ImportProblem problem = ImportProblem::none;
     std::optional<programme::ProgramRecord> replaces{};  ///< the program of the plan, as it was
     QStringList changes{};                               ///< of that one, as `corrections`
+    QString name{};                                      ///< of its transponder, where it has one
 
     /// True where it will be stored, as a new program or over one of the plan.
     bool added() const { return problem == ImportProblem::none; }

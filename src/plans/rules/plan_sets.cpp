@@ -41,6 +41,7 @@ void PlanSets::crea_records(const QString& plan) {
     plan_ = name;
     programs_ = std::move(programs);
     config_ = std::move(config);
+    names_.reset();
 }
 
 /// Makes the plan `name` the current row of the list of plans. False where it has none.

@@ -15,6 +15,7 @@
 #include "plan_rows.h"
 #include "program_record.h"
 #include "stored_program.h"
+#include "transponder_names.h"
 
 namespace m47::plans {
 
@@ -132,6 +133,8 @@ class PlanSets {
 
     /// Those of `rows` that are still there, as they are in the file.
     std::vector<PlanRow> read_rows(const std::vector<db::Bookmark>& rows) const;
+    /// What its transponders are called in the files they were imported from.
+    const std::vector<db::TransponderName>& names() const;
     /// The rows of the plan's programs, in its order.
     const std::vector<db::Bookmark>& rows() const;
 
@@ -160,6 +163,7 @@ class PlanSets {
     void replay(const PlanChange& change, Direction direction);
 
   private:
+    void keep_names(const ImportPreview& import);
     void all_or_nothing(const std::function<void()>& body);
     bool find_plan(const QString& name);
     bool requery_plans();
@@ -201,6 +205,8 @@ class PlanSets {
     const CorrectedBehaviour& corrected_;
     QStringList checked_;
     bool unchecked_ = false;
+    /// Of the current plan, once they have been asked for.
+    mutable std::optional<std::vector<db::TransponderName>> names_;
     ChangeRecorder recorder_;
     std::vector<PlanChange> changes_;
     db::Recordset plans_;

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <utility>
 
 #include "numbers.h"
 #include "plan_sets.h"
@@ -95,10 +96,14 @@ PlanTable::PlanTable(const Texts& texts)
 }
 
 void PlanTable::follow_anew(const PlanSets& sets) {
+    std::vector<PlanRow> rows = sets.read_rows(sets.rows());
+    std::vector<db::TransponderName> names = sets.names();
+    // Nothing can fail any more.
     beginResetModel();
     plan_ = sets.plan();
     oscillators_ = sets.oscillators();
-    rows_ = sets.read_rows(sets.rows());
+    names_ = std::move(names);
+    rows_ = std::move(rows);
     endResetModel();
 }
 
@@ -111,10 +116,17 @@ void PlanTable::follow(const PlanSets& sets, const std::vector<db::Bookmark>& ch
         if (place_of(row) >= 0) shown.push_back(row);
     for (const PlanRow& row : sets.read_rows(shown)) take(row);
     if (const auto current = sets.current_row()) take({*current, sets.stored().program});
+    take_names(sets);
     const programme::Oscillators oscillators = sets.oscillators();
     if (oscillators == oscillators_) return;
     oscillators_ = oscillators;
     if (!rows_.empty()) Q_EMIT dataChanged(index(0, kBand), index(rowCount() - 1, kBand));
+}
+
+void PlanTable::take_names(const PlanSets& sets) {
+    if (sets.names() == names_) return;
+    names_ = sets.names();
+    if (!rows_.empty()) Q_EMIT dataChanged(index(0, kName), index(rowCount() - 1, kName));
 }
 
 void PlanTable::remove_gone(const std::vector<db::Bookmark>& rows) {
@@ -152,10 +164,6 @@ int PlanTable::place_of(db::Bookmark row) const {
     return static_cast<int>(place - rows_.begin());
 }
 
-bool PlanTable::has_names() const {
-    return false;
-}
-
 int PlanTable::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : static_cast<int>(rows_.size());
 }
@@ -176,6 +184,8 @@ QString PlanTable::text_of(const programme::ProgramRecord& program, int column) 
             return program.pg_num.trimmed();
         case kLine:
             return program.logger_pos.trimmed();
+        case kName:
+            return db::name_of(names_, link::typed_value(program.frequenza), program.lnb_volt);
         case kFrequency:
             return program.frequenza;
         case kPolarisation:

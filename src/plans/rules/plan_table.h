@@ -9,6 +9,7 @@
 #include "oscillators.h"
 #include "plan_rows.h"
 #include "texts.h"
+#include "transponder_names.h"
 
 namespace m47::plans {
 
@@ -51,8 +52,8 @@ class PlanTable : public QAbstractTableModel {
     const PlanRow& program(int row) const { return rows_[static_cast<std::size_t>(row)]; }
     /// Where the program of that row stands; -1 where it does not.
     int place_of(db::Bookmark row) const;
-    /// True where a program of the plan has a name.
-    bool has_names() const;
+    /// True where a transponder of the plan has a name.
+    bool has_names() const { return !names_.empty(); }
 
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
@@ -65,6 +66,7 @@ class PlanTable : public QAbstractTableModel {
     void remove_gone(const std::vector<db::Bookmark>& rows);
     void insert_come(const PlanSets& sets);
     void take(const PlanRow& row);
+    void take_names(const PlanSets& sets);
     QString text_of(const programme::ProgramRecord& program, int column) const;
     QVariant sort_value(const programme::ProgramRecord& program, int column) const;
     QString band_of(const programme::ProgramRecord& program) const;
@@ -75,6 +77,7 @@ class PlanTable : public QAbstractTableModel {
     QString plan_;
     std::vector<PlanRow> rows_;
     programme::Oscillators oscillators_;
+    std::vector<db::TransponderName> names_;
 };
 
 }  // namespace m47::plans
