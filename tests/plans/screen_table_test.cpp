@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The table of programs beside the record, edits that are not stored, and what is taken back.
 #include <QClipboard>
+#include <QScrollArea>
+#include <QStatusBar>
 #include <QTableView>
 
 #include "plan_table.h"
@@ -491,10 +493,27 @@ void PlanScreenTest::the_table_is_folded_and_the_screen_stays_usable_when_small(
     type_programs(3);
     QVERIFY(table()->isVisible());
     QVERIFY(table()->width() > 200);
+    // Where there is no room for it, it is folded until somebody wants it.
+    window().resize(640, 480);
+    QTRY_VERIFY(!table()->isVisible());
+    window().resize(1024, 600);
+    QTRY_VERIFY(table()->isVisible());
     find<QAction>("cmdtable")->trigger();
     QVERIFY(!table()->isVisible());
+    window().resize(1100, 600);
+    QTest::qWait(20);
+    QVERIFY(!table()->isVisible());
+    window().resize(512, 300);
     find<QAction>("cmdtable")->trigger();
     QVERIFY(table()->isVisible());
+    // Every box can be scrolled to.
+    auto* area = find<QScrollArea>("record_area");
+    area->ensureWidgetVisible(find<QWidget>("mer_maxtxt"));
+    const QRect seen(area->viewport()->mapToGlobal(QPoint()), area->viewport()->size());
+    QWidget* box = find<QWidget>("chbw_txt");
+    area->ensureWidgetVisible(box);
+    QVERIFY(seen.intersects({box->mapToGlobal(QPoint()), box->size()}));
+    QVERIFY(window().findChild<QStatusBar*>()->isVisible());
 }
 
 }  // namespace m47::plans

@@ -312,8 +312,10 @@ void SetsTest::transponders_keep_their_names() {
     sets_->del_old();
     const PlanChange deletion = sets_->take_changes().back();
     sets_->replay(deletion, Direction::back);
+    sets_->show_changed(deletion, Direction::back);
     QCOMPARE(names(), QStringLiteral("Rai"));
     sets_->replay(deletion, Direction::forth);
+    sets_->show_changed(deletion, Direction::forth);
     sets_->add_new(QStringLiteral("D"));
     QCOMPARE(store(tuned("1", "10721"), true), Clash::none);
     sql(QStringLiteral("UPDATE programmi SET lnb_volt = 2, frequenza = 10721 WHERE nome = 'D'"));

@@ -370,9 +370,10 @@ class FailingDatabaseTest : public QObject, protected ProgramInFolder {
         find<QAction>("program")->trigger();
         QWidget* screen = window().screen_of("program");
         const QList<Key> keys{
-            {"next"},      {"previous"},   {"next_prog"}, {"previous_prog"},
-            {"store"},     {"store_new"},  {"accoda"},    {"programma_delete", yes},
-            {"new", name}, {"delete", yes}};
+            {"next"},      {"previous"},    {"next_prog"},     {"previous_prog"},
+            {"store"},     {"store_new"},   {"accoda"},        {"programma_delete", yes},
+            {"new", name}, {"delete", yes}, {"cmdinsertrows"}, {"cmdrowup"},
+            {"cmdundo"},   {"cmdredo"},     {"cmdundo"},       {"cmddeleterows", yes}};
         for (const Key& key : keys) {
             fail_each_statement([&](int nth, int code) {
                 BoxAnswers boxes;

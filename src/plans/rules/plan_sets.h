@@ -157,10 +157,12 @@ class PlanSets {
 
     /// What has been changed in the file since the last call, a change for each deed.
     std::vector<PlanChange> take_changes() { return std::exchange(changes_, {}); }
-    /// Takes `change` back or makes it again and shows what it concerns. ChangeRefused, and nothing
-    /// is changed, where the file does not hold what the change has left there, or where a number
-    /// or a logger line that comes back is taken.
+    /// Takes `change` back or makes it again in the file; show_changed() is to follow.
+    /// ChangeRefused, and nothing is changed, where the file does not hold what the change has left
+    /// there, or where a number or a logger line that comes back is taken.
     void replay(const PlanChange& change, Direction direction);
+    /// Makes current what `change` concerns.
+    void show_changed(const PlanChange& change, Direction direction);
 
   private:
     void keep_names(const ImportPreview& import);
@@ -187,7 +189,6 @@ class PlanSets {
     void write_open(const programme::ProgramRecord& record, bool over);
     void need_as_left(const PlanChange& change, Direction direction);
     void need_whole_plan(const PlanChange& change, Direction direction);
-    void show_changed(const PlanChange& change, Direction direction);
     void begin_checks();
     void tell_checked();
     void reopen(std::optional<db::Bookmark> current);

@@ -80,6 +80,14 @@ bool is_ticked(const Record& program, int column) {
     return column == PlanTable::kLogger ? program.logger_state : program.monitor_state;
 }
 
+/// Numbers stand by their last digit.
+int alignment_of(int column) {
+    if (column == PlanTable::kName || column == PlanTable::kBand)
+        return Qt::AlignVCenter | Qt::AlignLeft;
+    if (column == PlanTable::kPolarisation) return Qt::AlignCenter;
+    return Qt::AlignVCenter | Qt::AlignRight;
+}
+
 QString polarisation_by_supply(const Record& program) {
     if (program.lnb_volt == 1) return QStringLiteral("V");
     return program.lnb_volt == 2 ? QStringLiteral("H") : QString();
@@ -221,8 +229,7 @@ QVariant PlanTable::data(const QModelIndex& index, int role) const {
             if (is_tick(column)) return is_ticked(program, column) ? Qt::Checked : Qt::Unchecked;
             break;
         case Qt::TextAlignmentRole:
-            if (column != kName && column != kBand) return int{Qt::AlignVCenter | Qt::AlignRight};
-            break;
+            return alignment_of(column);
         case kSortRole:
             return sort_value(program, column);
         default:

@@ -99,7 +99,6 @@ void PlanSets::replay(const PlanChange& change, Direction direction) {
                           outcome_of(row, direction));
         need_whole_plan(change, direction);
     });
-    show_changed(change, direction);
 }
 
 }  // namespace m47::plans

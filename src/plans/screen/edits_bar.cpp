@@ -2,7 +2,6 @@
 #include "edits_bar.h"
 
 #include <QHBoxLayout>
-#include <QStyle>
 
 namespace m47::plans {
 namespace {
@@ -20,7 +19,7 @@ EditsBar::EditsBar(const Texts& texts)
     text_->setWordWrap(true);
     put_back_->setObjectName(QStringLiteral("edits_back"));
     dismiss_->setObjectName(QStringLiteral("edits_forget"));
-    dismiss_->setIcon(style()->standardIcon(QStyle::SP_DialogCloseButton));
+    dismiss_->setText(QStringLiteral("×"));
     dismiss_->setToolTip(texts.pick(kForget));
     dismiss_->setAccessibleName(texts.pick(kForget));
     auto* layout = new QHBoxLayout(this);

@@ -6,9 +6,15 @@
 #include <algorithm>
 
 namespace m47::plans {
+namespace {
+
+constexpr Bilingual kTableName{"Programs of the plan", "Programmi del piano"};
+
+}  // namespace
 
 PlanTableView::PlanTableView(const Texts& texts) : table_(texts) {
     setObjectName(QStringLiteral("plan_table"));
+    setAccessibleName(texts.pick(kTableName));
     order_.setSourceModel(&table_);
     order_.setSortRole(PlanTable::kSortRole);
     setModel(&order_);

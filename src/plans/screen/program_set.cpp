@@ -83,19 +83,26 @@ void ProgramSet::handle(const char* name, const std::function<void()>& body) {
     Screen::handle(name, [&] {
         try {
             body();
-        } catch (const db::RecordGone&) {
-            table_is_old_ = true;
-            show_current_row();
             follow_changes();
+        } catch (const db::RecordGone&) {
+            show_after_fault();
             tell_problem(this, program_.texts.pick(kProgramGone));
         } catch (const std::exception&) {
-            table_is_old_ = true;
-            show_current_row();
-            follow_changes();
+            show_after_fault();
             throw;
         }
     });
-    follow_changes();
+}
+
+/// The program and the table as they are now; what fails with that is not told beside the fault.
+void ProgramSet::show_after_fault() {
+    show_current_row();
+    table_is_old_ = true;
+    try {
+        follow_changes();
+    } catch (const Fault&) {
+        // The next handler brings the table into step.
+    }
 }
 
 /// After a fault the boxes may hold another program than the one that would be overwritten next.

@@ -54,10 +54,12 @@ class ProgramSet : public Screen {
 
   protected:
     void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
   private:
     void handle(const char* name, const std::function<void()>& body) override;
     void show_current_row();
+    void show_after_fault();
     void connect_boxes();
     void connect_oscillators();
     void connect_lists();
@@ -170,6 +172,9 @@ class ProgramSet : public Screen {
     std::optional<LostEdits> lost_;
     bool refused_new_ = false;
     PlanTableView* table_;
+    QAction* show_table_ = nullptr;
+    /// The user has folded the table or opened it: it stays so in a window of any width.
+    bool table_chosen_ = false;
     EditsBar* edits_bar_ = nullptr;
     std::unique_ptr<PlanHistory> history_;
     /// Others may have changed any row of the table.

@@ -8,7 +8,6 @@
 #include <utility>
 
 #include "diseqc_commands.h"
-#include "fault.h"
 #include "plan_clip.h"
 #include "plan_questions.h"
 #include "program_set.h"
@@ -37,6 +36,9 @@ constexpr Bilingual kRefusedPaste{"Row %1 cannot be pasted: %2 Nothing was paste
                                   "incollato."};
 constexpr Bilingual kNoSelection{"Select rows of the table first.",
                                  "Selezionare prima delle righe della tabella."};
+
+/// Of characters: number, frequency and polarisation are then to be seen.
+constexpr int kLeastColumns = 24;
 
 /// More numbers than these say nothing to anybody.
 constexpr qsizetype kNumbersTold = 8;
@@ -96,7 +98,17 @@ void ProgramSet::connect_edit_menu() {
     entry(menu.row_up, "cmdrowup_Click", [this] { move_rows(true); });
     entry(menu.row_down, "cmdrowdown_Click", [this] { move_rows(false); });
     entry(menu.keep_order, "cmdkeeporder_Click", [this] { keep_order(); });
-    connect(menu.show_table, &QAction::toggled, table_, &QWidget::setVisible);
+    show_table_ = menu.show_table;
+    connect(show_table_, &QAction::toggled, table_, &QWidget::setVisible);
+    connect(show_table_, &QAction::triggered, this, [this] { table_chosen_ = true; });
+}
+
+/// Where the record needs the whole width, the table would only take from it.
+void ProgramSet::resizeEvent(QResizeEvent* event) {
+    Screen::resizeEvent(event);
+    if (table_chosen_ || !show_table_) return;
+    const int least = fontMetrics().averageCharWidth() * kLeastColumns;
+    show_table_->setChecked(width() >= ui_->centralwidget->sizeHint().width() + least);
 }
 
 /// What a handler has stored goes into the history, and the table shows it.
@@ -108,14 +120,11 @@ void ProgramSet::follow_changes() {
                 changed.push_back(row.row);
         history_->add(std::move(change));
     }
-    if (std::exchange(table_is_old_, false)) changed = sets_.rows();
-    try {
-        table_->follow(sets_, changed);
-        table_->show_current(shown_row_);
-    } catch (const Fault&) {
-        // The file cannot be read just now, which the handler has told.
-        table_is_old_ = true;
-    }
+    if (table_is_old_) changed = sets_.rows();
+    table_is_old_ = true;
+    table_->follow(sets_, changed);
+    table_is_old_ = false;
+    table_->show_current(shown_row_);
     mark_edits();
 }
 
@@ -227,15 +236,18 @@ void ProgramSet::step(Direction direction) {
     follow_changes();
     const PlanChange* next = history_->next(direction);
     if (!next) return;
-    const Said words = change_in_words(*next);
+    const PlanChange change = *next;
+    const Said words = change_in_words(change);
     try {
-        sets_.replay(*next, direction);
+        sets_.replay(change, direction);
     } catch (const ChangeRefused&) {
         history_->drop(direction);
         throw;
     }
+    // Whatever happens to the showing, the file is there.
     history_->took(direction);
     table_is_old_ = true;
+    sets_.show_changed(change, direction);
     move_plan(true);
     tell({direction == Direction::back ? kUndone : kRedone, {words.in(program_.texts)}});
 }
