@@ -168,6 +168,7 @@ void PlanSets::write_order(const std::vector<db::Bookmark>& order) {
     if (!std::ranges::is_permutation(order, places)) throw Fault(kRowsChanged);
     const QString table = QString::fromLatin1(db::table::kProgrammi);
     std::vector<std::optional<db::StoredRow>> contents;
+    contents.reserve(order.size());
     for (const db::Bookmark row : order)
         contents.push_back(db::read_row(database_.connection(), table, row));
     for (std::size_t place = 0; place < places.size(); ++place) {

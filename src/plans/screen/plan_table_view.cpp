@@ -84,6 +84,7 @@ std::vector<PlanRow> PlanTableView::selected() const {
     for (const QModelIndex& index : selectionModel()->selectedRows()) places.push_back(index.row());
     std::ranges::sort(places);
     std::vector<PlanRow> rows;
+    rows.reserve(places.size());
     for (const int place : places)
         rows.push_back(table_.program(order_.mapToSource(order_.index(place, 0)).row()));
     return rows;
@@ -127,6 +128,7 @@ void PlanTableView::selectionChanged(const QItemSelection& selected,
 
 void PlanTableView::select_rows_of(const std::vector<PlanRow>& rows) {
     std::vector<db::Bookmark> bookmarks;
+    bookmarks.reserve(rows.size());
     for (const PlanRow& row : rows) bookmarks.push_back(row.row);
     select(bookmarks);
 }

@@ -212,6 +212,7 @@ void ProgramSet::move_rows(bool up) {
     const std::vector<db::Bookmark> order = moved_rows(table_->shown_order(), rows, up);
     reorder(order);
     std::vector<db::Bookmark> moved;
+    moved.reserve(rows.size());
     for (const PlanRow& row : rows)
         moved.push_back(sets_.rows()[static_cast<std::size_t>(std::ranges::find(order, row.row) -
                                                               order.begin())]);
