@@ -10,6 +10,7 @@
 
 namespace m47::plans {
 
+
 QTableView* PlanScreenTest::table() {
     return find<QTableView>("plan_table");
 }

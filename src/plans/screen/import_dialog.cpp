@@ -63,7 +63,7 @@ ImportDialog::ImportDialog(const ImportFile& file, ImportPreviewer previewer, co
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(summary_);
-    layout->addWidget(make_choices());
+    layout->addLayout(make_choices());
     layout->addWidget(table_);
     layout->addWidget(buttons);
     look_again();
@@ -89,25 +89,29 @@ QTableWidget* ImportDialog::make_table() {
     return table;
 }
 
-QWidget* ImportDialog::make_choices() {
-    auto* row = new QWidget;
-    auto* layout = new QHBoxLayout(row);
-    layout->setContentsMargins(0, 0, 0, 0);
-    add_tick_key(row, "import_all", kTickAll, true);
-    add_tick_key(row, "import_none", kTickNone, false);
-    replace_ = choice_of(row, "import_replace", kReplace, kReplaceTip);
-    logger_ = choice_of(row, "import_logger", kLoggerLines, kLoggerLinesTip);
-    monitored_ = choice_of(row, "import_monitored", kMonitoredAll, kMonitoredTip);
-    layout->addStretch();
-    return row;
+/// In two rows: one would be wider than a small screen.
+QLayout* ImportDialog::make_choices() {
+    auto* rows = new QVBoxLayout;
+    auto* keys = new QHBoxLayout;
+    auto* numbers = new QHBoxLayout;
+    add_tick_key(keys, "import_all", kTickAll, true);
+    add_tick_key(keys, "import_none", kTickNone, false);
+    monitored_ = choice_of(keys, "import_monitored", kMonitoredAll, kMonitoredTip);
+    replace_ = choice_of(numbers, "import_replace", kReplace, kReplaceTip);
+    logger_ = choice_of(numbers, "import_logger", kLoggerLines, kLoggerLinesTip);
+    for (QHBoxLayout* row : {keys, numbers}) {
+        row->addStretch();
+        rows->addLayout(row);
+    }
+    return rows;
 }
 
-QCheckBox* ImportDialog::choice_of(QWidget* row, const char* name, const Bilingual& caption,
+QCheckBox* ImportDialog::choice_of(QLayout* row, const char* name, const Bilingual& caption,
                                    const Bilingual& tip) {
     auto* choice = new QCheckBox(texts_.pick(caption));
     choice->setObjectName(QLatin1String(name));
     choice->setToolTip(texts_.pick(tip));
-    row->layout()->addWidget(choice);
+    row->addWidget(choice);
     connect(choice, &QCheckBox::toggled, this, &ImportDialog::look_again);
     return choice;
 }
@@ -117,14 +121,14 @@ ImportChoices ImportDialog::choices() const {
             logger_->isChecked(), monitored_->isChecked()};
 }
 
-void ImportDialog::add_tick_key(QWidget* row, const char* name, const Bilingual& caption,
+void ImportDialog::add_tick_key(QLayout* row, const char* name, const Bilingual& caption,
                                 bool wanted) {
     auto* key = new QPushButton(texts_.pick(caption));
     key->setObjectName(QLatin1String(name));
     key->setAutoDefault(false);
     key->setToolTip(texts_.pick(kTickTip));
     connect(key, &QPushButton::clicked, this, [this, wanted] { tick_all(wanted); });
-    row->layout()->addWidget(key);
+    row->addWidget(key);
 }
 
 void ImportDialog::tick(QTableWidgetItem* item) {

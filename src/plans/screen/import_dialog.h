@@ -4,6 +4,7 @@
 #include <QCheckBox>
 #include <QDialog>
 #include <QLabel>
+#include <QLayout>
 #include <QPushButton>
 #include <QTableWidget>
 #include <functional>
@@ -31,11 +32,11 @@ class ImportDialog : public QDialog {
 
   private:
     QTableWidget* make_table();
-    QWidget* make_choices();
+    QLayout* make_choices();
     ImportChoices choices() const;
-    QCheckBox* choice_of(QWidget* row, const char* name, const Bilingual& caption,
+    QCheckBox* choice_of(QLayout* row, const char* name, const Bilingual& caption,
                          const Bilingual& tip);
-    void add_tick_key(QWidget* row, const char* name, const Bilingual& caption, bool wanted);
+    void add_tick_key(QLayout* row, const char* name, const Bilingual& caption, bool wanted);
     void tick(QTableWidgetItem* item);
     void tick_all(bool wanted);
     void look_again();
