@@ -10,7 +10,6 @@
 
 namespace m47::plans {
 
-
 QTableView* PlanScreenTest::table() {
     return find<QTableView>("plan_table");
 }

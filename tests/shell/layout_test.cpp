@@ -121,7 +121,16 @@ class LayoutTest : public QObject, protected ProgramInFolder {
         if (key == "program")
             return {{"as it opens"},
                     {"digital", [this](Screen* screen) { tick(screen, "cmd_dig"); }},
-                    {"monitored", [this](Screen* screen) { tick(screen, "monitor_state"); }}};
+                    {"monitored", [this](Screen* screen) { tick(screen, "monitor_state"); }},
+                    {"edits offered back",
+                     [this](Screen* screen) {
+                         find<QLineEdit>("sat_freq_txt", screen)->setText("1234.5");
+                         find<QAction>("next_prog", screen)->trigger();
+                     }},
+                    {"table opened", [this](Screen* screen) {
+                         if (!find<QAction>("cmdtable", screen)->isChecked())
+                             find<QAction>("cmdtable", screen)->trigger();
+                     }}};
         if (key == "download")
             return {{"text"},
                     {"table", [this](Screen* screen) { turn_page(screen, "pages", 1); }},
@@ -333,8 +342,9 @@ QMap<QString, LayoutTest::MakeDialog> LayoutTest::dialogs() {
     QMap<QString, MakeDialog> made;
     made["import"] = [&texts](QWidget* parent) {
         const auto preview = [](const std::vector<plans::ImportCandidate>& candidates,
-                                plans::TakenNumbers taken) {
-            return plans::preview_import(candidates, {}, kKu, 0.0, taken);
+                                const plans::ImportChoices& choices) {
+            return plans::preview_import(plans::with_choices(candidates, {}, choices), {}, kKu, 0.0,
+                                         choices.taken);
         };
         return new plans::ImportDialog(import_file(), preview, texts, parent);
     };
