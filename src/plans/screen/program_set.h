@@ -175,6 +175,8 @@ class ProgramSet : public Screen {
     QAction* show_table_ = nullptr;
     /// The user has folded the table or opened it: it stays so in a window of any width.
     bool table_chosen_ = false;
+    /// Record and table, and below them what is offered back.
+    QLayout* below_ = nullptr;
     EditsBar* edits_bar_ = nullptr;
     std::unique_ptr<PlanHistory> history_;
     /// Others may have changed any row of the table.

@@ -46,7 +46,7 @@ void ProgramSet::offer_lost_edits() {
         edits_bar_ = new EditsBar(program_.texts);
         when(edits_bar_, &EditsBar::put_back_asked, "edits_back_Click", [this] { put_back(); });
         connect(edits_bar_, &EditsBar::dismissed, this, [this] { forget_lost_edits(); });
-        centralWidget()->layout()->addWidget(edits_bar_);
+        below_->addWidget(edits_bar_);
     }
     const Texts& texts = program_.texts;
     if (lost_->refused_new)

@@ -66,6 +66,7 @@ void ProgramSet::put_table_beside() {
     auto* layout = new QVBoxLayout(whole);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(splitter, 1);
+    below_ = layout;
     splitter->addWidget(new RecordArea(takeCentralWidget()));
     splitter->addWidget(table_);
     splitter->setCollapsible(0, false);
