@@ -11,6 +11,10 @@ namespace {
 constexpr Bilingual kBetween{"a run was between two measurements, rows on the page: %1",
                              "un ciclo era fra due misure, righe nella pagina: %1"};
 
+constexpr Bilingual kPassGoesOn{"Program %1 of %2", "Programma %1 di %2"};
+constexpr Bilingual kPassBegins{"Measuring the plan", "Misura del piano"};
+constexpr Bilingual kTimedGoesOn{"Next measurement in %1", "Prossima misura fra %1"};
+
 /// With no plan open the record sets cannot move; that ends the handler and needs no message. A
 /// database that cannot be read is told.
 void quietly(const std::function<void()>& body) {
@@ -24,6 +28,17 @@ void quietly(const std::function<void()>& body) {
 }
 
 }  // namespace
+
+Acquisition::Acquisition(realtime::RealtimeRules& rules, const Ticks& ticks, PassNews news)
+    : rules_(rules), ticks_(ticks), pass_(rules, [this, news = std::move(news)] {
+          PassNews followed = news;
+          followed.progress = [this, tell = news.progress](int place, int monitored) {
+              place_ = place;
+              monitored_ = monitored;
+              if (tell) tell(place, monitored);
+          };
+          return followed;
+      }()) {}
 
 void Acquisition::single() {
     realtime::RealtimePanel& panel = rules_.panel;
@@ -73,12 +88,48 @@ void Acquisition::single_acq() {
         ~Running() { active = false; }
     } running{rules_.state.plan_run_active};
     rules_.state.plan_run_active = true;
-    rules_.measure_once();
+    or_end_runs([this] { rules_.measure_once(); });
+}
+
+void Acquisition::or_end_runs(const std::function<void()>& body) {
+    const bool one_goes_on = running().has_value();
+    try {
+        body();
+    } catch (const Interrupted&) {
+        if (one_goes_on) end_runs();
+        throw;
+    }
+}
+
+/// As "&Stop", also where the user has gone on to a single element since the pass began.
+void Acquisition::end_runs() {
+    const bool pass =
+        rules_.state.acq_kind != realtime::kPlan && (passing() || rules_.state.plan_run_active);
+    stop();
+    if (!pass) return;
+    ticks_.pass.stop();
+    pass_.stop();
 }
 
 std::optional<Said> Acquisition::running() const {
     if (!timed() && !passing()) return std::nullopt;
     return Said{kBetween, {QString::number(rules_.cycle.rows())}};
+}
+
+std::optional<link::Activity::Run> Acquisition::run() {
+    const std::optional<Said> how_far = running();
+    if (!how_far) return std::nullopt;
+    Said what{kTimedGoesOn, {realtime::time_left_text(rules_.state.ticks_left)}};
+    if (passing() && monitored_ > 0)
+        what = {kPassGoesOn, {QString::number(place_), QString::number(monitored_)}};
+    else if (passing())
+        what = {kPassBegins, {}};
+    const bool counted = passing() && monitored_ > 0;
+    return link::Activity::Run{.what = what,
+                               .how_far = *how_far,
+                               .done = counted ? place_ : 0,
+                               .all = counted ? monitored_ : 0,
+                               .stop = [this] { end_runs(); }};
 }
 
 void Acquisition::multiple_acq() {
@@ -149,7 +200,9 @@ void Acquisition::Timer1_Timer() {
     rules_.panel.time_state = realtime::LampColour::red;
     rules_.panel.repaint();
     // The lamp of a firing that could not begin stays red.
-    if (fire()) rules_.panel.time_state = realtime::LampColour::green;
+    bool fired = false;
+    or_end_runs([&] { fired = fire(); });
+    if (fired) rules_.panel.time_state = realtime::LampColour::green;
     time_delay_Click();
 }
 
@@ -169,7 +222,7 @@ void Acquisition::Timer2_Timer() {
     rules_.panel.time_state = realtime::LampColour::red;
     rules_.panel.repaint();
     ticks_.pass.stop();
-    pass_.step();
+    or_end_runs([this] { pass_.step(); });
     if (passing()) ticks_.pass.start();
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <functional>
 #include <optional>
 
 #include "plan_pass.h"
@@ -22,8 +23,7 @@ struct Ticks {
 class Acquisition {
   public:
     /// `news` of the passes.
-    Acquisition(realtime::RealtimeRules& rules, const Ticks& ticks, PassNews news)
-        : rules_(rules), ticks_(ticks), pass_(rules, std::move(news)) {}
+    Acquisition(realtime::RealtimeRules& rules, const Ticks& ticks, PassNews news);
 
     // The toolbar keys.
     void single();
@@ -51,6 +51,8 @@ class Acquisition {
     bool passing() const { return pass_.running(); }
     /// How far a timed run or a pass is that goes on by itself; nothing where none does.
     std::optional<Said> running() const;
+    /// The same for whoever watches, and how it is stopped; nothing where none goes on.
+    std::optional<link::Activity::Run> run();
 
   private:
     using Move = void (realtime::PlanWalk::*)();
@@ -58,6 +60,9 @@ class Acquisition {
     /// Another plan; a pass that runs goes on there.
     void change_plan(Move move);
     void change_program(Move move);
+    /// Whoever stops a measurement means the run that goes on as well.
+    void or_end_runs(const std::function<void()>& body);
+    void end_runs();
     bool fire();
     void show_time_left();
     void go_to_first_program(bool starts);
@@ -65,6 +70,8 @@ class Acquisition {
     realtime::RealtimeRules& rules_;
     Ticks ticks_;
     PlanPass pass_;
+    int place_ = 0;      ///< of the pass
+    int monitored_ = 0;  ///< programs in it
 };
 
 }  // namespace m47::acquisition

@@ -8,7 +8,7 @@
 #include <cstdio>
 #include <thread>
 
-#include "contrast_style.h"
+#include "busy_style.h"
 #include "database_error.h"
 #include "display.h"
 #include "end_signals.h"
@@ -198,7 +198,7 @@ int run_with_options(int argc, char** argv, const Options& options) {
     if (options.export_plan.asked()) return export_plan_unattended(*database, options, state.texts);
     if (options.import_plan.asked()) return import_plan_unattended(*database, options, state.texts);
     if (options.measure) return measure_unattended(state, *database, ports_of(options), options);
-    QApplication::setStyle(new ContrastStyle);
+    QApplication::setStyle(new BusyStyle);
     Program program(state, std::move(database), ports_of(options));
     return run_windows(program, options);
 }

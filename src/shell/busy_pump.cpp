@@ -7,10 +7,14 @@
 #include <chrono>
 #include <utility>
 
+#include "busy_input.h"
+
 namespace m47::shell {
 namespace {
 
 constexpr std::chrono::milliseconds kLookAgain{50};
+/// Of a shorter one nobody needs to be told; the keys would only flicker.
+constexpr std::chrono::milliseconds kLongWait{300};
 
 }  // namespace
 
@@ -18,15 +22,27 @@ BusyPump::BusyPump() {
     qApp->installEventFilter(this);
 }
 
-BusyPump::~BusyPump() = default;
+BusyPump::~BusyPump() {
+    show_busy(false);
+}
 
 void BusyPump::pump() {
     if (pumping_) return;
     pumping_ = true;
-    stale_input_.begin();
-    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents |
-                                    QEventLoop::X11ExcludeTimers);
+    dim_keys();
+    stale_input_.begin_pump();
+    QCoreApplication::processEvents(QEventLoop::X11ExcludeTimers);
+    stale_input_.end_pump();
     pumping_ = false;
+}
+
+void BusyPump::dim_keys() {
+    if (dimming_ == 0) {
+        dimming_ = startTimer(0);
+        wait_.start();
+    } else if (wait_.hasExpired(kLongWait.count())) {
+        show_busy(true);
+    }
 }
 
 bool BusyPump::eventFilter(QObject* watched, QEvent* event) {
@@ -42,6 +58,11 @@ bool BusyPump::eventFilter(QObject* watched, QEvent* event) {
 
 void BusyPump::timerEvent(QTimerEvent* event) {
     killTimer(event->timerId());
+    if (event->timerId() == dimming_) {
+        dimming_ = 0;
+        show_busy(false);
+        return;
+    }
     // The box in front belongs to a handler that still runs: its screen must not go under it.
     if (QApplication::activeModalWidget()) {
         startTimer(kLookAgain);

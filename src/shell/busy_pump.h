@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QElapsedTimer>
 #include <QList>
 #include <QObject>
 #include <QPointer>
@@ -11,10 +12,11 @@
 namespace m47::shell {
 
 /// Keeps the windows alive while the meter is being waited for: they repaint and answer the
-/// desktop, but nothing that the user does and no timer is acted on. Of the clicks and keys that
-/// stay in the queue meanwhile only those that change nothing but the view are carried out, timers
-/// come late and once, and a window that was told to close closes afterwards, once no box stands
-/// before it.
+/// desktop, but no timer is acted on, and of what the user does alone what acts at once, such as
+/// [Stop]. Of the other clicks and keys only those that change nothing but the view are carried
+/// out, when the wait is over; in a long one the rest are drawn as what cannot be used. Timers come
+/// late and once, and a window that was told to close closes afterwards, once no box stands before
+/// it.
 class BusyPump : public QObject {
     Q_OBJECT
   public:
@@ -31,7 +33,11 @@ class BusyPump : public QObject {
     void timerEvent(QTimerEvent* event) override;
 
   private:
+    void dim_keys();
+
     bool pumping_ = false;
+    int dimming_ = 0;     ///< timer, which comes when the wait is over
+    QElapsedTimer wait_;  ///< since its first pump
     StaleInput stale_input_;
     QList<QPointer<QWidget>> closing_;
 };

@@ -327,6 +327,17 @@ void M47MDI::show_upload(const QString& text, const QString& tooltip) {
     progress_->setToolTip(plain_tooltip(tooltip));
 }
 
+void M47MDI::show_activity(link::Activity& activity) {
+    if (!activity_) {
+        if (!activity.what()) return;
+        activity_ = new ActivityArea(activity, program_.texts);
+        connect(activity_, &ActivityArea::stop_asked, this, &M47MDI::stop_asked);
+        // Between the progress of a pass and what the user has to know.
+        ui_->status_line->insertWidget(1, activity_);
+    }
+    activity_->show_activity();
+}
+
 void M47MDI::allow_reconnect() {
     ui_->cmdreconnect->setEnabled(true);
 }

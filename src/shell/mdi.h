@@ -9,6 +9,7 @@
 #include <functional>
 #include <memory>
 
+#include "activity_area.h"
 #include "corrected_menu.h"
 #include "identification.h"
 #include "other_languages.h"
@@ -73,6 +74,9 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
     /// until corrected behaviour is chosen. Beside the progress, which changes all the time.
     void show_notice(const QString& text);
 
+    /// Shows what is being done at the meter; what is shown may stop it.
+    void show_activity(link::Activity& activity);
+
     /// There is a port whose identification cmdreconnect can run again.
     void allow_reconnect();
 
@@ -92,6 +96,8 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
     void import_asked();
     /// The menu entry "&Manual", F1.
     void manual_asked();
+    /// The key [Stop] of what is being done.
+    void stop_asked();
 
   protected:
     void closeEvent(QCloseEvent* event) override;
@@ -121,6 +127,7 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
     QLabel* notice_;
     OtherLanguages* languages_;
     SavedNotice* saved_ = nullptr;  ///< made with the first file
+    ActivityArea* activity_ = nullptr;  ///< made with the first activity
     StatusPanel* status_;
     CorrectedMenu* corrected_ = nullptr;
     WindowMenu* windows_ = nullptr;

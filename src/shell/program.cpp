@@ -22,6 +22,11 @@ namespace {
 constexpr QSize kWindowSize(1100, 720);
 constexpr std::chrono::seconds kDeviceWatchInterval{1};
 
+/// Timers rest while a handler waits for the meter.
+constexpr std::chrono::milliseconds kOnceFree{1};
+
+constexpr Bilingual kStopped{"Stopped: %1.", "Fermato: %1."};
+
 constexpr Bilingual kDeviceIsBack{
     "The device %1 is there again: \"Reconnect\" in the menu connects it.",
     "Il dispositivo %1 è di nuovo presente: \"Ricollega\" nel menu lo collega."};
@@ -58,6 +63,7 @@ Program::Program(ProgramState& state, std::unique_ptr<db::Database> database, li
     window_.status().reason = [this] { return link_fault(); };
     add_screens();
     connect_connection();
+    connect_activity();
     on(&window_, &M47MDI::import_asked, &window_, "cmdimportdb_Click", [this] {
         import_.cmdimportdb_Click();
         if (auto* screen = window_.opened<plans::ProgramSet>()) screen->database_changed();
@@ -77,6 +83,8 @@ std::optional<Said> Program::left_off() const {
 }
 
 Program::~Program() {
+    link().activity.on_change = nullptr;
+    link().activity.on_stopped = nullptr;
     tell_faults_in(nullptr);
 }
 
@@ -91,6 +99,23 @@ void Program::connect_connection() {
     on(&window_, &M47MDI::reconnect_asked, &window_, "cmdreconnect_Click", [this] { reconnect(); });
     QObject::connect(&watch_timer_, &QTimer::timeout, &window_, [this] { watch_device(); });
     watch_timer_.start(kDeviceWatchInterval);
+}
+
+void Program::connect_activity() {
+    link::Activity& activity = link().activity;
+    activity.on_change = [this, &activity] { window_.show_activity(activity); };
+    activity.on_stopped = [this](const Said& how_far) {
+        window_.show_notice(Said{kStopped, {how_far.in(state_.texts)}}.in(state_.texts));
+    };
+    on(&window_, &M47MDI::stop_asked, &window_, "activity_stop_Click",
+       [this] { activity_stop_Click(); });
+}
+
+/// It comes in the middle of an exchange too: a run without work in hand is left to the end of the
+/// handler that waits.
+void Program::activity_stop_Click() {
+    if (link().activity.working() || !window_.status().pumping()) return link().activity.stop();
+    QTimer::singleShot(kOnceFree, &window_, [this] { link().activity.stop(); });
 }
 
 QString Program::link_fault() const {

@@ -55,6 +55,8 @@ class Program {
   private:
     void add_screens();
     void connect_connection();
+    void connect_activity();
+    void activity_stop_Click();
     void reconnect();
     void another_device();
     QString link_fault() const;

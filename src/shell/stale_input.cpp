@@ -30,6 +30,25 @@ bool is_kept_at(const QWindow* window, QPoint place) {
     return target && press_is_kept(target, target->mapFromGlobal(place));
 }
 
+bool is_input(const QEvent& event) {
+    switch (event.type()) {
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonDblClick:
+        case QEvent::MouseButtonRelease:
+        case QEvent::MouseMove:
+        case QEvent::Wheel:
+        case QEvent::ShortcutOverride:
+        case QEvent::KeyPress:
+        case QEvent::KeyRelease:
+        case QEvent::TouchBegin:
+        case QEvent::ContextMenu:
+        case QEvent::Drop:
+            return true;
+        default:
+            return false;
+    }
+}
+
 }  // namespace
 
 StaleInput::StaleInput() {
@@ -37,7 +56,8 @@ StaleInput::StaleInput() {
     connect(&mark_, &QueueMark::passed, this, [this] { stale_ = false; });
 }
 
-void StaleInput::begin() {
+void StaleInput::begin_pump() {
+    pumping_ = true;
     stale_ = true;
     mark_.take_away();
     if (timer_ == 0) timer_ = startTimer(0);
@@ -47,13 +67,64 @@ void StaleInput::begin() {
 void StaleInput::timerEvent(QTimerEvent* event) {
     killTimer(event->timerId());
     timer_ = 0;
+    carry_out_held();
     mark_.set();
 }
 
 bool StaleInput::eventFilter(QObject* watched, QEvent* event) {
     // What the desktop brings comes to the window first.
-    if (!watched->isWindowType()) return false;
-    const auto* window = static_cast<const QWindow*>(watched);
+    if (!watched->isWindowType() || event == carried_out_ || !is_input(*event)) return false;
+    auto* window = static_cast<QWindow*>(watched);
+    if (pumping_) return holds(window, event);
+    carry_out_held();
+    return drops(window, event);
+}
+
+bool StaleInput::holds(QWindow* window, QEvent* event) {
+    if (acts_at_once(window, *event)) return false;
+    if (event->type() == QEvent::MouseMove)
+        // A pointer that is only passed over the screen changes nothing.
+        return static_cast<QMouseEvent*>(event)->buttons() != Qt::NoButton;
+    // Taken for a key of the screen, it becomes no shortcut.
+    if (event->type() == QEvent::ShortcutOverride) event->accept();
+    held_.hold(window, *event);
+    return true;
+}
+
+bool StaleInput::acts_at_once(const QWindow* window, const QEvent& event) {
+    if (event.type() == QEvent::ShortcutOverride || event.type() == QEvent::KeyPress ||
+        event.type() == QEvent::KeyRelease)
+        return key_acts_at_once(QApplication::focusWidget(), static_cast<const QKeyEvent&>(event));
+    if (event.type() != QEvent::MouseButtonPress && event.type() != QEvent::MouseButtonDblClick &&
+        event.type() != QEvent::MouseButtonRelease)
+        return false;
+    const auto& mouse = static_cast<const QMouseEvent&>(event);
+    const bool press = event.type() != QEvent::MouseButtonRelease;
+    const bool begun = at_once_.testFlag(mouse.button());
+    const QWidget* target = widget_at(window, mouse.globalPosition().toPoint());
+    at_once_.setFlag(mouse.button(), press && press_acts_at_once(target));
+    return press ? at_once_.testFlag(mouse.button()) : begun;
+}
+
+void StaleInput::carry_out_held() {
+    while (!held_.empty() && !pumping_) {
+        const HeldInput::Event held = held_.take();
+        if (held.window && !drops(held.window, held.event.get()))
+            carry_out(held.window, held.event.get());
+    }
+}
+
+void StaleInput::carry_out(QWindow* window, QEvent* event) {
+    const auto* key =
+        event->type() == QEvent::KeyPress ? static_cast<const QKeyEvent*>(event) : nullptr;
+    // The toolkit looks for shortcuts before it hands a key on.
+    if (QAction* action = key ? kept_action(*key) : nullptr) return action->trigger();
+    carried_out_ = event;
+    QCoreApplication::sendEvent(window, event);
+    carried_out_ = nullptr;
+}
+
+bool StaleInput::drops(const QWindow* window, QEvent* event) {
     switch (event->type()) {
         case QEvent::MouseButtonPress:
         case QEvent::MouseButtonDblClick:
@@ -75,12 +146,10 @@ bool StaleInput::eventFilter(QObject* watched, QEvent* event) {
             return drops_key(*static_cast<QKeyEvent*>(event));
         case QEvent::KeyRelease:
             return drops_key_release(*static_cast<QKeyEvent*>(event));
-        case QEvent::TouchBegin:
-        case QEvent::ContextMenu:
-        case QEvent::Drop:
-            return stale_;
-        default:
+        case QEvent::MouseMove:
             return false;
+        default:
+            return stale_;
     }
 }
 

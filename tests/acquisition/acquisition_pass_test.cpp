@@ -34,6 +34,46 @@ void AcquisitionTest::pass_over_a_plan() {
     QCOMPARE(place(), 0);
 }
 
+void AcquisitionTest::a_pass_is_stopped_with_its_measurement() {
+    add_plan("A", {1, 1, 1});
+    acquisition().group();
+    acquisition().multiple_acq();
+    f_->link.activity.set_run(acquisition().run());
+    QString shown;
+    f_->on_command = [&](const QByteArray& command) {
+        if (command != "FREQ 1010.0") return;
+        shown = activity_text(f_->link.activity, Texts());
+        f_->link.activity.stop();
+    };
+    QVERIFY_THROWS_EXCEPTION(Interrupted, run_for(20));
+    QCOMPARE(f_->commands(), cycle_at("1000.0") + QStringList({"MEASURE", "FREQ 1010.0"}));
+    QCOMPARE(shown, QString("Tuning the meter… (Measuring the plan)"));
+    QVERIFY(!acquisition().passing());
+    QVERIFY(!state().plan_run_active);
+    QVERIFY(!ticks_->timer2.running());
+    QVERIFY(!acquisition().run());
+    QCOMPARE(progress_.last(), (QPair<int, int>{0, 0}));
+    // Nothing locks the next one out.
+    f_->on_command = nullptr;
+    acquisition().multiple_acq();
+    run_for(20);
+    QCOMPARE(frequencies().mid(1), plan_frequencies({0, 1, 2}));
+    f_->link.activity.set_run(std::nullopt);
+}
+
+void AcquisitionTest::a_timed_run_is_stopped_in_its_pause() {
+    acquisition().start();
+    acquisition().cmdstart_Click();
+    QVERIFY(acquisition().timed());
+    f_->link.activity.set_run(acquisition().run());
+    QVERIFY(activity_text(f_->link.activity, Texts()).startsWith("Next measurement in "));
+    QStringList told;
+    f_->link.activity.on_stopped = [&](const Said& how_far) { told += how_far.in(Texts()); };
+    f_->link.activity.stop();
+    QVERIFY(!acquisition().timed());
+    QCOMPARE(told, QStringList{"a run was between two measurements, 0 rows are on the page"});
+}
+
 void AcquisitionTest::each_pass_tells_its_own_listener() {
     add_plan("A", {1, 1});
     acquisition().group();

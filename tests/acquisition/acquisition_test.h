@@ -150,6 +150,8 @@ class AcquisitionTest : public QObject {
     void link_lost_in_a_pass();
     void end_of_the_program_in_a_measurement();
     void end_of_the_program_in_a_pass();
+    void a_pass_is_stopped_with_its_measurement();
+    void a_timed_run_is_stopped_in_its_pause();
     void what_goes_on_by_itself_tells_how_far_it_is();
     void a_week_of_a_plan();
 

@@ -282,6 +282,26 @@ class SlotBackupTest : public QObject {
         QCOMPARE(saved_before().size(), 1);
     }
 
+    void a_stopped_restore_tells_how_far_it_came_and_shows_nothing_old() {
+        save();
+        for (const char* slot : {"0", "1", "2"})
+            f().instrument->handle(std::string("ASLDEL ") + slot);
+        f().user.restore_file = file("sat.s19");
+        QStringList told;
+        f().link.activity.on_stopped = [&](const Said& how_far) { told += how_far.in(Texts()); };
+        f().spoil = [this](const QByteArray& command, const QByteArray& answer) {
+            if (command.startsWith("ASLNAME 0 ")) f().link.activity.stop();
+            return answer;
+        };
+        f().commands();
+        QVERIFY_THROWS_EXCEPTION(Interrupted, f().backup->cmdrestoreall_Click());
+        QCOMPARE(f().commands().last().left(9), QString("ASLNAME 0"));
+        QCOMPARE(told.size(), 1);
+        QVERIFY2(told[0].contains("written 1 of"), qPrintable(told[0]));
+        QCOMPARE(f().panel().listastr, QStringList());
+        f().link.activity.on_stopped = nullptr;
+    }
+
     void a_state_that_cannot_be_saved_stops_the_restore() {
         QVERIFY(QDir(f().folder()).mkdir(QStringLiteral("inner")));
         save();

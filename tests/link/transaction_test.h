@@ -62,6 +62,10 @@ class TransactionTest : public QObject {
     void what_is_undivided_is_sent_to_its_end();
     void a_transaction_is_cut_off_when_told_again();
     void work_that_is_broken_off_says_how_far_it_came();
+    void work_that_is_stopped_ends_before_its_next_command();
+    void a_stop_waits_for_what_is_undivided();
+    void the_time_left_follows_from_what_is_done();
+    void a_run_is_stopped_in_its_pauses();
     void each_wait_and_transaction_is_one_span();
     void midnight_within_a_transaction();
     void midnight_within_a_wait();

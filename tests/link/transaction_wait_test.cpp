@@ -238,4 +238,90 @@ void TransactionTest::send_tells_whether_there_is_an_answer() {
     QVERIFY(!link_->send("ATTEN?"));
 }
 
+void TransactionTest::work_that_is_stopped_ends_before_its_next_command() {
+    QStringList told;
+    QStringList shown;
+    link_->activity.on_stopped = [&](const Said& how_far) { told += how_far.in(Texts()); };
+    link_->activity.on_change = [&] { shown += activity_text(link_->activity, Texts()); };
+    link_->activity.stop();  // nothing is done yet
+    port_->answer = [&](const QByteArray& command) {
+        if (command == "FREQ 2") link_->activity.stop();
+        return FakePort::good(command);
+    };
+    const auto sweep = [&] {
+        Work work(*link_, {"none was sent", ""});
+        for (int sent = 1; sent <= 4; ++sent) {
+            work.doing({"Sending %1 of 4", ""}, {QString::number(sent)});
+            link_->send(QStringLiteral("FREQ %1").arg(sent));
+            work.at({"%1 were sent", ""}, {QString::number(sent)});
+        }
+    };
+    QVERIFY_THROWS_EXCEPTION(Interrupted, sweep());
+    QCOMPARE(port_->take_commands(), QStringList({"FREQ 1", "FREQ 2"}));
+    QCOMPARE(told, QStringList{"2 were sent"});
+    shown.removeDuplicates();
+    QCOMPARE(shown, QStringList({"Sending 1 of 4", "Sending 2 of 4", "Sending 3 of 4", ""}));
+    QVERIFY(!view_->hourglass);
+    // Nothing of the wish is left for what comes next.
+    port_->answer = [](const QByteArray& command) { return FakePort::good(command); };
+    QVERIFY(link_->send("FREQ 9"));
+    sweep();
+    QCOMPARE(told.size(), 1);
+}
+
+void TransactionTest::a_stop_waits_for_what_is_undivided() {
+    port_->answer = [&](const QByteArray& command) {
+        link_->activity.stop();
+        return FakePort::good(command);
+    };
+    const auto send = [&] {
+        Work work(*link_, {"", ""});
+        work.doing({"Writing", ""});
+        {
+            const Undivided whole(*link_);
+            link_->send("ASLDEL 1");
+            link_->send("ASLNAME 1 A");
+        }
+        link_->send("ASLNAME?");
+    };
+    QVERIFY_THROWS_EXCEPTION(Interrupted, send());
+    QCOMPARE(port_->take_commands(), QStringList({"ASLDEL 1", "ASLNAME 1 A"}));
+}
+
+void TransactionTest::the_time_left_follows_from_what_is_done() {
+    Work work(*link_, {"", ""});
+    work.doing({"Uploading", ""});
+    work.reached(0, 40);
+    QVERIFY(!link_->activity.seconds_left());
+    clock_->sleep(30);
+    work.reached(10, 40);
+    QVERIFY(link_->activity.seconds_left());
+    QCOMPARE(qRound(*link_->activity.seconds_left()), 90);
+    QCOMPARE(activity_text(link_->activity, Texts()), QString("Uploading, still 2 min"));
+    clock_->sleep(60);
+    work.reached(30, 40);
+    QCOMPARE(activity_text(link_->activity, Texts()), QString("Uploading, still 30 s"));
+    work.reached(40, 40);
+    QCOMPARE(activity_text(link_->activity, Texts()), QString("Uploading"));
+}
+
+void TransactionTest::a_run_is_stopped_in_its_pauses() {
+    QStringList told;
+    int stops = 0;
+    link_->activity.on_stopped = [&](const Said& how_far) { told += how_far.in(Texts()); };
+    link_->activity.set_run(Activity::Run{.what = {{"Program 3 of 12", ""}, {}},
+                                          .how_far = {{"between two", ""}, {}},
+                                          .stop = [&] { ++stops; }});
+    QCOMPARE(activity_text(link_->activity, Texts()), QString("Program 3 of 12"));
+    {
+        Work work(*link_, {"", ""});
+        work.doing({"Measuring MER…", ""});
+        QCOMPARE(activity_text(link_->activity, Texts()),
+                 QString("Measuring MER… (Program 3 of 12)"));
+    }
+    link_->activity.stop();
+    QCOMPARE(stops, 1);
+    QCOMPARE(told, QStringList{"between two"});
+}
+
 }  // namespace m47::link

@@ -104,6 +104,29 @@ class UploadTest : public QObject {
         link_.interrupted = nullptr;
     }
 
+    void stopped_by_the_user_it_ends_between_two_programs() {
+        link_.left_off.reset();
+        PlanUpload upload(link_, program_);
+        QStringList told;
+        QStringList shown;
+        link_.activity.on_stopped = [&](const Said& how_far) { told += how_far.in(Texts()); };
+        link_.activity.on_change = [&] { shown += activity_text(link_.activity, Texts()); };
+        port_.answer = [&](const QByteArray& command) {
+            // In the middle of the first program.
+            if (QString::fromLatin1(command) == kDirectCommands[1]) link_.activity.stop();
+            return FakePort::good(command);
+        };
+        QVERIFY_THROWS_EXCEPTION(Interrupted, upload.run(plan(), kAppend));
+        QCOMPARE(port_.take_commands(),
+                 QStringList({"MEASURE", "CHBW 36", "UNIT 01"}) + kDirectCommands);
+        QCOMPARE(told.size(), 1);
+        QVERIFY2(told[0].contains("1 of 2"), qPrintable(told[0]));
+        QVERIFY(shown.contains("Uploading program 1 of 2"));
+        QVERIFY(!shown.contains("Uploading program 2 of 2"));
+        link_.activity.on_stopped = nullptr;
+        link_.activity.on_change = nullptr;
+    }
+
     void the_table_is_kept_before_it_is_changed() {
         PlanUpload upload(link_, program_);
         QByteArray kept;

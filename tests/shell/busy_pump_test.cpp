@@ -19,6 +19,7 @@
 
 #include "busy_input.h"
 #include "busy_pump.h"
+#include "busy_style.h"
 
 namespace m47::shell {
 namespace {
@@ -104,6 +105,11 @@ struct Stand {
                     bool repeats = false, Qt::KeyboardModifiers held = Qt::NoModifier) {
         QKeyEvent event(type, code, held, text, repeats);
         QCoreApplication::sendEvent(to, &event);
+    }
+    /// What the desktop brings while the meter is waited for.
+    void in_the_wait(const std::function<void()>& input) {
+        QMetaObject::invokeMethod(&window, input, Qt::QueuedConnection);
+        pump.pump();
     }
     void enter(QEvent::Type type, bool repeats) const {
         key(handle(), type, Qt::Key_Return, "\r", repeats);
@@ -234,6 +240,78 @@ class BusyPumpTest : public QObject {
         keep_while_busy(stand.stop, false);
         stand.click(stand.stop);
         QCOMPARE(stand.stops, 1);
+    }
+
+    void what_acts_at_once_is_done_in_the_middle_of_the_wait() {
+        Stand stand;
+        act_while_busy(stand.stop);
+        stand.in_the_wait([&] {
+            stand.click(stand.clear);
+            stand.click(stand.stop);
+        });
+        QCOMPARE(stand.stops, 1);
+        QCOMPARE(stand.clicks, 0);
+        QTest::qWait(20);
+        QCOMPARE(stand.stops, 1);
+        QCOMPARE(stand.clicks, 0);
+    }
+
+    void a_shortcut_that_acts_at_once_is_not_waited_with() {
+        Stand stand;
+        act_while_busy(stand.end);
+        bool in_the_wait = false;
+        connect(stand.end, &QAction::triggered, this, [&] { in_the_wait = stand.pump.pumping(); });
+        stand.in_the_wait([&] { QTest::keyClick(stand.handle(), Qt::Key_E, Qt::ControlModifier); });
+        QCOMPARE(stand.ends, 1);
+        QVERIFY(in_the_wait);
+    }
+
+    void what_only_shows_waits_for_the_end_of_the_wait() {
+        Stand stand;
+        stand.box->setFocus();
+        stand.in_the_wait([&] {
+            stand.click(stand.tabs, stand.tabs->tabRect(1).center());
+            for (const char digit : {'1', '7'}) stand.press(digit, QChar(digit));
+            QTest::keyClick(stand.handle(), Qt::Key_E, Qt::ControlModifier);
+        });
+        QCOMPARE(stand.tabs->currentIndex(), 0);
+        QCOMPARE(stand.box->text(), QString());
+        QCOMPARE(stand.ends, 0);
+        // What comes behind it does not get before it.
+        stand.press('5', "5");
+        QCOMPARE(stand.tabs->currentIndex(), 1);
+        QCOMPARE(stand.ends, 1);
+        QCOMPARE(stand.box->text(), QString("175"));
+        QTest::qWait(20);
+        QCOMPARE(stand.box->text(), QString("175"));
+    }
+
+    void what_waited_does_not_go_behind_a_box() {
+        Stand stand;
+        stand.in_the_wait([&] { stand.click(stand.toolbar->widgetForAction(stand.end)); });
+        QDialog box(&stand.window);
+        QTimer::singleShot(100, &box, &QDialog::accept);
+        box.exec();
+        QCOMPARE(stand.ends, 0);
+    }
+
+    void keys_that_would_be_dropped_are_dimmed_in_a_long_wait() {
+        const std::unique_ptr<QStyle> style(new BusyStyle);
+        Stand stand;
+        for (QWidget* control : std::initializer_list<QWidget*>{stand.clear, stand.stop})
+            control->setStyle(style.get());
+        const QImage clear = stand.clear->grab().toImage();
+        const QImage stop = stand.stop->grab().toImage();
+        stand.pump.pump();
+        QVERIFY(!busy_is_shown());
+        wait_busily(stand.pump, 400);
+        QVERIFY(busy_is_shown());
+        QVERIFY(stand.clear->grab().toImage() != clear);
+        QVERIFY(stand.stop->grab().toImage() == stop);
+        QVERIFY(stand.clear->isEnabled());
+        QTest::qWait(20);
+        QVERIFY(!busy_is_shown());
+        QVERIFY(stand.clear->grab().toImage() == clear);
     }
 
     void a_click_that_was_begun_before_the_wait_ends_behind_it() {

@@ -13,6 +13,11 @@ void ScreensTest::init() {
     start_program({1024, 600});
 }
 
+void ScreensTest::cleanup() {
+    meter_.reset();  // before its line goes
+    end_program();
+}
+
 void ScreensTest::main_window_is_as_technicians_know_it() {
     QCOMPARE(window().objectName(), QStringLiteral("M47MDI"));
     QCOMPARE(window().windowTitle(), QStringLiteral("VKD M47_03 REMOTE CONTROL"));

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QAction>
+#include <QCheckBox>
 #include <QClipboard>
 #include <QComboBox>
 #include <QFileDialog>
@@ -52,10 +53,15 @@ class ScreensTest : public QObject, protected ProgramInFolder {
 
   private:
     realtime::Realtime* open_realtime();
+    MeterInProcess& start_with_meter();
+    void click_in_the_wait(const QWidget* control);
+
+    std::unique_ptr<MeterInProcess> meter_;
+    FakePort* line_ = nullptr;
 
   private Q_SLOTS:
     void init();
-    void cleanup() { end_program(); }
+    void cleanup();
 
     void main_window_is_as_technicians_know_it();
 
@@ -154,6 +160,14 @@ class ScreensTest : public QObject, protected ProgramInFolder {
     void a_database_that_is_held_is_told_in_the_language_of_the_user();
 
     void a_click_during_a_download_deletes_nothing();
+
+    void clear_all_in_a_download_is_not_sent_behind_it();
+
+    void stop_ends_the_identification_and_says_how_far_it_came();
+
+    void stop_ends_a_timed_run_with_the_measurement_in_it();
+
+    void the_large_level_opens_in_the_middle_of_an_exchange();
 
     void a_fault_in_a_handler_shows_one_box_and_the_program_goes_on();
 };

@@ -25,6 +25,9 @@ constexpr Bilingual kOnlyRead{"the satellites were being read, nothing was chang
                               "lettura dei satelliti in corso, nulla è stato modificato"};
 constexpr Bilingual kSlotNotSent{"slot %1 was not sent, it is as before",
                                  "la posizione %1 non è stata inviata, è come prima"};
+constexpr Bilingual kReading{"Reading the satellites of the meter",
+                             "Lettura dei satelliti dello strumento"};
+constexpr Bilingual kWriting{"Writing satellite slot %1", "Scrittura della posizione %1"};
 constexpr Bilingual kSlotSent{"slot %1 was sent whole",
                               "la posizione %1 è stata inviata per intero"};
 
@@ -56,7 +59,18 @@ void SatelliteLists::Form_Load() {
 }
 
 void SatelliteLists::visualizza_listastr(Modo modo, const QString& quale) {
-    const link::Work work(link_, kOnlyRead);
+    link::Work work(link_, kOnlyRead);
+    work.doing(kReading);
+    try {
+        read_slots(modo, quale);
+    } catch (const Interrupted&) {
+        // Half a look leaves nothing that could be taken for what the meter has now.
+        forget_slots();
+        throw;
+    }
+}
+
+void SatelliteLists::read_slots(Modo modo, const QString& quale) {
     const std::optional<QString> names = link_.ask(link::command::query(link::command::kSlotName));
     panel.listastr = names ? slot_names(*names) : QStringList();
     panel.listastr_place = kNoPlace;
@@ -128,6 +142,7 @@ void SatelliteLists::cmdlearn_Click() {
 
 void SatelliteLists::learn(int slot, const QString& name) {
     link::Work work = begin_slot(slot);
+    work.doing(kWriting, {link::format_number(slot, "00")});
     {
         const link::Undivided whole(link_);
         link_.send(link::command::kMeasure);
@@ -147,6 +162,7 @@ void SatelliteLists::cmdsave_Click() {
     if (slot < 0) return;
     panel.listastr[slot] = panel.listadb[place];
     link::Work work = begin_slot(slot);
+    work.doing(kWriting, {link::format_number(slot, "00")});
     const QString block =
         send_named(slot, asl_.text(db::field::kDati), asl_.text(db::field::kNome));
     tell_sent(work, slot);
@@ -260,6 +276,7 @@ void SatelliteLists::cmddelstr_Click() {
     if (!is_place(panel.listastr, slot) || selected_slot_name() == kNoSatellite) return;
     if (!may_erase(slot)) return;
     link::Work work = begin_slot(slot);
+    work.doing(kWriting, {link::format_number(slot, "00")});
     empty_slot(slot);
     tell_sent(work, slot);
     visualizza_listastr();

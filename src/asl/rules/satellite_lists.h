@@ -85,6 +85,7 @@ class SatelliteLists {
     void write_satellite(bool known, const QString& name, const QString& block);
     int slot_to_program(const QString& name);
     void learn(int slot, const QString& name);
+    void read_slots(Modo modo, const QString& quale);
     link::Work begin_slot(int slot);
     void tell_sent(link::Work& work, int slot) const;
     bool confirm(const char* title, int message, const QString& rest);

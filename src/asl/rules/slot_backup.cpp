@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "asl_texts.h"
+#include "fault.h"
 #include "numbers.h"
 #include "save_file.h"
 
@@ -18,6 +19,8 @@ const QString kLineEnd = QStringLiteral("\r\n");
 
 constexpr Bilingual kNotSaved{"no slot was saved", "nessuna posizione è stata salvata"};
 constexpr Bilingual kAllSaved{"slots saved in %2: %1", "posizioni salvate in %2: %1"};
+constexpr Bilingual kReadingAll{"Reading all satellite slots", "Lettura di tutte le posizioni"};
+constexpr Bilingual kRestoring{"Restoring slot %1 of %2", "Ripristino della posizione %1 di %2"};
 constexpr Bilingual kNoneWritten{"the restore had written no slot",
                                  "il ripristino non aveva scritto nessuna posizione"};
 constexpr Bilingual kWritten{
@@ -47,6 +50,7 @@ void SlotBackup::cmdsaveall_Click() {
     const QString path = questions_.file_to_save();
     if (path.isEmpty()) return;
     link::Work work(link_, kNotSaved);
+    work.doing(kReadingAll);
     if (!read_meter()) return;
     const SlotTable table = present_slots();
     const QList<int> damaged = missing_slots(table);
@@ -68,6 +72,7 @@ void SlotBackup::cmdrestoreall_Click() {
         return;
     }
     link::Work work(link_, kNoneWritten);
+    work.doing(kReadingAll);
     if (!read_meter()) return;
     const RestorePlan plan = restore_plan(present_slots(), file);
     if (!questions_.preview(plan) || !changes_any(plan)) return;
@@ -133,11 +138,20 @@ void SlotBackup::restore(const RestorePlan& plan, const QString& before, link::W
     const auto changes = [](const SlotPlan& slot) {
         return slot.fate == SlotFate::emptied || slot.fate == SlotFate::written;
     };
-    const QString all = QString::number(std::ranges::count_if(plan, changes));
+    const auto count = static_cast<int>(std::ranges::count_if(plan, changes));
+    const QString all = QString::number(count);
     int written = 0;
     for (int slot = 0; slot < kSlots && link_.port_connected; ++slot) {
         const SlotPlan& one = plan[static_cast<std::size_t>(slot)];
-        write_slot(slot, one);
+        if (changes(one)) work.doing(kRestoring, {QString::number(written + 1), all});
+        work.reached(written, count);
+        try {
+            write_slot(slot, one);
+        } catch (const Interrupted&) {
+            // The lists still show what was there before.
+            lists_.forget_slots();
+            throw;
+        }
         if (changes(one) && link_.port_connected)
             work.at(kWritten, {QString::number(++written), all, before});
     }

@@ -17,6 +17,7 @@
 #include <QToolButton>
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "keyboard_access.h"
 
@@ -24,6 +25,12 @@ namespace m47 {
 namespace {
 
 constexpr const char* kKept = "m47_keep_while_busy";
+constexpr const char* kAtOnce = "m47_act_while_busy";
+
+bool& busy_shown() {
+    static bool shown = false;
+    return shown;
+}
 
 bool is_kept(const QObject* control) {
     return control && control->property(kKept).toBool();
@@ -85,17 +92,61 @@ bool edits(const QKeyEvent& key) {
     return !command && !key.text().isEmpty() && key.text().front().isPrint();
 }
 
-bool is_kept_shortcut(const QKeyEvent& key) {
-    const QKeySequence pressed(key.keyCombination());
-    const QWidgetList windows = QApplication::topLevelWidgets();
-    return std::ranges::any_of(windows, [&](const QWidget* window) {
-        return std::ranges::any_of(window->findChildren<QAction*>(), [&](const QAction* action) {
-            return is_kept(action) && action->shortcuts().contains(pressed);
-        });
+/// Whether the user can see what has the action.
+bool is_in_front(const QAction* action) {
+    const QList<QObject*> owners = action->associatedObjects();
+    return std::ranges::any_of(owners, [](const QObject* owner) {
+        const auto* widget = qobject_cast<const QWidget*>(owner);
+        return widget && widget->isVisible() && widget->isActiveWindow();
     });
 }
 
+/// The action with the property `name` and the shortcut that the key is.
+QAction* action_of(const QKeyEvent& key, const char* name) {
+    const QKeySequence pressed(key.keyCombination());
+    QAction* found = nullptr;
+    for (const QWidget* window : QApplication::topLevelWidgets())
+        for (QAction* action : window->findChildren<QAction*>())
+            if (action->property(name).toBool() && action->shortcuts().contains(pressed) &&
+                (!found || is_in_front(action)))
+                found = action;
+    return found;
+}
+
+bool has(const QObject* control, const char* name) {
+    return control && control->property(name).toBool();
+}
+
 }  // namespace
+
+void act_while_busy(QObject* control) {
+    control->setProperty(kAtOnce, true);
+}
+
+bool press_acts_at_once(const QWidget* target) {
+    const auto* key = qobject_cast<const QToolButton*>(target);
+    return has(target, kAtOnce) || (key && has(key->defaultAction(), kAtOnce));
+}
+
+bool key_acts_at_once(const QWidget* focus, const QKeyEvent& key) {
+    // A view that opens at once is left at once too.
+    const int own = qobject_cast<const QAbstractButton*>(focus) ? Qt::Key_Space : Qt::Key_Escape;
+    return (key.key() == own && has(focus, kAtOnce)) || action_of(key, kAtOnce);
+}
+
+QAction* kept_action(const QKeyEvent& key) {
+    return action_of(key, kKept);
+}
+
+void show_busy(bool on) {
+    if (std::exchange(busy_shown(), on) == on) return;
+    for (const QWidget* window : QApplication::topLevelWidgets())
+        for (QAbstractButton* button : window->findChildren<QAbstractButton*>()) button->update();
+}
+
+bool busy_is_shown() {
+    return busy_shown();
+}
 
 void keep_while_busy(QObject* control, bool keep) {
     control->setProperty(kKept, keep);
@@ -113,7 +164,7 @@ bool press_is_kept(const QWidget* target, QPoint place) {
 
 bool key_is_kept(const QWidget* focus, const QKeyEvent& key) {
     if (key.key() == Qt::Key_Tab || key.key() == Qt::Key_Backtab) return true;
-    if (is_kept_shortcut(key)) return true;
+    if (kept_action(key)) return true;
     if (!focus) return false;
     if (is_kept(focus) && (key.key() == Qt::Key_Space || focus->isWindow())) return true;
     if (is_refused(focus)) return false;

@@ -3,12 +3,20 @@
 
 #include "commands.h"
 #include "numbers.h"
+#include "work.h"
 
 namespace m47::link {
 namespace {
 
 /// From this firmware on only the PLUS model has the satellite locator.
 constexpr double kPlusVersion = 300;
+
+constexpr Bilingual kAsking{"Looking for the meter on port %1",
+                            "Ricerca dello strumento sulla porta %1"};
+constexpr Bilingual kNobody{"the meter on port %1 was not identified",
+                            "lo strumento sulla porta %1 non è stato identificato"};
+constexpr Bilingual kFound{"the meter on port %1 answers, it was not asked for its version",
+                           "lo strumento sulla porta %1 risponde, non è stata chiesta la versione"};
 
 }  // namespace
 
@@ -72,8 +80,12 @@ bool Identification::take_line(const QString& device) {
 }
 
 void Identification::ask_meter() {
+    const QStringList port{QString::number(link_.port_number)};
+    Work work(link_, kNobody, port);
+    work.doing(kAsking, port);
     const auto attenuator = link_.ask(command::query(command::kAttenuator));
     show_presence(link_.port_number, !attenuator.value_or(QString()).isEmpty());
+    if (link_.port_connected) work.at(kFound, port);
     show_version(link_.ask(command::query(command::kVersion)).value_or(QString()));
 }
 

@@ -24,7 +24,7 @@ constexpr Bilingual kBehindCommand{"nothing was sent behind the command %1",
 }  // namespace
 
 Link::Link(SerialPort& port, Clock& clock, LinkView& view)
-    : port_(port), clock_(clock), view_(view) {}
+    : activity(clock), port_(port), clock_(clock), view_(view) {}
 
 std::optional<QString> Link::ask(const QString& command) {
     if (refuse_doubtful && can_send()) wait_until_unambiguous(command);
@@ -61,6 +61,7 @@ bool Link::transact(const QString& command, const std::function<Outcome()>& exch
         rest();
     } catch (const Interrupted&) {
         close_port();
+        view_.set_hourglass(false);
         throw;
     }
     close_port();
@@ -227,8 +228,12 @@ bool Link::told_to_end() const {
     return undivided == 0 && interrupted && interrupted();
 }
 
+bool Link::told_to_stop() const {
+    return undivided == 0 && activity.stop_asked();
+}
+
 void Link::end_when_interrupted() const {
-    if (told_to_end()) throw Interrupted();
+    if (told_to_end() || told_to_stop()) throw Interrupted();
     end_when_cut_off();
 }
 

@@ -5,6 +5,7 @@
 #include <functional>
 #include <optional>
 
+#include "activity.h"
 #include "clock.h"
 #include "late_answers.h"
 #include "link_view.h"
@@ -34,12 +35,15 @@ class Link {
     bool refuse_doubtful = false;
     /// How the meter is set, as far as commands and answers have shown.
     MeterSettings settings;
+    /// What is done over it; the user's wish to stop ends the work before its next command, with
+    /// Interrupted.
+    Activity activity;
     /// Asked while waiting; true ends the wait or the next transaction with Interrupted. A
     /// transaction that runs goes on to its end.
     std::function<bool()> interrupted;
     /// True ends even a transaction that runs, and what is undivided, with Interrupted.
     std::function<bool()> cut_off;
-    /// Above 0 `interrupted` is put off; see Undivided.
+    /// Above 0 `interrupted` and a stop are put off; see Undivided.
     int undivided = 0;
     /// How far the work in hand is, see Work; once the program has been told to end, how far it
     /// came. Without any work the last command tells.
@@ -84,8 +88,8 @@ class Link {
     /// clock tick. No midnight correction of its own.
     void wait_time(double seconds);
 
-    /// Throws Interrupted where the program has been told to end, as each transaction does before
-    /// it begins.
+    /// Throws Interrupted where the program has been told to end or the work to stop, as each
+    /// transaction does before it begins.
     void end_when_interrupted() const;
 
     /// Declares the link lost: `port_connected` false, the answer empty, port closed, status red.
@@ -139,6 +143,7 @@ class Link {
     void wait_tick();
     void pump_when_due();
     bool told_to_end() const;
+    bool told_to_stop() const;
     void end_when_cut_off() const;
     void note_left_off();
 

@@ -107,7 +107,8 @@ void Link::wait_until_unambiguous(const QString& command) {
     const ClockSpan span(clock_);
     view_.set_hourglass(true);
     QString received;
-    while (late_.may_come(command, clock_.steady()) && open_port() && !told_to_end()) {
+    while (late_.may_come(command, clock_.steady()) && open_port() && !told_to_end() &&
+           !told_to_stop()) {
         received += QString::fromLatin1(port_.read_all());
         const qsizetype end = answer_end(received);
         if (end > 0) late_.came(received.left(end));

@@ -6,8 +6,8 @@
 namespace m47::link {
 
 /// A piece of work of more than one exchange. Where the program is told to end in it,
-/// Link::left_off says afterwards how far it came. Within another one it says nothing: the outer
-/// one is what the user began.
+/// Link::left_off says afterwards how far it came; where the user stops it, Activity tells that.
+/// Within another one it says nothing: the outer one is what the user began.
 class Work {
   public:
     /// It begins with `words`, how far it is then.
@@ -19,6 +19,12 @@ class Work {
 
     /// It is as far as `words` say.
     void at(const Bilingual& words, const QStringList& values = {});
+
+    /// What it does now, for whoever watches: "Uploading program %1 of %2". Work that says nothing
+    /// is not shown, nor can it be stopped.
+    void doing(const Bilingual& words, const QStringList& values = {});
+    /// `done` of `all` steps that take about as long as each other.
+    void reached(int done, int all);
 
   private:
     Link& link_;

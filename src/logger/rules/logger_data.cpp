@@ -17,6 +17,8 @@ constexpr Bilingual kKept{"the download is whole in %2, bytes: %1",
 
 constexpr Bilingual kNothingErased{"the logs were being read, nothing was erased",
                                    "lettura dei log in corso, nulla è stato cancellato"};
+constexpr Bilingual kDownloading{"Downloading the logs", "Scarico dei log"};
+constexpr Bilingual kBytesSoFar{"Downloading the logs, %1 bytes", "Scarico dei log, %1 byte"};
 
 constexpr Bilingual kNotKept{
     "The download is not shown: its temporary file cannot be written. The meter still has the "
@@ -50,9 +52,13 @@ NameFault LoggerData::download(const QString& command, const QString& name) {
     const NameFault fault = temporary_name_fault(program_.temp_file_name);
     if (fault != NameFault::none) return fault;
     link::Work work(link_, kNothingCame);
+    work.doing(kDownloading);
     bool came = false;
     {
-        const ByteReport report(link_, on_bytes);
+        const ByteReport report(link_, [this, &work](qsizetype bytes) {
+            work.doing(kBytesSoFar, {QString::number(bytes)});
+            if (on_bytes) on_bytes(bytes);
+        });
         came = link_.send(command);
     }
     // Without one the answer before is shown, so that the page never keeps what is older still.

@@ -16,12 +16,14 @@ constexpr Bilingual kNoneSent{"programs sent by the upload: none of %1",
 constexpr Bilingual kSent{"programs sent by the upload: %1 of %2, commands answered OK: %3",
                           "programmi trasmessi dall'invio: %1 su %2, comandi con risposta OK: %3"};
 constexpr Bilingual kSummary{"%1 of %2 commands answered OK", "risposta OK: %1 su %2 comandi"};
+constexpr Bilingual kUploading{"Uploading program %1 of %2", "Invio del programma %1 di %2"};
 
 }  // namespace
 
 UploadResult PlanUpload::run(const UploadPlan& plan, UploadMode mode) {
     UploadResult result;
     link::Work work(link_, kNoneSent, {QString::number(plan.programs.size())});
+    work.doing(kUploading, {QString::number(1), QString::number(plan.programs.size())});
     const QStringList opening = opening_commands(mode);
     const auto of_plan = static_cast<int>(plan_commands(plan).size());
     result.commands = static_cast<int>(opening.size()) + of_plan;
@@ -45,6 +47,7 @@ void PlanUpload::send_programs(const UploadPlan& plan, UploadResult& result, lin
     for (const programme::ProgramRecord& program : plan.programs) {
         // The meter stores a program at the end of its commands and uses its supply meanwhile.
         const link::Undivided whole(link_);
+        work.doing(kUploading, {QString::number(sent + 1), all});
         send_all(programme::commands_of_program(program, plan.oscillators), result);
         if (!link_.port_connected) continue;
         work.at(kSent, {QString::number(++sent), all, QString::number(result.accepted)});
@@ -58,8 +61,9 @@ std::optional<QString> PlanUpload::send_all(const QStringList& commands, UploadR
 }
 
 std::optional<QString> PlanUpload::send_one(const QString& command, UploadResult& result) {
-    if (on_progress)
-        on_progress(result.accepted + static_cast<int>(result.refused.size()), result.commands);
+    const int sent = result.accepted + static_cast<int>(result.refused.size());
+    link_.activity.reached(sent, result.commands);
+    if (on_progress) on_progress(sent, result.commands);
     // The value of a query comes without the "OK" that ended it.
     const bool query = command.endsWith(u'?');
     std::optional<QString> answer = link_.can_send() ? link_.ask(command) : std::nullopt;

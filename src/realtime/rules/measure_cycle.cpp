@@ -5,9 +5,19 @@
 #include "enter_key.h"
 #include "fault.h"
 #include "measurement_row.h"
+#include "measures.h"
 #include "row_time.h"
 
 namespace m47::realtime {
+namespace {
+
+constexpr Bilingual kTuning{"Tuning the meter…", "Sintonia dello strumento…"};
+constexpr Bilingual kLevelStep{"Measuring the level…", "Misura del livello…"};
+constexpr Bilingual kCnStep{"Measuring C/N…", "Misura di C/N…"};
+constexpr Bilingual kNoiseStep{"Measuring the noise…", "Misura del rumore…"};
+constexpr Bilingual kQualityStep{"Measuring %1…", "Misura di %1…"};
+
+}  // namespace
 
 void MeasureCycle::measure(const std::function<void()>& prepare,
                            const measurement::ProgramIdentity& program) {
@@ -71,24 +81,42 @@ void MeasureCycle::tuned() {
 
 void MeasureCycle::digital_cycle() {
     steps_.outcome.mode = measurement::MeasureMode::digital;
+    link_.activity.say({kTuning, {}});
     link_.send(link::command::kMeasure);
     tuning_.fsat_KeyPress(kEnterKey);
     tuned();
     tuning_.chbws_KeyPress(kEnterKey);
-    if (panel_.meas_stated[kDcpLevel]) steps_.carr_satdig();
-    if (panel_.meas_stated[kCnDigital]) steps_.cn_satdig();
-    if (panel_.meas_stated[kNoiseDigital]) steps_.levn_satdig();
+    step(panel_.meas_stated[kDcpLevel], kLevelStep, &MeasureSteps::carr_satdig);
+    step(panel_.meas_stated[kCnDigital], kCnStep, &MeasureSteps::cn_satdig);
+    step(panel_.meas_stated[kNoiseDigital], kNoiseStep, &MeasureSteps::levn_satdig);
+    tell_quality();
     steps_.qpsk_real();
+}
+
+void MeasureCycle::step(bool ticked, const Bilingual& words, void (MeasureSteps::*take)()) {
+    if (!ticked) return;
+    link_.activity.say({words, {}});
+    (steps_.*take)();
+}
+
+/// One answer of the meter holds all of these.
+void MeasureCycle::tell_quality() const {
+    QStringList names;
+    for (const Measure& measure : measures())
+        if (measure.label && is_ticked(measure, panel_))
+            names += QString::fromLatin1(measure.label).section(u':', 0, 0).trimmed();
+    if (!names.isEmpty()) link_.activity.say({kQualityStep, {names.join(QStringLiteral(", "))}});
 }
 
 void MeasureCycle::analog_cycle() {
     steps_.outcome.mode = measurement::MeasureMode::analog;
+    link_.activity.say({kTuning, {}});
     link_.send(link::command::kMeasure);
     tuning_.fsat_KeyPress(kEnterKey);
     tuned();
-    if (panel_.meas_statea[kLevel]) steps_.carr_satanl();
-    if (panel_.meas_statea[kCnAnalog]) steps_.cn_satanl();
-    if (panel_.meas_statea[kNoiseAnalog]) steps_.levn_satanl();
+    step(panel_.meas_statea[kLevel], kLevelStep, &MeasureSteps::carr_satanl);
+    step(panel_.meas_statea[kCnAnalog], kCnStep, &MeasureSteps::cn_satanl);
+    step(panel_.meas_statea[kNoiseAnalog], kNoiseStep, &MeasureSteps::levn_satanl);
 }
 
 void MeasureCycle::storemeas() {

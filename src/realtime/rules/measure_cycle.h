@@ -60,6 +60,9 @@ class MeasureCycle {
     void digital_cycle();
     void analog_cycle();
     void tuned();
+    /// Takes a step whose box is ticked, told as `words`.
+    void step(bool ticked, const Bilingual& words, void (MeasureSteps::*take)());
+    void tell_quality() const;
     void write_row();
     void log_row();
 

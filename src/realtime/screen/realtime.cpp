@@ -96,6 +96,9 @@ Realtime::Realtime(std::unique_ptr<RealtimeRules> own_rules, QWidget* parent)
     take_exit(ui_->cmdexit);
     guard_lists();
     for (QAction* action : {ui_->stop, ui_->cmdlevelview}) keep_while_busy(action);
+    // Whoever is on the roof wants it now; it only shows what is measured.
+    act_while_busy(ui_->cmdlevelview);
+    act_while_busy(level_view_);
     prepare_page();
     new RealtimeLayout(*ui_, this);
     show_log_name();
@@ -103,7 +106,9 @@ Realtime::Realtime(std::unique_ptr<RealtimeRules> own_rules, QWidget* parent)
     joints().show();
 }
 
-Realtime::~Realtime() = default;
+Realtime::~Realtime() {
+    rules.link.activity.set_run(std::nullopt);
+}
 
 void Realtime::join_panel() {
     // A cycle goes on while the user types.
@@ -120,6 +125,13 @@ void Realtime::handle(const char* name, const std::function<void()>& body) {
     keep_while_busy(ui_->cmdstart, acquisition.timed());
     ui_->trend->limits_changed();
     level_view_->ended();
+    tell_run();
+}
+
+void Realtime::tell_run() {
+    auto run = acquisition.run();
+    if (run) run->stop = [this, stop = run->stop] { handle("activity_stop_Click", stop); };
+    rules.link.activity.set_run(run);
 }
 
 void Realtime::Form_Load() {

@@ -86,6 +86,8 @@ class Realtime : public Screen {
     void show_row_as_level(int row);
     void repeat_level(bool on);
     void point_once();
+    /// Shows a run that goes on by itself where work at the meter is shown.
+    void tell_run();
     void createdoc();
     void cmdreport_Click();
     QList<report::ReportLimits> limits_in_force();
