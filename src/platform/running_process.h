@@ -20,4 +20,8 @@ std::optional<RunningProcess> running_process(qint64 process);
 /// let us see what it has open.
 bool may_have_open(qint64 process, const QString& node);
 
+/// Another program that has the serial line `device` open, as far as the system lets us see;
+/// nothing for a pseudo-terminal, which the program at its other end always has open.
+std::optional<RunningProcess> other_user_of_line(const QString& device);
+
 }  // namespace m47::platform

@@ -13,7 +13,12 @@
 #include <QTest>
 #include <memory>
 
+#include "fake_link_view.h"
+#include "fake_port.h"
+#include "fault.h"
 #include "port_claim.h"
+#include "port_lock.h"
+#include "port_search.h"
 #include "pty.h"
 
 namespace m47::link {
@@ -72,8 +77,15 @@ class PortDiagnosisTest : public QObject {
     void texts_in_italian();
     void the_group_that_may_use_the_device();
     void a_group_that_may_not_use_it_is_not_named();
+    void a_search_asks_each_free_port_in_turn();
+    void a_search_leaves_alone_what_another_program_has();
+    void a_search_is_stopped_between_two_ports();
 
   private:
+    /// The ports that a search over `devices`, numbered from 1, asks; the one in `answers` is
+    /// found.
+    QList<int> searched(const QStringList& devices, int answers, PortSearch::Result& result);
+
     QString make_file(const QString& name, QFile::Permissions permissions) const;
 
     QTemporaryDir folder_;
@@ -285,6 +297,90 @@ void PortDiagnosisTest::a_group_that_may_not_use_it_is_not_named() {
     const QString device = make_file("private", QFile::ReadOwner | QFile::WriteOwner);
     const QString text = port_fault_text(PortFault::no_permission, device, Texts());
     QCOMPARE(text, QStringLiteral("You have no permission to use %1.").arg(device));
+}
+
+QList<int> PortDiagnosisTest::searched(const QStringList& devices, int answers,
+                                       PortSearch::Result& result) {
+    VirtualClock clock;
+    FakePort port(clock);
+    FakeLinkView view;
+    Link link(port, clock, view);
+    PortList ports({"/nonexistent", "/nonexistent", [] { return QStringList(); }});
+    for (int k = 0; k < devices.size(); ++k)
+        if (!ports.add(QStringLiteral("%1=%2").arg(k + 1).arg(devices[k]))) qFatal("no entry");
+    QList<int> asked;
+    const Texts texts;
+    PortSearch search(link, ports, texts);
+    search.identify = [&](int number) {
+        asked += number;
+        link.port_connected = number == answers;
+    };
+    result = search.run();
+    return asked;
+}
+
+void PortDiagnosisTest::a_search_asks_each_free_port_in_turn() {
+    const Pty one;
+    const Pty two;
+    const Pty three;
+    PortSearch::Result result;
+    const QStringList devices{one.path(), folder_.filePath("gone"), two.path(), "/dev/null",
+                              three.path()};
+    QCOMPARE(searched(devices, 3, result), QList<int>({1, 3}));
+    QCOMPARE(result.found, 3);
+    QCOMPARE(search_text(result, Texts()), QString());
+    QCOMPARE(searched(devices, 0, result), QList<int>({1, 3, 5}));
+    QCOMPARE(result.found, 0);
+    QCOMPARE(result.asked, 3);
+    const QStringList told = search_text(result, Texts()).split('\n');
+    QCOMPARE(told.size(), 3);
+    QVERIFY(told[0].startsWith("No meter answered"));
+    QVERIFY2(told[1].startsWith("Port 2 was not asked: There is no device"), qPrintable(told[1]));
+    QVERIFY2(told[2].startsWith("Port 4 was not asked: /dev/null"), qPrintable(told[2]));
+    QCOMPARE(searched({"/dev/null"}, 1, result), QList<int>());
+    QVERIFY(search_text(result, Texts()).startsWith("No port could be asked"));
+}
+
+/// A program that only says so in a lock file.
+void PortDiagnosisTest::a_search_leaves_alone_what_another_program_has() {
+    const Pty pty;
+    const QString lock = lock_file_of(pty.path());
+    QVERIFY(!lock.isEmpty());
+    QFile file(lock);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(QByteArray::number(getppid()).rightJustified(10) + '\n');
+    file.close();
+    PortSearch::Result result;
+    const QList<int> asked = searched({pty.path()}, 1, result);
+    QFile::remove(lock);
+    QCOMPARE(asked, QList<int>());
+    QCOMPARE(result.left_alone.size(), 1);
+}
+
+void PortDiagnosisTest::a_search_is_stopped_between_two_ports() {
+    const Pty one;
+    const Pty two;
+    VirtualClock clock;
+    FakePort port(clock);
+    FakeLinkView view;
+    Link link(port, clock, view);
+    PortList ports({"/nonexistent", "/nonexistent", [] { return QStringList(); }});
+    QVERIFY(ports.add("1=" + one.path()) && ports.add("2=" + two.path()));
+    QStringList told;
+    QStringList shown;
+    link.activity.on_stopped = [&](const Said& how_far) { told += how_far.in(Texts()); };
+    link.activity.on_change = [&] { shown += activity_text(link.activity, Texts()); };
+    const Texts texts;
+    PortSearch search(link, ports, texts);
+    QList<int> asked;
+    search.identify = [&](int number) {
+        asked += number;
+        link.activity.stop();
+    };
+    QVERIFY_THROWS_EXCEPTION(Interrupted, search.run());
+    QCOMPARE(asked, QList<int>{1});
+    QCOMPARE(told, QStringList{"the meter was not found on 1 of 2 ports"});
+    QCOMPARE(shown.first(), QString("Looking for the meter on port 1 (1 of 2)"));
 }
 
 }  // namespace m47::link

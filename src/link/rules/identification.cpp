@@ -86,7 +86,9 @@ void Identification::ask_meter() {
     const auto attenuator = link_.ask(command::query(command::kAttenuator));
     show_presence(link_.port_number, !attenuator.value_or(QString()).isEmpty());
     if (link_.port_connected) work.at(kFound, port);
-    show_version(link_.ask(command::query(command::kVersion)).value_or(QString()));
+    const auto version = link_.port_connected ? link_.ask(command::query(command::kVersion))
+                                              : std::optional<QString>();
+    show_version(version.value_or(QString()));
 }
 
 void Identification::close_link(int number) {

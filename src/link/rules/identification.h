@@ -58,6 +58,10 @@ class Identification {
     /// been picked.
     void reconnect();
 
+    /// The number (1 to 10) of the port that the meter answers on, 0 while none does.
+    int port_in_use() const { return link_.port_connected ? link_.port_number : 0; }
+    const Texts& texts() const { return texts_; }
+
     /// The device picked last, by its persistent name where it has one; empty before the first.
     const QString& device() const { return device_; }
 

@@ -49,6 +49,7 @@ bool Link::transact(const QString& command, const std::function<Outcome()>& exch
                     const std::function<void()>& rest) {
     view_.show_progress_bar();
     show_progress(0);
+    if (!port_connected && !commands_suspended && on_unsent) on_unsent();
     if (!can_send()) return false;
     end_when_interrupted();
     const Transaction transaction(busy_);

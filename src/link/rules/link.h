@@ -48,6 +48,8 @@ class Link {
     /// How far the work in hand is, see Work; once the program has been told to end, how far it
     /// came. Without any work the last command tells.
     std::optional<Said> left_off;
+    /// Told of a command that does not go out as no meter is connected.
+    std::function<void()> on_unsent;
     /// Told before each pump of the windows how many bytes of the answer have arrived so far (echo
     /// included; a new attempt starts from 0). It may show them and nothing else: the line is being
     /// read meanwhile.

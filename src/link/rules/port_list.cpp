@@ -54,6 +54,27 @@ QStringList reported_devices() {
     return devices;
 }
 
+QString reported_description(const QString& device) {
+    const QSerialPortInfo port(QFileInfo(true_path(device)).fileName());
+    return port.isNull() ? QString() : port.description();
+}
+
+QString PortList::description(int number) const {
+    const QString device = this->device(number);
+    if (device.isEmpty()) return {};
+    const QString path = true_path(device);
+    const QString node =
+        path.startsWith(sources_.dev + u'/') ? path.mid(sources_.dev.size() + 1) : path;
+    const QString what = sources_.described(device);
+    return what.isEmpty() ? node : QStringLiteral("%1 (%2)").arg(what, node);
+}
+
+std::optional<int> PortList::free_number() const {
+    for (int number = 1; number <= kPorts; ++number)
+        if (device(number).isEmpty()) return number;
+    return std::nullopt;
+}
+
 bool PortList::add(const QString& entry) {
     const qsizetype equals = entry.indexOf(u'=');
     if (equals < 0) return false;

@@ -13,11 +13,16 @@ namespace m47::link {
 /// The system locations of the serial lines that the system reports now.
 QStringList reported_devices();
 
+/// What the system says the device of the serial line `device` is, "FT232R USB UART"; empty where
+/// it says nothing.
+QString reported_description(const QString& device);
+
 /// Where PortList looks for serial lines.
 struct PortSources {
     QString sys = QStringLiteral("/sys");
     QString dev = QStringLiteral("/dev");
     std::function<QStringList()> reported = reported_devices;
+    std::function<QString(const QString& device)> described = reported_description;
 };
 
 /// The device behind each of the port numbers 1 to 10. A number with an entry of its own stands for
@@ -43,6 +48,13 @@ class PortList {
 
     /// The device behind `number`, empty when there is none.
     QString device(int number) const;
+
+    /// What stands behind `number`, for the user: what it is, and its node in the system,
+    /// "FT232R USB UART (ttyUSB0)"; empty where nothing does.
+    QString description(int number) const;
+
+    /// The lowest number that nothing stands behind; nothing where all have a device.
+    std::optional<int> free_number() const;
 
   private:
     using Devices = QMap<int, QString>;

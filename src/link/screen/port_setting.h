@@ -20,12 +20,15 @@ class PortSetting : public Screen {
     PortSetting(Identification& identification, PortList& ports, QWidget* parent = nullptr);
     ~PortSetting() override;
 
-    /// Fills the list of ports; each entry's tooltip names the device behind it, and follows when
-    /// one is plugged in or out.
+    /// Fills the list of ports, which tells what stands behind each number and which is in use, and
+    /// follows when a device is plugged in or out.
     void Form_Load() override;
 
   private:
     void show_devices();
+    void show_device(int index, const QString& device);
+    /// What stands behind the number that is chosen, beside it.
+    void show_chosen();
 
     Identification& identification_;
     PortList& ports_;
