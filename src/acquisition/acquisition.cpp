@@ -15,6 +15,22 @@ constexpr Bilingual kPassGoesOn{"Program %1 of %2", "Programma %1 di %2"};
 constexpr Bilingual kPassBegins{"Measuring the plan", "Misura del piano"};
 constexpr Bilingual kTimedGoesOn{"Next measurement in %1", "Prossima misura fra %1"};
 
+constexpr Bilingual kNoMeter{
+    "Nothing is measured: no meter is connected. Choose its port (Ctrl+6).",
+    "Nessuna misura: nessuno strumento collegato. Scegliere la sua porta (Ctrl+6)."};
+constexpr Bilingual kNothingTicked{
+    "Nothing is measured: no measure is ticked. Tick at least one, such as the level.",
+    "Nessuna misura: nessuna è spuntata. Spuntarne almeno una, per esempio il livello."};
+constexpr Bilingual kNoPlanOpen{
+    "Nothing is measured: no plan is open. Open one with its key, or make one on the plan screen.",
+    "Nessuna misura: nessun piano aperto. Aprirne uno con il tasto, o crearlo nella schermata dei "
+    "piani."};
+constexpr Bilingual kNoneMonitored{
+    "Nothing is measured: no program of this plan is monitored. Tick \"Status\" of its monitor "
+    "options on the plan screen.",
+    "Nessuna misura: nessun programma di questo piano è monitorato. Spuntare \"Status\" nelle "
+    "opzioni di monitoraggio della schermata dei piani."};
+
 /// With no plan open the record sets cannot move; that ends the handler and needs no message. A
 /// database that cannot be read is told.
 void quietly(const std::function<void()>& body) {
@@ -81,7 +97,24 @@ void Acquisition::next_prog() {
     change_program(&realtime::PlanWalk::next_program);
 }
 
+void Acquisition::tell_what_lacks() const {
+    const CostNotices& notices = rules_.program.costs;
+    if (!rules_.link.port_connected)
+        notices.tell_each(kNoMeter);
+    else if (!realtime::measure_activestate(rules_.panel))
+        notices.tell_each(kNothingTicked);
+}
+
+void Acquisition::tell_no_program() {
+    const CostNotices& notices = rules_.program.costs;
+    if (!rules_.modes.rs_programs)
+        notices.tell_each(kNoPlanOpen);
+    else if (rules_.plans.monitored_programs() == 0)
+        notices.tell_each(kNoneMonitored);
+}
+
 void Acquisition::single_acq() {
+    tell_what_lacks();
     // A timed firing must not stay locked out when the program is told to end in the middle.
     struct Running {
         bool& active;
@@ -134,6 +167,8 @@ std::optional<link::Activity::Run> Acquisition::run() {
 
 void Acquisition::multiple_acq() {
     quietly([this] {
+        tell_what_lacks();
+        tell_no_program();
         pass_.begin();
         ticks_.pass.start();
     });
@@ -160,6 +195,7 @@ void Acquisition::stop() {
 void Acquisition::cmdstart_Click() {
     quietly([this] {
         const bool starts = !timed();
+        if (starts) tell_what_lacks();
         if (rules_.state.acq_kind == realtime::kPlan) go_to_first_program(starts);
         if (starts)
             ticks_.interval.start();

@@ -63,6 +63,9 @@ class Acquisition {
     /// Whoever stops a measurement means the run that goes on as well.
     void or_end_runs(const std::function<void()>& body);
     void end_runs();
+    /// Tells why a measurement would come to nothing, and what helps, where it would.
+    void tell_what_lacks() const;
+    void tell_no_program();
     bool fire();
     void show_time_left();
     void go_to_first_program(bool starts);

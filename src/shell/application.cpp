@@ -19,6 +19,7 @@
 #include "import_command.h"
 #include "memory_pool.h"
 #include "message_box.h"
+#include "no_database.h"
 #include "no_view.h"
 #include "old_reader.h"
 #include "plan_commands.h"
@@ -96,14 +97,23 @@ void tell(const QString& text, const Options& options) {
         show_message_box(nullptr, QMessageBox::Critical, QStringLiteral("M47"), text);
 }
 
-std::unique_ptr<db::Database> open_database(const ProgramState& state, const Options& options) {
+/// Where it cannot be opened that is told; `can_be_made` when there is none and somebody can be
+/// asked for one.
+std::unique_ptr<db::Database> open_database(const ProgramState& state, const Options& options,
+                                            bool& can_be_made) {
     const QString& path = state.database_file;
     db::DatabaseError error{};
     std::unique_ptr<db::Database> database;
     if (!options.create_database || db::Database::create(path, error))
         database = db::Database::open(path, error);
-    if (!database) tell(db::database_error_text(error, state.texts), options);
-    return database;
+    if (database) return database;
+    const QString text = db::database_error_text(error, state.texts);
+    can_be_made = error.fault == db::DatabaseFault::missing && !options.unattended();
+    if (can_be_made)
+        print(stderr, QStringLiteral("m47-remote: ") + on_one_line(text));
+    else
+        tell(text, options);
+    return nullptr;
 }
 
 /// Without windows nothing of them is begun either, which saves time and memory.
@@ -147,6 +157,7 @@ int run_windows(Program& program, const Options& options) {
             program.window().open_screen(options.open);
         });
     });
+    program.open_start_page_when_painted();
     const WindowEnd end(program);
     const int status = QApplication::exec();
     return platform::times_told_to_end() > 0 ? WindowEnd::tell(program) : status;
@@ -179,8 +190,7 @@ int run_with_options(int argc, char** argv, const Options& options) {
         tell(state.texts.pick(kNoFolder).arg(asked_folder(options)), options);
         return kDatabase;
     }
-    state.base_dir = folder_with_separator(QDir::currentPath());
-    state.database_file = state.base_dir + QLatin1String(db::kDatabaseFile);
+    work_in(QDir::currentPath(), state);
     const QString wrong_file = file_option_fault(options, state.base_dir);
     if (!wrong_file.isEmpty()) {
         print(stderr, QStringLiteral("m47-remote: ") + wrong_file);
@@ -188,11 +198,14 @@ int run_with_options(int argc, char** argv, const Options& options) {
     }
     choose(state, options);
     std::unique_ptr<db::Database> database;
+    bool can_be_made = false;
     {
         const FontReader fonts(options);
-        database = open_database(state, options);
+        database = open_database(state, options, can_be_made);
     }
-    if (!database) return kDatabase;
+    if (!database && can_be_made) database = ask_for_database(state);
+    if (!database)
+        return platform::times_told_to_end() > 0 ? platform::end_signal_status() : kDatabase;
     if (!options.import_database.isEmpty())
         return import_unattended(*database, options.import_database, state.texts);
     if (options.export_plan.asked()) return export_plan_unattended(*database, options, state.texts);

@@ -23,7 +23,7 @@ BusyPump::BusyPump() {
 }
 
 BusyPump::~BusyPump() {
-    show_busy(false);
+    forget_busy();
 }
 
 void BusyPump::pump() {

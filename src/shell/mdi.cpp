@@ -7,6 +7,7 @@
 #include <QScreen>
 #include <QTimer>
 #include <chrono>
+#include <utility>
 
 #include "about_box.h"
 #include "busy_input.h"
@@ -23,6 +24,10 @@ namespace {
 
 /// Timers rest while a handler waits for the meter.
 constexpr std::chrono::milliseconds kAfterTheHandler{1};
+/// What has been painted is to be seen before anything else is made.
+constexpr std::chrono::milliseconds kOnTheScreen{20};
+
+constexpr Bilingual kNoWork{"The key \"%1\" has no function.", "Il tasto \"%1\" non ha funzioni."};
 
 constexpr Tooltip kMenuTips[] = {
     {"cmdimportdb", "Bring plans and satellites from an old database",
@@ -140,6 +145,9 @@ void M47MDI::open_screen(const QString& key) {
     put_in_place(key, view);
     view->installEventFilter(this);
     connect(screen, &Screen::exit_asked, view, &QWidget::close);
+    connect(screen, &Screen::no_work, this, [this](const QString& caption) {
+        show_notice(Said{kNoWork, {caption}}.in(program_.texts));
+    });
     screen->load();
     corrected_->join(screen);
     screen->Form_Activate();
@@ -156,6 +164,8 @@ void M47MDI::focus_in(Screen* screen) {
 
 void M47MDI::connect_window_menu() {
     windows_ = new WindowMenu(ui_->cmdwindow, ui_->screens, program_);
+    windows_->take_toolbar(ui_->barracomandi);
+    connect(this, &M47MDI::painted, windows_, &WindowMenu::show_words);
     windows_->front_key = [this] { return front_key(); };
     windows_->open_keys = [this] {
         QList<QAction*> keys = ui_->barracomandi->actions();
@@ -195,6 +205,12 @@ void M47MDI::restore_place(const QSize& otherwise) {
     if (place->maximised) setWindowState(windowState() | Qt::WindowMaximized);
 }
 
+void M47MDI::paintEvent(QPaintEvent* event) {
+    QMainWindow::paintEvent(event);
+    if (!std::exchange(was_painted_, true))
+        QTimer::singleShot(kOnTheScreen, this, &M47MDI::painted);
+}
+
 void M47MDI::closeEvent(QCloseEvent* event) {
     for (const QString& key : views_.keys()) {
         Screen* screen = screen_of(key);
@@ -221,6 +237,8 @@ bool M47MDI::eventFilter(QObject* watched, QEvent* event) {
         const QString key = view ? key_of(view) : QString();
         if (!key.isEmpty()) keep_place_of(key, view);
     }
+    if (event->type() == QEvent::Resize && behind_ && watched == behind_->parent())
+        behind_->resize(static_cast<QResizeEvent*>(event)->size());
     return QMainWindow::eventFilter(watched, event);
 }
 
@@ -291,6 +309,10 @@ void M47MDI::show_texts() {
     set_captions(this, kMenuCaptions, program_.texts);
     for (QAction* entry : {ui_->cmdimportdb, ui_->cmdmanual, ui_->cmdabout})
         entry->setStatusTip(entry->toolTip());
+    for (const ScreenEntry& screen : screen_table())
+        findChild<QAction*>(QString::fromLatin1(screen.key))
+            ->setIconText(program_.texts.pick(screen.word));
+    Q_EMIT texts_shown();
 }
 
 void M47MDI::tell_costs() {
@@ -325,6 +347,16 @@ void M47MDI::show_progress(const QString& text) {
 void M47MDI::show_upload(const QString& text, const QString& tooltip) {
     progress_->setText(text);
     progress_->setToolTip(plain_tooltip(tooltip));
+}
+
+void M47MDI::put_behind_screens(QWidget* page) {
+    behind_ = page;
+    QWidget* room = ui_->screens->viewport();
+    page->setParent(room);
+    page->setGeometry(room->rect());
+    page->lower();
+    room->installEventFilter(this);
+    page->show();
 }
 
 void M47MDI::show_activity(link::Activity& activity) {

@@ -74,6 +74,9 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
     /// until corrected behaviour is chosen. Beside the progress, which changes all the time.
     void show_notice(const QString& text);
 
+    /// Shows `page`, which belongs to this window then, where no screen lies, as large as the room.
+    void put_behind_screens(QWidget* page);
+
     /// Shows what is being done at the meter; what is shown may stop it.
     void show_activity(link::Activity& activity);
 
@@ -90,6 +93,10 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
     void enable_asl(bool on) override;
 
   Q_SIGNALS:
+    /// The window has been painted for the first time and is to be seen.
+    void painted();
+    /// The language is another one now.
+    void texts_shown();
     /// The menu entry "&Reconnect".
     void reconnect_asked();
     /// The menu entry "&Import old database…".
@@ -101,6 +108,7 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
 
   protected:
     void closeEvent(QCloseEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
@@ -134,6 +142,8 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
     QMap<QString, ScreenMaker> makers_;
     QMap<QString, QPointer<QMdiSubWindow>> views_;
     QPointer<QMdiSubWindow> front_;
+    bool was_painted_ = false;
+    QPointer<QWidget> behind_;  ///< the screens
     WindowFit fit_{this};
     ToolkitLanguage toolkit_language_;
 };

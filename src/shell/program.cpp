@@ -6,6 +6,7 @@
 #include <QFileInfo>
 #include <QUrl>
 #include <chrono>
+#include <utility>
 
 #include "asl.h"
 #include "handler.h"
@@ -37,9 +38,32 @@ constexpr Bilingual kOtherDevice{
     "Dietro %1 c'è un dispositivo diverso da prima, oppure è stato ricollegato. Verificare che lo "
     "strumento sia quello giusto."};
 
+constexpr Bilingual kNoPortYet{
+    "No port has been chosen: choose the one of the meter with \"RS232 Port Selection\" (Ctrl+6).",
+    "Nessuna porta scelta: scegliere quella dello strumento con \"RS232 Port Selection\" "
+    "(Ctrl+6)."};
+constexpr Bilingual kSilentMeter{
+    "%1 (port %2) can be used, but no meter answers there. See that it is switched on, that the "
+    "cable is plugged in at both ends and that it is the right port, then reconnect.",
+    "%1 (porta %2) è utilizzabile, ma nessuno strumento risponde. Verificare che sia acceso, che "
+    "il cavo sia collegato ai due capi e che la porta sia quella giusta, poi ricollegare."};
+constexpr Bilingual kNothingSent{
+    "Nothing was sent: no meter is connected. Choose its port (Ctrl+6).",
+    "Nulla è stato inviato: nessuno strumento collegato. Scegliere la sua porta (Ctrl+6)."};
+
 constexpr Bilingual kManualTitle{"Manual", "Manuale"};
 constexpr Bilingual kNoReader{"No program of this computer opens %1.",
                               "Nessun programma di questo computer apre %1."};
+
+/// Not what a screen asks by itself when it is shown, nor what a run asks.
+bool user_asked_for_it() {
+    const QByteArray name(running_handler());
+    return name.endsWith("Click") || name.endsWith("KeyPress");
+}
+
+QStringList usual_manual_folders() {
+    return manual_folders(QCoreApplication::applicationDirPath());
+}
 
 }  // namespace
 
@@ -56,6 +80,7 @@ Program::Program(ProgramState& state, std::unique_ptr<db::Database> database, li
       window_(state),
       connection_(state, std::move(ports), std::move(clock), std::move(port), window_.status(),
                   window_),
+      start_(window_, connection_, state, *database_),
       import_(*database_, link(), state, window_) {
     // The logger's temporary file has no name yet, and message 0 is composed with that.
     state_.texts.load_messages(state_.temp_file_name);
@@ -64,14 +89,17 @@ Program::Program(ProgramState& state, std::unique_ptr<db::Database> database, li
     add_screens();
     connect_connection();
     connect_activity();
+    QObject::connect(&window_, &M47MDI::texts_shown, &start_, &StartDesk::show_texts);
+    on(&start_, &StartDesk::manual_asked, &window_, "start_manual_Click",
+       [this] { open_manual(usual_manual_folders(), QStringLiteral("index")); });
     on(&window_, &M47MDI::import_asked, &window_, "cmdimportdb_Click", [this] {
         import_.cmdimportdb_Click();
         if (auto* screen = window_.opened<plans::ProgramSet>()) screen->database_changed();
     });
     on(&window_, &M47MDI::manual_asked, &window_, "cmdmanual_Click", [this] { cmdmanual_Click(); });
-    help_key_ = std::make_unique<HelpKey>(window_, [this](const QString& page) {
-        open_manual(manual_folders(QCoreApplication::applicationDirPath()), page);
-    });
+    help_key_ = std::make_unique<HelpKey>(
+        window_, [this](const QString& page) { open_manual(usual_manual_folders(), page); });
+    window_.status().show_reason();
     window_.restore_place(kWindowSize);
 }
 
@@ -83,6 +111,7 @@ std::optional<Said> Program::left_off() const {
 }
 
 Program::~Program() {
+    link().on_unsent = nullptr;
     link().activity.on_change = nullptr;
     link().activity.on_stopped = nullptr;
     tell_faults_in(nullptr);
@@ -92,6 +121,8 @@ void Program::connect_connection() {
     connection_.identification().on_picked = [this] {
         watch_.reset();
         window_.allow_reconnect();
+        start_.port_picked();
+        if (std::exchange(told_of_no_link_, false)) window_.show_notice(QString());
         // Picking a port chooses English.
         window_.show_texts();
     };
@@ -102,6 +133,11 @@ void Program::connect_connection() {
 }
 
 void Program::connect_activity() {
+    link().on_unsent = [this] {
+        if (!user_asked_for_it()) return;
+        window_.show_notice(state_.texts.pick(kNothingSent));
+        told_of_no_link_ = true;
+    };
     link::Activity& activity = link().activity;
     activity.on_change = [this, &activity] { window_.show_activity(activity); };
     activity.on_stopped = [this](const Said& how_far) {
@@ -120,7 +156,11 @@ void Program::activity_stop_Click() {
 
 QString Program::link_fault() const {
     if (watch_.came_back()) return state_.texts.pick(kDeviceIsBack).arg(connection_.device());
-    return connection_.fault();
+    const QString fault = connection_.fault();
+    const int port = connection_.link().port_number;
+    if (!fault.isEmpty()) return fault;
+    if (port == 0) return state_.texts.pick(kNoPortYet);
+    return Said{kSilentMeter, {connection_.device(), QString::number(port)}}.in(state_.texts);
 }
 
 void Program::reconnect() {
@@ -141,8 +181,12 @@ void Program::watch_device() {
     if (watch_.look(QFileInfo::exists(device))) window_.status().show_reason();
 }
 
+void Program::open_start_page_when_painted() {
+    QObject::connect(&window_, &M47MDI::painted, &start_, &StartDesk::open);
+}
+
 void Program::cmdmanual_Click() {
-    open_manual(manual_folders(QCoreApplication::applicationDirPath()));
+    open_manual(usual_manual_folders());
 }
 
 void Program::open_manual(const QStringList& folders, const QString& name) {

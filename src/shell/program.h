@@ -16,6 +16,7 @@
 #include "program_state.h"
 #include "real_clock.h"
 #include "serial_port.h"
+#include "start_desk.h"
 
 namespace m47::shell {
 
@@ -47,6 +48,12 @@ class Program {
     /// Identifies the meter on port `number` (1 to 10), as picking it on the port screen does.
     void identify(int number) { connection_.identify(number); }
 
+    /// Puts the start page behind the screens once the window has been painted: the start waits
+    /// for nothing that it needs.
+    void open_start_page_when_painted();
+    /// What works the page behind the screens.
+    StartDesk& start_desk() { return start_; }
+
     void cmdmanual_Click();
     /// Opens the manual at the page `name`, or at that of the screen in front where it is empty,
     /// from the first of `folders` that has it; one message where none has.
@@ -66,10 +73,12 @@ class Program {
     std::unique_ptr<db::Database> database_;
     M47MDI window_;
     MeterConnection connection_;
+    StartDesk start_;
     link::DeviceWatch watch_;
     QTimer watch_timer_;
     std::unique_ptr<HelpKey> help_key_;
     ImportCommand import_;
+    bool told_of_no_link_ = false;  ///< in the status line
 };
 
 }  // namespace m47::shell

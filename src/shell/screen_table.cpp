@@ -58,12 +58,22 @@ Screen* make_ports(const ScreenParts& parts) {
 }
 
 constexpr ScreenEntry kScreens[] = {
-    {"program", "Plan Setup", Qt::Key_1, "plans", make_plans},
-    {"download", "Download Data Logged", Qt::Key_2, "logger", make_logger},
-    {"realtime", "Real Time Function Mode", Qt::Key_3, "measure", make_realtime},
-    {"asl", "Automatic Satellite Locator", Qt::Key_4, "satellites", make_satellites},
-    {"configurazione", "Configuration", Qt::Key_5, "logo", make_logo},
-    {"setport", "RS232 Port Selection", Qt::Key_6, "connect", make_ports},
+    {"program", "Plan Setup", {"Plans", "Piani"}, Qt::Key_1, "plans", make_plans},
+    {"download", "Download Data Logged", {"Logger", "Logger"}, Qt::Key_2, "logger", make_logger},
+    {"realtime",
+     "Real Time Function Mode",
+     {"Measure", "Misura"},
+     Qt::Key_3,
+     "measure",
+     make_realtime},
+    {"asl",
+     "Automatic Satellite Locator",
+     {"Satellites", "Satelliti"},
+     Qt::Key_4,
+     "satellites",
+     make_satellites},
+    {"configurazione", "Configuration", {"Logo", "Logo"}, Qt::Key_5, "logo", make_logo},
+    {"setport", "RS232 Port Selection", {"Port", "Porta"}, Qt::Key_6, "connect", make_ports},
 };
 
 }  // namespace

@@ -23,6 +23,7 @@ struct ScreenParts {
 struct ScreenEntry {
     const char* key;          ///< names its button in the toolbar, the icon and the stored place
     const char* title;        ///< of that button
+    Bilingual word;           ///< under its icon
     Qt::Key shortcut;         ///< of that button, together with Ctrl
     const char* manual_page;  ///< opened by F1
     Screen* (*make)(const ScreenParts& parts);

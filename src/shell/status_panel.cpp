@@ -69,6 +69,17 @@ void StatusPanel::show_reason() {
     port_state_->setToolTip(!connected_ && reason ? plain_tooltip(reason()) : QString());
 }
 
+void StatusPanel::show_simulated(const QString& text) {
+    if (!simulated_) {
+        if (text.isEmpty()) return;
+        simulated_ = new QLabel(this);
+        simulated_->setObjectName(QStringLiteral("simulated_meter"));
+        static_cast<QHBoxLayout*>(layout())->insertWidget(1, simulated_);
+    }
+    simulated_->setText(text);
+    simulated_->setVisible(!text.isEmpty());
+}
+
 void StatusPanel::pump() {
     pump_.pump();
 }

@@ -21,6 +21,9 @@ class StatusPanel : public QFrame, public link::LinkView {
     std::function<QString()> reason;
     void show_reason();
 
+    /// Says beside the status, in `text`, that the meter is no real one; empty where it is.
+    void show_simulated(const QString& text);
+
     void show_progress_bar() override;
     void set_progress(int value) override;
     void set_hourglass(bool on) override;
@@ -34,6 +37,7 @@ class StatusPanel : public QFrame, public link::LinkView {
 
     QProgressBar* pbar1_;
     QLabel* port_state_;
+    QLabel* simulated_ = nullptr;  ///< made when it is needed
     BusyPump pump_;
     bool hourglass_ = false;
     bool connected_ = false;

@@ -27,6 +27,11 @@ constexpr WindowEntry kTile{
     {"T&ile", "&Affianca"},
     {"The screens as windows, side by side", "Le schermate come finestre, una accanto all'altra"}};
 
+constexpr WindowEntry kWords{{"&Words under the keys", "&Parole sotto i tasti"},
+                             {"The keys of the main window say in a word what they open",
+                              "I tasti della finestra principale dicono in una parola che cosa "
+                              "aprono"}};
+
 void show_on(QAction* action, const WindowEntry& entry, const Texts& texts) {
     action->setText(texts.pick(entry.caption));
     action->setToolTip(texts.pick(entry.tooltip));
@@ -42,7 +47,8 @@ WindowMenu::WindowMenu(QMenu* menu, QMdiArea* area, ProgramState& program)
       program_(program),
       tabs_(add_entry("cmdtabs")),
       cascade_(add_entry("cmdcascade")),
-      tile_(add_entry("cmdtile")) {
+      tile_(add_entry("cmdtile")),
+      words_(add_entry("cmdtoolbarwords")) {
     tabs_->setCheckable(true);
     tabs_->setChecked(program.preferences.screens_as_tabs());
     area_->setTabsClosable(true);
@@ -54,6 +60,21 @@ WindowMenu::WindowMenu(QMenu* menu, QMdiArea* area, ProgramState& program)
     connect(tile_, &QAction::triggered, this, [this] { arrange(&QMdiArea::tileSubWindows); });
     connect(menu_, &QMenu::aboutToShow, this, &WindowMenu::list_screens);
     show_texts();
+}
+
+void WindowMenu::take_toolbar(QToolBar* bar) {
+    bar_ = bar;
+    words_->setCheckable(true);
+    words_->setChecked(program_.preferences.toolbar_words());
+    connect(words_, &QAction::toggled, this, [this](bool words) {
+        program_.preferences.keep_toolbar_words(words);
+        show_words();
+    });
+}
+
+void WindowMenu::show_words() {
+    bar_->setToolButtonStyle(words_->isChecked() ? Qt::ToolButtonTextUnderIcon
+                                                 : Qt::ToolButtonIconOnly);
 }
 
 QAction* WindowMenu::add_entry(const char* name) {
@@ -103,6 +124,7 @@ void WindowMenu::show_texts() {
     show_on(tabs_, kTabs, program_.texts);
     show_on(cascade_, kCascade, program_.texts);
     show_on(tile_, kTile, program_.texts);
+    show_on(words_, kWords, program_.texts);
 }
 
 }  // namespace m47::shell

@@ -4,6 +4,7 @@
 #include <QAction>
 #include <QMdiArea>
 #include <QMenu>
+#include <QToolBar>
 #include <functional>
 
 #include "program_state.h"
@@ -20,6 +21,12 @@ class WindowMenu : public QObject {
     /// The keys of the toolbar whose screens are open, and the one whose screen is in front.
     std::function<QList<QAction*>()> open_keys;
     std::function<QString()> front_key;
+
+    /// The keys of `bar` have words under their icons or not, from show_words() on.
+    void take_toolbar(QToolBar* bar);
+    /// As it was chosen last. Words take a start longer than keys alone, so they come once the
+    /// window is painted.
+    void show_words();
 
     /// Whether a screen that opens fills the window.
     bool as_tabs() const { return tabs_->isChecked(); }
@@ -48,6 +55,8 @@ class WindowMenu : public QObject {
     QAction* tabs_;
     QAction* cascade_;
     QAction* tile_;
+    QAction* words_;
+    QToolBar* bar_ = nullptr;
     QList<QAction*> screens_;  ///< an entry for each open screen, made when the menu opens
 };
 

@@ -67,7 +67,7 @@ QList<WindowWork> window_works() {
          {},
          "ATTEN?",
          1,
-         "nothing was sent behind the command ATTEN\\?",
+         "the meter on port 1 answers, it was not asked for its version",
          "ATTEN?"},
         {"measurement", late("LEVANL?"), single, "LEVANL?", 1,
          "the measurement was whole, rows on the page: 1", "LEVANL?"},

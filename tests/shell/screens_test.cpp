@@ -206,15 +206,15 @@ void ScreensTest::the_window_menu_makes_windows_of_tabs_and_names_the_open_scree
     find<QAction>("cmdinglese")->trigger();
     QCOMPARE(menu->title(), QStringLiteral("&Window"));
     Q_EMIT menu->aboutToShow();
-    QCOMPARE(menu->actions().size(), 3);
+    QCOMPARE(menu->actions().size(), 4);
     find<QAction>("setport")->trigger();
     find<QAction>("program")->trigger();
     Q_EMIT menu->aboutToShow();
-    QCOMPARE(menu->actions().size(), 6);
-    QCOMPARE(menu->actions()[4]->text(), QStringLiteral("Plan Setup\tCtrl+1"));
-    QVERIFY(menu->actions()[4]->isChecked());
-    QVERIFY(!menu->actions()[5]->isChecked());
-    menu->actions()[5]->trigger();
+    QCOMPARE(menu->actions().size(), 7);
+    QCOMPARE(menu->actions()[5]->text(), QStringLiteral("Plan Setup\tCtrl+1"));
+    QVERIFY(menu->actions()[5]->isChecked());
+    QVERIFY(!menu->actions()[6]->isChecked());
+    menu->actions()[6]->trigger();
     QCOMPARE(window().front_key(), QStringLiteral("setport"));
     const auto* area = find<QMdiArea>("screens");
     for (const char* arrangement : {"cmdtile", "cmdtabs", "cmdcascade"}) {

@@ -13,6 +13,7 @@
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QMessageBox>
+#include <QPainter>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSqlDatabase>
@@ -29,6 +30,7 @@
 #include "fault.h"
 #include "handler.h"
 #include "meter_in_process.h"
+#include "port_delegate.h"
 #include "program_in_folder.h"
 #include "realtime.h"
 #include "realtime_tooltips.h"
@@ -168,6 +170,24 @@ class ScreensTest : public QObject, protected ProgramInFolder {
     void stop_ends_a_timed_run_with_the_measurement_in_it();
 
     void the_large_level_opens_in_the_middle_of_an_exchange();
+
+    void the_start_page_connects_the_meter_by_its_device();
+
+    void the_start_page_says_what_a_silent_meter_wants();
+
+    void the_simulated_meter_says_that_it_is_none();
+
+    void a_simulated_meter_that_does_not_start_is_told();
+
+    void a_plan_of_the_start_page_opens_at_its_place();
+
+    void without_a_database_one_is_made_here_with_an_example();
+
+    void keys_that_can_do_nothing_say_why();
+
+    void the_words_under_the_keys_can_be_taken_away();
+
+    void the_list_of_ports_tells_what_stands_behind_each_number();
 
     void a_fault_in_a_handler_shows_one_box_and_the_program_goes_on();
 };

@@ -25,6 +25,13 @@ constexpr Bilingual kOnlyRead{"the satellites were being read, nothing was chang
                               "lettura dei satelliti in corso, nulla è stato modificato"};
 constexpr Bilingual kSlotNotSent{"slot %1 was not sent, it is as before",
                                  "la posizione %1 non è stata inviata, è come prima"};
+constexpr Bilingual kSelectSlot{
+    "Nothing was done: select a satellite of the M47 in its list first.",
+    "Nulla è stato fatto: selezionare prima un satellite dell'M47 "
+    "nella sua lista."};
+constexpr Bilingual kSelectPc{"Nothing was done: select a satellite of the PC in its list first.",
+                              "Nulla è stato fatto: selezionare prima un satellite del PC nella "
+                              "sua lista."};
 constexpr Bilingual kReading{"Reading the satellites of the meter",
                              "Lettura dei satelliti dello strumento"};
 constexpr Bilingual kWriting{"Writing satellite slot %1", "Scrittura della posizione %1"};
@@ -125,7 +132,7 @@ db::Bookmark SatelliteLists::record_at(int place) const {
 
 void SatelliteLists::cmdlearn_Click() {
     const int slot = panel.listastr_place;
-    if (!is_place(panel.listastr, slot)) return;
+    if (!is_place(panel.listastr, slot)) return program_.costs.tell_each(kSelectSlot);
     if (!confirm(asl_text::kTitle, kLearnSatellite, QString())) return;
     const QString typed =
         questions_.input(QString::fromLatin1(asl_text::kNameTitle),
@@ -155,7 +162,8 @@ void SatelliteLists::learn(int slot, const QString& name) {
 
 void SatelliteLists::cmdsave_Click() {
     const int place = panel.listadb_place;
-    if (!is_place(panel.listadb, place) || selected_pc_name() == kNoSatellite) return;
+    if (!is_place(panel.listadb, place)) return program_.costs.tell_each(kSelectPc);
+    if (selected_pc_name() == kNoSatellite) return;
     asl_.go_to(record_at(place));
     if (!can_be_sent()) return;
     const int slot = slot_to_program(selected_pc_name());
@@ -194,7 +202,8 @@ int SatelliteLists::slot_to_program(const QString& name) {
 void SatelliteLists::cmdaddindb_Click() {
     const int slot = panel.listastr_place;
     const QString name = selected_slot_name();
-    if (!is_place(panel.listastr, slot) || name == kNoSatellite) return;
+    if (!is_place(panel.listastr, slot)) return program_.costs.tell_each(kSelectSlot);
+    if (name == kNoSatellite) return;
     // Others may have stored it meanwhile: it is not to come in twice unasked.
     asl_.requery();
     const bool known = asl_.find_first(db::field::kNome, name);
@@ -259,7 +268,8 @@ void SatelliteLists::write_satellite(bool known, const QString& name, const QStr
 
 void SatelliteLists::cmddelpc_Click() {
     const QString name = entry(panel.listadb, panel.listadb_place);
-    if (!is_place(panel.listadb, panel.listadb_place) || selected_pc_name() == kNoSatellite) return;
+    if (!is_place(panel.listadb, panel.listadb_place)) return program_.costs.tell_each(kSelectPc);
+    if (selected_pc_name() == kNoSatellite) return;
     // The last satellite of the PC stays, as the file holds them now.
     asl_.requery();
     if (asl_.count() <= 1) return;
@@ -273,7 +283,8 @@ void SatelliteLists::cmddelpc_Click() {
 
 void SatelliteLists::cmddelstr_Click() {
     const int slot = panel.listastr_place;
-    if (!is_place(panel.listastr, slot) || selected_slot_name() == kNoSatellite) return;
+    if (!is_place(panel.listastr, slot)) return program_.costs.tell_each(kSelectSlot);
+    if (selected_slot_name() == kNoSatellite) return;
     if (!may_erase(slot)) return;
     link::Work work = begin_slot(slot);
     work.doing(kWriting, {link::format_number(slot, "00")});

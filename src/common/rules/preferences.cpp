@@ -11,6 +11,7 @@ namespace {
 const QString kDirectory = QStringLiteral("files/directory");
 const QString kLogs = QStringLiteral("files/logs");
 const QString kScreensAsTabs = QStringLiteral("windows/tabs");
+const QString kToolbarWords = QStringLiteral("windows/words");
 const QString kStartsCorrected = QStringLiteral("behaviour/corrected");
 
 // A window of another size has not been one that a user left.
@@ -106,6 +107,14 @@ bool Preferences::screens_as_tabs() const {
 
 void Preferences::keep_screens_as_tabs(bool wanted) const {
     keep(kScreensAsTabs, wanted);
+}
+
+bool Preferences::toolbar_words() const {
+    return value(kToolbarWords, true).toBool();
+}
+
+void Preferences::keep_toolbar_words(bool wanted) const {
+    keep(kToolbarWords, wanted);
 }
 
 bool Preferences::starts_corrected() const {

@@ -53,6 +53,11 @@ class Preferences {
     bool screens_as_tabs() const;
     void keep_screens_as_tabs(bool wanted) const;
 
+    /// Whether the keys of the main toolbar have words under them, which they do until the user
+    /// wants none.
+    bool toolbar_words() const;
+    void keep_toolbar_words(bool wanted) const;
+
     /// Whether the user wants every corrected behaviour from the start on.
     bool starts_corrected() const;
     void keep_starts_corrected(bool wanted) const;

@@ -35,6 +35,10 @@ struct ProgramState {
     /// The version that the meter identified last has told, "PLUS V3.0.5"; empty where none
     /// answers.
     QString meter_version;
+    /// The meter is the simulated one that the program itself has started.
+    bool simulated_meter = false;
+    /// It was at some time of this run, so that rows of the page may be made up.
+    bool simulated_before = false;
     /// The level unit in force, a LevelUnit; shared by the plan and the real-time screen.
     int unit_index = kDbuv;
     /// The name of the logger's temporary file in `base_dir`; empty before the first download.

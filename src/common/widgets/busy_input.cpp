@@ -144,6 +144,10 @@ void show_busy(bool on) {
         for (QAbstractButton* button : window->findChildren<QAbstractButton*>()) button->update();
 }
 
+void forget_busy() {
+    busy_shown() = false;
+}
+
 bool busy_is_shown() {
     return busy_shown();
 }

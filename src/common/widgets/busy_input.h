@@ -30,6 +30,8 @@ QAction* kept_action(const QKeyEvent& key);
 /// dropped are drawn as if they were disabled, see BusyStyle.
 void show_busy(bool on);
 bool busy_is_shown();
+/// The same as show_busy(false) while windows are going, which are not drawn any more.
+void forget_busy();
 
 /// True when a press on `target`, at `place` of it, may be carried out after the wait: a control
 /// that is kept, a tab, a scroll bar, a page, a box to type in, a menu that opens.

@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QLoggingCategory>
 #include <new>
+#include <utility>
 
 #include "fault.h"
 #include "message_box.h"
@@ -34,6 +35,11 @@ const Texts*& language_of_faults() {
     return texts;
 }
 
+const char*& innermost() {
+    static const char* name = nullptr;
+    return name;
+}
+
 QString words_of(const std::exception& exception, const Texts& texts) {
     if (const auto* fault = dynamic_cast<const Fault*>(&exception)) return fault->text(texts);
     if (dynamic_cast<const std::bad_alloc*>(&exception)) return texts.pick(kNoMemory);
@@ -54,7 +60,16 @@ void report_fault(QWidget* screen, const QString& what) {
     reporter()(screen, what);
 }
 
+const char* running_handler() {
+    return innermost();
+}
+
 void run_handler(QWidget* screen, const char* name, const std::function<void()>& body) {
+    struct Running {
+        explicit Running(const char* running) : outer(std::exchange(innermost(), running)) {}
+        ~Running() { innermost() = outer; }
+        const char* outer;
+    } const running(name);
     try {
         body();
     } catch (const Interrupted&) {

@@ -24,6 +24,9 @@ void tell_faults_in(const Texts* texts);
 /// `name` is for developers alone and never shown.
 void run_handler(QWidget* screen, const char* name, const std::function<void()>& body);
 
+/// The name of the handler that runs, of several the innermost; nullptr where none does.
+const char* running_handler();
+
 /// Connects `signal` to `body`, run as the handler `name` of `screen`. `body` takes the signal's
 /// arguments or none.
 template <class Sender, class Signal, class Body>

@@ -55,7 +55,9 @@ void Screen::take_toolbar(QToolBar* bar) {
 
 void Screen::toolbar_ButtonClick(const QString& key) {
     const auto work = keys_.constFind(key);
-    if (work != keys_.constEnd()) handle(toolbar_handler_.constData(), *work);
+    if (work != keys_.constEnd()) return handle(toolbar_handler_.constData(), *work);
+    const auto* action = findChild<QAction*>(key);
+    Q_EMIT no_work(action ? action->toolTip() : key);
 }
 
 void Screen::take_exit(QAction* exit) {

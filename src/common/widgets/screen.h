@@ -35,6 +35,8 @@ class Screen : public QMainWindow {
   Q_SIGNALS:
     /// The entry or button "&Exit": the screen asks to be closed.
     void exit_asked();
+    /// A key of the toolbar that has no work was clicked; `caption` is what its tooltip says.
+    void no_work(const QString& caption);
 
   protected:
     /// Runs `body` as run_handler() does, by the name `name`, between taking what stands in the

@@ -146,6 +146,14 @@ void ProgramSet::database_changed() {
     });
 }
 
+void ProgramSet::show_plan(const QString& name) {
+    handle("show_plan", [this, &name] {
+        if (!sets_.has_plan(name) || !may_leave()) return;
+        sets_.crea_records(name);
+        move_plan(true);
+    });
+}
+
 void ProgramSet::fill_keys() {
     // "storing" is known and does nothing.
     add_key(ui_->previous, [this] {

@@ -48,6 +48,9 @@ class ProgramSet : public Screen {
     /// False where the user wants to stay for the edits in the boxes, as the choice is.
     bool may_be_left() override;
 
+    /// Shows the plan `name` at its first program; what there is stays where it has been deleted.
+    void show_plan(const QString& name);
+
   Q_SIGNALS:
     /// How far an upload is, what became of it, and what else is not worth a box.
     void upload_state(const QString& text, const QString& tooltip);

@@ -43,6 +43,10 @@ constexpr Bilingual kRecentEntry{"Recent lo&gs", "Lo&g recenti"};
 constexpr Bilingual kNoRecent{"None", "Nessuno"};
 constexpr Bilingual kLevelEntry{"Full-screen &level", "&Livello a tutto schermo"};
 constexpr Bilingual kReportEntry{"&Report…", "&Rapporto…"};
+constexpr Bilingual kSimulatedMeter{"%1 (simulated, no real measurements)",
+                                    "%1 (simulato, misure non reali)"};
+constexpr Bilingual kSimulatedBefore{"%1 (rows of a simulated meter may be among them)",
+                                     "%1 (possono esserci righe di uno strumento simulato)"};
 constexpr Bilingual kReportNotSaved{"The report was not saved as '%1': %2",
                                     "Il rapporto non è stato salvato come '%1': %2"};
 constexpr Bilingual kRunGoesOn{"A run is measuring: stop it first",
@@ -126,6 +130,12 @@ void Realtime::handle(const char* name, const std::function<void()>& body) {
     ui_->trend->limits_changed();
     level_view_->ended();
     tell_run();
+}
+
+QString Realtime::meter_of_report() const {
+    if (!program_.simulated_before) return program_.meter_version;
+    const Bilingual& words = program_.simulated_meter ? kSimulatedMeter : kSimulatedBefore;
+    return Said{words, {program_.meter_version}}.in(program_.texts);
 }
 
 void Realtime::tell_run() {
@@ -453,7 +463,7 @@ QList<report::ReportLimits> Realtime::limits_in_force() {
 void Realtime::write_report(const QString& file, const report::ReportEntry& entry) {
     const bool plan = rules.state.acq_kind == kPlan;
     const report::ReportContext context{.entry = entry,
-                                        .meter = program_.meter_version,
+                                        .meter = meter_of_report(),
                                         .made = QDateTime::currentDateTime(),
                                         .plan = plan ? rules.panel.grp_name : QString(),
                                         .limits = limits_in_force()};

@@ -90,6 +90,7 @@ class Realtime : public Screen {
     void tell_run();
     void createdoc();
     void cmdreport_Click();
+    QString meter_of_report() const;
     QList<report::ReportLimits> limits_in_force();
     void follow_page();
 

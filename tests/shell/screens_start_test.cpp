@@ -1,0 +1,227 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The page behind the screens, the start without a database, and keys that tell why they did
+// nothing.
+#include <QCheckBox>
+#include <QSignalSpy>
+
+#include "example_plan.h"
+#include "no_database.h"
+#include "plan_sets.h"
+#include "screens_test.h"
+#include "start_page.h"
+
+namespace m47::shell {
+namespace {
+
+/// Presses `button` of the box that is open then.
+void answer_box(const QString& text_of_button, bool tick = false) {
+    QTimer::singleShot(50, qApp, [=] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!box) qFatal("no box");
+        if (tick) box->checkBox()->setChecked(true);
+        for (QAbstractButton* button : box->buttons())
+            if (button->text().remove(u'&') == text_of_button) return button->click();
+        qFatal("no button %s", qPrintable(text_of_button));
+    });
+}
+
+}  // namespace
+
+void ScreensTest::the_start_page_connects_the_meter_by_its_device() {
+    start_with_meter();
+    program().link().port_connected = false;
+    find<QAction>("cmdinglese")->trigger();
+    program().start_desk().open();
+    auto* page = find<StartPage>("start_page");
+    QVERIFY(page->isVisible());
+    QCOMPARE(page->geometry(), static_cast<QWidget*>(page->parent())->rect());
+    auto* key = find<QPushButton>("start_connect");
+    QCOMPARE(key->text(), QString("Connect"));
+    QVERIFY(key->isEnabled());
+    line_->take_commands();
+    key->click();
+    QCOMPARE(line_->take_commands(), QStringList({"ATTEN?", "VER?"}));
+    QVERIFY(program().link().port_connected);
+    QCOMPARE(find<QLabel>("start_result")->text(), QString("The meter answers on port 1."));
+    QTRY_COMPARE(page->findChildren<QPushButton*>("start_connect").size(), 1);
+    QVERIFY(!find<QPushButton>("start_connect")->isEnabled());
+    QVERIFY(!find<QLabel>("start_result")->text().isEmpty());
+    find<QAction>("cmditaliano")->trigger();
+    QCOMPARE(find<QPushButton>("start_search")->text(), QString("Cerca lo strumento"));
+}
+
+void ScreensTest::the_start_page_says_what_a_silent_meter_wants() {
+    start_with_meter();
+    program().link().port_connected = false;
+    find<QAction>("cmdinglese")->trigger();
+    program().start_desk().open();
+    line_->answer = [](const QByteArray&) { return QByteArray(); };
+    find<QPushButton>("start_connect")->click();
+    QVERIFY(find<QLabel>("start_result")->text().startsWith("No meter answered on port 1"));
+    const QString why = find<QLabel>("port_state")->toolTip();
+    QVERIFY2(why.contains("no meter answers there") && why.contains("switched on"),
+             qPrintable(why));
+}
+
+void ScreensTest::the_simulated_meter_says_that_it_is_none() {
+    start_with_meter();
+    program().start_desk().open();
+    find<QPushButton>("start_simulated")->click();
+    QVERIFY2(program_state().simulated_meter, qPrintable(find<QLabel>("start_result")->text()));
+    QVERIFY(program().link().port_connected);
+    const QString device = program().connection().device();
+    QVERIFY2(device.startsWith("/dev/pts/"), qPrintable(device));
+    QCOMPARE(program().link().port_number, 2);
+    const auto* mark = find<QLabel>("simulated_meter");
+    QVERIFY(mark->isVisible());
+    QCOMPARE(mark->text(), QString("Simulated meter"));
+    find<QAction>("cmditaliano")->trigger();
+    QCOMPARE(mark->text(), QString("Strumento simulato"));
+    program().identify(1);
+    QVERIFY(!program_state().simulated_meter);
+    QVERIFY(!mark->isVisible());
+    QVERIFY(QFile::exists(device));
+    cleanup();
+    QVERIFY(!QFile::exists(device));
+}
+
+void ScreensTest::a_simulated_meter_that_does_not_start_is_told() {
+    SimulatedMeter meter(in_folder("no-such-meter"));
+    QCOMPARE(meter.start(), QString());
+    QVERIFY2(meter.fault(Texts()).contains("no-such-meter"), qPrintable(meter.fault(Texts())));
+    SimulatedMeter mute(QStringLiteral("/bin/true"));
+    QCOMPARE(mute.start(), QString());
+    QVERIFY(mute.fault(Texts()).contains("opened no line"));
+}
+
+void ScreensTest::a_plan_of_the_start_page_opens_at_its_place() {
+    plans::add_example_plan(program().database());
+    program().start_desk().open();
+    const auto* page = find<StartPage>("start_page");
+    const QList<QPushButton*> keys = page->findChildren<QPushButton*>();
+    const auto plan = std::find_if(keys.begin(), keys.end(), [](const QPushButton* key) {
+        return key->text().endsWith("EXAMPLE");
+    });
+    QVERIFY(plan != keys.end());
+    (*plan)->click();
+    QWidget* screen = window().screen_of("program");
+    QVERIFY(screen);
+    QCOMPARE(find<QLineEdit>("grp_name", screen)->text(), QString("EXAMPLE"));
+    QCOMPARE(find<QLineEdit>("sat_freq_txt", screen)->text().toDouble(), 10750.0);
+}
+
+void ScreensTest::without_a_database_one_is_made_here_with_an_example() {
+    end_program();
+    new_folder();
+    const QString before = QDir::currentPath();
+    ProgramState state;
+    QVERIFY(work_in(folder(), state));
+    answer_box("Create here", true);
+    auto database = ask_for_database(state);
+    QVERIFY(database);
+    QVERIFY(QFile::exists(state.database_file));
+    {
+        plans::PlanSets sets(*database);
+        QVERIFY(sets.has_plan(plans::kExamplePlan));
+        sets.crea_records(plans::kExamplePlan);
+        const auto programs = sets.programs();
+        QCOMPARE(programs.size(), std::size_t(7));
+        for (const programme::ProgramRecord& program : programs) {
+            QVERIFY(program.monitor_state);
+            QVERIFY(!programme::is_untuned(program));
+        }
+        QCOMPARE(programs.back().frequenza.toDouble(), 12160.0);
+        QCOMPARE(programme::oscillator_entry(programs.back()), std::size_t(1));
+    }
+    database.reset();
+    answer_box("Close");
+    QVERIFY(!ask_for_database(state));
+    QDir::setCurrent(before);
+}
+
+void ScreensTest::keys_that_can_do_nothing_say_why() {
+    const auto* notice = find<QLabel>("corrected_notice");
+    find<QAction>("cmdinglese")->trigger();
+    realtime::Realtime* screen = open_realtime();
+    QCOMPARE(notice->text(), QString());
+    find<QAction>("single_acq", screen)->trigger();
+    QVERIFY2(notice->text().contains("no meter is connected"), qPrintable(notice->text()));
+    program().link().port_connected = true;
+    find<QAction>("single_acq", screen)->trigger();
+    QVERIFY2(notice->text().contains("no measure is ticked"), qPrintable(notice->text()));
+    program().link().port_connected = false;
+    find<QAction>("satellite", screen)->trigger();
+    QVERIFY2(notice->text().contains("has no function"), qPrintable(notice->text()));
+    find<QAction>("group", screen)->trigger();
+    find<QAction>("multiple_acq", screen)->trigger();
+    QVERIFY2(notice->text().contains("monitored"), qPrintable(notice->text()));
+    find<QAction>("download")->trigger();
+    window().show_notice(QString());
+    find<QPushButton>("cmdclearall")->click();
+    QVERIFY2(notice->text().startsWith("Nothing was sent"), qPrintable(notice->text()));
+    find<QAction>("asl")->trigger();
+    find<QPushButton>("cmddelstr")->click();
+    QVERIFY2(notice->text().contains("select a satellite"), qPrintable(notice->text()));
+}
+
+void ScreensTest::the_words_under_the_keys_can_be_taken_away() {
+    auto* bar = find<QToolBar>("barracomandi");
+    auto* words = find<QAction>("cmdtoolbarwords");
+    QVERIFY(words->isChecked());
+    QTRY_COMPARE(bar->toolButtonStyle(), Qt::ToolButtonTextUnderIcon);
+    QCOMPARE(find<QAction>("program")->iconText(), QString("Piani"));
+    find<QAction>("cmdinglese")->trigger();
+    QCOMPARE(find<QAction>("program")->iconText(), QString("Plans"));
+    words->trigger();
+    QCOMPARE(bar->toolButtonStyle(), Qt::ToolButtonIconOnly);
+}
+
+void ScreensTest::the_list_of_ports_tells_what_stands_behind_each_number() {
+    end_program();
+    link::PortSources sources{"/nonexistent", "/nonexistent",
+                              [] { return QStringList{"/nonexistent/ttyUSB7"}; }};
+    sources.described = [](const QString&) { return QStringLiteral("FT232R USB UART"); };
+    start_program({1024, 600}, link::PortList(sources));
+    find<QAction>("cmdinglese")->trigger();
+    find<QAction>("setport")->trigger();
+    auto* porta = find<QComboBox>("porta");
+    const auto* beside = find<QLabel>("port_device");
+    const auto description = [porta](int index) {
+        return porta->itemData(index, link::PortDelegate::kDescriptionRole).toString();
+    };
+    QCOMPARE(description(0), QString("FT232R USB UART (ttyUSB7)"));
+    QCOMPARE(description(1), QString());
+    QCOMPARE(beside->text(), QString());
+    porta->setCurrentIndex(0);
+    QCOMPARE(beside->text(), QString("FT232R USB UART (ttyUSB7)"));
+    porta->setCurrentIndex(1);
+    QVERIFY(beside->text().startsWith("No device"));
+    // The port in use.
+    program().link().port_number = 1;
+    program().link().port_connected = true;
+    Q_EMIT window().screen_of("setport")->exit_asked();
+    QTRY_VERIFY(!window().screen_of("setport"));
+    find<QAction>("setport")->trigger();
+    porta = find<QComboBox>("porta");
+    QCOMPARE(porta->currentIndex(), 0);
+    QVERIFY(porta->itemData(0, link::PortDelegate::kInUseRole).toBool());
+    QVERIFY(find<QLabel>("port_device")->text().endsWith(", in use"));
+    // An empty number is dimmed, one with a device is not.
+    QStyleOptionViewItem option;
+    option.initFrom(porta->view());
+    option.rect = QRect(0, 0, 300, 20);
+    const auto darkest_of = [&](int index) {
+        QImage image(300, 20, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        porta->itemDelegate()->paint(&painter, option, porta->model()->index(index, 0));
+        int darkest = 255;
+        for (int y = 0; y < 20; ++y)
+            for (int x = 0; x < 40; ++x) darkest = qMin(darkest, qGray(image.pixel(x, y)));
+        return darkest;
+    };
+    QVERIFY(darkest_of(1) > darkest_of(0) + 30);
+    end_program();
+}
+
+}  // namespace m47::shell
