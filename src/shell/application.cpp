@@ -177,6 +177,16 @@ link::PortList ports_of(const Options& options) {
     return ports;
 }
 
+/// The open database, of another folder where the user chose that; nullptr without one.
+std::unique_ptr<db::Database> find_database(ProgramState& state, const Options& options) {
+    bool can_be_made = false;
+    {
+        const FontReader fonts(options);
+        if (auto database = open_database(state, options, can_be_made)) return database;
+    }
+    return can_be_made ? ask_for_database(state) : nullptr;
+}
+
 int run_with_options(int argc, char** argv, const Options& options) {
     platform::listen_to_end_signals();
     g_toolkit_messages = qInstallMessageHandler(pass_message);
@@ -197,13 +207,7 @@ int run_with_options(int argc, char** argv, const Options& options) {
         return kUsage;
     }
     choose(state, options);
-    std::unique_ptr<db::Database> database;
-    bool can_be_made = false;
-    {
-        const FontReader fonts(options);
-        database = open_database(state, options, can_be_made);
-    }
-    if (!database && can_be_made) database = ask_for_database(state);
+    std::unique_ptr<db::Database> database = find_database(state, options);
     if (!database)
         return platform::times_told_to_end() > 0 ? platform::end_signal_status() : kDatabase;
     if (!options.import_database.isEmpty())
