@@ -134,7 +134,7 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
     QLabel* progress_;
     QLabel* notice_;
     OtherLanguages* languages_;
-    SavedNotice* saved_ = nullptr;  ///< made with the first file
+    SavedNotice* saved_ = nullptr;      ///< made with the first file
     ActivityArea* activity_ = nullptr;  ///< made with the first activity
     StatusPanel* status_;
     CorrectedMenu* corrected_ = nullptr;
