@@ -53,6 +53,8 @@ constexpr Bilingual kRunGoesOn{"A run is measuring: stop it first",
                                "Un ciclo sta misurando: prima fermarlo"};
 
 constexpr std::chrono::milliseconds kBehindBox{200};
+/// Without a pause the next exchange would begin before the keys pressed in the last one are seen.
+constexpr std::chrono::milliseconds kForTheUser{10};
 
 /// While it lives `show` is told of each moment in which the meter is waited for.
 class Waiting {
@@ -327,7 +329,7 @@ void Realtime::point_once() {
         throw;
     }
     if (!rules.link.port_connected) return repeat_level(false);
-    next_level_.start(0);
+    next_level_.start(kForTheUser);
 }
 
 void Realtime::show_row_as_level(int row) {
