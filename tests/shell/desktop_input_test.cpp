@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Clicks as a desktop brings them, through an X server of the test's own: what other tests put into
 // the queue of events by themselves comes otherwise than what was left lying in the window system.
+#include <QAction>
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QProcess>
@@ -10,6 +11,10 @@
 
 #include "busy_input.h"
 #include "busy_pump.h"
+#include "fake_port.h"
+#include "level_view.h"
+#include "program_in_folder.h"
+#include "virtual_clock.h"
 
 namespace m47::shell {
 namespace {
@@ -60,10 +65,43 @@ struct Stand {
 
 }  // namespace
 
-class DesktopInputTest : public QObject {
+class DesktopInputTest : public QObject, protected ProgramInFolder {
     Q_OBJECT
 
+    /// On a line that answers at once, so that one exchange follows the other.
+    void start_on_virtual_line() {
+        new_folder();
+        auto clock = std::make_unique<VirtualClock>();
+        auto line = std::make_unique<FakePort>(*clock);
+        line->answer = [](const QByteArray& command) {
+            if (command == "LEVANL?") return FakePort::good(command, "L 58.3");
+            return FakePort::good(command, command.endsWith('?') ? "0" : "");
+        };
+        link::PortList ports;
+        QVERIFY(ports.add("1=/dev/no-such-meter"));
+        start_program({800, 600}, ports, std::move(clock), std::move(line));
+        program().identify(1);
+    }
+
   private Q_SLOTS:
+    void cleanup() { end_program(); }
+
+    void keys_are_seen_while_the_level_is_repeated() {
+        start_on_virtual_line();
+        window().open_screen("realtime");
+        find<QAction>("cmdlevelview")->trigger();
+        auto* view = find<level::LevelView>("level_view");
+        QVERIFY(QTest::qWaitForWindowExposed(view));
+        xdotool({"windowfocus", QString::number(view->winId())});
+        QTRY_COMPARE(QApplication::focusWidget(), view);
+        for (const bool repeats : {true, false, true}) {
+            xdotool({"key", "space"});
+            QTRY_COMPARE(view->repeating(), repeats);
+        }
+        xdotool({"key", "Escape"});
+        QTRY_VERIFY(!view->isVisible() && !view->repeating());
+    }
+
     void a_click_of_the_wait_is_not_carried_out_with_the_next_move() {
         Stand stand(&Stand::clear);
         click(stand.clear);

@@ -2,6 +2,7 @@
 #include "level_view.h"
 
 #include <QKeyEvent>
+#include <QScreen>
 #include <chrono>
 #include <utility>
 
@@ -101,6 +102,8 @@ LevelView::LevelView(const Texts& texts, std::function<bool()> linked, QWidget* 
 void LevelView::open() {
     setWindowTitle(texts_.pick(kLevelTitle));
     ageing_.start(std::chrono::seconds(1));
+    // A display without a window manager makes nothing larger by itself.
+    setGeometry(parentWidget()->screen()->geometry());
     showFullScreen();
     activateWindow();
     setFocus();
