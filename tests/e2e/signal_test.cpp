@@ -154,7 +154,7 @@ void SignalTest::two_signals_at_once_are_one() {
     for (const int number : {SIGHUP, SIGCONT, SIGHUP}) window.stand.remote.send_signal(number);
     const Ending ending = window.stand.remote.wait();
     QCOMPARE(ending.status, 128 + SIGHUP);
-    QVERIFY2(told(ending).startsWith("m47-remote: ended by SIGHUP: the download is whole: "),
+    QVERIFY2(told(ending).startsWith("m47-remote: ended by SIGHUP: the download is whole in "),
              told(ending).constData());
     QVERIFY(QFile::exists(window.stand.path("LOGS.TMP")));
 }
