@@ -8,7 +8,7 @@ void AcquisitionTest::pass_over_a_plan() {
     add_plan("A", {1, 1, 1});
     acquisition().group();
     programs().move_last();
-    QList<realtime::LampColour> lamps;
+    QList<LampColour> lamps;
     QList<bool> active;
     f_->on_command = [&](const QByteArray&) {
         lamps += panel().time_state;
@@ -24,7 +24,7 @@ void AcquisitionTest::pass_over_a_plan() {
     QCOMPARE(f_->commands(), cycle_at("1000.0") + cycle_at("1010.0") + cycle_at("1020.0"));
     // One second from the end of a step to the next.
     QCOMPARE(f_->pauses(), (QList<int>{10, 0, 0, 10, 10, 0, 0, 10, 10, 0, 0, 10}));
-    QVERIFY(lamps == QList<realtime::LampColour>(12, realtime::LampColour::red));
+    QVERIFY(lamps == QList<LampColour>(12, LampColour::red));
     QCOMPARE(active, QList<bool>(12, true));
     QCOMPARE(frequencies(), plan_frequencies({0, 1, 2}));
     QCOMPARE(progress_, (QList<QPair<int, int>>{{1, 3}, {2, 3}, {3, 3}, {0, 0}}));
@@ -71,7 +71,7 @@ void AcquisitionTest::a_timed_run_is_stopped_in_its_pause() {
     f_->link.activity.on_stopped = [&](const Said& how_far) { told += how_far.in(Texts()); };
     f_->link.activity.stop();
     QVERIFY(!acquisition().timed());
-    QCOMPARE(told, QStringList{"a run was between two measurements, 0 rows are on the page"});
+    QCOMPARE(told, QStringList{"a run was between two measurements, rows on the page: 0"});
 }
 
 void AcquisitionTest::each_pass_tells_its_own_listener() {
@@ -197,11 +197,11 @@ void AcquisitionTest::timed_plan() {
     run_for(10);
     QVERIFY(state().plan_run_active);
     QVERIFY(ticks_->timer2.running());
-    QVERIFY(panel().time_state == realtime::LampColour::green);
+    QVERIFY(panel().time_state == LampColour::green);
     QCOMPARE(state().ticks_left, 10);
     QVERIFY(firings_.isEmpty());
     run_for(1.5);
-    QVERIFY(panel().time_state == realtime::LampColour::red);
+    QVERIFY(panel().time_state == LampColour::red);
     // The countdown waits until the pass has ended.
     while (state().plan_run_active) {
         QCOMPARE(state().ticks_left, 10);

@@ -297,7 +297,7 @@ class SlotBackupTest : public QObject {
         QVERIFY_THROWS_EXCEPTION(Interrupted, f().backup->cmdrestoreall_Click());
         QCOMPARE(f().commands().last().left(9), QString("ASLNAME 0"));
         QCOMPARE(told.size(), 1);
-        QVERIFY2(told[0].contains("written 1 of"), qPrintable(told[0]));
+        QVERIFY2(told[0].contains("slots written by the restore: 1 of 3"), qPrintable(told[0]));
         QCOMPARE(f().panel().listastr, QStringList());
         f().link.activity.on_stopped = nullptr;
     }

@@ -174,7 +174,7 @@ class ImportTest : public QObject, protected ProgramInFolder {
 
     void the_menu_brings_everything_and_reports() {
         start(kEnglish);
-        QCOMPARE(entry()->text(), QString::fromUtf8("&Import old database…"));
+        QCOMPARE(entry()->text(), QString::fromUtf8("&Importa un vecchio database…"));
         QCOMPARE(entry()->toolTip(),
                  QStringLiteral("Importa piani e satelliti da un vecchio database"));
         QString report;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "message_box.h"
 
+#include <QTextDocument>
+
 namespace m47 {
 
 QMessageBox::StandardButton show_message_box(QWidget* parent, QMessageBox::Icon icon,
