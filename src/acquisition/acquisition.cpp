@@ -183,7 +183,7 @@ void Acquisition::start() {
 void Acquisition::stop() {
     rules_.state.plan_run_active = false;
     ticks_.interval.stop();
-    rules_.panel.time_state = realtime::LampColour::grey;
+    rules_.panel.time_state = LampColour::grey;
     rules_.panel.timer_opt_visible = false;
     rules_.panel.cmdstart = realtime::kStopCaption;
     show_time_left();
@@ -201,7 +201,7 @@ void Acquisition::cmdstart_Click() {
             ticks_.interval.start();
         else
             ticks_.interval.stop();
-        rules_.panel.time_state = realtime::LampColour::grey;
+        rules_.panel.time_state = LampColour::grey;
         rules_.panel.cmdstart = timed() ? realtime::kStopCaption : realtime::kStartCaption;
     });
     show_time_left();
@@ -233,12 +233,12 @@ void Acquisition::Timer1_Timer() {
     state.ticks_left -= 1;
     show_time_left();
     if (state.ticks_left != 0) return;
-    rules_.panel.time_state = realtime::LampColour::red;
+    rules_.panel.time_state = LampColour::red;
     rules_.panel.repaint();
     // The lamp of a firing that could not begin stays red.
     bool fired = false;
     or_end_runs([&] { fired = fire(); });
-    if (fired) rules_.panel.time_state = realtime::LampColour::green;
+    if (fired) rules_.panel.time_state = LampColour::green;
     time_delay_Click();
 }
 
@@ -255,7 +255,7 @@ bool Acquisition::fire() {
 }
 
 void Acquisition::Timer2_Timer() {
-    rules_.panel.time_state = realtime::LampColour::red;
+    rules_.panel.time_state = LampColour::red;
     rules_.panel.repaint();
     ticks_.pass.stop();
     or_end_runs([this] { pass_.step(); });

@@ -77,7 +77,7 @@ void AcquisitionTest::database_held_at_a_firing() {
         run_for(11);
         QCOMPARE(told.size(), 1);
         QVERIFY2(told[0].contains("in use by another program"), qPrintable(told[0]));
-        QCOMPARE(panel().time_state, realtime::LampColour::red);
+        QCOMPARE(panel().time_state, LampColour::red);
         QVERIFY(!state().plan_run_active);
         // The firings go on, and what runs can be ended.
         run_for(10);
@@ -147,13 +147,13 @@ void AcquisitionTest::a_firing_without_a_plan() {
     run_for(11.5);
     QCOMPARE(told_.size(), 1);
     QVERIFY2(told_[0].startsWith("The plan has no programs"), qPrintable(told_[0]));
-    QCOMPARE(panel().time_state, realtime::LampColour::red);
+    QCOMPARE(panel().time_state, LampColour::red);
     QVERIFY(!state().plan_run_active);
     f_->rules.modes.rs_programs.reset();
     run_for(10);
     QCOMPARE(told_.size(), 2);
     QCOMPARE(told_[1], QString("No plan is open."));
-    QCOMPARE(panel().time_state, realtime::LampColour::red);
+    QCOMPARE(panel().time_state, LampColour::red);
 }
 
 void AcquisitionTest::what_is_timed_stops_without_its_plan() {

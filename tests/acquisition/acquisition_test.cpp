@@ -196,13 +196,13 @@ void AcquisitionTest::stop() {
     acquisition().start();
     acquisition().cmdstart_Click();
     run_for(10.5);
-    QVERIFY(panel().time_state != realtime::LampColour::grey);
+    QVERIFY(panel().time_state != LampColour::grey);
     acquisition().stop();
     QVERIFY(!state().plan_run_active);
     QVERIFY(!ticks_->timer1.running());
     QVERIFY(!ticks_->timer2.running());
     QVERIFY(ticks_->timer3.running());
-    QVERIFY(panel().time_state == realtime::LampColour::grey);
+    QVERIFY(panel().time_state == LampColour::grey);
     QVERIFY(!panel().timer_opt_visible);
     QCOMPARE(panel().time_left, QString());
     QCOMPARE(place(), plan ? 2 : 0);
@@ -241,17 +241,17 @@ void AcquisitionTest::stop_in_single_mode_leaves_the_pass() {
 }
 
 void AcquisitionTest::start_and_stop_button() {
-    panel().time_state = realtime::LampColour::green;
+    panel().time_state = LampColour::green;
     panel().time_delay = 4;
     acquisition().time_delay_Click();
     acquisition().cmdstart_Click();
     QVERIFY(ticks_->timer1.running());
-    QVERIFY(panel().time_state == realtime::LampColour::grey);
+    QVERIFY(panel().time_state == LampColour::grey);
     QCOMPARE(panel().cmdstart, QString("&Stop"));
-    panel().time_state = realtime::LampColour::green;
+    panel().time_state = LampColour::green;
     acquisition().cmdstart_Click();
     QVERIFY(!ticks_->timer1.running());
-    QVERIFY(panel().time_state == realtime::LampColour::grey);
+    QVERIFY(panel().time_state == LampColour::grey);
     QCOMPARE(panel().cmdstart, QString("&Start"));
     run_for(100);
     QCOMPARE(f_->port.opens, 0);
@@ -277,7 +277,7 @@ void AcquisitionTest::start_button_of_a_plan() {
 void AcquisitionTest::first_firing_after_one_second() {
     QCOMPARE(panel().time_delay, 0);
     QCOMPARE(state().ticks_left, 1);
-    QList<realtime::LampColour> lamps;
+    QList<LampColour> lamps;
     f_->on_command = [&](const QByteArray&) { lamps += panel().time_state; };
     acquisition().cmdstart_Click();
     run_for(0.99);
@@ -285,8 +285,8 @@ void AcquisitionTest::first_firing_after_one_second() {
     run_for(0.1);
     QCOMPARE(f_->commands(), cycle_at("1000.0"));
     QCOMPARE(static_cast<int>(f_->port.pauses.first() * 1000 + 0.5), 1000);
-    QVERIFY(lamps == QList<realtime::LampColour>(4, realtime::LampColour::red));
-    QVERIFY(panel().time_state == realtime::LampColour::green);
+    QVERIFY(lamps == QList<LampColour>(4, LampColour::red));
+    QVERIFY(panel().time_state == LampColour::green);
     QCOMPARE(state().ticks_left, 1);
     QVERIFY(!state().plan_run_active);
 }
@@ -359,7 +359,7 @@ void AcquisitionTest::no_delay_chosen() {
     // Nothing is loaded behind the firing, so there is no second one.
     QCOMPARE(firings_.size(), 1);
     QVERIFY(state().ticks_left < 0);
-    QVERIFY(panel().time_state == realtime::LampColour::green);
+    QVERIFY(panel().time_state == LampColour::green);
     QCOMPARE(panel().time_left, QString("0:00:00"));
 }
 

@@ -127,11 +127,11 @@ void AcquisitionTest::no_plan_open() {
     acquisition().multiple_acq();
     QVERIFY(!ticks_->timer2.running());
     panel().cmdstart = "before";
-    panel().time_state = realtime::LampColour::green;
+    panel().time_state = LampColour::green;
     acquisition().cmdstart_Click();
     QVERIFY(!ticks_->timer1.running());
     QCOMPARE(panel().cmdstart, QString("before"));
-    QVERIFY(panel().time_state == realtime::LampColour::green);
+    QVERIFY(panel().time_state == LampColour::green);
     acquisition().stop();
     QVERIFY(!state().plan_run_active);
     QCOMPARE(panel().cmdstart, QString("&Stop"));

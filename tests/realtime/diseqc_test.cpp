@@ -11,8 +11,8 @@
 namespace m47::realtime {
 namespace {
 
-using KeyPress = void (Diseqc::*)(int key);
-using Click = void (Diseqc::*)();
+using KeyPress = void (dish::Diseqc::*)(int key);
+using Click = void (dish::Diseqc::*)();
 
 struct EntryBox {
     const char* name;
@@ -21,12 +21,12 @@ struct EntryBox {
 };
 
 const EntryBox kEntryBoxes[] = {
-    {"storesat", &RealtimePanel::storesat, &Diseqc::storesat_KeyPress},
-    {"recallsat", &RealtimePanel::recallsat, &Diseqc::recallsat_KeyPress},
-    {"starteast_s", &RealtimePanel::starteast_s, &Diseqc::starteast_s_KeyPress},
-    {"starteast_t", &RealtimePanel::starteast_t, &Diseqc::starteast_t_KeyPress},
-    {"startwest_s", &RealtimePanel::startwest_s, &Diseqc::startwest_s_KeyPress},
-    {"startwest_t", &RealtimePanel::startwest_t, &Diseqc::startwest_t_KeyPress},
+    {"storesat", &RealtimePanel::storesat, &dish::Diseqc::storesat_KeyPress},
+    {"recallsat", &RealtimePanel::recallsat, &dish::Diseqc::recallsat_KeyPress},
+    {"starteast_s", &RealtimePanel::starteast_s, &dish::Diseqc::starteast_s_KeyPress},
+    {"starteast_t", &RealtimePanel::starteast_t, &dish::Diseqc::starteast_t_KeyPress},
+    {"startwest_s", &RealtimePanel::startwest_s, &dish::Diseqc::startwest_s_KeyPress},
+    {"startwest_t", &RealtimePanel::startwest_t, &dish::Diseqc::startwest_t_KeyPress},
 };
 
 }  // namespace
@@ -60,7 +60,7 @@ class DiseqcTest : public QObject {
     void three_states_of_the_panel();
 
   private:
-    Diseqc& diseqc() { return f_->rules.diseqc; }
+    dish::Diseqc& diseqc() { return f_->rules.diseqc; }
     RealtimePanel& panel() { return f_->panel(); }
     QList<LampColour> colours() {
         return {panel().starteast_s_colour, panel().starteast_t_colour, panel().startwest_s_colour,
@@ -108,10 +108,10 @@ void DiseqcTest::motor_items() {
 }
 
 void DiseqcTest::the_same_item_twice() {
-    diseqc().dsqmtr_Click(kStopMotor);
-    diseqc().dsqmtr_Click(kStopMotor);
-    diseqc().dsqmtr_Click(kStorePosition);
-    diseqc().dsqmtr_Click(kStorePosition);
+    diseqc().dsqmtr_Click(dish::kStopMotor);
+    diseqc().dsqmtr_Click(dish::kStopMotor);
+    diseqc().dsqmtr_Click(dish::kStorePosition);
+    diseqc().dsqmtr_Click(dish::kStorePosition);
     QCOMPARE(f_->commands(),
              (QStringList{"DISEQCMOT 00", "DISEQCMOT 00", "DISEQCMOT 0601", "DISEQCMOT 0601"}));
 }
@@ -177,7 +177,8 @@ void DiseqcTest::an_unconfirmed_position_is_brought_into_range_first() {
     QFETCH(QString, typed);
     QFETCH(QString, digits);
     for (const EntryBox& box : kEntryBoxes) panel().*box.text = typed;
-    for (const int item : {kStorePosition, kRecallPosition, kDriveEast, kDriveWest})
+    for (const int item :
+         {dish::kStorePosition, dish::kRecallPosition, dish::kDriveEast, dish::kDriveWest})
         diseqc().dsqmtr_Click(item);
     QCOMPARE(f_->commands(),
              (QStringList{"DISEQCMOT 06" + digits, "DISEQCMOT 07" + digits,
@@ -195,13 +196,13 @@ void DiseqcTest::drives_use_the_box_in_red_data() {
     QTest::addColumn<Click>("choose");
     QTest::addColumn<int>("item");
     QTest::addColumn<QString>("command");
-    QTest::newRow("east, steps") << &Diseqc::starteast_s_Click << int(kDriveEast)
+    QTest::newRow("east, steps") << &dish::Diseqc::starteast_s_Click << int(dish::kDriveEast)
                                  << "DISEQCMOT 08 12 01";
-    QTest::newRow("east, time") << &Diseqc::starteast_t_Click << int(kDriveEast)
+    QTest::newRow("east, time") << &dish::Diseqc::starteast_t_Click << int(dish::kDriveEast)
                                 << "DISEQCMOT 08 34 00";
-    QTest::newRow("west, steps") << &Diseqc::startwest_s_Click << int(kDriveWest)
+    QTest::newRow("west, steps") << &dish::Diseqc::startwest_s_Click << int(dish::kDriveWest)
                                  << "DISEQCMOT 09 56 01";
-    QTest::newRow("west, time") << &Diseqc::startwest_t_Click << int(kDriveWest)
+    QTest::newRow("west, time") << &dish::Diseqc::startwest_t_Click << int(dish::kDriveWest)
                                 << "DISEQCMOT 09 78 00";
 }
 
@@ -251,7 +252,7 @@ void DiseqcTest::satellite_defaults_go_back_to_the_steps() {
     QVERIFY(!f_->state().east_limit_set);
     QVERIFY(!f_->state().west_limit_set);
     f_->commands();
-    diseqc().dsqmtr_Click(kDriveEast);
+    diseqc().dsqmtr_Click(dish::kDriveEast);
     QCOMPARE(f_->commands(), QStringList{"DISEQCMOT 08 01 01"});
 }
 
@@ -261,20 +262,20 @@ void DiseqcTest::the_entry_is_shown_before_it_is_sent() {
     bool shown_first = false;
     f_->on_command = [&](const QByteArray&) { shown_first = shown.contains("07"); };
     panel().storesat = "7";
-    diseqc().dsqmtr_Click(kStorePosition);
+    diseqc().dsqmtr_Click(dish::kStorePosition);
     QVERIFY(shown_first);
     panel().on_repaint = [&] { shown += panel().starteast_s; };
     f_->on_command = [&](const QByteArray&) { shown_first = shown.contains("09"); };
     shown_first = false;
     panel().starteast_s = "9";
-    diseqc().dsqmtr_Click(kDriveEast);
+    diseqc().dsqmtr_Click(dish::kDriveEast);
     QVERIFY(shown_first);
 }
 
 void DiseqcTest::a_refusal_changes_nothing() {
     f_->refuse("DISEQCMOT 0605");
     panel().storesat = "5";
-    diseqc().dsqmtr_Click(kStorePosition);
+    diseqc().dsqmtr_Click(dish::kStorePosition);
     QCOMPARE(f_->commands(), (QStringList{"DISEQCMOT 0605", "DISEQCMOT 0605", "DISEQCMOT 0605"}));
     QCOMPARE(panel().storesat, QString("05"));
 }
@@ -282,22 +283,22 @@ void DiseqcTest::a_refusal_changes_nothing() {
 void DiseqcTest::without_a_link_the_entry_is_corrected_all_the_same() {
     f_->link.port_connected = false;
     panel().storesat = "150";
-    diseqc().dsqmtr_Click(kStorePosition);
+    diseqc().dsqmtr_Click(dish::kStorePosition);
     diseqc().diseqc_cmd_Click(programme::kDiseqcNone);
     QCOMPARE(f_->port.opens, 0);
     QCOMPARE(panel().storesat, QString("99"));
 }
 
 void DiseqcTest::three_states_of_the_panel() {
-    const DiseqcLayout folded = diseqc_layout(DiseqcState::folded);
+    const dish::DiseqcLayout folded = dish::diseqc_layout(dish::DiseqcState::folded);
     QCOMPARE(folded.diseqc, QSize(93, 49));
     QCOMPARE(folded.sat_opt, QSize(281, 201));
     QVERIFY(!folded.dsq11opt && !folded.dsq12opt);
-    const DiseqcLayout commands = diseqc_layout(opened_state(false));
+    const dish::DiseqcLayout commands = dish::diseqc_layout(dish::opened_state(false));
     QCOMPARE(commands.diseqc, QSize(245, 65));
     QCOMPARE(commands.sat_opt, QSize(385, 201));
     QVERIFY(commands.dsq11opt && !commands.dsq12opt);
-    const DiseqcLayout motor = diseqc_layout(opened_state(true));
+    const dish::DiseqcLayout motor = dish::diseqc_layout(dish::opened_state(true));
     QCOMPARE(motor.diseqc, QSize(245, 277));
     QCOMPARE(motor.sat_opt, QSize(385, 367));
     QVERIFY(!motor.dsq11opt && motor.dsq12opt);

@@ -303,7 +303,7 @@ class FailingDatabaseTest : public QObject, protected ProgramInFolder {
             const FailingStatement failing(nth, code);
             walk.Timer1_Timer();
             const bool failed = failing.calls() >= nth;
-            const bool green = screen.rules.panel.time_state == realtime::LampColour::green;
+            const bool green = screen.rules.panel.time_state == LampColour::green;
             if (green == failed || told_.size() != (failed ? 1 : 0))
                 QTest::qFail(qPrintable(QString::number(nth)), __FILE__, __LINE__);
             const int calls = failing.calls();

@@ -273,9 +273,9 @@ void ScreensTest::what_the_program_before_measured_is_dimmed() {
     realtime::Realtime* screen = open_realtime();
     realtime::RealtimePanel& panel = screen->rules.panel;
     panel.leva = QStringLiteral("58.3");
-    panel.alarm_light[4] = realtime::LampColour::green;
+    panel.alarm_light[4] = LampColour::green;
     panel.repaint();
-    auto* value = find<realtime::ReadOut>("leva", screen);
+    auto* value = find<ReadOut>("leva", screen);
     auto* lamp = find<Lamp>("alarm_light_4", screen);
     const QColor text = value->palette().color(QPalette::WindowText);
     QVERIFY(has_colour(value->grab().toImage(), text));

@@ -18,7 +18,7 @@ namespace m47::realtime {
 class Modes {
   public:
     Modes(link::Link& link, ProgramState& program, db::Database& database, RealtimePanel& panel,
-          RealtimeState& state, Tuning& tuning, Diseqc& diseqc)
+          RealtimeState& state, Tuning& tuning, dish::Diseqc& diseqc)
         : link_(link),
           program_(program),
           database_(database),
@@ -83,7 +83,7 @@ class Modes {
     RealtimePanel& panel_;
     RealtimeState& state_;
     Tuning& tuning_;
-    Diseqc& diseqc_;
+    dish::Diseqc& diseqc_;
 };
 
 }  // namespace m47::realtime

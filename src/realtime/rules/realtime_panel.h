@@ -3,13 +3,12 @@
 
 #include <QString>
 #include <array>
-#include <functional>
 
+#include "dish_panel.h"
+#include "lamp_colour.h"
 #include "measurement.h"
 
 namespace m47::realtime {
-
-enum class LampColour { grey, red, green };
 
 /// The measures that can be ticked, by their index in `meas_stated` and `meas_statea`.
 enum DigitalMeasure { kDcpLevel, kCnDigital, kNoiseDigital, kChber, kPvBer, kCfo, kMer, kRu };
@@ -20,7 +19,7 @@ inline const QString kStopCaption = QStringLiteral("&Stop");
 
 /// What the real-time screen shows, without a screen: each member is the content of the control of
 /// that name. The rules work on it; the screen copies the user's entries into it and shows it.
-struct RealtimePanel {
+struct RealtimePanel : dish::DishPanel {
     // Tuning
     QString fsat = QStringLiteral("1000.0");
     QString ol_freq = QStringLiteral("10600");
@@ -32,18 +31,6 @@ struct RealtimePanel {
     int k22_state = 1;
     int lnb_supply = 0;
     int atten_list = 6;
-
-    // DiSEqC: positions and amounts of two digits; of each pair the box in red is in use
-    QString storesat = QStringLiteral("01");
-    QString recallsat = QStringLiteral("01");
-    QString starteast_s = QStringLiteral("01");
-    QString starteast_t = QStringLiteral("01");
-    QString startwest_s = QStringLiteral("01");
-    QString startwest_t = QStringLiteral("01");
-    LampColour starteast_s_colour = LampColour::red;
-    LampColour starteast_t_colour = LampColour::green;
-    LampColour startwest_s_colour = LampColour::red;
-    LampColour startwest_t_colour = LampColour::green;
 
     // Measures and alarms
     std::array<bool, 8> meas_stated{};
@@ -92,13 +79,8 @@ struct RealtimePanel {
     int cmdlev = 0;
     QString noise_freqa, noise_freqd;
 
-    /// Shows the panel as it stands, at once; a plain test leaves it empty.
-    std::function<void()> on_repaint;
     /// True where no level is shown.
     bool without_level() const { return leva.trimmed().isEmpty() && dcplev.trimmed().isEmpty(); }
-    void repaint() const {
-        if (on_repaint) on_repaint();
-    }
 };
 
 /// What a timed firing measures.
@@ -106,7 +88,7 @@ inline constexpr int kSingleElement = 1;
 inline constexpr int kPlan = 2;
 
 /// What the rules of the real-time screen share and the user does not see.
-struct RealtimeState {
+struct RealtimeState : dish::DishState {
     /// The screen is being loaded or a program recalled: the handlers of the tuning controls and
     /// of the unit menu change the controls without sending their commands.
     bool recall_in_progress = false;
@@ -118,8 +100,6 @@ struct RealtimeState {
     int acq_kind = kSingleElement;
     int ticks_left = 1;  ///< seconds before the next timed firing
     bool plan_run_active = false;
-    bool east_limit_set = false;  ///< the motor drives east by `starteast_t`, not `starteast_s`
-    bool west_limit_set = false;  ///< the same for the west
 };
 
 inline constexpr int kAnalogMode = static_cast<int>(measurement::MeasureMode::analog);

@@ -32,7 +32,7 @@ class RealtimeRules {
     measurement::PageModel page;
     measurement::MeasurementLog log;
     Tuning tuning;
-    Diseqc diseqc;
+    dish::Diseqc diseqc;
     MeasureSteps steps;
     Modes modes;
     MeasureCycle cycle;

@@ -1,16 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "measure_rows.h"
 
-#include <QStyle>
-#include <QStyleOptionFrame>
+#include <QWidget>
 
 namespace m47::realtime {
 namespace {
 
 /// Between two rows; the grids have none of their own, as they leave it out beside an empty row.
 constexpr int kBetweenRows = 2;
-/// What a text box keeps free on both sides of its text.
-constexpr int kTextMargins = 6;
 
 int row_of(const QGridLayout& grid, int item) {
     int row = 0, column = 0, rows = 0, columns = 0;
@@ -45,25 +42,6 @@ void level_rows(QGridLayout& measures, const QGroupBox& alarms, QGridLayout& lim
     limits.setRowMinimumHeight(0, captions);
     const int above = alarms.contentsMargins().top() + limits.contentsMargins().top();
     measures.setRowMinimumHeight(0, above + captions);
-}
-
-void fit_to_text(QLineEdit& box, const QString& longest) {
-    QStyleOptionFrame option;
-    option.initFrom(&box);
-    option.lineWidth = box.style()->pixelMetric(QStyle::PM_DefaultFrameWidth, &option, &box);
-    const QSize text(box.fontMetrics().horizontalAdvance(longest) + kTextMargins, 0);
-    box.setFixedWidth(
-        box.style()->sizeFromContents(QStyle::CT_LineEdit, &option, text, &box).width());
-}
-
-void keep_room(QWidget& widget) {
-    QSizePolicy policy = widget.sizePolicy();
-    policy.setRetainSizeWhenHidden(true);
-    widget.setSizePolicy(policy);
-    // To a layout what was never shown is not there, and a frame without its controls is small.
-    for (QWidget* control : widget.findChildren<QWidget*>())
-        if (!control->isWindow() && !control->testAttribute(Qt::WA_WState_ExplicitShowHide))
-            control->show();
 }
 
 }  // namespace m47::realtime

@@ -3,7 +3,6 @@
 
 #include <QGridLayout>
 #include <QGroupBox>
-#include <QLineEdit>
 
 namespace m47::realtime {
 
@@ -11,11 +10,5 @@ namespace m47::realtime {
 /// beside it: row k of one stands at the height of row k of the other. Row 0 of `limits` has the
 /// captions, that of `measures` is empty. To be done again where font or style have changed.
 void level_rows(QGridLayout& measures, const QGroupBox& alarms, QGridLayout& limits);
-
-/// Makes `box` as wide as `longest` in its font needs.
-void fit_to_text(QLineEdit& box, const QString& longest);
-
-/// `widget` keeps its room while it is hidden, so that nothing moves when it comes.
-void keep_room(QWidget& widget);
 
 }  // namespace m47::realtime

@@ -184,7 +184,7 @@ void Realtime::connect_diseqc() {
     ui_->diseqc->connect_to(
         rules.diseqc,
         [this](const char* name, const std::function<void()>& body) { handle(name, body); });
-    new DiseqcFolding(ui_->sat_opt, ui_->diseqc);
+    new dish::DiseqcFolding(ui_->sat_opt, ui_->diseqc);
     QWidget* previous = ui_->k22_state;
     for (QWidget* control : ui_->diseqc->findChildren<QWidget*>()) {
         if (!(control->focusPolicy() & Qt::TabFocus)) continue;

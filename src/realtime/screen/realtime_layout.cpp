@@ -7,6 +7,7 @@
 #include <initializer_list>
 
 #include "body_sides.h"
+#include "box_room.h"
 #include "diseqc_layout.h"
 #include "key_room.h"
 #include "measure_rows.h"
@@ -46,7 +47,7 @@ void RealtimeLayout::keep_rooms() {
         keep_room(*hidden);
     keep_room_of_keys(ui_.barracomandi, {ui_.previous, ui_.next, ui_.previous_prog, ui_.next_prog});
     // The DiSEqC panel opens to the side without pushing the measures away.
-    ui_.satdigmea->setMinimumWidth(diseqc_layout(DiseqcState::motor).sat_opt.width());
+    ui_.satdigmea->setMinimumWidth(dish::diseqc_layout(dish::DiseqcState::motor).sat_opt.width());
 }
 
 bool RealtimeLayout::eventFilter(QObject* watched, QEvent* event) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "key_room.h"
 
-namespace m47::realtime {
+namespace m47 {
 namespace {
 
 /// An empty place as large as a key of its bar.
@@ -31,4 +31,4 @@ void keep_room_of_keys(QToolBar* bar, const QList<QAction*>& keys) {
     }
 }
 
-}  // namespace m47::realtime
+}  // namespace m47

@@ -6,14 +6,14 @@
 #include <QLayout>
 #include <QMouseEvent>
 
+#include "box_room.h"
 #include "control_array.h"
 #include "diseqc_commands.h"
 #include "enter_key.h"
 #include "lamp_colours.h"
-#include "measure_rows.h"
 #include "ui_diseqc_panel.h"
 
-namespace m47::realtime {
+namespace m47::dish {
 namespace {
 
 constexpr Bilingual kSteps{"steps", "passi"};
@@ -77,7 +77,7 @@ DiseqcPanel::DiseqcPanel(QWidget* parent)
 
 DiseqcPanel::~DiseqcPanel() = default;
 
-void DiseqcPanel::join(RealtimePanel& panel, Joints& joints) {
+void DiseqcPanel::join(DishPanel& panel, Joints& joints) {
     joints.text(ui_->storesat, panel.storesat);
     joints.text(ui_->recallsat, panel.recallsat);
     joints.text(ui_->starteast_s, panel.starteast_s);
@@ -178,4 +178,4 @@ void DiseqcPanel::size_controls() {
     for (QLineEdit* box : findChildren<QLineEdit*>()) fit_to_text(*box, QStringLiteral("00"));
 }
 
-}  // namespace m47::realtime
+}  // namespace m47::dish

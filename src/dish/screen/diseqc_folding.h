@@ -6,7 +6,7 @@
 
 #include "diseqc_panel.h"
 
-namespace m47::realtime {
+namespace m47::dish {
 
 /// Opens the DiSEqC panel when the pointer or the focus comes into it and folds it when they leave.
 /// The frame `sat_opt` grows and shrinks with it and pushes what is beside and below.
@@ -33,4 +33,4 @@ class DiseqcFolding : public QObject {
     bool folding_ = false;
 };
 
-}  // namespace m47::realtime
+}  // namespace m47::dish

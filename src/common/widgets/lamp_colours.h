@@ -2,9 +2,9 @@
 #pragma once
 
 #include "lamp.h"
-#include "realtime_panel.h"
+#include "lamp_colour.h"
 
-namespace m47::realtime {
+namespace m47 {
 
 /// The exact colour that stands for `colour`.
 inline QColor shown_colour(LampColour colour) {
@@ -19,4 +19,4 @@ inline QColor shown_colour(LampColour colour) {
     return QColor::fromRgb(kGrey);
 }
 
-}  // namespace m47::realtime
+}  // namespace m47

@@ -3,7 +3,7 @@
 
 #include <QSize>
 
-namespace m47::realtime {
+namespace m47::dish {
 
 /// What the DiSEqC panel shows: nothing but its two options, the list of commands, or the motor.
 enum class DiseqcState { folded, commands, motor };
@@ -21,4 +21,4 @@ DiseqcLayout diseqc_layout(DiseqcState state);
 /// What the panel shows once it is open: `motor` when item 1 of `dsqopt` is selected.
 DiseqcState opened_state(bool protocol_1_2);
 
-}  // namespace m47::realtime
+}  // namespace m47::dish

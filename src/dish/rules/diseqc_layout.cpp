@@ -3,7 +3,7 @@
 
 #include "twips.h"
 
-namespace m47::realtime {
+namespace m47::dish {
 namespace {
 
 QSize size_of_twips(int width, int height) {
@@ -32,4 +32,4 @@ DiseqcState opened_state(bool protocol_1_2) {
     return protocol_1_2 ? DiseqcState::motor : DiseqcState::commands;
 }
 
-}  // namespace m47::realtime
+}  // namespace m47::dish

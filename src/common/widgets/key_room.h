@@ -5,10 +5,10 @@
 #include <QList>
 #include <QToolBar>
 
-namespace m47::realtime {
+namespace m47 {
 
 /// Keeps the room of the keys `keys` of `bar` while they are hidden, so that those behind them stay
 /// where they are.
 void keep_room_of_keys(QToolBar* bar, const QList<QAction*>& keys);
 
-}  // namespace m47::realtime
+}  // namespace m47

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "dish_panel.h"
 #include "link.h"
-#include "realtime_panel.h"
 
-namespace m47::realtime {
+namespace m47::dish {
 
 /// The motor commands of the meter, by the index of their item in `dsqmtr`.
 enum MotorItem {
@@ -27,7 +27,7 @@ enum MotorItem {
 /// is told. No handler checks the answer.
 class Diseqc {
   public:
-    Diseqc(link::Link& link, RealtimePanel& panel, RealtimeState& state)
+    Diseqc(link::Link& link, DishPanel& panel, DishState& state)
         : link_(link), panel_(panel), state_(state) {}
 
     /// Sends entry `index` of kDiseqcCommands.
@@ -55,8 +55,8 @@ class Diseqc {
     void drive(const QString& command, bool limit_set, QString& steps, QString& time);
 
     link::Link& link_;
-    RealtimePanel& panel_;
-    RealtimeState& state_;
+    DishPanel& panel_;
+    DishState& state_;
 };
 
-}  // namespace m47::realtime
+}  // namespace m47::dish

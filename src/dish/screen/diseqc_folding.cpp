@@ -6,7 +6,7 @@
 #include <QMouseEvent>
 #include <QTimer>
 
-namespace m47::realtime {
+namespace m47::dish {
 
 DiseqcFolding::DiseqcFolding(QWidget* sat_opt, DiseqcPanel* diseqc)
     : QObject(sat_opt), sat_opt_(sat_opt), diseqc_(diseqc) {
@@ -107,4 +107,4 @@ void DiseqcFolding::settle() {
     sat_opt_->setFixedSize(layout.sat_opt.expandedTo(sat_opt_->minimumSizeHint()));
 }
 
-}  // namespace m47::realtime
+}  // namespace m47::dish

@@ -3,7 +3,7 @@
 
 #include <QPushButton>
 
-namespace m47::realtime {
+namespace m47::dish {
 
 /// A push button of the motor: low, as there are twelve of them, with its caption at the left, as
 /// its number leads it. It keeps no state: the motor gets its command at every click.
@@ -19,4 +19,4 @@ class MotorButton : public QPushButton {
     void paintEvent(QPaintEvent* event) override;
 };
 
-}  // namespace m47::realtime
+}  // namespace m47::dish

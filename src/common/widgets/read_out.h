@@ -3,7 +3,7 @@
 
 #include <QLabel>
 
-namespace m47::realtime {
+namespace m47 {
 
 /// A measured value in large digits, framed as what is read and not typed. Dimmed it is that of a
 /// program before.
@@ -27,4 +27,4 @@ class ReadOut : public QLabel {
     bool dimmed_ = false;
 };
 
-}  // namespace m47::realtime
+}  // namespace m47

@@ -6,7 +6,7 @@
 
 #include "contrast.h"
 
-namespace m47::realtime {
+namespace m47 {
 namespace {
 
 constexpr qreal kEnlarged = 1.3;
@@ -54,4 +54,4 @@ void ReadOut::paintEvent(QPaintEvent*) {
                      Qt::AlignRight | Qt::AlignVCenter, text());
 }
 
-}  // namespace m47::realtime
+}  // namespace m47

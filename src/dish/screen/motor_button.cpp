@@ -4,7 +4,7 @@
 #include <QStyleOptionButton>
 #include <QStylePainter>
 
-namespace m47::realtime {
+namespace m47::dish {
 namespace {
 
 // Room beside and above the caption, in logical pixels.
@@ -37,4 +37,4 @@ void MotorButton::paintEvent(QPaintEvent*) {
                          isEnabled(), text(), QPalette::ButtonText);
 }
 
-}  // namespace m47::realtime
+}  // namespace m47::dish

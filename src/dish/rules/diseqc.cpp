@@ -6,7 +6,7 @@
 #include "numbers.h"
 #include "program_commands.h"
 
-namespace m47::realtime {
+namespace m47::dish {
 namespace {
 
 constexpr double kEntryMinimum = 1;
@@ -110,4 +110,4 @@ void Diseqc::startwest_t_Click() {
     state_.west_limit_set = true;
 }
 
-}  // namespace m47::realtime
+}  // namespace m47::dish

@@ -8,15 +8,15 @@
 
 #include "diseqc.h"
 #include "diseqc_layout.h"
+#include "dish_panel.h"
 #include "joints.h"
-#include "realtime_panel.h"
 #include "texts.h"
 
 namespace Ui {
 class DiseqcPanel;
 }
 
-namespace m47::realtime {
+namespace m47::dish {
 
 /// The frame `diseqc` of the real-time screen: the choice of the protocol, the list of switching
 /// commands and the motor with its boxes.
@@ -30,7 +30,7 @@ class DiseqcPanel : public QGroupBox {
     ~DiseqcPanel() override;
 
     /// Joins the boxes to their members of `panel`.
-    void join(RealtimePanel& panel, Joints& joints);
+    void join(DishPanel& panel, Joints& joints);
 
     /// Connects every control that sends or chooses to its handler in `rules`.
     void connect_to(Diseqc& rules, const Handle& handle);
@@ -75,4 +75,4 @@ class DiseqcPanel : public QGroupBox {
 /// True when `widget` is `panel` or belongs to it, its pop-up lists and menus included.
 bool belongs_to(const QWidget* panel, const QWidget* widget);
 
-}  // namespace m47::realtime
+}  // namespace m47::dish

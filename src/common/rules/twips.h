@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-namespace m47::realtime {
+namespace m47 {
 
 /// The unit in which the sizes of the real-time screen are stated: 15 to a pixel at 100 %.
 inline constexpr int kTwipsPerPixel = 15;
@@ -11,4 +11,4 @@ constexpr int pixels_of(int twips) {
     return (twips + kTwipsPerPixel / 2) / kTwipsPerPixel;
 }
 
-}  // namespace m47::realtime
+}  // namespace m47
