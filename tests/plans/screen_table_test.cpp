@@ -284,6 +284,16 @@ void PlanScreenTest::what_another_program_changed_is_not_undone() {
     QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("-,002"));
 }
 
+void PlanScreenTest::edits_of_a_program_without_a_number_are_offered_back() {
+    start_alone();
+    type("sat_freq_txt", QStringLiteral("1234.5"));
+    press("next_prog");
+    QCOMPARE(find<QLabel>("edits_text")->text(),
+             QStringLiteral("Edits of the program without a number were not stored"));
+    click("edits_back");
+    QCOMPARE(text_of("sat_freq_txt"), QStringLiteral("1234.5"));
+}
+
 void PlanScreenTest::edits_are_marked_and_offered_back() {
     start_alone();
     type_programs(3);

@@ -388,6 +388,7 @@ class PlanScreenTest : public QObject, protected ProgramInFolder {
 
     void what_another_program_changed_is_not_undone();
 
+    void edits_of_a_program_without_a_number_are_offered_back();
     void edits_are_marked_and_offered_back();
 
     void going_through_the_boxes_is_no_edit();

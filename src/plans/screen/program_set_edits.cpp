@@ -13,6 +13,9 @@ namespace {
 
 constexpr Bilingual kEditsLeft{"Edits of program %1 were not stored",
                                "Le modifiche del programma %1 non sono state memorizzate"};
+constexpr Bilingual kEditsOfNew{
+    "Edits of the program without a number were not stored",
+    "Le modifiche del programma senza numero non sono state memorizzate"};
 constexpr Bilingual kPutBack{"Put back", "Riprendi"};
 constexpr Bilingual kRefusedLeft{"The new program %1 was refused and not stored",
                                  "Il nuovo programma %1 è stato rifiutato e non memorizzato"};
@@ -50,10 +53,13 @@ void ProgramSet::offer_lost_edits() {
     }
     const Texts& texts = program_.texts;
     if (lost_->refused_new)
-        return edits_bar_->offer(texts.pick(kRefusedLeft).arg(lost_->typed.record.pg_num),
-                                 texts.pick(kPutBackTyped));
-    edits_bar_->offer(texts.pick(kEditsLeft).arg(lost_->known.program.pg_num),
-                      texts.pick(kPutBack));
+        return edits_bar_->offer(
+            texts.pick(kRefusedLeft).arg(lost_->typed.record.pg_num).simplified(),
+            texts.pick(kPutBackTyped));
+    const QString& number = lost_->known.program.pg_num;
+    edits_bar_->offer(
+        number.isEmpty() ? texts.pick(kEditsOfNew) : texts.pick(kEditsLeft).arg(number),
+        texts.pick(kPutBack));
 }
 
 void ProgramSet::forget_lost_edits() {
