@@ -165,7 +165,6 @@ void M47MDI::focus_in(Screen* screen) {
 void M47MDI::connect_window_menu() {
     windows_ = new WindowMenu(ui_->cmdwindow, ui_->screens, program_);
     windows_->take_toolbar(ui_->barracomandi);
-    connect(this, &M47MDI::painted, windows_, &WindowMenu::show_words);
     windows_->front_key = [this] { return front_key(); };
     windows_->open_keys = [this] {
         QList<QAction*> keys = ui_->barracomandi->actions();

@@ -70,6 +70,7 @@ void WindowMenu::take_toolbar(QToolBar* bar) {
         program_.preferences.keep_toolbar_words(words);
         show_words();
     });
+    show_words();
 }
 
 void WindowMenu::show_words() {

@@ -22,11 +22,8 @@ class WindowMenu : public QObject {
     std::function<QList<QAction*>()> open_keys;
     std::function<QString()> front_key;
 
-    /// The keys of `bar` have words under their icons or not, from show_words() on.
+    /// The keys of `bar` have words under their icons or not, as it was chosen last.
     void take_toolbar(QToolBar* bar);
-    /// As it was chosen last. Words take a start longer than keys alone, so they come once the
-    /// window is painted.
-    void show_words();
 
     /// Whether a screen that opens fills the window.
     bool as_tabs() const { return tabs_->isChecked(); }
@@ -45,6 +42,7 @@ class WindowMenu : public QObject {
   private:
     QAction* add_entry(const char* name);
     void show_as_tabs(bool tabs);
+    void show_words();
     void arrange(void (QMdiArea::*how)());
     void list_screens();
     QAction* add_screen(const QAction* key);
