@@ -3,10 +3,8 @@
 
 #include <QApplication>
 #include <QDir>
-#include <QFontDatabase>
 #include <QTimer>
 #include <cstdio>
-#include <thread>
 
 #include "busy_style.h"
 #include "database_error.h"
@@ -17,7 +15,6 @@
 #include "handler.h"
 #include "icons.h"
 #include "import_command.h"
-#include "memory_pool.h"
 #include "message_box.h"
 #include "no_database.h"
 #include "no_view.h"
@@ -123,23 +120,6 @@ std::unique_ptr<QCoreApplication> make_application(int& argc, char** argv, const
     return std::make_unique<GuardedApplication>(argc, argv);
 }
 
-/// Has the fonts of the machine read, which takes as long as all else at the start, while the
-/// database is opened and checked. Ends when they are.
-class FontReader {
-  public:
-    explicit FontReader(const Options& options) {
-        if (!options.unattended()) reader_ = std::thread([] { QFontDatabase::families(); });
-    }
-    ~FontReader() {
-        if (reader_.joinable()) reader_.join();
-    }
-    FontReader(const FontReader&) = delete;
-    FontReader& operator=(const FontReader&) = delete;
-
-  private:
-    std::thread reader_;
-};
-
 int measure_unattended(ProgramState& state, db::Database& database, link::PortList ports,
                        const Options& options) {
     NoView view;
@@ -180,10 +160,7 @@ link::PortList ports_of(const Options& options) {
 /// The open database, of another folder where the user chose that; nullptr without one.
 std::unique_ptr<db::Database> find_database(ProgramState& state, const Options& options) {
     bool can_be_made = false;
-    {
-        const FontReader fonts(options);
-        if (auto database = open_database(state, options, can_be_made)) return database;
-    }
+    if (auto database = open_database(state, options, can_be_made)) return database;
     return can_be_made ? ask_for_database(state) : nullptr;
 }
 
@@ -226,7 +203,6 @@ int run_program(int argc, char** argv) {
     platform::occupy_closed_streams();
     if (argc == 2 && qstrcmp(argv[1], olddb::kReadOldDatabase) == 0) return olddb::run_old_reader();
     platform::let_writes_fail();
-    platform::share_one_memory_pool();
     const Options options = parse_options(own_arguments(argc, argv));
     switch (options.action) {
         case Options::Action::help:
