@@ -50,6 +50,29 @@ void ScreensTest::the_start_page_connects_the_meter_by_its_device() {
     QCOMPARE(find<QPushButton>("start_search")->text(), QString("Cerca lo strumento"));
 }
 
+void ScreensTest::the_first_value_takes_four_clicks() {
+    start_with_meter();
+    program().link().port_connected = false;
+    program().start_desk().open();
+    int clicks = 0;
+    const auto click = [&clicks](QWidget* key) {
+        QVERIFY(key && key->isVisible());
+        QTest::mouseClick(key, Qt::LeftButton, {}, {8, key->height() / 2});
+        ++clicks;
+    };
+    click(find<QPushButton>("start_connect"));
+    click(find<QToolBar>("barracomandi", &window())->widgetForAction(find<QAction>("realtime")));
+    auto* screen = qobject_cast<realtime::Realtime*>(window().screen_of("realtime"));
+    QVERIFY(screen);
+    const auto value = [screen] { return screen->findChild<QLabel*>("leva")->text(); };
+    QCOMPARE(value(), QString());
+    click(find<QAbstractButton>("meas_statea_0", screen));
+    click(find<QToolBar>("barracomandi", screen)
+              ->widgetForAction(find<QAction>("single_acq", screen)));
+    QVERIFY(!value().isEmpty());
+    QCOMPARE(clicks, 4);
+}
+
 void ScreensTest::the_start_page_says_what_a_silent_meter_wants() {
     start_with_meter();
     program().link().port_connected = false;

@@ -173,6 +173,7 @@ class ScreensTest : public QObject, protected ProgramInFolder {
 
     void the_start_page_connects_the_meter_by_its_device();
 
+    void the_first_value_takes_four_clicks();
     void the_start_page_says_what_a_silent_meter_wants();
 
     void the_simulated_meter_says_that_it_is_none();
