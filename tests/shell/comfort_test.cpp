@@ -15,12 +15,10 @@
 #include <QToolTip>
 #include <QUrl>
 
-#include "fake_port.h"
 #include "level_view.h"
 #include "program_in_folder.h"
 #include "realtime.h"
 #include "screen_table.h"
-#include "virtual_clock.h"
 
 namespace m47::shell {
 
@@ -76,21 +74,10 @@ class ComfortTest : public QObject, protected ProgramInFolder {
             if (by_tab.contains(const_cast<QRadioButton*>(other))) return true;
         return false;
     }
-    /// The program with a meter at 58.3 of whatever unit.
     void start_on_virtual_line() {
         end_program();
         new_folder();
-        auto clock = std::make_unique<VirtualClock>();
-        auto line = std::make_unique<FakePort>(*clock);
-        line->answer = [](const QByteArray& command) {
-            if (command == "LEVANL?") return FakePort::good(command, "L 58.3");
-            return FakePort::good(command, command.endsWith('?') ? "0" : "");
-        };
-        link::PortList ports;
-        QVERIFY(ports.add("1=/dev/no-such-meter"));
-        start_program({1300, 900}, ports, std::move(clock), std::move(line));
-        program().identify(1);
-        QVERIFY(program().link().port_connected);
+        start_at_one_level({1300, 900});
     }
     static QString spoken_name(QWidget* control) {
         QAccessibleInterface* interface = QAccessible::queryAccessibleInterface(control);

@@ -11,10 +11,8 @@
 
 #include "busy_input.h"
 #include "busy_pump.h"
-#include "fake_port.h"
 #include "level_view.h"
 #include "program_in_folder.h"
-#include "virtual_clock.h"
 
 namespace m47::shell {
 namespace {
@@ -68,26 +66,13 @@ struct Stand {
 class DesktopInputTest : public QObject, protected ProgramInFolder {
     Q_OBJECT
 
-    /// On a line that answers at once, so that one exchange follows the other.
-    void start_on_virtual_line() {
-        new_folder();
-        auto clock = std::make_unique<VirtualClock>();
-        auto line = std::make_unique<FakePort>(*clock);
-        line->answer = [](const QByteArray& command) {
-            if (command == "LEVANL?") return FakePort::good(command, "L 58.3");
-            return FakePort::good(command, command.endsWith('?') ? "0" : "");
-        };
-        link::PortList ports;
-        QVERIFY(ports.add("1=/dev/no-such-meter"));
-        start_program({800, 600}, ports, std::move(clock), std::move(line));
-        program().identify(1);
-    }
-
   private Q_SLOTS:
     void cleanup() { end_program(); }
 
     void keys_are_seen_while_the_level_is_repeated() {
-        start_on_virtual_line();
+        // One exchange follows the other.
+        new_folder();
+        start_at_one_level({800, 600});
         window().open_screen("realtime");
         find<QAction>("cmdlevelview")->trigger();
         auto* view = find<level::LevelView>("level_view");

@@ -8,15 +8,9 @@ namespace m47::shell {
 MeterInProcess& ScreensTest::start_with_meter() {
     meter_.reset();
     end_program();
-    auto clock = std::make_unique<VirtualClock>();
-    auto line = std::make_unique<FakePort>(*clock);
-    line_ = line.get();
-    meter_ = std::make_unique<MeterInProcess>(*line, 1);
-    link::PortList ports;
-    if (!ports.add("1=/dev/no-such-meter")) qFatal("no port");
-    start_program({1024, 600}, ports, std::move(clock), std::move(line));
-    program().identify(1);
-    if (!program().link().port_connected) qFatal("no meter");
+    line_ = &start_on_fake_line({1024, 600}, [this](FakePort& line) {
+        meter_ = std::make_unique<MeterInProcess>(line, 1);
+    });
     return *meter_;
 }
 

@@ -209,15 +209,10 @@ void ScreensTest::a_database_that_is_held_is_told_in_the_language_of_the_user() 
 
 void ScreensTest::a_click_during_a_download_deletes_nothing() {
     end_program();
-    auto clock = std::make_unique<VirtualClock>();
-    auto line = std::make_unique<FakePort>(*clock);
-    FakePort& port = *line;
-    auto meter = std::make_unique<MeterInProcess>(port, 1);
-    link::PortList ports;
-    QVERIFY(ports.add("1=/dev/no-such-meter"));
-    start_program({1024, 600}, ports, std::move(clock), std::move(line));
-    program().identify(1);
-    QVERIFY(program().link().port_connected);
+    std::unique_ptr<MeterInProcess> meter;
+    FakePort& port = start_on_fake_line({1024, 600}, [&meter](FakePort& line) {
+        meter = std::make_unique<MeterInProcess>(line, 1);
+    });
     find<QAction>("download")->trigger();
     QTest::qWait(50);
     QWidget* screen = window().screen_of("download");

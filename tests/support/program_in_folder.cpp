@@ -3,6 +3,8 @@
 
 #include <QTest>
 
+#include "virtual_clock.h"
+
 namespace m47 {
 
 void ProgramInFolder::new_folder(const QString& pattern) {
@@ -26,6 +28,29 @@ void ProgramInFolder::start_program(const QSize& size, const link::PortList& por
     program_ = std::make_unique<shell::Program>(state_, open_database(), ports, std::move(clock),
                                                 std::move(port));
     show_window(size);
+}
+
+FakePort& ProgramInFolder::start_on_fake_line(const QSize& size,
+                                              const std::function<void(FakePort&)>& set_up) {
+    auto clock = std::make_unique<VirtualClock>();
+    auto line = std::make_unique<FakePort>(*clock);
+    FakePort& port = *line;
+    set_up(port);
+    link::PortList ports;
+    if (!ports.add(QStringLiteral("1=/dev/no-such-meter"))) qFatal("no port");
+    start_program(size, ports, std::move(clock), std::move(line));
+    program_->identify(1);
+    if (!program_->link().port_connected) qFatal("the meter on the line was not identified");
+    return port;
+}
+
+void ProgramInFolder::start_at_one_level(const QSize& size) {
+    start_on_fake_line(size, [](FakePort& line) {
+        line.answer = [](const QByteArray& command) {
+            if (command == "LEVANL?") return FakePort::good(command, "L 58.3");
+            return FakePort::good(command, command.endsWith('?') ? "0" : "");
+        };
+    });
 }
 
 void ProgramInFolder::end_program() {

@@ -3,8 +3,10 @@
 
 #include <QSize>
 #include <QTemporaryDir>
+#include <functional>
 #include <memory>
 
+#include "fake_port.h"
 #include "program.h"
 
 namespace m47 {
@@ -32,6 +34,12 @@ class ProgramInFolder {
     /// The same on another time and line than those of this machine.
     void start_program(const QSize& size, const link::PortList& ports,
                        std::unique_ptr<link::Clock> clock, std::unique_ptr<link::SerialPort> port);
+
+    /// The same on a virtual clock and a line that answers at once what `set_up` lets it answer;
+    /// the meter on it is identified. The line, which the program owns.
+    FakePort& start_on_fake_line(const QSize& size, const std::function<void(FakePort&)>& set_up);
+    /// On such a line a meter at 58.3 of whatever unit.
+    void start_at_one_level(const QSize& size);
 
     /// Ends the program, if one runs, and forgets its state. The folder stays, for the next run.
     void end_program();

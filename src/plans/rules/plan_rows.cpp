@@ -59,10 +59,6 @@ QVariant value_of(const Record& record, const programme::ProgramField& field) {
 
 }  // namespace
 
-bool is_limit(const programme::ProgramField::Member& member) {
-    return pair_of(member) != nullptr;
-}
-
 programme::ProgramRecord with_entry(programme::ProgramRecord program,
                                     const programme::ProgramField::Member& member,
                                     const QString& text, double unit_offset) {

@@ -19,9 +19,6 @@ struct PlanRow {
     bool operator==(const PlanRow&) const = default;
 };
 
-/// True for the members that are an alarm limit.
-bool is_limit(const programme::ProgramField::Member& member);
-
 /// `program` with `text` in `member`, a tick ("1" or "0") or an alarm limit. A limit and the one it
 /// is a pair with are corrected as a store corrects them, level limits in the unit that lies
 /// `unit_offset` dB below dBuV; nothing else changes.
