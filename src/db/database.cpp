@@ -30,15 +30,16 @@ std::unique_ptr<Database> Database::open(const QString& path, DatabaseError& err
     try {
         auto connection = std::make_unique<Connection>(path);
         const QSqlDatabase& database = connection->database();
-        // EXTRA: what has been stored stays so even where the power goes at once. With FULL the
-        // journal could be back then, and would undo the last transaction.
-        Query(database, QStringLiteral("PRAGMA synchronous = EXTRA"));
         // Damage inside a page is met where the page is read, not rows later.
         Query(database, QStringLiteral("PRAGMA cell_size_check = ON"));
         if (const auto fault = fault_of_content(database, path)) {
             error = *fault;
             return nullptr;
         }
+        // EXTRA: what has been stored stays so even where the power goes at once. With FULL the
+        // journal could be back then, and would undo the last transaction. The check, which stores
+        // nothing, does not have to wait for the medium.
+        Query(database, QStringLiteral("PRAGMA synchronous = EXTRA"));
         Query(database, QStringLiteral("PRAGMA journal_mode = DELETE"));
         return std::unique_ptr<Database>(new Database(std::move(connection)));
     } catch (const EngineFault& fault) {

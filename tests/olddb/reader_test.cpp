@@ -22,8 +22,10 @@
 #include "confinement.h"
 #include "import_report.h"
 #include "import_values.h"
+#include "jet_reader.h"
 #include "jet_writer.h"
 #include "old_reader.h"
+#include "part.h"
 
 namespace m47::olddb {
 
@@ -374,6 +376,25 @@ class ReaderTest : public QObject {
         QByteArray later = real_file();
         later[0x14] = 2;
         QCOMPARE(fault_of(later).fault, OldFileFault::no_jet);
+    }
+
+    void where_what_reads_such_files_is_missing_it_says_so() {
+        if (Part(kJetPart).is_there()) QSKIP("the part is here");
+        const OldFileError error = fault_of(real_file());
+        QCOMPARE(error.fault, OldFileFault::no_reader);
+        QVERIFY2(error.path.endsWith("libm47-jet.so"), qPrintable(error.path));
+    }
+
+    void a_part_that_cannot_be_loaded_is_named() {
+        if (Part(kJetPart).is_there()) QSKIP("the part is here");
+        const QString folder = QFileInfo(Part(kJetPart).usual_folders().first()).filePath();
+        QVERIFY(QDir().mkpath(folder));
+        QFile damaged(folder + "/libm47-jet.so");
+        QVERIFY(damaged.open(QIODevice::WriteOnly) && damaged.write("no library") > 0);
+        damaged.close();
+        const OldFileError error = fault_of(real_file());
+        QVERIFY(damaged.remove());
+        QVERIFY2(error.detail.contains("libm47-jet.so"), qPrintable(error.detail));
     }
 
     void a_file_cut_anywhere_is_damaged() {

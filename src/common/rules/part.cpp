@@ -16,11 +16,20 @@ QStringList Part::usual_folders() {
             QDir::cleanPath(program.filePath(QStringLiteral(M47_PLUGIN_FOLDER)))};
 }
 
-QObject* Part::load() {
+void Part::find() {
     for (const QString& folder : folders_) {
         path_ = folder + file_;
         if (QFile::exists(path_)) break;
     }
+}
+
+bool Part::is_there() {
+    find();
+    return QFile::exists(path_);
+}
+
+QObject* Part::load() {
+    find();
     // The loader forgets the name of a file that it does not find.
     if (loader_.fileName().isEmpty()) loader_.setFileName(path_);
     return loader_.instance();

@@ -23,6 +23,12 @@ class Part {
         return offer;
     }
 
+    /// True where its file lies in one of the folders; it is not loaded.
+    bool is_there();
+
+    /// Where it is, or would be.
+    const QString& path() const { return path_; }
+
     /// The file where it could not be loaded; empty when it was, or was not asked for yet.
     const QString& fault() const { return fault_; }
 
@@ -30,6 +36,7 @@ class Part {
     static QStringList usual_folders();
 
   private:
+    void find();
     QObject* load();
 
     QString file_;

@@ -8,7 +8,6 @@
 #include <QPainter>
 #include <QPalette>
 #include <QPixmap>
-#include <QSvgRenderer>
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -105,17 +104,62 @@ QRectF centred_square(const QRectF& rect) {
     return square;
 }
 
-void draw_svg(QPainter* painter, const QByteArray& svg, const QRectF& rect) {
-    QSvgRenderer renderer(svg);
-    renderer.render(painter, centred_square(rect));
+/// The sides, in pixels, in which the program has its drawings.
+constexpr std::array kGlyphSides{M47_GLYPH_SIDES};
+constexpr std::array kIconSides{M47_ICON_SIDES};
+
+QString mask_file(const QString& key, int side) {
+    return QStringLiteral(":/m47/%1-%2.mask").arg(key).arg(side);
 }
 
-QPixmap svg_pixmap(const QByteArray& svg, const QSize& size) {
+/// The least of `sides` that `side` is not larger than, else the largest.
+template <class Sides>
+int side_for(const Sides& sides, int side) {
+    const auto* const found = std::lower_bound(sides.begin(), sides.end(), side);
+    return found == sides.end() ? sides.back() : *found;
+}
+
+QImage in_size(const QImage& image, int side) {
+    if (image.width() == side) return image;
+    return image.scaled(side, side, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+}
+
+/// The glyph `key` in `colour`.
+QImage glyph(const QString& key, int side, const QColor& colour) {
+    const int made = side_for(kGlyphSides, side);
+    QFile file(mask_file(key, made));
+    const QByteArray opacities = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    QImage image(made, made, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    for (int i = 0; i < opacities.size() && i < made * made; ++i) {
+        const QRgb rgb = qRgba(colour.red(), colour.green(), colour.blue(), uchar(opacities[i]));
+        reinterpret_cast<QRgb*>(image.scanLine(i / made))[i % made] = qPremultiply(rgb);
+    }
+    return in_size(image, side);
+}
+
+QImage icon_of_program(int side) {
+    const int made = side_for(kIconSides, side);
+    return in_size(QImage(QStringLiteral(":/m47/m47-remote-%1.png").arg(made)), side);
+}
+
+/// What `drawn` makes for a side in pixels, in the middle of a pixmap of `size`.
+template <class Drawn>
+QPixmap centred(const QSize& size, const Drawn& drawn) {
     QPixmap pixmap(size);
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
-    draw_svg(&painter, svg, QRectF(QPointF(), QSizeF(size)));
+    const QRect square = centred_square(QRectF(QPointF(), QSizeF(size))).toRect();
+    painter.drawImage(square.topLeft(), drawn(square.width()));
     return pixmap;
+}
+
+/// The same on `rect` of whatever `painter` paints on, as sharp as that is.
+template <class Drawn>
+void paint_centred(QPainter* painter, const QRect& rect, const Drawn& drawn) {
+    const QRect square = centred_square(rect).toRect();
+    const qreal scale = painter->device()->devicePixelRatio();
+    painter->drawImage(square, drawn(qRound(square.width() * scale)));
 }
 
 QPixmap dimmed(const QPixmap& pixmap) {
@@ -127,30 +171,25 @@ QPixmap dimmed(const QPixmap& pixmap) {
     return faint;
 }
 
-/// A drawing as it is, in the size asked for: all sizes at once would hold up the start.
-class DrawingEngine : public QIconEngine {
+/// The program's icon in the size asked for: all sizes at once would hold up the start.
+class ProgramIcon : public QIconEngine {
   public:
-    explicit DrawingEngine(QByteArray svg) : svg_(std::move(svg)) {}
-
-    QIconEngine* clone() const override { return new DrawingEngine(*this); }
+    QIconEngine* clone() const override { return new ProgramIcon(*this); }
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode, QIcon::State) override {
-        draw_svg(painter, svg_, rect);
+        paint_centred(painter, rect, icon_of_program);
     }
 
     QPixmap pixmap(const QSize& size, QIcon::Mode, QIcon::State) override {
-        return svg_pixmap(svg_, size);
+        return centred(size, icon_of_program);
     }
-
-  private:
-    QByteArray svg_;
 };
 
-/// A line drawing whose `currentColor` is the palette's text colour at the moment of painting.
+/// A line drawing in the palette's text colour at the moment of painting.
 class GlyphEngine : public QIconEngine {
   public:
-    GlyphEngine(QByteArray svg, QIcon themed, bool faint)
-        : svg_(std::move(svg)), themed_(std::move(themed)), faint_(faint) {}
+    GlyphEngine(QString key, QIcon themed, bool faint)
+        : key_(std::move(key)), themed_(std::move(themed)), faint_(faint) {}
 
     QIconEngine* clone() const override { return new GlyphEngine(*this); }
 
@@ -161,7 +200,7 @@ class GlyphEngine : public QIconEngine {
         mode = shown(mode);
         const QPixmap themed = themed_pixmap((QSizeF(square.size()) * scale).toSize(), mode, state);
         if (themed.isNull()) {
-            draw_svg(painter, coloured(mode), rect);
+            paint_centred(painter, rect, [&](int side) { return drawn(side, mode); });
         } else {
             painter->drawPixmap(square, themed);
         }
@@ -170,10 +209,13 @@ class GlyphEngine : public QIconEngine {
     QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
         mode = shown(mode);
         const QPixmap themed = themed_pixmap(size, mode, state);
-        return themed.isNull() ? svg_pixmap(coloured(mode), size) : themed;
+        return themed.isNull() ? centred(size, [&](int side) { return drawn(side, mode); })
+                               : themed;
     }
 
   private:
+    QImage drawn(int side, QIcon::Mode mode) const { return glyph(key_, side, glyph_colour(mode)); }
+
     /// A faint glyph looks as on a button that is disabled.
     QIcon::Mode shown(QIcon::Mode mode) const {
         return faint_ && mode != QIcon::Selected ? QIcon::Disabled : mode;
@@ -190,31 +232,22 @@ class GlyphEngine : public QIconEngine {
         return mode == QIcon::Disabled ? dimmed(found) : found;
     }
 
-    QByteArray coloured(QIcon::Mode mode) const {
-        return QByteArray(svg_).replace("currentColor", glyph_colour(mode).name().toLatin1());
-    }
-
-    QByteArray svg_;
+    QString key_;
     QIcon themed_;
     bool faint_;
 };
 
-/// The text of a drawing in the program, empty where there is none of this name.
-QByteArray drawing(const QString& name) {
-    register_resources();
-    QFile file(QStringLiteral(":/m47/%1.svg").arg(name));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 }  // namespace
 
 QIcon toolbar_icon(const QString& key, bool faint) {
-    const QByteArray svg = drawing(QStringLiteral("toolbar/") + key);
-    return svg.isEmpty() ? QIcon() : QIcon(new GlyphEngine(svg, desktop_icon(key), faint));
+    register_resources();
+    if (!QFile::exists(mask_file(key, kGlyphSides.front()))) return {};
+    return QIcon(new GlyphEngine(key, desktop_icon(key), faint));
 }
 
 QIcon application_icon() {
-    return QIcon(new DrawingEngine(drawing(QStringLiteral("m47-remote"))));
+    register_resources();
+    return QIcon(new ProgramIcon);
 }
 
 }  // namespace m47

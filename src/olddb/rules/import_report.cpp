@@ -21,6 +21,12 @@ Bilingual wording_of_fault(OldFileFault fault) {
         case OldFileFault::foreign:
             return {"The database '%1' holds none of this program's tables.",
                     "Il database '%1' non contiene nessuna tabella di questo programma."};
+        case OldFileFault::no_reader:
+            return {
+                "Old databases cannot be read: %1 is missing or damaged. Install the program "
+                "anew.",
+                "I vecchi database non si possono leggere: %1 manca o è danneggiato. "
+                "Reinstallare il programma."};
         case OldFileFault::damaged:
             break;
     }

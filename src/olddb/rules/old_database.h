@@ -37,6 +37,7 @@ enum class OldFileFault {
     no_jet,      ///< a file of another kind, or of a later engine
     damaged,     ///< also: reading it takes longer or gives more than any good file does
     foreign,     ///< it holds none of the program's tables
+    no_reader,   ///< the part of this program that reads such files is missing; path names it
 };
 
 struct OldFileError {

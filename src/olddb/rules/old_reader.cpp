@@ -5,8 +5,10 @@
 #include <QFile>
 #include <QProcess>
 
+#include "jet_reader.h"
 #include "old_stream.h"
 #include "own_program.h"
+#include "part.h"
 #include "plain_file.h"
 #include "schema.h"
 
@@ -93,6 +95,10 @@ std::optional<OldDatabase> read_old_database(const QString& path, OldFileError& 
     platform::PlainFile plain(path, kLargest);
     if (const Failure failure = fault_of_start(path, plain)) {
         error = *failure;
+        return std::nullopt;
+    }
+    if (Part part(kJetPart); !part.is_there()) {
+        error = {OldFileFault::no_reader, part.path(), {}};
         return std::nullopt;
     }
     QProcess process;
