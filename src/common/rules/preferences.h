@@ -53,8 +53,8 @@ class Preferences {
     bool screens_as_tabs() const;
     void keep_screens_as_tabs(bool wanted) const;
 
-    /// Whether the keys of the main toolbar have words under them, which they do until the user
-    /// wants none.
+    /// Whether the keys of the toolbars have words under them, which they do until the user wants
+    /// none.
     bool toolbar_words() const;
     void keep_toolbar_words(bool wanted) const;
 
