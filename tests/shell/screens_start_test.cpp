@@ -199,6 +199,38 @@ void ScreensTest::the_words_under_the_keys_can_be_taken_away() {
     QCOMPARE(bar->toolButtonStyle(), Qt::ToolButtonIconOnly);
 }
 
+void ScreensTest::the_keys_of_the_screens_have_words_as_the_main_ones() {
+    window().resize(1900, 900);
+    auto* words = find<QAction>("cmdtoolbarwords");
+    find<QAction>("cmditaliano")->trigger();
+    for (const char* screen : {"program", "download", "realtime", "configurazione"}) {
+        find<QAction>(screen)->trigger();
+        Screen* shown = window().screen_of(QString::fromLatin1(screen));
+        auto* bar = shown->findChild<QToolBar*>();
+        QTRY_COMPARE(bar->toolButtonStyle(), Qt::ToolButtonTextUnderIcon);
+        for (const QAction* key : bar->actions())
+            if (!key->isSeparator() && !key->objectName().isEmpty())
+                QVERIFY2(key->iconText() != key->text() && key->iconText().size() < 17 &&
+                             key->iconText() != key->toolTip(),
+                         qPrintable(key->objectName() + ": " + key->iconText()));
+        words->trigger();
+        QCOMPARE(bar->toolButtonStyle(), Qt::ToolButtonIconOnly);
+        words->trigger();
+        QCOMPARE(bar->toolButtonStyle(), Qt::ToolButtonTextUnderIcon);
+        // A word never pushes a key out of a narrow window.
+        bar->setFixedWidth(40);
+        QTRY_COMPARE(bar->toolButtonStyle(), Qt::ToolButtonIconOnly);
+        bar->setMinimumWidth(0);
+        bar->setMaximumWidth(QWIDGETSIZE_MAX);
+        QTRY_COMPARE(bar->toolButtonStyle(), Qt::ToolButtonTextUnderIcon);
+        words->trigger();
+        find<QAction>("configurazione")->trigger();
+        words->trigger();
+    }
+    QCOMPARE(find<QAction>("single_acq", window().screen_of("realtime"))->iconText(),
+             QString("Misura"));
+}
+
 void ScreensTest::the_list_of_ports_tells_what_stands_behind_each_number() {
     end_program();
     link::PortSources sources{"/nonexistent", "/nonexistent",

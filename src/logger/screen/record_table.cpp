@@ -34,11 +34,16 @@ void RecordTable::set_text(const QByteArray& text) {
     resizeColumnsToContents();
 }
 
-void RecordTable::copy_rows() const {
+void RecordTable::copy_rows() {
+    if (records_->rowCount() == 0) {
+        Q_EMIT copied(0);
+        return;
+    }
     std::vector<int> rows;
     for (const QModelIndex& index : selectionModel()->selectedRows()) rows.push_back(index.row());
     std::sort(rows.begin(), rows.end());
     QGuiApplication::clipboard()->setText(records_->tab_separated(rows));
+    Q_EMIT copied(rows.empty() ? records_->rowCount() : static_cast<int>(rows.size()));
 }
 
 }  // namespace m47::logger

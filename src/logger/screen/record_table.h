@@ -21,7 +21,11 @@ class RecordTable : public QTableView {
     QAction* copy_action() const { return copy_; }
 
     /// Puts the selected rows (all where none is selected) on the clipboard, TAB-separated.
-    void copy_rows() const;
+    void copy_rows();
+
+  Q_SIGNALS:
+    /// So many rows are on the clipboard; with 0 it is as before.
+    void copied(int rows);
 
   private:
     RecordModel* records_;

@@ -92,6 +92,10 @@ class ProgramSet : public Screen {
                      const std::function<bool(const RemovedRows&)>& remove);
     void move_plan(bool moved);
     void move_program(bool moved);
+    // Keys that find nothing to do say why, and what helps.
+    void step_plan(bool (PlanSets::*step)(), const Bilingual& end);
+    void step_program(bool (PlanSets::*step)(), const Bilingual& end);
+    void tell_nothing_done(const Bilingual& why);
 
     // Fields
     void check_prog_num();
