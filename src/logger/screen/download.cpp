@@ -39,7 +39,6 @@ constexpr Bilingual kCopied{"Rows copied: %1", "Righe copiate: %1"};
 constexpr Bilingual kNothingToPrint{
     "There is nothing to print: download the logs or open a file first.",
     "Non c'è nulla da stampare: scaricare prima i log o aprire un file."};
-constexpr Bilingual kCopyRows{"Copy rows", "Copia righe"};
 
 }  // namespace
 
@@ -72,7 +71,7 @@ QSize Download::sizeHint() const {
 void Download::Form_Load() {
     set_tooltips(this, download_tooltips(), program_.texts);
     set_key_words(this, download_key_words(), program_.texts);
-    ui_->record_table->copy_action()->setText(program_.texts.pick(kCopyRows));
+    ui_->record_table->show_texts(program_.texts);
     // The logged text brings headers of its own, so these are not shown anywhere.
     static_cast<void>(column_headers(link_.last_answer()));
 }

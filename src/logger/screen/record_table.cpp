@@ -7,6 +7,14 @@
 #include <algorithm>
 
 namespace m47::logger {
+namespace {
+
+constexpr Bilingual kCopyRows{"Copy rows", "Copia righe"};
+constexpr Bilingual kLine{"Line", "Riga"};
+constexpr Bilingual kLog{"Log", "Log"};
+constexpr Bilingual kText{"Text", "Testo"};
+
+}  // namespace
 
 RecordTable::RecordTable(QWidget* parent)
     : QTableView(parent), records_(new RecordModel(this)), copy_(new QAction(this)) {
@@ -26,6 +34,11 @@ RecordTable::RecordTable(QWidget* parent)
     addAction(copy_);
     setContextMenuPolicy(Qt::ActionsContextMenu);
     connect(copy_, &QAction::triggered, this, &RecordTable::copy_rows);
+}
+
+void RecordTable::show_texts(const Texts& texts) {
+    copy_->setText(texts.pick(kCopyRows));
+    records_->name_columns({texts.pick(kLine), texts.pick(kLog), texts.pick(kText)});
 }
 
 void RecordTable::set_text(const QByteArray& text) {
