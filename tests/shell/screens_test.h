@@ -140,6 +140,8 @@ class ScreensTest : public QObject, protected ProgramInFolder {
 
     void from_1280_pixels_on_the_page_stands_beside_the_controls();
 
+    void the_tuning_is_in_sight_at_every_usual_size();
+
     void levels_stand_beside_the_unit_they_were_measured_in();
 
     void what_the_program_before_measured_is_dimmed();

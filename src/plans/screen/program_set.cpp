@@ -94,7 +94,9 @@ ProgramSet::ProgramSet(link::Link& link, ProgramState& program, db::Database& da
     guard_lists();
 }
 
-ProgramSet::~ProgramSet() = default;
+ProgramSet::~ProgramSet() {
+    keep_table();
+}
 
 void ProgramSet::handle(const char* name, const std::function<void()>& body) {
     Screen::handle(name, [&] {

@@ -110,6 +110,8 @@ class ProgramSet : public Screen {
     void put_table_beside();
     void connect_table();
     void connect_edit_menu();
+    void restore_table();
+    void keep_table() const;
     void follow_changes();
     void refresh_record(bool same_program);
     void recall(db::Bookmark row);
