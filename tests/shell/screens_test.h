@@ -183,7 +183,11 @@ class ScreensTest : public QObject, protected ProgramInFolder {
     void the_start_page_connects_the_meter_by_its_device();
 
     void the_first_value_takes_four_clicks();
+    void a_pass_over_95_imported_programs_begins_after_ten_clicks();
+
     void the_start_page_says_what_a_silent_meter_wants();
+
+    void a_port_that_another_process_has_open_is_told_as_that();
 
     void the_simulated_meter_says_that_it_is_none();
 

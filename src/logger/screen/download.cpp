@@ -253,7 +253,8 @@ void Download::show_span_point(int row) {
 
 void Download::createdoc() {
     if (data.text().trimmed().isEmpty()) program_.costs.tell_each(kNothingToPrint);
-    print_text(this, windowTitle(), print_page(data.text()), program_.texts);
+    print_text(this, windowTitle(), simulated_mark(program_) + print_page(data.text()),
+               program_.texts);
 }
 
 }  // namespace m47::logger

@@ -264,6 +264,9 @@ void Realtime::fill_keys() {
     add_key(ui_->start, [this] {
         if (rules.panel.timer_opt_visible) program_.costs.tell_each(kTimerShown);
         acquisition.start();
+        // Its frame stands last, where a low window has to be scrolled to.
+        for (QScrollArea* area : {ui_->controls_area, ui_->body})
+            area->ensureWidgetVisible(ui_->timer_opt);
     });
     add_key(ui_->stop, [this] {
         const bool on = rules.panel.timer_opt_visible || acquisition.running();
@@ -464,7 +467,8 @@ void Realtime::show_log_state(const QString& reason) {
 }
 
 void Realtime::createdoc() {
-    print_text(this, windowTitle(), measurement::print_lines(rules.page).join(u'\n'),
+    print_text(this, windowTitle(),
+               simulated_mark(program_) + measurement::print_lines(rules.page).join(u'\n'),
                program_.texts);
 }
 
