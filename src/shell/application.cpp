@@ -43,7 +43,7 @@ class GuardedApplication : public QApplication {
     }
     bool notify(QObject* receiver, QEvent* event) override {
         bool handled = false;
-        run_handler(activeWindow(), receiver->metaObject()->className(),
+        run_trapped(activeWindow(), receiver->metaObject()->className(),
                     [&] { handled = QApplication::notify(receiver, event); });
         return handled;
     }
@@ -130,6 +130,7 @@ int measure_unattended(ProgramState& state, db::Database& database, link::PortLi
 }
 
 int run_windows(Program& program, const Options& options) {
+    if (!options.trace.isEmpty()) program.recording().start(options.trace);
     program.window().show();
     QTimer::singleShot(0, &program.window(), [&program, &options] {
         run_handler(&program.window(), "start", [&] {
@@ -140,7 +141,9 @@ int run_windows(Program& program, const Options& options) {
     program.open_start_page_when_painted();
     const WindowEnd end(program);
     const int status = QApplication::exec();
-    return platform::times_told_to_end() > 0 ? WindowEnd::tell(program) : status;
+    if (platform::times_told_to_end() > 0) return WindowEnd::tell(program);
+    const bool recorded = options.trace.isEmpty() || !program.recording().lost();
+    return status == kGood && !recorded ? kOutputLost : status;
 }
 
 /// Takes over what the program's state keeps of the command line.

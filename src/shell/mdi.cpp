@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDir>
 #include <QGuiApplication>
 #include <QScreen>
 #include <QTimer>
@@ -29,9 +30,14 @@ constexpr std::chrono::milliseconds kOnTheScreen{20};
 
 constexpr Bilingual kNoWork{"The key \"%1\" has no function.", "Il tasto \"%1\" non ha funzioni."};
 
+constexpr Bilingual kRecords{"The line is being recorded into %1",
+                             "La linea viene registrata in %1"};
+
 constexpr Tooltip kMenuTips[] = {
     {"cmdimportdb", "Bring plans and satellites from an old database",
      "Importa piani e satelliti da un vecchio database"},
+    {"cmdtrace", "Write down all that goes over the line, for whoever looks for a fault",
+     "Annota tutto ciò che passa sulla linea, per chi cerca un guasto"},
     {"cmdmanual", "Open the manual at the page of this screen",
      "Apre il manuale alla pagina di questa schermata"},
     {"cmdabout", "Version, folder and licence of this program",
@@ -42,6 +48,7 @@ constexpr Caption kMenuCaptions[] = {
     {"cmdscreens", {"&Screens", "&Schermate"}},
     {"cmdreconnect", {"&Reconnect", "&Ricollega"}},
     {"cmdimportdb", {"&Import old database…", "&Importa un vecchio database…"}},
+    {"cmdtrace", {"Re&cord the line…", "Regi&stra la linea…"}},
     {"cmdmanual", {"&Manual", "&Manuale"}},
     {"cmdabout", {"&About", "I&nformazioni"}},
 };
@@ -70,14 +77,17 @@ M47MDI::M47MDI(ProgramState& program, QWidget* parent)
     for (QAction* entry : {ui_->cmdinglese, ui_->cmditaliano, ui_->cmdmanual, ui_->cmdexit})
         keep_while_busy(entry);
     open_to_keyboard(this);
-    on(ui_->barracomandi, &QToolBar::actionTriggered, this, "barracomandi_ButtonClick",
-       [this](QAction* key) { open_screen(key->objectName()); });
+    connect(ui_->barracomandi, &QToolBar::actionTriggered, this, [this](const QAction* key) {
+        const QByteArray name = "barracomandi_ButtonClick " + key->objectName().toLatin1();
+        run_handler(this, name.constData(), [&] { open_screen(key->objectName()); });
+    });
     on(ui_->cmdinglese, &QAction::triggered, this, "cmdinglese_Click",
        [this] { cmdinglese_Click(); });
     on(ui_->cmditaliano, &QAction::triggered, this, "cmditaliano_Click",
        [this] { cmditaliano_Click(); });
     connect(ui_->cmdreconnect, &QAction::triggered, this, &M47MDI::reconnect_asked);
     connect(ui_->cmdimportdb, &QAction::triggered, this, &M47MDI::import_asked);
+    connect(ui_->cmdtrace, &QAction::triggered, this, &M47MDI::trace_asked);
     connect(ui_->cmdmanual, &QAction::triggered, this, &M47MDI::manual_asked);
     on(ui_->cmdabout, &QAction::triggered, this, "cmdabout_Click",
        [this] { show_about(this, program_); });
@@ -311,7 +321,7 @@ void M47MDI::show_texts() {
     toolkit_language_.follow(program_.texts);
     set_tooltips(this, kMenuTips, program_.texts);
     set_captions(this, kMenuCaptions, program_.texts);
-    for (QAction* entry : {ui_->cmdimportdb, ui_->cmdmanual, ui_->cmdabout})
+    for (QAction* entry : {ui_->cmdimportdb, ui_->cmdtrace, ui_->cmdmanual, ui_->cmdabout})
         entry->setStatusTip(entry->toolTip());
     for (const ScreenEntry& screen : screen_table())
         findChild<QAction*>(QString::fromLatin1(screen.key))
@@ -372,6 +382,13 @@ void M47MDI::show_activity(link::Activity& activity) {
         ui_->status_line->insertWidget(1, activity_);
     }
     activity_->show_activity();
+}
+
+void M47MDI::show_recording(const QString& path) {
+    ui_->cmdtrace->setChecked(!path.isEmpty());
+    status_->show_recording(
+        path.isEmpty() ? QString()
+                       : Said{kRecords, {QDir::toNativeSeparators(path)}}.in(program_.texts));
 }
 
 void M47MDI::allow_reconnect() {

@@ -80,6 +80,9 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
     /// Shows what is being done at the meter; what is shown may stop it.
     void show_activity(link::Activity& activity);
 
+    /// Shows that the line is recorded into `path`; that it is not where that is empty.
+    void show_recording(const QString& path);
+
     /// There is a port whose identification cmdreconnect can run again.
     void allow_reconnect();
 
@@ -101,6 +104,8 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
     void reconnect_asked();
     /// The menu entry "&Import old database…".
     void import_asked();
+    /// The menu entry "Re&cord the line…".
+    void trace_asked();
     /// The menu entry "&Manual", F1.
     void manual_asked();
     /// The key [Stop] of what is being done.

@@ -14,7 +14,9 @@ MeterConnection::MeterConnection(ProgramState& state, link::PortList ports,
       ports_(std::move(ports)),
       clock_(std::move(clock)),
       port_(std::move(port)),
-      link_(*port_, *clock_, view),
+      recorder_(*clock_),
+      line_(*port_, recorder_),
+      link_(line_, *clock_, view),
       identification_(link_, state.texts, ports_, window) {
     identification_.claim = [this](const QString& device) { return claim_.take(device); };
     identification_.on_version = [&state](const QString& version) {

@@ -8,6 +8,7 @@
 #include "port_claim.h"
 #include "port_list.h"
 #include "program_state.h"
+#include "recording_port.h"
 #include "serial_port.h"
 
 namespace m47::shell {
@@ -27,6 +28,8 @@ class MeterConnection {
     const link::Link& link() const { return link_; }
     link::PortList& ports() { return ports_; }
     link::Identification& identification() { return identification_; }
+    /// Writes down what happens on the line, once it is told where to.
+    link::LineRecorder& recorder() { return recorder_; }
 
     /// Identifies the meter on port `number` (1 to 10), as picking it on the port screen does.
     void identify(int number);
@@ -49,6 +52,8 @@ class MeterConnection {
     link::PortList ports_;
     std::unique_ptr<link::Clock> clock_;
     std::unique_ptr<link::SerialPort> port_;
+    link::LineRecorder recorder_;
+    link::RecordingPort line_;
     link::Link link_;
     link::PortClaim claim_;
     link::Identification identification_;

@@ -24,6 +24,10 @@ OptionList start_options() {
         {"corrected",
          "Start with every entry of the menu \"Corrected behaviour\" ticked; goes with --measure "
          "too."},
+        {"trace",
+         "Record all that goes over the line into FILE, which is replaced; goes with --measure "
+         "too.",
+         "FILE"},
     };
 }
 

@@ -61,7 +61,7 @@ QString check_database_work(const QCommandLineParser& parser) {
         return QStringLiteral("--overwrite goes with --export-plan only");
     if (work.isEmpty()) return {};
     for (const char* other :
-         {"measure", "open", "on-port", "port", "corrected", "export-plan", "import-plan"})
+         {"measure", "open", "on-port", "port", "corrected", "trace", "export-plan", "import-plan"})
         if (work != QLatin1String(other) && parser.isSet(QString::fromLatin1(other)))
             return QStringLiteral("--%1 does not go with --%2").arg(work, QLatin1String(other));
     return {};
@@ -89,6 +89,7 @@ void read_choices(const QCommandLineParser& parser, Options& options) {
     options.reconnect = parser.isSet(QStringLiteral("reconnect"));
     options.log = parser.value(QStringLiteral("log"));
     options.screenshot = parser.value(QStringLiteral("screenshot"));
+    options.trace = parser.value(QStringLiteral("trace"));
     options.overwrite = parser.isSet(QStringLiteral("overwrite"));
     options.import_database = parser.value(QStringLiteral("import-database"));
 }

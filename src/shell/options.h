@@ -75,6 +75,7 @@ struct Options {
     QString plan;  ///< measure the monitored programs of this plan
     QString log;
     QString screenshot;
+    QString trace;  ///< record the line into this file
 
     QString import_database;  ///< a file of the old engine to import, empty for none
     PlanFileOption export_plan;

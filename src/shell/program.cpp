@@ -55,10 +55,8 @@ constexpr Bilingual kManualTitle{"Manual", "Manuale"};
 constexpr Bilingual kNoReader{"No program of this computer opens %1.",
                               "Nessun programma di questo computer apre %1."};
 
-/// Not what a screen asks by itself when it is shown, nor what a run asks.
 bool user_asked_for_it() {
-    const QByteArray name(running_handler());
-    return name.endsWith("Click") || name.endsWith("KeyPress");
+    return running_handler() && is_of_user(running_handler());
 }
 
 QStringList usual_manual_folders() {
@@ -80,6 +78,8 @@ Program::Program(ProgramState& state, std::unique_ptr<db::Database> database, li
       window_(state),
       connection_(state, std::move(ports), std::move(clock), std::move(port), window_.status(),
                   window_),
+      recording_(connection_.recorder(), state.texts),
+      recording_command_(recording_, state, window_),
       start_(window_, connection_, state, *database_),
       import_(*database_, link(), state, window_) {
     // The logger's temporary file has no name yet, and message 0 is composed with that.
@@ -96,6 +96,10 @@ Program::Program(ProgramState& state, std::unique_ptr<db::Database> database, li
         import_.cmdimportdb_Click();
         if (auto* screen = window_.opened<plans::ProgramSet>()) screen->database_changed();
     });
+    on(&window_, &M47MDI::trace_asked, &window_, "cmdtrace_Click",
+       [this] { recording_command_.cmdtrace_Click(); });
+    QObject::connect(&window_, &M47MDI::texts_shown, &window_,
+                     [this] { recording_command_.show_texts(); });
     on(&window_, &M47MDI::manual_asked, &window_, "cmdmanual_Click", [this] { cmdmanual_Click(); });
     help_key_ = std::make_unique<HelpKey>(
         window_, [this](const QString& page) { open_manual(usual_manual_folders(), page); });

@@ -9,12 +9,14 @@
 #include "device_watch.h"
 #include "help_key.h"
 #include "import_command.h"
+#include "line_recording.h"
 #include "link.h"
 #include "mdi.h"
 #include "meter_connection.h"
 #include "port_list.h"
 #include "program_state.h"
 #include "real_clock.h"
+#include "recording_command.h"
 #include "serial_port.h"
 #include "start_desk.h"
 
@@ -37,6 +39,7 @@ class Program {
     M47MDI& window() { return window_; }
     MeterConnection& connection() { return connection_; }
     link::Link& link() { return connection_.link(); }
+    LineRecording& recording() { return recording_; }
     db::Database& database() { return *database_; }
     ProgramState& state() { return state_; }
     const ProgramState& state() const { return state_; }
@@ -73,6 +76,8 @@ class Program {
     std::unique_ptr<db::Database> database_;
     M47MDI window_;
     MeterConnection connection_;
+    LineRecording recording_;
+    RecordingCommand recording_command_;
     StartDesk start_;
     link::DeviceWatch watch_;
     QTimer watch_timer_;

@@ -80,6 +80,17 @@ void StatusPanel::show_simulated(const QString& text) {
     simulated_->setVisible(!text.isEmpty());
 }
 
+void StatusPanel::show_recording(const QString& text) {
+    if (!recording_) {
+        if (text.isEmpty()) return;
+        recording_ = new RecordingMark(this);
+        static_cast<QHBoxLayout*>(layout())->insertWidget(1, recording_);
+    }
+    recording_->setToolTip(plain_tooltip(text));
+    recording_->setAccessibleName(text);
+    recording_->setVisible(!text.isEmpty());
+}
+
 void StatusPanel::pump() {
     pump_.pump();
 }

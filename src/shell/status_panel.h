@@ -8,6 +8,7 @@
 
 #include "busy_pump.h"
 #include "link_view.h"
+#include "recording_mark.h"
 
 namespace m47::shell {
 
@@ -24,6 +25,9 @@ class StatusPanel : public QFrame, public link::LinkView {
     /// Says beside the status, in `text`, that the meter is no real one; empty where it is.
     void show_simulated(const QString& text);
 
+    /// A red dot beside the status while the line is recorded, as `text` says; none where empty.
+    void show_recording(const QString& text);
+
     void show_progress_bar() override;
     void set_progress(int value) override;
     void set_hourglass(bool on) override;
@@ -37,7 +41,8 @@ class StatusPanel : public QFrame, public link::LinkView {
 
     QProgressBar* pbar1_;
     QLabel* port_state_;
-    QLabel* simulated_ = nullptr;  ///< made when it is needed
+    QLabel* simulated_ = nullptr;         ///< made when it is needed
+    RecordingMark* recording_ = nullptr;  ///< likewise
     BusyPump pump_;
     bool hourglass_ = false;
     bool connected_ = false;

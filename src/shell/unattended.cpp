@@ -7,6 +7,7 @@
 #include "end_signals.h"
 #include "enter_key.h"
 #include "fault.h"
+#include "line_recording.h"
 #include "numbers.h"
 #include "plan_run.h"
 #include "realtime_rules.h"
@@ -59,6 +60,7 @@ struct Run {
     bool wrong_limits = false;
     bool alarm_failed = false;
     bool file_lost = false;
+    bool recording_lost = false;
     bool row_missing = false;
 
     /// Nobody gets to see another row.
@@ -291,7 +293,8 @@ int status_of(const Run& run) {
                      : QStringLiteral("the link to the meter was lost"));
         return kNoLink;
     }
-    if (run.output.lost() || run.file_lost || run.row_missing) return kOutputLost;
+    if (run.output.lost() || run.file_lost || run.recording_lost || run.row_missing)
+        return kOutputLost;
     if (run.rows == 0) complain(QStringLiteral("nothing was measured"));
     if (run.incomplete || run.rows == 0) return kIncomplete;
     return run.alarm_failed ? kAlarmFailed : kGood;
@@ -332,6 +335,15 @@ void listen_to_rules(Run& run) {
     };
 }
 
+/// What cannot be recorded stops no measurement.
+void record_line(Run& run, LineRecording& recording) {
+    recording.on_lost = [&run](const QString& sentence) {
+        complain(sentence);
+        run.recording_lost = true;
+    };
+    if (!run.options.trace.isEmpty()) recording.start(run.options.trace);
+}
+
 }  // namespace
 
 int run_unattended(ProgramState& state, db::Database& database, MeterConnection& connection,
@@ -339,9 +351,11 @@ int run_unattended(ProgramState& state, db::Database& database, MeterConnection&
     state.texts.language = kEnglish;
     connection.link().interrupted = [] { return platform::times_told_to_end() > 0; };
     connection.link().cut_off = [] { return platform::times_told_to_end() > 1; };
+    LineRecording recording(connection.recorder(), state.texts);
     Run run{state, connection, options,
             std::make_unique<realtime::RealtimeRules>(connection.link(), state, database)};
     listen_to_rules(run);
+    record_line(run, recording);
     try {
         int status = kGood;
         if (!prepare(run, status)) return status;

@@ -209,6 +209,20 @@ class HandlerTest : public QObject {
         QCOMPARE(screen.typed, QString("3!"));
     }
 
+    void who_watches_is_told_what_the_user_does_and_nothing_else() {
+        QList<QByteArray> told;
+        watch_handlers([&told](const char* name) { told += name; });
+        SmallScreen screen;
+        screen.bar->actions().at(0)->trigger();
+        run_handler(nullptr, "fsat_KeyPress", [] {});
+        for (const char* other : {"start", "Form_Load", "next_level_Timer", "QLineEdit"})
+            run_handler(nullptr, other, [] {});
+        run_trapped(nullptr, "good_Click", [] {});
+        watch_handlers(nullptr);
+        screen.bar->actions().at(0)->trigger();
+        QCOMPARE(told, (QList<QByteArray>{"bar_ButtonClick good", "fsat_KeyPress"}));
+    }
+
     void entries_that_are_followed_are_there_at_once() {
         SmallScreen screen(true);
         QTest::keyClicks(screen.box, "123");

@@ -8,6 +8,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTest>
+#include <algorithm>
 #include <map>
 
 #include "process_support.h"
@@ -38,6 +39,7 @@ class UnattendedTest : public QObject {
 
   private:
     void start(const QString& name, const QStringList& options);
+    static void compare_recordings(const TestStand& stand);
 
     std::map<QString, TestStand> digital_;
 };
@@ -112,6 +114,11 @@ qsizetype count_pixels(const QImage& picture, QRgb colour) {
     return count;
 }
 
+qsizetype count_lines(const QList<QByteArray>& lines, const QByteArray& with) {
+    return std::ranges::count_if(lines,
+                                 [&](const QByteArray& line) { return line.endsWith(with); });
+}
+
 constexpr QRgb kRedLamp = 0xFFFF0000;
 constexpr QRgb kGreenLamp = 0xFF00FF00;
 
@@ -137,8 +144,9 @@ void UnattendedTest::cleanupTestCase() {
 void UnattendedTest::analog_rows() {
     TestStand stand;
     const QDateTime begin = whole_seconds(QDateTime::currentDateTime());
-    const Ending ending = stand.measure({"--analog", "--freq", "1275.5", "--count", "2", "--log",
-                                         "run.log", "--screenshot", "screen.png"});
+    const Ending ending =
+        stand.measure({"--analog", "--freq", "1275.5", "--count", "2", "--log", "run.log",
+                       "--screenshot", "screen.png", "--trace", "run.trace"});
     const QDateTime end = QDateTime::currentDateTime();
     QCOMPARE(ending.status, 0);
     QCOMPARE(ending.err, QByteArray());
@@ -159,6 +167,7 @@ void UnattendedTest::analog_rows() {
     QVERIFY(time_of(rows[0]) < time_of(rows[1]));
     QVERIFY(ending.out.endsWith('\n'));
     QCOMPARE(stand.content("run.log"), as_log(ending.out));
+    compare_recordings(stand);
 
     const QImage picture(stand.path("screen.png"), "PNG");
     QVERIFY(picture.width() >= 900 && picture.height() >= 560);
@@ -167,6 +176,27 @@ void UnattendedTest::analog_rows() {
         count_pixels(picture, picture.pixel(2, 2)) < picture.width() * picture.height() * 9 / 10,
         "an empty picture");
     QCOMPARE(count_pixels(picture, kRedLamp) + count_pixels(picture, kGreenLamp), 0);
+}
+
+/// What the program has recorded of a run is what the meter has recorded of it.
+void UnattendedTest::compare_recordings(const TestStand& stand) {
+    QStringList sent;
+    QByteArray received;
+    const QList<QByteArray> lines = stand.content("run.trace").split('\n');
+    QVERIFY(lines.first().startsWith("M47TRACE 1 2"));
+    for (const QByteArray& line : lines) {
+        const QByteArray text = line.mid(line.indexOf(' ', line.indexOf(' ', 3) + 1) + 1);
+        if (line.startsWith("RX ")) sent += QString::fromLatin1(text).remove("<CR>");
+        if (line.startsWith("TX ")) received += text;
+    }
+    QCOMPARE(sent, stand.meter.commands());
+    QByteArray answers;
+    for (const TraceEntry& entry : stand.meter.trace())
+        if (!entry.received) answers += entry.bytes;
+    QCOMPARE(received.replace("<CR>", "\r"), answers);
+    const QByteArray opened = "open " + stand.meter.link().toUtf8() + " 38400,n,8,2";
+    QCOMPARE(count_lines(lines, opened), sent.size());
+    QCOMPARE(count_lines(lines, " close"), sent.size());
 }
 
 void UnattendedTest::frequencies() {
@@ -324,6 +354,14 @@ void UnattendedTest::output_that_cannot_be_written() {
     TestStand picture;
     log.start_measuring({"--count", "2", "--log", "no-such-folder/run.log"});
     picture.start_measuring({"--screenshot", "no-such-folder/s.png"});
+    for (const char* name : {"/dev/full", "no-such-folder/run.trace"}) {
+        TestStand recording;
+        const Ending without_recording = recording.measure({"--trace", name});
+        QCOMPARE(rows_of(without_recording.out).size(), 1);
+        QCOMPARE(without_recording.status, 5);
+        QCOMPARE(without_recording.err.count('\n'), 1);
+        QVERIFY2(without_recording.err.contains(name), without_recording.err.constData());
+    }
     const Ending without_log = log.remote.wait();
     const Ending without_picture = picture.remote.wait();
 

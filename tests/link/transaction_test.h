@@ -71,6 +71,14 @@ class TransactionTest : public QObject {
     void midnight_within_a_wait();
     void send_tells_whether_there_is_an_answer();
     void no_transaction_starts_inside_another();
+    void a_recording_tells_what_happened_as_the_page_about_it();
+    void a_recording_has_every_byte_in_printable_form();
+    void a_recording_says_how_it_began_and_ended();
+    void an_event_of_a_recording_is_one_line();
+    void a_port_that_does_not_open_is_recorded_with_its_reason();
+    void a_recording_that_fails_stops_nothing_data();
+    void a_recording_that_fails_stops_nothing();
+    void a_recording_in_a_file_is_there_line_by_line();
 
   private:
     void make(double time_of_day = 36000.0);

@@ -71,13 +71,14 @@ void OptionsTest::nothing() {
 void OptionsTest::window_options() {
     const Options options =
         parse_options({"--directory", "some where", "--create-database", "--on-port", "10",
-                       "--port", "10=/dev/ttyUSB0", "--open", "setport"});
+                       "--port", "10=/dev/ttyUSB0", "--open", "setport", "--trace", "a.trace"});
     QCOMPARE(options.action, Action::run);
     QCOMPARE(options.directory, QString("some where"));
     QVERIFY(options.create_database);
     QCOMPARE(options.on_port, 10);
     QCOMPARE(options.ports, QStringList("10=/dev/ttyUSB0"));
     QCOMPARE(options.open, QString("setport"));
+    QCOMPARE(options.trace, QString("a.trace"));
     QVERIFY(!options.measure);
     QVERIFY(!options.corrected);
 }
@@ -91,9 +92,9 @@ void OptionsTest::user_data() {
 }
 
 void OptionsTest::measurement_options() {
-    const Options options = parse_options(
-        measuring({"--digital", "--freq", "1275.5", "--bandwidth", "27", "--symbol-rate", "22000",
-                   "--count", "12", "--log", "a.log", "--screenshot", "a.png"}));
+    const Options options = parse_options(measuring(
+        {"--digital", "--freq", "1275.5", "--bandwidth", "27", "--symbol-rate", "22000", "--count",
+         "12", "--log", "a.log", "--screenshot", "a.png", "--trace", "a.trace"}));
     QCOMPARE(options.action, Action::run);
     QVERIFY(options.measure);
     QVERIFY(options.digital);
@@ -104,6 +105,7 @@ void OptionsTest::measurement_options() {
     QCOMPARE(options.count, 12);
     QCOMPARE(options.log, QString("a.log"));
     QCOMPARE(options.screenshot, QString("a.png"));
+    QCOMPARE(options.trace, QString("a.trace"));
 
     const Options plain = parse_options(measuring({"--analog"}));
     QCOMPARE(plain.action, Action::run);
@@ -249,6 +251,8 @@ void OptionsTest::wrong_data() {
     row("empty plan", measuring({"--plan", ""}), "--plan takes a name");
     row("empty log", measuring({"--log", " "}), "--log takes a name");
     row("empty picture", measuring({"--screenshot", ""}), "--screenshot takes a name");
+    row("empty recording", {"--trace", " "}, "--trace takes a name");
+    row("recording of an import", {"--import-database", "a", "--trace", "b"}, "--trace");
     row("empty folder", {"--directory", ""}, "--directory takes a name");
     row("two folders", {"--user-data", "--directory", "."}, "--user-data");
     row("measurement without port", {"--measure"}, "--on-port");
@@ -506,7 +510,8 @@ void OptionsTest::no_file_of_an_option_is_written_over() {
     QVERIFY(QFile::link("VKDM47_03.mdb-journal", here.filePath("later.log")));
     QVERIFY(QFile::link("new.log", here.filePath("other.log")));
     const auto fault = [&](Options options) {
-        for (QString* name : {&options.log, &options.screenshot, &options.import_database})
+        for (QString* name :
+             {&options.log, &options.screenshot, &options.trace, &options.import_database})
             if (!name->isEmpty()) *name = here.filePath(*name);
         return file_option_fault(options, base).remove(base);
     };
@@ -517,6 +522,11 @@ void OptionsTest::no_file_of_an_option_is_written_over() {
         options.screenshot = QLatin1String(name);
         QCOMPARE(fault(options), "--screenshot names the database: " + options.screenshot);
     }
+    options = {};
+    options.trace = "twin";
+    QCOMPARE(fault(options), QString("--trace names the database: twin"));
+    options.log = options.trace = "rows.log";
+    QCOMPARE(fault(options), QString("--log and --trace name the same file: rows.log"));
     options = {};
     options.log = "other.log";
     options.screenshot = "new.log";

@@ -215,6 +215,10 @@ class ScreensTest : public QObject, protected ProgramInFolder {
 
     void the_list_of_ports_tells_what_stands_behind_each_number();
 
+    void the_line_is_recorded_until_the_entry_is_chosen_again();
+
+    void a_recording_that_ends_early_is_told_and_measuring_goes_on();
+
     void a_fault_in_a_handler_shows_one_box_and_the_program_goes_on();
 };
 

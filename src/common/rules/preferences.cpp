@@ -27,8 +27,8 @@ bool sensible(const QRect& rect) {
 }
 
 /// In the order of FilePurpose; they stand in the user's file.
-constexpr const char* kPurposes[] = {"log",    "download", "slots",       "plan",
-                                     "report", "trend",    "old_database"};
+constexpr const char* kPurposes[] = {"log",   "download",     "slots",     "plan",   "report",
+                                     "trend", "old_database", "recording", "problem"};
 
 QString directory_key(FilePurpose purpose) {
     return kDirectory + u'_' + QLatin1String(kPurposes[static_cast<std::size_t>(purpose)]);

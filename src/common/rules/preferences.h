@@ -16,7 +16,17 @@ struct WindowPlace {
 };
 
 /// What a file is chosen for: each has a folder of its own.
-enum class FilePurpose { log, download, slots_of_meter, plan, report, trend, old_database };
+enum class FilePurpose {
+    log,
+    download,
+    slots_of_meter,
+    plan,
+    report,
+    trend,
+    old_database,
+    recording,
+    problem,
+};
 
 /// What the program remembers from one run to the next for the user's comfort: window places, the
 /// folder used last for each purpose, recent logs, and whether corrected behaviour is wanted.
@@ -34,6 +44,9 @@ class Preferences {
 
     /// The user's file, in the folder of the desktop for settings.
     static QString usual_file();
+
+    /// Where it is remembered; empty where nothing is.
+    const QString& file() const { return file_; }
 
     /// The folder that a file was chosen in last for `purpose`, where it is still there; else
     /// `otherwise`.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "file_question.h"
 
-#include <QDate>
+#include <QDateTime>
 #include <QFileInfo>
 #include <QMessageBox>
 
@@ -78,6 +78,11 @@ bool is_database(const QString& path, const ProgramState& program) {
 QString proposed_name(const QString& stem, const QString& suffix) {
     const QString name = stem + u'-' + QDate::currentDate().toString(QStringLiteral("yyyyMMdd"));
     return suffix.isEmpty() ? name : name + u'.' + suffix;
+}
+
+QString proposed_name_with_time(const QString& stem, const QString& suffix) {
+    const QDateTime now = QDateTime::currentDateTime();
+    return stem + u'-' + now.toString(QStringLiteral("yyyyMMdd-HHmmss")) + u'.' + suffix;
 }
 
 QString ask_for_file(QFileDialog& dialog, const ProgramState& program, FilePurpose purpose) {

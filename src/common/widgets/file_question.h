@@ -15,4 +15,8 @@ QString ask_for_file(QFileDialog& dialog, const ProgramState& program, FilePurpo
 /// "measures-20261122.log".
 QString proposed_name(const QString& stem, const QString& suffix);
 
+/// The same with the time of day, for what is made more than once a day:
+/// "line-20261122-140512.trace".
+QString proposed_name_with_time(const QString& stem, const QString& suffix);
+
 }  // namespace m47

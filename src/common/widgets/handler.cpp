@@ -40,6 +40,11 @@ const char*& innermost() {
     return name;
 }
 
+HandlerWatch& handler_watch() {
+    static HandlerWatch watch;
+    return watch;
+}
+
 QString words_of(const std::exception& exception, const Texts& texts) {
     if (const auto* fault = dynamic_cast<const Fault*>(&exception)) return fault->text(texts);
     if (dynamic_cast<const std::bad_alloc*>(&exception)) return texts.pick(kNoMemory);
@@ -64,7 +69,22 @@ const char* running_handler() {
     return innermost();
 }
 
+void watch_handlers(HandlerWatch watch) {
+    handler_watch() = std::move(watch);
+}
+
+bool is_of_user(const char* name) {
+    // Behind the kind may stand which key of a toolbar it was.
+    const QByteArray kind = QByteArray(name).split(' ').constFirst();
+    return kind.endsWith("Click") || kind.endsWith("KeyPress");
+}
+
 void run_handler(QWidget* screen, const char* name, const std::function<void()>& body) {
+    if (handler_watch() && is_of_user(name)) handler_watch()(name);
+    run_trapped(screen, name, body);
+}
+
+void run_trapped(QWidget* screen, const char* name, const std::function<void()>& body) {
     struct Running {
         explicit Running(const char* running) : outer(std::exchange(innermost(), running)) {}
         ~Running() { innermost() = outer; }

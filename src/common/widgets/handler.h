@@ -24,6 +24,17 @@ void tell_faults_in(const Texts* texts);
 /// `name` is for developers alone and never shown.
 void run_handler(QWidget* screen, const char* name, const std::function<void()>& body);
 
+/// As run_handler, for what has no name to tell anybody: the last trap behind all handlers.
+void run_trapped(QWidget* screen, const char* name, const std::function<void()>& body);
+
+/// Told the name of each handler that begins because of what the user did; nobody where empty.
+using HandlerWatch = std::function<void(const char* name)>;
+void watch_handlers(HandlerWatch watch);
+
+/// True for the name of a handler of what a user does ("plan_table_Click"), not for what a screen
+/// asks by itself when it is shown, or a run.
+bool is_of_user(const char* name);
+
 /// The name of the handler that runs, of several the innermost; nullptr where none does.
 const char* running_handler();
 

@@ -60,7 +60,8 @@ void Screen::show_words(bool wanted) {
 
 void Screen::toolbar_ButtonClick(const QString& key) {
     const auto work = keys_.constFind(key);
-    if (work != keys_.constEnd()) return handle(toolbar_handler_.constData(), *work);
+    const QByteArray name = toolbar_handler_ + ' ' + key.toLatin1();
+    if (work != keys_.constEnd()) return handle(name.constData(), *work);
     const auto* action = findChild<QAction*>(key);
     Q_EMIT no_work(action ? action->toolTip() : key);
 }

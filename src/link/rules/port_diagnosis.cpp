@@ -113,6 +113,38 @@ PortFault look_at(const QString& device) {
     return fault_of(platform::fault_of_line(device_path(device)));
 }
 
+const char* port_fault_name(PortFault fault) {
+    switch (fault) {
+        case PortFault::none:
+            return "none";
+        case PortFault::missing:
+            return "missing";
+        case PortFault::no_permission:
+            return "no-permission";
+        case PortFault::busy:
+            return "busy";
+        case PortFault::not_a_port:
+            return "not-a-port";
+        case PortFault::vanished:
+            return "vanished";
+        case PortFault::another_device:
+            return "another-device";
+        case PortFault::lock_folder_full:
+            return "lock-folder-full";
+        case PortFault::lock_folder_shut:
+            return "lock-folder-shut";
+        case PortFault::lock_left_behind:
+            return "lock-left-behind";
+        case PortFault::lock_names_nobody:
+            return "lock-names-nobody";
+        case PortFault::lock_leads_nowhere:
+            return "lock-leads-nowhere";
+        case PortFault::other:
+            break;
+    }
+    return "other";
+}
+
 QString port_fault_text(PortFault fault, const QString& device, const Texts& texts) {
     switch (fault) {
         case PortFault::none:

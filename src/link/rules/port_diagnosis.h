@@ -17,6 +17,9 @@ QString device_path(const QString& device);
 /// this process has open itself is reported as busy.
 PortFault look_at(const QString& device);
 
+/// The name of a fault in files that programs read: "no-permission"; never null.
+const char* port_fault_name(PortFault fault);
+
 /// One sentence or two for the user: what is wrong with `device` and what helps. Empty for `none`.
 QString port_fault_text(PortFault fault, const QString& device, const Texts& texts);
 
