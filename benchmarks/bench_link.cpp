@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Times 100 level queries and the upload of a plan of 100 programs over a real line, or over a
 // pseudo-terminal on which a thread answers at the pace of the wire, at each of the three paces
-// that a day has. Prints how near they come to what pacing and meter allow, and what waiting costs
-// the processor.
+// that a day has. Prints how near they come to what pacing and meter allow, what waiting costs the
+// processor, and what a recording of the line takes of a transaction.
 #include <fcntl.h>
 #include <poll.h>
 #include <pty.h>
@@ -12,6 +12,7 @@
 
 #include <QCoreApplication>
 #include <QString>
+#include <QTemporaryDir>
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -23,9 +24,12 @@
 #include "clock_tick.h"
 #include "event_loop_view.h"
 #include "figure.h"
+#include "instant_meter.h"
 #include "link.h"
 #include "real_clock.h"
 #include "real_port.h"
+#include "recording_file.h"
+#include "recording_port.h"
 #include "upload_commands.h"
 
 namespace {
@@ -37,6 +41,9 @@ using std::chrono::steady_clock;
 
 constexpr int kTransactions = 100;
 constexpr int kSlowTransactions = 3;
+constexpr int kInstantTransactions = 2000;
+/// Taken in turns with and without a recording, so that what else goes on meets both.
+constexpr int kRecordedTurns = 5;
 constexpr nanoseconds kCharacter = nanoseconds{11 * 1'000'000'000LL / 38'400};
 constexpr nanoseconds kMeterDelay = 5ms;
 constexpr nanoseconds kSlowMeterDelay = 1500ms;
@@ -176,6 +183,7 @@ struct Ratios {
     double wall = 0;
     double waiting = 0;
     double upload = 0;
+    double recording = 0;
 };
 
 /// A link whose clock starts at `hour`.
@@ -247,10 +255,47 @@ bool run_upload(const QString& device, Ratios& ratios) {
     return true;
 }
 
+/// Seconds of a transaction with a meter that answers at once, at the least.
+double instant_transaction(const QString& recording) {
+    bench::SteppingClock clock;
+    bench::EventLoopView view;
+    bench::InstantMeter meter(kAnswer);
+    m47::link::LineRecorder recorder(clock);
+    m47::link::RecordingPort line(meter, recorder);
+    m47::link::Link link(line, clock, view);
+    link.port_connected = true;
+    if (!recording.isEmpty())
+        recorder.start(std::make_unique<m47::link::RecordingFile>(recording), "bench");
+    const auto begin = steady_clock::now();
+    for (int i = 0; i < kInstantTransactions; ++i)
+        if (!link.send(QString::fromLatin1(kQuery))) return 0;
+    return seconds(steady_clock::now() - begin) / kInstantTransactions;
+}
+
+/// What a recording costs each transaction, against the time that the shortest transaction takes
+/// on the wire at the quickest pace of a day.
+void run_recorded(Ratios& ratios) {
+    const QTemporaryDir folder;
+    double with = 1;
+    double without = 1;
+    for (int turn = 0; turn < kRecordedTurns; ++turn) {
+        without = std::min(without, instant_transaction({}));
+        with = std::min(with, instant_transaction(folder.filePath("line.trace")));
+    }
+    const double on_the_wire =
+        static_cast<double>(kQuery.size() + 1) * seconds(m47::link::clock_tick(5h)) +
+        seconds(meter_time(kQuery));
+    ratios.recording = (on_the_wire + with - without) / on_the_wire;
+    std::printf("recording the line: %.1f us more in a transaction of %.1f ms\n",
+                (with - without) * 1e6, on_the_wire * 1e3);
+}
+
 void print_figures(const Ratios& ratios) {
     bench::print_figure("transaction, worst of the three paces", ratios.wall, 1.05,
                         "pacing + meter time");
     bench::print_figure("processor share while waiting", ratios.waiting, 0.03, "wall time");
+    bench::print_figure("transaction while the line is recorded", ratios.recording, 1.01,
+                        "without a recording");
     bench::print_figure("upload of a plan of 100 programs", ratios.upload, 1.05,
                         "pacing + meter time");
 }
@@ -274,6 +319,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "no answer on %s\n", qPrintable(device));
         return 1;
     }
+    run_recorded(ratios);
     if (meter) print_figures(ratios);
     return 0;
 }
