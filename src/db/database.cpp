@@ -60,6 +60,10 @@ Database::Database(std::unique_ptr<Connection> connection)
 
 Database::~Database() = default;
 
+void Database::copy_to(const QString& path) const {
+    Query(connection(), QStringLiteral("VACUUM INTO ?"), {path});
+}
+
 const QSqlDatabase& Database::connection() const {
     return connection_->database();
 }

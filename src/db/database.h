@@ -81,6 +81,10 @@ class Database {
     /// blanks around it their `nome` names it.
     Recordset of_plan(const QString& table, const QString& plan) const;
 
+    /// Makes a copy of it as it stands now at `path`, where no file may be. A Fault where it
+    /// cannot.
+    void copy_to(const QString& path) const;
+
     const QSqlDatabase& connection() const;
 
   private:

@@ -20,9 +20,11 @@
 #include "no_view.h"
 #include "old_reader.h"
 #include "plan_commands.h"
+#include "problem_option.h"
 #include "program.h"
 #include "real_clock.h"
 #include "real_port.h"
+#include "say_on_stderr.h"
 #include "standard_streams.h"
 #include "system_time.h"
 #include "unattended.h"
@@ -48,15 +50,6 @@ class GuardedApplication : public QApplication {
         return handled;
     }
 };
-
-QtMessageHandler g_toolkit_messages = nullptr;
-
-/// Lets through what the toolkit has to say, but for one remark that every root shell and every
-/// service would see and that concerns nothing here.
-void pass_message(QtMsgType type, const QMessageLogContext& context, const QString& text) {
-    if (!text.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR not set")))
-        g_toolkit_messages(type, context, text);
-}
 
 /// False when the text did not get out whole.
 bool print(std::FILE* stream, const QString& text) {
@@ -89,7 +82,7 @@ bool platform_chosen(int argc, char** argv) {
 
 /// One clear message: on stderr always, in a box when somebody looks.
 void tell(const QString& text, const Options& options) {
-    print(stderr, QStringLiteral("m47-remote: ") + on_one_line(text));
+    say_on_stderr(text, Subsystem::kStart);
     if (!options.unattended())
         show_message_box(nullptr, QMessageBox::Critical, QStringLiteral("M47"), text);
 }
@@ -107,7 +100,7 @@ std::unique_ptr<db::Database> open_database(const ProgramState& state, const Opt
     const QString text = db::database_error_text(error, state.texts);
     can_be_made = error.fault == db::DatabaseFault::missing && !options.unattended();
     if (can_be_made)
-        print(stderr, QStringLiteral("m47-remote: ") + on_one_line(text));
+        say_on_stderr(text, Subsystem::kStart);
     else
         tell(text, options);
     return nullptr;
@@ -120,13 +113,15 @@ std::unique_ptr<QCoreApplication> make_application(int& argc, char** argv, const
     return std::make_unique<GuardedApplication>(argc, argv);
 }
 
-int measure_unattended(ProgramState& state, db::Database& database, link::PortList ports,
-                       const Options& options) {
+/// Without `database` nothing is measured.
+int meter_unattended(ProgramState& state, db::Database* database, link::PortList ports,
+                     const Options& options) {
     NoView view;
     MeterConnection connection(state, std::move(ports),
                                std::make_unique<link::RealClock>(platform::local_time_of_day),
                                std::make_unique<link::RealPort>(), view, view);
-    return run_unattended(state, database, connection, options);
+    const int status = database ? run_unattended(state, *database, connection, options) : kGood;
+    return report_problem(state, connection, options, status);
 }
 
 int run_windows(Program& program, const Options& options) {
@@ -169,7 +164,7 @@ std::unique_ptr<db::Database> find_database(ProgramState& state, const Options& 
 
 int run_with_options(int argc, char** argv, const Options& options) {
     platform::listen_to_end_signals();
-    g_toolkit_messages = qInstallMessageHandler(pass_message);
+    listen_to_messages();
     const std::unique_ptr<QCoreApplication> application = make_application(argc, argv, options);
     QCoreApplication::setApplicationName(QStringLiteral("m47-remote"));
     QCoreApplication::setApplicationVersion(QStringLiteral(M47_VERSION));
@@ -183,10 +178,13 @@ int run_with_options(int argc, char** argv, const Options& options) {
     work_in(QDir::currentPath(), state);
     const QString wrong_file = file_option_fault(options, state.base_dir);
     if (!wrong_file.isEmpty()) {
-        print(stderr, QStringLiteral("m47-remote: ") + wrong_file);
+        say_on_stderr(wrong_file, Subsystem::kStart);
         return kUsage;
     }
     choose(state, options);
+    // Even where no database can be opened.
+    if (!options.problem_report.isEmpty() && !options.measure)
+        return meter_unattended(state, nullptr, ports_of(options), options);
     std::unique_ptr<db::Database> database = find_database(state, options);
     if (!database)
         return platform::times_told_to_end() > 0 ? platform::end_signal_status() : kDatabase;
@@ -194,7 +192,7 @@ int run_with_options(int argc, char** argv, const Options& options) {
         return import_unattended(*database, options.import_database, state.texts);
     if (options.export_plan.asked()) return export_plan_unattended(*database, options, state.texts);
     if (options.import_plan.asked()) return import_plan_unattended(*database, options, state.texts);
-    if (options.measure) return measure_unattended(state, *database, ports_of(options), options);
+    if (options.measure) return meter_unattended(state, database.get(), ports_of(options), options);
     QApplication::setStyle(new BusyStyle);
     Program program(state, std::move(database), ports_of(options));
     return run_windows(program, options);

@@ -107,11 +107,11 @@ int import_unattended(db::Database& database, const QString& path, const Texts& 
         if (told()) throw Interrupted();
     });
     if (!old) {
-        say_on_stderr(olddb::old_file_error_text(error, texts));
+        say_on_stderr(olddb::old_file_error_text(error, texts), Subsystem::kFiles);
         return kOldFileUnreadable;
     }
     const QString remark = olddb::reader_remark(*old, texts);
-    if (!remark.isEmpty()) say_on_stderr(remark);
+    if (!remark.isEmpty()) say_on_stderr(remark, Subsystem::kFiles);
     olddb::ImportPlan plan = olddb::import_plan_of(*old);
     const QString stopped = olddb::apply_import(plan, database, texts, told);
     const QByteArray report = olddb::import_report(plan, path, stopped, texts).toUtf8();
@@ -121,7 +121,7 @@ int import_unattended(db::Database& database, const QString& path, const Texts& 
         return platform::end_signal_status();
     }
     if (!stopped.isEmpty()) {
-        say_on_stderr(olddb::stopped_text(stopped, texts));
+        say_on_stderr(olddb::stopped_text(stopped, texts), Subsystem::kFiles);
         return kDatabase;
     }
     return printed ? kGood : kOutputLost;

@@ -38,6 +38,8 @@ constexpr Tooltip kMenuTips[] = {
      "Importa piani e satelliti da un vecchio database"},
     {"cmdtrace", "Write down all that goes over the line, for whoever looks for a fault",
      "Annota tutto ciò che passa sulla linea, per chi cerca un guasto"},
+    {"cmdproblem", "Put into one file what somebody needs who looks for a fault",
+     "Raccoglie in un file ciò che serve a chi cerca un guasto"},
     {"cmdmanual", "Open the manual at the page of this screen",
      "Apre il manuale alla pagina di questa schermata"},
     {"cmdabout", "Version, folder and licence of this program",
@@ -49,6 +51,7 @@ constexpr Caption kMenuCaptions[] = {
     {"cmdreconnect", {"&Reconnect", "&Ricollega"}},
     {"cmdimportdb", {"&Import old database…", "&Importa un vecchio database…"}},
     {"cmdtrace", {"Re&cord the line…", "Regi&stra la linea…"}},
+    {"cmdproblem", {"Report a &problem…", "Segnala un &problema…"}},
     {"cmdmanual", {"&Manual", "&Manuale"}},
     {"cmdabout", {"&About", "I&nformazioni"}},
 };
@@ -88,6 +91,7 @@ M47MDI::M47MDI(ProgramState& program, QWidget* parent)
     connect(ui_->cmdreconnect, &QAction::triggered, this, &M47MDI::reconnect_asked);
     connect(ui_->cmdimportdb, &QAction::triggered, this, &M47MDI::import_asked);
     connect(ui_->cmdtrace, &QAction::triggered, this, &M47MDI::trace_asked);
+    connect(ui_->cmdproblem, &QAction::triggered, this, &M47MDI::problem_asked);
     connect(ui_->cmdmanual, &QAction::triggered, this, &M47MDI::manual_asked);
     on(ui_->cmdabout, &QAction::triggered, this, "cmdabout_Click",
        [this] { show_about(this, program_); });
@@ -321,7 +325,8 @@ void M47MDI::show_texts() {
     toolkit_language_.follow(program_.texts);
     set_tooltips(this, kMenuTips, program_.texts);
     set_captions(this, kMenuCaptions, program_.texts);
-    for (QAction* entry : {ui_->cmdimportdb, ui_->cmdtrace, ui_->cmdmanual, ui_->cmdabout})
+    for (QAction* entry :
+         {ui_->cmdimportdb, ui_->cmdtrace, ui_->cmdproblem, ui_->cmdmanual, ui_->cmdabout})
         entry->setStatusTip(entry->toolTip());
     for (const ScreenEntry& screen : screen_table())
         findChild<QAction*>(QString::fromLatin1(screen.key))

@@ -54,14 +54,23 @@ QString check_combination(const QCommandLineParser& parser, const Options& optio
     return {};
 }
 
+/// Alone it is written at once, of a machine on which nothing was recorded yet.
+QString check_problem_report(const QCommandLineParser& parser, const Options& options) {
+    if (options.problem_report.isEmpty() || options.measure) return {};
+    const QString name = first_set(parser, {"open", "trace", "corrected", "create-database"});
+    return name.isEmpty()
+               ? QString()
+               : QStringLiteral("--%1 goes with --problem-report in a --measure only").arg(name);
+}
+
 /// What works on the database alone and ends: one of them, and nothing of a meter or a window.
 QString check_database_work(const QCommandLineParser& parser) {
     const QString work = first_set(parser, {"import-database", "export-plan", "import-plan"});
     if (parser.isSet(QStringLiteral("overwrite")) && work != QLatin1String("export-plan"))
         return QStringLiteral("--overwrite goes with --export-plan only");
     if (work.isEmpty()) return {};
-    for (const char* other :
-         {"measure", "open", "on-port", "port", "corrected", "trace", "export-plan", "import-plan"})
+    for (const char* other : {"measure", "open", "on-port", "port", "corrected", "trace",
+                              "problem-report", "export-plan", "import-plan"})
         if (work != QLatin1String(other) && parser.isSet(QString::fromLatin1(other)))
             return QStringLiteral("--%1 does not go with --%2").arg(work, QLatin1String(other));
     return {};
@@ -89,6 +98,7 @@ void read_choices(const QCommandLineParser& parser, Options& options) {
     options.reconnect = parser.isSet(QStringLiteral("reconnect"));
     options.log = parser.value(QStringLiteral("log"));
     options.screenshot = parser.value(QStringLiteral("screenshot"));
+    options.problem_report = parser.value(QStringLiteral("problem-report"));
     options.trace = parser.value(QStringLiteral("trace"));
     options.overwrite = parser.isSet(QStringLiteral("overwrite"));
     options.import_database = parser.value(QStringLiteral("import-database"));
@@ -114,6 +124,7 @@ Options parse_options(const QStringList& arguments) {
         error = QStringLiteral("--directory and --user-data exclude each other");
     if (error.isEmpty()) error = check_combination(parser, options);
     if (error.isEmpty()) error = check_database_work(parser);
+    if (error.isEmpty()) error = check_problem_report(parser, options);
     return error.isEmpty() ? options : wrong(error);
 }
 

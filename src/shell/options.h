@@ -75,7 +75,8 @@ struct Options {
     QString plan;  ///< measure the monitored programs of this plan
     QString log;
     QString screenshot;
-    QString trace;  ///< record the line into this file
+    QString trace;           ///< record the line into this file
+    QString problem_report;  ///< write a report of a problem into this file
 
     QString import_database;  ///< a file of the old engine to import, empty for none
     PlanFileOption export_plan;
@@ -83,7 +84,8 @@ struct Options {
 
     /// Nothing is shown and nobody is asked.
     bool unattended() const {
-        return measure || !import_database.isEmpty() || export_plan.asked() || import_plan.asked();
+        return measure || !import_database.isEmpty() || export_plan.asked() ||
+               import_plan.asked() || !problem_report.isEmpty();
     }
 };
 

@@ -32,7 +32,7 @@ std::optional<plans::ImportFile> read_plan_file(const QString& path) {
     else if (file = plans::parse_import_file(reading.bytes, unit_offset(kDbuv)); !file.understood)
         complaint = QStringLiteral("it is neither a plan nor a DVB scan table");
     if (complaint.isEmpty()) return file;
-    say_on_stderr(QStringLiteral("cannot read %1: %2").arg(path, complaint));
+    say_on_stderr(QStringLiteral("cannot read %1: %2").arg(path, complaint), Subsystem::kFiles);
     return std::nullopt;
 }
 
@@ -108,20 +108,21 @@ int export_plan_unattended(db::Database& database, const Options& options, const
     const QString& path = options.export_plan.file;
     plans::PlanSets sets(database);
     if (!sets.has_plan(name)) {
-        say_on_stderr(QStringLiteral("there is no plan %1").arg(name));
+        say_on_stderr(QStringLiteral("there is no plan %1").arg(name), Subsystem::kFiles);
         return kDatabase;
     }
     if (QFileInfo::exists(path) && !options.overwrite) {
-        say_on_stderr(QStringLiteral("%1 is there already: --overwrite replaces it").arg(path));
+        say_on_stderr(QStringLiteral("%1 is there already: --overwrite replaces it").arg(path),
+                      Subsystem::kFiles);
         return kOutputLost;
     }
     sets.crea_records(name);
     const QString reason = plans::export_plan(sets, path);
     if (reason.isEmpty()) return kGood;
-    say_on_stderr(QStringLiteral("cannot write %1: %2").arg(path, reason));
+    say_on_stderr(QStringLiteral("cannot write %1: %2").arg(path, reason), Subsystem::kFiles);
     return kOutputLost;
 } catch (const Fault& fault) {
-    say_on_stderr(fault.text(texts));
+    say_on_stderr(fault.text(texts), Subsystem::kFiles);
     return kDatabase;
 }
 
@@ -138,7 +139,7 @@ int import_plan_unattended(db::Database& database, const Options& options,
     const bool whole = preview.added() == static_cast<int>(preview.rows.size());
     return whole && preview.added() > 0 ? kGood : kIncomplete;
 } catch (const Fault& fault) {
-    say_on_stderr(fault.text(program_texts));
+    say_on_stderr(fault.text(program_texts), Subsystem::kFiles);
     return kDatabase;
 }
 

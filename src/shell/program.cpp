@@ -80,6 +80,7 @@ Program::Program(ProgramState& state, std::unique_ptr<db::Database> database, li
                   window_),
       recording_(connection_.recorder(), state.texts),
       recording_command_(recording_, state, window_),
+      problem_command_(state, connection_, *database_, recording_, window_),
       start_(window_, connection_, state, *database_),
       import_(*database_, link(), state, window_) {
     // The logger's temporary file has no name yet, and message 0 is composed with that.
@@ -98,6 +99,8 @@ Program::Program(ProgramState& state, std::unique_ptr<db::Database> database, li
     });
     on(&window_, &M47MDI::trace_asked, &window_, "cmdtrace_Click",
        [this] { recording_command_.cmdtrace_Click(); });
+    on(&window_, &M47MDI::problem_asked, &window_, "cmdproblem_Click",
+       [this] { problem_command_.cmdproblem_Click(); });
     QObject::connect(&window_, &M47MDI::texts_shown, &window_,
                      [this] { recording_command_.show_texts(); });
     on(&window_, &M47MDI::manual_asked, &window_, "cmdmanual_Click", [this] { cmdmanual_Click(); });

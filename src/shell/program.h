@@ -14,6 +14,7 @@
 #include "mdi.h"
 #include "meter_connection.h"
 #include "port_list.h"
+#include "problem_command.h"
 #include "program_state.h"
 #include "real_clock.h"
 #include "recording_command.h"
@@ -78,6 +79,7 @@ class Program {
     MeterConnection connection_;
     LineRecording recording_;
     RecordingCommand recording_command_;
+    ProblemCommand problem_command_;
     StartDesk start_;
     link::DeviceWatch watch_;
     QTimer watch_timer_;

@@ -21,7 +21,7 @@ RecordingCommand::RecordingCommand(LineRecording& recording, const ProgramState&
     : recording_(recording), program_(program), window_(window) {
     recording_.on_change = [this] { show_texts(); };
     recording_.on_lost = [this](const QString& sentence) {
-        say_on_stderr(sentence);
+        say_on_stderr(sentence, Subsystem::kRecording);
         window_.show_notice(sentence);
     };
 }

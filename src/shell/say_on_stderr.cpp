@@ -4,11 +4,31 @@
 #include <cstdio>
 
 #include "texts.h"
+#include "told_lines.h"
 
 namespace m47::shell {
+namespace {
 
-void say_on_stderr(const QString& text) {
-    std::fprintf(stderr, "m47-remote: %s\n", on_one_line(text).toLocal8Bit().constData());
+QtMessageHandler g_toolkit_messages = nullptr;
+
+/// Lets through what is told, but for one remark of the toolkit that every root shell and every
+/// service would see and that concerns nothing here.
+void pass_message(QtMsgType type, const QMessageLogContext& context, const QString& text) {
+    if (text.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR not set"))) return;
+    told_lines().keep(type, context.category, text);
+    g_toolkit_messages(type, context, text);
+}
+
+}  // namespace
+
+void say_on_stderr(const QString& text, const char* subsystem) {
+    const QString line = on_one_line(text);
+    told_lines().keep(QtWarningMsg, subsystem, line);
+    std::fprintf(stderr, "m47-remote: %s\n", line.toLocal8Bit().constData());
+}
+
+void listen_to_messages() {
+    g_toolkit_messages = qInstallMessageHandler(pass_message);
 }
 
 }  // namespace m47::shell

@@ -5,7 +5,20 @@
 
 namespace m47::shell {
 
-/// `text` as one line of stderr, for whoever reads what a command says.
-void say_on_stderr(const QString& text);
+/// Who tells something on stderr, named as logging categories are.
+struct Subsystem {
+    static constexpr const char* kStart = "m47.start";
+    static constexpr const char* kRun = "m47.run";
+    static constexpr const char* kFiles = "m47.files";
+    static constexpr const char* kRecording = "m47.recording";
+    static constexpr const char* kEnd = "m47.end";
+};
+
+/// `text` as one line of stderr, "m47-remote: …", for whoever reads what a command says. The last
+/// lines are kept (ToldLines).
+void say_on_stderr(const QString& text, const char* subsystem);
+
+/// From now on what the toolkit and its logging categories have to say is kept as well.
+void listen_to_messages();
 
 }  // namespace m47::shell

@@ -13,6 +13,7 @@
 #include "realtime_rules.h"
 #include "row_output.h"
 #include "run_picture.h"
+#include "say_on_stderr.h"
 #include "standard_streams.h"
 
 namespace m47::shell {
@@ -44,7 +45,7 @@ ProgressLine g_progress_line;
 /// One line on stderr, whatever `text` is made of.
 void complain(const QString& text) {
     g_progress_line.clear();
-    std::fprintf(stderr, "m47-remote: %s\n", on_one_line(text).toLocal8Bit().constData());
+    say_on_stderr(text, Subsystem::kRun);
 }
 
 struct Run {

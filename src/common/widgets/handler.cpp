@@ -8,6 +8,7 @@
 
 #include "fault.h"
 #include "message_box.h"
+#include "told_lines.h"
 
 namespace m47 {
 namespace {
@@ -97,7 +98,10 @@ void run_trapped(QWidget* screen, const char* name, const std::function<void()>&
     } catch (const std::exception& fault) {
         qCDebug(kHandlerLog, "%s: %s", name, fault.what());
         const Texts* texts = language_of_faults();
-        report_fault(screen, words_of(fault, texts ? *texts : Texts()));
+        const QString words = words_of(fault, texts ? *texts : Texts());
+        told_lines().keep(QtCriticalMsg, kHandlerLog().categoryName(),
+                          QLatin1String(name) + QStringLiteral(": ") + words);
+        report_fault(screen, words);
     }
 }
 
