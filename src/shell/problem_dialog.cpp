@@ -2,6 +2,7 @@
 #include "problem_dialog.h"
 
 #include <QDialogButtonBox>
+#include <QFontDatabase>
 #include <QLabel>
 #include <QLocale>
 #include <QPushButton>
@@ -57,6 +58,9 @@ ProblemDialog::ProblemDialog(std::vector<ProblemItem> items, const Texts& texts,
     layout->addWidget(list_);
     layout->addWidget(preview_, 1);
     layout->addWidget(buttons);
+    // No more room than its rows need; the rest is for what is looked through.
+    list_->setMaximumHeight(list_->sizeHintForRow(0) * (list_->count() + 1));
+    preview_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     list_->setCurrentRow(0);
     resize(fontMetrics().averageCharWidth() * 80, fontMetrics().height() * 26);
 }

@@ -5,7 +5,9 @@
 
 #include "cost_notices.h"
 #include "fault.h"
+#include "impersonal.h"
 #include "program_state.h"
+#include "told_lines.h"
 
 namespace m47 {
 namespace {
@@ -182,6 +184,67 @@ class TextsTest : public QObject {
         notices.begin_anew();
         notices.tell(kOther);
         QCOMPARE(told, QStringList({"one", "other", "other"}));
+    }
+
+    void the_last_200_lines_that_were_told_are_kept() {
+        ToldLines told;
+        QCOMPARE(told.lines(), QStringList());
+        for (int k = 0; k < 205; ++k)
+            told.keep(QtWarningMsg, "m47.run", QStringLiteral("line\n%1").arg(k));
+        told.keep(QtCriticalMsg, nullptr, QString(5000, u'x'));
+        const QStringList lines = told.lines();
+        QCOMPARE(lines.size(), 200);
+        const QRegularExpression form(
+            "^[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9:]{8}[.][0-9]{3} warning m47[.]run line 6$");
+        QVERIFY2(form.match(lines.first()).hasMatch(), qPrintable(lines.first()));
+        QVERIFY(lines.last().endsWith(" critical default " + QString(1000, u'x')));
+    }
+
+    void no_text_names_the_person_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("told");
+        const auto row = [](const char* text, const char* told) {
+            QTest::newRow(text) << QString::fromUtf8(text) << QString::fromUtf8(told);
+        };
+        row("/home/anna/m47/rows.log", "~/m47/rows.log");
+        row("in /home/anna.", "in ~.");
+        row("/real/anna: /home/anna/x", "~: ~/x");
+        row("/home/anna-maria/x /home/annabel", "/home/anna-maria/x /home/annabel");
+        row("/media/anna/STICK/x", "/media/user/STICK/x");
+        row("run \"sudo usermod -aG dialout anna\", then",
+            "run \"sudo usermod -aG dialout user\", then");
+        row("log in as anna.", "log in as user.");
+        row("annals, manna, m47.anna.run, anna_b", "annals, manna, m47.anna.run, anna_b");
+    }
+    void no_text_names_the_person() {
+        QFETCH(const QString, text);
+        const Person anna{{"/home/anna", "/real/anna"}, "anna"};
+        QTEST(impersonal(text, anna), "told");
+        // Of the administrator there is nothing to hide, and "/" is no home.
+        QCOMPARE(impersonal("/ root /etc", {{"/"}, "root"}), QString("/ root /etc"));
+    }
+
+    void what_went_over_the_line_stays_in_a_recording() {
+        const Person anna{{"/home/anna"}, "anna"};
+        const QByteArray recording(
+            "PORT 0 0 open /home/anna/m 38400,n,8,2\n"
+            "TX 0 0 anna /home/anna<CR>\nRX 1 1 anna<CR>\n"
+            "NOTE 1 1 of anna\nPORT 2 2 close");
+        QCOMPARE(impersonal_recording(recording, anna),
+                 QByteArray("PORT 0 0 open ~/m 38400,n,8,2\n"
+                            "TX 0 0 anna /home/anna<CR>\nRX 1 1 anna<CR>\n"
+                            "NOTE 1 1 of user\nPORT 2 2 close"));
+    }
+
+    void preferences_name_no_file() {
+        const Person anna{{"/home/anna"}, "anna"};
+        QCOMPARE(impersonal_preferences("[behaviour]\ncorrected=true\n[files]\n"
+                                        "directory_log=/srv/Rossi\nlogs=/a/Rossi.log, /b\n\n"
+                                        "[windows]\ntabs=false\nof=anna\n",
+                                        anna),
+                 QString("[behaviour]\ncorrected=true\n[files]\n"
+                         "directory_log=(left out)\nlogs=(left out)\n\n"
+                         "[windows]\ntabs=false\nof=user\n"));
     }
 };
 

@@ -23,6 +23,7 @@ class UnattendedTest : public QObject {
     void initTestCase();
     void cleanupTestCase();
     void analog_rows();
+    void a_run_reports_its_problem();
     void frequencies();
     void antenna_options();
     void rows_for_programs();
@@ -197,6 +198,38 @@ void UnattendedTest::compare_recordings(const TestStand& stand) {
     const QByteArray opened = "open " + stand.meter.link().toUtf8() + " 38400,n,8,2";
     QCOMPARE(count_lines(lines, opened), sent.size());
     QCOMPARE(count_lines(lines, " close"), sent.size());
+}
+
+/// With what the run told and recorded; who measured is not in it.
+void UnattendedTest::a_run_reports_its_problem() {
+    TestStand stand;
+    const QString home = QFileInfo(stand.path("x")).absolutePath();
+    stand.remote.environment.insert("HOME", home);
+    const Ending ending = stand.measure({"--log", home + "/none/run.log", "--trace", "run.trace",
+                                         "--problem-report", "run.tar.gz"});
+    QCOMPARE(ending.status, 5);
+    QCOMPARE(rows_of(ending.out).size(), 1);
+    QProcess tar;
+    tar.setWorkingDirectory(home);
+    tar.start("tar", {"xvzf", "run.tar.gz"});
+    QVERIFY(tar.waitForFinished());
+    QCOMPARE(tar.readAllStandardOutput().split('\n').size() - 1, 5);
+    QCOMPARE(stand.content("m47-problem/line.trace"), stand.content("run.trace"));
+    const QByteArray told = stand.content("m47-problem/messages.txt");
+    QVERIFY2(told.contains(" warning m47.run the log ~/none/run.log is not complete"), told);
+    QVERIFY(stand.content("m47-problem/ports.txt").contains("in use, connected: yes"));
+    QVERIFY(stand.content("m47-problem/versions.txt").contains("folder    ~\n"));
+
+    // Alone it needs neither a database nor a meter.
+    EmptyStand alone;
+    const Ending written = alone.remote.run({"--problem-report", "a.tar.gz"});
+    QCOMPARE(written.status, 0);
+    QCOMPARE(written.out + written.err, QByteArray());
+    QCOMPARE(alone.files().keys(), QStringList("a.tar.gz"));
+    const Ending refused = alone.remote.run({"--problem-report", "none/a.tar.gz"});
+    QCOMPARE(refused.status, 5);
+    QCOMPARE(refused.err, QByteArray("m47-remote: the report none/a.tar.gz could not be written: "
+                                     "No such file or directory\n"));
 }
 
 void UnattendedTest::frequencies() {

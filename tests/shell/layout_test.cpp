@@ -19,6 +19,7 @@
 #include "message_box.h"
 #include "no_database.h"
 #include "painted_text.h"
+#include "problem_dialog.h"
 #include "program_in_folder.h"
 #include "realtime.h"
 #include "sample_dialogs.h"
@@ -128,7 +129,9 @@ class LayoutTest : public QObject, protected ProgramInFolder {
         if (key == "download")
             return {{"text"},
                     {"table", [this](Screen* screen) { turn_page(screen, "pages", 1); }},
-                    {"span", [this](Screen* screen) { turn_page(screen, "pages", 2); }}};
+                    {"span", [this](Screen* screen) { turn_page(screen, "pages", 2); }},
+                    {"recorded",
+                     [this](Screen*) { program().recording().start(in_folder("line.trace")); }}};
         if (key != "realtime") return {{"as it opens"}};
         const auto press = [](const char* name) {
             return [name](Screen* screen) { screen->findChild<QAction*>(name)->trigger(); };
@@ -275,7 +278,15 @@ class LayoutTest : public QObject, protected ProgramInFolder {
         };
         return made;
     }
-    QMap<QString, MakeDialog> dialogs() { return sample_dialogs(program_state()); }
+    QMap<QString, MakeDialog> dialogs() {
+        QMap<QString, MakeDialog> all = sample_dialogs(program_state());
+        all["problem"] = [this](QWidget* parent) {
+            ProblemCommand command(program_state(), program().connection(), program().database(),
+                                   program().recording(), window());
+            return new ProblemDialog(command.items(), program_state().texts, parent);
+        };
+        return all;
+    }
     void check_dialog(QDialog* dialog, const QString& name, QStringList& faults);
 
   private Q_SLOTS:

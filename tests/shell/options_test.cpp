@@ -81,6 +81,11 @@ void OptionsTest::window_options() {
     QCOMPARE(options.trace, QString("a.trace"));
     QVERIFY(!options.measure);
     QVERIFY(!options.corrected);
+    QVERIFY(!options.unattended());
+    const Options report = parse_options({"--problem-report", "a.tar.gz", "--on-port", "1"});
+    QCOMPARE(report.action, Action::run);
+    QCOMPARE(report.problem_report, QString("a.tar.gz"));
+    QVERIFY(report.unattended());
 }
 
 void OptionsTest::user_data() {
@@ -252,6 +257,11 @@ void OptionsTest::wrong_data() {
     row("empty log", measuring({"--log", " "}), "--log takes a name");
     row("empty picture", measuring({"--screenshot", ""}), "--screenshot takes a name");
     row("empty recording", {"--trace", " "}, "--trace takes a name");
+    row("empty report", {"--problem-report", ""}, "--problem-report takes a name");
+    row("report of an import", {"--import-database", "a", "--problem-report", "b"},
+        "--problem-report");
+    row("report of a window", {"--open", "realtime", "--problem-report", "b"}, "--problem-report");
+    row("recording of nothing", {"--problem-report", "a", "--trace", "b"}, "--trace");
     row("recording of an import", {"--import-database", "a", "--trace", "b"}, "--trace");
     row("empty folder", {"--directory", ""}, "--directory takes a name");
     row("two folders", {"--user-data", "--directory", "."}, "--user-data");
@@ -510,8 +520,8 @@ void OptionsTest::no_file_of_an_option_is_written_over() {
     QVERIFY(QFile::link("VKDM47_03.mdb-journal", here.filePath("later.log")));
     QVERIFY(QFile::link("new.log", here.filePath("other.log")));
     const auto fault = [&](Options options) {
-        for (QString* name :
-             {&options.log, &options.screenshot, &options.trace, &options.import_database})
+        for (QString* name : {&options.log, &options.screenshot, &options.trace,
+                              &options.problem_report, &options.import_database})
             if (!name->isEmpty()) *name = here.filePath(*name);
         return file_option_fault(options, base).remove(base);
     };
@@ -525,6 +535,9 @@ void OptionsTest::no_file_of_an_option_is_written_over() {
     options = {};
     options.trace = "twin";
     QCOMPARE(fault(options), QString("--trace names the database: twin"));
+    options.trace = options.problem_report = "new";
+    QCOMPARE(fault(options), QString("--trace and --problem-report name the same file: new"));
+    options = {};
     options.log = options.trace = "rows.log";
     QCOMPARE(fault(options), QString("--log and --trace name the same file: rows.log"));
     options = {};

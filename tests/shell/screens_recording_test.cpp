@@ -1,6 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The line is recorded by the menu.
+// What the menu has for whoever looks for a fault: the line is recorded, a problem reported.
+#include <QListWidget>
+#include <QPlainTextEdit>
+#include <QProcess>
+
+#include "problem_dialog.h"
 #include "screens_test.h"
+#include "told_lines.h"
 
 namespace m47::shell {
 namespace {
@@ -18,6 +24,28 @@ void choose_file(BoxAnswers& boxes, const QString& path, QString* proposed = nul
         name->setText(path);
         QTest::keyClick(name, Qt::Key_Return);
     });
+}
+
+/// Presses [Save…] of the dialog that comes, with `untick` and `tick` done.
+void save_report(BoxAnswers& boxes, const char* tick = nullptr, const char* untick = nullptr) {
+    boxes.answer([=](QDialog* box) {
+        auto* list = box->findChild<QListWidget*>("problem_items");
+        for (int row = 0; row < list->count(); ++row) {
+            if (tick && list->item(row)->text().startsWith(QLatin1String(tick)))
+                list->item(row)->setCheckState(Qt::Checked);
+            if (untick && list->item(row)->text().startsWith(QLatin1String(untick)))
+                list->item(row)->setCheckState(Qt::Unchecked);
+        }
+        box->accept();
+    });
+}
+
+/// Unpacks `archive` into a new folder in `folder`; the names of what was in it.
+QStringList unpacked(const QString& archive, const QString& folder) {
+    QProcess tar;
+    tar.start("tar", {"xzf", archive, "-C", folder});
+    if (!tar.waitForFinished() || tar.exitCode() != 0) return {tar.readAllStandardError()};
+    return QDir(folder + "/m47-problem").entryList(QDir::Files, QDir::Name);
 }
 
 }  // namespace
@@ -88,6 +116,91 @@ void ScreensTest::a_recording_that_ends_early_is_told_and_measuring_goes_on() {
     program().recording().start("/dev/full");
     QVERIFY(notice->text().startsWith("La registrazione della linea è terminata, /dev/full"));
     QCOMPARE(program().link().ask("VER?").has_value(), true);
+}
+
+void ScreensTest::a_problem_is_reported_in_one_file_that_is_shown_before() {
+    start_with_meter();
+    find<QAction>("cmdinglese")->trigger();
+    told_lines().clear();
+    told_lines().keep(QtWarningMsg, "m47.run", "in " + QDir::homePath() + "/rows.log");
+    program().recording().start(in_folder("line.trace"));
+    QVERIFY(program().link().ask("VER?"));
+
+    BoxAnswers boxes;
+    QStringList shown;
+    QString first;
+    boxes.answer([&](QDialog* box) {
+        auto* list = box->findChild<QListWidget*>("problem_items");
+        for (int row = 0; row < list->count(); ++row) {
+            const bool ticked = list->item(row)->checkState() == Qt::Checked;
+            shown += list->item(row)->text().section(u' ', 0, 0) + (ticked ? "" : " no");
+        }
+        first = box->findChild<QPlainTextEdit*>("problem_preview")->toPlainText();
+        box->accept();
+    });
+    const QString path = in_folder("report.tar.gz");
+    QString proposed;
+    choose_file(boxes, path, &proposed);
+    find<QAction>("cmdproblem")->trigger();
+    QCOMPARE(boxes.take_seen().size(), 2);
+    QCOMPARE(shown, QStringList({"versions.txt", "ports.txt", "messages.txt", "line.trace",
+                                 "screen.png", "plans.sqlite no"}));
+    QVERIFY2(first.contains("SQLite") && first.contains(qVersion()), qPrintable(first));
+    QVERIFY2(
+        QRegularExpression("^m47-problem-[0-9]{8}-[0-9]{6}[.]tar[.]gz$").match(proposed).hasMatch(),
+        qPrintable(proposed));
+
+    const QTemporaryDir folder;
+    QCOMPARE(unpacked(path, folder.path()), QStringList({"line.trace", "messages.txt", "ports.txt",
+                                                         "screen.png", "versions.txt"}));
+    const auto file = [&](const char* name) {
+        return content(folder.filePath("m47-problem/") + QLatin1String(name));
+    };
+    QVERIFY(file("line.trace").contains(" VER?<CR>\n"));
+    QVERIFY2(file("messages.txt").endsWith("warning m47.run in ~/rows.log\n"),
+             file("messages.txt").constData());
+    QVERIFY(!file("messages.txt").contains(QDir::homePath().toUtf8() + '/'));
+    QVERIFY(!QImage::fromData(file("screen.png"), "PNG").isNull());
+    QVERIFY2(find<QLabel>("saved_name")->text().contains("report.tar.gz"), "not told");
+}
+
+void ScreensTest::the_plans_come_with_a_report_when_they_are_ticked() {
+    BoxAnswers boxes;
+    save_report(boxes, "plans.sqlite", "screen.png");
+    const QString path = in_folder("report.tar.gz");
+    choose_file(boxes, path);
+    find<QAction>("cmdproblem")->trigger();
+    const QTemporaryDir folder;
+    const QStringList files = unpacked(path, folder.path());
+    QVERIFY2(files.contains("plans.sqlite"), qPrintable(files.join(u' ')));
+    QVERIFY(!files.contains("screen.png"));
+    db::DatabaseError error{};
+    const auto copy = db::Database::open(folder.filePath("m47-problem/plans.sqlite"), error);
+    QVERIFY(copy);
+    QVERIFY(!copy->gruppo().end_of_set());
+}
+
+void ScreensTest::a_report_that_cannot_be_written_is_told_and_leaves_nothing() {
+    find<QAction>("cmdinglese")->trigger();
+    const auto report = [this](const QString& path) {
+        const std::vector<ProblemItem> items = problem_items(
+            program_state(), program().connection(), in_folder("no.trace"), Person::here());
+        return write_problem_report(path, items, program_state().texts);
+    };
+    QCOMPARE(report(in_folder("none/report.tar.gz")), QString("No such file or directory"));
+    QVERIFY(QDir(in_folder("")).mkdir("folder.tar.gz"));
+    QCOMPARE(report(in_folder("folder.tar.gz")), QString("not a plain file"));
+    // Without the packer an older report stays as it was.
+    const QString path = in_folder("report.tar.gz");
+    QCOMPARE(report(path), QString());
+    const QByteArray before = content(path);
+    const QByteArray programs = qgetenv("PATH");
+    qputenv("PATH", in_folder("").toUtf8());
+    const QString reason = report(path);
+    qputenv("PATH", programs);
+    QVERIFY2(reason.startsWith("the program \"tar\" failed: "), qPrintable(reason));
+    QCOMPARE(content(path), before);
+    QCOMPARE(QDir(in_folder("")).entryList({"report*"}).size(), 1);
 }
 
 }  // namespace m47::shell

@@ -219,6 +219,12 @@ class ScreensTest : public QObject, protected ProgramInFolder {
 
     void a_recording_that_ends_early_is_told_and_measuring_goes_on();
 
+    void a_problem_is_reported_in_one_file_that_is_shown_before();
+
+    void the_plans_come_with_a_report_when_they_are_ticked();
+
+    void a_report_that_cannot_be_written_is_told_and_leaves_nothing();
+
     void a_fault_in_a_handler_shows_one_box_and_the_program_goes_on();
 };
 

@@ -8,6 +8,7 @@
 #include <QDirIterator>
 #include <QGroupBox>
 #include <QLabel>
+#include <QListWidget>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
@@ -83,6 +84,8 @@ class ThirdLanguageTest : public QObject, protected ProgramInFolder {
             look_at(one, frame->title(), plain);
         if (const auto* tabs = qobject_cast<const QTabBar*>(one))
             for (int k = 0; k < tabs->count(); ++k) look_at(one, tabs->tabText(k), plain);
+        if (const auto* list = qobject_cast<const QListWidget*>(one))
+            for (int k = 0; k < list->count(); ++k) look_at(one, list->item(k)->text(), plain);
         if (const auto* table = qobject_cast<const QTableView*>(one)) look_at_table(table, plain);
     }
     /// What `window` shows without brackets, as "name: text".
@@ -209,6 +212,9 @@ class ThirdLanguageTest : public QObject, protected ProgramInFolder {
         plain += plain_texts(realtime) + plain_texts(&window());
         plain += plain_in_dialog([&] { find<QAction>("cmdabout")->trigger(); });
         plain += plain_in_dialog([&] { find<QAction>("cmdreport", realtime)->trigger(); });
+        plain += plain_in_dialog([&] { find<QAction>("cmdproblem")->trigger(); });
+        program().recording().start(in_folder("line.trace"));
+        plain += plain_texts(&window());
         Screen* satellites = open("asl");
         plain += plain_in_dialog([&] { find<QAction>("cmdcompare", satellites)->trigger(); });
         for (const MakeDialog& make : sample_dialogs(program_state())) {
