@@ -50,7 +50,7 @@ constexpr Caption kMenuCaptions[] = {
     {"cmdscreens", {"&Screens", "&Schermate"}},
     {"cmdreconnect", {"&Reconnect", "&Ricollega"}},
     {"cmdimportdb", {"&Import old database…", "&Importa un vecchio database…"}},
-    {"cmdtrace", {"Re&cord the line…", "Regi&stra la linea…"}},
+    {"cmdtrace", {"Re&cord the line…", "Regis&tra la linea…"}},
     {"cmdproblem", {"Report a &problem…", "Segnala un &problema…"}},
     {"cmdmanual", {"&Manual", "&Manuale"}},
     {"cmdabout", {"&About", "I&nformazioni"}},
@@ -88,11 +88,7 @@ M47MDI::M47MDI(ProgramState& program, QWidget* parent)
        [this] { cmdinglese_Click(); });
     on(ui_->cmditaliano, &QAction::triggered, this, "cmditaliano_Click",
        [this] { cmditaliano_Click(); });
-    connect(ui_->cmdreconnect, &QAction::triggered, this, &M47MDI::reconnect_asked);
-    connect(ui_->cmdimportdb, &QAction::triggered, this, &M47MDI::import_asked);
-    connect(ui_->cmdtrace, &QAction::triggered, this, &M47MDI::trace_asked);
-    connect(ui_->cmdproblem, &QAction::triggered, this, &M47MDI::problem_asked);
-    connect(ui_->cmdmanual, &QAction::triggered, this, &M47MDI::manual_asked);
+    connect_entries();
     on(ui_->cmdabout, &QAction::triggered, this, "cmdabout_Click",
        [this] { show_about(this, program_); });
     connect(ui_->cmdexit, &QAction::triggered, this, &QWidget::close);
@@ -109,6 +105,15 @@ M47MDI::M47MDI(ProgramState& program, QWidget* parent)
     });
     ui_->cmdinglese->setChecked(true);
     cmditaliano_Click();
+}
+
+/// What others than this window do.
+void M47MDI::connect_entries() {
+    connect(ui_->cmdreconnect, &QAction::triggered, this, &M47MDI::reconnect_asked);
+    connect(ui_->cmdimportdb, &QAction::triggered, this, &M47MDI::import_asked);
+    connect(ui_->cmdtrace, &QAction::triggered, this, &M47MDI::trace_asked);
+    connect(ui_->cmdproblem, &QAction::triggered, this, &M47MDI::problem_asked);
+    connect(ui_->cmdmanual, &QAction::triggered, this, &M47MDI::manual_asked);
 }
 
 M47MDI::~M47MDI() {

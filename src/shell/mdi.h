@@ -120,6 +120,7 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
 
   private:
     void add_keys();
+    void connect_entries();
     void connect_window_menu();
     /// Gives a screen that opens, or is no tab any more, its place.
     void put_in_place(const QString& key, QMdiSubWindow* view) const;

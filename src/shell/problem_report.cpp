@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "problem_report.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
@@ -9,6 +10,7 @@
 
 #include "engine.h"
 #include "fault.h"
+#include "plain_file.h"
 #include "port_diagnosis.h"
 #include "save_file.h"
 #include "told_lines.h"

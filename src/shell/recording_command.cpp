@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "recording_command.h"
 
-#include <QDateTime>
 #include <QFileDialog>
 
 #include "file_question.h"

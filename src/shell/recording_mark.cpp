@@ -11,7 +11,7 @@ constexpr QRgb kDot = 0xFFE01B24;
 
 }  // namespace
 
-RecordingMark::RecordingMark(QWidget* parent) : QLabel(parent) {
+RecordingMark::RecordingMark(QWidget* parent) : QWidget(parent) {
     setObjectName(QStringLiteral("recording"));
 }
 

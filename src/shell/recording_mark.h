@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QLabel>
+#include <QWidget>
 
 namespace m47::shell {
 
 /// The red dot in the status line while the line is recorded.
-class RecordingMark : public QLabel {
+class RecordingMark : public QWidget {
     Q_OBJECT
   public:
     explicit RecordingMark(QWidget* parent = nullptr);

@@ -13,6 +13,7 @@
 #include <QTimer>
 #include <QToolBar>
 #include <QWheelEvent>
+#include <array>
 
 #include "fault.h"
 #include "screen.h"
@@ -221,6 +222,13 @@ class HandlerTest : public QObject {
         watch_handlers(nullptr);
         screen.bar->actions().at(0)->trigger();
         QCOMPARE(told, (QList<QByteArray>{"bar_ButtonClick good", "fsat_KeyPress"}));
+        watch_handlers([&told, large = std::array<char, 100>()](const char*) {
+            watch_handlers(nullptr);
+            told += QByteArray(large.data(), 0);
+        });
+        screen.bar->actions().at(0)->trigger();
+        screen.bar->actions().at(0)->trigger();
+        QCOMPARE(told.size(), 3);
     }
 
     void entries_that_are_followed_are_there_at_once() {

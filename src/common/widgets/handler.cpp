@@ -81,7 +81,9 @@ bool is_of_user(const char* name) {
 }
 
 void run_handler(QWidget* screen, const char* name, const std::function<void()>& body) {
-    if (handler_watch() && is_of_user(name)) handler_watch()(name);
+    // A copy: who watches may cease to while it is told.
+    const HandlerWatch watch = handler_watch();
+    if (watch && is_of_user(name)) watch(name);
     run_trapped(screen, name, body);
 }
 
