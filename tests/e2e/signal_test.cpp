@@ -34,6 +34,8 @@ class SignalTest : public QObject {
     void help_into_a_closed_pipe();
     void a_file_at_its_limit();
     void a_download_at_its_limit();
+    void a_recording_of_a_window_is_whole_until_it_is_killed();
+    void a_recording_that_is_not_whole_shows_in_the_status_of_a_window();
 };
 
 namespace {
@@ -405,6 +407,34 @@ void SignalTest::a_download_at_its_limit() {
     QCOMPARE(ending.status, 128 + SIGTERM);
     QCOMPARE(window.stand.content("LOGS.TMP"), QByteArray("older"));
     QCOMPARE(window.damage(), QString());
+}
+
+void SignalTest::a_recording_of_a_window_is_whole_until_it_is_killed() {
+    WindowStand window({});
+    window.start({"--trace", "line.trace"});
+    window.order({"trigger realtime", "click meas_statea_0", "trigger single_acq"});
+    QVERIFY(window.wait_until_ready());
+    window.stand.remote.kill_now();
+    window.stand.remote.wait();
+    const QByteArray recorded = window.stand.content("line.trace");
+    QVERIFY(recorded.startsWith("M47TRACE 1 ") && recorded.endsWith('\n'));
+    QCOMPARE(recorded.count("\nRX "), window.stand.meter.commands().size());
+    QVERIFY2(recorded.contains(" barracomandi_ButtonClick realtime\n"), recorded.constData());
+    QVERIFY2(recorded.contains("_ButtonClick single_acq\n"), recorded.constData());
+}
+
+void SignalTest::a_recording_that_is_not_whole_shows_in_the_status_of_a_window() {
+    for (const char* file : {"line.trace", "/dev/full"}) {
+        const bool whole = *file != '/';
+        WindowStand window({});
+        window.start({"--trace", file});
+        window.order({"trigger cmdexit"});
+        const Ending ending = window.stand.remote.wait();
+        QCOMPARE(ending.status, whole ? 0 : 5);
+        QCOMPARE(told(ending).count('\n'), whole ? 0 : 1);
+        QVERIFY2(whole || told(ending).contains(" /dev/full "), ending.err.constData());
+        QCOMPARE(window.stand.content("line.trace").endsWith(" recording ended\n"), whole);
+    }
 }
 
 }  // namespace m47
