@@ -180,6 +180,24 @@ void ScreensTest::the_plans_come_with_a_report_when_they_are_ticked() {
     QVERIFY(!copy->gruppo().end_of_set());
 }
 
+void ScreensTest::of_a_long_recording_the_report_has_the_end() {
+    constexpr qsizetype kMost = qsizetype{32} * 1024 * 1024;
+    const QByteArray first("M47TRACE 1 2026-11-22T14:00:00Z m47-remote 1 Qt 2\n");
+    const QByteArray line("TX 1.000 1.000 " + QByteArray(1000, 'x') + "<CR>\n");
+    QFile file(in_folder("long.trace"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(first + line.repeated(kMost / line.size() + 100) + "NOTE 2.000 2.000 last\n");
+    file.close();
+    const std::vector<ProblemItem> items =
+        problem_items(program_state(), program().connection(), file.fileName(), Person::here());
+    const QByteArray& kept = items.back().bytes;
+    QCOMPARE(items.back().name, QString("line.trace"));
+    QVERIFY(QByteArray(items.back().what.english).startsWith("the last 32 MB"));
+    QVERIFY(kept.size() <= kMost + first.size() && kept.size() > kMost - 2 * line.size());
+    QVERIFY(kept.startsWith(first + line));
+    QVERIFY(kept.endsWith(line + "NOTE 2.000 2.000 last\n"));
+}
+
 void ScreensTest::a_report_that_cannot_be_written_is_told_and_leaves_nothing() {
     find<QAction>("cmdinglese")->trigger();
     const auto report = [this](const QString& path) {

@@ -223,6 +223,8 @@ class ScreensTest : public QObject, protected ProgramInFolder {
 
     void the_plans_come_with_a_report_when_they_are_ticked();
 
+    void of_a_long_recording_the_report_has_the_end();
+
     void a_report_that_cannot_be_written_is_told_and_leaves_nothing();
 
     void a_fault_in_a_handler_shows_one_box_and_the_program_goes_on();
