@@ -260,7 +260,9 @@ void TransactionTest::work_that_is_stopped_ends_before_its_next_command() {
     QCOMPARE(port_->take_commands(), QStringList({"FREQ 1", "FREQ 2"}));
     QCOMPARE(told, QStringList{"2 were sent"});
     shown.removeDuplicates();
-    QCOMPARE(shown, QStringList({"Sending 1 of 4", "Sending 2 of 4", "Sending 3 of 4", ""}));
+    QCOMPARE(shown, QStringList({"Sending 1 of 4", "Sending 2 of 4",
+                                 "Sending 2 of 4, stops when the answer is whole",
+                                 "Sending 3 of 4, stops when the answer is whole", ""}));
     QVERIFY(!view_->hourglass);
     // Nothing of the wish is left for what comes next.
     port_->answer = [](const QByteArray& command) { return FakePort::good(command); };
