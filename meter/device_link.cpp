@@ -13,8 +13,16 @@ namespace fs = std::filesystem;
 }  // namespace
 
 DeviceLink::~DeviceLink() {
+    remove();
+}
+
+void DeviceLink::remove() {
     std::error_code error;
     if (!link_.empty() && fs::read_symlink(link_, error) == device_) fs::remove(link_, error);
+}
+
+void DeviceLink::lead_to(const std::string& device) {
+    if (!link_.empty()) create(std::string(link_), device);
 }
 
 void DeviceLink::create(const std::string& link, const std::string& device) {

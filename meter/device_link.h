@@ -18,6 +18,13 @@ class DeviceLink {
     /// std::system_error when something other than a symbolic link stands there.
     void create(const std::string& link, const std::string& device);
 
+    /// The device is gone, and its number is given to somebody else next: removes the link, as the
+    /// desktop does with an unplugged adapter.
+    void remove();
+
+    /// As it was before remove(), to another device now; nothing without a link.
+    void lead_to(const std::string& device);
+
   private:
     std::string link_;
     std::string device_;

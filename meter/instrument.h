@@ -15,7 +15,7 @@
 namespace meter {
 
 /// The whole meter behind its line: commands in, deliveries out.
-class Instrument {
+class Instrument : public Responder {
   public:
     explicit Instrument(const Options& options);
 
@@ -24,7 +24,8 @@ class Instrument {
 
     /// Handles one line (without CR) and says what to send. An empty line wakes a sleeping meter
     /// and is otherwise ignored; a sleeping meter ignores everything else.
-    Delivery handle(const std::string& line);
+    Delivery handle(const std::string& line) override;
+    std::string report() const override { return state_.report(); }
 
     const State& state() const { return state_; }
     bool asleep() const { return asleep_; }

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <cstdio>
 #include <exception>
+#include <filesystem>
+#include <fstream>
 #include <string>
+#include <system_error>
 #include <variant>
 #include <vector>
 
@@ -9,6 +12,7 @@
 #include "instrument.h"
 #include "options.h"
 #include "pty_line.h"
+#include "replay.h"
 #include "server.h"
 #include "signals.h"
 #include "trace.h"
@@ -23,10 +27,10 @@ int complain(const std::string& text, int status) {
     return status;
 }
 
-int serve(const meter::Options& options) {
+int serve(const meter::Options& options, meter::Responder& responder) {
     meter::Trace trace;
-    if (!trace.open(options.trace)) return complain("cannot write " + options.trace, kStatusFailed);
-    meter::Instrument instrument(options);
+    if (!trace.open(options.trace, "m47-meter " METER_VERSION))
+        return complain("cannot write " + options.trace, kStatusFailed);
     // Before the device path is announced: who reads it may end the meter at once.
     meter::listen_to_signals();
     meter::PtyLine line;
@@ -34,8 +38,28 @@ int serve(const meter::Options& options) {
     if (!options.link.empty()) link.create(options.link, line.path());
     std::printf("%s\n", line.path().c_str());
     std::fflush(stdout);
-    meter::Server(options, line, instrument, trace).run();
+    meter::Server(options, line, link, responder, trace).run();
     return 0;
+}
+
+int replay(const meter::Options& options) {
+    std::error_code ignored;
+    std::ifstream file(options.replay, std::ios::binary);
+    // A folder can be opened, and a pipe cannot be sought in.
+    if (!file || !std::filesystem::is_regular_file(options.replay, ignored))
+        return complain("cannot read the recording " + options.replay, kStatusFailed);
+    meter::Replay replay(file, options.speed, options.strict);
+    if (!replay.fault().empty())
+        return complain(options.replay + " " + replay.fault(), kStatusFailed);
+    if (!replay.remark().empty()) complain(options.replay + ": " + replay.remark(), 0);
+    const int status = serve(options, replay);
+    std::fputs(replay.never_recorded().c_str(), stderr);
+    return status;
+}
+
+int simulate(const meter::Options& options) {
+    meter::Instrument instrument(options);
+    return serve(options, instrument);
 }
 
 }  // namespace
@@ -54,7 +78,7 @@ int main(int argc, char** argv) {
             std::puts("m47-meter " METER_VERSION);
             return 0;
         }
-        return serve(options);
+        return options.replay.empty() ? simulate(options) : replay(options);
     } catch (const std::exception& failure) {
         return complain(failure.what(), kStatusFailed);
     }

@@ -19,7 +19,12 @@ struct Option {
     std::string_view value_name;  ///< empty for an option without a value
     std::string_view help;
     bool (*take)(Options& options, const std::string& value);
+    /// Whether it makes sense without a recording, with one, or either way.
+    enum class Goes { always, without_recording, with_recording } goes = Goes::always;
 };
+
+constexpr auto kSimulated = Option::Goes::without_recording;
+constexpr auto kReplayed = Option::Goes::with_recording;
 
 bool take_text(std::string& target, const std::string& value) {
     target = value;
@@ -62,26 +67,39 @@ constexpr std::array kTable{
     Option{"--link", "PATH", "make PATH a symbolic link to the device",
            [](Options& o, const std::string& v) { return take_text(o.link, v); }},
     Option{"--version-text", "TEXT", "firmware version that VER? answers",
-           [](Options& o, const std::string& v) { return take_text(o.version_text, v); }},
-    Option{"--logger-bytes", "N", "fill the logger with about N bytes of logs", take_logger_bytes},
+           [](Options& o, const std::string& v) { return take_text(o.version_text, v); },
+           kSimulated},
+    Option{"--logger-bytes", "N", "fill the logger with about N bytes of logs", take_logger_bytes,
+           kSimulated},
     Option{"--no-satellites", "", "start with all satellite slots empty",
-           [](Options& o, const std::string&) { return o.no_satellites = true; }},
-    Option{"--seed", "N", "seed of the measuring jitter (1)", take_seed},
+           [](Options& o, const std::string&) { return o.no_satellites = true; }, kSimulated},
+    Option{"--seed", "N", "seed of the measuring jitter (1)", take_seed, kSimulated},
     Option{"--baud-factor", "X", "answer at X times 38400 baud; 0: at once (1)",
-           [](Options& o, const std::string& v) { return take_decimal(o.baud_factor, v); }},
+           [](Options& o, const std::string& v) { return take_decimal(o.baud_factor, v); },
+           kSimulated},
     Option{"--delay", "MS", "processing time before an answer (2)",
-           [](Options& o, const std::string& v) { return take_decimal(o.delay_ms, v); }},
-    Option{"--fault", "KIND[:N]", "spoil the next N answers, or all; repeatable", take_fault},
+           [](Options& o, const std::string& v) { return take_decimal(o.delay_ms, v); },
+           kSimulated},
+    Option{"--fault", "KIND[:N]", "spoil the next N answers, or all; repeatable", take_fault,
+           kSimulated},
     Option{"--fault-after", "M", "let M commands through well first",
-           [](Options& o, const std::string& v) { return take_count(o.fault_after, v); }},
+           [](Options& o, const std::string& v) { return take_count(o.fault_after, v); },
+           kSimulated},
     Option{"--fault-on", "TEXT", "only commands that contain TEXT count for faults",
-           [](Options& o, const std::string& v) { return take_text(o.fault_on, v); }},
+           [](Options& o, const std::string& v) { return take_text(o.fault_on, v); }, kSimulated},
     Option{"--late", "SECONDS", "delay of the fault late (3)",
-           [](Options& o, const std::string& v) { return take_decimal(o.late_seconds, v); }},
+           [](Options& o, const std::string& v) { return take_decimal(o.late_seconds, v); },
+           kSimulated},
     Option{"--trace", "FILE", "write every exchange to FILE",
            [](Options& o, const std::string& v) { return take_text(o.trace, v); }},
     Option{"--state", "FILE", "write the kept state to FILE on SIGUSR1 and at the end",
-           [](Options& o, const std::string& v) { return take_text(o.state, v); }},
+           [](Options& o, const std::string& v) { return take_text(o.state, v); }, kSimulated},
+    Option{"--replay", "FILE", "answer as the recording FILE has it",
+           [](Options& o, const std::string& v) { return take_text(o.replay, v); }},
+    Option{"--speed", "X", "replay X times as fast as recorded; 0: at once (1)",
+           [](Options& o, const std::string& v) { return take_decimal(o.speed, v); }, kReplayed},
+    Option{"--strict", "", "replay: COMMAND ERROR to what was never recorded",
+           [](Options& o, const std::string&) { return o.strict = true; }, kReplayed},
     Option{"--help", "", "show this help and end",
            [](Options& o, const std::string&) { return o.help = true; }},
     Option{"--version", "", "show the version of this program and end",
@@ -94,6 +112,15 @@ const Option* find_option(std::string_view name) {
     return found == kTable.end() ? nullptr : &*found;
 }
 
+/// What does not go with the others; empty where all do.
+std::string misplaced(const std::vector<const Option*>& given, bool recording) {
+    const auto wrong = recording ? kSimulated : kReplayed;
+    const std::string words = recording ? "' does not go with '--replay'" : "' needs '--replay'";
+    for (const Option* option : given)
+        if (option->goes == wrong) return "option '" + std::string(option->name) + words;
+    return {};
+}
+
 std::string help_line(std::string_view left, std::string_view right) {
     return "  " + blank_filled(left, 24) + std::string(right) + "\n";
 }
@@ -102,6 +129,7 @@ std::string help_line(std::string_view left, std::string_view right) {
 
 std::variant<Options, std::string> parse_options(const std::vector<std::string>& arguments) {
     Options options;
+    std::vector<const Option*> given;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
         const auto equals = argument.find('=');
@@ -118,7 +146,10 @@ std::variant<Options, std::string> parse_options(const std::vector<std::string>&
         }
         if (!option->take(options, value))
             return "bad value '" + value + "' for option '" + name + "'";
+        given.push_back(option);
     }
+    const std::string complaint = misplaced(given, !options.replay.empty());
+    if (!complaint.empty()) return complaint;
     return options;
 }
 

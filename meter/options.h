@@ -27,6 +27,9 @@ struct Options {
     double late_seconds = 3.0;
     std::string trace;
     std::string state;
+    std::string replay;
+    double speed = 1.0;
+    bool strict = false;
     bool help = false;
     bool version = false;
 };

@@ -22,8 +22,10 @@ constexpr auto kIdleTick = 100ms;
 constexpr auto kTimeToRead = 300ms;
 constexpr auto kUnreadLimit = 2s;
 constexpr auto kTrickleInterval = 250ms;
+constexpr auto kLookForCommand = 20ms;
 constexpr auto kFineWait = 2ms;
 constexpr auto kRoomWait = 10ms;
+constexpr std::string_view kEndOfAnswer = "OK\r";
 constexpr std::size_t kInputLimit = 256;
 constexpr std::size_t kTracedFiller = 256;
 constexpr std::size_t kFillerBlock = 64;
@@ -33,16 +35,23 @@ std::chrono::nanoseconds from_seconds(double seconds) {
         std::chrono::duration<double>(seconds));
 }
 
+/// When byte `index` of `count` goes that leave evenly within `time`, the first at once.
+Clock::duration share(Clock::duration time, std::size_t index, std::size_t count) {
+    if (count < 2) return {};
+    return time * static_cast<Clock::rep>(index) / static_cast<Clock::rep>(count - 1);
+}
+
 }  // namespace
 
-Server::Server(const Options& options, PtyLine& line, Instrument& instrument, Trace& trace)
+Server::Server(const Options& options, PtyLine& line, DeviceLink& link, Responder& responder,
+               Trace& trace)
     : line_(line),
-      instrument_(instrument),
+      link_(link),
+      responder_(responder),
       trace_(trace),
       pacing_(options.baud_factor),
       delay_(from_seconds(options.delay_ms / 1000.0)),
-      state_file_(options.state),
-      link_(options.link) {}
+      state_file_(options.state) {}
 
 bool Server::stopping() {
     if (state_asked_for()) write_state();
@@ -128,14 +137,20 @@ void Server::send_filler(Ending ending, std::string& sent, TimePoint& last) {
 
 void Server::answer(const ReceivedLine& received) {
     trace_.received(received);
-    const Delivery delivery = instrument_.handle(received.text);
-    const TimePoint start =
-        std::max(Clock::now(), received.last + delay_) + from_seconds(delivery.wait_seconds);
+    const Delivery delivery = responder_.handle(received.text);
+    if (delivery.recorded)
+        send_recorded(delivery, received.last);
+    else
+        send_simulated(delivery, received.last + delay_);
+}
+
+void Server::send_simulated(const Delivery& delivery, TimePoint earliest) {
+    const TimePoint start = std::max(Clock::now(), earliest) + from_seconds(delivery.wait_seconds);
     if (delivery.bytes.empty() && delivery.ending == Ending::none) return;
     if (!wait_until(start)) return;
     const std::size_t count = send_paced(delivery.bytes, start);
-    std::string sent = delivery.bytes.substr(0, count);
     TimePoint last = Clock::now();
+    trace_.sent(start + pacing_.due(0), last, delivery.bytes.substr(0, count));
     if (delivery.ending == Ending::unplug) {
         // Closing takes away what the other side has not read yet.
         wait_until(last + kTimeToRead);
@@ -143,17 +158,65 @@ void Server::answer(const ReceivedLine& received) {
     } else if (delivery.ending == Ending::close_line) {
         close_line();
     } else if (delivery.ending != Ending::none) {
+        const TimePoint first = last;
+        std::string sent;
         send_filler(delivery.ending, sent, last);
+        trace_.sent(first, last, sent);
     }
-    trace_.sent(start + pacing_.due(0), last, sent);
 }
 
-/// As with a cable, the device is gone: the number of the pseudo-terminal is given to somebody else
-/// next, and the link must not lead there.
+void Server::send_recorded(const Delivery& delivery, TimePoint asked) {
+    const std::string_view bytes = delivery.bytes;
+    std::size_t sent = 0;
+    for (const RecordedPace::Piece& piece : delivery.recorded->pieces) {
+        const TimePoint first = asked + piece.first;
+        // What came behind a whole answer then is of no use to who has asked on.
+        const bool whole = bytes.substr(0, sent).ends_with(kEndOfAnswer);
+        if (whole ? !wait_undisturbed(first) : !wait_until(first)) break;
+        if (!send_piece(bytes.substr(sent, piece.end - sent), first, asked + piece.last)) break;
+        sent = piece.end;
+    }
+    const RecordedPace& pace = *delivery.recorded;
+    if (!pace.lost || !wait_until(std::max(asked + *pace.lost, Clock::now() + kTimeToRead))) return;
+    close_line();
+    if (pace.back && wait_until(asked + *pace.back)) open_line();
+}
+
+/// Evenly from `first` to `last`; false when nobody reads it, or the end has come.
+bool Server::send_piece(std::string_view bytes, TimePoint first, TimePoint last) {
+    const TimePoint began = Clock::now();
+    std::size_t sent = 0;
+    while (sent < bytes.size()) {
+        if (!wait_until(first + share(last - first, sent, bytes.size()))) return false;
+        const TimePoint now = Clock::now();
+        std::size_t end = sent + 1;
+        while (end < bytes.size() && first + share(last - first, end, bytes.size()) <= now) ++end;
+        if (!write_all(bytes.substr(sent, end - sent))) return false;
+        sent = end;
+    }
+    trace_.sent(began, Clock::now(), bytes);
+    return true;
+}
+
+bool Server::wait_undisturbed(TimePoint when) {
+    while (!input_.has_line()) {
+        const TimePoint slice = std::min<TimePoint>(when, Clock::now() + kLookForCommand);
+        if (!wait_until(slice)) return false;
+        if (slice == when) return true;
+    }
+    return false;
+}
+
 void Server::close_line() {
-    std::error_code ignored;
-    if (!link_.empty()) std::filesystem::remove(link_, ignored);
+    link_.remove();
     line_.close();
+    trace_.port(Clock::now(), "lost unplugged");
+}
+
+void Server::open_line() {
+    line_.open();
+    link_.lead_to(line_.path());
+    trace_.port(Clock::now(), "open " + line_.path());
 }
 
 void Server::run() {
@@ -176,7 +239,7 @@ void Server::write_state() const {
     // A reader never sees a half-written file.
     const std::string unfinished = state_file_ + ".new";
     std::ofstream file(unfinished, std::ios::binary | std::ios::trunc);
-    file << instrument_.state().report();
+    file << responder_.report();
     file.close();
     std::error_code error;
     if (file) std::filesystem::rename(unfinished, state_file_, error);

@@ -13,6 +13,25 @@ bool is_digit(char c) {
     return c >= '0' && c <= '9';
 }
 
+/// Value of an upper-case hexadecimal digit; -1 for any other character.
+int hex_digit(char c) {
+    if (is_digit(c)) return c - '0';
+    return c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
+}
+
+/// The byte of a name in "<>", as escaped() writes it; nothing for any other text.
+std::optional<char> named_byte(std::string_view name) {
+    if (name == "CR") return '\r';
+    if (name == "LF") return '\n';
+    if (name == "TAB") return '\t';
+    if (name == "LT") return '<';
+    if (name.size() != 2) return std::nullopt;
+    const int high = hex_digit(name[0]);
+    const int low = hex_digit(name[1]);
+    if (high < 0 || low < 0) return std::nullopt;
+    return static_cast<char>(static_cast<unsigned char>(high * 16 + low));
+}
+
 }  // namespace
 
 std::string trimmed(std::string_view text) {
@@ -115,6 +134,26 @@ std::string escaped(std::string_view bytes) {
         }
     }
     return result;
+}
+
+bool unescape(std::string_view printable, std::string& bytes) {
+    constexpr std::size_t longest_name = 3;
+    bytes.clear();
+    for (std::size_t at = 0; at < printable.size(); ++at) {
+        const char c = printable[at];
+        if (c < 0x20 || c > 0x7E) return false;
+        if (c != '<') {
+            bytes += c;
+            continue;
+        }
+        const auto end = printable.substr(at + 1, longest_name + 1).find('>');
+        if (end == std::string_view::npos) return false;
+        const auto byte = named_byte(printable.substr(at + 1, end));
+        if (!byte) return false;
+        bytes += *byte;
+        at += end + 1;
+    }
+    return true;
 }
 
 }  // namespace meter

@@ -41,4 +41,8 @@ std::string blank_filled(std::string_view text, std::size_t width);
 /// Printable form of line bytes: <CR>, <LF>, <TAB>, <LT> for "<", <XX> for other codes.
 std::string escaped(std::string_view bytes);
 
+/// The bytes whose printable form this is, in `bytes`. False when it is none: then they hold what
+/// stood before the fault.
+bool unescape(std::string_view printable, std::string& bytes);
+
 }  // namespace meter

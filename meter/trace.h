@@ -17,11 +17,14 @@ std::string trace_line(std::string_view direction, TimePoint first, TimePoint la
 /// Writes trace lines to a file, each flushed at once; without a file it does nothing.
 class Trace {
   public:
-    /// Opens the file for writing; an empty path means no trace. False when it cannot be opened.
-    bool open(const std::string& path);
+    /// Opens the file for writing, and writes its head, which names `program`; an empty path means
+    /// no trace. False when it cannot be opened.
+    bool open(const std::string& path, std::string_view program);
 
     void received(const ReceivedLine& line);
     void sent(TimePoint first, TimePoint last, std::string_view bytes);
+    /// The line is gone, or there again.
+    void port(TimePoint when, std::string_view words);
 
   private:
     void write(const std::string& line);

@@ -40,8 +40,11 @@ class PtyLine {
     /// holder is still there stays.
     void clear_stale_lock();
 
-    /// Closes the line for good.
+    /// Closes the line, as an unplugged cable does.
     void close();
+
+    /// Opens another one after close(), with another path. Throws as the constructor does.
+    void open();
 
   private:
     bool held_by_another_process();

@@ -104,7 +104,8 @@ QList<TraceEntry> MeterProcess::trace() const {
     // A line that is just being written is left for the next look.
     const QList<QByteArray> lines = text.left(text.lastIndexOf('\n')).split('\n');
     for (const QByteArray& line : lines) {
-        if (line.isEmpty()) continue;
+        // The head, and what became of the line, are no bytes.
+        if (!line.startsWith("RX ") && !line.startsWith("TX ")) continue;
         const QList<QByteArray> words = line.split(' ');
         entries.append({words[0] == "RX", words[1].toDouble(), words[2].toDouble(),
                         unescaped(QByteArrayList(words.mid(3)).join(' '))});

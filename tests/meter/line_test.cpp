@@ -121,15 +121,18 @@ void TestLine::trace_file() {
     const QTemporaryDir folder;
     const QString path = folder.filePath("trace");
     meter::Trace trace;
-    QVERIFY(trace.open(path.toStdString()));
+    QVERIFY(trace.open(path.toStdString(), "m47-meter 9.9"));
     trace.received({"ATTEN?", meter::TimePoint{1500us}, meter::TimePoint{2s}});
     trace.sent(meter::TimePoint{2002ms}, meter::TimePoint{2010ms}, "ATTEN?\r6\rOK\r");
     QFile file(path);
     QVERIFY(file.open(QIODevice::ReadOnly));
-    QCOMPARE(file.readAll(), QByteArray("RX 1.500 2000.000 ATTEN?<CR>\n"
-                                        "TX 2002.000 2010.000 ATTEN?<CR>6<CR>OK<CR>\n"));
-    QVERIFY(meter::Trace().open(""));
-    QVERIFY(!meter::Trace().open("/nonexistent/folder/trace"));
+    QByteArray text = file.readAll();
+    QVERIFY(text.startsWith("M47TRACE 1 ") && text.contains(" m47-meter 9.9\n"));
+    text.remove(0, text.indexOf('\n') + 1);
+    QCOMPARE(text, QByteArray("RX 1.500 2000.000 ATTEN?<CR>\n"
+                              "TX 2002.000 2010.000 ATTEN?<CR>6<CR>OK<CR>\n"));
+    QVERIFY(meter::Trace().open("", "m47-meter"));
+    QVERIFY(!meter::Trace().open("/nonexistent/folder/trace", "m47-meter"));
 }
 
 void TestLine::default_options() {
@@ -177,6 +180,11 @@ void TestLine::all_options() {
     QCOMPARE(options.late_seconds, 1.5);
     QCOMPARE(options.trace, std::string("t"));
     QCOMPARE(options.state, std::string("s"));
+    const auto replay = std::get<meter::Options>(
+        parse({"--replay", "r", "--speed", "2.5", "--strict", "--link=/tmp/x", "--trace", "t"}));
+    QCOMPARE(replay.replay, std::string("r"));
+    QCOMPARE(replay.speed, 2.5);
+    QVERIFY(replay.strict);
     QVERIFY(std::get<meter::Options>(parse({"--help"})).help);
     QVERIFY(std::get<meter::Options>(parse({"--version"})).version);
 }
@@ -191,6 +199,13 @@ void TestLine::refused_options_data() {
     QTest::newRow("fault") << QStringList{"--fault", "fire"};
     QTest::newRow("count") << QStringList{"--logger-bytes", "-1"};
     QTest::newRow("factor") << QStringList{"--baud-factor", "x"};
+    QTest::newRow("speed") << QStringList{"--replay", "f", "--speed", "-1"};
+    QTest::newRow("speed of nothing") << QStringList{"--speed", "2"};
+    QTest::newRow("strict with nothing") << QStringList{"--strict"};
+    for (const char* simulated :
+         {"--version-text=x", "--logger-bytes=9", "--no-satellites", "--seed=1", "--baud-factor=1",
+          "--delay=1", "--fault=error", "--fault-after=1", "--fault-on=x", "--late=1", "--state=s"})
+        QTest::addRow("replay with %s", simulated) << QStringList{simulated, "--replay=f"};
 }
 
 void TestLine::refused_options() {
@@ -207,7 +222,8 @@ void TestLine::help_names_every_option() {
     for (const char* word :
          {"--link PATH", "--version-text TEXT", "--logger-bytes N", "--seed N", "--baud-factor X",
           "--delay MS", "--fault KIND[:N]", "--fault-after M", "--fault-on TEXT", "--late SECONDS",
-          "--trace FILE", "--state FILE", "--help", "--version", "--no-satellites", "wrongecho"})
+          "--trace FILE", "--state FILE", "--replay FILE", "--speed X", "--strict", "--help",
+          "--version", "--no-satellites", "wrongecho"})
         QVERIFY2(help.contains(word), word);
 }
 

@@ -54,6 +54,10 @@ bool has_open(const fs::path& process, dev_t device) {
 }  // namespace
 
 PtyLine::PtyLine() {
+    open();
+}
+
+void PtyLine::open() {
     master_ = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
     if (master_ < 0 || grantpt(master_) != 0 || unlockpt(master_) != 0)
         fail("cannot open a pseudo-terminal");
