@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "instrument.h"
+#include "text.h"
 
 namespace {
 
@@ -154,6 +155,38 @@ void keep_plans(meter::Instrument& meter, SeedFolder& seeds) {
                    rate + "000\n[X]\n");
 }
 
+/// Exchanges as a trace has them, a tenth of a second each.
+std::string recorded(meter::Instrument& meter, const std::vector<std::string>& commands) {
+    std::string text = "M47TRACE 1 2026-11-22T14:00:00+01:00 m47-meter 1\n";
+    int time = 100;
+    const auto line = [&](const char* kind, const std::string& words) {
+        const std::string now = std::to_string(time += 10) + ".125 ";
+        text += kind + (' ' + now) + now + words + '\n';
+    };
+    for (const std::string& command : commands) {
+        line("PORT", "open /dev/x 38400,n,8,2");
+        line("RX", meter::escaped(command + "\r"));
+        const std::string answer = meter.handle(command).bytes;
+        line("TX", meter::escaped(answer.substr(0, command.size() + 1)));
+        if (answer.size() > command.size() + 1)
+            line("TX", meter::escaped(answer.substr(command.size() + 1, 60)));
+        line("PORT", "close");
+    }
+    return text;
+}
+
+void keep_recordings(meter::Instrument& meter, SeedFolder& seeds) {
+    const std::string row = recorded(meter, {"FREQ 1000.0", "LEVANL?"});
+    for (const char cut : {'\0', '\x50', '\xF0'}) seeds.keep("recording", cut + row);
+    seeds.keep("recording", '\x30' + recorded(meter, {"UNIT?", "UNIT?", "ATTEN 99"}));
+    seeds.keep("recording", '\x30' + recorded(meter, {"VER?"}) +
+                                "PORT 400.000 400.000 lost unplugged\n"
+                                "PORT 900.000 900.000 open-failed gone\n"
+                                "PORT 990.000 990.000 open /dev/x\nRX 991.000 995.000 AT\n"
+                                "TX 996.000 996.000 VER?<CR>\nRX 997.000 999.000 TEN?<CR>\n");
+    seeds.keep("recording", std::string(1, '\0') + "M47TRACE 2 x\nRX 1.000 2.000 <CR>\n");
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -168,5 +201,6 @@ int main(int argc, char** argv) {
     keep_logger(meter, seeds);
     keep_satellites(meter, seeds);
     keep_plans(meter, seeds);
+    keep_recordings(meter, seeds);
     return 0;
 }
