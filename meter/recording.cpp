@@ -84,8 +84,8 @@ class Gathering {
 
     /// A line that was lost has come back at the latest when something goes over it.
     void heard_again(microseconds when) {
-        if (exchange_.pace.lost && !exchange_.pace.back)
-            exchange_.pace.back = std::max(*exchange_.pace.lost, since(when));
+        const RecordedPace& pace = exchange_.pace;
+        if (pace.lost && !pace.back && since(when) > *pace.lost) exchange_.pace.back = since(when);
     }
 
   private:

@@ -19,6 +19,7 @@ class HealingFaultTest : public QObject {
     void a_spoilt_echo_is_measured_again();
     void noise_within_an_answer_data();
     void noise_within_an_answer();
+    void a_recording_is_as_good_as_the_meter();
 
   private:
     void start(const QString& name, const QStringList& faults);
@@ -37,11 +38,18 @@ QStringList commands_of_a_row(const QStringList& identification, const QStringLi
            level;
 }
 
+/// Rows without their times.
+QList<QStringList> values_of(const QByteArray& rows) {
+    QList<QStringList> values;
+    for (const QStringList& row : rows_of(rows)) values += row.mid(2);
+    return values;
+}
+
 }  // namespace
 
 void HealingFaultTest::start(const QString& name, const QStringList& faults) {
     TestStand& stand = stands_.try_emplace(name, faults).first->second;
-    stand.start_measuring({"--log", "run.log"});
+    stand.start_measuring({"--log", "run.log", "--trace", "line.trace"});
 }
 
 /// All runs go on at the same time, since most of them only wait.
@@ -60,6 +68,7 @@ void HealingFaultTest::initTestCase() {
           {"--delay", "400", "--fault-on", wire::kLevel, "--fault", "late:1", "--late", "1.8"});
     start("spoilt echo", {"--fault", "wrongecho:1", "--fault-on", wire::kLevel});
     start("spoilt echoes", {"--fault", "wrongecho", "--fault-on", wire::kLevel});
+    start("unplugged", {"--fault-on", wire::kLevel, "--fault", "unplug:1"});
     for (const char* seed : {"1", "2", "3"})
         start(QStringLiteral("noise ") + seed,
               {"--seed", seed, "--fault-on", wire::kLevel, "--fault", "noise:1"});
@@ -172,6 +181,39 @@ void HealingFaultTest::noise_within_an_answer() {
     QCOMPARE(rows[0].size(), 11);
     QCOMPARE(rows[0][4], values.constLast());
     QCOMPARE(stand.content("run.log"), as_log(ending.out));
+}
+
+/// What the program recorded, and the meter's own trace: on either the same run gives the same, its
+/// times aside.
+void HealingFaultTest::a_recording_is_as_good_as_the_meter() {
+    std::map<QString, Ending> first;
+    std::map<QString, TestStand> replays;
+    for (const auto& name :
+         {"error twice", "asleep", "late", "spoilt echo", "noise 2", "unplugged"}) {
+        TestStand& stand = stands_.at(name);
+        first[name] = stand.remote.wait();
+        for (const QString& recording :
+             {stand.path("line.trace"), stand.folder.filePath("meter.trace")}) {
+            QStringList options{"--replay", recording, "--strict"};
+            TestStand& replay = replays.try_emplace(recording, options).first->second;
+            replay.start_measuring({"--log", "run.log"});
+        }
+    }
+    for (const auto& [name, ending] : first) {
+        TestStand& stand = stands_.at(name);
+        for (const QString& recording :
+             {stand.path("line.trace"), stand.folder.filePath("meter.trace")}) {
+            TestStand& replay = replays.at(recording);
+            const Ending again = replay.remote.wait();
+            const QByteArray where = name.toUtf8() + ", " + recording.toUtf8() + ": " + again.err;
+            QVERIFY2(again.status == ending.status && again.err == ending.err, where);
+            QVERIFY2(values_of(again.out) == values_of(ending.out), where + again.out);
+            QVERIFY2(values_of(replay.content("run.log")) == values_of(stand.content("run.log")),
+                     where);
+            QVERIFY2(replay.meter.commands() == stand.meter.commands(),
+                     where + replay.meter.commands().join(u'|').toUtf8());
+        }
+    }
 }
 
 }  // namespace m47

@@ -128,7 +128,7 @@ class RemoteProcess : public ChildProcess {
 /// A folder of its own with a meter on the line and the program in the folder "work" beside it.
 class TestStand {
   public:
-    /// The meter answers at once, unless `meter_options` say otherwise.
+    /// The meter answers at once, unless `meter_options` say otherwise or it replays a recording.
     explicit TestStand(const QStringList& meter_options = {});
 
     QTemporaryDir folder{folder_template()};

@@ -191,6 +191,14 @@ void TestReplay::a_lost_line() {
         "PORT 9000.000 9000.000 open-failed no such device\n");
     const auto lost = player.replay.handle("UNIT?").recorded.value();
     QVERIFY(lost.lost == 4ms && lost.back == 4000ms);
+    // A command that was still on its way tells of no return.
+    Player own(
+        "RX 1.000 2.000 UNIT?<CR>\n"
+        "TX 4.000 4.000 UNIT?<CR>00<CR>OK<CR>\n"
+        "PORT 300.000 300.000 lost unplugged\n"
+        "RX 8.000 9.000 ATTEN?<CR>\n"
+        "TX 301.000 1300.000 \n");
+    QVERIFY(!own.replay.handle("UNIT?").recorded.value().back);
     const auto pulled = player.replay.handle("ATTEN?").recorded.value();
     QVERIFY(pulled.lost == 10ms && !pulled.back);
 }

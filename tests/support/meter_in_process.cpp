@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "meter_in_process.h"
 
+#include <sstream>
+
 #include "instrument.h"
+#include "replay.h"
 
 namespace m47 {
 namespace {
@@ -13,7 +16,18 @@ constexpr double kProcessingTime = 0.002;
 constexpr double kTrickleInterval = 0.25;
 /// Longer than any limit of the link.
 constexpr double kForEver = 260;
-constexpr double kBlockTime = 0.5;  // of an endless answer
+constexpr double kBlockTime = 0.5;   // of an endless answer
+constexpr double kTimeToRead = 0.3;  // before the line is pulled
+
+double seconds(std::chrono::microseconds time) {
+    return std::chrono::duration<double>(time).count();
+}
+
+const meter::FaultKind* kind_named(const QString& name) {
+    for (const meter::FaultKind& kind : meter::fault_kinds())
+        if (name.toStdString() == kind.name) return &kind;
+    qFatal("no fault %s", qPrintable(name));
+}
 
 }  // namespace
 
@@ -29,10 +43,25 @@ struct MeterInProcess::Inside {
     meter::Instrument instrument;
     meter::Jitter random;
     bool asleep = false;
+    const meter::FaultKind* planned = nullptr;  ///< when `commands` reaches `planned_at`
+    int planned_at = 0;
+    std::istringstream recording;
+    std::unique_ptr<meter::Replay> replay;
 };
 
 MeterInProcess::MeterInProcess(FakePort& port, quint64 seed)
     : port_(port), inside_(std::make_unique<Inside>(seed)) {
+    listen();
+}
+
+MeterInProcess::MeterInProcess(FakePort& port, const Recorded& recorded)
+    : port_(port), inside_(std::make_unique<Inside>(1)) {
+    inside_->recording.str(recorded.text.toStdString());
+    inside_->replay = std::make_unique<meter::Replay>(inside_->recording, 1.0, true);
+    listen();
+}
+
+void MeterInProcess::listen() {
     port_.answer = [this](const QByteArray& command) {
         answer(command);
         return QByteArray();
@@ -47,7 +76,30 @@ QByteArray MeterInProcess::kept() const {
     return QByteArray::fromStdString(inside_->instrument.state().report());
 }
 
+void MeterInProcess::spoil(const QString& kind, int nth) {
+    inside_->planned = kind_named(kind);
+    inside_->planned_at = commands + nth;
+}
+
+QByteArray MeterInProcess::never_recorded() const {
+    return QByteArray::fromStdString(inside_->replay->never_recorded());
+}
+
+void MeterInProcess::replay(const QByteArray& command) {
+    const meter::Delivery delivery = inside_->replay->handle(command.toStdString());
+    const QByteArray bytes = QByteArray::fromStdString(delivery.bytes);
+    if (!delivery.recorded) return port_.feed(bytes);
+    qsizetype sent = 0;
+    for (const meter::RecordedPace::Piece& piece : delivery.recorded->pieces) {
+        const auto end = static_cast<qsizetype>(piece.end);
+        port_.feed(bytes.mid(sent, end - sent), seconds(piece.last));
+        sent = end;
+    }
+    if (delivery.recorded->lost) port_.vanish_in(seconds(*delivery.recorded->lost));
+}
+
 void MeterInProcess::answer(const QByteArray& command) {
+    if (inside_->replay) return replay(command);
     if (command.isEmpty()) inside_->asleep = false;
     if (inside_->asleep || command.isEmpty()) return;
     // Another command ends what has no end.
@@ -60,6 +112,7 @@ void MeterInProcess::answer(const QByteArray& command) {
         kind = &kinds[inside_->random.below(kinds.size())];
         ++faults;
     }
+    if (inside_->planned && commands == inside_->planned_at) kind = inside_->planned;
     if (on_command)
         on_command(command, kind ? QString::fromUtf8(kind->name.data(),
                                                      static_cast<qsizetype>(kind->name.size()))
@@ -78,6 +131,7 @@ void MeterInProcess::answer(const QByteArray& command) {
         port_.feed(piece, begin + kByteTime * static_cast<double>(at + piece.size()));
     }
     if (delivery.ending == meter::Ending::close_line) port_.vanish_in(end);
+    if (delivery.ending == meter::Ending::unplug) port_.vanish_in(end + kTimeToRead);
     if (delivery.ending == meter::Ending::trickle) go_on(false, end);
     if (delivery.ending == meter::Ending::endless) go_on(true, end);
 }

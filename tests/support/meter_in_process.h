@@ -10,18 +10,30 @@
 
 namespace m47 {
 
+/// A recording of the line, as a file of it holds it.
+struct Recorded {
+    QByteArray text;
+};
+
 /// The simulated meter behind a fake port, on the virtual clock: what takes minutes on a line takes
-/// an instant here. It answers well, but for one command in `bad_in`.
+/// an instant here. It answers well, but for one command in `bad_in` and the one that spoil() says.
 class MeterInProcess {
   public:
     /// Answers on `port` from now on; both have to outlive it.
     MeterInProcess(FakePort& port, quint64 seed);
+    /// The meter of a recording.
+    MeterInProcess(FakePort& port, const Recorded& recorded);
     ~MeterInProcess();
     MeterInProcess(const MeterInProcess&) = delete;
     MeterInProcess& operator=(const MeterInProcess&) = delete;
 
     /// What the meter keeps, as the program of the simulated meter writes it with --state.
     QByteArray kept() const;
+
+    /// The `nth` command from now on, counted from 1, gets a fault of this kind.
+    void spoil(const QString& kind, int nth);
+    /// What was asked and never recorded, as the program of the simulated meter tells it.
+    QByteArray never_recorded() const;
 
     /// One command in so many, drawn by the seed, gets a fault drawn from all kinds; 0: none does.
     int bad_in = 0;
@@ -34,7 +46,9 @@ class MeterInProcess {
   private:
     struct Inside;
 
+    void listen();
     void answer(const QByteArray& command);
+    void replay(const QByteArray& command);
     void go_on(bool full_speed, double from);
 
     FakePort& port_;
