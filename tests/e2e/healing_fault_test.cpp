@@ -13,13 +13,13 @@ class HealingFaultTest : public QObject {
   private Q_SLOTS:
     void initTestCase();
     void cleanupTestCase();
+    void a_recording_is_as_good_as_the_meter();
     void repeated_until_answered_data();
     void repeated_until_answered();
     void pause_before_the_wake_up();
     void a_spoilt_echo_is_measured_again();
     void noise_within_an_answer_data();
     void noise_within_an_answer();
-    void a_recording_is_as_good_as_the_meter();
 
   private:
     void start(const QString& name, const QStringList& faults);

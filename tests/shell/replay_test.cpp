@@ -28,8 +28,8 @@ namespace m47::shell {
 namespace {
 
 const QString kRecording = QStringLiteral("line.trace");
-/// How often a deed is done with a fault in ./test.
-constexpr int kFaultsOfADeed = 2;
+/// How many deeds meet a fault in ./test.
+constexpr int kDeedsOfAFault = 1;
 
 bool all_replays() {
     return qEnvironmentVariableIsSet("M47_ALL_REPLAYS");
@@ -276,7 +276,7 @@ class ReplayTest : public QObject, protected ProgramInFolder {
         QFETCH(const QString, fault);
         static int next = 0;
         const int first = all_replays() ? 0 : next;
-        const int count = all_replays() ? int(deeds().size()) : kFaultsOfADeed;
+        const int count = all_replays() ? int(deeds().size()) : kDeedsOfAFault;
         for (int k = first; k < first + count; ++k) {
             const int number = k % int(deeds().size());
             const int commands = commands_[number];
