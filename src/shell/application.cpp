@@ -130,6 +130,7 @@ int run_windows(Program& program, const Options& options) {
     QTimer::singleShot(0, &program.window(), [&program, &options] {
         run_handler(&program.window(), "start", [&] {
             if (options.on_port > 0) program.identify(options.on_port);
+            if (!options.replay.isEmpty()) program.start_desk().open_recording(options.replay);
             program.window().open_screen(options.open);
         });
     });

@@ -19,6 +19,7 @@ QList<NamedFile> named_files(const Options& options) {
     QList<NamedFile> files{{QStringLiteral("--log"), options.log},
                            {QStringLiteral("--screenshot"), options.screenshot},
                            {QStringLiteral("--trace"), options.trace},
+                           {QStringLiteral("--replay"), options.replay},
                            {QStringLiteral("--problem-report"), options.problem_report},
                            {QStringLiteral("--import-database"), options.import_database},
                            {QStringLiteral("--export-plan"), options.export_plan.file},

@@ -38,6 +38,8 @@ constexpr Tooltip kMenuTips[] = {
      "Importa piani e satelliti da un vecchio database"},
     {"cmdtrace", "Write down all that goes over the line, for whoever looks for a fault",
      "Annota tutto ciò che passa sulla linea, per chi cerca un guasto"},
+    {"cmdreplay", "Connect the meter of a recording: it answers as it did then",
+     "Collega lo strumento di una registrazione: risponde come allora"},
     {"cmdproblem", "Put into one file what somebody needs who looks for a fault",
      "Raccoglie in un file ciò che serve a chi cerca un guasto"},
     {"cmdmanual", "Open the manual at the page of this screen",
@@ -51,6 +53,7 @@ constexpr Caption kMenuCaptions[] = {
     {"cmdreconnect", {"&Reconnect", "&Ricollega"}},
     {"cmdimportdb", {"&Import old database…", "&Importa un vecchio database…"}},
     {"cmdtrace", {"Re&cord the line…", "Regis&tra la linea…"}},
+    {"cmdreplay", {"Ope&n recording…", "Apri re&gistrazione…"}},
     {"cmdproblem", {"Report a &problem…", "Segnala un &problema…"}},
     {"cmdmanual", {"&Manual", "&Manuale"}},
     {"cmdabout", {"&About", "I&nformazioni"}},
@@ -112,6 +115,7 @@ void M47MDI::connect_entries() {
     connect(ui_->cmdreconnect, &QAction::triggered, this, &M47MDI::reconnect_asked);
     connect(ui_->cmdimportdb, &QAction::triggered, this, &M47MDI::import_asked);
     connect(ui_->cmdtrace, &QAction::triggered, this, &M47MDI::trace_asked);
+    connect(ui_->cmdreplay, &QAction::triggered, this, &M47MDI::replay_asked);
     connect(ui_->cmdproblem, &QAction::triggered, this, &M47MDI::problem_asked);
     connect(ui_->cmdmanual, &QAction::triggered, this, &M47MDI::manual_asked);
 }
@@ -330,8 +334,8 @@ void M47MDI::show_texts() {
     toolkit_language_.follow(program_.texts);
     set_tooltips(this, kMenuTips, program_.texts);
     set_captions(this, kMenuCaptions, program_.texts);
-    for (QAction* entry :
-         {ui_->cmdimportdb, ui_->cmdtrace, ui_->cmdproblem, ui_->cmdmanual, ui_->cmdabout})
+    for (QAction* entry : {ui_->cmdimportdb, ui_->cmdtrace, ui_->cmdreplay, ui_->cmdproblem,
+                           ui_->cmdmanual, ui_->cmdabout})
         entry->setStatusTip(entry->toolTip());
     for (const ScreenEntry& screen : screen_table())
         findChild<QAction*>(QString::fromLatin1(screen.key))

@@ -106,6 +106,8 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
     void import_asked();
     /// The menu entry "Re&cord the line…".
     void trace_asked();
+    /// The menu entry "Ope&n recording…".
+    void replay_asked();
     /// The menu entry "Report a &problem…".
     void problem_asked();
     /// The menu entry "&Manual", F1.

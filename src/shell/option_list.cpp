@@ -28,6 +28,8 @@ OptionList start_options() {
          "Record all that goes over the line into FILE, which is replaced; goes with --measure "
          "too.",
          "FILE"},
+        {"replay", "Connect the meter of the recording FILE, which answers as it did then.",
+         "FILE"},
         {"problem-report",
          "Write what somebody needs who looks for a fault into FILE, a .tar.gz without names of "
          "people, and end; with --measure at its end.",

@@ -159,8 +159,8 @@ QString read_format(const QCommandLineParser& parser, Options& options) {
 
 /// A name that a script left empty is not the same as none.
 QString check_names(const QCommandLineParser& parser) {
-    for (const char* name :
-         {"directory", "log", "plan", "screenshot", "trace", "problem-report", "import-database"}) {
+    for (const char* name : {"directory", "log", "plan", "screenshot", "trace", "replay",
+                             "problem-report", "import-database"}) {
         const QString option = QString::fromLatin1(name);
         if (parser.isSet(option) && parser.value(option).trimmed().isEmpty())
             return QStringLiteral("--%1 takes a name, not an empty one").arg(option);

@@ -69,11 +69,18 @@ QString check_database_work(const QCommandLineParser& parser) {
     if (parser.isSet(QStringLiteral("overwrite")) && work != QLatin1String("export-plan"))
         return QStringLiteral("--overwrite goes with --export-plan only");
     if (work.isEmpty()) return {};
-    for (const char* other : {"measure", "open", "on-port", "port", "corrected", "trace",
+    for (const char* other : {"measure", "open", "on-port", "port", "corrected", "trace", "replay",
                               "problem-report", "export-plan", "import-plan"})
         if (work != QLatin1String(other) && parser.isSet(QString::fromLatin1(other)))
             return QStringLiteral("--%1 does not go with --%2").arg(work, QLatin1String(other));
     return {};
+}
+
+/// It is for whoever looks, and brings its meter along.
+QString check_replay(const QCommandLineParser& parser) {
+    const QString other = first_set(parser, {"measure", "on-port"});
+    if (other.isEmpty() || !parser.isSet(QStringLiteral("replay"))) return {};
+    return QStringLiteral("--replay does not go with --%1").arg(other);
 }
 
 Options wrong(const QString& error) {
@@ -100,6 +107,7 @@ void read_choices(const QCommandLineParser& parser, Options& options) {
     options.screenshot = parser.value(QStringLiteral("screenshot"));
     options.problem_report = parser.value(QStringLiteral("problem-report"));
     options.trace = parser.value(QStringLiteral("trace"));
+    options.replay = parser.value(QStringLiteral("replay"));
     options.overwrite = parser.isSet(QStringLiteral("overwrite"));
     options.import_database = parser.value(QStringLiteral("import-database"));
 }
@@ -123,6 +131,7 @@ Options parse_options(const QStringList& arguments) {
     if (error.isEmpty() && options.user_data && parser.isSet(QStringLiteral("directory")))
         error = QStringLiteral("--directory and --user-data exclude each other");
     if (error.isEmpty()) error = check_combination(parser, options);
+    if (error.isEmpty()) error = check_replay(parser);
     if (error.isEmpty()) error = check_database_work(parser);
     if (error.isEmpty()) error = check_problem_report(parser, options);
     return error.isEmpty() ? options : wrong(error);

@@ -76,6 +76,7 @@ struct Options {
     QString log;
     QString screenshot;
     QString trace;           ///< record the line into this file
+    QString replay;          ///< connect the meter of this recording
     QString problem_report;  ///< write a report of a problem into this file
 
     QString import_database;  ///< a file of the old engine to import, empty for none

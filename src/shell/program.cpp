@@ -99,6 +99,8 @@ Program::Program(ProgramState& state, std::unique_ptr<db::Database> database, li
     });
     on(&window_, &M47MDI::trace_asked, &window_, "cmdtrace_Click",
        [this] { recording_command_.cmdtrace_Click(); });
+    on(&window_, &M47MDI::replay_asked, &window_, "cmdreplay_Click",
+       [this] { start_.cmdreplay_Click(); });
     on(&window_, &M47MDI::problem_asked, &window_, "cmdproblem_Click",
        [this] { problem_command_.cmdproblem_Click(); });
     QObject::connect(&window_, &M47MDI::texts_shown, &window_,
@@ -206,7 +208,7 @@ void Program::open_manual(const QStringList& folders, const QString& name) {
 }
 
 void Program::add_screens() {
-    const ScreenParts parts{window_, connection_, state_, *database_};
+    const ScreenParts parts{window_, connection_, state_, *database_, start_};
     for (const ScreenEntry& screen : screen_table())
         window_.add_screen(QString::fromLatin1(screen.key),
                            [parts, make = screen.make] { return make(parts); });

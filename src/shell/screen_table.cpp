@@ -7,6 +7,7 @@
 #include "port_setting.h"
 #include "program_set.h"
 #include "realtime.h"
+#include "start_desk.h"
 
 namespace m47::shell {
 namespace {
@@ -54,7 +55,12 @@ Screen* make_logo(const ScreenParts& parts) {
 }
 
 Screen* make_ports(const ScreenParts& parts) {
-    return new link::PortSetting(parts.connection.identification(), parts.connection.ports());
+    auto* screen =
+        new link::PortSetting(parts.connection.identification(), parts.connection.ports());
+    // In the handler of its key.
+    QObject::connect(screen, &link::PortSetting::simulated_asked, &parts.start,
+                     &StartDesk::start_simulated_Click);
+    return screen;
 }
 
 constexpr ScreenEntry kScreens[] = {

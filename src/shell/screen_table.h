@@ -11,12 +11,15 @@
 
 namespace m47::shell {
 
+class StartDesk;
+
 /// What screens are made of; it outlives them.
 struct ScreenParts {
     M47MDI& window;
     MeterConnection& connection;
     ProgramState& state;
     db::Database& database;
+    StartDesk& start;
 };
 
 /// A screen of the main window.

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "start_desk.h"
 
+#include <QFileDialog>
 #include <QFileInfo>
 #include <chrono>
 
 #include "fields.h"
+#include "file_question.h"
 #include "handler.h"
 #include "port_search.h"
 #include "program_set.h"
@@ -24,10 +26,18 @@ constexpr Bilingual kAnswers{"The meter answers on port %1.",
 constexpr Bilingual kSimulatedAnswers{
     "The simulated meter answers on port %1. What it measures is made up.",
     "Lo strumento simulato risponde sulla porta %1. Ciò che misura è inventato."};
+constexpr Bilingual kRecordingAnswers{
+    "The meter of the recording %2 answers on port %1. What it says was measured then.",
+    "Lo strumento della registrazione %2 risponde sulla porta %1. Ciò che dice è stato misurato "
+    "allora."};
 constexpr Bilingual kSilent{
     "No meter answered on port %1. Is it switched on and its cable plugged in?",
     "Nessuno strumento ha risposto sulla porta %1. È acceso e il cavo è collegato?"};
 constexpr Bilingual kSimulatedMark{"Simulated meter", "Strumento simulato"};
+constexpr Bilingual kRecordingMark{"Recording %1", "Registrazione %1"};
+constexpr Bilingual kOpenTitle{"Open recording", "Apri registrazione"};
+constexpr Bilingual kRecordings{"Recordings (*.trace);;All files (*)",
+                                "Registrazioni (*.trace);;Tutti i file (*)"};
 constexpr Bilingual kLog{"Log %1", "Log %1"};
 constexpr Bilingual kPlan{"Plan %1", "Piano %1"};
 
@@ -87,9 +97,15 @@ void StartDesk::show_texts() {
 
 void StartDesk::port_picked() {
     state_.simulated_meter = simulated_.is_behind(connection_.device());
-    if (state_.simulated_meter) state_.simulated_before = true;
-    window_.status().show_simulated(state_.simulated_meter ? state_.texts.pick(kSimulatedMark)
-                                                           : QString());
+    state_.replayed.clear();
+    QString mark;
+    if (state_.simulated_meter) {
+        state_.simulated_before = true;
+        state_.replayed = QFileInfo(simulated_.recording()).fileName();
+        mark = state_.replayed.isEmpty() ? state_.texts.pick(kSimulatedMark)
+                                         : Said{kRecordingMark, {state_.replayed}}.in(state_.texts);
+    }
+    window_.status().show_simulated(mark);
 }
 
 QList<StartPage::Device> StartDesk::devices() {
@@ -128,13 +144,23 @@ void StartDesk::start_connect_Click(int number) {
 }
 
 void StartDesk::show_answer(int number) {
-    const bool answers = connection_.link().port_connected;
-    const Bilingual& words =
-        !answers ? kSilent : (state_.simulated_meter ? kSimulatedAnswers : kAnswers);
-    const QString reason = answers ? QString() : connection_.fault();
-    page_->show_result(reason.isEmpty() ? Said{words, {QString::number(number)}}.in(state_.texts)
-                                        : reason);
+    const QString reason = connection_.link().port_connected ? QString() : connection_.fault();
+    show_result(reason.isEmpty() ? answer_text(number) : reason);
     refresh();
+}
+
+QString StartDesk::answer_text(int number) const {
+    const QStringList port{QString::number(number)};
+    const Texts& texts = state_.texts;
+    if (!connection_.link().port_connected) return Said{kSilent, port}.in(texts);
+    if (!state_.replayed.isEmpty())
+        return Said{kRecordingAnswers, port + QStringList{state_.replayed}}.in(texts);
+    return Said{state_.simulated_meter ? kSimulatedAnswers : kAnswers, port}.in(texts);
+}
+
+/// On the page, where there is one.
+void StartDesk::show_result(const QString& text) {
+    if (page_) page_->show_result(text);
 }
 
 void StartDesk::start_search_Click() {
@@ -142,16 +168,35 @@ void StartDesk::start_search_Click() {
     link::PortSearch search(connection_.link(), connection_.ports(), state_.texts);
     search.identify = [this](int number) { connection_.identify(number); };
     search.fault = [this] { return connection_.fault(); };
-    page_->show_result(QString());
+    show_result(QString());
     const link::PortSearch::Result result = search.run();
     if (result.found > 0) return show_answer(result.found);
-    page_->show_result(search_text(result, state_.texts));
+    show_result(search_text(result, state_.texts));
     refresh();
 }
 
 void StartDesk::start_simulated_Click() {
-    const QString device = simulated_.start();
-    if (device.isEmpty()) return page_->show_result(simulated_.fault(state_.texts));
+    connect_started(simulated_.start());
+}
+
+void StartDesk::cmdreplay_Click() {
+    QFileDialog dialog(&window_, state_.texts.pick(kOpenTitle), QString(),
+                       state_.texts.pick(kRecordings));
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    const QString path = ask_for_file(dialog, state_, FilePurpose::recording);
+    if (!path.isEmpty()) open_recording(path);
+}
+
+void StartDesk::open_recording(const QString& path) {
+    connect_started(simulated_.start(QFileInfo(path).absoluteFilePath()));
+}
+
+void StartDesk::connect_started(const QString& device) {
+    if (device.isEmpty()) {
+        const QString why = simulated_.fault(state_.texts);
+        show_result(why);
+        return window_.show_notice(why);
+    }
     connection_.ports().refresh();
     if (simulated_port_ == 0)
         simulated_port_ = connection_.ports().free_number().value_or(link::PortList::kPorts);

@@ -35,6 +35,11 @@ class StartDesk : public QObject {
     void start_search_Click();
     void start_simulated_Click();
 
+    /// The menu entry "Open recording…": the meter of a recording that the user chooses.
+    void cmdreplay_Click();
+    /// Starts the meter of the recording `path` and connects it; told where it does not start.
+    void open_recording(const QString& path);
+
     SimulatedMeter& simulated() { return simulated_; }
 
   Q_SIGNALS:
@@ -44,6 +49,10 @@ class StartDesk : public QObject {
     void watch_devices();
     void connect_page();
     void show_answer(int number);
+    QString answer_text(int number) const;
+    void show_result(const QString& text);
+    /// Connects the meter that was started behind `device`; tells why where that is empty.
+    void connect_started(const QString& device);
     QList<StartPage::Device> devices();
     QList<StartPage::Recent> plans();
     QList<StartPage::Recent> logs() const;

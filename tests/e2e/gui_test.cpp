@@ -127,6 +127,30 @@ class GuiTest : public QObject, protected ProgramInFolder {
         QCOMPARE(window().windowTitle(), QStringLiteral("VKD M47_03 REMOTE CONTROL V3.1.0 PLUS"));
     }
 
+    void the_meter_of_a_recording_is_connected_where_it_lost_its_line_too() {
+        start();
+        QFile recording(in_folder("roof.trace"));
+        QVERIFY(recording.open(QIODevice::WriteOnly));
+        recording.write(
+            "RX 1.000 2.000 ATTEN?<CR>\nTX 4.000 4.000 ATTEN?<CR>6<CR>OK<CR>\n"
+            "RX 5.000 6.000 VER?<CR>\nTX 8.000 8.000 VER?<CR>V2.9.7<CR>OK<CR>\n"
+            "PORT 400.000 400.000 lost vanished\n"
+            "PORT 900.000 900.000 open /dev/ttyUSB0 38400,n,8,2\n"
+            "RX 901.000 902.000 ATTEN?<CR>\nTX 904.000 904.000 ATTEN?<CR>6<CR>OK<CR>\n"
+            "RX 905.000 906.000 VER?<CR>\nTX 908.000 908.000 VER?<CR>V2.9.8<CR>OK<CR>\n");
+        recording.close();
+        program().start_desk().open_recording(recording.fileName());
+        QVERIFY(program().link().port_connected);
+        QCOMPARE(program_state().meter_version, QStringLiteral("V2.9.7"));
+        QCOMPARE(find<QLabel>("simulated_meter")->text(), QStringLiteral("Recording roof.trace"));
+        const QString device = program().connection().device();
+        QTRY_VERIFY(!QFile::exists(device));
+        QTRY_VERIFY(QFile::exists(device));
+        find<QAction>("cmdreconnect")->trigger();
+        QVERIFY(program().link().port_connected);
+        QCOMPARE(program_state().meter_version, QStringLiteral("V2.9.8"));
+    }
+
     void another_meter_after_reconnect_is_asked_for_its_unit() {
         start();
         pick_port(3);

@@ -79,6 +79,8 @@ void OptionsTest::window_options() {
     QCOMPARE(options.ports, QStringList("10=/dev/ttyUSB0"));
     QCOMPARE(options.open, QString("setport"));
     QCOMPARE(options.trace, QString("a.trace"));
+    QCOMPARE(parse_options({"--open", "realtime", "--replay", "b.trace"}).replay,
+             QString("b.trace"));
     QVERIFY(!options.measure);
     QVERIFY(!options.corrected);
     QVERIFY(!options.unattended());
@@ -262,6 +264,10 @@ void OptionsTest::wrong_data() {
         "--problem-report");
     row("report of a window", {"--open", "realtime", "--problem-report", "b"}, "--problem-report");
     row("recording of nothing", {"--problem-report", "a", "--trace", "b"}, "--trace");
+    row("no recording", {"--replay", ""}, "--replay takes a name");
+    row("recording unattended", {"--measure", "--on-port", "1", "--replay", "a"}, "--replay");
+    row("recording and port", {"--on-port", "1", "--replay", "a"}, "--replay does not go with");
+    row("recording and import", {"--import-database", "a", "--replay", "b"}, "--replay");
     row("recording of an import", {"--import-database", "a", "--trace", "b"}, "--trace");
     row("empty folder", {"--directory", ""}, "--directory takes a name");
     row("two folders", {"--user-data", "--directory", "."}, "--user-data");
@@ -520,7 +526,7 @@ void OptionsTest::no_file_of_an_option_is_written_over() {
     QVERIFY(QFile::link("VKDM47_03.mdb-journal", here.filePath("later.log")));
     QVERIFY(QFile::link("new.log", here.filePath("other.log")));
     const auto fault = [&](Options options) {
-        for (QString* name : {&options.log, &options.screenshot, &options.trace,
+        for (QString* name : {&options.log, &options.screenshot, &options.trace, &options.replay,
                               &options.problem_report, &options.import_database})
             if (!name->isEmpty()) *name = here.filePath(*name);
         return file_option_fault(options, base).remove(base);
@@ -540,6 +546,9 @@ void OptionsTest::no_file_of_an_option_is_written_over() {
     options = {};
     options.log = options.trace = "rows.log";
     QCOMPARE(fault(options), QString("--log and --trace name the same file: rows.log"));
+    options.log.clear();
+    options.replay = "rows.log";
+    QCOMPARE(fault(options), QString("--trace and --replay name the same file: rows.log"));
     options = {};
     options.log = "other.log";
     options.screenshot = "new.log";

@@ -47,6 +47,12 @@ class Journey {
     QElapsedTimer own_;
 };
 
+void write_file(const QString& path, const QByteArray& content) {
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+        qFatal("cannot write %s", qPrintable(path));
+}
+
 }  // namespace
 
 void ScreensTest::the_start_page_connects_the_meter_by_its_device() {
@@ -212,6 +218,76 @@ void ScreensTest::a_simulated_meter_that_does_not_start_is_told() {
     SimulatedMeter mute(QStringLiteral("/bin/true"));
     QCOMPARE(mute.start(), QString());
     QVERIFY(mute.fault(Texts()).contains("opened no line"));
+}
+
+void ScreensTest::a_recording_is_opened_and_says_that_it_is_one() {
+    start_with_meter();
+    program().start_desk().open();
+    find<QAction>("cmdinglese")->trigger();
+    QCOMPARE(find<QAction>("cmdreplay")->text(), QString("Ope&n recording…"));
+    const QString path = in_folder("roof.trace");
+    write_file(path,
+               "RX 1.000 2.000 ATTEN?<CR>\nTX 4.000 4.000 ATTEN?<CR>6<CR>OK<CR>\n"
+               "RX 5.000 6.000 VER?<CR>\nTX 8.000 8.000 VER?<CR>V2.9.7<CR>OK<CR>\n");
+    BoxAnswers boxes;
+    for (int time = 0; time < 2; ++time) {
+        boxes.answer([path](QDialog* box) {
+            auto* name = box->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+            name->setText(path);
+            QTest::keyClick(name, Qt::Key_Return);
+        });
+        find<QAction>("cmdreplay")->trigger();
+        QVERIFY2(program().link().port_connected, qPrintable(find<QLabel>("start_result")->text()));
+    }
+    QCOMPARE(program_state().replayed, QString("roof.trace"));
+    const auto* mark = find<QLabel>("simulated_meter");
+    QVERIFY(mark->isVisible());
+    QCOMPARE(mark->text(), QString("Recording roof.trace"));
+    QVERIFY(find<QLabel>("start_result")->text().startsWith("The meter of the recording roof."));
+    find<QAction>("cmditaliano")->trigger();
+    QCOMPARE(mark->text(), QString("Registrazione roof.trace"));
+    QCOMPARE(open_realtime()->meter_of_report(),
+             QString("V3.1.0 PLUS (registrazione roof.trace, misure non attuali)"));
+    // What was measured then and what is made up are not one meter.
+    find<QPushButton>("start_simulated")->click();
+    QCOMPARE(mark->text(), QString("Simulated meter"));
+    QCOMPARE(program_state().replayed, QString());
+}
+
+void ScreensTest::a_recording_that_cannot_be_used_is_told() {
+    start_with_meter();
+    find<QAction>("cmdinglese")->trigger();
+    const QString path = in_folder("later.trace");
+    write_file(path, "M47TRACE 2 x\n");
+    program().start_desk().open_recording(path);
+    const QString told = find<QLabel>("corrected_notice")->text();
+    QVERIFY2(told.endsWith("later.trace is a recording of version 2, and only version 1 can be "
+                           "read here"),
+             qPrintable(told));
+    QVERIFY2(program().link().port_connected, "the meter before is still there");
+}
+
+void ScreensTest::the_port_screen_offers_the_simulated_meter_where_no_port_is() {
+    end_program();
+    new_folder();
+    auto clock = std::make_unique<VirtualClock>();
+    auto line = std::make_unique<FakePort>(*clock);
+    line_ = line.get();
+    meter_ = std::make_unique<MeterInProcess>(*line, 1);
+    const link::PortSources none{in_folder("sys"), in_folder("dev"), [] { return QStringList(); },
+                                 [](const QString&) { return QString(); }};
+    start_program({1024, 700}, link::PortList(none), std::move(clock), std::move(line));
+    find<QAction>("cmdinglese")->trigger();
+    find<QAction>("setport")->trigger();
+    auto* key = find<QPushButton>("port_simulated");
+    QVERIFY(key->isVisible());
+    QCOMPARE(key->text(), QString("No meter here? Use the simulated one"));
+    key->click();
+    QVERIFY(program_state().simulated_meter);
+    QVERIFY(program().link().port_connected);
+    QVERIFY2(!key->isVisible(), "now there is a port");
+    QCOMPARE(find<QComboBox>("porta")->currentIndex() + 1, program().link().port_number);
+    QVERIFY(find<QLabel>("simulated_meter")->isVisible());
 }
 
 void ScreensTest::a_plan_of_the_start_page_opens_at_its_place() {

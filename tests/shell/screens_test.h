@@ -193,6 +193,12 @@ class ScreensTest : public QObject, protected ProgramInFolder {
 
     void a_simulated_meter_that_does_not_start_is_told();
 
+    void a_recording_is_opened_and_says_that_it_is_one();
+
+    void a_recording_that_cannot_be_used_is_told();
+
+    void the_port_screen_offers_the_simulated_meter_where_no_port_is();
+
     void a_plan_of_the_start_page_opens_at_its_place();
 
     void without_a_database_one_is_made_here_with_an_example();

@@ -37,7 +37,9 @@ struct ProgramState {
     QString meter_version;
     /// The meter is the simulated one that the program itself has started.
     bool simulated_meter = false;
-    /// It was at some time of this run, so that rows of the page may be made up.
+    /// Where that one answers from a recording, the name of its file.
+    QString replayed;
+    /// It was the simulated one at some time of this run, so that rows of the page may be made up.
     bool simulated_before = false;
     /// The level unit in force, a LevelUnit; shared by the plan and the real-time screen.
     int unit_index = kDbuv;

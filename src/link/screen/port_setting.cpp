@@ -15,6 +15,10 @@ namespace {
 constexpr std::chrono::seconds kLookInterval{1};
 
 constexpr Bilingual kInUse{"%1, in use", "%1, in uso"};
+constexpr Bilingual kSimulated{"No meter here? Use the simulated one",
+                               "Nessuno strumento qui? Usa quello simulato"};
+constexpr Bilingual kSimulatedTip{"Everything can be tried with it; what it measures is made up",
+                                  "Permette di provare tutto; ciò che misura è inventato"};
 constexpr Bilingual kNoDevice{"No device stands behind this number.",
                               "Nessun dispositivo corrisponde a questo numero."};
 
@@ -30,6 +34,8 @@ PortSetting::PortSetting(Identification& identification, PortList& ports, QWidge
         identification_.porta_Click(index);
         show_devices();
     });
+    when(ui_->port_simulated, &QPushButton::clicked, "port_simulated_Click",
+         [this] { simulated_Click(); });
     ui_->porta->setItemDelegate(new PortDelegate(ui_->porta));
     connect(ui_->porta, &QComboBox::currentIndexChanged, this, &PortSetting::show_chosen);
     connect(&look_timer_, &QTimer::timeout, this, [this] {
@@ -44,6 +50,8 @@ PortSetting::~PortSetting() = default;
 void PortSetting::Form_Load() {
     ui_->porta->clear();
     ui_->porta->addItems(port_entries());
+    ui_->port_simulated->setText(identification_.texts().pick(kSimulated));
+    ui_->port_simulated->setToolTip(identification_.texts().pick(kSimulatedTip));
     show_devices();
     // Nothing is chosen yet, or the port in use is.
     ui_->porta->setCurrentIndex(identification_.port_in_use() - 1);
@@ -52,11 +60,21 @@ void PortSetting::Form_Load() {
 
 void PortSetting::show_devices() {
     ports_.refresh();
-    for (int index = 0; index < ui_->porta->count(); ++index)
+    bool some = false;
+    for (int index = 0; index < ui_->porta->count(); ++index) {
         show_device(index, ports_.device(index + 1));
+        some = some || !ports_.description(index + 1).isEmpty();
+    }
+    ui_->port_simulated->setVisible(!some);
     // As wide as what stands in it: the numbers alone are narrow.
     ui_->porta->view()->setMinimumWidth(ui_->porta->view()->sizeHintForColumn(0));
     show_chosen();
+}
+
+void PortSetting::simulated_Click() {
+    Q_EMIT simulated_asked();
+    show_devices();
+    ui_->porta->setCurrentIndex(identification_.port_in_use() - 1);
 }
 
 void PortSetting::show_device(int index, const QString& device) {

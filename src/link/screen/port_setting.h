@@ -24,8 +24,13 @@ class PortSetting : public Screen {
     /// follows when a device is plugged in or out.
     void Form_Load() override;
 
+  Q_SIGNALS:
+    /// The key that is there while no port is: the meter that comes with the program is wanted.
+    void simulated_asked();
+
   private:
     void show_devices();
+    void simulated_Click();
     void show_device(int index, const QString& device);
     /// What stands behind the number that is chosen, beside it.
     void show_chosen();

@@ -45,6 +45,8 @@ constexpr Bilingual kLevelEntry{"Full-screen &level", "&Livello a tutto schermo"
 constexpr Bilingual kReportEntry{"&Report…", "&Rapporto…"};
 constexpr Bilingual kSimulatedMeter{"%1 (simulated, no real measurements)",
                                     "%1 (simulato, misure non reali)"};
+constexpr Bilingual kReplayedMeter{"%1 (recording %2, not measured now)",
+                                   "%1 (registrazione %2, misure non attuali)"};
 constexpr Bilingual kSimulatedBefore{"%1 (rows of a simulated meter may be among them)",
                                      "%1 (possono esserci righe di uno strumento simulato)"};
 constexpr Bilingual kReportNotSaved{"The report was not saved as '%1': %2",
@@ -145,8 +147,12 @@ void Realtime::handle(const char* name, const std::function<void()>& body) {
 
 QString Realtime::meter_of_report() const {
     if (!program_.simulated_before) return program_.meter_version;
-    const Bilingual& words = program_.simulated_meter ? kSimulatedMeter : kSimulatedBefore;
-    return Said{words, {program_.meter_version}}.in(program_.texts);
+    const bool replayed = !program_.replayed.isEmpty();
+    const Bilingual& now = replayed ? kReplayedMeter : kSimulatedMeter;
+    const Bilingual& words = program_.simulated_meter ? now : kSimulatedBefore;
+    QStringList values{program_.meter_version};
+    if (program_.simulated_meter && replayed) values += program_.replayed;
+    return Said{words, values}.in(program_.texts);
 }
 
 void Realtime::tell_run() {

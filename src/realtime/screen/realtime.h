@@ -50,6 +50,8 @@ class Realtime : public Screen {
 
     /// Opens `file` as the log, as the key "save" does with the chosen name.
     void open_log(const QString& file);
+    /// What a report says of the meter: its version, and that it is none where it is none.
+    QString meter_of_report() const;
 
     /// Writes the report of the page to `file`; a failure shows one message box.
     void write_report(const QString& file, const report::ReportEntry& entry);
@@ -90,7 +92,6 @@ class Realtime : public Screen {
     void tell_run();
     void createdoc();
     void cmdreport_Click();
-    QString meter_of_report() const;
     QList<report::ReportLimits> limits_in_force();
     void follow_page();
 
