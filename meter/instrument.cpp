@@ -6,7 +6,7 @@ namespace meter {
 Instrument::Instrument(const Options& options)
     : jitter_(options.seed),
       line_noise_(~options.seed),
-      receiver_(jitter_),
+      receiver_(jitter_, options.sky),
       state_(options.version_text),
       interpreter_(state_, receiver_),
       faults_(options.faults, options.fault_after, options.fault_on),

@@ -57,6 +57,12 @@ bool take_seed(Options& options, const std::string& value) {
     return good;
 }
 
+bool take_sky(Options& options, const std::string& value) {
+    const auto kind = sky_kind(value);
+    options.sky = kind.value_or(options.sky);
+    return kind.has_value();
+}
+
 bool take_fault(Options& options, const std::string& value) {
     const auto fault = parse_fault(value);
     if (fault) options.faults.push_back(*fault);
@@ -73,6 +79,7 @@ constexpr std::array kTable{
            kSimulated},
     Option{"--no-satellites", "", "start with all satellite slots empty",
            [](Options& o, const std::string&) { return o.no_satellites = true; }, kSimulated},
+    Option{"--sky", "KIND", "good, failing-lnb or off-peak (good)", take_sky, kSimulated},
     Option{"--seed", "N", "seed of the measuring jitter (1)", take_seed, kSimulated},
     Option{"--baud-factor", "X", "answer at X times 38400 baud; 0: at once (1)",
            [](Options& o, const std::string& v) { return take_decimal(o.baud_factor, v); },

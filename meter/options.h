@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "faults.h"
+#include "sky.h"
 
 namespace meter {
 
@@ -27,6 +28,7 @@ struct Options {
     double late_seconds = 3.0;
     std::string trace;
     std::string state;
+    SkyKind sky = SkyKind::good;
     std::string replay;
     double speed = 1.0;
     bool strict = false;

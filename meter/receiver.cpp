@@ -63,10 +63,10 @@ double qpsk_ber(double cn_db) {
 
 }  // namespace
 
-Receiver::Receiver(Jitter& jitter) : jitter_(jitter) {}
+Receiver::Receiver(Jitter& jitter, SkyKind kind) : jitter_(jitter), sky_(kind) {}
 
-double Receiver::span_level(const Settings& settings, double if_mhz) {
-    const Spectrum& spectrum = received_spectrum(settings);
+double Receiver::span_level(const Settings& settings, double if_mhz) const {
+    const Spectrum& spectrum = sky_.received(settings);
     return band_power(spectrum, if_mhz - kFilterMhz / 2, if_mhz + kFilterMhz / 2);
 }
 
@@ -76,24 +76,24 @@ double Receiver::level(const Settings& settings) {
 
 double Receiver::channel_power(const Settings& settings, double if_mhz) {
     const double half = settings.channel_bandwidth / 2.0;
-    const Spectrum& spectrum = received_spectrum(settings);
+    const Spectrum& spectrum = sky_.received(settings);
     return band_power(spectrum, if_mhz - half, if_mhz + half) + jitter_.around_zero(kLevelJitterDb);
 }
 
 double Receiver::analog_cn(const Settings& settings) {
-    const Spectrum& spectrum = received_spectrum(settings);
+    const Spectrum& spectrum = sky_.received(settings);
     return channel_cn(spectrum, settings.if_mhz, kAnalogChannelMhz) +
            jitter_.around_zero(kRatioJitterDb);
 }
 
 double Receiver::digital_cn(const Settings& settings) {
-    const Spectrum& spectrum = received_spectrum(settings);
+    const Spectrum& spectrum = sky_.received(settings);
     return channel_cn(spectrum, settings.if_mhz, demodulator_width(settings)) +
            jitter_.around_zero(kRatioJitterDb);
 }
 
 QpskQuality Receiver::qpsk(const Settings& settings) {
-    const Spectrum& spectrum = received_spectrum(settings);
+    const Spectrum& spectrum = sky_.received(settings);
     const Carrier* carrier = locked_carrier(spectrum, settings);
     const double channel = digital_cn(settings);
     const double drift_noise = jitter_.around_zero(0.02);

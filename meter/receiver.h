@@ -25,7 +25,7 @@ struct Reading {
 /// Measures what the sky delivers at the tuning given. Levels are dBuV, ratios dB.
 class Receiver {
   public:
-    explicit Receiver(Jitter& jitter);
+    explicit Receiver(Jitter& jitter, SkyKind kind = SkyKind::good);
 
     /// Carrier level in the measuring filter.
     double level(const Settings& settings);
@@ -43,10 +43,11 @@ class Receiver {
     QpskQuality qpsk(const Settings& settings);
 
     /// Level at any IF without jitter, for the span display.
-    static double span_level(const Settings& settings, double if_mhz);
+    double span_level(const Settings& settings, double if_mhz) const;
 
   private:
     Jitter& jitter_;
+    Sky sky_;
 };
 
 /// The level in the unit chosen, limited to 20..120 dBuV and to what the attenuator allows

@@ -17,6 +17,22 @@ double normal_cdf(double x) {
     return 0.5 * std::erfc(-x / std::sqrt(2.0));
 }
 
+/// What an installation does to a band.
+struct Change {
+    double level_db = 0.0;
+    double cn_db = 0.0;
+    double drift_mhz = 0.0;
+    double floor_db = 0.0;
+};
+
+Change change_of(SkyKind kind, bool high_band) {
+    // Less of the satellite, and as much noise as before.
+    if (kind == SkyKind::off_peak) return {-5.5, -5.5, 0.0, 0.0};
+    // The stage that fails amplifies its noise less as well.
+    if (kind == SkyKind::failing_lnb && high_band) return {-13.0, -4.5, 2.1, -6.0};
+    return {};
+}
+
 }  // namespace
 
 double Spectrum::noise_density(double if_mhz) const {
@@ -57,11 +73,36 @@ const Carrier* strongest(const Spectrum& spectrum, double low_mhz, double high_m
     return best;
 }
 
-const Spectrum& received_spectrum(const Settings& settings) {
+std::optional<SkyKind> sky_kind(std::string_view name) {
+    if (name == "good") return SkyKind::good;
+    if (name == "failing-lnb") return SkyKind::failing_lnb;
+    if (name == "off-peak") return SkyKind::off_peak;
+    return std::nullopt;
+}
+
+Sky::Sky(SkyKind kind) {
+    for (std::size_t band = 0; band < kBands; ++band) {
+        const bool tone = band % 2 == 1;
+        const Change change = change_of(kind, tone);
+        Spectrum spectrum = satellite_spectrum(band >= 2, tone);
+        for (Carrier carrier : spectrum.carriers) {
+            carrier.level_dbuv += change.level_db;
+            carrier.link_cn_db += change.cn_db;
+            carrier.drift_mhz += change.drift_mhz;
+            carriers_[band].push_back(carrier);
+        }
+        spectrum.carriers = carriers_[band];
+        spectrum.floor_dbuv_per_mhz += change.floor_db;
+        spectra_[band] = spectrum;
+    }
+}
+
+const Spectrum& Sky::received(const Settings& settings) const {
     if (settings.oscillator.number == 0 && settings.if_mhz < kTerrestrialEndMhz)
         return terrestrial_spectrum();
     const bool high_voltage = settings.lnb_on && settings.lnb_volt >= kLowestHighVolt;
-    return satellite_spectrum(high_voltage, settings.lnb_on && settings.tone_on);
+    const bool tone = settings.lnb_on && settings.tone_on;
+    return spectra_[(high_voltage ? 2U : 0U) + (tone ? 1U : 0U)];
 }
 
 }  // namespace meter

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <array>
+#include <optional>
 #include <span>
+#include <string_view>
+#include <vector>
 
 #include "settings.h"
 
@@ -45,8 +49,32 @@ const Spectrum& satellite_spectrum(bool high_voltage, bool tone);
 /// The terrestrial input: no aerial is connected, noise only.
 const Spectrum& terrestrial_spectrum();
 
-/// What the settings let the meter receive. With the LNB supply off the installation is fed by
-/// another receiver, which asks for 13 V without tone.
-const Spectrum& received_spectrum(const Settings& settings);
+/// What becomes of the sky on its way to the meter.
+enum class SkyKind {
+    good,         ///< a sound installation
+    failing_lnb,  ///< its high band is weak, and its oscillator there has drifted
+    off_peak      ///< the dish points beside the satellite
+};
+
+/// The kind of this name, as --sky takes it; nothing for any other text.
+std::optional<SkyKind> sky_kind(std::string_view name);
+
+/// The four spectra of an installation as they arrive at the meter.
+class Sky {
+  public:
+    explicit Sky(SkyKind kind);
+    Sky(const Sky&) = delete;
+    Sky& operator=(const Sky&) = delete;
+
+    /// What the settings let the meter receive. With the LNB supply off the installation is fed by
+    /// another receiver, which asks for 13 V without tone.
+    const Spectrum& received(const Settings& settings) const;
+
+  private:
+    static constexpr std::size_t kBands = 4;
+
+    std::array<std::vector<Carrier>, kBands> carriers_;
+    std::array<Spectrum, kBands> spectra_{};
+};
 
 }  // namespace meter

@@ -199,12 +199,14 @@ void TestLine::refused_options_data() {
     QTest::newRow("fault") << QStringList{"--fault", "fire"};
     QTest::newRow("count") << QStringList{"--logger-bytes", "-1"};
     QTest::newRow("factor") << QStringList{"--baud-factor", "x"};
+    QTest::newRow("sky") << QStringList{"--sky", "blue"};
     QTest::newRow("speed") << QStringList{"--replay", "f", "--speed", "-1"};
     QTest::newRow("speed of nothing") << QStringList{"--speed", "2"};
     QTest::newRow("strict with nothing") << QStringList{"--strict"};
     for (const char* simulated :
-         {"--version-text=x", "--logger-bytes=9", "--no-satellites", "--seed=1", "--baud-factor=1",
-          "--delay=1", "--fault=error", "--fault-after=1", "--fault-on=x", "--late=1", "--state=s"})
+         {"--version-text=x", "--logger-bytes=9", "--no-satellites", "--seed=1", "--sky=good",
+          "--baud-factor=1", "--delay=1", "--fault=error", "--fault-after=1", "--fault-on=x",
+          "--late=1", "--state=s"})
         QTest::addRow("replay with %s", simulated) << QStringList{simulated, "--replay=f"};
 }
 
@@ -220,10 +222,11 @@ void TestLine::refused_options() {
 void TestLine::help_names_every_option() {
     const QString help = QString::fromStdString(meter::help_text());
     for (const char* word :
-         {"--link PATH", "--version-text TEXT", "--logger-bytes N", "--seed N", "--baud-factor X",
-          "--delay MS", "--fault KIND[:N]", "--fault-after M", "--fault-on TEXT", "--late SECONDS",
-          "--trace FILE", "--state FILE", "--replay FILE", "--speed X", "--strict", "--help",
-          "--version", "--no-satellites", "wrongecho"})
+         {"--link PATH",     "--version-text TEXT", "--logger-bytes N", "--seed N",
+          "--sky KIND",      "--baud-factor X",     "--delay MS",       "--fault KIND[:N]",
+          "--fault-after M", "--fault-on TEXT",     "--late SECONDS",   "--trace FILE",
+          "--state FILE",    "--replay FILE",       "--speed X",        "--strict",
+          "--help",          "--version",           "--no-satellites",  "wrongecho"})
         QVERIFY2(help.contains(word), word);
 }
 

@@ -34,6 +34,7 @@ class TestMeasures : public QObject {
     void ratio_marks();
     void same_seed_same_answers();
     void jitter_is_small();
+    void skies_of_installations_with_a_fault();
     void spectra_are_plausible();
 };
 
@@ -231,6 +232,35 @@ void TestMeasures::jitter_is_small() {
     }
     QVERIFY(highest - lowest >= 0.2);
     QVERIFY(highest - lowest <= 0.5);
+}
+
+/// What is wrong shows where it is wrong, and nowhere else.
+void TestMeasures::skies_of_installations_with_a_fault() {
+    const auto asked = [](const char* sky, bool high_band) {
+        meter::Options options;
+        options.sky = meter::sky_kind(sky).value();
+        meter::Instrument instrument(options);
+        for (const char* command : {"LNB 01", "LNVOLT 13", high_band ? "TONE22K 01" : "TONE22K 00",
+                                    high_band ? "FREQ 1560" : "FREQ 1000", "SYMBRATEQPSK 27500"})
+            instrument.handle(command);
+        const double level = number(value(instrument, "LEVDCP?"));
+        instrument.handle("BERQPSK");
+        const std::string quality = value(instrument, "BERQPSK?");
+        const auto after = [&](const char* name) {
+            return number(quality.substr(quality.find(name) + 7));
+        };
+        return std::array{level, after("MER   :"), after("CFO   :")};
+    };
+    for (const bool high_band : {false, true}) {
+        const auto good = asked("good", high_band);
+        const auto aside = asked("off-peak", high_band);
+        QVERIFY(good[0] - aside[0] > 4.5 && good[1] - aside[1] > 3.5);
+        QVERIFY(std::abs(good[2] - aside[2]) < 0.2);
+        const auto failing = asked("failing-lnb", high_band);
+        QCOMPARE(good[0] - failing[0] > 10, high_band);
+        QCOMPARE(good[1] - failing[1] > 3, high_band);
+        QCOMPARE(failing[2] - good[2] > 1.5, high_band);
+    }
 }
 
 void TestMeasures::spectra_are_plausible() {
