@@ -14,6 +14,10 @@ namespace {
 
 using std::chrono::microseconds;
 
+constexpr microseconds kNone{0};
+/// A program looks at the line with each character.
+constexpr microseconds kUnnoticed{2000};
+
 // In a number of the index: a terabyte of file, and above it the command's mark.
 constexpr unsigned kOffsetBits = 40;
 constexpr std::uint64_t kOffsets = (std::uint64_t{1} << kOffsetBits) - 1;
@@ -67,6 +71,7 @@ class Gathering {
     void sent(const SoundLine& line) {
         const microseconds first = since(line.event.first);
         const microseconds last = std::max(first, since(line.event.last));
+        active_ = std::max(active_, last);
         if (line.bytes.empty() || last > Recording::longest_wait) return;
         if (exchange_.answer.size() + line.bytes.size() > Recording::longest_answer) return;
         exchange_.answer += line.bytes;
@@ -75,11 +80,20 @@ class Gathering {
 
     void port(const TraceEvent& event) {
         if (event.text.starts_with("open ")) return heard_again(event.first);
-        if (event.text == "close") closed_ = since(event.first);
+        const microseconds now = since(event.first);
+        const microseconds margin = std::min(kUnnoticed, std::max(now - active_, kNone) / 2);
         const bool away = event.text.starts_with("open-failed");
-        if (exchange_.pace.lost || !(away || event.text.starts_with("lost"))) return;
-        // What cannot be opened has gone since it was closed.
-        exchange_.pace.lost = away ? closed_ : since(event.first);
+        // What cannot be opened has gone since it was closed; all else a little before somebody
+        // noticed, and behind what still went over the line.
+        if (!exchange_.pace.lost && (away || event.text.starts_with("lost")))
+            exchange_.pace.lost = away ? active_ + margin : now - margin;
+        active_ = std::max(active_, now);
+    }
+
+    /// Of the next command something went out.
+    void command_begun(const TraceEvent& event) {
+        heard_again(event.first);
+        active_ = std::max(active_, since(event.last));
     }
 
     /// A line that was lost has come back at the latest when something goes over it.
@@ -93,7 +107,7 @@ class Gathering {
 
     Exchange& exchange_;
     microseconds end_;
-    microseconds closed_{0};
+    microseconds active_{0};  ///< when something went over the line last
 };
 
 /// The exchange that begins where `source` stands; nothing when the file is another one by now.
@@ -117,7 +131,7 @@ std::optional<Exchange> read_exchange(LineSource& source) {
         if (sound.event.kind == TraceEvent::Kind::sent) gathering.sent(sound);
         if (sound.event.kind == TraceEvent::Kind::port) gathering.port(sound.event);
         if (sound.event.kind != TraceEvent::Kind::received) continue;
-        gathering.heard_again(sound.event.first);
+        gathering.command_begun(sound.event);
         if (add_to(next_command, sound.bytes)) break;
     }
     return exchange;

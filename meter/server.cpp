@@ -20,6 +20,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr auto kIdleTick = 100ms;
 constexpr auto kTimeToRead = 300ms;
+constexpr auto kLookForReader = 1ms;
 constexpr auto kUnreadLimit = 2s;
 constexpr auto kTrickleInterval = 250ms;
 constexpr auto kLookForCommand = 20ms;
@@ -177,7 +178,9 @@ void Server::send_recorded(const Delivery& delivery, TimePoint asked) {
         sent = piece.end;
     }
     const RecordedPace& pace = *delivery.recorded;
-    if (!pace.lost || !wait_until(std::max(asked + *pace.lost, Clock::now() + kTimeToRead))) return;
+    if (!pace.lost || !wait_until(asked + *pace.lost)) return;
+    const TimePoint give_up = Clock::now() + kTimeToRead;
+    while (line_.unread() && Clock::now() < give_up) wait_until(Clock::now() + kLookForReader);
     close_line();
     if (pace.back && wait_until(asked + *pace.back)) open_line();
 }

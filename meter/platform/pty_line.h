@@ -33,6 +33,9 @@ class PtyLine {
     /// Writes what the line takes at once and says how many bytes that were.
     std::size_t write_some(std::string_view bytes);
 
+    /// True while something has been sent and not been read.
+    bool unread() const;
+
     /// Forgets what has been sent and not been read.
     void discard_unread();
 

@@ -22,6 +22,7 @@
 #include "meter_in_process.h"
 #include "program_in_folder.h"
 #include "realtime.h"
+#include "unattended.h"
 #include "virtual_clock.h"
 
 namespace m47::shell {
@@ -263,6 +264,42 @@ class ReplayTest : public QObject, protected ProgramInFolder {
         const int commands = there_and_back(deeds()[number], {}, 0);
         QVERIFY(commands > 0 || QTest::currentTestFailed());
         commands_[number] = commands;
+    }
+
+    /// The rows of the examples are those that their pages in the manual explain.
+    void the_examples_are_as_their_pages_say_data() {
+        QTest::addColumn<QString>("name");
+        for (const char* name : {"good-sky", "failing-lnb", "off-peak"})
+            QTest::newRow(name) << QString::fromLatin1(name);
+    }
+    void the_examples_are_as_their_pages_say() {
+        QFETCH(const QString, name);
+        const QString docs = QStringLiteral(PROJECT_FOLDER "/docs/");
+        const Recorded example{content_of(docs + "examples/" + name + ".trace")};
+        begin(&example);
+        Options options;
+        options.measure = options.full_tune = true;
+        options.on_port = 1;
+        options.plan = plans::kExamplePlan;
+        for (const char* alarm : {"level", "ber", "mer"})
+            options.alarms += {QLatin1String(alarm), {}, {}};
+        options.log = in_folder("rows.log");
+        run_unattended(program_state(), program().database(), program().connection(), options);
+        QStringList rows;
+        for (const QByteArray& line : content_of(options.log).split('\n')) {
+            const QStringList cells = QString::fromLatin1(line.trimmed()).split(u'\t');
+            if (cells.size() < 11) continue;
+            QStringList row{cells[2], cells[4], cells[5], cells[7], cells[8], cells[10]};
+            rows += "| " + row.replaceInStrings(QRegularExpression("^$"), "-").join(" | ") + " |";
+        }
+        QCOMPARE(meter_->never_recorded(), QByteArray());
+        QCOMPARE(rows.size(), 7);
+        for (const char* language : {"en", "it"}) {
+            const QString page = QString::fromUtf8(
+                content_of(docs + "manual/" + language + "/example-" + name + ".md"));
+            for (const QString& row : std::as_const(rows))
+                QVERIFY2(page.contains(row), qPrintable(row));
+        }
     }
 
     void each_fault_data() {

@@ -106,6 +106,11 @@ std::size_t PtyLine::write_some(std::string_view bytes) {
     return count > 0 ? static_cast<std::size_t>(count) : 0;
 }
 
+bool PtyLine::unread() const {
+    int count = 0;
+    return slave_ >= 0 && ioctl(slave_, FIONREAD, &count) == 0 && count > 0;
+}
+
 void PtyLine::discard_unread() {
     if (slave_ >= 0) tcflush(slave_, TCIFLUSH);
 }
