@@ -248,6 +248,8 @@ void ScreensTest::a_recording_is_opened_and_says_that_it_is_one() {
     QCOMPARE(mark->text(), QString("Registrazione roof.trace"));
     QCOMPARE(open_realtime()->meter_of_report(),
              QString("V3.1.0 PLUS (registrazione roof.trace, misure non attuali)"));
+    QCOMPARE(simulated_mark(program_state()),
+             QString("Dalla registrazione roof.trace: misure non attuali"));
     // What was measured then and what is made up are not one meter.
     find<QPushButton>("start_simulated")->click();
     QCOMPARE(mark->text(), QString("Simulated meter"));

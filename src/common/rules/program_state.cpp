@@ -7,6 +7,8 @@ namespace {
 
 constexpr Bilingual kSimulated{"Measured by a simulated meter: no real measurements",
                                "Misurato da uno strumento simulato: misure non reali"};
+constexpr Bilingual kReplayed{"From the recording %1: not measured now",
+                              "Dalla registrazione %1: misure non attuali"};
 constexpr Bilingual kPerhapsSimulated{"What a simulated meter has measured may be among this",
                                       "Può contenere misure di uno strumento simulato"};
 
@@ -14,6 +16,8 @@ constexpr Bilingual kPerhapsSimulated{"What a simulated meter has measured may b
 
 QString simulated_mark(const ProgramState& program) {
     if (!program.simulated_before) return {};
+    if (program.simulated_meter && !program.replayed.isEmpty())
+        return Said{kReplayed, {program.replayed}}.in(program.texts);
     return program.texts.pick(program.simulated_meter ? kSimulated : kPerhapsSimulated);
 }
 
