@@ -6,7 +6,6 @@ namespace meter {
 namespace {
 
 constexpr int kLowestHighVolt = 16;
-constexpr double kInvertingMhz = 7000.0;
 constexpr double kLowestIf = 900.0;
 constexpr double kHighestIf = 2200.0;
 constexpr double kCrossPolarDb = -22.0;
@@ -34,7 +33,7 @@ LnbState lnb_state(const Settings& settings) {
 
 std::optional<double> converted(const Lnb& lnb, bool tone, double mhz) {
     const double oscillator = tone ? lnb.tone_oscillator_mhz : lnb.oscillator_mhz;
-    const double result = oscillator < kInvertingMhz ? oscillator - mhz : mhz - oscillator;
+    const double result = lnb.for_c_band() ? oscillator - mhz : mhz - oscillator;
     if (result < kLowestIf || result > kHighestIf) return std::nullopt;
     return result;
 }

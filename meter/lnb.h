@@ -13,6 +13,9 @@ struct Lnb {
     double oscillator_mhz = 9750.0;
     double tone_oscillator_mhz = 10600.0;  ///< while the 22 kHz tone is on
     bool circular = false;                 ///< 13 V right and 18 V left, else vertical, horizontal
+
+    /// Its oscillator is above the band, which comes out the wrong way round.
+    bool for_c_band() const { return oscillator_mhz < 7000.0; }
 };
 
 /// The converter of a name: universal, single (10750 MHz), circular (10750 MHz) or c-band.

@@ -20,7 +20,9 @@ constexpr double kConverterStartMhz = 900.0;
 constexpr double kFaintDb = -40.0;
 // So far the satellites around are kept while the dish turns.
 constexpr double kKeptDegrees = 3.0;
-constexpr double kLowestMhz = 3000.0;
+// The lowest frequencies that a converter for C band and any other one takes.
+constexpr double kLowestBelowMhz = 3000.0;
+constexpr double kLowestMhz = 10000.0;
 constexpr double kOffCentreLossDb = 1.0;
 
 /// So many degrees off the axis nothing is left that counts.
@@ -41,17 +43,15 @@ double orbit_noise_density(double if_mhz) {
 }
 
 OrbitReception::OrbitReception(const Orbit& orbit, const Lnb& lnb) : orbit_(orbit), lnb_(lnb) {
-    const double all = reach(orbit.options().dish_cm, kLowestMhz) + kKeptDegrees;
-    in_reach_ = orbit.around(east_, all);
-    point(east_);
+    const double lowest = lnb.for_c_band() ? kLowestBelowMhz : kLowestMhz;
+    reach_ = reach(orbit.options().dish_cm, lowest) + kKeptDegrees;
 }
 
 void OrbitReception::point(double east) {
     east_ = east;
-    if (std::abs(arc_between(reach_centre_, east)) > kKeptDegrees) {
-        const double all = reach(orbit_.options().dish_cm, kLowestMhz) + kKeptDegrees;
-        in_reach_ = orbit_.around(east, all);
-        reach_centre_ = east;
+    if (!kept_around_ || std::abs(arc_between(*kept_around_, east)) > kKeptDegrees) {
+        in_reach_ = orbit_.around(east, reach_);
+        kept_around_ = east;
     }
     for (auto& of_voltage : rays_)
         for (Rays& rays : of_voltage) rays.clear();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <vector>
 
 #include "lnb.h"
@@ -14,7 +15,7 @@ namespace meter {
 /// time is cheap enough for each measurement; nothing is read from the tables between two turns.
 class OrbitReception : public Reception {
   public:
-    /// The orbit has to outlive it. The dish looks at 0 until it is pointed.
+    /// The orbit has to outlive it. Nothing is received before the dish is pointed.
     explicit OrbitReception(const Orbit& orbit, const Lnb& lnb = {});
 
     /// Points the dish, degrees east.
@@ -54,7 +55,8 @@ class OrbitReception : public Reception {
     double east_ = 0.0;
     double fade_ = 1.0;  ///< of the carriers' power, a ratio
     std::vector<OnAir> in_reach_;
-    double reach_centre_ = 0.0;
+    std::optional<double> kept_around_;
+    double reach_ = 0.0;
     std::array<std::array<Rays, 2>, 2> rays_;
 };
 

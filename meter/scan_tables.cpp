@@ -46,15 +46,11 @@ void finish(Block& block, std::vector<ListedTransponder>& into) {
     block = {};
 }
 
-bool take_line(std::string_view line, Block& block, std::vector<ListedTransponder>& into) {
-    if (line.starts_with('[')) {
-        finish(block, into);
-        return true;
-    }
+void take_line(std::string_view line, Block& block, std::vector<ListedTransponder>& into) {
+    if (line.starts_with('[')) return finish(block, into);
     const auto equals = line.find('=');
-    if (equals == std::string_view::npos) return false;
+    if (equals == std::string_view::npos) return;
     take_entry(block, trimmed(line.substr(0, equals)), trimmed(line.substr(equals + 1)));
-    return true;
 }
 
 std::string content_of(const std::filesystem::path& path) {
@@ -84,7 +80,9 @@ std::vector<ListedTransponder> transponders_of(std::string_view table) {
     Block block;
     while (!table.empty()) {
         const auto end = table.find('\n');
-        take_line(trimmed(table.substr(0, end)), block, result);
+        std::string_view line = table.substr(0, end);
+        if (line.ends_with('\r')) line.remove_suffix(1);
+        take_line(trimmed(line), block, result);
         table.remove_prefix(end == std::string_view::npos ? table.size() : end + 1);
     }
     finish(block, result);
