@@ -57,10 +57,40 @@ bool take_seed(Options& options, const std::string& value) {
     return good;
 }
 
+bool take_share(double& target, const std::string& value) {
+    const auto percent = whole_number(value, 0, 100);
+    target = percent.value_or(0);
+    return percent.has_value();
+}
+
 bool take_sky(Options& options, const std::string& value) {
+    options.sky.orbit = value == "orbit";
     const auto kind = sky_kind(value);
-    options.sky = kind.value_or(options.sky);
-    return kind.has_value();
+    options.sky.kind = kind.value_or(SkyKind::good);
+    return options.sky.orbit || kind.has_value();
+}
+
+bool take_lnb(Options& options, const std::string& value) {
+    const auto lnb = lnb_of_name(value);
+    if (lnb) options.sky.lnb = *lnb;
+    return lnb.has_value();
+}
+
+bool take_dish(Options& options, const std::string& value) {
+    const auto centimetres = whole_number(value, 30, 1000);
+    if (centimetres) options.sky.chance.dish_cm = *centimetres;
+    return centimetres.has_value();
+}
+
+bool take_backlash(Options& options, const std::string& value) {
+    const auto steps = whole_number(value, 0, kMostBacklash);
+    options.sky.backlash = steps.value_or(0);
+    return steps.has_value();
+}
+
+bool take_cn(Options& options, const std::string& value) {
+    options.sky.chance.cn_db = decimal_number(value);
+    return options.sky.chance.cn_db.has_value();
 }
 
 bool take_fault(Options& options, const std::string& value) {
@@ -79,8 +109,8 @@ constexpr std::array kTable{
            kSimulated},
     Option{"--no-satellites", "", "start with all satellite slots empty",
            [](Options& o, const std::string&) { return o.no_satellites = true; }, kSimulated},
-    Option{"--sky", "KIND", "good, failing-lnb or off-peak (good)", take_sky, kSimulated},
-    Option{"--seed", "N", "seed of the measuring jitter (1)", take_seed, kSimulated},
+    Option{"--seed", "N", "seed of the measuring jitter and of the orbit (1)", take_seed,
+           kSimulated},
     Option{"--baud-factor", "X", "answer at X times 38400 baud; 0: at once (1)",
            [](Options& o, const std::string& v) { return take_decimal(o.baud_factor, v); },
            kSimulated},
@@ -97,6 +127,35 @@ constexpr std::array kTable{
     Option{"--late", "SECONDS", "delay of the fault late (3)",
            [](Options& o, const std::string& v) { return take_decimal(o.late_seconds, v); },
            kSimulated},
+    Option{"--sky", "NAME", "good, failing-lnb, off-peak, or orbit: satellites above a dish (good)",
+           take_sky, kSimulated},
+    Option{"--sky-tables", "DIR", "DVB scan tables of the orbit (/usr/share/dvb/dvb-s)",
+           [](Options& o, const std::string& v) { return take_text(o.sky.tables, v); }, kSimulated},
+    Option{"--dish", "CM", "diameter of the dish, 30 to 1000 (80)", take_dish, kSimulated},
+    Option{"--point", "POSITION", "where the dish looks at the start (13.0E)",
+           [](Options& o, const std::string& v) { return parse_position(v, o.sky.point_east); },
+           kSimulated},
+    Option{"--backlash", "N", "steps of play in the motor, 0 to 3 (0)", take_backlash, kSimulated},
+    Option{"--lnb", "NAME", "universal, single, circular or c-band (universal)", take_lnb,
+           kSimulated},
+    Option{"--cn", "DB", "C/N of every satellite on the axis (by its power)", take_cn, kSimulated},
+    Option{"--off-air", "PERCENT", "listed transponders that are silent (20)",
+           [](Options& o, const std::string& v) {
+               return take_share(o.sky.chance.off_air_percent, v);
+           },
+           kSimulated},
+    Option{"--unlisted", "PERCENT", "transponders that no table lists (10)",
+           [](Options& o, const std::string& v) {
+               return take_share(o.sky.chance.unlisted_percent, v);
+           },
+           kSimulated},
+    Option{"--drift", "MHZ", "the most that the LNB has drifted (3)",
+           [](Options& o, const std::string& v) { return take_decimal(o.sky.chance.drift_mhz, v); },
+           kSimulated},
+    Option{
+        "--weather", "DB", "the deepest fade of the satellites (1)",
+        [](Options& o, const std::string& v) { return take_decimal(o.sky.chance.weather_db, v); },
+        kSimulated},
     Option{"--trace", "FILE", "write every exchange to FILE",
            [](Options& o, const std::string& v) { return take_text(o.trace, v); }},
     Option{"--state", "FILE", "write the kept state to FILE on SIGUSR1 and at the end",

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "faults.h"
-#include "sky.h"
+#include "sky_options.h"
 
 namespace meter {
 
@@ -26,9 +26,9 @@ struct Options {
     int fault_after = 0;
     std::string fault_on;
     double late_seconds = 3.0;
+    SkyOptions sky;
     std::string trace;
     std::string state;
-    SkyKind sky = SkyKind::good;
     std::string replay;
     double speed = 1.0;
     bool strict = false;

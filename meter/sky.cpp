@@ -5,13 +5,11 @@
 #include <cmath>
 
 #include "decibel.h"
+#include "lnb.h"
 
 namespace meter {
 
 namespace {
-
-constexpr double kTerrestrialEndMhz = 900.0;
-constexpr int kLowestHighVolt = 16;
 
 double normal_cdf(double x) {
     return 0.5 * std::erfc(-x / std::sqrt(2.0));
@@ -98,11 +96,9 @@ Sky::Sky(SkyKind kind) {
 }
 
 const Spectrum& Sky::received(const Settings& settings) const {
-    if (settings.oscillator.number == 0 && settings.if_mhz < kTerrestrialEndMhz)
-        return terrestrial_spectrum();
-    const bool high_voltage = settings.lnb_on && settings.lnb_volt >= kLowestHighVolt;
-    const bool tone = settings.lnb_on && settings.tone_on;
-    return spectra_[(high_voltage ? 2U : 0U) + (tone ? 1U : 0U)];
+    if (is_terrestrial(settings)) return terrestrial_spectrum();
+    const LnbState state = lnb_state(settings);
+    return spectra_[(state.high_voltage ? 2U : 0U) + (state.tone ? 1U : 0U)];
 }
 
 }  // namespace meter

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "asking.h"
+#include "sky.h"
 
 namespace {
 
@@ -238,7 +239,7 @@ void TestMeasures::jitter_is_small() {
 void TestMeasures::skies_of_installations_with_a_fault() {
     const auto asked = [](const char* sky, bool high_band) {
         meter::Options options;
-        options.sky = meter::sky_kind(sky).value();
+        options.sky.kind = meter::sky_kind(sky).value();
         meter::Instrument instrument(options);
         for (const char* command : {"LNB 01", "LNVOLT 13", high_band ? "TONE22K 01" : "TONE22K 00",
                                     high_band ? "FREQ 1560" : "FREQ 1000", "SYMBRATEQPSK 27500"})
