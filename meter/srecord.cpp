@@ -1,18 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "srecord.h"
 
+#include "text.h"
+
 namespace meter {
 
 namespace {
 
 constexpr char kHexDigits[] = "0123456789ABCDEF";
-
-std::optional<unsigned> hex_digit(char c) {
-    if (c >= '0' && c <= '9') return static_cast<unsigned>(c - '0');
-    if (c >= 'A' && c <= 'F') return static_cast<unsigned>(c - 'A' + 10);
-    if (c >= 'a' && c <= 'f') return static_cast<unsigned>(c - 'a' + 10);
-    return std::nullopt;
-}
 
 std::optional<std::vector<std::uint8_t>> hex_bytes(std::string_view text) {
     if (text.size() % 2 != 0) return std::nullopt;

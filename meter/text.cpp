@@ -13,26 +13,27 @@ bool is_digit(char c) {
     return c >= '0' && c <= '9';
 }
 
-/// Value of an upper-case hexadecimal digit; -1 for any other character.
-int hex_digit(char c) {
-    if (is_digit(c)) return c - '0';
-    return c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
-}
-
 /// The byte of a name in "<>", as escaped() writes it; nothing for any other text.
 std::optional<char> named_byte(std::string_view name) {
     if (name == "CR") return '\r';
     if (name == "LF") return '\n';
     if (name == "TAB") return '\t';
     if (name == "LT") return '<';
-    if (name.size() != 2) return std::nullopt;
-    const int high = hex_digit(name[0]);
-    const int low = hex_digit(name[1]);
-    if (high < 0 || low < 0) return std::nullopt;
-    return static_cast<char>(static_cast<unsigned char>(high * 16 + low));
+    if (name.size() != 2 || upper(name) != name) return std::nullopt;
+    const auto high = hex_digit(name[0]);
+    const auto low = hex_digit(name[1]);
+    if (!high || !low) return std::nullopt;
+    return static_cast<char>(static_cast<unsigned char>(*high * 16 + *low));
 }
 
 }  // namespace
+
+std::optional<unsigned> hex_digit(char c) {
+    if (is_digit(c)) return static_cast<unsigned>(c - '0');
+    if (c >= 'A' && c <= 'F') return static_cast<unsigned>(c - 'A' + 10);
+    if (c >= 'a' && c <= 'f') return static_cast<unsigned>(c - 'a' + 10);
+    return std::nullopt;
+}
 
 std::string trimmed(std::string_view text) {
     const auto first = text.find_first_not_of(" \t");

@@ -14,6 +14,9 @@ std::string trimmed(std::string_view text);
 /// The blank-separated words of the text.
 std::vector<std::string> words(std::string_view text);
 
+/// Value of a hexadecimal digit, small or capital; nothing for any other character.
+std::optional<unsigned> hex_digit(char c);
+
 /// The text in upper case (ASCII letters only).
 std::string upper(std::string_view text);
 
