@@ -192,6 +192,7 @@ void PlanSets::open_row_for(const ImportRow& row) {
 }
 
 void PlanSets::apply_import(const ImportPreview& import) {
+    const std::optional<db::Bookmark> current = current_row();
     all_or_nothing([&] {
         need_plan();
         need_room_for(import);
@@ -207,7 +208,7 @@ void PlanSets::apply_import(const ImportPreview& import) {
         if (import.oscillators != oscillators()) write_oscillators(import.oscillators);
         keep_names(import);
     });
-    crea_records(plan_);
+    come_back_to(current);
 }
 
 void PlanSets::keep_names(const ImportPreview& import) {
