@@ -117,7 +117,7 @@ void write_program(db::Recordset& set, const ProgramRecord& record) {
         set.set(QString::fromLatin1(field.name), value);
     }
     set.set(db::field::kFrequenza, number_or_unset(record.frequenza));
-    set.set(db::field::kSatchbw, number_or_unset(record.satchbw));
+    set.set(db::field::kSatchbw, link::typed_value(record.satchbw));
 }
 
 bool is_blank(const ProgramRecord& record) {

@@ -170,7 +170,9 @@ void ScreensTest::a_link_lost_over_a_refusal_says_so() {
                                        "times; ") &&
                  state->toolTip().contains("--full-tune"),
              qPrintable(state->toolTip()));
-    QVERIFY(find<QLabel>("notice")->text().contains("the meter refused FREQ 10758 three times"));
+    QVERIFY(find<QLabel>("corrected_notice")
+                ->text()
+                .contains("the meter refused FREQ 10758 three times"));
     find<QAction>("cmditaliano")->trigger();
     QVERIFY(state->toolTip().contains("ha rifiutato FREQ 10758 tre volte"));
 }

@@ -160,6 +160,8 @@ void PlanSets::write_open(const programme::ProgramRecord& record, bool over) {
     if (over) recorder_.will_change(db::table::kProgrammi, *programs_);
     programs_->set(db::field::kNome, plan_);
     programme::write_program(*programs_, record);
+    // The screen stores a number always; what came without one is no bandwidth of 0.
+    if (record.satchbw.isEmpty()) programs_->set(db::field::kSatchbw, QVariant());
     programs_->update();
     if (!over) recorder_.was_added(db::table::kProgrammi, programs_->last_added());
 }

@@ -91,8 +91,7 @@ void ProgramSet::cmdimport_Click() {
         },
         program_.texts, this);
     if (dialog.exec() != QDialog::Accepted) return;
-    sets_.apply_import(dialog.preview());
-    mostra_record();
+    take_in(dialog.preview());
 }
 
 void ProgramSet::cmdexport_Click() {

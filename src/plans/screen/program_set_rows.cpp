@@ -199,6 +199,11 @@ void ProgramSet::paste_rows() {
         file.candidates, sets_.programs(), sets_.oscillators(), unit_offset, TakenNumbers::replace);
     if (const ImportRow* refused = first_refused(preview))
         return refuse_paste(refused->line, refused->problem);
+    take_in(preview);
+}
+
+/// Stores what comes; the program on the screen stays there.
+void ProgramSet::take_in(const ImportPreview& preview) {
     sets_.apply_import(preview);
     mostra_record();
     tell({kPasted,
