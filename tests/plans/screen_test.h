@@ -226,6 +226,7 @@ class PlanScreenTest : public QObject, protected ProgramInFolder {
 
     void the_rows_of_an_import_are_chosen();
 
+    void a_plan_of_any_name_is_proposed_as_a_file();
     void an_exported_plan_comes_back_edited();
 
     void a_table_without_satellites_is_told_once();
