@@ -103,7 +103,8 @@ void PlanPass::measure_program() {
         rules_.costs.tell_other_bandwidth();
     };
     const db::Recordset& row = rules_.plans.programs();
-    rules_.measure_once(prepare, {row.text(db::field::kNome), programme::ProgramRow(row).pg_num()});
+    program_ = programme::ProgramRow(row).pg_num();
+    rules_.measure_once(prepare, {row.text(db::field::kNome), program_});
 }
 
 /// What is measured at an antenna that is set for another program is no value of this one.

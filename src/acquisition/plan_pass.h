@@ -48,6 +48,9 @@ class PlanPass {
     /// Another plan has been opened: a pass that runs goes on there.
     void plan_changed();
 
+    /// The number of the program that was measured last, or was to be; empty before the first.
+    const QString& program() const { return program_; }
+
     /// The row at which the next step begins; nothing at the end of the plan, or without one.
     std::optional<db::Bookmark> place() const;
     /// Lets the next step begin at `place`, also where the pass has just ended; told as cut_short
@@ -70,6 +73,7 @@ class PlanPass {
     bool running_ = false;
     std::vector<db::Bookmark> monitored_;  ///< the monitored programs of the pass that runs
     int rows_ = 0;                         ///< programs of its plan when it began there
+    QString program_;                      ///< see program()
     QStringList antenna_;                  ///< what its first program needs of the antenna
 };
 

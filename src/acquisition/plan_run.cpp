@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "port_diagnosis.h"
 #include "time_delays.h"
 
 namespace m47::acquisition {
@@ -93,6 +94,7 @@ PlanRun::End PlanRun::next_step() {
     plan_pass_->step();
     if (!link_.port_connected) return recover(place);
     pause_ = kFirstPause;
+    refusals_ = 0;
     if (place && doubtful_again()) plan_pass_->take_again(*place);
     return End::done;
 }
@@ -100,10 +102,29 @@ PlanRun::End PlanRun::next_step() {
 /// The measurement that was lost with the link is taken again; the pass goes on from there.
 PlanRun::End PlanRun::recover(const std::optional<db::Bookmark>& place) {
     if (!order_.reconnect) return End::link_lost;
-    if (!find_meter(QStringLiteral("the link to the meter was lost, trying to connect again")))
-        return End::stopped;
-    if (place) plan_pass_->take_again(*place);
+    const bool left_out = refused_again();
+    QString why = QStringLiteral("the link to the meter was lost, trying to connect again");
+    if (!link_.refused().isEmpty())
+        why += QStringLiteral(": ") + link::refusal_text(link_.refused(), rules_.program.texts);
+    if (!find_meter(why)) return End::stopped;
+    if (place && !left_out) plan_pass_->take_again(*place);
     return End::done;
+}
+
+/// True when the meter has refused the present program so often that it is left out of this pass:
+/// it would do so for ever.
+bool PlanRun::refused_again() {
+    refusals_ = link_.refused().isEmpty() ? 0 : refusals_ + 1;
+    if (refusals_ < kMostTries) return false;
+    refusals_ = 0;
+    incomplete_ = true;
+    remark(QStringLiteral("%1: program %2 was left out of pass %3: the meter refused %4 at each of "
+                          "%5 tries")
+               .arg(time_text(), plan_pass_->program())
+               .arg(pass_)
+               .arg(link_.refused())
+               .arg(kMostTries));
+    return true;
 }
 
 /// As long as nothing at all is measured the same reason is told once.

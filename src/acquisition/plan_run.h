@@ -41,7 +41,7 @@ class PlanRun {
     /// `rules` with a plan open and the meter prepared, unless `order` says to wait for it.
     End run();
 
-    /// A pass was cut short or measured nothing.
+    /// A pass was cut short or measured nothing, or left out a program that the meter refuses.
     bool incomplete() const { return incomplete_; }
 
     /// How many rows are missing because the meter's answers stayed doubtful.
@@ -57,6 +57,7 @@ class PlanRun {
     bool find_meter(const QString& why);
     PassNews news();
     End recover(const std::optional<db::Bookmark>& place);
+    bool refused_again();
     bool doubtful_again();
     void cut_short(const QString& reason);
     bool wait(double seconds);
@@ -76,6 +77,7 @@ class PlanRun {
     double pause_ = kFirstPause;  ///< seconds before the next try to find the meter again
     int pass_ = 0;
     int doubts_ = 0;          ///< on end at the present program
+    int refusals_ = 0;        ///< on end at the present program, each of which lost the link
     int missing_ = 0;         ///< rows
     bool measured_ = false;   ///< in the present pass
     bool idle_ = false;       ///< the last pass measured nothing

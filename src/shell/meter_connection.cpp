@@ -5,6 +5,11 @@
 #include "port_search.h"
 
 namespace m47::shell {
+namespace {
+
+constexpr Bilingual kLostOver{"The link was lost: %1.", "Il collegamento è caduto: %1."};
+
+}  // namespace
 
 MeterConnection::MeterConnection(ProgramState& state, link::PortList ports,
                                  std::unique_ptr<link::Clock> clock,
@@ -38,6 +43,8 @@ QString MeterConnection::fault() const {
     if (claim_.holder()) return link::claim_text(*claim_.holder(), port_->path(), state_.texts);
     const QString fault = link::port_fault_text(port_->fault(), port_->path(), state_.texts);
     if (!fault.isEmpty() || link_.port_connected) return fault;
+    if (!link_.refused().isEmpty())
+        return state_.texts.pick(kLostOver).arg(link::refusal_text(link_.refused(), state_.texts));
     // It opens all the same, and the other process takes the answers away.
     return link::other_user_text(port_->path(), state_.texts);
 }

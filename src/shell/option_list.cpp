@@ -43,16 +43,19 @@ OptionList measurement_options() {
         {"measure", "Measure without a window and print each row, TAB-separated."},
         {"analog", "Measure the analog way (the default)."},
         {"digital", "Measure the digital way (QPSK)."},
-        {"freq", "Frequency to measure at, 920 to 2150; that of the sky with --oscillator.", "MHZ"},
+        {"freq",
+         "Frequency to measure at, 920 to 2150; that of the sky with --oscillator. The meter takes "
+         "tenths, above 2150 whole MHz.",
+         "MHZ"},
         {"oscillator", "Measure through the local oscillator of the LNB, 3070 to 12000.", "MHZ"},
         {"lnb", "Set the LNB supply: off, 13, 15, 18 or 24 (V).", "VOLTS"},
-        {"tone", "Set the 22 kHz tone: on or off.", "STATE"},
+        {"tone", "Set the 22 kHz tone: on or off (the default).", "STATE"},
         {"diseqc",
          "Send the DiSEqC command of this number (0 to 73) or text in the list of the real-time "
          "screen.",
          "COMMAND"},
-        {"bandwidth", "Channel bandwidth for the digital channel power, 5 to 36.", "MHZ"},
-        {"symbol-rate", "QPSK symbol rate, 1500 to 45000.", "KS"},
+        {"bandwidth", "Channel bandwidth for the digital channel power, 5 to 36, whole.", "MHZ"},
+        {"symbol-rate", "QPSK symbol rate, 1500 to 45000, whole.", "KS"},
         {"alarm",
          "Check limits, NAME one of level, ber, mer; repeatable. With --plan NAME alone: the "
          "limits "

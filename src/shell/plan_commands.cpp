@@ -75,10 +75,17 @@ QString remark_of(const plans::ImportRow& row, const Texts& texts) {
     return QStringLiteral("Corrected: ") + row.corrections.join(QStringLiteral("; "));
 }
 
+/// A program that asked for a number and did not come has none.
+QString place_of(const plans::ImportRow& row) {
+    const QString line = QStringLiteral("Line %1").arg(row.line);
+    return row.record.pg_num.isEmpty() ? line
+                                       : line + QStringLiteral(", program ") + row.record.pg_num;
+}
+
 /// A line for the whole and one for each program that did not come as it stands in the file.
 QString report_of(const plans::ImportPreview& preview, const plans::ImportFile& file,
                   const QString& name, const Texts& texts) {
-    QString report = QStringLiteral("%1: %2 of %3 programs were added.\n")
+    QString report = QStringLiteral("%1: programs added: %2 of %3.\n")
                          .arg(name)
                          .arg(preview.added())
                          .arg(preview.rows.size());
@@ -91,8 +98,7 @@ QString report_of(const plans::ImportPreview& preview, const plans::ImportFile& 
     for (const plans::ImportRow& row : preview.rows) {
         const QString remark = remark_of(row, texts);
         if (remark.isEmpty()) continue;
-        report += QStringLiteral("Line %1, program %2: ").arg(row.line).arg(row.record.pg_num) +
-                  on_one_line(remark) + u'\n';
+        report += place_of(row) + QStringLiteral(": ") + on_one_line(remark) + u'\n';
     }
     return report;
 }

@@ -121,6 +121,7 @@ std::optional<Said> Program::left_off() const {
 
 Program::~Program() {
     link().on_unsent = nullptr;
+    link().on_refused = nullptr;
     link().activity.on_change = nullptr;
     link().activity.on_stopped = nullptr;
     tell_faults_in(nullptr);
@@ -142,6 +143,7 @@ void Program::connect_connection() {
 }
 
 void Program::connect_activity() {
+    link().on_refused = [this] { window_.show_notice(link_fault()); };
     link().on_unsent = [this] {
         if (!user_asked_for_it()) return;
         window_.show_notice(state_.texts.pick(kNothingSent));

@@ -10,6 +10,7 @@
 #include "line_recording.h"
 #include "numbers.h"
 #include "plan_run.h"
+#include "port_diagnosis.h"
 #include "realtime_rules.h"
 #include "row_output.h"
 #include "run_picture.h"
@@ -70,15 +71,20 @@ struct Run {
 
 void print_row(Run& run, const QStringList& row) {
     if (platform::is_terminal(platform::kStandardOutput)) g_progress_line.clear();
-    const bool first = run.rows++ == 0;
+    ++run.rows;
     if (!run.options.format) {
         run.output.write(row.join(run.rules->state.field_separator).toUtf8() + '\n');
         return;
     }
     const int offset = run.connection.link().clock().date_time().offsetFromUtc();
-    const measurement::OutputFormat format = *run.options.format;
-    const QByteArray header = first ? measurement::output_header(format) : QByteArray();
-    run.output.write(header + measurement::output_line(format, run.measured, offset));
+    run.output.write(measurement::output_line(*run.options.format, run.measured, offset));
+}
+
+/// Before the first row: a table without rows has its columns too.
+void print_names(Run& run) {
+    if (!run.options.format) return;
+    const QByteArray names = measurement::output_header(*run.options.format);
+    if (!names.isEmpty()) run.output.write(names);
 }
 
 void tell_log(Run& run, const QString& reason) {
@@ -170,6 +176,7 @@ void set_antenna(realtime::RealtimeRules& rules, const AntennaOptions& antenna) 
 void measure_rows(Run& run) {
     run.wrong_limits = !level_limits_fit(run);
     if (run.wrong_limits) return;
+    print_names(run);
     realtime::RealtimeRules& rules = *run.rules;
     if (run.options.digital)
         rules.modes.digitalmode();
@@ -187,6 +194,24 @@ void measure_rows(Run& run) {
         if (!run.connection.link().port_connected || run.pointless()) return;
         run.row_missing = !take_row(run) || run.row_missing;
     }
+}
+
+/// The meter takes fewer digits than a number on the command line may have.
+void tell_rounded(const Options& options) {
+    const auto tell = [](const char* name, const QString& text, const char* unit,
+                         const auto& form_of) {
+        const double given = link::typed_value(text);
+        const double set = link::typed_value(form_of(given));
+        if (set == given) return;
+        complain(QStringLiteral("--%1: %2 %3 is set as %4")
+                     .arg(QLatin1String(name), link::plain_text(given), QLatin1String(unit),
+                          link::plain_text(set)));
+    };
+    const auto whole = [](double number) { return link::format_number(number, "0"); };
+    tell("freq", options.frequency, "MHz",
+         [](double mhz) { return link::format_freq(link::plain_text(mhz)); });
+    tell("bandwidth", options.bandwidth, "MHz", whole);
+    tell("symbol-rate", options.symbol_rate, "kS/s", whole);
 }
 
 /// Prepares the meter and the panel, as opening the screen does. A signal in it ends the part that
@@ -257,6 +282,7 @@ struct KeepOutcome {
 };
 
 void measure_plan(Run& run) {
+    print_names(run);
     set_up(run);
     for (const int mode : {realtime::kAnalogMode, realtime::kDigitalMode})
         run.rules->tick_measures(mode);
@@ -284,6 +310,13 @@ void write_screenshot(Run& run) {
     run.file_lost = true;
 }
 
+/// What the meter refused until the link counted as lost; empty where it was lost otherwise.
+QString refusal_of(const Run& run) {
+    const QString& refused = run.connection.link().refused();
+    return refused.isEmpty() ? QString()
+                             : QStringLiteral(": ") + link::refusal_text(refused, run.state.texts);
+}
+
 /// A run that was told to end is good for what it has measured.
 int status_of(const Run& run) {
     if (run.wrong_limits) return kUsage;
@@ -291,7 +324,7 @@ int status_of(const Run& run) {
         tell_other_device(run);
         complain(platform::times_told_to_end() > 0
                      ? QStringLiteral("ended without a link to the meter")
-                     : QStringLiteral("the link to the meter was lost"));
+                     : QStringLiteral("the link to the meter was lost") + refusal_of(run));
         return kNoLink;
     }
     if (run.output.lost() || run.file_lost || run.recording_lost || run.row_missing)
@@ -356,6 +389,7 @@ int run_unattended(ProgramState& state, db::Database& database, MeterConnection&
     Run run{state, connection, options,
             std::make_unique<realtime::RealtimeRules>(connection.link(), state, database)};
     listen_to_rules(run);
+    tell_rounded(options);
     record_line(run, recording);
     try {
         int status = kGood;

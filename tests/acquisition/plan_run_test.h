@@ -32,6 +32,7 @@ class PlanRunTest : public QObject {
     void told_to_stop_while_waiting();
     void a_lost_link_ends_the_run();
     void after_a_lost_link_the_lost_program_comes_first();
+    void a_program_that_the_meter_refuses_is_left_out();
     void tries_come_at_growing_intervals();
     void told_to_stop_while_the_meter_is_away();
     void a_doubtful_measurement_is_taken_again();

@@ -100,6 +100,38 @@ void PlanRunTest::a_program_without_its_oscillator_is_left_out_and_told() {
              qPrintable(remarks_[0]));
 }
 
+void PlanRunTest::a_program_that_the_meter_refuses_is_left_out() {
+    f_->raw["FREQ 1010.0"] = "FREQ 1010.0\rERROR\r";
+    QCOMPARE(make_run({}).run(), PlanRun::End::link_lost);
+    QCOMPARE(measured(), QStringList("1000"));
+    QCOMPARE(remarks_, QStringList());
+
+    for (const int passes : {1, 2}) {
+        begun_.clear();
+        remarks_.clear();
+        f_->rules.page.clear();
+        f_->link.port_connected = true;
+        PlanRun run = make_run({.passes = passes, .reconnect = true});
+        run.connect = [this] { return f_->link.port_connected = true; };
+        QCOMPARE(run.run(), PlanRun::End::done);
+        QVERIFY(run.incomplete());
+        QStringList rows;
+        for (int pass = 0; pass < passes; ++pass) rows += {"1000", "1020"};
+        QCOMPARE(measured(), rows);
+        // Three exchanges a pass, each of three attempts; then the pass goes on without it.
+        QCOMPARE(begun_.filter("FREQ 1010.0").size(), 9 * passes);
+        QCOMPARE(remarks_.filter("left out").size(), passes);
+        QVERIFY2(remarks_[0].contains("trying to connect again: the meter refused FREQ 1010.0 "
+                                      "three times; a frequency of the sky needs") &&
+                     remarks_[0].contains("--full-tune"),
+                 qPrintable(remarks_[0]));
+        QVERIFY2(remarks_.filter("left out")[0].endsWith(
+                     ": program 001 was left out of pass 1: the meter refused FREQ 1010.0 at each "
+                     "of 3 tries"),
+                 qPrintable(remarks_.join('|')));
+    }
+}
+
 void PlanRunTest::each_program_has_a_noise_frequency_of_its_own() {
     f_->program.corrected.complete = true;
     f_->panel().meas_statea[realtime::kLevel] = false;

@@ -39,7 +39,7 @@ class PlanFilesTest : public QObject {
                                    "3,11778,10600,1,-75\n7,1000.5,,0,20\n");
         QCOMPARE(came.err, QByteArray());
         QCOMPARE(came.status, 0);
-        QCOMPARE(came.out, QByteArray("ROOF: 2 of 2 programs were added.\n"));
+        QCOMPARE(came.out, QByteArray("ROOF: programs added: 2 of 2.\n"));
 
         QCOMPARE(export_plan(stand, "roof=out.tsv").status, 0);
         const QList<QStringList> rows = rows_of(stand.files().value("out.tsv"));
@@ -59,6 +59,30 @@ class PlanFilesTest : public QObject {
         QCOMPARE(export_plan(stand, "B=out.CSV").status, 0);
         QCOMPARE(stand.files().value("out.CSV").replace("\nB,", "\nROOF,"),
                  stand.files().value("out.tsv").replace('\t', ','));
+    }
+
+    void what_is_empty_stays_empty() {
+        EmptyStand stand;
+        begin(stand);
+        stand.write("gaps.csv",
+                    stand.files().value("first.tsv").split('\n').first().replace('\t', ',') +
+                        "\nG,001,1000.0,1,0,0,,,73,73,0,0,,0,0,,,,,,,,,\n"
+                        "G,002,,0,1,1,27500,36,73,73,0,0,05,1,1,45,,1,,,3E-2,,0.5,10600\n"
+                        "G,003,,1,0,0,,,73,73,0,0,,0,0,20,120,,,,,,,\n");
+        for (const char* name : {"first.tsv", "gaps.csv"}) {
+            const QByteArray text = stand.files().value(name);
+            const QString plan = text.startsWith("nome\t") ? "PLAN 2" : "G";
+            QCOMPARE(import(stand, plan + '=' + name).out,
+                     QStringLiteral("%1: programs added: %2 of %2.\n")
+                         .arg(plan)
+                         .arg(text.count('\n') - 1)
+                         .toUtf8());
+            QCOMPARE(export_plan(stand, plan + "=back" + name).status, 0);
+            QCOMPARE(stand.files().value(QStringLiteral("back") + name).replace("PLAN 2", "PLAN 1"),
+                     text);
+        }
+        const Ending numberless = import(stand, "N=n.csv", "pg_num,frequenza\n,abc\n");
+        QVERIFY2(numberless.out.contains("\nLine 2: Left out"), numberless.out);
     }
 
     void nothing_is_overwritten_unasked() {
@@ -119,10 +143,10 @@ class PlanFilesTest : public QObject {
         QCOMPARE(some.err, QByteArray());
         const QByteArrayList lines = some.out.split('\n');
         QCOMPARE(lines.size(), 6);
-        QCOMPARE(lines[0], QByteArray("A: 2 of 4 programs were added."));
+        QCOMPARE(lines[0], QByteArray("A: programs added: 2 of 4."));
         QCOMPARE(lines[1], QByteArray("Columns not used: colour"));
         QCOMPARE(lines[2],
-                 QByteArray("Line 3, program 001: The Programme in the data base already exist."));
+                 QByteArray("Line 3, program 001: Its number stands twice among these rows."));
         QVERIFY2(lines[3].startsWith("Line 4, program 2: Left out"), lines[3]);
         QVERIFY2(lines[4].startsWith("Line 5, program 003: Corrected: frequenza: 500 "), lines[4]);
 
@@ -132,7 +156,7 @@ class PlanFilesTest : public QObject {
             const Ending none = import(stand, QLatin1String(plan) + QStringLiteral("=b.csv"),
                                        "frequenza,lnb_volt\n1000,abc\n");
             QCOMPARE(none.status, 7);
-            QVERIFY2(none.out.startsWith(plan + QByteArray(": 0 of 1 programs were added.\n")),
+            QVERIFY2(none.out.startsWith(plan + QByteArray(": programs added: 0 of 1.\n")),
                      none.out);
             QCOMPARE(stand.files().value(kDatabase), before);
         }
@@ -145,11 +169,11 @@ class PlanFilesTest : public QObject {
                                    "[CHANNEL]\nDELIVERY_SYSTEM = DVBS\nFREQUENCY = 10719000\n"
                                    "POLARIZATION = VERTICAL\nSYMBOL_RATE = 27500000\n"
                                    "[CHANNEL]\nDELIVERY_SYSTEM = DVBT\nFREQUENCY = 594000000\n");
-        QCOMPARE(some.out, QByteArray("A: 1 of 1 programs were added.\n"
+        QCOMPARE(some.out, QByteArray("A: programs added: 1 of 1.\n"
                                       "Terrestrial and cable channels left out: 1.\n"));
         const Ending none = import(stand, "B=roof", "T 594000000 8MHz\nC 121000000 6900000\n");
         QCOMPARE(none.status, 7);
-        QCOMPARE(none.out, QByteArray("B: 0 of 0 programs were added.\n"
+        QCOMPARE(none.out, QByteArray("B: programs added: 0 of 0.\n"
                                       "Terrestrial and cable channels left out: 2.\n"));
     }
 };

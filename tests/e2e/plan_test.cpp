@@ -22,6 +22,7 @@ class PlanTest : public QObject {
     void no_such_plan();
     void a_signal_ends_after_the_running_measurement();
     void a_lost_link_ends_the_run();
+    void a_program_that_the_meter_refuses_is_named();
     void the_run_goes_on_when_the_meter_is_back();
     void another_meter_takes_the_place_data();
     void another_meter_takes_the_place();
@@ -162,6 +163,38 @@ void PlanTest::a_lost_link_ends_the_run() {
     const Ending ending = stand.remote.wait();
     QCOMPARE(ending.status, 3);
     QCOMPARE(ending.err, QByteArray("m47-remote: the link to the meter was lost\n"));
+}
+
+/// Its carrier is one of the sky, and nobody has told the meter the oscillator.
+void PlanTest::a_program_that_the_meter_refuses_is_named() {
+    TestStand stand;
+    make_plan(stand, true);
+    const Ending ending = stand.measure({"--plan", "ROOF", "--format", "csv"});
+    QCOMPARE(ending.status, 3);
+    QVERIFY2(ending.err.startsWith("m47-remote: the link to the meter was lost: the meter refused "
+                                   "FREQ 10750 three times; ") ||
+                 ending.err.contains("\nm47-remote: the link to the meter was lost: the meter "
+                                     "refused FREQ 10750 three times; "),
+             ending.err.constData());
+    QVERIFY(ending.err.contains("--full-tune"));
+    QCOMPARE(ending.out.count('\n'), 2);
+
+    // With no row at all its table has the names of its columns, but as JSON.
+    {
+        QSqlDatabase database = QSqlDatabase::addDatabase("QSQLITE", "alone");
+        database.setDatabaseName(stand.path("VKDM47_03.mdb"));
+        QVERIFY(database.open());
+        QVERIFY(
+            QSqlQuery(database).exec("UPDATE programmi SET monitor_state = 0 WHERE pg_num = "
+                                     "'001'"));
+    }
+    QSqlDatabase::removeDatabase("alone");
+    for (const char* format : {"csv", "tsv", "json"}) {
+        const Ending without = stand.measure({"--plan", "ROOF", "--format", format});
+        QCOMPARE(without.status, 3);
+        QCOMPARE(without.out.startsWith("time"), QByteArray(format) != "json");
+        QCOMPARE(without.out.count('\n'), QByteArray(format) == "json" ? 0 : 1);
+    }
 }
 
 void PlanTest::the_run_goes_on_when_the_meter_is_back() {

@@ -239,6 +239,11 @@ void UnattendedTest::frequencies() {
     QCOMPARE(without.err, QByteArray());
     QCOMPARE(own.meter.commands(), kIdentification + kScreenOpening + analog_cycle("1000.0"));
     QCOMPARE(rows_of(without.out).value(0).value(kFrequency), QString("1000.0"));
+    // What has more digits than the meter takes is told.
+    const Ending rounded = own.measure({"--freq", "1000.123", "--bandwidth", "5.5"});
+    QCOMPARE(rounded.status, 0);
+    QCOMPARE(rounded.err, QByteArray("m47-remote: --freq: 1000.123 MHz is set as 1000.1\n"
+                                     "m47-remote: --bandwidth: 5.5 MHz is set as 6\n"));
     // The screen takes the nearest end of the receiver's band; here nobody would see that.
     for (const char* outside : {"919.9", "12000.5"}) {
         const Ending refused = own.measure({"--freq", QLatin1String(outside)});

@@ -23,6 +23,8 @@ void TransactionTest::an_error_is_repeated() {
     port_->answer = [&](const QByteArray& command) {
         return asked++ < errors ? text : FakePort::good(command, "73.5");
     };
+    int refusals = 0;
+    link_->on_refused = [&] { ++refusals; };
     run("LEVANL?");
     const int attempts = std::min(errors + 1, 3);
     QCOMPARE(link_->last_answer(), reply);
@@ -30,10 +32,17 @@ void TransactionTest::an_error_is_repeated() {
     QCOMPARE(port_->opens, attempts);
     QCOMPARE(port_->closes, attempts);
     QCOMPARE(link_->port_connected, errors < 3);
+    QCOMPARE(link_->refused(), errors < 3 ? QString() : QString("LEVANL?"));
+    QCOMPARE(refusals, errors < 3 ? 0 : 1);
     QCOMPARE(view_->state_text, errors < 3 ? QString() : QString("RS232 ComPort 2 NOT Connected"));
     QVERIFY(!view_->state_connected);
     QVERIFY(!view_->hourglass);
     QVERIFY(clock_->elapsed() < 1.0);
+    // Not of the next exchange, which a meter that says nothing loses.
+    link_->port_connected = true;
+    port_->answer = [](const QByteArray&) { return QByteArray(); };
+    QVERIFY(!link_->send("LEVANL?"));
+    QVERIFY(!link_->port_connected && link_->refused().isEmpty());
 }
 
 void TransactionTest::limits_data() {

@@ -118,6 +118,83 @@ class ImportTest : public QObject {
         QVERIFY(preview.replaces_blank);
     }
 
+    void an_export_comes_back_to_the_byte_data() {
+        QTest::addColumn<std::vector<programme::ProgramRecord>>("plan");
+        programme::ProgramRecord program = full_program();
+        QTest::newRow("nothing stored yet")
+            << std::vector<programme::ProgramRecord>{programme::ProgramRecord()};
+        QTest::newRow("nothing stored in the first")
+            << std::vector<programme::ProgramRecord>{programme::ProgramRecord(), program};
+        for (const programme::ProgramField& field : programme::program_fields()) {
+            if (!std::holds_alternative<QString programme::ProgramRecord::*>(field.member) ||
+                QLatin1String(field.name) == QLatin1String("pg_num"))
+                continue;
+            program = full_program();
+            programme::set_field(program, field, QString());
+            QTest::addRow("no %s", field.name)
+                << std::vector<programme::ProgramRecord>{program, two_programs()[1]};
+        }
+        program = full_program();
+        for (auto limit : {&programme::ProgramRecord::noise_min, &programme::ProgramRecord::mer_max,
+                           &programme::ProgramRecord::lev_min, &programme::ProgramRecord::lev_max})
+            (program.*limit).clear();
+        program.noise_max = QStringLiteral("0.5");
+        QTest::newRow("one of two limits") << std::vector<programme::ProgramRecord>{program};
+        std::vector<programme::ProgramRecord> three = two_programs();
+        three[0].loc_osc0 = 3;
+        three.push_back(three[0]);
+        three[2].pg_num = QStringLiteral("099");
+        three[2].logger_pos.clear();
+        three[2].loc_osc0 = 2;
+        QTest::newRow("an oscillator that is not set and one twice") << three;
+    }
+    /// Into a new plan, with the unit of the screen and without one as on the command line, and
+    /// over the plan itself.
+    void an_export_comes_back_to_the_byte() {
+        QFETCH(std::vector<programme::ProgramRecord>, plan);
+        const programme::Oscillators set{"9750", "10600", "", "9750"};
+        for (const QChar separator : {QChar(u'\t'), QChar(u','), QChar(u';')}) {
+            const auto text_of = [&](const std::vector<programme::ProgramRecord>& programs,
+                                     const programme::Oscillators& oscillators) {
+                return plan_file_text(QStringLiteral("P"), programs, oscillators, separator);
+            };
+            const QString text = text_of(plan, set);
+            for (const std::optional<double> unit :
+                 {std::optional<double>(0.0), std::optional<double>()}) {
+                const ImportPreview preview =
+                    preview_import(parsed(text.toUtf8()), {programme::ProgramRecord()},
+                                   programme::Oscillators(), unit);
+                std::vector<programme::ProgramRecord> back;
+                for (const ImportRow& row : preview.rows) {
+                    QVERIFY(row.added());
+                    QCOMPARE(row.corrections, QStringList());
+                    back.push_back(row.record);
+                }
+                QCOMPARE(text_of(back, preview.oscillators), text);
+            }
+            for (const ImportRow& row :
+                 preview_import(parsed(text.toUtf8()), plan, set, 0, TakenNumbers::replace).rows)
+                QVERIFY(row.problem == ImportProblem::as_in_plan ||
+                        programme::is_blank(row.record));
+        }
+    }
+
+    void a_row_added_to_an_export_has_the_usual_values() {
+        QByteArray text = exported(two_programs());
+        text += "P\t\t1000" + QByteArray(21, '\t') + "\n" + QByteArray(23, '\t') + "\n";
+        const ImportPreview preview = into_empty_plan(text);
+        QCOMPARE(preview.added(), 3);
+        QCOMPARE(preview.rows[2].record.pg_num, QStringLiteral("000"));
+        QCOMPARE(preview.rows[2].record.lev_max, QStringLiteral("120"));
+        QCOMPARE(preview.rows[2].record.qpsk_symbolrate, QStringLiteral("27500"));
+        // A line of a spreadsheet in which nothing stands is no program.
+        QCOMPARE(preview.rows[3].problem, ImportProblem::unreadable);
+        // An empty program comes with a new plan alone.
+        const QByteArray blank = exported({programme::ProgramRecord()});
+        QCOMPARE(preview_import(parsed(blank), two_programs(), ku_, 0).rows[0].problem,
+                 ImportProblem::empty_program);
+    }
+
     void a_decimal_comma_of_the_user_goes_out_as_a_full_stop() {
         programme::ProgramRecord program = full_program();
         program.lev_min = QStringLiteral("45,5");
@@ -226,7 +303,7 @@ class ImportTest : public QObject {
             {there}, ku_, 0);
         QCOMPARE(one_line_each(preview),
                  QStringList({"2 007 1000  1 ", "3 008 1000  2 ", "4 009 1000  added ",
-                              "5 009 1001  1 ", "6 010 1002  2 ", "7 000 1003  added "}));
+                              "5 009 1001  11 ", "6 010 1002  2 ", "7 000 1003  added "}));
         QVERIFY(!preview.replaces_blank);
         QCOMPARE(preview.oscillators, ku_);
         Texts texts;
@@ -386,9 +463,13 @@ class ImportTest : public QObject {
         plan[0].pg_num = QStringLiteral("099");
         const ImportPreview preview =
             replacing("pg_num,frequenza\n150,1000\n8,1000\n8,1001\n", plan);
-        QCOMPARE(preview.rows[0].problem, ImportProblem::number_taken);
+        QCOMPARE(preview.rows[0].problem, ImportProblem::number_out_of_range);
         QVERIFY(preview.rows[1].added());
-        QCOMPARE(preview.rows[2].problem, ImportProblem::number_taken);
+        QCOMPARE(preview.rows[2].problem, ImportProblem::number_twice);
+        // Nor does it take the place of the program whose number that is.
+        const ImportPreview fresh = into_empty_plan("pg_num,frequenza\n150,1000\n99,1001\n");
+        QCOMPARE(fresh.rows[0].problem, ImportProblem::number_out_of_range);
+        QVERIFY(fresh.rows[1].added());
     }
 
     void what_is_not_ticked_takes_no_place() {

@@ -192,6 +192,18 @@ void PlanScreenTest::the_rows_of_an_import_are_chosen() {
     QCOMPARE(stored(QStringLiteral("frequenza")), QStringLiteral("11766.0"));
 }
 
+/// "/" would be a folder that is not there, and "." the kind of the file.
+void PlanScreenTest::a_plan_of_any_name_is_proposed_as_a_file() {
+    start_alone();
+    new_plan(QStringLiteral("13.0E/<B>"));
+    QString proposed;
+    answering(pressed("cmdexport"), [&](QWidget* front) {
+        proposed = front->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->text();
+        qobject_cast<QDialog*>(front)->reject();
+    });
+    QCOMPARE(proposed, QStringLiteral("13-0E-<B>"));
+}
+
 void PlanScreenTest::an_exported_plan_comes_back_edited() {
     start_alone();
     click("ol_opt_0");

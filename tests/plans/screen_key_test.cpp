@@ -178,8 +178,9 @@ void PlanScreenTest::a_file_is_imported_after_its_preview_and_exported() {
     answering(pressed("cmdimport"), choose(file, preview_and(false)));
     QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("-"));
     answering(pressed("cmdimport"), choose(file, preview_and(true)));
-    QCOMPARE(results, QStringList({"2|Added", "3|The Programme in the data base already exist.",
+    QCOMPARE(results, QStringList({"2|Added", "3|Its number stands twice among these rows.",
                                    "4|Added, corrected: frequenza: 500 → 920.0"}));
+    QCOMPARE(told_below(), QStringLiteral("Programs added: 2, replaced: 0"));
     QCOMPARE(stored(QStringLiteral("pg_num")), QStringLiteral("005,006"));
     QCOMPARE(text_of("prog_num"), QStringLiteral("005"));
     const QString out = in_folder(QStringLiteral("out.csv"));

@@ -206,6 +206,24 @@ void PlanScreenTest::rows_go_to_a_spreadsheet_and_come_back() {
              QStringLiteral("001 1001.0,003 1103.5"));
 }
 
+void PlanScreenTest::the_program_on_the_screen_stays_behind_a_paste() {
+    start_alone();
+    type_programs(3);
+    QCOMPARE(text_of("prog_num"), QStringLiteral("003"));
+    paste(QStringLiteral("frequenza\tpg_num\n1500\t7\n1600\t1\n1700\t\n"));
+    QCOMPARE(text_of("prog_num"), QStringLiteral("003"));
+    QCOMPARE(text_of("sat_freq_txt"), QStringLiteral("1003.0"));
+    QCOMPARE(selected_numbers(), QStringList("003"));
+    QCOMPARE(stored(QStringLiteral("pg_num || ' ' || frequenza")),
+             QStringLiteral("001 1600.0,002 1002.0,003 1003.0,007 1500.0,000 1700.0"));
+    // A program that is replaced itself is shown as it is now.
+    paste(QStringLiteral("frequenza\tpg_num\n1900\t3\n"));
+    QCOMPARE(text_of("sat_freq_txt"), QStringLiteral("1900.0"));
+    new_plan(QStringLiteral("B"));
+    paste(QStringLiteral("frequenza\tpg_num\n1500\t7\n1600\t1\n"));
+    QCOMPARE(text_of("prog_num"), QStringLiteral("007"));
+}
+
 void PlanScreenTest::a_paste_that_is_refused_is_told_in_a_sentence_and_pastes_nothing() {
     start_alone();
     type_programs(2);
@@ -213,8 +231,16 @@ void PlanScreenTest::a_paste_that_is_refused_is_told_in_a_sentence_and_pastes_no
     answering([this] { paste(QStringLiteral("frequenza\tpg_num\n1500\t7\n1600\t7\n")); },
               pressing(QMessageBox::Ok));
     QCOMPARE(told_.constLast(),
-             QStringLiteral("Error|Row 3 cannot be pasted: The Programme in the data base already "
-                            "exist. Nothing was pasted."));
+             QStringLiteral("Error|Row 3 cannot be pasted: Its number stands twice among these "
+                            "rows. Nothing was pasted."));
+    for (const char* number : {"100", "150", "-1", "1.5", "abc"}) {
+        answering(
+            [&] { paste(QStringLiteral("frequenza\tpg_num\n1500\t7\n1600\t%1\n").arg(number)); },
+            pressing(QMessageBox::Ok));
+        QCOMPARE(told_.constLast(),
+                 QStringLiteral("Error|Row 3 cannot be pasted: Programs are numbered from 000 to "
+                                "099. Nothing was pasted."));
+    }
     answering([this] { paste(QStringLiteral("frequenza\tpg_num\tlogger_pos\n1500\t7\t1\n")); },
               pressing(QMessageBox::Ok));
     QVERIFY(told_.constLast().contains(QStringLiteral("logger status table already exist")));

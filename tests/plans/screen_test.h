@@ -226,6 +226,7 @@ class PlanScreenTest : public QObject, protected ProgramInFolder {
 
     void the_rows_of_an_import_are_chosen();
 
+    void a_plan_of_any_name_is_proposed_as_a_file();
     void an_exported_plan_comes_back_edited();
 
     void a_table_without_satellites_is_told_once();
@@ -380,6 +381,7 @@ class PlanScreenTest : public QObject, protected ProgramInFolder {
 
     void rows_go_to_a_spreadsheet_and_come_back();
 
+    void the_program_on_the_screen_stays_behind_a_paste();
     void a_paste_that_is_refused_is_told_in_a_sentence_and_pastes_nothing();
 
     void what_was_stored_is_undone_and_done_again();

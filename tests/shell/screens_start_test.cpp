@@ -159,6 +159,24 @@ void ScreensTest::the_start_page_says_what_a_silent_meter_wants() {
              qPrintable(why));
 }
 
+void ScreensTest::a_link_lost_over_a_refusal_says_so() {
+    start_with_meter();
+    find<QAction>("cmdinglese")->trigger();
+    line_->answer = [](const QByteArray& command) { return command + "\rCOMMAND ERROR\r"; };
+    QVERIFY(!program().link().send("FREQ 10758"));
+    const auto* state = find<QLabel>("port_state");
+    QCOMPARE(state->text(), QString("RS232 ComPort 1 NOT Connected"));
+    QVERIFY2(state->toolTip().contains("The link was lost: the meter refused FREQ 10758 three "
+                                       "times; ") &&
+                 state->toolTip().contains("--full-tune"),
+             qPrintable(state->toolTip()));
+    QVERIFY(find<QLabel>("corrected_notice")
+                ->text()
+                .contains("the meter refused FREQ 10758 three times"));
+    find<QAction>("cmditaliano")->trigger();
+    QVERIFY(state->toolTip().contains("ha rifiutato FREQ 10758 tre volte"));
+}
+
 void ScreensTest::a_port_that_another_process_has_open_is_told_as_that() {
     const QString device = in_folder("adapter");
     QFile file(device);

@@ -187,6 +187,7 @@ class ScreensTest : public QObject, protected ProgramInFolder {
 
     void the_start_page_says_what_a_silent_meter_wants();
 
+    void a_link_lost_over_a_refusal_says_so();
     void a_port_that_another_process_has_open_is_told_as_that();
 
     void the_simulated_meter_says_that_it_is_none();

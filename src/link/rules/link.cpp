@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <chrono>
 
+#include "commands.h"
 #include "fault.h"
 #include "numbers.h"
 #include "srecord.h"
@@ -54,6 +55,7 @@ bool Link::transact(const QString& command, const std::function<Outcome()>& exch
     end_when_interrupted();
     const Transaction transaction(busy_);
     command_text_ = command;
+    refused_.clear();
 
     const ClockSpan span(clock_);
     view_.set_hourglass(true);
@@ -69,6 +71,7 @@ bool Link::transact(const QString& command, const std::function<Outcome()>& exch
     view_.set_hourglass(false);
     show_progress(0);
     note_left_off();
+    if (!refused_.isEmpty() && on_refused) on_refused();
     return true;
 }
 
@@ -115,7 +118,7 @@ std::optional<float> Link::send_anew() {
 }
 
 Link::Outcome Link::run_attempts() {
-    asked_ = answered_ = 0;
+    asked_ = answered_ = errors_ = 0;
     first_sent_ = clock_.steady();
     doubtful_ = false;
     behind_.clear();
@@ -123,6 +126,9 @@ Link::Outcome Link::run_attempts() {
     Outcome outcome = Outcome::failed;
     for (int attempt = 0; attempt < kAttempts && outcome == Outcome::failed; ++attempt)
         outcome = run_attempt();
+    // To the question whether a meter is there an error says that it is another device.
+    const bool looks_for_meter = command_text_ == command::query(command::kAttenuator);
+    if (errors_ == kAttempts && !looks_for_meter) refused_ = command_text_;
     return outcome;
 }
 
@@ -144,6 +150,7 @@ Link::Outcome Link::poll_answer(float start, float sent) {
         const ReplyWatch::Verdict verdict = judge(watch);
         const float now = clock_.now();
         if (verdict == ReplyWatch::Verdict::error) {
+            ++errors_;
             settle_error();
             close_port();
             return Outcome::failed;

@@ -48,6 +48,8 @@ class Link {
     /// How far the work in hand is, see Work; once the program has been told to end, how far it
     /// came. Without any work the last command tells.
     std::optional<Said> left_off;
+    /// Told when the link is lost over refused().
+    std::function<void()> on_refused;
     /// Told of a command that does not go out as no meter is connected.
     std::function<void()> on_unsent;
     /// Told before each pump of the windows how many bytes of the answer have arrived so far (echo
@@ -81,6 +83,9 @@ class Link {
     /// What the exchange before has left: its answer, empty after a lost link; what could not be
     /// sent leaves it as it was. For a box or a file that shows this even then.
     const QString& last_answer() const { return reply_text_; }
+    /// The command whose every attempt the meter answered with an error, which lost the link; empty
+    /// where it was lost otherwise, and behind any later command.
+    const QString& refused() const { return refused_; }
     /// The answer before belongs to another port.
     void forget_answer() { reply_text_.clear(); }
     /// What the meter before may still have sent comes no more: another device is on the line.
@@ -156,12 +161,14 @@ class Link {
     bool busy_ = false;
     int progress_ = 0;      ///< steps of the exchange, 0 to kProgressSteps
     QString command_text_;  ///< that is sent, without terminator
+    QString refused_;       ///< see refused()
     QString reply_text_;    ///< what has been received; at the end of the exchange its answer
 
     LateAnswers late_;
     // Of the present exchange; times on the steady clock
     int asked_ = 0;     ///< attempts
     int answered_ = 0;  ///< attempts whose answer has come
+    int errors_ = 0;    ///< attempts that the meter answered with an error
     double first_sent_ = 0;
     double last_sent_ = 0;
     double answer_took_ = 0;

@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <optional>
 
+#include "commands.h"
 #include "port_lock.h"
 #include "serial_line.h"
 
@@ -50,6 +51,14 @@ constexpr Bilingual kAnotherDevice{
     "Dietro %1 c'è ora un altro dispositivo, oppure è stato ricollegato. Verificare che lo "
     "strumento sia quello giusto, poi ricollegare."};
 constexpr Bilingual kOther{"%1 cannot be opened.", "Non è possibile aprire %1."};
+
+constexpr Bilingual kRefused{"the meter refused %1 three times",
+                             "lo strumento ha rifiutato %1 tre volte"};
+constexpr Bilingual kNeedsOscillator{
+    "; a frequency of the sky needs the oscillator of its LNB: in a pass \"Tune everything in a "
+    "pass\" (--full-tune), else \"L.O. MHz\" (--oscillator)",
+    "; una frequenza del cielo richiede l'oscillatore del suo LNB: in una passata \"Imposta tutto "
+    "in una passata\" (--full-tune), altrimenti \"O.L. MHz\" (--oscillator)"};
 
 PortFault fault_of(const std::error_code& error) {
     switch (static_cast<std::errc>(error.value())) {
@@ -143,6 +152,11 @@ const char* port_fault_name(PortFault fault) {
             break;
     }
     return "other";
+}
+
+QString refusal_text(const QString& command, const Texts& texts) {
+    const bool tunes = command.startsWith(command::kFrequency);
+    return texts.pick(kRefused).arg(command) + (tunes ? texts.pick(kNeedsOscillator) : QString());
 }
 
 QString port_fault_text(PortFault fault, const QString& device, const Texts& texts) {

@@ -20,6 +20,10 @@ PortFault look_at(const QString& device);
 /// The name of a fault in files that programs read: "no-permission"; never null.
 const char* port_fault_name(PortFault fault);
 
+/// Why the link counts as lost where the meter refused `command` at every attempt, and what helps;
+/// as the end of a sentence.
+QString refusal_text(const QString& command, const Texts& texts);
+
 /// One sentence or two for the user: what is wrong with `device` and what helps. Empty for `none`.
 QString port_fault_text(PortFault fault, const QString& device, const Texts& texts);
 

@@ -8,6 +8,14 @@ QString import_problem_text(ImportProblem problem, const Texts& texts) {
     switch (problem) {
         case ImportProblem::number_taken:
             return texts.message(kProgramExists);
+        case ImportProblem::number_out_of_range:
+            return texts.pick({"Programs are numbered from 000 to 099.",
+                               "I programmi sono numerati da 000 a 099."});
+        case ImportProblem::number_twice:
+            return texts.pick({"Its number stands twice among these rows.",
+                               "Il suo numero compare due volte fra queste righe."});
+        case ImportProblem::empty_program:
+            return texts.pick({"Left out: an empty program.", "Escluso: un programma vuoto."});
         case ImportProblem::position_taken:
             return texts.message(kLoggerPositionExists);
         case ImportProblem::no_number:

@@ -160,6 +160,8 @@ void PlanSets::write_open(const programme::ProgramRecord& record, bool over) {
     if (over) recorder_.will_change(db::table::kProgrammi, *programs_);
     programs_->set(db::field::kNome, plan_);
     programme::write_program(*programs_, record);
+    // The screen stores a number always; what came without one is no bandwidth of 0.
+    if (record.satchbw.isEmpty()) programs_->set(db::field::kSatchbw, QVariant());
     programs_->update();
     if (!over) recorder_.was_added(db::table::kProgrammi, programs_->last_added());
 }
@@ -192,6 +194,7 @@ void PlanSets::open_row_for(const ImportRow& row) {
 }
 
 void PlanSets::apply_import(const ImportPreview& import) {
+    const std::optional<db::Bookmark> current = current_row();
     all_or_nothing([&] {
         need_plan();
         need_room_for(import);
@@ -207,7 +210,7 @@ void PlanSets::apply_import(const ImportPreview& import) {
         if (import.oscillators != oscillators()) write_oscillators(import.oscillators);
         keep_names(import);
     });
-    crea_records(plan_);
+    come_back_to(current);
 }
 
 void PlanSets::keep_names(const ImportPreview& import) {

@@ -133,12 +133,33 @@ void take_cell(ImportCandidate& candidate, const programme::ProgramField& field,
     if (!programme::is_number(plain)) note_unread(candidate, field.name, cell);
 }
 
+/// An export has every column, and what is unset in a program has an empty cell in it. A row that
+/// somebody has added there asks for a number, and for the usual values; but the program that a new
+/// plan begins with has none either.
+bool is_as_exported(const QStringList& names, const QStringList& cells) {
+    const QStringList of_plan{db::field::kNome, kOscillatorColumn};
+    QStringList told;
+    for (const QString& name : header()) {
+        if (!names.contains(name)) return false;
+        if (!of_plan.contains(name)) told += cells.value(names.indexOf(name));
+    }
+    if (!cells.value(names.indexOf(QLatin1String(db::field::kPgNum))).isEmpty()) return true;
+    told.removeAll(QString());
+    return !told.isEmpty() && told.count(QStringLiteral("0")) == told.size();
+}
+
+void leave_unset(ImportCandidate& candidate, const programme::ProgramField& field) {
+    if (std::holds_alternative<QString programme::ProgramRecord::*>(field.member))
+        programme::set_field(candidate.record, field, QString());
+}
+
 ImportCandidate candidate_of_row(const QStringList& names, const CellRow& row, double unit_offset) {
     ImportCandidate candidate{.line = row.line, .record = import_defaults(unit_offset)};
     const auto cell = [&](const char* name) {
         return row.cells.value(names.indexOf(QString::fromLatin1(name)));
     };
     candidate.columns = names;
+    candidate.as_exported = is_as_exported(names, row.cells);
     candidate.oscillator = plain_cell(cell(kOscillatorColumn), false);
     candidate.record.loc_osc = candidate.oscillator.isEmpty();
     if (!candidate.record.loc_osc && !programme::is_number(candidate.oscillator))
@@ -146,7 +167,9 @@ ImportCandidate candidate_of_row(const QStringList& names, const CellRow& row, d
     for (const programme::ProgramField& field : programme::program_fields()) {
         const QString text = cell(field.name);
         // Without a frequency there is no program; all else has a usual value.
-        const bool needed = QLatin1String(field.name) == QLatin1String(db::field::kFrequenza);
+        const bool needed = !candidate.as_exported &&
+                            QLatin1String(field.name) == QLatin1String(db::field::kFrequenza);
+        if (candidate.as_exported) leave_unset(candidate, field);
         if (text.isEmpty()) candidate.empty_cells += QString::fromLatin1(field.name);
         if (needed || !text.isEmpty()) take_cell(candidate, field, text);
     }

@@ -2,6 +2,8 @@
 #include "plan_import.h"
 
 #include <algorithm>
+#include <array>
+#include <set>
 
 #include "box_numbers.h"
 #include "diseqc_commands.h"
@@ -30,6 +32,27 @@ QStringList corrections_of(const ImportCandidate& candidate,
     return candidate.corrections + program_corrections(before, after);
 }
 
+/// Limits that are checked against each other.
+using R = programme::ProgramRecord;
+struct CheckedTogether {
+    QString R::*minimum;
+    QString R::*maximum;
+};
+constexpr std::array kCheckedTogether{
+    CheckedTogether{&R::lev_min, &R::lev_max}, CheckedTogether{&R::noise_min, &R::noise_max},
+    CheckedTogether{&R::chber_min, &R::chber_max}, CheckedTogether{&R::mer_min, &R::mer_max}};
+
+/// What was unset stays so, and with it the other limit of the same measure.
+void keep_unset(R& record, const R& before) {
+    for (QString R::*text : {&R::frequenza, &R::qpsk_symbolrate, &R::satchbw})
+        if ((before.*text).isEmpty()) (record.*text).clear();
+    for (const auto& [minimum, maximum] : kCheckedTogether) {
+        if (!(before.*minimum).isEmpty() && !(before.*maximum).isEmpty()) continue;
+        record.*minimum = programme::number_text(before.*minimum);
+        record.*maximum = programme::number_text(before.*maximum);
+    }
+}
+
 /// Makes the preview program by program: each one sees those before it as part of the plan.
 class Importer {
   public:
@@ -41,6 +64,7 @@ class Importer {
         preview_.oscillators = preview_.oscillators_before = oscillators;
         preview_.replaces_blank = taken_.size() == 1 && programme::is_blank(taken_.front());
         if (preview_.replaces_blank) taken_.clear();
+        fresh_ = taken_.empty();
         for (const programme::ProgramRecord& program : taken_) used_.take(program);
         for (const auto& [number, program] : replaced_) leave_place(program);
         // Numbers that the file names anywhere are left to those programs.
@@ -76,7 +100,7 @@ class Importer {
         for (std::size_t k = 0; k < candidates.size(); ++k) {
             ImportRow& row = preview_.rows[k];
             if (!row.added() || row.record.loc_osc || !row.oscillator.isEmpty()) continue;
-            row.problem = tune(row);
+            row.problem = tune(row, candidates[k]);
             row.corrections = corrections_of(candidates[k], row.record);
         }
     }
@@ -95,6 +119,7 @@ class Importer {
 
     void reserve(programme::ProgramRecord program) {
         if (program.pg_num.isEmpty()) return;
+        if (const auto number = number_of(program)) named_.insert(*number);
         program.pg_num = checked_program_number(program.pg_num);
         used_.take(program);
     }
@@ -119,39 +144,72 @@ class Importer {
         return before.loc_osc || is_same_value(row.oscillator, mhz);
     }
 
+    /// Gives the program its number.
+    ImportProblem number(programme::ProgramRecord& record) const {
+        const bool asks = record.pg_num.isEmpty();
+        const bool proper = asks || number_of(record);
+        record.pg_num = asks ? used_.first_free() : checked_program_number(record.pg_num);
+        if (record.pg_num.isEmpty()) return ImportProblem::no_number;
+        if (proper) return ImportProblem::none;
+        // Where the one it is corrected to is meant for another program, it has none.
+        const bool free = !named_.contains(number_of(record).value_or(0)) &&
+                          find_clash(taken_, record) != Clash::number;
+        return free ? ImportProblem::none : ImportProblem::number_out_of_range;
+    }
+
+    ImportProblem why_taken(const programme::ProgramRecord& record) const {
+        const bool twice = std::ranges::any_of(preview_.rows, [&](const ImportRow& row) {
+            return row.added() && number_of(row.record) == number_of(record);
+        });
+        return twice ? ImportProblem::number_twice : ImportProblem::number_taken;
+    }
+
     ImportProblem fit(ImportRow& row, const ImportCandidate& candidate) {
         replace(row, candidate);
         programme::ProgramRecord& record = row.record;
-        record.pg_num =
-            record.pg_num.isEmpty() ? used_.first_free() : checked_program_number(record.pg_num);
-        if (record.pg_num.isEmpty()) return ImportProblem::no_number;
+        if (candidate.as_exported && programme::is_blank(record))
+            return fresh_ ? tune(row, candidate) : ImportProblem::empty_program;
+        if (const ImportProblem problem = number(record); problem != ImportProblem::none)
+            return problem;
         const QString position = checked_position(record.logger_pos);
         // Without a line it cannot be active in the table.
         if (position.isEmpty() && !record.logger_pos.isEmpty()) record.logger_state = false;
         record.logger_pos = position;
         switch (find_clash(taken_, record)) {
             case Clash::number:
-                return ImportProblem::number_taken;
+                return why_taken(record);
             case Clash::logger_position:
                 return ImportProblem::position_taken;
             case Clash::none:
                 break;
         }
-        return tune(row);
+        return tune(row, candidate);
     }
 
-    ImportProblem tune(ImportRow& row) {
+    /// A new plan takes the oscillators in the places that an export names.
+    std::optional<int> place_oscillator(const ImportRow& row, bool as_exported) {
+        const std::size_t entry = programme::oscillator_entry(row.record);
+        QString& own = preview_.oscillators[entry];
+        if (!fresh_ || !as_exported || !own.trimmed().isEmpty())
+            return programme::place_oscillator(preview_.oscillators, row.record.loc_osc0,
+                                               row.oscillator);
+        own = row.oscillator;
+        return static_cast<int>(entry);
+    }
+
+    ImportProblem tune(ImportRow& row, const ImportCandidate& candidate) {
         programme::ProgramRecord& record = row.record;
         if (!record.loc_osc && !row.oscillator.isEmpty()) {
             row.oscillator =
                 link::plain_text(link::typed_value(checked_oscillator(row.oscillator)));
-            const auto place =
-                programme::place_oscillator(preview_.oscillators, record.loc_osc0, row.oscillator);
+            const auto place = place_oscillator(row, candidate.as_exported);
             if (!place) return ImportProblem::no_oscillator;
             record.loc_osc0 = *place;
         }
         QString oscillator = preview_.oscillators[programme::oscillator_entry(record)];
+        const programme::ProgramRecord before = record;
         correct_fields(record, oscillator, unit_offset_);
+        if (candidate.as_exported) keep_unset(record, before);
         row.oscillator = record.loc_osc ? QString() : oscillator;
         return ImportProblem::none;
     }
@@ -160,6 +218,8 @@ class Importer {
     UsedNumbers used_;
     std::optional<double> unit_offset_;
     NumberedPrograms replaced_;
+    std::set<int> named_;  ///< numbers that the file has for programs of its own
+    bool fresh_ = false;   ///< the plan holds nothing yet
     ImportPreview preview_;
 };
 
@@ -198,6 +258,13 @@ int ImportPreview::added() const {
 int ImportPreview::replaced() const {
     return static_cast<int>(std::ranges::count_if(
         rows, [](const ImportRow& row) { return row.added() && row.replaces; }));
+}
+
+const ImportCandidate* first_without_number(const std::vector<ImportCandidate>& candidates) {
+    const auto found = std::ranges::find_if(candidates, [](const ImportCandidate& candidate) {
+        return !candidate.record.pg_num.isEmpty() && !number_of(candidate.record);
+    });
+    return found == candidates.end() ? nullptr : &*found;
 }
 
 programme::ProgramRecord import_defaults(double unit_offset) {

@@ -25,8 +25,11 @@ enum class ImportProblem {
     out_of_range,       ///< no oscillator brings its frequency into the meter's range
     rate_out_of_range,  ///< the meter measures no such symbol rate
     unreadable,
-    unwanted,    ///< the user does not want it
-    as_in_plan,  ///< the plan has it already, field by field
+    unwanted,             ///< the user does not want it
+    as_in_plan,           ///< the plan has it already, field by field
+    number_out_of_range,  ///< and the one it would be corrected to is not free
+    number_twice,         ///< an earlier program of the same file has it
+    empty_program,        ///< the one that a new plan begins with; such a plan alone takes it
 };
 
 /// A program as a file describes it.
@@ -44,6 +47,8 @@ struct ImportCandidate {
     QStringList columns{};      ///< that its file has, by the names of their fields
     QStringList empty_cells{};  ///< those of them in which nothing stands
     bool wanted = true;
+    /// An empty cell is an unset field, as an export writes it, and asks for no usual value.
+    bool as_exported = false;
 
     /// True where nothing in the file and no choice of the user's is against it.
     bool comes() const { return wanted && problem == ImportProblem::none; }
@@ -77,6 +82,10 @@ struct ImportPreview {
 
 /// What is done with a program whose number the plan has already.
 enum class TakenNumbers { leave_out, replace };
+
+/// Of `candidates` the first whose number is none that a program can have; nullptr where all can be
+/// taken as they are, or have none.
+const ImportCandidate* first_without_number(const std::vector<ImportCandidate>& candidates);
 
 /// The program that a file's gaps are filled from: tuned directly, no supply, no DiSEqC command,
 /// the widest alarm limits in the unit that lies `unit_offset` dB below dBuV.

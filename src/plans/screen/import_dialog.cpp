@@ -62,8 +62,9 @@ ImportDialog::ImportDialog(const ImportFile& file, ImportPreviewer previewer, co
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(summary_);
+    // Above what grows with them: a choice must not move another one under the pointer.
     layout->addLayout(make_choices());
+    layout->addWidget(summary_);
     layout->addWidget(table_);
     layout->addWidget(buttons);
     look_again();

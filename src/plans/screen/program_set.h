@@ -119,6 +119,8 @@ class ProgramSet : public Screen {
                        const programme::ProgramField::Member& member, const QString& text);
     void copy_rows();
     void paste_rows();
+    void take_in(const ImportPreview& preview);
+    void refuse_paste(int line, ImportProblem problem);
     void insert_rows();
     void delete_rows();
     void move_rows(bool up);

@@ -36,6 +36,11 @@ constexpr Bilingual kPlanExists{"The plan %1 already exists.", "Il piano %1 esis
 constexpr Bilingual kCopyInto{"Copy the program into the plan:", "Copia il programma nel piano:"};
 constexpr Bilingual kCopyPlanAs{"Copy the plan under the name:", "Copia il piano con il nome:"};
 
+/// A "/" would be a folder, and what stands behind a "." the kind of file.
+QString file_name_of(QString plan) {
+    return plan.replace(u'/', u'-').replace(u'.', u'-');
+}
+
 [[noreturn]] void throw_plan_file_fault(const QString& path, const QString& reason) {
     throw Fault((path + QStringLiteral(": ") + reason).toStdString());
 }
@@ -55,7 +60,7 @@ QString ProgramSet::ask_file(bool save, const QStringList& filters) {
         };
         follow(filters.constFirst());
         connect(&dialog, &QFileDialog::filterSelected, &dialog, follow);
-        dialog.selectFile(sets_.plan());
+        dialog.selectFile(file_name_of(sets_.plan()));
     }
     return ask_for_file(dialog, program_, FilePurpose::plan);
 }
@@ -91,8 +96,7 @@ void ProgramSet::cmdimport_Click() {
         },
         program_.texts, this);
     if (dialog.exec() != QDialog::Accepted) return;
-    sets_.apply_import(dialog.preview());
-    mostra_record();
+    take_in(dialog.preview());
 }
 
 void ProgramSet::cmdexport_Click() {

@@ -191,19 +191,30 @@ void ProgramSet::paste_rows() {
     if (lacks_plan() || !may_leave()) return;
     const ImportFile file = pasted_rows(QGuiApplication::clipboard()->text(), offset());
     if (file.candidates.empty()) return tell_problem(this, program_.texts.pick(kNothingToPaste));
+    if (const ImportCandidate* without = first_without_number(file.candidates))
+        return refuse_paste(without->line, ImportProblem::number_out_of_range);
     std::optional<double> unit_offset = offset();
     if (program_.corrected.keep_unit) unit_offset.reset();
     const ImportPreview preview = preview_import(
         file.candidates, sets_.programs(), sets_.oscillators(), unit_offset, TakenNumbers::replace);
     if (const ImportRow* refused = first_refused(preview))
-        return tell_problem(this, program_.texts.pick(kRefusedPaste)
-                                      .arg(refused->line)
-                                      .arg(import_problem_text(refused->problem, program_.texts)));
+        return refuse_paste(refused->line, refused->problem);
+    take_in(preview);
+}
+
+/// Stores what comes; the program on the screen stays there.
+void ProgramSet::take_in(const ImportPreview& preview) {
     sets_.apply_import(preview);
     mostra_record();
     tell({kPasted,
           {QString::number(preview.added() - preview.replaced()),
            QString::number(preview.replaced())}});
+}
+
+void ProgramSet::refuse_paste(int line, ImportProblem problem) {
+    tell_problem(this, program_.texts.pick(kRefusedPaste)
+                           .arg(line)
+                           .arg(import_problem_text(problem, program_.texts)));
 }
 
 void ProgramSet::insert_rows() {
