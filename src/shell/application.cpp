@@ -26,6 +26,7 @@
 #include "standard_streams.h"
 #include "system_time.h"
 #include "unattended.h"
+#include "unattended_sweep.h"
 #include "window_end.h"
 #include "work_folder.h"
 
@@ -129,6 +130,14 @@ int measure_unattended(ProgramState& state, db::Database& database, link::PortLi
     return run_unattended(state, database, connection, options);
 }
 
+int sweep_unattended(ProgramState& state, link::PortList ports, const Options& options) {
+    NoView view;
+    MeterConnection connection(state, std::move(ports),
+                               std::make_unique<link::RealClock>(platform::local_time_of_day),
+                               std::make_unique<link::RealPort>(), view, view);
+    return run_sweep(state.texts, connection, options);
+}
+
 int run_windows(Program& program, const Options& options) {
     program.window().show();
     QTimer::singleShot(0, &program.window(), [&program, &options] {
@@ -184,6 +193,8 @@ int run_with_options(int argc, char** argv, const Options& options) {
         return kUsage;
     }
     choose(state, options);
+    // Nothing of a sweep is kept in the database.
+    if (options.sweep) return sweep_unattended(state, ports_of(options), options);
     std::unique_ptr<db::Database> database = find_database(state, options);
     if (!database)
         return platform::times_told_to_end() > 0 ? platform::end_signal_status() : kDatabase;
