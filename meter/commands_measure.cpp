@@ -93,7 +93,7 @@ Reply Interpreter::send_span(const std::string& argument) {
     for (int point = 0; point < kSpanPoints; ++point) {
         const double if_mhz =
             kSpanStartMhz + (kSpanEndMhz - kSpanStartMhz) * point / (kSpanPoints - 1);
-        const double level = Receiver::span_level(state_.settings, if_mhz);
+        const double level = receiver_.span_level(state_.settings, if_mhz);
         text += fixed(state_.settings.to_shown(if_mhz), 1) + separator +
                 fixed(level + kDetectorOffsetDb, 1) + "\r\n";
     }

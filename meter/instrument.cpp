@@ -3,21 +3,35 @@
 
 namespace meter {
 
-Instrument::Instrument(const Options& options)
+namespace {
+
+/// One seed for all that is chance.
+SkyOptions sky_of(const Options& options) {
+    SkyOptions sky = options.sky;
+    sky.chance.seed = options.seed;
+    return sky;
+}
+
+}  // namespace
+
+Instrument::Instrument(const Options& options, const SecondsClock& clock)
     : jitter_(options.seed),
       line_noise_(~options.seed),
-      receiver_(jitter_),
+      sky_(PointedSky::of(sky_of(options), clock)),
+      receiver_(jitter_, sky_ ? sky_->reception() : fixed_reception()),
       state_(options.version_text),
       interpreter_(state_, receiver_),
       faults_(options.faults, options.fault_after, options.fault_on),
       late_seconds_(options.late_seconds) {
     for (int slot = 0; options.no_satellites && slot < kSatelliteSlots; ++slot)
         state_.satellites.clear(slot);
+    if (sky_) state_.motor.take_time();
     prefill_logger(state_, options.logger_bytes, receiver_);
 }
 
 Delivery Instrument::handle(const std::string& line) {
     Delivery delivery;
+    if (sky_) sky_->catch_up(state_.motor);
     if (line.empty()) {
         asleep_ = false;
         return delivery;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -9,6 +10,7 @@
 #include "interpreter.h"
 #include "jitter.h"
 #include "options.h"
+#include "pointed_sky.h"
 #include "receiver.h"
 #include "state.h"
 
@@ -17,7 +19,9 @@ namespace meter {
 /// The whole meter behind its line: commands in, deliveries out.
 class Instrument {
   public:
-    explicit Instrument(const Options& options);
+    /// `clock` is asked by the sky of satellites alone. Throws std::runtime_error where that sky is
+    /// wanted and has no tables.
+    explicit Instrument(const Options& options, const SecondsClock& clock = steady_seconds);
 
     Instrument(const Instrument&) = delete;
     Instrument& operator=(const Instrument&) = delete;
@@ -29,9 +33,13 @@ class Instrument {
     const State& state() const { return state_; }
     bool asleep() const { return asleep_; }
 
+    /// The satellites above the dish; null under the fixed sky.
+    const PointedSky* sky() const { return sky_.get(); }
+
   private:
     Jitter jitter_;
     Jitter line_noise_;
+    std::unique_ptr<PointedSky> sky_;  ///< null under the fixed sky
     Receiver receiver_;
     State state_;
     Interpreter interpreter_;

@@ -2,12 +2,14 @@
 #include "motor.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace meter {
 
 namespace {
 
 constexpr int kStepsPerSecond = 10;
+constexpr int kTimedStepsPerSecond = 15;
 
 std::string limit_text(const std::optional<int>& limit) {
     return limit ? std::to_string(*limit) : "none";
@@ -16,24 +18,54 @@ std::string limit_text(const std::optional<int>& limit) {
 }  // namespace
 
 void Motor::tick() {
-    if (direction_ != 0) move_to(position_ + direction_);
+    if (!takes_time_ && direction_ != 0) position_ = within_limits(position_ + direction_);
+}
+
+void Motor::turn_for(double seconds) {
+    if (!takes_time_ || direction_ == 0) return;
+    steps_due_ += seconds * kTimedStepsPerSecond;
+    while (direction_ != 0 && steps_due_ >= 1.0) {
+        steps_due_ -= 1.0;
+        step();
+    }
+}
+
+void Motor::step() {
+    const int next = within_limits(position_ + direction_);
+    if (next == position_ || next == target_) stop();
+    position_ = next;
+}
+
+int Motor::within_limits(int position) const {
+    if (east_limit_) position = std::min(position, *east_limit_);
+    if (west_limit_) position = std::max(position, *west_limit_);
+    return position;
 }
 
 void Motor::move_to(int position) {
-    position_ = position;
-    if (east_limit_) position_ = std::min(position_, *east_limit_);
-    if (west_limit_) position_ = std::max(position_, *west_limit_);
+    stop();
+    const int target = within_limits(position);
+    if (!takes_time_) {
+        position_ = target;
+    } else if (target != position_) {
+        direction_ = target > position_ ? 1 : -1;
+        target_ = target;
+    }
 }
 
 void Motor::stop() {
     direction_ = 0;
+    steps_due_ = 0.0;
+    target_.reset();
 }
 
 void Motor::start_east() {
+    stop();
     direction_ = 1;
 }
 
 void Motor::start_west() {
+    stop();
     direction_ = -1;
 }
 
@@ -56,25 +88,31 @@ void Motor::store(int position) {
 
 void Motor::recall(int position) {
     const auto found = stored_.find(position);
-    if (found != stored_.end()) {
-        direction_ = 0;
-        move_to(found->second);
-    }
+    if (found != stored_.end()) move_to(found->second);
 }
 
 void Motor::drive(bool east, int amount, bool in_steps) {
-    const int steps = in_steps ? amount : amount * kStepsPerSecond;
-    direction_ = 0;
+    const int a_second = takes_time_ ? kTimedStepsPerSecond : kStepsPerSecond;
+    const int steps = in_steps ? amount : amount * a_second;
     move_to(east ? position_ + steps : position_ - steps);
 }
 
 void Motor::recalculate() {
     for (auto& [number, steps] : stored_) steps -= position_;
+    if (target_) *target_ -= position_;
+    recounted_ += position_;
     position_ = 0;
 }
 
 void Motor::reset() {
+    const int reference_away = shaft();
+    const bool takes_time = takes_time_;
     *this = Motor();
+    if (!takes_time) return;
+    // The shaft is not put back by forgetting where it stands.
+    take_time();
+    position_ = reference_away;
+    move_to(0);
 }
 
 std::string Motor::describe() const {

@@ -7,11 +7,19 @@
 
 namespace meter {
 
-/// The dish positioner. Positions are steps, east counted positive, 0 the reference.
+/// The dish positioner. Positions are steps, east counted positive, 0 the reference. A motor that
+/// takes no time is where it is sent at once, and turns one step with each command while it is
+/// started; one that takes its time turns as the clock says.
 class Motor {
   public:
+    /// From now on it takes its time, 15 steps a second.
+    void take_time() { takes_time_ = true; }
+
     /// Turns one step when the motor is under way; call it once for each command received.
     void tick();
+
+    /// Turns as far as it comes in so many seconds.
+    void turn_for(double seconds);
 
     void stop();
     void start_east();
@@ -29,11 +37,23 @@ class Motor {
     void reset();
 
     int position() const { return position_; }
+
+    /// Where the shaft really stands: steps east of where it was at the start, however the
+    /// positions are counted now.
+    int shaft() const { return position_ + recounted_; }
+
+    bool turning() const { return direction_ != 0; }
     std::string describe() const;
 
   private:
     void move_to(int position);
+    int within_limits(int position) const;
+    void step();
 
+    bool takes_time_ = false;
+    double steps_due_ = 0.0;
+    std::optional<int> target_;
+    int recounted_ = 0;
     int position_ = 0;
     int direction_ = 0;
     std::optional<int> east_limit_ = 700;

@@ -52,6 +52,40 @@ bool take_seed(Options& options, const std::string& value) {
     return good;
 }
 
+bool take_share(double& target, const std::string& value) {
+    const auto percent = whole_number(value, 0, 100);
+    target = percent.value_or(0);
+    return percent.has_value();
+}
+
+bool take_sky(Options& options, const std::string& value) {
+    options.sky.orbit = value == "orbit";
+    return options.sky.orbit || value == "fixed";
+}
+
+bool take_lnb(Options& options, const std::string& value) {
+    const auto lnb = lnb_of_name(value);
+    if (lnb) options.sky.lnb = *lnb;
+    return lnb.has_value();
+}
+
+bool take_dish(Options& options, const std::string& value) {
+    const auto centimetres = whole_number(value, 30, 1000);
+    if (centimetres) options.sky.chance.dish_cm = *centimetres;
+    return centimetres.has_value();
+}
+
+bool take_backlash(Options& options, const std::string& value) {
+    const auto steps = whole_number(value, 0, kMostBacklash);
+    options.sky.backlash = steps.value_or(0);
+    return steps.has_value();
+}
+
+bool take_cn(Options& options, const std::string& value) {
+    options.sky.chance.cn_db = decimal_number(value);
+    return options.sky.chance.cn_db.has_value();
+}
+
 bool take_fault(Options& options, const std::string& value) {
     const auto fault = parse_fault(value);
     if (fault) options.faults.push_back(*fault);
@@ -66,7 +100,7 @@ constexpr std::array kTable{
     Option{"--logger-bytes", "N", "fill the logger with about N bytes of logs", take_logger_bytes},
     Option{"--no-satellites", "", "start with all satellite slots empty",
            [](Options& o, const std::string&) { return o.no_satellites = true; }},
-    Option{"--seed", "N", "seed of the measuring jitter (1)", take_seed},
+    Option{"--seed", "N", "seed of the measuring jitter and of the orbit (1)", take_seed},
     Option{"--baud-factor", "X", "answer at X times 38400 baud; 0: at once (1)",
            [](Options& o, const std::string& v) { return take_decimal(o.baud_factor, v); }},
     Option{"--delay", "MS", "processing time before an answer (2)",
@@ -78,6 +112,29 @@ constexpr std::array kTable{
            [](Options& o, const std::string& v) { return take_text(o.fault_on, v); }},
     Option{"--late", "SECONDS", "delay of the fault late (3)",
            [](Options& o, const std::string& v) { return take_decimal(o.late_seconds, v); }},
+    Option{"--sky", "NAME", "fixed, or orbit: satellites above a dish (fixed)", take_sky},
+    Option{"--sky-tables", "DIR", "DVB scan tables of the orbit (/usr/share/dvb/dvb-s)",
+           [](Options& o, const std::string& v) { return take_text(o.sky.tables, v); }},
+    Option{"--dish", "CM", "diameter of the dish, 30 to 1000 (80)", take_dish},
+    Option{"--point", "POSITION", "where the dish looks at the start (13.0E)",
+           [](Options& o, const std::string& v) { return parse_position(v, o.sky.point_east); }},
+    Option{"--backlash", "N", "steps of play in the motor, 0 to 3 (0)", take_backlash},
+    Option{"--lnb", "NAME", "universal, single, circular or c-band (universal)", take_lnb},
+    Option{"--cn", "DB", "C/N of every satellite on the axis (by its power)", take_cn},
+    Option{"--off-air", "PERCENT", "listed transponders that are silent (20)",
+           [](Options& o, const std::string& v) {
+               return take_share(o.sky.chance.off_air_percent, v);
+           }},
+    Option{"--unlisted", "PERCENT", "transponders that no table lists (10)",
+           [](Options& o, const std::string& v) {
+               return take_share(o.sky.chance.unlisted_percent, v);
+           }},
+    Option{
+        "--drift", "MHZ", "the most that the LNB has drifted (3)",
+        [](Options& o, const std::string& v) { return take_decimal(o.sky.chance.drift_mhz, v); }},
+    Option{
+        "--weather", "DB", "the deepest fade of the satellites (1)",
+        [](Options& o, const std::string& v) { return take_decimal(o.sky.chance.weather_db, v); }},
     Option{"--trace", "FILE", "write every exchange to FILE",
            [](Options& o, const std::string& v) { return take_text(o.trace, v); }},
     Option{"--state", "FILE", "write the kept state to FILE on SIGUSR1 and at the end",

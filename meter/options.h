@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "faults.h"
+#include "sky_options.h"
 
 namespace meter {
 
@@ -25,6 +26,7 @@ struct Options {
     int fault_after = 0;
     std::string fault_on;
     double late_seconds = 3.0;
+    SkyOptions sky;
     std::string trace;
     std::string state;
     bool help = false;

@@ -2,19 +2,10 @@
 #pragma once
 
 #include "jitter.h"
+#include "reception.h"
 #include "settings.h"
-#include "sky.h"
 
 namespace meter {
-
-/// Result of the QPSK demodulator; without lock the BERs are at their ceiling, MER at its floor.
-struct QpskQuality {
-    bool locked = false;
-    double channel_ber = 0.0;
-    double corrected_ber = 0.0;
-    double offset_mhz = 0.0;
-    double mer_db = 0.0;
-};
 
 /// A value with its range mark: "<" below the range, ">" above it, a blank within it.
 struct Reading {
@@ -22,10 +13,11 @@ struct Reading {
     double value = 0.0;
 };
 
-/// Measures what the sky delivers at the tuning given. Levels are dBuV, ratios dB.
+/// Measures what is received at the tuning given. Levels are dBuV, ratios dB.
 class Receiver {
   public:
-    explicit Receiver(Jitter& jitter);
+    /// Both have to outlive the receiver.
+    explicit Receiver(Jitter& jitter, const Reception& reception = fixed_reception());
 
     /// Carrier level in the measuring filter.
     double level(const Settings& settings);
@@ -43,10 +35,11 @@ class Receiver {
     QpskQuality qpsk(const Settings& settings);
 
     /// Level at any IF without jitter, for the span display.
-    static double span_level(const Settings& settings, double if_mhz);
+    double span_level(const Settings& settings, double if_mhz) const;
 
   private:
     Jitter& jitter_;
+    const Reception& reception_;
 };
 
 /// The level in the unit chosen, limited to 20..120 dBuV and to what the attenuator allows

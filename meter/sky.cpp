@@ -5,13 +5,11 @@
 #include <cmath>
 
 #include "decibel.h"
+#include "lnb.h"
 
 namespace meter {
 
 namespace {
-
-constexpr double kTerrestrialEndMhz = 900.0;
-constexpr int kLowestHighVolt = 16;
 
 double normal_cdf(double x) {
     return 0.5 * std::erfc(-x / std::sqrt(2.0));
@@ -58,10 +56,9 @@ const Carrier* strongest(const Spectrum& spectrum, double low_mhz, double high_m
 }
 
 const Spectrum& received_spectrum(const Settings& settings) {
-    if (settings.oscillator.number == 0 && settings.if_mhz < kTerrestrialEndMhz)
-        return terrestrial_spectrum();
-    const bool high_voltage = settings.lnb_on && settings.lnb_volt >= kLowestHighVolt;
-    return satellite_spectrum(high_voltage, settings.lnb_on && settings.tone_on);
+    if (is_terrestrial(settings)) return terrestrial_spectrum();
+    const LnbState state = lnb_state(settings);
+    return satellite_spectrum(state.high_voltage, state.tone);
 }
 
 }  // namespace meter

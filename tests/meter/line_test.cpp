@@ -35,6 +35,7 @@ class TestLine : public QObject {
     void trace_file();
     void default_options();
     void all_options();
+    void options_of_the_sky();
     void refused_options_data();
     void refused_options();
     void help_names_every_option();
@@ -137,6 +138,8 @@ void TestLine::default_options() {
     QCOMPARE(options.version_text, std::string("V3.1.0 PLUS"));
     QCOMPARE(options.baud_factor, 1.0);
     QCOMPARE(options.late_seconds, 3.0);
+    QVERIFY(!options.sky.orbit && !options.sky.chance.cn_db);
+    QCOMPARE(options.sky.point_east, 13.0);
     QVERIFY(!options.logger_bytes && options.faults.empty() && !options.help && !options.version);
 }
 
@@ -181,6 +184,25 @@ void TestLine::all_options() {
     QVERIFY(std::get<meter::Options>(parse({"--version"})).version);
 }
 
+void TestLine::options_of_the_sky() {
+    const auto options = std::get<meter::Options>(
+        parse({"--sky=orbit", "--sky-tables", "/tmp/t", "--dish=120", "--point", "5.5W",
+               "--backlash", "3", "--lnb=c-band", "--cn", "8.5", "--off-air=30", "--unlisted=0",
+               "--drift", "1.5", "--weather=0"}));
+    QVERIFY(options.sky.orbit);
+    QCOMPARE(options.sky.tables, std::string("/tmp/t"));
+    QCOMPARE(options.sky.chance.dish_cm, 120.0);
+    QCOMPARE(options.sky.point_east, -5.5);
+    QCOMPARE(options.sky.backlash, 3);
+    QCOMPARE(options.sky.lnb.oscillator_mhz, 5150.0);
+    QCOMPARE(options.sky.chance.cn_db.value(), 8.5);
+    QCOMPARE(options.sky.chance.off_air_percent, 30.0);
+    QCOMPARE(options.sky.chance.unlisted_percent, 0.0);
+    QCOMPARE(options.sky.chance.drift_mhz, 1.5);
+    QCOMPARE(options.sky.chance.weather_db, 0.0);
+    QVERIFY(!std::get<meter::Options>(parse({"--sky=fixed"})).sky.orbit);
+}
+
 void TestLine::refused_options_data() {
     QTest::addColumn<QStringList>("arguments");
     QTest::newRow("unknown") << QStringList{"--fast"};
@@ -190,6 +212,13 @@ void TestLine::refused_options_data() {
     QTest::newRow("needless value") << QStringList{"--help=yes"};
     QTest::newRow("fault") << QStringList{"--fault", "fire"};
     QTest::newRow("count") << QStringList{"--logger-bytes", "-1"};
+    QTest::newRow("sky") << QStringList{"--sky", "blue"};
+    QTest::newRow("dish") << QStringList{"--dish", "20"};
+    QTest::newRow("point") << QStringList{"--point", "13"};
+    QTest::newRow("backlash") << QStringList{"--backlash", "4"};
+    QTest::newRow("LNB") << QStringList{"--lnb", "ka"};
+    QTest::newRow("share") << QStringList{"--off-air", "101"};
+    QTest::newRow("C/N") << QStringList{"--cn", "x"};
     QTest::newRow("factor") << QStringList{"--baud-factor", "x"};
 }
 
@@ -205,9 +234,13 @@ void TestLine::refused_options() {
 void TestLine::help_names_every_option() {
     const QString help = QString::fromStdString(meter::help_text());
     for (const char* word :
-         {"--link PATH", "--version-text TEXT", "--logger-bytes N", "--seed N", "--baud-factor X",
-          "--delay MS", "--fault KIND[:N]", "--fault-after M", "--fault-on TEXT", "--late SECONDS",
-          "--trace FILE", "--state FILE", "--help", "--version", "--no-satellites", "wrongecho"})
+         {"--link PATH",     "--version-text TEXT", "--logger-bytes N",   "--seed N",
+          "--baud-factor X", "--delay MS",          "--fault KIND[:N]",   "--fault-after M",
+          "--fault-on TEXT", "--late SECONDS",      "--sky NAME",         "--sky-tables DIR",
+          "--dish CM",       "--point POSITION",    "--backlash N",       "--lnb NAME",
+          "--cn DB",         "--off-air PERCENT",   "--unlisted PERCENT", "--drift MHZ",
+          "--weather DB",    "--trace FILE",        "--state FILE",       "--help",
+          "--version",       "--no-satellites",     "wrongecho"})
         QVERIFY2(help.contains(word), word);
 }
 

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "asking.h"
+#include "sky.h"
 
 namespace {
 

@@ -124,6 +124,7 @@ class TestProcess : public QObject {
     void held_lock_stays_whatever_its_path();
     void help_version_and_usage();
     void unwritable_trace();
+    void orbit_without_tables();
 };
 
 void TestProcess::answers_through_the_device() {
@@ -412,6 +413,16 @@ void TestProcess::unwritable_trace() {
     QCOMPARE(process.exitCode(), 1);
     QCOMPARE(process.readAllStandardError(),
              QByteArray("m47-meter: cannot write /nonexistent/folder/trace\n"));
+}
+
+void TestProcess::orbit_without_tables() {
+    QProcess process;
+    process.start(METER_PROGRAM, {"--sky", "orbit", "--sky-tables", "/nonexistent/tables"});
+    QVERIFY(process.waitForFinished(10000));
+    QCOMPARE(process.exitCode(), 1);
+    QCOMPARE(process.readAllStandardError(),
+             QByteArray("m47-meter: no scan tables in /nonexistent/tables\n"));
+    QVERIFY(process.readAllStandardOutput().isEmpty());
 }
 
 QTEST_GUILESS_MAIN(TestProcess)

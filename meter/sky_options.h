@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <string>
+
+#include "lnb.h"
+#include "orbit.h"
+
+namespace meter {
+
+/// What the command line says of the sky; the rest of it holds for the orbit alone.
+struct SkyOptions {
+    bool orbit = false;
+    std::string tables = "/usr/share/dvb/dvb-s";
+    OrbitOptions chance;
+    Lnb lnb;
+    double point_east = 13.0;
+    int backlash = 0;  ///< steps of the motor
+};
+
+constexpr int kMostBacklash = 3;
+
+}  // namespace meter

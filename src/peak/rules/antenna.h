@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <optional>
+
+namespace m47::peak {
+
+/// A dish on a motor with a meter behind it. A step is a tenth of a degree, east counted up.
+class Antenna {
+  public:
+    virtual ~Antenna() = default;
+
+    /// Turns the shaft by so many steps, not 0, and comes back once it has turned. False when the
+    /// motor could not be told.
+    virtual bool drive(int steps) = 0;
+
+    /// Stops the motor; told also when it stands. Never throws.
+    virtual void stop() noexcept = 0;
+
+    /// The level where the meter is tuned, dB of whatever unit it has; nothing when there was none.
+    virtual std::optional<double> level() = 0;
+
+    /// The MER of the carrier there, dB; nothing without lock.
+    virtual std::optional<double> mer() = 0;
+};
+
+}  // namespace m47::peak

@@ -1,0 +1,266 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "peak_search.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace m47::peak {
+namespace {
+
+// What stands out by less in single readings is not looked at more closely.
+constexpr double kStandsOutDb = 0.1;
+// Beside a peak that is one it is lower by this at least. A lock is a sign as well.
+constexpr double kBendDb = 0.25;
+constexpr double kLockedBendDb = 0.1;
+// Noise alone is nowhere so much stronger than elsewhere.
+constexpr double kAboveAllDb = 0.8;
+// Readings of one place that differ by more are taken once more.
+constexpr double kScatterDb = 0.35;
+constexpr int kMostReadings = 4;
+constexpr int kRounds = 5;
+// The mean of two readings is off by so much, and the peak may be by so many steps.
+constexpr double kMeanErrorDb = 0.085;
+constexpr double kPeakErrorSteps = 0.25;
+constexpr int kMostPasses = 3;
+// A centre that is off by more than this is looked at anew around the better one.
+constexpr double kCentred = 3.0;
+// Two satellites whose distances differ by less have to be known better before one is chosen.
+constexpr double kAlike = 8.0;
+constexpr int kLongestDrive = 10;
+constexpr double kWorseDb = 0.5;
+
+/// How a search ends before its end.
+struct Ended {
+    SearchEnd how;
+};
+
+/// However the search ends, the motor does not go on.
+class Stopped {
+  public:
+    explicit Stopped(Antenna& antenna) : antenna_(antenna) {}
+    ~Stopped() { antenna_.stop(); }
+    Stopped(const Stopped&) = delete;
+    Stopped& operator=(const Stopped&) = delete;
+
+  private:
+    Antenna& antenna_;
+};
+
+bool within(double value, double limit) {
+    return std::abs(value) <= limit;
+}
+
+}  // namespace
+
+SearchResult PeakSearch::run() {
+    const Stopped stopped(antenna_);
+    result_ = {};
+    from_west_ = false;
+    refuted_.clear();
+    try {
+        result_.end = search();
+    } catch (const Ended& ended) {
+        result_.end = ended.how;
+    }
+    return result_;
+}
+
+SearchEnd PeakSearch::search() {
+    const double start_db = mean_level();
+    const auto satellite = nearest_satellite();
+    if (satellite) {
+        const int peak = std::max(lowest(), static_cast<int>(std::lround(*satellite)));
+        move_to(peak);
+        if (mean_level() >= start_db - kWorseDb) {
+            result_.peak = satellite;
+            result_.curve = curve_.points;
+            result_.by_carrier = curve_.of_carrier;
+            return SearchEnd::found;
+        }
+    }
+    move_to(0);
+    return SearchEnd::nothing_better;
+}
+
+/// The look around goes on, to both sides alike, until a satellite is seen and nothing nearer can
+/// be where nobody looked.
+std::optional<double> PeakSearch::nearest_satellite() {
+    for (int reach = options_.first_look;; reach += options_.coarse) {
+        const bool all = !look_as_far_as(reach);
+        const auto seen = satellites_in(result_.looked, kStandsOutDb);
+        const double sure = all ? options_.span : reach - options_.coarse / 2.0;
+        if (!seen.empty() && within(seen.front(), sure))
+            if (const auto found = decide(seen)) return found;
+        if (all) return std::nullopt;
+    }
+}
+
+/// False when there is no farther to look.
+bool PeakSearch::look_as_far_as(int reach) {
+    bool looked = false;
+    for (int steps = -reach; steps <= reach; steps += options_.coarse) looked |= look_at(steps);
+    return looked;
+}
+
+bool PeakSearch::look_at(int steps) {
+    const auto known = [&](const Point& point) { return point.steps == steps; };
+    if (steps < lowest() || steps > options_.span) return false;
+    if (std::ranges::any_of(result_.looked, known)) return false;
+    move_to(steps);
+    result_.looked.push_back({steps, level()});
+    if (on_point) on_point(result_.looked.back(), true);
+    return true;
+}
+
+/// The first of them, from the nearest on, that proves to be one; of two whose distances are alike,
+/// the one that is nearer when looked at closely.
+std::optional<double> PeakSearch::decide(const std::vector<double>& satellites) {
+    std::optional<double> best;
+    Curve of_best;
+    for (const double about : satellites) {
+        if (best && std::abs(about) - std::abs(*best) > kAlike) break;
+        const auto found = refine(about);
+        if (!found || (best && std::abs(*found) >= std::abs(*best))) continue;
+        best = found;
+        of_best = curve_;
+    }
+    curve_ = of_best;
+    return best;
+}
+
+std::optional<double> PeakSearch::refine(double about) {
+    const auto same = [&](double other) { return within(about - other, kCentred); };
+    if (std::ranges::any_of(refuted_, same)) return std::nullopt;
+    const auto found = close_look(about);
+    if (!found) refuted_.push_back(about);
+    return found;
+}
+
+std::optional<double> PeakSearch::close_look(double about) {
+    std::optional<Curve> wide;
+    int beside = options_.fine;
+    for (int round = 0; round < kRounds; ++round) {
+        curve_ = points_around(about, beside);
+        const auto found = summit(curve_.points);
+        const bool centred = found && within(*found - curve_.centre, kCentred);
+        const bool could_lock = !curve_.of_carrier && curve_.locked_amid && !wide;
+        if (centred && !could_lock) break;
+        if (centred) {
+            // Nearer to the peak the carrier keeps its lock.
+            wide = curve_;
+            beside = beside * 2 / 3;
+        }
+        about = next_centre(found, beside);
+    }
+    if (wide && !(curve_.of_carrier && is_peak())) curve_ = *wide;
+    return is_peak() ? sharpened() : std::nullopt;
+}
+
+/// Where to look next: at the summit, or beyond the higher end where none is seen.
+double PeakSearch::next_centre(const std::optional<double>& found, int beside) const {
+    const double reach = 2.0 * beside;
+    const double centre = curve_.centre;
+    if (found) return std::clamp(*found, centre - reach, centre + reach);
+    const bool east = curve_.points.back().db > curve_.points.front().db;
+    return east ? centre + beside : centre - beside;
+}
+
+/// By how much the middle is higher than what is beside it.
+double PeakSearch::bend() const {
+    const auto& points = curve_.points;
+    return points[1].db - (points[0].db + points[2].db) / 2;
+}
+
+bool PeakSearch::is_peak() const {
+    if (curve_.of_carrier) return bend() >= kLockedBendDb;
+    const double lowest = std::ranges::min(result_.looked, {}, &Point::db).db;
+    return bend() >= kBendDb && curve_.points[1].db >= lowest + kAboveAllDb;
+}
+
+/// The flatter the curve is against the scatter, the more often its points are taken.
+std::optional<double> PeakSearch::sharpened() {
+    const double error = curve_.beside * kMeanErrorDb * std::numbers::sqrt2 / (4 * bend());
+    const double passes = std::ceil(std::pow(error / kPeakErrorSteps, 2));
+    for (int pass = 1; pass < std::min<double>(passes, kMostPasses); ++pass) {
+        const Curve again = points_around(curve_.centre, curve_.beside);
+        // What is of the carrier and what is not cannot be mixed.
+        if (again.of_carrier != curve_.of_carrier) break;
+        curve_.points.insert(curve_.points.end(), again.points.begin(), again.points.end());
+    }
+    const auto found = summit(curve_.points);
+    return found && within(*found - curve_.centre, 2.0 * kCentred) ? found : std::nullopt;
+}
+
+PeakSearch::Curve PeakSearch::points_around(double about, int beside) {
+    beside = std::min(beside, (options_.span - lowest()) / 2);
+    const int centre =
+        std::clamp(static_cast<int>(std::lround(about)), lowest() + beside, options_.span - beside);
+    std::vector<Point> levels;
+    std::vector<Point> carriers;
+    bool amid = false;
+    for (const int steps : {centre - beside, centre, centre + beside}) {
+        move_to(steps);
+        levels.push_back({steps, mean_level()});
+        // Without a lock in the middle there is none to be had beside it.
+        const auto mer = steps <= centre || amid ? this->mer() : std::nullopt;
+        if (mer) carriers.push_back({steps, carrier_level(levels.back().db, *mer)});
+        amid |= mer && steps == centre;
+        if (on_point) on_point(levels.back(), false);
+    }
+    if (carriers.size() == levels.size()) return {carriers, centre, beside, true, amid};
+    return {levels, centre, beside, false, amid};
+}
+
+std::optional<double> PeakSearch::mer() {
+    go_on();
+    ++result_.readings;
+    return antenna_.mer();
+}
+
+double PeakSearch::level() {
+    // One answer can get lost on the line.
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        go_on();
+        ++result_.readings;
+        if (const auto value = antenna_.level()) return *value;
+    }
+    throw Ended{SearchEnd::lost};
+}
+
+double PeakSearch::mean_level() {
+    double sum = level();
+    double least = sum;
+    double most = sum;
+    int count = 1;
+    do {
+        const double next = level();
+        least = std::min(least, next);
+        most = std::max(most, next);
+        sum += next;
+        ++count;
+    } while (count < kMostReadings && (most - least) / count > kScatterDb / 2);
+    return sum / count;
+}
+
+void PeakSearch::move_to(int steps) {
+    steps = std::clamp(steps, lowest(), options_.span);
+    if (steps < result_.shaft || !from_west_) drive_to(steps - options_.backlash);
+    from_west_ = true;
+    drive_to(steps);
+}
+
+void PeakSearch::drive_to(int steps) {
+    while (steps != result_.shaft) {
+        go_on();
+        const int by = std::clamp(steps - result_.shaft, -kLongestDrive, kLongestDrive);
+        result_.shaft += by;
+        if (!antenna_.drive(by)) throw Ended{SearchEnd::lost};
+    }
+}
+
+void PeakSearch::go_on() const {
+    if (cancelled && cancelled()) throw Ended{SearchEnd::cancelled};
+}
+
+}  // namespace m47::peak

@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "antenna.h"
+#include "beam_fit.h"
+
+namespace m47::peak {
+
+struct SearchOptions {
+    int span = 50;        ///< steps, at least 10; the shaft never leaves this around its start
+    int backlash = 4;     ///< steps; at least the play of any gear
+    int coarse = 10;      ///< steps between the points of the look around, less than a beam
+    int first_look = 20;  ///< steps; how far the first look goes to either side
+    int fine = 6;         ///< steps from the peak to the points beside it
+};
+
+/// How a search has ended.
+enum class SearchEnd {
+    found,           ///< the dish looks at the peak
+    nothing_better,  ///< the shaft is back where it was
+    cancelled,       ///< the dish stands where it was then
+    lost,            ///< the motor could not be told, or the meter gave no value
+};
+
+/// What a search has found, and what it took.
+struct SearchResult {
+    SearchEnd end = SearchEnd::lost;
+    std::optional<double> peak;  ///< steps of the shaft east of the start, where one was found
+    int shaft = 0;               ///< where it stands, the same
+    int readings = 0;
+    bool by_carrier = false;  ///< the peak is that of the locked carrier, not of all in the filter
+    std::vector<Point> looked;  ///< levels of the look around
+    std::vector<Point> curve;   ///< around the peak, as fitted
+};
+
+/// Finds the peak of the satellite that is nearest to where the dish looks. Every place is come to
+/// from the west, so the play of the gear is always the same; drives are of a degree at most, each
+/// ends by itself within the span, and the motor is stopped however the search ends.
+class PeakSearch {
+  public:
+    PeakSearch(Antenna& antenna, const SearchOptions& options)
+        : antenna_(antenna), options_(options) {}
+
+    /// Asked before each drive and each reading; true ends the search.
+    std::function<bool()> cancelled;
+    /// Told of each point as it comes; `looking` while it is one of the look around.
+    std::function<void(const Point& point, bool looking)> on_point;
+
+    /// Searches once. An exception of the antenna or of those told goes through, with the motor
+    /// stopped.
+    SearchResult run();
+
+  private:
+    struct Curve {
+        std::vector<Point> points;  ///< west of the centre, at it, east of it; again so
+        int centre = 0;
+        int beside = 0;
+        bool of_carrier = false;
+        bool locked_amid = false;
+    };
+
+    SearchEnd search();
+    std::optional<double> nearest_satellite();
+    bool look_as_far_as(int reach);
+    bool look_at(int steps);
+    std::optional<double> decide(const std::vector<double>& satellites);
+    std::optional<double> refine(double about);
+    Curve points_around(double about, int beside);
+    std::optional<double> close_look(double about);
+    double next_centre(const std::optional<double>& found, int beside) const;
+    double bend() const;
+    bool is_peak() const;
+    std::optional<double> sharpened();
+    std::optional<double> mer();
+    double level();
+    double mean_level();
+    void move_to(int steps);
+    void drive_to(int steps);
+    void go_on() const;
+    int lowest() const { return options_.backlash - options_.span; }
+
+    Antenna& antenna_;
+    SearchOptions options_;
+    SearchResult result_;
+    Curve curve_;
+    std::vector<double> refuted_;  ///< what looked like a satellite and is none
+    bool from_west_ = false;       ///< the play is closed as every place is come to
+};
+
+}  // namespace m47::peak
