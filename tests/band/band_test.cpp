@@ -147,6 +147,18 @@ void BandTest::a_narrow_carrier_is_not_as_wide_as_the_filter() {
     QVERIFY2(std::abs(found[0].width - 4) <= 2, qPrintable(QString::number(found[0].width)));
 }
 
+/// Where carriers lie over one another their edges are steeper than the filter is wide.
+void BandTest::slopes_that_no_filter_makes_are_not_taken_for_one() {
+    BandCurve curve;
+    for (int k = 0; k <= 100; ++k) {
+        const double outside = std::max(0.0, std::abs(k - 50.0) - 20);
+        const double share = std::clamp(1 - outside / 4, 0.001, 1.0);
+        curve.take({1000.0 + k, reading(50 + level_of(share))});
+    }
+    QVERIFY(!measured_filter(curve));
+    QVERIFY(!measured_filter(BandCurve()));
+}
+
 void BandTest::a_carrier_at_the_end_of_the_band_is_none() {
     const SweepPlan plan = swept({{925, 30, 50}, {1100, 30, 50}}, {920, 1110, {}});
     const std::vector<Carrier> found = find_carriers(plan.curve());

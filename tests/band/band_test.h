@@ -19,6 +19,7 @@ class BandTest : public QObject {
     void an_empty_band_is_asked_coarsely_alone();
     void carriers_have_centre_width_level_and_height();
     void a_narrow_carrier_is_not_as_wide_as_the_filter();
+    void slopes_that_no_filter_makes_are_not_taken_for_one();
     void a_carrier_at_the_end_of_the_band_is_none();
     void what_is_asked_stays_bounded();
     // sweep_table_test.cpp

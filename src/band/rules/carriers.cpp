@@ -17,8 +17,9 @@ constexpr double kWide = 2.0;
 constexpr double kClear = 8.0;
 /// The filter may be so much wider than its slopes show, MHz.
 constexpr double kFilterDoubt = 0.5;
-constexpr double kLeastFilter = 2;
-constexpr double kMostFilter = 14;
+/// Slopes of less or more are those of carriers that lie over one another, MHz.
+constexpr double kLeastFilter = 6;
+constexpr double kMostFilter = 12;
 
 /// The lowest power on one side of `peak`: its valley, or what is lower a little farther on.
 double floor_power(const BandCurve& curve, const Peak& peak, bool to_the_right) {
