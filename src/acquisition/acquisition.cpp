@@ -31,6 +31,24 @@ constexpr Bilingual kNoneMonitored{
     "Nessuna misura: nessun programma di questo piano è monitorato. Spuntare \"Status\" nelle "
     "opzioni di monitoraggio della schermata dei piani."};
 
+constexpr Bilingual kNoPlanAtAll{
+    "There is no plan to be opened: make one on the plan screen (Ctrl+1).",
+    "Non c'è alcun piano da aprire: crearne uno nella schermata dei piani (Ctrl+1)."};
+constexpr Bilingual kNoPlanBefore{
+    "No plan comes before this one: the plan screen makes another one (Ctrl+1).",
+    "Nessun piano precede questo: la schermata dei piani ne crea un altro (Ctrl+1)."};
+constexpr Bilingual kNoPlanAfter{
+    "No plan comes after this one: the plan screen makes another one (Ctrl+1).",
+    "Nessun piano segue questo: la schermata dei piani ne crea un altro (Ctrl+1)."};
+constexpr Bilingual kNoProgramBefore{
+    "No monitored program comes before this one: tick \"Status\" of others on the plan screen.",
+    "Nessun programma monitorato precede questo: spuntare \"Status\" di altri nella schermata dei "
+    "piani."};
+constexpr Bilingual kNoProgramAfter{
+    "No monitored program comes after this one: tick \"Status\" of others on the plan screen.",
+    "Nessun programma monitorato segue questo: spuntare \"Status\" di altri nella schermata dei "
+    "piani."};
+
 /// With no plan open the record sets cannot move; that ends the handler and needs no message. A
 /// database that cannot be read is told.
 void quietly(const std::function<void()>& body) {
@@ -66,35 +84,47 @@ void Acquisition::single() {
     rules_.state.acq_kind = realtime::kSingleElement;
 }
 
-void Acquisition::change_plan(Move move) {
-    quietly([this, move] {
-        (rules_.plans.*move)();
+void Acquisition::step_plan(Step step, const Bilingual& end) {
+    bool moved = false;
+    quietly([this, step, &moved] {
+        moved = (rules_.plans.*step)();
         pass_.plan_changed();
     });
+    if (!moved) tell_no_step(end);
 }
 
-void Acquisition::change_program(Move move) {
-    quietly([this, move] { (rules_.plans.*move)(); });
+void Acquisition::step_program(Step step, const Bilingual& end) {
+    bool moved = false;
+    quietly([this, step, &moved] { moved = (rules_.plans.*step)(); });
+    if (!moved) tell_no_step(end);
+}
+
+void Acquisition::tell_no_step(const Bilingual& end) const {
+    rules_.program.costs.tell_each(rules_.modes.rs_programs ? end : kNoPlanAtAll);
 }
 
 void Acquisition::group() {
-    change_plan(&realtime::PlanWalk::first_plan);
+    quietly([this] {
+        rules_.plans.first_plan();
+        pass_.plan_changed();
+    });
+    if (!rules_.modes.rs_programs) tell_no_step(kNoPlanAtAll);
 }
 
 void Acquisition::previous() {
-    change_plan(&realtime::PlanWalk::previous_plan);
+    step_plan(&realtime::PlanWalk::previous_plan, kNoPlanBefore);
 }
 
 void Acquisition::next() {
-    change_plan(&realtime::PlanWalk::next_plan);
+    step_plan(&realtime::PlanWalk::next_plan, kNoPlanAfter);
 }
 
 void Acquisition::previous_prog() {
-    change_program(&realtime::PlanWalk::previous_program);
+    step_program(&realtime::PlanWalk::previous_program, kNoProgramBefore);
 }
 
 void Acquisition::next_prog() {
-    change_program(&realtime::PlanWalk::next_program);
+    step_program(&realtime::PlanWalk::next_program, kNoProgramAfter);
 }
 
 void Acquisition::tell_what_lacks() const {

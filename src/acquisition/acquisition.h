@@ -55,11 +55,13 @@ class Acquisition {
     std::optional<link::Activity::Run> run();
 
   private:
-    using Move = void (realtime::PlanWalk::*)();
+    using Step = bool (realtime::PlanWalk::*)();
 
-    /// Another plan; a pass that runs goes on there.
-    void change_plan(Move move);
-    void change_program(Move move);
+    // Another plan, where a pass that runs goes on, or program; `end` is told where there is none.
+    void step_plan(Step step, const Bilingual& end);
+    void step_program(Step step, const Bilingual& end);
+    /// Tells why there is nothing to go to, and what helps: `end` where a plan is open.
+    void tell_no_step(const Bilingual& end) const;
     /// Whoever stops a measurement means the run that goes on as well.
     void or_end_runs(const std::function<void()>& body);
     void end_runs();

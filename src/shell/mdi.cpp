@@ -149,6 +149,7 @@ void M47MDI::open_screen(const QString& key) {
         show_notice(Said{kNoWork, {caption}}.in(program_.texts));
     });
     screen->load();
+    screen->show_words(windows_->words());
     corrected_->join(screen);
     screen->Form_Activate();
     focus_in(screen);
@@ -173,6 +174,10 @@ void M47MDI::connect_window_menu() {
     };
     on(windows_, &WindowMenu::picked, this, "cmdwindow_Click",
        [this](const QString& key) { open_screen(key); });
+    connect(windows_, &WindowMenu::words_wanted, this, [this](bool words) {
+        for (const QString& key : views_.keys())
+            if (Screen* screen = screen_of(key)) screen->show_words(words);
+    });
     connect(windows_, &WindowMenu::tabs_wanted, this, &M47MDI::keep_places_of_screens);
     connect(windows_, &WindowMenu::windows_wanted, this, [this] {
         for (auto view = views_.cbegin(); view != views_.cend(); ++view)

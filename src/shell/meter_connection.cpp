@@ -2,6 +2,7 @@
 #include "meter_connection.h"
 
 #include "port_diagnosis.h"
+#include "port_search.h"
 
 namespace m47::shell {
 
@@ -33,7 +34,10 @@ bool MeterConnection::reconnect() {
 
 QString MeterConnection::fault() const {
     if (claim_.holder()) return link::claim_text(*claim_.holder(), port_->path(), state_.texts);
-    return link::port_fault_text(port_->fault(), port_->path(), state_.texts);
+    const QString fault = link::port_fault_text(port_->fault(), port_->path(), state_.texts);
+    if (!fault.isEmpty() || link_.port_connected) return fault;
+    // It opens all the same, and the other process takes the answers away.
+    return link::other_user_text(port_->path(), state_.texts);
 }
 
 }  // namespace m47::shell

@@ -138,7 +138,8 @@ void StartPage::show_recent(const QList<Recent>& logs, const QList<Recent>& plan
     empty(recent_);
     add_recent(logs, &StartPage::log_asked);
     add_recent(plans, &StartPage::plan_asked);
-    if (recent_->isEmpty()) recent_->addWidget(new QLabel(texts_.pick(kNothingYet)));
+    // Not the layout's isEmpty(): what was just added is not shown yet.
+    if (logs.isEmpty() && plans.isEmpty()) recent_->addWidget(new QLabel(texts_.pick(kNothingYet)));
 }
 
 void StartPage::add_recent(const QList<Recent>& entries,

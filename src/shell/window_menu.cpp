@@ -28,9 +28,10 @@ constexpr WindowEntry kTile{
     {"The screens as windows, side by side", "Le schermate come finestre, una accanto all'altra"}};
 
 constexpr WindowEntry kWords{{"&Words under the keys", "&Parole sotto i tasti"},
-                             {"The keys of the main window say in a word what they open",
-                              "I tasti della finestra principale dicono in una parola che cosa "
-                              "aprono"}};
+                             {"The keys of the toolbars say in a word what they do, where there is "
+                              "room for it",
+                              "I tasti delle barre dicono in una parola che cosa fanno, dove c'è "
+                              "posto"}};
 
 void show_on(QAction* action, const WindowEntry& entry, const Texts& texts) {
     action->setText(texts.pick(entry.caption));
@@ -69,8 +70,13 @@ void WindowMenu::take_toolbar(QToolBar* bar) {
     connect(words_, &QAction::toggled, this, [this](bool words) {
         program_.preferences.keep_toolbar_words(words);
         show_words();
+        Q_EMIT words_wanted(words);
     });
     show_words();
+}
+
+bool WindowMenu::words() const {
+    return words_->isChecked();
 }
 
 void WindowMenu::show_words() {

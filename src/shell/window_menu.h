@@ -25,6 +25,9 @@ class WindowMenu : public QObject {
     /// The keys of `bar` have words under their icons or not, as it was chosen last.
     void take_toolbar(QToolBar* bar);
 
+    /// Whether the keys of the toolbars have words.
+    bool words() const;
+
     /// Whether a screen that opens fills the window.
     bool as_tabs() const { return tabs_->isChecked(); }
 
@@ -36,6 +39,8 @@ class WindowMenu : public QObject {
     void tabs_wanted();
     /// The screens have become windows: each has to be given its place.
     void windows_wanted();
+    /// The keys of the toolbars are to have words, or none any more.
+    void words_wanted(bool words);
     /// The user wants the screen of `key` in front.
     void picked(const QString& key);
 

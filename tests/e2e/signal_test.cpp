@@ -20,6 +20,7 @@ class SignalTest : public QObject {
     void a_window_is_told_to_end();
     void a_window_goes_on();
     void a_second_signal_cuts_the_exchange_off();
+    void the_simulated_meter_ends_with_a_program_that_is_killed();
     void two_signals_at_once_are_one();
     void a_hang_up_that_is_ignored();
     void an_unattended_run_goes_on_data();
@@ -143,6 +144,29 @@ void SignalTest::a_second_signal_cuts_the_exchange_off() {
     QVERIFY(!QFile::exists(window.stand.path("LOGS.TMP")));
     QCOMPARE(window.damage(), QString());
     QCOMPARE(locks_of(id, window.stand.meter.link()), QStringList());
+}
+
+/// The meter that the start page has started outlives no program, however that ends.
+void SignalTest::the_simulated_meter_ends_with_a_program_that_is_killed() {
+    WindowStand window({});
+    window.start();
+    window.order({"click start_simulated"});
+    QVERIFY(window.wait_until_ready());
+    const qint64 id = window.stand.remote.process().processId();
+    const auto meters = [id] {
+        QList<pid_t> found;
+        const QByteArray children =
+            content_of(QStringLiteral("/proc/%1/task/%1/children").arg(id)).simplified();
+        for (const QByteArray& child : children.split(' '))
+            if (content_of("/proc/" + child + "/comm").trimmed() == "m47-meter")
+                found += child.toInt();
+        return found;
+    };
+    QTRY_COMPARE(meters().size(), 1);
+    const pid_t meter = meters().constFirst();
+    QCOMPARE(::kill(static_cast<pid_t>(id), SIGKILL), 0);
+    window.stand.remote.wait();
+    QTRY_VERIFY(::kill(meter, 0) != 0);
 }
 
 /// A terminal that closes tells its programs once itself and once through its shell.

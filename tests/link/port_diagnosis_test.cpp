@@ -6,11 +6,14 @@
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QThread>
 #include <memory>
 
 #include "fake_link_view.h"
@@ -79,6 +82,7 @@ class PortDiagnosisTest : public QObject {
     void a_group_that_may_not_use_it_is_not_named();
     void a_search_asks_each_free_port_in_turn();
     void a_search_leaves_alone_what_another_program_has();
+    void who_has_a_device_open_is_named();
     void a_search_is_stopped_between_two_ports();
 
   private:
@@ -355,6 +359,32 @@ void PortDiagnosisTest::a_search_leaves_alone_what_another_program_has() {
     QFile::remove(lock);
     QCOMPARE(asked, QList<int>());
     QCOMPARE(result.left_alone.size(), 1);
+    QVERIFY2(result.left_alone[0].startsWith("Port 1 was not asked: " + pty.path() +
+                                             " is used by another program. It is "),
+             qPrintable(result.left_alone[0]));
+}
+
+/// Nor does it say so anywhere: it has the device open.
+void PortDiagnosisTest::who_has_a_device_open_is_named() {
+    const QString device = make_file("adapter", QFile::ReadOwner | QFile::WriteOwner);
+    QCOMPARE(other_user_text(device, Texts()), QString());
+    QProcess other;
+    other.start("tail", {"-f", device});
+    QVERIFY(other.waitForStarted());
+    const QDeadlineTimer patience(10000);
+    while (other_user_text(device, Texts()).isEmpty() && !patience.hasExpired()) QThread::msleep(5);
+    QCOMPARE(other_user_text(device, Texts()),
+             QStringLiteral("%1 is open in another process: tail, number %2. End that or choose "
+                            "another port.")
+                 .arg(device)
+                 .arg(other.processId()));
+    // The same by a link, as adapters have them.
+    const QString link = folder_.filePath("by-id");
+    QVERIFY(QFile::link(device, link));
+    QVERIFY(other_user_text(link, Texts()).startsWith(link + " is open in another process"));
+    other.kill();
+    QVERIFY(other.waitForFinished());
+    QCOMPARE(other_user_text(device, Texts()), QString());
 }
 
 void PortDiagnosisTest::a_search_is_stopped_between_two_ports() {

@@ -11,23 +11,19 @@
 
 #include "about_box.h"
 #include "box_answers.h"
-#include "changed_dialog.h"
-#include "clash_dialog.h"
-#include "compare_view.h"
+#include "contrast.h"
 #include "contrast_style.h"
 #include "custom_plot.h"
-#include "import_dialog.h"
-#include "import_report.h"
 #include "layout_faults.h"
 #include "level_view.h"
+#include "message_box.h"
+#include "no_database.h"
+#include "painted_text.h"
 #include "program_in_folder.h"
 #include "realtime.h"
-#include "report_dialog.h"
-#include "report_form.h"
-#include "restore_preview.h"
-#include "sample_programs.h"
+#include "sample_dialogs.h"
 #include "screen_table.h"
-#include "verify_dialog.h"
+#include "start_page.h"
 
 namespace m47::shell {
 namespace {
@@ -84,8 +80,6 @@ class LayoutTest : public QObject, protected ProgramInFolder {
         const char* name;
         std::function<void(Screen*)> enter = [](Screen*) {};
     };
-    using MakeDialog = std::function<QDialog*(QWidget* parent)>;
-
     BoxAnswers boxes_;
 
     static realtime::Realtime& realtime_of(Screen* screen) {
@@ -200,22 +194,88 @@ class LayoutTest : public QObject, protected ProgramInFolder {
         for (const QString& fault : faults) told += where + ": " + fault;
         return told;
     }
-    static plans::ImportFile import_file() {
-        plans::ImportFile file;
-        file.understood = true;
-        for (int k = 0; k < 30; ++k) {
-            plans::ImportCandidate candidate;
-            candidate.line = k + 1;
-            candidate.record = k % 2 ? digital_program() : direct_program();
-            candidate.record.pg_num = QStringLiteral("%1").arg(k + 1, 3, 10, QChar('0'));
-            candidate.name = QStringLiteral("Transponder %1").arg(k);
-            candidate.polarisation = "H";
-            if (k % 5 == 4) candidate.record.frequenza = "500";
-            file.candidates.push_back(candidate);
+    /// Of what the main window shows now.
+    QStringList faults_at_every_size(const QString& name, const QString& state) {
+        QStringList faults;
+        for (const int palette : {kDark, kLight}) {
+            QApplication::setPalette(palette_of(kPalettes[palette]));
+            for (const QSize& desktop : kDesktops) {
+                window().resize(room_on(desktop));
+                settle();
+                const QString where = QStringLiteral("%1 at %2x%3, %4 %, %5")
+                                          .arg(state)
+                                          .arg(desktop.width())
+                                          .arg(desktop.height())
+                                          .arg(100 * scale())
+                                          .arg(kPalettes[palette].name);
+                faults += told(where, layout_faults(&window()));
+                take_picture(&window(), name + ", " + where + ", " + QTest::currentDataTag());
+            }
         }
-        return file;
+        return faults;
     }
-    QMap<QString, MakeDialog> dialogs();
+    /// What is wrong with the texts that the level view writes: out of the window, over one
+    /// another, or not to be read.
+    static QStringList faults_of_texts(level::LevelView& view) {
+        QStringList faults;
+        const QList<PaintedText> texts = painted_texts(view);
+        if (texts.size() < 3) faults += "no texts";
+        for (qsizetype k = 0; k < texts.size(); ++k) {
+            const PaintedText& text = texts[k];
+            if (!QRectF(view.rect()).contains(text.room)) faults += text.text + " is cut";
+            if (contrast(text.colour, Qt::black) < kTextContrast) faults += text.text + " fades";
+            for (qsizetype other = 0; other < k; ++other)
+                if (text.room.intersects(texts[other].room))
+                    faults += text.text + " lies over " + texts[other].text;
+        }
+        return faults;
+    }
+    struct LevelState {
+        const char* name;
+        std::function<void(level::LevelView&)> enter;
+    };
+    static QList<LevelState> level_states() {
+        const auto measured = [](const char* level, measurement::Verdict verdict) {
+            return [level, verdict](level::LevelView& view) {
+                measurement::Measurement value;
+                value.reading(measurement::Quantity::level) =
+                    measurement::reading_of(measurement::Quantity::level, QString(level));
+                value.verdict = verdict;
+                value.unit = kDbuv;
+                value.frequency = 11778.0F;
+                value.program = {"A LONG NAME", "017"};
+                view.measured(value);
+            };
+        };
+        return {{"before the first value", [](level::LevelView&) {}},
+                {"value", measured("58.3", measurement::Verdict::pass)},
+                {"below the peak", measured("-108.7", measurement::Verdict::fail)},
+                {"above the range", measured(">120.0", measurement::Verdict::none)},
+                {"repeated", [](level::LevelView& view) { view.repeats(true); }},
+                {"remark", [](level::LevelView& view) {
+                     view.set_remark(QString("Nothing can be told about it. ").repeated(4));
+                 }}};
+    }
+    using ShowBox = std::function<void()>;
+    QMap<QString, ShowBox> message_boxes() {
+        const QString path = QString("/a/folder/with/a/long/name").repeated(6);
+        QMap<QString, ShowBox> made;
+        made["about"] = [this] { show_about(&window(), program_state()); };
+        made["fault"] = [this, path] {
+            show_message_box(&window(), QMessageBox::Critical, "M47",
+                             path + QString(" cannot be written. ").repeated(3));
+        };
+        made["question"] = [this, path] {
+            ask_to_erase(&window(), "M47", "Replace with the new Plan of program\rContinue?",
+                         QString("This erases all. ").repeated(6) + '\n' + path);
+        };
+        made["no database"] = [this] {
+            program_state().base_dir = in_folder("a folder without one/");
+            ask_for_database(program_state());
+        };
+        return made;
+    }
+    QMap<QString, MakeDialog> dialogs() { return sample_dialogs(program_state()); }
     void check_dialog(QDialog* dialog, const QString& name, QStringList& faults);
 
   private Q_SLOTS:
@@ -240,21 +300,7 @@ class LayoutTest : public QObject, protected ProgramInFolder {
         QStringList faults;
         for (const State& state : states_of(name)) {
             state.enter(screen);
-            for (const int palette : {kDark, kLight}) {
-                QApplication::setPalette(palette_of(kPalettes[palette]));
-                for (const QSize& desktop : kDesktops) {
-                    window().resize(room_on(desktop));
-                    settle();
-                    const QString where = QStringLiteral("%1 at %2x%3, %4 %, %5")
-                                              .arg(state.name)
-                                              .arg(desktop.width())
-                                              .arg(desktop.height())
-                                              .arg(100 * scale())
-                                              .arg(kPalettes[palette].name);
-                    faults += told(where, layout_faults(&window()));
-                    take_picture(&window(), name + ", " + where + ", " + QTest::currentDataTag());
-                }
-            }
+            faults += faults_at_every_size(name, state.name);
         }
         hold(faults);
     }
@@ -270,15 +316,80 @@ class LayoutTest : public QObject, protected ProgramInFolder {
         hold(faults);
     }
 
-    void a_message_box_holds_on_the_smallest_desktop() {
+    void every_message_box_holds_on_the_smallest_desktop_data() {
+        add_languages(message_boxes().keys());
+    }
+    void every_message_box_holds_on_the_smallest_desktop() {
+        QFETCH(QString, name);
+        QFETCH(int, language);
+        speak(language);
         QStringList faults;
         boxes_.answer([&](QDialog* box) {
             settle();
             faults = layout_faults(box);
+            const QSize room = room_on(kDesktops[0]);
+            if (box->width() > room.width() || box->height() > room.height())
+                faults += QStringLiteral("%1x%2 is too large").arg(box->width()).arg(box->height());
+            take_picture(box, QStringLiteral("box %1, %2 %, %3")
+                                  .arg(name)
+                                  .arg(100 * scale())
+                                  .arg(QTest::currentDataTag()));
             box->reject();
         });
-        show_about(&window(), program_state());
+        message_boxes()[name]();
         QCOMPARE(boxes_.take_seen().size(), 1);
+        hold(faults);
+    }
+
+    void the_start_page_holds_at_every_size_data() { add_languages({"empty", "in use"}); }
+    void the_start_page_holds_at_every_size() {
+        QFETCH(QString, name);
+        QFETCH(int, language);
+        speak(language);
+        program().start_desk().open();
+        auto* page = find<StartPage>("start_page");
+        page->show_devices({});
+        page->show_recent({}, {});
+        if (name == "in use") {
+            page->show_devices({{1, "FT232R USB UART (ttyUSB0)", true},
+                                {2, QString("Adapter with a long name ").repeated(4), false},
+                                {10, "ttyS0", false}});
+            page->show_recent({{"Log day.log", "/day.log"}},
+                              {{"Plan EXAMPLE", "EXAMPLE"}, {"Plan B & C", "B & C"}});
+            page->show_result(QString("No meter answered on port 1. ").repeated(4));
+        }
+        hold(faults_at_every_size("start page", name));
+        QStringList faded;
+        for (const Desktop& desktop : kPalettes) {
+            QApplication::setPalette(palette_of(desktop));
+            settle();
+            faded += told(desktop.name, contrast_faults(&window()));
+        }
+        hold(faded);
+    }
+
+    void the_level_holds_on_every_desktop_data() { add_languages({"linked", "not linked"}); }
+    void the_level_holds_on_every_desktop() {
+        QFETCH(QString, name);
+        QFETCH(int, language);
+        speak(language);
+        const bool linked = name == "linked";
+        level::LevelView view(
+            program_state().texts, [linked] { return linked; }, &window());
+        QStringList faults;
+        for (const LevelState& state : level_states()) {
+            state.enter(view);
+            for (const QSize& desktop : kDesktops) {
+                view.resize((QSizeF(desktop) / scale()).toSize());
+                faults += told(QStringLiteral("%1 at %2").arg(state.name).arg(desktop.width()),
+                               faults_of_texts(view));
+                take_picture(&view, QStringLiteral("level %1 %2, %3, %4 %, %5")
+                                        .arg(name, state.name)
+                                        .arg(desktop.width())
+                                        .arg(100 * scale())
+                                        .arg(QTest::currentDataTag()));
+            }
+        }
         hold(faults);
     }
 
@@ -336,63 +447,6 @@ class LayoutTest : public QObject, protected ProgramInFolder {
         }
     }
 };
-
-QMap<QString, LayoutTest::MakeDialog> LayoutTest::dialogs() {
-    const Texts& texts = program_state().texts;
-    QMap<QString, MakeDialog> made;
-    made["import"] = [&texts](QWidget* parent) {
-        const auto preview = [](const std::vector<plans::ImportCandidate>& candidates,
-                                const plans::ImportChoices& choices) {
-            return plans::preview_import(plans::with_choices(candidates, {}, choices), {}, kKu, 0.0,
-                                         choices.taken);
-        };
-        return new plans::ImportDialog(import_file(), preview, texts, parent);
-    };
-    made["changed"] = [&texts](QWidget* parent) {
-        const plans::ChangedMeanwhile change({direct_program(), kKu}, digital_program(), "9750",
-                                             true);
-        return new plans::ChangedDialog(change, texts, parent);
-    };
-    made["verify"] = [&texts](QWidget* parent) {
-        plans::TableCheck check;
-        for (int k = 0; k < 20; ++k)
-            check.rows.push_back(
-                {QStringLiteral("%1").arg(k), "07 ON", k % 3 ? "07 ON" : "08 OFF"});
-        return new plans::VerifyDialog(check, texts, parent);
-    };
-    made["report"] = [this](QWidget* parent) {
-        return new report::ReportForm(program_state(), parent);
-    };
-    made["compare"] = [&texts](QWidget* parent) {
-        const auto one = asl::SlotBlock::of(QByteArray(48, 'a'), "HOTBIRD");
-        const auto other = asl::SlotBlock::of(QByteArray(48, 'b'), "ASTRA");
-        return new asl::CompareView({{"00 HOTBIRD", one}, {"01 ASTRA", other}}, 0, 1, texts,
-                                    parent);
-    };
-    made["restore"] = [&texts](QWidget* parent) {
-        asl::SlotTable now, file;
-        now.fill(asl::SlotBlock());
-        for (std::size_t k = 0; k < file.size(); k += 2)
-            file[k] = asl::SlotBlock::of(QByteArray(48, 'a'), "HOTBIRD");
-        return new asl::RestorePreview(asl::restore_plan(now, file), texts, parent);
-    };
-    made["clash"] = [&texts](QWidget* parent) -> QDialog* {
-        static olddb::ImportPlan plan;
-        plan = {};
-        for (int k = 0; k < 12; ++k) {
-            olddb::ImportedPlan old;
-            old.name = QStringLiteral("OLD PLAN %1").arg(k);
-            old.clashes = true;
-            plan.plans.append(old);
-        }
-        return new olddb::ClashDialog(plan, texts, parent);
-    };
-    made["old database"] = [&texts](QWidget* parent) {
-        return new olddb::ReportDialog("Import", QString("Line of the report\n").repeated(60),
-                                       texts, parent);
-    };
-    return made;
-}
 
 void LayoutTest::check_dialog(QDialog* dialog, const QString& name, QStringList& faults) {
     // A desktop makes no dialog larger than itself; it can be made smaller than it likes to be.

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What the program remembers from one run to the next, and what not.
 #include <QFileDialog>
+#include <QHeaderView>
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QSettings>
+#include <QTableView>
 
 #include "box_answers.h"
 #include "program_in_folder.h"
@@ -94,6 +96,51 @@ class PreferencesTest : public QObject, protected ProgramInFolder {
         QCOMPARE(preferences().directory(FilePurpose::log, "here"), other_->path());
         other_.reset();
         QCOMPARE(preferences().directory(FilePurpose::log, "here"), QStringLiteral("here"));
+    }
+
+    void the_table_of_programs_stands_as_it_was_left() {
+        const auto table = [this] {
+            window().findChild<QAction*>("program")->trigger();
+            return window().screen_of("program")->findChild<QTableView*>("plan_table");
+        };
+        const auto entry = [this] {
+            return window().screen_of("program")->findChild<QAction*>("cmdtable");
+        };
+        start();
+        window().resize(1900, 900);
+        QVERIFY(table()->isVisible());
+        QHeaderView* header = table()->horizontalHeader();
+        const int usual = header->sectionSize(1);
+        // As it comes nothing is kept: another plan may want other widths.
+        start();
+        window().resize(1900, 900);
+        QVERIFY(preferences().columns("plan_table").isEmpty());
+        QVERIFY(!preferences().unfolded("plan_table"));
+        header = table()->horizontalHeader();
+        QCOMPARE(header->sectionSize(1), usual);
+        header->resizeSection(1, usual + 37);
+        header->moveSection(header->visualIndex(4), 0);
+        entry()->trigger();
+        QVERIFY(!table()->isVisible());
+        start();
+        window().resize(1900, 900);
+        QVERIFY(!table()->isVisible());
+        header = table()->horizontalHeader();
+        QCOMPARE(header->sectionSize(1), usual + 37);
+        QCOMPARE(header->logicalIndex(0), 4);
+        entry()->trigger();
+        start();
+        window().resize(500, 400);
+        QVERIFY(table()->isVisible());
+        // A file that somebody has spoilt changes nothing.
+        for (const char* spoilt : {"0:50", "nonsense", "0:1 0:1", "1:-5 0:99999"}) {
+            end_program();
+            preferences().keep_columns("plan_table", spoilt);
+            program_state().preferences = preferences();
+            start_program();
+            QCOMPARE(table()->horizontalHeader()->logicalIndex(0), 0);
+            QCOMPARE(table()->horizontalHeader()->sectionSize(1), usual);
+        }
     }
 
     void places_without_sense_are_none() {

@@ -5,6 +5,8 @@
 #include <QDialogButtonBox>
 #include <QMenu>
 #include <QPlainTextEdit>
+#include <QPrintDialog>
+#include <QPrinter>
 #include <QProcess>
 #include <csignal>
 
@@ -91,6 +93,43 @@ class ReportTest : public QObject, protected ProgramInFolder {
               "21/11/26 10:00:02 11778.0 10600 52.3 2.0E-4 14.2 PASS dBuV",
               "21/11/26 10:00:00 11778.0 10600 50.3 2.0E-4 14.2 FAIL dBuV", "Page 1 of"})
             QVERIFY2(read.contains(QString::fromUtf8(text)), text);
+    }
+
+    void what_a_simulated_meter_has_measured_says_so_on_paper() {
+        add_rows(2);
+        program_state().meter_version = "PLUS V3.0.5";
+        const auto printed = [this](const char* screen) {
+            const QString pdf = in_folder(QString(screen) + ".pdf");
+            boxes_.answer([pdf](QDialog* dialog) {
+                auto* print = qobject_cast<QPrintDialog*>(dialog);
+                QVERIFY(print);
+                print->printer()->setOutputFormat(QPrinter::PdfFormat);
+                print->printer()->setOutputFileName(pdf);
+                print->done(QDialog::Accepted);
+            });
+            window().open_screen(screen);
+            window().screen_of(screen)->findChild<QAction*>("stampa")->trigger();
+            return words(pdf);
+        };
+        const auto report = [this] {
+            screen_->write_report(in_folder("report.pdf"), {});
+            return words(in_folder("report.pdf"));
+        };
+        for (const char* screen : {"realtime", "download"})
+            QVERIFY2(!printed(screen).contains("simulated"), screen);
+        QVERIFY(!report().contains("simulated"));
+        program_state().simulated_meter = program_state().simulated_before = true;
+        QVERIFY(report().contains("PLUS V3.0.5 (simulated, no real measurements)"));
+        for (const char* screen : {"realtime", "download"})
+            QVERIFY2(printed(screen).startsWith("Measured by a simulated meter: no real"), screen);
+        // A real one was connected after it: rows of both may stand on the page.
+        program_state().simulated_meter = false;
+        QVERIFY(report().contains("(rows of a simulated meter may be among them)"));
+        window().findChild<QAction*>("cmditaliano")->trigger();
+        QVERIFY(report().contains("possono esserci righe di uno strumento simulato"));
+        for (const char* screen : {"realtime", "download"})
+            QVERIFY2(printed(screen).startsWith(QStringLiteral("Può contenere misure di uno")),
+                     screen);
     }
 
     void the_trend_is_in_it() {

@@ -58,6 +58,28 @@ void ScreensTest::clear_all_in_a_download_is_not_sent_behind_it() {
     QCOMPARE(line_->take_commands(), QStringList{"DATADELALL"});
 }
 
+void ScreensTest::stop_in_a_download_says_when_it_stops() {
+    MeterInProcess& meter = start_with_meter();
+    find<QAction>("cmdinglese")->trigger();
+    find<QAction>("download")->trigger();
+    QTest::qWait(20);
+    QStringList shown;
+    program().link().activity.on_change = [this, &shown] {
+        window().show_activity(program().link().activity);
+        shown += find<QLabel>("activity")->text();
+    };
+    meter.on_command = [&](const QByteArray& command, const QString&) {
+        if (command == "DATAOUT") click_in_the_wait(find<QPushButton>("activity_stop"));
+    };
+    find<QPushButton>("cmddownload", window().screen_of("download"))->click();
+    meter.on_command = nullptr;
+    // From the click on, and with the bytes that go on coming.
+    const QStringList told = shown.filter("stops when the answer is whole");
+    QVERIFY2(told.size() > 1 && told.last().contains("bytes"), qPrintable(shown.join(u'\n')));
+    QVERIFY2(find<QLabel>("corrected_notice")->text().startsWith("Stopped: the download is whole"),
+             qPrintable(find<QLabel>("corrected_notice")->text()));
+}
+
 void ScreensTest::stop_ends_the_identification_and_says_how_far_it_came() {
     MeterInProcess& meter = start_with_meter();
     meter.on_command = [&](const QByteArray& command, const QString&) {

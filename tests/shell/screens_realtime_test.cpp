@@ -252,6 +252,29 @@ void ScreensTest::from_1280_pixels_on_the_page_stands_beside_the_controls() {
     QVERIFY(page->width() > width + 50);
 }
 
+void ScreensTest::the_tuning_is_in_sight_at_every_usual_size() {
+    realtime::Realtime* screen = open_realtime();
+    const auto in_sight = [&](const char* name) {
+        const auto* control = find<QWidget>(name, screen);
+        const QRegion seen = control->visibleRegion();
+        return seen.boundingRect() == control->rect();
+    };
+    for (const char* mode : {"analogico", "qpsk"}) {
+        find<QAction>(mode, screen)->trigger();
+        for (const QSize size : {QSize(1022, 570), QSize(1278, 690), QSize(1364, 738),
+                                 QSize(1598, 870), QSize(1918, 1050)}) {
+            window().resize(size);
+            for (int pass = 0; pass < 3; ++pass) QCoreApplication::processEvents();
+            for (const char* name : {"fsat", "locopt_0", "locopt_1", "ol_freq", "satlnb_state",
+                                     "k22_state", "lnb_supply", "atten_list"})
+                QVERIFY2(
+                    in_sight(name),
+                    qPrintable(
+                        QStringLiteral("%1 at %2 in %3").arg(name).arg(size.width()).arg(mode)));
+        }
+    }
+}
+
 void ScreensTest::levels_stand_beside_the_unit_they_were_measured_in() {
     realtime::Realtime* screen = open_realtime();
     const auto unit = [&](const char* name) { return find<QLabel>(name, screen)->text(); };

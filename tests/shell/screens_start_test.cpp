@@ -2,11 +2,15 @@
 // The page behind the screens, the start without a database, and keys that tell why they did
 // nothing.
 #include <QCheckBox>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
 #include <QSignalSpy>
 
 #include "example_plan.h"
 #include "no_database.h"
 #include "plan_sets.h"
+#include "running_process.h"
 #include "screens_test.h"
 #include "start_page.h"
 
@@ -24,6 +28,24 @@ void answer_box(const QString& text_of_button, bool tick = false) {
         qFatal("no button %s", qPrintable(text_of_button));
     });
 }
+
+/// How long a journey takes: on the line, at the pace of the meter, and in this program. Both are
+/// only printed; how long a person takes between the clicks is not in them.
+class Journey {
+  public:
+    explicit Journey(link::Link& link) : link_(link), began_(link.clock().steady()) {
+        own_.start();
+    }
+    void print(const char* name, int clicks) const {
+        qInfo("%s: %d clicks, %.1f s on the line, %.1f s of this program", name, clicks,
+              link_.clock().steady() - began_, double(own_.elapsed()) / 1000);
+    }
+
+  private:
+    link::Link& link_;
+    double began_;
+    QElapsedTimer own_;
+};
 
 }  // namespace
 
@@ -54,6 +76,7 @@ void ScreensTest::the_first_value_takes_four_clicks() {
     start_with_meter();
     program().link().port_connected = false;
     program().start_desk().open();
+    const Journey journey(program().link());
     int clicks = 0;
     const auto click = [&clicks](QWidget* key) {
         QVERIFY(key && key->isVisible());
@@ -71,6 +94,50 @@ void ScreensTest::the_first_value_takes_four_clicks() {
               ->widgetForAction(find<QAction>("single_acq", screen)));
     QVERIFY(!value().isEmpty());
     QCOMPARE(clicks, 4);
+    journey.print("first value without a plan", clicks);
+}
+
+void ScreensTest::a_pass_over_95_imported_programs_begins_after_ten_clicks() {
+    start_with_meter();
+    QFile file(in_folder("p.csv"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("frequenza\n");
+    for (int k = 0; k < 95; ++k) file.write(QByteArray::number(1000 + k) + '\n');
+    file.close();
+    const Journey journey(program().link());
+    int clicks = 0;
+    const auto click = [&clicks](QWidget* key) {
+        QTest::mouseClick(key, Qt::LeftButton, {}, {8, key->height() / 2});
+        ++clicks;
+    };
+    const auto key_of = [this](QWidget* screen, const char* name) {
+        return find<QToolBar>("barracomandi", screen)->widgetForAction(find<QAction>(name, screen));
+    };
+    click(key_of(&window(), "program"));
+    BoxAnswers boxes;
+    boxes.answer([&](QDialog* dialog) {
+        auto* files = qobject_cast<QFileDialog*>(dialog);
+        files->findChild<QLineEdit*>("fileNameEdit")->setText(file.fileName());
+        ++clicks;
+        QMetaObject::invokeMethod(files, "accept");
+    });
+    boxes.answer([&](QDialog* preview) {
+        click(preview->findChild<QCheckBox*>("import_monitored"));
+        ++clicks;
+        preview->accept();
+    });
+    clicks += 2;  // the menu and its entry
+    find<QAction>("cmdimport", window().screen_of("program"))->trigger();
+    QCOMPARE(boxes.take_seen().size(), 2);
+    click(key_of(&window(), "realtime"));
+    Screen* screen = window().screen_of("realtime");
+    click(key_of(screen, "group"));
+    click(find<QAbstractButton>("meas_statea_0", screen));
+    click(key_of(screen, "multiple_acq"));
+    QTRY_VERIFY(find<QLabel>("plan_progress")->text().endsWith("/95"));
+    QCOMPARE(clicks, 10);
+    journey.print("pass over an imported plan of 95", clicks);
+    find<QAction>("stop", screen)->trigger();
 }
 
 void ScreensTest::the_start_page_says_what_a_silent_meter_wants() {
@@ -84,6 +151,36 @@ void ScreensTest::the_start_page_says_what_a_silent_meter_wants() {
     const QString why = find<QLabel>("port_state")->toolTip();
     QVERIFY2(why.contains("no meter answers there") && why.contains("switched on"),
              qPrintable(why));
+}
+
+void ScreensTest::a_port_that_another_process_has_open_is_told_as_that() {
+    const QString device = in_folder("adapter");
+    QFile file(device);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.close();
+    QProcess other;
+    other.start("tail", {"-f", device});
+    QVERIFY(other.waitForStarted());
+    QTRY_VERIFY(platform::other_user_of_line(device));
+    end_program();
+    auto clock = std::make_unique<VirtualClock>();
+    auto line = std::make_unique<FakePort>(*clock);
+    line->answer = [](const QByteArray&) { return QByteArray(); };
+    link::PortList ports({"/nonexistent", "/nonexistent", [] { return QStringList(); }});
+    QVERIFY(ports.add("1=" + device));
+    start_program({1024, 600}, ports, std::move(clock), std::move(line));
+    find<QAction>("cmdinglese")->trigger();
+    program().start_desk().open();
+    find<QPushButton>("start_connect")->click();
+    const QString told =
+        QStringLiteral("is open in another process: tail, number %1").arg(other.processId());
+    for (const QString& text :
+         {find<QLabel>("port_state")->toolTip(), find<QLabel>("start_result")->text()})
+        QVERIFY2(text.contains(told), qPrintable(text));
+    other.kill();
+    QVERIFY(other.waitForFinished());
+    find<QPushButton>("start_connect")->click();
+    QVERIFY(find<QLabel>("start_result")->text().startsWith("No meter answered on port 1"));
 }
 
 void ScreensTest::the_simulated_meter_says_that_it_is_none() {
@@ -121,6 +218,12 @@ void ScreensTest::a_plan_of_the_start_page_opens_at_its_place() {
     plans::add_example_plan(program().database());
     program().start_desk().open();
     const auto* page = find<StartPage>("start_page");
+    // Again, now that the page is to be seen, as each look at the devices does it.
+    program().start_desk().refresh();
+    QTest::qWait(10);
+    for (const QLabel* label : page->findChildren<QLabel*>())
+        QVERIFY2(label->isHidden() || !label->text().contains("nessun piano"),
+                 qPrintable(label->text()));
     const QList<QPushButton*> keys = page->findChildren<QPushButton*>();
     const auto plan = std::find_if(keys.begin(), keys.end(), [](const QPushButton* key) {
         return key->text().endsWith("EXAMPLE");
@@ -197,6 +300,38 @@ void ScreensTest::the_words_under_the_keys_can_be_taken_away() {
     QCOMPARE(find<QAction>("program")->iconText(), QString("Plans"));
     words->trigger();
     QCOMPARE(bar->toolButtonStyle(), Qt::ToolButtonIconOnly);
+}
+
+void ScreensTest::the_keys_of_the_screens_have_words_as_the_main_ones() {
+    window().resize(1900, 900);
+    auto* words = find<QAction>("cmdtoolbarwords");
+    find<QAction>("cmditaliano")->trigger();
+    for (const char* screen : {"program", "download", "realtime", "configurazione"}) {
+        find<QAction>(screen)->trigger();
+        Screen* shown = window().screen_of(QString::fromLatin1(screen));
+        auto* bar = shown->findChild<QToolBar*>();
+        QTRY_COMPARE(bar->toolButtonStyle(), Qt::ToolButtonTextUnderIcon);
+        for (const QAction* key : bar->actions())
+            if (!key->isSeparator() && !key->objectName().isEmpty())
+                QVERIFY2(key->iconText() != key->text() && key->iconText().size() < 17 &&
+                             key->iconText() != key->toolTip(),
+                         qPrintable(key->objectName() + ": " + key->iconText()));
+        words->trigger();
+        QCOMPARE(bar->toolButtonStyle(), Qt::ToolButtonIconOnly);
+        words->trigger();
+        QCOMPARE(bar->toolButtonStyle(), Qt::ToolButtonTextUnderIcon);
+        // A word never pushes a key out of a narrow window.
+        bar->setFixedWidth(40);
+        QTRY_COMPARE(bar->toolButtonStyle(), Qt::ToolButtonIconOnly);
+        bar->setMinimumWidth(0);
+        bar->setMaximumWidth(QWIDGETSIZE_MAX);
+        QTRY_COMPARE(bar->toolButtonStyle(), Qt::ToolButtonTextUnderIcon);
+        words->trigger();
+        find<QAction>("configurazione")->trigger();
+        words->trigger();
+    }
+    QCOMPARE(find<QAction>("single_acq", window().screen_of("realtime"))->iconText(),
+             QString("Misura"));
 }
 
 void ScreensTest::the_list_of_ports_tells_what_stands_behind_each_number() {

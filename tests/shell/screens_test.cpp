@@ -15,6 +15,7 @@ void ScreensTest::init() {
 
 void ScreensTest::cleanup() {
     meter_.reset();  // before its line goes
+    line_ = nullptr;
     end_program();
 }
 

@@ -9,6 +9,7 @@
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
@@ -57,9 +58,13 @@ class ScreensTest : public QObject, protected ProgramInFolder {
     realtime::Realtime* open_realtime();
     MeterInProcess& start_with_meter();
     void click_in_the_wait(const QWidget* control);
+    QByteArray sight();
+    bool seen_of(const std::function<void()>& press);
+    QStringList silent_keys();
 
     std::unique_ptr<MeterInProcess> meter_;
     FakePort* line_ = nullptr;
+    BoxAnswers* pressed_boxes_ = nullptr;
 
   private Q_SLOTS:
     void init();
@@ -135,6 +140,8 @@ class ScreensTest : public QObject, protected ProgramInFolder {
 
     void from_1280_pixels_on_the_page_stands_beside_the_controls();
 
+    void the_tuning_is_in_sight_at_every_usual_size();
+
     void levels_stand_beside_the_unit_they_were_measured_in();
 
     void what_the_program_before_measured_is_dimmed();
@@ -165,6 +172,8 @@ class ScreensTest : public QObject, protected ProgramInFolder {
 
     void clear_all_in_a_download_is_not_sent_behind_it();
 
+    void stop_in_a_download_says_when_it_stops();
+
     void stop_ends_the_identification_and_says_how_far_it_came();
 
     void stop_ends_a_timed_run_with_the_measurement_in_it();
@@ -174,7 +183,11 @@ class ScreensTest : public QObject, protected ProgramInFolder {
     void the_start_page_connects_the_meter_by_its_device();
 
     void the_first_value_takes_four_clicks();
+    void a_pass_over_95_imported_programs_begins_after_ten_clicks();
+
     void the_start_page_says_what_a_silent_meter_wants();
+
+    void a_port_that_another_process_has_open_is_told_as_that();
 
     void the_simulated_meter_says_that_it_is_none();
 
@@ -186,7 +199,19 @@ class ScreensTest : public QObject, protected ProgramInFolder {
 
     void keys_that_can_do_nothing_say_why();
 
+    void no_key_is_silent_without_a_meter();
+
+    void no_key_is_silent_without_a_plan();
+
+    void no_key_is_silent_with_a_meter();
+
+    void an_empty_slot_and_an_empty_logger_say_so();
+
+    void every_shortcut_of_a_key_stands_in_its_tooltip();
+
     void the_words_under_the_keys_can_be_taken_away();
+
+    void the_keys_of_the_screens_have_words_as_the_main_ones();
 
     void the_list_of_ports_tells_what_stands_behind_each_number();
 

@@ -13,7 +13,7 @@
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QTabBar>
-#include <QTableWidget>
+#include <QTableView>
 #include <QTest>
 #include <QTimer>
 #include <QToolBar>
@@ -21,6 +21,7 @@
 #include "other_languages.h"
 #include "program_in_folder.h"
 #include "realtime.h"
+#include "sample_dialogs.h"
 #include "screen_table.h"
 
 namespace m47::shell {
@@ -62,23 +63,27 @@ class ThirdLanguageTest : public QObject, protected ProgramInFolder {
         if (is_text(text) && !text.contains(kOpen))
             plain += QStringLiteral("%1: %2").arg(object->objectName(), text);
     }
+    static void look_at_table(const QTableView* table, QStringList& plain) {
+        const QAbstractItemModel& rows = *table->model();
+        for (int column = 0; column < rows.columnCount(); ++column) {
+            look_at(table, rows.headerData(column, Qt::Horizontal).toString(), plain);
+            for (int row = 0; row < rows.rowCount(); ++row)
+                look_at(table, rows.index(row, column).data().toString(), plain);
+        }
+    }
     static void look_at_widget(const QWidget* one, QStringList& plain) {
         if (one->parentWidget() && one->parentWidget()->inherits("QTabBar")) return;
         look_at(one, one->toolTip(), plain);
         if (const auto* label = qobject_cast<const QLabel*>(one))
             look_at(one, label->text(), plain);
         if (const auto* button = qobject_cast<const QAbstractButton*>(one))
-            // A key of a toolbar has the text of its action, which is not to be seen.
-            if (!qobject_cast<const QToolBar*>(one->parentWidget()))
-                look_at(one, button->text(), plain);
+            // A key of a toolbar has the word of its action.
+            look_at(one, button->text(), plain);
         if (const auto* frame = qobject_cast<const QGroupBox*>(one))
             look_at(one, frame->title(), plain);
         if (const auto* tabs = qobject_cast<const QTabBar*>(one))
             for (int k = 0; k < tabs->count(); ++k) look_at(one, tabs->tabText(k), plain);
-        if (const auto* table = qobject_cast<const QTableWidget*>(one))
-            for (int k = 0; k < table->columnCount(); ++k)
-                if (const QTableWidgetItem* head = table->horizontalHeaderItem(k))
-                    look_at(one, head->text(), plain);
+        if (const auto* table = qobject_cast<const QTableView*>(one)) look_at_table(table, plain);
     }
     /// What `window` shows without brackets, as "name: text".
     static QStringList plain_texts(const QWidget* window) {
@@ -192,6 +197,8 @@ class ThirdLanguageTest : public QObject, protected ProgramInFolder {
                                "&Start",
                                "RS232 ComPort NOT Connected"};
         for (const ScreenEntry& screen : screen_table()) prescribed += screen.title;
+        // The numbered messages are the technicians' own.
+        prescribed += program_state().texts.message(kLoggerPositionExists);
         // The toolkit has its own words for its own buttons.
         prescribed += "Close";
         QStringList plain;
@@ -204,6 +211,11 @@ class ThirdLanguageTest : public QObject, protected ProgramInFolder {
         plain += plain_in_dialog([&] { find<QAction>("cmdreport", realtime)->trigger(); });
         Screen* satellites = open("asl");
         plain += plain_in_dialog([&] { find<QAction>("cmdcompare", satellites)->trigger(); });
+        for (const MakeDialog& make : sample_dialogs(program_state())) {
+            const std::unique_ptr<QDialog> dialog(make(&window()));
+            dialog->show();
+            plain += plain_texts(dialog.get());
+        }
         plain.removeDuplicates();
         plain.removeIf([&](const QString& text) {
             return prescribed.contains(text.section(": ", 1).section(u'\t', 0, 0));

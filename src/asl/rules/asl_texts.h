@@ -90,6 +90,8 @@ inline constexpr Bilingual kRestoreButton{"&Restore", "&Ripristina"};
 inline constexpr Bilingual kCompareTitle{"Compare satellites", "Confronto satelliti"};
 inline constexpr Bilingual kSame{"All %1 bytes are the same.", "Tutti i %1 byte sono uguali."};
 inline constexpr Bilingual kDiffering{"Bytes that differ: %1 of %2.", "Byte diversi: %1 su %2."};
+inline constexpr Bilingual kNoSatelliteIn{"%1 is empty: choose a slot with a satellite.",
+                                          "%1 è vuota: scegliere una posizione con un satellite."};
 inline constexpr Bilingual kNotComparable{"One of the two is not whole.",
                                           "Uno dei due non è completo."};
 

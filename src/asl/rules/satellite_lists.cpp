@@ -32,6 +32,23 @@ constexpr Bilingual kSelectSlot{
 constexpr Bilingual kSelectPc{"Nothing was done: select a satellite of the PC in its list first.",
                               "Nulla è stato fatto: selezionare prima un satellite del PC nella "
                               "sua lista."};
+constexpr Bilingual kEmptySlot{
+    "Nothing was done: this slot of the M47 is empty. Select one with a satellite.",
+    "Nulla è stato fatto: questa posizione dell'M47 è vuota. Selezionarne una con un satellite."};
+constexpr Bilingual kEmptyEntry{
+    "Nothing was done: this entry of the PC names no satellite. Select another one.",
+    "Nulla è stato fatto: questa voce del PC non nomina alcun satellite. Selezionarne un'altra."};
+constexpr Bilingual kLastOfPc{
+    "Nothing was deleted: the last satellite of the PC stays. Add another one first.",
+    "Nulla è stato cancellato: l'ultimo satellite del PC resta. Aggiungerne prima un altro."};
+constexpr Bilingual kNoFreeSlot{
+    "Nothing was sent: no slot of the M47 is empty. Delete a satellite there first.",
+    "Nulla è stato inviato: nessuna posizione dell'M47 è vuota. Cancellarvi prima un satellite."};
+constexpr Bilingual kNoSlotsRead{
+    "Nothing was sent: the slots of the M47 have not been read. Connect it, then open this screen "
+    "again.",
+    "Nulla è stato inviato: le posizioni dell'M47 non sono state lette. Collegarlo e riaprire "
+    "questa schermata."};
 constexpr Bilingual kReading{"Reading the satellites of the meter",
                              "Lettura dei satelliti dello strumento"};
 constexpr Bilingual kWriting{"Writing satellite slot %1", "Scrittura della posizione %1"};
@@ -163,7 +180,7 @@ void SatelliteLists::learn(int slot, const QString& name) {
 void SatelliteLists::cmdsave_Click() {
     const int place = panel.listadb_place;
     if (!is_place(panel.listadb, place)) return program_.costs.tell_each(kSelectPc);
-    if (selected_pc_name() == kNoSatellite) return;
+    if (selected_pc_name() == kNoSatellite) return program_.costs.tell_each(kEmptyEntry);
     asl_.go_to(record_at(place));
     if (!can_be_sent()) return;
     const int slot = slot_to_program(selected_pc_name());
@@ -196,14 +213,16 @@ int SatelliteLists::slot_to_program(const QString& name) {
         const QString rest = u' ' + name;
         return confirm(asl_text::kTitle, kSatelliteExistsReprogram, rest) ? slot : kNoPlace;
     }
-    return static_cast<int>(panel.listastr.indexOf(kNoSatellite));
+    const auto free = static_cast<int>(panel.listastr.indexOf(kNoSatellite));
+    if (free < 0) program_.costs.tell_each(panel.listastr.isEmpty() ? kNoSlotsRead : kNoFreeSlot);
+    return free;
 }
 
 void SatelliteLists::cmdaddindb_Click() {
     const int slot = panel.listastr_place;
     const QString name = selected_slot_name();
     if (!is_place(panel.listastr, slot)) return program_.costs.tell_each(kSelectSlot);
-    if (name == kNoSatellite) return;
+    if (name == kNoSatellite) return program_.costs.tell_each(kEmptySlot);
     // Others may have stored it meanwhile: it is not to come in twice unasked.
     asl_.requery();
     const bool known = asl_.find_first(db::field::kNome, name);
@@ -269,10 +288,10 @@ void SatelliteLists::write_satellite(bool known, const QString& name, const QStr
 void SatelliteLists::cmddelpc_Click() {
     const QString name = entry(panel.listadb, panel.listadb_place);
     if (!is_place(panel.listadb, panel.listadb_place)) return program_.costs.tell_each(kSelectPc);
-    if (selected_pc_name() == kNoSatellite) return;
+    if (selected_pc_name() == kNoSatellite) return program_.costs.tell_each(kEmptyEntry);
     // The last satellite of the PC stays, as the file holds them now.
     asl_.requery();
-    if (asl_.count() <= 1) return;
+    if (asl_.count() <= 1) return program_.costs.tell_each(kLastOfPc);
     if (!confirm(asl_text::kDeleteTitle, kDeleteSatellite, name)) return;
     unless_changed({.name = name, .deletes = true}, [&](bool known) {
         if (known && asl_.count() > 1) asl_.remove();
@@ -284,7 +303,7 @@ void SatelliteLists::cmddelpc_Click() {
 void SatelliteLists::cmddelstr_Click() {
     const int slot = panel.listastr_place;
     if (!is_place(panel.listastr, slot)) return program_.costs.tell_each(kSelectSlot);
-    if (selected_slot_name() == kNoSatellite) return;
+    if (selected_slot_name() == kNoSatellite) return program_.costs.tell_each(kEmptySlot);
     if (!may_erase(slot)) return;
     link::Work work = begin_slot(slot);
     work.doing(kWriting, {link::format_number(slot, "00")});

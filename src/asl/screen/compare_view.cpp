@@ -73,6 +73,16 @@ void CompareView::show_choice() {
             ? texts_.pick(asl_text::kSame).arg(bytes)
             : texts_.pick(asl_text::kDiffering).arg(QString::number(comparison.differing), bytes));
     show_rows(comparison);
+    tell_empty(left);
+    if (&right != &left) tell_empty(right);
+}
+
+/// What is compared with nothing differs everywhere: that is no news of the satellite.
+void CompareView::tell_empty(const Comparable& entry) {
+    if (!entry.block->holds_no_satellite()) return;
+    const QString label = entry.label.section(QStringLiteral("  "), 0, 0);
+    ui_->compare_result->setText(ui_->compare_result->text() + u'\n' +
+                                 texts_.pick(asl_text::kNoSatelliteIn).arg(label));
 }
 
 void CompareView::show_rows(const SlotComparison& comparison) {

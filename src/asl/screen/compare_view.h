@@ -38,6 +38,7 @@ class CompareView : public QDialog {
     void show_choice();
     void show_result(const QString& text);
     void show_rows(const SlotComparison& comparison);
+    void tell_empty(const Comparable& entry);
 
     QString question_;
     const QList<Comparable> entries_;

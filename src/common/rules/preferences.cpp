@@ -42,6 +42,14 @@ QString maximised_key(const QString& name) {
     return rect_key(name) + QStringLiteral("_maximised");
 }
 
+QString columns_key(const QString& name) {
+    return QStringLiteral("tables/%1_columns").arg(name);
+}
+
+QString unfolded_key(const QString& name) {
+    return QStringLiteral("tables/%1_unfolded").arg(name);
+}
+
 }  // namespace
 
 QString Preferences::usual_file() {
@@ -115,6 +123,23 @@ bool Preferences::toolbar_words() const {
 
 void Preferences::keep_toolbar_words(bool wanted) const {
     keep(kToolbarWords, wanted);
+}
+
+QString Preferences::columns(const QString& name) const {
+    return value(columns_key(name)).toString();
+}
+
+void Preferences::keep_columns(const QString& name, const QString& columns) const {
+    keep(columns_key(name), columns);
+}
+
+std::optional<bool> Preferences::unfolded(const QString& name) const {
+    const QVariant known = value(unfolded_key(name));
+    return known.isValid() ? std::optional(known.toBool()) : std::nullopt;
+}
+
+void Preferences::keep_unfolded(const QString& name, bool unfolded) const {
+    keep(unfolded_key(name), unfolded);
 }
 
 bool Preferences::starts_corrected() const {

@@ -53,10 +53,19 @@ class Preferences {
     bool screens_as_tabs() const;
     void keep_screens_as_tabs(bool wanted) const;
 
-    /// Whether the keys of the main toolbar have words under them, which they do until the user
-    /// wants none.
+    /// Whether the keys of the toolbars have words under them, which they do until the user wants
+    /// none.
     bool toolbar_words() const;
     void keep_toolbar_words(bool wanted) const;
+
+    /// How the columns of the table `name` stand, in the table's own words; empty where nobody has
+    /// changed them.
+    QString columns(const QString& name) const;
+    void keep_columns(const QString& name, const QString& columns) const;
+
+    /// Whether the user has opened `name` or folded it away; nothing where neither.
+    std::optional<bool> unfolded(const QString& name) const;
+    void keep_unfolded(const QString& name, bool unfolded) const;
 
     /// Whether the user wants every corrected behaviour from the start on.
     bool starts_corrected() const;

@@ -3,6 +3,20 @@
 
 namespace m47 {
 
+namespace {
+
+constexpr Bilingual kSimulated{"Measured by a simulated meter: no real measurements",
+                               "Misurato da uno strumento simulato: misure non reali"};
+constexpr Bilingual kPerhapsSimulated{"What a simulated meter has measured may be among this",
+                                      "Può contenere misure di uno strumento simulato"};
+
+}  // namespace
+
+QString simulated_mark(const ProgramState& program) {
+    if (!program.simulated_before) return {};
+    return program.texts.pick(program.simulated_meter ? kSimulated : kPerhapsSimulated);
+}
+
 QString folder_with_separator(const QString& folder) {
     return folder.endsWith(u'/') ? folder : folder + u'/';
 }

@@ -47,6 +47,9 @@ struct ProgramState {
     QString master_copy;
 };
 
+/// What has to stand over a print where a simulated meter may have measured it; else empty.
+QString simulated_mark(const ProgramState& program);
+
 /// `folder` with one separator at its end: none is added where it ends in one already (a root).
 QString folder_with_separator(const QString& folder);
 

@@ -51,6 +51,11 @@ void Screen::take_toolbar(QToolBar* bar) {
     for (QAction* key : bar->actions()) key->setIcon(toolbar_icon(key->objectName()));
     connect(bar, &QToolBar::actionTriggered, this,
             [this](const QAction* key) { toolbar_ButtonClick(key->objectName()); });
+    words_ = new KeyWords(bar, this);
+}
+
+void Screen::show_words(bool wanted) {
+    if (words_) words_->show(wanted);
 }
 
 void Screen::toolbar_ButtonClick(const QString& key) {

@@ -10,6 +10,7 @@
 #include <type_traits>
 
 #include "joints.h"
+#include "key_words.h"
 
 namespace m47 {
 
@@ -28,6 +29,9 @@ class Screen : public QMainWindow {
     virtual void Form_Activate() {}
     /// False where the user, who has been asked, wants to stay: the program does not end then.
     virtual bool may_be_left() { return true; }
+
+    /// Whether the keys of the toolbar have words under them.
+    void show_words(bool wanted);
 
     /// A click on the toolbar key `key`; one without work does nothing.
     void toolbar_ButtonClick(const QString& key);
@@ -73,6 +77,7 @@ class Screen : public QMainWindow {
     Joints joints_;
     QHash<QString, std::function<void()>> keys_;
     QByteArray toolbar_handler_;
+    KeyWords* words_ = nullptr;
 };
 
 }  // namespace m47

@@ -42,4 +42,12 @@ void set_captions(QObject* screen, std::span<const Caption> table, const Texts& 
     }
 }
 
+void set_key_words(QObject* screen, std::span<const Caption> table, const Texts& texts) {
+    for (const Caption& word : table) {
+        auto* key = screen->findChild<QAction*>(QString::fromLatin1(word.control));
+        if (!key) throw Fault(std::string("no key for the word of ") + word.control);
+        key->setIconText(texts.pick(word.text));
+    }
+}
+
 }  // namespace m47

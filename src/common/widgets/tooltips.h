@@ -30,6 +30,10 @@ struct Caption {
 /// without its control is a Fault.
 void set_captions(QObject* screen, std::span<const Caption> table, const Texts& texts);
 
+/// Sets the words under the keys of `screen`'s toolbars, in the language that is in use now. A
+/// table entry without its key is a Fault.
+void set_key_words(QObject* screen, std::span<const Caption> table, const Texts& texts);
+
 /// `text` as a tooltip that shows it as it stands, even where it looks like mark-up.
 QString plain_tooltip(const QString& text);
 

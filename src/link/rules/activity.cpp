@@ -13,6 +13,9 @@ constexpr double kMinute = 60;
 /// A figure that changes every second is not read.
 constexpr double kSecondsStep = 5;
 
+/// What is on its way comes whole: nothing is cut off in the middle of an answer.
+constexpr Bilingual kStopsThen{"%1, stops when the answer is whole",
+                               "%1, si ferma quando la risposta è completa"};
 constexpr Bilingual kInRun{"%1 (%2)", "%1 (%2)"};
 constexpr Bilingual kSecondsLeft{"%1, still %2 s", "%1, ancora %2 s"};
 constexpr Bilingual kMinutesLeft{"%1, still %2 min", "%1, ancora %2 min"};
@@ -103,6 +106,7 @@ QString activity_text(const Activity& activity, const Texts& texts) {
     QString text = what->in(texts);
     const std::optional<Said> run = activity.run();
     if (run && run->in(texts) != text) text = Said{kInRun, {text, run->in(texts)}}.in(texts);
+    if (activity.stop_asked()) return Said{kStopsThen, {text}}.in(texts);
     const std::optional<double> left = activity.seconds_left();
     if (!left) return text;
     const bool long_time = *left > kMinute;

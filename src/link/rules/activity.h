@@ -79,8 +79,8 @@ class Activity {
     Pace run_pace_;
 };
 
-/// "Uploading program 17 of 95, still 2 min", in the language of `texts`; empty where nothing is
-/// done.
+/// "Uploading program 17 of 95, still 2 min", in the language of `texts`, or that it stops and
+/// when; empty where nothing is done.
 QString activity_text(const Activity& activity, const Texts& texts);
 
 }  // namespace m47::link

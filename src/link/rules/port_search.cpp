@@ -21,8 +21,9 @@ constexpr Bilingual kNoneAsked{
 constexpr Bilingual kNotFound{"No meter answered. Is it switched on and its cable plugged in?",
                               "Nessuno strumento ha risposto. È acceso e il cavo è collegato?"};
 constexpr Bilingual kLeftAlone{"Port %1 was not asked: %2", "Porta %1 non interrogata: %2"};
-constexpr Bilingual kInUse{"%1 is used by another program: %2, process %3.",
-                           "%1 è usato da un altro programma: %2, processo %3."};
+constexpr Bilingual kOpenElsewhere{
+    "%1 is open in another process: %2, number %3. End that or choose another port.",
+    "%1 è aperto in un altro processo: %2, numero %3. Chiuderlo o scegliere un'altra porta."};
 
 }  // namespace
 
@@ -31,9 +32,13 @@ QString why_not_free(const QString& device, const Texts& texts) {
     if (fault != PortFault::none) return port_fault_text(fault, device, texts);
     if (lock_file_holder(lock_file_of(device)))
         return port_fault_text(PortFault::busy, device, texts);
+    return other_user_text(device, texts);
+}
+
+QString other_user_text(const QString& device, const Texts& texts) {
     const auto user = platform::other_user_of_line(device);
     if (!user) return {};
-    return Said{kInUse, {device, user->program, QString::number(user->process)}}.in(texts);
+    return Said{kOpenElsewhere, {device, user->program, QString::number(user->process)}}.in(texts);
 }
 
 QList<int> PortSearch::free_ports(Result& result) const {

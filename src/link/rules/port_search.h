@@ -13,6 +13,10 @@ namespace m47::link {
 /// a line that this program has open itself.
 QString why_not_free(const QString& device, const Texts& texts);
 
+/// That another process has the line `device` open, and which, for the user; empty where none is
+/// known. Looks at every process: not to be asked again and again.
+QString other_user_text(const QString& device, const Texts& texts);
+
 /// Looks for the meter: asks behind each free port in turn, as picking it does, until one answers.
 /// What another program has, or this user may not use, is left alone.
 class PortSearch {

@@ -29,6 +29,16 @@ constexpr Bilingual kNotSaved{"The log was not saved: the file cannot be written
 constexpr Bilingual kNotOpened{"The log was not opened: the file cannot be read.",
                                "Il log non è aperto: il file non si può leggere."};
 
+constexpr Bilingual kNoLogs{
+    "The meter has no logs to send. \"Start Log\" records one, and so does its own key.",
+    "Lo strumento non ha log da inviare. \"Start Log\" ne registra uno, come il suo tasto."};
+
+/// Nothing but the end of the answer.
+bool holds_no_log(const QByteArray& text) {
+    const QByteArray line = text.trimmed();
+    return line.isEmpty() || line == "OK";
+}
+
 /// Reports the bytes of one download; other commands of the link are nobody's concern.
 class ByteReport {
   public:
@@ -65,6 +75,7 @@ NameFault LoggerData::download(const QString& command, const QString& name) {
     const QString& answer = link_.last_answer();
     const bool kept = visualizza(answer.toLatin1());
     if (came && !kept) program_.costs.tell_each(kNotKept);
+    if (came && kept && holds_no_log(text_)) program_.costs.tell_each(kNoLogs);
     if (came && kept) work.at(kKept, {QString::number(answer.size()), program_.temp_file_name});
     return NameFault::none;
 }

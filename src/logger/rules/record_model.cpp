@@ -49,6 +49,11 @@ RecordModel::RecordModel(QObject* parent) : QAbstractTableModel(parent) {
     read_lines();
 }
 
+void RecordModel::name_columns(const QStringList& line_log_text) {
+    own_columns_ = line_log_text;
+    set_text(text_);
+}
+
 void RecordModel::set_text(const QByteArray& text) {
     beginResetModel();
     text_ = text;
@@ -59,7 +64,7 @@ void RecordModel::set_text(const QByteArray& text) {
 void RecordModel::read_lines() {
     lines_.clear();
     headings_.clear();
-    columns_ = {QStringLiteral("Line"), QStringLiteral("Log"), QStringLiteral("Text")};
+    columns_ = own_columns_;
     last_title_ = analog_ = digital_ = -1;
     qsizetype begin = 0;
     int number = 0;

@@ -21,6 +21,9 @@ class RecordModel : public QAbstractTableModel {
   public:
     explicit RecordModel(QObject* parent = nullptr);
 
+    /// What the columns of the line's number, of its log and of other lines are called.
+    void name_columns(const QStringList& line_log_text);
+
     /// Shows `text`, whose lines are ended by CR LF, in the order of its lines.
     void set_text(const QByteArray& text);
 
@@ -58,6 +61,7 @@ class RecordModel : public QAbstractTableModel {
     QString shown(const Row& row, int column) const;
 
     QByteArray text_;
+    QStringList own_columns_{QStringLiteral("Line"), QStringLiteral("Log"), QStringLiteral("Text")};
     QStringList columns_;
     std::vector<Headings> headings_;
     std::vector<Row> lines_;  ///< in the order of the text

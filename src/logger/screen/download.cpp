@@ -32,7 +32,13 @@ constexpr Bilingual kLogsKept{"What is there was read and is kept in %2. Bytes: 
                               "Ciò che c'è è stato letto ed è conservato in %2. Byte: %1."};
 constexpr Bilingual kNotReadNotErased{"Nothing was erased: the logs could not be read first",
                                       "Nulla è stato cancellato: non si potevano leggere i log"};
-constexpr Bilingual kCopyRows{"Copy rows", "Copia righe"};
+constexpr Bilingual kNoRows{
+    "Nothing was copied: the table has no rows. Download the logs or open a file first.",
+    "Nulla è stato copiato: la tabella non ha righe. Scaricare prima i log o aprire un file."};
+constexpr Bilingual kCopied{"Rows copied: %1", "Righe copiate: %1"};
+constexpr Bilingual kNothingToPrint{
+    "There is nothing to print: download the logs or open a file first.",
+    "Non c'è nulla da stampare: scaricare prima i log o aprire un file."};
 
 }  // namespace
 
@@ -64,7 +70,8 @@ QSize Download::sizeHint() const {
 
 void Download::Form_Load() {
     set_tooltips(this, download_tooltips(), program_.texts);
-    ui_->record_table->copy_action()->setText(program_.texts.pick(kCopyRows));
+    set_key_words(this, download_key_words(), program_.texts);
+    ui_->record_table->show_texts(program_.texts);
     // The logged text brings headers of its own, so these are not shown anywhere.
     static_cast<void>(column_headers(link_.last_answer()));
 }
@@ -107,6 +114,10 @@ void Download::connect_buttons() {
 void Download::connect_table() {
     // A text that nobody looks at as a table is not taken to pieces.
     connect(ui_->pages, &QTabWidget::currentChanged, this, &Download::fill_table);
+    connect(ui_->record_table, &RecordTable::copied, this, [this](int rows) {
+        if (rows == 0) program_.costs.tell_each(kNoRows);
+        Q_EMIT progress(rows == 0 ? QString() : program_.texts.pick(kCopied).arg(rows));
+    });
 }
 
 void Download::cmddownload_Click() {
@@ -241,7 +252,9 @@ void Download::show_span_point(int row) {
 }
 
 void Download::createdoc() {
-    print_text(this, windowTitle(), print_page(data.text()), program_.texts);
+    if (data.text().trimmed().isEmpty()) program_.costs.tell_each(kNothingToPrint);
+    print_text(this, windowTitle(), simulated_mark(program_) + print_page(data.text()),
+               program_.texts);
 }
 
 }  // namespace m47::logger

@@ -26,7 +26,23 @@ constexpr Tooltip kTooltips[] = {
     {"dwl_txt", nullptr, "Elenco misure"},
 };
 
+constexpr Caption kKeyWords[] = {
+    {"open", {"Open", "Apri"}},
+    {"save", {"Save", "Salva"}},
+    {"delete", {"Delete", "Cancella"}},
+    {"dwl", {"Download", "Scarica"}},
+    {"dwl_c", {"Fetch, clear", "Scarica, svuota"}},
+    {"dwl_m", {"Log now", "Log ora"}},
+    {"to_ana", {"Analog", "Analogico"}},
+    {"to_dig", {"Digital", "Digitale"}},
+    {"stampa", {"Print", "Stampa"}},
+};
+
 }  // namespace
+
+std::span<const Caption> download_key_words() {
+    return kKeyWords;
+}
 
 std::span<const Tooltip> download_tooltips() {
     return kTooltips;

@@ -7,6 +7,14 @@
 #include <algorithm>
 
 namespace m47::logger {
+namespace {
+
+constexpr Bilingual kCopyRows{"Copy rows", "Copia righe"};
+constexpr Bilingual kLine{"Line", "Riga"};
+constexpr Bilingual kLog{"Log", "Log"};
+constexpr Bilingual kText{"Text", "Testo"};
+
+}  // namespace
 
 RecordTable::RecordTable(QWidget* parent)
     : QTableView(parent), records_(new RecordModel(this)), copy_(new QAction(this)) {
@@ -28,17 +36,27 @@ RecordTable::RecordTable(QWidget* parent)
     connect(copy_, &QAction::triggered, this, &RecordTable::copy_rows);
 }
 
+void RecordTable::show_texts(const Texts& texts) {
+    copy_->setText(texts.pick(kCopyRows));
+    records_->name_columns({texts.pick(kLine), texts.pick(kLog), texts.pick(kText)});
+}
+
 void RecordTable::set_text(const QByteArray& text) {
     records_->set_text(text);
     sortByColumn(0, Qt::AscendingOrder);
     resizeColumnsToContents();
 }
 
-void RecordTable::copy_rows() const {
+void RecordTable::copy_rows() {
+    if (records_->rowCount() == 0) {
+        Q_EMIT copied(0);
+        return;
+    }
     std::vector<int> rows;
     for (const QModelIndex& index : selectionModel()->selectedRows()) rows.push_back(index.row());
     std::sort(rows.begin(), rows.end());
     QGuiApplication::clipboard()->setText(records_->tab_separated(rows));
+    Q_EMIT copied(rows.empty() ? records_->rowCount() : static_cast<int>(rows.size()));
 }
 
 }  // namespace m47::logger

@@ -5,6 +5,7 @@
 #include <QTableView>
 
 #include "record_model.h"
+#include "texts.h"
 
 namespace m47::logger {
 
@@ -18,10 +19,15 @@ class RecordTable : public QTableView {
     /// Shows `text`, in the order of its lines.
     void set_text(const QByteArray& text);
 
-    QAction* copy_action() const { return copy_; }
+    /// What is called otherwise in each language, in the one in use now.
+    void show_texts(const Texts& texts);
 
     /// Puts the selected rows (all where none is selected) on the clipboard, TAB-separated.
-    void copy_rows() const;
+    void copy_rows();
+
+  Q_SIGNALS:
+    /// So many rows are on the clipboard; with 0 it is as before.
+    void copied(int rows);
 
   private:
     RecordModel* records_;

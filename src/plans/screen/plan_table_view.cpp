@@ -8,6 +8,10 @@
 namespace m47::plans {
 namespace {
 
+/// Widths of columns, in pixels, that somebody can have wanted.
+constexpr int kNarrowest = 10;
+constexpr int kWidest = 10000;
+
 constexpr Bilingual kTableName{"Programs of the plan", "Programmi del piano"};
 
 }  // namespace
@@ -32,6 +36,9 @@ PlanTableView::PlanTableView(const Texts& texts) : table_(texts) {
     horizontalHeader()->setSortIndicatorClearable(true);
     horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder);
     setSortingEnabled(true);
+    const auto changed = [this] { columns_are_users_ |= !fitting_; };
+    connect(horizontalHeader(), &QHeaderView::sectionResized, this, changed);
+    connect(horizontalHeader(), &QHeaderView::sectionMoved, this, changed);
     table_.on_entry = [this](int row, const programme::ProgramField::Member& member,
                              const QString& text) { take_entry(row, member, text); };
 }
@@ -49,6 +56,7 @@ void PlanTableView::follow(const PlanSets& sets, const std::vector<db::Bookmark>
 
 /// Once, as wide as a program needs; after that the widths are the user's.
 void PlanTableView::fit_columns() {
+    const QScopedValueRollback<bool> fitting(fitting_, true);
     setColumnHidden(PlanTable::kName, !table_.has_names());
     if (fitted_ || table_.rowCount() == 0) return;
     fitted_ = true;
@@ -58,6 +66,40 @@ void PlanTableView::fit_columns() {
         setColumnWidth(column, std::max(columnWidth(column), number));
     const int band = fontMetrics().horizontalAdvance(QStringLiteral("bassa 10600")) + 12;
     setColumnWidth(PlanTable::kBand, std::max(columnWidth(PlanTable::kBand), band));
+}
+
+/// "2:57 0:40 …": each column and its width from left to right.
+QString PlanTableView::columns() const {
+    if (!columns_are_users_) return {};
+    const QHeaderView* header = horizontalHeader();
+    QStringList left_to_right;
+    for (int place = 0; place < header->count(); ++place) {
+        const int column = header->logicalIndex(place);
+        left_to_right += QStringLiteral("%1:%2").arg(column).arg(header->sectionSize(column));
+    }
+    return left_to_right.join(u' ');
+}
+
+void PlanTableView::set_columns(const QString& columns) {
+    std::vector<int> order, widths;
+    for (const QString& entry : columns.split(u' ')) {
+        order.push_back(entry.section(u':', 0, 0).toInt());
+        widths.push_back(entry.section(u':', 1).toInt());
+    }
+    std::vector<int> sorted = order;
+    std::ranges::sort(sorted);
+    QHeaderView* header = horizontalHeader();
+    bool whole = static_cast<int>(order.size()) == header->count();
+    for (std::size_t k = 0; whole && k < order.size(); ++k)
+        whole = sorted[k] == static_cast<int>(k) && widths[k] >= 0 && widths[k] <= kWidest;
+    if (!whole) return;
+    const QScopedValueRollback<bool> fitting(fitting_, true);
+    fitted_ = columns_are_users_ = true;
+    for (std::size_t k = 0; k < order.size(); ++k) {
+        header->moveSection(header->visualIndex(order[k]), static_cast<int>(k));
+        // A column that was hidden had none.
+        if (widths[k] > 0) header->resizeSection(order[k], std::max(widths[k], kNarrowest));
+    }
 }
 
 void PlanTableView::show_current(std::optional<db::Bookmark> row) {

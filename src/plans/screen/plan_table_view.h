@@ -33,6 +33,12 @@ class PlanTableView : public QTableView {
     bool shows_plan_order() const;
     void show_plan_order();
 
+    /// Order and widths of the columns as the user has left them; empty where they are as they
+    /// come.
+    QString columns() const;
+    /// Sets them so; what is no such text, or of another table, changes nothing.
+    void set_columns(const QString& columns);
+
   Q_SIGNALS:
     /// One program alone has been selected by the user.
     void recalled(qint64 row);
@@ -56,6 +62,9 @@ class PlanTableView : public QTableView {
     bool following_ = false;
     std::optional<db::Bookmark> current_;
     bool fitted_ = false;
+    /// The columns are being set; else it is the user who changes them.
+    bool fitting_ = false;
+    bool columns_are_users_ = false;
 };
 
 }  // namespace m47::plans

@@ -58,7 +58,21 @@ constexpr Tooltip kPlanTooltips[] = {
      "Copia tutto il piano con un altro nome"},
 };
 
+constexpr Caption kKeyWords[] = {
+    {"previous", {"‹ Plan", "‹ Piano"}},          {"next", {"Plan ›", "Piano ›"}},
+    {"new", {"New plan", "Nuovo piano"}},         {"delete", {"Delete plan", "Cancella piano"}},
+    {"store_new", {"Add", "Aggiungi"}},           {"store", {"Store", "Memorizza"}},
+    {"programma_delete", {"Delete", "Cancella"}}, {"previous_prog", {"‹ Program", "‹ Programma"}},
+    {"next_prog", {"Program ›", "Programma ›"}},  {"accoda", {"Append", "Accoda"}},
+    {"sostituisci", {"Disable", "Disabilita"}},   {"nuovo", {"Replace", "Rimpiazza"}},
+    {"monitor", {"Monitor", "Monitor"}},
+};
+
 }  // namespace
+
+std::span<const Caption> plan_key_words() {
+    return kKeyWords;
+}
 
 std::span<const Tooltip> plan_tooltips() {
     return kPlanTooltips;

@@ -28,6 +28,23 @@ constexpr Caption kMenuCaptions[] = {
 constexpr Bilingual kFrequenciesCorrected{"Frequencies corrected, programs: %1",
                                           "Frequenze corrette, programmi: %1"};
 
+constexpr Bilingual kNoPlanBefore{
+    "No plan comes before this one: \"Create New Plan\" makes another one.",
+    "Nessun piano precede questo: \"Crea un nuovo piano di programmi\" ne crea un altro."};
+constexpr Bilingual kNoPlanAfter{
+    "No plan comes after this one: \"Create New Plan\" makes another one.",
+    "Nessun piano segue questo: \"Crea un nuovo piano di programmi\" ne crea un altro."};
+constexpr Bilingual kNoProgramBefore{
+    "No program comes before this one: \"New Program\" adds one to the plan.",
+    "Nessun programma precede questo: \"Crea un nuovo programma\" ne aggiunge uno al piano."};
+constexpr Bilingual kNoProgramAfter{
+    "No program comes after this one: \"New Program\" adds one to the plan.",
+    "Nessun programma segue questo: \"Crea un nuovo programma\" ne aggiunge uno al piano."};
+constexpr Bilingual kNoPlanYet{
+    "Nothing was done: there is no plan. \"Create New Plan\" makes one.",
+    "Nulla è stato fatto: non c'è alcun piano. \"Crea un nuovo piano di programmi\" ne crea uno."};
+constexpr Bilingual kStored{"Program stored: %1", "Programma memorizzato: %1"};
+
 /// The others stay in their places while `frame` is hidden.
 void keep_place(QWidget* frame) {
     QSizePolicy place = frame->sizePolicy();
@@ -77,7 +94,9 @@ ProgramSet::ProgramSet(link::Link& link, ProgramState& program, db::Database& da
     guard_lists();
 }
 
-ProgramSet::~ProgramSet() = default;
+ProgramSet::~ProgramSet() {
+    keep_table();
+}
 
 void ProgramSet::handle(const char* name, const std::function<void()>& body) {
     Screen::handle(name, [&] {
@@ -124,6 +143,7 @@ void ProgramSet::show_current_row() {
 void ProgramSet::Form_Load() {
     set_tooltips(this, plan_tooltips(), program_.texts);
     set_captions(this, kMenuCaptions, program_.texts);
+    set_key_words(this, plan_key_words(), program_.texts);
     for (QAction* key : {ui_->store, ui_->previous_prog, ui_->next_prog})
         key->setText(key->toolTip());
     handle("Form_Load", [this] {
@@ -156,23 +176,18 @@ void ProgramSet::show_plan(const QString& name) {
 
 void ProgramSet::fill_keys() {
     // "storing" is known and does nothing.
-    add_key(ui_->previous, [this] {
-        if (may_leave()) move_plan(sets_.previous_plan());
-    });
-    add_key(ui_->next, [this] {
-        if (may_leave()) move_plan(sets_.next_plan());
-    });
+    add_key(ui_->previous, [this] { step_plan(&PlanSets::previous_plan, kNoPlanBefore); });
+    add_key(ui_->next, [this] { step_plan(&PlanSets::next_plan, kNoPlanAfter); });
     add_key(ui_->new_plan, [this] { add_new(); });
     add_key(ui_->delete_plan, [this] { del_old(); });
     add_key(ui_->store_new, [this] { store_as_new(); });
-    add_key(ui_->store, [this] { store_record(true); });
+    add_key(ui_->store, [this] {
+        if (store_record(true) == Outcome::stored) tell({kStored, {sets_.program().pg_num}});
+    });
     add_key(ui_->programma_delete, [this] { delete_program(); });
-    add_key(ui_->previous_prog, [this] {
-        if (may_leave()) move_program(sets_.previous_program());
-    });
-    add_key(ui_->next_prog, [this] {
-        if (may_leave()) move_program(sets_.next_program());
-    });
+    add_key(ui_->previous_prog,
+            [this] { step_program(&PlanSets::previous_program, kNoProgramBefore); });
+    add_key(ui_->next_prog, [this] { step_program(&PlanSets::next_program, kNoProgramAfter); });
     add_key(ui_->accoda, [this] { download_group(ui_->accoda->toolTip(), kAppend); });
     add_key(ui_->sostituisci, [this] { download_group(ui_->sostituisci->toolTip(), kDisable); });
     add_key(ui_->nuovo, [this] { download_group(ui_->nuovo->toolTip(), kReplace); });
@@ -210,6 +225,25 @@ void ProgramSet::move_plan(bool moved) {
 void ProgramSet::move_program(bool moved) {
     if (!moved) beep();
     mostra_record();
+}
+
+void ProgramSet::step_plan(bool (PlanSets::*step)(), const Bilingual& end) {
+    if (!may_leave()) return;
+    const bool moved = (sets_.*step)();
+    move_plan(moved);
+    if (!moved) tell_nothing_done(end);
+}
+
+void ProgramSet::step_program(bool (PlanSets::*step)(), const Bilingual& end) {
+    if (!may_leave()) return;
+    const bool moved = (sets_.*step)();
+    move_program(moved);
+    if (!moved) tell_nothing_done(end);
+}
+
+/// Without a plan that is the reason, whatever else may be.
+void ProgramSet::tell_nothing_done(const Bilingual& why) {
+    program_.costs.tell_each(sets_.plan().isEmpty() ? kNoPlanYet : why);
 }
 
 void ProgramSet::show_first_program() {

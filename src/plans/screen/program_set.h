@@ -92,6 +92,10 @@ class ProgramSet : public Screen {
                      const std::function<bool(const RemovedRows&)>& remove);
     void move_plan(bool moved);
     void move_program(bool moved);
+    // Keys that find nothing to do say why, and what helps.
+    void step_plan(bool (PlanSets::*step)(), const Bilingual& end);
+    void step_program(bool (PlanSets::*step)(), const Bilingual& end);
+    void tell_nothing_done(const Bilingual& why);
 
     // Fields
     void check_prog_num();
@@ -106,6 +110,8 @@ class ProgramSet : public Screen {
     void put_table_beside();
     void connect_table();
     void connect_edit_menu();
+    void restore_table();
+    void keep_table() const;
     void follow_changes();
     void refresh_record(bool same_program);
     void recall(db::Bookmark row);

@@ -101,7 +101,27 @@ void ProgramSet::connect_edit_menu() {
     entry(menu.keep_order, "cmdkeeporder_Click", [this] { keep_order(); });
     show_table_ = menu.show_table;
     connect(show_table_, &QAction::toggled, table_, &QWidget::setVisible);
-    connect(show_table_, &QAction::triggered, this, [this] { table_chosen_ = true; });
+    connect(show_table_, &QAction::triggered, this, [this](bool shown) {
+        table_chosen_ = true;
+        program_.preferences.keep_unfolded(table_->objectName(), shown);
+    });
+    restore_table();
+}
+
+/// As the user has left it in the run before.
+void ProgramSet::restore_table() {
+    const Preferences& known = program_.preferences;
+    if (const QString columns = known.columns(table_->objectName()); !columns.isEmpty())
+        table_->set_columns(columns);
+    const std::optional<bool> shown = known.unfolded(table_->objectName());
+    if (!shown) return;
+    table_chosen_ = true;
+    show_table_->setChecked(*shown);
+}
+
+void ProgramSet::keep_table() const {
+    const QString columns = table_->columns();
+    if (!columns.isEmpty()) program_.preferences.keep_columns(table_->objectName(), columns);
 }
 
 /// Where the record needs the whole width, the table would only take from it.

@@ -19,6 +19,15 @@ constexpr Bilingual kLastProgram{
     "Nel frattempo un altro programma ha cancellato gli altri programmi del piano. L'ultimo "
     "resta."};
 
+constexpr Bilingual kOnlyPlan{
+    "Nothing was deleted: the last plan stays. Make another one first (\"Create New Plan\").",
+    "Nulla è stato cancellato: l'ultimo piano resta. Crearne prima un altro (\"Crea un nuovo piano "
+    "di programmi\")."};
+constexpr Bilingual kOnlyProgram{
+    "Nothing was deleted: a plan keeps its last program. Store another one first (\"New "
+    "Program\").",
+    "Nulla è stato cancellato: un piano conserva l'ultimo programma. Memorizzarne prima un altro "
+    "(\"Crea un nuovo programma\")."};
 constexpr Bilingual kNoPlan{"There is no plan: make one first.",
                             "Non c'è alcun piano: occorre prima crearne uno."};
 constexpr Bilingual kPlanGone{"The plan %1 is gone: another program has deleted it.",
@@ -152,7 +161,7 @@ bool ProgramSet::remove_seen(RemovedRows seen, const Bilingual& last_one,
 }
 
 void ProgramSet::del_old() {
-    if (!sets_.can_delete_plan()) return;
+    if (!sets_.can_delete_plan()) return tell_nothing_done(kOnlyPlan);
     const RemovedRows seen = sets_.seen_plan(known_);
     if (!ask_remove(this, program_.texts, sets_.plan())) return;
     const bool gone = remove_seen(
@@ -165,7 +174,7 @@ void ProgramSet::delete_program() {
     if (!sets_.can_delete_program()) {
         // Others may have left this one alone.
         if (sets_.refresh()) move_plan(true);
-        return;
+        return tell_nothing_done(kOnlyProgram);
     }
     if (!ask_remove(this, program_.texts, sets_.program().pg_num)) return;
     const bool gone =

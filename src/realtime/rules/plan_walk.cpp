@@ -90,29 +90,31 @@ bool PlanWalk::step(db::Recordset& set, Direction direction) {
     return true;
 }
 
-void PlanWalk::move_plan(Direction direction) {
+bool PlanWalk::move_plan(Direction direction) {
     const link::Suspended suspended(link_);
     db::Recordset& plans = database_.gruppo();
     const db::Recordset before = plans;
+    bool at_end = false;
     try {
-        step(plans, direction);
+        at_end = step(plans, direction);
         open_programs();
     } catch (const db::EngineFault&) {
         // Else the next step would begin at a plan that is not shown.
         plans = before;
         throw;
     }
+    return !at_end;
 }
 
-void PlanWalk::previous_plan() {
-    move_plan(Direction::back);
+bool PlanWalk::previous_plan() {
+    return move_plan(Direction::back);
 }
 
-void PlanWalk::next_plan() {
-    move_plan(Direction::forward);
+bool PlanWalk::next_plan() {
+    return move_plan(Direction::forward);
 }
 
-void PlanWalk::move_program(Direction direction) {
+bool PlanWalk::move_program(Direction direction) {
     const link::Suspended suspended(link_);
     // Only a walk that came to its end moves the set: one that failed would leave it beside its
     // rows.
@@ -123,14 +125,15 @@ void PlanWalk::move_program(Direction direction) {
     } while (!at_end && !programme::ProgramRow(set).monitored());
     programs() = std::move(set);
     modes_.mostra_record_realtime();
+    return !at_end;
 }
 
-void PlanWalk::previous_program() {
-    move_program(Direction::back);
+bool PlanWalk::previous_program() {
+    return move_program(Direction::back);
 }
 
-void PlanWalk::next_program() {
-    move_program(Direction::forward);
+bool PlanWalk::next_program() {
+    return move_program(Direction::forward);
 }
 
 }  // namespace m47::realtime

@@ -24,12 +24,13 @@ class PlanWalk {
     void first_plan();
     /// Opens the plan `name`. False, and nothing changed but the presentation, where there is none.
     bool choose_plan(const QString& name);
-    // The plan beside the present one; at the end of the list it stays.
-    void previous_plan();
-    void next_plan();
-    // The monitored program beside the present one; where there is none, the last one that way.
-    void previous_program();
-    void next_program();
+    // The plan beside the present one; at the end of the list it stays, and that is false.
+    bool previous_plan();
+    bool next_plan();
+    // The monitored program beside the present one; where there is none, the last one that way, and
+    // that is false.
+    bool previous_program();
+    bool next_program();
 
     /// The programs of the open plan; a Fault where none is open.
     db::Recordset& programs();
@@ -45,8 +46,8 @@ class PlanWalk {
     void open_plan();
     /// One row on; true where the set ends there and stays on its last row.
     static bool step(db::Recordset& set, Direction direction);
-    void move_plan(Direction direction);
-    void move_program(Direction direction);
+    bool move_plan(Direction direction);
+    bool move_program(Direction direction);
 
     link::Link& link_;
     db::Database& database_;

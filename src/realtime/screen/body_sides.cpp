@@ -52,7 +52,7 @@ void BodySides::set_beside() {
     controls_->setMinimumSize(kLeastControls, 0);
     controls_->setMaximumHeight(QWIDGETSIZE_MAX);
     const bool both_fit = width_of_both() + page_width_ <= body_->width();
-    set_columns(both_fit ? QBoxLayout::LeftToRight : QBoxLayout::BottomToTop);
+    set_columns(both_fit ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
     if (moved_) return;
     const int controls = controls_->widget()->minimumSizeHint().width() + bar_width();
     sides_->setSizes({controls, qMax(1, body_->width() - controls)});
@@ -70,9 +70,8 @@ void BodySides::set_columns(QBoxLayout::Direction direction) {
     if (columns_->direction() == direction) return;
     columns_->setDirection(direction);
     // What is left over goes to the right, or to the bottom.
-    const bool beside = direction == QBoxLayout::LeftToRight;
-    columns_->setStretch(0, beside ? 0 : 1);
-    columns_->setStretch(1, beside ? 1 : 0);
+    columns_->setStretch(0, 0);
+    columns_->setStretch(1, 1);
     columns_->activate();
 }
 

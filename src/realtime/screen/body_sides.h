@@ -8,8 +8,9 @@
 namespace m47::realtime {
 
 /// Where the page stands: in a wide screen right of the controls, behind a splitter, and each side
-/// scrolls for itself; else below them, and all of it scrolls together. Beside, the measures stand
-/// above the tuning where the page would not have its room otherwise.
+/// scrolls for itself; else below them, and all of it scrolls together. Beside, the tuning stands
+/// above the measures where the page would not have its room otherwise: nobody measures before the
+/// frequency is in sight.
 class BodySides : public QObject {
   public:
     /// From this width of the window on the page stands beside, in logical pixels.

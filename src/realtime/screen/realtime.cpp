@@ -52,6 +52,15 @@ constexpr Bilingual kReportNotSaved{"The report was not saved as '%1': %2",
 constexpr Bilingual kRunGoesOn{"A run is measuring: stop it first",
                                "Un ciclo sta misurando: prima fermarlo"};
 
+constexpr Bilingual kNothingRuns{
+    "There is nothing to stop: neither a pass nor a timed acquisition runs.",
+    "Non c'è nulla da fermare: nessun giro né acquisizione a tempo in corso."};
+constexpr Bilingual kTimerShown{
+    "The timer stands on the screen already: its key begins the timed acquisition.",
+    "Il timer è già sulla schermata: il suo tasto inizia l'acquisizione a tempo."};
+constexpr Bilingual kPageIsEmpty{"The measurement page is empty already: a measurement fills it.",
+                                 "La pagina misure è già vuota: la riempie una misura."};
+
 constexpr std::chrono::milliseconds kBehindBox{200};
 /// Without a pause the next exchange would begin before the keys pressed in the last one are seen.
 constexpr std::chrono::milliseconds kForTheUser{10};
@@ -252,12 +261,25 @@ void Realtime::fill_keys() {
     add(ui_->next_prog, &acquisition::Acquisition::next_prog);
     add(ui_->single_acq, &acquisition::Acquisition::single_acq);
     add(ui_->multiple_acq, &acquisition::Acquisition::multiple_acq);
-    add(ui_->start, &acquisition::Acquisition::start);
-    add(ui_->stop, &acquisition::Acquisition::stop);
+    add_key(ui_->start, [this] {
+        if (rules.panel.timer_opt_visible) program_.costs.tell_each(kTimerShown);
+        acquisition.start();
+        // Its frame stands last, where a low window has to be scrolled to.
+        for (QScrollArea* area : {ui_->controls_area, ui_->body})
+            area->ensureWidgetVisible(ui_->timer_opt);
+    });
+    add_key(ui_->stop, [this] {
+        const bool on = rules.panel.timer_opt_visible || acquisition.running();
+        if (!on && !rules.state.plan_run_active) program_.costs.tell_each(kNothingRuns);
+        acquisition.stop();
+    });
     add_key(ui_->save, [this] { datamenagment(); });
     add_key(ui_->analogico, [this] { rules.modes.analogmode(); });
     add_key(ui_->qpsk, [this] { rules.modes.digitalmode(); });
-    add_key(ui_->cancella, [this] { rules.page.clear(); });
+    add_key(ui_->cancella, [this] {
+        if (rules.page.measurements() == 0) program_.costs.tell_each(kPageIsEmpty);
+        rules.page.clear();
+    });
     add_key(ui_->stampa, [this] { createdoc(); });
 }
 
@@ -356,6 +378,7 @@ void Realtime::prepare_page() {
 
 void Realtime::fill_in() {
     set_tooltips(this, realtime_tooltips(), program_.texts);
+    set_key_words(this, realtime_key_words(), program_.texts);
     set_tooltip(ui_->save, program_.texts.pick(kOpenFileTooltip));
     ui_->diseqc->set_captions(program_.texts);
     ui_->diseqc->add_diseqc_command();
@@ -444,7 +467,8 @@ void Realtime::show_log_state(const QString& reason) {
 }
 
 void Realtime::createdoc() {
-    print_text(this, windowTitle(), measurement::print_lines(rules.page).join(u'\n'),
+    print_text(this, windowTitle(),
+               simulated_mark(program_) + measurement::print_lines(rules.page).join(u'\n'),
                program_.texts);
 }
 

@@ -65,6 +65,29 @@ constexpr Tooltip kTooltips[] = {
      "Crea un PDF della pagina misure per il cliente"},
 };
 
+constexpr Caption kKeyWords[] = {
+    {"save", {"Log", "Log"}},
+    {"single", {"Single", "Singolo"}},
+    {"group", {"Plan", "Piano"}},
+    {"previous", {"‹ Plan", "‹ Piano"}},
+    {"next", {"Plan ›", "Piano ›"}},
+    {"previous_prog", {"‹ Prog.", "‹ Prog."}},
+    {"next_prog", {"Prog. ›", "Prog. ›"}},
+    {"satellite", {"Sat", "Sat"}},
+    {"terrestre", {"Terr", "Terr"}},
+    {"analogico", {"Analog", "Analog."}},
+    {"qpsk", {"QPSK", "QPSK"}},
+    {"qam", {"QAM", "QAM"}},
+    {"ofdm", {"OFDM", "OFDM"}},
+    {"single_acq", {"Measure", "Misura"}},
+    // It stands in the place of the one before, which is as wide.
+    {"multiple_acq", {"Measure", "Misura"}},
+    {"start", {"Timed", "A tempo"}},
+    {"stop", {"Stop", "Stop"}},
+    {"cancella", {"Clear", "Svuota"}},
+    {"stampa", {"Print", "Stampa"}},
+};
+
 std::vector<Tooltip> with_measures() {
     std::vector<Tooltip> all(std::begin(kTooltips), std::end(kTooltips));
     const auto add = [&all](const MeasureControl& control) {
@@ -79,6 +102,10 @@ std::vector<Tooltip> with_measures() {
 }
 
 }  // namespace
+
+std::span<const Caption> realtime_key_words() {
+    return kKeyWords;
+}
 
 std::span<const Tooltip> realtime_tooltips() {
     static const std::vector<Tooltip> all = with_measures();

@@ -14,4 +14,7 @@ std::span<const Tooltip> realtime_tooltips();
 inline constexpr Bilingual kOpenFileTooltip{"Open file", "Open file"};
 inline constexpr Bilingual kCloseFileTooltip{"Close file", "Close file"};
 
+/// The words under the toolbar's keys.
+std::span<const Caption> realtime_key_words();
+
 }  // namespace m47::realtime

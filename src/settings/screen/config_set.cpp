@@ -16,6 +16,11 @@ constexpr Tooltip kConfigTooltips[] = {
     {"logo_txt", "Instrument Logo", nullptr},
 };
 
+constexpr Caption kKeyWords[] = {
+    {"logo", {"Logo", "Logo"}},
+    {"time", {"Time", "Ora"}},
+};
+
 /// Lets nothing into the box, typed or pasted, that the line would turn into a question mark.
 class SendableText : public QValidator {
   public:
@@ -44,6 +49,7 @@ ConfigSet::~ConfigSet() = default;
 
 void ConfigSet::Form_Load() {
     set_tooltips(this, kConfigTooltips, texts_);
+    set_key_words(this, kKeyWords, texts_);
 }
 
 }  // namespace m47::settings

@@ -181,7 +181,8 @@ void TrendView::catch_up() {
         plot_->rows_came();
     }
     replaced_ = false;
-    save_->setEnabled(!data_.empty());
+    // Without a curve the page says that there is none.
+    for (QAction* key : {reset_, save_}) key->setEnabled(!data_.empty());
     pages_->setCurrentWidget(data_.empty() ? static_cast<QWidget*>(nothing_) : plot_->widget());
 }
 
