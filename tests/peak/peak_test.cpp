@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The search for the peak on made-up skies, on the simulated one, and over the line.
+#include <QHash>
+#include <QSet>
 #include <QTest>
 #include <cmath>
 #include <stdexcept>
@@ -9,6 +11,7 @@
 #include "fake_port.h"
 #include "fault.h"
 #include "link_antenna.h"
+#include "meter_in_process.h"
 #include "motor.h"
 #include "orbit_reception.h"
 #include "peak_search.h"
@@ -164,6 +167,8 @@ class PeakTest : public QObject {
     void mer_over_the_line();
     void the_line_is_lost();
     void told_to_end_the_motor_is_stopped();
+    void told_to_end_the_meter_measures_again();
+    void every_kind_of_fault();
 };
 
 void PeakTest::a_parabola_has_its_summit() {
@@ -455,6 +460,44 @@ void PeakTest::told_to_end_the_motor_is_stopped() {
     QVERIFY_EXCEPTION_THROWN((void)peak_search.run(), m47::Interrupted);
     QCOMPARE(line.port.take_commands().last(), QString("DISEQCMOT 00"));
     QCOMPARE(line.link.undivided, 0);
+}
+
+void PeakTest::told_to_end_the_meter_measures_again() {
+    Line line;
+    LinkAntenna antenna(line.link);
+    line.link.interrupted = [&] { return line.port.written.endsWith("BERQPSK\r"); };
+    QVERIFY_EXCEPTION_THROWN((void)antenna.mer(), m47::Interrupted);
+    QCOMPARE(line.port.take_commands(), (QStringList{"ATTEN 00", "BERQPSK", "MEASURE"}));
+}
+
+/// Under the fixed sky the level is the same everywhere: a search ends where it began, whatever the
+/// line does to it.
+void PeakTest::every_kind_of_fault() {
+    QSet<QString> kinds;
+    int whole = 0;
+    for (quint64 seed = 1; seed <= 60; ++seed) {
+        Line line;
+        MeterInProcess meter(line.port, seed);
+        meter.bad_in = seed % 4 == 0 ? 0 : 12;
+        QByteArray last;
+        meter.on_command = [&](const QByteArray& command, const QString& kind) {
+            last = command;
+            if (!kind.isEmpty()) kinds += kind;
+        };
+        LinkAntenna antenna(line.link);
+        PeakSearch peak_search(antenna, {});
+        try {
+            const SearchEnd end = peak_search.run().end;
+            QVERIFY(end == SearchEnd::lost || end == SearchEnd::nothing_better);
+            whole += end == SearchEnd::nothing_better;
+            QVERIFY2(line.link.port_connected || end == SearchEnd::lost, "told as it is");
+        } catch (const Fault&) {
+            // A doubtful answer is told as such.
+        }
+        if (line.link.port_connected) QCOMPARE(last, QByteArray("DISEQCMOT 00"));
+    }
+    QVERIFY2(kinds.size() > 10, qPrintable(QString::number(kinds.size())));
+    QVERIFY2(whole >= 15, "what no fault hits, and more");
 }
 
 }  // namespace m47::peak

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace m47::peak {
 namespace {
@@ -36,21 +37,18 @@ bool is_summit(const std::vector<Point>& points, std::size_t i) {
 }
 
 /// How far one has to go down from a summit before a side rises above it, or ends.
-template <typename Side>
-double fall(double summit_db, const Side& side) {
+template <typename Iterator>
+double fall(double summit_db, Iterator side, Iterator end) {
     double lowest = summit_db;
-    for (const Point& point : side) {
-        if (point.db > summit_db) break;
-        lowest = std::min(lowest, point.db);
-    }
+    for (; side != end && side->db <= summit_db; ++side) lowest = std::min(lowest, side->db);
     return summit_db - lowest;
 }
 
 double prominence(const std::vector<Point>& points, std::size_t i) {
     const auto here = points.begin() + static_cast<std::ptrdiff_t>(i);
-    const std::ranges::subrange east(here + 1, points.end());
-    const std::ranges::subrange west(points.rbegin() + (points.end() - here), points.rend());
-    return std::min(fall(here->db, east), fall(here->db, west));
+    const double east = fall(here->db, here + 1, points.end());
+    const double west = fall(here->db, std::make_reverse_iterator(here), points.rend());
+    return std::min(east, west);
 }
 
 double summit_near(const std::vector<Point>& points, std::size_t i) {

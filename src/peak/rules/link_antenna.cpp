@@ -24,6 +24,30 @@ QString drive_command(int steps) {
     return word + direction + link::format_number(std::abs(steps), "00") + QStringLiteral(" 01");
 }
 
+/// Sends what the meter has to be told whatever has happened, the program's end included; without a
+/// line there is nobody to tell.
+void send_at_the_end(link::Link& link, const QString& command) noexcept {
+    ++link.undivided;
+    try {
+        link.send(command);
+    } catch (...) {
+        // Each drive ends by itself, and the next user of the meter sets its mode.
+    }
+    --link.undivided;
+}
+
+/// The meter's QPSK mode, while it lives.
+class QpskMode {
+  public:
+    explicit QpskMode(link::Link& link) : link_(link) { link_.send(link::command::kQpskQuality); }
+    ~QpskMode() { send_at_the_end(link_, link::command::kMeasure); }
+    QpskMode(const QpskMode&) = delete;
+    QpskMode& operator=(const QpskMode&) = delete;
+
+  private:
+    link::Link& link_;
+};
+
 }  // namespace
 
 bool LinkAntenna::drive(int steps) {
@@ -33,14 +57,7 @@ bool LinkAntenna::drive(int steps) {
 }
 
 void LinkAntenna::stop() noexcept {
-    // Told to end or not, the motor has to know.
-    ++link_.undivided;
-    try {
-        link_.send(link::command::kDiseqcMotor + QStringLiteral(" 00"));
-    } catch (...) {
-        // There is no line left to tell it on; each drive ends by itself.
-    }
-    --link_.undivided;
+    send_at_the_end(link_, link::command::kDiseqcMotor + QStringLiteral(" 00"));
 }
 
 std::optional<double> LinkAntenna::level() {
@@ -61,12 +78,11 @@ std::optional<double> LinkAntenna::level() {
 
 std::optional<double> LinkAntenna::mer() {
     const link::Measuring measuring(link_);
+    attenuated_ = false;
     link_.send(link::command::kAttenuator + QStringLiteral(" 00"));
-    link_.send(link::command::kQpskQuality);
+    const QpskMode mode(link_);
     link_.wait_time(kAfterQpsk);
     const auto answer = link_.ask(link::command::query(link::command::kQpskQuality));
-    link_.send(link::command::kMeasure);
-    attenuated_ = false;
     const QString label = QStringLiteral("MER   :");
     if (!answer || !answer->contains(label)) return std::nullopt;
     const auto reading = measurement::reading_of(measurement::Quantity::mer,

@@ -15,7 +15,8 @@ class LinkAntenna : public Antenna {
     bool drive(int steps) override;
     void stop() noexcept override;
     std::optional<double> level() override;
-    /// Takes six seconds, and leaves the meter measuring, with all attenuation.
+    /// Takes six seconds, and leaves the meter in its measuring mode, without attenuation until the
+    /// next level.
     std::optional<double> mer() override;
 
   private:

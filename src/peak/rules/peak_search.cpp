@@ -14,7 +14,7 @@ constexpr double kStandsOutDb = 0.1;
 constexpr double kBendDb = 0.25;
 constexpr double kLockedBendDb = 0.1;
 // Noise alone is nowhere so much stronger than elsewhere.
-constexpr double kAboveAllDb = 0.8;
+constexpr double kAboveAllDb = 0.6;
 // Readings of one place that differ by more are taken once more.
 constexpr double kScatterDb = 0.35;
 constexpr int kMostReadings = 4;
@@ -173,9 +173,9 @@ double PeakSearch::bend() const {
 }
 
 bool PeakSearch::is_peak() const {
-    if (curve_.of_carrier) return bend() >= kLockedBendDb;
     const double lowest = std::ranges::min(result_.looked, {}, &Point::db).db;
-    return bend() >= kBendDb && curve_.points[1].db >= lowest + kAboveAllDb;
+    const bool above = curve_.level_db >= lowest + kAboveAllDb;
+    return above && bend() >= (curve_.of_carrier ? kLockedBendDb : kBendDb);
 }
 
 /// The flatter the curve is against the scatter, the more often its points are taken.
@@ -208,8 +208,9 @@ PeakSearch::Curve PeakSearch::points_around(double about, int beside) {
         amid |= mer && steps == centre;
         if (on_point) on_point(levels.back(), false);
     }
-    if (carriers.size() == levels.size()) return {carriers, centre, beside, true, amid};
-    return {levels, centre, beside, false, amid};
+    if (carriers.size() == levels.size())
+        return {carriers, levels[1].db, centre, beside, true, amid};
+    return {levels, levels[1].db, centre, beside, false, amid};
 }
 
 std::optional<double> PeakSearch::mer() {

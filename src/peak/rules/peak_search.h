@@ -57,6 +57,7 @@ class PeakSearch {
   private:
     struct Curve {
         std::vector<Point> points;  ///< west of the centre, at it, east of it; again so
+        double level_db = 0.0;      ///< of all in the filter, at the centre
         int centre = 0;
         int beside = 0;
         bool of_carrier = false;
