@@ -67,7 +67,7 @@ void BandTest::a_table_is_read_as_far_as_it_is_sound_data() {
     add("another mark", "1000.0\t\t57.9\t=\tdBuV\t18\ton\n");
     add("another unit", "1000.0\t\t57.9\t\tdBW\t18\ton\n");
     add("another voltage", "1000.0\t\t57.9\t\tdBuV\t14\ton\n");
-    add("another tone", "1000.0\t\t57.9\t\tdBuV\t18\tyes\n");
+    add("another tone", "1000.0\t\t57.9\t\tdBuV\t18\tjes\n");
     add("no oscillator fits", "1000.0\t1100.0\t57.9\t\tdBuV\t18\ton\n");
     QTest::newRow("cut off") << QByteArray("1000.0\t\t57.9\t\tdBuV\t18\ton")
                              << "The table was read up to line 3, which is cut off.";
