@@ -187,6 +187,19 @@ void keep_recordings(meter::Instrument& meter, SeedFolder& seeds) {
     seeds.keep("recording", std::string(1, '\0') + "M47TRACE 2 x\nRX 1.000 2.000 <CR>\n");
 }
 
+/** The rows of a band sweep, behind the line of their names. */
+void keep_sweeps(meter::Instrument& meter, SeedFolder& seeds) {
+    std::string rows;
+    for (int mhz = 990; mhz <= 1150; mhz += 10) {
+        meter.handle("FREQ " + std::to_string(mhz));
+        const std::string frequency = std::to_string(mhz) + ".0\t" + std::to_string(mhz + 10600);
+        rows +=
+            frequency + ".0\t" + without_blanks(payload(meter, "LEVANL?")) + "\t\tdBuV\t18\ton\n";
+        seeds.keep("sweep", rows);
+    }
+    seeds.keep("sweep", "920.0\t\t20\t<\t\t\t\n2150.0\t3000.0\t\t\tdBm\toff\toff\n");
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -202,5 +215,6 @@ int main(int argc, char** argv) {
     keep_satellites(meter, seeds);
     keep_plans(meter, seeds);
     keep_recordings(meter, seeds);
+    keep_sweeps(meter, seeds);
     return 0;
 }

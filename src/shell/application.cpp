@@ -28,6 +28,7 @@
 #include "standard_streams.h"
 #include "system_time.h"
 #include "unattended.h"
+#include "unattended_sweep.h"
 #include "window_end.h"
 #include "work_folder.h"
 
@@ -124,6 +125,14 @@ int meter_unattended(ProgramState& state, db::Database* database, link::PortList
     return report_problem(state, connection, options, status);
 }
 
+int sweep_unattended(ProgramState& state, link::PortList ports, const Options& options) {
+    NoView view;
+    MeterConnection connection(state, std::move(ports),
+                               std::make_unique<link::RealClock>(platform::local_time_of_day),
+                               std::make_unique<link::RealPort>(), view, view);
+    return run_sweep(state.texts, connection, options);
+}
+
 int run_windows(Program& program, const Options& options) {
     if (!options.trace.isEmpty()) program.recording().start(options.trace);
     program.window().show();
@@ -186,6 +195,8 @@ int run_with_options(int argc, char** argv, const Options& options) {
     // Even where no database can be opened.
     if (!options.problem_report.isEmpty() && !options.measure)
         return meter_unattended(state, nullptr, ports_of(options), options);
+    // Nothing of a sweep is kept in the database.
+    if (options.sweep) return sweep_unattended(state, ports_of(options), options);
     std::unique_ptr<db::Database> database = find_database(state, options);
     if (!database)
         return platform::times_told_to_end() > 0 ? platform::end_signal_status() : kDatabase;

@@ -68,6 +68,21 @@ OptionList measurement_options() {
     };
 }
 
+/// What is swept without a window.
+OptionList sweep_options() {
+    return {
+        {"sweep",
+         "Sweep the band without a window and print each level, TAB-separated under a line of "
+         "names: 920:2150 is all of it; that of the sky with --oscillator. Every STEP MHz; without "
+         "STEP closely only where something is. The meter is set back at the end.",
+         "FROM:TO[:STEP]"},
+        {"carriers", "With --sweep: print the carriers found in place of the levels."},
+        {"scan-table",
+         "With --carriers and --oscillator: name the carriers that the DVB scan table FILE lists.",
+         "FILE"},
+    };
+}
+
 /// How a plan is measured without a window.
 OptionList pass_options() {
     return {
@@ -121,7 +136,7 @@ void add_options(QCommandLineParser& parser) {
     parser.setApplicationDescription(
         QStringLiteral("Remote control for the M47 TV signal level meter."));
     for (const OptionList& subject : {start_options(), measurement_options(), pass_options(),
-                                      output_options(), exchange_options()})
+                                      output_options(), sweep_options(), exchange_options()})
         parser.addOptions(subject);
 }
 

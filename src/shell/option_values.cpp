@@ -12,6 +12,7 @@
 #include "port_list.h"
 #include "screen_table.h"
 #include "stored_names.h"
+#include "sweep_options.h"
 #include "tuning_range.h"
 
 namespace m47::shell {
@@ -160,7 +161,7 @@ QString read_format(const QCommandLineParser& parser, Options& options) {
 /// A name that a script left empty is not the same as none.
 QString check_names(const QCommandLineParser& parser) {
     for (const char* name : {"directory", "log", "plan", "screenshot", "trace", "replay",
-                             "problem-report", "import-database"}) {
+                             "problem-report", "scan-table", "import-database"}) {
         const QString option = QString::fromLatin1(name);
         if (parser.isSet(option) && parser.value(option).trimmed().isEmpty())
             return QStringLiteral("--%1 takes a name, not an empty one").arg(option);
@@ -246,6 +247,7 @@ QString read_values(const QCommandLineParser& parser, Options& options) {
     if (error.isEmpty()) error = read_whole_numbers(parser, options);
     if (error.isEmpty()) error = read_antenna_options(parser, options.antenna);
     if (error.isEmpty()) error = read_ranged_options(parser, options);
+    if (error.isEmpty()) error = read_sweep_span(parser, options);
     if (error.isEmpty()) error = read_format(parser, options);
     if (error.isEmpty()) error = read_plan_files(parser, options);
     if (error.isEmpty()) error = read_alarms(parser, options.alarms);

@@ -43,13 +43,34 @@ QString check_measurement(const QCommandLineParser& parser, const Options& optio
     return {};
 }
 
-QString check_combination(const QCommandLineParser& parser, const Options& options) {
-    if (options.measure) return check_measurement(parser, options);
+QString check_sweep(const QCommandLineParser& parser, const Options& options) {
+    if (options.on_port == 0) return QStringLiteral("--sweep needs --on-port");
     const QString name =
-        first_set(parser, {"analog",     "digital",    "freq",   "bandwidth", "symbol-rate",
-                           "alarm",      "confirm",    "count",  "log",       "format",
-                           "screenshot", "plan",       "passes", "every",     "full-tune",
-                           "reconnect",  "oscillator", "lnb",    "tone",      "diseqc"});
+        first_set(parser, {"measure",    "open",    "create-database", "corrected", "analog",
+                           "digital",    "freq",    "diseqc",          "bandwidth", "symbol-rate",
+                           "alarm",      "confirm", "count",           "log",       "format",
+                           "screenshot", "plan",    "passes",          "every",     "full-tune",
+                           "reconnect",  "replay",  "problem-report"});
+    if (!name.isEmpty()) return QStringLiteral("--%1 does not go with --sweep").arg(name);
+    if (options.scan_table.isEmpty()) return {};
+    if (!options.carriers) return QStringLiteral("--scan-table needs --carriers");
+    // Nobody knows else where in the sky a carrier is.
+    if (!options.antenna.oscillator) return QStringLiteral("--scan-table needs --oscillator");
+    return {};
+}
+
+QString check_combination(const QCommandLineParser& parser, const Options& options) {
+    if (options.sweep) return check_sweep(parser, options);
+    for (const char* option : {"carriers", "scan-table"})
+        if (parser.isSet(QString::fromLatin1(option)))
+            return QStringLiteral("--%1 goes with --sweep only").arg(QLatin1String(option));
+    if (options.measure) return check_measurement(parser, options);
+    QString name = first_set(parser, {"oscillator", "lnb", "tone"});
+    if (!name.isEmpty())
+        return QStringLiteral("--%1 goes with --measure or --sweep only").arg(name);
+    name = first_set(parser, {"analog", "digital", "freq", "bandwidth", "symbol-rate", "alarm",
+                              "confirm", "count", "log", "format", "screenshot", "plan", "passes",
+                              "every", "full-tune", "reconnect", "diseqc"});
     if (!name.isEmpty()) return QStringLiteral("--%1 goes with --measure only").arg(name);
     return {};
 }
@@ -69,8 +90,8 @@ QString check_database_work(const QCommandLineParser& parser) {
     if (parser.isSet(QStringLiteral("overwrite")) && work != QLatin1String("export-plan"))
         return QStringLiteral("--overwrite goes with --export-plan only");
     if (work.isEmpty()) return {};
-    for (const char* other : {"measure", "open", "on-port", "port", "corrected", "trace", "replay",
-                              "problem-report", "export-plan", "import-plan"})
+    for (const char* other : {"measure", "sweep", "open", "on-port", "port", "corrected", "trace",
+                              "replay", "problem-report", "export-plan", "import-plan"})
         if (work != QLatin1String(other) && parser.isSet(QString::fromLatin1(other)))
             return QStringLiteral("--%1 does not go with --%2").arg(work, QLatin1String(other));
     return {};
@@ -103,6 +124,8 @@ void read_choices(const QCommandLineParser& parser, Options& options) {
     options.confirm = parser.isSet(QStringLiteral("confirm"));
     options.full_tune = parser.isSet(QStringLiteral("full-tune"));
     options.reconnect = parser.isSet(QStringLiteral("reconnect"));
+    options.carriers = parser.isSet(QStringLiteral("carriers"));
+    options.scan_table = parser.value(QStringLiteral("scan-table"));
     options.log = parser.value(QStringLiteral("log"));
     options.screenshot = parser.value(QStringLiteral("screenshot"));
     options.problem_report = parser.value(QStringLiteral("problem-report"));

@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "measurement_output.h"
+#include "sweep_plan.h"
 
 namespace m47::shell {
 
@@ -79,13 +80,18 @@ struct Options {
     QString replay;          ///< connect the meter of this recording
     QString problem_report;  ///< write a report of a problem into this file
 
+    /// Sweep so much of the intermediate band; nothing: no sweep.
+    std::optional<band::SweepSpan> sweep;
+    bool carriers = false;  ///< of the sweep the carriers alone
+    QString scan_table;     ///< that names them, empty for none
+
     QString import_database;  ///< a file of the old engine to import, empty for none
     PlanFileOption export_plan;
     PlanFileOption import_plan;
 
     /// Nothing is shown and nobody is asked.
     bool unattended() const {
-        return measure || !import_database.isEmpty() || export_plan.asked() ||
+        return measure || sweep || !import_database.isEmpty() || export_plan.asked() ||
                import_plan.asked() || !problem_report.isEmpty();
     }
 };

@@ -9,6 +9,9 @@
 
 namespace m47::shell {
 
+/// How long the reader of the rows is waited for in the end, in seconds.
+inline constexpr double kLongestReaderWait = 10;
+
 /// Lines for a reader at the other end of a descriptor, such as stdout. A reader that stalls holds
 /// nothing up: what it does not take waits here, up to 1 MiB, and goes out with a later line.
 class RowOutput {

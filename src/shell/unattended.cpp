@@ -20,9 +20,6 @@
 namespace m47::shell {
 namespace {
 
-/// How long the reader of the rows is waited for in the end, in seconds.
-constexpr double kLongestReaderWait = 10;
-
 /// The line on a terminal that tells how far the run is.
 class ProgressLine {
   public:

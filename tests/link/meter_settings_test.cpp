@@ -34,6 +34,9 @@ void MeterSettingsTest::what_the_meter_was_told_is_known_data() {
     add("of the box", {"LOCOSC0110600", "LOCOSC01"}, "- - 10600");
     add("stored, not in use", {"LOCOSC 1 09750"}, "- - -");
     add("in use, never stored", {"LOCOSC 3"}, "- - -");
+    add("oscillator asked", {"LOCOSC? 01 A 10600"}, "- - 10600");
+    add("asked, none", {"LOCOSC 1 09750", "LOCOSC 1", "LOCOSC? 00"}, "- - -");
+    add("asked, no answer", {"LOCOSC 1 09750", "LOCOSC 1", "LOCOSC?"}, "- - -");
     add("none", {"LOCOSC 1 09750", "LOCOSC 1", "LOCOSC 00"}, "- - -");
     add("none, of the plan", {"LOCOSC 1 09750", "LOCOSC 1", "LOCOSC 0"}, "- - -");
 }

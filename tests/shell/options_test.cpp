@@ -42,6 +42,7 @@ class OptionsTest : public QObject {
     void no_file_of_an_option_is_written_over();
     void wrong_options_keep_nothing();
     void help_names_every_option();
+    void sweeps();
 };
 
 namespace {
@@ -66,6 +67,28 @@ void OptionsTest::nothing() {
     QCOMPARE(options.open, QString());
     QVERIFY(!options.measure);
     QCOMPARE(options.count, 1);
+}
+
+void OptionsTest::sweeps() {
+    const Options whole = parse_options({"--on-port", "1", "--sweep", "920:2150"});
+    QCOMPARE(whole.error, QString());
+    QVERIFY(whole.unattended() && !whole.carriers);
+    QCOMPARE(whole.sweep->from, 920.0);
+    QCOMPARE(whole.sweep->to, 2150.0);
+    QVERIFY(!whole.sweep->step);
+    const Options stepped = parse_options({"--on-port", "1", "--sweep", "950.5:1000:0.5", "--lnb",
+                                           "18", "--tone", "on", "--carriers"});
+    QCOMPARE(stepped.error, QString());
+    QCOMPARE(stepped.sweep->from, 950.5);
+    QCOMPARE(stepped.sweep->step.value(), 0.5);
+    QVERIFY(stepped.carriers);
+    // The sky runs the other way below an oscillator above it.
+    const Options c_band = parse_options({"--on-port", "1", "--sweep", "3400:4200", "--oscillator",
+                                          "5150", "--carriers", "--scan-table", "table"});
+    QCOMPARE(c_band.error, QString());
+    QCOMPARE(c_band.sweep->from, 950.0);
+    QCOMPARE(c_band.sweep->to, 1750.0);
+    QCOMPARE(c_band.scan_table, QString("table"));
 }
 
 void OptionsTest::window_options() {
@@ -275,6 +298,25 @@ void OptionsTest::wrong_data() {
     row("two modes", measuring({"--digital", "--analog"}), "--analog");
     row("screen in a measurement", measuring({"--open", "realtime"}), "--open");
     row("empty screen in a measurement", measuring({"--open", ""}), "--open");
+    row("sweep without port", {"--sweep", "920:2150"}, "--on-port");
+    for (const char* span : {"", "920", "920:", ":2150", "919:2150", "920:2151", "2150:920",
+                             "1000:1000", "920:2150:", "920:2150:0", "920:2150:101", "1e3:2e3",
+                             "-920:2150", "920:2150:1:1", "920.55:2150"})
+        row(span, {"--on-port", "1", "--sweep", span}, "--sweep takes");
+    row("sweep in the wrong sky",
+        {"--on-port", "1", "--sweep", "920:2150", "--oscillator", "10600"},
+        "from 11520 to 12750 MHz with --oscillator 10600");
+    row("sweep and measurement", measuring({"--sweep", "920:2150"}), "--measure does not go");
+    for (const char* option : {"--freq", "--plan", "--diseqc", "--open", "--log"})
+        row(option, {"--on-port", "1", "--sweep", "920:2150", option, "1000"}, option);
+    row("carriers of no sweep", measuring({"--carriers"}), "--carriers goes with --sweep");
+    row("names of no carriers",
+        {"--on-port", "1", "--sweep", "11700:12700", "--oscillator", "10600", "--scan-table", "x"},
+        "--scan-table needs --carriers");
+    row("names without an oscillator",
+        {"--on-port", "1", "--sweep", "920:2150", "--carriers", "--scan-table", "x"},
+        "--scan-table needs --oscillator");
+    row("supply of nothing", {"--lnb", "13"}, "--lnb goes with --measure or --sweep");
     row("bandwidth of an analog row", measuring({"--analog", "--bandwidth", "27"}), "--bandwidth");
     row("rate of an analog row", measuring({"--analog", "--symbol-rate", "22000"}),
         "--symbol-rate");
@@ -505,7 +547,7 @@ void OptionsTest::wrong_antenna_options() {
     QCOMPARE(told({"--plan", "A", "--lnb", "13"}), QString("--lnb does not go with --plan"));
     QCOMPARE(told({"--plan", "A", "--tone", "on"}), QString("--tone does not go with --plan"));
     QCOMPARE(told({"--plan", "A", "--diseqc", "1"}), QString("--diseqc does not go with --plan"));
-    QCOMPARE(parse_options({"--lnb", "13"}).error, QString("--lnb goes with --measure only"));
+    QCOMPARE(parse_options({"--lnb", "13"}).error, QString("--lnb goes with --measure or --sweep only"));
 }
 
 void OptionsTest::no_file_of_an_option_is_written_over() {

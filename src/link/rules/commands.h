@@ -38,19 +38,22 @@ inline const Word kOscillator{
      {"0110600", "frequency box of the real-time screen: store"},
      {"01", "frequency box of the real-time screen: work with it"},
      {" 0", "plan: none, the frequency is the intermediate one"},
-     {" 00", "real-time screen: none"}}};
+     {" 00", "real-time screen: none"},
+     {"?", "ask which is in use"}}};
 inline const Word kFrequency{"FREQ",
                              "Frequency, MHz",
                              {{" 1000.0", "tune"},
                               {" 1000", "tune, as at the opening of the real-time screen"},
                               {"?", "ask"}}};
-inline const Word kSupply{"LNB", "Supply of the LNB", {{" 00", "off"}, {" 01", "on"}}};
-inline const Word kSupplyVoltage{
-    "LNVOLT",
-    "Voltage of the LNB supply, V: 13, 15, 18 or 24",
-    {{" 18", "18 V, horizontal polarisation"}, {" 13", "13 V, vertical polarisation"}}};
+inline const Word kSupply{
+    "LNB", "Supply of the LNB", {{" 00", "off"}, {" 01", "on"}, {"?", "ask"}}};
+inline const Word kSupplyVoltage{"LNVOLT",
+                                 "Voltage of the LNB supply, V: 13, 15, 18 or 24",
+                                 {{" 18", "18 V, horizontal polarisation"},
+                                  {" 13", "13 V, vertical polarisation"},
+                                  {"?", "ask"}}};
 inline const Word kTone{
-    "TONE22K", "22 kHz tone on the LNB supply", {{" 01", "on"}, {" 00", "off"}}};
+    "TONE22K", "22 kHz tone on the LNB supply", {{" 01", "on"}, {" 00", "off"}, {"?", "ask"}}};
 inline const Word kSymbolRate{
     "SYMBRATEQPSK", "Symbol rate of the QPSK demodulator, kS/s", {{" 27500", "set"}, {"?", "ask"}}};
 inline const Word kBandwidth{"CHBW", "Bandwidth for the channel power, MHz", {{" 36", "set"}}};

@@ -35,7 +35,10 @@ void MeterSettings::take(const QString& command, const QString& answer) {
     } else if (const auto frequency = argument_of(command, command::kFrequency)) {
         frequency_ = number_in(*frequency, answer);
     } else if (const auto oscillator = argument_of(command, command::kOscillator)) {
-        take_oscillator(*oscillator);
+        if (*oscillator == u'?')
+            take_answered_oscillator(answer);
+        else
+            take_oscillator(*oscillator);
     }
 }
 
@@ -44,6 +47,15 @@ void MeterSettings::doubt(const QString& command) {
     if (argument_of(command, command::kUnit)) unit_.reset();
     if (argument_of(command, command::kFrequency)) frequency_.reset();
     if (argument_of(command, command::kOscillator)) oscillator_.reset();
+}
+
+/// "01 A 10600", or "00" for none.
+void MeterSettings::take_answered_oscillator(const QString& answer) {
+    oscillator_.reset();
+    const QStringList parts = answer.simplified().split(u' ');
+    const int number = static_cast<int>(meter_value(parts[0]));
+    if (number > 0 && parts.size() == 3) stored_[number] = meter_value(parts[2]);
+    take_oscillator(u' ' + parts[0]);
 }
 
 void MeterSettings::take_oscillator(const QString& argument) {

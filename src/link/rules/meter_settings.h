@@ -29,6 +29,7 @@ class MeterSettings {
 
   private:
     void take_oscillator(const QString& argument);
+    void take_answered_oscillator(const QString& answer);
 
     std::optional<int> unit_;
     std::optional<double> frequency_;

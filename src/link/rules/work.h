@@ -47,4 +47,17 @@ class Undivided {
     Link& link_;
 };
 
+/// Exchanges that leave the meter in order behind work that has ended, also where it was told to:
+/// they are put through all the same. Told once more, the program breaks them off too.
+class InOrder {
+  public:
+    explicit InOrder(Link& link) : link_(link) { ++link_.undivided; }
+    ~InOrder() { --link_.undivided; }
+    InOrder(const InOrder&) = delete;
+    InOrder& operator=(const InOrder&) = delete;
+
+  private:
+    Link& link_;
+};
+
 }  // namespace m47::link

@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "unattended_sweep.h"
+
+#include <QFile>
+
+#include "carrier_names.h"
+#include "end_signals.h"
+#include "fault.h"
+#include "line_recording.h"
+#include "meter_levels.h"
+#include "row_output.h"
+#include "say_on_stderr.h"
+#include "standard_streams.h"
+#include "sweep.h"
+#include "unattended.h"
+
+namespace m47::shell {
+namespace {
+
+/// More than any scan table has.
+constexpr qint64 kLongestScanTable = qint64{4} * 1024 * 1024;
+/// The supplies in the order of the list of the real-time screen.
+constexpr int kVolts[] = {0, 13, 15, 18, 24};
+
+void complain(const QString& text) {
+    say_on_stderr(text, Subsystem::kRun);
+}
+
+struct SweepRun {
+    const Texts& texts;
+    MeterConnection& connection;
+    const Options& options;
+    band::MeterLevels levels{connection.link()};
+    band::Sweep sweep{levels, *options.sweep};
+    band::SweepTerms terms{};
+    std::vector<band::ListedTransponder> listed{};
+    RowOutput output{platform::kStandardOutput};
+    int without_level = 0;
+    bool not_set_back = false;
+    bool recording_lost = false;
+};
+
+band::SweepTerms terms_of(const AntennaOptions& antenna) {
+    band::SweepTerms terms;
+    if (antenna.supply) terms.feed.volts = kVolts[*antenna.supply];
+    // The list of the tone begins with "on".
+    if (antenna.tone) terms.feed.tone = *antenna.tone == 0;
+    if (antenna.oscillator) terms.oscillator = *antenna.oscillator;
+    return terms;
+}
+
+/// False, with a complaint, where the table cannot be read.
+bool read_scan_table(SweepRun& run) {
+    const QString& name = run.options.scan_table;
+    if (name.isEmpty()) return true;
+    QFile file(name);
+    const bool good = file.open(QIODevice::ReadOnly);
+    const QByteArray bytes = good ? file.read(kLongestScanTable) : QByteArray();
+    if (!good || file.error() != QFile::NoError) {
+        complain(QStringLiteral("cannot read the scan table %1: %2").arg(name, file.errorString()));
+        return false;
+    }
+    run.listed = band::listed_transponders(QString::fromUtf8(bytes));
+    if (!run.listed.empty()) return true;
+    complain(QStringLiteral("the scan table %1 lists no transponder").arg(name));
+    return false;
+}
+
+bool identify_meter(SweepRun& run) {
+    run.connection.identify(run.options.on_port);
+    if (run.connection.link().port_connected) return true;
+    const QString reason = run.connection.fault();
+    complain(reason.isEmpty()
+                 ? QStringLiteral("no meter answers on port %1").arg(run.options.on_port)
+                 : reason);
+    return false;
+}
+
+void print_level(SweepRun& run, const band::Sample& sample) {
+    if (!sample.level.measured()) ++run.without_level;
+    if (!run.options.carriers) run.output.write(band::sweep_line({sample, run.terms}));
+}
+
+void print_carriers(SweepRun& run) {
+    std::vector<band::Carrier> carriers = band::find_carriers(
+        run.sweep.plan().curve(),
+        band::measured_filter(run.sweep.plan().curve()).value_or(band::kUsualFilter));
+    band::name_carriers(carriers, run.listed, run.terms);
+    for (const band::Carrier& carrier : carriers)
+        run.output.write(band::carrier_line(carrier, run.terms));
+}
+
+/// Asks level by level until all is asked, the link is lost or somebody wants it to end.
+void ask_levels(SweepRun& run) {
+    try {
+        run.levels.prepare(run.terms.feed);
+        run.terms.unit = measurement::unit_of_index(run.connection.link().settings.unit());
+        run.output.write(run.options.carriers ? band::carrier_header() : band::sweep_header());
+        while (!run.output.closed()) {
+            const std::optional<band::Sample> sample = run.sweep.step();
+            if (!sample) return;
+            print_level(run, *sample);
+        }
+    } catch (const Interrupted&) {
+        // What was found so far stands.
+    }
+}
+
+/// One sentence about how the meter is left, where it is not as it was or nobody can know.
+void set_back(SweepRun& run) {
+    const bool lost = run.levels.lost();
+    const std::vector<Bilingual> left = run.levels.set_back();
+    run.not_set_back = !left.empty();
+    const QString names = band::names_in(left, run.texts);
+    if (lost || run.levels.lost())
+        complain(QStringLiteral("the link to the meter was lost, so these were not set back: %1")
+                     .arg(names));
+    else if (run.not_set_back)
+        complain(QStringLiteral("the meter did not tell or take how it was set before, so "
+                                "these were not set back: %1")
+                     .arg(names));
+}
+
+int status_of(SweepRun& run) {
+    if (run.levels.lost()) return kNoLink;
+    if (run.output.lost() || run.recording_lost) return kOutputLost;
+    if (run.sweep.plan().curve().empty()) {
+        complain(QStringLiteral("nothing was measured"));
+        return kIncomplete;
+    }
+    if (run.without_level > 0) {
+        complain(QStringLiteral("the meter gave no sure level at %1 of %2 frequencies")
+                     .arg(run.without_level)
+                     .arg(run.sweep.plan().asked()));
+        return kIncomplete;
+    }
+    return run.not_set_back ? kIncomplete : kGood;
+}
+
+}  // namespace
+
+int run_sweep(Texts& texts, MeterConnection& connection, const Options& options) {
+    texts.language = kEnglish;
+    connection.link().interrupted = [] { return platform::times_told_to_end() > 0; };
+    connection.link().cut_off = [] { return platform::times_told_to_end() > 1; };
+    LineRecording recording(connection.recorder(), texts);
+    SweepRun run{texts, connection, options};
+    recording.on_lost = [&run](const QString& sentence) {
+        complain(sentence);
+        run.recording_lost = true;
+    };
+    if (!options.trace.isEmpty()) recording.start(options.trace);
+    run.terms = terms_of(options.antenna);
+    run.output.on_remark = complain;
+    try {
+        if (!read_scan_table(run)) return kUsage;
+        if (!identify_meter(run)) return kNoLink;
+        ask_levels(run);
+        set_back(run);
+    } catch (const Interrupted&) {
+        complain(QStringLiteral("ended without a link to the meter"));
+        return kNoLink;
+    }
+    if (options.carriers) print_carriers(run);
+    run.output.finish(kLongestReaderWait, [] { return platform::times_told_to_end() > 1; });
+    return status_of(run);
+}
+
+}  // namespace m47::shell

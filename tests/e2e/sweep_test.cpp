@@ -1,0 +1,197 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <signal.h>
+
+#include <QTest>
+#include <map>
+
+#include "process_support.h"
+
+namespace m47 {
+
+/// The band swept with nobody at the screen, over a real line.
+class SweepTest : public QObject {
+    Q_OBJECT
+
+  private Q_SLOTS:
+    void initTestCase();
+    void cleanupTestCase();
+    void every_byte_on_the_wire();
+    void carriers_with_their_names();
+    void told_to_end();
+    void without_a_meter();
+    void a_table_that_cannot_be_read();
+    void under_each_fault_data();
+    void under_each_fault();
+
+  private:
+    std::map<QString, TestStand> stands_;
+};
+
+namespace {
+
+const QStringList kIdentification{"ATTEN?", "VER?"};
+const QStringList kNoted{"FREQ?", "LOCOSC?", "ATTEN?", "UNIT?"};
+const QByteArray kHeader = "if_mhz\tsky_mhz\tlevel\tlevel_mark\tunit\tlnb\ttone\n";
+
+QStringList sweeping(const TestStand& stand, const QStringList& options) {
+    return QStringList{"--port", "1=" + stand.meter.link(), "--on-port", "1"} + options;
+}
+
+/// What the meter answered to each "LEVANL?", as a number.
+QByteArrayList levels_of(const TestStand& stand) {
+    QByteArrayList levels;
+    for (const QByteArray& answer : stand.meter.answers_to(wire::kLevel)) {
+        QByteArray value = answer.split('\r').value(1).trimmed();
+        if (value.endsWith(".0")) value.chop(2);
+        levels += value;
+    }
+    return levels;
+}
+
+}  // namespace
+
+/// These only wait for what does not come, so they go on while the other tests run.
+void SweepTest::initTestCase() {
+    for (const char* fault :
+         {"error", "commanderror", "silence", "garbage", "partial", "late", "asleep", "drop",
+          "unplug", "noecho", "wrongecho", "noise", "badrecord", "trickle", "endless"}) {
+        TestStand& stand =
+            stands_
+                .try_emplace(fault, QStringList{"--fault-on", wire::kLevel, "--fault-after", "1",
+                                                "--fault", fault, "--baud-factor", "1"})
+                .first->second;
+        stand.remote.start(sweeping(stand, {"--sweep", "990:1000:5", "--lnb", "18"}));
+    }
+}
+
+void SweepTest::cleanupTestCase() {
+    stands_.clear();
+}
+
+void SweepTest::every_byte_on_the_wire() {
+    TestStand stand;
+    const Ending ending =
+        stand.remote.run(sweeping(stand, {"--sweep", "11590:11600:5", "--oscillator", "10600",
+                                          "--lnb", "18", "--tone", "on"}));
+    QCOMPARE(ending.err, QByteArray());
+    QCOMPARE(ending.status, 0);
+    const QStringList begin =
+        kIdentification + kNoted + QStringList{"LNB?",    "LNVOLT?",    "TONE22K?",
+                                               "MEASURE", "LOCOSC 00",  "LNVOLT 18",
+                                               "LNB 01",  "TONE22K 01", "ATTEN 6"};
+    const QStringList levels{"FREQ 0990.0", "LEVANL?",     "FREQ 0995.0",
+                             "LEVANL?",     "FREQ 1000.0", "LEVANL?"};
+    const QStringList set_back{"LOCOSC 00", "FREQ 1000.0", "ATTEN 06",
+                               "LNVOLT 13", "LNB 00",      "TONE22K 00"};
+    QCOMPARE(stand.meter.commands(), begin + levels + set_back);
+    const QByteArrayList answered = levels_of(stand);
+    QCOMPARE(answered.size(), 3);
+    QByteArray rows = kHeader;
+    for (int k = 0; k < 3; ++k)
+        rows += QByteArray::number(990 + 5 * k) + ".0\t" + QByteArray::number(11590 + 5 * k) +
+                ".0\t" + answered[k] + "\t\tdBuV\t18\ton\n";
+    QCOMPARE(ending.out, rows);
+    // Nothing is kept, so nothing is made.
+    QVERIFY(stand.content("VKDM47_03.mdb").isEmpty());
+}
+
+void SweepTest::carriers_with_their_names() {
+    TestStand stand;
+    QFile table(stand.path("table"));
+    QVERIFY(table.open(QIODevice::WriteOnly));
+    table.write(
+        "[FILM]\nDELIVERY_SYSTEM = DVBS\nFREQUENCY = 11027000\nPOLARIZATION = VERTICAL\n"
+        "SYMBOL_RATE = 30000000\n");
+    table.close();
+    const Ending ending = stand.remote.run(
+        sweeping(stand, {"--sweep", "10980:11150", "--oscillator", "9750", "--lnb", "13", "--tone",
+                         "off", "--carriers", "--scan-table", "table"}));
+    QCOMPARE(ending.err, QByteArray());
+    QCOMPARE(ending.status, 0);
+    const QList<QStringList> rows = rows_of(ending.out);
+    QCOMPARE(rows.size(), 3);
+    QCOMPARE(rows[0].constLast(), QString("name"));
+    const double expected[][2] = {{1275.5, 33}, {1362, 36}};
+    for (int k = 0; k < 2; ++k) {
+        QVERIFY2(std::abs(rows[k + 1][0].toDouble() - expected[k][0]) <= 1.5, ending.out);
+        QVERIFY2(std::abs(rows[k + 1][2].toDouble() - expected[k][1]) <= 4, ending.out);
+    }
+    QCOMPARE(rows[1].constLast(), QString("FILM"));
+    QCOMPARE(rows[2].constLast(), QString());
+}
+
+/// What was found stands, and the meter is as it was before.
+void SweepTest::told_to_end() {
+    TestStand stand;
+    stand.remote.start(sweeping(stand, {"--sweep", "920:2150", "--tone", "on"}));
+    QVERIFY(stand.remote.wait_for_lines(4));
+    stand.remote.send_signal(SIGINT);
+    const Ending ending = stand.remote.wait();
+    QCOMPARE(ending.status, 0);
+    QCOMPARE(ending.err, QByteArray());
+    QVERIFY(ending.out.startsWith(kHeader) && ending.out.endsWith('\n'));
+    QCOMPARE(stand.meter.commands().mid(stand.meter.commands().size() - 4),
+             QStringList({"LOCOSC 00", "FREQ 1000.0", "ATTEN 06", "TONE22K 00"}));
+}
+
+void SweepTest::without_a_meter() {
+    EmptyStand stand;
+    const Ending ending = stand.remote.run(
+        {"--port", "1=/dev/no-such-meter", "--on-port", "1", "--sweep", "920:2150"});
+    QCOMPARE(ending.status, 3);
+    QCOMPARE(ending.out, QByteArray());
+    QCOMPARE(ending.err.count('\n'), 1);
+    QVERIFY(ending.err.contains("/dev/no-such-meter"));
+}
+
+void SweepTest::a_table_that_cannot_be_read() {
+    EmptyStand stand;
+    stand.write("text", "nothing of the kind\n");
+    for (const char* name : {"missing", "text"}) {
+        const Ending ending =
+            stand.remote.run({"--on-port", "1", "--sweep", "11700:12700", "--oscillator", "10600",
+                              "--carriers", "--scan-table", QLatin1String(name)});
+        QCOMPARE(ending.status, 2);
+        QCOMPARE(ending.err.count('\n'), 1);
+        QVERIFY2(ending.err.contains(QByteArray("scan table ") + name), ending.err);
+    }
+}
+
+void SweepTest::under_each_fault_data() {
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QByteArray>("said");
+    const QByteArray lost =
+        "m47-remote: the link to the meter was lost, so these were not set back: local oscillator, "
+        "tuned frequency, attenuator, LNB supply\n";
+    const QByteArray doubtful = "m47-remote: the meter gave no sure level at 2 of 3 frequencies\n";
+    for (const char* fault : {"error", "commanderror", "silence", "garbage", "partial", "asleep",
+                              "drop", "unplug", "trickle", "endless"})
+        QTest::newRow(fault) << 3 << lost;
+    for (const char* fault : {"noecho", "wrongecho", "noise"})
+        QTest::newRow(fault) << 7 << doubtful;
+    // A late answer is known for what it is, and a level has no record to spoil.
+    for (const char* fault : {"late", "badrecord"}) QTest::newRow(fault) << 0 << QByteArray();
+}
+
+/// Every second and third level is spoilt: the first stands, the end is one clear sentence.
+void SweepTest::under_each_fault() {
+    QFETCH(int, status);
+    TestStand& stand = stands_.at(QTest::currentDataTag());
+    const Ending ending = stand.remote.wait();
+    QTEST(ending.err, "said");
+    QCOMPARE(ending.status, status);
+    const QList<QStringList> rows = rows_of(ending.out);
+    QVERIFY2(rows.size() >= 2, ending.out);
+    QCOMPARE(rows[1][0], QString("990.0"));
+    QVERIFY(rows[1][2].toDouble() > 20);
+    if (status == 0) QVERIFY(rows.size() == 4 && rows[3][2].toDouble() > 20);
+    if (status != 7) return;
+    QVERIFY(rows[2][2].isEmpty() && rows[3][2].isEmpty());
+    QCOMPARE(stand.meter.commands().mid(stand.meter.commands().size() - 5),
+             QStringList({"LOCOSC 00", "FREQ 1000.0", "ATTEN 06", "LNVOLT 13", "LNB 00"}));
+}
+
+}  // namespace m47
+
+QTEST_GUILESS_MAIN(m47::SweepTest)
+#include "sweep_test.moc"
