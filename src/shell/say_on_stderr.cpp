@@ -27,6 +27,10 @@ void say_on_stderr(const QString& text, const char* subsystem) {
     std::fprintf(stderr, "m47-remote: %s\n", line.toLocal8Bit().constData());
 }
 
+void say_of_run(const QString& text) {
+    say_on_stderr(text, Subsystem::kRun);
+}
+
 void listen_to_messages() {
     g_toolkit_messages = qInstallMessageHandler(pass_message);
 }

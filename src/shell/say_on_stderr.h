@@ -18,6 +18,9 @@ struct Subsystem {
 /// lines are kept (ToldLines).
 void say_on_stderr(const QString& text, const char* subsystem);
 
+/// The same of a run, which says it in the middle of its work.
+void say_of_run(const QString& text);
+
 /// From now on what the toolkit and its logging categories have to say is kept as well.
 void listen_to_messages();
 

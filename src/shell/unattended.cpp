@@ -43,7 +43,7 @@ ProgressLine g_progress_line;
 /// One line on stderr, whatever `text` is made of.
 void complain(const QString& text) {
     g_progress_line.clear();
-    say_on_stderr(text, Subsystem::kRun);
+    say_of_run(text);
 }
 
 struct Run {

@@ -22,10 +22,6 @@ constexpr qint64 kLongestScanTable = qint64{4} * 1024 * 1024;
 /// The supplies in the order of the list of the real-time screen.
 constexpr int kVolts[] = {0, 13, 15, 18, 24};
 
-void complain(const QString& text) {
-    say_on_stderr(text, Subsystem::kRun);
-}
-
 struct SweepRun {
     const Texts& texts;
     MeterConnection& connection;
@@ -49,7 +45,7 @@ band::SweepTerms terms_of(const AntennaOptions& antenna) {
     return terms;
 }
 
-/// False, with a complaint, where the table cannot be read.
+/// False, with a say_of_runt, where the table cannot be read.
 bool read_scan_table(SweepRun& run) {
     const QString& name = run.options.scan_table;
     if (name.isEmpty()) return true;
@@ -57,12 +53,13 @@ bool read_scan_table(SweepRun& run) {
     const bool good = file.open(QIODevice::ReadOnly);
     const QByteArray bytes = good ? file.read(kLongestScanTable) : QByteArray();
     if (!good || file.error() != QFile::NoError) {
-        complain(QStringLiteral("cannot read the scan table %1: %2").arg(name, file.errorString()));
+        say_of_run(
+            QStringLiteral("cannot read the scan table %1: %2").arg(name, file.errorString()));
         return false;
     }
     run.listed = band::listed_transponders(QString::fromUtf8(bytes));
     if (!run.listed.empty()) return true;
-    complain(QStringLiteral("the scan table %1 lists no transponder").arg(name));
+    say_of_run(QStringLiteral("the scan table %1 lists no transponder").arg(name));
     return false;
 }
 
@@ -70,9 +67,9 @@ bool identify_meter(SweepRun& run) {
     run.connection.identify(run.options.on_port);
     if (run.connection.link().port_connected) return true;
     const QString reason = run.connection.fault();
-    complain(reason.isEmpty()
-                 ? QStringLiteral("no meter answers on port %1").arg(run.options.on_port)
-                 : reason);
+    say_of_run(reason.isEmpty()
+                   ? QStringLiteral("no meter answers on port %1").arg(run.options.on_port)
+                   : reason);
     return false;
 }
 
@@ -113,25 +110,25 @@ void set_back(SweepRun& run) {
     run.not_set_back = !left.empty();
     const QString names = band::names_in(left, run.texts);
     if (lost || run.levels.lost())
-        complain(QStringLiteral("the link to the meter was lost, so these were not set back: %1")
-                     .arg(names));
+        say_of_run(QStringLiteral("the link to the meter was lost, so these were not set back: %1")
+                       .arg(names));
     else if (run.not_set_back)
-        complain(QStringLiteral("the meter did not tell or take how it was set before, so "
-                                "these were not set back: %1")
-                     .arg(names));
+        say_of_run(QStringLiteral("the meter did not tell or take how it was set before, so "
+                                  "these were not set back: %1")
+                       .arg(names));
 }
 
 int status_of(SweepRun& run) {
     if (run.levels.lost()) return kNoLink;
     if (run.output.lost() || run.recording_lost) return kOutputLost;
     if (run.sweep.plan().curve().empty()) {
-        complain(QStringLiteral("nothing was measured"));
+        say_of_run(QStringLiteral("nothing was measured"));
         return kIncomplete;
     }
     if (run.without_level > 0) {
-        complain(QStringLiteral("the meter gave no sure level at %1 of %2 frequencies")
-                     .arg(run.without_level)
-                     .arg(run.sweep.plan().asked()));
+        say_of_run(QStringLiteral("the meter gave no sure level at %1 of %2 frequencies")
+                       .arg(run.without_level)
+                       .arg(run.sweep.plan().asked()));
         return kIncomplete;
     }
     return run.not_set_back ? kIncomplete : kGood;
@@ -146,19 +143,19 @@ int run_sweep(Texts& texts, MeterConnection& connection, const Options& options)
     LineRecording recording(connection.recorder(), texts);
     SweepRun run{texts, connection, options};
     recording.on_lost = [&run](const QString& sentence) {
-        complain(sentence);
+        say_of_run(sentence);
         run.recording_lost = true;
     };
     if (!options.trace.isEmpty()) recording.start(options.trace);
     run.terms = terms_of(options.antenna);
-    run.output.on_remark = complain;
+    run.output.on_remark = say_of_run;
     try {
         if (!read_scan_table(run)) return kUsage;
         if (!identify_meter(run)) return kNoLink;
         ask_levels(run);
         set_back(run);
     } catch (const Interrupted&) {
-        complain(QStringLiteral("ended without a link to the meter"));
+        say_of_run(QStringLiteral("ended without a link to the meter"));
         return kNoLink;
     }
     if (options.carriers) print_carriers(run);

@@ -547,7 +547,8 @@ void OptionsTest::wrong_antenna_options() {
     QCOMPARE(told({"--plan", "A", "--lnb", "13"}), QString("--lnb does not go with --plan"));
     QCOMPARE(told({"--plan", "A", "--tone", "on"}), QString("--tone does not go with --plan"));
     QCOMPARE(told({"--plan", "A", "--diseqc", "1"}), QString("--diseqc does not go with --plan"));
-    QCOMPARE(parse_options({"--lnb", "13"}).error, QString("--lnb goes with --measure or --sweep only"));
+    QCOMPARE(parse_options({"--lnb", "13"}).error,
+             QString("--lnb goes with --measure or --sweep only"));
 }
 
 void OptionsTest::no_file_of_an_option_is_written_over() {

@@ -160,10 +160,10 @@ void ScreensTest::nothing_moves_between_the_presentations() {
     realtime::Realtime* screen = open_realtime();
     const auto places = [&] {
         QCoreApplication::processEvents();
-        QList<QRect> places;
+        QList<QRect> found;
         for (const char* name : {"sat_opt", "instr_opt", "page_tabs", "measgrid"})
-            places += place_in(screen, find<QWidget>(name, screen));
-        return places;
+            found += place_in(screen, find<QWidget>(name, screen));
+        return found;
     };
     const QList<QRect> analog = places();
     const QRect frame = place_in(screen, find<QWidget>("analogresults", screen));
@@ -181,10 +181,10 @@ void ScreensTest::the_keys_behind_those_of_a_plan_stay_where_they_are() {
     auto* bar = find<QToolBar>("barracomandi", screen);
     const auto places = [&] {
         QCoreApplication::processEvents();
-        QList<QPoint> places;
+        QList<QPoint> found;
         for (const char* name : {"group", "satellite", "qpsk", "start", "stop", "stampa"})
-            places += bar->widgetForAction(find<QAction>(name, screen))->pos();
-        return places;
+            found += bar->widgetForAction(find<QAction>(name, screen))->pos();
+        return found;
     };
     const QList<QPoint> single = places();
     find<QAction>("group", screen)->trigger();

@@ -227,16 +227,16 @@ void ProgramSet::move_program(bool moved) {
     mostra_record();
 }
 
-void ProgramSet::step_plan(bool (PlanSets::*step)(), const Bilingual& end) {
+void ProgramSet::step_plan(bool (PlanSets::*go)(), const Bilingual& end) {
     if (!may_leave()) return;
-    const bool moved = (sets_.*step)();
+    const bool moved = (sets_.*go)();
     move_plan(moved);
     if (!moved) tell_nothing_done(end);
 }
 
-void ProgramSet::step_program(bool (PlanSets::*step)(), const Bilingual& end) {
+void ProgramSet::step_program(bool (PlanSets::*go)(), const Bilingual& end) {
     if (!may_leave()) return;
-    const bool moved = (sets_.*step)();
+    const bool moved = (sets_.*go)();
     move_program(moved);
     if (!moved) tell_nothing_done(end);
 }

@@ -93,8 +93,8 @@ class ProgramSet : public Screen {
     void move_plan(bool moved);
     void move_program(bool moved);
     // Keys that find nothing to do say why, and what helps.
-    void step_plan(bool (PlanSets::*step)(), const Bilingual& end);
-    void step_program(bool (PlanSets::*step)(), const Bilingual& end);
+    void step_plan(bool (PlanSets::*go)(), const Bilingual& end);
+    void step_program(bool (PlanSets::*go)(), const Bilingual& end);
     void tell_nothing_done(const Bilingual& why);
 
     // Fields
