@@ -80,6 +80,27 @@ void ScreensTest::stop_in_a_download_says_when_it_stops() {
              qPrintable(find<QLabel>("corrected_notice")->text()));
 }
 
+void ScreensTest::stop_while_a_copy_is_read_erases_nothing() {
+    MeterInProcess& meter = start_with_meter();
+    find<QAction>("cmdinglese")->trigger();
+    find<QAction>("cmdkeepcopy")->trigger();
+    find<QAction>("download")->trigger();
+    QTest::qWait(20);
+    line_->take_commands();
+    QString doing;
+    meter.on_command = [&](const QByteArray& command, const QString&) {
+        if (command != "DATAOUT") return;
+        doing = find<QLabel>("activity")->text();
+        click_in_the_wait(find<QPushButton>("activity_stop"));
+    };
+    find<QPushButton>("cmdclearall", window().screen_of("download"))->click();
+    meter.on_command = nullptr;
+    QCOMPARE(doing, QString("Reading what will be erased"));
+    QCOMPARE(line_->take_commands(), QStringList{"DATAOUT"});
+    QCOMPARE(find<QLabel>("corrected_notice")->text(),
+             QString("Stopped: the logs were being read, nothing was erased."));
+}
+
 void ScreensTest::stop_ends_the_identification_and_says_how_far_it_came() {
     MeterInProcess& meter = start_with_meter();
     meter.on_command = [&](const QByteArray& command, const QString&) {

@@ -173,6 +173,7 @@ class ScreensTest : public QObject, protected ProgramInFolder {
     void clear_all_in_a_download_is_not_sent_behind_it();
 
     void stop_in_a_download_says_when_it_stops();
+    void stop_while_a_copy_is_read_erases_nothing();
 
     void stop_ends_the_identification_and_says_how_far_it_came();
 

@@ -17,6 +17,8 @@ constexpr Bilingual kKept{"the download is whole in %2, bytes: %1",
 
 constexpr Bilingual kNothingErased{"the logs were being read, nothing was erased",
                                    "lettura dei log in corso, nulla è stato cancellato"};
+constexpr Bilingual kReadingFirst{"Reading what will be erased",
+                                  "Lettura di ciò che sarà cancellato"};
 constexpr Bilingual kDownloading{"Downloading the logs", "Scarico dei log"};
 constexpr Bilingual kBytesSoFar{"Downloading the logs, %1 bytes", "Scarico dei log, %1 byte"};
 
@@ -81,12 +83,15 @@ NameFault LoggerData::download(const QString& command, const QString& name) {
 }
 
 std::optional<QString> LoggerData::keep_copy_of(const QString& command) {
-    const link::Work work(link_, kNothingErased);
+    link::Work work(link_, kNothingErased);
+    work.doing(kReadingFirst);
     std::optional<QString> answer;
     {
         const ByteReport report(link_, on_bytes);
         answer = link_.ask(command);
     }
+    // Whoever stops it does not want to be asked whether to erase.
+    link_.end_when_interrupted();
     if (!answer) return std::nullopt;
     return keep_copy(program_.base_dir, kLogCopy, answer->toLatin1(), link_.clock().date_time());
 }

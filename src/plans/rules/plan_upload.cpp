@@ -11,6 +11,10 @@ namespace {
 const QString kAccepted = QStringLiteral("OK");
 /// What is left of the answer to a query that the meter refuses.
 const QString kRefusedQuery = QStringLiteral("0");
+constexpr Bilingual kNothingReplaced{"the logger's programs were being read, nothing was replaced",
+                                     "lettura dei programmi del logger, nulla è stato sostituito"};
+constexpr Bilingual kReadingFirst{"Reading what will be replaced",
+                                  "Lettura di ciò che sarà sostituito"};
 constexpr Bilingual kNoneSent{"programs sent by the upload: none of %1",
                               "programmi trasmessi dall'invio: nessuno su %1"};
 constexpr Bilingual kSent{"programs sent by the upload: %1 of %2, commands answered OK: %3",
@@ -82,7 +86,11 @@ std::optional<QString> PlanUpload::ask_table() {
 }
 
 QString PlanUpload::keep_table_now() {
+    link::Work work(link_, kNothingReplaced);
+    work.doing(kReadingFirst);
     const std::optional<QString> table = ask_table();
+    // Whoever stops it does not want to be asked whether to replace.
+    link_.end_when_interrupted();
     if (!table) return {};
     return keep_table(program_.base_dir, *table, link_.clock().date_time());
 }
