@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QTimer>
 #include <cstdio>
+#include <optional>
 
 #include "busy_style.h"
 #include "database_error.h"
@@ -172,6 +173,31 @@ std::unique_ptr<db::Database> find_database(ProgramState& state, const Options& 
     return can_be_made ? ask_for_database(state) : nullptr;
 }
 
+/// The folder and the files that are asked for; the status where they cannot be worked in.
+std::optional<int> take_files(ProgramState& state, const Options& options) {
+    if (!enter_folder(options)) {
+        tell(state.texts.pick(kNoFolder).arg(asked_folder(options)), options);
+        return kDatabase;
+    }
+    work_in(QDir::currentPath(), state);
+    const QString wrong_file = file_option_fault(options, state.base_dir);
+    if (wrong_file.isEmpty()) return std::nullopt;
+    say_on_stderr(wrong_file, Subsystem::kStart);
+    return kUsage;
+}
+
+int run_on_database(ProgramState& state, std::unique_ptr<db::Database> database,
+                    const Options& options) {
+    if (!options.import_database.isEmpty())
+        return import_unattended(*database, options.import_database, state.texts);
+    if (options.export_plan.asked()) return export_plan_unattended(*database, options, state.texts);
+    if (options.import_plan.asked()) return import_plan_unattended(*database, options, state.texts);
+    if (options.measure) return meter_unattended(state, database.get(), ports_of(options), options);
+    QApplication::setStyle(new BusyStyle);
+    Program program(state, std::move(database), ports_of(options));
+    return run_windows(program, options);
+}
+
 int run_with_options(int argc, char** argv, const Options& options) {
     platform::listen_to_end_signals();
     listen_to_messages();
@@ -181,33 +207,16 @@ int run_with_options(int argc, char** argv, const Options& options) {
     ProgramState state;
     // What an unattended run says goes to a log, not to a screen.
     state.texts.language = options.unattended() ? kEnglish : kItalian;
-    if (!enter_folder(options)) {
-        tell(state.texts.pick(kNoFolder).arg(asked_folder(options)), options);
-        return kDatabase;
-    }
-    work_in(QDir::currentPath(), state);
-    const QString wrong_file = file_option_fault(options, state.base_dir);
-    if (!wrong_file.isEmpty()) {
-        say_on_stderr(wrong_file, Subsystem::kStart);
-        return kUsage;
-    }
+    if (const std::optional<int> status = take_files(state, options)) return *status;
     choose(state, options);
     // Even where no database can be opened.
     if (!options.problem_report.isEmpty() && !options.measure)
         return meter_unattended(state, nullptr, ports_of(options), options);
     // Nothing of a sweep is kept in the database.
     if (options.sweep) return sweep_unattended(state, ports_of(options), options);
-    std::unique_ptr<db::Database> database = find_database(state, options);
-    if (!database)
-        return platform::times_told_to_end() > 0 ? platform::end_signal_status() : kDatabase;
-    if (!options.import_database.isEmpty())
-        return import_unattended(*database, options.import_database, state.texts);
-    if (options.export_plan.asked()) return export_plan_unattended(*database, options, state.texts);
-    if (options.import_plan.asked()) return import_plan_unattended(*database, options, state.texts);
-    if (options.measure) return meter_unattended(state, database.get(), ports_of(options), options);
-    QApplication::setStyle(new BusyStyle);
-    Program program(state, std::move(database), ports_of(options));
-    return run_windows(program, options);
+    if (auto database = find_database(state, options))
+        return run_on_database(state, std::move(database), options);
+    return platform::times_told_to_end() > 0 ? platform::end_signal_status() : kDatabase;
 }
 
 }  // namespace
