@@ -331,13 +331,6 @@ int status_of(const Run& run) {
     return run.alarm_failed ? kAlarmFailed : kGood;
 }
 
-void tell_no_meter(Run& run) {
-    const QString reason = run.connection.fault();
-    complain(reason.isEmpty()
-                 ? QStringLiteral("no meter answers on port %1").arg(run.options.on_port)
-                 : reason);
-}
-
 /// False, with a complaint, where nothing can be measured: `status` says why then.
 bool prepare(Run& run, int& status) {
     if (!run.options.plan.isEmpty() && !plan_is_there(run)) {
@@ -345,7 +338,7 @@ bool prepare(Run& run, int& status) {
         return false;
     }
     if (identify_meter(run)) return true;
-    tell_no_meter(run);
+    complain(no_meter_text(run.connection, run.options.on_port));
     status = kNoLink;
     return run.options.reconnect;
 }
@@ -376,6 +369,11 @@ void record_line(Run& run, LineRecording& recording) {
 }
 
 }  // namespace
+
+QString no_meter_text(const MeterConnection& connection, int number) {
+    const QString reason = connection.fault();
+    return reason.isEmpty() ? QStringLiteral("no meter answers on port %1").arg(number) : reason;
+}
 
 int run_unattended(ProgramState& state, db::Database& database, MeterConnection& connection,
                    const Options& options) {

@@ -20,6 +20,9 @@ enum ExitStatus {
     kIncomplete = 7,         ///< nothing was measured, a pass was cut short, or programs left out
 };
 
+/// Why no meter answers on port `number`, for whoever reads what a run says.
+QString no_meter_text(const MeterConnection& connection, int number);
+
 /// Measures without a window: connects, runs the rules that the buttons run and prints each row of
 /// the page on stdout as it comes. SIGINT, SIGTERM and SIGHUP end it after the running transaction.
 /// A screen is made for its picture alone, which takes a QApplication. Returns the exit status.

@@ -12,6 +12,7 @@
 #include "say_on_stderr.h"
 #include "standard_streams.h"
 #include "sweep.h"
+#include "sweep_table.h"
 #include "unattended.h"
 
 namespace m47::shell {
@@ -19,8 +20,6 @@ namespace {
 
 /// More than any scan table has.
 constexpr qint64 kLongestScanTable = qint64{4} * 1024 * 1024;
-/// The supplies in the order of the list of the real-time screen.
-constexpr int kVolts[] = {0, 13, 15, 18, 24};
 
 struct SweepRun {
     const Texts& texts;
@@ -38,7 +37,8 @@ struct SweepRun {
 
 band::SweepTerms terms_of(const AntennaOptions& antenna) {
     band::SweepTerms terms;
-    if (antenna.supply) terms.feed.volts = kVolts[*antenna.supply];
+    if (antenna.supply)
+        terms.feed.volts = band::kSupplyVolts[static_cast<std::size_t>(*antenna.supply)];
     // The list of the tone begins with "on".
     if (antenna.tone) terms.feed.tone = *antenna.tone == 0;
     if (antenna.oscillator) terms.oscillator = *antenna.oscillator;
@@ -66,10 +66,7 @@ bool read_scan_table(SweepRun& run) {
 bool identify_meter(SweepRun& run) {
     run.connection.identify(run.options.on_port);
     if (run.connection.link().port_connected) return true;
-    const QString reason = run.connection.fault();
-    say_of_run(reason.isEmpty()
-                   ? QStringLiteral("no meter answers on port %1").arg(run.options.on_port)
-                   : reason);
+    say_of_run(no_meter_text(run.connection, run.options.on_port));
     return false;
 }
 

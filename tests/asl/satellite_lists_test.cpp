@@ -22,12 +22,6 @@ void SatelliteListsTest::load() {
     f().commands();
 }
 
-void SatelliteListsTest::answer_with(const QByteArray& command, const QByteArray& answer) {
-    f().spoil = [=](const QByteArray& asked, const QByteArray& own) {
-        return asked == command ? answer : own;
-    };
-}
-
 void SatelliteListsTest::elsewhere(const char* statement) {
     QSqlQuery query(f().database->connection());
     QVERIFY2(query.exec(QString::fromLatin1(statement)), statement);

@@ -32,7 +32,6 @@ class SatelliteListsTest : public QObject {
     SatelliteLists& lists() { return *stand_->lists; }
     void load();
     /// An answer to a command instead of the meter's own.
-    void answer_with(const QByteArray& command, const QByteArray& answer);
     /// Another window on the same database.
     void elsewhere(const char* statement);
 

@@ -21,7 +21,6 @@ constexpr Bilingual kCutOff{"The table was read up to line %1, which is cut off.
                             "La tabella è stata letta fino alla riga %1, che è troncata."};
 
 const std::array kUnits{kDbuv, kDbmv, kDbm};
-const std::array kVolts{0, 13, 15, 18, 24};
 constexpr qsizetype kCells = 7;
 /// No band has more samples; what is longer was not written by a sweep.
 constexpr qsizetype kLongestTable = 200000;
@@ -97,7 +96,7 @@ bool take_unit(const QByteArray& cell, std::optional<LevelUnit>& unit) {
 }
 
 bool take_feed(const QByteArray& supply, const QByteArray& tone, Feed& feed) {
-    for (const int volts : kVolts)
+    for (const int volts : kSupplyVolts)
         if (supply == (volts == 0 ? QByteArray("off") : QByteArray::number(volts)))
             feed.volts = volts;
     if (tone == "on" || tone == "off") feed.tone = tone == "on";

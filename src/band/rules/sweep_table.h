@@ -3,6 +3,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <array>
 #include <optional>
 #include <vector>
 
@@ -12,6 +13,9 @@
 #include "meter_levels.h"
 
 namespace m47::band {
+
+/// The supplies of an LNB in volts, 0 without, in the order in which they are chosen.
+inline constexpr std::array kSupplyVolts{0, 13, 15, 18, 24};
 
 /// What holds for all levels of one pass over the band.
 struct SweepTerms {

@@ -62,7 +62,6 @@ class LineRecorder {
     double milliseconds() const { return (clock_.steady() - begin_) * 1e3; }
     template <class Work>
     void guarded(Work work) noexcept;
-    void port(const QString& what) noexcept;
     void write_event(const char* kind, const QByteArray& text);
     void write_frame();
     void write_line(const char* kind, double first, double last, const QByteArray& text);
