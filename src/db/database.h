@@ -4,6 +4,7 @@
 #include <QSqlDatabase>
 #include <QString>
 #include <memory>
+#include <optional>
 
 #include "recordset.h"
 
@@ -64,6 +65,13 @@ class Database {
     /// nothing is created or changed then.
     static std::unique_ptr<Database> open(const QString& path, DatabaseError& error);
 
+    /// The same, for a window that is not to wait for the check: check() is still to be asked,
+    /// before anything is stored.
+    static std::unique_ptr<Database> open_unchecked(const QString& path, DatabaseError& error);
+
+    /// The check of all of it and the write probe; nothing where the file can be used.
+    std::optional<DatabaseError> check();
+
     /// Makes the file at `path` with one plan "PLAN 1" that holds one empty program, whole or not
     /// at all. An existing file is left alone (true). False with `error` filled on failure.
     static bool create(const QString& path, DatabaseError& error);
@@ -72,10 +80,10 @@ class Database {
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
 
-    Recordset& programmi() { return programmi_; }
-    Recordset& configurazione() { return configurazione_; }
-    Recordset& gruppo() { return gruppo_; }
-    Recordset& asl() { return asl_; }
+    Recordset& programmi();
+    Recordset& configurazione();
+    Recordset& gruppo();
+    Recordset& asl();
 
     /// A further set on `table`: the rows of the plan `plan`, in whatever letters and with whatever
     /// blanks around it their `nome` names it.
@@ -88,13 +96,17 @@ class Database {
     const QSqlDatabase& connection() const;
 
   private:
-    explicit Database(std::unique_ptr<Connection> connection);
+    explicit Database(const QString& path);
 
+    std::optional<DatabaseError> fault_of_reading();
+    Recordset& read_once(std::optional<Recordset>& set, const char* table);
+
+    QString path_;
     std::unique_ptr<Connection> connection_;
-    Recordset programmi_;
-    Recordset configurazione_;
-    Recordset gruppo_;
-    Recordset asl_;
+    std::optional<Recordset> programmi_;
+    std::optional<Recordset> configurazione_;
+    std::optional<Recordset> gruppo_;
+    std::optional<Recordset> asl_;
 };
 
 }  // namespace m47::db

@@ -3,6 +3,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QHash>
 #include <QRegularExpression>
 #include <QSet>
 #include <filesystem>
@@ -127,62 +128,50 @@ std::optional<DatabaseError> damage_of(const QSqlDatabase& database, const QStri
     if (const QString finding = finding_of(database, "integrity_check"); !finding.isEmpty())
         return DatabaseError{fault_of_check(database, finding), path, finding};
     // The engine takes the missing part of the last page for zeros.
-    const qint64 pages = single_answer(database, QStringLiteral("PRAGMA page_count")).toLongLong();
-    const qint64 size = single_answer(database, QStringLiteral("PRAGMA page_size")).toLongLong();
-    if (QFileInfo(path).size() < pages * size)
-        return DatabaseError{
-            DatabaseFault::damaged, path,
-            QStringLiteral("%1 < %2 bytes").arg(QFileInfo(path).size()).arg(pages * size)};
+    const qint64 whole =
+        single_answer(database, QStringLiteral("SELECT page_count * page_size "
+                                               "FROM pragma_page_count, pragma_page_size"))
+            .toLongLong();
+    if (const qint64 size = QFileInfo(path).size(); size < whole)
+        return DatabaseError{DatabaseFault::damaged, path,
+                             QStringLiteral("%1 < %2 bytes").arg(size).arg(whole)};
     return std::nullopt;
 }
 
-QSet<QString> names_in(const QSqlDatabase& database, const QString& statement,
-                       const QVariantList& values) {
-    QSet<QString> names;
-    Query query(database, statement, values);
-    // The engine does not tell capitals from small letters in names.
-    while (query.next()) names.insert(query.value(0).toString().toLower());
-    return names;
+/// The fields of each table of the file. The engine does not tell capitals from small letters in
+/// names: all are in small ones.
+QHash<QString, QSet<QString>> fields_of_tables(const QSqlDatabase& database) {
+    QHash<QString, QSet<QString>> fields;
+    Query query(database,
+                QStringLiteral("SELECT known.name, field.name FROM sqlite_master AS known, "
+                               "pragma_table_info(known.name) AS field "
+                               "WHERE known.type = 'table'"));
+    while (query.next())
+        fields[query.value(0).toString().toLower()] += query.value(1).toString().toLower();
+    return fields;
 }
 
 std::optional<DatabaseError> fault_of_tables(const QSqlDatabase& database, const QString& path) {
-    const QSet<QString> tables = names_in(
-        database, QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table'"), {});
+    const QHash<QString, QSet<QString>> found = fields_of_tables(database);
     QStringList missing;
     qsizetype missing_tables = 0;
     for (const Table& table : schema()) {
         const QString name = QString::fromLatin1(table.name);
-        if (!tables.contains(name)) {
+        const auto fields = found.constFind(name);
+        if (fields == found.cend()) {
             missing += name;
             ++missing_tables;
             continue;
         }
-        const QSet<QString> fields =
-            names_in(database, QStringLiteral("SELECT name FROM pragma_table_info(?)"), {name});
         for (const Field& field : table.fields) {
             const QString field_name = QString::fromLatin1(field.name);
-            if (!fields.contains(field_name.toLower())) missing += name + u'.' + field_name;
+            if (!fields->contains(field_name.toLower())) missing += name + u'.' + field_name;
         }
     }
     if (missing.isEmpty()) return std::nullopt;
     const bool none_is_ours = missing_tables == static_cast<qsizetype>(schema().size());
     return DatabaseError{none_is_ours ? DatabaseFault::foreign : DatabaseFault::table_missing, path,
                          missing.join(QStringLiteral(", "))};
-}
-
-// Permission bits do not tell whether a write passes: the folder has to take the journal, the
-// medium may be write-protected. So one is begun, and undone before it reaches the file.
-void probe_write(const QSqlDatabase& database) {
-    Query(database, QStringLiteral("BEGIN IMMEDIATE"));
-    try {
-        Query(database, QStringLiteral("CREATE TABLE m47_write_probe (unused)"));
-    } catch (const EngineFault& fault) {
-        QSqlQuery(QStringLiteral("ROLLBACK"), database);
-        // A full disk stands in the way of storing alone, which tells it then.
-        if (meaning_of(fault.code()) == DatabaseFault::full) return;
-        throw;
-    }
-    Query(database, QStringLiteral("ROLLBACK"));
 }
 
 }  // namespace
@@ -205,9 +194,22 @@ DatabaseFault fault_of_finding(const QString& finding) {
 
 std::optional<DatabaseError> fault_of_content(const QSqlDatabase& database, const QString& path) {
     if (const auto fault = damage_of(database, path)) return fault;
-    if (const auto fault = fault_of_tables(database, path)) return fault;
-    probe_write(database);
-    return std::nullopt;
+    return fault_of_tables(database, path);
+}
+
+// Permission bits do not tell whether a write passes: the folder has to take the journal, the
+// medium may be write-protected. So one is begun, and undone before it reaches the file.
+void probe_write(const QSqlDatabase& database) {
+    Query(database, QStringLiteral("BEGIN IMMEDIATE"));
+    try {
+        Query(database, QStringLiteral("CREATE TABLE m47_write_probe (unused)"));
+    } catch (const EngineFault& fault) {
+        QSqlQuery(QStringLiteral("ROLLBACK"), database);
+        // A full disk stands in the way of storing alone, which tells it then.
+        if (meaning_of(fault.code()) == DatabaseFault::full) return;
+        throw;
+    }
+    Query(database, QStringLiteral("ROLLBACK"));
 }
 
 DatabaseError error_of(const EngineFault& fault) {

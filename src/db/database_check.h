@@ -17,9 +17,12 @@ namespace m47::db {
 /// not to be called while a transaction of this process runs on the same file.
 std::optional<DatabaseError> fault_of_file(const QString& path);
 
-/// The same for what the engine finds: damage, missing tables and fields, a write that does not
-/// pass. The write probe is rolled back. An error of the engine is an EngineFault.
+/// The same for what the engine finds: damage, missing tables and fields. An error of the engine is
+/// an EngineFault.
 std::optional<DatabaseError> fault_of_content(const QSqlDatabase& database, const QString& path);
+
+/// Begins a write and undoes it; one that does not pass is an EngineFault, but for a full disk.
+void probe_write(const QSqlDatabase& database);
 
 /// What a finding of the engine's check stands for: damage, unless it names the error for which a
 /// page could not even be read, such as that of a failing disk.

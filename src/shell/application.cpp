@@ -96,8 +96,9 @@ std::unique_ptr<db::Database> open_database(const ProgramState& state, const Opt
     const QString& path = state.database_file;
     db::DatabaseError error{};
     std::unique_ptr<db::Database> database;
-    if (!options.create_database || db::Database::create(path, error))
-        database = db::Database::open(path, error);
+    // Windows are shown first: database_is_sound() then.
+    const auto open = options.unattended() ? db::Database::open : db::Database::open_unchecked;
+    if (!options.create_database || db::Database::create(path, error)) database = open(path, error);
     if (database) return database;
     const QString text = db::database_error_text(error, state.texts);
     can_be_made = error.fault == db::DatabaseFault::missing && !options.unattended();
@@ -134,17 +135,31 @@ int sweep_unattended(ProgramState& state, link::PortList ports, const Options& o
     return run_sweep(state.texts, connection, options);
 }
 
+/// Told, and the end of the program, where it is not.
+bool database_is_sound(Program& program, const Options& options) {
+    const std::optional<db::DatabaseError> fault = program.database().check();
+    if (!fault) return true;
+    tell(db::database_error_text(*fault, program.state().texts), options);
+    QApplication::exit(kDatabase);
+    return false;
+}
+
+void begin_work(Program& program, const Options& options) {
+    if (!database_is_sound(program, options)) return;
+    run_handler(&program.window(), "start", [&] {
+        if (options.on_port > 0) program.identify(options.on_port);
+        if (!options.replay.isEmpty()) program.start_desk().open_recording(options.replay);
+        program.window().open_screen(options.open);
+    });
+    program.start_desk().open();
+}
+
 int run_windows(Program& program, const Options& options) {
     if (!options.trace.isEmpty()) program.recording().start(options.trace);
+    // Checking a file and looking for devices takes longer than showing the window.
+    QObject::connect(&program.window(), &M47MDI::painted, &program.window(),
+                     [&program, &options] { begin_work(program, options); });
     program.window().show();
-    QTimer::singleShot(0, &program.window(), [&program, &options] {
-        run_handler(&program.window(), "start", [&] {
-            if (options.on_port > 0) program.identify(options.on_port);
-            if (!options.replay.isEmpty()) program.start_desk().open_recording(options.replay);
-            program.window().open_screen(options.open);
-        });
-    });
-    program.open_start_page_when_painted();
     const WindowEnd end(program);
     const int status = QApplication::exec();
     if (platform::times_told_to_end() > 0) return WindowEnd::tell(program);

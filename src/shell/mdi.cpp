@@ -27,6 +27,8 @@ namespace {
 constexpr std::chrono::milliseconds kAfterTheHandler{1};
 /// What has been painted is to be seen before anything else is made.
 constexpr std::chrono::milliseconds kOnTheScreen{20};
+/// A window that is begun minimised is not painted.
+constexpr std::chrono::seconds kNobodyLooks{1};
 
 constexpr Bilingual kNoWork{"The key \"%1\" has no function.", "Il tasto \"%1\" non ha funzioni."};
 
@@ -234,8 +236,16 @@ void M47MDI::restore_place(const QSize& otherwise) {
 
 void M47MDI::paintEvent(QPaintEvent* event) {
     QMainWindow::paintEvent(event);
-    if (!std::exchange(was_painted_, true))
-        QTimer::singleShot(kOnTheScreen, this, &M47MDI::painted);
+    if (!std::exchange(was_painted_, true)) QTimer::singleShot(kOnTheScreen, this, &M47MDI::begin);
+}
+
+void M47MDI::showEvent(QShowEvent* event) {
+    QMainWindow::showEvent(event);
+    if (!begun_) QTimer::singleShot(kNobodyLooks, this, &M47MDI::begin);
+}
+
+void M47MDI::begin() {
+    if (!std::exchange(begun_, true)) Q_EMIT painted();
 }
 
 void M47MDI::closeEvent(QCloseEvent* event) {

@@ -96,7 +96,8 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
     void enable_asl(bool on) override;
 
   Q_SIGNALS:
-    /// The window has been painted for the first time and is to be seen.
+    /// The window has been painted for the first time and is to be seen, or a second has passed
+    /// without that.
     void painted();
     /// The language is another one now.
     void texts_shown();
@@ -118,6 +119,7 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
   protected:
     void closeEvent(QCloseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    void showEvent(QShowEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
@@ -129,6 +131,7 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
     void restore_place_of(const QString& key, QMdiSubWindow* view) const;
     void keep_places_of_screens();
     void keep_place_of(const QString& key, const QMdiSubWindow* view) const;
+    void begin();
     void screen_activated(QMdiSubWindow* view);
     /// Gives the keyboard to `screen`, where it was in it last.
     static void focus_in(Screen* screen);
@@ -153,6 +156,7 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
     QMap<QString, QPointer<QMdiSubWindow>> views_;
     QPointer<QMdiSubWindow> front_;
     bool was_painted_ = false;
+    bool begun_ = false;
     QPointer<QWidget> behind_;  ///< the screens
     WindowFit fit_{this};
     ToolkitLanguage toolkit_language_;

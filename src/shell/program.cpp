@@ -192,10 +192,6 @@ void Program::watch_device() {
     if (watch_.look(QFileInfo::exists(device))) window_.status().show_reason();
 }
 
-void Program::open_start_page_when_painted() {
-    QObject::connect(&window_, &M47MDI::painted, &start_, &StartDesk::open);
-}
-
 void Program::cmdmanual_Click() {
     open_manual(usual_manual_folders());
 }

@@ -52,9 +52,6 @@ class Program {
     /// Identifies the meter on port `number` (1 to 10), as picking it on the port screen does.
     void identify(int number) { connection_.identify(number); }
 
-    /// Puts the start page behind the screens once the window has been painted: the start waits
-    /// for nothing that it needs.
-    void open_start_page_when_painted();
     /// What works the page behind the screens.
     StartDesk& start_desk() { return start_; }
 

@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QTest>
+#include <csignal>
 
 #include "process_support.h"
 
@@ -33,6 +34,7 @@ class StartTest : public QObject {
     void unusable_database_data();
     void unusable_database();
     void missing_database_of_the_windows();
+    void damaged_database_of_the_windows();
 
   private:
     /// A database as the program makes it.
@@ -373,6 +375,24 @@ void StartTest::missing_database_of_the_windows() {
     QVERIFY(ending.err.startsWith("m47-remote: "));
     QVERIFY(ending.err.contains(kDatabase.toLatin1()));
     QVERIFY(stand.files().isEmpty());
+}
+
+/// The window stands before the file has been checked: nothing is done with it all the same.
+void StartTest::damaged_database_of_the_windows() {
+    EmptyStand stand;
+    const QByteArray good = new_database();
+    stand.write(kDatabase, good.left(good.size() / 2));
+    const QMap<QString, QByteArray> before = stand.files();
+    stand.remote.environment.insert("QT_QPA_PLATFORM", "offscreen");
+    stand.remote.start({"--open", "program"});
+    QVERIFY(stand.remote.wait_for_error_lines(1));
+    QTest::qWait(300);
+    QCOMPARE(stand.remote.process().state(), QProcess::Running);
+    stand.remote.send_signal(SIGTERM);
+    const Ending ending = stand.remote.wait();
+    QVERIFY2(ending.err.count(kDatabase.toLatin1()) == 1, ending.err.constData());
+    QCOMPARE(ending.status, 128 + SIGTERM);
+    QVERIFY2(stand.files() == before, "something was created or changed in the folder");
 }
 
 }  // namespace m47
