@@ -34,11 +34,6 @@ void MeterConnection::identify(int number) {
     identification_.porta_Click(number - 1);
 }
 
-bool MeterConnection::reconnect() {
-    identification_.reconnect();
-    return link_.port_connected;
-}
-
 QString MeterConnection::fault() const {
     if (claim_.holder()) return link::claim_text(*claim_.holder(), port_->path(), state_.texts);
     const QString fault = link::port_fault_text(port_->fault(), port_->path(), state_.texts);

@@ -34,8 +34,8 @@ class MeterConnection {
     /// Identifies the meter on port `number` (1 to 10), as picking it on the port screen does.
     void identify(int number);
 
-    /// Identifies the meter behind the device picked last again. True when it answers.
-    bool reconnect();
+    /// Identifies the meter behind the device picked last again.
+    void reconnect() { identification_.reconnect(); }
 
     /// The device picked last, by its persistent name where it has one; empty before the first.
     const QString& device() const { return identification_.device(); }

@@ -136,6 +136,10 @@ void Program::connect_connection() {
         // Picking a port chooses English.
         window_.show_texts();
     };
+    // Its unit need not be that of the one before.
+    connection_.identification().on_connected = [this] {
+        if (auto* screen = window_.opened<realtime::Realtime>()) screen->meter_came();
+    };
     connection_.identification().on_another_device = [this] { another_device(); };
     on(&window_, &M47MDI::reconnect_asked, &window_, "cmdreconnect_Click", [this] { reconnect(); });
     QObject::connect(&watch_timer_, &QTimer::timeout, &window_, [this] { watch_device(); });
@@ -176,8 +180,7 @@ QString Program::link_fault() const {
 
 void Program::reconnect() {
     watch_.reset();
-    if (!connection_.reconnect()) return;
-    if (auto* screen = window_.opened<realtime::Realtime>()) screen->meter_came();
+    connection_.reconnect();
 }
 
 void Program::another_device() {

@@ -87,6 +87,21 @@ void GuiTest::another_meter_after_reconnect_is_asked_for_its_unit() {
     QVERIFY(find<QLabel>("corrected_notice")->text().contains(meter_->link()));
 }
 
+/// The screen stays open while another meter is joined to another port.
+void GuiTest::a_meter_that_is_picked_anew_is_asked_for_its_unit() {
+    start();
+    pick_port(3);
+    auto* screen = open_realtime();
+    screen->rules.modes.cmdlev_Click(kDbmv);
+    meter_->unplug();
+    meter_ =
+        std::make_unique<MeterProcess>(folder(), QStringList{"--baud-factor", "0", "--delay", "0"});
+    pick_port(3);
+    QCOMPARE(meter_->commands(), QStringList({"ATTEN?", "VER?", "UNIT?"}));
+    QCOMPARE(screen->rules.panel.cmdlev, static_cast<int>(kDbuv));
+    QCOMPARE(program().link().settings.unit(), std::optional<int>(kDbuv));
+}
+
 void GuiTest::another_meter_after_reconnect_takes_the_first_ones_satellites_off_the_screen() {
     start();
     pick_port(3);

@@ -43,6 +43,7 @@ class GuiTest : public QObject, protected ProgramInFolder {
     void a_meter_that_was_unplugged_is_connected_again_by_the_menu();
     void the_meter_of_a_recording_is_connected_where_it_lost_its_line_too();
     void another_meter_after_reconnect_is_asked_for_its_unit();
+    void a_meter_that_is_picked_anew_is_asked_for_its_unit();
     void another_meter_after_reconnect_takes_the_first_ones_satellites_off_the_screen();
     void picking_a_port_identifies_the_meter();
     void the_version_decides_over_the_satellite_key_data();

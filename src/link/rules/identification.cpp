@@ -89,6 +89,7 @@ void Identification::ask_meter() {
     const auto version = link_.port_connected ? link_.ask(command::query(command::kVersion))
                                               : std::optional<QString>();
     show_version(version.value_or(QString()));
+    if (link_.port_connected && on_connected) on_connected();
 }
 
 void Identification::close_link(int number) {

@@ -49,6 +49,9 @@ class Identification {
     /// Called with each answer of a meter to the question for its version; empty where none came.
     std::function<void(const QString& version)> on_version;
 
+    /// Called when a meter has answered, behind the question for its version.
+    std::function<void()> on_connected;
+
     /// Called by reconnect() when another device than before is found, or the same that was plugged
     /// in anew, before the meter behind it is asked. The port's fault is another_device then.
     std::function<void()> on_another_device;
