@@ -44,6 +44,8 @@ int serve(const meter::Options& options, meter::Responder& responder) {
 
 int replay(const meter::Options& options) {
     std::error_code ignored;
+    if (std::filesystem::equivalent(options.replay, options.trace, ignored))
+        return complain("--replay and --trace name the same file: " + options.trace, kStatusUsage);
     std::ifstream file(options.replay, std::ios::binary);
     // A folder can be opened, and a pipe cannot be sought in.
     if (!file || !std::filesystem::is_regular_file(options.replay, ignored))

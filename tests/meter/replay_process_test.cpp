@@ -28,6 +28,7 @@ class TestReplayProcess : public QObject {
     void what_was_sent_later_gives_way_to_a_command();
     void recordings_that_cannot_be_used_data();
     void recordings_that_cannot_be_used();
+    void a_recording_is_not_written_over();
 };
 
 void TestReplayProcess::a_recording_is_answered_as_it_was() {
@@ -133,6 +134,25 @@ void TestReplayProcess::recordings_that_cannot_be_used() {
         QCOMPARE(told_of(path), "m47-meter: cannot read the recording " + path.toUtf8() + '\n');
         QCOMPARE(process.exitCode(), 1);
     }
+}
+
+void TestReplayProcess::a_recording_is_not_written_over() {
+    const QTemporaryDir folder;
+    const QByteArray text("RX 1.000 2.000 UNIT?<CR>\nTX 3.000 3.000 UNIT?<CR>00<CR>OK<CR>\n");
+    const QString recording = write(folder, text);
+    const QString link = folder.filePath("link");
+    QVERIFY(QFile::link(recording, link));
+    for (const QString& name : {recording, link}) {
+        QProcess process;
+        process.start(METER_PROGRAM, {"--replay", recording, "--trace", name});
+        QVERIFY(process.waitForFinished(10000));
+        QCOMPARE(process.readAllStandardError(),
+                 "m47-meter: --replay and --trace name the same file: " + name.toUtf8() + '\n');
+        QCOMPARE(process.exitCode(), 2);
+    }
+    QFile file(recording);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), text);
 }
 
 QTEST_GUILESS_MAIN(TestReplayProcess)
