@@ -379,6 +379,32 @@ class LayoutTest : public QObject, protected ProgramInFolder {
         hold(faded);
     }
 
+    /// All that can stand in it at one time, with the words that are the longest.
+    void the_status_line_holds_when_it_says_all_data() {
+        add_languages({"alone", "with a screen"});
+    }
+    void the_status_line_holds_when_it_says_all() {
+        QFETCH(QString, name);
+        QFETCH(int, language);
+        speak(language);
+        if (name == "with a screen") open("download");
+        program().recording().start(in_folder("line.trace"));
+        window().status().show_simulated(
+            program_state().texts.pick({"Recording a long name of a recording.trace",
+                                        "Registrazione a long name of a recording.trace"}));
+        window().show_upload("OKProgram 95 of 95", "");
+        window().show_notice(QString("The file cannot be written. ").repeated(8));
+        link::Activity& activity = program().link().activity;
+        activity.begin();
+        activity.say(
+            {{"Uploading program %1 of %2", "Caricamento del programma %1 di %2"}, {"17", "95"}});
+        activity.reached(17, 95);
+        window().status().show_progress_bar();
+        const QStringList faults = faults_at_every_size("status line", name);
+        activity.end({});
+        hold(faults);
+    }
+
     void the_level_holds_on_every_desktop_data() { add_languages({"linked", "not linked"}); }
     void the_level_holds_on_every_desktop() {
         QFETCH(QString, name);
