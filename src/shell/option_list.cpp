@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "option_list.h"
 
+#include "screen_table.h"
+
 namespace m47::shell {
 
 namespace {
@@ -20,7 +22,10 @@ OptionList start_options() {
         {"port", "The device behind port number N (1 to 10); repeatable.", "N=DEVICE"},
         {"create-database", "First create the database file where it does not exist."},
         {"on-port", "Connect to the meter on port number N at start.", "N"},
-        {"open", "Open the screen of toolbar key KEY at start.", "KEY"},
+        {"open",
+         QStringLiteral("Open the screen of toolbar key KEY at start: %1.")
+             .arg(screen_keys().join(QStringLiteral(", "))),
+         "KEY"},
         {"corrected",
          "Start with every entry of the menu \"Corrected behaviour\" ticked; goes with --measure "
          "too."},

@@ -83,7 +83,8 @@ QString ports_text(MeterConnection& connection) {
         if (number != in_use) continue;
         const link::PortFault fault = link::look_at(device);
         text += QStringLiteral("  in use, connected: ") +
-                yes_or_no(connection.link().port_connected) + QStringLiteral(", now: ") +
+                yes_or_no(connection.link().port_connected) +
+                QStringLiteral(", what is wrong with it now: ") +
                 QLatin1String(link::port_fault_name(fault)) + u'\n';
         const QString words = link::port_fault_text(fault, device, english);
         if (!words.isEmpty()) text += QStringLiteral("  ") + on_one_line(words) + u'\n';
