@@ -25,7 +25,7 @@ QString recorded_by() {
 LineRecording::LineRecording(link::LineRecorder& recorder, const Texts& texts)
     : recorder_(recorder), texts_(texts) {
     recorder_.on_failed = [this](const QString& reason) {
-        watch_handlers(nullptr);
+        watch_handlers(this, nullptr);
         tell_lost(kEndedEarly, reason);
     };
 }
@@ -45,13 +45,13 @@ void LineRecording::start(const QString& path) {
     recorder_.note(QStringLiteral("system ") + QSysInfo::prettyProductName() + u' ' +
                    QSysInfo::kernelVersion() + u' ' + QSysInfo::currentCpuArchitecture());
     if (!running()) return;
-    watch_handlers([this](const char* name) { recorder_.user(name); });
+    watch_handlers(this, [this](const char* name) { recorder_.user(name); });
     tell_change();
 }
 
 void LineRecording::stop() {
     if (!running()) return;
-    watch_handlers(nullptr);
+    watch_handlers(this, nullptr);
     recorder_.stop();
     tell_change();
 }

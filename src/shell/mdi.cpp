@@ -124,6 +124,8 @@ void M47MDI::connect_entries() {
 
 M47MDI::~M47MDI() {
     program_.costs.on_cost = nullptr;
+    program_.costs.on_remark = nullptr;
+    watch_handlers(this, nullptr);
     program_.on_saved = nullptr;
     // The screens go while this window is whole; none of them comes to the front any more.
     ui_->screens->disconnect(this);
@@ -171,7 +173,7 @@ void M47MDI::open_screen(const QString& key) {
     view->installEventFilter(this);
     connect(screen, &Screen::exit_asked, view, &QWidget::close);
     connect(screen, &Screen::no_work, this, [this](const QString& caption) {
-        show_notice(Said{kNoWork, {caption}}.in(program_.texts));
+        show_remark(Said{kNoWork, {caption}}.in(program_.texts));
     });
     screen->load();
     screen->show_words(windows_->words());
@@ -350,6 +352,7 @@ void M47MDI::show_texts() {
     for (const ScreenEntry& screen : screen_table())
         findChild<QAction*>(QString::fromLatin1(screen.key))
             ->setIconText(program_.texts.pick(screen.word));
+    if (activity_) activity_->show_activity();
     Q_EMIT texts_shown();
 }
 
@@ -357,6 +360,10 @@ void M47MDI::tell_costs() {
     program_.costs.on_cost = [this](const Bilingual& text) {
         show_notice(program_.texts.pick(text));
     };
+    program_.costs.on_remark = [this](const Bilingual& text) {
+        show_remark(program_.texts.pick(text));
+    };
+    watch_handlers(this, [this](const char*) { end_remark(); });
     program_.on_saved = [this](const QString& path) { show_saved(path); };
     // What was told may no longer be true.
     connect(corrected_, &CorrectedMenu::chosen, this, [this] {
@@ -368,6 +375,19 @@ void M47MDI::tell_costs() {
 void M47MDI::show_notice(const QString& text) {
     notice_->setText(text);
     notice_->setToolTip(plain_tooltip(text));
+}
+
+void M47MDI::show_remark(const QString& text) {
+    show_notice(text);
+    remark_ = text;
+}
+
+/// Before another deed of the user, of which it need not be true any more; not before what that
+/// deed does in turn.
+void M47MDI::end_remark() {
+    if (running_handler()) return;
+    const QString remark = std::exchange(remark_, QString());
+    if (!remark.isEmpty() && notice_->text() == remark) show_notice(QString());
 }
 
 void M47MDI::show_saved(const QString& path) {

@@ -73,6 +73,8 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
     /// What the user has to know though no box may stop a run for it; stays until the next one, or
     /// until corrected behaviour is chosen. Beside the progress, which changes all the time.
     void show_notice(const QString& text);
+    /// The same for what is true until the user does something else, such as why nothing was done.
+    void show_remark(const QString& text);
 
     /// Shows `page`, which belongs to this window then, where no screen lies, as large as the room.
     void put_behind_screens(QWidget* page);
@@ -139,6 +141,7 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
     void keep_inside(QMdiSubWindow* view) const;
     QString key_of(const QMdiSubWindow* view) const;
     void tell_costs();
+    void end_remark();
     void show_saved(const QString& path);
 
     ProgramState& program_;
@@ -155,6 +158,7 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
     QMap<QString, ScreenMaker> makers_;
     QMap<QString, QPointer<QMdiSubWindow>> views_;
     QPointer<QMdiSubWindow> front_;
+    QString remark_;
     bool was_painted_ = false;
     bool begun_ = false;
     QPointer<QWidget> behind_;  ///< the screens

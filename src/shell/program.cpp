@@ -132,7 +132,6 @@ void Program::connect_connection() {
         watch_.reset();
         window_.allow_reconnect();
         start_.port_picked();
-        if (std::exchange(told_of_no_link_, false)) window_.show_notice(QString());
         // Picking a port chooses English.
         window_.show_texts();
     };
@@ -150,8 +149,7 @@ void Program::connect_activity() {
     link().on_refused = [this] { window_.show_notice(link_fault()); };
     link().on_unsent = [this] {
         if (!user_asked_for_it()) return;
-        window_.show_notice(state_.texts.pick(kNothingSent));
-        told_of_no_link_ = true;
+        window_.show_remark(state_.texts.pick(kNothingSent));
     };
     link::Activity& activity = link().activity;
     activity.on_change = [this, &activity] { window_.show_activity(activity); };
@@ -190,6 +188,7 @@ void Program::another_device() {
 }
 
 void Program::watch_device() {
+    start_.look_at_link();
     const QString& device = connection_.device();
     if (device.isEmpty() || link().port_connected) return;
     if (watch_.look(QFileInfo::exists(device))) window_.status().show_reason();

@@ -82,7 +82,6 @@ class Program {
     QTimer watch_timer_;
     std::unique_ptr<HelpKey> help_key_;
     ImportCommand import_;
-    bool told_of_no_link_ = false;  ///< in the status line
 };
 
 }  // namespace m47::shell

@@ -146,7 +146,12 @@ void StartDesk::start_connect_Click(int number) {
 void StartDesk::show_answer(int number) {
     const QString reason = connection_.link().port_connected ? QString() : connection_.fault();
     show_result(reason.isEmpty() ? answer_text(number) : reason);
+    answers_ = connection_.link().port_connected;
     refresh();
+}
+
+void StartDesk::look_at_link() {
+    if (answers_ && !connection_.link().port_connected) show_result(QString());
 }
 
 QString StartDesk::answer_text(int number) const {
@@ -160,6 +165,7 @@ QString StartDesk::answer_text(int number) const {
 
 /// On the page, where there is one.
 void StartDesk::show_result(const QString& text) {
+    answers_ = false;
     if (page_) page_->show_result(text);
 }
 

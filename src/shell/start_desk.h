@@ -29,6 +29,8 @@ class StartDesk : public QObject {
 
     /// A port has been picked, by the page or not: whether the meter there is the simulated one.
     void port_picked();
+    /// The page does not go on saying that a meter answers which no longer does.
+    void look_at_link();
 
     // The keys of the page.
     void start_connect_Click(int number);
@@ -65,6 +67,7 @@ class StartDesk : public QObject {
     db::Database& database_;
     SimulatedMeter simulated_;
     int simulated_port_ = 0;
+    bool answers_ = false;  ///< says the page
     StartPage* page_ = nullptr;
     QFileSystemWatcher* watcher_ = nullptr;
     QTimer settle_;

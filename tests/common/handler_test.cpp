@@ -212,18 +212,18 @@ class HandlerTest : public QObject {
 
     void who_watches_is_told_what_the_user_does_and_nothing_else() {
         QList<QByteArray> told;
-        watch_handlers([&told](const char* name) { told += name; });
+        watch_handlers(&told, [&told](const char* name) { told += name; });
         SmallScreen screen;
         screen.bar->actions().at(0)->trigger();
         run_handler(nullptr, "fsat_KeyPress", [] {});
         for (const char* other : {"start", "Form_Load", "next_level_Timer", "QLineEdit"})
             run_handler(nullptr, other, [] {});
         run_trapped(nullptr, "good_Click", [] {});
-        watch_handlers(nullptr);
+        watch_handlers(&told, nullptr);
         screen.bar->actions().at(0)->trigger();
         QCOMPARE(told, (QList<QByteArray>{"bar_ButtonClick good", "fsat_KeyPress"}));
-        watch_handlers([&told, large = std::array<char, 100>()](const char*) {
-            watch_handlers(nullptr);
+        watch_handlers(&told, [&told, large = std::array<char, 100>()](const char*) {
+            watch_handlers(&told, nullptr);
             told += QByteArray(large.data(), 0);
         });
         screen.bar->actions().at(0)->trigger();

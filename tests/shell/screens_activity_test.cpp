@@ -116,6 +116,19 @@ void ScreensTest::stop_ends_the_identification_and_says_how_far_it_came() {
     QVERIFY(!find<QPushButton>("activity_stop")->isVisible());
 }
 
+/// Picking a port chooses English in the middle of a search for the meter.
+void ScreensTest::what_is_done_follows_the_language() {
+    link::Activity& activity = program().link().activity;
+    activity.begin();
+    activity.say({{"Looking for the meter", "Ricerca dello strumento"}, {}});
+    find<QAction>("cmditaliano")->trigger();
+    QVERIFY(find<QLabel>("activity")->text().startsWith("Ricerca"));
+    find<QAction>("cmdinglese")->trigger();
+    QVERIFY(find<QLabel>("activity")->text().startsWith("Looking"));
+    QCOMPARE(find<QPushButton>("activity_stop")->text(), QString("Stop"));
+    activity.end({});
+}
+
 void ScreensTest::stop_ends_a_timed_run_with_the_measurement_in_it() {
     MeterInProcess& meter = start_with_meter();
     realtime::Realtime* screen = open_realtime();

@@ -76,6 +76,36 @@ void ScreensTest::the_start_page_connects_the_meter_by_its_device() {
     QVERIFY(!find<QLabel>("start_result")->text().isEmpty());
     find<QAction>("cmditaliano")->trigger();
     QCOMPARE(find<QPushButton>("start_search")->text(), QString("Cerca lo strumento"));
+    QCOMPARE(find<QLabel>("start_result")->text(), QString("The meter answers on port 1."));
+    // The link is lost, by whatever it was.
+    program().link().port_connected = false;
+    QTRY_COMPARE(find<QLabel>("start_result")->text(), QString());
+}
+
+void ScreensTest::why_nothing_was_done_goes_with_the_next_deed() {
+    start_with_meter();
+    realtime::Realtime* screen = open_realtime();
+    const auto* notice = find<QLabel>("corrected_notice");
+    const auto measure = [&] { find<QAction>("single_acq", screen)->trigger(); };
+    measure();
+    QVERIFY2(notice->text().startsWith("Nothing is measured: no measure is ticked") ||
+                 notice->text().startsWith("Nessuna misura: nessuna"),
+             qPrintable(notice->text()));
+    find<QAbstractButton>("meas_statea_0", screen)->click();
+    measure();
+    QVERIFY(!screen->findChild<QLabel*>("leva")->text().isEmpty());
+    QCOMPARE(notice->text(), QString());
+    program().link().port_connected = false;
+    measure();
+    QVERIFY(!notice->text().isEmpty());
+    program().start_desk().open();
+    find<QPushButton>("start_connect")->click();
+    QVERIFY(program().link().port_connected);
+    QCOMPARE(notice->text(), QString());
+    // What the user has to know stays.
+    window().show_notice("A row was left out.");
+    measure();
+    QCOMPARE(notice->text(), QString("A row was left out."));
 }
 
 void ScreensTest::the_first_value_takes_four_clicks() {

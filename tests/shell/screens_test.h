@@ -156,6 +156,10 @@ class ScreensTest : public QObject, protected ProgramInFolder {
 
     void what_a_default_costs_is_told_once_in_the_status_line();
 
+    void why_nothing_was_done_goes_with_the_next_deed();
+
+    void what_is_done_follows_the_language();
+
     void a_digital_run_keeps_its_mode_where_chosen();
 
     void noise_boxes_start_from_the_frequency_when_the_choice_was_made_before();

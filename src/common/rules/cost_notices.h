@@ -14,11 +14,14 @@ class CostNotices {
   public:
     /// Shows the text; whoever has a place for it sets it.
     std::function<void(const Bilingual& text)> on_cost;
+    /// Shows what is true of the deed just asked for and of no other; as on_cost where it is not
+    /// set.
+    std::function<void(const Bilingual& text)> on_remark;
 
     /// `text` is one of the constants of the room that tells it.
     void tell(const Bilingual& text);
 
-    /// The same for something that was lost just now and is told each time.
+    /// Told each time: what was lost just now, or why nothing was done.
     void tell_each(const Bilingual& text) const;
 
     /// The choices are others now: what costs something from here on is told anew.

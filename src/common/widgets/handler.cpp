@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QLoggingCategory>
+#include <map>
 #include <new>
 #include <utility>
 
@@ -41,9 +42,9 @@ const char*& innermost() {
     return name;
 }
 
-HandlerWatch& handler_watch() {
-    static HandlerWatch watch;
-    return watch;
+std::map<const void*, HandlerWatch>& handler_watches() {
+    static std::map<const void*, HandlerWatch> watches;
+    return watches;
 }
 
 QString words_of(const std::exception& exception, const Texts& texts) {
@@ -70,8 +71,11 @@ const char* running_handler() {
     return innermost();
 }
 
-void watch_handlers(HandlerWatch watch) {
-    handler_watch() = std::move(watch);
+void watch_handlers(const void* who, const HandlerWatch& watch) {
+    if (watch)
+        handler_watches()[who] = watch;
+    else
+        handler_watches().erase(who);
 }
 
 bool is_of_user(const char* name) {
@@ -82,8 +86,9 @@ bool is_of_user(const char* name) {
 
 void run_handler(QWidget* screen, const char* name, const std::function<void()>& body) {
     // A copy: who watches may cease to while it is told.
-    const HandlerWatch watch = handler_watch();
-    if (watch && is_of_user(name)) watch(name);
+    const std::map<const void*, HandlerWatch> watches = handler_watches();
+    if (is_of_user(name))
+        for (const auto& [who, watch] : watches) watch(name);
     run_trapped(screen, name, body);
 }
 
