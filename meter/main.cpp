@@ -46,9 +46,11 @@ int replay(const meter::Options& options) {
     std::error_code ignored;
     if (std::filesystem::equivalent(options.replay, options.trace, ignored))
         return complain("--replay and --trace name the same file: " + options.trace, kStatusUsage);
-    std::ifstream file(options.replay, std::ios::binary);
-    // A folder can be opened, and a pipe cannot be sought in.
-    if (!file || !std::filesystem::is_regular_file(options.replay, ignored))
+    std::ifstream file;
+    // A folder can be opened, and a pipe waits for its other end and cannot be sought in.
+    if (std::filesystem::is_regular_file(options.replay, ignored))
+        file.open(options.replay, std::ios::binary);
+    if (!file.is_open())
         return complain("cannot read the recording " + options.replay, kStatusFailed);
     meter::Replay replay(file, options.speed, options.strict);
     if (!replay.fault().empty())

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <sys/stat.h>
+
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QTemporaryDir>
@@ -130,7 +132,9 @@ void TestReplayProcess::recordings_that_cannot_be_used() {
     QCOMPARE(told_of(recording), "m47-meter: " + told.replace("FILE", recording.toUtf8()));
     QCOMPARE(process.exitCode(), 1);
     QCOMPARE(process.readAllStandardOutput(), QByteArray());
-    for (const QString& path : {folder.path(), folder.filePath("missing")}) {
+    const QString pipe = folder.filePath("pipe");
+    QCOMPARE(mkfifo(qPrintable(pipe), 0600), 0);
+    for (const QString& path : {folder.path(), folder.filePath("missing"), pipe}) {
         QCOMPARE(told_of(path), "m47-meter: cannot read the recording " + path.toUtf8() + '\n');
         QCOMPARE(process.exitCode(), 1);
     }
