@@ -67,12 +67,17 @@ SearchResult PeakSearch::run() {
 }
 
 SearchEnd PeakSearch::search() {
-    const double start_db = mean_level();
+    // Nothing moves where the meter has no level to give.
+    result_.start_db = mean_level();
+    // How the play stood is not known: it is closed before anything is counted from here.
+    move_to(0);
     const auto satellite = nearest_satellite();
     if (satellite) {
         const int peak = std::max(lowest(), static_cast<int>(std::lround(*satellite)));
         move_to(peak);
-        if (mean_level() >= start_db - kWorseDb) {
+        const double there_db = mean_level();
+        if (there_db >= *result_.start_db - kWorseDb) {
+            result_.peak_db = there_db;
             result_.peak = satellite;
             result_.curve = curve_.points;
             result_.by_carrier = curve_.of_carrier;

@@ -21,7 +21,7 @@ struct SearchOptions {
 /// How a search has ended.
 enum class SearchEnd {
     found,           ///< the dish looks at the peak
-    nothing_better,  ///< the shaft is back where it was
+    nothing_better,  ///< the shaft is back where it was, its play closed
     cancelled,       ///< the dish stands where it was then
     lost,            ///< the motor could not be told, or the meter gave no value
 };
@@ -32,14 +32,17 @@ struct SearchResult {
     std::optional<double> peak;  ///< steps of the shaft east of the start, where one was found
     int shaft = 0;               ///< where it stands, the same
     int readings = 0;
+    std::optional<double> start_db;  ///< level where the dish looked before anything moved
+    std::optional<double> peak_db;   ///< level at the peak, where one was found
     bool by_carrier = false;  ///< the peak is that of the locked carrier, not of all in the filter
     std::vector<Point> looked;  ///< levels of the look around
     std::vector<Point> curve;   ///< around the peak, as fitted
 };
 
-/// Finds the peak of the satellite that is nearest to where the dish looks. Every place is come to
-/// from the west, so the play of the gear is always the same; drives are of a degree at most, each
-/// ends by itself within the span, and the motor is stopped however the search ends.
+/// Finds the peak of the satellite that is nearest to where the dish looks once the play of the
+/// gear is closed, which is done first. Every place is come to from the west, so the play is always
+/// the same; drives are of a degree at most, each ends by itself within the span, and the motor is
+/// stopped however the search ends.
 class PeakSearch {
   public:
     PeakSearch(Antenna& antenna, const SearchOptions& options)
