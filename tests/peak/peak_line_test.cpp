@@ -9,6 +9,7 @@
 #include "fault.h"
 #include "link_antenna.h"
 #include "meter_in_process.h"
+#include "peak_run.h"
 #include "peak_search.h"
 #include "peak_test.h"
 #include "virtual_clock.h"
@@ -32,7 +33,170 @@ struct Line {
     QHash<QByteArray, QByteArray> answers;
 };
 
+/// A dish on the line, under one satellite that is so many steps east of where it looks at first.
+struct DishOnLine : Line {
+    explicit DishOnLine(double satellite) : satellite_(satellite) {
+        answers["ATTEN?"] = " 03";
+        answers["UNIT?"] = " 00";
+        answers["BERQPSK?"] = "CHBER : 3.0E-2\rPvBER : 3.0E-2\rCFO   : 0.00\rMER   : 1.0";
+        port.answer = [this](const QByteArray& command) { return answer(command); };
+    }
+
+    QByteArray answer(const QByteArray& command) {
+        if (command == spoilt) return {};
+        if (command.startsWith("DISEQCMOT 08 ")) shaft += command.mid(13, 2).toInt();
+        if (command.startsWith("DISEQCMOT 09 ")) shaft -= command.mid(13, 2).toInt();
+        farthest = std::max(farthest, std::abs(shaft));
+        if (command.startsWith("DISEQCMOT") && on_drive) on_drive();
+        const double widths = (shaft - satellite_) / 22.4;
+        const double level =
+            45.0 + 10 * std::log10(1 + 20 * std::pow(10.0, -1.2 * widths * widths));
+        answers["LEVANL?"] = "  " + QByteArray::number(level, 'f', 1);
+        return FakePort::good(command, answers.value(command));
+    }
+
+    PeakOutcome search() { return PeakRun(link, {}, {"FREQ 1000.0"}).run(); }
+
+    int shaft = 0;
+    int farthest = 0;
+    QByteArray spoilt;  ///< a command without any answer
+    std::function<void()> on_drive;
+
+  private:
+    double satellite_;
+};
+
+QString said(const PeakOutcome& outcome, int language = kEnglish) {
+    Texts texts;
+    texts.language = language;
+    return end_sentence(outcome, texts);
+}
+
+const QStringList kBegin{"ATTEN?",  "UNIT?",   "MEASURE", "FREQ 1000.0",
+                         "ATTEN 6", "LEVANL?", "LEVANL?"};
+const QStringList kEnd{"DISEQCMOT 00", "ATTEN 03"};
+
 }  // namespace
+
+void PeakTest::a_whole_search_over_the_line() {
+    DishOnLine dish(12.0);
+    const PeakOutcome outcome = dish.search();
+    QVERIFY(outcome.search.end == SearchEnd::found);
+    QVERIFY(outcome.linked && outcome.motor_stopped && outcome.attenuator_back);
+    QVERIFY(std::abs(dish.shaft - 12) <= 1);
+    QCOMPARE(outcome.search.shaft, dish.shaft);
+    QVERIFY(dish.farthest <= 50);
+    const QStringList sent = dish.port.take_commands();
+    QCOMPARE(sent.mid(0, 9), kBegin + QStringList({"DISEQCMOT 09 04 01", "DISEQCMOT 08 04 01"}));
+    QCOMPARE(sent.mid(sent.size() - 2), kEnd);
+    QCOMPARE(said(outcome), QString("The peak is found: 1.2° east of the start, 3.2 dB better than "
+                                    "there."));
+    QCOMPARE(dish.link.activity.working(), false);
+}
+
+void PeakTest::nothing_better_over_the_line() {
+    DishOnLine dish(400.0);
+    const PeakOutcome outcome = dish.search();
+    QCOMPARE(dish.shaft, 0);
+    QCOMPARE(said(outcome), QString("Nothing better was found within the span: the dish is back at "
+                                    "its start."));
+    const QStringList sent = dish.port.take_commands();
+    QCOMPARE(sent.mid(sent.size() - 2), kEnd);
+}
+
+void PeakTest::readings_are_told_with_their_place() {
+    DishOnLine dish(0.0);
+    dish.answers["BERQPSK?"] = "CHBER : 2.0E-4\rPvBER : <1.0E-8\rCFO   : 1.25\rMER   : >30.0";
+    PeakRun run(dish.link, {});
+    QList<Taken> taken;
+    run.on_reading = [&](const Taken& one) {
+        QCOMPARE(one.steps, dish.shaft);
+        taken.append(one);
+    };
+    const PeakOutcome outcome = run.run();
+    QVERIFY(outcome.search.by_carrier);
+    QCOMPARE(taken.size(), outcome.search.readings);
+    const auto of_mer = [](const Taken& one) {
+        return one.quantity == measurement::Quantity::mer &&
+               one.reading.mark == measurement::RangeMark::above;
+    };
+    QVERIFY(std::ranges::count_if(taken, of_mer) >= 3);
+}
+
+void PeakTest::stopped_while_it_turns_data() {
+    QTest::addColumn<bool>("program_ends");
+    QTest::newRow("by the user") << false;
+    QTest::newRow("with the program") << true;
+}
+
+/// The stop goes out at once, not when the drive has ended.
+void PeakTest::stopped_while_it_turns() {
+    QFETCH(bool, program_ends);
+    DishOnLine dish(12.0);
+    double turned_at = 0;
+    bool ends = false;
+    dish.link.interrupted = [&] { return ends; };
+    dish.on_drive = [&] {
+        if (dish.shaft > -10 || turned_at > 0) return;
+        turned_at = dish.clock.elapsed();
+        program_ends ? void(ends = true) : dish.link.activity.stop();
+    };
+    const PeakOutcome outcome = dish.search();
+    QVERIFY(outcome.search.end == SearchEnd::cancelled && outcome.motor_stopped);
+    QVERIFY(turned_at > 0);
+    QVERIFY2(dish.clock.elapsed() - turned_at < 0.5, "a degree takes longer");
+    const QStringList sent = dish.port.take_commands();
+    QCOMPARE(
+        sent.mid(7),
+        QStringList({"DISEQCMOT 09 04 01", "DISEQCMOT 08 04 01", "DISEQCMOT 09 10 01"}) + kEnd);
+    QCOMPARE(said(outcome), QString("Stopped: the motor was told to stop, and the dish stays where "
+                                    "it is."));
+    QVERIFY(!dish.link.activity.stop_asked());
+}
+
+void PeakTest::lost_while_it_turns() {
+    DishOnLine dish(12.0);
+    dish.on_drive = [&] { dish.port.vanish_in(0.3); };
+    const PeakOutcome outcome = dish.search();
+    QVERIFY(!outcome.linked && !outcome.motor_stopped);
+    QCOMPARE(said(outcome),
+             QString("The link to the meter was lost and the motor could not be told to stop; its "
+                     "last drive, 1° at most, ends by itself. The attenuator was not set back."));
+    QVERIFY(said(outcome, kItalian).startsWith("Il collegamento con lo strumento è caduto"));
+    QCOMPARE(dish.port.take_commands().mid(7, 1), QStringList("DISEQCMOT 09 04 01"));
+}
+
+/// A drive that was repeated could have turned the dish twice.
+void PeakTest::a_drive_goes_out_once() {
+    DishOnLine dish(12.0);
+    dish.spoilt = "DISEQCMOT 08 04 01";
+    const PeakOutcome outcome = dish.search();
+    QVERIFY(outcome.search.end == SearchEnd::astray && outcome.linked && outcome.motor_stopped);
+    const QStringList sent = dish.port.take_commands();
+    QCOMPARE(sent.count("DISEQCMOT 08 04 01"), 1);
+    QCOMPARE(sent.mid(sent.size() - 2), kEnd);
+    QCOMPARE(said(outcome), QString("The meter did not surely take a drive: the motor was told to "
+                                    "stop, and nobody knows how far it has turned."));
+}
+
+void PeakTest::without_levels_it_goes_back() {
+    DishOnLine dish(12.0);
+
+    PeakRun run(dish.link, {});
+    run.on_reading = [&](const Taken& taken) {
+        if (taken.steps == -20)
+            dish.port.answer = [&dish](const QByteArray& command) {
+                return command == "LEVANL?" ? FakePort::good(command, " what")
+                                            : dish.answer(command);
+            };
+    };
+    const PeakOutcome outcome = run.run();
+    QVERIFY(outcome.search.end == SearchEnd::lost && outcome.linked);
+    QCOMPARE(dish.shaft, 0);
+    QCOMPARE(said(outcome),
+             QString("The meter gave no sure level any more: the dish is back at its "
+                     "start."));
+}
 
 void PeakTest::drives_over_the_line() {
     Line line;
@@ -91,7 +255,7 @@ void PeakTest::the_line_is_lost() {
     LinkAntenna antenna(line.link);
     PeakSearch peak_search(antenna, {});
     peak_search.on_point = [&](const Point&, bool) { line.port.vanish_in(0); };
-    QVERIFY(peak_search.run().end == SearchEnd::lost);
+    QVERIFY2(peak_search.run().end == SearchEnd::astray, "the way back cannot be told");
     QVERIFY(!line.link.port_connected);
 }
 
@@ -117,33 +281,37 @@ void PeakTest::told_to_end_the_meter_measures_again() {
 }
 
 /// Under the fixed sky the level is the same everywhere: a search ends where it began, whatever the
-/// line does to it.
+/// line does to it; and it says how, with the motor stopped and the meter as it was.
 void PeakTest::every_kind_of_fault() {
     QSet<QString> kinds;
+    QSet<QString> sentences;
     int whole = 0;
     for (quint64 seed = 1; seed <= 60; ++seed) {
         Line line;
         MeterInProcess meter(line.port, seed);
         meter.bad_in = seed % 4 == 0 ? 0 : 12;
-        QByteArray last;
+        QStringList sent;
+        int shaft = 0;
         meter.on_command = [&](const QByteArray& command, const QString& kind) {
-            last = command;
+            sent += command;
+            if (command.startsWith("DISEQCMOT 08 ")) shaft += command.mid(13, 2).toInt();
+            if (command.startsWith("DISEQCMOT 09 ")) shaft -= command.mid(13, 2).toInt();
+            QVERIFY2(std::abs(shaft) <= 50, "outside of the span");
             if (!kind.isEmpty()) kinds += kind;
         };
-        LinkAntenna antenna(line.link);
-        PeakSearch peak_search(antenna, {});
-        try {
-            const SearchEnd end = peak_search.run().end;
-            QVERIFY(end == SearchEnd::lost || end == SearchEnd::nothing_better);
-            whole += end == SearchEnd::nothing_better;
-            QVERIFY2(line.link.port_connected || end == SearchEnd::lost, "told as it is");
-        } catch (const Fault&) {
-            // A doubtful answer is told as such.
-        }
-        if (line.link.port_connected) QCOMPARE(last, QByteArray("DISEQCMOT 00"));
+        const PeakOutcome outcome = PeakRun(line.link, {}).run();
+        const SearchEnd end = outcome.search.end;
+        QVERIFY(end != SearchEnd::found && end != SearchEnd::cancelled);
+        QCOMPARE(line.link.port_connected, outcome.linked);
+        whole += end == SearchEnd::nothing_better && outcome.linked;
+        if (end == SearchEnd::nothing_better) QCOMPARE(shaft, 0);
+        if (outcome.linked && outcome.attenuator_back) QCOMPARE(sent.last(), QString("ATTEN 06"));
+        if (outcome.linked) QVERIFY(sent.indexOf("DISEQCMOT 00") >= sent.size() - 5);
+        sentences += said(outcome);
     }
     QVERIFY2(kinds.size() > 10, qPrintable(QString::number(kinds.size())));
     QVERIFY2(whole >= 15, "what no fault hits, and more");
+    QVERIFY2(sentences.size() >= 3, qPrintable(QStringList(sentences.values()).join('\n')));
 }
 
 }  // namespace m47::peak

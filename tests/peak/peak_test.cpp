@@ -273,7 +273,7 @@ void PeakTest::an_exception_stops_the_motor() {
 void PeakTest::a_motor_that_cannot_be_told() {
     MadeUpSky sky({{12.0, 13.0}});
     sky.drives_left = 3;
-    QVERIFY(search(sky).end == SearchEnd::lost);
+    QVERIFY(search(sky).end == SearchEnd::astray);
     QCOMPARE(sky.drives.size(), std::size_t{4});
     QCOMPARE(sky.stops, 1);
 }

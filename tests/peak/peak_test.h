@@ -31,6 +31,15 @@ class PeakTest : public QObject {
     void points_are_told();
     void under_the_simulated_sky();
 
+    void a_whole_search_over_the_line();
+    void nothing_better_over_the_line();
+    void readings_are_told_with_their_place();
+    void stopped_while_it_turns_data();
+    void stopped_while_it_turns();
+    void lost_while_it_turns();
+    void a_drive_goes_out_once();
+    void without_levels_it_goes_back();
+
     void drives_over_the_line();
     void levels_over_the_line_data();
     void levels_over_the_line();

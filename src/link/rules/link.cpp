@@ -46,6 +46,22 @@ std::optional<QString> Link::answer() const {
     return port_connected ? std::optional(reply_text_) : std::nullopt;
 }
 
+std::optional<QString> Link::ask_once(const QString& command) {
+    struct Once {
+        explicit Once(bool& flag) : once(flag) { once = true; }
+        ~Once() { once = false; }
+        bool& once;
+    };
+    const Measuring measuring(*this);
+    const Once goes_out(once_);
+    try {
+        const std::optional<QString> taken = ask(command);
+        return failed_ ? std::nullopt : taken;
+    } catch (const DoubtfulAnswer&) {
+        return std::nullopt;
+    }
+}
+
 bool Link::transact(const QString& command, const std::function<Outcome()>& exchange,
                     const std::function<void()>& rest) {
     view_.show_progress_bar();
@@ -56,11 +72,14 @@ bool Link::transact(const QString& command, const std::function<Outcome()>& exch
     const Transaction transaction(busy_);
     command_text_ = command;
     refused_.clear();
+    failed_ = false;
 
     const ClockSpan span(clock_);
     view_.set_hourglass(true);
     try {
-        if (exchange() != Outcome::answered) show_port_state();
+        const Outcome outcome = exchange();
+        failed_ = once_ && outcome == Outcome::failed;
+        if (outcome != Outcome::answered && !failed_) show_port_state();
         rest();
     } catch (const Interrupted&) {
         close_port();
@@ -124,7 +143,8 @@ Link::Outcome Link::run_attempts() {
     behind_.clear();
     late_.asked(command_text_);
     Outcome outcome = Outcome::failed;
-    for (int attempt = 0; attempt < kAttempts && outcome == Outcome::failed; ++attempt)
+    const int attempts = once_ ? 1 : kAttempts;
+    for (int attempt = 0; attempt < attempts && outcome == Outcome::failed; ++attempt)
         outcome = run_attempt();
     // To the question whether a meter is there an error says that it is another device.
     const bool looks_for_meter = command_text_ == command::query(command::kAttenuator);

@@ -70,6 +70,11 @@ class Link {
     /// As ask, for a command of whose answer nothing is read. True when there was one.
     bool send(const QString& command) { return ask(command).has_value(); }
 
+    /// As ask, for what must not be done twice, such as turning a motor by so many steps: it goes
+    /// out once. Nothing where the meter has not surely taken it, of which nobody knows then
+    /// whether it was done; the link stays, unless it is lost.
+    [[nodiscard]] std::optional<QString> ask_once(const QString& command);
+
     /// Sends `block`, a long text such as that of a satellite, in one piece. The raw text received,
     /// echo included; nothing where it could not be sent or the link was lost over it. The answer
     /// is complete at its first CR, within 60 s of the first character; without one the link is
@@ -159,6 +164,8 @@ class Link {
     LinkView& view_;
     float last_pump_ = 0;
     bool busy_ = false;
+    bool once_ = false;     ///< the command goes out once
+    bool failed_ = false;   ///< and was not taken
     int progress_ = 0;      ///< steps of the exchange, 0 to kProgressSteps
     QString command_text_;  ///< that is sent, without terminator
     QString refused_;       ///< see refused()

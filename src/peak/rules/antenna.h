@@ -10,8 +10,8 @@ class Antenna {
   public:
     virtual ~Antenna() = default;
 
-    /// Turns the shaft by so many steps, not 0, and comes back once it has turned. False when the
-    /// motor could not be told.
+    /// Turns the shaft by so many steps, not 0, and comes back once it has turned. False when it is
+    /// not sure that the motor was told; it may have turned or not.
     virtual bool drive(int steps) = 0;
 
     /// Stops the motor; told also when it stands. Never throws.

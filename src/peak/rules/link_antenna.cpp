@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "commands.h"
+#include "fault.h"
 #include "measure_replies.h"
 #include "numbers.h"
 #include "reading.h"
@@ -25,43 +26,68 @@ QString drive_command(int steps) {
 }
 
 /// Sends what the meter has to be told whatever has happened, the program's end included; without a
-/// line there is nobody to tell.
-void send_at_the_end(link::Link& link, const QString& command) noexcept {
+/// line there is nobody to tell. True when the meter has taken it.
+bool send_at_the_end(link::Link& link, const QString& command) noexcept {
     ++link.undivided;
+    bool taken = false;
     try {
-        link.send(command);
+        taken = link.ask(command) == QStringLiteral("OK");
     } catch (...) {
         // Each drive ends by itself, and the next user of the meter sets its mode.
     }
     --link.undivided;
+    return taken;
 }
 
-/// The meter's QPSK mode, while it lives.
+/// The meter's QPSK mode, while it lives; it is left even where nobody knows whether it was
+/// entered.
 class QpskMode {
   public:
-    explicit QpskMode(link::Link& link) : link_(link) { link_.send(link::command::kQpskQuality); }
+    explicit QpskMode(link::Link& link) : link_(link) {}
     ~QpskMode() { send_at_the_end(link_, link::command::kMeasure); }
     QpskMode(const QpskMode&) = delete;
     QpskMode& operator=(const QpskMode&) = delete;
+
+    void enter() { link_.send(link::command::kQpskQuality); }
 
   private:
     link::Link& link_;
 };
 
+/// What `asked` gives; nothing where an answer is doubtful.
+template <typename Asked>
+std::optional<measurement::Reading> sure(Asked asked) {
+    try {
+        return asked();
+    } catch (const DoubtfulAnswer&) {
+        return std::nullopt;
+    }
+}
+
 }  // namespace
 
 bool LinkAntenna::drive(int steps) {
-    if (!link_.send(drive_command(steps))) return false;
+    if (link_.ask_once(drive_command(steps)) != QStringLiteral("OK")) return false;
+    shaft_ += steps;
     link_.wait_time(std::abs(steps) / kStepsPerSecond + kUntilItStands);
     return true;
 }
 
 void LinkAntenna::stop() noexcept {
-    send_at_the_end(link_, link::command::kDiseqcMotor + QStringLiteral(" 00"));
+    stopped_ = send_at_the_end(link_, link::command::kDiseqcMotor + QStringLiteral(" 00"));
 }
 
 std::optional<double> LinkAntenna::level() {
     const link::Measuring measuring(link_);
+    const auto reading = sure([this] { return ask_level(); });
+    if (!reading || !reading->measured()) return std::nullopt;
+    tell(measurement::Quantity::level, *reading);
+    // Beyond the range the reading stands still, which looks like a summit.
+    if (reading->mark == measurement::RangeMark::above) return std::nullopt;
+    return reading->value;
+}
+
+std::optional<measurement::Reading> LinkAntenna::ask_level() {
     if (!attenuated_) {
         if (!link_.send(link::command::kFullAttenuation)) return std::nullopt;
         link_.wait_time(kAfterAttenuator);
@@ -69,26 +95,33 @@ std::optional<double> LinkAntenna::level() {
     }
     const auto answer = link_.ask(link::command::query(link::command::kLevel));
     if (!answer) return std::nullopt;
-    const auto reading =
-        measurement::reading_of(measurement::Quantity::level, link::trimmed_from(*answer, 2));
-    // Beyond the range the reading stands still, which looks like a summit.
-    if (!reading.measured() || reading.mark == measurement::RangeMark::above) return std::nullopt;
-    return reading.value;
+    return measurement::reading_of(measurement::Quantity::level, link::trimmed_from(*answer, 2));
 }
 
 std::optional<double> LinkAntenna::mer() {
     const link::Measuring measuring(link_);
     attenuated_ = false;
+    const auto reading = sure([this] { return ask_mer(); });
+    if (!reading || !reading->measured()) return std::nullopt;
+    tell(measurement::Quantity::mer, *reading);
+    if (reading->value <= kNoLockMer) return std::nullopt;
+    return reading->value;
+}
+
+std::optional<measurement::Reading> LinkAntenna::ask_mer() {
     link_.send(link::command::kAttenuator + QStringLiteral(" 00"));
-    const QpskMode mode(link_);
+    QpskMode mode(link_);
+    mode.enter();
     link_.wait_time(kAfterQpsk);
     const auto answer = link_.ask(link::command::query(link::command::kQpskQuality));
     const QString label = QStringLiteral("MER   :");
     if (!answer || !answer->contains(label)) return std::nullopt;
-    const auto reading = measurement::reading_of(measurement::Quantity::mer,
-                                                 link::delete_cr(label, *answer).trimmed());
-    if (!reading.measured() || reading.value <= kNoLockMer) return std::nullopt;
-    return reading.value;
+    return measurement::reading_of(measurement::Quantity::mer,
+                                   link::delete_cr(label, *answer).trimmed());
+}
+
+void LinkAntenna::tell(measurement::Quantity quantity, const measurement::Reading& reading) const {
+    if (on_reading) on_reading({shaft_, quantity, reading});
 }
 
 }  // namespace m47::peak

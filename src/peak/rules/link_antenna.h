@@ -1,16 +1,30 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <functional>
+
 #include "antenna.h"
 #include "link.h"
+#include "reading.h"
 
 namespace m47::peak {
 
+/// What the meter has said with the shaft at a place.
+struct Taken {
+    int steps = 0;  ///< of the shaft, east of where it stood first
+    measurement::Quantity quantity = measurement::Quantity::level;
+    measurement::Reading reading;
+};
+
 /// The dish behind the meter on the line, where the meter is tuned already. The meter does not tell
-/// when the motor has turned, so that is waited for.
+/// when the motor has turned, so that is waited for. A drive is sent once: what was repeated could
+/// turn the dish twice.
 class LinkAntenna : public Antenna {
   public:
     explicit LinkAntenna(link::Link& link) : link_(link) {}
+
+    /// Told of each reading as it comes.
+    std::function<void(const Taken& taken)> on_reading;
 
     bool drive(int steps) override;
     void stop() noexcept override;
@@ -19,9 +33,18 @@ class LinkAntenna : public Antenna {
     /// next level.
     std::optional<double> mer() override;
 
+    /// The meter has taken the last stop of the motor.
+    bool stopped() const { return stopped_; }
+
   private:
+    std::optional<measurement::Reading> ask_level();
+    std::optional<measurement::Reading> ask_mer();
+    void tell(measurement::Quantity quantity, const measurement::Reading& reading) const;
+
     link::Link& link_;
+    int shaft_ = 0;
     bool attenuated_ = false;
+    bool stopped_ = false;
 };
 
 }  // namespace m47::peak

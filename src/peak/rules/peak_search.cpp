@@ -58,12 +58,27 @@ SearchResult PeakSearch::run() {
     result_ = {};
     from_west_ = false;
     refuted_.clear();
-    try {
-        result_.end = search();
-    } catch (const Ended& ended) {
-        result_.end = ended.how;
-    }
+    result_.end = searched();
+    if (result_.end == SearchEnd::lost && result_.moved) result_.end = back_at_start();
     return result_;
+}
+
+SearchEnd PeakSearch::searched() {
+    try {
+        return search();
+    } catch (const Ended& ended) {
+        return ended.how;
+    }
+}
+
+/// Without values the dish is better off where it was found.
+SearchEnd PeakSearch::back_at_start() {
+    try {
+        move_to(0);
+        return SearchEnd::lost;
+    } catch (const Ended& ended) {
+        return ended.how;
+    }
 }
 
 SearchEnd PeakSearch::search() {
@@ -261,7 +276,8 @@ void PeakSearch::drive_to(int steps) {
         go_on();
         const int by = std::clamp(steps - result_.shaft, -kLongestDrive, kLongestDrive);
         result_.shaft += by;
-        if (!antenna_.drive(by)) throw Ended{SearchEnd::lost};
+        result_.moved = true;
+        if (!antenna_.drive(by)) throw Ended{SearchEnd::astray};
     }
 }
 

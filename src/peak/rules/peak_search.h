@@ -23,14 +23,16 @@ enum class SearchEnd {
     found,           ///< the dish looks at the peak
     nothing_better,  ///< the shaft is back where it was, its play closed
     cancelled,       ///< the dish stands where it was then
-    lost,            ///< the motor could not be told, or the meter gave no value
+    lost,            ///< the meter gave no value; the shaft is back where it was
+    astray,          ///< it is not sure how far the motor has turned
 };
 
 /// What a search has found, and what it took.
 struct SearchResult {
-    SearchEnd end = SearchEnd::lost;
+    SearchEnd end = SearchEnd::cancelled;
     std::optional<double> peak;  ///< steps of the shaft east of the start, where one was found
     int shaft = 0;               ///< where it stands, the same
+    bool moved = false;
     int readings = 0;
     std::optional<double> start_db;  ///< level where the dish looked before anything moved
     std::optional<double> peak_db;   ///< level at the peak, where one was found
@@ -54,8 +56,9 @@ class PeakSearch {
     std::function<void(const Point& point, bool looking)> on_point;
 
     /// Searches once. An exception of the antenna or of those told goes through, with the motor
-    /// stopped.
+    /// stopped; result() says how far it came then.
     SearchResult run();
+    const SearchResult& result() const { return result_; }
 
   private:
     struct Curve {
@@ -68,6 +71,8 @@ class PeakSearch {
     };
 
     SearchEnd search();
+    SearchEnd searched();
+    SearchEnd back_at_start();
     std::optional<double> nearest_satellite();
     bool look_as_far_as(int reach);
     bool look_at(int steps);

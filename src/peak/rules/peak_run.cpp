@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "peak_run.h"
+
+#include <cstdlib>
+#include <utility>
+
+#include "commands.h"
+#include "fault.h"
+#include "numbers.h"
+#include "work.h"
+
+namespace m47::peak {
+namespace {
+
+constexpr Bilingual kSearching{"Searching the peak", "Ricerca del massimo"};
+constexpr Bilingual kNotFinished{"the peak was being searched: the motor was stopped",
+                                 "si cercava il massimo: il motore è stato fermato"};
+
+const QString kDone = QStringLiteral("OK");
+
+}  // namespace
+
+std::optional<double> PeakOutcome::gain() const {
+    if (!search.peak_db || !search.start_db) return std::nullopt;
+    return *search.peak_db - *search.start_db;
+}
+
+PeakRun::PeakRun(link::Link& link, const SearchOptions& options, QStringList tuning)
+    : link_(link), options_(options), tuning_(std::move(tuning)) {}
+
+PeakOutcome PeakRun::run() {
+    link::Work work(link_, kNotFinished);
+    work.doing(kSearching);
+    PeakOutcome outcome;
+    LinkAntenna antenna(link_);
+    antenna.on_reading = on_reading;
+    PeakSearch search(antenna, options_);
+    search.cancelled = cancelled;
+    try {
+        prepare();
+        static_cast<void>(search.run());
+    } catch (const Interrupted&) {
+        // What was found so far stands in its result.
+    } catch (...) {
+        set_back();
+        throw;
+    }
+    outcome.search = search.result();
+    outcome.motor_stopped = !outcome.search.moved || antenna.stopped();
+    outcome.attenuator_back = set_back();
+    outcome.linked = link_.port_connected;
+    return outcome;
+}
+
+void PeakRun::prepare() {
+    const auto answer = link_.ask(link::command::query(link::command::kAttenuator));
+    bool whole = false;
+    const int value = answer.value_or(QString()).trimmed().toInt(&whole);
+    if (whole) attenuator_ = value;
+    if (!link_.settings.unit()) link_.send(link::command::query(link::command::kUnit));
+    prepared_ = link_.port_connected;
+    link_.send(link::command::kMeasure);
+    for (const QString& command : tuning_) link_.send(command);
+}
+
+bool PeakRun::set_back() {
+    if (!prepared_) return true;
+    if (!attenuator_ || !link_.port_connected) return false;
+    const link::InOrder in_order(link_);
+    try {
+        return link_.ask(link::command::kAttenuator + link::format_number(*attenuator_, " 00")) ==
+               kDone;
+    } catch (const Interrupted&) {
+        return false;
+    }
+}
+
+}  // namespace m47::peak

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <cstdlib>
+
+#include "peak_run.h"
+
+namespace m47::peak {
+namespace {
+
+constexpr Bilingual kEast{"%1° east", "%1° est"};
+constexpr Bilingual kWest{"%1° west", "%1° ovest"};
+constexpr Bilingual kFound{"The peak is found: %1 of the start, %2 dB better than there.",
+                           "Massimo trovato: %1 dall'inizio, %2 dB meglio di lì."};
+constexpr Bilingual kFoundAtStart{"The dish stood on the peak already: %1 dB better than before.",
+                                  "L'antenna era già sul massimo: %1 dB meglio di prima."};
+constexpr Bilingual kNothingBetter{
+    "Nothing better was found within the span: the dish is back at its start.",
+    "Nell'arco non si è trovato niente di meglio: l'antenna è di nuovo all'inizio."};
+constexpr Bilingual kNothingMoved{"Stopped before anything moved.",
+                                  "Fermato prima di ogni movimento."};
+constexpr Bilingual kStopped{"Stopped: the motor was told to stop, and the dish stays where it is.",
+                             "Fermato: il motore ha ricevuto lo stop e l'antenna resta dov'è."};
+constexpr Bilingual kNoLevel{"The meter gave no sure level: nothing was moved.",
+                             "Lo strumento non ha dato un livello sicuro: nulla si è mosso."};
+constexpr Bilingual kNoLevelBack{
+    "The meter gave no sure level any more: the dish is back at its start.",
+    "Lo strumento non ha più dato un livello sicuro: l'antenna è di nuovo all'inizio."};
+constexpr Bilingual kAstray{
+    "The meter did not surely take a drive: the motor was told to stop, and nobody knows how far "
+    "it "
+    "has turned.",
+    "Lo strumento non ha accettato con certezza un movimento: il motore ha ricevuto lo stop e non "
+    "si sa di quanto abbia girato."};
+constexpr Bilingual kNotTold{
+    "The link to the meter was lost and the motor could not be told to stop; its last drive, 1° at "
+    "most, ends by itself.",
+    "Il collegamento con lo strumento è caduto e lo stop non è arrivato al motore; il suo ultimo "
+    "movimento, 1° al massimo, finisce da solo."};
+constexpr Bilingual kNoStop{
+    "The meter did not take the stop of the motor; its last drive, 1° at most, ends by itself.",
+    "Lo strumento non ha accettato lo stop del motore; il suo ultimo movimento, 1° al massimo, "
+    "finisce da solo."};
+constexpr Bilingual kLost{"The link to the meter was lost before anything moved.",
+                          "Il collegamento con lo strumento è caduto prima di ogni movimento."};
+constexpr Bilingual kAttenuator{" The attenuator was not set back.",
+                                " L'attenuatore non è stato reimpostato."};
+
+QString one_decimal(double value) {
+    return QString::number(value, 'f', 1);
+}
+
+QString found_text(const PeakOutcome& outcome, const Texts& texts) {
+    const QString gain = one_decimal(outcome.gain().value_or(0));
+    if (outcome.search.shaft == 0) return texts.pick(kFoundAtStart).arg(gain);
+    return texts.pick(kFound).arg(place_text(outcome.search.shaft, texts), gain);
+}
+
+const Bilingual& words_of(const PeakOutcome& outcome) {
+    const bool moved = outcome.search.moved;
+    if (!outcome.linked) return moved ? kNotTold : kLost;
+    if (!outcome.motor_stopped) return kNoStop;
+    switch (outcome.search.end) {
+        case SearchEnd::astray:
+            return kAstray;
+        case SearchEnd::lost:
+            return moved ? kNoLevelBack : kNoLevel;
+        case SearchEnd::nothing_better:
+            return kNothingBetter;
+        default:
+            return moved ? kStopped : kNothingMoved;
+    }
+}
+
+}  // namespace
+
+QString place_text(int steps, const Texts& texts) {
+    const QString degrees = one_decimal(std::abs(steps) / 10.0);
+    if (steps == 0) return degrees + u'°';
+    return texts.pick(steps > 0 ? kEast : kWest).arg(degrees);
+}
+
+QString end_sentence(const PeakOutcome& outcome, const Texts& texts) {
+    const bool found = outcome.search.end == SearchEnd::found;
+    const bool good = found && outcome.linked && outcome.motor_stopped;
+    const QString sentence = good ? found_text(outcome, texts) : texts.pick(words_of(outcome));
+    return outcome.attenuator_back ? sentence : sentence + texts.pick(kAttenuator);
+}
+
+}  // namespace m47::peak
