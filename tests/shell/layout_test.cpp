@@ -279,7 +279,7 @@ class LayoutTest : public QObject, protected ProgramInFolder {
         return made;
     }
     QMap<QString, MakeDialog> dialogs() {
-        QMap<QString, MakeDialog> all = sample_dialogs(program_state());
+        QMap<QString, MakeDialog> all = sample_dialogs(program_state(), program().link());
         all["problem"] = [this](QWidget* parent) {
             ProblemCommand command(program_state(), program().connection(), program().database(),
                                    program().recording(), window());

@@ -6,6 +6,7 @@
 #include "compare_view.h"
 #include "import_dialog.h"
 #include "import_report.h"
+#include "peak_dialog.h"
 #include "report_dialog.h"
 #include "report_form.h"
 #include "restore_preview.h"
@@ -31,9 +32,20 @@ plans::ImportFile import_file() {
     return file;
 }
 
+/// The levels of a satellite that is 1.2 degrees east.
+void show_levels(peak::PeakDialog& dialog) {
+    for (int steps = -40; steps <= 40; steps += 10) {
+        const float away = static_cast<float>(steps - 12) / 22.4F;
+        for (const float jitter : {-0.2F, 0.1F})
+            dialog.show_reading({steps,
+                                 measurement::Quantity::level,
+                                 {.value = 58.3F - 6.0F * away * away + jitter}});
+    }
+}
+
 }  // namespace
 
-QMap<QString, MakeDialog> sample_dialogs(ProgramState& state) {
+QMap<QString, MakeDialog> sample_dialogs(ProgramState& state, link::Link& line) {
     const Texts& texts = state.texts;
     QMap<QString, MakeDialog> made;
     made["import"] = [&texts](QWidget* parent) {
@@ -81,6 +93,35 @@ QMap<QString, MakeDialog> sample_dialogs(ProgramState& state) {
         }
         return new olddb::ClashDialog(plan, texts, parent);
     };
+    const auto peak = [&state, &line](const std::function<void(peak::PeakDialog&)>& enter) {
+        return [&state, &line, enter](QWidget* parent) -> QDialog* {
+            auto* dialog = new peak::PeakDialog({.link = line, .texts = state.texts}, parent);
+            enter(*dialog);
+            return dialog;
+        };
+    };
+    made["peak"] = peak([](peak::PeakDialog&) {});
+    made["peak searched"] = peak([](peak::PeakDialog& dialog) {
+        show_levels(dialog);
+        dialog.show_running(true);
+    });
+    made["peak found"] = peak([](peak::PeakDialog& dialog) {
+        show_levels(dialog);
+        peak::PeakOutcome outcome;
+        outcome.search.end = peak::SearchEnd::found;
+        outcome.search.peak = outcome.search.shaft = 12;
+        outcome.search.start_db = 51.9;
+        outcome.search.peak_db = 58.3;
+        outcome.linked = outcome.motor_stopped = true;
+        dialog.show_end(outcome);
+    });
+    made["peak lost"] = peak([](peak::PeakDialog& dialog) {
+        show_levels(dialog);
+        peak::PeakOutcome outcome;
+        outcome.search.moved = true;
+        outcome.attenuator_back = false;
+        dialog.show_end(outcome);
+    });
     made["old database"] = [&texts](QWidget* parent) {
         return new olddb::ReportDialog("M47", QString("Line of the report\n").repeated(60), texts,
                                        parent);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What is being done at the meter, as the status line shows it, and what clicks do meanwhile.
+#include "peak_dialog.h"
 #include "screens_test.h"
 
 namespace m47::shell {
@@ -19,8 +20,8 @@ void ScreensTest::click_in_the_wait(const QWidget* control) {
     QMetaObject::invokeMethod(
         &window(),
         [this, control] {
-            QWindow* to = window().windowHandle();
-            const QPoint place = control->mapTo(&window(), control->rect().center());
+            QWindow* to = control->window()->windowHandle();
+            const QPoint place = control->mapTo(control->window(), control->rect().center());
             for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
                 const bool down = type == QEvent::MouseButtonPress;
                 QMouseEvent event(type, place, to->mapToGlobal(place), Qt::LeftButton,
@@ -174,6 +175,137 @@ void ScreensTest::the_large_level_opens_in_the_middle_of_an_exchange() {
     QCOMPARE(seen.first(), false);
     QCOMPARE(seen.at(1), true);
     QCOMPARE(screen->rules.page.measurements(), 1);
+}
+
+/// Presses "Find the peak…" and [Start…] on the line of a meter whose level is the same everywhere,
+/// answers the question, and leaves the dialog in the end. All that was sent.
+QStringList ScreensTest::find_the_peak(QMessageBox::StandardButton answer) {
+    BoxAnswers boxes;
+    boxes.answer([](QDialog* dialog) {
+        // From the event loop: a box that opens meanwhile is to be answered.
+        QMetaObject::invokeMethod(dialog->findChild<QPushButton*>("peak_start"), "click",
+                                  Qt::QueuedConnection);
+    });
+    boxes.press(answer);
+    boxes.answer([this](QDialog* dialog) {
+        peak_state_ = dialog->findChild<QLabel*>("peak_state")->text();
+        dialog->reject();
+    });
+    find<QPushButton>("cmdpeak")->click();
+    peak_boxes_ = boxes.take_seen();
+    return line_->take_commands();
+}
+
+void ScreensTest::nothing_moves_before_the_answer_is_yes() {
+    start_with_meter();
+    find<QAction>("cmdinglese")->trigger();
+    open_realtime();
+    line_->take_commands();
+    QCOMPARE(find_the_peak(QMessageBox::No), QStringList());
+    QCOMPARE(peak_boxes_.value(0), QString("peak_dialog"));
+    QVERIFY2(peak_boxes_.value(1).startsWith("question|Find the peak|Does nobody stand"),
+             qPrintable(peak_boxes_.join('\n')));
+}
+
+void ScreensTest::the_peak_is_searched_and_all_is_as_before() {
+    start_with_meter();
+    find<QAction>("cmdinglese")->trigger();
+    open_realtime();
+    line_->take_commands();
+    const QStringList sent = find_the_peak(QMessageBox::Yes);
+    QCOMPARE(sent.mid(0, 7), (QStringList{"ATTEN?", "MEASURE", "FREQ 1000.0", "ATTEN 6", "LEVANL?",
+                                          "LEVANL?", "DISEQCMOT 09 04 01"}));
+    QCOMPARE(sent.mid(sent.size() - 2), (QStringList{"DISEQCMOT 00", "ATTEN 06"}));
+    QCOMPARE(peak_state_, QString("Nothing better was found within the span: the dish is back at "
+                                  "its start."));
+    QVERIFY(!program().link().activity.working());
+}
+
+void ScreensTest::the_turning_dish_is_stopped_at_once_data() {
+    QTest::addColumn<QString>("by");
+    for (const char* by : {"Stop", "Esc", "dialog", "window"}) QTest::newRow(by) << by;
+}
+
+/// By its key, by Esc, and by whoever closes the dialog or the program's window.
+void ScreensTest::the_turning_dish_is_stopped_at_once() {
+    QFETCH(QString, by);
+    MeterInProcess& meter = start_with_meter();
+    find<QAction>("cmdinglese")->trigger();
+    open_realtime();
+    line_->take_commands();
+    bool told = false;
+    meter.on_command = [&](const QByteArray& command, const QString&) {
+        if (told || command != "DISEQCMOT 09 10 01") return;
+        told = true;
+        auto* dialog = find<QDialog>("peak_dialog");
+        if (by == "Stop")
+            click_in_the_wait(dialog->findChild<QPushButton*>("peak_stop"));
+        else if (by == "Esc")
+            QMetaObject::invokeMethod(
+                dialog, [dialog] { QTest::keyClick(dialog->windowHandle(), Qt::Key_Escape); },
+                Qt::QueuedConnection);
+        else
+            QMetaObject::invokeMethod(
+                this,
+                [this, by, dialog] {
+                    by == "dialog" ? static_cast<QWidget*>(dialog)->close() : window().close();
+                },
+                Qt::QueuedConnection);
+    };
+    const QStringList sent = find_the_peak(QMessageBox::Yes);
+    QVERIFY(told);
+    QCOMPARE(sent.mid(sent.size() - 3),
+             (QStringList{"DISEQCMOT 09 10 01", "DISEQCMOT 00", "ATTEN 06"}));
+    if (by == "Stop" || by == "Esc")
+        QCOMPARE(peak_state_, QString("Stopped: the motor was told to stop, and the dish stays "
+                                      "where it is."));
+    QTRY_COMPARE(window().isVisible(), by != "window");
+}
+
+void ScreensTest::a_position_is_stored_only_when_the_user_says_so() {
+    start_with_meter();
+    find<QAction>("cmdinglese")->trigger();
+    realtime::Realtime* screen = open_realtime();
+    line_->take_commands();
+    for (const auto answer : {QMessageBox::No, QMessageBox::Yes}) {
+        BoxAnswers boxes;
+        boxes.answer([](QDialog* dialog) {
+            peak::PeakOutcome outcome;
+            outcome.search.end = peak::SearchEnd::found;
+            outcome.linked = outcome.motor_stopped = true;
+            static_cast<peak::PeakDialog*>(dialog)->show_end(outcome);
+            auto* number = dialog->findChild<QComboBox*>("peak_number");
+            number->setCurrentIndex(number->findText("07"));
+            QMetaObject::invokeMethod(dialog->findChild<QPushButton*>("peak_store"), "click",
+                                      Qt::QueuedConnection);
+        });
+        boxes.press(answer);
+        boxes.answer([this](QDialog* dialog) {
+            peak_state_ = dialog->findChild<QLabel*>("peak_state")->text();
+            dialog->reject();
+        });
+        find<QPushButton>("cmdpeak")->click();
+        const bool stored = answer == QMessageBox::Yes;
+        QCOMPARE(line_->take_commands(), stored ? QStringList{"DISEQCMOT 0607"} : QStringList());
+        if (stored) QCOMPARE(peak_state_, QString("Stored as position 07."));
+    }
+    QCOMPARE(find<QLineEdit>("storesat", screen)->text(), QString("07"));
+}
+
+void ScreensTest::no_dish_is_turned_without_a_meter_or_in_a_run() {
+    find<QAction>("cmdinglese")->trigger();
+    open_realtime();
+    find<QPushButton>("cmdpeak")->click();
+    QVERIFY(find<QLabel>("corrected_notice")->text().startsWith("The meter is not connected"));
+    start_with_meter();
+    find<QAction>("cmdinglese")->trigger();
+    realtime::Realtime* screen = open_realtime();
+    find<QAction>("start", screen)->trigger();
+    find<QPushButton>("cmdstart", screen)->click();
+    line_->take_commands();
+    find<QPushButton>("cmdpeak")->click();
+    QVERIFY(find<QLabel>("corrected_notice")->text().startsWith("A run is measuring"));
+    QCOMPARE(line_->take_commands(), QStringList());
 }
 
 }  // namespace m47::shell

@@ -61,10 +61,13 @@ class ScreensTest : public QObject, protected ProgramInFolder {
     QByteArray sight();
     bool seen_of(const std::function<void()>& press);
     QStringList silent_keys();
+    QStringList find_the_peak(QMessageBox::StandardButton answer);
 
     std::unique_ptr<MeterInProcess> meter_;
     FakePort* line_ = nullptr;
     BoxAnswers* pressed_boxes_ = nullptr;
+    QString peak_state_;      ///< what the dialog of the peak said in the end
+    QStringList peak_boxes_;  ///< the boxes around it
 
   private Q_SLOTS:
     void init();
@@ -184,6 +187,17 @@ class ScreensTest : public QObject, protected ProgramInFolder {
     void stop_ends_a_timed_run_with_the_measurement_in_it();
 
     void the_large_level_opens_in_the_middle_of_an_exchange();
+
+    void nothing_moves_before_the_answer_is_yes();
+
+    void the_peak_is_searched_and_all_is_as_before();
+
+    void the_turning_dish_is_stopped_at_once_data();
+    void the_turning_dish_is_stopped_at_once();
+
+    void a_position_is_stored_only_when_the_user_says_so();
+
+    void no_dish_is_turned_without_a_meter_or_in_a_run();
 
     void the_start_page_connects_the_meter_by_its_device();
 

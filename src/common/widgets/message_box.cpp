@@ -15,16 +15,22 @@ QMessageBox::StandardButton show_message_box(QWidget* parent, QMessageBox::Icon 
     return static_cast<QMessageBox::StandardButton>(box.exec());
 }
 
-bool ask_to_erase(QWidget* parent, const QString& title, const QString& text,
-                  const QString& what_goes) {
+bool ask_first(QWidget* parent, const QString& title, const QString& text,
+               const QString& consequence) {
     QMessageBox box(QMessageBox::Question, title, QString(), QMessageBox::Yes | QMessageBox::No,
                     parent);
     box.setTextFormat(Qt::PlainText);
     box.setText(text);
     // This text has no format of its own: a name in it must not become mark-up.
-    box.setInformativeText(Qt::mightBeRichText(what_goes) ? what_goes.toHtmlEscaped() : what_goes);
+    box.setInformativeText(Qt::mightBeRichText(consequence) ? consequence.toHtmlEscaped()
+                                                            : consequence);
     box.setDefaultButton(QMessageBox::No);
     return box.exec() == QMessageBox::Yes;
+}
+
+bool ask_to_erase(QWidget* parent, const QString& title, const QString& text,
+                  const QString& what_goes) {
+    return ask_first(parent, title, text, what_goes);
 }
 
 }  // namespace m47

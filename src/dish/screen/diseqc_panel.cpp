@@ -18,6 +18,9 @@ namespace {
 
 constexpr Bilingual kSteps{"steps", "passi"};
 constexpr Bilingual kSeconds{"s", "s"};
+constexpr Bilingual kFindPeak{"&Find the peak…", "&Trova il massimo…"};
+constexpr Bilingual kPeakTip{"Turn the dish to the peak of the nearest satellite",
+                             "Gira l'antenna sul massimo del satellite più vicino"};
 
 /// Tells when a text box is clicked, or Space is pressed in it where there is no mouse.
 class BoxClickFilter : public QObject {
@@ -73,6 +76,7 @@ DiseqcPanel::DiseqcPanel(QWidget* parent)
     size_controls();
     for (const QRadioButton* option : {ui_->dsqopt_0, ui_->dsqopt_1})
         connect(option, &QRadioButton::clicked, this, &DiseqcPanel::dsqopt_Click);
+    connect(ui_->cmdpeak, &QPushButton::clicked, this, &DiseqcPanel::peak_asked);
 }
 
 DiseqcPanel::~DiseqcPanel() = default;
@@ -142,6 +146,8 @@ void DiseqcPanel::add_diseqc_command() {
 void DiseqcPanel::set_captions(const Texts& texts) {
     for (QLabel* steps : {ui_->Label1, ui_->Label3}) steps->setText(texts.pick(kSteps));
     for (QLabel* seconds : {ui_->Label2, ui_->Label4}) seconds->setText(texts.pick(kSeconds));
+    ui_->cmdpeak->setText(texts.pick(kFindPeak));
+    ui_->cmdpeak->setToolTip(texts.pick(kPeakTip));
 }
 
 void DiseqcPanel::show_layout(const DiseqcLayout& layout) {

@@ -38,7 +38,7 @@ class DiseqcPanel : public QGroupBox {
     /// Fills `diseqc_cmd`; none of its entries is chosen.
     void add_diseqc_command();
 
-    /// The labels that stand behind the boxes, in the language in use.
+    /// The labels that stand behind the boxes and the key of the peak, in the language in use.
     void set_captions(const Texts& texts);
 
     /// Shows the sub-frames of `layout` and takes its size, or more where the font needs it.
@@ -56,6 +56,8 @@ class DiseqcPanel : public QGroupBox {
 
   Q_SIGNALS:
     void dsqopt_Click();
+    /// The key "Find the peak…" was clicked.
+    void peak_asked();
 
   protected:
     void changeEvent(QEvent* event) override;

@@ -6,10 +6,10 @@
 namespace m47::peak {
 namespace {
 
-constexpr Bilingual kEast{"%1° east", "%1° est"};
-constexpr Bilingual kWest{"%1° west", "%1° ovest"};
+constexpr Bilingual kEast{"%1° east", "%1° a est"};
+constexpr Bilingual kWest{"%1° west", "%1° a ovest"};
 constexpr Bilingual kFound{"The peak is found: %1 of the start, %2 dB better than there.",
-                           "Massimo trovato: %1 dall'inizio, %2 dB meglio di lì."};
+                           "Massimo trovato: %1 dell'inizio, %2 dB meglio di lì."};
 constexpr Bilingual kFoundAtStart{"The dish stood on the peak already: %1 dB better than before.",
                                   "L'antenna era già sul massimo: %1 dB meglio di prima."};
 constexpr Bilingual kNothingBetter{

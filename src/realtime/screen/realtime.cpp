@@ -18,8 +18,10 @@
 #include "icons.h"
 #include "key_filter.h"
 #include "measures.h"
+#include "numbers.h"
 #include "panel_binding.h"
 #include "panel_limits.h"
+#include "peak_dialog.h"
 #include "realtime_layout.h"
 #include "realtime_tooltips.h"
 #include "report_file.h"
@@ -53,6 +55,8 @@ constexpr Bilingual kReportNotSaved{"The report was not saved as '%1': %2",
                                     "Il rapporto non è stato salvato come '%1': %2"};
 constexpr Bilingual kRunGoesOn{"A run is measuring: stop it first",
                                "Un ciclo sta misurando: prima fermarlo"};
+constexpr Bilingual kNoMeterForPeak{"The meter is not connected: the dish cannot be turned.",
+                                    "Lo strumento non è collegato: l'antenna non si può girare."};
 
 constexpr Bilingual kNothingRuns{
     "There is nothing to stop: neither a pass nor a timed acquisition runs.",
@@ -199,6 +203,7 @@ void Realtime::connect_diseqc() {
     ui_->diseqc->connect_to(
         rules.diseqc,
         [this](const char* name, const std::function<void()>& body) { handle(name, body); });
+    when(ui_->diseqc, &dish::DiseqcPanel::peak_asked, "cmdpeak_Click", [this] { cmdpeak_Click(); });
     new dish::DiseqcFolding(ui_->sat_opt, ui_->diseqc);
     QWidget* previous = ui_->k22_state;
     for (QWidget* control : ui_->diseqc->findChildren<QWidget*>()) {
@@ -301,6 +306,27 @@ void Realtime::connect_timers() {
     drive(timer3_, "Timer3_Timer", &acquisition::Acquisition::Timer3_Timer);
     when(ui_->cmdstart, &QPushButton::clicked, "cmdstart_Click",
          [this] { acquisition.cmdstart_Click(); });
+}
+
+void Realtime::cmdpeak_Click() {
+    if (!rules.link.port_connected) return program_.costs.tell_each(kNoMeterForPeak);
+    if (acquisition.running() || acquisition.passing() || rules.state.plan_run_active)
+        return program_.costs.tell_each(kRunGoesOn);
+    const QString frequency = rules.tuning.checked_frequency(rules.panel.fsat);
+    peak::PeakDialog dialog({.link = rules.link,
+                             .texts = program_.texts,
+                             .tuning = {link::command::kFrequency + u' ' + frequency},
+                             .number = static_cast<int>(link::typed_value(rules.panel.storesat)),
+                             .store = [this](int number) { return store_position(number); }},
+                            this);
+    dialog.exec();
+}
+
+/// As its line in the panel does it, whose box shows the number afterwards.
+bool Realtime::store_position(int number) {
+    rules.panel.storesat = link::format_number(number, "00");
+    rules.diseqc.dsqmtr_Click(dish::kStorePosition);
+    return rules.link.port_connected && rules.link.last_answer() == QStringLiteral("OK");
 }
 
 acquisition::PassNews Realtime::pass_news() {

@@ -85,6 +85,8 @@ class Realtime : public Screen {
     void show_log_name();
     void show_log_state(const QString& reason);
     void connect_level_view();
+    void cmdpeak_Click();
+    bool store_position(int number);
     void show_row_as_level(int row);
     void repeat_level(bool on);
     void point_once();
