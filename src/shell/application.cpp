@@ -29,6 +29,7 @@
 #include "standard_streams.h"
 #include "system_time.h"
 #include "unattended.h"
+#include "unattended_peak.h"
 #include "unattended_sweep.h"
 #include "window_end.h"
 #include "work_folder.h"
@@ -127,11 +128,13 @@ int meter_unattended(ProgramState& state, db::Database* database, link::PortList
     return report_problem(state, connection, options, status);
 }
 
-int sweep_unattended(ProgramState& state, link::PortList ports, const Options& options) {
+/// What needs the meter and neither database nor window.
+int meter_alone(ProgramState& state, link::PortList ports, const Options& options) {
     NoView view;
     MeterConnection connection(state, std::move(ports),
                                std::make_unique<link::RealClock>(platform::local_time_of_day),
                                std::make_unique<link::RealPort>(), view, view);
+    if (options.peak_span) return run_peak(state.texts, connection, options);
     return run_sweep(state.texts, connection, options);
 }
 
@@ -227,8 +230,8 @@ int run_with_options(int argc, char** argv, const Options& options) {
     // Even where no database can be opened.
     if (!options.problem_report.isEmpty() && !options.measure)
         return meter_unattended(state, nullptr, ports_of(options), options);
-    // Nothing of a sweep is kept in the database.
-    if (options.sweep) return sweep_unattended(state, ports_of(options), options);
+    // Nothing of them is kept in the database.
+    if (options.sweep || options.peak_span) return meter_alone(state, ports_of(options), options);
     if (auto database = find_database(state, options))
         return run_on_database(state, std::move(database), options);
     return platform::times_told_to_end() > 0 ? platform::end_signal_status() : kDatabase;

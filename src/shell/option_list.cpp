@@ -88,6 +88,19 @@ OptionList sweep_options() {
     };
 }
 
+/// How a dish on a motor is peaked without a window.
+OptionList peak_options() {
+    return {
+        {"peak",
+         "Turn the dish to the peak of the satellite nearest to where it looks, at most SPAN "
+         "degrees (1 to 20) to either side, without a window, and print each reading, "
+         "TAB-separated under a line of names; needs --freq. The motor is stopped and the meter "
+         "set back however it ends; nothing is stored in the motor.",
+         "SPAN"},
+        {"move-the-dish", "With --peak: nobody stands at the dish, which may turn."},
+    };
+}
+
 /// How a plan is measured without a window.
 OptionList pass_options() {
     return {
@@ -140,8 +153,9 @@ OptionList exchange_options() {
 void add_options(QCommandLineParser& parser) {
     parser.setApplicationDescription(
         QStringLiteral("Remote control for the M47 TV signal level meter."));
-    for (const OptionList& subject : {start_options(), measurement_options(), pass_options(),
-                                      output_options(), sweep_options(), exchange_options()})
+    for (const OptionList& subject :
+         {start_options(), measurement_options(), pass_options(), output_options(), sweep_options(),
+          peak_options(), exchange_options()})
         parser.addOptions(subject);
 }
 

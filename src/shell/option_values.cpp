@@ -8,6 +8,7 @@
 #include "antenna_options.h"
 #include "database.h"
 #include "option_words.h"
+#include "peak_options.h"
 #include "plan_name.h"
 #include "port_list.h"
 #include "screen_table.h"
@@ -248,6 +249,7 @@ QString read_values(const QCommandLineParser& parser, Options& options) {
     if (error.isEmpty()) error = read_antenna_options(parser, options.antenna);
     if (error.isEmpty()) error = read_ranged_options(parser, options);
     if (error.isEmpty()) error = read_sweep_span(parser, options);
+    if (error.isEmpty()) error = read_peak_span(parser, options);
     if (error.isEmpty()) error = read_format(parser, options);
     if (error.isEmpty()) error = read_plan_files(parser, options);
     if (error.isEmpty()) error = read_alarms(parser, options.alarms);

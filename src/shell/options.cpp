@@ -5,6 +5,7 @@
 
 #include "option_list.h"
 #include "option_values.h"
+#include "peak_options.h"
 #include "texts.h"
 
 namespace m47::shell {
@@ -60,6 +61,8 @@ QString check_sweep(const QCommandLineParser& parser, const Options& options) {
 }
 
 QString check_combination(const QCommandLineParser& parser, const Options& options) {
+    if (options.peak_span) return check_peak(parser, options);
+    if (options.move_the_dish) return QStringLiteral("--move-the-dish goes with --peak only");
     if (options.sweep) return check_sweep(parser, options);
     for (const char* option : {"carriers", "scan-table"})
         if (parser.isSet(QString::fromLatin1(option)))
@@ -67,10 +70,12 @@ QString check_combination(const QCommandLineParser& parser, const Options& optio
     if (options.measure) return check_measurement(parser, options);
     QString name = first_set(parser, {"oscillator", "lnb", "tone"});
     if (!name.isEmpty())
-        return QStringLiteral("--%1 goes with --measure or --sweep only").arg(name);
-    name = first_set(parser, {"analog", "digital", "freq", "bandwidth", "symbol-rate", "alarm",
-                              "confirm", "count", "log", "format", "screenshot", "plan", "passes",
-                              "every", "full-tune", "reconnect", "diseqc"});
+        return QStringLiteral("--%1 goes with --measure, --sweep or --peak only").arg(name);
+    if (parser.isSet(QStringLiteral("freq")))
+        return QStringLiteral("--freq goes with --measure or --peak only");
+    name = first_set(parser, {"analog", "digital", "bandwidth", "symbol-rate", "alarm", "confirm",
+                              "count", "log", "format", "screenshot", "plan", "passes", "every",
+                              "full-tune", "reconnect", "diseqc"});
     if (!name.isEmpty()) return QStringLiteral("--%1 goes with --measure only").arg(name);
     return {};
 }
@@ -90,8 +95,8 @@ QString check_database_work(const QCommandLineParser& parser) {
     if (parser.isSet(QStringLiteral("overwrite")) && work != QLatin1String("export-plan"))
         return QStringLiteral("--overwrite goes with --export-plan only");
     if (work.isEmpty()) return {};
-    for (const char* other : {"measure", "sweep", "open", "on-port", "port", "corrected", "trace",
-                              "replay", "problem-report", "export-plan", "import-plan"})
+    for (const char* other : {"measure", "sweep", "peak", "open", "on-port", "port", "corrected",
+                              "trace", "replay", "problem-report", "export-plan", "import-plan"})
         if (work != QLatin1String(other) && parser.isSet(QString::fromLatin1(other)))
             return QStringLiteral("--%1 does not go with --%2").arg(work, QLatin1String(other));
     return {};
@@ -124,6 +129,7 @@ void read_choices(const QCommandLineParser& parser, Options& options) {
     options.confirm = parser.isSet(QStringLiteral("confirm"));
     options.full_tune = parser.isSet(QStringLiteral("full-tune"));
     options.reconnect = parser.isSet(QStringLiteral("reconnect"));
+    options.move_the_dish = parser.isSet(QStringLiteral("move-the-dish"));
     options.carriers = parser.isSet(QStringLiteral("carriers"));
     options.scan_table = parser.value(QStringLiteral("scan-table"));
     options.log = parser.value(QStringLiteral("log"));

@@ -85,13 +85,17 @@ struct Options {
     bool carriers = false;  ///< of the sweep the carriers alone
     QString scan_table;     ///< that names them, empty for none
 
+    /// Bring the dish to its peak, so many steps of the motor to either side; nothing: no search.
+    std::optional<int> peak_span;
+    bool move_the_dish = false;  ///< nobody stands at it
+
     QString import_database;  ///< a file of the old engine to import, empty for none
     PlanFileOption export_plan;
     PlanFileOption import_plan;
 
     /// Nothing is shown and nobody is asked.
     bool unattended() const {
-        return measure || sweep || !import_database.isEmpty() || export_plan.asked() ||
+        return measure || sweep || peak_span || !import_database.isEmpty() || export_plan.asked() ||
                import_plan.asked() || !problem_report.isEmpty();
     }
 };

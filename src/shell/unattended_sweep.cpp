@@ -10,6 +10,7 @@
 #include "meter_levels.h"
 #include "row_output.h"
 #include "say_on_stderr.h"
+#include "set_back.h"
 #include "standard_streams.h"
 #include "sweep.h"
 #include "sweep_table.h"
@@ -37,10 +38,7 @@ struct SweepRun {
 
 band::SweepTerms terms_of(const AntennaOptions& antenna) {
     band::SweepTerms terms;
-    if (antenna.supply)
-        terms.feed.volts = band::kSupplyVolts[static_cast<std::size_t>(*antenna.supply)];
-    // The list of the tone begins with "on".
-    if (antenna.tone) terms.feed.tone = *antenna.tone == 0;
+    terms.feed = feed_of(antenna);
     if (antenna.oscillator) terms.oscillator = *antenna.oscillator;
     return terms;
 }
@@ -102,17 +100,9 @@ void ask_levels(SweepRun& run) {
 
 /// One sentence about how the meter is left, where it is not as it was or nobody can know.
 void set_back(SweepRun& run) {
-    const bool lost = run.levels.lost();
-    const std::vector<Bilingual> left = run.levels.set_back();
-    run.not_set_back = !left.empty();
-    const QString names = band::names_in(left, run.texts);
-    if (lost || run.levels.lost())
-        say_of_run(QStringLiteral("the link to the meter was lost, so these were not set back: %1")
-                       .arg(names));
-    else if (run.not_set_back)
-        say_of_run(QStringLiteral("the meter did not tell or take how it was set before, so "
-                                  "these were not set back: %1")
-                       .arg(names));
+    const QString left = set_meter_back(run.levels, run.texts);
+    run.not_set_back = !left.isEmpty();
+    if (run.not_set_back) say_of_run(left);
 }
 
 int status_of(SweepRun& run) {

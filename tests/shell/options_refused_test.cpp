@@ -102,7 +102,24 @@ void OptionsTest::wrong_data() {
     row("names without an oscillator",
         {"--on-port", "1", "--sweep", "920:2150", "--carriers", "--scan-table", "x"},
         "--scan-table needs --oscillator");
-    row("supply of nothing", {"--lnb", "13"}, "--lnb goes with --measure or --sweep");
+    for (const char* span : {"", "0", "0.9", "20.1", "21", "-5", "5°", "1e1", "five", "100"})
+        row(span, {"--on-port", "1", "--freq", "1000", "--move-the-dish", "--peak", span},
+            "--peak takes a SPAN from 1 to 20 degrees");
+    row("peak without port", {"--freq", "1000", "--move-the-dish", "--peak", "5"}, "--on-port");
+    row("peak without a frequency", {"--on-port", "1", "--move-the-dish", "--peak", "5"},
+        "--peak needs --freq");
+    row("peak with somebody at the dish", {"--on-port", "1", "--freq", "1000", "--peak", "5"},
+        "--move-the-dish says that nobody stands there");
+    row("dish of no peak", measuring({"--move-the-dish"}), "--move-the-dish goes with --peak only");
+    for (const char* option :
+         {"--measure", "--sweep", "--plan", "--diseqc", "--open", "--log", "--symbol-rate"}) {
+        QStringList all{"--on-port",       "1",      "--freq", "1000",
+                        "--move-the-dish", "--peak", "5",      option};
+        if (option != QLatin1String("--measure"))
+            all += option == QLatin1String("--sweep") ? "920:2150" : "2000";
+        row((QByteArray("peak and ") + option).constData(), all, option);
+    }
+    row("supply of nothing", {"--lnb", "13"}, "--lnb goes with --measure, --sweep or --peak");
     row("bandwidth of an analog row", measuring({"--analog", "--bandwidth", "27"}), "--bandwidth");
     row("rate of an analog row", measuring({"--analog", "--symbol-rate", "22000"}),
         "--symbol-rate");
@@ -253,7 +270,7 @@ void OptionsTest::wrong_antenna_options() {
     QCOMPARE(told({"--plan", "A", "--tone", "on"}), QString("--tone does not go with --plan"));
     QCOMPARE(told({"--plan", "A", "--diseqc", "1"}), QString("--diseqc does not go with --plan"));
     QCOMPARE(parse_options({"--lnb", "13"}).error,
-             QString("--lnb goes with --measure or --sweep only"));
+             QString("--lnb goes with --measure, --sweep or --peak only"));
 }
 
 void OptionsTest::no_file_of_an_option_is_written_over() {

@@ -49,6 +49,17 @@ void OptionsTest::sweeps() {
     QCOMPARE(c_band.scan_table, QString("table"));
 }
 
+void OptionsTest::peaks() {
+    const Options peak =
+        parse_options({"--on-port", "1", "--freq", "11590", "--oscillator", "10600", "--lnb", "18",
+                       "--tone", "on", "--peak", "2.5", "--move-the-dish", "--trace", "t"});
+    QCOMPARE(peak.error, QString());
+    QVERIFY(peak.unattended() && peak.move_the_dish && !peak.sweep);
+    QCOMPARE(peak.peak_span.value(), 25);
+    QCOMPARE(peak.frequency, QString("11590"));
+    QVERIFY(!parse_options({"--on-port", "1"}).peak_span);
+}
+
 void OptionsTest::window_options() {
     const Options options =
         parse_options({"--directory", "some where", "--create-database", "--on-port", "10",

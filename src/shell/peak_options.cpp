@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "peak_options.h"
+
+#include <QRegularExpression>
+#include <cmath>
+
+#include "option_words.h"
+
+namespace m47::shell {
+namespace {
+
+constexpr double kLeastDegrees = 1;
+constexpr double kMostDegrees = 20;
+constexpr double kStepsOfDegree = 10;
+
+}  // namespace
+
+QString read_peak_span(const QCommandLineParser& parser, Options& options) {
+    const QString name = QStringLiteral("peak");
+    if (!parser.isSet(name)) return {};
+    static const QRegularExpression kForm(QStringLiteral("^\\d{1,2}(\\.\\d)?$"));
+    const QString given = parser.value(name);
+    const double degrees = given.toDouble();
+    if (!kForm.match(given).hasMatch() || degrees < kLeastDegrees || degrees > kMostDegrees)
+        return refused(QStringLiteral("--peak takes a SPAN from %1 to %2 degrees")
+                           .arg(kLeastDegrees)
+                           .arg(kMostDegrees),
+                       given);
+    options.peak_span = static_cast<int>(std::lround(degrees * kStepsOfDegree));
+    return {};
+}
+
+QString check_peak(const QCommandLineParser& parser, const Options& options) {
+    if (options.on_port == 0) return QStringLiteral("--peak needs --on-port");
+    if (options.frequency.isEmpty()) return QStringLiteral("--peak needs --freq");
+    for (const char* other :
+         {"measure",       "sweep",   "carriers", "scan-table", "open",      "create-database",
+          "corrected",     "analog",  "digital",  "diseqc",     "bandwidth", "symbol-rate",
+          "alarm",         "confirm", "count",    "log",        "format",    "screenshot",
+          "plan",          "passes",  "every",    "full-tune",  "reconnect", "replay",
+          "problem-report"})
+        if (parser.isSet(QLatin1String(other)))
+            return QStringLiteral("--%1 does not go with --peak").arg(QLatin1String(other));
+    if (!options.move_the_dish)
+        return QStringLiteral(
+            "--peak turns the dish: --move-the-dish says that nobody stands there");
+    return {};
+}
+
+}  // namespace m47::shell
