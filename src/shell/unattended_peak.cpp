@@ -75,11 +75,12 @@ void search_until_told(PeakedRun& run) {
 void tell_end(PeakedRun& run) {
     const QString left = set_meter_back(run.levels, run.texts);
     run.not_set_back = !left.isEmpty();
-    QStringList sentences;
-    if (run.outcome.search.end != peak::SearchEnd::found || !run.outcome.linked)
-        sentences += peak::end_sentence(run.outcome, run.texts);
-    if (run.not_set_back) sentences += left;
-    if (!sentences.isEmpty()) say_of_run(sentences.join(u' '));
+    const bool good = run.outcome.search.end == peak::SearchEnd::found && run.outcome.linked &&
+                      run.outcome.motor_stopped;
+    QString said = good ? QString() : peak::end_sentence(run.outcome, run.texts);
+    if (!said.isEmpty() && run.not_set_back) said.replace(said.size() - 1, 1, QStringLiteral("; "));
+    said += left;
+    if (!said.isEmpty()) say_of_run(said);
 }
 
 int status_of(const PeakedRun& run) {

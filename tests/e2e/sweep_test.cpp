@@ -8,7 +8,7 @@
 
 namespace m47 {
 
-/// The band swept with nobody at the screen, over a real line.
+/// The band swept, and a dish brought to its peak, with nobody at the screen, over a real line.
 class SweepTest : public QObject {
     Q_OBJECT
 
@@ -22,9 +22,14 @@ class SweepTest : public QObject {
     void a_table_that_cannot_be_read();
     void under_each_fault_data();
     void under_each_fault();
+    void a_peak_byte_by_byte();
+    void a_turning_dish_is_told_to_stop();
+    void a_dish_under_a_fault_data();
+    void a_dish_under_a_fault();
 
   private:
     std::map<QString, TestStand> stands_;
+    std::map<QString, TestStand> dishes_;
 };
 
 namespace {
@@ -36,6 +41,17 @@ const QByteArray kHeader = "if_mhz\tsky_mhz\tlevel\tlevel_mark\tunit\tlnb\ttone\
 QStringList sweeping(const TestStand& stand, const QStringList& options) {
     return QStringList{"--port", "1=" + stand.meter.link(), "--on-port", "1"} + options;
 }
+
+QStringList peaking(const TestStand& stand) {
+    return sweeping(stand, {"--peak", "1", "--move-the-dish", "--freq", "11590", "--oscillator",
+                            "10600", "--lnb", "18"});
+}
+
+const QStringList kPeakPrepared{"LNB?",    "LNVOLT?", "MEASURE", "LOCOSC 00", "LNVOLT 18",
+                                "LNB 01",  "ATTEN 6", "ATTEN?",  "MEASURE",   "FREQ 0990.0",
+                                "ATTEN 6", "LEVANL?", "LEVANL?"};
+const QStringList kPeakSetBack{"DISEQCMOT 00", "ATTEN 06",  "LOCOSC 00", "FREQ 1000.0",
+                               "ATTEN 06",     "LNVOLT 13", "LNB 00"};
 
 /// What the meter answered to each "LEVANL?", as a number.
 QByteArrayList levels_of(const TestStand& stand) {
@@ -62,10 +78,19 @@ void SweepTest::initTestCase() {
                 .first->second;
         stand.remote.start(sweeping(stand, {"--sweep", "990:1000:5", "--lnb", "18"}));
     }
+    for (const char* fault : {"error", "silence", "noecho", "unplug", "partial", "noise"}) {
+        TestStand& stand =
+            dishes_
+                .try_emplace(fault, QStringList{"--fault-on", "DISEQCMOT 08", "--fault", fault,
+                                                "--baud-factor", "1"})
+                .first->second;
+        stand.remote.start(peaking(stand));
+    }
 }
 
 void SweepTest::cleanupTestCase() {
     stands_.clear();
+    dishes_.clear();
 }
 
 void SweepTest::every_byte_on_the_wire() {
@@ -189,6 +214,74 @@ void SweepTest::under_each_fault() {
     QVERIFY(rows[2][2].isEmpty() && rows[3][2].isEmpty());
     QCOMPARE(stand.meter.commands().mid(stand.meter.commands().size() - 5),
              QStringList({"LOCOSC 00", "FREQ 1000.0", "ATTEN 06", "LNVOLT 13", "LNB 00"}));
+}
+
+/// The level is the same wherever the dish looks: it ends where it began.
+void SweepTest::a_peak_byte_by_byte() {
+    TestStand stand;
+    const Ending ending = stand.remote.run(peaking(stand));
+    QCOMPARE(ending.err, QByteArray("m47-remote: Nothing better was found within the span: the "
+                                    "dish is back at its start.\n"));
+    QCOMPARE(ending.status, 7);
+    const QStringList turned{"DISEQCMOT 09 04 01",
+                             "DISEQCMOT 08 04 01",
+                             "LEVANL?",
+                             "DISEQCMOT 08 10 01",
+                             "LEVANL?",
+                             "DISEQCMOT 09 10 01",
+                             "DISEQCMOT 09 04 01",
+                             "DISEQCMOT 08 04 01"};
+    QCOMPARE(stand.meter.commands(),
+             kIdentification + kNoted + kPeakPrepared + turned + kPeakSetBack);
+    const QByteArrayList answered = levels_of(stand);
+    QByteArray rows = "steps\tdegrees\tquantity\tvalue\tvalue_mark\tunit\n";
+    const QByteArrayList places{"0\t0.0", "0\t0.0", "0\t0.0", "10\t1.0"};
+    QCOMPARE(answered.size(), places.size());
+    for (qsizetype k = 0; k < places.size(); ++k)
+        rows += places[k] + "\tlevel\t" + QByteArray::number(answered[k].toDouble(), 'f', 1) +
+                "\t\tdBuV\n";
+    QCOMPARE(ending.out, rows);
+}
+
+/// Not only when the drive has ended; and the meter is as it was before.
+void SweepTest::a_turning_dish_is_told_to_stop() {
+    TestStand stand;
+    stand.remote.start(peaking(stand));
+    QVERIFY(stand.meter.wait_for_command("DISEQCMOT 08 10 01"));
+    stand.remote.send_signal(SIGTERM);
+    const Ending ending = stand.remote.wait();
+    QCOMPARE(ending.status, 7);
+    QCOMPARE(ending.err, QByteArray("m47-remote: Stopped: the motor was told to stop, and the dish "
+                                    "stays where it is.\n"));
+    const QStringList sent = stand.meter.commands();
+    QCOMPARE(sent.mid(sent.size() - 8), QStringList{"DISEQCMOT 08 10 01"} + kPeakSetBack);
+}
+
+void SweepTest::a_dish_under_a_fault_data() {
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QByteArray>("said");
+    const QByteArray lost =
+        "m47-remote: The link to the meter was lost and the motor could not be told to stop; its "
+        "last drive, 1° at most, ends by itself; the link to the meter was lost, so these were not "
+        "set back: local oscillator, tuned frequency, attenuator, LNB supply\n";
+    const QByteArray astray =
+        "m47-remote: The meter did not surely take a drive: the motor was told to stop, and nobody "
+        "knows how far it has turned.\n";
+    QTest::newRow("unplug") << 3 << lost;
+    for (const char* fault : {"error", "silence", "noecho", "partial", "noise"})
+        QTest::newRow(fault) << 7 << astray;
+}
+
+/// Each drive to the east is spoilt: it goes out once, and then the motor is told to stop.
+void SweepTest::a_dish_under_a_fault() {
+    QFETCH(int, status);
+    TestStand& stand = dishes_.at(QTest::currentDataTag());
+    const Ending ending = stand.remote.wait();
+    QTEST(ending.err, "said");
+    QCOMPARE(ending.status, status);
+    const QStringList sent = stand.meter.commands();
+    QCOMPARE(sent.count("DISEQCMOT 08 04 01"), 1);
+    if (status == 7) QCOMPARE(sent.mid(sent.size() - 7), kPeakSetBack);
 }
 
 }  // namespace m47

@@ -45,6 +45,40 @@ void TransactionTest::an_error_is_repeated() {
     QVERIFY(!link_->port_connected && link_->refused().isEmpty());
 }
 
+void TransactionTest::what_must_not_be_done_twice_goes_out_once_data() {
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<bool>("taken");
+    QTest::newRow("taken") << FakePort::good("DISEQCMOT 08 10 01") << true;
+    QTest::newRow("nothing at all") << QByteArray() << false;
+    QTest::newRow("an error") << QByteArray("DISEQCMOT 08 10 01\rERROR\r") << false;
+    QTest::newRow("no echo") << QByteArray("OK\r") << false;
+    QTest::newRow("a half echo") << QByteArray("DISEQCMOT 08\r") << false;
+    QTest::newRow("no end") << QByteArray("DISEQCMOT 08 10 01\rO") << false;
+}
+
+/// Nobody knows then whether it was done; the line is there for the next command all the same.
+void TransactionTest::what_must_not_be_done_twice_goes_out_once() {
+    QFETCH(QByteArray, text);
+    QFETCH(bool, taken);
+    port_->answer = [&](const QByteArray& command) {
+        return command.startsWith("DISEQCMOT") ? text : FakePort::good(command, "73.5");
+    };
+    const auto answer = link_->ask_once("DISEQCMOT 08 10 01");
+    QCOMPARE(answer.has_value(), taken);
+    QCOMPARE(port_->take_commands().count("DISEQCMOT 08 10 01"), 1);
+    QVERIFY(link_->port_connected && !link_->refuse_doubtful);
+    // The next command goes out as ever.
+    int asked = 0;
+    port_->answer = [&](const QByteArray& command) {
+        return asked++ < 2 ? QByteArray("ERROR\r") : FakePort::good(command, "73.5");
+    };
+    QCOMPARE(link_->ask("LEVANL?").value_or("none"), QString("73.5"));
+    QCOMPARE(asked, 3);
+    port_->vanish_in(0);
+    QVERIFY(!link_->ask_once("DISEQCMOT 08 10 01"));
+    QVERIFY(!link_->port_connected);
+}
+
 void TransactionTest::limits_data() {
     QTest::addColumn<QByteArray>("command");
     QTest::addColumn<double>("limit");

@@ -36,6 +36,8 @@ class TransactionTest : public QObject {
     void byte_by_byte();
     void an_error_is_repeated_data();
     void an_error_is_repeated();
+    void what_must_not_be_done_twice_goes_out_once_data();
+    void what_must_not_be_done_twice_goes_out_once();
     void limits_data();
     void limits();
     void the_limit_counts_from_before_sending();

@@ -78,7 +78,9 @@ bool Link::transact(const QString& command, const std::function<Outcome()>& exch
     view_.set_hourglass(true);
     try {
         const Outcome outcome = exchange();
-        failed_ = once_ && outcome == Outcome::failed;
+        // A line that is there may still take another command.
+        const bool stays = outcome == Outcome::failed || port_.is_open();
+        failed_ = once_ && outcome != Outcome::answered && stays;
         if (outcome != Outcome::answered && !failed_) show_port_state();
         rest();
     } catch (const Interrupted&) {
