@@ -44,7 +44,7 @@ class LevelTest : public QObject {
         QCOMPARE(picture.value, QStringLiteral("—"));
         QCOMPARE(picture.age, QStringLiteral("No measurement yet"));
         QVERIFY(picture.colour == LevelColour::stale);
-        QVERIFY(!display.dbuv());
+        QVERIFY(!display.heard());
     }
 
     void a_fresh_value_is_shown_in_the_colour_of_its_outcome() {
@@ -114,13 +114,13 @@ class LevelTest : public QObject {
         for (const char* level : {"", "ERROR"}) {
             display.measured(measurement(level, measurement::Verdict::fail), 0);
             QCOMPARE(display.picture(0, true, texts()).value, QStringLiteral("—"));
-            QVERIFY(!display.dbuv());
+            QVERIFY(!display.heard());
         }
         display.measured(measurement("<20.0"), 0);
         QCOMPARE(display.picture(0, true, texts()).value, QStringLiteral("<20.0"));
-        QCOMPARE(*display.dbuv(), 20.0);
+        QCOMPARE(*display.heard(), 20.0);
         display.measured(measurement("-50", measurement::Verdict::none, kDbm), 0);
-        QCOMPARE(*display.dbuv(), 59.0);
+        QCOMPARE(*display.heard(), 59.0);
     }
 
     void a_level_of_an_unknown_unit_is_shown_without_one() {
@@ -128,7 +128,7 @@ class LevelTest : public QObject {
         display.measured(measurement("58.3", measurement::Verdict::pass, {}), 0);
         QCOMPARE(display.picture(0, true, texts()).value, QStringLiteral("58.3"));
         QVERIFY(display.picture(0, true, texts()).unit.isEmpty());
-        QCOMPARE(std::round(10 * *display.dbuv()), 583.0);
+        QCOMPARE(std::round(10 * *display.heard()), 583.0);
     }
 
     void the_peak_is_held_until_it_is_forgotten_or_something_else_is_received() {
@@ -171,6 +171,49 @@ class LevelTest : public QObject {
         QVERIFY(display.picture(11, false, texts()).colour == LevelColour::stale);
         display.repeats(false);
         QVERIFY(display.picture(15, true, texts()).colour == LevelColour::live);
+    }
+
+    void how_far_below_the_peak_it_is() {
+        LevelDisplay display;
+        display.measured(measurement("58.3"), 0);
+        QCOMPARE(display.picture(0, true, texts()).below, QStringLiteral("at the peak"));
+        QVERIFY2(!display.new_peak(), "the first value is none");
+        display.measured(measurement("59.1"), 1);
+        QVERIFY(display.new_peak());
+        display.measured(measurement("58.3"), 2);
+        QVERIFY(!display.new_peak());
+        QCOMPARE(display.picture(2, true, texts()).below, QStringLiteral("0.8 dB below the peak"));
+        QCOMPARE(display.picture(2, true, texts(kItalian)).below,
+                 QStringLiteral("0.8 dB sotto il massimo"));
+        display.measured(measurement("59.1"), 3);
+        QVERIFY2(!display.new_peak(), "as high is no new one");
+        display.forget_peak();
+        QVERIFY(display.picture(3, true, texts()).below.isEmpty());
+        display.measured(measurement("50.0"), 4);
+        QVERIFY(!display.new_peak());
+    }
+
+    void another_quantity_has_its_own_peak_and_scale() {
+        LevelDisplay display;
+        measurement::Measurement all = measurement("58.3");
+        all.reading(measurement::Quantity::mer) =
+            measurement::reading_of(measurement::Quantity::mer, QString("12.0"));
+        display.measured(all, 0);
+        display.show(measurement::Quantity::mer);
+        LevelPicture picture = display.picture(0, true, texts());
+        QCOMPARE(picture.value, QStringLiteral("12.0"));
+        QCOMPARE(picture.unit, QStringLiteral("dB"));
+        QCOMPARE(picture.name, QStringLiteral("MER  ·  1200.0 MHz"));
+        QCOMPARE(picture.peak, QStringLiteral("Peak 12.0 dB"));
+        QCOMPARE(picture.bar.value(), 0.3);
+        QCOMPARE(display.heard().value(), 57.0);
+        display.show(measurement::Quantity::cn);
+        picture = display.picture(0, true, texts());
+        QCOMPARE(picture.value, QStringLiteral("—"));
+        QVERIFY(picture.peak.isEmpty() && picture.below.isEmpty() && !picture.bar);
+        QVERIFY(!display.heard());
+        display.show(measurement::Quantity::level);
+        QCOMPARE(display.picture(0, true, texts()).peak, QStringLiteral("Peak 58.3 dBuV"));
     }
 
     void ten_decibels_are_an_octave_within_what_is_heard() {

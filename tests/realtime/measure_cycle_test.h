@@ -80,6 +80,9 @@ class MeasureCycleTest : public QObject {
     void the_digital_level_alone_is_ranged_anew_once_it_has_moved();
     void a_level_alone_that_is_in_doubt_begins_anew();
     void the_level_alone_ends_with_the_link();
+    void the_cn_alone_is_tuned_once_and_asked_again();
+    void the_mer_alone_stays_in_its_mode();
+    void the_mer_alone_is_left_also_when_it_is_stopped();
 
   private:
     RealtimePanel& panel() { return f_->panel(); }

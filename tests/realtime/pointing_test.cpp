@@ -111,4 +111,76 @@ void MeasureCycleTest::the_level_alone_ends_with_the_link() {
     QVERIFY(!pointing.next());
 }
 
+void MeasureCycleTest::the_cn_alone_is_tuned_once_and_asked_again() {
+    f_->values["LEVCNA?"] = "C/N 14.2";
+    panel().alarm_statea = {true, true};
+    panel().cn_mina = "12";
+    panel().cn_maxa = "20";
+    Pointing analog(f_->rules, measurement::Quantity::cn);
+    std::optional<measurement::Measurement> cn = analog.next();
+    QCOMPARE(f_->commands(),
+             (QStringList{"MEASURE", "FREQ 1000.0", "ATTEN 6", "MARKER 1 0", "LEVCNA?"}));
+    QCOMPARE(cn->reading(measurement::Quantity::cn).value, 14.2F);
+    QVERIFY(cn->verdict == measurement::Verdict::pass);
+    f_->values["LEVCNA?"] = "C/N 11.0";
+    QVERIFY(analog.next()->verdict == measurement::Verdict::fail);
+    QCOMPARE(f_->commands(), QStringList{"LEVCNA?"});
+    analog.leave();
+    show_digital();
+    f_->values["LEVCND?"] = "<3.0";
+    Pointing digital(f_->rules, measurement::Quantity::cn);
+    for (int k = 0; k < 2; ++k) {
+        const measurement::Reading reading = digital.next()->reading(measurement::Quantity::cn);
+        QCOMPARE(reading.value, 3.0F);
+        QVERIFY(reading.mark == measurement::RangeMark::below);
+    }
+    QCOMPARE(f_->commands(), (QStringList{"MEASURE", "FREQ 1000.0", "CHBW 08", "ATTEN 6",
+                                          "MARKER 1 1", "LEVCND?", "LEVCND?"}));
+    digital.leave();
+    QCOMPARE(f_->commands(), QStringList());
+    QVERIFY2(!f_->program.corrected.complete, "the user's choice is as it was");
+}
+
+/// The meter stays in its QPSK mode, which takes 5 s to settle, until it is left.
+void MeasureCycleTest::the_mer_alone_stays_in_its_mode() {
+    f_->values["BERQPSK?"] = "CHBER : 2.0E-4\rPvBER : <1.0E-8\rCFO   : 1.25\rMER   : 12.3";
+    panel().srqpsk_txt = "27500";
+    // The analog presentation is in front: it stays there.
+    Pointing pointing(f_->rules, measurement::Quantity::mer);
+    std::optional<measurement::Measurement> mer = pointing.next();
+    QCOMPARE(f_->commands(), (QStringList{"MEASURE", "FREQ 1000.0", "ATTEN 00",
+                                          "SYMBRATEQPSK 27500", "BERQPSK", "BERQPSK?"}));
+    QCOMPARE(f_->pauses().last(), 50);
+    QCOMPARE(mer->reading(measurement::Quantity::mer).value, 12.3F);
+    QVERIFY(mer->mode == measurement::MeasureMode::digital);
+    QCOMPARE(*mer->frequency, 1000.0F);
+    QVERIFY(!panel().satdigmea_visible && !panel().meas_stated[kMer]);
+    f_->values["BERQPSK?"] = "MER   : 13.0";
+    QCOMPARE(pointing.next()->reading(measurement::Quantity::mer).value, 13.0F);
+    QCOMPARE(f_->commands(), QStringList{"BERQPSK?"});
+    // An answer without it, and the mode is entered anew.
+    f_->values["BERQPSK?"] = "CHBER : 2.0E-4";
+    QVERIFY(!pointing.next());
+    f_->values["BERQPSK?"] = "MER   : 9.9";
+    QVERIFY(pointing.next());
+    QCOMPARE(f_->commands().filter("BERQPSK").size(), 3);
+    pointing.leave();
+    pointing.leave();
+    QCOMPARE(f_->commands(), QStringList{"MEASURE"});
+}
+
+void MeasureCycleTest::the_mer_alone_is_left_also_when_it_is_stopped() {
+    bool told = false;
+    f_->link.interrupted = [&] { return told; };
+    f_->port.answer = [&, answer = f_->port.answer](const QByteArray& command) {
+        told = told || command == "BERQPSK";
+        return answer(command);
+    };
+    Pointing pointing(f_->rules, measurement::Quantity::mer);
+    QVERIFY_EXCEPTION_THROWN(static_cast<void>(pointing.next()), Interrupted);
+    static_cast<void>(f_->commands());
+    pointing.leave();
+    QCOMPARE(f_->commands(), QStringList{"MEASURE"});
+}
+
 }  // namespace m47::realtime

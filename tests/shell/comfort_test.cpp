@@ -278,6 +278,39 @@ class ComfortTest : public QObject, protected ProgramInFolder {
         QVERIFY(!view->repeating());
     }
 
+    void another_quantity_is_repeated_and_each_opening_is_clean() {
+        FakePort& line = start_on_virtual_line();
+        realtime::Realtime* screen = realtime();
+        screen->findChild<QAction*>("cmdlevelview")->trigger();
+        auto* view = screen->findChild<level::LevelView*>("level_view");
+        QTest::keyClick(view, Qt::Key_Q);
+        QVERIFY(view->quantity() == measurement::Quantity::cn && !view->repeating());
+        QTest::keyClick(view, Qt::Key_Q);
+        line.take_commands();
+        QTest::keyClick(view, Qt::Key_Space);
+        QVERIFY(view->repeating());
+        QTRY_VERIFY(line.written.contains("BERQPSK?"));
+        QTest::keyClick(view, Qt::Key_Q);
+        QVERIFY(view->quantity() == measurement::Quantity::level && view->repeating());
+        QTRY_VERIFY(line.written.contains("LEVANL?"));
+        QStringList sent = line.take_commands();
+        sent.removeDuplicates();
+        QCOMPARE(sent.mid(0, 4), (QStringList{"MEASURE", "FREQ 1000.0", "ATTEN 00",
+                                              sent.value(3)}));
+        QVERIFY2(sent.contains("ATTEN 6"), qPrintable(sent.join('\n')));
+        QTest::keyClick(view, Qt::Key_Q);
+        QTest::keyClick(view, Qt::Key_Q);
+        QTRY_VERIFY(line.written.contains("BERQPSK?"));
+        line.take_commands();
+        QTest::keyClick(view, Qt::Key_Escape);
+        QVERIFY(!view->isVisible() && !screen->rules.state.plan_run_active);
+        QCOMPARE(line.take_commands().last(), QString("MEASURE"));
+        screen->findChild<QAction*>("cmdlevelview")->trigger();
+        QVERIFY(view->quantity() == measurement::Quantity::level && !view->repeating());
+        QTest::keyClick(view, Qt::Key_Escape);
+        QCOMPARE(line.take_commands(), QStringList());
+    }
+
     void every_shortcut_stands_in_a_menu() {
         QList<QWidget*> windows{&window()};
         for (const ScreenEntry& screen : screen_table()) {

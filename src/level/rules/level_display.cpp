@@ -13,15 +13,46 @@ constexpr Bilingual kLevelNone{"No measurement yet", "Ancora nessuna misura"};
 constexpr Bilingual kLevelNow{"Measured %1 s ago", "Misurato %1 s fa"};
 constexpr Bilingual kLevelOld{"OLD: measured %1 ago", "VECCHIO: misurato %1 fa"};
 constexpr Bilingual kLevelRepeated{"Level alone, repeated", "Solo il livello, ripetuto"};
+constexpr Bilingual kCnRepeated{"C/N alone, repeated", "Solo il C/N, ripetuto"};
+constexpr Bilingual kMerRepeated{"MER alone, repeated", "Solo il MER, ripetuto"};
 constexpr Bilingual kLevelBroken{"OLD: no level for %1", "VECCHIO: nessun livello da %1"};
+constexpr Bilingual kValueBroken{"OLD: no value for %1", "VECCHIO: nessun valore da %1"};
+constexpr Bilingual kBelow{"%1 dB below the peak", "%1 dB sotto il massimo"};
+constexpr Bilingual kAtPeak{"at the peak", "al massimo"};
 constexpr Bilingual kPeak{"Peak %1 %2", "Massimo %1 %2"};
 
 // What the meter can read, in dBuV.
 constexpr double kBarFrom = 20;
 constexpr double kBarTo = 120;
 
-double on_bar(double dbuv) {
-    return std::clamp((dbuv - kBarFrom) / (kBarTo - kBarFrom), 0.0, 1.0);
+// No C/N or MER is higher.
+constexpr double kRatioBarTo = 40;
+/// A ratio that sounds like a level: 15 dB like 60 dBuV.
+constexpr double kRatioHeard = 45;
+// The meter tells tenths; what differs by less is the same.
+constexpr double kSame = 0.05;
+
+double on_bar(measurement::Quantity quantity, double value) {
+    const bool level = quantity == measurement::Quantity::level;
+    const double from = level ? kBarFrom : 0;
+    const double to = level ? kBarTo : kRatioBarTo;
+    return std::clamp((value - from) / (to - from), 0.0, 1.0);
+}
+
+QString name_of(measurement::Quantity quantity) {
+    switch (quantity) {
+        case measurement::Quantity::cn:
+            return QStringLiteral("C/N");
+        case measurement::Quantity::mer:
+            return QStringLiteral("MER");
+        default:
+            return {};
+    }
+}
+
+const Bilingual& repeated_words(measurement::Quantity quantity) {
+    if (quantity == measurement::Quantity::cn) return kCnRepeated;
+    return quantity == measurement::Quantity::mer ? kMerRepeated : kLevelRepeated;
 }
 
 /// Values of two programs, or of two presentations, have no peak in common.
@@ -49,6 +80,7 @@ QString name_of(const measurement::Measurement& of) {
 
 void LevelDisplay::measured(const measurement::Measurement& measurement, double now) {
     if (last_ && !same_signal(*last_, measurement)) forget_peak();
+    new_peak_ = false;
     last_ = measurement;
     at_ = now;
     running_ = false;
@@ -56,8 +88,21 @@ void LevelDisplay::measured(const measurement::Measurement& measurement, double 
 }
 
 void LevelDisplay::hold_peak() {
-    const std::optional<double> level = dbuv();
-    if (level) peak_ = std::max(peak_.value_or(*level), *level);
+    const std::optional<double> value = held();
+    if (!value) return;
+    new_peak_ = peak_ && *value > *peak_ + kSame;
+    peak_ = std::max(peak_.value_or(*value), *value);
+}
+
+void LevelDisplay::forget_peak() {
+    peak_.reset();
+    new_peak_ = false;
+}
+
+void LevelDisplay::show(measurement::Quantity quantity) {
+    quantity_ = quantity;
+    forget_peak();
+    hold_peak();
 }
 
 void LevelDisplay::repeats(bool on) {
@@ -70,11 +115,28 @@ bool LevelDisplay::live(double now, bool linked) const {
     return last_ && linked && !running_ && now - at_ <= limit;
 }
 
-std::optional<double> LevelDisplay::dbuv() const {
+/// dB by which dBuV are more than what is shown.
+double LevelDisplay::offset() const {
+    if (quantity_ != measurement::Quantity::level || !last_) return 0;
+    return unit_offset(last_->unit.value_or(kDbuv));
+}
+
+QString LevelDisplay::unit() const {
+    if (quantity_ != measurement::Quantity::level) return QStringLiteral("dB");
+    return measurement::unit_text(last_->unit);
+}
+
+std::optional<double> LevelDisplay::held() const {
     if (!last_) return {};
-    const measurement::Reading& reading = last_->reading(measurement::Quantity::level);
+    const measurement::Reading& reading = last_->reading(quantity_);
     if (!reading.measured()) return {};
-    return static_cast<double>(reading.value) + unit_offset(last_->unit.value_or(kDbuv));
+    return static_cast<double>(reading.value) + offset();
+}
+
+std::optional<double> LevelDisplay::heard() const {
+    const std::optional<double> value = held();
+    if (!value || quantity_ == measurement::Quantity::level) return value;
+    return *value + kRatioHeard;
 }
 
 QString LevelDisplay::age_text(double now, bool linked, const Texts& texts) const {
@@ -88,32 +150,43 @@ QString LevelDisplay::age_text(double now, bool linked, const Texts& texts) cons
 }
 
 QString LevelDisplay::repeated_text(double now, const Texts& texts) const {
-    if (live(now, true)) return texts.pick(kLevelRepeated);
+    if (live(now, true)) return texts.pick(repeated_words(quantity_));
     if (!last_) return texts.pick(kLevelMeasuring);
-    return texts.pick(kLevelBroken).arg(span_text(static_cast<int>(now - at_)));
+    const bool level = quantity_ == measurement::Quantity::level;
+    return texts.pick(level ? kLevelBroken : kValueBroken)
+        .arg(span_text(static_cast<int>(now - at_)));
+}
+
+void LevelDisplay::show_peak(LevelPicture& picture, const Texts& texts) const {
+    if (!peak_) return;
+    picture.bar_peak = on_bar(quantity_, *peak_);
+    picture.peak =
+        texts.pick(kPeak).arg(QString::number(*peak_ - offset(), 'f', 1), picture.unit).trimmed();
+    const std::optional<double> value = held();
+    if (!value) return;
+    const double below = *peak_ - *value;
+    picture.below = below < kSame ? texts.pick(kAtPeak)
+                                  : texts.pick(kBelow).arg(QString::number(below, 'f', 1));
 }
 
 LevelPicture LevelDisplay::picture(double now, bool linked, const Texts& texts) const {
     LevelPicture picture;
     picture.age = age_text(now, linked, texts);
+    picture.name = name_of(quantity_);
     if (!last_) {
         picture.value = QStringLiteral("—");
         return picture;
     }
-    const measurement::Reading& reading = last_->reading(measurement::Quantity::level);
-    picture.value = reading.measured()
-                        ? measurement::reading_text(measurement::Quantity::level, reading)
-                        : QStringLiteral("—");
-    picture.unit = measurement::unit_text(last_->unit);
-    picture.name = name_of(*last_);
+    const measurement::Reading& reading = last_->reading(quantity_);
+    picture.value =
+        reading.measured() ? measurement::reading_text(quantity_, reading) : QStringLiteral("—");
+    picture.unit = unit();
+    QStringList names{picture.name, name_of(*last_)};
+    names.removeAll(QString());
+    picture.name = names.join(QStringLiteral("  ·  "));
     picture.verdict = measurement::verdict_text(last_->verdict);
-    if (const std::optional<double> level = dbuv()) picture.bar = on_bar(*level);
-    if (peak_) {
-        const double shown = *peak_ - unit_offset(last_->unit.value_or(kDbuv));
-        picture.bar_peak = on_bar(*peak_);
-        picture.peak =
-            texts.pick(kPeak).arg(QString::number(shown, 'f', 1), picture.unit).trimmed();
-    }
+    if (const std::optional<double> value = held()) picture.bar = on_bar(quantity_, *value);
+    show_peak(picture, texts);
     if (!live(now, linked)) return picture;
     picture.colour = LevelColour::live;
     if (last_->verdict == measurement::Verdict::pass) picture.colour = LevelColour::pass;

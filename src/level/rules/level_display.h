@@ -22,17 +22,19 @@ struct LevelPicture {
     QString verdict;  ///< "PASS", "FAIL" or empty
     QString age;      ///< how old the value is, or that a measurement runs
     QString peak;     ///< "Peak 61.2 dBuV"; empty before the first value
+    QString below;    ///< "0.8 dB below the peak"; empty before the first value
     LevelColour colour = LevelColour::stale;
     /// How much of the bar is filled, and where the mark of the peak stands on it: 0 to 1 from 20
-    /// to 120 dBuV. Nothing where there is no value.
+    /// to 120 dBuV, of C/N and MER from 0 to 40 dB. Nothing where there is no value.
     std::optional<double> bar;
     std::optional<double> bar_peak;
 };
 
-/// The level for somebody who stands three metres away. It never shows an old value as a live one:
-/// that turns grey after kLiveSeconds, when the next measurement begins, and when the link is lost.
-/// While the level is repeated alone one value follows the other, and kRepeatedSeconds without one
-/// make it old. Times are in seconds on any clock that only goes forward.
+/// The level, C/N or MER for somebody who stands three metres away. It never shows an old value as
+/// a live one: that turns grey after kLiveSeconds, when the next measurement begins, and when the
+/// link is lost. While the level is repeated alone one value follows the other, and
+/// kRepeatedSeconds without one make it old. Times are in seconds on any clock that only goes
+/// forward.
 class LevelDisplay {
   public:
     static constexpr double kLiveSeconds = 10;
@@ -47,26 +49,37 @@ class LevelDisplay {
     /// The level is repeated alone from now on, or no longer.
     void repeats(bool on);
     bool repeating() const { return repeating_; }
-    /// The highest level is held from here on anew.
-    void forget_peak() { peak_.reset(); }
+    /// The highest value is held from here on anew.
+    void forget_peak();
+    /// Shows `quantity` (level, C/N or MER) from now on, and holds its highest value anew.
+    void show(measurement::Quantity quantity);
+    measurement::Quantity quantity() const { return quantity_; }
+    /// The last value is higher than all those before it that were held.
+    bool new_peak() const { return new_peak_; }
 
     bool live(double now, bool linked) const;
     LevelPicture picture(double now, bool linked, const Texts& texts) const;
 
-    /// The level in dBuV for the tone, which follows one of an unknown unit as it stands; nothing
-    /// where the last measurement brought no number.
-    std::optional<double> dbuv() const;
+    /// What the tone follows: the level in dBuV, one of an unknown unit as it stands; C/N and MER
+    /// so that 15 dB sound like 60 dBuV. Nothing where the last measurement brought no number.
+    std::optional<double> heard() const;
 
   private:
     QString age_text(double now, bool linked, const Texts& texts) const;
     QString repeated_text(double now, const Texts& texts) const;
+    QString unit() const;
+    double offset() const;
+    std::optional<double> held() const;
     void hold_peak();
+    void show_peak(LevelPicture& picture, const Texts& texts) const;
 
     std::optional<measurement::Measurement> last_;
     double at_ = 0;
     bool running_ = false;
     bool repeating_ = false;
-    std::optional<double> peak_;  ///< the highest level, dBuV, of what has been received lately
+    bool new_peak_ = false;
+    measurement::Quantity quantity_ = measurement::Quantity::level;
+    std::optional<double> peak_;  ///< the highest, dBuV or dB, of what has been received lately
 };
 
 }  // namespace m47::level

@@ -12,9 +12,13 @@ namespace m47::level {
 namespace {
 
 constexpr Bilingual kLevelTitle{"Level", "Livello"};
-constexpr Bilingual kKeys{"Esc: back    Space: %1    P: new peak    T: tone %2",
-                          "Esc: indietro    Spazio: %1    P: nuovo massimo    T: tono %2"};
-constexpr Bilingual kRepeat{"level alone, repeated", "solo il livello, ripetuto"};
+constexpr Bilingual kKeys{
+    "Esc: back    Space: %1    Q: %2    P: new peak    C: chime %3    T: tone %4",
+    "Esc: indietro    Spazio: %1    Q: %2    P: nuovo massimo    C: avviso %3    T: tono %4"};
+constexpr Bilingual kRepeat{"this alone, repeated", "solo questo, ripetuto"};
+constexpr Bilingual kLevelNext{"level", "livello"};
+constexpr Bilingual kCnNext{"C/N", "C/N"};
+constexpr Bilingual kMerNext{"MER", "MER"};
 constexpr Bilingual kStopRepeating{"stop", "ferma"};
 constexpr Bilingual kToneOn{"on", "acceso"};
 constexpr Bilingual kToneOff{"off", "spento"};
@@ -31,6 +35,20 @@ const QColor kFailColour(0xFF, 0x60, 0x60);
 const QColor kStaleColour(0x80, 0x80, 0x80);
 const QColor kPeakColour(0xFF, 0xD0, 0x40);
 const QColor kCaptionColour(0xE0, 0xE0, 0xE0);
+
+/// Of many new peaks in a row some are heard.
+constexpr qint64 kBetweenChimes = 600;  // ms
+
+measurement::Quantity behind(measurement::Quantity quantity) {
+    if (quantity == measurement::Quantity::level) return measurement::Quantity::cn;
+    return quantity == measurement::Quantity::cn ? measurement::Quantity::mer
+                                                 : measurement::Quantity::level;
+}
+
+const Bilingual& word_of(measurement::Quantity quantity) {
+    if (quantity == measurement::Quantity::cn) return kCnNext;
+    return quantity == measurement::Quantity::mer ? kMerNext : kLevelNext;
+}
 
 QColor colour_of(LevelColour colour) {
     switch (colour) {
@@ -102,6 +120,8 @@ LevelView::LevelView(const Texts& texts, std::function<bool()> linked, QWidget* 
 void LevelView::open() {
     setWindowTitle(texts_.pick(kLevelTitle));
     ageing_.start(std::chrono::seconds(1));
+    // Each opening begins with the level and its peak.
+    display_.show(measurement::Quantity::level);
     // A display without a window manager makes nothing larger by itself.
     setGeometry(parentWidget()->screen()->geometry());
     showFullScreen();
@@ -115,18 +135,29 @@ void LevelView::closeEvent(QCloseEvent* event) {
     ageing_.stop();
     set_remark(QString());
     set_tone(false);
+    set_chime(false);
     QWidget::closeEvent(event);
 }
 
 void LevelView::measured(const measurement::Measurement& measurement) {
     display_.measured(measurement, now());
     refresh();
-    if (isVisible() && tone_) sound();
+    if (!isVisible()) return;
+    if (chime_ && display_.new_peak()) return ring();
+    if (tone_) sound();
+}
+
+void LevelView::ring() {
+    if (since_chime_.isValid() && since_chime_.elapsed() < kBetweenChimes) return;
+    player_.chime();
+    since_chime_.start();
+    // The next tone would break it off.
+    since_tone_.start();
 }
 
 /// A tone that is broken off by the next one clicks: of many values a second some are heard.
 void LevelView::sound() {
-    const std::optional<double> level = display_.dbuv();
+    const std::optional<double> level = display_.heard();
     const double seconds = repeating() ? TonePlayer::kBriefSeconds : TonePlayer::kSeconds;
     const bool still_sounds =
         since_tone_.isValid() && static_cast<double>(since_tone_.elapsed()) < 1000 * seconds;
@@ -165,7 +196,7 @@ void LevelView::refresh() {
 }
 
 void LevelView::speak(const LevelPicture& shown) {
-    QStringList spoken{shown.value, shown.unit, shown.verdict, shown.age};
+    QStringList spoken{shown.value, shown.unit, shown.below, shown.verdict, shown.age};
     spoken.removeAll(QString());
     setAccessibleName(spoken.join(u' '));
 }
@@ -176,21 +207,47 @@ void LevelView::set_remark(const QString& text) {
 }
 
 void LevelView::set_tone(bool on) {
-    if (!on) player_.close();
-    tone_ = on && player_.open();
     remark_.clear();
-    if (on && !tone_ && !told_of_no_device_) {
-        const QString& fault = player_.fault();
-        remark_ = fault.isEmpty() ? texts_.pick(kNoSound) : texts_.pick(kSoundNotLoaded).arg(fault);
-        told_of_no_device_ = true;
-    }
+    tone_ = on && open_sound();
+    if (!tone_ && !chime_) player_.close();
     refresh();
+}
+
+void LevelView::set_chime(bool on) {
+    remark_.clear();
+    chime_ = on && open_sound();
+    if (!tone_ && !chime_) player_.close();
+    refresh();
+}
+
+/// False, with a remark once, where nothing can be heard.
+bool LevelView::open_sound() {
+    if (tone_ || chime_ || player_.open()) return true;
+    if (told_of_no_device_) return false;
+    const QString& fault = player_.fault();
+    remark_ = fault.isEmpty() ? texts_.pick(kNoSound) : texts_.pick(kSoundNotLoaded).arg(fault);
+    told_of_no_device_ = true;
+    return false;
+}
+
+void LevelView::show_quantity(measurement::Quantity quantity) {
+    const bool repeated = repeating();
+    if (repeated) Q_EMIT repeat_asked(false);
+    display_.show(quantity);
+    if (repeated) Q_EMIT repeat_asked(true);
+    refresh();
+}
+
+void LevelView::next_quantity() {
+    show_quantity(behind(display_.quantity()));
 }
 
 QString LevelView::hint() const {
     if (!remark_.isEmpty()) return remark_;
+    const auto switched = [this](bool on) { return texts_.pick(on ? kToneOff : kToneOn); };
     return texts_.pick(kKeys).arg(texts_.pick(repeating() ? kStopRepeating : kRepeat),
-                                  texts_.pick(tone_ ? kToneOff : kToneOn));
+                                  texts_.pick(word_of(behind(display_.quantity()))),
+                                  switched(chime_), switched(tone_));
 }
 
 void LevelView::paintEvent(QPaintEvent*) {
@@ -210,7 +267,10 @@ void LevelView::paint_level(QPainter& painter, const LevelPicture& shown) {
     const double h = height();
     const double edge = w * 0.03;
     painter.setPen(colour_of(shown.colour));
-    draw_number(painter, {edge, h * 0.11, w - 2 * edge, h * 0.5}, shown.value);
+    draw_number(painter, {edge, h * 0.11, w - 2 * edge, h * 0.4}, shown.value);
+    painter.setPen(kPeakColour);
+    draw_fitting(painter, {edge, h * 0.52, w - 2 * edge, h * 0.115}, shown.below, true);
+    painter.setPen(colour_of(shown.colour));
     const double row = h * 0.64;
     draw_fitting(painter, {edge, row, w * 0.2, h * 0.11}, shown.unit, false,
                  Qt::AlignLeft | Qt::AlignVCenter);
@@ -258,6 +318,10 @@ void LevelView::keyPressEvent(QKeyEvent* event) {
         close();
     } else if (key == Qt::Key_T) {
         set_tone(!tone_);
+    } else if (key == Qt::Key_C) {
+        set_chime(!chime_);
+    } else if (key == Qt::Key_Q) {
+        next_quantity();
     } else if (key == Qt::Key_P) {
         display_.forget_peak();
         refresh();

@@ -12,10 +12,11 @@
 
 namespace m47::level {
 
-/// The level over the whole screen of the desktop, for work on the roof. It shows the measurements
-/// that the real-time screen makes and starts none itself: Space asks for the level alone, again
-/// and again. T turns the tone on and off, P forgets the peak, Esc leaves. All of that is taken
-/// while the meter is waited for, too.
+/// The level, C/N or MER over the whole screen of the desktop, for work on the roof. It shows the
+/// measurements that the real-time screen makes and starts none itself: Space asks for what is
+/// shown alone, again and again. Q shows the next quantity, T turns the tone on and off, C the
+/// chime of a new peak, P forgets the peak, Esc leaves. All of that is taken while the meter is
+/// waited for, too.
 class LevelView : public QWidget {
     Q_OBJECT
     /// What could not be done, in words; empty when there is nothing.
@@ -35,6 +36,11 @@ class LevelView : public QWidget {
 
     void open();
     void set_tone(bool on);
+    void set_chime(bool on);
+    /// What is shown, and what is to be repeated.
+    measurement::Quantity quantity() const { return display_.quantity(); }
+    /// Shows `quantity`: level, C/N or MER. What is repeated is asked for anew.
+    void show_quantity(measurement::Quantity quantity);
     /// Shows `text` in place of the keys; empty shows them again.
     void set_remark(const QString& text);
 
@@ -53,6 +59,9 @@ class LevelView : public QWidget {
     void refresh();
     void speak(const LevelPicture& shown);
     void sound();
+    void ring();
+    bool open_sound();
+    void next_quantity();
     void paint_level(QPainter& painter, const LevelPicture& shown);
     void paint_bar(QPainter& painter, const LevelPicture& shown);
     void paint_rest(QPainter& painter, const LevelPicture& shown);
@@ -62,9 +71,11 @@ class LevelView : public QWidget {
     LevelDisplay display_;
     QElapsedTimer clock_;
     QElapsedTimer since_tone_;
+    QElapsedTimer since_chime_;
     QTimer ageing_;
     TonePlayer player_;
     bool tone_ = false;
+    bool chime_ = false;
     bool was_live_ = false;
     bool told_of_no_device_ = false;
     QString remark_;

@@ -27,4 +27,13 @@ void TonePlayer::play(double level, double seconds) {
     if (open_) open_->play(LevelTone::samples(LevelTone::pitch(level), seconds));
 }
 
+void TonePlayer::chime() {
+    // A fourth, high above where most levels sound.
+    constexpr double kFirstHz = 1568;
+    constexpr double kSecondHz = 2093;
+    if (open_)
+        open_->play(LevelTone::samples(kFirstHz, kChimeSeconds / 3) +
+                    LevelTone::samples(kSecondHz, kChimeSeconds * 2 / 3));
+}
+
 }  // namespace m47::level

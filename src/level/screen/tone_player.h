@@ -23,10 +23,14 @@ class TonePlayer {
     void close();
     static constexpr double kSeconds = 0.4;        ///< of the tone of a measurement
     static constexpr double kBriefSeconds = 0.12;  ///< of one among many a second
+    static constexpr double kChimeSeconds = 0.3;   ///< of the chime
 
     /// Plays the tone of `level` dBuV for `seconds`, kSeconds at most; nothing where no device is
     /// open.
     void play(double level, double seconds = kSeconds);
+
+    /// Plays two rising notes, for a new peak; nothing where no device is open.
+    void chime();
 
     /// The file of that part where it could not be loaded; empty when it was, or was not needed
     /// yet.

@@ -68,7 +68,6 @@ void MeasureCycle::blank_results() {
     panel_.results_of_before = false;
 }
 
-/// The frequency has just been sent: what follows is measured there.
 void MeasureCycle::tuned() {
     const auto mhz = [](std::optional<double> value) {
         return value ? std::optional(static_cast<float>(*value)) : std::nullopt;

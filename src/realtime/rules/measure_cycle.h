@@ -53,13 +53,15 @@ class MeasureCycle {
     /// The command whose answer made the last cycle's values doubtful; empty when none did.
     const QString& doubt() const { return doubt_; }
 
+    /// The frequency has just been sent: what follows is measured there.
+    void tuned();
+
   private:
     void run_trapped();
     void run_cycle();
     void blank_results();
     void digital_cycle();
     void analog_cycle();
-    void tuned();
     /// Takes a step whose box is ticked, told as `words`.
     void step(bool ticked, const Bilingual& words, void (MeasureSteps::*take)());
     void tell_quality() const;

@@ -117,7 +117,7 @@ void MeasureSteps::level_satdig() {
 QString& MeasureSteps::noise_entry(QString& entry) const {
     // Without the complete C/N and noise measures these steps have no frequency entry of their
     // own, and the cycle ends here.
-    if (program_.corrected.complete) return entry;
+    if (program_.corrected.complete || complete) return entry;
     program_.costs.tell(kNoNoiseEntry);
     throw Fault("no frequency entry for C/N and noise");
 }
@@ -130,6 +130,10 @@ void MeasureSteps::cn_satdig() {
     link_.send(link::command::kFullAttenuation);
     link_.send(link::command::kMarker + QStringLiteral(" 1 1"));
     noise_frequency(panel_.noise_freqd);
+    ask_cn_satdig();
+}
+
+void MeasureSteps::ask_cn_satdig() {
     const QString answer = ask_one(link::command::query(link::command::kDigitalCn),
                                    measurement::AskedFor::cn, behind_first);
     expect(measurement::AskedFor::cn, answer);
@@ -159,16 +163,18 @@ void MeasureSteps::levn_satdig() {
 
 void MeasureSteps::qpsk_real() {
     // PvBER and CFO alone read what the meter has; only CHBER and MER start its QPSK mode.
-    const bool start_qpsk = panel_.meas_stated[kChber] || panel_.meas_stated[kMer];
-    if (start_qpsk) {
-        tuning_.fsat_KeyPress(kEnterKey);
-        link_.send(link::command::kAttenuator + QStringLiteral(" 00"));
-        tuning_.srqpsk_txt_KeyPress(kEnterKey);
-        link_.send(link::command::kQpskQuality);
-        link_.wait_time(kAfterQpsk);
-    }
+    const bool starts = panel_.meas_stated[kChber] || panel_.meas_stated[kMer];
+    if (starts) start_qpsk();
     digital_acquire();
-    if (start_qpsk) link_.send(link::command::kMeasure);
+    if (starts) link_.send(link::command::kMeasure);
+}
+
+void MeasureSteps::start_qpsk() {
+    tuning_.fsat_KeyPress(kEnterKey);
+    link_.send(link::command::kAttenuator + QStringLiteral(" 00"));
+    tuning_.srqpsk_txt_KeyPress(kEnterKey);
+    link_.send(link::command::kQpskQuality);
+    link_.wait_time(kAfterQpsk);
 }
 
 void MeasureSteps::show_field(const Measure& measure, const QString& answer) {
@@ -213,6 +219,10 @@ void MeasureSteps::cn_satanl() {
     link_.send(link::command::kFullAttenuation);
     link_.send(link::command::kMarker + QStringLiteral(" 1 0"));
     noise_frequency(panel_.noise_freqa);
+    ask_cn_satanl();
+}
+
+void MeasureSteps::ask_cn_satanl() {
     const QString answer = ask_one(link::command::query(link::command::kAnalogCn),
                                    measurement::AskedFor::cn, behind_letters);
     expect(measurement::AskedFor::cn, answer.mid(3));

@@ -28,6 +28,8 @@ class MeasureSteps {
     /// Run to restore the user's level unit after a reading in dBuV: the unit menu's handler.
     std::function<void(int)> cmdlev_Click;
 
+    /// C/N and noise are measured whether or not the user has chosen them complete.
+    bool complete = false;
     /// What the steps have measured, and against which limits, since it was last made anew.
     measurement::Measurement outcome;
     /// What a limit box with nothing in it means, by the user's choice.
@@ -41,12 +43,15 @@ class MeasureSteps {
     void carr_satdig();      ///< digital channel power, dB of the unit in force
     void level_satdig();     ///< the same behind the attenuator as it stands
     void cn_satdig();        ///< digital C/N, dB
+    void ask_cn_satdig();    ///< the same where attenuator and marker stand already
     void levn_satdig();      ///< digital noise
     void qpsk_real();        ///< CHBER, PvBER, CFO, MER
+    void start_qpsk();       ///< tunes and brings the meter into its QPSK mode
     void digital_acquire();  ///< reads CHBER, PvBER, CFO, MER
     void carr_satanl();      ///< analog carrier level, dB of the unit in force
     void level_satanl();     ///< the same behind the attenuator as it stands
     void cn_satanl();        ///< analog C/N, dB
+    void ask_cn_satanl();    ///< the same where attenuator and marker stand already
     void levn_satanl();      ///< analog noise
 
   private:

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <functional>
 #include <optional>
 
 #include "measure_cycle.h"
@@ -10,24 +11,33 @@
 
 namespace m47::realtime {
 
-/// The level alone, again and again, for somebody who turns a dish. It is the measurement cycle
-/// with nothing but the level ticked, on a copy of what the screen shows: tuned and ranged once,
-/// then the level is asked for as fast as the line answers. Nothing goes to the page or to a log,
-/// and no box, lamp or tick of the screen changes.
+/// One quantity alone, again and again, for somebody who turns a dish. It is the measurement cycle
+/// with nothing but that ticked, on a copy of what the screen shows: tuned and ranged once, then
+/// asked for as fast as the line answers. For the MER the meter stays in its QPSK mode until
+/// leave(). Nothing goes to the page or to a log, and no box, lamp or tick of the screen changes.
 class Pointing {
   public:
-    /// Takes the screen of `rules` as it stands now; sends nothing yet.
-    explicit Pointing(RealtimeRules& rules);
+    /// Takes the screen of `rules` as it stands now; sends nothing yet. `quantity` is level, C/N or
+    /// MER.
+    explicit Pointing(RealtimeRules& rules,
+                      measurement::Quantity quantity = measurement::Quantity::level);
 
-    /// One level, the first behind a whole cycle. Nothing where the meter gave none that is sure;
+    /// One value, the first behind a whole cycle. Nothing where the meter gave none that is sure;
     /// the next one tunes and ranges anew then. Told to end, it ends with link::Interrupted.
     std::optional<measurement::Measurement> next();
 
+    /// Brings the meter back into its measuring mode, where it is in another. Never throws.
+    void leave() noexcept;
+
   private:
     bool measured() const;
+    void begin();
+    void begin_mer();
     void ask_again();
+    void ask();
+    void sure(const std::function<void()>& take);
     bool outgrown() const;
-    std::optional<double> level() const;
+    std::optional<double> value() const;
 
     RealtimeRules& rules_;
     RealtimePanel panel_;
@@ -36,7 +46,10 @@ class Pointing {
     MeasureSteps steps_;
     MeasureCycle cycle_;
     measurement::ProgramIdentity program_;
-    std::optional<double> ranged_at_;  ///< the level that the attenuator was set for
+    measurement::Quantity quantity_;
+    std::optional<double>
+        ranged_at_;         ///< the value behind the whole cycle, which set the attenuator
+    bool in_qpsk_ = false;  ///< the meter may be in its QPSK mode
 };
 
 }  // namespace m47::realtime

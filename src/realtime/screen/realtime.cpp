@@ -128,6 +128,7 @@ Realtime::Realtime(std::unique_ptr<RealtimeRules> own_rules, QWidget* parent)
 }
 
 Realtime::~Realtime() {
+    if (pointing_) pointing_->leave();
     rules.link.activity.set_run(std::nullopt);
 }
 
@@ -363,7 +364,8 @@ void Realtime::repeat_level(bool on) {
     if (on == (pointing_ != nullptr) || (on && (run || !rules.link.port_connected))) return;
     // Timed firings wait meanwhile, as they do for a pass.
     rules.state.plan_run_active = on || acquisition.passing();
-    pointing_ = on ? std::make_unique<Pointing>(rules) : nullptr;
+    if (pointing_) pointing_->leave();
+    pointing_ = on ? std::make_unique<Pointing>(rules, level_view_->quantity()) : nullptr;
     level_view_->repeats(on);
     if (on) next_level_.start(0);
 }
