@@ -74,10 +74,10 @@ class ComfortTest : public QObject, protected ProgramInFolder {
             if (by_tab.contains(const_cast<QRadioButton*>(other))) return true;
         return false;
     }
-    void start_on_virtual_line() {
+    FakePort& start_on_virtual_line() {
         end_program();
         new_folder();
-        start_at_one_level({1300, 900});
+        return start_at_one_level({1300, 900});
     }
     static QString spoken_name(QWidget* control) {
         QAccessibleInterface* interface = QAccessible::queryAccessibleInterface(control);
@@ -295,8 +295,8 @@ class ComfortTest : public QObject, protected ProgramInFolder {
         QTRY_VERIFY(line.written.contains("LEVANL?"));
         QStringList sent = line.take_commands();
         sent.removeDuplicates();
-        QCOMPARE(sent.mid(0, 4), (QStringList{"MEASURE", "FREQ 1000.0", "ATTEN 00",
-                                              sent.value(3)}));
+        QCOMPARE(sent.mid(0, 4),
+                 (QStringList{"MEASURE", "FREQ 1000.0", "ATTEN 00", sent.value(3)}));
         QVERIFY2(sent.contains("ATTEN 6"), qPrintable(sent.join('\n')));
         QTest::keyClick(view, Qt::Key_Q);
         QTest::keyClick(view, Qt::Key_Q);

@@ -254,6 +254,21 @@ class LayoutTest : public QObject, protected ProgramInFolder {
                 {"value", measured("58.3", measurement::Verdict::pass)},
                 {"below the peak", measured("-108.7", measurement::Verdict::fail)},
                 {"above the range", measured(">120.0", measurement::Verdict::none)},
+                {"a higher peak", measured("59.4", measurement::Verdict::fail)},
+                {"just below it", measured("58.6", measurement::Verdict::fail)},
+                {"no C/N",
+                 [](level::LevelView& view) { view.show_quantity(measurement::Quantity::cn); }},
+                {"MER",
+                 [](level::LevelView& view) {
+                     view.show_quantity(measurement::Quantity::mer);
+                     for (const char* mer : {"14.3", "12.9"}) {
+                         measurement::Measurement value;
+                         value.reading(measurement::Quantity::mer) =
+                             measurement::reading_of(measurement::Quantity::mer, QString(mer));
+                         value.frequency = 11778.0F;
+                         view.measured(value);
+                     }
+                 }},
                 {"repeated", [](level::LevelView& view) { view.repeats(true); }},
                 {"remark", [](level::LevelView& view) {
                      view.set_remark(QString("Nothing can be told about it. ").repeated(4));

@@ -44,8 +44,8 @@ FakePort& ProgramInFolder::start_on_fake_line(const QSize& size,
     return port;
 }
 
-void ProgramInFolder::start_at_one_level(const QSize& size) {
-    start_on_fake_line(size, [](FakePort& line) {
+FakePort& ProgramInFolder::start_at_one_level(const QSize& size) {
+    return start_on_fake_line(size, [](FakePort& line) {
         line.answer = [](const QByteArray& command) {
             if (command == "LEVANL?") return FakePort::good(command, "L 58.3");
             return FakePort::good(command, command.endsWith('?') ? "0" : "");

@@ -39,7 +39,7 @@ class ProgramInFolder {
     /// the meter on it is identified. The line, which the program owns.
     FakePort& start_on_fake_line(const QSize& size, const std::function<void(FakePort&)>& set_up);
     /// On such a line a meter at 58.3 of whatever unit.
-    void start_at_one_level(const QSize& size);
+    FakePort& start_at_one_level(const QSize& size);
 
     /// Ends the program, if one runs, and forgets its state. The folder stays, for the next run.
     void end_program();

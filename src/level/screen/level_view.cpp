@@ -196,7 +196,8 @@ void LevelView::refresh() {
 }
 
 void LevelView::speak(const LevelPicture& shown) {
-    QStringList spoken{shown.value, shown.unit, shown.below, shown.verdict, shown.age};
+    QStringList spoken{shown.value, shown.unit, repeating() ? shown.below : QString(),
+                       shown.verdict, shown.age};
     spoken.removeAll(QString());
     setAccessibleName(spoken.join(u' '));
 }
@@ -268,7 +269,7 @@ void LevelView::paint_level(QPainter& painter, const LevelPicture& shown) {
     const double edge = w * 0.03;
     painter.setPen(colour_of(shown.colour));
     draw_number(painter, {edge, h * 0.11, w - 2 * edge, h * 0.4}, shown.value);
-    painter.setPen(kPeakColour);
+    painter.setPen(shown.colour == LevelColour::stale ? kStaleColour : kPeakColour);
     draw_fitting(painter, {edge, h * 0.52, w - 2 * edge, h * 0.115}, shown.below, true);
     painter.setPen(colour_of(shown.colour));
     const double row = h * 0.64;

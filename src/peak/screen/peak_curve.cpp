@@ -111,11 +111,13 @@ void PeakCurve::paint_scale(QPainter& painter, const QRectF& field) const {
     painter.drawText(QRectF(0, 0, width(), field.top()), Qt::AlignLeft | Qt::AlignVCenter,
                      u' ' + unit_);
     if (levels_.empty()) return;
-    for (const double db : {lowest_, highest_}) {
-        const double y = place(field, 0, db).y();
-        const QRectF room(0, y - height / 2, field.left() - kDot, height);
+    // Within the height of the field: below it are the degrees.
+    const auto paint_level = [&](double db, double top) {
+        const QRectF room(0, top, field.left() - kDot, height);
         painter.drawText(room, Qt::AlignRight | Qt::AlignVCenter, number(db));
-    }
+    };
+    paint_level(highest_, field.top());
+    paint_level(lowest_, field.bottom() - height);
 }
 
 void PeakCurve::paint_levels(QPainter& painter, const QRectF& field) const {
