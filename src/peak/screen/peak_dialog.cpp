@@ -80,21 +80,10 @@ PeakDialog::PeakDialog(PeakWork work, QWidget* parent) : QDialog(parent), work_(
 
 void PeakDialog::build() {
     auto* layout = new QVBoxLayout(this);
-    what_ = new QLabel(work_.texts.pick(kWhat));
-    what_->setWordWrap(true);
-    layout->addWidget(what_);
-    auto* row = new QHBoxLayout;
-    auto* caption = new QLabel(work_.texts.pick(kSpan));
-    span_ = new QComboBox;
-    span_->setObjectName(QStringLiteral("peak_span"));
-    for (int degrees = 1; degrees <= kMostDegrees; ++degrees)
-        span_->addItem(QString::number(degrees) + u'°', degrees);
-    span_->setCurrentIndex(span_->findData(kUsualDegrees));
-    caption->setBuddy(span_);
-    row->addWidget(caption);
-    row->addWidget(span_);
-    row->addStretch();
-    layout->addLayout(row);
+    auto* what = new QLabel(work_.texts.pick(kWhat));
+    what->setWordWrap(true);
+    layout->addWidget(what);
+    build_span(layout);
     curve_ = new PeakCurve;
     layout->addWidget(curve_, 1);
     state_ = new QLabel;
@@ -104,6 +93,25 @@ void PeakDialog::build() {
     state_->setMinimumHeight(3 * fontMetrics().lineSpacing());
     state_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     layout->addWidget(state_);
+    build_keys(layout);
+}
+
+void PeakDialog::build_span(QBoxLayout* layout) {
+    auto* caption = new QLabel(work_.texts.pick(kSpan));
+    span_ = new QComboBox;
+    span_->setObjectName(QStringLiteral("peak_span"));
+    for (int degrees = 1; degrees <= kMostDegrees; ++degrees)
+        span_->addItem(QString::number(degrees) + u'°', degrees);
+    span_->setCurrentIndex(span_->findData(kUsualDegrees));
+    caption->setBuddy(span_);
+    auto* row = new QHBoxLayout;
+    row->addWidget(caption);
+    row->addWidget(span_);
+    row->addStretch();
+    layout->addLayout(row);
+}
+
+void PeakDialog::build_keys(QBoxLayout* layout) {
     auto* keys = new QHBoxLayout;
     layout->addLayout(keys);
     start_ = add_key(keys, "peak_start", kStart);
@@ -120,8 +128,8 @@ void PeakDialog::build() {
     escape_->setShortcut(Qt::Key_Escape);
     addAction(escape_);
     connect(escape_, &QAction::triggered, this, &PeakDialog::stop);
-    for (QObject* at_once : {static_cast<QObject*>(stop_), static_cast<QObject*>(escape_)})
-        act_while_busy(at_once);
+    act_while_busy(stop_);
+    act_while_busy(escape_);
 }
 
 void PeakDialog::build_store(QBoxLayout* keys) {

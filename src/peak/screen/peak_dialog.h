@@ -47,6 +47,8 @@ class PeakDialog : public QDialog {
 
   private:
     void build();
+    void build_span(QBoxLayout* layout);
+    void build_keys(QBoxLayout* layout);
     void build_store(QBoxLayout* keys);
     QPushButton* add_key(QBoxLayout* keys, const char* name, const Bilingual& caption);
     void start();
@@ -56,7 +58,6 @@ class PeakDialog : public QDialog {
     void store();
 
     PeakWork work_;
-    QLabel* what_ = nullptr;
     QComboBox* span_ = nullptr;
     PeakCurve* curve_ = nullptr;
     QLabel* state_ = nullptr;
