@@ -30,6 +30,15 @@ class BandTest : public QObject {
     void carriers_are_named_by_what_fits_data();
     void carriers_are_named_by_what_fits();
     void the_sky_lies_above_or_below_its_oscillator();
+    // band_run_test.cpp
+    void a_choice_is_the_passes_over_the_band_data();
+    void a_choice_is_the_passes_over_the_band();
+    void traces_hold_the_last_the_highest_and_the_mean();
+    void a_reference_is_that_of_its_feed_and_unit();
+    void a_run_passes_over_all_states_and_sets_back_once();
+    void a_run_that_repeats_goes_on_until_it_is_stopped();
+    void a_run_tells_each_end_in_one_sentence();
+    void carriers_become_programs();
     // meter_levels_test.cpp
     void a_sweep_sends_no_more_than_it_needs();
     void the_meter_is_left_as_it_was();

@@ -23,6 +23,12 @@ void BandCurve::take(const Sample& sample) {
         samples_.insert(place, sample);
 }
 
+std::optional<measurement::Reading> BandCurve::exactly_at(double mhz) const {
+    const auto place = std::ranges::lower_bound(samples_, mhz, std::less<>(), &Sample::mhz);
+    if (place == samples_.end() || place->mhz != mhz) return std::nullopt;
+    return place->level;
+}
+
 std::optional<double> BandCurve::level_at(double mhz) const {
     const auto above = std::ranges::lower_bound(samples_, mhz, std::less<>(), &Sample::mhz);
     if (above == samples_.end()) return std::nullopt;

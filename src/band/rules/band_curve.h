@@ -32,6 +32,8 @@ class BandCurve {
         return static_cast<double>(samples_[place].level.value);
     }
 
+    /// The level that was measured at `mhz` itself.
+    std::optional<measurement::Reading> exactly_at(double mhz) const;
     /// The level at `mhz`, between two samples on the line between them; nothing outside of them.
     std::optional<double> level_at(double mhz) const;
 

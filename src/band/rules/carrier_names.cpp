@@ -64,6 +64,7 @@ void name_carriers(std::vector<Carrier>& carriers,
             if (off > nearest || !fits(transponder, carrier, mhz, terms.feed)) continue;
             nearest = off;
             carrier.name = transponder.name;
+            carrier.symbol_rate = transponder.symbol_rate;
         }
     }
 }

@@ -14,10 +14,11 @@ namespace m47::band {
 /// curve.
 struct Carrier {
     double centre = 0;
-    double width = 0;   ///< where half of its power is reached
-    double level = 0;   ///< of its flat top
-    double height = 0;  ///< above the higher of the valleys beside it, dB
-    QString name{};     ///< of a scan table; empty without one
+    double width = 0;        ///< where half of its power is reached
+    double level = 0;        ///< of its flat top
+    double height = 0;       ///< above the higher of the valleys beside it, dB
+    QString name{};          ///< of a scan table; empty without one
+    double symbol_rate = 0;  ///< of a scan table, MS/s; 0 without one
 };
 
 /// The filter through which the meter measures, MHz, where nothing better is known.

@@ -26,6 +26,8 @@ enum class FilePurpose {
     old_database,
     recording,
     problem,
+    sweep,
+    scan_table,
 };
 
 /// What the program remembers from one run to the next for the user's comfort: window places, the

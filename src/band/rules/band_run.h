@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include "band_choice.h"
+#include "meter_levels.h"
+#include "sweep.h"
+#include "work.h"
+
+namespace m47::band {
+
+/// How a run of passes over the band ended, for whoever waited for it.
+struct BandEnd {
+    bool stopped = false;  ///< told to stop or to end
+    bool lost = false;     ///< nobody answers any more
+    int levels = 0;
+    int without_level = 0;  ///< frequencies at which the meter gave no sure level
+    std::vector<Bilingual> not_set_back{};
+};
+
+/// What `end` says in one sentence, with the number of `carriers` found.
+QString end_text(const BandEnd& end, std::size_t carriers, const Texts& texts);
+
+/// Passes over the band, one behind the other. At the end, however it comes, the meter is set back.
+class BandRun {
+  public:
+    BandRun(link::Link& link, std::vector<BandPass> passes)
+        : link_(link), passes_(std::move(passes)), levels_(link) {}
+
+    /// All passes again and again, until somebody stops it.
+    bool repeats = false;
+    /// Told of a pass that begins, the meter's unit known, and of each answer in it.
+    std::function<void(const BandPass& pass, std::optional<LevelUnit> unit)> on_pass;
+    std::function<void(const Sample& sample)> on_level;
+    /// Told of each pass that was gone through to its end.
+    std::function<void()> on_passed;
+
+    /// Sweeps. Told to stop it ends with what there is and does not throw.
+    BandEnd run();
+
+  private:
+    void sweep_all(link::Work& work);
+    void sweep_one(std::size_t place, link::Work& work);
+    void note(const Sample& sample);
+
+    link::Link& link_;
+    std::vector<BandPass> passes_;
+    MeterLevels levels_;
+    BandEnd end_;
+};
+
+}  // namespace m47::band
