@@ -10,6 +10,7 @@
 #include "link.h"
 #include "plan_boxes.h"
 #include "plan_edit_menu.h"
+#include "plan_file.h"
 #include "plan_history.h"
 #include "plan_sets.h"
 #include "plan_table_view.h"
@@ -47,6 +48,9 @@ class ProgramSet : public Screen {
 
     /// False where the user wants to stay for the edits in the boxes, as the choice is.
     bool may_be_left() override;
+
+    /// Offers `programs` to the plan on the screen, as an import of a file does.
+    void offer_programs(const std::vector<ImportCandidate>& programs);
 
     /// Shows the plan `name` at its first program; what there is stays where it has been deleted.
     void show_plan(const QString& name);
@@ -119,6 +123,7 @@ class ProgramSet : public Screen {
                        const programme::ProgramField::Member& member, const QString& text);
     void copy_rows();
     void paste_rows();
+    void import_file(const ImportFile& file);
     void take_in(const ImportPreview& preview);
     void refuse_paste(int line, ImportProblem problem);
     void insert_rows();

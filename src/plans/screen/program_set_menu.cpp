@@ -83,6 +83,21 @@ void ProgramSet::cmdimport_Click() {
         tell_problem(this, program_.texts.pick(kNoSatellites).arg(QFileInfo(path).fileName()));
         return;
     }
+    import_file(file);
+}
+
+void ProgramSet::offer_programs(const std::vector<ImportCandidate>& programs) {
+    handle("band_programs_Click", [&] {
+        if (lacks_plan() || !may_leave()) return;
+        ImportFile file;
+        file.candidates = programs;
+        file.understood = true;
+        import_file(file);
+    });
+}
+
+/// Shows what would come of `file` and stores what is wanted of it.
+void ProgramSet::import_file(const ImportFile& file) {
     // As they are now, whatever others store while the user looks.
     const std::vector<programme::ProgramRecord> programs = sets_.programs();
     const programme::Oscillators oscillators = sets_.oscillators();

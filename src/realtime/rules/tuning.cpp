@@ -13,6 +13,8 @@ namespace m47::realtime {
 namespace {
 
 constexpr qsizetype kOscillatorLength = 6;
+/// By the entry of the list of the LNB.
+constexpr std::array<int, 3> kLnbVolts{0, 13, 18};
 
 constexpr Bilingual kFrequencyLost{"Frequency not kept: type it again",
                                    "Frequenza non conservata: scriverla di nuovo"};
@@ -109,9 +111,27 @@ void Tuning::send_supply(int volts) {
 }
 
 void Tuning::satlnb_state_Click(int index) {
-    constexpr std::array<int, 3> kVolts{0, 13, 18};
-    if (state_.recall_in_progress || index < 0 || index >= static_cast<int>(kVolts.size())) return;
-    send_supply(kVolts[static_cast<std::size_t>(index)]);
+    if (state_.recall_in_progress || index < 0 || index >= static_cast<int>(kLnbVolts.size()))
+        return;
+    send_supply(kLnbVolts[static_cast<std::size_t>(index)]);
+}
+
+void Tuning::tune_to(const WantedCarrier& carrier) {
+    const auto entry = std::ranges::find(kLnbVolts, carrier.volts);
+    if (entry != kLnbVolts.end()) {
+        panel_.satlnb_state = static_cast<int>(entry - kLnbVolts.begin());
+        satlnb_state_Click(panel_.satlnb_state);
+    }
+    if (carrier.tone) {
+        panel_.k22_state = *carrier.tone ? 0 : 1;
+        k22_state_Click(panel_.k22_state);
+    }
+    panel_.locopt = {!carrier.oscillator, carrier.oscillator.has_value()};
+    if (carrier.oscillator) panel_.ol_freq = link::plain_text(*carrier.oscillator);
+    locopt_Click(carrier.oscillator ? 1 : 0);
+    // The choice of the oscillator has read another one back.
+    panel_.fsat = link::plain_text(carrier.mhz);
+    fsat_KeyPress(kEnterKey);
 }
 
 void Tuning::lnb_supply_Click(int index) {

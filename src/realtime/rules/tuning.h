@@ -10,6 +10,15 @@
 
 namespace m47::realtime {
 
+/// A carrier to be tuned to: MHz in the sky where there is an oscillator, else of the intermediate
+/// band. What is not told of the LNB stays as it is.
+struct WantedCarrier {
+    double mhz = 0;
+    std::optional<double> oscillator{};  ///< MHz
+    std::optional<int> volts{};          ///< 0, 13 or 18
+    std::optional<bool> tone{};
+};
+
 /// The tuning controls of the real-time screen: each brings the confirmed value into its range,
 /// writes it back and sends it. No handler checks the answer; the control keeps what was sent.
 class Tuning {
@@ -26,6 +35,10 @@ class Tuning {
     /// `index` 0: no local oscillator, 1: through the one of `ol_freq`. Reads the tuned frequency
     /// back into `fsat`, during a recall too.
     void locopt_Click(int index);
+    /// Sets the controls for `carrier` and sends them as somebody does who enters it: LNB, tone,
+    /// oscillator, frequency.
+    void tune_to(const WantedCarrier& carrier);
+
     /// `index` of the entry "OFF", "13V", "18V".
     void satlnb_state_Click(int index);
     /// `index` of the entry "OFF", "13V", "15V", "18V", "24V".

@@ -179,6 +179,10 @@ void Realtime::meter_came() {
     handle("cmdreconnect_Click", [this] { rules.modes.meter_came(); });
 }
 
+void Realtime::tune_to(const WantedCarrier& carrier) {
+    handle("band_carrier_Click", [&] { rules.tuning.tune_to(carrier); });
+}
+
 void Realtime::connect_tuning() {
     const auto on_enter = [this](QLineEdit* box, const char* name, void (Tuning::*handler)(int)) {
         when(box, &QLineEdit::returnPressed, name,

@@ -48,6 +48,9 @@ class Realtime : public Screen {
     /// A meter was connected again while the screen is open.
     void meter_came();
 
+    /// Tunes to `carrier`, as the controls then show it.
+    void tune_to(const WantedCarrier& carrier);
+
     /// Opens `file` as the log, as the key "save" does with the chosen name.
     void open_log(const QString& file);
     /// What a report says of the meter: its version, and that it is none where it is none.
