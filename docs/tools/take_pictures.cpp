@@ -32,6 +32,8 @@ constexpr QSize kWindow(980, 680);
 constexpr QSize kSmallWindow(720, 400);
 constexpr QSize kTrendWindow(1000, 1000);
 constexpr QSize kTrendScreen(900, 850);
+constexpr QSize kSweepWindow(1200, 800);
+constexpr QSize kSweepScreen(1080, 600);
 
 struct SampleProgram {
     const char* number;
@@ -49,6 +51,11 @@ constexpr const char* kScanTable =
     "S 10719000 V 27500000 5/6\nS 10775000 H 28000000 3/4\nS 11240000 V 27500000 3/4\n"
     "S 11727000 H 27500000 3/4\nS 12015000 H 27500000 3/4\nS 12731000 V 27500000 3/4\n"
     "S 13000000 V 27500000 3/4\n";
+
+// What the simulated sky sends in the vertical low band.
+constexpr const char* kSweptTable =
+    "S 10750000 V 27500000 3/4\nS 10847500 V 22000000 5/6\nS 11025500 V 27500000 3/4\n"
+    "S 11112000 V 30000000 3/4\nS 11200500 V 6111000 3/4\nS 11375000 V 27500000 3/4\n";
 
 /// The picture with no more than 256 colours, which a screen hardly exceeds: a third of the bytes.
 QImage with_few_colours(const QImage& picture) {
@@ -93,6 +100,7 @@ class Pictures {
         measuring();
         plan_run();
         logger();
+        sweep();
         satellites();
         open("configurazione");
         click_action("logo");
@@ -155,6 +163,7 @@ class Pictures {
     void measuring();
     void plan_run();
     void logger();
+    void sweep();
     void satellites();
     void lost();
 
@@ -290,6 +299,33 @@ void Pictures::logger() {
     save("logger-table", screen_->parentWidget());
     click("cmdspan");
     save("logger-span", screen_->parentWidget());
+}
+
+void Pictures::sweep() {
+    open("band_sweep");
+    program_->window().resize(kSweepWindow);
+    screen_->parentWidget()->resize(kSweepScreen);
+    const auto pick = [this](const char* list, int entry) {
+        find<QComboBox>(list)->setCurrentIndex(entry);
+        Q_EMIT find<QComboBox>(list)->activated(entry);
+    };
+    pick("band_feed", 1);
+    pick("band_axis", 1);
+    click("band_whole");
+    type("band_from", "10670");
+    type("band_to", "11300");
+    QFile table(work_.filePath("13E"));
+    if (!table.open(QIODevice::WriteOnly) || table.write(kSweptTable) < 0) qFatal("no scan table");
+    table.close();
+    click("band_start");
+    choose_file(table.fileName());
+    click("band_scan");
+    auto* chart = find<QWidget>("band_plot");
+    QTest::mouseClick(chart, Qt::LeftButton, {}, {chart->width() / 3, chart->height() * 3 / 4});
+    QTest::mouseClick(chart, Qt::RightButton, {}, {chart->width() / 2, chart->height() * 3 / 4});
+    click("band_start");
+    save("sweep", screen_->parentWidget());
+    program_->window().resize(kWindow);
 }
 
 void Pictures::satellites() {

@@ -85,10 +85,8 @@ M47MDI::M47MDI(ProgramState& program, QWidget* parent)
     for (QAction* entry : {ui_->cmdinglese, ui_->cmditaliano, ui_->cmdmanual, ui_->cmdexit})
         keep_while_busy(entry);
     open_to_keyboard(this);
-    connect(ui_->barracomandi, &QToolBar::actionTriggered, this, [this](const QAction* key) {
-        const QByteArray name = "barracomandi_ButtonClick " + key->objectName().toLatin1();
-        run_handler(this, name.constData(), [&] { open_screen(key->objectName()); });
-    });
+    connect(ui_->barracomandi, &QToolBar::actionTriggered, this,
+            [this](const QAction* key) { key_clicked("barracomandi_ButtonClick ", key); });
     on(ui_->cmdinglese, &QAction::triggered, this, "cmdinglese_Click",
        [this] { cmdinglese_Click(); });
     on(ui_->cmditaliano, &QAction::triggered, this, "cmditaliano_Click",
@@ -140,10 +138,36 @@ void M47MDI::add_keys() {
         // Tab stays within a screen, so another one is opened from there by its shortcut.
         keep_while_busy(key);
         key->setShortcut(Qt::CTRL | screen.shortcut);
-        ui_->barracomandi->addAction(key);
+        screen_keys_ += key;
+        if (screen.bar == KeyBar::commands) {
+            ui_->barracomandi->addAction(key);
+            continue;
+        }
+        connect(key, &QAction::triggered, this,
+                [this, key] { key_clicked("barrastrumenti_ButtonClick ", key); });
+        // Its shortcut holds before it has a bar.
+        addAction(key);
     }
     // The keys have pictures alone: here they are read, with their shortcuts.
-    ui_->cmdscreens->addActions(ui_->barracomandi->actions());
+    ui_->cmdscreens->addActions(screen_keys_);
+}
+
+void M47MDI::key_clicked(const QByteArray& bar, const QAction* key) {
+    const QByteArray name = bar + key->objectName().toLatin1();
+    run_handler(this, name.constData(), [&] { open_screen(key->objectName()); });
+}
+
+/// Behind the first picture of the window, which does not wait for it; it takes room from nothing.
+void M47MDI::add_instruments() {
+    auto* bar = new QToolBar;
+    bar->setObjectName(QStringLiteral("barrastrumenti"));
+    bar->setMovable(false);
+    for (qsizetype k = 0; k < screen_keys_.size(); ++k)
+        if (screen_table()[static_cast<std::size_t>(k)].bar == KeyBar::instruments)
+            bar->addAction(screen_keys_[k]);
+    addToolBar(bar);
+    windows_->take_toolbar(bar);
+    open_to_keyboard(bar);
 }
 
 void M47MDI::add_screen(const QString& key, const ScreenMaker& maker) {
@@ -195,7 +219,7 @@ void M47MDI::connect_window_menu() {
     windows_->take_toolbar(ui_->barracomandi);
     windows_->front_key = [this] { return front_key(); };
     windows_->open_keys = [this] {
-        QList<QAction*> keys = ui_->barracomandi->actions();
+        QList<QAction*> keys = screen_keys_;
         keys.removeIf([this](const QAction* key) { return !screen_of(key->objectName()); });
         return keys;
     };
@@ -247,7 +271,9 @@ void M47MDI::showEvent(QShowEvent* event) {
 }
 
 void M47MDI::begin() {
-    if (!std::exchange(begun_, true)) Q_EMIT painted();
+    if (std::exchange(begun_, true)) return;
+    add_instruments();
+    Q_EMIT painted();
 }
 
 void M47MDI::closeEvent(QCloseEvent* event) {

@@ -126,6 +126,8 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
 
   private:
     void add_keys();
+    void key_clicked(const QByteArray& bar, const QAction* key);
+    void add_instruments();
     void connect_entries();
     void connect_window_menu();
     /// Gives a screen that opens, or is no tab any more, its place.
@@ -155,6 +157,7 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
     StatusPanel* status_;
     CorrectedMenu* corrected_ = nullptr;
     WindowMenu* windows_ = nullptr;
+    QList<QAction*> screen_keys_;  ///< one for each screen, in their order
     QMap<QString, ScreenMaker> makers_;
     QMap<QString, QPointer<QMdiSubWindow>> views_;
     QPointer<QMdiSubWindow> front_;

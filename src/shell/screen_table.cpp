@@ -2,6 +2,7 @@
 #include "screen_table.h"
 
 #include "asl.h"
+#include "band_sweep.h"
 #include "config_set.h"
 #include "download.h"
 #include "port_setting.h"
@@ -63,6 +64,30 @@ Screen* make_ports(const ScreenParts& parts) {
     return screen;
 }
 
+void tune_to(M47MDI& window, const band::FoundCarrier& found) {
+    const auto& [carrier, terms] = found;
+    window.open_screen(QStringLiteral("realtime"));
+    auto* screen = window.opened<realtime::Realtime>();
+    if (!screen) return;
+    const double mhz =
+        terms.oscillator ? band::sky_frequency(carrier.centre, *terms.oscillator) : carrier.centre;
+    screen->tune_to({mhz, terms.oscillator, terms.feed.volts, terms.feed.tone});
+}
+
+Screen* make_sweep(const ScreenParts& parts) {
+    auto* screen = new band::BandSweep(parts.connection.link(), parts.state);
+    M47MDI* window = &parts.window;
+    QObject::connect(screen, &band::BandSweep::carrier_chosen, window,
+                     [window](const band::FoundCarrier& found) { tune_to(*window, found); });
+    QObject::connect(screen, &band::BandSweep::programs_wanted, window,
+                     [window](const std::vector<plans::ImportCandidate>& programs) {
+                         window->open_screen(QStringLiteral("program"));
+                         auto* plan = window->opened<plans::ProgramSet>();
+                         if (plan) plan->offer_programs(programs);
+                     });
+    return screen;
+}
+
 constexpr ScreenEntry kScreens[] = {
     {"program", "Plan Setup", {"Plans", "Piani"}, Qt::Key_1, "plans", make_plans},
     {"download", "Download Data Logged", {"Logger", "Logger"}, Qt::Key_2, "logger", make_logger},
@@ -80,6 +105,13 @@ constexpr ScreenEntry kScreens[] = {
      make_satellites},
     {"configurazione", "Configuration", {"Logo", "Logo"}, Qt::Key_5, "logo", make_logo},
     {"setport", "RS232 Port Selection", {"Port", "Porta"}, Qt::Key_6, "connect", make_ports},
+    {"band_sweep",
+     "Band sweep",
+     {"Band", "Banda"},
+     Qt::Key_7,
+     "sweep",
+     make_sweep,
+     KeyBar::instruments},
 };
 
 }  // namespace

@@ -22,6 +22,9 @@ struct ScreenParts {
     StartDesk& start;
 };
 
+/// The toolbars of the main window: the keys that technicians know, and those that came later.
+enum class KeyBar { commands, instruments };
+
 /// A screen of the main window.
 struct ScreenEntry {
     const char* key;          ///< names its button in the toolbar, the icon and the stored place
@@ -30,9 +33,10 @@ struct ScreenEntry {
     Qt::Key shortcut;         ///< of that button, together with Ctrl
     const char* manual_page;  ///< opened by F1
     Screen* (*make)(const ScreenParts& parts);
+    KeyBar bar = KeyBar::commands;
 };
 
-/// All screens, in the order of the toolbar.
+/// All screens, in the order of their toolbars.
 std::span<const ScreenEntry> screen_table();
 
 /// Their keys.

@@ -64,7 +64,8 @@ WindowMenu::WindowMenu(QMenu* menu, QMdiArea* area, ProgramState& program)
 }
 
 void WindowMenu::take_toolbar(QToolBar* bar) {
-    bar_ = bar;
+    bars_ += bar;
+    if (bars_.size() > 1) return show_words();
     words_->setCheckable(true);
     words_->setChecked(program_.preferences.toolbar_words());
     connect(words_, &QAction::toggled, this, [this](bool words) {
@@ -80,8 +81,9 @@ bool WindowMenu::words() const {
 }
 
 void WindowMenu::show_words() {
-    bar_->setToolButtonStyle(words_->isChecked() ? Qt::ToolButtonTextUnderIcon
-                                                 : Qt::ToolButtonIconOnly);
+    for (QToolBar* bar : bars_)
+        bar->setToolButtonStyle(words_->isChecked() ? Qt::ToolButtonTextUnderIcon
+                                                    : Qt::ToolButtonIconOnly);
 }
 
 QAction* WindowMenu::add_entry(const char* name) {

@@ -22,7 +22,8 @@ class WindowMenu : public QObject {
     std::function<QList<QAction*>()> open_keys;
     std::function<QString()> front_key;
 
-    /// The keys of `bar` have words under their icons or not, as it was chosen last.
+    /// The keys of `bar` have words under their icons or not, as it was chosen last; so have those
+    /// of the bars taken before.
     void take_toolbar(QToolBar* bar);
 
     /// Whether the keys of the toolbars have words.
@@ -59,7 +60,7 @@ class WindowMenu : public QObject {
     QAction* cascade_;
     QAction* tile_;
     QAction* words_;
-    QToolBar* bar_ = nullptr;
+    QList<QToolBar*> bars_;
     QList<QAction*> screens_;  ///< an entry for each open screen, made when the menu opens
 };
 

@@ -8,8 +8,11 @@
 #include <QRadioButton>
 #include <QStyleFactory>
 #include <QTabWidget>
+#include <QToolBar>
+#include <cmath>
 
 #include "about_box.h"
+#include "band_sweep.h"
 #include "box_answers.h"
 #include "contrast.h"
 #include "contrast_style.h"
@@ -82,6 +85,8 @@ class LayoutTest : public QObject, protected ProgramInFolder {
         std::function<void(Screen*)> enter = [](Screen*) {};
     };
     BoxAnswers boxes_;
+    double tuned_ = 0;
+    bool stops_half_way_ = false;
 
     static realtime::Realtime& realtime_of(Screen* screen) {
         return *qobject_cast<realtime::Realtime*>(screen);
@@ -132,6 +137,7 @@ class LayoutTest : public QObject, protected ProgramInFolder {
                     {"span", [this](Screen* screen) { turn_page(screen, "pages", 2); }},
                     {"recorded",
                      [this](Screen*) { program().recording().start(in_folder("line.trace")); }}};
+        if (key == "band_sweep") return sweep_states();
         if (key != "realtime") return {{"as it opens"}};
         const auto press = [](const char* name) {
             return [name](Screen* screen) { screen->findChild<QAction*>(name)->trigger(); };
@@ -152,6 +158,56 @@ class LayoutTest : public QObject, protected ProgramInFolder {
             {"plan", press("group")},
             {"analog again", press("analogico")},
         };
+    }
+    /// A meter under carriers 30 MHz wide, one each 60 MHz of the intermediate band.
+    void start_under_carriers(const QSize& size) {
+        start_on_fake_line(size, [this](FakePort& line) {
+            line.answer = [this](const QByteArray& command) {
+                if (command.startsWith("FREQ ")) tuned_ = command.mid(5).toDouble();
+                if (tuned_ > 1500 && stops_half_way_) program().link().activity.stop();
+                if (command == "LEVANL?")
+                    return FakePort::good(command, "  " + QByteArray::number(level_at(tuned_), 'f', 1));
+                return FakePort::good(command, command.endsWith('?') ? "00" : "");
+            };
+        });
+    }
+    static double level_at(double mhz) {
+        const double off = std::fmod(mhz, 60) - 30;
+        return 42 + 15 / (1 + std::pow(std::abs(off) / 14, 8)) + std::floor(mhz / 60) / 5;
+    }
+    void sweep(Screen* screen, bool half) {
+        tuned_ = 0;
+        stops_half_way_ = half;
+        find<QPushButton>("band_start", screen)->click();
+        stops_half_way_ = false;
+    }
+    QList<State> sweep_states() {
+        const auto named = [this](Screen* screen) {
+            auto* sweep_screen = qobject_cast<band::BandSweep*>(screen);
+            find<QComboBox>("band_axis", screen)->setCurrentIndex(1);
+            Q_EMIT find<QComboBox>("band_axis", screen)->activated(1);
+            QFile table(in_folder("scan"));
+            if (!table.open(QIODevice::WriteOnly)) qFatal("no scan table");
+            for (int k = 0; k < 20; ++k)
+                table.write("S " + QByteArray::number((9750 + 990 + 60 * k) * 1000) +
+                            " H 28000000 5/6\n");
+            table.close();
+            sweep(screen, false);
+            sweep_screen->load_scan_table(table.fileName());
+        };
+        const auto with_reference = [this](Screen* screen) {
+            find<QPushButton>("band_keep", screen)->click();
+            find<QCheckBox>("band_difference", screen)->click();
+            find<QCheckBox>("band_hold", screen)->click();
+            QWidget* plot = find<QCustomPlot>("band_plot", screen);
+            const QPoint middle = plot->rect().center();
+            QTest::mouseClick(plot, Qt::LeftButton, {}, middle + QPoint(20, 60));
+            QTest::mouseClick(plot, Qt::LeftButton, Qt::ShiftModifier, middle + QPoint(80, 60));
+        };
+        return {{"empty"},
+                {"half way", [this](Screen* screen) { sweep(screen, true); }},
+                {"ended with named carriers", named},
+                {"with reference", with_reference}};
     }
     void tick(Screen* screen, const char* name) {
         find<QAbstractButton>(name, screen)->setChecked(true);
@@ -314,6 +370,7 @@ class LayoutTest : public QObject, protected ProgramInFolder {
         new_folder();
         start_program(room_on(kDesktops[0]));
         QApplication::setActiveWindow(&window());
+        QTRY_VERIFY(window().findChild<QToolBar*>("barrastrumenti"));
     }
     void cleanup() { end_program(); }
 
@@ -321,6 +378,11 @@ class LayoutTest : public QObject, protected ProgramInFolder {
     void every_screen_holds_at_every_size() {
         QFETCH(QString, name);
         QFETCH(int, language);
+        if (name == "band_sweep") {
+            end_program();
+            start_under_carriers(room_on(kDesktops[0]));
+            QTRY_VERIFY(window().findChild<QToolBar*>("barrastrumenti"));
+        }
         speak(language);
         Screen* screen = open(name);
         QStringList faults;

@@ -32,6 +32,13 @@ void ScreensTest::main_window_is_as_technicians_know_it() {
     QCOMPARE(tips,
              QStringList({"Plan Setup", "Download Data Logged", "Real Time Function Mode",
                           "Automatic Satellite Locator", "Configuration", "RS232 Port Selection"}));
+    // What came later stands in a bar of its own, in the same row.
+    QTRY_VERIFY(window().findChild<QToolBar*>("barrastrumenti"));
+    const auto* later = find<QToolBar>("barrastrumenti");
+    QCOMPARE(later->actions().size(), 1);
+    QCOMPARE(later->actions().first()->objectName(), QStringLiteral("band_sweep"));
+    QCOMPARE(later->y(), find<QToolBar>("barracomandi")->y());
+    QVERIFY(find<QMenu>("cmdscreens")->actions().contains(later->actions().first()));
     QCOMPARE(find<QMenu>("cmdlingua")->title(), QStringLiteral("&Language"));
     QVERIFY(find<QAction>("asl")->isEnabled());
     QVERIFY(!find<QWidget>("pbar1")->isVisible());

@@ -26,6 +26,7 @@
 #include <QToolBar>
 #include <QWheelEvent>
 
+#include "band_sweep.h"
 #include "box_answers.h"
 #include "fake_port.h"
 #include "fault.h"
@@ -56,6 +57,8 @@ class ScreensTest : public QObject, protected ProgramInFolder {
 
   private:
     realtime::Realtime* open_realtime();
+    band::BandSweep* open_sweep(double from, double to, const char* step);
+    void sweep(band::BandSweep* screen);
     MeterInProcess& start_with_meter();
     void click_in_the_wait(const QWidget* control);
     QByteArray sight();
@@ -252,6 +255,24 @@ class ScreensTest : public QObject, protected ProgramInFolder {
     void of_a_long_recording_the_report_has_the_end();
 
     void a_report_that_cannot_be_written_is_told_and_leaves_nothing();
+
+    void a_sweep_asks_what_it_needs_and_esc_stops_it();
+
+    void what_a_stopped_sweep_found_can_be_saved();
+
+    void a_sweep_finds_carriers_and_a_click_tunes_to_one();
+
+    void four_states_of_the_lnb_are_swept_in_a_row();
+
+    void a_reference_is_kept_loaded_and_held_against();
+
+    void markers_are_set_by_clicks_and_moved_by_keys();
+
+    void carriers_become_programs_by_the_preview_of_an_import();
+
+    void every_fault_of_the_line_ends_a_sweep_with_one_sentence();
+
+    void what_cannot_be_swept_is_told();
 
     void a_fault_in_a_handler_shows_one_box_and_the_program_goes_on();
 };
