@@ -3,22 +3,15 @@
 // pseudo-terminal on which a thread answers at the pace of the wire, at each of the three paces
 // that a day has. Prints how near they come to what pacing and meter allow, what waiting costs the
 // processor, and what a recording of the line takes of a transaction.
-#include <fcntl.h>
-#include <poll.h>
-#include <pty.h>
 #include <sys/resource.h>
-#include <termios.h>
-#include <unistd.h>
 
 #include <QCoreApplication>
 #include <QString>
 #include <QTemporaryDir>
 #include <algorithm>
-#include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <optional>
-#include <thread>
 #include <vector>
 
 #include "clock_tick.h"
@@ -26,6 +19,7 @@
 #include "figure.h"
 #include "instant_meter.h"
 #include "link.h"
+#include "paced_meter.h"
 #include "real_clock.h"
 #include "real_port.h"
 #include "recording_file.h"
@@ -35,6 +29,7 @@
 namespace {
 
 using namespace std::chrono_literals;
+using bench::seconds;
 using std::chrono::duration_cast;
 using std::chrono::nanoseconds;
 using std::chrono::steady_clock;
@@ -44,17 +39,12 @@ constexpr int kSlowTransactions = 3;
 constexpr int kInstantTransactions = 2000;
 /// Taken in turns with and without a recording, so that what else goes on meets both.
 constexpr int kRecordedTurns = 5;
-constexpr nanoseconds kCharacter = nanoseconds{11 * 1'000'000'000LL / 38'400};
 constexpr nanoseconds kMeterDelay = 5ms;
 constexpr nanoseconds kSlowMeterDelay = 1500ms;
 const QByteArray kQuery = "LEVANL?";
 const QByteArray kAnswer = "LEVANL?\r73.5\rOK\r";
 const QByteArray kSlowQuery = "ATTEN?";
 const QByteArray kSlowAnswer = "ATTEN?\r2\rOK\r";
-
-double seconds(nanoseconds time) {
-    return std::chrono::duration<double>(time).count();
-}
 
 /// What the meter says to `command`: every setting is accepted.
 QByteArray answer_to(const QByteArray& command) {
@@ -63,63 +53,12 @@ QByteArray answer_to(const QByteArray& command) {
 }
 
 nanoseconds meter_time(const QByteArray& command) {
-    return kMeterDelay + answer_to(command).size() * kCharacter;
+    return kMeterDelay + answer_to(command).size() * bench::kCharacter;
 }
 
-/// A meter on a pseudo-terminal of its own: a fixed time to think, then the answer at 38400 baud.
-class PacedMeter {
-  public:
-    PacedMeter() {
-        char path[128];
-        if (openpty(&master_, &slave_, path, nullptr, nullptr) != 0) return;
-        termios raw{};
-        tcgetattr(slave_, &raw);
-        cfmakeraw(&raw);
-        tcsetattr(slave_, TCSANOW, &raw);
-        device_ = QString::fromLocal8Bit(path);
-        thread_ = std::thread([this] { run(); });
-    }
-    ~PacedMeter() {
-        ending_ = true;
-        if (thread_.joinable()) thread_.join();
-        close(slave_);
-        close(master_);
-    }
-    PacedMeter(const PacedMeter&) = delete;
-    PacedMeter& operator=(const PacedMeter&) = delete;
-
-    const QString& device() const { return device_; }
-
-  private:
-    void run() {
-        QByteArray command;
-        while (!ending_) {
-            pollfd line{master_, POLLIN, 0};
-            char character = 0;
-            if (poll(&line, 1, 50) != 1 || read(master_, &character, 1) != 1) continue;
-            command += character;
-            if (character != '\r') continue;
-            command.chop(1);
-            answer(steady_clock::now() + (command == kSlowQuery ? kSlowMeterDelay : kMeterDelay),
-                   answer_to(command));
-            command.clear();
-        }
-    }
-
-    void answer(steady_clock::time_point due, const QByteArray& text) const {
-        for (const char character : text) {
-            due += kCharacter;
-            std::this_thread::sleep_until(due);
-            if (write(master_, &character, 1) != 1) return;
-        }
-    }
-
-    int master_ = -1;
-    int slave_ = -1;
-    QString device_;
-    std::atomic<bool> ending_ = false;
-    std::thread thread_;
-};
+nanoseconds thinking_time(const QByteArray& command) {
+    return command == kSlowQuery ? kSlowMeterDelay : kMeterDelay;
+}
 
 nanoseconds processor_time() {
     rusage usage{};
@@ -128,17 +67,6 @@ nanoseconds processor_time() {
         return std::chrono::seconds{value.tv_sec} + std::chrono::microseconds{value.tv_usec};
     };
     return time(usage.ru_utime) + time(usage.ru_stime);
-}
-
-/// What a transaction that begins now needs: one tick behind each character but the first, whose
-/// tick has begun already, and the meter from the CR on, during which the last tick passes too.
-double ideal_time(const m47::link::Clock& clock, const QByteArray& command) {
-    const double to_tick = clock.until_next_tick();
-    const float reading = clock.now();
-    const double tick = seconds(
-        m47::link::clock_tick(duration_cast<nanoseconds>(std::chrono::duration<float>(reading))));
-    const auto ticks_to_cr = static_cast<double>(command.size() - 1);
-    return to_tick + ticks_to_cr * tick + std::max(tick, seconds(meter_time(command)));
 }
 
 struct Result {
@@ -155,7 +83,7 @@ std::optional<Result> measure(m47::link::Link& link, const QByteArray& query, in
     const auto begin = steady_clock::now();
     for (int i = 0; i < count; ++i) {
         const auto start = steady_clock::now();
-        result.ideal += ideal_time(link.clock(), query);
+        result.ideal += bench::ideal_time(link.clock(), query, meter_time(query));
         if (!link.send(QString::fromLatin1(query))) return std::nullopt;
         result.each.push_back(seconds(steady_clock::now() - start));
     }
@@ -244,7 +172,7 @@ bool run_upload(const QString& device, Ratios& ratios) {
     const QStringList commands = m47::plans::upload_commands(full_plan(), m47::plans::kAppend, {});
     const auto begin = steady_clock::now();
     for (const QString& command : commands) {
-        ideal += ideal_time(*line.clock, command.toLatin1());
+        ideal += bench::ideal_time(*line.clock, command.toLatin1(), meter_time(command.toLatin1()));
         if (!line.link->send(command) || line.link->last_answer() != u"OK") return false;
     }
     const double wall = seconds(steady_clock::now() - begin);
@@ -304,8 +232,8 @@ void print_figures(const Ratios& ratios) {
 
 int main(int argc, char** argv) {
     const QCoreApplication application(argc, argv);
-    std::optional<PacedMeter> meter;
-    if (argc < 2) meter.emplace();
+    std::optional<bench::PacedMeter> meter;
+    if (argc < 2) meter.emplace(answer_to, thinking_time);
 
     const QString device = meter ? meter->device() : QString::fromLocal8Bit(argv[1]);
     Ratios ratios;
