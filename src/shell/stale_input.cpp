@@ -83,8 +83,9 @@ bool StaleInput::eventFilter(QObject* watched, QEvent* event) {
 bool StaleInput::holds(QWindow* window, QEvent* event) {
     if (acts_at_once(window, *event)) return false;
     if (event->type() == QEvent::MouseMove)
-        // A pointer that is only passed over the screen changes nothing.
-        return static_cast<QMouseEvent*>(event)->buttons() != Qt::NoButton;
+        // A pointer that is only passed over the screen changes nothing, nor one that drags what
+        // acts at once.
+        return bool(static_cast<QMouseEvent*>(event)->buttons() & ~at_once_);
     // Taken for a key of the screen, it becomes no shortcut.
     if (event->type() == QEvent::ShortcutOverride) event->accept();
     held_.hold(window, *event);
@@ -95,6 +96,9 @@ bool StaleInput::acts_at_once(const QWindow* window, const QEvent& event) {
     if (event.type() == QEvent::ShortcutOverride || event.type() == QEvent::KeyPress ||
         event.type() == QEvent::KeyRelease)
         return key_acts_at_once(QApplication::focusWidget(), static_cast<const QKeyEvent&>(event));
+    if (event.type() == QEvent::Wheel)
+        return press_acts_at_once(
+            widget_at(window, static_cast<const QWheelEvent&>(event).globalPosition().toPoint()));
     if (event.type() != QEvent::MouseButtonPress && event.type() != QEvent::MouseButtonDblClick &&
         event.type() != QEvent::MouseButtonRelease)
         return false;

@@ -161,6 +161,34 @@ void ScreensTest::four_states_of_the_lnb_are_swept_in_a_row() {
              QStringList({"FREQ 1400.0", "FREQ 1410.0", "FREQ 1400.0", "FREQ 1410.0"}));
 }
 
+void ScreensTest::the_chart_is_used_while_it_grows() {
+    MeterInProcess& meter = start_with_meter();
+    band::BandSweep* screen = open_sweep(1000, 1100, "5 MHz");
+    auto* hold = find<QCheckBox>("band_hold", screen);
+    auto* plot = find<QWidget>("band_plot", screen);
+    const auto* marks = find<QLabel>("band_marks", screen);
+    QStringList seen;
+    meter.on_command = [&](const QByteArray& command, const QString&) {
+        if (command == "FREQ 1050.0") {
+            click_in_the_wait(hold);
+            click_in_the_wait(plot);
+        }
+        if (command == "FREQ 1060.0")
+            seen = QStringList{hold->isChecked() ? "held" : "not held", marks->text()};
+        // It would send in the middle of an exchange.
+        if (command == "FREQ 1070.0")
+            Q_EMIT find<band::BandChartView>("band_chart", screen)->flag_clicked(0);
+    };
+    sweep(screen);
+    meter.on_command = nullptr;
+    QCOMPARE(seen.value(0), QString("held"));
+    QVERIFY2(seen.value(1).startsWith("1:  10"), qPrintable(seen.value(1)));
+    QVERIFY(!window().screen_of("realtime"));
+    QCOMPARE(find<QLabel>("corrected_notice")->text(),
+             QString("Stop the sweep first, then choose a carrier."));
+    QCOMPARE(line_->take_commands().filter("FREQ 1").size(), 21 + 1);
+}
+
 void ScreensTest::a_reference_is_kept_loaded_and_held_against() {
     start_with_meter();
     band::BandSweep* screen = open_sweep(1000, 1040, "10 MHz");

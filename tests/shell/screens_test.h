@@ -264,6 +264,8 @@ class ScreensTest : public QObject, protected ProgramInFolder {
 
     void four_states_of_the_lnb_are_swept_in_a_row();
 
+    void the_chart_is_used_while_it_grows();
+
     void a_reference_is_kept_loaded_and_held_against();
 
     void markers_are_set_by_clicks_and_moved_by_keys();

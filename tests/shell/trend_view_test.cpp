@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What the tab shows and how its plot is moved.
 #include "trend_view_test.h"
+#include "band_sweep.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -116,6 +117,13 @@ void TrendViewTest::where_what_draws_and_prints_is_missing_it_says_so() {
     QVERIFY(!QFile::exists(pdf));
     QString told;
     set_fault_reporter([&](QWidget*, const QString& what) { told = what; });
+    window().open_screen("band_sweep");
+    auto* sweep = window().opened<band::BandSweep>();
+    sweep->save(in_folder("band.png"));
+    QVERIFY2(told.contains("libm47-band.so"), qPrintable(told));
+    QVERIFY(!QFile::exists(in_folder("band.png")));
+    sweep->save(in_folder("band.tsv"));
+    QVERIFY(QFile::exists(in_folder("band.tsv")));
     QVERIFY(!print_text(screen_, "Page", "x", Texts()));
     set_fault_reporter({});
     QVERIFY2(told.contains("libm47-print.so"), qPrintable(told));

@@ -38,6 +38,8 @@ BandChart* BandChartView::chart(const Texts& texts) {
     };
     chart_->on_flag_clicked = [this](std::size_t flag) { Q_EMIT flag_clicked(flag); };
     chart_->widget()->setAccessibleName(texts.pick(kChartName));
+    // A sweep takes minutes: who looks at it wants to zoom and to mark meanwhile.
+    act_while_busy(chart_->widget());
     layout_->addWidget(chart_->widget());
     return chart_;
 }

@@ -75,6 +75,7 @@ std::vector<FoundCarrier> carriers_in(const BandState& state, const SweepTerms& 
         find_carriers(live, measured_filter(live).value_or(kUsualFilter));
     name_carriers(carriers, listed, terms);
     std::vector<FoundCarrier> found;
+    found.reserve(carriers.size());
     for (const Carrier& carrier : carriers) found.push_back({carrier, terms});
     return found;
 }

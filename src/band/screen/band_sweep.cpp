@@ -25,6 +25,8 @@ constexpr int kScreenColumns = 150;
 constexpr int kScreenLines = 34;
 
 constexpr Bilingual kNoSweep{"No sweep is running.", "Nessuna scansione in corso."};
+constexpr Bilingual kStillSweeping{"Stop the sweep first, then choose a carrier.",
+                                   "Fermare prima la scansione, poi scegliere una portante."};
 constexpr Bilingual kNothingToClear{"There is nothing to clear: nothing was swept yet.",
                                     "Non c'è nulla da svuotare: nessuna scansione finora."};
 constexpr Bilingual kNothingToKeep{"There is nothing to keep: sweep the band first.",
@@ -175,8 +177,10 @@ void BandSweep::connect_keys() {
 
 void BandSweep::connect_looks() {
     for (QCheckBox* look : {ui_->band_live, ui_->band_hold, ui_->band_average, ui_->band_reference,
-                            ui_->band_difference})
+                            ui_->band_difference}) {
+        act_while_busy(look);
         when(look, &QCheckBox::clicked, "band_look_Click", [this] { show_band(); });
+    }
     when(ui_->band_shown, &QComboBox::activated, "band_shown_Click", [this] {
         look_.markers = {};
         show_band();
@@ -197,6 +201,8 @@ void BandSweep::connect_chart() {
     connect(ui_->band_chart, &BandChartView::place_clicked, this, &BandSweep::mark);
     connect(ui_->band_chart, &BandChartView::marker_moved, this, &BandSweep::move_marker);
     connect(ui_->band_chart, &BandChartView::flag_clicked, this, [this](std::size_t flag) {
+        // The chart is used while it grows, but nothing can be sent then.
+        if (link_.activity.working()) return program_.costs.tell_each(kStillSweeping);
         handle("band_flag_Click", [this, flag] { choose_flag(flag); });
     });
     when(ui_->band_carriers, &CarrierTable::chosen, "band_carriers_Click",
