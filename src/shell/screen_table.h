@@ -31,9 +31,9 @@ struct ScreenEntry {
     const char* title;        ///< of that button
     Bilingual word;           ///< under its icon
     Qt::Key shortcut;         ///< of that button, together with Ctrl
+    KeyBar bar;               ///< where it stands
     const char* manual_page;  ///< opened by F1
     Screen* (*make)(const ScreenParts& parts);
-    KeyBar bar = KeyBar::commands;
 };
 
 /// All screens, in the order of their toolbars.

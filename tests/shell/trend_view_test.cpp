@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What the tab shows and how its plot is moved.
 #include "trend_view_test.h"
-#include "band_sweep.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -20,6 +19,7 @@
 #include <QWheelEvent>
 #include <optional>
 
+#include "band_sweep.h"
 #include "handler.h"
 #include "measurement_line.h"
 #include "part.h"
