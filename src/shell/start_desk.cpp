@@ -34,7 +34,7 @@ constexpr Bilingual kSilent{
     "No meter answered on port %1. Is it switched on and its cable plugged in?",
     "Nessuno strumento ha risposto sulla porta %1. È acceso e il cavo è collegato?"};
 constexpr Bilingual kSimulatedMark{"Simulated meter", "Strumento simulato"};
-constexpr Bilingual kRecordingMark{"Recording %1", "Registrazione %1"};
+constexpr Bilingual kRecordingMark{"Replay of %1", "Riproduzione di %1"};
 constexpr Bilingual kOpenTitle{"Open recording", "Apri registrazione"};
 constexpr Bilingual kRecordings{"Recordings (*.trace);;All files (*)",
                                 "Registrazioni (*.trace);;Tutti i file (*)"};

@@ -58,7 +58,7 @@ void GuiTest::the_meter_of_a_recording_is_connected_where_it_lost_its_line_too()
     program().start_desk().open_recording(recording.fileName());
     QVERIFY(program().link().port_connected);
     QCOMPARE(program_state().meter_version, QStringLiteral("V2.9.7"));
-    QCOMPARE(find<QLabel>("simulated_meter")->text(), QStringLiteral("Recording roof.trace"));
+    QCOMPARE(find<QLabel>("simulated_meter")->text(), QStringLiteral("Replay of roof.trace"));
     const QString device = program().connection().device();
     QTRY_VERIFY(!QFile::exists(device));
     QTRY_VERIFY(QFile::exists(device));

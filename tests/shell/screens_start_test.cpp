@@ -290,7 +290,7 @@ void ScreensTest::a_recording_is_opened_and_says_that_it_is_one() {
     QCOMPARE(program_state().replayed, QString("roof.trace"));
     const auto* mark = find<QLabel>("simulated_meter");
     QVERIFY(mark->isVisible());
-    QCOMPARE(mark->text(), QString("Recording roof.trace"));
+    QCOMPARE(mark->text(), QString("Replay of roof.trace"));
     QVERIFY(find<QLabel>("start_result")->text().startsWith("The meter of the recording roof."));
     find<QAction>("cmditaliano")->trigger();
     QCOMPARE(mark->text(), QString("Registrazione roof.trace"));
