@@ -1,0 +1,366 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Which satellite a dish points at, on the simulated orbit: how often the right position is named,
+// how certain, in what time, beside two plain ways to find out.
+// bench_identify [TRIALS [FIRST SEED]]: sky k has the seed 1000 + k, its dish and link the seed k.
+// With M47_BENCH_TELL=1 it tells of each trial that did not end right.
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <vector>
+
+#include "figure.h"
+#include "identifier.h"
+#include "jitter.h"
+#include "sky_stand.h"
+
+namespace {
+
+using namespace m47;
+using identify::Arc;
+using identify::Candidate;
+using identify::Question;
+using identify::Verdict;
+
+constexpr const char* kFolder = "/usr/share/dvb/dvb-s";
+constexpr std::uint64_t kSkySeeds = 1000;
+constexpr int kFewestTransponders = 5;
+constexpr double kSure = 0.95;
+/// A second satellite this little weaker in the beam counts as being between the two, dB.
+constexpr double kEven = 1;
+
+double between(meter::Jitter& chance, double low, double high) {
+    return (low + high) / 2 + chance.around_zero((high - low) / 2);
+}
+
+/// One sky, with the time that was spent on it.
+struct Dish {
+    SkyStand sky;
+    identify::Costs costs{};
+    int state = -1;
+    double seconds = 0;
+    int levels = 0;
+    int locks = 0;
+
+    identify::Answer ask(const Question& question) {
+        const identify::LnbState lnb = identify::Lnb::universal().state(question.state);
+        if (question.state != state) seconds += costs.change_of_state;
+        state = question.state;
+        sky.set_time(seconds);
+        if (question.kind == Question::Kind::level) {
+            seconds += costs.level;
+            ++levels;
+            return {.db = sky.level(lnb.high_voltage, lnb.tone, question.if_mhz)};
+        }
+        seconds += costs.lock;
+        ++locks;
+        const int rate = static_cast<int>(std::lround(question.rate * 1000));
+        const SkyStand::Lock lock = sky.lock(lnb.high_voltage, lnb.tone, question.if_mhz, rate);
+        identify::Answer answer{.locked = lock.locked};
+        if (lock.locked) answer.offset = lock.offset;
+        return answer;
+    }
+};
+
+struct Outcome {
+    Verdict verdict;
+    QString name;  ///< of what is named; empty for none
+};
+
+using Way = std::function<Outcome(Dish&, const Arc&)>;
+
+Outcome named(const Arc& arc, const Verdict& verdict) {
+    const bool is_name = verdict.kind == Verdict::Kind::candidate;
+    return {verdict, is_name ? arc.candidates()[verdict.candidate].name : QString()};
+}
+
+void tell(const Dish& dish, const Arc& arc, const identify::Identifier& identifier) {
+    if (std::getenv("M47_BENCH_TELL") == nullptr) return;
+    std::printf("  drift %.1f, %d levels, %d locks, %.0f s;", dish.sky.drift(), dish.levels,
+                dish.locks, dish.seconds);
+    const auto& belief = identifier.belief();
+    for (int k = 0; k < 4; ++k) {
+        const std::size_t which = belief.order()[static_cast<std::size_t>(k)];
+        std::printf(" %s %.4f",
+                    which < arc.size() ? qUtf8Printable(arc.candidates()[which].name)
+                                       : (which == belief.none() ? "none" : "nothing"),
+                    belief.chances()[which]);
+        if (which >= arc.size()) continue;
+        const auto best = belief.front(which).best();
+        std::printf(" (%.1f cn %.1f drift %.0f: %.1f)", best.east, best.cn, best.drift, best.log);
+    }
+    for (const auto& lock : identifier.locks())
+        std::printf(" lock %d %.0f %.1f at %.1f: %d", lock.state, lock.if_mhz, lock.rate,
+                    lock.above, lock.locked ? 1 : 0);
+    std::puts("");
+}
+
+Outcome by_belief(Dish& dish, const Arc& arc) {
+    identify::Identifier identifier(arc, identify::kStates);
+    while (const auto question = identifier.next_question())
+        identifier.take(*question, dish.ask(*question));
+    tell(dish, arc, identifier);
+    return named(arc, identifier.verdict());
+}
+
+/// The first ten transponders of each candidate in turn, until three of one have locked.
+Outcome by_turns(Dish& dish, const Arc& arc) {
+    constexpr int kAsked = 10;
+    constexpr int kEnough = 3;
+    for (std::size_t candidate = 0; candidate < arc.size(); ++candidate) {
+        int asked = 0;
+        int locked = 0;
+        for (const identify::Carrier& carrier : arc.candidates()[candidate].carriers) {
+            if (!carrier.lockable || asked++ == kAsked) continue;
+            const Question question{Question::Kind::lock, carrier.state, carrier.if_mhz,
+                                    carrier.rate};
+            if (*dish.ask(question).locked) ++locked;
+            if (asked >= kAsked) break;
+        }
+        if (locked < kEnough) continue;
+        return named(
+            arc, {.kind = Verdict::Kind::candidate, .candidate = candidate, .certainty = 1});
+    }
+    return named(arc, {.kind = Verdict::Kind::none_of_these});
+}
+
+struct Sample {
+    Question question;
+    double db;
+};
+
+/// The chance that something of the candidate's own tables is at a place.
+double listed_at(const Arc& arc, std::size_t candidate, const Question& question) {
+    double dark = 1;
+    for (const auto& emitter : arc.around(candidate)[static_cast<std::size_t>(question.state)])
+        if (emitter.candidate == candidate)
+            dark *= 1 - emitter.chance * emitter.share(question.if_mhz, 0);
+    return 1 - dark;
+}
+
+/// How well the levels go with what the tables of a candidate list, -1 to 1.
+double fit_of(const Arc& arc, std::size_t candidate, const std::vector<Sample>& samples) {
+    double listed_sum = 0;
+    double db_sum = 0;
+    double listed_squares = 0;
+    double db_squares = 0;
+    double products = 0;
+    for (const Sample& sample : samples) {
+        const double listed = listed_at(arc, candidate, sample.question);
+        listed_sum += listed;
+        db_sum += sample.db;
+        listed_squares += listed * listed;
+        db_squares += sample.db * sample.db;
+        products += listed * sample.db;
+    }
+    const auto count = static_cast<double>(samples.size());
+    const double spread =
+        (listed_squares - listed_sum * listed_sum / count) * (db_squares - db_sum * db_sum / count);
+    return (products - listed_sum * db_sum / count) / std::sqrt(spread + 1e-9);
+}
+
+/// The correlation of 240 levels with the tables.
+Outcome by_correlation(Dish& dish, const Arc& arc) {
+    constexpr int kPlaces = 60;
+    constexpr double kStep = 20;
+    std::vector<Sample> samples;
+    for (int state = 0; state < identify::kStates; ++state)
+        for (int k = 0; k < kPlaces; ++k) {
+            const Question question{Question::Kind::level, state,
+                                    identify::kLowestIf + kStep * (k + 0.5)};
+            samples.push_back({question, *dish.ask(question).db});
+        }
+    Verdict verdict{.kind = Verdict::Kind::candidate, .certainty = 1};
+    double most = -2;
+    for (std::size_t candidate = 0; candidate < arc.size(); ++candidate) {
+        const double fit = fit_of(arc, candidate, samples);
+        if (fit > most) verdict.candidate = candidate;
+        most = std::max(most, fit);
+    }
+    return named(arc, verdict);
+}
+
+enum class Sky { full, blank, between, removed };
+
+struct Trial {
+    SkySettings settings;
+    std::size_t target = 0;
+    double lead = 0;  ///< dB by which the target is stronger in the beam than the next
+};
+
+double lead_of(const Arc& arc, std::size_t target, double east) {
+    const double own = arc.distance(target, east);
+    double next = 180;
+    for (const std::size_t other : arc.neighbours(target))
+        next = std::min(next, arc.distance(other, east));
+    return 12 * (next * next - own * own) / (arc.beam() * arc.beam());
+}
+
+/// The middles of gaps so wide that neither side is within a beam.
+std::vector<double> gaps_of(const Arc& arc) {
+    std::vector<double> positions;
+    for (const Candidate& candidate : arc.candidates())
+        positions.insert(positions.end(), candidate.positions.begin(), candidate.positions.end());
+    std::ranges::sort(positions);
+    std::vector<double> gaps;
+    for (std::size_t k = 1; k < positions.size(); ++k)
+        if (positions[k] - positions[k - 1] > 2 * arc.beam())
+            gaps.push_back((positions[k] + positions[k - 1]) / 2);
+    return gaps;
+}
+
+Trial trial_of(int number, Sky kind, const Arc& arc, const std::vector<std::size_t>& targets) {
+    meter::Jitter chance(static_cast<std::uint64_t>(number));
+    Trial trial;
+    trial.settings.seed = kSkySeeds + static_cast<std::uint64_t>(number);
+    trial.settings.cn_db = between(chance, 8, 16);
+    trial.target = targets[static_cast<std::size_t>(number) % targets.size()];
+    const std::vector<double>& positions = arc.candidates()[trial.target].positions;
+    constexpr int kTries = 1000;
+    for (int tries = 0; tries < kTries; ++tries) {
+        const double at = positions[chance.below(positions.size())];
+        trial.settings.east = at + chance.around_zero(arc.beam() / 2);
+        if (arc.is_nearest(trial.target, trial.settings.east)) break;
+    }
+    trial.lead = lead_of(arc, trial.target, trial.settings.east);
+    if (kind == Sky::blank) trial.settings.cn_db = -40;
+    if (kind == Sky::between) {
+        const std::vector<double> gaps = gaps_of(arc);
+        trial.settings.east = gaps[static_cast<std::size_t>(number) % gaps.size()];
+    }
+    return trial;
+}
+
+struct Sums {
+    int trials = 0;
+    int right = 0;
+    int wrong = 0;
+    int surely_wrong = 0;
+    int leading = 0;
+    int right_leading = 0;
+    std::vector<double> seconds;
+    std::vector<double> reckoned;  ///< seconds of this machine for a trial
+    std::array<int, 12> certain{};
+    std::array<int, 12> certain_right{};
+
+    double percent(int count) const { return 100.0 * count / trials; }
+};
+
+double median(std::vector<double> values) {
+    std::ranges::sort(values);
+    return values.empty() ? 0 : values[values.size() / 2];
+}
+
+/// Tenths, and the last one in two: from 0.9 and from 0.95, and 0.99.
+std::size_t class_of(double certainty) {
+    if (certainty >= 0.99) return 11;
+    if (certainty >= kSure) return 10;
+    return static_cast<std::size_t>(certainty * 10);
+}
+
+void count(Sums& sums, const Trial& trial, const Outcome& outcome, bool right) {
+    const bool is_name = !outcome.name.isEmpty();
+    ++sums.trials;
+    sums.right += right ? 1 : 0;
+    sums.wrong += is_name && !right ? 1 : 0;
+    sums.surely_wrong += is_name && !right && outcome.verdict.certainty >= kSure ? 1 : 0;
+    sums.leading += trial.lead >= kEven ? 1 : 0;
+    sums.right_leading += right && trial.lead >= kEven ? 1 : 0;
+    const std::size_t place = class_of(outcome.verdict.certainty);
+    ++sums.certain[place];
+    sums.certain_right[place] += right ? 1 : 0;
+}
+
+/// All that the trials have in common.
+struct Bench {
+    SkyTables tables{kFolder};
+    std::vector<Candidate> candidates = identify::candidates_of_tables(
+        identify::read_tables(QString::fromLatin1(kFolder)), identify::Lnb::universal());
+    Arc arc{candidates};
+    std::vector<std::size_t> targets;
+    int first = 0;
+
+    Bench() {
+        for (std::size_t k = 0; k < candidates.size(); ++k)
+            if (candidates[k].lockable() >= kFewestTransponders) targets.push_back(k);
+    }
+
+    Sums run(Sky kind, int trials, const Way& way) const {
+        Sums sums;
+        for (int number = first; number < first + trials; ++number) {
+            const Trial trial = trial_of(number, kind, arc, targets);
+            Dish dish{SkyStand(tables, trial.settings)};
+            const QString& target = candidates[trial.target].name;
+            std::vector<Candidate> left = candidates;
+            if (kind == Sky::removed)
+                left.erase(left.begin() + static_cast<std::ptrdiff_t>(trial.target));
+            const Arc* known = &arc;
+            const Arc without(kind == Sky::removed ? left : std::vector<Candidate>{});
+            if (kind == Sky::removed) known = &without;
+            const auto began = std::chrono::steady_clock::now();
+            const Outcome outcome = way(dish, *known);
+            const std::chrono::duration<double> took = std::chrono::steady_clock::now() - began;
+            const bool right =
+                kind == Sky::full ? outcome.name == target : outcome.name.isEmpty();
+            if (!right && std::getenv("M47_BENCH_TELL") != nullptr)
+                std::printf("trial %d: %s at %.2f lead %.1f cn %.1f named %s %.3f locks %d\n",
+                            number, qUtf8Printable(target), trial.settings.east, trial.lead,
+                            trial.settings.cn_db, qUtf8Printable(outcome.name),
+                            outcome.verdict.certainty, outcome.verdict.locks);
+            count(sums, trial, outcome, right);
+            sums.seconds.push_back(dish.seconds);
+            sums.reckoned.push_back(took.count());
+        }
+        return sums;
+    }
+};
+
+void print_row(const char* what, const Sums& sums) {
+    std::printf("%-32s %5d %8.1f %8.1f %8.1f %8.1f %9.1f %8.2f\n", what, sums.trials,
+                sums.percent(sums.right), sums.percent(sums.wrong), sums.percent(sums.surely_wrong),
+                sums.leading > 0 ? 100.0 * sums.right_leading / sums.leading : 0.0,
+                median(sums.seconds), median(sums.reckoned));
+    std::fflush(stdout);
+}
+
+void print_reliability(const Sums& sums) {
+    constexpr std::array<const char*, 12> kNames = {"0.0", "0.1", "0.2", "0.3", "0.4",  "0.5",
+                                                    "0.6", "0.7", "0.8", "0.9", "0.95", "0.99"};
+    std::puts("certainty   answers   right %");
+    for (std::size_t k = 0; k < kNames.size(); ++k)
+        if (sums.certain[k] > 0)
+            std::printf("from %-4s  %8d  %8.1f\n", kNames[k], sums.certain[k],
+                        100.0 * sums.certain_right[k] / sums.certain[k]);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const int trials = argc > 1 ? std::atoi(argv[1]) : 1000;
+    Bench bench;
+    if (argc > 2) bench.first = std::atoi(argv[2]);
+    std::printf("%zu candidates, %zu of them with %d transponders or more to lock\n",
+                bench.arc.size(), bench.targets.size(), kFewestTransponders);
+    std::printf("%-32s %5s %8s %8s %8s %8s %9s %8s\n", "", "n", "right %", "wrong %", "sure %",
+                "leading", "median s", "cpu s");
+    const Sums belief = bench.run(Sky::full, trials, by_belief);
+    print_row("by belief", belief);
+    print_row("240 levels, correlation", bench.run(Sky::full, trials, by_correlation));
+    const int others = std::max(1, trials / 5);
+    print_row("ten transponders each in turn", bench.run(Sky::full, others, by_turns));
+    print_row("by belief, blank sky", bench.run(Sky::blank, others, by_belief));
+    print_row("by belief, between satellites", bench.run(Sky::between, others, by_belief));
+    print_row("by belief, satellite removed", bench.run(Sky::removed, others, by_belief));
+    print_reliability(belief);
+    constexpr double kMostNotRight = 2;
+    constexpr double kMostSeconds = 60;
+    bench::print_figure("identification, not the right position",
+                        100 - belief.percent(belief.right), kMostNotRight, "of 100 skies");
+    bench::print_figure("identification, seconds in the median", median(belief.seconds),
+                        kMostSeconds, "seconds at the stated pace");
+    return 0;
+}

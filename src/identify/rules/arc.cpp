@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "arc.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace m47::identify {
+namespace {
+
+/// Of the transponders that a table lists so many are on air.
+constexpr double kOnAir = 0.8;
+/// Carriers nearer to each other than this part of their width cannot both be there.
+constexpr double kMeet = 0.8;
+/// A carrier is flat up to, and ends at, so many symbol rates on either side.
+constexpr double kFlat = 0.325;
+constexpr double kEnd = 0.675;
+/// Beyond so many degrees next to nothing is received of a neighbour.
+constexpr double kReachInBeams = 3.5;
+constexpr double kUsualStep = 10;
+constexpr double kLightMetresMhz = 299.792458;
+
+double width_of(double sky_mhz, double dish_cm) {
+    return 70 * kLightMetresMhz / sky_mhz / (dish_cm / 100);
+}
+
+/// The integral of a carrier's shape from its centre to `x`, both in symbol rates; its edge is
+/// taken as straight.
+double from_centre(double x) {
+    const double far = std::min(std::abs(x), kEnd);
+    const double into = std::max(0.0, far - kFlat);
+    const double area = std::min(far, kFlat) + into - into * into / (2 * (kEnd - kFlat));
+    return std::copysign(area, x);
+}
+
+bool exclude(const Carrier& one, const Carrier& other) {
+    return one.state == other.state &&
+           std::abs(one.if_mhz - other.if_mhz) < kMeet * kEnd * (one.rate + other.rate);
+}
+
+/// Tables of several years list what cannot be there at once; one of them is.
+double chance_of(const Carrier& carrier, const std::vector<Carrier>& all) {
+    const auto rivals = std::ranges::count_if(
+        all, [&](const Carrier& other) { return exclude(carrier, other); });
+    return kOnAir / static_cast<double>(std::max<std::ptrdiff_t>(1, rivals));
+}
+
+std::size_t usual_place(double if_mhz) {
+    const double inside = std::clamp(if_mhz, kLowestIf, kHighestIf - 1) - kLowestIf;
+    return static_cast<std::size_t>(inside / kUsualStep);
+}
+
+}  // namespace
+
+double Emitter::loss(double east) const {
+    if (!carrier.east) return 0;
+    const double widths = arc_between(*carrier.east, east) / width;
+    return 12 * widths * widths;
+}
+
+double Emitter::share(double if_mhz, double drift) const {
+    const double low = (if_mhz - kFilterMhz / 2 - carrier.if_mhz - drift) / carrier.rate;
+    const double high = low + kFilterMhz / carrier.rate;
+    return carrier.rate * (from_centre(high) - from_centre(low)) / kFilterMhz;
+}
+
+Arc::Arc(std::vector<Candidate> candidates, double dish_cm) : candidates_(std::move(candidates)) {
+    double sum = 0;
+    std::size_t count = 0;
+    for (const Candidate& candidate : candidates_)
+        for (const Carrier& carrier : candidate.carriers) {
+            sum += carrier.sky_mhz;
+            ++count;
+        }
+    beam_ = width_of(count > 0 ? sum / static_cast<double>(count) : 11725, dish_cm);
+    std::vector<std::vector<Emitter>> own;
+    for (std::size_t k = 0; k < size(); ++k) own.push_back(emitters_of(k, dish_cm));
+    find_neighbours();
+    count_usual(own);
+    around_.resize(size());
+    for (std::size_t k = 0; k < size(); ++k) {
+        for (const Emitter& emitter : own[k])
+            around_[k][static_cast<std::size_t>(emitter.carrier.state)].push_back(emitter);
+        for (const std::size_t other : neighbours_[k])
+            for (const Emitter& emitter : own[other])
+                around_[k][static_cast<std::size_t>(emitter.carrier.state)].push_back(emitter);
+        for (std::vector<Emitter>& state : around_[k])
+            std::ranges::stable_sort(state, {}, [](const Emitter& e) { return e.carrier.if_mhz; });
+    }
+}
+
+std::vector<Emitter> Arc::emitters_of(std::size_t candidate, double dish_cm) const {
+    const std::vector<Carrier>& carriers = candidates_[candidate].carriers;
+    std::vector<Emitter> emitters;
+    for (const Carrier& carrier : carriers)
+        emitters.push_back(
+            {carrier, candidate, chance_of(carrier, carriers), width_of(carrier.sky_mhz, dish_cm)});
+    return emitters;
+}
+
+void Arc::find_neighbours() {
+    neighbours_.resize(size());
+    for (std::size_t k = 0; k < size(); ++k) {
+        std::vector<std::pair<double, std::size_t>> near;
+        for (std::size_t other = 0; other < size(); ++other) {
+            if (other == k) continue;
+            double gap = 360;
+            for (const double east : candidates_[other].positions)
+                if (!candidates_[k].positions.empty()) gap = std::min(gap, distance(k, east));
+            if (gap < kReachInBeams * beam_) near.emplace_back(gap, other);
+        }
+        std::ranges::sort(near);
+        for (const auto& [gap, other] : near) neighbours_[k].push_back(other);
+    }
+}
+
+void Arc::count_usual(const std::vector<std::vector<Emitter>>& own) {
+    const std::size_t places = usual_place(kHighestIf) + 1;
+    for (std::vector<double>& row : usual_) row.assign(places, 0);
+    coverage_.assign(size(), 0);
+    for (std::size_t k = 0; k < size(); ++k) {
+        std::array<std::vector<double>, kStates> dark;
+        for (std::vector<double>& row : dark) row.assign(places, 1);
+        for (const Emitter& emitter : own[k])
+            for (std::size_t place = 0; place < places; ++place) {
+                const double mhz = kLowestIf + (static_cast<double>(place) + 0.5) * kUsualStep;
+                dark[static_cast<std::size_t>(emitter.carrier.state)][place] *=
+                    1 - emitter.chance * emitter.share(mhz, 0);
+            }
+        for (std::size_t state = 0; state < dark.size(); ++state)
+            for (std::size_t place = 0; place < places; ++place) {
+                const double lit = 1 - dark[state][place];
+                coverage_[k] += lit / static_cast<double>(kStates * places);
+                usual_[state][place] += lit / static_cast<double>(size());
+            }
+    }
+}
+
+double Arc::distance(std::size_t candidate, double east) const {
+    double least = candidates_[candidate].positions.empty() ? 0 : 360;
+    for (const double position : candidates_[candidate].positions)
+        least = std::min(least, arc_between(position, east));
+    return least;
+}
+
+bool Arc::is_nearest(std::size_t candidate, double east) const {
+    const double own = distance(candidate, east);
+    return std::ranges::none_of(neighbours_[candidate], [&](std::size_t other) {
+        return distance(other, east) < own;
+    });
+}
+
+double Arc::usual_power(int state, double if_mhz) const {
+    return usual_[static_cast<std::size_t>(state)][usual_place(if_mhz)];
+}
+
+}  // namespace m47::identify

@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "belief.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+namespace m47::identify {
+namespace {
+
+constexpr double kNoneAtFirst = 0.05;
+constexpr double kBesideAtFirst = 0.05;
+constexpr double kNothingAtFirst = 0.1;
+/// Levels are not quite independent of one another, so each counts for less.
+constexpr double kTrust = 0.7;
+/// Candidates that get a fine grid: the best so far, and their neighbours within so many beams.
+constexpr std::size_t kRefined = 8;
+constexpr std::size_t kWithNeighbours = 3;
+/// Where no satellite is, there is seldom a level above the noise.
+constexpr double kStray = 0.01;
+constexpr double kStrayRange = 25;  // dB
+constexpr double kScatter = 0.3;    // dB
+constexpr double kNever = -1e9;
+
+double log_of_nothing(double above) {
+    const double noise = std::exp(-above * above / (2 * kScatter * kScatter)) / (kScatter * 2.5066);
+    return std::log((1 - kStray) * noise + kStray / kStrayRange);
+}
+
+}  // namespace
+
+Belief::Belief(const Arc& arc) : arc_(arc) {
+    for (std::size_t k = 0; k < arc.size(); ++k)
+        coarse_.emplace_back(arc, k, Front::Kind::listed, Front::Grid::coarse);
+    settle();
+}
+
+const Front& Belief::front(std::size_t candidate) const {
+    const auto fine = fine_.find(candidate);
+    return fine != fine_.end() ? fine->second : coarse_[candidate];
+}
+
+void Belief::weigh_nothing(const Evidence& evidence) {
+    for (; nothing_seen_ < evidence.heights.size(); ++nothing_seen_)
+        log_nothing_ += log_of_nothing(evidence.heights[nothing_seen_].db);
+}
+
+void Belief::refine(const Evidence& evidence) {
+    std::vector<std::size_t> wanted;
+    for (const std::size_t which : order_) {
+        if (which >= arc_.size()) continue;
+        const bool with_neighbours = wanted.size() < kWithNeighbours;
+        wanted.push_back(which);
+        if (with_neighbours)
+            for (const std::size_t other : arc_.neighbours(which))
+                if (wanted.size() < 2 * kRefined) wanted.push_back(other);
+        if (wanted.size() >= 2 * kRefined) break;
+    }
+    for (const std::size_t which : wanted) {
+        if (!fine_.contains(which)) {
+            fine_.emplace(which, Front(arc_, which, Front::Kind::listed, Front::Grid::fine));
+            unlisted_.emplace(which, Front(arc_, which, Front::Kind::unlisted, Front::Grid::fine));
+        }
+    }
+    for (auto& [which, front] : fine_) front.catch_up(evidence);
+    for (auto& [which, front] : unlisted_) front.catch_up(evidence);
+}
+
+void Belief::update(const Evidence& evidence) {
+    for (Front& front : coarse_) front.catch_up(evidence);
+    weigh_nothing(evidence);
+    settle();
+    refine(evidence);
+    settle();
+}
+
+void Belief::settle() {
+    const double each = std::log((1 - kNoneAtFirst - kBesideAtFirst - kNothingAtFirst) /
+                                 static_cast<double>(std::max<std::size_t>(1, arc_.size())));
+    const double beside = std::log(kBesideAtFirst) - std::log(static_cast<double>(arc_.size() + 1));
+    const double none = std::log(kNoneAtFirst) - std::log(static_cast<double>(arc_.size() + 1));
+    std::vector<double> logs(arc_.size() + 2, kNever);
+    std::vector<double> others;
+    for (std::size_t k = 0; k < arc_.size(); ++k) {
+        logs[k] = front(k).log_named(kTrust) + each;
+        others.push_back(front(k).log_beside(kTrust) + beside);
+    }
+    for (const auto& [which, front] : unlisted_) others.push_back(front.log_beside(kTrust) + none);
+    if (unlisted_.empty()) others.push_back(std::log(kNoneAtFirst));
+    const double most = others.empty() ? kNever : *std::ranges::max_element(others);
+    double sum = 0;
+    for (const double log : others) sum += std::exp(log - most);
+    logs[arc_.size()] = most + std::log(sum);
+    logs[arc_.size() + 1] = kTrust * log_nothing_ + std::log(kNothingAtFirst);
+    const double top = *std::ranges::max_element(logs);
+    chances_.assign(logs.size(), 0);
+    double all = 0;
+    for (std::size_t k = 0; k < logs.size(); ++k) all += chances_[k] = std::exp(logs[k] - top);
+    for (double& chance : chances_) chance /= all;
+    order_.resize(logs.size());
+    std::iota(order_.begin(), order_.end(), std::size_t{0});
+    std::ranges::stable_sort(order_,
+                             [&](std::size_t a, std::size_t b) { return logs[a] > logs[b]; });
+}
+
+std::vector<std::pair<const Front*, double>> Belief::ideas() const {
+    std::vector<std::pair<const Front*, double>> ideas;
+    double most = kNever;
+    const auto add = [&](const Front& front) {
+        const double log = kTrust * front.best().log;
+        most = std::max(most, log);
+        ideas.emplace_back(&front, log);
+    };
+    for (const auto& [which, front] : fine_) add(front);
+    for (const auto& [which, front] : unlisted_) add(front);
+    for (auto& [front, weight] : ideas) weight = std::exp(weight - most);
+    std::erase_if(ideas, [](const auto& idea) { return idea.second < 1e-6; });
+    return ideas;
+}
+
+}  // namespace m47::identify

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <vector>
+
+#include "front.h"
+
+namespace m47::identify {
+
+/// What is held of the sky after the answers so far: a chance for each candidate, for "none of
+/// these" and for "no satellite". The arc has to outlive it.
+class Belief {
+  public:
+    explicit Belief(const Arc& arc);
+
+    /// Takes in what of the evidence it has not seen yet.
+    void update(const Evidence& evidence);
+
+    /// The chances of all candidates, behind them `none()` and `nothing()`; their sum is 1.
+    const std::vector<double>& chances() const { return chances_; }
+    std::size_t none() const { return arc_.size(); }
+    std::size_t nothing() const { return arc_.size() + 1; }
+    /// All of them, the most probable first.
+    const std::vector<std::size_t>& order() const { return order_; }
+    std::size_t best() const { return order_.front(); }
+
+    /// A candidate's, on its finest grid.
+    const Front& front(std::size_t candidate) const;
+    /// The most probable ideas of the sky, whatever they lead to, with the weight of each.
+    std::vector<std::pair<const Front*, double>> ideas() const;
+
+  private:
+    void refine(const Evidence& evidence);
+    void weigh_nothing(const Evidence& evidence);
+    void settle();
+
+    const Arc& arc_;
+    std::vector<Front> coarse_;
+    std::map<std::size_t, Front> fine_;
+    std::map<std::size_t, Front> unlisted_;
+    std::vector<double> chances_;
+    std::vector<std::size_t> order_;
+    double log_nothing_ = 0;
+    std::size_t nothing_seen_ = 0;
+};
+
+}  // namespace m47::identify

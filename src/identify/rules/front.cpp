@@ -1,0 +1,259 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "front.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace m47::identify {
+namespace {
+
+/// What may come over from the other polarisation, as a power ratio.
+constexpr float kCrossPolar = 0.006F;
+/// So much of what is on air no table lists.
+constexpr double kUnlisted = 0.1;
+constexpr double kLeastUnlisted = 0.01;
+/// A carrier that fills less of the filter is not counted.
+constexpr double kLeastShare = 0.03;
+constexpr double kFaintDb = 26;
+constexpr double kWidestHalf = 35;  // MHz: half of a carrier, drift and filter
+/// The dish is at a candidate up to so many beams beside it.
+constexpr double kAtIt = 0.58;
+/// and next to it up to so many
+constexpr double kNextToIt = 1.5;
+/// What nobody lists stands so far from all that is listed, in beams.
+constexpr double kApart = 0.25;
+constexpr double kListedRate = 0.01;
+/// Where a demodulator locks, dB of C/N, and how sharply.
+constexpr double kNeeded = 6.2;
+constexpr double kNeededSpread = 0.7;
+constexpr double kLockOfUnlisted = 0.04;
+constexpr double kLockOfNothing = 0.002;
+constexpr double kMostLock = 0.97;
+/// How well an offset is told, MHz, by the grid of drifts too.
+constexpr double kOffsetSpread = 0.5;
+
+double ratio(double db) {
+    return std::pow(10.0, db / 10);
+}
+
+double logistic(double x) {
+    return 1 / (1 + std::exp(-x));
+}
+
+std::vector<double> steps(double first, double step, double last) {
+    std::vector<double> values;
+    for (double value = first; value <= last + step / 100; value += step) values.push_back(value);
+    return values;
+}
+
+bool matches(const Carrier& carrier, const LockTry& trial, double drift) {
+    return carrier.lockable && std::abs(carrier.rate - trial.rate) < kListedRate * trial.rate &&
+           std::abs(carrier.if_mhz + drift - trial.if_mhz) <
+               kCapture * trial.rate + kOffsetSpread;
+}
+
+/// How well an offset fits a carrier, against one from anywhere in the capture range.
+double offset_density(const LockTry& trial, const Carrier& carrier, double drift) {
+    if (!trial.locked || !trial.offset) return 1;
+    const double off = (*trial.offset - (carrier.if_mhz + drift - trial.if_mhz)) / kOffsetSpread;
+    return std::exp(-off * off / 2) / (kOffsetSpread * 2.5066) * 2 * kCapture * trial.rate;
+}
+
+}  // namespace
+
+Front::Front(const Arc& arc, std::size_t candidate, Kind kind, Grid grid)
+    : arc_(arc), candidate_(candidate), kind_(kind) {
+    unlisted_ = static_cast<float>(
+        std::max(kLeastUnlisted, kUnlisted * arc.coverage(candidate)));
+    make_places(grid);
+    drifts_ = grid == Grid::fine ? steps(-3, 1, 3) : steps(-2, 2, 2);
+    cns_ = grid == Grid::fine ? steps(7, 1.5, 17.5) : steps(9, 3, 15);
+    occupied_ = kind == Kind::unlisted ? std::vector<double>{0.25, 0.6, 1.2, 2}
+                                       : std::vector<double>{0};
+    make_cells(grid);
+}
+
+void Front::add_place(double east) {
+    const double away = arc_.distance(candidate_, east) / arc_.beam();
+    if (!arc_.is_nearest(candidate_, east)) return;
+    if (kind_ == Kind::unlisted) {
+        if (away > kApart) places_.push_back({east, false});
+        return;
+    }
+    places_.push_back({east, away <= kAtIt});
+}
+
+void Front::make_places(Grid grid) {
+    const std::vector<double>& positions = arc_.candidates()[candidate_].positions;
+    if (positions.empty()) {
+        places_.push_back({0, kind_ == Kind::listed});
+        return;
+    }
+    const double beam = arc_.beam();
+    const bool fine = grid == Grid::fine && kind_ == Kind::listed;
+    const double far = grid == Grid::coarse ? 0.35 * beam : kNextToIt * beam;
+    const double middle = (positions.front() + positions.back()) / 2;
+    const double half = (positions.back() - positions.front()) / 2 + far;
+    const double step = (fine ? 0.09 : 0.35) * beam;
+    const int count = static_cast<int>(half / step);
+    for (int k = -count; k <= count; ++k) add_place(middle + k * step);
+    if (places_.empty() && kind_ == Kind::listed) places_.push_back({middle, true});
+}
+
+void Front::make_cells(Grid grid) {
+    for (std::size_t drift = 0; drift < drifts_.size(); ++drift)
+        for (std::size_t place = 0; place < places_.size(); ++place)
+            for (std::size_t occupied = 0; occupied < occupied_.size(); ++occupied)
+                for (std::size_t cn = 0; cn < cns_.size(); ++cn)
+                    cells_.push_back({static_cast<std::uint16_t>(place),
+                                      static_cast<std::uint16_t>(drift),
+                                      static_cast<std::uint16_t>(cn),
+                                      static_cast<std::uint16_t>(occupied), 0});
+    log_cell_ = -std::log(std::max<double>(1, static_cast<double>(cells_.size())));
+    (void)grid;
+}
+
+std::vector<Front::Ray> Front::rays(int state, double if_mhz, double drift) const {
+    const std::vector<Emitter>& all = arc_.around(candidate_)[static_cast<std::size_t>(state)];
+    std::vector<Ray> found;
+    auto next = std::ranges::lower_bound(all, if_mhz - kWidestHalf, {},
+                                         [](const Emitter& e) { return e.carrier.if_mhz; });
+    for (; next != all.end() && next->carrier.if_mhz < if_mhz + kWidestHalf; ++next) {
+        const double share = next->share(if_mhz, drift);
+        if (share > kLeastShare) found.push_back({&*next, share});
+    }
+    return found;
+}
+
+std::vector<Part> Front::parts(const std::vector<Ray>& rays, const Place& place, double usual,
+                               std::vector<const Emitter*>* order) const {
+    std::vector<std::pair<Part, const Emitter*>> found;
+    for (const Ray& ray : rays) {
+        const double loss = ray.emitter->loss(place.east);
+        if (loss > kFaintDb) continue;
+        found.push_back({{static_cast<float>(ray.share * ratio(-loss)),
+                          static_cast<float>(ray.emitter->chance)},
+                         ray.emitter});
+    }
+    if (usual > 0) found.push_back({{1, static_cast<float>(std::min(0.9, usual))}, nullptr});
+    std::ranges::stable_sort(found,
+                             [](auto& a, auto& b) { return a.first.power > b.first.power; });
+    std::vector<Part> parts;
+    for (const auto& [part, emitter] : found) {
+        parts.push_back(part);
+        if (order != nullptr) order->push_back(emitter);
+    }
+    return parts;
+}
+
+Mixture Front::mixture(std::vector<Part> parts, double cn) const {
+    const auto on_axis = static_cast<float>(ratio(cn));
+    for (Part& part : parts) part.power *= on_axis;
+    return {parts, kCrossPolar * on_axis, unlisted_, static_cast<float>(cn + 3)};
+}
+
+void Front::take(const Height& height) {
+    const double usual =
+        kind_ == Kind::unlisted ? arc_.usual_power(height.state, height.if_mhz) : 0;
+    const auto above = static_cast<float>(height.db);
+    auto cell = cells_.begin();
+    for (const double drift : drifts_) {
+        const std::vector<Ray> near = rays(height.state, height.if_mhz, drift);
+        for (const Place& place : places_)
+            for (const double occupied : occupied_) {
+                const std::vector<Part> on_axis = parts(near, place, usual * occupied);
+                for (const double cn : cns_) (cell++)->log += mixture(on_axis, cn).log_density(above);
+            }
+    }
+}
+
+double Front::lock_density(const Cell& cell, const LockTry& trial) const {
+    const double drift = drifts_[cell.drift];
+    const double usual = arc_.usual_power(trial.state, trial.if_mhz) * occupied_[cell.occupied];
+    std::vector<const Emitter*> order;
+    const std::vector<Part> on_axis =
+        parts(rays(trial.state, trial.if_mhz, drift), places_[cell.place], usual, &order);
+    const Mixture held = mixture(on_axis, cns_[cell.cn]);
+    const auto shares = held.shares(static_cast<float>(trial.above));
+    const double carriers = std::max(0.01, ratio(trial.above) - 1);
+    double locked = 0;
+    double known = 0;
+    for (unsigned which = 0; which < 1U << held.parts(); ++which) {
+        known += shares[which];
+        int strongest = -1;
+        double sum = 0;
+        for (int k = held.parts() - 1; k >= 0; --k)
+            if ((which >> k & 1U) != 0) {
+                strongest = k;
+                sum += on_axis[static_cast<std::size_t>(k)].power;
+            }
+        if (strongest < 0) {
+            locked += shares[which] * kLockOfNothing;
+            continue;
+        }
+        const Emitter* emitter = order[static_cast<std::size_t>(strongest)];
+        if (emitter == nullptr) {
+            locked += shares[which] * kLockOfUnlisted;
+            continue;
+        }
+        if (!matches(emitter->carrier, trial, drift)) {
+            locked += shares[which] * kLockOfNothing;
+            continue;
+        }
+        const double own = carriers * on_axis[static_cast<std::size_t>(strongest)].power / sum;
+        const double cn = 10 * std::log10(own / (1 + carriers - own));
+        locked += shares[which] * kMostLock * logistic((cn - kNeeded) / kNeededSpread) *
+                  offset_density(trial, emitter->carrier, drift);
+    }
+    locked += std::max(0.0, 1 - known) * kLockOfUnlisted;
+    return trial.locked ? std::max(locked, 1e-4) : std::max(1 - locked, 1 - kMostLock);
+}
+
+void Front::take(const LockTry& trial) {
+    for (Cell& cell : cells_)
+        cell.log += static_cast<float>(std::log(lock_density(cell, trial)));
+}
+
+void Front::catch_up(const Evidence& evidence) {
+    for (; heights_ < evidence.heights.size(); ++heights_) take(evidence.heights[heights_]);
+    for (; locks_ < evidence.locks.size(); ++locks_) take(evidence.locks[locks_]);
+}
+
+double Front::log_sum(bool named, double trust) const {
+    constexpr double kNever = -1e9;
+    double most = kNever;
+    for (const Cell& cell : cells_)
+        if (places_[cell.place].named == named) most = std::max(most, trust * cell.log);
+    if (most == kNever) return kNever;
+    double sum = 0;
+    for (const Cell& cell : cells_)
+        if (places_[cell.place].named == named) sum += std::exp(trust * cell.log - most);
+    return most + std::log(sum) + log_cell_;
+}
+
+Front::Best Front::best() const {
+    const auto most =
+        std::ranges::max_element(cells_, {}, [](const Cell& cell) { return cell.log; });
+    if (most == cells_.end()) return {.log = -1e9};
+    return {drifts_[most->drift], places_[most->place].east, cns_[most->cn], most->log};
+}
+
+Mixture::Mean Front::expect(int state, double if_mhz) const {
+    const auto most =
+        std::ranges::max_element(cells_, {}, [](const Cell& cell) { return cell.log; });
+    const double usual = arc_.usual_power(state, if_mhz) * occupied_[most->occupied];
+    return mixture(parts(rays(state, if_mhz, drifts_[most->drift]), places_[most->place], usual),
+                   cns_[most->cn])
+        .mean();
+}
+
+double Front::lock_chance(const LockTry& trial) const {
+    const auto most =
+        std::ranges::max_element(cells_, {}, [](const Cell& cell) { return cell.log; });
+    LockTry heard = trial;
+    heard.locked = true;
+    heard.offset.reset();
+    return lock_density(*most, heard);
+}
+
+}  // namespace m47::identify

@@ -1,0 +1,251 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "identifier.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace m47::identify {
+namespace {
+
+/// The scan: so many levels in each state of the LNB, spread over the band.
+constexpr int kScanOfAState = 22;
+/// Levels that are chosen come in rounds, so that the LNB is switched less.
+constexpr std::size_t kRound = 10;
+constexpr int kFewestRounds = 2;
+constexpr int kMostRounds = 8;
+constexpr double kClear = 0.998;
+/// Two levels nearer than this say much the same, MHz.
+constexpr double kNear = 12;
+/// A level for a lock has to stand on its carrier.
+constexpr double kSamePlace = 1.5;
+constexpr int kProof = 2;
+constexpr int kMostLocks = 5;
+constexpr double kWorthALock = 0.02;
+
+double worth_of(const std::vector<std::pair<const Front*, double>>& ideas, int state,
+                double if_mhz) {
+    double weights = 0;
+    double mean = 0;
+    double within = 0;
+    std::vector<std::pair<double, Mixture::Mean>> expected;
+    for (const auto& [front, weight] : ideas) {
+        // What is less probable so far still has a say.
+        const double say = std::sqrt(weight) + 1e-3;
+        const Mixture::Mean one = front->expect(state, if_mhz);
+        expected.emplace_back(say, one);
+        weights += say;
+        mean += say * one.db;
+        within += say * one.variance;
+    }
+    mean /= weights;
+    double between = 0;
+    for (const auto& [say, one] : expected) between += say * (one.db - mean) * (one.db - mean);
+    return between / within;
+}
+
+}  // namespace
+
+Identifier::Identifier(const Arc& arc, int states) : arc_(arc), states_(states), belief_(arc) {
+    plan_scan();
+}
+
+void Identifier::plan_scan() {
+    const double step = (kHighestIf - kLowestIf) / kScanOfAState;
+    for (int state = 0; state < states_; ++state)
+        for (int k = 0; k < kScanOfAState; ++k) {
+            const double part = k + 0.5 + (state % 2 == 0 ? -0.17 : 0.17);
+            planned_.push_back({Question::Kind::level, state, std::round(kLowestIf + part * step)});
+        }
+}
+
+bool Identifier::is_asked(int state, double if_mhz, double within) const {
+    const auto near = [&](const Question& question) {
+        return question.kind == Question::Kind::level && question.state == state &&
+               std::abs(question.if_mhz - if_mhz) < within;
+    };
+    return std::ranges::any_of(asked_, near) || std::ranges::any_of(planned_, near);
+}
+
+void Identifier::note_levels() {
+    if (!scanned_) {
+        floor_ = noise_floor_of(levels_);
+        scanned_ = true;
+    }
+    for (std::size_t k = evidence_.heights.size(); k < levels_.size(); ++k)
+        evidence_.heights.push_back(
+            {levels_[k].state, levels_[k].if_mhz, floor_.above(levels_[k])});
+}
+
+void Identifier::ask_by_state(std::vector<Question> questions) {
+    std::ranges::stable_sort(questions, [](const Question& a, const Question& b) {
+        return a.state != b.state ? a.state < b.state : a.if_mhz < b.if_mhz;
+    });
+    planned_.insert(planned_.end(), questions.begin(), questions.end());
+}
+
+void Identifier::plan_levels() {
+    const auto ideas = belief_.ideas();
+    std::vector<std::pair<double, Question>> found;
+    std::vector<std::size_t> seen;
+    for (const auto& [front, weight] : ideas) {
+        if (std::ranges::count(seen, front->candidate()) > 0) continue;
+        seen.push_back(front->candidate());
+        const double drift = front->best().drift;
+        for (const std::vector<Emitter>& state : arc_.around(front->candidate()))
+            for (const Emitter& emitter : state) {
+                const double at =
+                    std::round(std::clamp(emitter.carrier.if_mhz + drift, kLowestIf, kHighestIf));
+                if (is_asked(emitter.carrier.state, at, kNear)) continue;
+                found.push_back({worth_of(ideas, emitter.carrier.state, at),
+                                 {Question::Kind::level, emitter.carrier.state, at}});
+            }
+    }
+    std::ranges::stable_sort(found, [](const auto& a, const auto& b) { return a.first > b.first; });
+    std::vector<Question> chosen;
+    for (const auto& [worth, question] : found) {
+        const bool near = std::ranges::any_of(chosen, [&, &question = question](const auto& other) {
+            return other.state == question.state && std::abs(other.if_mhz - question.if_mhz) < kNear;
+        });
+        if (!near) chosen.push_back(question);
+        if (chosen.size() == kRound) break;
+    }
+    ask_by_state(chosen);
+}
+
+double Identifier::above_at(int state, double if_mhz) const {
+    double above = -1;
+    for (const Height& height : evidence_.heights)
+        if (height.state == state && std::abs(height.if_mhz - if_mhz) < kSamePlace)
+            above = height.db;
+    return above;
+}
+
+bool Identifier::plan_lock() {
+    const std::size_t best = [&] {
+        for (const std::size_t which : belief_.order())
+            if (which < arc_.size()) return which;
+        return std::size_t{0};
+    }();
+    if (belief_.chances()[best] < kWorthALock && belief_.best() == belief_.nothing()) return false;
+    const Front& front = belief_.front(best);
+    const double drift = front.best().drift;
+    const auto ideas = belief_.ideas();
+    double most = 0;
+    Question chosen;
+    bool level_first = false;
+    for (const Carrier& carrier : arc_.candidates()[best].carriers) {
+        if (!carrier.lockable) continue;
+        const double at = std::round(carrier.if_mhz + drift);
+        if (at < kLowestIf || at > kHighestIf) continue;
+        const bool tried = std::ranges::any_of(asked_, [&](const Question& other) {
+            return other.kind == Question::Kind::lock && other.state == carrier.state &&
+                   std::abs(other.if_mhz - at) < carrier.rate / 2;
+        });
+        if (tried) continue;
+        const double above = above_at(carrier.state, at);
+        const bool measured = above > -1;
+        const LockTry trial{carrier.state, at, carrier.rate,
+                            measured ? above : front.expect(carrier.state, at).db};
+        double chance = front.lock_chance(trial);
+        double of_others = 0;
+        double weights = 0;
+        for (const auto& [other, weight] : ideas)
+            if (other->candidate() != best || other != &front) {
+                of_others += (weight + 1e-3) * other->lock_chance(trial);
+                weights += weight + 1e-3;
+            }
+        if (weights > 0) of_others /= weights;
+        if (!measured) chance *= 0.7;
+        const double worth = chance * (1.2 - of_others);
+        if (worth <= most) continue;
+        most = worth;
+        chosen = {Question::Kind::lock, carrier.state, at, carrier.rate};
+        level_first = !measured;
+    }
+    if (most < kWorthALock) return false;
+    if (level_first) {
+        planned_.push_back({Question::Kind::level, chosen.state, chosen.if_mhz});
+        return true;
+    }
+    planned_.push_back(chosen);
+    ++tried_locks_;
+    return true;
+}
+
+void Identifier::plan() {
+    note_levels();
+    belief_.update(evidence_);
+    const double certainty = belief_.chances()[belief_.best()];
+    const bool empty = belief_.best() == belief_.nothing() && certainty > kClear;
+    if (empty && batches_ > 0) {
+        done_ = true;
+        return;
+    }
+    const bool clear = certainty > kClear && batches_ >= kFewestRounds;
+    if (!clear && batches_ < kMostRounds) {
+        ++batches_;
+        plan_levels();
+        if (!planned_.empty()) return;
+    }
+    const bool proven = belief_.best() < arc_.size() && locks_of(belief_.best()) >= kProof;
+    if (proven || tried_locks_ >= kMostLocks || !plan_lock()) done_ = true;
+}
+
+std::optional<Question> Identifier::next_question() {
+    if (planned_.empty() && !done_) plan();
+    if (planned_.empty()) return std::nullopt;
+    return planned_.front();
+}
+
+void Identifier::take(const Question& question, const Answer& answer) {
+    if (!planned_.empty()) planned_.pop_front();
+    asked_.push_back(question);
+    if (question.kind == Question::Kind::level && answer.db)
+        levels_.push_back({question.state, question.if_mhz, *answer.db});
+    if (question.kind == Question::Kind::lock && answer.locked)
+        evidence_.locks.push_back({question.state, question.if_mhz, question.rate,
+                                   above_at(question.state, question.if_mhz), *answer.locked,
+                                   answer.offset});
+}
+
+bool Identifier::supports(const LockTry& lock, std::size_t candidate) const {
+    const double drift = belief_.front(candidate).best().drift;
+    return lock.locked &&
+           std::ranges::any_of(arc_.candidates()[candidate].carriers, [&](const Carrier& carrier) {
+               return carrier.lockable && carrier.state == lock.state &&
+                      std::abs(carrier.rate - lock.rate) < 0.01 * lock.rate &&
+                      std::abs(carrier.if_mhz + drift - lock.if_mhz) < kCapture * lock.rate + 1;
+           });
+}
+
+int Identifier::locks_of(std::size_t candidate) const {
+    return static_cast<int>(std::ranges::count_if(
+        evidence_.locks, [&](const LockTry& lock) { return supports(lock, candidate); }));
+}
+
+Verdict Identifier::verdict() const {
+    const std::vector<double>& chances = belief_.chances();
+    Verdict verdict;
+    const std::size_t best = belief_.best();
+    if (best == belief_.none()) verdict.kind = Verdict::Kind::none_of_these;
+    if (best < arc_.size()) verdict.kind = Verdict::Kind::candidate;
+    verdict.certainty = chances[best];
+    bool first = true;
+    for (const std::size_t which : belief_.order()) {
+        if (which >= arc_.size()) continue;
+        if (first) {
+            verdict.candidate = which;
+            first = false;
+            continue;
+        }
+        verdict.runner_up = which;
+        verdict.runner_up_chance = chances[which];
+        break;
+    }
+    if (arc_.size() == 0) return verdict;
+    verdict.drift = belief_.front(verdict.candidate).best().drift;
+    verdict.locks = locks_of(verdict.candidate);
+    return verdict;
+}
+
+}  // namespace m47::identify

@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "mixture.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace m47::identify {
+namespace {
+
+/// The meter's scatter and what the noise floor is off, dB.
+constexpr float kJitter = 0.3F;
+/// How far transponders of a satellite differ from one another, dB.
+constexpr float kSpread = 0.9F;
+/// The chance that something of the other polarisation is there.
+constexpr float kCrossedChance = 0.35F;
+constexpr float kOfSquareRoot = 0.39894228F;  // 1 / sqrt(2 pi)
+/// Of a level for which there is no explanation at all.
+constexpr float kOutlier = 1e-4F;
+constexpr float kBelowNoise = 0.5F;
+
+float db_of(float ratio) {
+    return 10 * std::log10(ratio);
+}
+
+}  // namespace
+
+Mixture::Mixture(const std::vector<Part>& parts, float crossed, float unlisted, float highest)
+    : count_(std::min(kMost, static_cast<int>(parts.size()))),
+      unlisted_(unlisted),
+      highest_(std::max(1.0F, highest)) {
+    float rest = 1;
+    for (auto k = static_cast<std::size_t>(count_); k < parts.size(); ++k)
+        rest += parts[k].power * parts[k].chance;
+    for (unsigned which = 0; which < 1U << count_; ++which) {
+        float weight = 1;
+        float sum = rest;
+        float squares = 0;
+        for (int k = 0; k < count_; ++k) {
+            const Part& part = parts[static_cast<std::size_t>(k)];
+            const bool there = (which >> k & 1U) != 0;
+            weight *= there ? part.chance : 1 - part.chance;
+            if (!there) continue;
+            sum += part.power;
+            squares += part.power * part.power;
+        }
+        cases_[which] = {weight, db_of(sum),
+                         kJitter * kJitter + kSpread * kSpread * squares / (sum * sum)};
+    }
+    crossed_ = cases_[0];
+    crossed_.weight *= kCrossedChance;
+    cases_[0].weight -= crossed_.weight;
+    crossed_.db = db_of(rest + crossed);
+}
+
+float Mixture::density(const Case& one, float above) const {
+    const float off = above - one.db;
+    return (1 - unlisted_) * one.weight * kOfSquareRoot / std::sqrt(one.variance) *
+           std::exp(-off * off / (2 * one.variance));
+}
+
+float Mixture::unlisted_density(float above) const {
+    const bool inside = above > -kBelowNoise && above < highest_;
+    return inside ? unlisted_ / (highest_ + kBelowNoise) : 0;
+}
+
+float Mixture::log_density(float above) const {
+    float sum = kOutlier + unlisted_density(above) + density(crossed_, above);
+    for (unsigned which = 0; which < 1U << count_; ++which) sum += density(cases_[which], above);
+    return std::log(sum);
+}
+
+Mixture::Mean Mixture::mean() const {
+    float mean = crossed_.weight * crossed_.db;
+    for (unsigned which = 0; which < 1U << count_; ++which)
+        mean += cases_[which].weight * cases_[which].db;
+    float variance = 0;
+    for (unsigned which = 0; which < 1U << count_; ++which) {
+        const float off = cases_[which].db - mean;
+        variance += cases_[which].weight * (cases_[which].variance + off * off);
+    }
+    return {mean, variance + kJitter * kJitter};
+}
+
+std::array<float, 1 << Mixture::kMost> Mixture::shares(float above) const {
+    std::array<float, 1 << kMost> shares{};
+    float sum = kOutlier + unlisted_density(above) + density(crossed_, above);
+    for (unsigned which = 0; which < 1U << count_; ++which) {
+        shares[which] = density(cases_[which], above);
+        sum += shares[which];
+    }
+    shares[0] += density(crossed_, above);
+    for (float& share : shares) share /= sum;
+    return shares;
+}
+
+}  // namespace m47::identify

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <array>
+#include <vector>
+
+namespace m47::identify {
+
+/// Something that may be in the measuring filter.
+struct Part {
+    float power = 0;   ///< as a ratio to the noise in the filter, if it is there
+    float chance = 0;  ///< that it is there
+};
+
+/// How a level may come about: which of a few carriers are there. The sum over all that is possible
+/// gives the chance of a level, so none has to be decided.
+class Mixture {
+  public:
+    /// `parts` are the strongest first; what goes beyond `kMost` is taken in the mean. `crossed` is
+    /// the power that may come over from the other polarisation, `unlisted` the chance of a carrier
+    /// that nobody lists, up to `highest` dB above the noise.
+    static constexpr int kMost = 4;
+    Mixture(const std::vector<Part>& parts, float crossed, float unlisted, float highest);
+
+    /// The logarithm of the density of a level `above` the noise, in dB.
+    float log_density(float above) const;
+
+    struct Mean {
+        float db;
+        float variance;
+    };
+    /// What is expected of the level.
+    Mean mean() const;
+
+    /// The chance, after a level, that just these parts are there: bit k stands for part k. What is
+    /// left to a sum of 1 is something that nobody lists.
+    std::array<float, 1 << kMost> shares(float above) const;
+    int parts() const { return count_; }
+
+  private:
+    struct Case {
+        float weight = 0;
+        float db = 0;
+        float variance = 0;
+    };
+    float density(const Case& one, float above) const;
+    float unlisted_density(float above) const;
+
+    int count_ = 0;
+    float unlisted_ = 0;
+    float highest_ = 0;
+    std::array<Case, 1 << kMost> cases_{};
+    Case crossed_;
+};
+
+}  // namespace m47::identify
