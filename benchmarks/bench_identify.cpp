@@ -93,6 +93,13 @@ void tell(const Dish& dish, const Arc& arc, const identify::Identifier& identifi
         const auto best = belief.front(which).best();
         std::printf(" (%.1f cn %.1f drift %.0f: %.1f)", best.east, best.cn, best.drift, best.log);
     }
+    for (const auto& [front, weight] : belief.ideas())
+        if (front->kind() == identify::Front::Kind::unlisted) {
+            const auto best = front->best();
+            std::printf(" [beside %s at %.1f cn %.1f drift %.1f: %.1f]",
+                        qUtf8Printable(arc.candidates()[front->candidate()].name), best.east,
+                        best.cn, best.drift, best.log);
+        }
     for (const auto& lock : identifier.locks())
         std::printf(" lock %d %.0f %.1f at %.1f: %d", lock.state, lock.if_mhz, lock.rate,
                     lock.above, lock.locked ? 1 : 0);

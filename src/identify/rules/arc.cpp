@@ -7,8 +7,6 @@
 namespace m47::identify {
 namespace {
 
-/// Of the transponders that a table lists so many are on air.
-constexpr double kOnAir = 0.8;
 /// Carriers nearer to each other than this part of their width cannot both be there.
 constexpr double kMeet = 0.8;
 /// A carrier is flat up to, and ends at, so many symbol rates on either side.
@@ -32,16 +30,15 @@ double from_centre(double x) {
     return std::copysign(area, x);
 }
 
-bool exclude(const Carrier& one, const Carrier& other) {
-    return one.state == other.state &&
-           std::abs(one.if_mhz - other.if_mhz) < kMeet * kEnd * (one.rate + other.rate);
+bool is_circular(const Carrier& carrier) {
+    return carrier.polarisation == 'L' || carrier.polarisation == 'R';
 }
 
 /// Tables of several years list what cannot be there at once; one of them is.
-double chance_of(const Carrier& carrier, const std::vector<Carrier>& all) {
-    const auto rivals = std::ranges::count_if(
-        all, [&](const Carrier& other) { return exclude(carrier, other); });
-    return kOnAir / static_cast<double>(std::max<std::ptrdiff_t>(1, rivals));
+int rivals_of(const Carrier& carrier, const std::vector<Carrier>& all) {
+    const auto rivals =
+        std::ranges::count_if(all, [&](const Carrier& other) { return exclude(carrier, other); });
+    return std::max(1, static_cast<int>(rivals));
 }
 
 std::size_t usual_place(double if_mhz) {
@@ -51,10 +48,16 @@ std::size_t usual_place(double if_mhz) {
 
 }  // namespace
 
+bool exclude(const Carrier& one, const Carrier& other) {
+    const bool alike = is_circular(one) == is_circular(other);
+    if (one.state != other.state || (alike && one.polarisation != other.polarisation)) return false;
+    return std::abs(one.if_mhz - other.if_mhz) < kMeet * kEnd * (one.rate + other.rate);
+}
+
 double Emitter::loss(double east) const {
-    if (!carrier.east) return 0;
+    if (!carrier.east) return carrier.loss;
     const double widths = arc_between(*carrier.east, east) / width;
-    return 12 * widths * widths;
+    return 12 * widths * widths + carrier.loss;
 }
 
 double Emitter::share(double if_mhz, double drift) const {
@@ -91,9 +94,11 @@ Arc::Arc(std::vector<Candidate> candidates, double dish_cm) : candidates_(std::m
 std::vector<Emitter> Arc::emitters_of(std::size_t candidate, double dish_cm) const {
     const std::vector<Carrier>& carriers = candidates_[candidate].carriers;
     std::vector<Emitter> emitters;
-    for (const Carrier& carrier : carriers)
+    for (const Carrier& carrier : carriers) {
+        const int rivals = rivals_of(carrier, carriers);
         emitters.push_back(
-            {carrier, candidate, chance_of(carrier, carriers), width_of(carrier.sky_mhz, dish_cm)});
+            {carrier, candidate, kOnAir / rivals, rivals, width_of(carrier.sky_mhz, dish_cm)});
+    }
     return emitters;
 }
 

@@ -20,6 +20,7 @@ struct Emitter {
     Carrier carrier;
     std::size_t candidate = 0;
     double chance = 0;  ///< that it is on air
+    int rivals = 1;     ///< how many of its satellite's, itself included, cannot be there at once
     double width = 0;   ///< of the dish's beam at its frequency, degrees at -3 dB
 
     /// How much less is received of it by a dish that looks at `east`, dB, 0 or above.
@@ -27,6 +28,12 @@ struct Emitter {
     /// The part of the measuring filter that it fills, 0 to 1, when the LNB drifts by `drift` MHz.
     double share(double if_mhz, double drift) const;
 };
+
+/// True where the two cannot be on air at once: they overlap on one satellite.
+bool exclude(const Carrier& one, const Carrier& other);
+
+/// Of the transponders that a table lists so many are on air.
+inline constexpr double kOnAir = 0.8;
 
 /// All candidates along the arc, and what of the others is in the beam with each.
 class Arc {

@@ -16,6 +16,7 @@ constexpr double kTrust = 0.7;
 /// Candidates that get a fine grid: the best so far, and their neighbours within so many beams.
 constexpr std::size_t kRefined = 8;
 constexpr std::size_t kWithNeighbours = 3;
+constexpr std::size_t kFinest = 3;
 /// Where no satellite is, there is seldom a level above the noise.
 constexpr double kStray = 0.01;
 constexpr double kStrayRange = 25;  // dB
@@ -27,6 +28,21 @@ double log_of_nothing(double above) {
     return std::log((1 - kStray) * noise + kStray / kStrayRange);
 }
 
+/// The few best of `fine` anew on the finest grid.
+void add_finest(const Arc& arc, const std::map<std::size_t, Front>& fine, const Evidence& evidence,
+                std::map<std::size_t, Front>& finest) {
+    std::vector<std::pair<double, std::size_t>> best;
+    for (const auto& [which, front] : fine) best.emplace_back(-front.best().log, which);
+    std::ranges::sort(best);
+    if (best.size() > kFinest) best.resize(kFinest);
+    finest.clear();
+    for (const auto& [log, which] : best) {
+        const Front& front = fine.at(which);
+        finest.emplace(which, Front(arc, which, front.kind(), front.best()));
+        finest.at(which).catch_up(evidence);
+    }
+}
+
 }  // namespace
 
 Belief::Belief(const Arc& arc) : arc_(arc) {
@@ -36,8 +52,15 @@ Belief::Belief(const Arc& arc) : arc_(arc) {
 }
 
 const Front& Belief::front(std::size_t candidate) const {
+    const auto finest = finest_.find(candidate);
+    if (finest != finest_.end()) return finest->second;
     const auto fine = fine_.find(candidate);
     return fine != fine_.end() ? fine->second : coarse_[candidate];
+}
+
+const Front& Belief::unlisted(std::size_t candidate) const {
+    const auto finest = finest_unlisted_.find(candidate);
+    return finest != finest_unlisted_.end() ? finest->second : unlisted_.at(candidate);
 }
 
 void Belief::weigh_nothing(const Evidence& evidence) {
@@ -66,11 +89,18 @@ void Belief::refine(const Evidence& evidence) {
     for (auto& [which, front] : unlisted_) front.catch_up(evidence);
 }
 
+void Belief::refine_more(const Evidence& evidence) {
+    add_finest(arc_, fine_, evidence, finest_);
+    add_finest(arc_, unlisted_, evidence, finest_unlisted_);
+}
+
 void Belief::update(const Evidence& evidence) {
     for (Front& front : coarse_) front.catch_up(evidence);
     weigh_nothing(evidence);
+    finest_.clear();
     settle();
     refine(evidence);
+    refine_more(evidence);
     settle();
 }
 
@@ -85,7 +115,8 @@ void Belief::settle() {
         logs[k] = front(k).log_named(kTrust) + each;
         others.push_back(front(k).log_beside(kTrust) + beside);
     }
-    for (const auto& [which, front] : unlisted_) others.push_back(front.log_beside(kTrust) + none);
+    for (const auto& [which, front] : unlisted_)
+        others.push_back(unlisted(which).log_beside(kTrust) + none);
     if (unlisted_.empty()) others.push_back(std::log(kNoneAtFirst));
     const double most = others.empty() ? kNever : *std::ranges::max_element(others);
     double sum = 0;
@@ -103,18 +134,18 @@ void Belief::settle() {
                              [&](std::size_t a, std::size_t b) { return logs[a] > logs[b]; });
 }
 
-std::vector<std::pair<const Front*, double>> Belief::ideas() const {
-    std::vector<std::pair<const Front*, double>> ideas;
+Ideas Belief::ideas() const {
+    Ideas ideas;
     double most = kNever;
     const auto add = [&](const Front& front) {
         const double log = kTrust * front.best().log;
         most = std::max(most, log);
         ideas.emplace_back(&front, log);
     };
-    for (const auto& [which, front] : fine_) add(front);
-    for (const auto& [which, front] : unlisted_) add(front);
+    for (const auto& [which, coarser] : fine_) add(front(which));
+    for (const auto& [which, coarser] : unlisted_) add(unlisted(which));
     for (auto& [front, weight] : ideas) weight = std::exp(weight - most);
-    std::erase_if(ideas, [](const auto& idea) { return idea.second < 1e-6; });
+    std::erase_if(ideas, [](const auto& idea) { return idea.second < 1e-9; });
     return ideas;
 }
 

@@ -9,6 +9,9 @@
 
 namespace m47::identify {
 
+/// Ideas of the sky with the weight of each, of which the most probable has 1.
+using Ideas = std::vector<std::pair<const Front*, double>>;
+
 /// What is held of the sky after the answers so far: a chance for each candidate, for "none of
 /// these" and for "no satellite". The arc has to outlive it.
 class Belief {
@@ -28,11 +31,13 @@ class Belief {
 
     /// A candidate's, on its finest grid.
     const Front& front(std::size_t candidate) const;
-    /// The most probable ideas of the sky, whatever they lead to, with the weight of each.
-    std::vector<std::pair<const Front*, double>> ideas() const;
+    /// The most probable ideas of the sky, whatever they lead to.
+    Ideas ideas() const;
 
   private:
     void refine(const Evidence& evidence);
+    void refine_more(const Evidence& evidence);
+    const Front& unlisted(std::size_t candidate) const;
     void weigh_nothing(const Evidence& evidence);
     void settle();
 
@@ -40,6 +45,8 @@ class Belief {
     std::vector<Front> coarse_;
     std::map<std::size_t, Front> fine_;
     std::map<std::size_t, Front> unlisted_;
+    std::map<std::size_t, Front> finest_;           ///< of the most probable ones
+    std::map<std::size_t, Front> finest_unlisted_;  ///< the same
     std::vector<double> chances_;
     std::vector<std::size_t> order_;
     double log_nothing_ = 0;

@@ -23,6 +23,8 @@ constexpr double kLowestKhz = 100000;
 /// What the meter's demodulator takes, MS/s.
 constexpr double kLowestRate = 1.5;
 constexpr double kHighestRate = 45;
+/// A linear LNB passes half of a circular wave, and the other way round.
+constexpr double kOtherKindDb = 3;
 /// Two entries of one transponder are often some hundred kHz apart.
 constexpr double kSameMhz = 1.5;
 constexpr double kSameRate = 0.02;
@@ -44,14 +46,17 @@ std::vector<Carrier> carriers_of(const plans::Transponder& transponder, double e
     const char polarisation = transponder.polarisation.at(0).toLatin1();
     // Through the other kind of LNB both turns come at once and disturb each other.
     const bool lockable = is_dvb_s(transponder) && lnb.separates(polarisation);
+    const double loss = lnb.separates(polarisation) ? 0 : kOtherKindDb;
     std::vector<Carrier> carriers;
     for (const Place& place : lnb.places(mhz, polarisation))
-        carriers.push_back({place.state, place.if_mhz, rate, lockable, mhz, east});
+        carriers.push_back({place.state, place.if_mhz, rate, lockable, mhz,
+                            polarisation, loss, east});
     return carriers;
 }
 
 bool is_same(const Carrier& one, const Carrier& other) {
-    return one.state == other.state && std::abs(one.if_mhz - other.if_mhz) < kSameMhz &&
+    return one.state == other.state && one.polarisation == other.polarisation &&
+           std::abs(one.if_mhz - other.if_mhz) < kSameMhz &&
            std::abs(one.rate - other.rate) < kSameRate * one.rate;
 }
 

@@ -17,6 +17,8 @@ struct Carrier {
     double rate = 0;       ///< symbol rate, MS/s
     bool lockable = true;  ///< DVB-S; the meter measures the power alone of all others
     double sky_mhz = 0;           ///< before the LNB
+    char polarisation = 'V';      ///< H, V, L or R
+    double loss = 0;              ///< dB, where the LNB is for another kind of polarisation
     std::optional<double> east{};  ///< of its satellite, degrees, west below 0
 };
 

@@ -10,11 +10,12 @@ namespace {
 /// What may come over from the other polarisation, as a power ratio.
 constexpr float kCrossPolar = 0.006F;
 /// So much of what is on air no table lists.
-constexpr double kUnlisted = 0.1;
+constexpr double kUnlisted = 0.12;
 constexpr double kLeastUnlisted = 0.01;
 /// A carrier that fills less of the filter is not counted.
 constexpr double kLeastShare = 0.03;
 constexpr double kFaintDb = 26;
+constexpr std::size_t kPartsHeld = Mixture::kMost;
 constexpr double kWidestHalf = 35;  // MHz: half of a carrier, drift and filter
 /// The dish is at a candidate up to so many beams beside it.
 constexpr double kAtIt = 0.58;
@@ -22,6 +23,15 @@ constexpr double kAtIt = 0.58;
 constexpr double kNextToIt = 1.5;
 /// What nobody lists stands so far from all that is listed, in beams.
 constexpr double kApart = 0.25;
+/// How far apart places on the grids are, in beams, and how much there is of the other unknowns.
+constexpr double kCoarseStep = 0.35;
+constexpr double kFineStep = 0.09;
+constexpr double kFinestStep = 0.02;
+constexpr double kMostDrift = 3;  // MHz
+constexpr double kAllDrifts = 7;
+constexpr double kAllCns = 12;
+/// Of what no candidate is so much reaches into the filter with its edge alone.
+constexpr double kEdges = 0.3;
 constexpr double kListedRate = 0.01;
 /// Where a demodulator locks, dB of C/N, and how sharply.
 constexpr double kNeeded = 6.2;
@@ -31,6 +41,7 @@ constexpr double kLockOfNothing = 0.002;
 constexpr double kMostLock = 0.97;
 /// How well an offset is told, MHz, by the grid of drifts too.
 constexpr double kOffsetSpread = 0.5;
+constexpr double kCaptureSpread = 0.25;
 
 double ratio(double db) {
     return std::pow(10.0, db / 10);
@@ -46,10 +57,12 @@ std::vector<double> steps(double first, double step, double last) {
     return values;
 }
 
-bool matches(const Carrier& carrier, const LockTry& trial, double drift) {
-    return carrier.lockable && std::abs(carrier.rate - trial.rate) < kListedRate * trial.rate &&
-           std::abs(carrier.if_mhz + drift - trial.if_mhz) <
-               kCapture * trial.rate + kOffsetSpread;
+/// The chance that a demodulator captures a carrier: the drift is known to a fraction of a MHz.
+double captured(const Carrier& carrier, const LockTry& trial, double drift) {
+    if (!carrier.lockable || std::abs(carrier.rate - trial.rate) > kListedRate * trial.rate)
+        return 0;
+    const double off = std::abs(carrier.if_mhz + drift - trial.if_mhz);
+    return logistic((kCapture * trial.rate - off) / kCaptureSpread);
 }
 
 /// How well an offset fits a carrier, against one from anywhere in the capture range.
@@ -63,24 +76,30 @@ double offset_density(const LockTry& trial, const Carrier& carrier, double drift
 
 Front::Front(const Arc& arc, std::size_t candidate, Kind kind, Grid grid)
     : arc_(arc), candidate_(candidate), kind_(kind) {
-    unlisted_ = static_cast<float>(
-        std::max(kLeastUnlisted, kUnlisted * arc.coverage(candidate)));
     make_places(grid);
-    drifts_ = grid == Grid::fine ? steps(-3, 1, 3) : steps(-2, 2, 2);
-    cns_ = grid == Grid::fine ? steps(7, 1.5, 17.5) : steps(9, 3, 15);
-    occupied_ = kind == Kind::unlisted ? std::vector<double>{0.25, 0.6, 1.2, 2}
-                                       : std::vector<double>{0};
-    make_cells(grid);
+    const bool fine = grid == Grid::fine;
+    drifts_ = fine ? steps(-kMostDrift, 1, kMostDrift) : steps(-2, 2, 2);
+    cns_ = fine ? steps(7, 1.5, 17.5) : steps(9, 3, 15);
+    const double place_step = fine && kind == Kind::listed ? kFineStep : kCoarseStep;
+    make_cells(place_step * arc.beam() * (fine ? 1 * 1.5 : 2 * 3));
+}
+
+Front::Front(const Arc& arc, std::size_t candidate, Kind kind, const Best& around)
+    : arc_(arc), candidate_(candidate), kind_(kind) {
+    const double step = kind == Kind::listed ? kFinestStep : kCoarseStep / 3;
+    const int count = kind == Kind::listed ? 6 : 3;
+    for (int k = -count; k <= count; ++k) add_place(around.east + k * step * arc.beam());
+    drifts_ = steps(std::max(-kMostDrift, around.drift - 0.75), 0.25,
+                    std::min(kMostDrift, around.drift + 0.75));
+    cns_ = steps(around.cn - 1, 0.5, around.cn + 1);
+    make_cells(step * arc.beam() * 0.25 * 0.5);
 }
 
 void Front::add_place(double east) {
     const double away = arc_.distance(candidate_, east) / arc_.beam();
     if (!arc_.is_nearest(candidate_, east)) return;
-    if (kind_ == Kind::unlisted) {
-        if (away > kApart) places_.push_back({east, false});
-        return;
-    }
-    places_.push_back({east, away <= kAtIt});
+    if (kind_ == Kind::unlisted && away <= kApart) return;
+    places_.push_back({east, kind_ == Kind::listed && away <= kAtIt, 12 * away * away});
 }
 
 void Front::make_places(Grid grid) {
@@ -91,16 +110,20 @@ void Front::make_places(Grid grid) {
     }
     const double beam = arc_.beam();
     const bool fine = grid == Grid::fine && kind_ == Kind::listed;
-    const double far = grid == Grid::coarse ? 0.35 * beam : kNextToIt * beam;
+    const double far = grid == Grid::coarse ? kCoarseStep * beam : kNextToIt * beam;
     const double middle = (positions.front() + positions.back()) / 2;
     const double half = (positions.back() - positions.front()) / 2 + far;
-    const double step = (fine ? 0.09 : 0.35) * beam;
+    const double step = (fine ? kFineStep : kCoarseStep) * beam;
     const int count = static_cast<int>(half / step);
     for (int k = -count; k <= count; ++k) add_place(middle + k * step);
     if (places_.empty() && kind_ == Kind::listed) places_.push_back({middle, true});
 }
 
-void Front::make_cells(Grid grid) {
+void Front::make_cells(double volume) {
+    occupied_ = kind_ == Kind::unlisted ? std::vector<double>{0.25, 0.6, 1.2, 2}
+                                        : std::vector<double>{0};
+    unlisted_ =
+        static_cast<float>(std::max(kLeastUnlisted, kUnlisted * arc_.coverage(candidate_)));
     for (std::size_t drift = 0; drift < drifts_.size(); ++drift)
         for (std::size_t place = 0; place < places_.size(); ++place)
             for (std::size_t occupied = 0; occupied < occupied_.size(); ++occupied)
@@ -109,8 +132,8 @@ void Front::make_cells(Grid grid) {
                                       static_cast<std::uint16_t>(drift),
                                       static_cast<std::uint16_t>(cn),
                                       static_cast<std::uint16_t>(occupied), 0});
-    log_cell_ = -std::log(std::max<double>(1, static_cast<double>(cells_.size())));
-    (void)grid;
+    log_cell_ = std::log(volume / (kAllDrifts * kAllCns * 2 * kNextToIt * arc_.beam() *
+                                   static_cast<double>(occupied_.size())));
 }
 
 std::vector<Front::Ray> Front::rays(int state, double if_mhz, double drift) const {
@@ -135,21 +158,41 @@ std::vector<Part> Front::parts(const std::vector<Ray>& rays, const Place& place,
                           static_cast<float>(ray.emitter->chance)},
                          ray.emitter});
     }
-    if (usual > 0) found.push_back({{1, static_cast<float>(std::min(0.9, usual))}, nullptr});
+    if (usual > 0) found.push_back({{1, static_cast<float>((1 - kEdges) * usual)}, nullptr});
     std::ranges::stable_sort(found,
                              [](auto& a, auto& b) { return a.first.power > b.first.power; });
     std::vector<Part> parts;
-    for (const auto& [part, emitter] : found) {
+    for (std::size_t k = 0; k < found.size(); ++k) {
+        Part part = found[k].first;
+        const Emitter* emitter = found[k].second;
+        part.odds = part.chance / (1 - part.chance);
+        if (emitter != nullptr && emitter->rivals > 1) {
+            int inside = 1;
+            for (std::size_t other = 0; other < std::min(found.size(), kPartsHeld); ++other) {
+                const Emitter* rival = found[other].second;
+                if (other == k || rival == nullptr || rival->candidate != emitter->candidate ||
+                    !exclude(rival->carrier, emitter->carrier))
+                    continue;
+                ++inside;
+                part.excluded |= 1U << other;
+            }
+            // Where none of the rivals is there, nothing is.
+            part.odds = part.chance / (1 - part.chance * static_cast<float>(inside));
+        }
         parts.push_back(part);
         if (order != nullptr) order->push_back(emitter);
     }
     return parts;
 }
 
-Mixture Front::mixture(std::vector<Part> parts, double cn) const {
+Mixture Front::mixture(std::vector<Part> parts, const Place& place, double cn,
+                       double usual) const {
     const auto on_axis = static_cast<float>(ratio(cn));
     for (Part& part : parts) part.power *= on_axis;
-    return {parts, kCrossPolar * on_axis, unlisted_, static_cast<float>(cn + 3)};
+    const double full = kind_ == Kind::listed ? ratio(cn - place.loss) : on_axis;
+    const Stray stray{unlisted_ + static_cast<float>(kEdges * usual),
+                      static_cast<float>(10 * std::log10(1 + full)), static_cast<float>(cn + 3)};
+    return {parts, kCrossPolar * on_axis, stray};
 }
 
 void Front::take(const Height& height) {
@@ -161,19 +204,22 @@ void Front::take(const Height& height) {
         const std::vector<Ray> near = rays(height.state, height.if_mhz, drift);
         for (const Place& place : places_)
             for (const double occupied : occupied_) {
-                const std::vector<Part> on_axis = parts(near, place, usual * occupied);
-                for (const double cn : cns_) (cell++)->log += mixture(on_axis, cn).log_density(above);
+                const double lit = std::min(0.9, usual * occupied);
+                const std::vector<Part> on_axis = parts(near, place, lit);
+                for (const double cn : cns_)
+                    (cell++)->log += mixture(on_axis, place, cn, lit).log_density(above);
             }
     }
 }
 
 double Front::lock_density(const Cell& cell, const LockTry& trial) const {
     const double drift = drifts_[cell.drift];
-    const double usual = arc_.usual_power(trial.state, trial.if_mhz) * occupied_[cell.occupied];
+    const double usual =
+        std::min(0.9, arc_.usual_power(trial.state, trial.if_mhz) * occupied_[cell.occupied]);
     std::vector<const Emitter*> order;
     const std::vector<Part> on_axis =
         parts(rays(trial.state, trial.if_mhz, drift), places_[cell.place], usual, &order);
-    const Mixture held = mixture(on_axis, cns_[cell.cn]);
+    const Mixture held = mixture(on_axis, places_[cell.place], cns_[cell.cn], usual);
     const auto shares = held.shares(static_cast<float>(trial.above));
     const double carriers = std::max(0.01, ratio(trial.above) - 1);
     double locked = 0;
@@ -196,14 +242,12 @@ double Front::lock_density(const Cell& cell, const LockTry& trial) const {
             locked += shares[which] * kLockOfUnlisted;
             continue;
         }
-        if (!matches(emitter->carrier, trial, drift)) {
-            locked += shares[which] * kLockOfNothing;
-            continue;
-        }
+        const double capture = captured(emitter->carrier, trial, drift);
         const double own = carriers * on_axis[static_cast<std::size_t>(strongest)].power / sum;
         const double cn = 10 * std::log10(own / (1 + carriers - own));
-        locked += shares[which] * kMostLock * logistic((cn - kNeeded) / kNeededSpread) *
-                  offset_density(trial, emitter->carrier, drift);
+        locked += shares[which] *
+                  (kLockOfNothing + capture * kMostLock * logistic((cn - kNeeded) / kNeededSpread) *
+                                        offset_density(trial, emitter->carrier, drift));
     }
     locked += std::max(0.0, 1 - known) * kLockOfUnlisted;
     return trial.locked ? std::max(locked, 1e-4) : std::max(1 - locked, 1 - kMostLock);
@@ -241,9 +285,11 @@ Front::Best Front::best() const {
 Mixture::Mean Front::expect(int state, double if_mhz) const {
     const auto most =
         std::ranges::max_element(cells_, {}, [](const Cell& cell) { return cell.log; });
-    const double usual = arc_.usual_power(state, if_mhz) * occupied_[most->occupied];
-    return mixture(parts(rays(state, if_mhz, drifts_[most->drift]), places_[most->place], usual),
-                   cns_[most->cn])
+    const double usual =
+        std::min(0.9, arc_.usual_power(state, if_mhz) * occupied_[most->occupied]);
+    const Place& place = places_[most->place];
+    return mixture(parts(rays(state, if_mhz, drifts_[most->drift]), place, usual), place,
+                   cns_[most->cn], usual)
         .mean();
 }
 

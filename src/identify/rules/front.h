@@ -40,8 +40,17 @@ class Front {
     enum class Kind { listed, unlisted };
     /// A coarse grid is for telling which candidates are worth a fine one.
     enum class Grid { coarse, fine };
+    /// What is most probable of the unknowns.
+    struct Best {
+        double drift = 0;  ///< MHz
+        double east = 0;   ///< where the dish looks
+        double cn = 0;     ///< dB, of a satellite on its axis
+        double log = 0;
+    };
 
     Front(const Arc& arc, std::size_t candidate, Kind kind, Grid grid);
+    /// The finest grid, around what was found most probable on a fine one.
+    Front(const Arc& arc, std::size_t candidate, Kind kind, const Best& around);
 
     /// Takes in what of the evidence it has not seen yet.
     void catch_up(const Evidence& evidence);
@@ -51,13 +60,6 @@ class Front {
     double log_named(double trust) const { return log_sum(true, trust); }
     double log_beside(double trust) const { return log_sum(false, trust); }
 
-    /// What is most probable of the unknowns, of all cells or of those that are named alone.
-    struct Best {
-        double drift = 0;  ///< MHz
-        double east = 0;   ///< where the dish looks
-        double cn = 0;     ///< dB, of a satellite on its axis
-        double log = 0;
-    };
     Best best() const;
 
     /// What is expected of a level at the most probable unknowns.
@@ -66,11 +68,13 @@ class Front {
     double lock_chance(const LockTry& trial) const;
 
     std::size_t candidate() const { return candidate_; }
+    Kind kind() const { return kind_; }
 
   private:
     struct Place {
         double east = 0;
         bool named = false;
+        double loss = 0;  ///< dB, of the candidate
     };
     struct Cell {
         std::uint16_t place = 0;
@@ -87,11 +91,11 @@ class Front {
 
     void make_places(Grid grid);
     void add_place(double east);
-    void make_cells(Grid grid);
+    void make_cells(double volume);
     std::vector<Ray> rays(int state, double if_mhz, double drift) const;
     std::vector<Part> parts(const std::vector<Ray>& rays, const Place& place, double usual,
                             std::vector<const Emitter*>* order = nullptr) const;
-    Mixture mixture(std::vector<Part> parts, double cn) const;
+    Mixture mixture(std::vector<Part> parts, const Place& place, double cn, double usual) const;
     void take(const Height& height);
     void take(const LockTry& trial);
     double lock_density(const Cell& cell, const LockTry& trial) const;

@@ -12,7 +12,7 @@ constexpr int kScanOfAState = 22;
 /// Levels that are chosen come in rounds, so that the LNB is switched less.
 constexpr std::size_t kRound = 10;
 constexpr int kFewestRounds = 2;
-constexpr int kMostRounds = 8;
+constexpr int kMostRounds = 10;
 constexpr double kClear = 0.998;
 /// Two levels nearer than this say much the same, MHz.
 constexpr double kNear = 12;
@@ -20,9 +20,17 @@ constexpr double kNear = 12;
 constexpr double kSamePlace = 1.5;
 constexpr int kProof = 2;
 constexpr int kMostLocks = 5;
+constexpr std::size_t kProofLevels = 16;
 constexpr double kWorthALock = 0.02;
+/// That it is none of these where levels name one but nothing of it locked.
+constexpr double kUnproven = 0.6;
+/// The most that a name is worth without any lock.
+constexpr double kByLevels = 0.9;
+constexpr int kEnoughToLock = 5;
+/// What a lock counts where its level has to be taken first.
+constexpr double kWithoutLevel = 0.7;
 
-double worth_of(const std::vector<std::pair<const Front*, double>>& ideas, int state,
+double worth_of(const Ideas& ideas, int state,
                 double if_mhz) {
     double weights = 0;
     double mean = 0;
@@ -84,7 +92,7 @@ void Identifier::ask_by_state(std::vector<Question> questions) {
 }
 
 void Identifier::plan_levels() {
-    const auto ideas = belief_.ideas();
+    const Ideas ideas = belief_.ideas();
     std::vector<std::pair<double, Question>> found;
     std::vector<std::size_t> seen;
     for (const auto& [front, weight] : ideas) {
@@ -112,83 +120,141 @@ void Identifier::plan_levels() {
     ask_by_state(chosen);
 }
 
-double Identifier::above_at(int state, double if_mhz) const {
-    double above = -1;
+std::optional<double> Identifier::above_at(int state, double if_mhz) const {
+    std::optional<double> above;
     for (const Height& height : evidence_.heights)
         if (height.state == state && std::abs(height.if_mhz - if_mhz) < kSamePlace)
             above = height.db;
     return above;
 }
 
+double Identifier::worth_of_lock(const LockTry& trial, std::size_t candidate,
+                                const Ideas& ideas) const {
+    double weights = 0;
+    double mean = 0;
+    double squares = 0;
+    double others = 0;
+    double of_others = 0;
+    for (const auto& [front, weight] : ideas) {
+        const double say = weight + 1e-3;
+        const double chance = front->lock_chance(trial);
+        weights += say;
+        mean += say * chance;
+        squares += say * chance * chance;
+        if (front->candidate() == candidate && front->kind() == Front::Kind::listed) continue;
+        others += say;
+        of_others += say * chance;
+    }
+    mean /= weights;
+    const double told = (squares / weights - mean * mean) / (mean * (1 - mean));
+    const double own = belief_.front(candidate).lock_chance(trial);
+    const double proof = own * (1.2 - (others > 0 ? of_others / others : 0));
+    return told + proof * belief_.chances()[candidate];
+}
+
+std::vector<std::size_t> Identifier::probable() const {
+    std::vector<std::size_t> found;
+    for (const std::size_t which : belief_.order())
+        if (which < arc_.size() && (found.empty() || belief_.chances()[which] > kWorthALock))
+            found.push_back(which);
+    return found;
+}
+
+bool Identifier::lock_tried(const Carrier& carrier, double if_mhz) const {
+    return std::ranges::any_of(asked_, [&](const Question& other) {
+        return other.kind == Question::Kind::lock && other.state == carrier.state &&
+               std::abs(other.if_mhz - if_mhz) < carrier.rate / 2;
+    });
+}
+
 bool Identifier::plan_lock() {
-    const std::size_t best = [&] {
-        for (const std::size_t which : belief_.order())
-            if (which < arc_.size()) return which;
-        return std::size_t{0};
-    }();
-    if (belief_.chances()[best] < kWorthALock && belief_.best() == belief_.nothing()) return false;
-    const Front& front = belief_.front(best);
-    const double drift = front.best().drift;
-    const auto ideas = belief_.ideas();
+    const Ideas ideas = belief_.ideas();
     double most = 0;
     Question chosen;
-    bool level_first = false;
-    for (const Carrier& carrier : arc_.candidates()[best].carriers) {
-        if (!carrier.lockable) continue;
-        const double at = std::round(carrier.if_mhz + drift);
-        if (at < kLowestIf || at > kHighestIf) continue;
-        const bool tried = std::ranges::any_of(asked_, [&](const Question& other) {
-            return other.kind == Question::Kind::lock && other.state == carrier.state &&
-                   std::abs(other.if_mhz - at) < carrier.rate / 2;
-        });
-        if (tried) continue;
-        const double above = above_at(carrier.state, at);
-        const bool measured = above > -1;
-        const LockTry trial{carrier.state, at, carrier.rate,
-                            measured ? above : front.expect(carrier.state, at).db};
-        double chance = front.lock_chance(trial);
-        double of_others = 0;
-        double weights = 0;
-        for (const auto& [other, weight] : ideas)
-            if (other->candidate() != best || other != &front) {
-                of_others += (weight + 1e-3) * other->lock_chance(trial);
-                weights += weight + 1e-3;
-            }
-        if (weights > 0) of_others /= weights;
-        if (!measured) chance *= 0.7;
-        const double worth = chance * (1.2 - of_others);
-        if (worth <= most) continue;
-        most = worth;
-        chosen = {Question::Kind::lock, carrier.state, at, carrier.rate};
-        level_first = !measured;
+    for (const std::size_t which : probable()) {
+        const Front& front = belief_.front(which);
+        const double drift = front.best().drift;
+        for (const Carrier& carrier : arc_.candidates()[which].carriers) {
+            const double at = std::round((carrier.if_mhz + drift) * 10) / 10;
+            if (!carrier.lockable || at < kLowestIf || at > kHighestIf || lock_tried(carrier, at))
+                continue;
+            const std::optional<double> above = above_at(carrier.state, at);
+            const LockTry trial{carrier.state, at, carrier.rate,
+                                above ? *above : front.expect(carrier.state, at).db};
+            const double worth =
+                worth_of_lock(trial, which, ideas) * (above ? 1 : kWithoutLevel);
+            if (worth <= most) continue;
+            most = worth;
+            chosen = {above ? Question::Kind::lock : Question::Kind::level, carrier.state, at,
+                      above ? carrier.rate : 0};
+        }
     }
     if (most < kWorthALock) return false;
-    if (level_first) {
-        planned_.push_back({Question::Kind::level, chosen.state, chosen.if_mhz});
-        return true;
-    }
     planned_.push_back(chosen);
-    ++tried_locks_;
+    if (chosen.kind == Question::Kind::lock) ++tried_locks_;
     return true;
+}
+
+/// Levels on the transponders of the best candidate that a lock may be asked of: those that stand
+/// highest will lock.
+void Identifier::plan_proof() {
+    proof_planned_ = true;
+    const std::vector<std::size_t> found = probable();
+    if (found.empty()) return;
+    const Front& front = belief_.front(found.front());
+    const double drift = front.best().drift;
+    std::vector<std::pair<double, Question>> places;
+    for (const Carrier& carrier : arc_.candidates()[found.front()].carriers) {
+        const double at = std::round((carrier.if_mhz + drift) * 10) / 10;
+        if (!carrier.lockable || at < kLowestIf || at > kHighestIf) continue;
+        if (is_asked(carrier.state, at, kSamePlace)) continue;
+        const LockTry trial{carrier.state, at, carrier.rate,
+                            front.expect(carrier.state, at).db};
+        places.push_back({front.lock_chance(trial), {Question::Kind::level, carrier.state, at}});
+    }
+    std::ranges::stable_sort(places, [](const auto& a, const auto& b) { return a.first > b.first; });
+    std::vector<Question> chosen;
+    for (const auto& [chance, question] : places)
+        if (chosen.size() < kProofLevels) chosen.push_back(question);
+    ask_by_state(chosen);
+}
+
+/// True where a round of levels is still worth it.
+bool Identifier::wants_levels(double certainty) const {
+    if (batches_ >= kMostRounds) return false;
+    if (certainty <= kClear || batches_ < kFewestRounds) return true;
+    // What nothing has proven is asked of to the end.
+    return tried_locks_ >= kMostLocks && belief_.best() < arc_.size() &&
+           locks_of(belief_.best()) == 0;
 }
 
 void Identifier::plan() {
     note_levels();
     belief_.update(evidence_);
     const double certainty = belief_.chances()[belief_.best()];
-    const bool empty = belief_.best() == belief_.nothing() && certainty > kClear;
-    if (empty && batches_ > 0) {
+    if (belief_.best() == belief_.nothing() && certainty > kClear && batches_ > 0) {
         done_ = true;
         return;
     }
-    const bool clear = certainty > kClear && batches_ >= kFewestRounds;
-    if (!clear && batches_ < kMostRounds) {
+    if (wants_levels(certainty)) {
         ++batches_;
         plan_levels();
         if (!planned_.empty()) return;
     }
     const bool proven = belief_.best() < arc_.size() && locks_of(belief_.best()) >= kProof;
-    if (proven || tried_locks_ >= kMostLocks || !plan_lock()) done_ = true;
+    if (proven || tried_locks_ >= kMostLocks) {
+        done_ = true;
+        return;
+    }
+    if (!proof_planned_) plan_proof();
+    if (!planned_.empty() || plan_lock()) return;
+    // Nothing to lock: levels have to do.
+    tried_locks_ = kMostLocks;
+    if (wants_levels(certainty)) {
+        ++batches_;
+        plan_levels();
+    }
+    done_ = planned_.empty();
 }
 
 std::optional<Question> Identifier::next_question() {
@@ -204,7 +270,8 @@ void Identifier::take(const Question& question, const Answer& answer) {
         levels_.push_back({question.state, question.if_mhz, *answer.db});
     if (question.kind == Question::Kind::lock && answer.locked)
         evidence_.locks.push_back({question.state, question.if_mhz, question.rate,
-                                   above_at(question.state, question.if_mhz), *answer.locked,
+                                   above_at(question.state, question.if_mhz).value_or(0),
+                                   *answer.locked,
                                    answer.offset});
 }
 
@@ -221,6 +288,16 @@ bool Identifier::supports(const LockTry& lock, std::size_t candidate) const {
 int Identifier::locks_of(std::size_t candidate) const {
     return static_cast<int>(std::ranges::count_if(
         evidence_.locks, [&](const LockTry& lock) { return supports(lock, candidate); }));
+}
+
+/// Levels alone tell less: they name nobody of whom hardly anything could lock.
+void Identifier::doubt(Verdict& verdict) const {
+    if (arc_.candidates()[verdict.candidate].lockable() >= kEnoughToLock) {
+        verdict.certainty = std::min(kByLevels, verdict.certainty);
+        return;
+    }
+    verdict.kind = Verdict::Kind::none_of_these;
+    verdict.certainty = std::max(kUnproven, belief_.chances()[belief_.none()]);
 }
 
 Verdict Identifier::verdict() const {
@@ -245,6 +322,7 @@ Verdict Identifier::verdict() const {
     if (arc_.size() == 0) return verdict;
     verdict.drift = belief_.front(verdict.candidate).best().drift;
     verdict.locks = locks_of(verdict.candidate);
+    if (verdict.kind == Verdict::Kind::candidate && verdict.locks == 0) doubt(verdict);
     return verdict;
 }
 

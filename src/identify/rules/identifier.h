@@ -75,10 +75,16 @@ class Identifier {
     void plan();
     void plan_levels();
     bool plan_lock();
+    void plan_proof();
+    bool wants_levels(double certainty) const;
+    void doubt(Verdict& verdict) const;
     void note_levels();
     void ask_by_state(std::vector<Question> questions);
     bool is_asked(int state, double if_mhz, double within) const;
-    double above_at(int state, double if_mhz) const;
+    std::optional<double> above_at(int state, double if_mhz) const;
+    double worth_of_lock(const LockTry& trial, std::size_t candidate, const Ideas& ideas) const;
+    std::vector<std::size_t> probable() const;
+    bool lock_tried(const Carrier& carrier, double if_mhz) const;
     bool supports(const LockTry& lock, std::size_t candidate) const;
     int locks_of(std::size_t candidate) const;
 
@@ -93,6 +99,7 @@ class Identifier {
     Evidence evidence_;
     int batches_ = 0;
     int tried_locks_ = 0;
+    bool proof_planned_ = false;
     bool done_ = false;
 };
 

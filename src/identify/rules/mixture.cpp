@@ -17,6 +17,9 @@ constexpr float kOfSquareRoot = 0.39894228F;  // 1 / sqrt(2 pi)
 /// Of a level for which there is no explanation at all.
 constexpr float kOutlier = 1e-4F;
 constexpr float kBelowNoise = 0.5F;
+/// Of what nobody lists so much fills the filter.
+constexpr float kFull = 0.6F;
+constexpr float kStraySpread = 1.2F;  // dB
 
 float db_of(float ratio) {
     return 10 * std::log10(ratio);
@@ -24,28 +27,30 @@ float db_of(float ratio) {
 
 }  // namespace
 
-Mixture::Mixture(const std::vector<Part>& parts, float crossed, float unlisted, float highest)
+Mixture::Mixture(const std::vector<Part>& parts, float crossed, const Stray& stray)
     : count_(std::min(kMost, static_cast<int>(parts.size()))),
-      unlisted_(unlisted),
-      highest_(std::max(1.0F, highest)) {
+      stray_(stray) {
     float rest = 1;
     for (auto k = static_cast<std::size_t>(count_); k < parts.size(); ++k)
         rest += parts[k].power * parts[k].chance;
+    float all = 0;
     for (unsigned which = 0; which < 1U << count_; ++which) {
         float weight = 1;
         float sum = rest;
         float squares = 0;
         for (int k = 0; k < count_; ++k) {
+            if ((which >> k & 1U) == 0) continue;
             const Part& part = parts[static_cast<std::size_t>(k)];
-            const bool there = (which >> k & 1U) != 0;
-            weight *= there ? part.chance : 1 - part.chance;
-            if (!there) continue;
+            weight *= (part.excluded & which) != 0 ? 0 : part.odds;
             sum += part.power;
             squares += part.power * part.power;
         }
+        if (weight <= 0) continue;
+        all += weight;
         cases_[which] = {weight, db_of(sum),
                          kJitter * kJitter + kSpread * kSpread * squares / (sum * sum)};
     }
+    for (Case& one : cases_) one.weight /= all;
     crossed_ = cases_[0];
     crossed_.weight *= kCrossedChance;
     cases_[0].weight -= crossed_.weight;
@@ -53,18 +58,22 @@ Mixture::Mixture(const std::vector<Part>& parts, float crossed, float unlisted, 
 }
 
 float Mixture::density(const Case& one, float above) const {
+    if (one.weight <= 0) return 0;
     const float off = above - one.db;
-    return (1 - unlisted_) * one.weight * kOfSquareRoot / std::sqrt(one.variance) *
+    return (1 - stray_.chance) * one.weight * kOfSquareRoot / std::sqrt(one.variance) *
            std::exp(-off * off / (2 * one.variance));
 }
 
-float Mixture::unlisted_density(float above) const {
-    const bool inside = above > -kBelowNoise && above < highest_;
-    return inside ? unlisted_ / (highest_ + kBelowNoise) : 0;
+float Mixture::stray_density(float above) const {
+    const float off = (above - stray_.usual) / kStraySpread;
+    const float full = kOfSquareRoot / kStraySpread * std::exp(-off * off / 2);
+    const bool inside = above > -kBelowNoise && above < stray_.highest;
+    const float part = inside ? 1 / (stray_.highest + kBelowNoise) : 0;
+    return stray_.chance * (kFull * full + (1 - kFull) * part);
 }
 
 float Mixture::log_density(float above) const {
-    float sum = kOutlier + unlisted_density(above) + density(crossed_, above);
+    float sum = kOutlier + stray_density(above) + density(crossed_, above);
     for (unsigned which = 0; which < 1U << count_; ++which) sum += density(cases_[which], above);
     return std::log(sum);
 }
@@ -83,7 +92,7 @@ Mixture::Mean Mixture::mean() const {
 
 std::array<float, 1 << Mixture::kMost> Mixture::shares(float above) const {
     std::array<float, 1 << kMost> shares{};
-    float sum = kOutlier + unlisted_density(above) + density(crossed_, above);
+    float sum = kOutlier + stray_density(above) + density(crossed_, above);
     for (unsigned which = 0; which < 1U << count_; ++which) {
         shares[which] = density(cases_[which], above);
         sum += shares[which];

@@ -10,6 +10,15 @@ namespace m47::identify {
 struct Part {
     float power = 0;   ///< as a ratio to the noise in the filter, if it is there
     float chance = 0;  ///< that it is there
+    float odds = 0;    ///< the same against that nothing is in its place
+    unsigned excluded = 0;  ///< bit k: it cannot be there together with part k
+};
+
+/// A carrier that nobody lists.
+struct Stray {
+    float chance = 0;   ///< that there is one
+    float usual = 0;    ///< dB above the noise, where the filter is full of it
+    float highest = 1;  ///< dB above the noise
 };
 
 /// How a level may come about: which of a few carriers are there. The sum over all that is possible
@@ -17,10 +26,9 @@ struct Part {
 class Mixture {
   public:
     /// `parts` are the strongest first; what goes beyond `kMost` is taken in the mean. `crossed` is
-    /// the power that may come over from the other polarisation, `unlisted` the chance of a carrier
-    /// that nobody lists, up to `highest` dB above the noise.
+    /// the power that may come over from the other polarisation.
     static constexpr int kMost = 4;
-    Mixture(const std::vector<Part>& parts, float crossed, float unlisted, float highest);
+    Mixture(const std::vector<Part>& parts, float crossed, const Stray& stray);
 
     /// The logarithm of the density of a level `above` the noise, in dB.
     float log_density(float above) const;
@@ -44,11 +52,10 @@ class Mixture {
         float variance = 0;
     };
     float density(const Case& one, float above) const;
-    float unlisted_density(float above) const;
+    float stray_density(float above) const;
 
     int count_ = 0;
-    float unlisted_ = 0;
-    float highest_ = 0;
+    Stray stray_;
     std::array<Case, 1 << kMost> cases_{};
     Case crossed_;
 };
