@@ -17,6 +17,8 @@ constexpr double kTrust = 0.7;
 constexpr std::size_t kRefined = 8;
 constexpr std::size_t kWithNeighbours = 3;
 constexpr std::size_t kFinest = 3;
+/// Candidates that fit so badly are not looked at closer.
+constexpr double kHopeless = 1e-25;
 /// Where no satellite is, there is seldom a level above the noise.
 constexpr double kStray = 0.01;
 constexpr double kStrayRange = 25;  // dB
@@ -70,8 +72,11 @@ void Belief::weigh_nothing(const Evidence& evidence) {
 
 void Belief::refine(const Evidence& evidence) {
     std::vector<std::size_t> wanted;
+    double least = 0;
     for (const std::size_t which : order_) {
         if (which >= arc_.size()) continue;
+        if (wanted.empty()) least = chances_[which] * kHopeless;
+        if (chances_[which] < least) break;
         const bool with_neighbours = wanted.size() < kWithNeighbours;
         wanted.push_back(which);
         if (with_neighbours)
@@ -85,6 +90,12 @@ void Belief::refine(const Evidence& evidence) {
             unlisted_.emplace(which, Front(arc_, which, Front::Kind::unlisted, Front::Grid::fine));
         }
     }
+    const auto hopeless = [&](const auto& entry) {
+        return chances_[entry.first] < least &&
+               std::ranges::find(wanted, entry.first) == wanted.end();
+    };
+    std::erase_if(fine_, hopeless);
+    std::erase_if(unlisted_, hopeless);
     for (auto& [which, front] : fine_) front.catch_up(evidence);
     for (auto& [which, front] : unlisted_) front.catch_up(evidence);
 }
@@ -117,7 +128,7 @@ void Belief::settle() {
     }
     for (const auto& [which, front] : unlisted_)
         others.push_back(unlisted(which).log_beside(kTrust) + none);
-    if (unlisted_.empty()) others.push_back(std::log(kNoneAtFirst));
+    if (unlisted_.empty()) others.push_back(std::log(kNoneAtFirst) );
     const double most = others.empty() ? kNever : *std::ranges::max_element(others);
     double sum = 0;
     for (const double log : others) sum += std::exp(log - most);

@@ -30,6 +30,7 @@ constexpr double kFinestStep = 0.02;
 constexpr double kMostDrift = 3;  // MHz
 constexpr double kAllDrifts = 7;
 constexpr double kAllCns = 12;
+constexpr double kLeastCn = 6.5;
 /// Of what no candidate is so much reaches into the filter with its edge alone.
 constexpr double kEdges = 0.3;
 constexpr double kListedRate = 0.01;
@@ -78,10 +79,11 @@ Front::Front(const Arc& arc, std::size_t candidate, Kind kind, Grid grid)
     : arc_(arc), candidate_(candidate), kind_(kind) {
     make_places(grid);
     const bool fine = grid == Grid::fine;
-    drifts_ = fine ? steps(-kMostDrift, 1, kMostDrift) : steps(-2, 2, 2);
-    cns_ = fine ? steps(7, 1.5, 17.5) : steps(9, 3, 15);
-    const double place_step = fine && kind == Kind::listed ? kFineStep : kCoarseStep;
-    make_cells(place_step * arc.beam() * (fine ? 1 * 1.5 : 2 * 3));
+    const bool finer = fine && kind == Kind::listed;
+    drifts_ = fine ? steps(-kMostDrift, finer ? 1 : 1.5, kMostDrift) : steps(-2, 2, 2);
+    cns_ = finer ? steps(7, 1.5, 17.5) : steps(9, 3, fine ? 18 : 15);
+    const double of_others = finer ? 1 * 1.5 : (fine ? 1.5 : 2) * 3;
+    make_cells((finer ? kFineStep : kCoarseStep) * arc.beam() * of_others);
 }
 
 Front::Front(const Arc& arc, std::size_t candidate, Kind kind, const Best& around)
@@ -91,7 +93,7 @@ Front::Front(const Arc& arc, std::size_t candidate, Kind kind, const Best& aroun
     for (int k = -count; k <= count; ++k) add_place(around.east + k * step * arc.beam());
     drifts_ = steps(std::max(-kMostDrift, around.drift - 0.75), 0.25,
                     std::min(kMostDrift, around.drift + 0.75));
-    cns_ = steps(around.cn - 1, 0.5, around.cn + 1);
+    cns_ = steps(std::max(kLeastCn, around.cn - 1), 0.5, around.cn + 1);
     make_cells(step * arc.beam() * 0.25 * 0.5);
 }
 
@@ -122,6 +124,12 @@ void Front::make_places(Grid grid) {
 void Front::make_cells(double volume) {
     occupied_ = kind_ == Kind::unlisted ? std::vector<double>{0.25, 0.6, 1.2, 2}
                                         : std::vector<double>{0};
+    for (const double cn : cns_) on_axis_.push_back(static_cast<float>(ratio(cn)));
+    for (const Place& place : places_)
+        for (const double cn : cns_) {
+            const double full = ratio(kind_ == Kind::listed ? cn - place.loss : cn);
+            usual_db_.push_back(static_cast<float>(10 * std::log10(1 + full)));
+        }
     unlisted_ =
         static_cast<float>(std::max(kLeastUnlisted, kUnlisted * arc_.coverage(candidate_)));
     for (std::size_t drift = 0; drift < drifts_.size(); ++drift)
@@ -185,14 +193,14 @@ std::vector<Part> Front::parts(const std::vector<Ray>& rays, const Place& place,
     return parts;
 }
 
-Mixture Front::mixture(std::vector<Part> parts, const Place& place, double cn,
+Mixture Front::mixture(const std::vector<Part>& parts, std::size_t place, std::size_t cn,
                        double usual) const {
-    const auto on_axis = static_cast<float>(ratio(cn));
-    for (Part& part : parts) part.power *= on_axis;
-    const double full = kind_ == Kind::listed ? ratio(cn - place.loss) : on_axis;
+    std::vector<Part>& scaled = scaled_;
+    scaled.assign(parts.begin(), parts.end());
+    for (Part& part : scaled) part.power *= on_axis_[cn];
     const Stray stray{unlisted_ + static_cast<float>(kEdges * usual),
-                      static_cast<float>(10 * std::log10(1 + full)), static_cast<float>(cn + 3)};
-    return {parts, kCrossPolar * on_axis, stray};
+                      usual_db_[place * cns_.size() + cn], static_cast<float>(cns_[cn] + 3)};
+    return {scaled, kCrossPolar * on_axis_[cn], stray};
 }
 
 void Front::take(const Height& height) {
@@ -202,11 +210,11 @@ void Front::take(const Height& height) {
     auto cell = cells_.begin();
     for (const double drift : drifts_) {
         const std::vector<Ray> near = rays(height.state, height.if_mhz, drift);
-        for (const Place& place : places_)
+        for (std::size_t place = 0; place < places_.size(); ++place)
             for (const double occupied : occupied_) {
                 const double lit = std::min(0.9, usual * occupied);
-                const std::vector<Part> on_axis = parts(near, place, lit);
-                for (const double cn : cns_)
+                const std::vector<Part> on_axis = parts(near, places_[place], lit);
+                for (std::size_t cn = 0; cn < cns_.size(); ++cn)
                     (cell++)->log += mixture(on_axis, place, cn, lit).log_density(above);
             }
     }
@@ -219,7 +227,7 @@ double Front::lock_density(const Cell& cell, const LockTry& trial) const {
     std::vector<const Emitter*> order;
     const std::vector<Part> on_axis =
         parts(rays(trial.state, trial.if_mhz, drift), places_[cell.place], usual, &order);
-    const Mixture held = mixture(on_axis, places_[cell.place], cns_[cell.cn], usual);
+    const Mixture held = mixture(on_axis, cell.place, cell.cn, usual);
     const auto shares = held.shares(static_cast<float>(trial.above));
     const double carriers = std::max(0.01, ratio(trial.above) - 1);
     double locked = 0;
@@ -287,10 +295,9 @@ Mixture::Mean Front::expect(int state, double if_mhz) const {
         std::ranges::max_element(cells_, {}, [](const Cell& cell) { return cell.log; });
     const double usual =
         std::min(0.9, arc_.usual_power(state, if_mhz) * occupied_[most->occupied]);
-    const Place& place = places_[most->place];
-    return mixture(parts(rays(state, if_mhz, drifts_[most->drift]), place, usual), place,
-                   cns_[most->cn], usual)
-        .mean();
+    const std::vector<Part> on_axis =
+        parts(rays(state, if_mhz, drifts_[most->drift]), places_[most->place], usual);
+    return mixture(on_axis, most->place, most->cn, usual).mean();
 }
 
 double Front::lock_chance(const LockTry& trial) const {

@@ -95,7 +95,8 @@ class Front {
     std::vector<Ray> rays(int state, double if_mhz, double drift) const;
     std::vector<Part> parts(const std::vector<Ray>& rays, const Place& place, double usual,
                             std::vector<const Emitter*>* order = nullptr) const;
-    Mixture mixture(std::vector<Part> parts, const Place& place, double cn, double usual) const;
+    Mixture mixture(const std::vector<Part>& parts, std::size_t place, std::size_t cn,
+                    double usual) const;
     void take(const Height& height);
     void take(const LockTry& trial);
     double lock_density(const Cell& cell, const LockTry& trial) const;
@@ -107,10 +108,13 @@ class Front {
     std::vector<Place> places_;
     std::vector<double> drifts_;
     std::vector<double> cns_;
+    std::vector<float> on_axis_;    ///< the same as power ratios
+    std::vector<float> usual_db_;   ///< of the candidate's own carriers, by place and C/N
     std::vector<double> occupied_;  ///< how much of what no candidate is, against the usual
     std::vector<Cell> cells_;
     double log_cell_ = 0;  ///< the weight of a cell before any evidence
     float unlisted_ = 0;
+    mutable std::vector<Part> scaled_;  ///< kept, as it is needed for each cell of each level
     std::size_t heights_ = 0;
     std::size_t locks_ = 0;
 };

@@ -27,6 +27,8 @@ constexpr double kUnproven = 0.6;
 /// The most that a name is worth without any lock.
 constexpr double kByLevels = 0.9;
 constexpr int kEnoughToLock = 5;
+/// That none of the locks tried succeeds, to be still taken for bad luck.
+constexpr double kPlausible = 0.1;
 /// What a lock counts where its level has to be taken first.
 constexpr double kWithoutLevel = 0.7;
 
@@ -292,7 +294,11 @@ int Identifier::locks_of(std::size_t candidate) const {
 
 /// Levels alone tell less: they name nobody of whom hardly anything could lock.
 void Identifier::doubt(Verdict& verdict) const {
-    if (arc_.candidates()[verdict.candidate].lockable() >= kEnoughToLock) {
+    double none_locks = 1;
+    for (const LockTry& lock : evidence_.locks)
+        none_locks *= 1 - belief_.front(verdict.candidate).lock_chance(lock);
+    const bool enough = arc_.candidates()[verdict.candidate].lockable() >= kEnoughToLock;
+    if (enough && none_locks > kPlausible) {
         verdict.certainty = std::min(kByLevels, verdict.certainty);
         return;
     }

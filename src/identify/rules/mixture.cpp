@@ -17,6 +17,10 @@ constexpr float kOfSquareRoot = 0.39894228F;  // 1 / sqrt(2 pi)
 /// Of a level for which there is no explanation at all.
 constexpr float kOutlier = 1e-4F;
 constexpr float kBelowNoise = 0.5F;
+/// Less than this part of the noise is not worth a case of its own.
+constexpr float kFaint = 0.04F;
+/// What is so many times less probable than the most that it adds nothing.
+constexpr float kNothingLeft = 20;
 /// Of what nobody lists so much fills the filter.
 constexpr float kFull = 0.6F;
 constexpr float kStraySpread = 1.2F;  // dB
@@ -28,8 +32,10 @@ float db_of(float ratio) {
 }  // namespace
 
 Mixture::Mixture(const std::vector<Part>& parts, float crossed, const Stray& stray)
-    : count_(std::min(kMost, static_cast<int>(parts.size()))),
-      stray_(stray) {
+    : stray_(stray) {
+    while (count_ < kMost && static_cast<std::size_t>(count_) < parts.size() &&
+           parts[static_cast<std::size_t>(count_)].power > kFaint)
+        ++count_;
     float rest = 1;
     for (auto k = static_cast<std::size_t>(count_); k < parts.size(); ++k)
         rest += parts[k].power * parts[k].chance;
@@ -60,8 +66,10 @@ Mixture::Mixture(const std::vector<Part>& parts, float crossed, const Stray& str
 float Mixture::density(const Case& one, float above) const {
     if (one.weight <= 0) return 0;
     const float off = above - one.db;
+    const float far = off * off / (2 * one.variance);
+    if (far > kNothingLeft) return 0;
     return (1 - stray_.chance) * one.weight * kOfSquareRoot / std::sqrt(one.variance) *
-           std::exp(-off * off / (2 * one.variance));
+           std::exp(-far);
 }
 
 float Mixture::stray_density(float above) const {
