@@ -129,8 +129,8 @@ Outcome by_turns(Dish& dish, const Arc& arc) {
             if (asked >= kAsked) break;
         }
         if (locked < kEnough) continue;
-        return named(
-            arc, {.kind = Verdict::Kind::candidate, .candidate = candidate, .certainty = 1});
+        return named(arc,
+                     {.kind = Verdict::Kind::candidate, .candidate = candidate, .certainty = 1});
     }
     return named(arc, {.kind = Verdict::Kind::none_of_these});
 }
@@ -296,23 +296,47 @@ struct Bench {
             if (candidates[k].lockable() >= kFewestTransponders) targets.push_back(k);
     }
 
-    Sums run(Sky kind, int trials, const Way& way) const {
+    /// So many candidates: the target and what is nearest to it; beyond those that there are,
+    /// others with the same tables moved in frequency.
+    std::vector<Candidate> known_of(const Trial& trial, std::size_t count) const {
+        constexpr double kMovedMhz = 17;
+        std::vector<std::pair<double, std::size_t>> order;
+        for (std::size_t k = 0; k < candidates.size(); ++k)
+            order.emplace_back(k == trial.target ? -1 : arc.distance(k, trial.settings.east), k);
+        std::ranges::sort(order);
+        std::vector<Candidate> known;
+        for (std::size_t k = 0; k < count; ++k) {
+            known.push_back(candidates[order[k % order.size()].second]);
+            if (k < order.size()) continue;
+            known.back().name += QLatin1String(" moved");
+            known.back().positions.clear();
+            for (identify::Carrier& carrier : known.back().carriers) {
+                carrier.east.reset();
+                carrier.if_mhz += kMovedMhz * static_cast<double>(k / order.size());
+            }
+        }
+        return known;
+    }
+
+    std::vector<Candidate> known_of(const Trial& trial, Sky kind, std::size_t count) const {
+        if (count > 0) return known_of(trial, count);
+        std::vector<Candidate> known = candidates;
+        if (kind == Sky::removed)
+            known.erase(known.begin() + static_cast<std::ptrdiff_t>(trial.target));
+        return known;
+    }
+
+    Sums run(Sky kind, int trials, const Way& way, std::size_t known_count = 0) const {
         Sums sums;
         for (int number = first; number < first + trials; ++number) {
             const Trial trial = trial_of(number, kind, arc, targets);
             Dish dish{SkyStand(tables, trial.settings)};
             const QString& target = candidates[trial.target].name;
-            std::vector<Candidate> left = candidates;
-            if (kind == Sky::removed)
-                left.erase(left.begin() + static_cast<std::ptrdiff_t>(trial.target));
-            const Arc* known = &arc;
-            const Arc without(kind == Sky::removed ? left : std::vector<Candidate>{});
-            if (kind == Sky::removed) known = &without;
+            const Arc known(known_of(trial, kind, known_count));
             const std::clock_t began = std::clock();
-            const Outcome outcome = way(dish, *known);
+            const Outcome outcome = way(dish, known);
             const double took = static_cast<double>(std::clock() - began) / CLOCKS_PER_SEC;
-            const bool right =
-                kind == Sky::full ? outcome.name == target : outcome.name.isEmpty();
+            const bool right = kind == Sky::full ? outcome.name == target : outcome.name.isEmpty();
             if (!right && std::getenv("M47_BENCH_TELL") != nullptr)
                 std::printf("trial %d: %s at %.2f lead %.1f cn %.1f named %s %.3f locks %d\n",
                             number, qUtf8Printable(target), trial.settings.east, trial.lead,
@@ -356,13 +380,16 @@ int main(int argc, char** argv) {
                 "leading", "median s", "cpu s");
     const Sums belief = bench.run(Sky::full, trials, by_belief);
     print_row("by belief", belief);
-    print_row("240 levels, correlation", bench.run(Sky::full, trials, by_correlation));
     const int others = std::max(1, trials / 5);
+    print_row("240 levels, correlation", bench.run(Sky::full, trials, by_correlation));
     print_row("ten transponders each in turn", bench.run(Sky::full, others, by_turns));
     print_row("by belief, blank sky", bench.run(Sky::blank, others, by_belief));
     print_row("by belief, between satellites", bench.run(Sky::between, others, by_belief));
     print_row("by belief, satellite removed", bench.run(Sky::removed, others, by_belief));
     print_reliability(belief);
+    for (const std::size_t count : {10, 30, 100, 138, 200, 300})
+        print_row(qUtf8Printable(QStringLiteral("by belief, %1 candidates").arg(count)),
+                  bench.run(Sky::full, std::max(1, trials / 10), by_belief, count));
     constexpr double kMostNotRight = 2;
     constexpr double kMostSeconds = 60;
     bench::print_figure("identification, not the right position",

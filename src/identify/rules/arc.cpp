@@ -149,9 +149,8 @@ double Arc::distance(std::size_t candidate, double east) const {
 
 bool Arc::is_nearest(std::size_t candidate, double east) const {
     const double own = distance(candidate, east);
-    return std::ranges::none_of(neighbours_[candidate], [&](std::size_t other) {
-        return distance(other, east) < own;
-    });
+    return std::ranges::none_of(neighbours_[candidate],
+                                [&](std::size_t other) { return distance(other, east) < own; });
 }
 
 double Arc::usual_power(int state, double if_mhz) const {

@@ -12,7 +12,7 @@ constexpr double kNoneAtFirst = 0.05;
 constexpr double kBesideAtFirst = 0.05;
 constexpr double kNothingAtFirst = 0.1;
 /// Levels are not quite independent of one another, so each counts for less.
-constexpr double kTrust = 0.7;
+constexpr double kTrust = 0.5;
 /// Candidates that get a fine grid: the best so far, and their neighbours within so many beams.
 constexpr std::size_t kRefined = 8;
 constexpr std::size_t kWithNeighbours = 3;
@@ -128,7 +128,7 @@ void Belief::settle() {
     }
     for (const auto& [which, front] : unlisted_)
         others.push_back(unlisted(which).log_beside(kTrust) + none);
-    if (unlisted_.empty()) others.push_back(std::log(kNoneAtFirst) );
+    if (unlisted_.empty()) others.push_back(std::log(kNoneAtFirst));
     const double most = others.empty() ? kNever : *std::ranges::max_element(others);
     double sum = 0;
     for (const double log : others) sum += std::exp(log - most);

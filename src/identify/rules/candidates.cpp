@@ -49,8 +49,8 @@ std::vector<Carrier> carriers_of(const plans::Transponder& transponder, double e
     const double loss = lnb.separates(polarisation) ? 0 : kOtherKindDb;
     std::vector<Carrier> carriers;
     for (const Place& place : lnb.places(mhz, polarisation))
-        carriers.push_back({place.state, place.if_mhz, rate, lockable, mhz,
-                            polarisation, loss, east});
+        carriers.push_back(
+            {place.state, place.if_mhz, rate, lockable, mhz, polarisation, loss, east});
     return carriers;
 }
 
@@ -76,7 +76,8 @@ void add_position(Candidate& candidate, double east) {
 void add_table(Candidate& candidate, const NamedTable& table, const Lnb& lnb) {
     bool received = false;
     for (const plans::Transponder& transponder : plans::read_transponders(table.text)) {
-        const std::vector<Carrier> carriers = carriers_of(transponder, *position_of(table.name), lnb);
+        const std::vector<Carrier> carriers =
+            carriers_of(transponder, *position_of(table.name), lnb);
         candidate.carriers.insert(candidate.carriers.end(), carriers.begin(), carriers.end());
         received = received || !carriers.empty();
     }

@@ -12,20 +12,20 @@ namespace m47::identify {
 
 /// A transponder as the LNB at hand delivers it.
 struct Carrier {
-    int state = 0;         ///< of the LNB, 0 to 3
-    double if_mhz = 0;     ///< where it is without any drift
-    double rate = 0;       ///< symbol rate, MS/s
-    bool lockable = true;  ///< DVB-S; the meter measures the power alone of all others
-    double sky_mhz = 0;           ///< before the LNB
-    char polarisation = 'V';      ///< H, V, L or R
-    double loss = 0;              ///< dB, where the LNB is for another kind of polarisation
+    int state = 0;                 ///< of the LNB, 0 to 3
+    double if_mhz = 0;             ///< where it is without any drift
+    double rate = 0;               ///< symbol rate, MS/s
+    bool lockable = true;          ///< DVB-S; the meter measures the power alone of all others
+    double sky_mhz = 0;            ///< before the LNB
+    char polarisation = 'V';       ///< H, V, L or R
+    double loss = 0;               ///< dB, where the LNB is for another kind of polarisation
     std::optional<double> east{};  ///< of its satellite, degrees, west below 0
 };
 
 /// One possible answer: all satellites of a position, or a plan of the user's.
 struct Candidate {
-    QString name;                  ///< "13.0E", or that of the plan
-    QStringList satellites{};      ///< names of the tables that it is made of
+    QString name;                     ///< "13.0E", or that of the plan
+    QStringList satellites{};         ///< names of the tables that it is made of
     std::vector<double> positions{};  ///< degrees east, from west to east; none for a plan
     std::vector<Carrier> carriers{};
 

@@ -33,6 +33,8 @@ constexpr double kAllCns = 12;
 constexpr double kLeastCn = 6.5;
 /// Of what no candidate is so much reaches into the filter with its edge alone.
 constexpr double kEdges = 0.3;
+constexpr double kBySatellites = 0.25;
+constexpr double kMostFilled = 0.95;
 constexpr double kListedRate = 0.01;
 /// Where a demodulator locks, dB of C/N, and how sharply.
 constexpr double kNeeded = 6.2;
@@ -122,24 +124,22 @@ void Front::make_places(Grid grid) {
 }
 
 void Front::make_cells(double volume) {
-    occupied_ = kind_ == Kind::unlisted ? std::vector<double>{0.25, 0.6, 1.2, 2}
-                                        : std::vector<double>{0};
+    occupied_ =
+        kind_ == Kind::unlisted ? std::vector<double>{0.3, 0.7, 1.2} : std::vector<double>{0};
     for (const double cn : cns_) on_axis_.push_back(static_cast<float>(ratio(cn)));
     for (const Place& place : places_)
         for (const double cn : cns_) {
             const double full = ratio(kind_ == Kind::listed ? cn - place.loss : cn);
             usual_db_.push_back(static_cast<float>(10 * std::log10(1 + full)));
         }
-    unlisted_ =
-        static_cast<float>(std::max(kLeastUnlisted, kUnlisted * arc_.coverage(candidate_)));
+    unlisted_ = static_cast<float>(std::max(kLeastUnlisted, kUnlisted * arc_.coverage(candidate_)));
     for (std::size_t drift = 0; drift < drifts_.size(); ++drift)
         for (std::size_t place = 0; place < places_.size(); ++place)
             for (std::size_t occupied = 0; occupied < occupied_.size(); ++occupied)
                 for (std::size_t cn = 0; cn < cns_.size(); ++cn)
-                    cells_.push_back({static_cast<std::uint16_t>(place),
-                                      static_cast<std::uint16_t>(drift),
-                                      static_cast<std::uint16_t>(cn),
-                                      static_cast<std::uint16_t>(occupied), 0});
+                    cells_.push_back(
+                        {static_cast<std::uint16_t>(place), static_cast<std::uint16_t>(drift),
+                         static_cast<std::uint16_t>(cn), static_cast<std::uint16_t>(occupied), 0});
     log_cell_ = std::log(volume / (kAllDrifts * kAllCns * 2 * kNextToIt * arc_.beam() *
                                    static_cast<double>(occupied_.size())));
 }
@@ -167,8 +167,7 @@ std::vector<Part> Front::parts(const std::vector<Ray>& rays, const Place& place,
                          ray.emitter});
     }
     if (usual > 0) found.push_back({{1, static_cast<float>((1 - kEdges) * usual)}, nullptr});
-    std::ranges::stable_sort(found,
-                             [](auto& a, auto& b) { return a.first.power > b.first.power; });
+    std::ranges::stable_sort(found, [](auto& a, auto& b) { return a.first.power > b.first.power; });
     std::vector<Part> parts;
     for (std::size_t k = 0; k < found.size(); ++k) {
         Part part = found[k].first;
@@ -203,16 +202,24 @@ Mixture Front::mixture(const std::vector<Part>& parts, std::size_t place, std::s
     return {scaled, kCrossPolar * on_axis_[cn], stray};
 }
 
+/// The chance that what no candidate is has power there: as much as its state of the LNB shows, and
+/// a little where most satellites have their own.
+double Front::usual(int state, double if_mhz, double occupied) const {
+    if (kind_ == Kind::listed) return 0;
+    const double shown = filled_[static_cast<std::size_t>(state)];
+    const double here =
+        (1 - kBySatellites) * shown + kBySatellites * arc_.usual_power(state, if_mhz);
+    return std::min(kMostFilled, here * occupied);
+}
+
 void Front::take(const Height& height) {
-    const double usual =
-        kind_ == Kind::unlisted ? arc_.usual_power(height.state, height.if_mhz) : 0;
     const auto above = static_cast<float>(height.db);
     auto cell = cells_.begin();
     for (const double drift : drifts_) {
         const std::vector<Ray> near = rays(height.state, height.if_mhz, drift);
         for (std::size_t place = 0; place < places_.size(); ++place)
             for (const double occupied : occupied_) {
-                const double lit = std::min(0.9, usual * occupied);
+                const double lit = usual(height.state, height.if_mhz, occupied);
                 const std::vector<Part> on_axis = parts(near, places_[place], lit);
                 for (std::size_t cn = 0; cn < cns_.size(); ++cn)
                     (cell++)->log += mixture(on_axis, place, cn, lit).log_density(above);
@@ -222,12 +229,11 @@ void Front::take(const Height& height) {
 
 double Front::lock_density(const Cell& cell, const LockTry& trial) const {
     const double drift = drifts_[cell.drift];
-    const double usual =
-        std::min(0.9, arc_.usual_power(trial.state, trial.if_mhz) * occupied_[cell.occupied]);
+    const double lit = usual(trial.state, trial.if_mhz, occupied_[cell.occupied]);
     std::vector<const Emitter*> order;
     const std::vector<Part> on_axis =
-        parts(rays(trial.state, trial.if_mhz, drift), places_[cell.place], usual, &order);
-    const Mixture held = mixture(on_axis, cell.place, cell.cn, usual);
+        parts(rays(trial.state, trial.if_mhz, drift), places_[cell.place], lit, &order);
+    const Mixture held = mixture(on_axis, cell.place, cell.cn, lit);
     const auto shares = held.shares(static_cast<float>(trial.above));
     const double carriers = std::max(0.01, ratio(trial.above) - 1);
     double locked = 0;
@@ -262,11 +268,11 @@ double Front::lock_density(const Cell& cell, const LockTry& trial) const {
 }
 
 void Front::take(const LockTry& trial) {
-    for (Cell& cell : cells_)
-        cell.log += static_cast<float>(std::log(lock_density(cell, trial)));
+    for (Cell& cell : cells_) cell.log += static_cast<float>(std::log(lock_density(cell, trial)));
 }
 
 void Front::catch_up(const Evidence& evidence) {
+    filled_ = evidence.filled;
     for (; heights_ < evidence.heights.size(); ++heights_) take(evidence.heights[heights_]);
     for (; locks_ < evidence.locks.size(); ++locks_) take(evidence.locks[locks_]);
 }
@@ -293,11 +299,10 @@ Front::Best Front::best() const {
 Mixture::Mean Front::expect(int state, double if_mhz) const {
     const auto most =
         std::ranges::max_element(cells_, {}, [](const Cell& cell) { return cell.log; });
-    const double usual =
-        std::min(0.9, arc_.usual_power(state, if_mhz) * occupied_[most->occupied]);
+    const double lit = usual(state, if_mhz, occupied_[most->occupied]);
     const std::vector<Part> on_axis =
-        parts(rays(state, if_mhz, drifts_[most->drift]), places_[most->place], usual);
-    return mixture(on_axis, most->place, most->cn, usual).mean();
+        parts(rays(state, if_mhz, drifts_[most->drift]), places_[most->place], lit);
+    return mixture(on_axis, most->place, most->cn, lit).mean();
 }
 
 double Front::lock_chance(const LockTry& trial) const {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <array>
+#include <cstdint>
 #include <optional>
 #include <vector>
 
@@ -30,6 +32,8 @@ struct LockTry {
 struct Evidence {
     std::vector<Height> heights;
     std::vector<LockTry> locks;
+    /// How much of the band is filled in each state, 0 to 1, as the scan has shown it.
+    std::array<double, kStates> filled{};
 };
 
 /// One idea of what the dish looks at: a candidate, or something that no candidate is near a
@@ -99,6 +103,7 @@ class Front {
                     double usual) const;
     void take(const Height& height);
     void take(const LockTry& trial);
+    double usual(int state, double if_mhz, double occupied) const;
     double lock_density(const Cell& cell, const LockTry& trial) const;
     double log_sum(bool named, double trust) const;
 
@@ -115,6 +120,7 @@ class Front {
     double log_cell_ = 0;  ///< the weight of a cell before any evidence
     float unlisted_ = 0;
     mutable std::vector<Part> scaled_;  ///< kept, as it is needed for each cell of each level
+    std::array<double, kStates> filled_{};
     std::size_t heights_ = 0;
     std::size_t locks_ = 0;
 };

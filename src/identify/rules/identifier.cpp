@@ -27,13 +27,18 @@ constexpr double kUnproven = 0.6;
 /// The most that a name is worth without any lock.
 constexpr double kByLevels = 0.9;
 constexpr int kEnoughToLock = 5;
+/// A satellite so weak is hard to tell from what shows by chance, dB.
+constexpr double kFaintCn = 7.2;
+/// What fits worse than this, as a logarithm for each level, is not what the dish looks at.
+constexpr double kWorstFit = -2.35;
+/// A level this much above the noise, dB, is one of a carrier.
+constexpr double kHigh = 2;
 /// That none of the locks tried succeeds, to be still taken for bad luck.
 constexpr double kPlausible = 0.1;
 /// What a lock counts where its level has to be taken first.
 constexpr double kWithoutLevel = 0.7;
 
-double worth_of(const Ideas& ideas, int state,
-                double if_mhz) {
+double worth_of(const Ideas& ideas, int state, double if_mhz) {
     double weights = 0;
     double mean = 0;
     double within = 0;
@@ -76,10 +81,23 @@ bool Identifier::is_asked(int state, double if_mhz, double within) const {
     return std::ranges::any_of(asked_, near) || std::ranges::any_of(planned_, near);
 }
 
+double Identifier::filled_in(int state) const {
+    double high = 0.5;
+    double all = 1;
+    for (const Level& level : levels_) {
+        if (level.state != state) continue;
+        ++all;
+        high += floor_.above(level) > kHigh ? 1 : 0;
+    }
+    return high / all;
+}
+
 void Identifier::note_levels() {
     if (!scanned_) {
         floor_ = noise_floor_of(levels_);
         scanned_ = true;
+        for (int state = 0; state < states_; ++state)
+            evidence_.filled[static_cast<std::size_t>(state)] = filled_in(state);
     }
     for (std::size_t k = evidence_.heights.size(); k < levels_.size(); ++k)
         evidence_.heights.push_back(
@@ -114,7 +132,8 @@ void Identifier::plan_levels() {
     std::vector<Question> chosen;
     for (const auto& [worth, question] : found) {
         const bool near = std::ranges::any_of(chosen, [&, &question = question](const auto& other) {
-            return other.state == question.state && std::abs(other.if_mhz - question.if_mhz) < kNear;
+            return other.state == question.state &&
+                   std::abs(other.if_mhz - question.if_mhz) < kNear;
         });
         if (!near) chosen.push_back(question);
         if (chosen.size() == kRound) break;
@@ -131,7 +150,7 @@ std::optional<double> Identifier::above_at(int state, double if_mhz) const {
 }
 
 double Identifier::worth_of_lock(const LockTry& trial, std::size_t candidate,
-                                const Ideas& ideas) const {
+                                 const Ideas& ideas) const {
     double weights = 0;
     double mean = 0;
     double squares = 0;
@@ -183,8 +202,7 @@ bool Identifier::plan_lock() {
             const std::optional<double> above = above_at(carrier.state, at);
             const LockTry trial{carrier.state, at, carrier.rate,
                                 above ? *above : front.expect(carrier.state, at).db};
-            const double worth =
-                worth_of_lock(trial, which, ideas) * (above ? 1 : kWithoutLevel);
+            const double worth = worth_of_lock(trial, which, ideas) * (above ? 1 : kWithoutLevel);
             if (worth <= most) continue;
             most = worth;
             chosen = {above ? Question::Kind::lock : Question::Kind::level, carrier.state, at,
@@ -210,11 +228,11 @@ void Identifier::plan_proof() {
         const double at = std::round((carrier.if_mhz + drift) * 10) / 10;
         if (!carrier.lockable || at < kLowestIf || at > kHighestIf) continue;
         if (is_asked(carrier.state, at, kSamePlace)) continue;
-        const LockTry trial{carrier.state, at, carrier.rate,
-                            front.expect(carrier.state, at).db};
+        const LockTry trial{carrier.state, at, carrier.rate, front.expect(carrier.state, at).db};
         places.push_back({front.lock_chance(trial), {Question::Kind::level, carrier.state, at}});
     }
-    std::ranges::stable_sort(places, [](const auto& a, const auto& b) { return a.first > b.first; });
+    std::ranges::stable_sort(places,
+                             [](const auto& a, const auto& b) { return a.first > b.first; });
     std::vector<Question> chosen;
     for (const auto& [chance, question] : places)
         if (chosen.size() < kProofLevels) chosen.push_back(question);
@@ -273,8 +291,7 @@ void Identifier::take(const Question& question, const Answer& answer) {
     if (question.kind == Question::Kind::lock && answer.locked)
         evidence_.locks.push_back({question.state, question.if_mhz, question.rate,
                                    above_at(question.state, question.if_mhz).value_or(0),
-                                   *answer.locked,
-                                   answer.offset});
+                                   *answer.locked, answer.offset});
 }
 
 bool Identifier::supports(const LockTry& lock, std::size_t candidate) const {
@@ -298,10 +315,15 @@ void Identifier::doubt(Verdict& verdict) const {
     for (const LockTry& lock : evidence_.locks)
         none_locks *= 1 - belief_.front(verdict.candidate).lock_chance(lock);
     const bool enough = arc_.candidates()[verdict.candidate].lockable() >= kEnoughToLock;
-    if (enough && none_locks > kPlausible) {
+    const bool faint = belief_.front(verdict.candidate).best().cn < kFaintCn;
+    if (enough && !faint && none_locks > kPlausible) {
         verdict.certainty = std::min(kByLevels, verdict.certainty);
         return;
     }
+    name_nobody(verdict);
+}
+
+void Identifier::name_nobody(Verdict& verdict) const {
     verdict.kind = Verdict::Kind::none_of_these;
     verdict.certainty = std::max(kUnproven, belief_.chances()[belief_.none()]);
 }
@@ -328,7 +350,12 @@ Verdict Identifier::verdict() const {
     if (arc_.size() == 0) return verdict;
     verdict.drift = belief_.front(verdict.candidate).best().drift;
     verdict.locks = locks_of(verdict.candidate);
-    if (verdict.kind == Verdict::Kind::candidate && verdict.locks == 0) doubt(verdict);
+    if (verdict.kind != Verdict::Kind::candidate) return verdict;
+    const double fit = belief_.front(verdict.candidate).best().log;
+    if (fit < kWorstFit * static_cast<double>(std::max<std::size_t>(1, levels_.size())))
+        name_nobody(verdict);
+    else if (verdict.locks == 0)
+        doubt(verdict);
     return verdict;
 }
 

@@ -78,7 +78,9 @@ class Identifier {
     void plan_proof();
     bool wants_levels(double certainty) const;
     void doubt(Verdict& verdict) const;
+    void name_nobody(Verdict& verdict) const;
     void note_levels();
+    double filled_in(int state) const;
     void ask_by_state(std::vector<Question> questions);
     bool is_asked(int state, double if_mhz, double within) const;
     std::optional<double> above_at(int state, double if_mhz) const;

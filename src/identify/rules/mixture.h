@@ -8,9 +8,9 @@ namespace m47::identify {
 
 /// Something that may be in the measuring filter.
 struct Part {
-    float power = 0;   ///< as a ratio to the noise in the filter, if it is there
-    float chance = 0;  ///< that it is there
-    float odds = 0;    ///< the same against that nothing is in its place
+    float power = 0;        ///< as a ratio to the noise in the filter, if it is there
+    float chance = 0;       ///< that it is there
+    float odds = 0;         ///< the same against that nothing is in its place
     unsigned excluded = 0;  ///< bit k: it cannot be there together with part k
 };
 
