@@ -380,16 +380,16 @@ int main(int argc, char** argv) {
                 "leading", "median s", "cpu s");
     const Sums belief = bench.run(Sky::full, trials, by_belief);
     print_row("by belief", belief);
-    const int others = std::max(1, trials / 5);
+    const int others = std::max(1, trials / 10);
     print_row("240 levels, correlation", bench.run(Sky::full, trials, by_correlation));
     print_row("ten transponders each in turn", bench.run(Sky::full, others, by_turns));
     print_row("by belief, blank sky", bench.run(Sky::blank, others, by_belief));
     print_row("by belief, between satellites", bench.run(Sky::between, others, by_belief));
     print_row("by belief, satellite removed", bench.run(Sky::removed, others, by_belief));
     print_reliability(belief);
-    for (const std::size_t count : {10, 30, 100, 138, 200, 300})
+    for (const std::size_t count : {10U, 30U, 100U, 138U, 200U, 300U})
         print_row(qUtf8Printable(QStringLiteral("by belief, %1 candidates").arg(count)),
-                  bench.run(Sky::full, std::max(1, trials / 10), by_belief, count));
+                  bench.run(Sky::full, std::max(1, trials / 25), by_belief, count));
     constexpr double kMostNotRight = 2;
     constexpr double kMostSeconds = 60;
     bench::print_figure("identification, not the right position",

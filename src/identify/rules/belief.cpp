@@ -20,7 +20,7 @@ constexpr std::size_t kFinest = 3;
 /// Candidates that fit so badly are not looked at closer.
 constexpr double kHopeless = 1e-25;
 /// Where no satellite is, there is seldom a level above the noise.
-constexpr double kStray = 0.01;
+constexpr double kStray = 0.001;
 constexpr double kStrayRange = 25;  // dB
 constexpr double kScatter = 0.3;    // dB
 constexpr double kNever = -1e9;

@@ -33,6 +33,8 @@ constexpr double kFaintCn = 7.2;
 constexpr double kWorstFit = -2.35;
 /// A level this much above the noise, dB, is one of a carrier.
 constexpr double kHigh = 2;
+/// and one this much above it nothing but a carrier can be.
+constexpr double kCarrier = 4;
 /// That none of the locks tried succeeds, to be still taken for bad luck.
 constexpr double kPlausible = 0.1;
 /// What a lock counts where its level has to be taken first.
@@ -332,7 +334,9 @@ Verdict Identifier::verdict() const {
     const std::vector<double>& chances = belief_.chances();
     Verdict verdict;
     const std::size_t best = belief_.best();
-    if (best == belief_.none()) verdict.kind = Verdict::Kind::none_of_these;
+    const bool shows = std::ranges::any_of(
+        evidence_.heights, [](const Height& height) { return height.db > kCarrier; });
+    if (best == belief_.none() || shows) verdict.kind = Verdict::Kind::none_of_these;
     if (best < arc_.size()) verdict.kind = Verdict::Kind::candidate;
     verdict.certainty = chances[best];
     bool first = true;
