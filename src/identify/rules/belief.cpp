@@ -13,8 +13,8 @@ constexpr double kBesideAtFirst = 0.05;
 constexpr double kNothingAtFirst = 0.1;
 /// Levels are not quite independent of one another, so each counts for less.
 constexpr double kTrust = 0.5;
-/// Candidates that get a fine grid: the best so far, and their neighbours within so many beams.
-constexpr std::size_t kRefined = 8;
+/// So many candidates get a fine grid: the best so far, and the neighbours of the first of them.
+constexpr std::size_t kRefined = 16;
 constexpr std::size_t kWithNeighbours = 3;
 constexpr std::size_t kFinest = 3;
 /// Candidates that fit so badly are not looked at closer.
@@ -34,6 +34,7 @@ double log_of_nothing(double above) {
 void add_finest(const Arc& arc, const std::map<std::size_t, Front>& fine, const Evidence& evidence,
                 std::map<std::size_t, Front>& finest) {
     std::vector<std::pair<double, std::size_t>> best;
+    best.reserve(fine.size());
     for (const auto& [which, front] : fine) best.emplace_back(-front.best().log, which);
     std::ranges::sort(best);
     if (best.size() > kFinest) best.resize(kFinest);
@@ -70,32 +71,41 @@ void Belief::weigh_nothing(const Evidence& evidence) {
         log_nothing_ += log_of_nothing(evidence.heights[nothing_seen_].db);
 }
 
-void Belief::refine(const Evidence& evidence) {
+/// The best candidates and the neighbours of the first of them.
+std::vector<std::size_t> Belief::worth_refining() const {
     std::vector<std::size_t> wanted;
     double least = 0;
     for (const std::size_t which : order_) {
         if (which >= arc_.size()) continue;
         if (wanted.empty()) least = chances_[which] * kHopeless;
-        if (chances_[which] < least) break;
+        if (chances_[which] < least || wanted.size() >= kRefined) break;
         const bool with_neighbours = wanted.size() < kWithNeighbours;
         wanted.push_back(which);
-        if (with_neighbours)
-            for (const std::size_t other : arc_.neighbours(which))
-                if (wanted.size() < 2 * kRefined) wanted.push_back(other);
-        if (wanted.size() >= 2 * kRefined) break;
+        if (!with_neighbours) continue;
+        for (const std::size_t other : arc_.neighbours(which))
+            if (wanted.size() < kRefined) wanted.push_back(other);
     }
-    for (const std::size_t which : wanted) {
-        if (!fine_.contains(which)) {
-            fine_.emplace(which, Front(arc_, which, Front::Kind::listed, Front::Grid::fine));
-            unlisted_.emplace(which, Front(arc_, which, Front::Kind::unlisted, Front::Grid::fine));
-        }
-    }
+    return wanted;
+}
+
+/// A candidate whose chances have gone falls back to its coarse grid.
+void Belief::drop_hopeless(const std::vector<std::size_t>& wanted) {
+    const double least = wanted.empty() ? 0 : chances_[wanted.front()] * kHopeless;
     const auto hopeless = [&](const auto& entry) {
-        return chances_[entry.first] < least &&
-               std::ranges::find(wanted, entry.first) == wanted.end();
+        return chances_[entry.first] < least && std::ranges::count(wanted, entry.first) == 0;
     };
     std::erase_if(fine_, hopeless);
     std::erase_if(unlisted_, hopeless);
+}
+
+void Belief::refine(const Evidence& evidence) {
+    const std::vector<std::size_t> wanted = worth_refining();
+    for (const std::size_t which : wanted) {
+        if (fine_.contains(which)) continue;
+        fine_.emplace(which, Front(arc_, which, Front::Kind::listed, Front::Grid::fine));
+        unlisted_.emplace(which, Front(arc_, which, Front::Kind::unlisted, Front::Grid::fine));
+    }
+    drop_hopeless(wanted);
     for (auto& [which, front] : fine_) front.catch_up(evidence);
     for (auto& [which, front] : unlisted_) front.catch_up(evidence);
 }
@@ -115,24 +125,28 @@ void Belief::update(const Evidence& evidence) {
     settle();
 }
 
+/// The logarithm of what speaks for none of the candidates; `best` is that of the best of them.
+double Belief::log_none(double best) const {
+    const double places = std::log(static_cast<double>(arc_.size() + 1));
+    std::vector<double> logs;
+    for (std::size_t k = 0; k < arc_.size(); ++k)
+        logs.push_back(front(k).log_beside(kTrust) + std::log(kBesideAtFirst) - places);
+    for (const auto& [which, front] : unlisted_)
+        logs.push_back(unlisted(which).log_beside(kTrust) + std::log(kNoneAtFirst) - places);
+    // Before anything is known of them, they are as good as the best candidate.
+    if (unlisted_.empty()) logs.push_back(std::log(kNoneAtFirst) + best);
+    const double most = *std::ranges::max_element(logs);
+    double sum = 0;
+    for (const double log : logs) sum += std::exp(log - most);
+    return most + std::log(sum);
+}
+
 void Belief::settle() {
     const double each = std::log((1 - kNoneAtFirst - kBesideAtFirst - kNothingAtFirst) /
                                  static_cast<double>(std::max<std::size_t>(1, arc_.size())));
-    const double beside = std::log(kBesideAtFirst) - std::log(static_cast<double>(arc_.size() + 1));
-    const double none = std::log(kNoneAtFirst) - std::log(static_cast<double>(arc_.size() + 1));
     std::vector<double> logs(arc_.size() + 2, kNever);
-    std::vector<double> others;
-    for (std::size_t k = 0; k < arc_.size(); ++k) {
-        logs[k] = front(k).log_named(kTrust) + each;
-        others.push_back(front(k).log_beside(kTrust) + beside);
-    }
-    for (const auto& [which, front] : unlisted_)
-        others.push_back(unlisted(which).log_beside(kTrust) + none);
-    if (unlisted_.empty()) others.push_back(std::log(kNoneAtFirst));
-    const double most = others.empty() ? kNever : *std::ranges::max_element(others);
-    double sum = 0;
-    for (const double log : others) sum += std::exp(log - most);
-    logs[arc_.size()] = most + std::log(sum);
+    for (std::size_t k = 0; k < arc_.size(); ++k) logs[k] = front(k).log_named(kTrust) + each;
+    logs[arc_.size()] = log_none(*std::ranges::max_element(logs));
     logs[arc_.size() + 1] = kTrust * log_nothing_ + std::log(kNothingAtFirst);
     const double top = *std::ranges::max_element(logs);
     chances_.assign(logs.size(), 0);

@@ -35,7 +35,10 @@ class Belief {
     Ideas ideas() const;
 
   private:
+    std::vector<std::size_t> worth_refining() const;
+    void drop_hopeless(const std::vector<std::size_t>& wanted);
     void refine(const Evidence& evidence);
+    double log_none(double best) const;
     void refine_more(const Evidence& evidence);
     const Front& unlisted(std::size_t candidate) const;
     void weigh_nothing(const Evidence& evidence);

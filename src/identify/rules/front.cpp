@@ -56,7 +56,8 @@ double logistic(double x) {
 
 std::vector<double> steps(double first, double step, double last) {
     std::vector<double> values;
-    for (double value = first; value <= last + step / 100; value += step) values.push_back(value);
+    const int count = static_cast<int>((last - first) / step + 1.01);
+    for (int k = 0; k < count; ++k) values.push_back(first + k * step);
     return values;
 }
 
@@ -156,38 +157,47 @@ std::vector<Front::Ray> Front::rays(int state, double if_mhz, double drift) cons
     return found;
 }
 
-std::vector<Part> Front::parts(const std::vector<Ray>& rays, const Place& place, double usual,
-                               std::vector<const Emitter*>* order) const {
-    std::vector<std::pair<Part, const Emitter*>> found;
+std::vector<Front::Heard> Front::heard(const std::vector<Ray>& rays, const Place& place,
+                                       double usual) {
+    std::vector<Heard> found;
     for (const Ray& ray : rays) {
         const double loss = ray.emitter->loss(place.east);
         if (loss > kFaintDb) continue;
-        found.push_back({{static_cast<float>(ray.share * ratio(-loss)),
-                          static_cast<float>(ray.emitter->chance)},
-                         ray.emitter});
+        const Part part{static_cast<float>(ray.share * ratio(-loss)),
+                        static_cast<float>(ray.emitter->chance)};
+        found.push_back({part, ray.emitter});
     }
     if (usual > 0) found.push_back({{1, static_cast<float>((1 - kEdges) * usual)}, nullptr});
-    std::ranges::stable_sort(found, [](auto& a, auto& b) { return a.first.power > b.first.power; });
+    std::ranges::stable_sort(found, [](auto& a, auto& b) { return a.part.power > b.part.power; });
+    return found;
+}
+
+/// Gives part `k` its odds, and notes which of the first it cannot be there with.
+void Front::part_from_rivals(std::vector<Heard>& heard, std::size_t k) {
+    Part& part = heard[k].part;
+    const Emitter* emitter = heard[k].emitter;
+    int inside = 1;
+    const bool alone = emitter == nullptr || emitter->rivals < 2;
+    for (std::size_t other = 0; !alone && other < std::min(heard.size(), kPartsHeld); ++other) {
+        const Emitter* rival = heard[other].emitter;
+        if (other == k || rival == nullptr || rival->candidate != emitter->candidate ||
+            !exclude(rival->carrier, emitter->carrier))
+            continue;
+        ++inside;
+        part.excluded |= 1U << other;
+    }
+    // Where none of the rivals is there, nothing is.
+    part.odds = part.chance / (1 - part.chance * static_cast<float>(inside));
+}
+
+std::vector<Part> Front::parts(const std::vector<Ray>& rays, const Place& place, double usual,
+                               std::vector<const Emitter*>* order) const {
+    std::vector<Heard> found = heard(rays, place, usual);
     std::vector<Part> parts;
     for (std::size_t k = 0; k < found.size(); ++k) {
-        Part part = found[k].first;
-        const Emitter* emitter = found[k].second;
-        part.odds = part.chance / (1 - part.chance);
-        if (emitter != nullptr && emitter->rivals > 1) {
-            int inside = 1;
-            for (std::size_t other = 0; other < std::min(found.size(), kPartsHeld); ++other) {
-                const Emitter* rival = found[other].second;
-                if (other == k || rival == nullptr || rival->candidate != emitter->candidate ||
-                    !exclude(rival->carrier, emitter->carrier))
-                    continue;
-                ++inside;
-                part.excluded |= 1U << other;
-            }
-            // Where none of the rivals is there, nothing is.
-            part.odds = part.chance / (1 - part.chance * static_cast<float>(inside));
-        }
-        parts.push_back(part);
-        if (order != nullptr) order->push_back(emitter);
+        part_from_rivals(found, k);
+        parts.push_back(found[k].part);
+        if (order != nullptr) order->push_back(found[k].emitter);
     }
     return parts;
 }

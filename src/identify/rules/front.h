@@ -97,6 +97,13 @@ class Front {
     void add_place(double east);
     void make_cells(double volume);
     std::vector<Ray> rays(int state, double if_mhz, double drift) const;
+    /// The same as the dish hears it, from one place, at 0 dB of C/N on the axis.
+    struct Heard {
+        Part part;
+        const Emitter* emitter;  ///< nothing for what no candidate is
+    };
+    static std::vector<Heard> heard(const std::vector<Ray>& rays, const Place& place, double usual);
+    static void part_from_rivals(std::vector<Heard>& heard, std::size_t k);
     std::vector<Part> parts(const std::vector<Ray>& rays, const Place& place, double usual,
                             std::vector<const Emitter*>* order = nullptr) const;
     Mixture mixture(const std::vector<Part>& parts, std::size_t place, std::size_t cn,

@@ -330,33 +330,39 @@ void Identifier::name_nobody(Verdict& verdict) const {
     verdict.certainty = std::max(kUnproven, belief_.chances()[belief_.none()]);
 }
 
-Verdict Identifier::verdict() const {
-    const std::vector<double>& chances = belief_.chances();
-    Verdict verdict;
+Verdict::Kind Identifier::kind() const {
     const std::size_t best = belief_.best();
+    if (best < arc_.size()) return Verdict::Kind::candidate;
     const bool shows = std::ranges::any_of(
         evidence_.heights, [](const Height& height) { return height.db > kCarrier; });
-    if (best == belief_.none() || shows) verdict.kind = Verdict::Kind::none_of_these;
-    if (best < arc_.size()) verdict.kind = Verdict::Kind::candidate;
-    verdict.certainty = chances[best];
+    return best == belief_.none() || shows ? Verdict::Kind::none_of_these
+                                           : Verdict::Kind::no_satellite;
+}
+
+/// The two candidates that are most probable.
+void Identifier::name_two(Verdict& verdict) const {
     bool first = true;
     for (const std::size_t which : belief_.order()) {
         if (which >= arc_.size()) continue;
-        if (first) {
-            verdict.candidate = which;
-            first = false;
-            continue;
+        if (!first) {
+            verdict.runner_up = which;
+            verdict.runner_up_chance = belief_.chances()[which];
+            return;
         }
-        verdict.runner_up = which;
-        verdict.runner_up_chance = chances[which];
-        break;
+        verdict.candidate = which;
+        first = false;
     }
+}
+
+Verdict Identifier::verdict() const {
+    Verdict verdict{.kind = kind(), .certainty = belief_.chances()[belief_.best()]};
     if (arc_.size() == 0) return verdict;
-    verdict.drift = belief_.front(verdict.candidate).best().drift;
+    name_two(verdict);
+    const Front::Best best = belief_.front(verdict.candidate).best();
+    verdict.drift = best.drift;
     verdict.locks = locks_of(verdict.candidate);
     if (verdict.kind != Verdict::Kind::candidate) return verdict;
-    const double fit = belief_.front(verdict.candidate).best().log;
-    if (fit < kWorstFit * static_cast<double>(std::max<std::size_t>(1, levels_.size())))
+    if (best.log < kWorstFit * static_cast<double>(std::max<std::size_t>(1, levels_.size())))
         name_nobody(verdict);
     else if (verdict.locks == 0)
         doubt(verdict);

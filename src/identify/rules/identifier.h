@@ -77,6 +77,8 @@ class Identifier {
     bool plan_lock();
     void plan_proof();
     bool wants_levels(double certainty) const;
+    Verdict::Kind kind() const;
+    void name_two(Verdict& verdict) const;
     void doubt(Verdict& verdict) const;
     void name_nobody(Verdict& verdict) const;
     void note_levels();

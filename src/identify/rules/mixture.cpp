@@ -31,30 +31,39 @@ float db_of(float ratio) {
 
 }  // namespace
 
-Mixture::Mixture(const std::vector<Part>& parts, float crossed, const Stray& stray)
-    : stray_(stray) {
+void Mixture::count_parts(const std::vector<Part>& parts) {
     while (count_ < kMost && static_cast<std::size_t>(count_) < parts.size() &&
            parts[static_cast<std::size_t>(count_)].power > kFaint)
         ++count_;
+}
+
+Mixture::Case Mixture::case_of(const std::vector<Part>& parts, unsigned which, float rest) const {
+    Case one{.weight = 1};
+    float sum = rest;
+    float squares = 0;
+    for (int k = 0; k < count_; ++k) {
+        if ((which >> k & 1U) == 0) continue;
+        const Part& part = parts[static_cast<std::size_t>(k)];
+        if ((part.excluded & which) != 0) return {};
+        one.weight *= part.odds;
+        sum += part.power;
+        squares += part.power * part.power;
+    }
+    one.db = db_of(sum);
+    one.variance = kJitter * kJitter + kSpread * kSpread * squares / (sum * sum);
+    return one;
+}
+
+Mixture::Mixture(const std::vector<Part>& parts, float crossed, const Stray& stray)
+    : stray_(stray) {
+    count_parts(parts);
     float rest = 1;
     for (auto k = static_cast<std::size_t>(count_); k < parts.size(); ++k)
         rest += parts[k].power * parts[k].chance;
     float all = 0;
     for (unsigned which = 0; which < 1U << count_; ++which) {
-        float weight = 1;
-        float sum = rest;
-        float squares = 0;
-        for (int k = 0; k < count_; ++k) {
-            if ((which >> k & 1U) == 0) continue;
-            const Part& part = parts[static_cast<std::size_t>(k)];
-            weight *= (part.excluded & which) != 0 ? 0 : part.odds;
-            sum += part.power;
-            squares += part.power * part.power;
-        }
-        if (weight <= 0) continue;
-        all += weight;
-        cases_[which] = {weight, db_of(sum),
-                         kJitter * kJitter + kSpread * kSpread * squares / (sum * sum)};
+        cases_[which] = case_of(parts, which, rest);
+        all += cases_[which].weight;
     }
     for (Case& one : cases_) one.weight /= all;
     crossed_ = cases_[0];

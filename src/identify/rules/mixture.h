@@ -51,6 +51,8 @@ class Mixture {
         float db = 0;
         float variance = 0;
     };
+    void count_parts(const std::vector<Part>& parts);
+    Case case_of(const std::vector<Part>& parts, unsigned which, float rest) const;
     float density(const Case& one, float above) const;
     float stray_density(float above) const;
 

@@ -41,12 +41,13 @@ double NoiseFloor::above(const Level& level) const {
 NoiseFloor noise_floor_of(const std::vector<Level>& levels) {
     NoiseFloor best;
     double most = -1e9;
-    for (double tilt = kMostTilt; tilt <= kLeastTilt; tilt += kTiltStep) {
+    for (int k = 0; k <= std::lround((kLeastTilt - kMostTilt) / kTiltStep); ++k) {
+        const double tilt = kMostTilt + k * kTiltStep;
         double lowest = 1e9;
         for (const Level& level : levels)
             lowest = std::min(lowest, NoiseFloor{0, tilt}.above(level));
-        for (double up = -kOnTheLine; up <= kHighest; up += kHeightStep) {
-            const NoiseFloor floor{lowest + up, tilt};
+        for (int up = 0; up <= std::lround((kHighest + kOnTheLine) / kHeightStep); ++up) {
+            const NoiseFloor floor{lowest - kOnTheLine + up * kHeightStep, tilt};
             const double found = support(floor, levels);
             if (found <= most) continue;
             most = found;
