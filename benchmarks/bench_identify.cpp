@@ -312,7 +312,8 @@ struct Bench {
             known.back().positions.clear();
             for (identify::Carrier& carrier : known.back().carriers) {
                 carrier.east.reset();
-                carrier.if_mhz += kMovedMhz * static_cast<double>(k / order.size());
+                carrier.if_mhz += kMovedMhz * std::floor(static_cast<double>(k) /
+                                                         static_cast<double>(order.size()));
             }
         }
         return known;

@@ -57,6 +57,7 @@ double logistic(double x) {
 std::vector<double> steps(double first, double step, double last) {
     std::vector<double> values;
     const int count = static_cast<int>((last - first) / step + 1.01);
+    values.reserve(static_cast<std::size_t>(count));
     for (int k = 0; k < count; ++k) values.push_back(first + k * step);
     return values;
 }
