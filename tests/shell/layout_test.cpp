@@ -166,7 +166,8 @@ class LayoutTest : public QObject, protected ProgramInFolder {
                 if (command.startsWith("FREQ ")) tuned_ = command.mid(5).toDouble();
                 if (tuned_ > 1500 && stops_half_way_) program().link().activity.stop();
                 if (command == "LEVANL?")
-                    return FakePort::good(command, "  " + QByteArray::number(level_at(tuned_), 'f', 1));
+                    return FakePort::good(command,
+                                          "  " + QByteArray::number(level_at(tuned_), 'f', 1));
                 return FakePort::good(command, command.endsWith('?') ? "00" : "");
             };
         });
