@@ -9,6 +9,7 @@
 #include <QMenu>
 #include <QRadioButton>
 #include <QSet>
+#include <QSignalSpy>
 #include <QTabWidget>
 #include <QToolBar>
 #include <QToolButton>
@@ -158,6 +159,15 @@ class ComfortTest : public QObject, protected ProgramInFolder {
         QVERIFY(screen->acquisition.timed());
         QTest::keyClick(find<QLineEdit>("fsat", screen), Qt::Key_F5, Qt::ShiftModifier);
         QVERIFY(!screen->acquisition.timed());
+        // With a plan the pass stands in the place of the single measurement.
+        find<QAction>("group", screen)->trigger();
+        const QSignalSpy passes(find<QAction>("multiple_acq", screen), &QAction::triggered);
+        QTest::keyClick(&window(), Qt::Key_F5);
+        QCOMPARE(passes.size(), 1);
+        find<QAction>("single", screen)->trigger();
+        QTest::keyClick(&window(), Qt::Key_F5);
+        QCOMPARE(passes.size(), 1);
+        QCOMPARE(screen->rules.page.measurements(), 2);
     }
 
     void plans_are_gone_through_and_stored_by_keys() {

@@ -427,7 +427,8 @@ void Realtime::fill_in() {
     ui_->cmdlevelview->setText(program_.texts.pick(kLevelEntry));
     ui_->cmdreport->setText(program_.texts.pick(kReportEntry));
     // The keys have pictures alone: in the menu they are read, with their shortcuts.
-    for (QAction* key : {ui_->single_acq, ui_->stop, ui_->previous_prog, ui_->next_prog})
+    for (QAction* key :
+         {ui_->single_acq, ui_->multiple_acq, ui_->stop, ui_->previous_prog, ui_->next_prog})
         key->setText(key->toolTip());
     file_name_tooltip_ = ui_->file_name->toolTip();
 }
