@@ -147,10 +147,11 @@ void DiseqcPanelTest::tab_walks_through_the_motor() {
         walk += QApplication::focusWidget()->objectName();
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
     }
-    QCOMPARE(walk, (QStringList{"dsqopt_1", "dsqmtr_0", "dsqmtr_1", "dsqmtr_2", "dsqmtr_3",
-                                "dsqmtr_4", "dsqmtr_5", "dsqmtr_6", "storesat", "dsqmtr_7",
-                                "recallsat", "dsqmtr_8", "starteast_s", "starteast_t", "dsqmtr_9",
-                                "startwest_s", "startwest_t", "dsqmtr_10", "dsqmtr_11"}));
+    QCOMPARE(walk,
+             (QStringList{"dsqopt_1",    "dsqmtr_0",    "dsqmtr_1",    "dsqmtr_2",    "dsqmtr_3",
+                          "dsqmtr_4",    "dsqmtr_5",    "dsqmtr_6",    "storesat",    "dsqmtr_7",
+                          "recallsat",   "dsqmtr_8",    "starteast_s", "starteast_t", "dsqmtr_9",
+                          "startwest_s", "startwest_t", "dsqmtr_10",   "dsqmtr_11",   "cmdpeak"}));
     QVERIFY(shows("folded"));
     QVERIFY(f_->commands().filter("DISEQC").isEmpty());
 }
