@@ -293,7 +293,7 @@ void ScreensTest::a_recording_is_opened_and_says_that_it_is_one() {
     QCOMPARE(mark->text(), QString("Replay of roof.trace"));
     QVERIFY(find<QLabel>("start_result")->text().startsWith("The meter of the recording roof."));
     find<QAction>("cmditaliano")->trigger();
-    QCOMPARE(mark->text(), QString("Registrazione roof.trace"));
+    QCOMPARE(mark->text(), QString("Riproduzione di roof.trace"));
     QCOMPARE(open_realtime()->meter_of_report(),
              QString("V3.1.0 PLUS (registrazione roof.trace, misure non attuali)"));
     QCOMPARE(simulated_mark(program_state()),
