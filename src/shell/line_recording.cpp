@@ -50,8 +50,9 @@ void LineRecording::start(const QString& path) {
 }
 
 void LineRecording::stop() {
-    if (!running()) return;
+    // Whoever else has ended the recording meanwhile.
     watch_handlers(this, nullptr);
+    if (!running()) return;
     recorder_.stop();
     tell_change();
 }

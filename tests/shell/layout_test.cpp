@@ -351,7 +351,8 @@ class LayoutTest : public QObject, protected ProgramInFolder {
         return made;
     }
     QMap<QString, MakeDialog> dialogs() {
-        QMap<QString, MakeDialog> all = sample_dialogs(program_state(), program().link());
+        QMap<QString, MakeDialog> all =
+            sample_dialogs(program_state(), [this]() -> link::Link& { return program().link(); });
         all["problem"] = [this](QWidget* parent) {
             ProblemCommand command(program_state(), program().connection(), program().database(),
                                    program().recording(), window());

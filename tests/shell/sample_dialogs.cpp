@@ -45,7 +45,8 @@ void show_levels(peak::PeakDialog& dialog) {
 
 }  // namespace
 
-QMap<QString, MakeDialog> sample_dialogs(ProgramState& state, link::Link& line) {
+QMap<QString, MakeDialog> sample_dialogs(ProgramState& state,
+                                         const std::function<link::Link&()>& line) {
     const Texts& texts = state.texts;
     QMap<QString, MakeDialog> made;
     made["import"] = [&texts](QWidget* parent) {
@@ -93,9 +94,9 @@ QMap<QString, MakeDialog> sample_dialogs(ProgramState& state, link::Link& line) 
         }
         return new olddb::ClashDialog(plan, texts, parent);
     };
-    const auto peak = [&state, &line](const std::function<void(peak::PeakDialog&)>& enter) {
-        return [&state, &line, enter](QWidget* parent) -> QDialog* {
-            auto* dialog = new peak::PeakDialog({.link = line, .texts = state.texts}, parent);
+    const auto peak = [&state, line](const std::function<void(peak::PeakDialog&)>& enter) {
+        return [&state, line, enter](QWidget* parent) -> QDialog* {
+            auto* dialog = new peak::PeakDialog({.link = line(), .texts = state.texts}, parent);
             enter(*dialog);
             return dialog;
         };

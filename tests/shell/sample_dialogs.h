@@ -13,8 +13,9 @@ namespace m47::shell {
 
 using MakeDialog = std::function<QDialog*(QWidget* parent)>;
 
-/// Every dialog of the program by its name, filled as in use; `state` and `line` outlive what is
-/// made.
-QMap<QString, MakeDialog> sample_dialogs(ProgramState& state, link::Link& line);
+/// Every dialog of the program by its name, filled as in use; `state` outlives what is
+/// made, and so does `line`, which is asked for when one is made.
+QMap<QString, MakeDialog> sample_dialogs(ProgramState& state,
+                                         const std::function<link::Link&()>& line);
 
 }  // namespace m47::shell

@@ -217,7 +217,8 @@ class ThirdLanguageTest : public QObject, protected ProgramInFolder {
         plain += plain_texts(&window());
         Screen* satellites = open("asl");
         plain += plain_in_dialog([&] { find<QAction>("cmdcompare", satellites)->trigger(); });
-        for (const MakeDialog& make : sample_dialogs(program_state(), program().link())) {
+        for (const MakeDialog& make : sample_dialogs(
+                 program_state(), [this]() -> link::Link& { return program().link(); })) {
             const std::unique_ptr<QDialog> dialog(make(&window()));
             dialog->show();
             plain += plain_texts(dialog.get());
