@@ -65,6 +65,7 @@ class ScreensTest : public QObject, protected ProgramInFolder {
     bool seen_of(const std::function<void()>& press);
     QStringList silent_keys();
     QStringList find_the_peak(QMessageBox::StandardButton answer);
+    void leave_the_peak(QDialog* dialog);
 
     std::unique_ptr<MeterInProcess> meter_;
     FakePort* line_ = nullptr;
