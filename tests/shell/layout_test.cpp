@@ -221,6 +221,8 @@ class LayoutTest : public QObject, protected ProgramInFolder {
             QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
             QCoreApplication::processEvents();
         }
+        // Of a text that a tick of the clock has changed just now.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
     }
     void speak(int language) {
         window()
