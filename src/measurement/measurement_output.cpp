@@ -56,11 +56,6 @@ QString mode_text(MeasureMode mode) {
     return mode == MeasureMode::digital ? QStringLiteral("digital") : QStringLiteral("analog");
 }
 
-QString mark_text(RangeMark mark) {
-    if (mark == RangeMark::none) return {};
-    return mark == RangeMark::below ? QStringLiteral("<") : QStringLiteral(">");
-}
-
 std::vector<OutputCell> output_cells(const Measurement& measured, int offset) {
     std::vector<OutputCell> cells{{"time", iso_text(measured.instant, offset)},
                                   {"plan", measured.program.plan},
@@ -73,8 +68,9 @@ std::vector<OutputCell> output_cells(const Measurement& measured, int offset) {
         const Reading& reading = measured.readings[k];
         const bool there = reading.measured();
         cells.push_back({kReadingNames[k], there ? number_text(reading.value) : QString(), true});
-        cells.push_back(
-            {kReadingNames[k], there ? mark_text(reading.mark) : QString(), false, "_mark"});
+        cells.push_back({kReadingNames[k],
+                         there ? QString::fromLatin1(mark_text(reading.mark)) : QString(), false,
+                         "_mark"});
     }
     cells.push_back({"verdict", verdict_text(measured.verdict)});
     return cells;
@@ -122,6 +118,11 @@ QByteArray json_line(const std::vector<OutputCell>& cells) {
 }
 
 }  // namespace
+
+QByteArray mark_text(RangeMark mark) {
+    if (mark == RangeMark::none) return {};
+    return mark == RangeMark::below ? "<" : ">";
+}
 
 QByteArray output_header(OutputFormat format) {
     if (format == OutputFormat::json) return {};

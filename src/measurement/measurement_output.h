@@ -15,6 +15,9 @@ enum class OutputFormat : std::uint8_t {
     json,  ///< an object a line, null for what was not measured or is not known
 };
 
+/// The mark of a value beyond the meter's range, as it stands in a column: "<", ">" or nothing.
+QByteArray mark_text(RangeMark mark);
+
 /// The line of the columns' names; empty for JSON, where each line has them.
 QByteArray output_header(OutputFormat format);
 

@@ -5,28 +5,21 @@
 #include <cmath>
 
 #include "option_words.h"
+#include "peak_search.h"
 
 namespace m47::shell {
-namespace {
-
-constexpr double kLeastDegrees = 1;
-constexpr double kMostDegrees = 20;
-constexpr double kStepsOfDegree = 10;
-
-}  // namespace
-
 QString read_peak_span(const QCommandLineParser& parser, Options& options) {
     const QString name = QStringLiteral("peak");
     if (!parser.isSet(name)) return {};
     static const QRegularExpression kForm(QStringLiteral("^\\d{1,2}(\\.\\d)?$"));
     const QString given = parser.value(name);
     const double degrees = given.toDouble();
-    if (!kForm.match(given).hasMatch() || degrees < kLeastDegrees || degrees > kMostDegrees)
+    if (!kForm.match(given).hasMatch() || degrees < peak::kLeastSpan || degrees > peak::kMostSpan)
         return refused(QStringLiteral("--peak takes a SPAN from %1 to %2 degrees")
-                           .arg(kLeastDegrees)
-                           .arg(kMostDegrees),
+                           .arg(peak::kLeastSpan)
+                           .arg(peak::kMostSpan),
                        given);
-    options.peak_span = static_cast<int>(std::lround(degrees * kStepsOfDegree));
+    options.peak_span = static_cast<int>(std::lround(degrees * peak::kStepsOfDegree));
     return {};
 }
 

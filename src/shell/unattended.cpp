@@ -52,6 +52,7 @@ struct Run {
     const Options& options;
     std::unique_ptr<realtime::RealtimeRules> rules;
     RowOutput output{platform::kStandardOutput};
+    LineRecording recording{connection.recorder(), state.texts};
     measurement::Measurement measured{};  ///< of the row that comes next
     int rows = 0;
     bool link_found = false;  ///< the meter has answered once
@@ -59,7 +60,6 @@ struct Run {
     bool wrong_limits = false;
     bool alarm_failed = false;
     bool file_lost = false;
-    bool recording_lost = false;
     bool row_missing = false;
 
     /// Nobody gets to see another row.
@@ -324,7 +324,7 @@ int status_of(const Run& run) {
                      : QStringLiteral("the link to the meter was lost") + refusal_of(run));
         return kNoLink;
     }
-    if (run.output.lost() || run.file_lost || run.recording_lost || run.row_missing)
+    if (run.output.lost() || run.file_lost || run.recording.lost() || run.row_missing)
         return kOutputLost;
     if (run.rows == 0) complain(QStringLiteral("nothing was measured"));
     if (run.incomplete || run.rows == 0) return kIncomplete;
@@ -360,12 +360,9 @@ void listen_to_rules(Run& run) {
 }
 
 /// What cannot be recorded stops no measurement.
-void record_line(Run& run, LineRecording& recording) {
-    recording.on_lost = [&run](const QString& sentence) {
-        complain(sentence);
-        run.recording_lost = true;
-    };
-    if (!run.options.trace.isEmpty()) recording.start(run.options.trace);
+void record_line(Run& run) {
+    run.recording.on_lost = complain;
+    if (!run.options.trace.isEmpty()) run.recording.start(run.options.trace);
 }
 
 }  // namespace
@@ -380,12 +377,11 @@ int run_unattended(ProgramState& state, db::Database& database, MeterConnection&
     state.texts.language = kEnglish;
     connection.link().interrupted = [] { return platform::times_told_to_end() > 0; };
     connection.link().cut_off = [] { return platform::times_told_to_end() > 1; };
-    LineRecording recording(connection.recorder(), state.texts);
     Run run{state, connection, options,
             std::make_unique<realtime::RealtimeRules>(connection.link(), state, database)};
     listen_to_rules(run);
     tell_rounded(options);
-    record_line(run, recording);
+    record_line(run);
     try {
         int status = kGood;
         if (!prepare(run, status)) return status;

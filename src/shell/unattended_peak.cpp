@@ -24,9 +24,9 @@ struct PeakedRun {
     const Options& options;
     band::MeterLevels levels{connection.link()};
     RowOutput output{platform::kStandardOutput};
+    LineRecording recording{connection.recorder(), texts};
     peak::PeakOutcome outcome{};
     bool not_set_back = false;
-    bool recording_lost = false;
 };
 
 bool meter_answers(PeakedRun& run) {
@@ -85,7 +85,7 @@ void tell_end(PeakedRun& run) {
 
 int status_of(const PeakedRun& run) {
     if (!run.connection.link().port_connected) return kNoLink;
-    if (run.output.lost() || run.recording_lost) return kOutputLost;
+    if (run.output.lost() || run.recording.lost()) return kOutputLost;
     const bool found = run.outcome.search.end == peak::SearchEnd::found;
     return found && run.outcome.motor_stopped && !run.not_set_back ? kGood : kIncomplete;
 }
@@ -96,13 +96,9 @@ int run_peak(Texts& texts, MeterConnection& connection, const Options& options) 
     texts.language = kEnglish;
     connection.link().interrupted = [] { return platform::times_told_to_end() > 0; };
     connection.link().cut_off = [] { return platform::times_told_to_end() > 1; };
-    LineRecording recording(connection.recorder(), texts);
     PeakedRun run{texts, connection, options};
-    recording.on_lost = [&run](const QString& sentence) {
-        say_of_run(sentence);
-        run.recording_lost = true;
-    };
-    if (!options.trace.isEmpty()) recording.start(options.trace);
+    run.recording.on_lost = say_of_run;
+    if (!options.trace.isEmpty()) run.recording.start(options.trace);
     run.output.on_remark = say_of_run;
     try {
         if (!meter_answers(run)) return kNoLink;

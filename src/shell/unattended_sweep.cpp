@@ -31,9 +31,9 @@ struct SweepRun {
     band::SweepTerms terms{};
     std::vector<band::ListedTransponder> listed{};
     RowOutput output{platform::kStandardOutput};
+    LineRecording recording{connection.recorder(), texts};
     int without_level = 0;
     bool not_set_back = false;
-    bool recording_lost = false;
 };
 
 band::SweepTerms terms_of(const AntennaOptions& antenna) {
@@ -107,7 +107,7 @@ void set_back(SweepRun& run) {
 
 int status_of(SweepRun& run) {
     if (run.levels.lost()) return kNoLink;
-    if (run.output.lost() || run.recording_lost) return kOutputLost;
+    if (run.output.lost() || run.recording.lost()) return kOutputLost;
     if (run.sweep.plan().curve().empty()) {
         say_of_run(QStringLiteral("nothing was measured"));
         return kIncomplete;
@@ -127,13 +127,9 @@ int run_sweep(Texts& texts, MeterConnection& connection, const Options& options)
     texts.language = kEnglish;
     connection.link().interrupted = [] { return platform::times_told_to_end() > 0; };
     connection.link().cut_off = [] { return platform::times_told_to_end() > 1; };
-    LineRecording recording(connection.recorder(), texts);
     SweepRun run{texts, connection, options};
-    recording.on_lost = [&run](const QString& sentence) {
-        say_of_run(sentence);
-        run.recording_lost = true;
-    };
-    if (!options.trace.isEmpty()) recording.start(options.trace);
+    run.recording.on_lost = say_of_run;
+    if (!options.trace.isEmpty()) run.recording.start(options.trace);
     run.terms = terms_of(options.antenna);
     run.output.on_remark = say_of_run;
     try {

@@ -343,8 +343,8 @@ class LayoutTest : public QObject, protected ProgramInFolder {
                              path + QString(" cannot be written. ").repeated(3));
         };
         made["question"] = [this, path] {
-            ask_to_erase(&window(), "M47", "Replace with the new Plan of program\rContinue?",
-                         QString("This erases all. ").repeated(6) + '\n' + path);
+            ask_first(&window(), "M47", "Replace with the new Plan of program\rContinue?",
+                      QString("This erases all. ").repeated(6) + '\n' + path);
         };
         made["no database"] = [this] {
             program_state().base_dir = in_folder("a folder without one/");

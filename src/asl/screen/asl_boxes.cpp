@@ -19,7 +19,7 @@ bool AslBoxes::confirm(const QString& title, const QString& text) {
 }
 
 bool AslBoxes::erase(const QString& title, const QString& text, const QString& what_goes) {
-    return ask_to_erase(screen_, title, text, what_goes);
+    return ask_first(screen_, title, text, what_goes);
 }
 
 QString AslBoxes::input(const QString& title, const QString& text, const QString& proposal) {

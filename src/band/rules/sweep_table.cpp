@@ -5,6 +5,7 @@
 #include <array>
 #include <charconv>
 
+#include "measurement_output.h"
 #include "oscillators.h"
 #include "tuning_range.h"
 
@@ -39,11 +40,6 @@ QByteArray megahertz(double mhz) {
 
 QByteArray sky_text(double mhz, const std::optional<double>& oscillator) {
     return oscillator ? megahertz(sky_frequency(mhz, *oscillator)) : QByteArray();
-}
-
-QByteArray mark_text(measurement::RangeMark mark) {
-    if (mark == measurement::RangeMark::none) return {};
-    return mark == measurement::RangeMark::below ? "<" : ">";
 }
 
 /// Unit, supply and tone.
@@ -155,7 +151,7 @@ QByteArray sweep_line(const SweepRow& row) {
     return line_of(QByteArrayList{megahertz(row.sample.mhz),
                                   sky_text(row.sample.mhz, row.terms.oscillator),
                                   there ? shortest(level.value) : QByteArray(),
-                                  there ? mark_text(level.mark) : QByteArray()} +
+                                  there ? measurement::mark_text(level.mark) : QByteArray()} +
                    terms_cells(row.terms));
 }
 

@@ -28,9 +28,4 @@ bool ask_first(QWidget* parent, const QString& title, const QString& text,
     return box.exec() == QMessageBox::Yes;
 }
 
-bool ask_to_erase(QWidget* parent, const QString& title, const QString& text,
-                  const QString& what_goes) {
-    return ask_first(parent, title, text, what_goes);
-}
-
 }  // namespace m47

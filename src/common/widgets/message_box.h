@@ -12,13 +12,9 @@ QMessageBox::StandardButton show_message_box(
     QMessageBox::StandardButtons buttons = QMessageBox::Ok);
 
 /// A question with Yes and No before something that cannot be taken back: `text`, and in smaller
-/// letters below it what it does. No is what Enter answers. True for Yes.
+/// letters below it what it does, or what goes and what is kept. No is what Enter answers. True for
+/// Yes.
 bool ask_first(QWidget* parent, const QString& title, const QString& text,
                const QString& consequence);
-
-/// The same before something is erased: `text`, and in smaller letters below it
-/// what goes and what is kept of it. No is what Enter answers. True for Yes.
-bool ask_to_erase(QWidget* parent, const QString& title, const QString& text,
-                  const QString& what_goes);
 
 }  // namespace m47

@@ -147,10 +147,10 @@ bool Download::may_erase(const QPushButton* key, const QString& command) {
         program_.costs.tell_each(kNotReadNotErased);
         return false;
     }
-    return ask_to_erase(this, QStringLiteral("M47"),
-                        key->toolTip() + u'\r' + program_.texts.message(kContinue),
-                        program_.texts.pick(kLogsKept).arg(QString::number(QFileInfo(*kept).size()),
-                                                           QDir::toNativeSeparators(*kept)));
+    return ask_first(this, QStringLiteral("M47"),
+                     key->toolTip() + u'\r' + program_.texts.message(kContinue),
+                     program_.texts.pick(kLogsKept).arg(QString::number(QFileInfo(*kept).size()),
+                                                        QDir::toNativeSeparators(*kept)));
 }
 
 void Download::cmddatain_Click() {

@@ -5,7 +5,10 @@
 
 namespace m47::peak {
 
-/// A dish on a motor with a meter behind it. A step is a tenth of a degree, east counted up.
+/// A step of the motor is a tenth of a degree.
+inline constexpr int kStepsOfDegree = 10;
+
+/// A dish on a motor with a meter behind it; east is counted up.
 class Antenna {
   public:
     virtual ~Antenna() = default;

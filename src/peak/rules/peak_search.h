@@ -10,9 +10,15 @@
 
 namespace m47::peak {
 
+/// How far a search may go to either side, degrees.
+inline constexpr int kLeastSpan = 1;
+inline constexpr int kMostSpan = 20;
+inline constexpr int kUsualSpan = 5;
+
 struct SearchOptions {
-    int span = 50;        ///< steps, at least 10; the shaft never leaves this around its start
-    int backlash = 4;     ///< steps; at least the play of any gear
+    int span =
+        kUsualSpan * kStepsOfDegree;  ///< steps; the shaft never leaves this around its start
+    int backlash = 4;                 ///< steps; at least the play of any gear
     int coarse = 10;      ///< steps between the points of the look around, less than a beam
     int first_look = 20;  ///< steps; how far the first look goes to either side
     int fine = 6;         ///< steps from the peak to the points beside it

@@ -1,22 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "peak_table.h"
 
+#include "measurement_output.h"
+
 namespace m47::peak {
 namespace {
-
-constexpr double kDegreesOfStep = 0.1;
 
 QByteArray in_tenths(double value) {
     return QByteArray::number(value, 'f', 1);
 }
 
-QByteArray mark_text(measurement::RangeMark mark) {
-    if (mark == measurement::RangeMark::none) return {};
-    return mark == measurement::RangeMark::below ? "<" : ">";
-}
-
 QByteArray line_of(int steps, const QByteArrayList& cells) {
-    const QByteArrayList place{QByteArray::number(steps), in_tenths(steps * kDegreesOfStep)};
+    const QByteArrayList place{QByteArray::number(steps),
+                               in_tenths(double(steps) / kStepsOfDegree)};
     return (place + cells).join('\t') + '\n';
 }
 
@@ -29,7 +25,7 @@ QByteArray peak_header() {
 QByteArray peak_line(const Taken& taken, std::optional<LevelUnit> unit) {
     const bool mer = taken.quantity == measurement::Quantity::mer;
     return line_of(taken.steps, {mer ? "mer" : "level", in_tenths(taken.reading.value),
-                                 mark_text(taken.reading.mark),
+                                 measurement::mark_text(taken.reading.mark),
                                  mer ? QByteArray("dB") : measurement::unit_text(unit).toLatin1()});
 }
 

@@ -73,7 +73,7 @@ const Bilingual& words_of(const PeakOutcome& outcome) {
 }  // namespace
 
 QString place_text(int steps, const Texts& texts) {
-    const QString degrees = one_decimal(std::abs(steps) / 10.0);
+    const QString degrees = one_decimal(std::abs(double(steps)) / kStepsOfDegree);
     if (steps == 0) return degrees + u'°';
     return texts.pick(steps > 0 ? kEast : kWest).arg(degrees);
 }

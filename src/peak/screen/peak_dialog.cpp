@@ -46,9 +46,6 @@ constexpr Bilingual kBegins{"The meter is prepared…", "Si prepara lo strumento
 constexpr Bilingual kReading{"Reading %1, dish at %2: %3", "Lettura %1, antenna %2: %3"};
 constexpr Bilingual kStopping{"The motor is being stopped…", "Il motore viene fermato…"};
 
-constexpr int kUsualDegrees = 5;
-constexpr int kMostDegrees = 20;
-constexpr int kStepsOfDegree = 10;
 constexpr int kMostPositions = 99;
 
 QString two_digits(int number) {
@@ -100,9 +97,9 @@ void PeakDialog::build_span(QBoxLayout* layout) {
     auto* caption = new QLabel(work_.texts.pick(kSpan));
     span_ = new QComboBox;
     span_->setObjectName(QStringLiteral("peak_span"));
-    for (int degrees = 1; degrees <= kMostDegrees; ++degrees)
+    for (int degrees = kLeastSpan; degrees <= kMostSpan; ++degrees)
         span_->addItem(QString::number(degrees) + u'°', degrees);
-    span_->setCurrentIndex(span_->findData(kUsualDegrees));
+    span_->setCurrentIndex(span_->findData(kUsualSpan));
     caption->setBuddy(span_);
     auto* row = new QHBoxLayout;
     row->addWidget(caption);

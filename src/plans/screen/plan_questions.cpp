@@ -55,7 +55,7 @@ bool ask_replace(QWidget* screen, const Texts& texts, const QString& prompt,
         what_goes +=
             u'\n' + (kept->isEmpty() ? texts.pick(kTableNotRead)
                                      : texts.pick(kTableKept).arg(QDir::toNativeSeparators(*kept)));
-    return ask_to_erase(screen, kQuestionTitle, with_continue(texts, prompt), what_goes);
+    return ask_first(screen, kQuestionTitle, with_continue(texts, prompt), what_goes);
 }
 
 QString ask_plan_name(QWidget* screen, const QString& prompt, const QString& preset) {
