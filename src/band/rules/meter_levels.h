@@ -1,65 +1,62 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QString>
-#include <QStringList>
 #include <optional>
 #include <vector>
 
+#include "kept_settings.h"
 #include "level_asker.h"
 #include "link.h"
 
 namespace m47::band {
 
-/// How the LNB is fed for a sweep; what is not set is left as it is.
-struct Feed {
-    std::optional<int> volts;  ///< 0 off, else 13, 15, 18 or 24
-    std::optional<bool> tone;
+/// What the meter's demodulator says of a carrier.
+struct Quality {
+    measurement::Reading mer;     ///< dB; at its floor without lock
+    measurement::Reading offset;  ///< MHz from the frequency that was asked for
 
-    bool operator==(const Feed&) const = default;
+    bool measured() const { return mer.measured(); }
+    bool locked() const;
 };
 
 /// The levels of the meter on the line. What it changes of the meter it asks for first, and sets it
 /// back at the end.
 class MeterLevels : public LevelAsker {
   public:
-    explicit MeterLevels(link::Link& link) : link_(link) {}
+    explicit MeterLevels(link::Link& link) : link_(link), kept_(link) {}
 
     /// Notes how the meter is set, tunes it directly, brings the LNB to `feed` and sets all the
     /// attenuation, as before each level. Feeds follow one another without a set_back() between.
     void prepare(const Feed& feed);
 
+    /// Brings the LNB to another feed behind prepare(), by what differs alone; the attenuation
+    /// stays. False where the meter did not surely take it: a level would be one of nobody knows
+    /// which feed.
+    bool change_feed(const Feed& feed);
+
     measurement::Reading level(double mhz) override;
+    /// Of the carrier at `mhz` of the intermediate band with `kilosymbols` a second; takes six
+    /// seconds. One that was not measured where no answer is sure.
+    Quality quality(double mhz, int kilosymbols);
     bool lost() const override { return !link_.port_connected; }
 
-    /// Sets back what was changed, also where the work was told to stop. What could not be, as a
-    /// technician calls it ("LNB supply"); empty where the meter is as it was.
+    /// As KeptSettings::set_back.
     std::vector<Bilingual> set_back();
 
   private:
-    /// What the meter said of one setting, and the commands that bring it back.
-    struct Kept {
-        Bilingual name;
-        bool known = false;
-        QStringList commands;
-    };
-
-    void note();
-    void note_feed(const Feed& feed);
-    void keep(const Bilingual& name, bool known, const QStringList& commands);
-    QString ask(const QString& word);
     void send(const QString& command);
+    bool take(const QString& command);
+    void feed_supply(int volts);
+    void feed_tone(bool on);
+    void attenuate();
+    bool tune(double mhz);
     std::optional<measurement::Reading> ask_level(double mhz);
-    bool bring_back(const Kept& kept);
+    Quality ask_quality(double mhz, int kilosymbols);
 
     link::Link& link_;
-    bool noted_ = false;
-    bool supply_noted_ = false;
-    bool tone_noted_ = false;
-    std::vector<Kept> kept_;  ///< in the order in which they are brought back
+    KeptSettings kept_;
+    Feed fed_;  ///< as far as the meter has surely taken it
+    bool attenuated_ = false;
 };
-
-/// "LNB supply, frequency" in the language of `texts`.
-QString names_in(const std::vector<Bilingual>& names, const Texts& texts);
 
 }  // namespace m47::band

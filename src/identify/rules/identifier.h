@@ -25,6 +25,8 @@ struct Answer {
     std::optional<double> db{};
     std::optional<bool> locked{};
     std::optional<double> offset{};  ///< MHz from the frequency asked, where a lock tells it
+    std::optional<double> mer{};     ///< dB, where a lock tells it
+    bool below_range = false;        ///< the level lies somewhere below `db`
 };
 
 /// Who asks the sky, through a meter or a simulated one.

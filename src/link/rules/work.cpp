@@ -28,4 +28,14 @@ void Work::reached(int done, int all) {
     if (outermost_) link_.activity.reached(done, all);
 }
 
+bool send_at_the_end(Link& link, const QString& command) noexcept {
+    const InOrder in_order(link);
+    try {
+        return link.ask(command) == QStringLiteral("OK");
+    } catch (...) {
+        // The meter goes on as it was told before, until its next user tells it something.
+        return false;
+    }
+}
+
 }  // namespace m47::link

@@ -60,4 +60,8 @@ class InOrder {
     Link& link_;
 };
 
+/// Sends what the meter has to be told whatever has happened, the program's end included; without a
+/// line there is nobody to tell. True when the meter has taken it.
+bool send_at_the_end(Link& link, const QString& command) noexcept;
+
 }  // namespace m47::link

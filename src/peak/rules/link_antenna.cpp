@@ -7,7 +7,9 @@
 #include "fault.h"
 #include "measure_replies.h"
 #include "numbers.h"
+#include "qpsk_mode.h"
 #include "reading.h"
+#include "work.h"
 
 namespace m47::peak {
 namespace {
@@ -15,44 +17,12 @@ namespace {
 constexpr double kStepsPerSecond = 15;
 constexpr double kUntilItStands = 0.5;
 constexpr double kAfterAttenuator = 1;
-constexpr double kAfterQpsk = 5;
-// What the meter gives for the MER without lock.
-constexpr double kNoLockMer = 1.0;
 
 QString drive_command(int steps) {
     const QString& word = link::command::kDiseqcMotor;
     const QString direction = steps > 0 ? QStringLiteral(" 08 ") : QStringLiteral(" 09 ");
     return word + direction + link::format_number(std::abs(steps), "00") + QStringLiteral(" 01");
 }
-
-/// Sends what the meter has to be told whatever has happened, the program's end included; without a
-/// line there is nobody to tell. True when the meter has taken it.
-bool send_at_the_end(link::Link& link, const QString& command) noexcept {
-    ++link.undivided;
-    bool taken = false;
-    try {
-        taken = link.ask(command) == QStringLiteral("OK");
-    } catch (...) {
-        // Each drive ends by itself, and the next user of the meter sets its mode.
-    }
-    --link.undivided;
-    return taken;
-}
-
-/// The meter's QPSK mode, while it lives; it is left even where nobody knows whether it was
-/// entered.
-class QpskMode {
-  public:
-    explicit QpskMode(link::Link& link) : link_(link) {}
-    ~QpskMode() { send_at_the_end(link_, link::command::kMeasure); }
-    QpskMode(const QpskMode&) = delete;
-    QpskMode& operator=(const QpskMode&) = delete;
-
-    void enter() { link_.send(link::command::kQpskQuality); }
-
-  private:
-    link::Link& link_;
-};
 
 /// What `asked` gives; nothing where an answer is doubtful.
 template <typename Asked>
@@ -74,7 +44,7 @@ bool LinkAntenna::drive(int steps) {
 }
 
 void LinkAntenna::stop() noexcept {
-    stopped_ = send_at_the_end(link_, link::command::kDiseqcMotor + QStringLiteral(" 00"));
+    stopped_ = link::send_at_the_end(link_, link::command::kDiseqcMotor + QStringLiteral(" 00"));
 }
 
 std::optional<double> LinkAntenna::level() {
@@ -104,20 +74,18 @@ std::optional<double> LinkAntenna::mer() {
     const auto reading = sure([this] { return ask_mer(); });
     if (!reading || !reading->measured()) return std::nullopt;
     tell(measurement::Quantity::mer, *reading);
-    if (reading->value <= kNoLockMer) return std::nullopt;
+    if (reading->value <= link::kNoLockMer) return std::nullopt;
     return reading->value;
 }
 
 std::optional<measurement::Reading> LinkAntenna::ask_mer() {
     link_.send(link::command::kAttenuator + QStringLiteral(" 00"));
-    QpskMode mode(link_);
+    link::QpskMode mode(link_);
     mode.enter();
-    link_.wait_time(kAfterQpsk);
-    const auto answer = link_.ask(link::command::query(link::command::kQpskQuality));
-    const QString label = QStringLiteral("MER   :");
-    if (!answer || !answer->contains(label)) return std::nullopt;
-    return measurement::reading_of(measurement::Quantity::mer,
-                                   link::delete_cr(label, *answer).trimmed());
+    const auto answer = mode.ask();
+    const auto text = answer ? link::labelled(link::kMerLabel, *answer) : std::nullopt;
+    if (!text) return std::nullopt;
+    return measurement::reading_of(measurement::Quantity::mer, *text);
 }
 
 void LinkAntenna::tell(measurement::Quantity quantity, const measurement::Reading& reading) const {

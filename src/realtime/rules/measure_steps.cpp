@@ -8,6 +8,7 @@
 #include "fault.h"
 #include "measure_replies.h"
 #include "numbers.h"
+#include "qpsk_mode.h"
 
 namespace m47::realtime {
 namespace {
@@ -20,7 +21,6 @@ constexpr Bilingual kNoNoiseEntry{
 constexpr double kAfterRanging = 1;
 constexpr double kAfterAttenuator = 0.1;
 constexpr double kAfterTuning = 1;
-constexpr double kAfterQpsk = 5;
 
 constexpr double kAttenuatorStep = 10;  // dB
 constexpr double kFirstStepLevel = 60;  // dBuV
@@ -174,7 +174,7 @@ void MeasureSteps::start_qpsk() {
     link_.send(link::command::kAttenuator + QStringLiteral(" 00"));
     tuning_.srqpsk_txt_KeyPress(kEnterKey);
     link_.send(link::command::kQpskQuality);
-    link_.wait_time(kAfterQpsk);
+    link_.wait_time(link::kAfterQpsk);
 }
 
 void MeasureSteps::show_field(const Measure& measure, const QString& answer) {
