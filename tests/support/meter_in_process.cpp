@@ -33,10 +33,22 @@ const meter::FaultKind* kind_named(const QString& name) {
 
 struct MeterInProcess::Inside {
     explicit Inside(quint64 seed) : instrument(options()), random(seed) {}
+    Inside(quint64 seed, const DishInProcess& dish)
+        : instrument(options(dish), [] { return 0.0; }), random(seed) {}
 
     static meter::Options options() {
         meter::Options chosen;
         chosen.logger_bytes = kLoggerBytes;
+        return chosen;
+    }
+    static meter::Options options(const DishInProcess& dish) {
+        meter::Options chosen = options();
+        chosen.sky.orbit = true;
+        chosen.sky.tables = dish.tables.toStdString();
+        chosen.sky.point_east = dish.east;
+        chosen.sky.chance.seed = dish.seed;
+        chosen.sky.chance.cn_db = dish.cn_db;
+        chosen.sky.chance.off_air_percent = dish.off_air_percent;
         return chosen;
     }
 
@@ -51,6 +63,11 @@ struct MeterInProcess::Inside {
 
 MeterInProcess::MeterInProcess(FakePort& port, quint64 seed)
     : port_(port), inside_(std::make_unique<Inside>(seed)) {
+    listen();
+}
+
+MeterInProcess::MeterInProcess(FakePort& port, quint64 seed, const DishInProcess& dish)
+    : port_(port), inside_(std::make_unique<Inside>(seed, dish)) {
     listen();
 }
 

@@ -15,12 +15,23 @@ struct Recorded {
     QByteArray text;
 };
 
+/// A dish under the simulated orbit.
+struct DishInProcess {
+    QString tables;    ///< the folder with the scan tables that the sky is made of
+    double east = 0;   ///< where the dish looks, degrees
+    quint64 seed = 1;  ///< of the sky
+    double cn_db = 12;
+    double off_air_percent = 20;
+};
+
 /// The simulated meter behind a fake port, on the virtual clock: what takes minutes on a line takes
 /// an instant here. It answers well, but for one command in `bad_in` and the one that spoil() says.
 class MeterInProcess {
   public:
     /// Answers on `port` from now on; both have to outlive it.
     MeterInProcess(FakePort& port, quint64 seed);
+    /// The same under the orbit, whose weather stands still.
+    MeterInProcess(FakePort& port, quint64 seed, const DishInProcess& dish);
     /// The meter of a recording.
     MeterInProcess(FakePort& port, const Recorded& recorded);
     ~MeterInProcess();

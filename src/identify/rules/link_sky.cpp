@@ -3,6 +3,8 @@
 
 #include <cmath>
 
+#include "reading.h"
+
 namespace m47::identify {
 namespace {
 
