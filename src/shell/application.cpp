@@ -29,6 +29,7 @@
 #include "standard_streams.h"
 #include "system_time.h"
 #include "unattended.h"
+#include "unattended_identify.h"
 #include "unattended_peak.h"
 #include "unattended_sweep.h"
 #include "window_end.h"
@@ -128,12 +129,14 @@ int meter_unattended(ProgramState& state, db::Database* database, link::PortList
     return report_problem(state, connection, options, status);
 }
 
-/// What needs the meter and neither database nor window.
-int meter_alone(ProgramState& state, link::PortList ports, const Options& options) {
+/// What needs the meter and no window, nor the database but for the candidates of plans.
+int meter_alone(ProgramState& state, link::PortList ports, const Options& options,
+                const db::Database* database = nullptr) {
     NoView view;
     MeterConnection connection(state, std::move(ports),
                                std::make_unique<link::RealClock>(platform::local_time_of_day),
                                std::make_unique<link::RealPort>(), view, view);
+    if (options.identify) return run_identification(state.texts, connection, options, database);
     if (options.peak_span) return run_peak(state.texts, connection, options);
     return run_sweep(state.texts, connection, options);
 }
@@ -210,6 +213,7 @@ int run_on_database(ProgramState& state, std::unique_ptr<db::Database> database,
         return import_unattended(*database, options.import_database, state.texts);
     if (options.export_plan.asked()) return export_plan_unattended(*database, options, state.texts);
     if (options.import_plan.asked()) return import_plan_unattended(*database, options, state.texts);
+    if (options.identify) return meter_alone(state, ports_of(options), options, database.get());
     if (options.measure) return meter_unattended(state, database.get(), ports_of(options), options);
     QApplication::setStyle(new BusyStyle);
     Program program(state, std::move(database), ports_of(options));
@@ -231,7 +235,9 @@ int run_with_options(int argc, char** argv, const Options& options) {
     if (!options.problem_report.isEmpty() && !options.measure)
         return meter_unattended(state, nullptr, ports_of(options), options);
     // Nothing of them is kept in the database.
-    if (options.sweep || options.peak_span) return meter_alone(state, ports_of(options), options);
+    const bool tables = options.identify && !options.identify->plans;
+    if (options.sweep || options.peak_span || tables)
+        return meter_alone(state, ports_of(options), options);
     if (auto database = find_database(state, options))
         return run_on_database(state, std::move(database), options);
     return platform::times_told_to_end() > 0 ? platform::end_signal_status() : kDatabase;

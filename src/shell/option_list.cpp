@@ -101,6 +101,25 @@ OptionList peak_options() {
     };
 }
 
+/// How it is found out which satellite a dish looks at.
+OptionList identify_options() {
+    return {
+        {"identify",
+         "Find out which satellite the dish looks at without a window and print each question with "
+         "its answer and the verdict, TAB-separated under a line of names. The LNB is a universal "
+         "one; with --oscillator MHZ it has that one alone (5150: C band). Ends with status 1 "
+         "where it is none of the candidates or no satellite. The meter is set back at the end."},
+        {"scan-tables",
+         "With --identify: the candidates are those of the DVB scan tables in DIR (default "
+         "/usr/share/dvb/dvb-s).",
+         "DIR"},
+        {"arc", "With --identify: only those from FROM to TO, such as 10E:30E or 5.5W:20E.",
+         "FROM:TO"},
+        {"candidates-from-plans", "With --identify: the candidates are the plans of the database."},
+        {"circular", "With --identify: the LNB takes circular polarisation."},
+    };
+}
+
 /// How a plan is measured without a window.
 OptionList pass_options() {
     return {
@@ -155,7 +174,7 @@ void add_options(QCommandLineParser& parser) {
         QStringLiteral("Remote control for the M47 TV signal level meter."));
     for (const OptionList& subject :
          {start_options(), measurement_options(), pass_options(), output_options(), sweep_options(),
-          peak_options(), exchange_options()})
+          peak_options(), identify_options(), exchange_options()})
         parser.addOptions(subject);
 }
 

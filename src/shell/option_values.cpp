@@ -7,6 +7,7 @@
 
 #include "antenna_options.h"
 #include "database.h"
+#include "identify_options.h"
 #include "option_words.h"
 #include "peak_options.h"
 #include "plan_name.h"
@@ -162,7 +163,7 @@ QString read_format(const QCommandLineParser& parser, Options& options) {
 /// A name that a script left empty is not the same as none.
 QString check_names(const QCommandLineParser& parser) {
     for (const char* name : {"directory", "log", "plan", "screenshot", "trace", "replay",
-                             "problem-report", "scan-table", "import-database"}) {
+                             "problem-report", "scan-table", "scan-tables", "import-database"}) {
         const QString option = QString::fromLatin1(name);
         if (parser.isSet(option) && parser.value(option).trimmed().isEmpty())
             return QStringLiteral("--%1 takes a name, not an empty one").arg(option);
@@ -250,6 +251,7 @@ QString read_values(const QCommandLineParser& parser, Options& options) {
     if (error.isEmpty()) error = read_ranged_options(parser, options);
     if (error.isEmpty()) error = read_sweep_span(parser, options);
     if (error.isEmpty()) error = read_peak_span(parser, options);
+    if (error.isEmpty()) error = read_identify(parser, options);
     if (error.isEmpty()) error = read_format(parser, options);
     if (error.isEmpty()) error = read_plan_files(parser, options);
     if (error.isEmpty()) error = read_alarms(parser, options.alarms);

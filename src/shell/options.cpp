@@ -3,6 +3,7 @@
 
 #include <QCommandLineParser>
 
+#include "identify_options.h"
 #include "option_list.h"
 #include "option_values.h"
 #include "peak_options.h"
@@ -61,6 +62,9 @@ QString check_sweep(const QCommandLineParser& parser, const Options& options) {
 }
 
 QString check_combination(const QCommandLineParser& parser, const Options& options) {
+    if (options.identify) return check_identify(parser, options);
+    const QString unused = check_without_identify(parser);
+    if (!unused.isEmpty()) return unused;
     if (options.peak_span) return check_peak(parser, options);
     if (options.move_the_dish) return QStringLiteral("--move-the-dish goes with --peak only");
     if (options.sweep) return check_sweep(parser, options);
@@ -68,7 +72,10 @@ QString check_combination(const QCommandLineParser& parser, const Options& optio
         if (parser.isSet(QString::fromLatin1(option)))
             return QStringLiteral("--%1 goes with --sweep only").arg(QLatin1String(option));
     if (options.measure) return check_measurement(parser, options);
-    QString name = first_set(parser, {"oscillator", "lnb", "tone"});
+    if (parser.isSet(QStringLiteral("oscillator")))
+        return QStringLiteral(
+            "--oscillator goes with --measure, --sweep, --peak or --identify only");
+    QString name = first_set(parser, {"lnb", "tone"});
     if (!name.isEmpty())
         return QStringLiteral("--%1 goes with --measure, --sweep or --peak only").arg(name);
     if (parser.isSet(QStringLiteral("freq")))
@@ -95,8 +102,9 @@ QString check_database_work(const QCommandLineParser& parser) {
     if (parser.isSet(QStringLiteral("overwrite")) && work != QLatin1String("export-plan"))
         return QStringLiteral("--overwrite goes with --export-plan only");
     if (work.isEmpty()) return {};
-    for (const char* other : {"measure", "sweep", "peak", "open", "on-port", "port", "corrected",
-                              "trace", "replay", "problem-report", "export-plan", "import-plan"})
+    for (const char* other :
+         {"measure", "sweep", "peak", "identify", "open", "on-port", "port", "corrected", "trace",
+          "replay", "problem-report", "export-plan", "import-plan"})
         if (work != QLatin1String(other) && parser.isSet(QString::fromLatin1(other)))
             return QStringLiteral("--%1 does not go with --%2").arg(work, QLatin1String(other));
     return {};

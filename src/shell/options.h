@@ -6,6 +6,7 @@
 #include <QStringList>
 #include <optional>
 
+#include "candidate_choice.h"
 #include "measurement_output.h"
 #include "sweep_plan.h"
 
@@ -89,13 +90,16 @@ struct Options {
     std::optional<int> peak_span;
     bool move_the_dish = false;  ///< nobody stands at it
 
+    /// Find out which of these satellites the dish looks at; nothing: it is not asked.
+    std::optional<identify::CandidateChoice> identify;
+
     QString import_database;  ///< a file of the old engine to import, empty for none
     PlanFileOption export_plan;
     PlanFileOption import_plan;
 
     /// Nothing is shown and nobody is asked.
     bool unattended() const {
-        return measure || sweep || peak_span || !import_database.isEmpty() || export_plan.asked() ||
+        return measure || sweep || peak_span || identify || !import_database.isEmpty() || export_plan.asked() ||
                import_plan.asked() || !problem_report.isEmpty();
     }
 };

@@ -8,7 +8,8 @@
 
 namespace m47 {
 
-/// The band swept, and a dish brought to its peak, with nobody at the screen, over a real line.
+/// The band swept, a dish brought to its peak and its satellite named, with nobody at the screen,
+/// over a real line.
 class SweepTest : public QObject {
     Q_OBJECT
 
@@ -26,10 +27,20 @@ class SweepTest : public QObject {
     void a_turning_dish_is_told_to_stop();
     void a_dish_under_a_fault_data();
     void a_dish_under_a_fault();
+    void which_satellite_data();
+    void which_satellite();
+    void a_satellite_under_a_fault_data();
+    void a_satellite_under_a_fault();
+    void an_identification_told_to_end();
+    void nothing_to_choose_from();
 
   private:
+    void start_identifications();
+
     std::map<QString, TestStand> stands_;
     std::map<QString, TestStand> dishes_;
+    std::map<QString, TestStand> skies_;
+    QTemporaryDir tables_;
 };
 
 namespace {
@@ -52,6 +63,36 @@ const QStringList kPeakPrepared{"LNB?",    "LNVOLT?", "MEASURE", "LOCOSC 00", "L
                                 "ATTEN 6", "LEVANL?", "LEVANL?"};
 const QStringList kPeakSetBack{"DISEQCMOT 00", "ATTEN 06",  "LOCOSC 00", "FREQ 1000.0",
                                "ATTEN 06",     "LNVOLT 13", "LNB 00"};
+
+/// Two satellites, for an LNB of 10750 MHz; the meter's sky and the program's candidates are of the
+/// same tables.
+void write_tables(const QString& folder) {
+    const auto write = [&](const char* name, double first, double step, const char* polarisation) {
+        QByteArray text;
+        for (double mhz = first; mhz < 12860; mhz += step)
+            text += "[T]\nDELIVERY_SYSTEM = DVBS\nFREQUENCY = " +
+                    QByteArray::number(mhz * 1000, 'f', 0) + "\nPOLARIZATION = " + polarisation +
+                    "\nSYMBOL_RATE = 27500000\nINNER_FEC = 3/4\n";
+        QFile file(folder + u'/' + name);
+        if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size()) qFatal("no table");
+    };
+    write("Alpha-10.0E", 11720, 80, "VERTICAL");
+    write("Beta-20.0E", 11750, 90, "HORIZONTAL");
+}
+
+QStringList sky_of(const QString& tables, const char* point) {
+    return {"--sky",  "orbit", "--sky-tables", tables,      "--point", point,           "--lnb",
+            "single", "--cn",  "12",           "--weather", "0",       "--baud-factor", "1"};
+}
+
+QStringList identifying(const TestStand& stand, const QString& tables) {
+    return sweeping(stand, {"--identify", "--scan-tables", tables, "--oscillator", "10750"});
+}
+
+const QStringList kIdentifyPrepared{"LNB?",      "LNVOLT?", "TONE22K?",   "MEASURE", "LOCOSC 00",
+                                    "LNVOLT 13", "LNB 01",  "TONE22K 00", "ATTEN 6"};
+const QStringList kIdentifySetBack{"LOCOSC 00", "FREQ 1000.0", "ATTEN 06",
+                                   "LNVOLT 13", "LNB 00",      "TONE22K 00"};
 
 /// What the meter answered to each "LEVANL?", as a number.
 QByteArrayList levels_of(const TestStand& stand) {
@@ -86,11 +127,30 @@ void SweepTest::initTestCase() {
                 .first->second;
         stand.remote.start(peaking(stand));
     }
+    start_identifications();
+}
+
+void SweepTest::start_identifications() {
+    write_tables(tables_.path());
+    for (const char* point : {"10.3E", "19.8E", "11.9E", "100E"}) {
+        TestStand& stand = skies_.try_emplace(point, sky_of(tables_.path(), point)).first->second;
+        stand.remote.start(identifying(stand, tables_.path()));
+    }
+    for (const char* fault :
+         {"error", "commanderror", "silence", "garbage", "partial", "late", "asleep", "drop",
+          "unplug", "noecho", "wrongecho", "noise", "badrecord", "trickle", "endless"}) {
+        const QStringList spoilt{"--fault-on", wire::kLevel, "--fault-after",
+                                 "2",          "--fault",    QString(fault) + ":6"};
+        TestStand& stand =
+            skies_.try_emplace(fault, sky_of(tables_.path(), "100E") + spoilt).first->second;
+        stand.remote.start(identifying(stand, tables_.path()));
+    }
 }
 
 void SweepTest::cleanupTestCase() {
     stands_.clear();
     dishes_.clear();
+    skies_.clear();
 }
 
 void SweepTest::every_byte_on_the_wire() {
@@ -282,6 +342,121 @@ void SweepTest::a_dish_under_a_fault() {
     const QStringList sent = stand.meter.commands();
     QCOMPARE(sent.count("DISEQCMOT 08 04 01"), 1);
     if (status == 7) QCOMPARE(sent.mid(sent.size() - 7), kPeakSetBack);
+}
+
+void SweepTest::which_satellite_data() {
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QByteArray>("said");
+    QTest::newRow("10.3E") << 0 << "10.0E" << QByteArray();
+    QTest::newRow("19.8E") << 0 << "20.0E" << QByteArray();
+    QTest::newRow("11.9E") << 1 << "none of these"
+                           << QByteArray("m47-remote: None of these satellites, certainty ");
+    QTest::newRow("100E") << 1 << "no satellite"
+                          << QByteArray("m47-remote: No satellite: nothing but noise, certainty ");
+}
+
+/// Each question is a row with what the meter answered, behind them stands the verdict, and the
+/// meter is as it was.
+void SweepTest::which_satellite() {
+    QFETCH(int, status);
+    QFETCH(QString, name);
+    QFETCH(QByteArray, said);
+    TestStand& stand = skies_.at(QTest::currentDataTag());
+    const Ending ending = stand.remote.wait();
+    QVERIFY2(said.isEmpty() ? ending.err.isEmpty() : ending.err.startsWith(said), ending.err);
+    QVERIFY(ending.err.count('\n') <= 1);
+    QCOMPARE(ending.status, status);
+    const QList<QStringList> rows = rows_of(ending.out);
+    QCOMPARE(rows[0].size(), 18);
+    QCOMPARE(rows.constLast()[0], QString("verdict"));
+    QCOMPARE(rows.constLast()[12], name);
+    QVERIFY(rows.constLast()[14].toDouble() > 0.5);
+    const QByteArrayList answered = levels_of(stand);
+    qsizetype level = 0;
+    bool locked = false;
+    for (const QStringList& row : rows) {
+        QCOMPARE(row.size(), 18);
+        if (row[0] == "level") QCOMPARE(row[6].toDouble(), answered[level++].toDouble());
+        locked = locked || row[9] == "yes";
+    }
+    QCOMPARE(level, answered.size());
+    const QStringList sent = stand.meter.commands();
+    const QStringList begin = kIdentification + kNoted + kIdentifyPrepared;
+    QCOMPARE(sent.mid(0, begin.size()), begin);
+    const bool tried = sent.contains("BERQPSK");
+    QVERIFY(locked == (status == 0));
+    const QStringList end = kIdentifySetBack + QStringList(tried ? 1 : 0, "SYMBRATEQPSK 27500");
+    QCOMPARE(sent.mid(sent.size() - end.size()), end);
+}
+
+void SweepTest::a_satellite_under_a_fault_data() {
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QByteArray>("said");
+    const QString lost =
+        "m47-remote: The link to the meter was lost at %1 answers, which stay, before it was clear "
+        "which satellite this is. Not set back: local oscillator, tuned frequency, attenuator, LNB "
+        "supply, 22 kHz tone.\n";
+    for (const char* fault : {"error", "commanderror", "silence", "garbage", "partial", "asleep",
+                              "drop", "trickle", "endless"})
+        QTest::newRow(fault) << 3 << lost.arg(2).toUtf8();
+    // It goes behind a good answer.
+    QTest::newRow("unplug") << 3 << lost.arg(3).toUtf8();
+    // What is spoilt is asked again, or left out: it is clear all the same.
+    for (const char* fault : {"noecho", "wrongecho", "noise", "late", "badrecord"})
+        QTest::newRow(fault) << 1 << QByteArray();
+}
+
+/// Six answers behind the second level are spoilt: what came before stands, and it ends in one
+/// sentence, with the meter as it was or with what is not.
+void SweepTest::a_satellite_under_a_fault() {
+    QFETCH(int, status);
+    QFETCH(QByteArray, said);
+    TestStand& stand = skies_.at(QTest::currentDataTag());
+    const Ending ending = stand.remote.wait();
+    if (said.isEmpty())
+        QVERIFY2(ending.err.startsWith("m47-remote: No satellite"), ending.err);
+    else
+        QCOMPARE(ending.err, said);
+    QCOMPARE(ending.err.count('\n'), 1);
+    QCOMPARE(ending.status, status);
+    const QList<QStringList> rows = rows_of(ending.out);
+    QVERIFY(rows.size() >= 3);
+    for (int k : {1, 2}) QVERIFY(rows[k][6].toDouble() > 20);
+    if (status != 1) return;
+    QCOMPARE(rows.constLast()[12], QString("no satellite"));
+    const QStringList sent = stand.meter.commands();
+    QCOMPARE(sent.mid(sent.size() - kIdentifySetBack.size()), kIdentifySetBack);
+}
+
+/// What was found stands, and the meter is as it was before.
+void SweepTest::an_identification_told_to_end() {
+    TestStand stand(sky_of(tables_.path(), "10.3E"));
+    stand.remote.start(identifying(stand, tables_.path()));
+    QVERIFY(stand.remote.wait_for_lines(4));
+    stand.remote.send_signal(SIGINT);
+    const Ending ending = stand.remote.wait();
+    QCOMPARE(ending.status, 7);
+    QVERIFY2(ending.err.startsWith("m47-remote: Stopped at "), ending.err);
+    QCOMPARE(ending.err.count('\n'), 1);
+    const QStringList sent = stand.meter.commands();
+    QCOMPARE(sent.mid(sent.size() - kIdentifySetBack.size()), kIdentifySetBack);
+}
+
+void SweepTest::nothing_to_choose_from() {
+    EmptyStand stand;
+    const Ending ending = stand.remote.run(
+        {"--on-port", "1", "--identify", "--scan-tables", "/nowhere", "--arc", "10E:20E"});
+    QCOMPARE(ending.status, 2);
+    QCOMPARE(ending.out, QByteArray());
+    QVERIFY2(ending.err.contains("/nowhere") && ending.err.count('\n') == 1, ending.err);
+    const Ending plans = stand.remote.run(
+        {"--create-database", "--measure", "--on-port", "1", "--port", "1=/dev/no-such-meter"});
+    QCOMPARE(plans.status, 3);
+    const Ending none =
+        stand.remote.run({"--on-port", "1", "--identify", "--candidates-from-plans"});
+    QCOMPARE(none.status, 4);
+    QVERIFY2(none.err.contains("No plan has a digital program"), none.err);
 }
 
 }  // namespace m47

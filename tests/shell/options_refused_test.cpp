@@ -119,6 +119,29 @@ void OptionsTest::wrong_data() {
             all += option == QLatin1String("--sweep") ? "920:2150" : "2000";
         row((QByteArray("peak and ") + option).constData(), all, option);
     }
+    row("identification without port", {"--identify"}, "--identify needs --on-port");
+    for (const char* part : {"", "10E", "10:30", "10E:30E:1E", "10E:190E", "10.25E:20E", "E:W"})
+        row(part, {"--on-port", "1", "--identify", "--arc", part}, "--arc takes two places");
+    row("empty tables", {"--on-port", "1", "--identify", "--scan-tables", " "},
+        "--scan-tables takes a name");
+    for (const char* option : {"--scan-tables", "--arc"})
+        row(option, {"--on-port", "1", "--identify", "--candidates-from-plans", option, "1E:2E"},
+            "does not go with --candidates-from-plans");
+    for (const char* option : {"--candidates-from-plans", "--circular"})
+        row(option, measuring({option}), "goes with --identify only");
+    row("part of nothing", measuring({"--arc", "1E:2E"}), "--arc goes with --identify only");
+    row("tables of nothing", {"--scan-tables", "x"}, "--scan-tables goes with --identify only");
+    for (const char* option : {"--measure", "--sweep", "--peak", "--lnb", "--freq", "--plan",
+                               "--diseqc", "--open", "--log", "--create-database"}) {
+        QStringList all{"--on-port", "1", "--identify", option};
+        if (option == QLatin1String("--sweep")) all += "920:2150";
+        if (option == QLatin1String("--peak")) all += "5";
+        if (option == QLatin1String("--lnb")) all += "13";
+        if (option == QLatin1String("--freq") || option == QLatin1String("--diseqc")) all += "1000";
+        if (option == QLatin1String("--plan") || option == QLatin1String("--log")) all += "x";
+        if (option == QLatin1String("--open")) all += "realtime";
+        row((QByteArray("identification and ") + option).constData(), all, option);
+    }
     row("supply of nothing", {"--lnb", "13"}, "--lnb goes with --measure, --sweep or --peak");
     row("bandwidth of an analog row", measuring({"--analog", "--bandwidth", "27"}), "--bandwidth");
     row("rate of an analog row", measuring({"--analog", "--symbol-rate", "22000"}),

@@ -60,6 +60,27 @@ void OptionsTest::peaks() {
     QVERIFY(!parse_options({"--on-port", "1"}).peak_span);
 }
 
+void OptionsTest::identifications() {
+    const Options usual = parse_options({"--on-port", "1", "--identify", "--trace", "t"});
+    QCOMPARE(usual.error, QString());
+    QVERIFY(usual.unattended() && usual.identify && !usual.identify->plans);
+    QVERIFY(!usual.identify->part && usual.identify->lnb.states() == 4);
+    QCOMPARE(usual.identify->folder, QString("/usr/share/dvb/dvb-s"));
+    const Options other =
+        parse_options({"--on-port", "1", "--identify", "--scan-tables", "here", "--arc", "5.5w:20E",
+                       "--oscillator", "5150", "--circular"});
+    QCOMPARE(other.error, QString());
+    QCOMPARE(other.identify->folder, QString("here"));
+    QCOMPARE(other.identify->part->one, -5.5);
+    QCOMPARE(other.identify->part->other, 20.0);
+    QCOMPARE(other.identify->lnb.states(), 2);
+    QCOMPARE(other.identify->lnb.oscillator, 5150.0);
+    QVERIFY(other.identify->lnb.circular);
+    QVERIFY(
+        parse_options({"--on-port", "1", "--identify", "--candidates-from-plans"}).identify->plans);
+    QVERIFY(!parse_options({"--on-port", "1"}).identify);
+}
+
 void OptionsTest::window_options() {
     const Options options =
         parse_options({"--directory", "some where", "--create-database", "--on-port", "10",

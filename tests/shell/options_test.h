@@ -43,6 +43,7 @@ class OptionsTest : public QObject {
     void help_names_every_option();
     void sweeps();
     void peaks();
+    void identifications();
 };
 
 }  // namespace m47::shell

@@ -89,6 +89,7 @@ IdentificationEnd IdentificationRun::run() {
     if (sky_.lost()) link_.send(link::command::kMeasure);
     try {
         while (const std::optional<Question> question = next()) {
+            if (cancelled && cancelled()) throw Interrupted();
             const Said doing = doing_of(*question, asked_.size() + 1);
             work.doing(doing.words, doing.values);
             ask(*question);

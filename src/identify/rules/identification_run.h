@@ -43,6 +43,8 @@ class IdentificationRun {
     /// `candidates` as `lnb` receives them, at least one.
     IdentificationRun(link::Link& link, const Lnb& lnb, std::vector<Candidate> candidates);
 
+    /// Asked before each question of run(); true ends it as stopped.
+    std::function<bool()> cancelled;
     /// Told of each question before it is asked, and again with its answer. Both may call what is
     /// const here.
     std::function<void(const Asked& asked)> on_question;
