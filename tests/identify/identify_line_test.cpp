@@ -149,6 +149,7 @@ class IdentifyLineTest : public QObject {
         const IdentificationEnd end = run.run();
         QCOMPARE(end.verdict->kind, Verdict::Kind::none_of_these);
         QVERIFY(said(end, run).startsWith("None of these satellites, certainty "));
+        QVERIFY(said(end, run).contains("the most probable of them would be "));
         const MeterInProcess blank(line.port, 5, {tables_.folder(), 100, 5});
         IdentificationRun blank_run(line.link, Lnb::universal(), tables_.candidates());
         const IdentificationEnd nothing = blank_run.run();
@@ -398,6 +399,33 @@ class IdentifyLineTest : public QObject {
         QCOMPARE(carriers[1].polarisation, 'H');
         // An LNB of one oscillator knows no tone.
         QCOMPARE(candidates_of_plans({plan}, Lnb::single(10600))[0].carriers[0].state, 0);
+    }
+
+    void plans_are_read_from_the_database() {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("plans"));
+        db::DatabaseError error{};
+        QVERIFY(db::Database::create(path, error));
+        const auto database = db::Database::open(path, error);
+        QVERIFY(candidates_of({.plans = true}, database.get()).empty());
+        programme::ProgramRecord program = programme::read_program(database->programmi());
+        program.frequenza = "11778";
+        program.sat_ad = true;
+        program.qpsk_symbolrate = "27500";
+        program.lnb_volt = 2;
+        program.K22 = 1;
+        database->programmi().edit();
+        programme::write_program(database->programmi(), program);
+        database->programmi().update();
+        database->configurazione().edit();
+        programme::write_oscillator(database->configurazione(), 0, "10600");
+        database->configurazione().update();
+        const auto found = candidates_of({.plans = true}, database.get());
+        QCOMPARE(found.size(), std::size_t{1});
+        QCOMPARE(found[0].name, QString("PLAN 1"));
+        QCOMPARE(found[0].carriers.size(), std::size_t{1});
+        QCOMPARE(found[0].carriers[0].state, 3);
+        QCOMPARE(found[0].carriers[0].if_mhz, 1178.0);
     }
 
     void without_candidates_it_says_what_helps() {

@@ -15,8 +15,9 @@ constexpr Bilingual kNothing{"no satellite", "nessun satellite"};
 constexpr Bilingual kNamed{"This is %1, certainty %2.", "Questo è %1, certezza %2."};
 constexpr Bilingual kNamedBefore{"This is %1, certainty %2; runner-up %3, %4.",
                                  "Questo è %1, certezza %2; secondo %3, %4."};
-constexpr Bilingual kNoneOfThese{"None of these satellites, certainty %1.",
-                                 "Nessuno di questi satelliti, certezza %1."};
+constexpr Bilingual kNoneOfThese{
+    "None of these satellites, certainty %1; the most probable of them would be %2.",
+    "Nessuno di questi satelliti, certezza %1; il più probabile di essi sarebbe %2."};
 constexpr Bilingual kNoSatellite{"No satellite: nothing but noise, certainty %1.",
                                  "Nessun satellite: solo rumore, certezza %1."};
 
@@ -80,7 +81,9 @@ QString verdict_text(const Verdict& verdict, const std::vector<Candidate>& candi
         case Verdict::Kind::candidate:
             return named_text(verdict, candidates, texts);
         case Verdict::Kind::none_of_these:
-            return texts.pick(kNoneOfThese).arg(percent_text(verdict.certainty));
+            return texts.pick(kNoneOfThese)
+                .arg(percent_text(verdict.certainty),
+                     candidate_text(candidates[verdict.candidate]));
         case Verdict::Kind::no_satellite:
             break;
     }
