@@ -54,6 +54,11 @@ class Tables {
         return candidates_of({.folder = folder()}, nullptr);
     }
 
+    /// Of two of them, which is quicker.
+    std::vector<Candidate> few() const {
+        return candidates_of({.folder = folder(), .part = ArcPart{10, 20}}, nullptr);
+    }
+
   private:
     QTemporaryDir folder_;
 };
@@ -88,12 +93,28 @@ class IdentifyLineTest : public QObject {
 
     Tables tables_;
 
+    static void check_bytes(const QStringList& sent) {
+        QCOMPARE(sent.mid(0, 13), kNoted + kPrepared);
+        QVERIFY(sent[13].startsWith("FREQ 0") && sent[14] == "LEVANL?");
+        QCOMPARE(sent.mid(sent.size() - 7), kSetBack + QStringList(kRateBack));
+        // What the LNB has already is not sent again, nor is the supply switched on twice.
+        QCOMPARE(sent.count("LNB 01"), 1);
+        QCOMPARE(sent.count("LNVOLT?"), 1);
+        const qsizetype other = sent.indexOf("LNVOLT 18");
+        QVERIFY(sent[other - 1] == "LEVANL?" && sent[other + 1].startsWith("FREQ "));
+        const qsizetype lock = sent.indexOf("BERQPSK");
+        QVERIFY(lock > 0);
+        QVERIFY(sent[lock - 3].startsWith("FREQ "));
+        QCOMPARE(sent.mid(lock - 2, 2), QStringList({kRateBack, "ATTEN 00"}));
+        QCOMPARE(sent.mid(lock + 1, 2), QStringList({"BERQPSK?", "MEASURE"}));
+    }
+
   private Q_SLOTS:
     void a_satellite_is_named_over_the_line() {
         Line line;
         const MeterInProcess meter(line.port, 3, {tables_.folder(), 20.4, 3});
         const QByteArray before = meter.kept();
-        IdentificationRun run(line.link, Lnb::universal(), tables_.candidates());
+        IdentificationRun run(line.link, Lnb::universal(), tables_.few());
         int questions = 0;
         run.on_question = [&](const Asked& asked) {
             ++questions;
@@ -116,34 +137,13 @@ class IdentifyLineTest : public QObject {
         QVERIFY(!line.link.activity.working());
         QVERIFY2(said(end, run).startsWith("This is 20.0E (Beta), certainty 9"),
                  qPrintable(said(end, run)));
-    }
-
-    void the_bytes_of_the_first_and_the_last() {
-        Line line;
-        const MeterInProcess meter(line.port, 3, {tables_.folder(), 20.4, 3});
-        QVERIFY(IdentificationRun(line.link, Lnb::universal(), tables_.candidates())
-                    .run()
-                    .verdict.has_value());
-        const QStringList sent = line.port.take_commands();
-        QCOMPARE(sent.mid(0, 13), kNoted + kPrepared);
-        QVERIFY(sent[13].startsWith("FREQ 0") && sent[14] == "LEVANL?");
-        QCOMPARE(sent.mid(sent.size() - 7), kSetBack + QStringList(kRateBack));
-        // What the LNB has already is not sent again, nor is the supply switched on twice.
-        QCOMPARE(sent.count("LNB 01"), 1);
-        QCOMPARE(sent.count("LNVOLT?"), 1);
-        const qsizetype other = sent.indexOf("LNVOLT 18");
-        QVERIFY(sent[other - 1] == "LEVANL?" && sent[other + 1].startsWith("FREQ "));
-        const qsizetype lock = sent.indexOf("BERQPSK");
-        QVERIFY(lock > 0);
-        QVERIFY(sent[lock - 3].startsWith("FREQ "));
-        QCOMPARE(sent.mid(lock - 2, 2), QStringList({kRateBack, "ATTEN 00"}));
-        QCOMPARE(sent.mid(lock + 1, 2), QStringList({"BERQPSK?", "MEASURE"}));
+        check_bytes(line.port.take_commands());
     }
 
     void what_no_candidate_is_and_an_empty_sky() {
         Line line;
         const MeterInProcess meter(line.port, 5, {tables_.folder(), 20.2, 5});
-        std::vector<Candidate> others = tables_.candidates();
+        std::vector<Candidate> others = tables_.few();
         std::erase_if(others, [](const Candidate& one) { return one.name == "20.0E"; });
         IdentificationRun run(line.link, Lnb::universal(), others);
         const IdentificationEnd end = run.run();
@@ -151,7 +151,7 @@ class IdentifyLineTest : public QObject {
         QVERIFY(said(end, run).startsWith("None of these satellites, certainty "));
         QVERIFY(said(end, run).contains("the most probable of them would be "));
         const MeterInProcess blank(line.port, 5, {tables_.folder(), 100, 5});
-        IdentificationRun blank_run(line.link, Lnb::universal(), tables_.candidates());
+        IdentificationRun blank_run(line.link, Lnb::universal(), tables_.few());
         const IdentificationEnd nothing = blank_run.run();
         QCOMPARE(nothing.verdict->kind, Verdict::Kind::no_satellite);
         QVERIFY(said(nothing, blank_run).startsWith("No satellite: nothing but noise"));
@@ -173,7 +173,7 @@ class IdentifyLineTest : public QObject {
         const QByteArray before = meter.kept();
         bool told = false;
         line.link.interrupted = [&] { return told; };
-        IdentificationRun run(line.link, Lnb::universal(), tables_.candidates());
+        IdentificationRun run(line.link, Lnb::universal(), tables_.few());
         int answers = 0;
         run.on_answer = [&](const Asked&) {
             if (++answers == at) program_ends ? void(told = true) : line.link.activity.stop();
@@ -199,7 +199,7 @@ class IdentifyLineTest : public QObject {
         meter.on_command = [&](const QByteArray& command, const QString&) {
             told = told || command == "BERQPSK";
         };
-        IdentificationRun run(line.link, Lnb::universal(), tables_.candidates());
+        IdentificationRun run(line.link, Lnb::universal(), tables_.few());
         const double begin = line.clock.elapsed();
         const IdentificationEnd end = run.run();
         QVERIFY(end.stopped && end.not_set_back.empty());
@@ -212,7 +212,7 @@ class IdentifyLineTest : public QObject {
     void a_lost_link_is_told_with_what_is_not_set_back() {
         Line line;
         const MeterInProcess meter(line.port, 3, {tables_.folder(), 20.4, 3});
-        IdentificationRun run(line.link, Lnb::universal(), tables_.candidates());
+        IdentificationRun run(line.link, Lnb::universal(), tables_.few());
         int answers = 0;
         run.on_answer = [&](const Asked&) {
             if (++answers == 30) line.port.vanish_in(0);
@@ -225,7 +225,7 @@ class IdentifyLineTest : public QObject {
                          "clear which satellite this is. Not set back: local oscillator, tuned "
                          "frequency, attenuator, LNB supply, 22 kHz tone."));
         // Nobody is asked where nobody answers.
-        IdentificationRun again(line.link, Lnb::universal(), tables_.candidates());
+        IdentificationRun again(line.link, Lnb::universal(), tables_.few());
         QCOMPARE(said(again.run(), again), QString("Nothing was asked: no meter answers."));
     }
 
@@ -306,15 +306,15 @@ class IdentifyLineTest : public QObject {
         QSet<QString> kinds;
         QSet<QString> sentences;
         int clear = 0;
-        for (quint64 seed = 1; seed <= 16; ++seed) {
+        for (quint64 seed = 1; seed <= 32; ++seed) {
             Line line;
             MeterInProcess meter(line.port, seed, {tables_.folder(), 20.2, 3});
             const QByteArray before = meter.kept();
-            meter.bad_in = seed % 4 == 0 ? 400 : 60;
+            meter.bad_in = seed % 8 == 0 ? 600 : 12;
             meter.on_command = [&](const QByteArray&, const QString& kind) {
                 if (!kind.isEmpty()) kinds += kind;
             };
-            IdentificationRun run(line.link, Lnb::universal(), tables_.candidates());
+            IdentificationRun run(line.link, Lnb::universal(), tables_.few());
             const IdentificationEnd end = run.run();
             clear += end.verdict.has_value();
             if (end.verdict && end.verdict->kind == Verdict::Kind::candidate)
@@ -324,7 +324,7 @@ class IdentifyLineTest : public QObject {
             sentences += said(end, run).left(12);
         }
         QVERIFY2(kinds.size() > 8, qPrintable(QString::number(kinds.size())));
-        QVERIFY2(clear >= 5, qPrintable(QString::number(clear)));
+        QVERIFY2(clear >= 3, qPrintable(QString::number(clear)));
         QVERIFY2(sentences.size() >= 2, qPrintable(QStringList(sentences.values()).join('\n')));
     }
 
@@ -333,7 +333,7 @@ class IdentifyLineTest : public QObject {
         line.port.answer = [](const QByteArray& command) {
             return FakePort::good(command, command == "LEVANL?" ? "  5x.9" : QByteArray());
         };
-        IdentificationRun run(line.link, Lnb::universal(), tables_.candidates());
+        IdentificationRun run(line.link, Lnb::universal(), tables_.few());
         const IdentificationEnd end = run.run();
         QVERIFY(!end.verdict && !end.lost && !end.stopped);
         QCOMPARE(run.asked().size(), std::size_t{5});

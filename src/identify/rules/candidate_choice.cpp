@@ -37,7 +37,7 @@ constexpr Bilingual kNoPlans{
 std::optional<double> intermediate_of(const programme::ProgramRecord& program,
                                       const programme::Oscillators& oscillators) {
     const double mhz = link::typed_value(program.frequenza);
-    const QString oscillator = oscillators[programme::oscillator_entry(program)];
+    const QString& oscillator = oscillators[programme::oscillator_entry(program)];
     if (!program.loc_osc && oscillator.isEmpty()) return std::nullopt;
     const double at = program.loc_osc ? mhz : std::abs(mhz - link::typed_value(oscillator));
     if (at < kLowestIf || at > kHighestIf) return std::nullopt;
