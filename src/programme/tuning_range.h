@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <array>
+
 namespace m47::programme {
 
 /// The frequencies in MHz that the meter can tune, both ends included.
@@ -17,6 +19,9 @@ TuningRange tuning_range(bool direct, double oscillator);
 /// `frequency` brought into `range`; a value of exactly 0 that the range allows becomes its upper
 /// end, since 0 means that nothing was entered.
 double inside_range(double frequency, const TuningRange& range);
+
+/// The supplies of an LNB in volts, 0 without, in the order in which they are chosen.
+inline constexpr std::array kSupplyVolts{0, 13, 15, 18, 24};
 
 /// The QPSK symbol rates that the meter can be set to, in kS/s.
 inline constexpr double kSymbolRateMinimum = 1500;

@@ -53,6 +53,7 @@ bool BusyPump::eventFilter(QObject* watched, QEvent* event) {
     // A timer, since timers rest until the running handler has ended.
     if (closing_.isEmpty()) startTimer(0);
     if (!closing_.contains(window)) closing_.append(window);
+    if (on_close_put_off) on_close_put_off();
     return true;
 }
 

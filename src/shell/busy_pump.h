@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <functional>
+
 #include <QElapsedTimer>
 #include <QList>
 #include <QObject>
@@ -26,6 +28,8 @@ class BusyPump : public QObject {
     void pump();
     /// True inside pump(): what arrives now must not start anything.
     bool pumping() const { return pumping_; }
+    /// Told of a window that was told to close and does so only later.
+    std::function<void()> on_close_put_off;
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 

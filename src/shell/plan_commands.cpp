@@ -23,12 +23,9 @@ std::optional<plans::ImportFile> read_plan_file(const QString& path) {
     const platform::FileReading reading = platform::read_plain_file(path, plans::kLargestPlanFile);
     QString complaint;
     plans::ImportFile file;
-    if (reading.fault == platform::FileFault::too_long)
-        complaint = QStringLiteral("it is longer than 1 MiB, which no plan is");
-    else if (reading.fault == platform::FileFault::not_plain)
-        complaint = QStringLiteral("not a plain file");
-    else if (reading.fault != platform::FileFault::none)
-        complaint = reading.reason;
+    if (reading.fault != platform::FileFault::none)
+        complaint =
+            why_not_read(reading, QStringLiteral("it is longer than 1 MiB, which no plan is"));
     else if (file = plans::parse_import_file(reading.bytes, unit_offset(kDbuv)); !file.understood)
         complaint = QStringLiteral("it is neither a plan nor a DVB scan table");
     if (complaint.isEmpty()) return file;

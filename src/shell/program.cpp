@@ -26,6 +26,8 @@ constexpr std::chrono::seconds kDeviceWatchInterval{1};
 /// Timers rest while a handler waits for the meter.
 constexpr std::chrono::milliseconds kOnceFree{1};
 
+constexpr Bilingual kClosesLater{"It closes when the meter has been asked: [Stop] ends that now.",
+                                 "Si chiude al termine: [Ferma] termina subito."};
 constexpr Bilingual kStopped{"Stopped: %1.", "Fermato: %1."};
 
 constexpr Bilingual kDeviceIsBack{
@@ -122,6 +124,7 @@ std::optional<Said> Program::left_off() const {
 Program::~Program() {
     link().on_unsent = nullptr;
     link().on_refused = nullptr;
+    window_.status().busy().on_close_put_off = nullptr;
     link().activity.on_change = nullptr;
     link().activity.on_stopped = nullptr;
     tell_faults_in(nullptr);
@@ -154,7 +157,11 @@ void Program::connect_activity() {
     link::Activity& activity = link().activity;
     activity.on_change = [this, &activity] { window_.show_activity(activity); };
     activity.on_stopped = [this](const Said& how_far) {
-        window_.show_notice(Said{kStopped, {how_far.in(state_.texts)}}.in(state_.texts));
+        window_.show_remark(Said{kStopped, {how_far.in(state_.texts)}}.in(state_.texts));
+    };
+    window_.status().busy().on_close_put_off = [this, &activity] {
+        if (activity.ends_with_window()) return activity.stop();
+        window_.show_remark(state_.texts.pick(kClosesLater));
     };
     on(&window_, &M47MDI::stop_asked, &window_, "activity_stop_Click",
        [this] { activity_stop_Click(); });

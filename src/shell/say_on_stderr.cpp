@@ -35,4 +35,10 @@ void listen_to_messages() {
     g_toolkit_messages = qInstallMessageHandler(pass_message);
 }
 
+QString why_not_read(const platform::FileReading& reading, const QString& too_long) {
+    if (reading.fault == platform::FileFault::too_long) return too_long;
+    if (reading.fault == platform::FileFault::not_plain) return QStringLiteral("not a plain file");
+    return reading.reason;
+}
+
 }  // namespace m47::shell

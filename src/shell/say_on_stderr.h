@@ -3,6 +3,8 @@
 
 #include <QString>
 
+#include "plain_file.h"
+
 namespace m47::shell {
 
 /// Who tells something on stderr, named as logging categories are.
@@ -23,5 +25,8 @@ void say_of_run(const QString& text);
 
 /// From now on what the toolkit and its logging categories have to say is kept as well.
 void listen_to_messages();
+
+/// Why a file could not be read, in English; `too_long` where it is that.
+QString why_not_read(const platform::FileReading& reading, const QString& too_long);
 
 }  // namespace m47::shell

@@ -3,6 +3,7 @@
 
 #include <QString>
 
+#include "meter_connection.h"
 #include "meter_levels.h"
 #include "options.h"
 #include "texts.h"
@@ -15,5 +16,9 @@ band::Feed feed_of(const AntennaOptions& antenna);
 /// Sets the meter back as `levels` found it. One sentence about what is not as it was; empty where
 /// all is.
 QString set_meter_back(band::MeterLevels& levels, const Texts& texts);
+
+/// What holds for each run that sets the meter back at its end: it speaks English, a signal ends
+/// it, a second one breaks it off, and it says which command the meter refuses.
+void begin_run(Texts& texts, MeterConnection& connection);
 
 }  // namespace m47::shell

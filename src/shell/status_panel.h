@@ -35,6 +35,7 @@ class StatusPanel : public QFrame, public link::LinkView {
     void pump() override;
     /// True while the windows are pumped: nothing may be started then.
     bool pumping() const { return pump_.pumping(); }
+    BusyPump& busy() { return pump_; }
 
   private:
     void show_state(const QString& text, bool connected);

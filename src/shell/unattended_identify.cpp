@@ -7,6 +7,7 @@
 #include "line_recording.h"
 #include "row_output.h"
 #include "say_on_stderr.h"
+#include "set_back.h"
 #include "standard_streams.h"
 #include "unattended.h"
 
@@ -64,9 +65,7 @@ int status_of(const IdentifyingRun& run) {
 
 int run_identification(Texts& texts, MeterConnection& connection, const Options& options,
                        const db::Database* database) {
-    texts.language = kEnglish;
-    connection.link().interrupted = [] { return platform::times_told_to_end() > 0; };
-    connection.link().cut_off = [] { return platform::times_told_to_end() > 1; };
+    begin_run(texts, connection);
     const identify::CandidateChoice& choice = *options.identify;
     std::vector<identify::Candidate> candidates = candidates_of(choice, database);
     if (candidates.empty()) {

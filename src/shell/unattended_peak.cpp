@@ -93,9 +93,7 @@ int status_of(const PeakedRun& run) {
 }  // namespace
 
 int run_peak(Texts& texts, MeterConnection& connection, const Options& options) {
-    texts.language = kEnglish;
-    connection.link().interrupted = [] { return platform::times_told_to_end() > 0; };
-    connection.link().cut_off = [] { return platform::times_told_to_end() > 1; };
+    begin_run(texts, connection);
     PeakedRun run{texts, connection, options};
     run.recording.on_lost = say_of_run;
     if (!options.trace.isEmpty()) run.recording.start(options.trace);

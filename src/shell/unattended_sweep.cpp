@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "unattended_sweep.h"
 
-#include <QFile>
-
 #include "carrier_names.h"
 #include "end_signals.h"
 #include "fault.h"
 #include "line_recording.h"
 #include "meter_levels.h"
+#include "plain_file.h"
 #include "row_output.h"
 #include "say_on_stderr.h"
 #include "set_back.h"
@@ -47,15 +46,13 @@ band::SweepTerms terms_of(const AntennaOptions& antenna) {
 bool read_scan_table(SweepRun& run) {
     const QString& name = run.options.scan_table;
     if (name.isEmpty()) return true;
-    QFile file(name);
-    const bool good = file.open(QIODevice::ReadOnly);
-    const QByteArray bytes = good ? file.read(kLongestScanTable) : QByteArray();
-    if (!good || file.error() != QFile::NoError) {
-        say_of_run(
-            QStringLiteral("cannot read the scan table %1: %2").arg(name, file.errorString()));
+    const platform::FileReading table = platform::read_plain_file(name, kLongestScanTable);
+    if (table.fault != platform::FileFault::none) {
+        say_of_run(QStringLiteral("cannot read the scan table %1: %2")
+                       .arg(name, why_not_read(table, QStringLiteral("it is too long"))));
         return false;
     }
-    run.listed = band::listed_transponders(QString::fromUtf8(bytes));
+    run.listed = band::listed_transponders(QString::fromUtf8(table.bytes));
     if (!run.listed.empty()) return true;
     say_of_run(QStringLiteral("the scan table %1 lists no transponder").arg(name));
     return false;
@@ -124,9 +121,7 @@ int status_of(SweepRun& run) {
 }  // namespace
 
 int run_sweep(Texts& texts, MeterConnection& connection, const Options& options) {
-    texts.language = kEnglish;
-    connection.link().interrupted = [] { return platform::times_told_to_end() > 0; };
-    connection.link().cut_off = [] { return platform::times_told_to_end() > 1; };
+    begin_run(texts, connection);
     SweepRun run{texts, connection, options};
     run.recording.on_lost = say_of_run;
     if (!options.trace.isEmpty()) run.recording.start(options.trace);

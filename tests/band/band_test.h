@@ -45,6 +45,9 @@ class BandTest : public QObject {
     void what_the_meter_does_not_tell_is_not_set_back();
     void a_sweep_that_is_stopped_leaves_the_meter_in_order();
     void a_lost_link_ends_a_sweep();
+    void a_meter_that_refuses_is_set_back_all_the_same();
+    void what_is_refused_in_setting_back_keeps_nothing_else_from_it();
+    void what_was_never_changed_is_not_named();
     void a_frequency_that_is_not_taken_has_no_level();
     void a_doubtful_level_is_asked_again();
     void a_sweep_of_the_simulated_sky_finds_its_carriers();

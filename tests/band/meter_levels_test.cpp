@@ -139,6 +139,52 @@ void BandTest::a_lost_link_ends_a_sweep() {
     QCOMPARE(meter.port.take_commands(), QStringList());
 }
 
+/// A meter that refuses a command has not gone: it is not left fed and at another frequency.
+void BandTest::a_meter_that_refuses_is_set_back_all_the_same() {
+    for (const QByteArray refused : {"FREQ 1005.0", "LNVOLT 18"}) {
+        Scripted meter;
+        meter.port.answer = [&meter, refused](const QByteArray& command) {
+            return command == refused ? (command + "\rERROR\r")
+                                      : FakePort::good(command, meter.values[command]);
+        };
+        QVERIFY(meter.sweep(kThree, {18, true}) < 3);
+        QVERIFY(meter.levels.lost());
+        meter.port.take_commands();
+        QVERIFY(meter.levels.set_back().empty());
+        QCOMPARE(meter.port.take_commands(), QStringList({"LOCOSC 2 A", "FREQ 11778", "ATTEN 03",
+                                                          "LNVOLT 15", "LNB 01", "TONE22K 00"}));
+        // All else goes by what the link has shown.
+        QVERIFY(meter.levels.lost());
+        QVERIFY(!meter.link.send("MEASURE"));
+    }
+}
+
+void BandTest::what_is_refused_in_setting_back_keeps_nothing_else_from_it() {
+    Scripted meter;
+    meter.sweep(kThree, {18, {}});
+    meter.port.take_commands();
+    meter.port.answer = [&meter](const QByteArray& command) {
+        return command == "FREQ 11778" ? (command + "\rERROR\r")
+                                       : FakePort::good(command, meter.values[command]);
+    };
+    QCOMPARE(names_in(meter.levels.set_back(), Texts()), QString("tuned frequency"));
+    const QString again("FREQ 11778");
+    QCOMPARE(meter.port.take_commands(), QStringList({"LOCOSC 2 A", again, again, again,
+                                                      "ATTEN 03", "LNVOLT 15", "LNB 01"}));
+    QVERIFY(meter.levels.lost());
+}
+
+void BandTest::what_was_never_changed_is_not_named() {
+    Scripted meter;
+    meter.port.answer = [&meter](const QByteArray& command) {
+        return command == "LOCOSC?" ? (command + "\rERROR\r")
+                                    : FakePort::good(command, meter.values[command]);
+    };
+    meter.sweep(kThree, {18, true});
+    QVERIFY(meter.levels.set_back().empty());
+    QVERIFY(!meter.port.take_commands().contains("FREQ 11778"));
+}
+
 void BandTest::a_frequency_that_is_not_taken_has_no_level() {
     Scripted meter;
     meter.values["FREQ 1005.0"] = "Invalid Parameter(s)";

@@ -231,6 +231,21 @@ class HandlerTest : public QObject {
         QCOMPARE(told.size(), 3);
     }
 
+    /// All of the toolkit's events run trapped: that is no handler.
+    void what_is_only_trapped_is_no_handler_that_runs() {
+        const char* trapped = "none";
+        const char* within = nullptr;
+        run_trapped(nullptr, "QWidgetWindow", [&] {
+            trapped = running_handler();
+            run_handler(nullptr, "outer_Click", [&] {
+                run_trapped(nullptr, "QTimer", [&] { within = running_handler(); });
+            });
+        });
+        QCOMPARE(trapped, nullptr);
+        QCOMPARE(within, "outer_Click");
+        QCOMPARE(running_handler(), nullptr);
+    }
+
     void entries_that_are_followed_are_there_at_once() {
         SmallScreen screen(true);
         QTest::keyClicks(screen.box, "123");

@@ -69,6 +69,28 @@ void ScreensTest::a_sweep_asks_what_it_needs_and_esc_stops_it() {
     QVERIFY(!find<QLabel>("activity")->isVisible());
 }
 
+void ScreensTest::a_sweep_ends_with_the_window_and_old_words_go() {
+    MeterInProcess& meter = start_with_meter();
+    band::BandSweep* screen = open_sweep(1000, 1100, "5 MHz");
+    find<QAction>("cmdbandstop", screen)->trigger();
+    QCOMPARE(find<QLabel>("corrected_notice")->text(), QString("No sweep is running."));
+    QString beside("nothing was asked");
+    meter.on_command = [&](const QByteArray& command, const QString&) {
+        if (command != "FREQ 1020.0") return;
+        beside = find<QLabel>("corrected_notice")->text();
+        QMetaObject::invokeMethod(
+            &window(), [screen] { screen->parentWidget()->close(); }, Qt::QueuedConnection);
+    };
+    QPointer<band::BandSweep> open(screen);
+    sweep(screen);
+    meter.on_command = nullptr;
+    QCOMPARE(beside, QString());
+    const QStringList sent = line_->take_commands();
+    QVERIFY2(!sent.contains("FREQ 1035.0"), qPrintable(sent.join(u' ')));
+    QVERIFY(sent.contains("ATTEN 06"));
+    QTRY_VERIFY(!open);
+}
+
 void ScreensTest::what_a_stopped_sweep_found_can_be_saved() {
     MeterInProcess& meter = start_with_meter();
     band::BandSweep* screen = open_sweep(1000, 1100, "5 MHz");

@@ -55,6 +55,9 @@ void BandPlot::make_legend() {
     plotLayout()->insertRow(0);
     plotLayout()->addElement(0, 0, line);
     line->addElement(0, 0, legend);
+    // A legend without an entry has no width, and would leave none to the chart under it.
+    line->addElement(0, 1, new QCPLayoutElement(this));
+    line->setColumnStretchFactor(0, 0.001);
     plotLayout()->setRowStretchFactor(0, 0.001);
     legend->setFillOrder(QCPLegend::foColumnsFirst);
     legend->setWrap(0);

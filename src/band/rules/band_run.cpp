@@ -96,6 +96,7 @@ void BandRun::sweep_all(link::Work& work) {
 
 BandEnd BandRun::run() {
     link::Work work(link_, kBegun);
+    work.ends_with_window();
     end_ = BandEnd();
     if (levels_.lost()) {
         // Tells that none is connected.

@@ -99,7 +99,7 @@ void KeptSettings::note_symbol_rate() {
 }
 
 bool KeptSettings::bring_back(const Kept& kept) {
-    if (!kept.known || !link_.port_connected) return false;
+    if (!kept.known || !link_.can_send()) return false;
     try {
         return std::ranges::all_of(kept.commands, [this](const QString& command) {
             return link_.ask(command) == QStringLiteral("OK");
@@ -114,9 +114,9 @@ std::vector<Bilingual> KeptSettings::set_back() {
     const link::InOrder in_order(link_);
     std::vector<Bilingual> left;
     for (const Kept& kept : kept_)
-        if (!bring_back(kept)) left.push_back(kept.name);
+        if (changed_ && !bring_back(kept)) left.push_back(kept.name);
     kept_.clear();
-    tuning_noted_ = supply_noted_ = tone_noted_ = rate_noted_ = false;
+    changed_ = tuning_noted_ = supply_noted_ = tone_noted_ = rate_noted_ = false;
     return left;
 }
 

@@ -30,6 +30,8 @@ class KeptSettings {
     /// Supply and tone, where `feed` has something for them.
     void note_feed(const Feed& feed);
     void note_symbol_rate();
+    /// From here on the meter is not what it was: until then there is nothing to set back.
+    void changed() { changed_ = true; }
 
     /// Sets back what was noted, also where the work was told to stop. What could not be, as a
     /// technician calls it ("LNB supply"); empty where the meter is as it was.
@@ -52,6 +54,7 @@ class KeptSettings {
     bool supply_noted_ = false;
     bool tone_noted_ = false;
     bool rate_noted_ = false;
+    bool changed_ = false;
     std::vector<Kept> kept_;  ///< in the order in which they are brought back
 };
 

@@ -78,6 +78,7 @@ void MeterLevels::attenuate() {
 void MeterLevels::prepare(const Feed& feed) {
     kept_.note_tuning();
     kept_.note_feed(feed);
+    if (!lost()) kept_.changed();
     send(link::command::kMeasure);
     send(link::command::kNoOscillator);
     fed_ = {};

@@ -92,7 +92,7 @@ bool take_unit(const QByteArray& cell, std::optional<LevelUnit>& unit) {
 }
 
 bool take_feed(const QByteArray& supply, const QByteArray& tone, Feed& feed) {
-    for (const int volts : kSupplyVolts)
+    for (const int volts : programme::kSupplyVolts)
         if (supply == (volts == 0 ? QByteArray("off") : QByteArray::number(volts)))
             feed.volts = volts;
     if (tone == "on" || tone == "off") feed.tone = tone == "on";

@@ -14,9 +14,6 @@
 
 namespace m47::band {
 
-/// The supplies of an LNB in volts, 0 without, in the order in which they are chosen.
-inline constexpr std::array kSupplyVolts{0, 13, 15, 18, 24};
-
 /// What holds for all levels of one pass over the band.
 struct SweepTerms {
     Feed feed;                           ///< as it was chosen

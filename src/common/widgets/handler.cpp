@@ -89,15 +89,15 @@ void run_handler(QWidget* screen, const char* name, const std::function<void()>&
     const std::map<const void*, HandlerWatch> watches = handler_watches();
     if (is_of_user(name))
         for (const auto& [who, watch] : watches) watch(name);
-    run_trapped(screen, name, body);
-}
-
-void run_trapped(QWidget* screen, const char* name, const std::function<void()>& body) {
     struct Running {
         explicit Running(const char* running) : outer(std::exchange(innermost(), running)) {}
         ~Running() { innermost() = outer; }
         const char* outer;
     } const running(name);
+    run_trapped(screen, name, body);
+}
+
+void run_trapped(QWidget* screen, const char* name, const std::function<void()>& body) {
     try {
         body();
     } catch (const Interrupted&) {

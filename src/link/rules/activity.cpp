@@ -72,7 +72,7 @@ void Activity::reached(int done, int all) {
 
 void Activity::end(const std::optional<Said>& how_far) {
     const bool stopped = stop_asked_;
-    working_ = stop_asked_ = false;
+    working_ = stop_asked_ = ends_with_window_ = false;
     const bool shown = what_.has_value();
     what_.reset();
     if (shown) tell_change();

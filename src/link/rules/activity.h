@@ -44,9 +44,12 @@ class Activity {
     bool stop_asked() const { return stop_asked_; }
     /// A piece of work is in hand.
     bool working() const { return working_; }
+    /// Who closes a window while it is done wants it to stop; it is done for its screen alone.
+    bool ends_with_window() const { return working_ && ends_with_window_; }
 
     // Told by Work -------------------------------------------------------------------------
     void begin();
+    void end_with_window() { ends_with_window_ = true; }
     /// What the work in hand does now; nothing to say without one.
     void say(const Said& what);
     /// The work has come so far.
@@ -73,6 +76,7 @@ class Activity {
     const Clock& clock_;
     bool working_ = false;
     bool stop_asked_ = false;
+    bool ends_with_window_ = false;
     std::optional<Said> what_;
     std::optional<Run> run_;
     Pace work_pace_;

@@ -66,8 +66,11 @@ bool Link::transact(const QString& command, const std::function<Outcome()>& exch
                     const std::function<void()>& rest) {
     view_.show_progress_bar();
     show_progress(0);
-    if (!port_connected && !commands_suspended && on_unsent) on_unsent();
-    if (!can_send()) return false;
+    if (!can_send()) {
+        if (!commands_suspended && on_unsent) on_unsent();
+        return false;
+    }
+    if (!port_connected) port_connected = gone_on_ = true;
     end_when_interrupted();
     const Transaction transaction(busy_);
     command_text_ = command;
@@ -81,7 +84,10 @@ bool Link::transact(const QString& command, const std::function<Outcome()>& exch
         // A line that is there may still take another command.
         const bool stays = outcome == Outcome::failed || port_.is_open();
         failed_ = once_ && outcome != Outcome::answered && stays;
-        if (outcome != Outcome::answered && !failed_) show_port_state();
+        if (outcome != Outcome::answered && !failed_) {
+            refuses_ = !refused_.isEmpty();
+            show_port_state();
+        }
         rest();
     } catch (const Interrupted&) {
         close_port();

@@ -45,6 +45,9 @@ class Link {
     std::function<bool()> cut_off;
     /// Above 0 `interrupted` and a stop are put off; see Undivided.
     int undivided = 0;
+    /// Above 0 a meter that has refused a command, over which the link was lost, still gets the
+    /// commands that set it back; see InOrder.
+    int in_order = 0;
     /// How far the work in hand is, see Work; once the program has been told to end, how far it
     /// came. Without any work the last command tells.
     std::optional<Said> left_off;
@@ -83,7 +86,7 @@ class Link {
     std::optional<QString> send_block(const QString& block);
 
     /// True when ask, send or send_block would put something on the wire.
-    bool can_send() const { return port_connected && !commands_suspended; }
+    bool can_send() const { return (port_connected || still_there()) && !commands_suspended; }
 
     /// What the exchange before has left: its answer, empty after a lost link; what could not be
     /// sent leaves it as it was. For a box or a file that shows this even then.
@@ -92,7 +95,10 @@ class Link {
     /// where it was lost otherwise, and behind any later command.
     const QString& refused() const { return refused_; }
     /// The answer before belongs to another port.
-    void forget_answer() { reply_text_.clear(); }
+    void forget_answer() {
+        reply_text_.clear();
+        refuses_ = false;
+    }
     /// What the meter before may still have sent comes no more: another device is on the line.
     void forget_late_answers() { late_ = LateAnswers(); }
 
@@ -118,6 +124,9 @@ class Link {
   private:
     enum class Outcome { answered, failed, lost };
 
+    friend class InOrder;
+
+    bool still_there() const { return in_order > 0 && refuses_; }
     /// The answer while the link is up.
     std::optional<QString> answer() const;
     /// One transaction around `exchange`, which sends `command` and waits: the link is lost unless
@@ -166,6 +175,8 @@ class Link {
     bool busy_ = false;
     bool once_ = false;     ///< the command goes out once
     bool failed_ = false;   ///< and was not taken
+    bool refuses_ = false;  ///< the link was lost over a refusal: the meter has not gone
+    bool gone_on_ = false;  ///< all the same, see in_order
     int progress_ = 0;      ///< steps of the exchange, 0 to kProgressSteps
     QString command_text_;  ///< that is sent, without terminator
     QString refused_;       ///< see refused()

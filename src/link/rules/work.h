@@ -23,6 +23,10 @@ class Work {
     /// What it does now, for whoever watches: "Uploading program %1 of %2". Work that says nothing
     /// is not shown, nor can it be stopped.
     void doing(const Bilingual& words, const QStringList& values = {});
+    /// It is done for a screen alone: who closes a window meanwhile wants it to stop.
+    void ends_with_window() {
+        if (outermost_) link_.activity.end_with_window();
+    }
     /// `done` of `all` steps that take about as long as each other.
     void reached(int done, int all);
 
@@ -51,8 +55,16 @@ class Undivided {
 /// they are put through all the same. Told once more, the program breaks them off too.
 class InOrder {
   public:
-    explicit InOrder(Link& link) : link_(link) { ++link_.undivided; }
-    ~InOrder() { --link_.undivided; }
+    explicit InOrder(Link& link) : link_(link) {
+        ++link_.undivided;
+        ++link_.in_order;
+    }
+    ~InOrder() {
+        --link_.undivided;
+        if (--link_.in_order > 0 || !link_.gone_on_) return;
+        link_.gone_on_ = false;
+        link_.port_connected = false;
+    }
     InOrder(const InOrder&) = delete;
     InOrder& operator=(const InOrder&) = delete;
 

@@ -65,8 +65,8 @@ void PeakRun::prepare() {
 
 bool PeakRun::set_back() {
     if (!prepared_) return true;
-    if (!attenuator_ || !link_.port_connected) return false;
     const link::InOrder in_order(link_);
+    if (!attenuator_ || !link_.can_send()) return false;
     try {
         return link_.ask(link::command::kAttenuator + link::format_number(*attenuator_, " 00")) ==
                kDone;

@@ -139,10 +139,9 @@ void Pointing::ask() {
 void Pointing::leave() noexcept {
     if (!in_qpsk_) return;
     in_qpsk_ = false;
-    if (!rules_.link.port_connected) return;
     try {
         const link::InOrder in_order(rules_.link);
-        rules_.link.send(link::command::kMeasure);
+        if (rules_.link.can_send()) rules_.link.send(link::command::kMeasure);
     } catch (...) {
         // Told to end twice; the next user of the meter sets its mode.
     }

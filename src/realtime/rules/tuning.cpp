@@ -121,6 +121,9 @@ void Tuning::tune_to(const WantedCarrier& carrier) {
     if (entry != kLnbVolts.end()) {
         panel_.satlnb_state = static_cast<int>(entry - kLnbVolts.begin());
         satlnb_state_Click(panel_.satlnb_state);
+        // It is the same supply that the instrument's own list shows.
+        panel_.lnb_supply = static_cast<int>(std::ranges::find(programme::kSupplyVolts, carrier.volts) -
+                                             programme::kSupplyVolts.begin());
     }
     if (carrier.tone) {
         panel_.k22_state = *carrier.tone ? 0 : 1;
@@ -135,9 +138,9 @@ void Tuning::tune_to(const WantedCarrier& carrier) {
 }
 
 void Tuning::lnb_supply_Click(int index) {
-    constexpr std::array<int, 5> kVolts{0, 13, 15, 18, 24};
-    if (state_.recall_in_progress || index < 0 || index >= static_cast<int>(kVolts.size())) return;
-    send_supply(kVolts[static_cast<std::size_t>(index)]);
+    if (state_.recall_in_progress || index < 0 || index >= static_cast<int>(programme::kSupplyVolts.size()))
+        return;
+    send_supply(programme::kSupplyVolts[static_cast<std::size_t>(index)]);
 }
 
 int Tuning::list_Click(const QString& word, int index, int count) {
