@@ -131,7 +131,7 @@ std::vector<OnAir> Orbit::on_air(const Neighbourhood& where) const {
 }
 
 double Orbit::usual_cn(const ListedTransponder& transponder, double stronger_db) const {
-    if (options_.cn_db) return *options_.cn_db;
+    if (options_.cn_db) return *options_.cn_db + stronger_db / kEirpSpreadDb * options_.unequal_db;
     const bool below = transponder.mhz < kCBandEndMhz;
     const double eirp = (below ? kUsualEirpBelowDbw : kUsualEirpDbw) + stronger_db;
     return link_cn(eirp, options_.dish_cm, transponder.mhz, transponder.symbol_rate / 1000.0);

@@ -15,6 +15,7 @@ struct OrbitOptions {
     std::uint64_t seed = 1;
     double dish_cm = 80.0;
     std::optional<double> cn_db;  ///< of every satellite on the axis; else by its EIRP and the dish
+    double unequal_db = 0.0;      ///< with `cn_db`: how far a satellite's usual one is from it
     double spread_db = 1.5;       ///< how far a transponder is from its satellite's usual one
     double off_air_percent = 20.0;   ///< of the transponders listed
     double unlisted_percent = 10.0;  ///< transponders that no table lists, of the number listed

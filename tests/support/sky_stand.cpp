@@ -25,6 +25,7 @@ meter::OrbitOptions options_of(const SkySettings& settings) {
     options.off_air_percent = settings.off_air_percent;
     options.dish_cm = settings.dish_cm;
     options.unlisted_percent = settings.unlisted_percent;
+    options.unequal_db = settings.unequal_db;
     return options;
 }
 
@@ -50,7 +51,7 @@ SkyTables::~SkyTables() = default;
 struct SkyStand::Inside {
     Inside(const SkyTables& tables, const SkySettings& settings)
         : orbit(tables.kept().tables, options_of(settings)),
-          reception(orbit),
+          reception(orbit, {settings.oscillator, settings.tone_oscillator, settings.circular}),
           jitter(settings.seed) {
         reception.point(settings.east);
     }

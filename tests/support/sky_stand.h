@@ -32,9 +32,13 @@ struct SkySettings {
     double off_air_percent = 20;
     double unlisted_percent = 10;
     double dish_cm = 80;
+    double unequal_db = 0;  ///< positions are up to so much stronger or weaker than `cn_db`
+    double oscillator = 9750;        ///< MHz, of the LNB
+    double tone_oscillator = 10600;  ///< the same with tone; that without where it has one band
+    bool circular = false;
 };
 
-/// The simulated orbit through a dish and a universal LNB, with the meter's jitter, in process.
+/// The simulated orbit through a dish and an LNB, with the meter's jitter, in process.
 class SkyStand {
   public:
     SkyStand(const SkyTables& tables, const SkySettings& settings);
