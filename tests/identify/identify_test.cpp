@@ -157,6 +157,49 @@ class IdentifyTest : public QObject {
         QCOMPARE(candidates[2].name, QStringLiteral("29.1E"));
     }
 
+    void another_symbol_rate_is_another_transponder() {
+        // A demodulator that is told the one does not lock on the other.
+        const QString table = table_of({10800}, 'V', 27500) + table_of({10801}, 'V', 27700) +
+                              table_of({10800}, 'V', 27500);
+        const auto candidates =
+            candidates_of_tables({{QStringLiteral("A-28.5E"), table}}, Lnb::universal());
+        QCOMPARE(candidates.front().carriers.size(), std::size_t(2));
+    }
+
+    void a_wide_transponder_has_little_chance_against_many_narrow_ones() {
+        // All are listed, but the wide one leaves no room for the others and they none for it.
+        const QString table =
+            table_of({10800}, 'V', 30000) + table_of(row_of(10786, 4, 8), 'V', 2000);
+        const Arc arc(candidates_of_tables({{QStringLiteral("A-28.5E"), table}}, Lnb::universal()));
+        for (const Emitter& emitter : arc.around(0)[0]) {
+            const bool wide = emitter.carrier.rate > 20;
+            QVERIFY2(wide ? emitter.chance < 0.2 : emitter.chance > 0.6,
+                     qPrintable(QString::number(emitter.chance)));
+            QVERIFY(emitter.rivalled);
+        }
+    }
+
+    void what_nobody_lists_is_likely_where_much_is_listed() {
+        const Arc arc(candidates());
+        const std::size_t gamma = place_of(arc, QStringLiteral("30.0E"));
+        // Fourteen at 13 V with tone, none at 18 V.
+        QVERIFY(arc.unlisted(gamma, 2, 1500) > 4 * arc.unlisted(gamma, 3, 1500));
+        QVERIFY(arc.unlisted(gamma, 3, 1500) > 0);
+    }
+
+    void what_is_there_fits_and_another_does_not() {
+        const Arc arc(candidates());
+        PlainSky sky(arc.candidates()[0].carriers, 1);
+        Identifier identifier(arc, kStates);
+        while (const auto question = identifier.next_question())
+            identifier.take(*question, sky.ask(*question));
+        const auto fit_of = [&](std::size_t k) {
+            return identifier.belief().front(k).fit(identifier.evidence());
+        };
+        QVERIFY2(fit_of(0) > -2, qPrintable(QString::number(fit_of(0))));
+        QVERIFY2(fit_of(3) < -6, qPrintable(QString::number(fit_of(3))));
+    }
+
     void the_arc_is_a_circle() {
         QCOMPARE(arc_between(-177, 180), 3.0);
         QCOMPARE(position_of(QStringLiteral("Intelsat-18-180.0E")).value_or(0), 180.0);
@@ -284,6 +327,16 @@ class IdentifyTest : public QObject {
                 ++right;
         }
         QVERIFY2(right >= 2, qPrintable(QString::number(right)));
+    }
+
+    void a_satellite_that_is_in_no_table_is_not_taken_for_its_neighbour() {
+        if (!QFileInfo::exists(QLatin1String(kFolder))) QSKIP("no scan tables are installed");
+        const SkyTables tables(kFolder);
+        auto left = candidates_of_tables(read_tables(QLatin1String(kFolder)), Lnb::universal());
+        std::erase_if(left, [](const Candidate& one) { return one.name == u"63.0W"; });
+        OrbitSky sky(tables, {.seed = 101056, .cn_db = 13.7, .east = -62.6});
+        const Verdict verdict = identify_in(sky, Arc(left));
+        QCOMPARE(verdict.kind, Verdict::Kind::none_of_these);
     }
 
     void the_same_sky_is_asked_the_same() {

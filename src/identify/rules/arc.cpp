@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <numeric>
 
 namespace m47::identify {
 namespace {
@@ -15,6 +17,12 @@ constexpr double kEnd = 0.675;
 /// Beyond so many degrees next to nothing is received of a neighbour.
 constexpr double kReachInBeams = 3.5;
 constexpr double kUsualStep = 10;
+/// Of all that is there so much is in no table, mostly this near to what is, of this width in MHz.
+constexpr double kUnlistedOfListed = 0.1;
+constexpr double kNearListed = 200;
+constexpr double kUsualWidth = 18;
+constexpr double kLeastUnlisted = 0.004;
+constexpr double kMostUnlisted = 0.3;
 constexpr double kLightMetresMhz = 299.792458;
 
 double width_of(double sky_mhz, double dish_cm) {
@@ -34,11 +42,46 @@ bool is_circular(const Carrier& carrier) {
     return carrier.polarisation == 'L' || carrier.polarisation == 'R';
 }
 
-/// Tables of several years list what cannot be there at once; one of them is.
-int rivals_of(const Carrier& carrier, const std::vector<Carrier>& all) {
-    const auto rivals =
-        std::ranges::count_if(all, [&](const Carrier& other) { return exclude(carrier, other); });
-    return std::max(1, static_cast<int>(rivals));
+using Rivals = std::vector<std::vector<std::size_t>>;
+
+/// Tables of several years list what cannot be there at once: for each carrier, which others.
+Rivals rivals_of(const std::vector<Carrier>& all) {
+    Rivals rivals(all.size());
+    for (std::size_t k = 0; k < all.size(); ++k)
+        for (std::size_t other = 0; other < all.size(); ++other)
+            if (other != k && exclude(all[k], all[other])) rivals[k].push_back(other);
+    return rivals;
+}
+
+/// Any order, the same in every run.
+void shuffle(std::vector<std::size_t>& order, std::uint64_t& state) {
+    constexpr std::uint64_t kFactor = 6364136223846793005ULL;
+    constexpr int kHighBits = 33;
+    for (std::size_t left = order.size(); left > 1; --left) {
+        state = state * kFactor + 1;
+        std::swap(order[left - 1], order[(state >> kHighBits) % left]);
+    }
+}
+
+/// The chance of each that it was there first, whatever the order in which they came: of two that
+/// exclude each other a half, of a wide one in the place of many narrow ones far less.
+std::vector<double> chances_to_be_first(const Rivals& rivals) {
+    constexpr int kOrders = 60;
+    std::vector<std::size_t> order(rivals.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::vector<double> chances(rivals.size(), 0);
+    std::uint64_t state = 1;
+    for (int round = 0; round < kOrders; ++round) {
+        shuffle(order, state);
+        std::vector<bool> there(rivals.size(), false);
+        for (const std::size_t next : order)
+            there[next] =
+                std::ranges::none_of(rivals[next], [&](std::size_t other) { return there[other]; });
+        for (std::size_t k = 0; k < rivals.size(); ++k) chances[k] += there[k] ? 1 : 0;
+    }
+    // None is quite without a chance.
+    for (double& chance : chances) chance = (chance + 1) / (kOrders + 1);
+    return chances;
 }
 
 std::size_t usual_place(double if_mhz) {
@@ -94,11 +137,11 @@ Arc::Arc(std::vector<Candidate> candidates, double dish_cm) : candidates_(std::m
 std::vector<Emitter> Arc::emitters_of(std::size_t candidate, double dish_cm) const {
     const std::vector<Carrier>& carriers = candidates_[candidate].carriers;
     std::vector<Emitter> emitters;
-    for (const Carrier& carrier : carriers) {
-        const int rivals = rivals_of(carrier, carriers);
-        emitters.push_back(
-            {carrier, candidate, kOnAir / rivals, rivals, width_of(carrier.sky_mhz, dish_cm)});
-    }
+    const Rivals rivals = rivals_of(carriers);
+    const std::vector<double> first = chances_to_be_first(rivals);
+    for (std::size_t k = 0; k < carriers.size(); ++k)
+        emitters.push_back({carriers[k], candidate, kOnAir * first[k], !rivals[k].empty(),
+                            width_of(carriers[k].sky_mhz, dish_cm)});
     return emitters;
 }
 
@@ -121,10 +164,12 @@ void Arc::find_neighbours() {
 void Arc::count_usual(const std::vector<std::vector<Emitter>>& own) {
     const std::size_t places = usual_place(kHighestIf) + 1;
     for (std::vector<double>& row : usual_) row.assign(places, 0);
-    coverage_.assign(size(), 0);
+    unlisted_.resize(size());
     for (std::size_t k = 0; k < size(); ++k) {
         std::array<std::vector<double>, kStates> dark;
         for (std::vector<double>& row : dark) row.assign(places, 1);
+        for (std::vector<double>& row : unlisted_[k]) row.assign(places, 0);
+        for (const Emitter& emitter : own[k]) add_unlisted(unlisted_[k], emitter);
         for (const Emitter& emitter : own[k])
             for (std::size_t place = 0; place < places; ++place) {
                 const double mhz = kLowestIf + (static_cast<double>(place) + 0.5) * kUsualStep;
@@ -133,11 +178,25 @@ void Arc::count_usual(const std::vector<std::vector<Emitter>>& own) {
             }
         for (std::size_t state = 0; state < dark.size(); ++state)
             for (std::size_t place = 0; place < places; ++place) {
-                const double lit = 1 - dark[state][place];
-                coverage_[k] += lit / static_cast<double>(kStates * places);
-                usual_[state][place] += lit / static_cast<double>(size());
+                usual_[state][place] += (1 - dark[state][place]) / static_cast<double>(size());
             }
     }
+}
+
+/// What is not listed is likely near what is.
+void Arc::add_unlisted(Band& band, const Emitter& emitter) {
+    const double seen = (kUsualWidth + kFilterMhz) / (2 * kNearListed);
+    const double more = kUnlistedOfListed * emitter.chance / kOnAir * seen;
+    std::vector<double>& row = band[static_cast<std::size_t>(emitter.carrier.state)];
+    const std::size_t last = usual_place(emitter.carrier.if_mhz + kNearListed);
+    for (std::size_t k = usual_place(emitter.carrier.if_mhz - kNearListed); k <= last; ++k)
+        row[k] += more;
+}
+
+double Arc::unlisted(std::size_t candidate, int state, double if_mhz) const {
+    const double chance =
+        unlisted_[candidate][static_cast<std::size_t>(state)][usual_place(if_mhz)];
+    return std::clamp(chance, kLeastUnlisted, kMostUnlisted);
 }
 
 double Arc::distance(std::size_t candidate, double east) const {

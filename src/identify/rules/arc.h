@@ -19,9 +19,9 @@ inline constexpr double kCapture = 0.12;
 struct Emitter {
     Carrier carrier;
     std::size_t candidate = 0;
-    double chance = 0;  ///< that it is on air
-    int rivals = 1;     ///< how many of its satellite's, itself included, cannot be there at once
-    double width = 0;   ///< of the dish's beam at its frequency, degrees at -3 dB
+    double chance = 0;      ///< that it is on air
+    bool rivalled = false;  ///< another of its satellite's cannot be there at once
+    double width = 0;       ///< of the dish's beam at its frequency, degrees at -3 dB
 
     /// How much less is received of it by a dish that looks at `east`, dB, 0 or above.
     double loss(double east) const;
@@ -60,8 +60,9 @@ class Arc {
 
     /// The chance that some satellite, of which nothing is known, has power there.
     double usual_power(int state, double if_mhz) const;
-    /// The part of the band that the candidate fills, 0 to 1.
-    double coverage(std::size_t candidate) const { return coverage_[candidate]; }
+    /// The chance that something is there which is the candidate's but which its tables do not
+    /// list.
+    double unlisted(std::size_t candidate, int state, double if_mhz) const;
 
   private:
     std::vector<Emitter> emitters_of(std::size_t candidate, double dish_cm) const;
@@ -72,8 +73,11 @@ class Arc {
     double beam_ = 0;
     std::vector<States> around_;
     std::vector<std::vector<std::size_t>> neighbours_;
-    std::vector<double> coverage_;
-    std::array<std::vector<double>, kStates> usual_;
+    /// By place of the band, as `usual_`.
+    using Band = std::array<std::vector<double>, kStates>;
+    static void add_unlisted(Band& band, const Emitter& emitter);
+    std::vector<Band> unlisted_;
+    Band usual_;
 };
 
 }  // namespace m47::identify

@@ -18,7 +18,8 @@ constexpr std::size_t kRefined = 16;
 constexpr std::size_t kWithNeighbours = 3;
 constexpr std::size_t kFinest = 3;
 /// Candidates that fit so badly are not looked at closer.
-constexpr double kHopeless = 1e-25;
+constexpr double kHopeless = 1e-18;
+constexpr std::size_t kNeighboursRefined = 4;
 /// Where no satellite is, there is seldom a level above the noise.
 constexpr double kStray = 0.001;
 constexpr double kStrayRange = 25;  // dB
@@ -30,7 +31,7 @@ double log_of_nothing(double above) {
     return std::log((1 - kStray) * noise + kStray / kStrayRange);
 }
 
-/// The few best of `fine` anew on the finest grid.
+/// The few best of `fine` on the finest grid, around what is most probable by now.
 void add_finest(const Arc& arc, const std::map<std::size_t, Front>& fine, const Evidence& evidence,
                 std::map<std::size_t, Front>& finest) {
     std::vector<std::pair<double, std::size_t>> best;
@@ -38,10 +39,14 @@ void add_finest(const Arc& arc, const std::map<std::size_t, Front>& fine, const 
     for (const auto& [which, front] : fine) best.emplace_back(-front.best().log, which);
     std::ranges::sort(best);
     if (best.size() > kFinest) best.resize(kFinest);
-    finest.clear();
+    std::erase_if(finest, [&](const auto& entry) {
+        return std::ranges::none_of(best, [&](const auto& one) {
+            return one.second == entry.first && entry.second.is_around(fine.at(one.second).best());
+        });
+    });
     for (const auto& [log, which] : best) {
         const Front& front = fine.at(which);
-        finest.emplace(which, Front(arc, which, front.kind(), front.best()));
+        finest.try_emplace(which, arc, which, front.kind(), front.best());
         finest.at(which).catch_up(evidence);
     }
 }
@@ -82,8 +87,9 @@ std::vector<std::size_t> Belief::worth_refining() const {
         const bool with_neighbours = wanted.size() < kWithNeighbours;
         wanted.push_back(which);
         if (!with_neighbours) continue;
-        for (const std::size_t other : arc_.neighbours(which))
-            if (wanted.size() < kRefined) wanted.push_back(other);
+        const std::vector<std::size_t>& others = arc_.neighbours(which);
+        for (std::size_t k = 0; k < std::min(kNeighboursRefined, others.size()); ++k)
+            if (wanted.size() < kRefined) wanted.push_back(others[k]);
     }
     return wanted;
 }
@@ -117,8 +123,9 @@ void Belief::refine_more(const Evidence& evidence) {
 
 void Belief::update(const Evidence& evidence) {
     for (Front& front : coarse_) front.catch_up(evidence);
+    for (auto* fronts : {&fine_, &unlisted_, &finest_, &finest_unlisted_})
+        for (auto& [which, front] : *fronts) front.catch_up(evidence);
     weigh_nothing(evidence);
-    finest_.clear();
     settle();
     refine(evidence);
     refine_more(evidence);

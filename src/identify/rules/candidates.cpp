@@ -27,7 +27,8 @@ constexpr double kHighestRate = 45;
 constexpr double kOtherKindDb = 3;
 /// Two entries of one transponder are often some hundred kHz apart.
 constexpr double kSameMhz = 1.5;
-constexpr double kSameRate = 0.02;
+/// What differs more in its symbol rate the demodulator does not take for the other.
+constexpr double kSameRate = 0.004;
 
 bool is_dvb_s(const plans::Transponder& transponder) {
     return transponder.system == u"DVBS" &&
@@ -56,7 +57,7 @@ std::vector<Carrier> carriers_of(const plans::Transponder& transponder, double e
 
 bool is_same(const Carrier& one, const Carrier& other) {
     return one.state == other.state && one.polarisation == other.polarisation &&
-           std::abs(one.if_mhz - other.if_mhz) < kSameMhz &&
+           one.lockable == other.lockable && std::abs(one.if_mhz - other.if_mhz) < kSameMhz &&
            std::abs(one.rate - other.rate) < kSameRate * one.rate;
 }
 
@@ -117,10 +118,7 @@ void join_same_carriers(Candidate& candidate) {
         const auto met = std::find_if(kept.begin(), kept.end(), [&](const Carrier& other) {
             return is_same(other, carrier);
         });
-        if (met == kept.end())
-            kept.push_back(carrier);
-        else
-            met->lockable = met->lockable || carrier.lockable;
+        if (met == kept.end()) kept.push_back(carrier);
     }
     candidate.carriers = std::move(kept);
 }

@@ -9,9 +9,8 @@ namespace {
 
 /// What may come over from the other polarisation, as a power ratio.
 constexpr float kCrossPolar = 0.006F;
-/// So much of what is on air no table lists.
-constexpr double kUnlisted = 0.12;
-constexpr double kLeastUnlisted = 0.01;
+/// Whose carriers are weaker by more, dB, adds nothing that stands out.
+constexpr double kNearDb = 12;
 /// A carrier that fills less of the filter is not counted.
 constexpr double kLeastShare = 0.03;
 constexpr double kFaintDb = 26;
@@ -22,15 +21,18 @@ constexpr double kAtIt = 0.58;
 /// and next to it up to so many
 constexpr double kNextToIt = 1.5;
 /// What nobody lists stands so far from all that is listed, in beams.
-constexpr double kApart = 0.25;
+constexpr double kApart = 0.15;
 /// How far apart places on the grids are, in beams, and how much there is of the other unknowns.
 constexpr double kCoarseStep = 0.35;
 constexpr double kFineStep = 0.09;
 constexpr double kFinestStep = 0.02;
+constexpr double kUnlistedStep = 0.17;
 constexpr double kMostDrift = 3;  // MHz
 constexpr double kAllDrifts = 7;
 constexpr double kAllCns = 12;
 constexpr double kLeastCn = 6.5;
+/// The chance that nothing is where several that exclude one another are listed is at least this.
+constexpr float kLeastDark = 0.1F;
 /// Of what no candidate is so much reaches into the filter with its edge alone.
 constexpr double kEdges = 0.3;
 constexpr double kBySatellites = 0.25;
@@ -84,34 +86,55 @@ Front::Front(const Arc& arc, std::size_t candidate, Kind kind, Grid grid)
     make_places(grid);
     const bool fine = grid == Grid::fine;
     const bool finer = fine && kind == Kind::listed;
-    drifts_ = fine ? steps(-kMostDrift, finer ? 1 : 1.5, kMostDrift) : steps(-2, 2, 2);
+    drifts_ = fine ? steps(finer ? -kMostDrift : -2, finer ? 1.5 : 2, kMostDrift) : steps(-2, 2, 2);
     cns_ = finer ? steps(7, 1.5, 17.5) : steps(9, 3, fine ? 18 : 15);
-    const double of_others = finer ? 1 * 1.5 : (fine ? 1.5 : 2) * 3;
-    make_cells((finer ? kFineStep : kCoarseStep) * arc.beam() * of_others);
+    const double of_others = finer ? 1.5 * 1.5 : 2 * 3;
+    const double step = fine ? (finer ? kFineStep : kUnlistedStep) : kCoarseStep;
+    make_losses({1});
+    make_cells(step * arc.beam() * of_others);
 }
 
 Front::Front(const Arc& arc, std::size_t candidate, Kind kind, const Best& around)
-    : arc_(arc), candidate_(candidate), kind_(kind) {
-    const double step = kind == Kind::listed ? kFinestStep : kCoarseStep / 3;
-    const int count = kind == Kind::listed ? 6 : 3;
+    : arc_(arc), candidate_(candidate), kind_(kind), around_(around) {
+    const double step = kind == Kind::listed ? kFinestStep : kUnlistedStep / 3;
+    const int count = kind == Kind::listed ? 6 : 2;
+    const double drift_step = kind == Kind::listed ? 0.25 : 0.5;
+    const double cn_step = kind == Kind::listed ? 0.5 : 0.75;
     for (int k = -count; k <= count; ++k) add_place(around.east + k * step * arc.beam());
-    drifts_ = steps(std::max(-kMostDrift, around.drift - 0.75), 0.25,
+    drifts_ = steps(std::max(-kMostDrift, around.drift - 0.75), drift_step,
                     std::min(kMostDrift, around.drift + 0.75));
-    cns_ = steps(std::max(kLeastCn, around.cn - 1), 0.5, around.cn + 1);
-    make_cells(step * arc.beam() * 0.25 * 0.5);
+    cns_ = steps(std::max(kLeastCn, around.cn - 2 * cn_step), cn_step, around.cn + 2 * cn_step);
+    make_losses(kind == Kind::listed ? std::vector<double>{} : std::vector<double>{0.2, 1.2, 2.5});
+    make_cells(step * arc.beam() * drift_step * cn_step);
 }
 
 void Front::add_place(double east) {
     const double away = arc_.distance(candidate_, east) / arc_.beam();
     if (!arc_.is_nearest(candidate_, east)) return;
     if (kind_ == Kind::unlisted && away <= kApart) return;
-    places_.push_back({east, kind_ == Kind::listed && away <= kAtIt, 12 * away * away});
+    Place place{east, kind_ == Kind::listed && away <= kAtIt, 12 * away * away};
+    find_near(place);
+    places_.push_back(std::move(place));
+}
+
+void Front::find_near(Place& place) const {
+    const auto add = [&](std::size_t candidate) {
+        const double away = arc_.distance(candidate, place.east) / arc_.beam();
+        const double loss = 12 * away * away;
+        if (loss < kNearDb) place.near.push_back({candidate, loss});
+    };
+    add(candidate_);
+    for (const std::size_t other : arc_.neighbours(candidate_)) add(other);
+    std::ranges::stable_sort(place.near, {}, [](const Place::Near& near) { return near.loss; });
+    const std::size_t most = Stray::kMost - (kind_ == Kind::unlisted ? 1 : 0);
+    if (place.near.size() > most) place.near.resize(most);
 }
 
 void Front::make_places(Grid grid) {
     const std::vector<double>& positions = arc_.candidates()[candidate_].positions;
     if (positions.empty()) {
-        places_.push_back({0, kind_ == Kind::listed});
+        Place place{0, kind_ == Kind::listed, 0, {{candidate_, 0}}};
+        places_.push_back(std::move(place));
         return;
     }
     const double beam = arc_.beam();
@@ -119,22 +142,35 @@ void Front::make_places(Grid grid) {
     const double far = grid == Grid::coarse ? kCoarseStep * beam : kNextToIt * beam;
     const double middle = (positions.front() + positions.back()) / 2;
     const double half = (positions.back() - positions.front()) / 2 + far;
-    const double step = (fine ? kFineStep : kCoarseStep) * beam;
+    const double step = beam * (fine                   ? kFineStep
+                                : grid == Grid::coarse ? kCoarseStep
+                                                       : kUnlistedStep);
     const int count = static_cast<int>(half / step);
     for (int k = -count; k <= count; ++k) add_place(middle + k * step);
-    if (places_.empty() && kind_ == Kind::listed) places_.push_back({middle, true});
+    if (places_.empty() && kind_ == Kind::listed)
+        places_.push_back({middle, true, 0, {{candidate_, 0}}});
+}
+
+void Front::make_strengths() {
+    for (const double cn : cns_) on_axis_.push_back(static_cast<float>(ratio(cn)));
+    const auto full = [](double cn) { return static_cast<float>(10 * std::log10(1 + ratio(cn))); };
+    for (const Place& place : places_)
+        for (const double cn : cns_)
+            for (std::size_t k = 0; k < Stray::kMost; ++k)
+                near_db_.push_back(k < place.near.size() ? full(cn - place.near[k].loss) : 0);
+    for (const Unlisted& unlisted : occupied_)
+        for (const double cn : cns_) own_db_.push_back(full(cn - unlisted.loss));
+}
+
+void Front::make_losses(const std::vector<double>& losses) {
+    if (kind_ == Kind::listed) occupied_.push_back({});
+    if (kind_ == Kind::unlisted)
+        for (const double fills : {0.3, 0.7, 1.1})
+            for (const double loss : losses) occupied_.push_back({fills, loss});
 }
 
 void Front::make_cells(double volume) {
-    occupied_ =
-        kind_ == Kind::unlisted ? std::vector<double>{0.3, 0.7, 1.2} : std::vector<double>{0};
-    for (const double cn : cns_) on_axis_.push_back(static_cast<float>(ratio(cn)));
-    for (const Place& place : places_)
-        for (const double cn : cns_) {
-            const double full = ratio(kind_ == Kind::listed ? cn - place.loss : cn);
-            usual_db_.push_back(static_cast<float>(10 * std::log10(1 + full)));
-        }
-    unlisted_ = static_cast<float>(std::max(kLeastUnlisted, kUnlisted * arc_.coverage(candidate_)));
+    make_strengths();
     for (std::size_t drift = 0; drift < drifts_.size(); ++drift)
         for (std::size_t place = 0; place < places_.size(); ++place)
             for (std::size_t occupied = 0; occupied < occupied_.size(); ++occupied)
@@ -158,8 +194,7 @@ std::vector<Front::Ray> Front::rays(int state, double if_mhz, double drift) cons
     return found;
 }
 
-std::vector<Front::Heard> Front::heard(const std::vector<Ray>& rays, const Place& place,
-                                       double usual) {
+std::vector<Front::Heard> Front::heard(const std::vector<Ray>& rays, const Place& place, Own own) {
     std::vector<Heard> found;
     for (const Ray& ray : rays) {
         const double loss = ray.emitter->loss(place.east);
@@ -168,7 +203,10 @@ std::vector<Front::Heard> Front::heard(const std::vector<Ray>& rays, const Place
                         static_cast<float>(ray.emitter->chance)};
         found.push_back({part, ray.emitter});
     }
-    if (usual > 0) found.push_back({{1, static_cast<float>((1 - kEdges) * usual)}, nullptr});
+    if (own.chance > 0)
+        found.push_back(
+            {{static_cast<float>(own.power), static_cast<float>((1 - kEdges) * own.chance)},
+             nullptr});
     std::ranges::stable_sort(found, [](auto& a, auto& b) { return a.part.power > b.part.power; });
     return found;
 }
@@ -177,23 +215,23 @@ std::vector<Front::Heard> Front::heard(const std::vector<Ray>& rays, const Place
 void Front::part_from_rivals(std::vector<Heard>& heard, std::size_t k) {
     Part& part = heard[k].part;
     const Emitter* emitter = heard[k].emitter;
-    int inside = 1;
-    const bool alone = emitter == nullptr || emitter->rivals < 2;
+    float inside = part.chance;
+    const bool alone = emitter == nullptr || !emitter->rivalled;
     for (std::size_t other = 0; !alone && other < std::min(heard.size(), kPartsHeld); ++other) {
         const Emitter* rival = heard[other].emitter;
         if (other == k || rival == nullptr || rival->candidate != emitter->candidate ||
             !exclude(rival->carrier, emitter->carrier))
             continue;
-        ++inside;
+        inside += heard[other].part.chance;
         part.excluded |= 1U << other;
     }
     // Where none of the rivals is there, nothing is.
-    part.odds = part.chance / (1 - part.chance * static_cast<float>(inside));
+    part.odds = part.chance / std::max(kLeastDark, 1 - inside);
 }
 
-std::vector<Part> Front::parts(const std::vector<Ray>& rays, const Place& place, double usual,
+std::vector<Part> Front::parts(const std::vector<Ray>& rays, const Place& place, Own own,
                                std::vector<const Emitter*>* order) const {
-    std::vector<Heard> found = heard(rays, place, usual);
+    std::vector<Heard> found = heard(rays, place, own);
     std::vector<Part> parts;
     for (std::size_t k = 0; k < found.size(); ++k) {
         part_from_rivals(found, k);
@@ -203,24 +241,46 @@ std::vector<Part> Front::parts(const std::vector<Ray>& rays, const Place& place,
     return parts;
 }
 
-Mixture Front::mixture(const std::vector<Part>& parts, std::size_t place, std::size_t cn,
+Front::Chances Front::unlisted_near(int state, double if_mhz, const Place& place) const {
+    Chances chances{};
+    for (std::size_t k = 0; k < place.near.size(); ++k)
+        chances[k] = static_cast<float>(arc_.unlisted(place.near[k].candidate, state, if_mhz));
+    return chances;
+}
+
+Mixture Front::mixture(const std::vector<Part>& parts, const Cell& cell, const Chances& unlisted,
                        double usual) const {
     std::vector<Part>& scaled = scaled_;
     scaled.assign(parts.begin(), parts.end());
-    for (Part& part : scaled) part.power *= on_axis_[cn];
-    const Stray stray{unlisted_ + static_cast<float>(kEdges * usual),
-                      usual_db_[place * cns_.size() + cn], static_cast<float>(cns_[cn] + 3)};
-    return {scaled, kCrossPolar * on_axis_[cn], stray};
+    for (Part& part : scaled) part.power *= on_axis_[cell.cn];
+    Stray stray;
+    const std::size_t first = (cell.place * cns_.size() + cell.cn) * Stray::kMost;
+    for (std::size_t k = 0; k < Stray::kMost; ++k)
+        stray.sources[k] = {unlisted[k], near_db_[first + k]};
+    if (usual > 0)
+        stray.sources.back() = {static_cast<float>(kEdges * usual),
+                                own_db_[cell.occupied * cns_.size() + cell.cn]};
+    return {scaled, kCrossPolar * on_axis_[cell.cn], stray};
+}
+
+Mixture Front::mixture_at(const Cell& cell, int state, double if_mhz, std::vector<Part>* made_of,
+                          std::vector<const Emitter*>* order) const {
+    const Place& place = places_[cell.place];
+    const Own lit = own(state, if_mhz, occupied_[cell.occupied]);
+    const std::vector<Part> on_axis =
+        parts(rays(state, if_mhz, drifts_[cell.drift]), place, lit, order);
+    if (made_of != nullptr) *made_of = on_axis;
+    return mixture(on_axis, cell, unlisted_near(state, if_mhz, place), lit.chance);
 }
 
 /// The chance that what no candidate is has power there: as much as its state of the LNB shows, and
 /// a little where most satellites have their own.
-double Front::usual(int state, double if_mhz, double occupied) const {
-    if (kind_ == Kind::listed) return 0;
+Front::Own Front::own(int state, double if_mhz, const Unlisted& unlisted) const {
+    if (kind_ == Kind::listed) return {};
     const double shown = filled_[static_cast<std::size_t>(state)];
     const double here =
         (1 - kBySatellites) * shown + kBySatellites * arc_.usual_power(state, if_mhz);
-    return std::min(kMostFilled, here * occupied);
+    return {std::min(kMostFilled, here * unlisted.fills), ratio(-unlisted.loss)};
 }
 
 void Front::take(const Height& height) {
@@ -228,23 +288,23 @@ void Front::take(const Height& height) {
     auto cell = cells_.begin();
     for (const double drift : drifts_) {
         const std::vector<Ray> near = rays(height.state, height.if_mhz, drift);
-        for (std::size_t place = 0; place < places_.size(); ++place)
-            for (const double occupied : occupied_) {
-                const double lit = usual(height.state, height.if_mhz, occupied);
-                const std::vector<Part> on_axis = parts(near, places_[place], lit);
-                for (std::size_t cn = 0; cn < cns_.size(); ++cn)
-                    (cell++)->log += mixture(on_axis, place, cn, lit).log_density(above);
+        for (const Place& place : places_) {
+            const Chances unlisted = unlisted_near(height.state, height.if_mhz, place);
+            for (const Unlisted& occupied : occupied_) {
+                const Own lit = own(height.state, height.if_mhz, occupied);
+                const std::vector<Part> on_axis = parts(near, place, lit);
+                for (std::size_t cn = 0; cn < cns_.size(); ++cn, ++cell)
+                    cell->log += mixture(on_axis, *cell, unlisted, lit.chance).log_density(above);
             }
+        }
     }
 }
 
 double Front::lock_density(const Cell& cell, const LockTry& trial) const {
     const double drift = drifts_[cell.drift];
-    const double lit = usual(trial.state, trial.if_mhz, occupied_[cell.occupied]);
     std::vector<const Emitter*> order;
-    const std::vector<Part> on_axis =
-        parts(rays(trial.state, trial.if_mhz, drift), places_[cell.place], lit, &order);
-    const Mixture held = mixture(on_axis, cell.place, cell.cn, lit);
+    std::vector<Part> on_axis;
+    const Mixture held = mixture_at(cell, trial.state, trial.if_mhz, &on_axis, &order);
     const auto shares = held.shares(static_cast<float>(trial.above));
     const double carriers = std::max(0.01, ratio(trial.above) - 1);
     double locked = 0;
@@ -284,8 +344,12 @@ void Front::take(const LockTry& trial) {
 
 void Front::catch_up(const Evidence& evidence) {
     filled_ = evidence.filled;
+    if (heights_ == evidence.heights.size() && locks_ == evidence.locks.size()) return;
     for (; heights_ < evidence.heights.size(); ++heights_) take(evidence.heights[heights_]);
     for (; locks_ < evidence.locks.size(); ++locks_) take(evidence.locks[locks_]);
+    const auto most =
+        std::ranges::max_element(cells_, {}, [](const Cell& cell) { return cell.log; });
+    most_ = static_cast<std::size_t>(std::distance(cells_.begin(), most));
 }
 
 double Front::log_sum(bool named, double trust) const {
@@ -301,28 +365,32 @@ double Front::log_sum(bool named, double trust) const {
 }
 
 Front::Best Front::best() const {
-    const auto most =
-        std::ranges::max_element(cells_, {}, [](const Cell& cell) { return cell.log; });
-    if (most == cells_.end()) return {.log = -1e9};
-    return {drifts_[most->drift], places_[most->place].east, cns_[most->cn], most->log};
+    if (cells_.empty()) return {.log = -1e9};
+    const Cell& most = cells_[most_];
+    return {drifts_[most.drift], places_[most.place].east, cns_[most.cn], most.log};
 }
 
 Mixture::Mean Front::expect(int state, double if_mhz) const {
-    const auto most =
-        std::ranges::max_element(cells_, {}, [](const Cell& cell) { return cell.log; });
-    const double lit = usual(state, if_mhz, occupied_[most->occupied]);
-    const std::vector<Part> on_axis =
-        parts(rays(state, if_mhz, drifts_[most->drift]), places_[most->place], lit);
-    return mixture(on_axis, most->place, most->cn, lit).mean();
+    return mixture_at(cells_[most_], state, if_mhz).mean();
+}
+
+double Front::fit(const Evidence& evidence) const {
+    double sum = 0;
+    double variance = 1;
+    for (const Height& height : evidence.heights) {
+        const Mixture held = mixture_at(cells_[most_], height.state, height.if_mhz);
+        const Mixture::Mean usual_log = held.usual_log();
+        sum += held.log_density(static_cast<float>(height.db)) - usual_log.db;
+        variance += usual_log.variance;
+    }
+    return sum / std::sqrt(variance);
 }
 
 double Front::lock_chance(const LockTry& trial) const {
-    const auto most =
-        std::ranges::max_element(cells_, {}, [](const Cell& cell) { return cell.log; });
     LockTry heard = trial;
     heard.locked = true;
     heard.offset.reset();
-    return lock_density(*most, heard);
+    return lock_density(cells_[most_], heard);
 }
 
 }  // namespace m47::identify

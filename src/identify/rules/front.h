@@ -65,6 +65,14 @@ class Front {
     double log_beside(double trust) const { return log_sum(false, trust); }
 
     Best best() const;
+    /// True for a finest grid around just these unknowns.
+    bool is_around(const Best& best) const {
+        return best.drift == around_.drift && best.east == around_.east && best.cn == around_.cn;
+    }
+
+    /// By how many standard deviations the levels fit better (worse below 0), at the most probable
+    /// unknowns, than levels that come about like this usually do.
+    double fit(const Evidence& evidence) const;
 
     /// What is expected of a level at the most probable unknowns.
     Mixture::Mean expect(int state, double if_mhz) const;
@@ -79,6 +87,17 @@ class Front {
         double east = 0;
         bool named = false;
         double loss = 0;  ///< dB, of the candidate
+        /// Whose unlisted carriers reach the dish there, the strongest first.
+        struct Near {
+            std::size_t candidate;
+            double loss;  ///< dB
+        };
+        std::vector<Near> near{};
+    };
+    /// What an unlisted satellite is like.
+    struct Unlisted {
+        double fills = 0;  ///< how much of the band, against what the scan shows
+        double loss = 0;   ///< dB, as it may be beside the axis
     };
     struct Cell {
         std::uint16_t place = 0;
@@ -94,6 +113,9 @@ class Front {
     };
 
     void make_places(Grid grid);
+    void find_near(Place& place) const;
+    void make_strengths();
+    void make_losses(const std::vector<double>& losses);
     void add_place(double east);
     void make_cells(double volume);
     std::vector<Ray> rays(int state, double if_mhz, double drift) const;
@@ -102,32 +124,45 @@ class Front {
         Part part;
         const Emitter* emitter;  ///< nothing for what no candidate is
     };
-    static std::vector<Heard> heard(const std::vector<Ray>& rays, const Place& place, double usual);
+    /// What no candidate is: the chance that it is there, and its power against one on the axis.
+    struct Own {
+        double chance = 0;
+        double power = 1;
+    };
+    static std::vector<Heard> heard(const std::vector<Ray>& rays, const Place& place, Own own);
     static void part_from_rivals(std::vector<Heard>& heard, std::size_t k);
-    std::vector<Part> parts(const std::vector<Ray>& rays, const Place& place, double usual,
+    std::vector<Part> parts(const std::vector<Ray>& rays, const Place& place, Own own,
                             std::vector<const Emitter*>* order = nullptr) const;
-    Mixture mixture(const std::vector<Part>& parts, std::size_t place, std::size_t cn,
+    /// What nobody lists, at a frequency, but for how strong it is.
+    using Chances = std::array<float, Stray::kMost>;
+    Chances unlisted_near(int state, double if_mhz, const Place& place) const;
+    Mixture mixture(const std::vector<Part>& parts, const Cell& cell, const Chances& unlisted,
                     double usual) const;
+    Mixture mixture_at(const Cell& cell, int state, double if_mhz,
+                       std::vector<Part>* made_of = nullptr,
+                       std::vector<const Emitter*>* order = nullptr) const;
     void take(const Height& height);
     void take(const LockTry& trial);
-    double usual(int state, double if_mhz, double occupied) const;
+    Own own(int state, double if_mhz, const Unlisted& unlisted) const;
     double lock_density(const Cell& cell, const LockTry& trial) const;
     double log_sum(bool named, double trust) const;
 
     const Arc& arc_;
     std::size_t candidate_;
     Kind kind_;
+    Best around_;
     std::vector<Place> places_;
     std::vector<double> drifts_;
     std::vector<double> cns_;
-    std::vector<float> on_axis_;    ///< the same as power ratios
-    std::vector<float> usual_db_;   ///< of the candidate's own carriers, by place and C/N
-    std::vector<double> occupied_;  ///< how much of what no candidate is, against the usual
+    std::vector<float> on_axis_;  ///< the same as power ratios
+    std::vector<float> near_db_;  ///< of who is near, by place, C/N and which of them
+    std::vector<float> own_db_;   ///< of what no candidate is, by `occupied_` and C/N
+    std::vector<Unlisted> occupied_;
     std::vector<Cell> cells_;
-    double log_cell_ = 0;  ///< the weight of a cell before any evidence
-    float unlisted_ = 0;
+    double log_cell_ = 0;               ///< the weight of a cell before any evidence
     mutable std::vector<Part> scaled_;  ///< kept, as it is needed for each cell of each level
     std::array<double, kStates> filled_{};
+    std::size_t most_ = 0;  ///< the cell that is most probable
     std::size_t heights_ = 0;
     std::size_t locks_ = 0;
 };

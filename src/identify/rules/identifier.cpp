@@ -11,8 +11,8 @@ namespace {
 constexpr int kScanOfAState = 22;
 /// Levels that are chosen come in rounds, so that the LNB is switched less.
 constexpr std::size_t kRound = 10;
-constexpr int kFewestRounds = 2;
-constexpr int kMostRounds = 10;
+constexpr int kFewestRounds = 3;
+constexpr int kMostRounds = 16;
 constexpr double kClear = 0.998;
 /// Two levels nearer than this say much the same, MHz.
 constexpr double kNear = 12;
@@ -23,14 +23,18 @@ constexpr int kMostLocks = 5;
 constexpr std::size_t kProofLevels = 16;
 constexpr double kWorthALock = 0.02;
 /// That it is none of these where levels name one but nothing of it locked.
-constexpr double kUnproven = 0.6;
+constexpr double kUnproven = 0.7;
+/// A name is not given where so much speaks for that it is none of these.
+constexpr double kMostDoubt = 0.035;
 /// The most that a name is worth without any lock.
 constexpr double kByLevels = 0.9;
 constexpr int kEnoughToLock = 5;
 /// A satellite so weak is hard to tell from what shows by chance, dB.
 constexpr double kFaintCn = 7.2;
-/// What fits worse than this, as a logarithm for each level, is not what the dish looks at.
-constexpr double kWorstFit = -2.35;
+/// What fits worse than this, in standard deviations, is not what the dish looks at.
+constexpr double kWorstFit = -5.5;
+/// Places that nobody lists are asked too, so far apart: something there speaks for none of these.
+constexpr double kGapStep = 20;  // MHz
 /// A level this much above the noise, dB, is one of a carrier.
 constexpr double kHigh = 2;
 /// and one this much above it nothing but a carrier can be.
@@ -130,6 +134,10 @@ void Identifier::plan_levels() {
                                  {Question::Kind::level, emitter.carrier.state, at}});
             }
     }
+    for (int state = 0; state < states_; ++state)
+        for (double at = kLowestIf + kGapStep / 2; at < kHighestIf; at += kGapStep)
+            if (!is_asked(state, at, kNear))
+                found.push_back({worth_of(ideas, state, at), {Question::Kind::level, state, at}});
     std::ranges::stable_sort(found, [](const auto& a, const auto& b) { return a.first > b.first; });
     std::vector<Question> chosen;
     for (const auto& [worth, question] : found) {
@@ -202,6 +210,8 @@ bool Identifier::plan_lock() {
             if (!carrier.lockable || at < kLowestIf || at > kHighestIf || lock_tried(carrier, at))
                 continue;
             const std::optional<double> above = above_at(carrier.state, at);
+            // A level that was asked for and did not come is not asked for again.
+            if (!above && is_asked(carrier.state, at, kSamePlace)) continue;
             const LockTry trial{carrier.state, at, carrier.rate,
                                 above ? *above : front.expect(carrier.state, at).db};
             const double worth = worth_of_lock(trial, which, ideas) * (above ? 1 : kWithoutLevel);
@@ -315,7 +325,7 @@ int Identifier::locks_of(std::size_t candidate) const {
 void Identifier::doubt(Verdict& verdict) const {
     double none_locks = 1;
     for (const LockTry& lock : evidence_.locks)
-        none_locks *= 1 - belief_.front(verdict.candidate).lock_chance(lock);
+        if (!lock.locked) none_locks *= 1 - belief_.front(verdict.candidate).lock_chance(lock);
     const bool enough = arc_.candidates()[verdict.candidate].lockable() >= kEnoughToLock;
     const bool faint = belief_.front(verdict.candidate).best().cn < kFaintCn;
     if (enough && !faint && none_locks > kPlausible) {
@@ -362,7 +372,9 @@ Verdict Identifier::verdict() const {
     verdict.drift = best.drift;
     verdict.locks = locks_of(verdict.candidate);
     if (verdict.kind != Verdict::Kind::candidate) return verdict;
-    if (best.log < kWorstFit * static_cast<double>(std::max<std::size_t>(1, levels_.size())))
+    const double none = belief_.chances()[belief_.none()];
+    const bool doubtful = none > kMostDoubt * (none + verdict.certainty);
+    if (doubtful || belief_.front(verdict.candidate).fit(evidence_) < kWorstFit)
         name_nobody(verdict);
     else if (verdict.locks == 0)
         doubt(verdict);

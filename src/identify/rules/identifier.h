@@ -70,6 +70,7 @@ class Identifier {
 
     const Belief& belief() const { return belief_; }
     const std::vector<Level>& levels() const { return levels_; }
+    const Evidence& evidence() const { return evidence_; }
     const std::vector<LockTry>& locks() const { return evidence_.locks; }
 
   private:

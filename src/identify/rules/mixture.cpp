@@ -24,6 +24,10 @@ constexpr float kNothingLeft = 20;
 /// Of what nobody lists so much fills the filter.
 constexpr float kFull = 0.6F;
 constexpr float kStraySpread = 1.2F;  // dB
+constexpr float kMostOff = 5;         // such spreads
+
+/// dB that a small part more makes: 10 / ln 10.
+constexpr float kDbOfPart = 4.343F;
 
 float db_of(float ratio) {
     return 10 * std::log10(ratio);
@@ -31,15 +35,22 @@ float db_of(float ratio) {
 
 }  // namespace
 
+float Stray::chance() const {
+    constexpr float kAll = 0.6F;
+    float sum = 0;
+    for (const Source& source : sources) sum += source.chance;
+    return std::min(sum, kAll);
+}
+
 void Mixture::count_parts(const std::vector<Part>& parts) {
     while (count_ < kMost && static_cast<std::size_t>(count_) < parts.size() &&
            parts[static_cast<std::size_t>(count_)].power > kFaint)
         ++count_;
 }
 
-Mixture::Case Mixture::case_of(const std::vector<Part>& parts, unsigned which, float rest) const {
+Mixture::Case Mixture::case_of(const std::vector<Part>& parts, unsigned which, Rest rest) const {
     Case one{.weight = 1};
-    float sum = rest;
+    float sum = rest.power;
     float squares = 0;
     for (int k = 0; k < count_; ++k) {
         if ((which >> k & 1U) == 0) continue;
@@ -50,16 +61,21 @@ Mixture::Case Mixture::case_of(const std::vector<Part>& parts, unsigned which, f
         squares += part.power * part.power;
     }
     one.db = db_of(sum);
-    one.variance = kJitter * kJitter + kSpread * kSpread * squares / (sum * sum);
+    one.variance =
+        kJitter * kJitter +
+        (kSpread * kSpread * squares + kDbOfPart * kDbOfPart * rest.variance) / (sum * sum);
     return one;
 }
 
 Mixture::Mixture(const std::vector<Part>& parts, float crossed, const Stray& stray)
-    : stray_(stray) {
+    : stray_(stray), stray_chance_(stray.chance()) {
     count_parts(parts);
-    float rest = 1;
-    for (auto k = static_cast<std::size_t>(count_); k < parts.size(); ++k)
-        rest += parts[k].power * parts[k].chance;
+    Rest rest{1, 0};
+    for (auto k = static_cast<std::size_t>(count_); k < parts.size(); ++k) {
+        const float mean = parts[k].power * parts[k].chance;
+        rest.power += mean;
+        rest.variance += mean * (parts[k].power - mean);
+    }
     float all = 0;
     for (unsigned which = 0; which < 1U << count_; ++which) {
         cases_[which] = case_of(parts, which, rest);
@@ -69,7 +85,7 @@ Mixture::Mixture(const std::vector<Part>& parts, float crossed, const Stray& str
     crossed_ = cases_[0];
     crossed_.weight *= kCrossedChance;
     cases_[0].weight -= crossed_.weight;
-    crossed_.db = db_of(rest + crossed);
+    crossed_.db = db_of(rest.power + crossed);
 }
 
 float Mixture::density(const Case& one, float above) const {
@@ -77,16 +93,22 @@ float Mixture::density(const Case& one, float above) const {
     const float off = above - one.db;
     const float far = off * off / (2 * one.variance);
     if (far > kNothingLeft) return 0;
-    return (1 - stray_.chance) * one.weight * kOfSquareRoot / std::sqrt(one.variance) *
+    return (1 - stray_chance_) * one.weight * kOfSquareRoot / std::sqrt(one.variance) *
            std::exp(-far);
 }
 
 float Mixture::stray_density(float above) const {
-    const float off = (above - stray_.usual) / kStraySpread;
-    const float full = kOfSquareRoot / kStraySpread * std::exp(-off * off / 2);
-    const bool inside = above > -kBelowNoise && above < stray_.highest;
-    const float part = inside ? 1 / (stray_.highest + kBelowNoise) : 0;
-    return stray_.chance * (kFull * full + (1 - kFull) * part);
+    const float least = -kBelowNoise;
+    float sum = 0;
+    for (const Stray::Source& source : stray_.sources) {
+        if (source.chance <= 0) continue;
+        const float off = (above - source.usual) / kStraySpread;
+        if (off > kMostOff) continue;
+        sum += kFull * source.chance * kOfSquareRoot / kStraySpread * std::exp(-off * off / 2);
+        if (above > least && off < 1)
+            sum += (1 - kFull) * source.chance / (source.usual + kStraySpread - least);
+    }
+    return sum;
 }
 
 float Mixture::log_density(float above) const {
@@ -105,6 +127,24 @@ Mixture::Mean Mixture::mean() const {
         variance += cases_[which].weight * (cases_[which].variance + off * off);
     }
     return {mean, variance + kJitter * kJitter};
+}
+
+Mixture::Mean Mixture::usual_log() const {
+    constexpr float kLowest = -1.5F;
+    constexpr float kStep = 0.15F;
+    constexpr int kSteps = 180;
+    float weight = 0;
+    float mean = 0;
+    float squares = 0;
+    for (int k = 0; k < kSteps; ++k) {
+        const float log = log_density(kLowest + kStep * static_cast<float>(k));
+        const float density = std::exp(log) - kOutlier;
+        weight += density;
+        mean += density * log;
+        squares += density * log * log;
+    }
+    mean /= weight;
+    return {mean, squares / weight - mean * mean};
 }
 
 std::array<float, 1 << Mixture::kMost> Mixture::shares(float above) const {

@@ -14,11 +14,17 @@ struct Part {
     unsigned excluded = 0;  ///< bit k: it cannot be there together with part k
 };
 
-/// A carrier that nobody lists.
+/// A carrier that nobody lists, of one of a few satellites.
 struct Stray {
-    float chance = 0;   ///< that there is one
-    float usual = 0;    ///< dB above the noise, where the filter is full of it
+    struct Source {
+        float chance = 0;  ///< that there is one
+        float usual = 0;   ///< dB above the noise, where the filter is full of it
+    };
+    static constexpr int kMost = 3;
+    std::array<Source, kMost> sources{};
     float highest = 1;  ///< dB above the noise
+
+    float chance() const;
 };
 
 /// How a level may come about: which of a few carriers are there. The sum over all that is possible
@@ -40,6 +46,9 @@ class Mixture {
     /// What is expected of the level.
     Mean mean() const;
 
+    /// What is expected of `log_density` where the level comes about like this.
+    Mean usual_log() const;
+
     /// The chance, after a level, that just these parts are there: bit k stands for part k. What is
     /// left to a sum of 1 is something that nobody lists.
     std::array<float, 1 << kMost> shares(float above) const;
@@ -51,13 +60,19 @@ class Mixture {
         float db = 0;
         float variance = 0;
     };
+    /// What is not one of the few, noise included.
+    struct Rest {
+        float power;
+        float variance;
+    };
     void count_parts(const std::vector<Part>& parts);
-    Case case_of(const std::vector<Part>& parts, unsigned which, float rest) const;
+    Case case_of(const std::vector<Part>& parts, unsigned which, Rest rest) const;
     float density(const Case& one, float above) const;
     float stray_density(float above) const;
 
     int count_ = 0;
     Stray stray_;
+    float stray_chance_ = 0;
     std::array<Case, 1 << kMost> cases_{};
     Case crossed_;
 };
