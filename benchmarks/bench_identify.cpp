@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Which satellite a dish points at, on the simulated orbit: how often the right position is named,
 // how certain, in what time, beside two plain ways to find out.
-// bench_identify [TRIALS [FIRST SEED]]: sky k has the seed 1000 + k, its dish and link the seed k.
+// bench_identify [TRIALS [FIRST SEED [ROW...]]]: sky k has the seed 1000 + k, its dish and link the
+// seed k; without rows all of them.
 // With M47_BENCH_TELL=1 it tells of each trial that did not end right.
 
 #include <algorithm>
@@ -11,6 +12,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <functional>
+#include <string>
 #include <vector>
 
 #include "figure.h"
@@ -40,6 +42,7 @@ double between(meter::Jitter& chance, double low, double high) {
 /// One sky, with the time that was spent on it.
 struct Dish {
     SkyStand sky;
+    identify::Lnb converter = identify::Lnb::universal();
     identify::Costs costs{};
     int state = -1;
     double seconds = 0;
@@ -47,7 +50,7 @@ struct Dish {
     int locks = 0;
 
     identify::Answer ask(const Question& question) {
-        const identify::LnbState lnb = identify::Lnb::universal().state(question.state);
+        const identify::LnbState lnb = converter.state(question.state);
         if (question.state != state) seconds += costs.change_of_state;
         state = question.state;
         sky.set_time(seconds);
@@ -103,11 +106,12 @@ void tell(const Dish& dish, const Arc& arc, const identify::Identifier& identifi
     for (const auto& lock : identifier.locks())
         std::printf(" lock %d %.0f %.1f at %.1f: %d", lock.state, lock.if_mhz, lock.rate,
                     lock.above, lock.locked ? 1 : 0);
-    std::puts("");
+    std::printf(" fit %.1f\n",
+                belief.front(identifier.verdict().candidate).fit(identifier.evidence()));
 }
 
 Outcome by_belief(Dish& dish, const Arc& arc) {
-    identify::Identifier identifier(arc, identify::kStates);
+    identify::Identifier identifier(arc, dish.converter.states());
     while (const auto question = identifier.next_question())
         identifier.take(*question, dish.ask(*question));
     tell(dish, arc, identifier);
@@ -220,9 +224,11 @@ std::vector<double> gaps_of(const Arc& arc) {
     return gaps;
 }
 
-Trial trial_of(int number, Sky kind, const Arc& arc, const std::vector<std::size_t>& targets) {
+Trial trial_of(int number, Sky kind, const Arc& arc, const std::vector<std::size_t>& targets,
+               const SkySettings& usual) {
     meter::Jitter chance(static_cast<std::uint64_t>(number));
     Trial trial;
+    trial.settings = usual;
     trial.settings.seed = kSkySeeds + static_cast<std::uint64_t>(number);
     trial.settings.cn_db = between(chance, 8, 16);
     trial.target = targets[static_cast<std::size_t>(number) % targets.size()];
@@ -284,14 +290,20 @@ void count(Sums& sums, const Trial& trial, const Outcome& outcome, bool right) {
 
 /// All that the trials have in common.
 struct Bench {
-    SkyTables tables{kFolder};
-    std::vector<Candidate> candidates = identify::candidates_of_tables(
-        identify::read_tables(QString::fromLatin1(kFolder)), identify::Lnb::universal());
-    Arc arc{candidates};
-    std::vector<std::size_t> targets;
+    const SkyTables& tables;
+    identify::Lnb converter;
+    SkySettings usual;  ///< what all its skies have alike
     int first = 0;
+    std::vector<Candidate> candidates = identify::candidates_of_tables(
+        identify::read_tables(QString::fromLatin1(kFolder)), converter);
+    Arc arc{candidates, usual.dish_cm};
+    std::vector<std::size_t> targets{};
 
-    Bench() {
+    Bench(const SkyTables& all, int first_seed, const identify::Lnb& lnb, const SkySettings& alike)
+        : tables(all), converter(lnb), usual(alike), first(first_seed) {
+        usual.oscillator = lnb.oscillator;
+        usual.tone_oscillator = lnb.upper_oscillator.value_or(lnb.oscillator);
+        usual.circular = lnb.circular;
         for (std::size_t k = 0; k < candidates.size(); ++k)
             if (candidates[k].lockable() >= kFewestTransponders) targets.push_back(k);
     }
@@ -330,10 +342,10 @@ struct Bench {
     Sums run(Sky kind, int trials, const Way& way, std::size_t known_count = 0) const {
         Sums sums;
         for (int number = first; number < first + trials; ++number) {
-            const Trial trial = trial_of(number, kind, arc, targets);
-            Dish dish{SkyStand(tables, trial.settings)};
+            const Trial trial = trial_of(number, kind, arc, targets, usual);
+            Dish dish{SkyStand(tables, trial.settings), converter};
             const QString& target = candidates[trial.target].name;
-            const Arc known(known_of(trial, kind, known_count));
+            const Arc known(known_of(trial, kind, known_count), usual.dish_cm);
             const std::clock_t began = std::clock();
             const Outcome outcome = way(dish, known);
             const double took = static_cast<double>(std::clock() - began) / CLOCKS_PER_SEC;
@@ -369,33 +381,106 @@ void print_reliability(const Sums& sums) {
                         100.0 * sums.certain_right[k] / sums.certain[k]);
 }
 
+/// The rows of the tables: all, or those that are named.
+struct Rows {
+    const SkyTables& tables;
+    int trials;
+    int first;
+    std::vector<std::string> wanted;
+
+    bool wants(const char* row) const {
+        return wanted.empty() || std::ranges::count(wanted, row) > 0;
+    }
+    int part(int divisor) const { return std::max(1, trials / divisor); }
+    Bench on(const identify::Lnb& lnb, const SkySettings& alike) const {
+        return {tables, first, lnb, alike};
+    }
+
+    Sums print_name(const Bench& bench) const {
+        Sums belief = bench.run(Sky::full, trials, by_belief);
+        print_row("by belief", belief);
+        constexpr double kMostNotRight = 2;
+        constexpr double kMostSeconds = 60;
+        bench::print_figure("identification, not the right position",
+                            100 - belief.percent(belief.right), kMostNotRight, "of 100 skies");
+        bench::print_figure("identification, seconds in the median", median(belief.seconds),
+                            kMostSeconds, "seconds at the stated pace");
+        return belief;
+    }
+
+    void print_nobody(const Bench& bench, const char* row, const char* name, Sky kind, int count,
+                      Sums& all) const {
+        if (!wants(row)) return;
+        const Sums sums = bench.run(kind, count, by_belief);
+        print_row(name, sums);
+        for (std::size_t k = 0; k < all.certain.size(); ++k) {
+            all.certain[k] += sums.certain[k];
+            all.certain_right[k] += sums.certain_right[k];
+        }
+    }
+
+    /// What is asked by belief, and of all its answers how right they were.
+    void print_belief(const Bench& bench) const {
+        Sums all;
+        if (wants("name")) all = print_name(bench);
+        print_nobody(bench, "blank", "by belief, blank sky", Sky::blank, part(10), all);
+        print_nobody(bench, "between", "by belief, between satellites", Sky::between, part(10),
+                     all);
+        print_nobody(bench, "removed", "by belief, satellite removed", Sky::removed, part(3), all);
+        print_reliability(all);
+    }
+
+    void print_plain_ways(const Bench& bench) const {
+        if (wants("correlation"))
+            print_row("240 levels, correlation", bench.run(Sky::full, trials, by_correlation));
+        if (wants("turns"))
+            print_row("ten transponders each in turn", bench.run(Sky::full, part(10), by_turns));
+    }
+
+    void print_growth(const Bench& bench) const {
+        if (!wants("growth")) return;
+        for (const std::size_t count : {10U, 30U, 100U, 138U, 200U, 300U})
+            print_row(qUtf8Printable(QStringLiteral("by belief, %1 candidates").arg(count)),
+                      bench.run(Sky::full, part(25), by_belief, count));
+    }
+
+    void print_other(const char* row, const char* name, const identify::Lnb& lnb,
+                     const SkySettings& alike) const {
+        if (!wants(row)) return;
+        const Bench bench = on(lnb, alike);
+        std::printf("%zu candidates, %zu with enough to lock\n", bench.arc.size(),
+                    bench.targets.size());
+        const Sums sums = bench.run(Sky::full, part(10), by_belief);
+        print_row(name, sums);
+        print_reliability(sums);
+    }
+};
+
 }  // namespace
 
 int main(int argc, char** argv) {
-    const int trials = argc > 1 ? std::atoi(argv[1]) : 1000;
-    Bench bench;
-    if (argc > 2) bench.first = std::atoi(argv[2]);
+    const SkyTables tables{kFolder};
+    const Rows rows{tables,
+                    argc > 1 ? std::atoi(argv[1]) : 1000,
+                    argc > 2 ? std::atoi(argv[2]) : 0,
+                    {argv + std::min(argc, 3), argv + argc}};
+    const identify::Lnb universal = identify::Lnb::universal();
+    const Bench bench = rows.on(universal, {});
     std::printf("%zu candidates, %zu of them with %d transponders or more to lock\n",
                 bench.arc.size(), bench.targets.size(), kFewestTransponders);
     std::printf("%-32s %5s %8s %8s %8s %8s %9s %8s\n", "", "n", "right %", "wrong %", "sure %",
                 "leading", "median s", "cpu s");
-    const Sums belief = bench.run(Sky::full, trials, by_belief);
-    print_row("by belief", belief);
-    const int others = std::max(1, trials / 10);
-    print_row("240 levels, correlation", bench.run(Sky::full, trials, by_correlation));
-    print_row("ten transponders each in turn", bench.run(Sky::full, others, by_turns));
-    print_row("by belief, blank sky", bench.run(Sky::blank, others, by_belief));
-    print_row("by belief, between satellites", bench.run(Sky::between, others, by_belief));
-    print_row("by belief, satellite removed", bench.run(Sky::removed, others, by_belief));
-    print_reliability(belief);
-    for (const std::size_t count : {10U, 30U, 100U, 138U, 200U, 300U})
-        print_row(qUtf8Printable(QStringLiteral("by belief, %1 candidates").arg(count)),
-                  bench.run(Sky::full, std::max(1, trials / 25), by_belief, count));
-    constexpr double kMostNotRight = 2;
-    constexpr double kMostSeconds = 60;
-    bench::print_figure("identification, not the right position",
-                        100 - belief.percent(belief.right), kMostNotRight, "of 100 skies");
-    bench::print_figure("identification, seconds in the median", median(belief.seconds),
-                        kMostSeconds, "seconds at the stated pace");
+    rows.print_belief(bench);
+    rows.print_plain_ways(bench);
+    rows.print_growth(bench);
+    rows.print_other("off-air", "30 % off air", universal, {.off_air_percent = 30});
+    rows.print_other("unequal", "neighbours of unequal power", universal, {.unequal_db = 3});
+    rows.print_other("single", "one oscillator 10600", identify::Lnb::single(10600), {});
+    identify::Lnb circular = identify::Lnb::single(10750);
+    circular.circular = true;
+    rows.print_other("circular", "circular, 10750", circular, {});
+    // With a smaller dish the beam is as wide as three positions.
+    rows.print_other("c-band", "C band 5150, dish of 240 cm", identify::Lnb::single(5150),
+                     {.dish_cm = 240});
     return 0;
 }
