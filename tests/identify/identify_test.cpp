@@ -333,7 +333,10 @@ class IdentifyTest : public QObject {
         if (!QFileInfo::exists(QLatin1String(kFolder))) QSKIP("no scan tables are installed");
         const SkyTables tables(kFolder);
         auto left = candidates_of_tables(read_tables(QLatin1String(kFolder)), Lnb::universal());
-        std::erase_if(left, [](const Candidate& one) { return one.name == u"63.0W"; });
+        // Those nearby will do.
+        std::erase_if(left, [](const Candidate& one) {
+            return one.name == u"63.0W" || arc_between(one.positions.front(), -63) > 30;
+        });
         OrbitSky sky(tables, {.seed = 101056, .cn_db = 13.7, .east = -62.6});
         const Verdict verdict = identify_in(sky, Arc(left));
         QCOMPARE(verdict.kind, Verdict::Kind::none_of_these);
