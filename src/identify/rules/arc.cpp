@@ -122,6 +122,12 @@ Arc::Arc(std::vector<Candidate> candidates, double dish_cm) : candidates_(std::m
     for (std::size_t k = 0; k < size(); ++k) own.push_back(emitters_of(k, dish_cm));
     find_neighbours();
     count_usual(own);
+    count_unlisted(own);
+    gather(own);
+}
+
+/// What is around each of them, by frequency.
+void Arc::gather(const std::vector<std::vector<Emitter>>& own) {
     around_.resize(size());
     for (std::size_t k = 0; k < size(); ++k) {
         for (const Emitter& emitter : own[k])
@@ -164,12 +170,9 @@ void Arc::find_neighbours() {
 void Arc::count_usual(const std::vector<std::vector<Emitter>>& own) {
     const std::size_t places = usual_place(kHighestIf) + 1;
     for (std::vector<double>& row : usual_) row.assign(places, 0);
-    unlisted_.resize(size());
     for (std::size_t k = 0; k < size(); ++k) {
         std::array<std::vector<double>, kStates> dark;
         for (std::vector<double>& row : dark) row.assign(places, 1);
-        for (std::vector<double>& row : unlisted_[k]) row.assign(places, 0);
-        for (const Emitter& emitter : own[k]) add_unlisted(unlisted_[k], emitter);
         for (const Emitter& emitter : own[k])
             for (std::size_t place = 0; place < places; ++place) {
                 const double mhz = kLowestIf + (static_cast<double>(place) + 0.5) * kUsualStep;
@@ -177,9 +180,16 @@ void Arc::count_usual(const std::vector<std::vector<Emitter>>& own) {
                     1 - emitter.chance * emitter.share(mhz, 0);
             }
         for (std::size_t state = 0; state < dark.size(); ++state)
-            for (std::size_t place = 0; place < places; ++place) {
+            for (std::size_t place = 0; place < places; ++place)
                 usual_[state][place] += (1 - dark[state][place]) / static_cast<double>(size());
-            }
+    }
+}
+
+void Arc::count_unlisted(const std::vector<std::vector<Emitter>>& own) {
+    unlisted_.resize(size());
+    for (std::size_t k = 0; k < size(); ++k) {
+        for (std::vector<double>& row : unlisted_[k]) row.assign(usual_place(kHighestIf) + 1, 0);
+        for (const Emitter& emitter : own[k]) add_unlisted(unlisted_[k], emitter);
     }
 }
 

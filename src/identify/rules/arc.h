@@ -67,7 +67,9 @@ class Arc {
   private:
     std::vector<Emitter> emitters_of(std::size_t candidate, double dish_cm) const;
     void find_neighbours();
+    void gather(const std::vector<std::vector<Emitter>>& own);
     void count_usual(const std::vector<std::vector<Emitter>>& own);
+    void count_unlisted(const std::vector<std::vector<Emitter>>& own);
 
     std::vector<Candidate> candidates_;
     double beam_ = 0;

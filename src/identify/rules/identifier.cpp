@@ -117,30 +117,37 @@ void Identifier::ask_by_state(std::vector<Question> questions) {
     planned_.insert(planned_.end(), questions.begin(), questions.end());
 }
 
-void Identifier::plan_levels() {
+void Identifier::add_worth(Worths& worths, const Ideas& ideas, int state, double if_mhz) const {
+    if (is_asked(state, if_mhz, kNear)) return;
+    worths.push_back({worth_of(ideas, state, if_mhz), {Question::Kind::level, state, if_mhz}});
+}
+
+/// The levels that may be asked, what tells most first.
+Identifier::Worths Identifier::worths_of_levels() const {
     const Ideas ideas = belief_.ideas();
-    std::vector<std::pair<double, Question>> found;
+    Worths found;
     std::vector<std::size_t> seen;
     for (const auto& [front, weight] : ideas) {
         if (std::ranges::count(seen, front->candidate()) > 0) continue;
         seen.push_back(front->candidate());
         const double drift = front->best().drift;
         for (const std::vector<Emitter>& state : arc_.around(front->candidate()))
-            for (const Emitter& emitter : state) {
-                const double at =
-                    std::round(std::clamp(emitter.carrier.if_mhz + drift, kLowestIf, kHighestIf));
-                if (is_asked(emitter.carrier.state, at, kNear)) continue;
-                found.push_back({worth_of(ideas, emitter.carrier.state, at),
-                                 {Question::Kind::level, emitter.carrier.state, at}});
-            }
+            for (const Emitter& emitter : state)
+                add_worth(
+                    found, ideas, emitter.carrier.state,
+                    std::round(std::clamp(emitter.carrier.if_mhz + drift, kLowestIf, kHighestIf)));
     }
+    const int gaps = static_cast<int>((kHighestIf - kLowestIf) / kGapStep);
     for (int state = 0; state < states_; ++state)
-        for (double at = kLowestIf + kGapStep / 2; at < kHighestIf; at += kGapStep)
-            if (!is_asked(state, at, kNear))
-                found.push_back({worth_of(ideas, state, at), {Question::Kind::level, state, at}});
+        for (int k = 0; k < gaps; ++k)
+            add_worth(found, ideas, state, kLowestIf + (k + 0.5) * kGapStep);
     std::ranges::stable_sort(found, [](const auto& a, const auto& b) { return a.first > b.first; });
+    return found;
+}
+
+void Identifier::plan_levels() {
     std::vector<Question> chosen;
-    for (const auto& [worth, question] : found) {
+    for (const auto& [worth, question] : worths_of_levels()) {
         const bool near = std::ranges::any_of(chosen, [&, &question = question](const auto& other) {
             return other.state == question.state &&
                    std::abs(other.if_mhz - question.if_mhz) < kNear;

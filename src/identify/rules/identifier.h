@@ -77,6 +77,9 @@ class Identifier {
     void plan_scan();
     void plan();
     void plan_levels();
+    using Worths = std::vector<std::pair<double, Question>>;
+    void add_worth(Worths& worths, const Ideas& ideas, int state, double if_mhz) const;
+    Worths worths_of_levels() const;
     bool plan_lock();
     void plan_proof();
     bool wants_levels(double certainty) const;
