@@ -16,6 +16,7 @@
 #include "numbers.h"
 #include "plain_file.h"
 #include "ui_band_sweep.h"
+#include "waits.h"
 
 namespace m47::band {
 namespace {
@@ -65,21 +66,6 @@ constexpr Bilingual kAnyFile{"All files (*)", "Tutti i file (*)"};
 /// most, however slow it is.
 constexpr qint64 kShowEvery = 150;
 constexpr qint64 kDrawingShare = 50;
-
-/// While it lives `show` is told of each moment in which the meter is waited for: painting then
-/// takes nothing of the sweep's time.
-class Waits {
-  public:
-    Waits(link::Link& link, const std::function<void()>& show) : link_(link) {
-        link_.on_waited = show;
-    }
-    ~Waits() { link_.on_waited = nullptr; }
-    Waits(const Waits&) = delete;
-    Waits& operator=(const Waits&) = delete;
-
-  private:
-    link::Link& link_;
-};
 
 /// The bytes of `path`; throws what the user is told where there are none.
 QByteArray read_table(const QString& path, const Texts& texts) {
@@ -223,7 +209,7 @@ void BandSweep::band_start_Click() {
     tell_result(QString());
     BandEnd end;
     {
-        const Waits waits(link_, [this] { show_while_waiting(); });
+        const link::Waits waits(link_, [this] { show_while_waiting(); });
         end = run.run();
     }
     find_all_carriers();
