@@ -35,7 +35,11 @@ constexpr Bilingual kNoWork{"The key \"%1\" has no function.", "Il tasto \"%1\" 
 constexpr Bilingual kRecords{"The line is being recorded into %1",
                              "La linea viene registrata in %1"};
 
+constexpr Bilingual kIdentifyWord{"Identify", "Identifica"};
+
 constexpr Tooltip kMenuTips[] = {
+    {"cmdidentify", "Find out which satellite the dish looks at",
+     "Scopre quale satellite guarda l'antenna"},
     {"cmdimportdb", "Bring plans and satellites from an old database",
      "Importa piani e satelliti da un vecchio database"},
     {"cmdtrace", "Write down all that goes over the line, for whoever looks for a fault",
@@ -53,6 +57,7 @@ constexpr Tooltip kMenuTips[] = {
 constexpr Caption kMenuCaptions[] = {
     {"cmdscreens", {"&Screens", "&Schermate"}},
     {"cmdreconnect", {"&Reconnect", "&Ricollega"}},
+    {"cmdidentify", {"I&dentify satellite…", "I&dentifica satellite…"}},
     {"cmdimportdb", {"&Import old database…", "&Importa un vecchio database…"}},
     {"cmdtrace", {"Re&cord the line…", "Regis&tra la linea…"}},
     {"cmdreplay", {"Ope&n recording…", "Apri re&gistrazione…"}},
@@ -113,6 +118,7 @@ M47MDI::M47MDI(ProgramState& program, QWidget* parent)
 /// What others than this window do.
 void M47MDI::connect_entries() {
     connect(ui_->cmdreconnect, &QAction::triggered, this, &M47MDI::reconnect_asked);
+    connect(ui_->cmdidentify, &QAction::triggered, this, &M47MDI::identify_asked);
     connect(ui_->cmdimportdb, &QAction::triggered, this, &M47MDI::import_asked);
     connect(ui_->cmdtrace, &QAction::triggered, this, &M47MDI::trace_asked);
     connect(ui_->cmdreplay, &QAction::triggered, this, &M47MDI::replay_asked);
@@ -165,6 +171,8 @@ void M47MDI::add_instruments() {
     for (qsizetype k = 0; k < screen_keys_.size(); ++k)
         if (screen_table()[static_cast<std::size_t>(k)].bar == KeyBar::instruments)
             bar->addAction(screen_keys_[k]);
+    ui_->cmdidentify->setIcon(toolbar_icon(ui_->cmdidentify->objectName()));
+    bar->addAction(ui_->cmdidentify);
     addToolBar(bar);
     windows_->take_toolbar(bar);
     open_to_keyboard(bar);
@@ -372,9 +380,10 @@ void M47MDI::show_texts() {
     toolkit_language_.follow(program_.texts);
     set_tooltips(this, kMenuTips, program_.texts);
     set_captions(this, kMenuCaptions, program_.texts);
-    for (QAction* entry : {ui_->cmdimportdb, ui_->cmdtrace, ui_->cmdreplay, ui_->cmdproblem,
-                           ui_->cmdmanual, ui_->cmdabout})
+    for (QAction* entry : {ui_->cmdidentify, ui_->cmdimportdb, ui_->cmdtrace, ui_->cmdreplay,
+                           ui_->cmdproblem, ui_->cmdmanual, ui_->cmdabout})
         entry->setStatusTip(entry->toolTip());
+    ui_->cmdidentify->setIconText(program_.texts.pick(kIdentifyWord));
     for (const ScreenEntry& screen : screen_table())
         findChild<QAction*>(QString::fromLatin1(screen.key))
             ->setIconText(program_.texts.pick(screen.word));

@@ -105,6 +105,8 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
     void texts_shown();
     /// The menu entry "&Reconnect".
     void reconnect_asked();
+    /// The menu entry and key "I&dentify satellite…".
+    void identify_asked();
     /// The menu entry "&Import old database…".
     void import_asked();
     /// The menu entry "Re&cord the line…".

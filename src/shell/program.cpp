@@ -84,7 +84,8 @@ Program::Program(ProgramState& state, std::unique_ptr<db::Database> database, li
       recording_command_(recording_, state, window_),
       problem_command_(state, connection_, *database_, recording_, window_),
       start_(window_, connection_, state, *database_),
-      import_(*database_, link(), state, window_) {
+      import_(*database_, link(), state, window_),
+      identify_(state, link(), *database_, window_) {
     // The logger's temporary file has no name yet, and message 0 is composed with that.
     state_.texts.load_messages(state_.temp_file_name);
     tell_faults_in(&state_.texts);
@@ -99,6 +100,8 @@ Program::Program(ProgramState& state, std::unique_ptr<db::Database> database, li
         import_.cmdimportdb_Click();
         if (auto* screen = window_.opened<plans::ProgramSet>()) screen->database_changed();
     });
+    on(&window_, &M47MDI::identify_asked, &window_, "cmdidentify_Click",
+       [this] { identify_.cmdidentify_Click(); });
     on(&window_, &M47MDI::trace_asked, &window_, "cmdtrace_Click",
        [this] { recording_command_.cmdtrace_Click(); });
     on(&window_, &M47MDI::replay_asked, &window_, "cmdreplay_Click",

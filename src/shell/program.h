@@ -8,6 +8,7 @@
 #include "database.h"
 #include "device_watch.h"
 #include "help_key.h"
+#include "identify_command.h"
 #include "import_command.h"
 #include "line_recording.h"
 #include "link.h"
@@ -82,6 +83,7 @@ class Program {
     QTimer watch_timer_;
     std::unique_ptr<HelpKey> help_key_;
     ImportCommand import_;
+    IdentifyCommand identify_;
 };
 
 }  // namespace m47::shell

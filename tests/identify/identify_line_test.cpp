@@ -6,50 +6,21 @@
 #include <QTest>
 #include <cmath>
 
+#include "best_carrier.h"
 #include "candidate_choice.h"
+#include "candidate_programs.h"
 #include "commands.h"
 #include "fake_link_view.h"
 #include "identification_run.h"
 #include "meter_in_process.h"
+#include "satellite_tables.h"
 
 namespace m47::identify {
 namespace {
 
-/// A row of transponders of one satellite, as a scan table lists them.
-struct Row {
-    const char* name;
-    double first;
-    double step;
-    int count;
-    const char* polarisation;
-    int rate;
-};
-
-/// Five satellites, each far from the next.
-constexpr Row kRows[] = {{"Alpha-10.0E", 10720, 80, 24, "VERTICAL", 27500},
-                         {"Beta-20.0E", 10750, 90, 21, "HORIZONTAL", 27500},
-                         {"Gamma-30.0E", 11730, 70, 14, "VERTICAL", 22000},
-                         {"Delta-40.0E", 11760, 100, 10, "HORIZONTAL", 30000},
-                         {"Epsilon-5.0W", 10700, 60, 30, "HORIZONTAL", 22000}};
-
-/// The folder with their tables.
-class Tables {
+/// The candidates of made-up satellites.
+class Tables : public SatelliteTables {
   public:
-    Tables() {
-        for (const Row& row : kRows) {
-            QByteArray text;
-            for (int k = 0; k < row.count; ++k)
-                text += "[T]\nDELIVERY_SYSTEM = DVBS\nFREQUENCY = " +
-                        QByteArray::number((row.first + row.step * k) * 1000, 'f', 0) +
-                        "\nPOLARIZATION = " + row.polarisation +
-                        "\nSYMBOL_RATE = " + QByteArray::number(row.rate * 1000) +
-                        "\nINNER_FEC = 3/4\n";
-            QFile file(folder_.filePath(row.name));
-            if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
-                qFatal("no table");
-        }
-    }
-    QString folder() const { return folder_.path(); }
     std::vector<Candidate> candidates() const {
         return candidates_of({.folder = folder()}, nullptr);
     }
@@ -58,9 +29,6 @@ class Tables {
     std::vector<Candidate> few() const {
         return candidates_of({.folder = folder(), .part = ArcPart{10, 20}}, nullptr);
     }
-
-  private:
-    QTemporaryDir folder_;
 };
 
 /// A meter on a line, and everything between it and an identification.
@@ -426,6 +394,51 @@ class IdentifyLineTest : public QObject {
         QCOMPARE(found[0].carriers.size(), std::size_t{1});
         QCOMPARE(found[0].carriers[0].state, 3);
         QCOMPARE(found[0].carriers[0].if_mhz, 1178.0);
+    }
+
+    void a_transponder_is_a_program_where_it_is_received_best() {
+        // 11.8 GHz comes down in both bands, a circular one at both voltages of a linear LNB.
+        Candidate candidate{.name = "20.0E"};
+        for (const Place& place : Lnb::universal().places(11800, 'H'))
+            candidate.carriers.push_back(
+                {place.state, place.if_mhz, 27.5, true, 11800, 'H', 0, 20.0});
+        for (const Place& place : Lnb::universal().places(11000, 'L'))
+            candidate.carriers.push_back(
+                {place.state, place.if_mhz, 22.0, false, 11000, 'L', 3, 20.0});
+        candidate.carriers.push_back({0, 1500, 60.0, true, 11250, 'V', 0, 20.0});
+        QCOMPARE(candidate.carriers.size(), std::size_t{5});
+        const auto programs = candidate_programs(candidate, Lnb::universal(), 0);
+        QCOMPARE(programs.size(), std::size_t{3});
+        QCOMPARE(programs[0].record.frequenza, QString("11000"));
+        QVERIFY(programs[0].beyond_qpsk && programs[0].comes());
+        QCOMPARE(programs[1].problem, plans::ImportProblem::rate_out_of_range);
+        const plans::ImportCandidate& upper = programs[2];
+        QCOMPARE(upper.oscillator, QString("10600"));
+        QCOMPARE(upper.record.K22, 1);
+        QCOMPARE(upper.record.lnb_volt, 2);
+        QCOMPARE(upper.record.loc_osc0, 1);
+        QCOMPARE(upper.record.qpsk_symbolrate, QString("27500"));
+        QCOMPARE(upper.polarisation, QString("H"));
+        QVERIFY(upper.record.sat_ad && !upper.record.loc_osc && !upper.beyond_qpsk);
+        QCOMPARE(upper.line, 3);
+        const auto c_band = candidate_programs(
+            {.name = "C", .carriers = {{1, 1350, 10, true, 3800, 'H'}}}, Lnb::single(5150), 0);
+        QCOMPARE(c_band.front().oscillator, QString("5150"));
+        QCOMPARE(c_band.front().record.frequenza, QString("3800"));
+    }
+
+    void a_dish_is_turned_best_at_what_locked() {
+        std::vector<Asked> asked(5);
+        QVERIFY(!best_carrier(asked));
+        asked[0].answer = {.db = 50};
+        asked[1].answer = {.db = 70, .below_range = true};
+        asked[2].answer = {.db = 60};
+        QCOMPARE(best_carrier(asked)->answer.db, std::optional(60.0));
+        asked[3].answer = {.locked = true, .mer = 9.0};
+        asked[4].answer = {.locked = true, .mer = 12.0};
+        QCOMPARE(best_carrier(asked)->answer.mer, std::optional(12.0));
+        asked[4].answer = {.locked = false};
+        QCOMPARE(best_carrier(asked)->answer.mer, std::optional(9.0));
     }
 
     void without_candidates_it_says_what_helps() {

@@ -4,6 +4,7 @@
 #include "changed_dialog.h"
 #include "clash_dialog.h"
 #include "compare_view.h"
+#include "identify_dialog.h"
 #include "import_dialog.h"
 #include "import_report.h"
 #include "peak_dialog.h"
@@ -41,6 +42,92 @@ void show_levels(peak::PeakDialog& dialog) {
                                  measurement::Quantity::level,
                                  {.value = 58.3F - 6.0F * away * away + jitter}});
     }
+}
+
+/// A long name among the short ones of an arc.
+std::vector<identify::Candidate> satellites() {
+    std::vector<identify::Candidate> made;
+    for (int k = 0; k < 14; ++k)
+        made.push_back({.name = identify::position_text(3 * k - 5),
+                        .satellites = {k == 2 ? "Eutelsat 7A and B, Badr, Al Yah" : "Hotbird"},
+                        .positions = {3.0 * k - 5}});
+    return made;
+}
+
+/// What is held once the seventh is known by `chance`.
+std::vector<identify::Standing> standings(double chance) {
+    using Kind = identify::Verdict::Kind;
+    std::vector<identify::Standing> made{{Kind::candidate, 6, chance}};
+    for (std::size_t k = 0; k < satellites().size(); ++k)
+        if (k != 6) made.push_back({Kind::candidate, k, (1 - chance) / 16});
+    made.insert(made.begin() + 1, {Kind::none_of_these, 0, (1 - chance) / 8});
+    made.push_back({Kind::no_satellite, 0, (1 - chance) / 16});
+    return made;
+}
+
+identify::Asked asked(int number) {
+    const bool lock = number % 8 == 7;
+    identify::Asked made;
+    made.question = {lock ? identify::Question::Kind::lock : identify::Question::Kind::level,
+                     number % 4, 950 + 13.5 * number, lock ? 27.5 : 0};
+    made.lnb = identify::Lnb::universal().state(made.question.state);
+    made.sky_mhz = identify::Lnb::universal().sky_mhz(made.question.state, made.question.if_mhz);
+    if (lock)
+        made.answer = {.locked = number % 16 == 7, .offset = -1.4};
+    else
+        made.answer = {.db = 48.3 + number % 5};
+    made.from_start = 0.3 * number;
+    return made;
+}
+
+void ask_sky(identify::IdentifyDialog& dialog, double chance) {
+    for (int number = 0; number < 40; ++number) dialog.show_answer(asked(number));
+    dialog.show_beliefs(standings(chance), satellites(), -1.4);
+}
+
+void end_asking(identify::IdentifyDialog& dialog, const std::optional<identify::Verdict>& verdict,
+                bool lost) {
+    identify::IdentificationEnd end{.verdict = verdict, .lost = lost, .answers = 88};
+    if (lost)
+        end.not_set_back = {{"tuned frequency", "frequenza sintonizzata"},
+                            {"local oscillator", "oscillatore locale"},
+                            {"22 kHz tone", "tono 22 kHz"}};
+    dialog.show_running(false);
+    dialog.show_end(end, satellites());
+}
+
+void add_identification(QMap<QString, MakeDialog>& made, ProgramState& state,
+                        const std::function<link::Link&()>& line) {
+    const auto identify = [&](const std::function<void(identify::IdentifyDialog&)>& enter) {
+        return [&state, line, enter](QWidget* parent) -> QDialog* {
+            identify::IdentifyWork work{.link = line(), .program = state};
+            work.make_programs = [](const auto&) {};
+            work.find_peak = [](const auto&) {};
+            auto* dialog = new identify::IdentifyDialog(work, parent);
+            enter(*dialog);
+            return dialog;
+        };
+    };
+    made["identify"] = identify([](identify::IdentifyDialog&) {});
+    made["identify half way"] = identify([](identify::IdentifyDialog& dialog) {
+        ask_sky(dialog, 0.43);
+        dialog.show_running(true);
+        dialog.show_question(asked(47));
+    });
+    made["identify ended"] = identify([](identify::IdentifyDialog& dialog) {
+        ask_sky(dialog, 0.983);
+        end_asking(dialog,
+                   identify::Verdict{.kind = identify::Verdict::Kind::candidate,
+                                     .candidate = 6,
+                                     .certainty = 0.983,
+                                     .runner_up = 2,
+                                     .runner_up_chance = 0.01},
+                   false);
+    });
+    made["identify lost"] = identify([](identify::IdentifyDialog& dialog) {
+        ask_sky(dialog, 0.43);
+        end_asking(dialog, std::nullopt, true);
+    });
 }
 
 }  // namespace
@@ -123,6 +210,7 @@ QMap<QString, MakeDialog> sample_dialogs(ProgramState& state,
         outcome.attenuator_back = false;
         dialog.show_end(outcome);
     });
+    add_identification(made, state, line);
     made["old database"] = [&texts](QWidget* parent) {
         return new olddb::ReportDialog("M47", QString("Line of the report\n").repeated(60), texts,
                                        parent);

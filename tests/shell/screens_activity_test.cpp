@@ -6,11 +6,12 @@
 namespace m47::shell {
 
 /// The program on a virtual line with the simulated meter, connected.
-MeterInProcess& ScreensTest::start_with_meter() {
+MeterInProcess& ScreensTest::start_with_meter(const std::optional<DishInProcess>& dish) {
     meter_.reset();
     end_program();
-    line_ = &start_on_fake_line({1024, 600}, [this](FakePort& line) {
-        meter_ = std::make_unique<MeterInProcess>(line, 1);
+    line_ = &start_on_fake_line({1024, 600}, [this, &dish](FakePort& line) {
+        meter_ = dish ? std::make_unique<MeterInProcess>(line, 1, *dish)
+                      : std::make_unique<MeterInProcess>(line, 1);
     });
     return *meter_;
 }

@@ -36,6 +36,7 @@
 #include "program_in_folder.h"
 #include "realtime.h"
 #include "realtime_tooltips.h"
+#include "satellite_tables.h"
 #include "screen_table.h"
 #include "virtual_clock.h"
 
@@ -59,7 +60,10 @@ class ScreensTest : public QObject, protected ProgramInFolder {
     realtime::Realtime* open_realtime();
     band::BandSweep* open_sweep(double from, double to, const char* step);
     void sweep(band::BandSweep* screen);
-    MeterInProcess& start_with_meter();
+    MeterInProcess& start_with_meter(const std::optional<DishInProcess>& dish = {});
+    MeterInProcess& start_under_the_orbit();
+    void in_the_dialog(const std::function<void(QDialog*)>& act,
+                       const std::vector<BoxAnswers::Answer>& others = {});
     void click_in_the_wait(const QWidget* control);
     QByteArray sight();
     bool seen_of(const std::function<void()>& press);
@@ -67,11 +71,13 @@ class ScreensTest : public QObject, protected ProgramInFolder {
     QStringList find_the_peak(QMessageBox::StandardButton answer);
     void leave_the_peak(QDialog* dialog);
 
+    std::unique_ptr<SatelliteTables> satellites_;
     std::unique_ptr<MeterInProcess> meter_;
     FakePort* line_ = nullptr;
     BoxAnswers* pressed_boxes_ = nullptr;
     QString peak_state_;      ///< what the dialog of the peak said in the end
     QStringList peak_boxes_;  ///< the boxes around it
+    QStringList seen_boxes_;  ///< "Identify satellite" and the boxes that it opened
 
   private Q_SLOTS:
     void init();
@@ -277,6 +283,29 @@ class ScreensTest : public QObject, protected ProgramInFolder {
     void every_fault_of_the_line_ends_a_sweep_with_one_sentence();
 
     void what_cannot_be_swept_is_told();
+
+    void a_satellite_is_identified_while_its_bar_grows();
+
+    void ten_satellites_have_a_bar_and_what_is_none();
+
+    void it_is_asked_again_and_the_choice_is_kept();
+
+    void transponders_of_the_satellite_become_programs();
+
+    void asking_stops_at_once_data();
+    void asking_stops_at_once();
+
+    void a_link_that_is_lost_while_asking_leaves_what_came();
+
+    void what_was_asked_is_saved_as_a_table();
+
+    void what_cannot_be_asked_is_told();
+
+    void a_run_that_measures_is_not_disturbed_by_asking();
+
+    void the_key_is_not_taken_while_the_meter_is_waited_for();
+
+    void the_peak_of_the_named_satellite_is_searched_with_a_motor();
 
     void a_fault_in_a_handler_shows_one_box_and_the_program_goes_on();
 };

@@ -28,6 +28,7 @@ enum class FilePurpose {
     problem,
     sweep,
     scan_table,
+    identification,
 };
 
 /// What the program remembers from one run to the next for the user's comfort: window places, the

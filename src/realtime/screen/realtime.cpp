@@ -32,6 +32,7 @@
 #include "twips.h"
 #include "ui_realtime.h"
 #include "verdict_delegate.h"
+#include "waits.h"
 
 namespace m47::realtime {
 namespace {
@@ -70,20 +71,6 @@ constexpr Bilingual kPageIsEmpty{"The measurement page is empty already: a measu
 constexpr std::chrono::milliseconds kBehindBox{200};
 /// Without a pause the next exchange would begin before the keys pressed in the last one are seen.
 constexpr std::chrono::milliseconds kForTheUser{10};
-
-/// While it lives `show` is told of each moment in which the meter is waited for.
-class Waiting {
-  public:
-    Waiting(link::Link& link, const std::function<void()>& show) : link_(link) {
-        link_.on_waited = show;
-    }
-    ~Waiting() { link_.on_waited = nullptr; }
-    Waiting(const Waiting&) = delete;
-    Waiting& operator=(const Waiting&) = delete;
-
-  private:
-    link::Link& link_;
-};
 
 }  // namespace
 
@@ -181,6 +168,24 @@ void Realtime::meter_came() {
 
 void Realtime::tune_to(const WantedCarrier& carrier) {
     handle("band_carrier_Click", [&] { rules.tuning.tune_to(carrier); });
+}
+
+void Realtime::find_peak_at(const WantedCarrier& carrier) {
+    handle("identify_peak_Click", [&] {
+        rules.tuning.tune_to(carrier);
+        cmdpeak_Click();
+    });
+}
+
+bool Realtime::has_motor() const {
+    return ui_->diseqc->opened() == dish::DiseqcState::motor;
+}
+
+bool Realtime::told_that_run_goes_on() {
+    const bool goes_on =
+        acquisition.running() || acquisition.passing() || rules.state.plan_run_active;
+    if (goes_on) program_.costs.tell_each(kRunGoesOn);
+    return goes_on;
 }
 
 void Realtime::connect_tuning() {
@@ -315,8 +320,7 @@ void Realtime::connect_timers() {
 
 void Realtime::cmdpeak_Click() {
     if (!rules.link.port_connected) return program_.costs.tell_each(kNoMeterForPeak);
-    if (acquisition.running() || acquisition.passing() || rules.state.plan_run_active)
-        return program_.costs.tell_each(kRunGoesOn);
+    if (told_that_run_goes_on()) return;
     const QString frequency = rules.tuning.checked_frequency(rules.panel.fsat);
     peak::PeakDialog dialog({.link = rules.link,
                              .texts = program_.texts,
@@ -381,7 +385,7 @@ void Realtime::point_once() {
     if (acquisition.passing()) return repeat_level(false);
     rules.state.plan_run_active = true;
     try {
-        const Waiting ageing(rules.link, [this] { level_view_->grows_old(); });
+        const link::Waits ageing(rules.link, [this] { level_view_->grows_old(); });
         const std::optional<measurement::Measurement> level = pointing_->next();
         if (level) level_view_->measured(*level);
     } catch (...) {

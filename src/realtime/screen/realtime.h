@@ -50,6 +50,14 @@ class Realtime : public Screen {
 
     /// Tunes to `carrier`, as the controls then show it.
     void tune_to(const WantedCarrier& carrier);
+    /// The same, and goes on to the peak of the dish there.
+    void find_peak_at(const WantedCarrier& carrier);
+
+    /// The motor of a dish has been chosen.
+    bool has_motor() const;
+    /// A run measures, or waits for its next time: the meter is not free for anything else. The
+    /// user is told then.
+    bool told_that_run_goes_on();
 
     /// Opens `file` as the log, as the key "save" does with the chosen name.
     void open_log(const QString& file);
