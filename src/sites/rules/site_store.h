@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QSqlDatabase>
+#include <QString>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "site_records.h"
+
+namespace m47::sites {
+
+/// The name of the file of sites and visits in the working folder.
+inline constexpr const char* kSitesFile = "sites.sqlite";
+
+/// Why the file of sites cannot be used.
+struct StoreError {
+    enum class Kind { newer, foreign, damaged, locked, full, unreadable, read_only, other };
+    Kind kind = Kind::other;
+    QString path;
+    QString detail;  ///< the engine's own words; may be empty
+};
+
+/// The file of sites, visits and measurements. It is made at the first store; what is only looked at
+/// makes no file. What cannot be read or written is a Fault, and leaves the file as it was.
+class SiteStore {
+  public:
+    /// Opens the file at `path`, making it where there is none, and brings an older one up to date.
+    /// Nullptr with `error` filled where it cannot be used: it is left as it is then.
+    static std::unique_ptr<SiteStore> open(const QString& path, StoreError& error);
+    ~SiteStore();
+    SiteStore(const SiteStore&) = delete;
+    SiteStore& operator=(const SiteStore&) = delete;
+
+    /// All sites, by name.
+    std::vector<Site> sites() const;
+    /// The visits at `site`, the latest first.
+    std::vector<Visit> visits(const QUuid& site) const;
+    std::optional<Visit> visit(const QUuid& id) const;
+    /// The measurements of `visit` in the order in which they were taken.
+    std::vector<VisitMeasurement> measurements(const QUuid& visit) const;
+
+    /// Each stores a new one or replaces that of the same id, at once and durably.
+    void store(const Site& site);
+    void store(const Visit& visit);
+    void store(const VisitMeasurement& measurement);
+    /// Removes it with all that hangs on it.
+    void remove_site(const QUuid& id);
+    void remove_visit(const QUuid& id);
+
+    /// Does `work` as one transaction: all of it or, where it throws, nothing.
+    void together(const std::function<void()>& work);
+
+    /// For statements of the screens' own searches and charts, read only.
+    const QSqlDatabase& connection() const;
+
+  private:
+    explicit SiteStore(const QString& path);
+
+    class Connection;
+    std::unique_ptr<Connection> connection_;
+};
+
+}  // namespace m47::sites
