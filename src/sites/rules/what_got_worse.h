@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include "site_records.h"
+#include "visit_comparison.h"
+
+namespace m47::sites {
+
+/// A program that got worse at a site; the measurements say at which visits.
+struct GotWorse {
+    Site site;
+    ProgramComparison program;
+};
+
+/// The visits at a site, the latest first, and the measurements of each, both read when they are
+/// asked for.
+struct SiteHistory {
+    Site site;
+    std::vector<Visit> visits;
+    std::function<std::vector<VisitMeasurement>(const Visit&)> measurements;
+};
+
+/// Every program at `history` that is lost, or whose MER or level fell by more than `decibels`,
+/// between the first visit that measured it and the last one that did. Of the visits between the
+/// first and the last only those are read in which a program that one of these lacks may stand.
+std::vector<ProgramComparison> worse_since_first(const SiteHistory& history, double decibels);
+
+/// That of all sites, the worst first: what is lost, then by how far it fell.
+std::vector<GotWorse> what_got_worse(const std::vector<SiteHistory>& sites, double decibels);
+
+}  // namespace m47::sites
