@@ -110,32 +110,32 @@ QVariant single_answer(const QSqlDatabase& database, const QString& statement) {
     return query.next() ? query.value(0) : QVariant();
 }
 
-/// The first finding of the engine's check of that name; empty where it has none.
-QString finding_of(const QSqlDatabase& database, const char* check) {
-    const QString statement = QStringLiteral("PRAGMA %1(1)").arg(QLatin1String(check));
+/// The first finding of the engine's check of that name, of all or of what `asked` names; empty
+/// where it has none.
+QString finding_of(const QSqlDatabase& database, const char* check, const QString& asked) {
+    const QString statement = QStringLiteral("PRAGMA %1(%2)").arg(QLatin1String(check), asked);
     const QString finding = single_answer(database, statement).toString();
     return finding == QLatin1String("ok") ? QString() : finding;
 }
 
 /// The quick check leaves out whether each index knows each row, and that alone: a program that an
 /// index has lost would be missing in silence.
-DatabaseFault fault_of_check(const QSqlDatabase& database, const QString& finding) {
-    const QString structure = finding_of(database, "quick_check");
+DatabaseFault fault_of_check(const QSqlDatabase& database, const QString& finding,
+                             const QString& asked) {
+    const QString structure = finding_of(database, "quick_check", asked);
     return structure.isEmpty() ? DatabaseFault::index_damaged : fault_of_finding(finding);
 }
 
-std::optional<DatabaseError> damage_of(const QSqlDatabase& database, const QString& path) {
-    if (const QString finding = finding_of(database, "integrity_check"); !finding.isEmpty())
-        return DatabaseError{fault_of_check(database, finding), path, finding};
-    // The engine takes the missing part of the last page for zeros.
+/// The engine takes the missing part of the last page for zeros.
+std::optional<DatabaseError> shortness_of(const QSqlDatabase& database, const QString& path) {
     const qint64 whole =
         single_answer(database, QStringLiteral("SELECT page_count * page_size "
                                                "FROM pragma_page_count, pragma_page_size"))
             .toLongLong();
-    if (const qint64 size = QFileInfo(path).size(); size < whole)
-        return DatabaseError{DatabaseFault::damaged, path,
-                             QStringLiteral("%1 < %2 bytes").arg(size).arg(whole)};
-    return std::nullopt;
+    const qint64 size = QFileInfo(path).size();
+    if (size >= whole) return std::nullopt;
+    return DatabaseError{DatabaseFault::damaged, path,
+                         QStringLiteral("%1 < %2 bytes").arg(size).arg(whole)};
 }
 
 /// The fields of each table of the file. The engine does not tell capitals from small letters in
@@ -190,6 +190,18 @@ DatabaseFault fault_of_finding(const QString& finding) {
     static const QRegularExpression kCode(QStringLiteral("error code=(\\d+)"));
     const QRegularExpressionMatch match = kCode.match(finding);
     return match.hasMatch() ? meaning_of(match.captured(1).toInt()) : DatabaseFault::damaged;
+}
+
+std::optional<DatabaseError> damage_of(const QSqlDatabase& database, const QString& path,
+                                       const QStringList& tables) {
+    // Asked for so many findings, it checks all of the file.
+    static const QStringList kAll{QStringLiteral("1")};
+    for (const QString& asked : tables.isEmpty() ? kAll : tables) {
+        const QString finding = finding_of(database, "integrity_check", asked);
+        if (!finding.isEmpty())
+            return DatabaseError{fault_of_check(database, finding, asked), path, finding};
+    }
+    return shortness_of(database, path);
 }
 
 std::optional<DatabaseError> fault_of_content(const QSqlDatabase& database, const QString& path) {

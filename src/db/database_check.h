@@ -3,6 +3,7 @@
 
 #include <QSqlDatabase>
 #include <QString>
+#include <QStringList>
 #include <optional>
 
 #include "database.h"
@@ -20,6 +21,12 @@ std::optional<DatabaseError> fault_of_file(const QString& path);
 /// The same for what the engine finds: damage, missing tables and fields. An error of the engine is
 /// an EngineFault.
 std::optional<DatabaseError> fault_of_content(const QSqlDatabase& database, const QString& path);
+
+/// Damage that the engine's check finds in `tables`, with their indices, or in all of the file
+/// where none are named, and a file that is shorter than its pages. An error of the engine is an
+/// EngineFault.
+std::optional<DatabaseError> damage_of(const QSqlDatabase& database, const QString& path,
+                                       const QStringList& tables = {});
 
 /// Begins a write and undoes it; one that does not pass is an EngineFault, but for a full disk.
 void probe_write(const QSqlDatabase& database);

@@ -9,22 +9,17 @@
 #include <vector>
 
 #include "site_records.h"
+#include "store_error.h"
 
 namespace m47::sites {
 
 /// The name of the file of sites and visits in the working folder.
 inline constexpr const char* kSitesFile = "sites.sqlite";
 
-/// Why the file of sites cannot be used.
-struct StoreError {
-    enum class Kind { newer, foreign, damaged, locked, full, unreadable, read_only, other };
-    Kind kind = Kind::other;
-    QString path;
-    QString detail;  ///< the engine's own words; may be empty
-};
-
-/// The file of sites, visits and measurements. It is made at the first store; what is only looked at
-/// makes no file. What cannot be read or written is a Fault, and leaves the file as it was.
+/// The file of sites, visits and measurements. It is made at the first store; what is only looked
+/// at makes no file: look whether there is one before open(). What cannot be read or written is a
+/// StoreFault, and leaves the file as it was. One object a file and process: another one would take
+/// its locks away.
 class SiteStore {
   public:
     /// Opens the file at `path`, making it where there is none, and brings an older one up to date.
@@ -42,7 +37,8 @@ class SiteStore {
     /// The measurements of `visit` in the order in which they were taken.
     std::vector<VisitMeasurement> measurements(const QUuid& visit) const;
 
-    /// Each stores a new one or replaces that of the same id, at once and durably.
+    /// Each stores a new one or replaces that of the same id, at once and durably. A visit needs
+    /// its site in the file, a measurement its visit; it is known by its id within that visit.
     void store(const Site& site);
     void store(const Visit& visit);
     void store(const VisitMeasurement& measurement);
@@ -50,8 +46,12 @@ class SiteStore {
     void remove_site(const QUuid& id);
     void remove_visit(const QUuid& id);
 
-    /// Does `work` as one transaction: all of it or, where it throws, nothing.
+    /// Does `work` as one transaction: all of it or, where it throws, nothing. Within `work` it may
+    /// be called again.
     void together(const std::function<void()>& work);
+
+    /// How long a lock of another program is waited for, 3 s where this is not told.
+    void wait_for_locks(int milliseconds);
 
     /// For statements of the screens' own searches and charts, read only.
     const QSqlDatabase& connection() const;

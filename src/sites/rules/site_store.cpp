@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "site_store.h"
+
+#include <algorithm>
+
+#include "site_connection.h"
+#include "store_check.h"
+#include "store_file.h"
+
+namespace m47::sites {
+namespace {
+
+/// Runs `work`; what the engine says to it is told as a fault of this file.
+template <typename Work>
+auto told(const Work& work) {
+    try {
+        return work();
+    } catch (const db::EngineFault& fault) {
+        throw StoreFault(store_error_of(fault));
+    }
+}
+
+}  // namespace
+
+class SiteStore::Connection : public SiteConnection {
+  public:
+    using SiteConnection::SiteConnection;
+};
+
+std::unique_ptr<SiteStore> SiteStore::open(const QString& path, StoreError& error) {
+    if (const auto fault = make_site_file(path)) {
+        error = *fault;
+        return nullptr;
+    }
+    try {
+        auto store = std::unique_ptr<SiteStore>(new SiteStore(path));
+        const auto fault = prepare_site_file(store->connection(), path);
+        if (!fault) return store;
+        error = *fault;
+    } catch (const db::EngineFault& fault) {
+        error = store_error_of(fault);
+    }
+    return nullptr;
+}
+
+SiteStore::SiteStore(const QString& path) : connection_(std::make_unique<Connection>(path)) {}
+
+SiteStore::~SiteStore() = default;
+
+std::vector<Site> SiteStore::sites() const {
+    auto found = told([this] { return connection_->sites(); });
+    // The engine knows the capitals of ASCII alone.
+    std::ranges::sort(found, [](const Site& one, const Site& other) {
+        const int order = QString::compare(one.name, other.name, Qt::CaseInsensitive);
+        return order != 0 ? order < 0 : one.id < other.id;
+    });
+    return found;
+}
+
+std::vector<Visit> SiteStore::visits(const QUuid& site) const {
+    return told([&] { return connection_->visits_at(site); });
+}
+
+std::optional<Visit> SiteStore::visit(const QUuid& id) const {
+    return told([&] { return connection_->visit(id); });
+}
+
+std::vector<VisitMeasurement> SiteStore::measurements(const QUuid& visit) const {
+    return told([&] { return connection_->measurements(visit); });
+}
+
+void SiteStore::store(const Site& site) {
+    told([&] { connection_->store(site); });
+}
+
+void SiteStore::store(const Visit& visit) {
+    told([&] { connection_->store(visit); });
+}
+
+void SiteStore::store(const VisitMeasurement& measurement) {
+    told([&] { connection_->together([&] { connection_->store(measurement); }); });
+}
+
+void SiteStore::remove_site(const QUuid& id) {
+    told([&] { connection_->remove_site(id); });
+}
+
+void SiteStore::remove_visit(const QUuid& id) {
+    told([&] { connection_->remove_visit(id); });
+}
+
+void SiteStore::together(const std::function<void()>& work) {
+    told([&] { connection_->together(work); });
+}
+
+void SiteStore::wait_for_locks(int milliseconds) {
+    told([&] {
+        db::Query(connection(), QStringLiteral("PRAGMA busy_timeout = %1").arg(milliseconds));
+    });
+}
+
+const QSqlDatabase& SiteStore::connection() const {
+    return connection_->database();
+}
+
+}  // namespace m47::sites
