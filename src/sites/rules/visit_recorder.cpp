@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "visit_recorder.h"
+
+#include <QRandomGenerator>
+#include <QtEndian>
+#include <algorithm>
+#include <array>
+
+namespace m47::sites {
+namespace {
+
+constexpr double kSecond = 1000;  // ms
+// A file that has failed is not waited for with every row: the meter would wait too.
+constexpr int kPatience = 3000;
+constexpr int kImpatience = 20;
+constexpr std::size_t kMostAtOnce = 128;
+
+constexpr Bilingual kMissing{"of the visit, %1 of %2 rows are missing in the file of sites '%3'",
+                             "della visita mancano %1 righe su %2 nel file dei siti '%3'"};
+constexpr Bilingual kVisitGone{"The visit is no longer in the file of sites.",
+                               "La visita non è più nel file dei siti."};
+
+/// An id that grows with `moment`, ms since 1970, so that rows are added at the end of the file.
+QUuid id_at(std::int64_t moment) {
+    constexpr int kMomentBits = 48;
+    constexpr int kVersion = 7;
+    std::array<quint64, 2> words{};
+    QRandomGenerator::global()->fillRange(words.data(), words.size());
+    const quint64 time = static_cast<quint64>(moment) << (64 - kMomentBits);
+    words[0] = qToBigEndian(time | quint64{kVersion} << 12 | (words[0] & 0xfff));
+    words[1] = qToBigEndian(quint64{2} << 62 | words[1] >> 2);
+    return QUuid::fromRfc4122(
+        QByteArrayView(reinterpret_cast<const char*>(words.data()), sizeof(words)));
+}
+
+}  // namespace
+
+std::optional<Site> site_named(const SiteStore& store, const QString& name) {
+    const QString wanted = name.simplified();
+    const std::vector<Site> sites = store.sites();
+    const auto found = std::ranges::find_if(sites, [&](const Site& site) {
+        return site.name.simplified().compare(wanted, Qt::CaseInsensitive) == 0;
+    });
+    return found == sites.end() ? std::nullopt : std::optional(*found);
+}
+
+Instant instant_of(const QDateTime& moment) {
+    return {static_cast<double>(moment.toMSecsSinceEpoch()) / kSecond, moment.offsetFromUtc()};
+}
+
+VisitRecorder::~VisitRecorder() = default;
+
+void VisitRecorder::start(const Visit& visit) {
+    visit_ = visit;
+    waiting_.clear();
+    at_once_ = 1;
+    last_moment_ = 0;
+    stored_ = given_up_ = 0;
+    told_ = fails_ = false;
+    running_ = true;
+}
+
+void VisitRecorder::begin(const QString& site, const VisitFacts& facts, const QDateTime& now) {
+    Visit visit{.id = QUuid::createUuid(),
+                .site = {},
+                .begun = instant_of(now),
+                .technician = facts.technician,
+                .instrument = facts.instrument,
+                .logo = facts.logo,
+                .plan = facts.plan,
+                .remarks = facts.remarks};
+    store_.together([&] {
+        std::optional<Site> place = site_named(store_, site);
+        if (!place) {
+            place = Site{.id = QUuid::createUuid(), .name = site.simplified()};
+            store_.store(*place);
+        }
+        visit.site = place->id;
+        store_.store(visit);
+    });
+    start(visit);
+}
+
+void VisitRecorder::resume(const QUuid& visit) {
+    std::optional<Visit> found = store_.visit(visit);
+    if (!found) throw Fault(kVisitGone);
+    found->ended.reset();
+    store_.store(*found);
+    start(*found);
+}
+
+QUuid VisitRecorder::next_id(double utc) {
+    // The rows of one second stay in their order too.
+    last_moment_ = std::max(static_cast<std::int64_t>(utc * kSecond), last_moment_ + 1);
+    return id_at(last_moment_);
+}
+
+void VisitRecorder::take(const measurement::Measurement& measured, int offset) {
+    if (!running_) return;
+    if (waiting_.size() == kMostWaiting) {
+        ++given_up_;
+    } else {
+        const Instant instant{measured.instant.value_or(0) - offset, offset};
+        waiting_.push_back({.id = next_id(instant.utc),
+                            .visit = visit_->id,
+                            .instant = instant,
+                            .measurement = measured});
+    }
+    store_waiting();
+}
+
+/// False where the file fails.
+bool VisitRecorder::store_waiting() {
+    while (!waiting_.empty()) {
+        if (!trapped([this] { store_some(); })) return false;
+        at_once_ = std::min(at_once_ * 2, kMostAtOnce);
+    }
+    at_once_ = 1;
+    return true;
+}
+
+void VisitRecorder::store_some() {
+    const std::size_t count = std::min(waiting_.size(), at_once_);
+    const auto end = waiting_.begin() + static_cast<std::ptrdiff_t>(count);
+    store_.together([&] {
+        for (auto row = waiting_.begin(); row != end; ++row) store_.store(*row);
+    });
+    waiting_.erase(waiting_.begin(), end);
+    stored_ += static_cast<int>(count);
+}
+
+bool VisitRecorder::trapped(const std::function<void()>& work) {
+    try {
+        work();
+        if (fails_) be_patient(kPatience);
+        fails_ = false;
+        return true;
+    } catch (const StoreFault& fault) {
+        at_once_ = 1;
+        if (!fails_) be_patient(kImpatience);
+        fails_ = true;
+        if (!told_ && on_fault) on_fault(fault.error());
+        told_ = true;
+        return false;
+    }
+}
+
+void VisitRecorder::be_patient(int milliseconds) {
+    try {
+        store_.wait_for_locks(milliseconds);
+    } catch (const StoreFault&) {
+        // The next row has its own trial.
+    }
+}
+
+void VisitRecorder::end(const QDateTime& now) {
+    if (!running_) return;
+    running_ = false;
+    visit_->ended = instant_of(now);
+    // The last chance of what waits is worth some time.
+    if (fails_) be_patient(kPatience);
+    store_waiting();
+    if (!trapped([this] { store_.store(*visit_); })) visit_->ended.reset();
+    if (fails_) be_patient(kPatience);
+}
+
+std::optional<Said> VisitRecorder::missing_text() const {
+    if (missing() == 0) return std::nullopt;
+    return Said{kMissing,
+                {QString::number(missing()), QString::number(missing() + stored_),
+                 QString::fromLatin1(kSitesFile)}};
+}
+
+}  // namespace m47::sites
