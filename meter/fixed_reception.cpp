@@ -44,7 +44,7 @@ double qpsk_ber(double cn_db) {
 /// The sky of sky_table.cpp, as the installation hands it down.
 class FixedReception : public Reception {
   public:
-    explicit FixedReception(SkyKind kind) : sky_(kind) {}
+    FixedReception(SkyKind kind, double fade_db) : sky_(kind, fade_db) {}
 
     double band_power(const Settings& settings, double low_mhz, double high_mhz) const override {
         return meter::band_power(sky_.received(settings), low_mhz, high_mhz);
@@ -83,19 +83,13 @@ QpskQuality FixedReception::qpsk(const Settings& settings, double cn_error_db) c
 
 }  // namespace
 
-const Reception& fixed_reception(SkyKind kind) {
-    static const FixedReception good(SkyKind::good);
-    static const FixedReception failing_lnb(SkyKind::failing_lnb);
-    static const FixedReception off_peak(SkyKind::off_peak);
-    switch (kind) {
-        case SkyKind::failing_lnb:
-            return failing_lnb;
-        case SkyKind::off_peak:
-            return off_peak;
-        case SkyKind::good:
-            break;
-    }
+const Reception& fixed_reception() {
+    static const FixedReception good(SkyKind::good, 0.0);
     return good;
+}
+
+std::unique_ptr<const Reception> make_fixed_reception(SkyKind kind, double fade_db) {
+    return std::make_unique<FixedReception>(kind, fade_db);
 }
 
 }  // namespace meter

@@ -9,6 +9,7 @@ namespace {
 SkyOptions sky_of(const Options& options) {
     SkyOptions sky = options.sky;
     sky.chance.seed = options.seed;
+    sky.chance.fade_db = options.sky.fade_db;
     return sky;
 }
 
@@ -18,7 +19,8 @@ Instrument::Instrument(const Options& options, const SecondsClock& clock)
     : jitter_(options.seed),
       line_noise_(~options.seed),
       sky_(PointedSky::of(sky_of(options), clock)),
-      receiver_(jitter_, sky_ ? sky_->reception() : fixed_reception(options.sky.kind)),
+      fixed_(sky_ ? nullptr : make_fixed_reception(options.sky.kind, options.sky.fade_db)),
+      receiver_(jitter_, sky_ ? sky_->reception() : *fixed_),
       state_(options.version_text),
       interpreter_(state_, receiver_),
       faults_(options.faults, options.fault_after, options.fault_on),

@@ -40,7 +40,8 @@ class Instrument : public Responder {
   private:
     Jitter jitter_;
     Jitter line_noise_;
-    std::unique_ptr<PointedSky> sky_;  ///< null under the fixed sky
+    std::unique_ptr<PointedSky> sky_;         ///< null under the fixed sky
+    std::unique_ptr<const Reception> fixed_;  ///< null under the other
     Receiver receiver_;
     State state_;
     Interpreter interpreter_;

@@ -153,7 +153,7 @@ double Orbit::fade_db(double seconds) const {
     const double turn = 2.0 * std::numbers::pi * seconds;
     const double slow = std::sin(turn / kLongPeriodSeconds + fade_phase_);
     const double quick = std::sin(turn / kShortPeriodSeconds + 2.0 * fade_phase_);
-    return -options_.weather_db * (2.0 + slow + quick) / 4.0;
+    return -options_.fade_db - options_.weather_db * (2.0 + slow + quick) / 4.0;
 }
 
 }  // namespace meter

@@ -21,6 +21,7 @@ struct OrbitOptions {
     double unlisted_percent = 10.0;  ///< transponders that no table lists, of the number listed
     double drift_mhz = 3.0;          ///< the converter has drifted by at most this
     double weather_db = 1.0;         ///< the deepest fade
+    double fade_db = 0.0;            ///< by which all satellites are weaker at all times
 };
 
 /// A transponder that is on the air.
@@ -52,7 +53,8 @@ class Orbit {
     /// How far the converter has drifted, MHz.
     double drift_mhz() const { return drift_mhz_; }
 
-    /// The fade of all satellites at a time in seconds, dB, from 0 down to minus the deepest.
+    /// The fade of all satellites at a time in seconds, dB: that of all times and that of the
+    /// weather.
     double fade_db(double seconds) const;
 
     const OrbitOptions& options() const { return options_; }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <memory>
+
 #include "settings.h"
 #include "sky.h"
 
@@ -34,6 +36,9 @@ class Reception {
 };
 
 /// The sky that is the same at all times.
-const Reception& fixed_reception(SkyKind kind = SkyKind::good);
+const Reception& fixed_reception();
+
+/// The same of an installation of that kind, whose carriers are weaker by `fade_db`.
+std::unique_ptr<const Reception> make_fixed_reception(SkyKind kind, double fade_db);
 
 }  // namespace meter

@@ -78,14 +78,14 @@ std::optional<SkyKind> sky_kind(std::string_view name) {
     return std::nullopt;
 }
 
-Sky::Sky(SkyKind kind) {
+Sky::Sky(SkyKind kind, double fade_db) {
     for (std::size_t band = 0; band < kBands; ++band) {
         const bool tone = band % 2 == 1;
         const Change change = change_of(kind, tone);
         Spectrum spectrum = satellite_spectrum(band >= 2, tone);
         for (Carrier carrier : spectrum.carriers) {
-            carrier.level_dbuv += change.level_db;
-            carrier.link_cn_db += change.cn_db;
+            carrier.level_dbuv += change.level_db - fade_db;
+            carrier.link_cn_db += change.cn_db - fade_db;
             carrier.drift_mhz += change.drift_mhz;
             carriers_[band].push_back(carrier);
         }

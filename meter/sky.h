@@ -62,7 +62,8 @@ std::optional<SkyKind> sky_kind(std::string_view name);
 /// The four spectra of an installation as they arrive at the meter.
 class Sky {
   public:
-    explicit Sky(SkyKind kind);
+    /// Every carrier is weaker by `fade_db`, and its C/N lower.
+    explicit Sky(SkyKind kind, double fade_db = 0.0);
     Sky(const Sky&) = delete;
     Sky& operator=(const Sky&) = delete;
 

@@ -9,10 +9,11 @@
 
 namespace meter {
 
-/// What the command line says of the sky; the rest holds for the orbit alone.
+/// What the command line says of the sky; what is not told otherwise holds for the orbit alone.
 struct SkyOptions {
     bool orbit = false;
     SkyKind kind = SkyKind::good;  ///< where it is not the orbit
+    double fade_db = 0.0;          ///< every carrier is weaker by this, of either sky
     std::string tables = "/usr/share/dvb/dvb-s";
     OrbitOptions chance;
     Lnb lnb;

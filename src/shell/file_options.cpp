@@ -3,9 +3,12 @@
 
 #include <QFileInfo>
 #include <QList>
+#include <algorithm>
+#include <array>
 
 #include "database.h"
 #include "file_place.h"
+#include "site_store.h"
 
 namespace m47::shell {
 namespace {
@@ -43,16 +46,28 @@ bool lead_to_one_file(const QString& one, const QString& other) {
     return platform::same_file(one, other).value_or(place_of(one) == place_of(other));
 }
 
+/// The file of the engine itself or one that it has beside it.
+bool is_kept_file(const QString& path, const QString& kept) {
+    return std::ranges::any_of(std::array{"", "-journal", "-wal", "-shm"}, [&](const char* beside) {
+        return lead_to_one_file(path, kept + QLatin1String(beside));
+    });
+}
+
 }  // namespace
 
 QString file_option_fault(const Options& options, const QString& base_dir) {
-    const QString database = base_dir + QLatin1String(db::kDatabaseFile);
+    struct Kept {
+        const char* name;
+        const char* what;
+    };
+    constexpr Kept kKept[] = {{db::kDatabaseFile, "the database"},
+                              {sites::kSitesFile, "the file of sites"}};
     const QList<NamedFile> files = named_files(options);
     for (qsizetype k = 0; k < files.size(); ++k) {
-        for (const char* beside : {"", "-journal", "-wal", "-shm"})
-            if (lead_to_one_file(files[k].path, database + QLatin1String(beside)))
-                return QStringLiteral("%1 names the database: %2")
-                    .arg(files[k].option, files[k].path);
+        for (const Kept& kept : kKept)
+            if (is_kept_file(files[k].path, base_dir + QLatin1String(kept.name)))
+                return QStringLiteral("%1 names %2: %3")
+                    .arg(files[k].option, QLatin1String(kept.what), files[k].path);
         for (qsizetype other = 0; other < k; ++other)
             if (lead_to_one_file(files[k].path, files[other].path))
                 return QStringLiteral("%1 and %2 name the same file: %3")

@@ -45,7 +45,8 @@ QString check_identify(const QCommandLineParser& parser, const Options& options)
           "open",    "corrected", "analog",      "digital",   "freq",           "lnb",
           "tone",    "diseqc",    "bandwidth",   "alarm",     "confirm",        "count",
           "log",     "format",    "screenshot",  "plan",      "passes",         "every",
-          "replay",  "full-tune", "symbol-rate", "reconnect", "problem-report", "create-database"})
+          "replay",  "full-tune", "symbol-rate", "reconnect", "problem-report", "create-database",
+          "site"})
         if (parser.isSet(QLatin1String(other)))
             return QStringLiteral("--%1 does not go with --identify").arg(QLatin1String(other));
     if (!options.identify->plans) return {};

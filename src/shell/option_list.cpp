@@ -146,6 +146,27 @@ OptionList output_options() {
     };
 }
 
+/// How a run is kept as a visit at a site.
+OptionList visit_options() {
+    return {
+        {"site",
+         "Keep the rows as a visit at the site NAME in the file sites.sqlite, where both are made "
+         "if they are not there.",
+         "NAME"},
+        {"resume-visit",
+         "With --site: go on with the latest visit there where it was cut off; else begin one."},
+        {"compare-with",
+         "With --site: compare at the end with the visit WHICH there (first, last or that of a "
+         "date such as 2026-11-22) and tell on stderr which programs got worse; status 1 where "
+         "any did.",
+         "WHICH"},
+        {"worse-than",
+         "With --compare-with: a program got worse that is lost or whose level or MER fell by more "
+         "than DB (0 to 100, default 2).",
+         "DB"},
+    };
+}
+
 /// What is brought into the database and out of it.
 OptionList exchange_options() {
     return {
@@ -173,8 +194,8 @@ void add_options(QCommandLineParser& parser) {
     parser.setApplicationDescription(
         QStringLiteral("Remote control for the M47 TV signal level meter."));
     for (const OptionList& subject :
-         {start_options(), measurement_options(), pass_options(), output_options(), sweep_options(),
-          peak_options(), identify_options(), exchange_options()})
+         {start_options(), measurement_options(), pass_options(), output_options(), visit_options(),
+          sweep_options(), peak_options(), identify_options(), exchange_options()})
         parser.addOptions(subject);
 }
 

@@ -16,6 +16,7 @@
 #include "stored_names.h"
 #include "sweep_options.h"
 #include "tuning_range.h"
+#include "visit_options.h"
 
 namespace m47::shell {
 namespace {
@@ -162,8 +163,9 @@ QString read_format(const QCommandLineParser& parser, Options& options) {
 
 /// A name that a script left empty is not the same as none.
 QString check_names(const QCommandLineParser& parser) {
-    for (const char* name : {"directory", "log", "plan", "screenshot", "trace", "replay",
-                             "problem-report", "scan-table", "scan-tables", "import-database"}) {
+    for (const char* name :
+         {"directory", "log", "plan", "screenshot", "trace", "replay", "problem-report",
+          "scan-table", "scan-tables", "import-database", "site"}) {
         const QString option = QString::fromLatin1(name);
         if (parser.isSet(option) && parser.value(option).trimmed().isEmpty())
             return QStringLiteral("--%1 takes a name, not an empty one").arg(option);
@@ -253,6 +255,7 @@ QString read_values(const QCommandLineParser& parser, Options& options) {
     if (error.isEmpty()) error = read_peak_span(parser, options);
     if (error.isEmpty()) error = read_identify(parser, options);
     if (error.isEmpty()) error = read_format(parser, options);
+    if (error.isEmpty()) error = read_visit(parser, options);
     if (error.isEmpty()) error = read_plan_files(parser, options);
     if (error.isEmpty()) error = read_alarms(parser, options.alarms);
     return error;

@@ -8,6 +8,7 @@
 #include "option_values.h"
 #include "peak_options.h"
 #include "texts.h"
+#include "visit_options.h"
 
 namespace m47::shell {
 namespace {
@@ -52,7 +53,7 @@ QString check_sweep(const QCommandLineParser& parser, const Options& options) {
                            "digital",    "freq",    "diseqc",          "bandwidth", "symbol-rate",
                            "alarm",      "confirm", "count",           "log",       "format",
                            "screenshot", "plan",    "passes",          "every",     "full-tune",
-                           "reconnect",  "replay",  "problem-report"});
+                           "reconnect",  "replay",  "problem-report",  "site"});
     if (!name.isEmpty()) return QStringLiteral("--%1 does not go with --sweep").arg(name);
     if (options.scan_table.isEmpty()) return {};
     if (!options.carriers) return QStringLiteral("--scan-table needs --carriers");
@@ -82,7 +83,7 @@ QString check_combination(const QCommandLineParser& parser, const Options& optio
         return QStringLiteral("--freq goes with --measure or --peak only");
     name = first_set(parser, {"analog", "digital", "bandwidth", "symbol-rate", "alarm", "confirm",
                               "count", "log", "format", "screenshot", "plan", "passes", "every",
-                              "full-tune", "reconnect", "diseqc"});
+                              "full-tune", "reconnect", "diseqc", "site"});
     if (!name.isEmpty()) return QStringLiteral("--%1 goes with --measure only").arg(name);
     return {};
 }
@@ -167,6 +168,7 @@ Options parse_options(const QStringList& arguments) {
     QString error = read_values(parser, options);
     if (error.isEmpty() && options.user_data && parser.isSet(QStringLiteral("directory")))
         error = QStringLiteral("--directory and --user-data exclude each other");
+    if (error.isEmpty()) error = check_visit(parser);
     if (error.isEmpty()) error = check_combination(parser, options);
     if (error.isEmpty()) error = check_replay(parser);
     if (error.isEmpty()) error = check_database_work(parser);

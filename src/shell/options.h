@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QDate>
 #include <QMap>
 #include <QString>
 #include <QStringList>
+#include <cstdint>
 #include <optional>
 
 #include "candidate_choice.h"
@@ -42,6 +44,17 @@ struct PlanFileOption {
     bool asked() const { return !file.isEmpty(); }
 };
 
+/// At which site a run is kept as a visit, and what it is compared with.
+struct VisitOptions {
+    enum class Compared : std::uint8_t { none, first, last, of_date };
+
+    QString site;           ///< empty: the run is no visit
+    double worse_than = 2;  ///< dB of level or MER
+    QDate date;             ///< of the visit it is compared with
+    Compared compared = Compared::none;
+    bool resumed = false;  ///< go on with a visit that was cut off
+};
+
 /// What the command line asks for.
 struct Options {
     enum class Action { run, help, version, wrong };
@@ -75,6 +88,7 @@ struct Options {
     AntennaOptions antenna;
     QList<AlarmOption> alarms;
     QString plan;  ///< measure the monitored programs of this plan
+    VisitOptions visit;
     QString log;
     QString screenshot;
     QString trace;           ///< record the line into this file

@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "alarm_limits.h"
+#include "commands.h"
 #include "end_signals.h"
 #include "enter_key.h"
 #include "fault.h"
@@ -16,6 +17,7 @@
 #include "run_picture.h"
 #include "say_on_stderr.h"
 #include "standard_streams.h"
+#include "unattended_visit.h"
 
 namespace m47::shell {
 namespace {
@@ -53,6 +55,7 @@ struct Run {
     std::unique_ptr<realtime::RealtimeRules> rules;
     RowOutput output{platform::kStandardOutput};
     LineRecording recording{connection.recorder(), state.texts};
+    UnattendedVisit visit{options.visit, state.texts};
     measurement::Measurement measured{};  ///< of the row that comes next
     int rows = 0;
     bool link_found = false;  ///< the meter has answered once
@@ -61,6 +64,7 @@ struct Run {
     bool alarm_failed = false;
     bool file_lost = false;
     bool row_missing = false;
+    bool visit_refused = false;  ///< it could not be begun
 
     /// Nobody gets to see another row.
     bool pointless() const { return output.closed() && options.log.isEmpty(); }
@@ -228,6 +232,17 @@ void tell_other_device(const Run& run) {
     if (run.connection.other_device()) complain(run.connection.fault());
 }
 
+/// What the meter says of itself is part of the visit.
+bool begin_visit(Run& run) {
+    if (!run.visit.wanted()) return true;
+    link::Link& link = run.connection.link();
+    const QString logo = link.ask(link::command::query(link::command::kLogo)).value_or(QString());
+    return run.visit.begin({.instrument = run.state.meter_version,
+                            .logo = logo,
+                            .plan = run.options.plan.trimmed().toUpper()},
+                           link.clock().date_time());
+}
+
 /// Looks for the meter: on its port at the start, afterwards behind the device where it was.
 bool identify_meter(Run& run) {
     if (run.link_found)
@@ -237,6 +252,7 @@ bool identify_meter(Run& run) {
     if (!run.connection.link().port_connected) return false;
     run.link_found = true;
     prepare_meter(run);
+    run.visit_refused = !begin_visit(run);
     return true;
 }
 
@@ -324,11 +340,13 @@ int status_of(const Run& run) {
                      : QStringLiteral("the link to the meter was lost") + refusal_of(run));
         return kNoLink;
     }
-    if (run.output.lost() || run.file_lost || run.recording.lost() || run.row_missing)
+    if (run.output.lost() || run.file_lost || run.recording.lost() || run.row_missing ||
+        run.visit.lost())
         return kOutputLost;
+    if (run.visit.unreadable()) return kDatabase;
     if (run.rows == 0) complain(QStringLiteral("nothing was measured"));
-    if (run.incomplete || run.rows == 0) return kIncomplete;
-    return run.alarm_failed ? kAlarmFailed : kGood;
+    if (run.incomplete || run.rows == 0 || run.visit.not_compared()) return kIncomplete;
+    return run.alarm_failed || run.visit.worse() ? kAlarmFailed : kGood;
 }
 
 /// False, with a complaint, where nothing can be measured: `status` says why then.
@@ -337,7 +355,14 @@ bool prepare(Run& run, int& status) {
         status = kDatabase;
         return false;
     }
-    if (identify_meter(run)) return true;
+    if (!run.visit.look_at(run.state.base_dir + QLatin1String(sites::kSitesFile))) {
+        status = kDatabase;
+        return false;
+    }
+    if (identify_meter(run)) {
+        status = run.visit_refused ? kDatabase : kGood;
+        return !run.visit_refused;
+    }
     complain(no_meter_text(run.connection, run.options.on_port));
     status = kNoLink;
     return run.options.reconnect;
@@ -346,10 +371,12 @@ bool prepare(Run& run, int& status) {
 /// What is told while the run measures.
 void listen_to_rules(Run& run) {
     run.output.on_remark = complain;
+    run.visit.on_remark = complain;
     realtime::MeasureCycle& cycle = run.rules->cycle;
     cycle.on_row = [&run](const QStringList& row) { print_row(run, row); };
     cycle.on_measured = [&run](const measurement::Measurement& measurement) {
         run.measured = measurement;
+        run.visit.take(measurement, run.connection.link().clock().date_time().offsetFromUtc());
         if (measurement.verdict == measurement::Verdict::fail) run.alarm_failed = true;
     };
     cycle.on_log_written = [&run](const QString& reason) { tell_log(run, reason); };
@@ -393,9 +420,11 @@ int run_unattended(ProgramState& state, db::Database& database, MeterConnection&
         // The rows that were printed stand; a measurement that was not finished is none.
     } catch (const Fault& fault) {
         complain(fault.text(state.texts));
+        run.visit.end(connection.link().clock().date_time());
         return kDatabase;
     }
     g_progress_line.clear();
+    run.visit.end(connection.link().clock().date_time());
     write_screenshot(run);
     run.output.finish(kLongestReaderWait, [] { return platform::times_told_to_end() > 1; });
     return status_of(run);

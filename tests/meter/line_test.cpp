@@ -196,7 +196,7 @@ void TestLine::options_of_the_sky() {
     const auto options = std::get<meter::Options>(
         parse({"--sky=orbit", "--sky-tables", "/tmp/t", "--dish=120", "--point", "5.5W",
                "--backlash", "3", "--lnb=c-band", "--cn", "8.5", "--off-air=30", "--unlisted=0",
-               "--drift", "1.5", "--weather=0"}));
+               "--drift", "1.5", "--weather=0", "--fade", "3.5"}));
     QVERIFY(options.sky.orbit);
     QCOMPARE(options.sky.tables, std::string("/tmp/t"));
     QCOMPARE(options.sky.chance.dish_cm, 120.0);
@@ -208,6 +208,7 @@ void TestLine::options_of_the_sky() {
     QCOMPARE(options.sky.chance.unlisted_percent, 0.0);
     QCOMPARE(options.sky.chance.drift_mhz, 1.5);
     QCOMPARE(options.sky.chance.weather_db, 0.0);
+    QCOMPARE(options.sky.fade_db, 3.5);
     QVERIFY(!std::get<meter::Options>(parse({"--sky=good"})).sky.orbit);
 }
 
@@ -226,6 +227,7 @@ void TestLine::refused_options_data() {
     QTest::newRow("backlash") << QStringList{"--backlash", "4"};
     QTest::newRow("LNB") << QStringList{"--lnb", "ka"};
     QTest::newRow("share") << QStringList{"--off-air", "101"};
+    QTest::newRow("fade") << QStringList{"--fade", "much"};
     QTest::newRow("C/N") << QStringList{"--cn", "x"};
     QTest::newRow("factor") << QStringList{"--baud-factor", "x"};
     QTest::newRow("speed") << QStringList{"--replay", "f", "--speed", "-1"};
@@ -237,7 +239,7 @@ void TestLine::refused_options_data() {
           "--fault-after=1",  "--fault-on=x",     "--late=1",        "--state=s",
           "--dish=80",        "--point=13.0E",    "--backlash=1",    "--lnb=single",
           "--cn=9",           "--off-air=5",      "--unlisted=5",    "--drift=1",
-          "--weather=1",      "--sky-tables=d"})
+          "--weather=1",      "--sky-tables=d",   "--fade=1"})
         QTest::addRow("replay with %s", simulated) << QStringList{simulated, "--replay=f"};
 }
 
@@ -273,6 +275,7 @@ void TestLine::help_names_every_option() {
                              "--unlisted PERCENT",
                              "--drift MHZ",
                              "--weather DB",
+                             "--fade DB",
                              "--trace FILE",
                              "--state FILE",
                              "--help",

@@ -36,6 +36,7 @@ class TestMeasures : public QObject {
     void same_seed_same_answers();
     void jitter_is_small();
     void skies_of_installations_with_a_fault();
+    void a_fade_weakens_level_and_quality_alike();
     void spectra_are_plausible();
 };
 
@@ -262,6 +263,27 @@ void TestMeasures::skies_of_installations_with_a_fault() {
         QCOMPARE(good[1] - failing[1] > 3, high_band);
         QCOMPARE(failing[2] - good[2] > 1.5, high_band);
     }
+}
+
+void TestMeasures::a_fade_weakens_level_and_quality_alike() {
+    meter::Options options;
+    meter::Instrument clear(options);
+    options.sky.fade_db = 3.5;
+    meter::Instrument faded(options);
+    const auto fell = [&](const std::string& command, const std::string& label) {
+        const auto read = [&](meter::Instrument& instrument) {
+            const std::string text = value(instrument, command);
+            return label.empty() ? number(text) : field(text, label);
+        };
+        return read(clear) - read(faded);
+    };
+    QVERIFY(std::abs(fell("LEVDCP?", "") - 3.5) < 0.3);
+    QVERIFY(std::abs(fell("LEVCND?", "") - 3.5) < 0.3);
+    QVERIFY(std::abs(fell("BERQPSK?", "MER   :") - 3.5) < 0.3);
+    options.sky.orbit = false;
+    options.sky.kind = meter::SkyKind::off_peak;
+    meter::Instrument both(options);
+    QVERIFY(std::abs(number(value(faded, "LEVDCP?")) - number(value(both, "LEVDCP?")) - 5.5) < 0.5);
 }
 
 void TestMeasures::spectra_are_plausible() {

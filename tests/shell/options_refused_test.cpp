@@ -78,6 +78,25 @@ void OptionsTest::wrong_data() {
     row("recording and port", {"--on-port", "1", "--replay", "a"}, "--replay does not go with");
     row("recording and import", {"--import-database", "a", "--replay", "b"}, "--replay");
     row("recording of an import", {"--import-database", "a", "--trace", "b"}, "--trace");
+    row("empty site", measuring({"--site", " "}), "--site takes a name");
+    row("site without a measurement", {"--site", "A"}, "--site goes with --measure only");
+    row("site of a sweep", {"--on-port", "1", "--sweep", "920:2150", "--site", "A"},
+        "--site does not go with --sweep");
+    row("site of a peak",
+        {"--on-port", "1", "--freq", "1000", "--move-the-dish", "--peak", "5", "--site", "A"},
+        "--site does not go with --peak");
+    row("resumed without a site", measuring({"--resume-visit"}), "--resume-visit needs --site");
+    row("compared without a site", measuring({"--compare-with", "last"}),
+        "--compare-with needs --site");
+    row("worse than nothing", measuring({"--site", "A", "--worse-than", "2"}),
+        "--worse-than needs --compare-with");
+    for (const char* which : {"", "yesterday", "2026-13-01", "22/11/26", "LAST"})
+        row(qPrintable(QStringLiteral("compared with '%1'").arg(QLatin1String(which))),
+            measuring({"--site", "A", "--compare-with", which}), "--compare-with takes");
+    for (const char* decibels : {"", "-1", "101", "two", "nan", "inf"})
+        row(qPrintable(QStringLiteral("worse than '%1'").arg(QLatin1String(decibels))),
+            measuring({"--site", "A", "--compare-with", "last", "--worse-than", decibels}),
+            "--worse-than takes");
     row("empty folder", {"--directory", ""}, "--directory takes a name");
     row("two folders", {"--user-data", "--directory", "."}, "--user-data");
     row("measurement without port", {"--measure"}, "--on-port");
@@ -325,6 +344,10 @@ void OptionsTest::no_file_of_an_option_is_written_over() {
                              "VKDM47_03.mdb-journal", "here/VKDM47_03.mdb-wal", "later.log"}) {
         options.screenshot = QLatin1String(name);
         QCOMPARE(fault(options), "--screenshot names the database: " + options.screenshot);
+    }
+    for (const char* name : {"sites.sqlite", "here/sites.sqlite-journal"}) {
+        options.screenshot = QLatin1String(name);
+        QCOMPARE(fault(options), "--screenshot names the file of sites: " + options.screenshot);
     }
     options = {};
     options.trace = "twin";

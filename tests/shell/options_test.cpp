@@ -49,6 +49,29 @@ void OptionsTest::sweeps() {
     QCOMPARE(c_band.scan_table, QString("table"));
 }
 
+void OptionsTest::visits() {
+    using Compared = VisitOptions::Compared;
+    const Options none = parse_options(measuring({}));
+    QVERIFY(none.visit.site.isEmpty() && none.visit.compared == Compared::none);
+    const Options kept =
+        parse_options(measuring({"--site", "  Condominio   Sole ", "--resume-visit"}));
+    QCOMPARE(kept.error, QString());
+    QCOMPARE(kept.visit.site, QString("Condominio Sole"));
+    QVERIFY(kept.visit.resumed);
+    QCOMPARE(kept.visit.worse_than, 2.0);
+    const Options to_last =
+        parse_options(measuring({"--site", "A", "--compare-with", "last", "--worse-than", "0.5"}));
+    QCOMPARE(to_last.error, QString());
+    QVERIFY(to_last.visit.compared == Compared::last && !to_last.visit.resumed);
+    QCOMPARE(to_last.visit.worse_than, 0.5);
+    const Options to_date =
+        parse_options(measuring({"--site", "A", "--compare-with", "2026-11-22"}));
+    QVERIFY(to_date.visit.compared == Compared::of_date);
+    QCOMPARE(to_date.visit.date, QDate(2026, 11, 22));
+    QVERIFY(parse_options(measuring({"--site", "A", "--compare-with", "first"})).visit.compared ==
+            Compared::first);
+}
+
 void OptionsTest::peaks() {
     const Options peak =
         parse_options({"--on-port", "1", "--freq", "11590", "--oscillator", "10600", "--lnb", "18",
@@ -300,13 +323,13 @@ void OptionsTest::plan_files() {
 void OptionsTest::help_names_every_option() {
     const QString help = help_text();
     for (const char* name :
-         {"--help",      "--version",    "--directory",   "--port",        "--create-database",
-          "--on-port",   "--open",       "--measure",     "--analog",      "--digital",
-          "--freq",      "--bandwidth",  "--symbol-rate", "--alarm",       "--count",
-          "--log",       "--screenshot", "--plan",        "--passes",      "--every",
-          "--full-tune", "--reconnect",  "--user-data",   "--oscillator",  "--lnb",
-          "--tone",      "--diseqc",     "--format",      "--export-plan", "--import-plan",
-          "--overwrite"})
+         {"--help",      "--version",    "--directory",    "--port",         "--create-database",
+          "--on-port",   "--open",       "--measure",      "--analog",       "--digital",
+          "--freq",      "--bandwidth",  "--symbol-rate",  "--alarm",        "--count",
+          "--log",       "--screenshot", "--plan",         "--passes",       "--every",
+          "--full-tune", "--reconnect",  "--user-data",    "--oscillator",   "--lnb",
+          "--tone",      "--diseqc",     "--format",       "--export-plan",  "--import-plan",
+          "--overwrite", "--site",       "--resume-visit", "--compare-with", "--worse-than"})
         QVERIFY2(help.contains(QLatin1String(name)), name);
 }
 

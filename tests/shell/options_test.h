@@ -42,6 +42,7 @@ class OptionsTest : public QObject {
     void wrong_options_keep_nothing();
     void help_names_every_option();
     void sweeps();
+    void visits();
     void peaks();
     void identifications();
 };

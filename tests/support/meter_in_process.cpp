@@ -32,17 +32,19 @@ const meter::FaultKind* kind_named(const QString& name) {
 }  // namespace
 
 struct MeterInProcess::Inside {
-    explicit Inside(quint64 seed) : instrument(options()), random(seed) {}
+    explicit Inside(quint64 seed, double fade_db = 0)
+        : instrument(options(fade_db)), random(seed) {}
     Inside(quint64 seed, const DishInProcess& dish)
         : instrument(options(dish), [] { return 0.0; }), random(seed) {}
 
-    static meter::Options options() {
+    static meter::Options options(double fade_db) {
         meter::Options chosen;
+        chosen.sky.fade_db = fade_db;
         chosen.logger_bytes = kLoggerBytes;
         return chosen;
     }
     static meter::Options options(const DishInProcess& dish) {
-        meter::Options chosen = options();
+        meter::Options chosen = options(0.0);
         chosen.sky.orbit = true;
         chosen.sky.tables = dish.tables.toStdString();
         chosen.sky.point_east = dish.east;
@@ -61,8 +63,8 @@ struct MeterInProcess::Inside {
     std::unique_ptr<meter::Replay> replay;
 };
 
-MeterInProcess::MeterInProcess(FakePort& port, quint64 seed)
-    : port_(port), inside_(std::make_unique<Inside>(seed)) {
+MeterInProcess::MeterInProcess(FakePort& port, quint64 seed, double fade_db)
+    : port_(port), inside_(std::make_unique<Inside>(seed, fade_db)) {
     listen();
 }
 

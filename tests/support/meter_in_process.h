@@ -28,8 +28,9 @@ struct DishInProcess {
 /// an instant here. It answers well, but for one command in `bad_in` and the one that spoil() says.
 class MeterInProcess {
   public:
-    /// Answers on `port` from now on; both have to outlive it.
-    MeterInProcess(FakePort& port, quint64 seed);
+    /// Answers on `port` from now on; both have to outlive it. Every carrier is weaker by
+    /// `fade_db`.
+    MeterInProcess(FakePort& port, quint64 seed, double fade_db = 0);
     /// The same under the orbit, whose weather stands still.
     MeterInProcess(FakePort& port, quint64 seed, const DishInProcess& dish);
     /// The meter of a recording.
