@@ -77,7 +77,9 @@ bool Query::next() {
 }
 
 QVariant Query::value(int column) const {
-    return query_.isNull(column) ? QVariant() : query_.value(column);
+    QVariant found = query_.value(column);
+    if (found.isNull()) found.clear();
+    return found;
 }
 
 Connection::Connection(const QString& path)

@@ -6,6 +6,7 @@
 #include "db_support.h"
 #include "engine.h"
 #include "site_schema.h"
+#include "site_search.h"
 #include "sites_support.h"
 
 namespace m47::sites {
@@ -204,6 +205,85 @@ class StoreTest : public QObject {
                  QStringLiteral("009"));
         QCOMPARE(store_->measurements(visit.id)[0].measurement.limits[0],
                  std::optional(measurement::Limits{45, 75}));
+    }
+
+    void a_list_shows_how_many_visits_and_which_failed() {
+        const Site a = a_site(QStringLiteral("alfa"));
+        const Site b = a_site(QStringLiteral("Beta"));
+        store_->store(b);
+        store_->store(a);
+        const Visit late = a_visit(a, 5);
+        const Visit early = a_visit(a, 1);
+        for (const Visit& visit : {late, early}) {
+            store_->store(visit);
+            VisitMeasurement row = a_row(visit, 1, QStringLiteral("1"), 9);
+            if (visit.id == early.id) row.measurement.verdict = measurement::Verdict::fail;
+            store_->store(row);
+            row.id = QUuid::createUuid();
+            store_->store(row);
+        }
+        const std::vector<SiteLine> lines = store_->site_lines();
+        QCOMPARE(lines.size(), 2U);
+        QCOMPARE(lines[0].site, a);
+        QCOMPARE(lines[0].visits, 2);
+        QCOMPARE(lines[0].last, std::optional(late.begun));
+        QCOMPARE(lines[1].site, b);
+        QCOMPARE(lines[1].visits, 0);
+        QVERIFY(!lines[1].last);
+        QCOMPARE(store_->failed_visits(), std::vector{early.id});
+    }
+
+    void a_program_is_found_over_the_visits_of_its_site() {
+        const Site site = a_site(QStringLiteral("A"));
+        const Site other = a_site(QStringLiteral("B"));
+        store_->store(site);
+        store_->store(other);
+        std::vector<VisitMeasurement> seven;
+        std::vector<VisitMeasurement> tuned;
+        for (const Visit& visit : {a_visit(site, 4), a_visit(site, 2), a_visit(other, 3)}) {
+            store_->store(visit);
+            VisitMeasurement row = a_row(visit, 1, QStringLiteral("007"), 9);
+            VisitMeasurement free = a_row(visit, 2, QString(), 9);
+            free.measurement.program = {};
+            for (const VisitMeasurement& one : {row, free, a_row(visit, 3, QStringLiteral("8"), 9)})
+                store_->store(one);
+            if (visit.site != site.id) continue;
+            seven.insert(seven.begin(), row);
+            tuned.insert(tuned.begin(), free);
+        }
+        const auto verify = [&](const std::vector<VisitMeasurement>& wanted) {
+            const auto found =
+                store_->over_visits(site.id, measurement::series_key(wanted[0].measurement));
+            return std::ranges::equal(
+                found, wanted, [](const auto& one, const auto& two) { return alike(one, two); });
+        };
+        QVERIFY(verify(seven));
+        QVERIFY(verify(tuned));
+        measurement::SeriesKey unknown = measurement::series_key(tuned[0].measurement);
+        unknown.oscillator.reset();
+        QVERIFY(store_->over_visits(site.id, unknown).empty());
+    }
+
+    void sites_are_found_as_one_types() {
+        Site sun = a_site(QStringLiteral("Condominio Sole"));
+        sun.remarks.clear();
+        Site moon = a_site(QStringLiteral("ÀNCORA Luna"));
+        moon.address = QStringLiteral("Piazza 3");
+        store_->store(sun);
+        store_->store(moon);
+        Visit visit = a_visit(moon, 1);
+        visit.technician = QStringLiteral("Verdi");
+        store_->store(visit);
+        const SiteSearch search(*store_);
+        const std::vector<QUuid> both{sun.id, moon.id};
+        QCOMPARE(search.find(QString()), both);
+        QCOMPARE(search.find(QStringLiteral("l")), both);
+        QCOMPARE(search.find(QStringLiteral("sol")), std::vector{sun.id});
+        QCOMPARE(search.find(QStringLiteral("àncora")), std::vector{moon.id});
+        QCOMPARE(search.find(QStringLiteral("CITTÀ roma")), std::vector{sun.id});
+        QCOMPARE(search.find(QStringLiteral(" verdi  temporale ")), std::vector{moon.id});
+        QVERIFY(search.find(QStringLiteral("sole verdi")).empty());
+        QVERIFY(search.find(QStringLiteral("solevia")).empty());
     }
 
     void an_older_file_is_brought_up_to_date_whole_or_not_at_all() {

@@ -9,6 +9,11 @@
 namespace m47::sites {
 namespace {
 
+/// Of the visit, behind those of a measurement.
+constexpr int kVisitColumn = 18;
+/// Mostly no more come: what has come is not moved then.
+constexpr std::size_t kUsualRows = 128;
+
 Site site_in(const db::Query& row) {
     return {.id = id_in(row, 0),
             .name = row.value(1).toString(),
@@ -34,6 +39,7 @@ template <typename Read>
 auto rows_of(db::Query& query, const Read& read) {
     const auto over = qScopeGuard([&query] { query.finish(); });
     std::vector<decltype(read(query))> rows;
+    rows.reserve(kUsualRows);
     while (query.next()) rows.push_back(read(query));
     return rows;
 }
@@ -80,6 +86,41 @@ std::vector<VisitMeasurement> SiteConnection::measurements(const QUuid& visit) {
                    [&](const db::Query& row) { return measurement_in(row, visit); });
 }
 
+std::vector<VisitMeasurement> SiteConnection::over_visits(const QUuid& site,
+                                                          const measurement::SeriesKey& program) {
+    const measurement::ProgramIdentity& identity = program.program;
+    const bool known = identity.known();
+    db::KeptQuery& statement = known ? statements_.rows_of_program : statements_.rows_of_tuning;
+    const QVariantList values =
+        known ? QVariantList{value_of(site), value_of(identity.plan), value_of(identity.number)}
+              : QVariantList{value_of(site), value_of(program.frequency),
+                             value_of(program.oscillator)};
+    return rows_of(statement.run(database(), values), [this](const db::Query& row) {
+        return measurement_in(row, id_in(row, kVisitColumn));
+    });
+}
+
+std::vector<SiteLine> SiteConnection::site_lines() {
+    return rows_of(statements_.lines_of_sites.run(database()), [](const db::Query& row) {
+        SiteLine line{.site = site_in(row), .visits = row.value(5).toInt()};
+        if (line.visits > 0) line.last = instant_in(row, 6);
+        return line;
+    });
+}
+
+std::vector<QUuid> SiteConnection::failed_visits() {
+    return rows_of(statements_.failed_visits.run(database()),
+                   [](const db::Query& row) { return id_in(row, 0); });
+}
+
+void SiteConnection::each_word(
+    const std::function<void(const QUuid& site, const QString& words)>& take) {
+    db::Query& query = statements_.words_of_visits.run(database());
+    const auto over = qScopeGuard([&query] { query.finish(); });
+    while (query.next())
+        for (const int column : {1, 2, 3}) take(id_in(query, 0), query.value(column).toString());
+}
+
 VisitMeasurement SiteConnection::measurement_in(const db::Query& row, const QUuid& visit) {
     VisitMeasurement one{.id = id_in(row, 0),
                          .visit = visit,
@@ -93,15 +134,15 @@ measurement::Measurement SiteConnection::measured_in(const db::Query& row) {
     measurement::Measurement measured;
     if (const QVariant program = row.value(3); !program.isNull())
         measured.program = program_at(program.toLongLong());
-    measured.mode = static_cast<measurement::MeasureMode>(row.value(4).toInt());
+    measured.mode = static_cast<measurement::MeasureMode>(row.value(4).toLongLong());
     measured.frequency = number_in(row, 5);
     measured.oscillator = number_in(row, 6);
     take_readings(row, 7, measured);
     if (const QVariant unit = row.value(15); !unit.isNull())
-        measured.unit = measurement::unit_of_index(unit.toInt());
+        measured.unit = measurement::unit_of_index(static_cast<int>(unit.toLongLong()));
     if (const QVariant limits = row.value(16); !limits.isNull())
         measured.limits = limits_at(limits.toLongLong());
-    measured.verdict = static_cast<measurement::Verdict>(row.value(17).toInt());
+    measured.verdict = static_cast<measurement::Verdict>(row.value(17).toLongLong());
     return measured;
 }
 

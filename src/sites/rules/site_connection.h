@@ -9,6 +9,7 @@
 #include "engine.h"
 #include "site_records.h"
 #include "site_statements.h"
+#include "site_store.h"
 
 namespace m47::sites {
 
@@ -21,6 +22,11 @@ class SiteConnection {
     std::vector<Visit> visits_at(const QUuid& site);
     std::optional<Visit> visit(const QUuid& id);
     std::vector<VisitMeasurement> measurements(const QUuid& visit);
+    std::vector<VisitMeasurement> over_visits(const QUuid& site,
+                                              const measurement::SeriesKey& program);
+    std::vector<SiteLine> site_lines();
+    std::vector<QUuid> failed_visits();
+    void each_word(const std::function<void(const QUuid& site, const QString& words)>& take);
 
     void store(const Site& site);
     void store(const Visit& visit);

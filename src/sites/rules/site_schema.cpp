@@ -21,7 +21,7 @@ constexpr std::array kVersion1{
     "begun_offset INTEGER NOT NULL, ended_utc REAL, ended_offset INTEGER, "
     "technician TEXT NOT NULL, instrument TEXT NOT NULL, logo TEXT NOT NULL, plan TEXT NOT NULL, "
     "remarks TEXT NOT NULL)",
-    "CREATE INDEX visits_of_site ON visits (site, begun_utc)",
+    "CREATE INDEX visits_of_site ON visits (site, begun_utc, begun_offset)",
 
     // Programs and limits come again with every pass, so each stands once.
     "CREATE TABLE programs (id INTEGER PRIMARY KEY, plan TEXT NOT NULL, number TEXT NOT NULL, "
@@ -43,6 +43,8 @@ constexpr std::array kVersion1{
     "level REAL, ber REAL, mer REAL, pvber REAL, cfo REAL, cn REAL, noise REAL, "
     "marks INTEGER NOT NULL, unit INTEGER, limits INTEGER REFERENCES limits, "
     "verdict INTEGER NOT NULL, PRIMARY KEY (visit, uuid)) WITHOUT ROWID",
+    // Which visits have a row that failed, without going through all of them.
+    "CREATE INDEX failed_rows ON measurements (verdict, visit) WHERE verdict = 2",
 };
 
 const std::array kMigrations{Migration(kVersion1)};

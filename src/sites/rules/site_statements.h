@@ -7,7 +7,9 @@ namespace m47::sites {
 
 /// The statements of the file of sites.
 struct SiteStatements {
-    db::KeptQuery all_sites{"SELECT uuid, name, address, customer, remarks FROM sites"};
+    db::KeptQuery all_sites{
+        "SELECT uuid, name, address, customer, remarks FROM sites "
+        "ORDER BY name COLLATE NOCASE, uuid"};
     db::KeptQuery put_site{
         "INSERT INTO sites (uuid, name, address, customer, remarks) VALUES (?, ?, ?, ?, ?) "
         "ON CONFLICT (uuid) DO UPDATE SET name = excluded.name, address = excluded.address, "
@@ -38,6 +40,34 @@ struct SiteStatements {
         "SELECT uuid, utc, utc_offset, program, mode, frequency, oscillator, level, ber, mer, "
         "pvber, cfo, cn, noise, marks, unit, limits, verdict FROM measurements "
         "WHERE visit = (SELECT id FROM visits WHERE uuid = ?) ORDER BY utc, uuid"};
+    // A program is the same by its plan and number, what has none by what was tuned.
+    db::KeptQuery rows_of_program{
+        "SELECT measurements.uuid, utc, utc_offset, program, mode, frequency, oscillator, level, "
+        "ber, mer, pvber, cfo, cn, noise, marks, unit, limits, verdict, visits.uuid "
+        "FROM visits JOIN measurements ON measurements.visit = visits.id "
+        "WHERE visits.site = (SELECT id FROM sites WHERE uuid = ?) "
+        "AND program = (SELECT id FROM programs WHERE plan = ? AND number = ?) "
+        "ORDER BY utc, measurements.uuid"};
+    db::KeptQuery rows_of_tuning{
+        "SELECT measurements.uuid, utc, utc_offset, program, mode, frequency, oscillator, level, "
+        "ber, mer, pvber, cfo, cn, noise, marks, unit, limits, verdict, visits.uuid "
+        "FROM visits JOIN measurements ON measurements.visit = visits.id "
+        "WHERE visits.site = (SELECT id FROM sites WHERE uuid = ?) "
+        "AND program IS NULL AND frequency IS ? AND oscillator IS ? "
+        "ORDER BY utc, measurements.uuid"};
+    db::KeptQuery lines_of_sites{
+        "SELECT sites.uuid, name, address, customer, sites.remarks, count(visits.id), "
+        "begun_utc, begun_offset, max(begun_utc) FROM sites "
+        "LEFT JOIN visits ON visits.site = sites.id GROUP BY sites.id "
+        "ORDER BY name COLLATE NOCASE, sites.uuid"};
+    db::KeptQuery failed_visits{
+        "SELECT uuid FROM (SELECT DISTINCT visit FROM measurements WHERE verdict = 2) "
+        "JOIN visits ON visits.id = visit"};
+    db::KeptQuery words_of_visits{
+        "SELECT sites.uuid, group_concat(DISTINCT technician), group_concat(DISTINCT plan), "
+        "group_concat(DISTINCT visits.remarks) FROM visits "
+        "JOIN sites ON sites.id = visits.site GROUP BY visits.site"};
+
     db::KeptQuery put_measurement{
         "INSERT OR REPLACE INTO measurements (visit, uuid, utc, utc_offset, program, mode, "
         "frequency, oscillator, level, ber, mer, pvber, cfo, cn, noise, marks, unit, limits, "

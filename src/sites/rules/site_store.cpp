@@ -2,6 +2,7 @@
 #include "site_store.h"
 
 #include <algorithm>
+#include <functional>
 
 #include "site_connection.h"
 #include "store_check.h"
@@ -18,6 +19,18 @@ auto told(const Work& work) {
     } catch (const db::EngineFault& fault) {
         throw StoreFault(store_error_of(fault));
     }
+}
+
+/// The engine knows the capitals of ASCII alone: what it has put in order is mostly, but not
+/// always.
+template <typename Entry, typename SiteOf>
+std::vector<Entry> by_name(std::vector<Entry> entries, const SiteOf& site_of) {
+    const auto before = [](const Site& one, const Site& other) {
+        return QString::compare(one.name, other.name, Qt::CaseInsensitive) < 0;
+    };
+    if (!std::ranges::is_sorted(entries, before, site_of))
+        std::ranges::stable_sort(entries, before, site_of);
+    return entries;
 }
 
 }  // namespace
@@ -48,13 +61,25 @@ SiteStore::SiteStore(const QString& path) : connection_(std::make_unique<Connect
 SiteStore::~SiteStore() = default;
 
 std::vector<Site> SiteStore::sites() const {
-    auto found = told([this] { return connection_->sites(); });
-    // The engine knows the capitals of ASCII alone.
-    std::ranges::sort(found, [](const Site& one, const Site& other) {
-        const int order = QString::compare(one.name, other.name, Qt::CaseInsensitive);
-        return order != 0 ? order < 0 : one.id < other.id;
-    });
-    return found;
+    return by_name(told([this] { return connection_->sites(); }), std::identity());
+}
+
+std::vector<SiteLine> SiteStore::site_lines() const {
+    return by_name(told([this] { return connection_->site_lines(); }), &SiteLine::site);
+}
+
+std::vector<QUuid> SiteStore::failed_visits() const {
+    return told([this] { return connection_->failed_visits(); });
+}
+
+std::vector<VisitMeasurement> SiteStore::over_visits(const QUuid& site,
+                                                     const measurement::SeriesKey& program) const {
+    return told([&] { return connection_->over_visits(site, program); });
+}
+
+void SiteStore::each_word(
+    const std::function<void(const QUuid& site, const QString& words)>& take) const {
+    told([&] { connection_->each_word(take); });
 }
 
 std::vector<Visit> SiteStore::visits(const QUuid& site) const {

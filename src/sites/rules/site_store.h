@@ -8,6 +8,7 @@
 #include <optional>
 #include <vector>
 
+#include "series_key.h"
 #include "site_records.h"
 #include "store_error.h"
 
@@ -15,6 +16,13 @@ namespace m47::sites {
 
 /// The name of the file of sites and visits in the working folder.
 inline constexpr const char* kSitesFile = "sites.sqlite";
+
+/// A site as a list shows it.
+struct SiteLine {
+    Site site;
+    int visits = 0;
+    std::optional<Instant> last{};  ///< the begin of the latest visit
+};
 
 /// The file of sites, visits and measurements. It is made at the first store; what is only looked
 /// at makes no file: look whether there is one before open(). What cannot be read or written is a
@@ -36,6 +44,17 @@ class SiteStore {
     std::optional<Visit> visit(const QUuid& id) const;
     /// The measurements of `visit` in the order in which they were taken.
     std::vector<VisitMeasurement> measurements(const QUuid& visit) const;
+
+    /// What was measured of a program at `site` over all its visits, in the order of time: that of
+    /// its plan and number, or what was tuned as `program` has it. Its unit is not looked at.
+    std::vector<VisitMeasurement> over_visits(const QUuid& site,
+                                              const measurement::SeriesKey& program) const;
+    /// All sites by name, as a list shows them.
+    std::vector<SiteLine> site_lines() const;
+    /// The visits in which a measurement failed its limits.
+    std::vector<QUuid> failed_visits() const;
+    /// Hands over the technicians, plans and remarks of the visits at each site, each once.
+    void each_word(const std::function<void(const QUuid& site, const QString& words)>& take) const;
 
     /// Each stores a new one or replaces that of the same id, at once and durably. A visit needs
     /// its site in the file, a measurement its visit; it is known by its id within that visit.

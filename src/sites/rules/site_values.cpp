@@ -46,7 +46,7 @@ QVariantList values_of(const std::optional<Instant>& instant) {
 }
 
 Instant instant_in(const db::Query& row, int column) {
-    return {row.value(column).toDouble(), row.value(column + 1).toInt()};
+    return {row.value(column).toDouble(), static_cast<int>(row.value(column + 1).toLongLong())};
 }
 
 QVariant value_of(const QString& text) {
@@ -59,7 +59,7 @@ QVariant value_of(std::optional<float> number) {
 
 std::optional<float> number_in(const db::Query& row, int column) {
     const QVariant value = row.value(column);
-    return value.isNull() ? std::nullopt : std::optional(value.toFloat());
+    return value.isNull() ? std::nullopt : std::optional(static_cast<float>(value.toDouble()));
 }
 
 QVariantList values_of_readings(const measurement::Measurement& measured) {
@@ -74,7 +74,8 @@ QVariantList values_of_readings(const measurement::Measurement& measured) {
 }
 
 void take_readings(const db::Query& row, int column, measurement::Measurement& measured) {
-    const unsigned marks = row.value(column + static_cast<int>(kAllQuantities)).toUInt();
+    const auto marks =
+        static_cast<unsigned>(row.value(column + static_cast<int>(kAllQuantities)).toLongLong());
     for (std::size_t k = 0; k < kAllQuantities; ++k) {
         measurement::Reading& reading = measured.readings[k];
         if (const auto value = number_in(row, column + static_cast<int>(k))) reading.value = *value;
