@@ -269,6 +269,7 @@ class StoreTest : public QObject {
         sun.remarks.clear();
         Site moon = a_site(QStringLiteral("ÀNCORA Luna"));
         moon.address = QStringLiteral("Piazza 3");
+        moon.customer.clear();
         store_->store(sun);
         store_->store(moon);
         Visit visit = a_visit(moon, 1);
