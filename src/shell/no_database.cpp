@@ -13,6 +13,7 @@
 #include "example_plan.h"
 #include "handler.h"
 #include "message_box.h"
+#include "site_store.h"
 #include "toolkit_language.h"
 
 namespace m47::shell {
@@ -94,6 +95,7 @@ bool work_in(const QString& folder, ProgramState& state) {
     if (!QDir::setCurrent(folder)) return false;
     state.base_dir = folder_with_separator(QDir::currentPath());
     state.database_file = state.base_dir + QLatin1String(db::kDatabaseFile);
+    state.sites_file = state.base_dir + QLatin1String(sites::kSitesFile);
     return true;
 }
 

@@ -74,7 +74,10 @@ void DownloadTest::the_database_is_no_file_to_choose() {
     const QString database = in_folder("VKDM47_03.mdb");
     program_state().database_file = database;
     QVERIFY(QFile::link(database, in_folder("other.dwl")));
-    for (const char* name : {"VKDM47_03.mdb", "other.dwl"}) {
+    const QString sites = in_folder("sites.sqlite");
+    QVERIFY(QFile::copy(database, sites));
+    program_state().sites_file = sites;
+    for (const char* name : {"VKDM47_03.mdb", "other.dwl", "sites.sqlite"}) {
         QString told;
         answer_dialog(in_folder(name));
         QTimer::singleShot(400, this, [&told] {
@@ -84,9 +87,11 @@ void DownloadTest::the_database_is_no_file_to_choose() {
             box->accept();
         });
         find<QAction>("delete")->trigger();
-        QVERIFY2(told.endsWith(" is the database of this program. Choose another file."),
-                 qPrintable(told));
-        QVERIFY(QFile::exists(database));
+        const QString what = QString::fromLatin1(name).startsWith("sites")
+                                 ? " is this program's file of sites and visits."
+                                 : " is the database of this program.";
+        QVERIFY2(told.endsWith(what + " Choose another file."), qPrintable(told));
+        QVERIFY(QFile::exists(database) && QFile::exists(sites));
     }
 }
 

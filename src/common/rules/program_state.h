@@ -20,6 +20,8 @@ struct ProgramState {
     QString base_dir;
     /// The database in use, which no file dialog gives away; empty where there is none.
     QString database_file;
+    /// The file of sites and visits, the same; there may be none yet.
+    QString sites_file;
     Texts texts;
     Preferences preferences;
     /// What the user has chosen of the menu "Corrected behaviour".

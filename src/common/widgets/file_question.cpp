@@ -10,6 +10,9 @@ namespace {
 
 constexpr Bilingual kIsDatabase{"%1 is the database of this program. Choose another file.",
                                 "%1 è il database di questo programma. Scegliere un altro file."};
+constexpr Bilingual kIsSitesFile{
+    "%1 is this program's file of sites and visits. Choose another file.",
+    "%1 è il file dei siti e delle visite di questo programma. Scegliere un altro file."};
 
 /// A name that a file has stands for that file: the suffix is for new names alone. While the
 /// dialog knows the suffix it would put it behind either.
@@ -68,9 +71,15 @@ QString chosen_file(QFileDialog& dialog) {
     return {};
 }
 
-bool is_database(const QString& path, const ProgramState& program) {
-    const QString database = QFileInfo(program.database_file).canonicalFilePath();
-    return !database.isEmpty() && QFileInfo(path).canonicalFilePath() == database;
+bool lead_to_one_file(const QString& path, const QString& kept) {
+    const QString file = QFileInfo(kept).canonicalFilePath();
+    return !file.isEmpty() && QFileInfo(path).canonicalFilePath() == file;
+}
+
+/// What the program keeps at `path` for itself, which is nobody's to choose; nothing for all else.
+const Bilingual* kept_at(const QString& path, const ProgramState& program) {
+    if (lead_to_one_file(path, program.database_file)) return &kIsDatabase;
+    return lead_to_one_file(path, program.sites_file) ? &kIsSitesFile : nullptr;
 }
 
 }  // namespace
@@ -89,9 +98,9 @@ QString ask_for_file(QFileDialog& dialog, const ProgramState& program, FilePurpo
     dialog.setDirectory(program.preferences.directory(purpose, program.base_dir));
     const QString chosen = chosen_file(dialog);
     if (chosen.isEmpty()) return {};
-    if (is_database(chosen, program)) {
+    if (const Bilingual* kept = kept_at(chosen, program)) {
         QMessageBox box(QMessageBox::Warning, dialog.windowTitle(),
-                        program.texts.pick(kIsDatabase).arg(chosen), QMessageBox::Ok,
+                        program.texts.pick(*kept).arg(chosen), QMessageBox::Ok,
                         dialog.parentWidget());
         box.setTextFormat(Qt::PlainText);
         box.exec();
