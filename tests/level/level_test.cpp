@@ -216,6 +216,26 @@ class LevelTest : public QObject {
         QCOMPARE(display.picture(0, true, texts()).peak, QStringLiteral("Peak 58.3 dBuV"));
     }
 
+    void what_is_left_of_the_mer_above_its_limit() {
+        LevelDisplay display;
+        measurement::Measurement all = measurement("58.3");
+        all.reading(measurement::Quantity::mer) =
+            measurement::reading_of(measurement::Quantity::mer, QString("11.2"));
+        display.measured(all, 0);
+        QVERIFY2(display.picture(0, true, texts()).margin.isEmpty(), "no limit is in force");
+        all.limits[static_cast<std::size_t>(measurement::Quantity::mer)] =
+            measurement::Limits{8.0, 30.0};
+        display.measured(all, 1);
+        QCOMPARE(display.picture(1, true, texts()).margin, QStringLiteral("MER: 3.2 dB left"));
+        display.show(measurement::Quantity::mer);
+        QCOMPARE(display.picture(1, true, texts()).margin, QStringLiteral("3.2 dB left"));
+        QCOMPARE(display.picture(1, true, texts(kItalian)).margin,
+                 QStringLiteral("margine di 3.2 dB"));
+        all.reading(measurement::Quantity::mer) = {};
+        display.measured(all, 2);
+        QVERIFY(display.picture(2, true, texts()).margin.isEmpty());
+    }
+
     void ten_decibels_are_an_octave_within_what_is_heard() {
         QCOMPARE(LevelTone::pitch(60), 440.0);
         QCOMPARE(LevelTone::pitch(70), 880.0);

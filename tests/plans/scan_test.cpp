@@ -237,6 +237,29 @@ class ScanTest : public QObject {
         QVERIFY(!parsed("T\n").understood);
     }
 
+    void the_code_rate_is_kept_where_the_table_knows_it() {
+        const QByteArray block =
+            "[CHANNEL]\n\tDELIVERY_SYSTEM = %1\n\tFREQUENCY = %2\n\tPOLARIZATION = VERTICAL\n"
+            "\tSYMBOL_RATE = 27500000\n\tINNER_FEC = %3\n";
+        const auto entry = [&](const char* system, const char* khz, const char* code) {
+            return QString(block).arg(QString(system), QString(khz), QString(code)).toLatin1();
+        };
+        const std::vector<ImportCandidate> found =
+            parsed(
+                "S 11719500 H 27500000 5/6\nS2 10719000 V 29900000 3/4 AUTO QPSK\n"
+                "S 10750000 V 27500000\n" +
+                entry("DVBS", "11778000", "3/4") + entry("DVBS", "11778000", "AUTO") +
+                entry("DVBS2", "11800000", "3/4") + entry("DVBS", "11836000", "9/10") +
+                // Two streams that contradict each other.
+                entry("DVBS", "11900000", "2/3") + entry("DVBS", "11900000", "7/8") +
+                entry("DVBS", "11900000", "2/3"))
+                .candidates;
+        QStringList codes;
+        for (const ImportCandidate& one : found)
+            codes += one.code ? programme::code_rate_text(*one.code) : QString();
+        QCOMPARE(codes, QStringList({"5/6", "", "", "3/4", "", "", ""}));
+    }
+
     void every_table_of_the_package_is_understood_data() {
         QTest::addColumn<QString>("path");
         const QDir folder(QStringLiteral("/usr/share/dvb/dvb-s"));

@@ -16,6 +16,32 @@ void SetsTest::an_import_replaces_the_empty_program() {
              QStringList({"11000", "12000"}));
 }
 
+void SetsTest::the_code_rate_of_a_transponder_goes_along() {
+    const auto import = [this](const QByteArray& table) {
+        sets_->apply_import(preview_import(parse_import_file(table, 0).candidates,
+                                           sets_->programs(), sets_->oscillators(), 0,
+                                           TakenNumbers::replace));
+    };
+    import("S 11778000 V 27500000 3/4\nS 11836000 H 27500000 AUTO\n");
+    const auto codes = [this] {
+        return sql(
+            QStringLiteral("SELECT nome || ' ' || frequenza || ' ' || lnb_volt || ' ' || code "
+                           "FROM transponder_codes ORDER BY nome"));
+    };
+    QCOMPARE(codes(), QStringList({"PLAN 1 11778.0 1 3/4"}));
+    QCOMPARE(sql(QStringLiteral("SELECT count(*) FROM sqlite_master WHERE name = "
+                                "'transponder_names'")),
+             QStringList({"0"}));
+    QVERIFY(sets_->copy_plan(QStringLiteral("B")));
+    QCOMPARE(codes(), QStringList({"B 11778.0 1 3/4", "PLAN 1 11778.0 1 3/4"}));
+    sets_->first_program();
+    QCOMPARE(sets_->copy_program(QStringLiteral("C")), ImportProblem::none);
+    QCOMPARE(codes(), QStringList({"B 11778.0 1 3/4", "C 11778.0 1 3/4", "PLAN 1 11778.0 1 3/4"}));
+    // A table that knows it no longer takes it away.
+    import("S 11778000 V 27500000 AUTO\n");
+    QCOMPARE(codes(), QStringList({"B 11778.0 1 3/4", "PLAN 1 11778.0 1 3/4"}));
+}
+
 void SetsTest::an_import_replaces_programs_where_they_stand() {
     QCOMPARE(store(tuned("7"), true), Clash::none);
     QCOMPARE(store(tuned("8"), false), Clash::none);

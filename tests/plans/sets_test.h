@@ -133,6 +133,7 @@ class SetsTest : public QObject {
 
     void an_import_replaces_programs_where_they_stand();
 
+    void the_code_rate_of_a_transponder_goes_along();
     void a_plan_is_copied_field_by_field();
 
     void a_program_is_copied_with_its_oscillator();

@@ -3,6 +3,9 @@
 #include <QTest>
 #include <cmath>
 
+#include "code_rates.h"
+#include "db_support.h"
+#include "margin.h"
 #include "site_samples.h"
 #include "visit_comparison.h"
 #include "what_got_worse.h"
@@ -176,6 +179,74 @@ class ComparisonTest : public QObject {
         const VisitMeasurement other = measured("002", {{Quantity::mer, "12"}});
         QCOMPARE(told(compare_visits({log}, {plan, other})),
                  QStringList({" not measured now", "001 new", "002 new"}));
+    }
+
+    void the_margin_above_the_alarm_minimum() {
+        VisitMeasurement one = measured("001", {{Quantity::mer, "11.2"}});
+        const auto said = [&](const char* mer, int language = kEnglish) {
+            one.measurement.reading(Quantity::mer) =
+                measurement::reading_of(Quantity::mer, QString(mer));
+            const auto margin = margins_of(one.measurement, {}).alarm;
+            return measurement::margin_text(margin) + u'|' +
+                   measurement::margin_words(margin, texts(language));
+        };
+        QCOMPARE(said("11.2"), QStringLiteral("–|"));
+        auto& limits = one.measurement.limits[static_cast<std::size_t>(Quantity::mer)];
+        limits = measurement::Limits{{}, 30.0};
+        QCOMPARE(said("11.2"), QStringLiteral("–|"));
+        limits = measurement::Limits{8.0, {}};
+        QCOMPARE(said("11.2"), QStringLiteral("3.2|3.2 dB left"));
+        QCOMPARE(said("11.2", kItalian), QStringLiteral("3.2|margine di 3.2 dB"));
+        QCOMPARE(said("8.0"), QStringLiteral("0.0|0.0 dB left"));
+        QCOMPARE(said("6.7"), QStringLiteral("-1.3|1.3 dB too little"));
+        QCOMPARE(said("6.7", kItalian), QStringLiteral("-1.3|mancano 1.3 dB"));
+        QCOMPARE(said(">30.0"), QStringLiteral(">22.0|at least 22.0 dB left"));
+        QCOMPARE(said("<1.0"), QStringLiteral("<-7.0|at least 7.0 dB too little"));
+        QCOMPARE(said(">7.0"), QStringLiteral(">-1.0|at most 1.0 dB too little"));
+        QCOMPARE(said("<9.0"), QStringLiteral("<1.0|at most 1.0 dB left"));
+        QCOMPARE(said(""), QStringLiteral("–|"));
+    }
+
+    void the_margin_above_what_the_code_needs() {
+        // C/N in dB that EN 300 421 comes to for each code rate.
+        const std::array needed{std::pair{"1/2", 4.1}, std::pair{"2/3", 5.9}, std::pair{"3/4", 6.9},
+                                std::pair{"5/6", 7.9}, std::pair{"7/8", 8.5}};
+        for (const auto& [text, cn] : needed) {
+            const auto rate = programme::code_rate_of(QString(text));
+            QVERIFY(rate && std::fabs(quasi_error_free_mer(*rate) - cn) < 0.06);
+            QCOMPARE(programme::code_rate_text(*rate), QString(text));
+        }
+        for (const char* other : {"AUTO", "", "9/10", "3/4 "})
+            QVERIFY(!programme::code_rate_of(QString(other)));
+        VisitMeasurement one = measured("001", {{Quantity::mer, "10.1"}});
+        const auto rate = programme::CodeRate::three_quarters;
+        QCOMPARE(measurement::margin_text(margins_of(one.measurement, rate).quasi_error_free),
+                 QStringLiteral("3.2"));
+        QVERIFY(!margins_of(one.measurement, {}).quasi_error_free);
+        one.measurement.mode = measurement::MeasureMode::analog;
+        QVERIFY(!margins_of(one.measurement, rate).quasi_error_free);
+    }
+
+    void the_code_rate_is_that_of_the_transponder_in_the_plan() {
+        const QTemporaryDir folder;
+        const auto plans = db::made_in(folder.path());
+        db::run_sql(db::database_in(folder.path()),
+                    {"INSERT INTO programmi (nome, pg_num, lnb_volt) VALUES ('ASTRA', '001', 2), "
+                     "('ASTRA', '002', 1)"});
+        CodeRates nothing_kept(*plans);
+        QVERIFY(!nothing_kept.of(measured("001", {}).measurement));
+        db::write_names(plans->connection(), QStringLiteral("ASTRA"),
+                        {{11778, 2, QStringLiteral("A"), QStringLiteral("3/4")},
+                         {11778, 1, QString(), QStringLiteral("5/6")},
+                         {12000, 1, QStringLiteral("B"), QString()}});
+        CodeRates rates(*plans);
+        QVERIFY(rates.of(measured("001", {}).measurement) == programme::CodeRate::three_quarters);
+        QVERIFY(rates.of(measured("002", {}, 11776.5F).measurement) ==
+                programme::CodeRate::five_sixths);
+        QVERIFY(!rates.of(measured("002", {}, 11786.0F).measurement));
+        QVERIFY(!rates.of(measured("002", {}, 12000.0F).measurement));
+        QVERIFY(!rates.of(measured("003", {}).measurement));
+        QVERIFY(!rates.of(measured("", {}).measurement));
     }
 
     void what_got_worse_since_the_first_visit() {

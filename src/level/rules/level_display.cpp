@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "mer_margin.h"
+
 namespace m47::level {
 namespace {
 
@@ -19,6 +21,7 @@ constexpr Bilingual kLevelBroken{"OLD: no level for %1", "VECCHIO: nessun livell
 constexpr Bilingual kValueBroken{"OLD: no value for %1", "VECCHIO: nessun valore da %1"};
 constexpr Bilingual kBelow{"%1 dB below the peak", "%1 dB sotto il massimo"};
 constexpr Bilingual kAtPeak{"at the peak", "al massimo"};
+constexpr Bilingual kMargin{"MER: %1", "MER: %1"};
 constexpr Bilingual kPeak{"Peak %1 %2", "Massimo %1 %2"};
 
 // What the meter can read, in dBuV.
@@ -133,6 +136,12 @@ std::optional<double> LevelDisplay::held() const {
     return static_cast<double>(reading.value) + offset();
 }
 
+QString LevelDisplay::margin_text(const Texts& texts) const {
+    const QString words = measurement::margin_words(measurement::alarm_margin(*last_), texts);
+    if (words.isEmpty() || quantity_ == measurement::Quantity::mer) return words;
+    return texts.pick(kMargin).arg(words);
+}
+
 std::optional<double> LevelDisplay::heard() const {
     const std::optional<double> value = held();
     if (!value || quantity_ == measurement::Quantity::level) return value;
@@ -187,6 +196,7 @@ LevelPicture LevelDisplay::picture(double now, bool linked, const Texts& texts) 
     picture.verdict = measurement::verdict_text(last_->verdict);
     if (const std::optional<double> value = held()) picture.bar = on_bar(quantity_, *value);
     show_peak(picture, texts);
+    picture.margin = margin_text(texts);
     if (!live(now, linked)) return picture;
     picture.colour = LevelColour::live;
     if (last_->verdict == measurement::Verdict::pass) picture.colour = LevelColour::pass;

@@ -23,6 +23,8 @@ struct LevelPicture {
     QString age;      ///< how old the value is, or that a measurement runs
     QString peak;     ///< "Peak 61.2 dBuV"; empty before the first value
     QString below;    ///< "0.8 dB below the peak"; empty before the first value
+    /// "3.2 dB left": the MER above its alarm minimum; empty where that is not in force.
+    QString margin;
     LevelColour colour = LevelColour::stale;
     /// How much of the bar is filled, and where the mark of the peak stands on it: 0 to 1 from 20
     /// to 120 dBuV, of C/N and MER from 0 to 40 dB. Nothing where there is no value.
@@ -68,6 +70,7 @@ class LevelDisplay {
     QString age_text(double now, bool linked, const Texts& texts) const;
     QString repeated_text(double now, const Texts& texts) const;
     QString unit() const;
+    QString margin_text(const Texts& texts) const;
     double offset() const;
     std::optional<double> held() const;
     void hold_peak();

@@ -196,8 +196,8 @@ void LevelView::refresh() {
 }
 
 void LevelView::speak(const LevelPicture& shown) {
-    QStringList spoken{shown.value, shown.unit, repeating() ? shown.below : QString(),
-                       shown.verdict, shown.age};
+    QStringList spoken{shown.value,  shown.unit,    repeating() ? shown.below : QString(),
+                       shown.margin, shown.verdict, shown.age};
     spoken.removeAll(QString());
     setAccessibleName(spoken.join(u' '));
 }
@@ -270,7 +270,7 @@ void LevelView::paint_level(QPainter& painter, const LevelPicture& shown) {
     painter.setPen(colour_of(shown.colour));
     draw_number(painter, {edge, h * 0.11, w - 2 * edge, h * 0.4}, shown.value);
     painter.setPen(shown.colour == LevelColour::stale ? kStaleColour : kPeakColour);
-    draw_fitting(painter, {edge, h * 0.52, w - 2 * edge, h * 0.115}, shown.below, true);
+    paint_distances(painter, shown);
     painter.setPen(colour_of(shown.colour));
     const double row = h * 0.64;
     draw_fitting(painter, {edge, row, w * 0.2, h * 0.11}, shown.unit, false,
@@ -278,6 +278,20 @@ void LevelView::paint_level(QPainter& painter, const LevelPicture& shown) {
     draw_fitting(painter, {w * 0.25, row, w * 0.3, h * 0.11}, shown.verdict, true);
     draw_fitting(painter, {w * 0.57, row, w * 0.4, h * 0.11}, shown.peak, false,
                  Qt::AlignRight | Qt::AlignVCenter);
+}
+
+/// What lies between the value and its peak, and what is left of the MER: in one row, which the
+/// first has alone where there is no limit.
+void LevelView::paint_distances(QPainter& painter, const LevelPicture& shown) {
+    const double edge = width() * 0.03;
+    QRectF row(edge, height() * 0.52, width() - 2 * edge, height() * 0.115);
+    if (!shown.margin.isEmpty()) {
+        const double half = (row.width() - edge) / 2;
+        draw_fitting(painter, {row.right() - half, row.top(), half, row.height()}, shown.margin,
+                     true);
+        row.setWidth(half);
+    }
+    draw_fitting(painter, row, shown.below, true);
 }
 
 /// The bar from the lowest to the highest level that the meter can read, with a mark at the peak.

@@ -63,6 +63,7 @@ class LevelView : public QWidget {
     bool open_sound();
     void next_quantity();
     void paint_level(QPainter& painter, const LevelPicture& shown);
+    void paint_distances(QPainter& painter, const LevelPicture& shown);
     void paint_bar(QPainter& painter, const LevelPicture& shown);
     void paint_rest(QPainter& painter, const LevelPicture& shown);
 

@@ -217,8 +217,10 @@ void PlanSets::keep_names(const ImportPreview& import) {
     std::vector<db::TransponderName> names;
     for (const ImportRow& row : import.rows)
         if (row.added())
-            names.push_back(
-                {link::typed_value(row.record.frequenza), row.record.lnb_volt, row.name});
+            names.push_back({.mhz = link::typed_value(row.record.frequenza),
+                             .supply = row.record.lnb_volt,
+                             .name = row.name,
+                             .code = row.code ? programme::code_rate_text(*row.code) : QString()});
     db::write_names(database_.connection(), plan_, names);
 }
 

@@ -123,10 +123,12 @@ void PlanSets::write_copy(const QString& name, const ProgramCopy& copy) {
     const bool is_new = !has_plan(name);
     const programme::ProgramRecord record = program();
     const double mhz = link::typed_value(record.frequenza);
-    const QString called = db::name_of(names(), mhz, record.lnb_volt);
+    const db::TransponderName called{mhz, record.lnb_volt,
+                                     db::name_of(names(), mhz, record.lnb_volt),
+                                     db::code_of(names(), mhz, record.lnb_volt)};
     if (is_new) add_rows(name);
     if (is_new) db::forget_names(database_.connection(), name);
-    db::write_names(database_.connection(), name, {{mhz, record.lnb_volt, called}});
+    db::write_names(database_.connection(), name, {called});
     crea_records(name);
     recorder_.concerns(name);
     if (is_new || copy.replaces_blank) remove_current();

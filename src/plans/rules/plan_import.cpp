@@ -85,6 +85,7 @@ class Importer {
         ImportRow row{
             candidate.line, candidate.record, candidate.oscillator, {}, candidate.problem};
         row.name = candidate.name;
+        row.code = candidate.code;
         if (row.added() && !candidate.wanted) row.problem = ImportProblem::unwanted;
         if (row.added()) row.problem = fit(row, candidate);
         if (row.added()) {

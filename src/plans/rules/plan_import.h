@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "code_rate.h"
 #include "program_record.h"
 #include "texts.h"
 
@@ -42,7 +43,8 @@ struct ImportCandidate {
     QStringList corrections{};  ///< of what the file says, as those of ImportRow
     QString name{};             ///< of a transponder, where its table has one
     QString polarisation{};     ///< of a transponder: H, V, L or R
-    int streams = 1;            ///< how many entries of the file it stands for
+    std::optional<programme::CodeRate> code{};  ///< of a DVB-S transponder, where its table has one
+    int streams = 1;                            ///< how many entries of the file it stands for
     bool beyond_qpsk = false;   ///< the meter has no receiver for it, but for its level
     QStringList columns{};      ///< that its file has, by the names of their fields
     QStringList empty_cells{};  ///< those of them in which nothing stands
@@ -64,6 +66,7 @@ struct ImportRow {
     std::optional<programme::ProgramRecord> replaces{};  ///< the program of the plan, as it was
     QStringList changes{};                               ///< of that one, as `corrections`
     QString name{};                                      ///< of its transponder, where it has one
+    std::optional<programme::CodeRate> code{};           ///< the same
 
     /// True where it will be stored, as a new program or over one of the plan.
     bool added() const { return problem == ImportProblem::none; }

@@ -51,7 +51,8 @@ Transponder old_transponder(int line, const QStringList& words) {
             .frequency = words.value(1),
             .polarisation = words.value(2),
             .symbol_rate = words.value(3),
-            .modulation = words.value(6)};
+            .modulation = words.value(6),
+            .code = words.value(4)};
 }
 
 /// Collects the lines of either form into transponders.
@@ -88,6 +89,7 @@ class ScanReader {
         if (key == u"POLARIZATION") current.polarisation = value;
         if (key == u"SYMBOL_RATE") current.symbol_rate = value;
         if (key == u"MODULATION") current.modulation = value;
+        if (key == u"INNER_FEC") current.code = value;
     }
 
     bool in_block_ = false;

@@ -15,6 +15,7 @@ struct Transponder {
     QString polarisation{};  ///< begins with H, V, L or R
     QString symbol_rate{};   ///< S/s
     QString modulation{};    ///< "PSK/8", or "8PSK" in the old form
+    QString code{};          ///< rate of the inner code, "3/4", or "AUTO"
 };
 
 /// The transponders of a DVB scan table in either form, in their order. A line that belongs to none

@@ -5,6 +5,7 @@
 #include <array>
 #include <map>
 #include <optional>
+#include <set>
 #include <tuple>
 
 #include "box_numbers.h"
@@ -111,6 +112,7 @@ ImportCandidate candidate_of(const Transponder& transponder, double unit_offset)
     ImportCandidate candidate{.line = transponder.line, .record = import_defaults(unit_offset)};
     candidate.name = transponder.name;
     candidate.beyond_qpsk = is_beyond_qpsk(transponder);
+    if (!candidate.beyond_qpsk) candidate.code = programme::code_rate_of(transponder.code);
     const double khz = khz_of(transponder);
     const double rate = positive(transponder.symbol_rate) / kKilo;
     programme::ProgramRecord& record = candidate.record;
@@ -148,9 +150,18 @@ class ScanCollector {
                               positive(transponder.symbol_rate)};
         const bool read = candidate.unread.isEmpty();
         const auto met = read ? places_.find(carrier) : places_.end();
-        if (met != places_.end()) return join(table.candidates[met->second], candidate);
-        if (read) places_[carrier] = table.candidates.size();
+        const std::size_t place = met != places_.end() ? met->second : table.candidates.size();
+        if (candidate.code) codes_[place].insert(*candidate.code);
+        if (met != places_.end()) return join(table.candidates[place], candidate);
+        if (read) places_[carrier] = place;
         table.candidates.push_back(candidate);
+    }
+
+    /// Where streams of one transponder contradict each other, nobody knows its code.
+    void settle_codes() {
+        for (const auto& [place, codes] : codes_)
+            table.candidates[place].code =
+                codes.size() == 1 ? std::optional(*codes.begin()) : std::nullopt;
     }
 
   private:
@@ -162,6 +173,7 @@ class ScanCollector {
     }
 
     std::map<Carrier, std::size_t> places_;
+    std::map<std::size_t, std::set<programme::CodeRate>> codes_;
 };
 
 }  // namespace
@@ -170,6 +182,7 @@ ScanTable parse_scan_table(const QString& text, double unit_offset) {
     ScanCollector collector;
     for (const Transponder& transponder : read_transponders(text))
         collector.take(transponder, unit_offset);
+    collector.settle_codes();
     return collector.table;
 }
 
