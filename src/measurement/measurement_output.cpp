@@ -10,13 +10,10 @@
 #include <vector>
 
 #include "row_time.h"
+#include "tab_lines.h"
 
 namespace m47::measurement {
 namespace {
-
-/// The names of the readings, by quantity.
-constexpr std::array<const char*, kAllQuantities> kReadingNames{"level", "ber", "mer",  "pvber",
-                                                                "cfo",   "cn",  "noise"};
 
 struct OutputCell {
     const char* name;
@@ -51,11 +48,6 @@ QString iso_text(const std::optional<double>& instant, int offset) {
     return QString::fromStdString(time_text(*instant)).replace(u' ', u'T') + offset_text(offset);
 }
 
-QString mode_text(MeasureMode mode) {
-    if (mode == MeasureMode::none) return {};
-    return mode == MeasureMode::digital ? QStringLiteral("digital") : QStringLiteral("analog");
-}
-
 std::vector<OutputCell> output_cells(const Measurement& measured, int offset) {
     std::vector<OutputCell> cells{{"time", iso_text(measured.instant, offset)},
                                   {"plan", measured.program.plan},
@@ -67,8 +59,8 @@ std::vector<OutputCell> output_cells(const Measurement& measured, int offset) {
     for (std::size_t k = 0; k < kAllQuantities; ++k) {
         const Reading& reading = measured.readings[k];
         const bool there = reading.measured();
-        cells.push_back({kReadingNames[k], there ? number_text(reading.value) : QString(), true});
-        cells.push_back({kReadingNames[k],
+        cells.push_back({kQuantityNames[k], there ? number_text(reading.value) : QString(), true});
+        cells.push_back({kQuantityNames[k],
                          there ? QString::fromLatin1(mark_text(reading.mark)) : QString(), false,
                          "_mark"});
     }
@@ -80,12 +72,6 @@ QString name_of(const OutputCell& cell) {
     return QLatin1String(cell.name) + QLatin1String(cell.behind_name);
 }
 
-QString tsv_cell(const QString& text) {
-    QString cell = text;
-    for (const QChar c : {u'\t', u'\n', u'\r'}) cell.replace(c, u' ');
-    return cell;
-}
-
 QString csv_cell(const QString& text) {
     bool plain = true;
     for (const QChar c : {u',', u'"', u'\n', u'\r'}) plain = plain && !text.contains(c);
@@ -93,10 +79,10 @@ QString csv_cell(const QString& text) {
 }
 
 QByteArray separated(OutputFormat format, const QStringList& texts) {
-    const bool csv = format == OutputFormat::csv;
+    if (format == OutputFormat::tsv) return tab_line(texts);
     QStringList cells;
-    for (const QString& text : texts) cells += csv ? csv_cell(text) : tsv_cell(text);
-    return cells.join(csv ? u',' : u'\t').toUtf8() + (csv ? "\r\n" : "\n");
+    for (const QString& text : texts) cells += csv_cell(text);
+    return cells.join(u',').toUtf8() + "\r\n";
 }
 
 QByteArray json_text(const QString& text) {
@@ -118,6 +104,11 @@ QByteArray json_line(const std::vector<OutputCell>& cells) {
 }
 
 }  // namespace
+
+QString mode_text(MeasureMode mode) {
+    if (mode == MeasureMode::none) return {};
+    return mode == MeasureMode::digital ? QStringLiteral("digital") : QStringLiteral("analog");
+}
 
 QByteArray mark_text(RangeMark mark) {
     if (mark == RangeMark::none) return {};

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <QByteArray>
+#include <QString>
+#include <array>
 #include <cstdint>
 
 #include "measurement.h"
@@ -14,6 +16,13 @@ enum class OutputFormat : std::uint8_t {
     csv,   ///< as RFC 4180 has it: commas, quotes where they are needed, CR LF
     json,  ///< an object a line, null for what was not measured or is not known
 };
+
+/// The names of the readings for other programs, by quantity.
+inline constexpr std::array<const char*, kAllQuantities> kQuantityNames{
+    "level", "ber", "mer", "pvber", "cfo", "cn", "noise"};
+
+/// "digital", "analog" or nothing.
+QString mode_text(MeasureMode mode);
 
 /// The mark of a value beyond the meter's range, as it stands in a column: "<", ">" or nothing.
 QByteArray mark_text(RangeMark mark);
