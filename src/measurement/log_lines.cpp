@@ -13,9 +13,8 @@ const char* find_end(const char* from, const char* stop, char line_end) {
     return found ? static_cast<const char*>(found) : stop;
 }
 
-}  // namespace
-
-std::optional<std::size_t> take_log_lines(std::string_view text, bool last, PageStore& store) {
+template <typename TakeLine>
+std::optional<std::size_t> take_lines(std::string_view text, bool last, const TakeLine& take) {
     const char* const begin = text.data();
     const char* const stop = begin + text.size();
     const char* at = begin;
@@ -29,12 +28,23 @@ std::optional<std::size_t> take_log_lines(std::string_view text, bool last, Page
         const char* const end = std::min(feed, carriage);
         const bool unsure = end == stop || (end == carriage && end + 1 == stop);
         if (unsure && !last) break;
-        if (!store.append_line({at, static_cast<std::size_t>(end - at)})) return {};
+        if (!take(std::string_view(at, static_cast<std::size_t>(end - at)))) return {};
         at = end;
         if (at != stop) ++at;
         if (end == carriage && at == feed && at != stop) ++at;
     }
     return static_cast<std::size_t>(at - begin);
+}
+
+}  // namespace
+
+std::optional<std::size_t> take_log_lines(std::string_view text, bool last, PageStore& store) {
+    return take_lines(text, last,
+                      [&store](std::string_view line) { return store.append_line(line); });
+}
+
+bool each_log_line(std::string_view text, const std::function<bool(std::string_view)>& line) {
+    return take_lines(text, true, line).has_value();
 }
 
 }  // namespace m47::measurement

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string_view>
 
@@ -14,5 +15,9 @@ namespace m47::measurement {
 /// one, is taken only when `last` says that nothing follows. Nothing is returned when a line does
 /// not fit the page.
 std::optional<std::size_t> take_log_lines(std::string_view text, bool last, PageStore& store);
+
+/// Tells `line` each line of `text`, a whole log, without its end, and returns true; false where
+/// `line` did not want more.
+bool each_log_line(std::string_view text, const std::function<bool(std::string_view)>& line);
 
 }  // namespace m47::measurement
