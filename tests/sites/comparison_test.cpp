@@ -7,6 +7,7 @@
 #include "db_support.h"
 #include "margin.h"
 #include "site_samples.h"
+#include "site_tables.h"
 #include "visit_comparison.h"
 #include "what_got_worse.h"
 
@@ -247,6 +248,36 @@ class ComparisonTest : public QObject {
         QVERIFY(!rates.of(measured("002", {}, 12000.0F).measurement));
         QVERIFY(!rates.of(measured("003", {}).measurement));
         QVERIFY(!rates.of(measured("", {}).measurement));
+    }
+
+    void a_table_is_handed_on_as_it_is_shown() {
+        VisitMeasurement then =
+            measured("001", {{Quantity::level, "58.3"}, {Quantity::mer, "12.0"}});
+        VisitMeasurement now = measured("001", {{Quantity::level, "54.0"}, {Quantity::mer, "8.1"}});
+        now.measurement.limits[static_cast<std::size_t>(Quantity::mer)] =
+            measurement::Limits{7.0, {}};
+        const auto rate = [](const measurement::Measurement&) {
+            return std::optional(programme::CodeRate::three_quarters);
+        };
+        const auto table = comparison_table(compare_visits({then}, {now}), rate, texts());
+        QCOMPARE(table.heading.mid(0, 5).join(u'|'),
+                 QStringLiteral("Program|Meaning|Level before|Level now|Level change"));
+        QCOMPARE(table.rows.size(), 1);
+        QCOMPARE(table.rows[0].join(u'|'),
+                 QStringLiteral("ASTRA 001 · 11778.0 / 10600|worse|58.3 dBuV|54.0 dBuV|-4.3|–|–|–|"
+                                "12.0|8.1|-3.9|–|–|–|–|–|–|1.1|1.2"));
+        Site site{.id = QUuid::createUuid(), .name = QStringLiteral("Via\tRoma\n7")};
+        const auto worse = worse_table({{site, compare_visits({then}, {now})[0]}}, texts(kItalian));
+        QCOMPARE(QString::fromUtf8(worse.tsv()),
+                 QStringLiteral("Sito\tProgramma\tSignificato\tLivello differenza\tMER differenza\t"
+                                "Dal\tAl\nVia Roma 7\tASTRA 001 · 11778.0 / 10600\tpeggiore\t-4.3\t"
+                                "-3.9\t2001-09-09 02:46:40\t2001-09-09 02:46:40\n"));
+        const auto rows = rows_table({then, now}, {}, texts());
+        QCOMPARE(rows.rows[1].join(u'|'),
+                 QStringLiteral("2001-09-09 02:46:40|ASTRA 001 · 11778.0 / 10600|dBuV|54.0|–|8.1|–|"
+                                "–|–|–|1.1|–|"));
+        for (const ShownTable& each : {table, worse, rows})
+            for (const QStringList& row : each.rows) QCOMPARE(row.size(), each.heading.size());
     }
 
     void what_got_worse_since_the_first_visit() {

@@ -34,13 +34,6 @@ constexpr float kFineTuning = 3;
 
 using Places = std::unordered_map<SeriesKey, std::size_t, measurement::SeriesKeyHash>;
 
-/// A program keeps its place whatever unit it was measured in.
-SeriesKey key_of(const VisitMeasurement& one) {
-    SeriesKey key = measurement::series_key(one.measurement);
-    key.unit.reset();
-    return key;
-}
-
 bool received(const std::optional<VisitMeasurement>& one) {
     return one && std::ranges::any_of(one->measurement.readings,
                                       [](const Reading& reading) { return reading.measured(); });
@@ -153,18 +146,18 @@ class Pairing {
 
     explicit Pairing(const std::vector<VisitMeasurement>& earlier) {
         for (const VisitMeasurement& one : earlier) {
-            places_.emplace(key_of(one), rows.size());
-            rows.push_back({.key = key_of(one), .earlier = one});
+            places_.emplace(program_key(one), rows.size());
+            rows.push_back({.key = program_key(one), .earlier = one});
         }
     }
 
     void take(const std::vector<VisitMeasurement>& later) {
         for (const VisitMeasurement& one : later) {
-            const auto met = places_.find(key_of(one));
+            const auto met = places_.find(program_key(one));
             if (met != places_.end())
                 rows[met->second].later = one;
             else
-                rows.push_back({.key = key_of(one), .later = one});
+                rows.push_back({.key = program_key(one), .later = one});
         }
         join_by_tuning();
     }
@@ -229,11 +222,17 @@ bool ProgramComparison::retuned() const {
            std::fabs(*then.frequency - *now.frequency) > kFineTuning;
 }
 
+SeriesKey program_key(const VisitMeasurement& one) {
+    SeriesKey key = measurement::series_key(one.measurement);
+    key.unit.reset();
+    return key;
+}
+
 std::vector<VisitMeasurement> counting(const std::vector<VisitMeasurement>& visit) {
     std::vector<VisitMeasurement> last;
     Places places;
     for (const VisitMeasurement& one : visit) {
-        const auto [place, is_new] = places.emplace(key_of(one), last.size());
+        const auto [place, is_new] = places.emplace(program_key(one), last.size());
         if (is_new)
             last.push_back(one);
         else

@@ -51,6 +51,9 @@ struct ProgramComparison {
     bool retuned() const;
 };
 
+/// What tells the program of `one` apart, whatever unit it was measured in.
+measurement::SeriesKey program_key(const VisitMeasurement& one);
+
 /// The measurement of each program that counts in a visit: its last one, with or without readings,
 /// as that is how the installation was left. In the order in which the programs first came.
 std::vector<VisitMeasurement> counting(const std::vector<VisitMeasurement>& visit);

@@ -2,15 +2,24 @@
 #include "what_got_worse.h"
 
 #include <algorithm>
-#include <iterator>
+#include <unordered_set>
 
 namespace m47::sites {
 namespace {
 
 using Rows = std::vector<VisitMeasurement>;
 
+/// True where `rows` have every program of `others` by its own key.
+bool has_all(const Rows& rows, const Rows& others) {
+    std::unordered_set<measurement::SeriesKey, measurement::SeriesKeyHash> known;
+    for (const VisitMeasurement& one : rows) known.insert(program_key(one));
+    return std::ranges::all_of(
+        others, [&](const VisitMeasurement& one) { return known.contains(program_key(one)); });
+}
+
 /// Adds to `rows` what of `visit` they lack and `others` have; true where nothing is lacking then.
 bool fill(Rows& rows, const Rows& others, const Rows& visit) {
+    if (has_all(rows, others)) return true;
     bool complete = true;
     for (const ProgramComparison& program : compare_visits(rows, others)) {
         if (program.earlier || !program.later) continue;
@@ -42,6 +51,17 @@ bool is_worse_fallen(const ProgramComparison& one, const ProgramComparison& othe
 }
 
 }  // namespace
+
+SiteHistory history_of(const SiteStore& store, const Site& site) {
+    return {site, store.visits(site.id),
+            [&store](const Visit& visit) { return store.measurements(visit.id); }};
+}
+
+std::vector<SiteHistory> histories_of(const SiteStore& store) {
+    std::vector<SiteHistory> all;
+    for (const Site& site : store.sites()) all.push_back(history_of(store, site));
+    return all;
+}
 
 std::vector<ProgramComparison> worse_since_first(const SiteHistory& history, double decibels) {
     const std::vector<Visit>& visits = history.visits;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "site_records.h"
+#include "site_store.h"
 #include "visit_comparison.h"
 
 namespace m47::sites {
@@ -22,6 +23,10 @@ struct SiteHistory {
     std::vector<Visit> visits;
     std::function<std::vector<VisitMeasurement>(const Visit&)> measurements;
 };
+
+/// The history of `site` in `store`, which has to outlive it; and those of all sites.
+SiteHistory history_of(const SiteStore& store, const Site& site);
+std::vector<SiteHistory> histories_of(const SiteStore& store);
 
 /// Every program at `history` that is lost, or whose MER or level fell by more than `decibels`,
 /// between the first visit that measured it and the last one that did. Of the visits between the
