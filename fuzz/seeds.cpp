@@ -89,10 +89,12 @@ void keep_measures(meter::Instrument& meter, SeedFolder& seeds) {
                labelled(quality, "CFO   :") + '\t' + labelled(quality, "MER   :") + "\t\tPASS\r\n";
         meter.handle("MEASURE");
         seeds.keep("log", std::string(1, '\x10') + log);
+        seeds.keep("log_import", log);
     }
     std::string plain_ends = log;
     std::erase(plain_ends, '\r');
     seeds.keep("log", std::string(1, '\2') + plain_ends);
+    seeds.keep("log_import", plain_ends + plain_ends + "21/11/26\t13:00:00\t12,4");
 }
 
 void keep_logger(meter::Instrument& meter, SeedFolder& seeds) {
@@ -200,6 +202,25 @@ void keep_sweeps(meter::Instrument& meter, SeedFolder& seeds) {
     seeds.keep("sweep", "920.0\t\t20\t<\t\t\t\n2150.0\t3000.0\t\t\tdBm\toff\toff\n");
 }
 
+/** Files of sites, each short enough for the fuzzer's inputs: a visit with one measurement of which
+    another part is told each time. */
+void keep_sites(meter::Instrument& meter, SeedFolder& seeds) {
+    const std::string id = "{\"id\":\"2f6a5f3e-6a0c-4f0c-9a57-0c8f6f1f7a1";
+    const std::string instant = "{\"utc\":1795248000.5,\"offset\":3600}";
+    const std::string level = without_blanks(payload(meter, "LEVANL?"));
+    const std::string front = "{\"format\":\"m47-sites\",\"version\":1,\"sites\":[";
+    seeds.keep("site_file", front + id + "0\",\"name\":\"Sole\",\"remarks\":\"\\u00e0\"}]}");
+    for (const std::string& part :
+         {"\"readings\":{\"level\":{\"value\":" + level + "}}", std::string("\"unit\":\"dBuV\""),
+          std::string("\"readings\":{\"ber\":{\"value\":1e-8,\"mark\":\"<\"}}"),
+          std::string("\"limits\":{\"mer\":{\"minimum\":8}}"),
+          std::string("\"mode\":\"digital\",\"plan\":\"A\",\"program\":\"007\""),
+          std::string("\"frequency\":11778,\"oscillator\":10600,\"verdict\":\"PASS\"")})
+        seeds.keep("site_file", front + id + "0\",\"visits\":[" + id + "1\",\"begun\":" + instant +
+                                    ",\"measurements\":[" + id + "2\",\"instant\":" + instant +
+                                    ',' + part + "}]}]}]}");
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -216,5 +237,6 @@ int main(int argc, char** argv) {
     keep_plans(meter, seeds);
     keep_recordings(meter, seeds);
     keep_sweeps(meter, seeds);
+    keep_sites(meter, seeds);
     return 0;
 }
