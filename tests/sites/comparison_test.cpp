@@ -167,8 +167,8 @@ class ComparisonTest : public QObject {
     void a_program_is_told_by_its_number_and_else_by_its_frequency() {
         const VisitMeasurement plan = measured("001", {{Quantity::mer, "12"}});
         const VisitMeasurement tuned = measured("001", {{Quantity::mer, "12"}}, 11836.0F);
-        QVERIFY(only(plan, tuned).retuned());
-        QVERIFY(!only(plan, plan).retuned());
+        QVERIFY(only(plan, tuned).is_elsewhere());
+        QVERIFY(!only(plan, plan).is_elsewhere());
         const VisitMeasurement log = measured("", {{Quantity::mer, "10"}});
         for (const auto& [then, now] : {std::pair{log, plan}, std::pair{plan, log}}) {
             const auto found = only(then, now);

@@ -213,7 +213,7 @@ const std::optional<Change>& ProgramComparison::change(Quantity quantity) const 
     return changes[static_cast<std::size_t>(place - kComparedQuantities.begin())];
 }
 
-bool ProgramComparison::retuned() const {
+bool ProgramComparison::is_elsewhere() const {
     if (!earlier || !later) return false;
     const Measurement& then = earlier->measurement;
     const Measurement& now = later->measurement;

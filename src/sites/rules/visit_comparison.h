@@ -48,7 +48,7 @@ struct ProgramComparison {
 
     const std::optional<Change>& change(measurement::Quantity quantity) const;
     /// The earlier or the later measurement is of another transponder: the plan has changed.
-    bool retuned() const;
+    bool is_elsewhere() const;
 };
 
 /// What tells the program of `one` apart, whatever unit it was measured in.
