@@ -162,7 +162,7 @@ class ExchangeTest : public QObject {
         row("unit", with_row("unit", "volt"), "[0].unit'");
         row("mode", with_row("mode", 3), "[0].mode'");
         row("verdict", with_row("verdict", "pass"), "[0].verdict'");
-        row("frequency", with_row("frequency", 1e7), "[0].frequency'");
+        row("frequency", with_row("frequency", 1e39), "[0].frequency'");
         row("text for a number", with_row("frequency", "11778"), "[0].frequency'");
         row("reading", with_row("readings", QJsonObject{{"level", 58.3}}), "readings.level'");
         row("no value", with_row("readings", QJsonObject{{"level", QJsonObject()}}),

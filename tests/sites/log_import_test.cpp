@@ -180,6 +180,25 @@ class LogImportTest : public QObject {
                  4);
     }
 
+    void whatever_a_log_says_goes_through_a_file_data() {
+        QTest::addColumn<QByteArray>("text");
+        QTest::newRow("frequency")
+            << QByteArray("21/11/26\t08:00:00\t290600000\t3e38\t1\t\t\t\t\t\t");
+        QTest::newRow("early") << line("01/01/100", "00:00:00");
+        QTest::newRow("late") << line("31/12/9999", "23:59:59");
+    }
+    void whatever_a_log_says_goes_through_a_file() {
+        QFETCH(QByteArray, text);
+        for (const char* zone : {"Europe/Rome", "Pacific/Kiritimati", "America/Adak"}) {
+            const LogPreview log = read_log(text, {}, site_, QTimeZone(zone));
+            QCOMPARE(log.visits.size(), 1U);
+            const QByteArray file = site_file_bytes(site_file_of(log, site_));
+            const SiteFileRead again = read_site_file(file);
+            QVERIFY2(!again.refused, file.constData());
+            QCOMPARE(site_file_bytes(again.sites), file);
+        }
+    }
+
     void a_log_is_compared_with_a_visit_of_a_plan() {
         const LogPreview log = read(line("21/11/26", "08:00:00", "9.4"));
         VisitMeasurement now = a_row(a_visit(site_, 0), 0, QStringLiteral("007"), 7.0F);

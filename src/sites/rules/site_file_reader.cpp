@@ -27,12 +27,13 @@ constexpr Bilingual kLaterVersion{
 constexpr Bilingual kIdTwice{"This is no file of sites: the id %1 comes twice.",
                              "Questo non è un file di siti: l'id %1 compare due volte."};
 
-// The years 1900 to 9999; no place on earth is further from UTC than 18 hours.
-constexpr double kFirstInstant = -2208988800;
-constexpr double kLastInstant = 253402300799;
+// The years 0 to 9999 and some days, as a log can name them; no place on earth is further from UTC
+// than 18 hours.
+constexpr double kFirstInstant = -62'200'000'000;
+constexpr double kLastInstant = 253'500'000'000;
 constexpr int kMostOffset = 18 * 3600;
-constexpr double kMostMhz = 1e6;
-constexpr double kMostReading = std::numeric_limits<float>::max();
+/// Readings and frequencies are single precision.
+constexpr double kMostFloat = std::numeric_limits<float>::max();
 constexpr double kMostLimit = std::numeric_limits<double>::max();
 
 /// Reads a file into sites; throws Refused.
@@ -115,7 +116,7 @@ class SiteFileReader {
     }
 
     static std::optional<float> mhz(JsonMembers& members, const char* name) {
-        const auto value = members.number_if(name, -kMostMhz, kMostMhz);
+        const auto value = members.number_if(name, -kMostFloat, kMostFloat);
         return value ? std::optional(static_cast<float>(*value)) : std::nullopt;
     }
 
@@ -137,7 +138,7 @@ class SiteFileReader {
             auto one = readings->object_if(measurement::kQuantityNames[k]);
             if (!one) continue;
             const bool rate = measurement::is_error_rate(static_cast<measurement::Quantity>(k));
-            const auto value = one->number(member::kValue, rate ? 0 : -kMostReading, kMostReading);
+            const auto value = one->number(member::kValue, rate ? 0 : -kMostFloat, kMostFloat);
             measured.readings[k] = {
                 static_cast<float>(value),
                 choice(*one, member::kMark, mark_words, measurement::RangeMark::none,
