@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "json_members.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "site_file.h"
@@ -22,23 +23,33 @@ QString told(const QString& place) {
 
 }  // namespace
 
-JsonMembers::JsonMembers(const QJsonValue& value, const QString& where) : where_(where) {
-    if (!value.isObject()) throw Refused{{kNotSo, {told(where)}}};
+JsonMembers::JsonMembers(const QJsonValue& value, const JsonMembers* parent, const char* name,
+                         qsizetype index)
+    : parent_(parent), name_(name), index_(index) {
+    if (!value.isObject()) throw Refused{{kNotSo, {told(place())}}};
     object_ = value.toObject();
 }
 
-QString JsonMembers::place(const char* name) const {
-    return where_.isEmpty() ? QString::fromUtf8(name) : where_ + u'.' + QString::fromUtf8(name);
+QString JsonMembers::place() const {
+    if (!parent_) return {};
+    const QString here = parent_->place(QString::fromLatin1(name_));
+    return index_ < 0 ? here : here + QStringLiteral("[%1]").arg(index_);
+}
+
+QString JsonMembers::place(const QString& name) const {
+    const QString here = place();
+    return here.isEmpty() ? name : here + u'.' + name;
 }
 
 void JsonMembers::refuse(const char* name) const {
-    throw Refused{{kNotSo, {told(place(name))}}};
+    throw Refused{{kNotSo, {told(place(QString::fromLatin1(name)))}}};
 }
 
 QJsonValue JsonMembers::take(const char* name) {
-    taken_.insert(QLatin1String(name));
-    return object_.contains(QLatin1String(name)) ? object_.value(QLatin1String(name))
-                                                 : QJsonValue(QJsonValue::Undefined);
+    const auto found = object_.constFind(QLatin1String(name));
+    if (found == object_.constEnd()) return QJsonValue::Undefined;
+    taken_.append(name);
+    return *found;
 }
 
 QString JsonMembers::text(const char* name) {
@@ -84,7 +95,7 @@ QJsonArray JsonMembers::array(const char* name) {
 }
 
 JsonMembers JsonMembers::object(const char* name) {
-    return {take(name), place(name)};
+    return {take(name), this, name};
 }
 
 std::optional<JsonMembers> JsonMembers::object_if(const char* name) {
@@ -93,9 +104,11 @@ std::optional<JsonMembers> JsonMembers::object_if(const char* name) {
 }
 
 void JsonMembers::done() const {
+    if (taken_.size() == object_.size()) return;
     for (const QString& name : object_.keys())
-        if (!taken_.contains(name))
-            throw Refused{{kUnknownMember, {told(place(name.toUtf8().constData()))}}};
+        if (std::ranges::none_of(taken_,
+                                 [&](const char* one) { return name == QLatin1String(one); }))
+            throw Refused{{kUnknownMember, {told(place(name))}}};
 }
 
 }  // namespace m47::sites

@@ -3,9 +3,9 @@
 
 #include <QJsonArray>
 #include <QJsonObject>
-#include <QSet>
 #include <QString>
 #include <QUuid>
+#include <QVarLengthArray>
 #include <optional>
 
 #include "texts.h"
@@ -22,8 +22,11 @@ struct Refused {
 /// asked for when done() is called.
 class JsonMembers {
   public:
-    /// `where` is the object's place in the file, "sites[0].visits[2]".
-    JsonMembers(const QJsonValue& value, const QString& where);
+    /// The object of the whole file.
+    explicit JsonMembers(const QJsonValue& value) : JsonMembers(value, nullptr, "", -1) {}
+    /// The member `name` of `parent`, which has to outlive this, or its object number `index`.
+    JsonMembers(const QJsonValue& value, const JsonMembers* parent, const char* name,
+                qsizetype index = -1);
 
     bool has(const char* name) const { return object_.contains(QLatin1String(name)); }
     QString text(const char* name);                           ///< empty where it is not there
@@ -34,21 +37,26 @@ class JsonMembers {
     QJsonArray array(const char* name);             ///< empty where it is not there
     std::optional<JsonMembers> object_if(const char* name);
     JsonMembers object(const char* name);  ///< has to be there
-    /// The names of all members.
-    QStringList names() const { return object_.keys(); }
 
     void done() const;
 
-    QString place(const char* name) const;
     [[noreturn]] void refuse(const char* name) const;
 
   private:
     /// Undefined where it is not there.
     QJsonValue take(const char* name);
 
+    /// Where the object is in the file, "sites[0].visits[2]"; made when it is told.
+    QString place() const;
+    QString place(const QString& name) const;
+    /// How many names have room without an allocation: no object has more members.
+    static constexpr int kMembers = 16;
+
     QJsonObject object_;
-    QString where_;
-    QSet<QString> taken_;
+    const JsonMembers* parent_;
+    const char* name_;
+    qsizetype index_;
+    QVarLengthArray<const char*, kMembers> taken_;  ///< of those that are there
 };
 
 }  // namespace m47::sites

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <QJsonDocument>
 #include <QJsonParseError>
+#include <QSet>
 #include <initializer_list>
 #include <limits>
 #include <type_traits>
@@ -40,7 +41,7 @@ constexpr double kMostLimit = std::numeric_limits<double>::max();
 class SiteFileReader {
   public:
     SiteFile sites(const QJsonValue& file) {
-        JsonMembers members(file, QString());
+        JsonMembers members(file);
         if (members.text(member::kFormat) != QLatin1String(member::kSiteFormat))
             throw Refused{{kOtherFile, {}}};
         if (members.whole(member::kVersion, 1, std::numeric_limits<int>::max()) !=
@@ -58,7 +59,7 @@ class SiteFileReader {
     static void each(JsonMembers& members, const char* name, const Read& read) {
         const QJsonArray array = members.array(name);
         for (qsizetype k = 0; k < array.size(); ++k) {
-            JsonMembers one(array[k], members.place(name) + QStringLiteral("[%1]").arg(k));
+            JsonMembers one(array[k], &members, name, k);
             read(one);
             one.done();
         }
