@@ -15,6 +15,7 @@
 #include "site_file.h"
 #include "site_merge.h"
 #include "sites_support.h"
+#include "what_got_worse.h"
 
 namespace m47::sites {
 
@@ -337,6 +338,31 @@ class ExchangeTest : public QObject {
         QCOMPARE(left.conflicts.size(), 1U);
         QCOMPARE(left.conflicts[0].id(), file[0].site.id);
         QVERIFY(content(*store) != before);
+    }
+
+    void what_came_by_a_file_tells_what_got_worse() {
+        const QTemporaryDir folder;
+        const auto store = opened_sites(folder.path());
+        SiteFile file = two_sites();
+        // The second visit at the first site: program 002 has lost 3 dB, 001 has 1 dB less.
+        for (VisitMeasurement& row : file[0].visits[1].rows) {
+            measurement::Reading& mer = row.measurement.reading(measurement::Quantity::mer);
+            if (row.measurement.program.number == "002") mer = {9.4F, {}};
+            if (row.measurement.program.number == "001") mer = {11.4F, {}};
+        }
+        for (SiteWithVisits& whole : file)
+            for (VisitWithRows& visit : whole.visits)
+                for (VisitMeasurement& row : visit.rows)
+                    row.measurement.reading(measurement::Quantity::mer).mark = {};
+        apply_merge(file, plan_merge(file, *store), *store);
+        const auto worse = what_got_worse(histories_of(*store), 2);
+        QCOMPARE(worse.size(), 1U);
+        QVERIFY(worse[0].site == file[0].site);
+        QCOMPARE(worse[0].program.key.program.number, QStringLiteral("002"));
+        QCOMPARE(fall_of(worse[0].program), std::optional(3.0));
+        QCOMPARE(worse[0].program.earlier->visit, file[0].visits[0].visit.id);
+        QCOMPARE(worse[0].program.later->visit, file[0].visits[1].visit.id);
+        QCOMPARE(what_got_worse(histories_of(*store), 0.9).size(), 2U);
     }
 
     void an_import_is_whole_or_nothing() {
