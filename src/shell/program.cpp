@@ -26,8 +26,8 @@ constexpr std::chrono::seconds kDeviceWatchInterval{1};
 /// Timers rest while a handler waits for the meter.
 constexpr std::chrono::milliseconds kOnceFree{1};
 
-constexpr Bilingual kClosesLater{"It closes when the meter has been asked: [Stop] ends that now.",
-                                 "Si chiude al termine: [Ferma] termina subito."};
+constexpr Bilingual kClosesLater{"It closes when the work at the meter has ended.",
+                                 "Si chiude quando il lavoro con lo strumento è finito."};
 constexpr Bilingual kStopped{"Stopped: %1.", "Fermato: %1."};
 
 constexpr Bilingual kDeviceIsBack{
