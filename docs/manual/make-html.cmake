@@ -14,7 +14,7 @@ set(pages_word_it "Pagine")
 
 # The text of the first heading of a page.
 function(title_of file variable)
-    file(STRINGS ${file} heading REGEX "^# " LIMIT_COUNT 1)
+    file(STRINGS ${file} heading REGEX "^# " LIMIT_COUNT 1 ENCODING UTF-8)
     string(REGEX REPLACE "^# " "" heading "${heading}")
     set(${variable} "${heading}" PARENT_SCOPE)
 endfunction()
