@@ -15,7 +15,9 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTabWidget>
+#include <QTableWidget>
 #include <QTest>
+#include <QTimer>
 #include <algorithm>
 #include <utility>
 
@@ -34,6 +36,9 @@ constexpr QSize kTrendWindow(1000, 1000);
 constexpr QSize kTrendScreen(900, 850);
 constexpr QSize kSweepWindow(1200, 800);
 constexpr QSize kSweepScreen(1080, 600);
+constexpr QSize kIdentifyDialog(960, 440);
+/// So many answers are half of an identification: the band was looked over.
+constexpr int kHalfWay = 104;
 
 struct SampleProgram {
     const char* number;
@@ -72,9 +77,11 @@ QImage with_few_colours(const QImage& picture) {
 /// The program in one language with a meter of its own.
 class Pictures {
   public:
-    Pictures(int language, const QString& folder) : language_(language), folder_(folder) {
-        meter_ = std::make_unique<MeterProcess>(work_.path(),
-                                                QStringList{"--baud-factor", "0", "--delay", "0"});
+    /// The meter is under the sky that `sky` says, or the usual one.
+    Pictures(int language, const QString& folder, const QStringList& sky = {})
+        : language_(language), folder_(folder) {
+        meter_ = std::make_unique<MeterProcess>(
+            work_.path(), QStringList{"--baud-factor", "0", "--delay", "0"} + sky);
         state_.base_dir = folder_with_separator(work_.path());
         const QString path = state_.base_dir + QLatin1String(db::kDatabaseFile);
         db::DatabaseError error{};
@@ -106,6 +113,22 @@ class Pictures {
         click_action("logo");
         save("logo", screen_->parentWidget());
         lost();
+    }
+
+    /// Of a dish between two satellites.
+    void take_identification() {
+        identify([this](QDialog* dialog) {
+            ask_satellite(dialog, true);
+            save("identify", dialog);
+        });
+    }
+    /// Of a dish on a motor that looks beside a satellite.
+    void take_peak() {
+        identify([this](QDialog* dialog) {
+            ask_satellite(dialog, false);
+            find_peak();
+            dialog->findChild<QPushButton*>("identify_peak")->click();
+        });
     }
 
   private:
@@ -166,6 +189,10 @@ class Pictures {
     void sweep();
     void satellites();
     void lost();
+    void identify(const std::function<void(QDialog*)>& act);
+    void ask_satellite(QDialog* dialog, bool half_way);
+    void find_peak();
+    void leave_peak(QDialog* dialog);
 
     int language_;
     QString folder_;
@@ -358,12 +385,67 @@ void Pictures::lost() {
     save("lost", &program_->window());
 }
 
+void Pictures::identify(const std::function<void(QDialog*)>& act) {
+    program_->identify(1);
+    click_action(language_ == kItalian ? "cmditaliano" : "cmdinglese");
+    open("realtime");
+    click("dsqopt_1");
+    screen_ = nullptr;
+    boxes_.answer([act](QDialog* dialog) {
+        // From the event loop: a box that opens meanwhile is to be answered.
+        QMetaObject::invokeMethod(
+            dialog,
+            [act, dialog] {
+                act(dialog);
+                dialog->reject();
+            },
+            Qt::QueuedConnection);
+    });
+    click_action("cmdidentify");
+}
+
+void Pictures::ask_satellite(QDialog* dialog, bool half_way) {
+    dialog->resize(kIdentifyDialog);
+    std::function<void()>& on_change = program_->link().activity.on_change;
+    const std::function<void()> usual = on_change;
+    const auto* asked = dialog->findChild<QTableWidget*>("identify_asked");
+    bool saved = !half_way;
+    on_change = [&] {
+        usual();
+        if (saved || asked->rowCount() < kHalfWay) return;
+        saved = true;
+        save("identify-asking", dialog);
+    };
+    dialog->findChild<QPushButton*>("identify_start")->click();
+    on_change = usual;
+}
+
+void Pictures::find_peak() {
+    boxes_.answer([](QDialog* dialog) {
+        QMetaObject::invokeMethod(dialog->findChild<QPushButton*>("peak_start"), "click",
+                                  Qt::QueuedConnection);
+    });
+    boxes_.press(QMessageBox::Yes);
+    boxes_.answer([this](QDialog* dialog) { leave_peak(dialog); });
+}
+
+/// Once the search has ended, which may go on below this.
+void Pictures::leave_peak(QDialog* dialog) {
+    if (dialog->findChild<QPushButton*>("peak_stop")->isEnabled())
+        return QTimer::singleShot(100, dialog, [this, dialog] { leave_peak(dialog); });
+    save("peak", dialog);
+    dialog->reject();
+}
+
 int take_pictures(const QString& folder) {
     for (const int language : {int(kEnglish), int(kItalian)}) {
         const QString into =
             QStringLiteral("%1/%2/images").arg(folder, language == kItalian ? "it" : "en");
         if (!QDir().mkpath(into)) return 1;
         Pictures(language, into).take();
+        Pictures(language, into, {"--sky", "orbit", "--cn", "8", "--point", "9.6E", "--seed", "8"})
+            .take_identification();
+        Pictures(language, into, {"--sky", "orbit", "--point", "13.7E"}).take_peak();
     }
     return 0;
 }
