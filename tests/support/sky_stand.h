@@ -32,8 +32,8 @@ struct SkySettings {
     double off_air_percent = 20;
     double unlisted_percent = 10;
     double dish_cm = 80;
-    double unequal_db = 0;  ///< positions are up to so much stronger or weaker than `cn_db`
-    double oscillator = 9750;        ///< MHz, of the LNB
+    double unequal_db = 0;     ///< positions are up to so much stronger or weaker than `cn_db`
+    double oscillator = 9750;  ///< MHz, of the LNB
     double tone_oscillator = 10600;  ///< the same with tone; that without where it has one band
     bool circular = false;
 };
