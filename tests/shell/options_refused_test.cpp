@@ -85,6 +85,8 @@ void OptionsTest::wrong_data() {
     row("site of a peak",
         {"--on-port", "1", "--freq", "1000", "--move-the-dish", "--peak", "5", "--site", "A"},
         "--site does not go with --peak");
+    row("site of an identification", {"--on-port", "1", "--identify", "--site", "A"},
+        "--site does not go with --identify");
     row("resumed without a site", measuring({"--resume-visit"}), "--resume-visit needs --site");
     row("compared without a site", measuring({"--compare-with", "last"}),
         "--compare-with needs --site");
