@@ -205,6 +205,11 @@ bool measure_questions(sites::SiteStore& store, const QString& path, const Fille
             [&](int) { asked.good = asked.good && !store.failed_visits().empty(); });
     compare_search(asked);
     const std::vector<sites::Visit>& visits = filled.of_first;
+    compare("read two visits", asked, [&](int k) {
+        const auto place = static_cast<std::size_t>(k);
+        for (const std::size_t one : {place, place + 1})
+            if (store.measurements(visits[one].id).size() != kRows) std::abort();
+    });
     compare("compare two visits", asked, [&](int k) {
         const auto place = static_cast<std::size_t>(k);
         const auto compared = sites::compare_visits(store.measurements(visits[place].id),

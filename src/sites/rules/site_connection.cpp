@@ -10,7 +10,7 @@ namespace m47::sites {
 namespace {
 
 /// Of the visit, behind those of a measurement.
-constexpr int kVisitColumn = 18;
+constexpr int kVisitColumn = 14;
 /// Mostly no more come: what has come is not moved then.
 constexpr std::size_t kUsualRows = 128;
 
@@ -124,25 +124,22 @@ void SiteConnection::each_word(
 VisitMeasurement SiteConnection::measurement_in(const db::Query& row, const QUuid& visit) {
     VisitMeasurement one{.id = id_in(row, 0),
                          .visit = visit,
-                         .instant = instant_in(row, 1),
+                         .instant = {row.value(1).toDouble(), 0},
                          .measurement = measured_in(row)};
+    one.instant.offset = take_small(row, 13, one.measurement);
     one.measurement.instant = one.instant.wall();
     return one;
 }
 
 measurement::Measurement SiteConnection::measured_in(const db::Query& row) {
     measurement::Measurement measured;
-    if (const QVariant program = row.value(3); !program.isNull())
+    if (const QVariant program = row.value(2); !program.isNull())
         measured.program = program_at(program.toLongLong());
-    measured.mode = static_cast<measurement::MeasureMode>(row.value(4).toLongLong());
-    measured.frequency = number_in(row, 5);
-    measured.oscillator = number_in(row, 6);
-    take_readings(row, 7, measured);
-    if (const QVariant unit = row.value(15); !unit.isNull())
-        measured.unit = measurement::unit_of_index(static_cast<int>(unit.toLongLong()));
-    if (const QVariant limits = row.value(16); !limits.isNull())
+    measured.frequency = number_in(row, 3);
+    measured.oscillator = number_in(row, 4);
+    take_values(row, 5, measured);
+    if (const QVariant limits = row.value(12); !limits.isNull())
         measured.limits = limits_at(limits.toLongLong());
-    measured.verdict = static_cast<measurement::Verdict>(row.value(17).toLongLong());
     return measured;
 }
 

@@ -36,21 +36,27 @@ struct SiteStatements {
         "remarks = excluded.remarks"};
     db::KeptQuery drop_visit{"DELETE FROM visits WHERE uuid = ?"};
 
+    // Each column costs, so the five small ones come as one number, see take_small().
     db::KeptQuery rows_of_visit{
-        "SELECT uuid, utc, utc_offset, program, mode, frequency, oscillator, level, ber, mer, "
-        "pvber, cfo, cn, noise, marks, unit, limits, verdict FROM measurements "
+        "SELECT uuid, utc, program, frequency, oscillator, level, ber, mer, pvber, "
+        "cfo, cn, noise, limits, mode + 16 * verdict + 256 * ifnull(unit, 255) + 65536 * marks + "
+        "1073741824 * utc_offset FROM measurements "
         "WHERE visit = (SELECT id FROM visits WHERE uuid = ?) ORDER BY utc, uuid"};
     // A program is the same by its plan and number, what has none by what was tuned.
     db::KeptQuery rows_of_program{
-        "SELECT measurements.uuid, utc, utc_offset, program, mode, frequency, oscillator, level, "
-        "ber, mer, pvber, cfo, cn, noise, marks, unit, limits, verdict, visits.uuid "
+        "SELECT measurements.uuid, utc, program, frequency, oscillator, level, ber, "
+        "mer, pvber, cfo, cn, noise, limits, "
+        "mode + 16 * verdict + 256 * ifnull(unit, 255) + 65536 * marks + "
+        "1073741824 * utc_offset, visits.uuid "
         "FROM visits JOIN measurements ON measurements.visit = visits.id "
         "WHERE visits.site = (SELECT id FROM sites WHERE uuid = ?) "
         "AND program = (SELECT id FROM programs WHERE plan = ? AND number = ?) "
         "ORDER BY utc, measurements.uuid"};
     db::KeptQuery rows_of_tuning{
-        "SELECT measurements.uuid, utc, utc_offset, program, mode, frequency, oscillator, level, "
-        "ber, mer, pvber, cfo, cn, noise, marks, unit, limits, verdict, visits.uuid "
+        "SELECT measurements.uuid, utc, program, frequency, oscillator, level, ber, "
+        "mer, pvber, cfo, cn, noise, limits, "
+        "mode + 16 * verdict + 256 * ifnull(unit, 255) + 65536 * marks + "
+        "1073741824 * utc_offset, visits.uuid "
         "FROM visits JOIN measurements ON measurements.visit = visits.id "
         "WHERE visits.site = (SELECT id FROM sites WHERE uuid = ?) "
         "AND program IS NULL AND frequency IS ? AND oscillator IS ? "

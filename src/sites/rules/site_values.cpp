@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 
 namespace m47::sites {
 namespace {
@@ -11,7 +12,6 @@ namespace {
 using measurement::kAllQuantities;
 
 constexpr unsigned kMarkBits = 2;
-constexpr unsigned kMarkMask = 3;
 
 double shortest(float number) {
     std::array<char, 32> text{};
@@ -73,14 +73,28 @@ QVariantList values_of_readings(const measurement::Measurement& measured) {
     return values;
 }
 
-void take_readings(const db::Query& row, int column, measurement::Measurement& measured) {
-    const auto marks =
-        static_cast<unsigned>(row.value(column + static_cast<int>(kAllQuantities)).toLongLong());
-    for (std::size_t k = 0; k < kAllQuantities; ++k) {
-        measurement::Reading& reading = measured.readings[k];
-        if (const auto value = number_in(row, column + static_cast<int>(k))) reading.value = *value;
-        reading.mark = static_cast<measurement::RangeMark>(marks >> (kMarkBits * k) & kMarkMask);
-    }
+void take_values(const db::Query& row, int column, measurement::Measurement& measured) {
+    for (measurement::Reading& reading : measured.readings)
+        if (const auto value = number_in(row, column++)) reading.value = *value;
+}
+
+int take_small(const db::Query& row, int column, measurement::Measurement& measured) {
+    constexpr unsigned kFewBits = 4;  // of the mode, of the verdict
+    constexpr unsigned kUnitBits = 8;
+    constexpr unsigned kNoUnit = 255;
+    std::int64_t number = row.value(column).toLongLong();
+    const auto next = [&number](unsigned bits) {
+        const auto part = static_cast<unsigned>(number & ((1U << bits) - 1));
+        number >>= bits;
+        return part;
+    };
+    measured.mode = static_cast<measurement::MeasureMode>(next(kFewBits));
+    measured.verdict = static_cast<measurement::Verdict>(next(kFewBits));
+    if (const unsigned unit = next(kUnitBits); unit != kNoUnit)
+        measured.unit = measurement::unit_of_index(static_cast<int>(unit));
+    for (measurement::Reading& reading : measured.readings)
+        reading.mark = static_cast<measurement::RangeMark>(next(kMarkBits));
+    return static_cast<int>(number);
 }
 
 QVariantList values_of(const measurement::LimitsInForce& limits) {

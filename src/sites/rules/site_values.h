@@ -28,7 +28,11 @@ std::optional<float> number_in(const db::Query& row, int column);
 
 /// The readings of all quantities, and the range marks of all as one number.
 QVariantList values_of_readings(const measurement::Measurement& measured);
-void take_readings(const db::Query& row, int column, measurement::Measurement& measured);
+/// Of the next columns: the value of each quantity.
+void take_values(const db::Query& row, int column, measurement::Measurement& measured);
+/// Mode, verdict, unit and range marks, one behind the other in one number, 4, 4, 8 and 14 bits.
+/// Gives what is above them, the offset of the instant.
+int take_small(const db::Query& row, int column, measurement::Measurement& measured);
 
 /// Which quantities are checked, then minimum and maximum of each.
 QVariantList values_of(const measurement::LimitsInForce& limits);
