@@ -10,7 +10,8 @@ namespace m47::shell {
 
 band::Feed feed_of(const AntennaOptions& antenna) {
     band::Feed feed;
-    if (antenna.supply) feed.volts = programme::kSupplyVolts[static_cast<std::size_t>(*antenna.supply)];
+    if (antenna.supply)
+        feed.volts = programme::kSupplyVolts[static_cast<std::size_t>(*antenna.supply)];
     // The list of the tone begins with "on".
     if (antenna.tone) feed.tone = *antenna.tone == 0;
     return feed;
@@ -37,7 +38,7 @@ void begin_run(Texts& texts, MeterConnection& connection) {
     link::Link& link = connection.link();
     link.interrupted = [] { return platform::times_told_to_end() > 0; };
     link.cut_off = [] { return platform::times_told_to_end() > 1; };
-    link.on_refused = [&texts, &link] { say_of_run(link::refusal_text(link.refused(), texts)); };
+    link.on_refused = [&texts, &link] { say_of_run(link::refused_text(link.refused(), texts)); };
 }
 
 }  // namespace m47::shell

@@ -52,8 +52,6 @@ constexpr Bilingual kAnotherDevice{
     "strumento sia quello giusto, poi ricollegare."};
 constexpr Bilingual kOther{"%1 cannot be opened.", "Non è possibile aprire %1."};
 
-/// MHz; what is above is a frequency of the sky.
-constexpr double kHighestIntermediate = 2150;
 constexpr Bilingual kRefused{"the meter refused %1 three times",
                              "lo strumento ha rifiutato %1 tre volte"};
 constexpr Bilingual kNeedsOscillator{
@@ -156,11 +154,13 @@ const char* port_fault_name(PortFault fault) {
     return "other";
 }
 
+QString refused_text(const QString& command, const Texts& texts) {
+    return texts.pick(kRefused).arg(command);
+}
+
 QString refusal_text(const QString& command, const Texts& texts) {
-    const QString frequency = command.section(u' ', 1);
-    const bool tunes = command.startsWith(command::kFrequency) &&
-                       frequency.toDouble() > kHighestIntermediate;
-    return texts.pick(kRefused).arg(command) + (tunes ? texts.pick(kNeedsOscillator) : QString());
+    const bool tunes = command.startsWith(command::kFrequency);
+    return refused_text(command, texts) + (tunes ? texts.pick(kNeedsOscillator) : QString());
 }
 
 QString port_fault_text(PortFault fault, const QString& device, const Texts& texts) {

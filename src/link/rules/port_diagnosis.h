@@ -20,6 +20,9 @@ PortFault look_at(const QString& device);
 /// The name of a fault in files that programs read: "no-permission"; never null.
 const char* port_fault_name(PortFault fault);
 
+/// That the meter refused `command` at every attempt; as the end of a sentence.
+QString refused_text(const QString& command, const Texts& texts);
+
 /// Why the link counts as lost where the meter refused `command` at every attempt, and what helps;
 /// as the end of a sentence.
 QString refusal_text(const QString& command, const Texts& texts);
