@@ -93,7 +93,7 @@ OptionList peak_options() {
     return {
         {"peak",
          "Turn the dish to the peak of the satellite nearest to where it looks, at most SPAN "
-         "degrees (2 to 20) to either side, without a window, and print each reading, "
+         "degrees (1 to 20) to either side, without a window, and print each reading, "
          "TAB-separated under a line of names; needs --freq. The motor is stopped and the meter "
          "set back however it ends; nothing is stored in the motor.",
          "SPAN"},

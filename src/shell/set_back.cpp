@@ -3,7 +3,6 @@
 
 #include "end_signals.h"
 #include "port_diagnosis.h"
-#include "say_on_stderr.h"
 #include "tuning_range.h"
 
 namespace m47::shell {
@@ -19,13 +18,16 @@ band::Feed feed_of(const AntennaOptions& antenna) {
 
 QString set_meter_back(band::MeterLevels& levels, const Texts& texts) {
     const bool lost = levels.lost();
+    const QString refused = levels.refused();
     const std::vector<Bilingual> left = levels.set_back();
     const QString names = band::names_in(left, texts);
-    if ((lost || levels.lost()) && left.empty())
-        return QStringLiteral("the link to the meter was lost; it is set as it was before");
-    if (lost || levels.lost())
-        return QStringLiteral("the link to the meter was lost, so these were not set back: %1")
-            .arg(names);
+    if (lost || levels.lost()) {
+        const QString why = refused.isEmpty() ? QStringLiteral("the link to the meter was lost")
+                                              : link::refused_text(refused, texts) +
+                                                    QStringLiteral(", which ends the link");
+        if (left.empty()) return why + QStringLiteral("; it is set as it was before");
+        return why + QStringLiteral(", so these were not set back: ") + names;
+    }
     if (left.empty()) return {};
     return QStringLiteral(
                "the meter did not tell or take how it was set before, so these were not set back: "
@@ -38,7 +40,6 @@ void begin_run(Texts& texts, MeterConnection& connection) {
     link::Link& link = connection.link();
     link.interrupted = [] { return platform::times_told_to_end() > 0; };
     link.cut_off = [] { return platform::times_told_to_end() > 1; };
-    link.on_refused = [&texts, &link] { say_of_run(link::refused_text(link.refused(), texts)); };
 }
 
 }  // namespace m47::shell

@@ -18,7 +18,7 @@ band::Feed feed_of(const AntennaOptions& antenna);
 QString set_meter_back(band::MeterLevels& levels, const Texts& texts);
 
 /// What holds for each run that sets the meter back at its end: it speaks English, a signal ends
-/// it, a second one breaks it off, and it says which command the meter refuses.
+/// it, and a second one breaks it off.
 void begin_run(Texts& texts, MeterConnection& connection);
 
 }  // namespace m47::shell

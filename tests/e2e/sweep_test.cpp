@@ -249,8 +249,13 @@ void SweepTest::under_each_fault_data() {
         "m47-remote: the link to the meter was lost, so these were not set back: local oscillator, "
         "tuned frequency, attenuator, LNB supply\n";
     const QByteArray doubtful = "m47-remote: the meter gave no sure level at 2 of 3 frequencies\n";
-    for (const char* fault : {"error", "commanderror", "silence", "garbage", "partial", "asleep",
-                              "drop", "unplug", "trickle", "endless"})
+    for (const char* fault : {"error", "commanderror"})
+        QTest::newRow(fault) << 3
+                             << QByteArray(
+                                    "m47-remote: the meter refused LEVANL? three times, "
+                                    "which ends the link; it is set as it was before\n");
+    for (const char* fault :
+         {"silence", "garbage", "partial", "asleep", "drop", "unplug", "trickle", "endless"})
         QTest::newRow(fault) << 3 << lost;
     for (const char* fault : {"noecho", "wrongecho", "noise"})
         QTest::newRow(fault) << 7 << doubtful;
@@ -395,13 +400,17 @@ void SweepTest::a_satellite_under_a_fault_data() {
     QTest::addColumn<QByteArray>("said");
     const QString lost =
         "m47-remote: The link to the meter was lost at %1 answers, which stay, before it was clear "
-        "which satellite this is. Not set back: local oscillator, tuned frequency, attenuator, LNB "
-        "supply, 22 kHz tone.\n";
-    for (const char* fault : {"error", "commanderror", "silence", "garbage", "partial", "asleep",
-                              "drop", "trickle", "endless"})
-        QTest::newRow(fault) << 3 << lost.arg(2).toUtf8();
+        "which satellite this is.";
+    const QString not_set_back =
+        " Not set back: local oscillator, tuned frequency, attenuator, LNB supply, 22 kHz tone.\n";
+    // A meter that refuses is there all the same, and is set back.
+    for (const char* fault : {"error", "commanderror"})
+        QTest::newRow(fault) << 3 << (lost.arg(2) + u'\n').toUtf8();
+    for (const char* fault :
+         {"silence", "garbage", "partial", "asleep", "drop", "trickle", "endless"})
+        QTest::newRow(fault) << 3 << (lost.arg(2) + not_set_back).toUtf8();
     // It goes behind a good answer.
-    QTest::newRow("unplug") << 3 << lost.arg(3).toUtf8();
+    QTest::newRow("unplug") << 3 << (lost.arg(3) + not_set_back).toUtf8();
     // What is spoilt is asked again, or left out: it is clear all the same.
     for (const char* fault : {"noecho", "wrongecho", "noise", "late", "badrecord"})
         QTest::newRow(fault) << 1 << QByteArray();

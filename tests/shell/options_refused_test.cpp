@@ -125,7 +125,7 @@ void OptionsTest::wrong_data() {
         "--scan-table needs --oscillator");
     for (const char* span : {"", "0", "0.9", "20.1", "21", "-5", "5°", "1e1", "five", "100"})
         row(span, {"--on-port", "1", "--freq", "1000", "--move-the-dish", "--peak", span},
-            "--peak takes a SPAN from 2 to 20 degrees");
+            "--peak takes a SPAN from 1 to 20 degrees");
     row("peak without port", {"--freq", "1000", "--move-the-dish", "--peak", "5"}, "--on-port");
     row("peak without a frequency", {"--on-port", "1", "--move-the-dish", "--peak", "5"},
         "--peak needs --freq");

@@ -39,6 +39,8 @@ class MeterLevels : public LevelAsker {
     /// seconds. One that was not measured where no answer is sure.
     Quality quality(double mhz, int kilosymbols);
     bool lost() const override { return !link_.port_connected; }
+    /// The command whose refusal ended the link; empty where none has.
+    const QString& refused() const { return link_.refused(); }
 
     /// As KeptSettings::set_back.
     std::vector<Bilingual> set_back();

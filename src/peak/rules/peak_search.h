@@ -11,7 +11,7 @@
 namespace m47::peak {
 
 /// How far a search may go to either side, degrees.
-inline constexpr int kLeastSpan = 2;
+inline constexpr int kLeastSpan = 1;
 inline constexpr int kMostSpan = 20;
 inline constexpr int kUsualSpan = 5;
 
