@@ -113,8 +113,8 @@ struct Options {
 
     /// Nothing is shown and nobody is asked.
     bool unattended() const {
-        return measure || sweep || peak_span || identify || !import_database.isEmpty() || export_plan.asked() ||
-               import_plan.asked() || !problem_report.isEmpty();
+        return measure || sweep || peak_span || identify || !import_database.isEmpty() ||
+               export_plan.asked() || import_plan.asked() || !problem_report.isEmpty();
     }
 };
 

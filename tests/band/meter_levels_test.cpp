@@ -169,8 +169,8 @@ void BandTest::what_is_refused_in_setting_back_keeps_nothing_else_from_it() {
     };
     QCOMPARE(names_in(meter.levels.set_back(), Texts()), QString("tuned frequency"));
     const QString again("FREQ 11778");
-    QCOMPARE(meter.port.take_commands(), QStringList({"LOCOSC 2 A", again, again, again,
-                                                      "ATTEN 03", "LNVOLT 15", "LNB 01"}));
+    QCOMPARE(meter.port.take_commands(),
+             QStringList({"LOCOSC 2 A", again, again, again, "ATTEN 03", "LNVOLT 15", "LNB 01"}));
     QVERIFY(meter.levels.lost());
 }
 

@@ -122,8 +122,9 @@ void Tuning::tune_to(const WantedCarrier& carrier) {
         panel_.satlnb_state = static_cast<int>(entry - kLnbVolts.begin());
         satlnb_state_Click(panel_.satlnb_state);
         // It is the same supply that the instrument's own list shows.
-        panel_.lnb_supply = static_cast<int>(std::ranges::find(programme::kSupplyVolts, carrier.volts) -
-                                             programme::kSupplyVolts.begin());
+        panel_.lnb_supply =
+            static_cast<int>(std::ranges::find(programme::kSupplyVolts, carrier.volts) -
+                             programme::kSupplyVolts.begin());
     }
     if (carrier.tone) {
         panel_.k22_state = *carrier.tone ? 0 : 1;
@@ -138,7 +139,8 @@ void Tuning::tune_to(const WantedCarrier& carrier) {
 }
 
 void Tuning::lnb_supply_Click(int index) {
-    if (state_.recall_in_progress || index < 0 || index >= static_cast<int>(programme::kSupplyVolts.size()))
+    if (state_.recall_in_progress || index < 0 ||
+        index >= static_cast<int>(programme::kSupplyVolts.size()))
         return;
     send_supply(programme::kSupplyVolts[static_cast<std::size_t>(index)]);
 }
