@@ -39,7 +39,7 @@ QString read_sweep_span(const QCommandLineParser& parser, Options& options) {
     if (!match.hasMatch() || from < range.minimum || to > range.maximum || from >= to)
         return refused(
             QStringLiteral("--sweep takes FROM:TO or FROM:TO:STEP with FROM below TO, "
-                           "from %1 to %2 MHz%3")
+                           "from %1 to %2 MHz%3, each with one decimal at most")
                 .arg(range.minimum)
                 .arg(range.maximum)
                 .arg(oscillator ? QStringLiteral(" with --oscillator %1").arg(*oscillator)

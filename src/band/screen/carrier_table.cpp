@@ -70,6 +70,8 @@ void CarrierTable::show_carriers(const std::vector<FoundCarrier>& carriers, cons
     }
     // The last one takes what is left.
     for (int column = 0; column < columnCount() - 1; ++column) resizeColumnToContents(column);
+    // The toolkit would do that by a timer, which rests as long as a sweep goes on.
+    doItemsLayout();
 }
 
 void CarrierTable::keyPressEvent(QKeyEvent* event) {
