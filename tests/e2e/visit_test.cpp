@@ -111,11 +111,13 @@ Told run_on(const QString& folder, const QDate& day, double fade, const QStringL
     auto clock = std::make_unique<VirtualClock>();
     clock->set_date(day);
     auto port = std::make_unique<FakePort>(*clock);
-    const MeterInProcess meter(*port, 1, fade);
+    FakePort& line = *port;
     link::PortList ports(link::PortSources{folder, folder, [] { return QStringList(); }});
     ports.add(QStringLiteral("1=/dev/no-such-meter"));
     shell::NoView view;
     shell::MeterConnection connection(state, ports, std::move(clock), std::move(port), view, view);
+    // It leaves the line before the connection closes it for good.
+    const MeterInProcess meter(line, 1, fade);
     const shell::Options options =
         shell::parse_options(QStringList{"--measure", "--on-port", "1", "--plan", "ROOF",
                                          "--full-tune", "--site", "Condominio Sole"} +
