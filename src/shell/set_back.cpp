@@ -3,7 +3,9 @@
 
 #include "end_signals.h"
 #include "port_diagnosis.h"
+#include "say_on_stderr.h"
 #include "tuning_range.h"
+#include "unattended.h"
 
 namespace m47::shell {
 
@@ -40,6 +42,13 @@ void begin_run(Texts& texts, MeterConnection& connection) {
     link::Link& link = connection.link();
     link.interrupted = [] { return platform::times_told_to_end() > 0; };
     link.cut_off = [] { return platform::times_told_to_end() > 1; };
+}
+
+bool meter_answers(MeterConnection& connection, int number) {
+    connection.identify(number);
+    if (connection.link().port_connected) return true;
+    say_of_run(no_meter_text(connection, number));
+    return false;
 }
 
 }  // namespace m47::shell

@@ -21,4 +21,7 @@ QString set_meter_back(band::MeterLevels& levels, const Texts& texts);
 /// it, and a second one breaks it off.
 void begin_run(Texts& texts, MeterConnection& connection);
 
+/// Connects to the meter on port `number`. Where none answers it says so.
+bool meter_answers(MeterConnection& connection, int number);
+
 }  // namespace m47::shell

@@ -24,13 +24,6 @@ struct IdentifyingRun {
     identify::IdentificationEnd end{};
 };
 
-bool meter_is_there(IdentifyingRun& run) {
-    run.connection.identify(run.options.on_port);
-    if (run.connection.link().port_connected) return true;
-    say_of_run(no_meter_text(run.connection, run.options.on_port));
-    return false;
-}
-
 void ask_the_sky(IdentifyingRun& run) {
     const link::Link& link = run.connection.link();
     run.output.write(identify::identification_header());
@@ -78,7 +71,7 @@ int run_identification(Texts& texts, MeterConnection& connection, const Options&
     if (!options.trace.isEmpty()) run.recording.start(options.trace);
     run.output.on_remark = say_of_run;
     try {
-        if (!meter_is_there(run)) return kNoLink;
+        if (!meter_answers(connection, options.on_port)) return kNoLink;
         ask_the_sky(run);
         tell_how_it_ended(run);
     } catch (const Interrupted&) {

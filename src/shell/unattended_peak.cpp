@@ -29,13 +29,6 @@ struct PeakedRun {
     bool not_set_back = false;
 };
 
-bool meter_answers(PeakedRun& run) {
-    run.connection.identify(run.options.on_port);
-    if (run.connection.link().port_connected) return true;
-    say_of_run(no_meter_text(run.connection, run.options.on_port));
-    return false;
-}
-
 /// The intermediate frequency of what was asked for, as the meter is told it.
 QString tuning_of(const Options& options) {
     const double mhz = link::typed_value(options.frequency);
@@ -99,7 +92,7 @@ int run_peak(Texts& texts, MeterConnection& connection, const Options& options) 
     if (!options.trace.isEmpty()) run.recording.start(options.trace);
     run.output.on_remark = say_of_run;
     try {
-        if (!meter_answers(run)) return kNoLink;
+        if (!meter_answers(connection, options.on_port)) return kNoLink;
         search_until_told(run);
         tell_end(run);
     } catch (const Interrupted&) {

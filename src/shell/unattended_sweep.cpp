@@ -58,13 +58,6 @@ bool read_scan_table(SweepRun& run) {
     return false;
 }
 
-bool identify_meter(SweepRun& run) {
-    run.connection.identify(run.options.on_port);
-    if (run.connection.link().port_connected) return true;
-    say_of_run(no_meter_text(run.connection, run.options.on_port));
-    return false;
-}
-
 void print_level(SweepRun& run, const band::Sample& sample) {
     if (!sample.level.measured()) ++run.without_level;
     if (!run.options.carriers) run.output.write(band::sweep_line({sample, run.terms}));
@@ -129,7 +122,7 @@ int run_sweep(Texts& texts, MeterConnection& connection, const Options& options)
     run.output.on_remark = say_of_run;
     try {
         if (!read_scan_table(run)) return kUsage;
-        if (!identify_meter(run)) return kNoLink;
+        if (!meter_answers(connection, options.on_port)) return kNoLink;
         ask_levels(run);
         set_back(run);
     } catch (const Interrupted&) {
