@@ -14,7 +14,7 @@ constexpr Bilingual kEnded{"ended by %1: %2", "terminato da %1: %2"};
 void tell_end(const Said& how_far, const Texts& texts) {
     const QString line =
         Said{kEnded, {platform::first_end_signal_name(), how_far.in(texts)}}.in(texts);
-    say_on_stderr(line, Subsystem::kEnd);
+    unattended::say_on_stderr(line, unattended::Subsystem::kEnd);
 }
 
 }  // namespace m47::shell

@@ -107,11 +107,12 @@ int import_unattended(db::Database& database, const QString& path, const Texts& 
         if (told()) throw Interrupted();
     });
     if (!old) {
-        say_on_stderr(olddb::old_file_error_text(error, texts), Subsystem::kFiles);
-        return kOldFileUnreadable;
+        unattended::say_on_stderr(olddb::old_file_error_text(error, texts),
+                                  unattended::Subsystem::kFiles);
+        return unattended::kOldFileUnreadable;
     }
     const QString remark = olddb::reader_remark(*old, texts);
-    if (!remark.isEmpty()) say_on_stderr(remark, Subsystem::kFiles);
+    if (!remark.isEmpty()) unattended::say_on_stderr(remark, unattended::Subsystem::kFiles);
     olddb::ImportPlan plan = olddb::import_plan_of(*old);
     const QString stopped = olddb::apply_import(plan, database, texts, told);
     const QByteArray report = olddb::import_report(plan, path, stopped, texts).toUtf8();
@@ -121,10 +122,11 @@ int import_unattended(db::Database& database, const QString& path, const Texts& 
         return platform::end_signal_status();
     }
     if (!stopped.isEmpty()) {
-        say_on_stderr(olddb::stopped_text(stopped, texts), Subsystem::kFiles);
-        return kDatabase;
+        unattended::say_on_stderr(olddb::stopped_text(stopped, texts),
+                                  unattended::Subsystem::kFiles);
+        return unattended::kDatabase;
     }
-    return printed ? kGood : kOutputLost;
+    return printed ? unattended::kGood : unattended::kOutputLost;
 } catch (const Interrupted&) {
     tell_end({kNothingImported, {}}, texts);
     return platform::end_signal_status();

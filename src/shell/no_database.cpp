@@ -15,6 +15,7 @@
 #include "message_box.h"
 #include "site_store.h"
 #include "toolkit_language.h"
+#include "work_folder.h"
 
 namespace m47::shell {
 namespace {
@@ -82,7 +83,7 @@ std::unique_ptr<db::Database> create_here(bool example, const ProgramState& stat
 std::unique_ptr<db::Database> open_elsewhere(ProgramState& state) {
     const QString folder = QFileDialog::getExistingDirectory(
         nullptr, state.texts.pick(kChooseFolder).remove(u'&'), state.base_dir);
-    if (folder.isEmpty() || !work_in(folder, state)) return nullptr;
+    if (folder.isEmpty() || !unattended::work_in(folder, state)) return nullptr;
     db::DatabaseError error{};
     auto database = db::Database::open(state.database_file, error);
     if (!database && error.fault != db::DatabaseFault::missing) tell(error, state);
@@ -90,14 +91,6 @@ std::unique_ptr<db::Database> open_elsewhere(ProgramState& state) {
 }
 
 }  // namespace
-
-bool work_in(const QString& folder, ProgramState& state) {
-    if (!QDir::setCurrent(folder)) return false;
-    state.base_dir = folder_with_separator(QDir::currentPath());
-    state.database_file = state.base_dir + QLatin1String(db::kDatabaseFile);
-    state.sites_file = state.base_dir + QLatin1String(sites::kSitesFile);
-    return true;
-}
 
 std::unique_ptr<db::Database> ask_for_database(ProgramState& state) {
     ToolkitLanguage words;

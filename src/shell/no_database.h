@@ -13,7 +13,4 @@ namespace m47::shell {
 /// database; nullptr where the user ends the program.
 std::unique_ptr<db::Database> ask_for_database(ProgramState& state);
 
-/// The process works in `folder`, and so does `state`. False where it cannot be entered.
-bool work_in(const QString& folder, ProgramState& state);
-
 }  // namespace m47::shell

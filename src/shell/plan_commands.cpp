@@ -24,12 +24,13 @@ std::optional<plans::ImportFile> read_plan_file(const QString& path) {
     QString complaint;
     plans::ImportFile file;
     if (reading.fault != platform::FileFault::none)
-        complaint =
-            why_not_read(reading, QStringLiteral("it is longer than 1 MiB, which no plan is"));
+        complaint = unattended::why_not_read(
+            reading, QStringLiteral("it is longer than 1 MiB, which no plan is"));
     else if (file = plans::parse_import_file(reading.bytes, unit_offset(kDbuv)); !file.understood)
         complaint = QStringLiteral("it is neither a plan nor a DVB scan table");
     if (complaint.isEmpty()) return file;
-    say_on_stderr(QStringLiteral("cannot read %1: %2").arg(path, complaint), Subsystem::kFiles);
+    unattended::say_on_stderr(QStringLiteral("cannot read %1: %2").arg(path, complaint),
+                              unattended::Subsystem::kFiles);
     return std::nullopt;
 }
 
@@ -106,44 +107,48 @@ bool print_report(const QString& report) {
 
 }  // namespace
 
-int export_plan_unattended(db::Database& database, const Options& options, const Texts& texts) try {
+int export_plan_unattended(db::Database& database, const unattended::Options& options,
+                           const Texts& texts) try {
     const QString name = db::stored_plan_name(options.export_plan.plan);
     const QString& path = options.export_plan.file;
     plans::PlanSets sets(database);
     if (!sets.has_plan(name)) {
-        say_on_stderr(QStringLiteral("there is no plan %1").arg(name), Subsystem::kFiles);
-        return kDatabase;
+        unattended::say_on_stderr(QStringLiteral("there is no plan %1").arg(name),
+                                  unattended::Subsystem::kFiles);
+        return unattended::kDatabase;
     }
     if (QFileInfo::exists(path) && !options.overwrite) {
-        say_on_stderr(QStringLiteral("%1 is there already: --overwrite replaces it").arg(path),
-                      Subsystem::kFiles);
-        return kOutputLost;
+        unattended::say_on_stderr(
+            QStringLiteral("%1 is there already: --overwrite replaces it").arg(path),
+            unattended::Subsystem::kFiles);
+        return unattended::kOutputLost;
     }
     sets.crea_records(name);
     const QString reason = plans::export_plan(sets, path);
-    if (reason.isEmpty()) return kGood;
-    say_on_stderr(QStringLiteral("cannot write %1: %2").arg(path, reason), Subsystem::kFiles);
-    return kOutputLost;
+    if (reason.isEmpty()) return unattended::kGood;
+    unattended::say_on_stderr(QStringLiteral("cannot write %1: %2").arg(path, reason),
+                              unattended::Subsystem::kFiles);
+    return unattended::kOutputLost;
 } catch (const Fault& fault) {
-    say_on_stderr(fault.text(texts), Subsystem::kFiles);
-    return kDatabase;
+    unattended::say_on_stderr(fault.text(texts), unattended::Subsystem::kFiles);
+    return unattended::kDatabase;
 }
 
-int import_plan_unattended(db::Database& database, const Options& options,
+int import_plan_unattended(db::Database& database, const unattended::Options& options,
                            const Texts& program_texts) try {
     const std::optional<plans::ImportFile> file = read_plan_file(options.import_plan.file);
-    if (!file) return kOldFileUnreadable;
+    if (!file) return unattended::kOldFileUnreadable;
     Texts texts = program_texts;
     texts.load_messages(QString());
     const QString name = programme::plan_name(options.import_plan.plan);
     plans::PlanSets sets(database);
     const plans::ImportPreview preview = import_into(sets, name, *file);
-    if (!print_report(report_of(preview, *file, name, texts))) return kOutputLost;
+    if (!print_report(report_of(preview, *file, name, texts))) return unattended::kOutputLost;
     const bool whole = preview.added() == static_cast<int>(preview.rows.size());
-    return whole && preview.added() > 0 ? kGood : kIncomplete;
+    return whole && preview.added() > 0 ? unattended::kGood : unattended::kIncomplete;
 } catch (const Fault& fault) {
-    say_on_stderr(fault.text(program_texts), Subsystem::kFiles);
-    return kDatabase;
+    unattended::say_on_stderr(fault.text(program_texts), unattended::Subsystem::kFiles);
+    return unattended::kDatabase;
 }
 
 }  // namespace m47::shell

@@ -31,18 +31,18 @@ QByteArray picture_of(QWidget& window) {
 
 }  // namespace
 
-ProblemCommand::ProblemCommand(const ProgramState& program, MeterConnection& connection,
-                               const db::Database& database, const LineRecording& recording,
-                               QWidget& window)
+ProblemCommand::ProblemCommand(const ProgramState& program, unattended::MeterConnection& connection,
+                               const db::Database& database,
+                               const unattended::LineRecording& recording, QWidget& window)
     : program_(program),
       connection_(connection),
       database_(database),
       recording_(recording),
       window_(window) {}
 
-std::vector<ProblemItem> ProblemCommand::items() {
-    std::vector<ProblemItem> items =
-        problem_items(program_, connection_, recording_.path(), Person::here());
+std::vector<unattended::ProblemItem> ProblemCommand::items() {
+    std::vector<unattended::ProblemItem> items =
+        unattended::problem_items(program_, connection_, recording_.path(), Person::here());
     items.push_back(
         {QStringLiteral("screen.png"), kPicture, picture_of(window_), false, true, nullptr});
     items.push_back({QStringLiteral("plans.sqlite"), kPlans, QByteArray(), false, false,
@@ -56,7 +56,7 @@ void ProblemCommand::cmdproblem_Click() {
     if (dialog.exec() == QDialog::Accepted) save(dialog.items());
 }
 
-void ProblemCommand::save(const std::vector<ProblemItem>& items) {
+void ProblemCommand::save(const std::vector<unattended::ProblemItem>& items) {
     const QString title = program_.texts.pick(kSaveTitle);
     QFileDialog dialog(&window_, title, QString(), program_.texts.pick(kReports));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
@@ -65,7 +65,7 @@ void ProblemCommand::save(const std::vector<ProblemItem>& items) {
         proposed_name_with_time(QStringLiteral("m47-problem"), QStringLiteral("tar.gz")));
     const QString path = ask_for_file(dialog, program_, FilePurpose::problem);
     if (path.isEmpty()) return;
-    const QString reason = write_problem_report(path, items, program_.texts);
+    const QString reason = unattended::write_problem_report(path, items, program_.texts);
     if (reason.isEmpty()) return program_.saved(path);
     show_message_box(&window_, QMessageBox::Critical, title,
                      Said{kNotWritten, {path, reason}}.in(program_.texts));

@@ -14,22 +14,23 @@ namespace m47::shell {
 class ProblemCommand {
   public:
     /// All outlive it; its boxes stand over `window`.
-    ProblemCommand(const ProgramState& program, MeterConnection& connection,
-                   const db::Database& database, const LineRecording& recording, QWidget& window);
+    ProblemCommand(const ProgramState& program, unattended::MeterConnection& connection,
+                   const db::Database& database, const unattended::LineRecording& recording,
+                   QWidget& window);
 
     /// Shows what the report has in it, asks for a file and writes it. Cancelled it writes nothing.
     void cmdproblem_Click();
 
     /// What there is to tell, with the picture of the window and, not wanted, the plans.
-    std::vector<ProblemItem> items();
+    std::vector<unattended::ProblemItem> items();
 
   private:
-    void save(const std::vector<ProblemItem>& items);
+    void save(const std::vector<unattended::ProblemItem>& items);
 
     const ProgramState& program_;
-    MeterConnection& connection_;
+    unattended::MeterConnection& connection_;
     const db::Database& database_;
-    const LineRecording& recording_;
+    const unattended::LineRecording& recording_;
     QWidget& window_;
 };
 

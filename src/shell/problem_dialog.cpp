@@ -29,7 +29,8 @@ constexpr qsizetype kMostShown = qsizetype{200} * 1000;
 
 }  // namespace
 
-ProblemDialog::ProblemDialog(std::vector<ProblemItem> items, const Texts& texts, QWidget* parent)
+ProblemDialog::ProblemDialog(std::vector<unattended::ProblemItem> items, const Texts& texts,
+                             QWidget* parent)
     : QDialog(parent),
       items_(std::move(items)),
       list_(new QListWidget),
@@ -46,7 +47,7 @@ ProblemDialog::ProblemDialog(std::vector<ProblemItem> items, const Texts& texts,
     preview_->setReadOnly(true);
     preview_->setPlaceholderText(texts.pick(kNoPreview));
     preview_->setLineWrapMode(QPlainTextEdit::NoWrap);
-    for (const ProblemItem& item : items_) add_row(item, texts);
+    for (const unattended::ProblemItem& item : items_) add_row(item, texts);
     connect(list_, &QListWidget::currentRowChanged, this, &ProblemDialog::show_preview);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Save | QDialogButtonBox::Cancel);
     buttons->button(QDialogButtonBox::Save)->setText(texts.pick(kSave));
@@ -65,7 +66,7 @@ ProblemDialog::ProblemDialog(std::vector<ProblemItem> items, const Texts& texts,
     resize(fontMetrics().averageCharWidth() * 80, fontMetrics().height() * 26);
 }
 
-void ProblemDialog::add_row(const ProblemItem& item, const Texts& texts) {
+void ProblemDialog::add_row(const unattended::ProblemItem& item, const Texts& texts) {
     QString text = item.name + QStringLiteral(" – ") + texts.pick(item.what);
     if (!item.bytes.isEmpty())
         text += QStringLiteral(" (") +
@@ -76,12 +77,12 @@ void ProblemDialog::add_row(const ProblemItem& item, const Texts& texts) {
 }
 
 void ProblemDialog::show_preview(int row) {
-    const ProblemItem& item = items_[static_cast<std::size_t>(row)];
+    const unattended::ProblemItem& item = items_[static_cast<std::size_t>(row)];
     preview_->setPlainText(item.text ? QString::fromUtf8(item.bytes.left(kMostShown)) : QString());
 }
 
-std::vector<ProblemItem> ProblemDialog::items() const {
-    std::vector<ProblemItem> items = items_;
+std::vector<unattended::ProblemItem> ProblemDialog::items() const {
+    std::vector<unattended::ProblemItem> items = items_;
     for (std::size_t row = 0; row < items.size(); ++row)
         items[row].wanted = list_->item(static_cast<int>(row))->checkState() == Qt::Checked;
     return items;

@@ -15,16 +15,16 @@ namespace m47::shell {
 class ProblemDialog : public QDialog {
     Q_OBJECT
   public:
-    ProblemDialog(std::vector<ProblemItem> items, const Texts& texts, QWidget* parent);
+    ProblemDialog(std::vector<unattended::ProblemItem> items, const Texts& texts, QWidget* parent);
 
     /// The items as they are ticked now.
-    std::vector<ProblemItem> items() const;
+    std::vector<unattended::ProblemItem> items() const;
 
   private:
-    void add_row(const ProblemItem& item, const Texts& texts);
+    void add_row(const unattended::ProblemItem& item, const Texts& texts);
     void show_preview(int row);
 
-    std::vector<ProblemItem> items_;
+    std::vector<unattended::ProblemItem> items_;
     QListWidget* list_;
     QPlainTextEdit* preview_;
 };

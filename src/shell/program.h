@@ -39,9 +39,9 @@ class Program {
     Program& operator=(const Program&) = delete;
 
     M47MDI& window() { return window_; }
-    MeterConnection& connection() { return connection_; }
+    unattended::MeterConnection& connection() { return connection_; }
     link::Link& link() { return connection_.link(); }
-    LineRecording& recording() { return recording_; }
+    unattended::LineRecording& recording() { return recording_; }
     db::Database& database() { return *database_; }
     ProgramState& state() { return state_; }
     const ProgramState& state() const { return state_; }
@@ -74,8 +74,8 @@ class Program {
     ProgramState& state_;
     std::unique_ptr<db::Database> database_;
     M47MDI window_;
-    MeterConnection connection_;
-    LineRecording recording_;
+    unattended::MeterConnection connection_;
+    unattended::LineRecording recording_;
     RecordingCommand recording_command_;
     ProblemCommand problem_command_;
     StartDesk start_;

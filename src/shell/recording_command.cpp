@@ -15,12 +15,12 @@ constexpr Bilingual kRecordings{"Recordings (*.trace);;All files (*)",
 
 }  // namespace
 
-RecordingCommand::RecordingCommand(LineRecording& recording, const ProgramState& program,
-                                   M47MDI& window)
+RecordingCommand::RecordingCommand(unattended::LineRecording& recording,
+                                   const ProgramState& program, M47MDI& window)
     : recording_(recording), program_(program), window_(window) {
     recording_.on_change = [this] { show_texts(); };
     recording_.on_lost = [this](const QString& sentence) {
-        say_on_stderr(sentence, Subsystem::kRecording);
+        unattended::say_on_stderr(sentence, unattended::Subsystem::kRecording);
         window_.show_notice(sentence);
     };
 }

@@ -11,7 +11,8 @@ namespace m47::shell {
 class RecordingCommand {
   public:
     /// All outlive it.
-    RecordingCommand(LineRecording& recording, const ProgramState& program, M47MDI& window);
+    RecordingCommand(unattended::LineRecording& recording, const ProgramState& program,
+                     M47MDI& window);
 
     /// Asks for a file and records into it; ends the recording where one runs.
     void cmdtrace_Click();
@@ -22,7 +23,7 @@ class RecordingCommand {
   private:
     void begin();
 
-    LineRecording& recording_;
+    unattended::LineRecording& recording_;
     const ProgramState& program_;
     M47MDI& window_;
 };

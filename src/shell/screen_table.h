@@ -16,7 +16,7 @@ class StartDesk;
 /// What screens are made of; it outlives them.
 struct ScreenParts {
     M47MDI& window;
-    MeterConnection& connection;
+    unattended::MeterConnection& connection;
     ProgramState& state;
     db::Database& database;
     StartDesk& start;

@@ -43,7 +43,7 @@ constexpr Bilingual kPlan{"Plan %1", "Piano %1"};
 
 }  // namespace
 
-StartDesk::StartDesk(M47MDI& window, MeterConnection& connection, ProgramState& state,
+StartDesk::StartDesk(M47MDI& window, unattended::MeterConnection& connection, ProgramState& state,
                      db::Database& database)
     : window_(window), connection_(connection), state_(state), database_(database) {
     settle_.setSingleShot(true);

@@ -17,7 +17,7 @@ class StartDesk : public QObject {
     Q_OBJECT
   public:
     /// All outlive it.
-    StartDesk(M47MDI& window, MeterConnection& connection, ProgramState& state,
+    StartDesk(M47MDI& window, unattended::MeterConnection& connection, ProgramState& state,
               db::Database& database);
 
     /// Puts the page behind the screens; at the start once the window is painted, as looking for
@@ -62,7 +62,7 @@ class StartDesk : public QObject {
     void open_plan(const QString& name);
 
     M47MDI& window_;
-    MeterConnection& connection_;
+    unattended::MeterConnection& connection_;
     ProgramState& state_;
     db::Database& database_;
     SimulatedMeter simulated_;

@@ -114,20 +114,22 @@ Told run_on(const QString& folder, const QDate& day, double fade, const QStringL
     FakePort& line = *port;
     link::PortList ports(link::PortSources{folder, folder, [] { return QStringList(); }});
     ports.add(QStringLiteral("1=/dev/no-such-meter"));
-    shell::NoView view;
-    shell::MeterConnection connection(state, ports, std::move(clock), std::move(port), view, view);
+    unattended::NoView view;
+    unattended::MeterConnection connection(state, ports, std::move(clock), std::move(port), view,
+                                           view);
     // It leaves the line before the connection closes it for good.
     const MeterInProcess meter(line, 1, fade);
-    const shell::Options options =
-        shell::parse_options(QStringList{"--measure", "--on-port", "1", "--plan", "ROOF",
-                                         "--full-tune", "--site", "Condominio Sole"} +
-                             more);
+    const unattended::Options options =
+        unattended::parse_options(QStringList{"--measure", "--on-port", "1", "--plan", "ROOF",
+                                              "--full-tune", "--site", "Condominio Sole"} +
+                                      more,
+                                  {QStringLiteral("m47-remote"), {}});
     if (!options.error.isEmpty()) qFatal("%s", qPrintable(options.error));
     told_lines().clear();
     Told told;
     {
         const StdoutInto out(folder + "/out");
-        told.status = shell::run_unattended(state, *database, connection, options);
+        told.status = unattended::run_unattended(state, *database, connection, options, {});
     }
     told.rows = content_of(folder + "/out");
     for (const QString& line : told_lines().lines()) told.lines += line.section(" m47.run ", 1);

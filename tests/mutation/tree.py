@@ -22,11 +22,11 @@ class BuildFailed(Exception):
 
 def rooms_of(project):
     """What can be mutated: each room's name and the folder of its rules; a room without screens is
-    such a folder itself. The shell has none."""
+    such a folder itself. Shell, probe and unattended run have none."""
     rooms = {}
     for room in sorted(Path(project, "src").iterdir()):
         folder = room / "rules" if (room / "rules").is_dir() else room
-        if room.name != "shell" and any(folder.rglob("*.cpp")):
+        if room.name not in ("shell", "unattended", "probe") and any(folder.rglob("*.cpp")):
             rooms[room.name] = str(folder.relative_to(project))
     return rooms
 

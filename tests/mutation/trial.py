@@ -27,7 +27,7 @@ _ELSEWHERE = {"common": ["shell.preferences"], "link": ["acquisition.late_answer
               "realtime": ["acquisition.acquisition", "acquisition.plan_run", "report.report"],
               "platform": ["common.files", "db.create", "link.port_diagnosis", "link.real_port",
                            "measurement.measurement_log", "olddb.reader", "shell.display",
-                           "shell.options"]}
+                           "unattended.options"]}
 
 
 @dataclass

@@ -3,7 +3,6 @@
 
 #include <QApplication>
 #include <QLoggingCategory>
-#include <map>
 #include <new>
 #include <utility>
 
@@ -42,11 +41,6 @@ const char*& innermost() {
     return name;
 }
 
-std::map<const void*, HandlerWatch>& handler_watches() {
-    static std::map<const void*, HandlerWatch> watches;
-    return watches;
-}
-
 QString words_of(const std::exception& exception, const Texts& texts) {
     if (const auto* fault = dynamic_cast<const Fault*>(&exception)) return fault->text(texts);
     if (dynamic_cast<const std::bad_alloc*>(&exception)) return texts.pick(kNoMemory);
@@ -71,24 +65,8 @@ const char* running_handler() {
     return innermost();
 }
 
-void watch_handlers(const void* who, const HandlerWatch& watch) {
-    if (watch)
-        handler_watches()[who] = watch;
-    else
-        handler_watches().erase(who);
-}
-
-bool is_of_user(const char* name) {
-    // Behind the kind may stand which key of a toolbar it was.
-    const QByteArray kind = QByteArray(name).split(' ').constFirst();
-    return kind.endsWith("Click") || kind.endsWith("KeyPress");
-}
-
 void run_handler(QWidget* screen, const char* name, const std::function<void()>& body) {
-    // A copy: who watches may cease to while it is told.
-    const std::map<const void*, HandlerWatch> watches = handler_watches();
-    if (is_of_user(name))
-        for (const auto& [who, watch] : watches) watch(name);
+    tell_handler_watches(name);
     struct Running {
         explicit Running(const char* running) : outer(std::exchange(innermost(), running)) {}
         ~Running() { innermost() = outer; }

@@ -6,6 +6,7 @@
 #include <functional>
 #include <type_traits>
 
+#include "handler_watch.h"
 #include "texts.h"
 
 namespace m47 {
@@ -26,15 +27,6 @@ void run_handler(QWidget* screen, const char* name, const std::function<void()>&
 
 /// As run_handler, for what has no name to tell anybody: the last trap behind all handlers.
 void run_trapped(QWidget* screen, const char* name, const std::function<void()>& body);
-
-/// Told the name of each handler that begins because of what the user did, before it runs.
-using HandlerWatch = std::function<void(const char* name)>;
-/// `who` watches from now on, instead of what it gave before; no more where `watch` is empty.
-void watch_handlers(const void* who, const HandlerWatch& watch);
-
-/// True for the name of a handler of what a user does ("plan_table_Click"), not for what a screen
-/// asks by itself when it is shown, or a run.
-bool is_of_user(const char* name);
 
 /// The name of the handler that runs, of several the innermost; nullptr where none does.
 const char* running_handler();

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "file_options.h"
+
+#include <QFileInfo>
+#include <QList>
+#include <algorithm>
+#include <array>
+
+#include "database.h"
+#include "file_place.h"
+#include "site_store.h"
+
+namespace m47::unattended {
+namespace {
+
+struct NamedFile {
+    QString option;
+    QString path;
+};
+
+QList<NamedFile> named_files(const Options& options) {
+    QList<NamedFile> files{{QStringLiteral("--log"), options.log},
+                           {QStringLiteral("--screenshot"), options.screenshot},
+                           {QStringLiteral("--trace"), options.trace},
+                           {QStringLiteral("--replay"), options.replay},
+                           {QStringLiteral("--problem-report"), options.problem_report},
+                           {QStringLiteral("--import-database"), options.import_database},
+                           {QStringLiteral("--export-plan"), options.export_plan.file},
+                           {QStringLiteral("--import-plan"), options.import_plan.file}};
+    files.removeIf([](const NamedFile& file) { return file.path.isEmpty(); });
+    return files;
+}
+
+/// Where the file is, or will be, without links: also behind one that names no file yet.
+QString place_of(const QString& path, int links = 0) {
+    constexpr int kMostLinks = 40;  // as the system follows them
+    const QFileInfo about(path);
+    if (about.exists()) return about.canonicalFilePath();
+    if (about.isSymLink() && links < kMostLinks) return place_of(about.symLinkTarget(), links + 1);
+    const QString folder = QFileInfo(about.absolutePath()).canonicalFilePath();
+    return (folder.isEmpty() ? about.absolutePath() : folder) + u'/' + about.fileName();
+}
+
+/// One file can have two names.
+bool lead_to_one_file(const QString& one, const QString& other) {
+    return platform::same_file(one, other).value_or(place_of(one) == place_of(other));
+}
+
+/// The file of the engine itself or one that it has beside it.
+bool is_kept_file(const QString& path, const QString& kept) {
+    return std::ranges::any_of(std::array{"", "-journal", "-wal", "-shm"}, [&](const char* beside) {
+        return lead_to_one_file(path, kept + QLatin1String(beside));
+    });
+}
+
+}  // namespace
+
+QString file_option_fault(const Options& options, const QString& base_dir) {
+    struct Kept {
+        const char* name;
+        const char* what;
+    };
+    constexpr Kept kKept[] = {{db::kDatabaseFile, "the database"},
+                              {sites::kSitesFile, "the file of sites"}};
+    const QList<NamedFile> files = named_files(options);
+    for (qsizetype k = 0; k < files.size(); ++k) {
+        for (const Kept& kept : kKept)
+            if (is_kept_file(files[k].path, base_dir + QLatin1String(kept.name)))
+                return QStringLiteral("%1 names %2: %3")
+                    .arg(files[k].option, QLatin1String(kept.what), files[k].path);
+        for (qsizetype other = 0; other < k; ++other)
+            if (lead_to_one_file(files[k].path, files[other].path))
+                return QStringLiteral("%1 and %2 name the same file: %3")
+                    .arg(files[other].option, files[k].option, files[k].path);
+    }
+    return {};
+}
+
+}  // namespace m47::unattended
