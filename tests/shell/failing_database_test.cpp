@@ -139,15 +139,15 @@ class FailingDatabaseTest : public QObject, protected ProgramInFolder {
         QStringList told;
     };
     Ending run_plan(const QString& plan, int passes) {
-        Options options;
+        unattended::Options options;
         options.measure = true;
         options.on_port = 1;
         options.plan = plan;
         options.passes = passes;
         Caught rows(STDOUT_FILENO, in_folder("rows"));
         Caught told(STDERR_FILENO, in_folder("told"));
-        const int status =
-            run_unattended(program_state(), program().database(), program().connection(), options);
+        const int status = unattended::run_unattended(program_state(), program().database(),
+                                                      program().connection(), options, {});
         // The test program's own remarks go to stdout too; a row has its tabs.
         return {status, rows.lines().filter(QStringLiteral("\t")), told.lines()};
     }
@@ -225,8 +225,9 @@ class FailingDatabaseTest : public QObject, protected ProgramInFolder {
                     .arg(ending.status)
                     .arg(frequencies_of(ending.rows).join(u' '), ending.told.join(u'\n'));
             const QStringList rows = frequencies_of(ending.rows);
-            const bool untouched = rows == all && ending.status == kGood && ending.told.isEmpty();
-            const int wanted = rows.isEmpty() ? kDatabase : kIncomplete;
+            const bool untouched =
+                rows == all && ending.status == unattended::kGood && ending.told.isEmpty();
+            const int wanted = rows.isEmpty() ? unattended::kDatabase : unattended::kIncomplete;
             const bool told = ending.status == wanted && ending.told.size() == 1 && rows != all;
             // Where a run can do without the answer it is not troubled.
             if (!passes_in_order(rows) || !(untouched || (told && failing.calls() >= nth)))
@@ -253,7 +254,7 @@ class FailingDatabaseTest : public QObject, protected ProgramInFolder {
         QFETCH(QString, told);
         change_file(statement);
         const Ending ending = run_plan(kPlanMeasured, 1);
-        QCOMPARE(ending.status, int(kDatabase));
+        QCOMPARE(ending.status, int(unattended::kDatabase));
         QCOMPARE(ending.told.size(), 1);
         QVERIFY2(ending.told[0].startsWith("m47-remote: " + told), qPrintable(ending.told[0]));
         QCOMPARE(ending.rows, QStringList());

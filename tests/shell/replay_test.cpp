@@ -277,14 +277,15 @@ class ReplayTest : public QObject, protected ProgramInFolder {
         const QString docs = QStringLiteral(PROJECT_FOLDER "/docs/");
         const Recorded example{content_of(docs + "examples/" + name + ".trace")};
         begin(&example);
-        Options options;
+        unattended::Options options;
         options.measure = options.full_tune = true;
         options.on_port = 1;
         options.plan = plans::kExamplePlan;
         for (const char* alarm : {"level", "ber", "mer"})
             options.alarms += {QLatin1String(alarm), {}, {}};
         options.log = in_folder("rows.log");
-        run_unattended(program_state(), program().database(), program().connection(), options);
+        unattended::run_unattended(program_state(), program().database(), program().connection(),
+                                   options, {});
         QStringList rows;
         for (const QByteArray& line : content_of(options.log).split('\n')) {
             const QStringList cells = QString::fromLatin1(line.trimmed()).split(u'\t');

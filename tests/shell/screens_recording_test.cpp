@@ -29,7 +29,7 @@ void choose_file(BoxAnswers& boxes, const QString& path, QString* proposed = nul
 /// Presses [Save…] of the dialog that comes, with `untick` and `tick` done.
 void save_report(BoxAnswers& boxes, const char* tick = nullptr, const char* untick = nullptr) {
     boxes.answer([=](QDialog* box) {
-        auto* list = box->findChild<QListWidget*>("problem_items");
+        auto* list = box->findChild<QListWidget*>("unattended::problem_items");
         for (int row = 0; row < list->count(); ++row) {
             if (tick && list->item(row)->text().startsWith(QLatin1String(tick)))
                 list->item(row)->setCheckState(Qt::Checked);
@@ -130,7 +130,7 @@ void ScreensTest::a_problem_is_reported_in_one_file_that_is_shown_before() {
     QStringList shown;
     QString first;
     boxes.answer([&](QDialog* box) {
-        auto* list = box->findChild<QListWidget*>("problem_items");
+        auto* list = box->findChild<QListWidget*>("unattended::problem_items");
         for (int row = 0; row < list->count(); ++row) {
             const bool ticked = list->item(row)->checkState() == Qt::Checked;
             shown += list->item(row)->text().section(u' ', 0, 0) + (ticked ? "" : " no");
@@ -188,8 +188,8 @@ void ScreensTest::of_a_long_recording_the_report_has_the_end() {
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write(first + line.repeated(kMost / line.size() + 100) + "NOTE 2.000 2.000 last\n");
     file.close();
-    const std::vector<ProblemItem> items =
-        problem_items(program_state(), program().connection(), file.fileName(), Person::here());
+    const std::vector<unattended::ProblemItem> items = unattended::problem_items(
+        program_state(), program().connection(), file.fileName(), Person::here());
     const QByteArray& kept = items.back().bytes;
     QCOMPARE(items.back().name, QString("line.trace"));
     QVERIFY(QByteArray(items.back().what.english).startsWith("the last 32 MB"));
@@ -201,9 +201,9 @@ void ScreensTest::of_a_long_recording_the_report_has_the_end() {
 void ScreensTest::a_report_that_cannot_be_written_is_told_and_leaves_nothing() {
     find<QAction>("cmdinglese")->trigger();
     const auto report = [this](const QString& path) {
-        const std::vector<ProblemItem> items = problem_items(
+        const std::vector<unattended::ProblemItem> items = unattended::problem_items(
             program_state(), program().connection(), in_folder("no.trace"), Person::here());
-        return write_problem_report(path, items, program_state().texts);
+        return unattended::write_problem_report(path, items, program_state().texts);
     };
     QCOMPARE(report(in_folder("none/report.tar.gz")), QString("No such file or directory"));
     QVERIFY(QDir(in_folder("")).mkdir("folder.tar.gz"));

@@ -13,6 +13,7 @@
 #include "running_process.h"
 #include "screens_test.h"
 #include "start_page.h"
+#include "work_folder.h"
 
 namespace m47::shell {
 namespace {
@@ -367,7 +368,7 @@ void ScreensTest::without_a_database_one_is_made_here_with_an_example() {
     new_folder();
     const QString before = QDir::currentPath();
     ProgramState state;
-    QVERIFY(work_in(folder(), state));
+    QVERIFY(unattended::work_in(folder(), state));
     answer_box("Create here", true);
     auto database = ask_for_database(state);
     QVERIFY(database);
