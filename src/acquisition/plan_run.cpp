@@ -54,7 +54,7 @@ bool PlanRun::wait_for_pass() {
                        .arg(pass_)
                        .arg(missed));
     }
-    return order_.every > 0 ? wait(next_pass_ - now) : !stop_asked();
+    return order_.every > 0 ? wait(next_pass_ - now) : !pause_asked();
 }
 
 PlanRun::End PlanRun::run_pass() {
@@ -168,7 +168,7 @@ bool PlanRun::wait(double seconds) {
     const double end = link_.clock().steady() + seconds;
     double next_report = link_.clock().steady();
     for (;;) {
-        if (stop_asked()) return false;
+        if (pause_asked()) return false;
         const double now = link_.clock().steady();
         if (now >= end) return true;
         if (link_.port_connected && now >= next_report) {

@@ -30,6 +30,9 @@ class PlanRun {
 
     /// True when the run shall end; looked at between measurements and while waiting.
     std::function<bool()> told_to_stop;
+    /// True when the run shall end before its next pass; looked at between two passes and while the
+    /// meter is waited for.
+    std::function<bool()> told_to_pause;
     /// Tries once to find the meter again and to prepare it. True when it can measure.
     std::function<bool()> connect;
     /// Called when it is clear what the run does now; a text of one line.
@@ -63,6 +66,7 @@ class PlanRun {
     bool wait(double seconds);
     bool wait_for_pass();
     bool stop_asked() const { return told_to_stop && told_to_stop(); }
+    bool pause_asked() const { return stop_asked() || (told_to_pause && told_to_pause()); }
     bool last_pass() const { return order_.passes > 0 && pass_ >= order_.passes; }
     void show_program(int place, int monitored);
     void report(const QString& text) const;

@@ -14,6 +14,13 @@ void let_writes_fail();
 /// end and do nothing else. Told a third time, it ends at once all the same.
 void listen_to_end_signals();
 
+/// From now on SIGHUP asks the program to read its configuration again; or, as before, to end. One
+/// that is ignored stays so.
+void let_hangups_ask(bool ask);
+
+/// How often the program has been asked to read its configuration again.
+int times_asked_to_read_again();
+
 /// How often the program has been told to end.
 int times_told_to_end();
 

@@ -61,7 +61,7 @@ int run_probe(int argc, char** argv) {
     platform::occupy_closed_streams();
     platform::let_writes_fail();
     unattended::speak_as("m47-probe");
-    const unattended::Offer offer{QStringLiteral("m47-probe"), {}, true};
+    const unattended::Offer offer{.program = QStringLiteral("m47-probe"), .only_measures = true};
     QStringList words;
     for (int place = 1; place < argc; ++place) words.append(QString::fromLocal8Bit(argv[place]));
     const unattended::Options options = unattended::parse_options(words, offer);
@@ -76,6 +76,8 @@ int run_probe(int argc, char** argv) {
         case unattended::Options::Action::wrong:
             print(stderr, QStringLiteral("m47-probe: ") + options.error);
             return unattended::kUsage;
+        case unattended::Options::Action::check:
+            return unattended::tell_faults(options);
         case unattended::Options::Action::run:
             break;
     }

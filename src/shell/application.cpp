@@ -241,6 +241,8 @@ int run_program(int argc, char** argv) {
         case unattended::Options::Action::wrong:
             print(stderr, QStringLiteral("m47-remote: ") + options.error);
             return unattended::kUsage;
+        case unattended::Options::Action::check:
+            return unattended::tell_faults(options);
         case unattended::Options::Action::run:
             break;
     }

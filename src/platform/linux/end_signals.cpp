@@ -21,6 +21,7 @@ constexpr long long kOnce = 300;  // ms
 // Any thread may be the one that takes a signal.
 std::atomic<int> g_times{0};
 std::atomic<int> g_first{0};
+std::atomic<int> g_asked{0};
 std::atomic<int> g_descriptor{-1};
 std::atomic<long long> g_last{0};  // ms
 
@@ -41,6 +42,10 @@ void tell_to_end(int signal) {
     const std::uint64_t one = 1;
     if (g_descriptor >= 0) static_cast<void>(!write(g_descriptor, &one, sizeof one));
     errno = error;
+}
+
+void ask_to_read_again(int) {
+    ++g_asked;
 }
 
 void do_nothing(int) {}
@@ -84,6 +89,14 @@ void listen_to_end_signals() {
     handle(SIGTERM, tell_to_end);
     // Under nohup the run outlives its terminal.
     if (!ignored(SIGHUP)) handle(SIGHUP, tell_to_end);
+}
+
+void let_hangups_ask(bool ask) {
+    if (!ignored(SIGHUP)) handle(SIGHUP, ask ? ask_to_read_again : tell_to_end);
+}
+
+int times_asked_to_read_again() {
+    return g_asked;
 }
 
 int times_told_to_end() {

@@ -2,6 +2,7 @@
 #include "alone.h"
 
 #include <QDir>
+#include <utility>
 
 #include "file_options.h"
 #include "meter_connection.h"
@@ -9,6 +10,7 @@
 #include "problem_option.h"
 #include "real_clock.h"
 #include "real_port.h"
+#include "say_on_stderr.h"
 #include "system_time.h"
 #include "work_folder.h"
 
@@ -17,6 +19,17 @@ namespace {
 
 constexpr Bilingual kNoFolder{"Cannot work in the folder %1.",
                               "Non si può lavorare nella cartella %1."};
+
+int measure_part(ProgramState& state, db::Database* database, const Options& options,
+                 const WritePicture& write_picture, RunSoFar& so_far) {
+    NoView view;
+    MeterConnection connection(state, ports_of(options),
+                               std::make_unique<link::RealClock>(platform::local_time_of_day),
+                               std::make_unique<link::RealPort>(), view, view);
+    const int status =
+        database ? run_part(state, *database, connection, options, write_picture, so_far) : kGood;
+    return so_far.next ? status : report_problem(state, connection, options, status);
+}
 
 }  // namespace
 
@@ -43,13 +56,20 @@ link::PortList ports_of(const Options& options) {
 
 int measure_alone(ProgramState& state, db::Database* database, const Options& options,
                   const WritePicture& write_picture) {
-    NoView view;
-    MeterConnection connection(state, ports_of(options),
-                               std::make_unique<link::RealClock>(platform::local_time_of_day),
-                               std::make_unique<link::RealPort>(), view, view);
-    const int status =
-        database ? run_unattended(state, *database, connection, options, write_picture) : kGood;
-    return report_problem(state, connection, options, status);
+    RunSoFar so_far;
+    Options present = options;
+    for (;;) {
+        const int status = measure_part(state, database, present, write_picture, so_far);
+        if (!so_far.next) return status;
+        present = *std::exchange(so_far.next, std::nullopt);
+        state.corrected = {};
+        choose(state, present);
+    }
+}
+
+int tell_faults(const Options& options) {
+    for (const QString& fault : options.faults) say_on_stderr(fault, Subsystem::kStart);
+    return options.faults.isEmpty() ? kGood : 1;
 }
 
 }  // namespace m47::unattended

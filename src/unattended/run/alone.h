@@ -32,4 +32,7 @@ link::PortList ports_of(const Options& options);
 int measure_alone(ProgramState& state, db::Database* database, const Options& options,
                   const WritePicture& write_picture);
 
+/// Tells the faults of a checked configuration file on stderr. Returns the exit status.
+int tell_faults(const Options& options);
+
 }  // namespace m47::unattended

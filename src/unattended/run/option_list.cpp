@@ -12,6 +12,13 @@ OptionList start_options(const Offer& offer) {
     return {
         {{"h", "help"}, "Show this help and end."},
         {{"v", "version"}, "Show the version and end."},
+        {"config",
+         "Take the options that stand in FILE, a line \"NAME = VALUE\" each, as well; what is on "
+         "the "
+         "command line goes before it. SIGHUP reads it again between two passes over a plan.",
+         "FILE"},
+        {"check-config",
+         "Tell all that is wrong with the --config FILE and end, with status 1 then."},
         {"directory",
          "Work in DIR instead of the current directory; other relative names start there.", "DIR"},
         {"user-data",

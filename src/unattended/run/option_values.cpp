@@ -164,7 +164,7 @@ QString read_format(const QCommandLineParser& parser, Options& options) {
 QString check_names(const QCommandLineParser& parser, const Offer& offer) {
     for (const char* name :
          {"directory", "log", "plan", "screenshot", "trace", "replay", "problem-report",
-          "scan-table", "scan-tables", "import-database", "site"}) {
+          "scan-table", "scan-tables", "import-database", "site", "config"}) {
         const QString option = QString::fromLatin1(name);
         if (parser.isSet(option) && parser.value(option).trimmed().isEmpty())
             return QStringLiteral("--%1 takes a name, not an empty one").arg(option);

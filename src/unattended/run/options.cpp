@@ -2,7 +2,11 @@
 #include "options.h"
 
 #include <QCommandLineParser>
+#include <QDir>
+#include <QFileInfo>
+#include <algorithm>
 
+#include "configuration.h"
 #include "identify_options.h"
 #include "option_list.h"
 #include "option_values.h"
@@ -122,6 +126,15 @@ QString check_replay(const QCommandLineParser& parser) {
     return QStringLiteral("--replay does not go with --%1").arg(other);
 }
 
+/// It is a run's.
+QString check_configuration(const QCommandLineParser& parser, const Options& options) {
+    if (!parser.isSet(QStringLiteral("config")))
+        return parser.isSet(QStringLiteral("check-config"))
+                   ? QStringLiteral("--check-config needs --config")
+                   : QString();
+    return options.measure ? QString() : QStringLiteral("--config goes with --measure only");
+}
+
 Options wrong(const QString& error) {
     Options options;
     options.action = Options::Action::wrong;
@@ -154,6 +167,97 @@ void read_choices(const QCommandLineParser& parser, Options& options) {
     options.import_database = parser.value(QStringLiteral("import-database"));
 }
 
+/// What `parser` holds, each value and all of them together. A sentence about what is wrong.
+QString read_options(const QCommandLineParser& parser, const Offer& offer, Options& options) {
+    if (!parser.positionalArguments().isEmpty())
+        return QStringLiteral("unexpected argument \"%1\"")
+            .arg(parser.positionalArguments().constFirst());
+    const QString withheld = withheld_option(parser, offer);
+    if (!withheld.isEmpty())
+        return QStringLiteral("--%1 does not go with %2").arg(withheld, offer.program);
+    read_choices(parser, options);
+    options.measure = options.measure || offer.only_measures;
+    QString error = read_values(parser, offer, options);
+    if (error.isEmpty() && options.user_data && parser.isSet(QStringLiteral("directory")))
+        error = QStringLiteral("--directory and --user-data exclude each other");
+    if (error.isEmpty()) error = check_configuration(parser, options);
+    if (error.isEmpty()) error = check_visit(parser);
+    if (error.isEmpty()) error = check_combination(parser, options, offer);
+    if (error.isEmpty()) error = check_replay(parser);
+    if (error.isEmpty()) error = check_database_work(parser);
+    if (error.isEmpty()) error = check_problem_report(parser, options);
+    return error;
+}
+
+/// What is wrong with the options of `configuration` together with the command line, in one
+/// sentence; `options` are what both say.
+QString read_with(const Configuration& configuration, const QStringList& arguments,
+                  const Offer& offer, Options& options) {
+    QCommandLineParser parser;
+    add_options(parser, offer);
+    options = {};
+    const QStringList all = QStringList(offer.program) + configuration.arguments() + arguments;
+    return parser.parse(all) ? read_options(parser, offer, options) : parser.errorText();
+}
+
+/// True where `fault` is about another option than `named`, and only comes of one of `gone`.
+bool comes_of(const QStringList& gone, const QString& fault, const QString& named) {
+    return std::ranges::any_of(gone, [&](const QString& name) {
+        return name != named && fault.contains(QStringLiteral("--") + name);
+    });
+}
+
+/// All that is wrong with `configuration`, the lines of which it takes away one by one, in the
+/// order of the lines. What only comes of a line that is gone is not told.
+QStringList all_faults(Configuration configuration, const QStringList& arguments,
+                       const Offer& offer) {
+    std::vector<ConfigurationFault> faults = configuration.faults;
+    const bool unread = !faults.empty();
+    QStringList gone;
+    Options options;
+    for (;;) {
+        const QString fault = read_with(configuration, arguments, offer, options);
+        const std::optional<std::size_t> place = configuration.place_of(fault);
+        const QString named = place ? configuration.lines[*place].name : QString();
+        // What is missing may stand in a line that could not be read.
+        const bool own = !fault.isEmpty() && !comes_of(gone, fault, named);
+        if (own && (place || !unread)) faults.push_back(configuration.located(fault));
+        if (!place) break;
+        gone.append(named);
+        configuration.lines.erase(configuration.lines.begin() +
+                                  static_cast<std::ptrdiff_t>(*place));
+    }
+    std::ranges::stable_sort(faults, {}, &ConfigurationFault::line);
+    QStringList texts;
+    for (const ConfigurationFault& fault : faults) texts.append(on_one_line(fault.text));
+    return texts;
+}
+
+/// `command_line` holds `arguments`.
+Options take_configuration(const QCommandLineParser& command_line, const QStringList& arguments,
+                           const Offer& offer) {
+    // The program may work in another folder when it reads the file again.
+    Offer again = offer;
+    if (again.folder.isEmpty()) again.folder = QDir::currentPath();
+    const QString path = QFileInfo(QDir(again.folder), command_line.value(QStringLiteral("config")))
+                             .absoluteFilePath();
+    Configuration configuration = read_configuration(path, offer);
+    give_way(configuration, command_line);
+    if (command_line.isSet(QStringLiteral("check-config"))) {
+        Options options;
+        options.action = Options::Action::check;
+        options.faults = all_faults(configuration, arguments, offer);
+        return options;
+    }
+    if (!configuration.faults.empty()) return wrong(configuration.faults.front().text);
+    Options options;
+    const QString error = read_with(configuration, arguments, offer, options);
+    if (!error.isEmpty()) return wrong(configuration.located(error).text);
+    options.configuration = path;
+    options.read_again = [arguments, again] { return parse_options(arguments, again); };
+    return options;
+}
+
 }  // namespace
 
 Options parse_options(const QStringList& arguments, const Offer& offer) {
@@ -165,22 +269,9 @@ Options parse_options(const QStringList& arguments, const Offer& offer) {
     if (parser.isSet(QStringLiteral("help"))) options.action = Options::Action::help;
     if (parser.isSet(QStringLiteral("version"))) options.action = Options::Action::version;
     if (options.action != Options::Action::run) return options;
-    if (!parser.positionalArguments().isEmpty())
-        return wrong(QStringLiteral("unexpected argument \"%1\"")
-                         .arg(parser.positionalArguments().constFirst()));
-    const QString withheld = withheld_option(parser, offer);
-    if (!withheld.isEmpty())
-        return wrong(QStringLiteral("--%1 does not go with %2").arg(withheld, offer.program));
-    read_choices(parser, options);
-    options.measure = options.measure || offer.only_measures;
-    QString error = read_values(parser, offer, options);
-    if (error.isEmpty() && options.user_data && parser.isSet(QStringLiteral("directory")))
-        error = QStringLiteral("--directory and --user-data exclude each other");
-    if (error.isEmpty()) error = check_visit(parser);
-    if (error.isEmpty()) error = check_combination(parser, options, offer);
-    if (error.isEmpty()) error = check_replay(parser);
-    if (error.isEmpty()) error = check_database_work(parser);
-    if (error.isEmpty()) error = check_problem_report(parser, options);
+    if (!parser.value(QStringLiteral("config")).trimmed().isEmpty())
+        return take_configuration(parser, arguments, offer);
+    const QString error = read_options(parser, offer, options);
     return error.isEmpty() ? options : wrong(error);
 }
 

@@ -6,6 +6,7 @@
 #include <QString>
 #include <QStringList>
 #include <cstdint>
+#include <functional>
 #include <optional>
 
 #include "candidate_choice.h"
@@ -57,7 +58,7 @@ struct VisitOptions {
 
 /// What the command line asks for.
 struct Options {
-    enum class Action { run, help, version, wrong };
+    enum class Action { run, help, version, check, wrong };
 
     Action action = Action::run;
     int on_port = 0;  ///< port to identify at start, 0 for none
@@ -77,7 +78,10 @@ struct Options {
     bool confirm = false;    ///< ask twice for what surprises
     bool overwrite = false;  ///< the file of export_plan may be replaced
 
-    QString error;  ///< one line, when the action is wrong
+    QString error;          ///< one line, when the action is wrong
+    QString configuration;  ///< the file whose keys were taken over, with its whole path
+    std::function<Options()> read_again{};  ///< the command line and that file anew
+    QStringList faults;  ///< all that is wrong with a file to be checked, a line each
     QString directory;
     QStringList ports;  ///< "N=DEVICE"
     QString open;       ///< toolbar key of a screen to open at start
@@ -120,8 +124,9 @@ struct Options {
 
 /// Which of the options a program takes.
 struct Offer {
-    QString program;      ///< its name
-    QStringList screens;  ///< the keys that --open takes
+    QString program;        ///< its name
+    QStringList screens{};  ///< the keys that --open takes
+    QString folder{};       ///< where a relative name of --config starts; empty: the current one
     /// It measures and does nothing else: what has to do with windows or other work is refused.
     bool only_measures = false;
 };

@@ -2,12 +2,14 @@
 #include "unattended.h"
 
 #include <cstdio>
+#include <utility>
 
 #include "alarm_limits.h"
 #include "commands.h"
 #include "end_signals.h"
 #include "enter_key.h"
 #include "fault.h"
+#include "file_options.h"
 #include "line_recording.h"
 #include "numbers.h"
 #include "plan_run.h"
@@ -15,6 +17,7 @@
 #include "realtime_rules.h"
 #include "row_output.h"
 #include "say_on_stderr.h"
+#include "service_notes.h"
 #include "standard_streams.h"
 #include "unattended_visit.h"
 
@@ -47,22 +50,28 @@ void complain(const QString& text) {
     say_of_run(text);
 }
 
-struct Run {
+struct Run : RunSoFar {
+    Run(const RunSoFar& before, ProgramState& of_program, MeterConnection& way,
+        const Options& asked, const WritePicture& picture)
+        : RunSoFar(before),
+          state(of_program),
+          connection(way),
+          options(asked),
+          write_picture(picture) {}
+
     ProgramState& state;
     MeterConnection& connection;
     const Options& options;
+    const WritePicture& write_picture;
     std::unique_ptr<realtime::RealtimeRules> rules;
     RowOutput output{platform::kStandardOutput};
     LineRecording recording{connection.recorder(), state.texts};
     UnattendedVisit visit{options.visit, state.texts};
+    ServiceNotes service{connection.link().clock(), ServiceNotes::found()};
     measurement::Measurement measured{};  ///< of the row that comes next
-    int rows = 0;
+    int asked_before = platform::times_asked_to_read_again();
     bool link_found = false;  ///< the meter has answered once
-    bool incomplete = false;  ///< a pass was cut short or measured nothing
     bool wrong_limits = false;
-    bool alarm_failed = false;
-    bool file_lost = false;
-    bool row_missing = false;
     bool visit_refused = false;  ///< it could not be begun
 
     /// Nobody gets to see another row.
@@ -82,7 +91,7 @@ void print_row(Run& run, const QStringList& row) {
 
 /// Before the first row: a table without rows has its columns too.
 void print_names(Run& run) {
-    if (!run.options.format) return;
+    if (!run.options.format || std::exchange(run.names_printed, true)) return;
     const QByteArray names = measurement::output_header(*run.options.format);
     if (!names.isEmpty()) run.output.write(names);
 }
@@ -242,6 +251,47 @@ bool begin_visit(Run& run) {
                            link.clock().date_time());
 }
 
+/// The work ends before its next command where the program was told `times` times to end. Each
+/// command is also a sign of life.
+void stop_when_told(Run& run, int times) {
+    run.connection.link().interrupted = [&run, times] {
+        run.service.alive();
+        return platform::times_told_to_end() >= times;
+    };
+}
+
+/// SIGHUP does not end this run but has its configuration read again.
+bool rereads(const Run& run) {
+    return !run.options.configuration.isEmpty() && !run.options.plan.isEmpty() &&
+           run.options.read_again != nullptr;
+}
+
+/// Why a run cannot go on with `next` in place of `before`; empty where it can.
+QString refusal_of(const Options& next, const Options& before, const QString& base_dir) {
+    if (next.action != Options::Action::run) return next.error;
+    if (next.directory != before.directory || next.user_data != before.user_data)
+        return QStringLiteral("another folder to work in takes a new start");
+    return file_option_fault(next, base_dir);
+}
+
+/// True where the configuration was asked for again and is good: the run goes on with that. A bad
+/// one is told, and the one before stays in force.
+bool read_again(Run& run) {
+    const int asked = platform::times_asked_to_read_again();
+    if (asked == std::exchange(run.asked_before, asked)) return false;
+    Options next = run.options.read_again();
+    const QString refusal = refusal_of(next, run.options, run.state.base_dir);
+    if (!refusal.isEmpty()) {
+        complain(QStringLiteral("the configuration stays as it was: %1").arg(refusal));
+        return false;
+    }
+    complain(QStringLiteral("the configuration %1 was read again").arg(next.configuration));
+    // The rows of both go into one visit.
+    next.visit.resumed = next.visit.resumed || next.visit.site == run.options.visit.site;
+    run.next = std::move(next);
+    return true;
+}
+
 /// Looks for the meter: on its port at the start, afterwards behind the device where it was.
 bool identify_meter(Run& run) {
     if (run.link_found)
@@ -250,6 +300,7 @@ bool identify_meter(Run& run) {
         run.connection.identify(run.options.on_port);
     if (!run.connection.link().port_connected) return false;
     run.link_found = true;
+    run.service.ready();
     prepare_meter(run);
     run.visit_refused = !begin_visit(run);
     return true;
@@ -263,10 +314,10 @@ bool connect_again(Run& run) {
     run.connection.identification().on_another_device = [&run, told] {
         if (!told) tell_other_device(run);
     };
-    run.connection.link().interrupted = [] { return platform::times_told_to_end() > 0; };
+    stop_when_told(run, 1);
     identify_meter(run);
     run.connection.identification().on_another_device = nullptr;
-    run.connection.link().interrupted = [] { return platform::times_told_to_end() > 1; };
+    stop_when_told(run, 2);
     return run.connection.link().port_connected;
 }
 
@@ -288,8 +339,8 @@ struct KeepOutcome {
     Run& run;
     const acquisition::PlanRun& plan_run;
     ~KeepOutcome() {
-        run.incomplete = plan_run.incomplete();
-        run.row_missing = plan_run.missing() > 0;
+        run.incomplete = plan_run.incomplete() || run.incomplete;
+        run.row_missing = plan_run.missing() > 0 || run.row_missing;
     }
 };
 
@@ -299,24 +350,35 @@ void measure_plan(Run& run) {
     for (const int mode : {realtime::kAnalogMode, realtime::kDigitalMode})
         run.rules->tick_measures(mode);
     // Told to end once, the running measurement is finished; told twice, not even that.
-    run.connection.link().interrupted = [] { return platform::times_told_to_end() > 1; };
+    stop_when_told(run, 2);
+    run.service.ready();
     acquisition::PlanRun plan_run(run.connection.link(), *run.rules,
                                   {.passes = run.options.passes,
                                    .every = run.options.every,
                                    .reconnect = run.options.reconnect});
-    plan_run.told_to_stop = [&run] { return platform::times_told_to_end() > 0 || run.pointless(); };
+    plan_run.told_to_stop = [&run] {
+        run.service.alive();
+        return platform::times_told_to_end() > 0 || run.pointless();
+    };
+    if (rereads(run)) plan_run.told_to_pause = [&run] { return read_again(run); };
     plan_run.connect = [&run] { return connect_again(run); };
-    plan_run.on_progress = [](const QString& text) { g_progress_line.show(text); };
-    plan_run.on_remark = complain;
+    plan_run.on_progress = [&run](const QString& text) {
+        g_progress_line.show(text);
+        run.service.status(text);
+    };
+    plan_run.on_remark = [&run](const QString& text) {
+        complain(text);
+        run.service.status(text, true);
+    };
     const KeepOutcome outcome{run, plan_run};
     // How it ended shows in the link, the signals and the rows; see status_of().
     static_cast<void>(plan_run.run());
 }
 
-void write_screenshot(Run& run, const WritePicture& write_picture) {
+void write_screenshot(Run& run) {
     const QString& name = run.options.screenshot;
     if (name.isEmpty()) return;
-    const QString reason = write_picture(std::move(run.rules), name);
+    const QString reason = run.write_picture(std::move(run.rules), name);
     if (reason.isEmpty()) return;
     complain(QStringLiteral("cannot write the picture %1: %2").arg(name, reason));
     run.file_lost = true;
@@ -339,13 +401,11 @@ int status_of(const Run& run) {
                      : QStringLiteral("the link to the meter was lost") + refusal_of(run));
         return kNoLink;
     }
-    if (run.output.lost() || run.file_lost || run.recording.lost() || run.row_missing ||
-        run.visit.lost())
-        return kOutputLost;
+    if (run.file_lost || run.row_missing) return kOutputLost;
     if (run.visit.unreadable()) return kDatabase;
     if (run.rows == 0) complain(QStringLiteral("nothing was measured"));
     if (run.incomplete || run.rows == 0 || run.visit.not_compared()) return kIncomplete;
-    return run.alarm_failed || run.visit.worse() ? kAlarmFailed : kGood;
+    return run.alarm_failed ? kAlarmFailed : kGood;
 }
 
 /// False, with a complaint, where nothing can be measured: `status` says why then.
@@ -391,6 +451,20 @@ void record_line(Run& run) {
     if (!run.options.trace.isEmpty()) run.recording.start(run.options.trace);
 }
 
+int end_part(Run& run, RunSoFar& so_far) {
+    g_progress_line.clear();
+    if (!run.next) run.service.stopping();
+    // One that goes on with the same site is not at its end.
+    if (!run.next || run.next->visit.site != run.options.visit.site)
+        run.visit.end(run.connection.link().clock().date_time());
+    if (!run.next) write_screenshot(run);
+    run.output.finish(kLongestReaderWait, [] { return platform::times_told_to_end() > 1; });
+    run.file_lost = run.file_lost || run.output.lost() || run.recording.lost() || run.visit.lost();
+    run.alarm_failed = run.alarm_failed || run.visit.worse();
+    so_far = run;
+    return run.next ? kGood : status_of(run);
+}
+
 }  // namespace
 
 QString no_meter_text(const MeterConnection& connection, int number) {
@@ -398,13 +472,14 @@ QString no_meter_text(const MeterConnection& connection, int number) {
     return reason.isEmpty() ? QStringLiteral("no meter answers on port %1").arg(number) : reason;
 }
 
-int run_unattended(ProgramState& state, db::Database& database, MeterConnection& connection,
-                   const Options& options, const WritePicture& write_picture) {
+int run_part(ProgramState& state, db::Database& database, MeterConnection& connection,
+             const Options& options, const WritePicture& write_picture, RunSoFar& so_far) {
     state.texts.language = kEnglish;
-    connection.link().interrupted = [] { return platform::times_told_to_end() > 0; };
+    Run run(so_far, state, connection, options, write_picture);
+    run.rules = std::make_unique<realtime::RealtimeRules>(connection.link(), state, database);
+    stop_when_told(run, 1);
     connection.link().cut_off = [] { return platform::times_told_to_end() > 1; };
-    Run run{state, connection, options,
-            std::make_unique<realtime::RealtimeRules>(connection.link(), state, database)};
+    platform::let_hangups_ask(rereads(run));
     listen_to_rules(run);
     tell_rounded(options);
     record_line(run);
@@ -417,16 +492,19 @@ int run_unattended(ProgramState& state, db::Database& database, MeterConnection&
             measure_plan(run);
     } catch (const Interrupted&) {
         // The rows that were printed stand; a measurement that was not finished is none.
+        run.next.reset();
     } catch (const Fault& fault) {
         complain(fault.text(state.texts));
         run.visit.end(connection.link().clock().date_time());
         return kDatabase;
     }
-    g_progress_line.clear();
-    run.visit.end(connection.link().clock().date_time());
-    write_screenshot(run, write_picture);
-    run.output.finish(kLongestReaderWait, [] { return platform::times_told_to_end() > 1; });
-    return status_of(run);
+    return end_part(run, so_far);
+}
+
+int run_unattended(ProgramState& state, db::Database& database, MeterConnection& connection,
+                   const Options& options, const WritePicture& write_picture) {
+    RunSoFar so_far;
+    return run_part(state, database, connection, options, write_picture, so_far);
 }
 
 }  // namespace m47::unattended
