@@ -222,6 +222,17 @@ void PlanRunTest::told_to_stop_while_waiting() {
     QVERIFY(now() < 101);
 }
 
+void PlanRunTest::told_to_pause_it_ends_behind_a_whole_pass() {
+    for (const int every : {0, 600}) {
+        const qsizetype before = measured().size();
+        PlanRun run = make_run({.passes = 0, .every = every});
+        // From the first measurement of the second pass on.
+        run.told_to_pause = [&] { return measured().size() > before + 3; };
+        QCOMPARE(run.run(), PlanRun::End::stopped);
+        QCOMPARE(measured().size() - before, 6);
+    }
+}
+
 void PlanRunTest::a_lost_link_ends_the_run() {
     f_->on_command = [this](const QByteArray& command) {
         if (command == "FREQ 1010.0") f_->port.vanish_in(0);

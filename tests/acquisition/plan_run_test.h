@@ -30,6 +30,7 @@ class PlanRunTest : public QObject {
     void a_pass_longer_than_the_interval_leaves_firings_out();
     void told_to_stop_between_two_measurements();
     void told_to_stop_while_waiting();
+    void told_to_pause_it_ends_behind_a_whole_pass();
     void a_lost_link_ends_the_run();
     void after_a_lost_link_the_lost_program_comes_first();
     void a_program_that_the_meter_refuses_is_left_out();

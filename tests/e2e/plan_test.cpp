@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <signal.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
+#include <QDeadlineTimer>
 #include <QFile>
 #include <QSqlDatabase>
 #include <QSqlQuery>
@@ -35,6 +39,8 @@ class PlanTest : public QObject {
     void a_pass_that_is_cut_short();
     void a_plan_without_programs();
     void progress_on_a_terminal();
+    void the_configuration_is_read_again();
+    void a_service_manager_is_told();
 };
 
 namespace {
@@ -80,6 +86,47 @@ QStringList frequencies(const QByteArray& out) {
     for (const QStringList& row : rows_of(out)) all += row.value(2);
     return all;
 }
+
+void write_file(const QString& path, const QByteArray& content) {
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(content), content.size());
+}
+
+/// Stands for a service manager: the socket that it is told on.
+class ManagerSocket {
+  public:
+    explicit ManagerSocket(const QString& path)
+        : descriptor_(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        qstrncpy(address.sun_path, qPrintable(path), sizeof address.sun_path);
+        if (bind(descriptor_, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0)
+            qFatal("no socket");
+        const timeval patience{0, 100'000};
+        setsockopt(descriptor_, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+    }
+    ~ManagerSocket() { close(descriptor_); }
+    ManagerSocket(const ManagerSocket&) = delete;
+    ManagerSocket& operator=(const ManagerSocket&) = delete;
+
+    /// What was told and not taken yet; empty after a tenth of a second without any.
+    QByteArray take() const {
+        char text[4096];
+        const ssize_t size = recv(descriptor_, text, sizeof text, 0);
+        return size > 0 ? QByteArray(text, static_cast<qsizetype>(size)) : QByteArray();
+    }
+    /// False where `wanted` is not told within a minute.
+    bool wait_for(const QByteArray& wanted) const {
+        const QDeadlineTimer deadline(60'000);
+        while (!deadline.hasExpired())
+            if (take() == wanted) return true;
+        return false;
+    }
+
+  private:
+    int descriptor_;
+};
 
 }  // namespace
 
@@ -405,6 +452,55 @@ void PlanTest::progress_on_a_terminal() {
     for (const char* text : {"pass 1, program 1/2", "pass 1, program 2/2",
                              "pass 1 done, next in 0:00:0", "pass 2, program 2/2"})
         QVERIFY2(screen.contains(text), text);
+}
+
+void PlanTest::the_configuration_is_read_again() {
+    TestStand stand;
+    make_plan(stand);
+    const QString path = stand.path("r.conf");
+    const QByteArray before = "# all day\nplan = ROOF\npasses = 0\nformat = csv\n";
+    write_file(path, before);
+    stand.start_measuring({"--config", "r.conf"});
+    QVERIFY(stand.remote.wait_for_lines(3));
+    write_file(path, "plan = ROOF\npasses = 0\nevery = no\nformat = csv\n");
+    stand.remote.send_signal(SIGHUP);
+    QVERIFY(stand.remote.wait_for_error_lines(1));
+    // The one before is in force: passes go on.
+    QVERIFY(stand.remote.wait_for_lines(static_cast<int>(stand.remote.written().count('\n')) + 2));
+    write_file(path, "plan = ROOF\npasses = 2\nformat = csv\n");
+    stand.remote.send_signal(SIGHUP);
+    const Ending ending = stand.remote.wait();
+    QCOMPARE(ending.status, 0);
+    const QByteArray file = QFileInfo(path).absoluteFilePath().toUtf8();
+    QCOMPARE(ending.err, "m47-remote: the configuration stays as it was: " + file +
+                             ":3: --every takes a whole number from 1 to 31536000, not \"no\"\n" +
+                             "m47-remote: the configuration " + file + " was read again\n");
+    // Whole passes, under one line of names.
+    const QList<QByteArray> lines = ending.out.trimmed().split('\n');
+    QVERIFY(lines.size() >= 9 && lines.size() % 2 == 1);
+    QCOMPARE(ending.out.count("time"), 1);
+}
+
+void PlanTest::a_service_manager_is_told() {
+    TestStand stand;
+    make_plan(stand);
+    const QString path = stand.folder.filePath("notify");
+    const ManagerSocket manager(path);
+    stand.remote.environment.insert("NOTIFY_SOCKET", path);
+    stand.remote.environment.insert("WATCHDOG_USEC", "300000");
+    stand.start_measuring({"--plan", "ROOF", "--passes", "0", "--every", "2"});
+    QVERIFY(manager.wait_for("READY=1"));
+    QVERIFY(manager.wait_for("STATUS=pass 1, program 1/2"));
+    for (int ping = 0; ping < 3; ++ping) QVERIFY(manager.wait_for("WATCHDOG=1"));
+    // What hangs is no sign of life.
+    stand.remote.send_signal(SIGSTOP);
+    while (!manager.take().isEmpty()) continue;
+    for (int look = 0; look < 6; ++look) QCOMPARE(manager.take(), QByteArray());
+    stand.remote.send_signal(SIGCONT);
+    QVERIFY(manager.wait_for("WATCHDOG=1"));
+    stand.remote.send_signal(SIGTERM);
+    QVERIFY(manager.wait_for("STOPPING=1"));
+    QCOMPARE(stand.remote.wait().status, 0);
 }
 
 }  // namespace m47

@@ -47,6 +47,29 @@ QString folder_in(const QTemporaryDir& folder, const QString& name) {
     return path;
 }
 
+QString measuring_program() {
+    return RemoteProcess::is_probe() ? QStringLiteral(PROBE_PROGRAM)
+                                     : QStringLiteral(REMOTE_PROGRAM);
+}
+
+/// Without what needs windows.
+QStringList takeable(QStringList arguments) {
+    const qsizetype picture = arguments.indexOf(QStringLiteral("--screenshot"));
+    if (RemoteProcess::is_probe() && picture >= 0) arguments.remove(picture, 2);
+    return arguments;
+}
+
+/// A line of the probe that begins with another name than its own stands out.
+QByteArray as_said_by_both(const QByteArray& said) {
+    if (!RemoteProcess::is_probe()) return said;
+    QByteArrayList lines = said.split('\n');
+    for (QByteArray& line : lines) {
+        line.replace("m47-remote: ", "NOT THE PROBE: ");
+        if (line.startsWith("m47-probe: ")) line.replace(0, 11, "m47-remote: ");
+    }
+    return lines.join('\n');
+}
+
 /// A recording has a pace of its own.
 QStringList at_once(const QStringList& meter_options) {
     if (meter_options.contains(QStringLiteral("--replay"))) return meter_options;
@@ -156,13 +179,21 @@ RemoteProcess::RemoteProcess(const QString& folder, const QString& runtime)
     process().setWorkingDirectory(folder);
 }
 
+bool RemoteProcess::is_probe() {
+    return qgetenv("M47_MEASURE_WITH") == "probe";
+}
+
+QString RemoteProcess::name() {
+    return QFileInfo(measuring_program()).fileName();
+}
+
 void RemoteProcess::start(const QStringList& arguments) {
-    launch(QStringLiteral(REMOTE_PROGRAM), arguments);
+    launch(measuring_program(), takeable(arguments));
 }
 
 void RemoteProcess::start_in_shell(const QString& line, const QStringList& arguments) {
     launch(QStringLiteral("/bin/sh"),
-           QStringList{QStringLiteral("-c"), line, QStringLiteral(REMOTE_PROGRAM)} + arguments);
+           QStringList{QStringLiteral("-c"), line, measuring_program()} + takeable(arguments));
 }
 
 void RemoteProcess::launch(const QString& program, const QStringList& arguments) {
@@ -208,7 +239,7 @@ Ending RemoteProcess::wait() {
         status = process().exitCode() + (process().exitStatus() == QProcess::CrashExit ? 128 : 0);
     else
         kill_now();
-    return {status, out_, err_, waited};
+    return {status, out_, as_said_by_both(err_), waited};
 }
 
 Ending RemoteProcess::run(const QStringList& arguments) {

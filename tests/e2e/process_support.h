@@ -96,6 +96,13 @@ class RemoteProcess : public ChildProcess {
     /// Its environment, to be changed before the start.
     QProcessEnvironment environment;
 
+    /// True where M47_MEASURE_WITH=probe has `m47-probe` measure in place of `m47-remote`: what it
+    /// says begins with its own name and is handed on as if the other had said it, and it is not
+    /// asked for pictures.
+    static bool is_probe();
+    /// The name of the program that measures.
+    static QString name();
+
     void start(const QStringList& arguments);
     /// Starts `line` of the shell, in which "$0" "$@" stands for the program and its arguments.
     void start_in_shell(const QString& line, const QStringList& arguments);

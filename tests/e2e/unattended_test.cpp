@@ -136,6 +136,7 @@ void UnattendedTest::analog_rows() {
     QCOMPARE(stand.content("run.log"), as_log(ending.out));
     compare_recordings(stand);
 
+    if (RemoteProcess::is_probe()) return;
     const QImage picture(stand.path("screen.png"), "PNG");
     QVERIFY(picture.width() >= 900 && picture.height() >= 560);
     QVERIFY(picture.width() <= 4000 && picture.height() <= 4000);
@@ -269,6 +270,7 @@ void UnattendedTest::alarms() {
     QCOMPARE(good.status, 0);
     QCOMPARE(good.err, QByteArray());
     QCOMPARE(rows_of(good.out).value(0).value(kStatus), QString("PASS"));
+    if (RemoteProcess::is_probe()) return;
     const QImage green(inside.path("s.png"), "PNG");
     QVERIFY(count_pixels(green, kGreenLamp) > 0);
     QCOMPARE(count_pixels(green, kRedLamp), 0);
@@ -308,10 +310,11 @@ void UnattendedTest::a_second_start_on_the_same_port() {
     QCOMPARE(ending.out, QByteArray());
     const qint64 process = stand.remote.process().processId();
     const QString told = QStringLiteral(
-                             "m47-remote: %1 is in use by m47-remote (process %2). End "
+                             "m47-remote: %1 is in use by %3 (process %2). End "
                              "that program or choose another port.\n")
                              .arg(device)
-                             .arg(process);
+                             .arg(process)
+                             .arg(RemoteProcess::name());
     QCOMPARE(QString::fromUtf8(ending.err), told);
     QVERIFY(stand.remote.process().state() == QProcess::Running);
     // The one that was there first measures to its end.
@@ -366,6 +369,7 @@ void UnattendedTest::digital_row_with_all_options() {
     QCOMPARE(rows.size(), 1);
     QCOMPARE(rows[0].size(), kFields);
     QCOMPARE(rows[0].mid(kFrequency), expected);
+    if (RemoteProcess::is_probe()) return;
     const QImage picture(stand.path("s.png"), "PNG");
     QVERIFY(count_pixels(picture, kGreenLamp) > 0);
     QCOMPARE(count_pixels(picture, kRedLamp), 0);

@@ -328,6 +328,35 @@ void OptionsTest::help_names_every_option() {
         QVERIFY2(help.contains(QLatin1String(name)), name);
 }
 
+void OptionsTest::what_a_probe_takes() {
+    const Offer probe{.program = QStringLiteral("m47-probe"), .only_measures = true};
+    const Options good = parse_options({"--on-port", "1", "--plan", "ROOF", "--every", "60",
+                                        "--reconnect", "--site", "Roof", "--log", "r.log"},
+                                       probe);
+    QCOMPARE(good.error, QString());
+    QVERIFY(good.measure && good.unattended());
+    // It goes without saying, and may be said.
+    QCOMPARE(parse_options({"--measure", "--on-port", "1"}, probe).error, QString());
+    QCOMPARE(parse_options({}, probe).error, QStringLiteral("m47-probe needs --on-port"));
+    for (const QStringList& more : {QStringList{"--screenshot", "s.png"},
+                                    {"--open", "asl"},
+                                    {"--replay", "a.trace"},
+                                    {"--sweep", "920:2150"},
+                                    {"--peak", "5"},
+                                    {"--identify"},
+                                    {"--import-database", "a.mdb"},
+                                    {"--export-plan", "A=b"},
+                                    {"--scan-tables", "d"},
+                                    {"--overwrite"}})
+        QCOMPARE(parse_options(QStringList{"--on-port", "1"} + more, probe).error,
+                 more[0] + " does not go with m47-probe");
+    const QString help = help_text(probe);
+    for (const char* name : {"--plan", "--every", "--site", "--config", "--check-config", "--log"})
+        QVERIFY2(help.contains(QString::fromLatin1(name) + ' '), name);
+    for (const char* name : {"--screenshot", "--open", "--sweep", "--identify", "--measure "})
+        QVERIFY2(!help.contains("  " + QString::fromLatin1(name)), name);
+}
+
 }  // namespace m47::unattended
 
 QTEST_GUILESS_MAIN(m47::unattended::OptionsTest)

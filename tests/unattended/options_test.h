@@ -49,6 +49,7 @@ class OptionsTest : public QObject {
     void visits();
     void peaks();
     void identifications();
+    void what_a_probe_takes();
 };
 
 }  // namespace m47::unattended
