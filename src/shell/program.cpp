@@ -77,6 +77,7 @@ Program::Program(ProgramState& state, std::unique_ptr<db::Database> database, li
                  std::unique_ptr<link::Clock> clock, std::unique_ptr<link::SerialPort> port)
     : state_(state),
       database_(std::move(database)),
+      sites_(state.sites_file),
       window_(state),
       connection_(state, std::move(ports), std::move(clock), std::move(port), window_.status(),
                   window_),
@@ -218,7 +219,7 @@ void Program::open_manual(const QStringList& folders, const QString& name) {
 }
 
 void Program::add_screens() {
-    const ScreenParts parts{window_, connection_, state_, *database_, start_};
+    const ScreenParts parts{window_, connection_, state_, *database_, start_, sites_};
     for (const ScreenEntry& screen : screen_table())
         window_.add_screen(QString::fromLatin1(screen.key),
                            [parts, make = screen.make] { return make(parts); });

@@ -14,6 +14,7 @@
 #include "link.h"
 #include "mdi.h"
 #include "meter_connection.h"
+#include "open_sites.h"
 #include "port_list.h"
 #include "problem_command.h"
 #include "program_state.h"
@@ -43,6 +44,7 @@ class Program {
     link::Link& link() { return connection_.link(); }
     unattended::LineRecording& recording() { return recording_; }
     db::Database& database() { return *database_; }
+    sites::OpenSites& sites() { return sites_; }
     ProgramState& state() { return state_; }
     const ProgramState& state() const { return state_; }
 
@@ -73,6 +75,7 @@ class Program {
 
     ProgramState& state_;
     std::unique_ptr<db::Database> database_;
+    sites::OpenSites sites_;  ///< the screens let go of it first
     M47MDI window_;
     unattended::MeterConnection connection_;
     unattended::LineRecording recording_;

@@ -8,6 +8,7 @@
 #include "port_setting.h"
 #include "program_set.h"
 #include "realtime.h"
+#include "sites.h"
 #include "start_desk.h"
 
 namespace m47::shell {
@@ -88,6 +89,10 @@ Screen* make_sweep(const ScreenParts& parts) {
     return screen;
 }
 
+Screen* make_sites(const ScreenParts& parts) {
+    return new sites::Sites(parts.sites, parts.state, parts.database);
+}
+
 constexpr ScreenEntry kScreens[] = {
     {"program", "Plan Setup", {"Plans", "Piani"}, Qt::Key_1, KeyBar::commands, "plans", make_plans},
     {"download",
@@ -132,6 +137,7 @@ constexpr ScreenEntry kScreens[] = {
      KeyBar::instruments,
      "sweep",
      make_sweep},
+    {"sites", "Sites", {"Sites", "Siti"}, Qt::Key_8, KeyBar::instruments, "sites", make_sites},
 };
 
 }  // namespace

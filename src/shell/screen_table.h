@@ -6,6 +6,7 @@
 #include "database.h"
 #include "mdi.h"
 #include "meter_connection.h"
+#include "open_sites.h"
 #include "program_state.h"
 #include "screen.h"
 
@@ -20,6 +21,7 @@ struct ScreenParts {
     ProgramState& state;
     db::Database& database;
     StartDesk& start;
+    sites::OpenSites& sites;
 };
 
 /// The toolbars of the main window: the keys that technicians know, and those that came later.

@@ -60,7 +60,9 @@ void ProgramInFolder::end_program() {
 
 void ProgramInFolder::forget_state() {
     state_ = ProgramState();
-    if (folder_) state_.base_dir = folder_with_separator(folder());
+    if (!folder_) return;
+    state_.base_dir = folder_with_separator(folder());
+    state_.sites_file = state_.base_dir + QLatin1String(sites::kSitesFile);
 }
 
 std::unique_ptr<db::Database> ProgramInFolder::open_database() const {

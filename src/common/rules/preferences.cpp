@@ -27,9 +27,9 @@ bool sensible(const QRect& rect) {
 }
 
 /// In the order of FilePurpose; they stand in the user's file.
-constexpr const char* kPurposes[] = {"log",     "download", "slots",        "plan",
-                                     "report",  "trend",    "old_database", "recording",
-                                     "problem", "sweep",    "scan_table",   "identification"};
+constexpr const char* kPurposes[] = {
+    "log",       "download", "slots", "plan",       "report",         "trend", "old_database",
+    "recording", "problem",  "sweep", "scan_table", "identification", "sites"};
 
 QString directory_key(FilePurpose purpose) {
     return kDirectory + u'_' + QLatin1String(kPurposes[static_cast<std::size_t>(purpose)]);

@@ -29,6 +29,7 @@ enum class FilePurpose {
     sweep,
     scan_table,
     identification,
+    sites,
 };
 
 /// What the program remembers from one run to the next for the user's comfort: window places, the

@@ -113,6 +113,12 @@ std::vector<QUuid> SiteConnection::failed_visits() {
                    [](const db::Query& row) { return id_in(row, 0); });
 }
 
+std::vector<VisitDate> SiteConnection::visit_dates() {
+    return rows_of(statements_.dates_of_visits.run(database()), [](const db::Query& row) {
+        return VisitDate{id_in(row, 0), id_in(row, 1), instant_in(row, 2)};
+    });
+}
+
 void SiteConnection::each_word(
     const std::function<void(const QUuid& site, const QString& words)>& take) {
     db::Query& query = statements_.words_of_visits.run(database());

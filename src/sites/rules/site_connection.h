@@ -26,6 +26,7 @@ class SiteConnection {
                                               const measurement::SeriesKey& program);
     std::vector<SiteLine> site_lines();
     std::vector<QUuid> failed_visits();
+    std::vector<VisitDate> visit_dates();
     void each_word(const std::function<void(const QUuid& site, const QString& words)>& take);
 
     void store(const Site& site);

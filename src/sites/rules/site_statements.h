@@ -69,6 +69,9 @@ struct SiteStatements {
     db::KeptQuery failed_visits{
         "SELECT uuid FROM (SELECT DISTINCT visit FROM measurements WHERE verdict = 2) "
         "JOIN visits ON visits.id = visit"};
+    db::KeptQuery dates_of_visits{
+        "SELECT visits.uuid, sites.uuid, begun_utc, begun_offset FROM visits "
+        "JOIN sites ON sites.id = visits.site"};
     db::KeptQuery words_of_visits{
         "SELECT sites.uuid, group_concat(DISTINCT technician), group_concat(DISTINCT plan), "
         "group_concat(DISTINCT visits.remarks) FROM visits "

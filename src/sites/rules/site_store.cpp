@@ -72,6 +72,10 @@ std::vector<QUuid> SiteStore::failed_visits() const {
     return told([this] { return connection_->failed_visits(); });
 }
 
+std::vector<VisitDate> SiteStore::visit_dates() const {
+    return told([this] { return connection_->visit_dates(); });
+}
+
 std::vector<VisitMeasurement> SiteStore::over_visits(const QUuid& site,
                                                      const measurement::SeriesKey& program) const {
     return told([&] { return connection_->over_visits(site, program); });

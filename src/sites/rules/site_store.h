@@ -24,6 +24,13 @@ struct SiteLine {
     std::optional<Instant> last{};  ///< the begin of the latest visit
 };
 
+/// When a visit was, and where.
+struct VisitDate {
+    QUuid visit;
+    QUuid site;
+    Instant begun{};
+};
+
 /// The file of sites, visits and measurements. It is made at the first store; what is only looked
 /// at makes no file: look whether there is one before open(). What cannot be read or written is a
 /// StoreFault, and leaves the file as it was. One object a file and process: another one would take
@@ -53,6 +60,8 @@ class SiteStore {
     std::vector<SiteLine> site_lines() const;
     /// The visits in which a measurement failed its limits.
     std::vector<QUuid> failed_visits() const;
+    /// All visits of all sites, in no order.
+    std::vector<VisitDate> visit_dates() const;
     /// Hands over the technicians, plans and remarks of the visits at each site, each once.
     void each_word(const std::function<void(const QUuid& site, const QString& words)>& take) const;
 

@@ -39,12 +39,6 @@ bool received(const std::optional<VisitMeasurement>& one) {
                                       [](const Reading& reading) { return reading.measured(); });
 }
 
-double threshold_of(Quantity quantity, const Thresholds& thresholds) {
-    if (measurement::is_error_rate(quantity)) return thresholds.ber;
-    if (quantity == Quantity::cn) return thresholds.cn;
-    return quantity == Quantity::mer ? thresholds.mer : thresholds.level;
-}
-
 /// What the meter measures of a carrier is another thing analog and digital.
 bool alike(Quantity quantity, const Measurement& one, const Measurement& other) {
     if (quantity != Quantity::level && quantity != Quantity::cn) return true;
@@ -205,6 +199,12 @@ bool is_worse(const ProgramComparison& one, const ProgramComparison& other) {
 }
 
 }  // namespace
+
+double threshold_of(Quantity quantity, const Thresholds& thresholds) {
+    if (measurement::is_error_rate(quantity)) return thresholds.ber;
+    if (quantity == Quantity::cn) return thresholds.cn;
+    return quantity == Quantity::mer ? thresholds.mer : thresholds.level;
+}
 
 const std::optional<Change>& ProgramComparison::change(Quantity quantity) const {
     static const std::optional<Change> kNone;

@@ -22,6 +22,9 @@ struct Thresholds {
     double ber = 1;    ///< decades, of both bit error rates
 };
 
+/// Of `quantity`.
+double threshold_of(measurement::Quantity quantity, const Thresholds& thresholds);
+
 /// What became of a program between two visits.
 enum class Meaning : std::uint8_t {
     lost,          ///< received then, asked again and no reading now

@@ -81,15 +81,19 @@ std::vector<ProgramComparison> worse_since_first(const SiteHistory& history, dou
     return worse;
 }
 
+std::vector<GotWorse> worst_first(std::vector<GotWorse> worse) {
+    std::ranges::stable_sort(worse, [](const GotWorse& one, const GotWorse& other) {
+        return is_worse_fallen(one.program, other.program);
+    });
+    return worse;
+}
+
 std::vector<GotWorse> what_got_worse(const std::vector<SiteHistory>& sites, double decibels) {
     std::vector<GotWorse> worse;
     for (const SiteHistory& history : sites)
         for (ProgramComparison& program : worse_since_first(history, decibels))
             worse.push_back({history.site, std::move(program)});
-    std::ranges::stable_sort(worse, [](const GotWorse& one, const GotWorse& other) {
-        return is_worse_fallen(one.program, other.program);
-    });
-    return worse;
+    return worst_first(std::move(worse));
 }
 
 }  // namespace m47::sites

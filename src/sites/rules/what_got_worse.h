@@ -33,6 +33,9 @@ std::vector<SiteHistory> histories_of(const SiteStore& store);
 /// first and the last only those are read in which a program that one of these lacks may stand.
 std::vector<ProgramComparison> worse_since_first(const SiteHistory& history, double decibels);
 
+/// `worse` in another order, the worst first: what is lost, then by how far it fell.
+std::vector<GotWorse> worst_first(std::vector<GotWorse> worse);
+
 /// That of all sites, the worst first: what is lost, then by how far it fell.
 std::vector<GotWorse> what_got_worse(const std::vector<SiteHistory>& sites, double decibels);
 

@@ -2,6 +2,7 @@
 #include "trend_panel.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace m47::trend {
 namespace {
@@ -24,7 +25,6 @@ void set_up_time_axis(QCPAxis* axis) {
     const QSharedPointer<QCPAxisTickerDateTime> ticker(new QCPAxisTickerDateTime);
     // The times are those of the rows as they stand; nothing is shifted by a time zone.
     ticker->setDateTimeSpec(Qt::UTC);
-    ticker->setDateTimeFormat(QStringLiteral("HH:mm:ss\ndd/MM/yy"));
     ticker->setTickCount(5);
     axis->setTicker(ticker);
 }
@@ -61,6 +61,8 @@ TrendPanel::TrendPanel(QCustomPlot* plot, measurement::Quantity quantity)
     }
     below_ = add_band();
     above_ = add_band();
+    lower_line_ = add_limit_line();
+    upper_line_ = add_limit_line();
     failed_ = add_graph();
     failed_->setLineStyle(QCPGraph::lsNone);
     failed_->setLayer(QStringLiteral("overlay"));
@@ -89,6 +91,19 @@ QCPItemRect* TrendPanel::add_band() {
     return band;
 }
 
+QCPItemStraightLine* TrendPanel::add_limit_line() {
+    auto* line = new QCPItemStraightLine(plot_);
+    line->setClipAxisRect(rect_);
+    line->setSelectable(false);
+    line->setVisible(false);
+    for (QCPItemPosition* end : line->positions()) {
+        end->setAxes(time_axis(), value_axis());
+        end->setAxisRect(rect_);
+        end->setTypeX(QCPItemPosition::ptAxisRectRatio);
+    }
+    return line;
+}
+
 void TrendPanel::set_colours(const TrendColours& colours, const QFont& font) {
     colours_ = colours;
     // The last time on the axis reaches half its width beyond it.
@@ -107,6 +122,8 @@ void TrendPanel::set_colours(const TrendColours& colours, const QFont& font) {
     }
     below_->setBrush(colours.band);
     above_->setBrush(colours.band);
+    for (QCPItemStraightLine* line : {lower_line_, upper_line_})
+        line->setPen(QPen(colours.failed, 1, Qt::DashLine));
     failed_->setScatterStyle(
         {QCPScatterStyle::ssCross, QPen(colours.failed, 1.6), Qt::NoBrush, kFailedSize});
     legend_->set_font(font);
@@ -189,8 +206,12 @@ void TrendPanel::draw_curve(const Drawn& drawn, const TrendSamples& samples, con
 
 void TrendPanel::show_limits(const std::optional<TrendRange>& limits) {
     limits_ = limits;
-    below_->setVisible(limits.has_value());
-    above_->setVisible(limits.has_value());
+    const bool lower = limits && std::isfinite(limits->lower);
+    const bool upper = limits && std::isfinite(limits->upper);
+    below_->setVisible(lower);
+    lower_line_->setVisible(lower);
+    above_->setVisible(upper);
+    upper_line_->setVisible(upper);
     if (!limits) return;
     // From the limit to the edge of the chart, wherever that is.
     below_->topLeft->setTypeY(QCPItemPosition::ptPlotCoords);
@@ -201,6 +222,21 @@ void TrendPanel::show_limits(const std::optional<TrendRange>& limits) {
     above_->topLeft->setCoords(0, 0);
     above_->bottomRight->setTypeY(QCPItemPosition::ptPlotCoords);
     above_->bottomRight->setCoords(1, limits->upper);
+    place_limit_line(lower_line_, limits->lower);
+    place_limit_line(upper_line_, limits->upper);
+}
+
+void TrendPanel::place_limit_line(QCPItemStraightLine* line, double value) {
+    line->point1->setCoords(0, value);
+    line->point2->setCoords(1, value);
+}
+
+void TrendPanel::show_span(double seconds) {
+    constexpr double kDays = 4 * 24 * 3600.0;
+    const auto ticker = time_axis()->ticker().dynamicCast<QCPAxisTickerDateTime>();
+    if (!ticker) return;
+    ticker->setDateTimeFormat(seconds > kDays ? QStringLiteral("dd/MM/yy")
+                                              : QStringLiteral("HH:mm:ss\ndd/MM/yy"));
 }
 
 }  // namespace m47::trend

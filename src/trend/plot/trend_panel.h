@@ -42,7 +42,11 @@ class TrendPanel {
     /// What the legend calls `series`.
     QString name_of(const TrendSeries& series) const;
 
+    /// A line at each limit, and a band beyond it.
     void show_limits(const std::optional<TrendRange>& limits);
+
+    /// What the time axis is written in suits a stretch of so many seconds.
+    void show_span(double seconds);
 
     /// Keeps the value axis as the user has just set it; release_values() lets it follow what is in
     /// sight again.
@@ -56,6 +60,8 @@ class TrendPanel {
     };
     QCPGraph* add_graph();
     QCPItemRect* add_band();
+    QCPItemStraightLine* add_limit_line();
+    static void place_limit_line(QCPItemStraightLine* line, double value);
     void draw_failed(const std::vector<TrendSpot>& failed);
     void draw_curve(const Drawn& drawn, const TrendSamples& samples, const QColor& colour);
 
@@ -67,6 +73,8 @@ class TrendPanel {
     QCPGraph* failed_;
     QCPItemRect* below_;
     QCPItemRect* above_;
+    QCPItemStraightLine* lower_line_;
+    QCPItemStraightLine* upper_line_;
     std::optional<TrendRange> limits_;
     TrendColours colours_;
     bool held_ = false;

@@ -141,8 +141,10 @@ void TrendPlot::reset_zoom() {
 
 void TrendPlot::show_window() {
     const QScopedValueRollback moving(moving_, true);
-    for (const auto& panel : panels_)
+    for (const auto& panel : panels_) {
+        panel->show_span(window_.shown().span());
         panel->time_axis()->setRange(window_.shown().lower, window_.shown().upper);
+    }
     replot(rpQueuedReplot);
 }
 

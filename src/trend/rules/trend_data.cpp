@@ -26,6 +26,11 @@ void TrendData::update(const measurement::PageStore& page) {
     for (const auto& series : series_) series->settle();
 }
 
+void TrendData::add(std::span<const measurement::Measurement> more) {
+    for (const measurement::Measurement& one : more) take(one);
+    for (const auto& series : series_) series->settle();
+}
+
 void TrendData::take(const measurement::Measurement& measurement) {
     if (!measurement.instant || !measurement.frequency) return;
     const bool first = series_.empty();
@@ -46,7 +51,7 @@ std::size_t TrendData::series_of(const measurement::SeriesKey& key) {
         if (guess < series_.size() && series_[guess]->key() == key) return latest_series_ = guess;
     const auto [place, is_new] = places_.try_emplace(key, series_.size());
     if (is_new) {
-        series_.push_back(std::make_unique<TrendSeries>(key));
+        series_.push_back(std::make_unique<TrendSeries>(key, joined_));
         last_rows_.push_back(0);
     }
     return latest_series_ = place->second;

@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <unordered_map>
 #include <vector>
 
@@ -21,7 +22,8 @@ struct TrendRange {
     double span() const { return upper - lower; }
 };
 
-/// The limits between which a quantity is good, where it has any now.
+/// The limits between which a quantity is good, where it has any now; a side without one is
+/// infinite.
 using TrendLimits = std::function<std::optional<TrendRange>(measurement::Quantity)>;
 
 /// The measurements of the page as one series a program of a plan; of those without a plan, and of
@@ -29,14 +31,19 @@ using TrendLimits = std::function<std::optional<TrendRange>(measurement::Quantit
 class TrendData {
   public:
     /// Rows that do not tell their unit are in `unit`.
-    explicit TrendData(std::optional<LevelUnit> unit = {}) : unit_(unit) {}
+    /// With `joined` no pause breaks a line: visits lie as far apart as they do.
+    explicit TrendData(std::optional<LevelUnit> unit = {}, bool joined = false)
+        : unit_(unit), joined_(joined) {}
 
     /// Takes what `page` has gained since the last call; O(1) a row. Rows without a date and time,
     /// or without a frequency, have no place on the trend and are left out.
     void update(const measurement::PageStore& page);
 
+    /// Takes `more` behind what it has.
+    void add(std::span<const measurement::Measurement> more);
+
     /// Forgets everything: the page begins anew.
-    void clear() { *this = TrendData(unit_); }
+    void clear() { *this = TrendData(unit_, joined_); }
 
     bool empty() const { return series_.empty(); }
 
@@ -55,6 +62,7 @@ class TrendData {
     bool left_out(std::size_t series);
 
     std::optional<LevelUnit> unit_;
+    bool joined_;
     int rows_taken_ = 0;
     std::vector<std::unique_ptr<TrendSeries>> series_;
     std::unordered_map<measurement::SeriesKey, std::size_t, measurement::SeriesKeyHash> places_;

@@ -33,10 +33,12 @@ TrendRange at_least(TrendRange range, double span) {
     return {range.lower - missing, range.upper + missing};
 }
 
-TrendRange with_limits(TrendRange range, const TrendRange& limits) {
+TrendRange with_limits(TrendRange range, const TrendRange& limits, const Scale& scale) {
     const double longest = kMostPressed * range.span();
     const TrendRange alone = range;
-    for (const double limit : {limits.lower, limits.upper}) {
+    for (const double value : {limits.lower, limits.upper}) {
+        if (!std::isfinite(value)) continue;
+        const double limit = scale.from(value);
         if (alone.upper - limit > longest || limit - alone.lower > longest) continue;
         range.lower = std::min(range.lower, limit);
         range.upper = std::max(range.upper, limit);
@@ -52,7 +54,7 @@ TrendRange value_axis(measurement::Quantity quantity, const std::optional<TrendR
     TrendRange range = scale.nothing_in_sight;
     if (values)
         range = at_least({scale.from(values->lower), scale.from(values->upper)}, scale.least_span);
-    if (limits) range = with_limits(range, {scale.from(limits->lower), scale.from(limits->upper)});
+    if (limits) range = with_limits(range, *limits, scale);
     const double room = kRoom * range.span();
     return {scale.to(range.lower - room), scale.to(range.upper + room)};
 }

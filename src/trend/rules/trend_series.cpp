@@ -62,7 +62,8 @@ void TrendSeries::count_spacing(double seconds) {
 }
 
 double TrendSeries::longest_spacing() const {
-    if (spacings_counted_ < kFewestSpacings) return std::numeric_limits<double>::infinity();
+    if (joined_ || spacings_counted_ < kFewestSpacings)
+        return std::numeric_limits<double>::infinity();
     // The bound above the median stands for what is usual: one to two times the median.
     std::size_t below = 0;
     double bound = 1;

@@ -13,7 +13,9 @@ namespace m47::trend {
 /// The rows of one program in the order of their time.
 class TrendSeries {
   public:
-    explicit TrendSeries(measurement::SeriesKey key) : key_(std::move(key)) {}
+    /// With `joined` no pause breaks its line.
+    explicit TrendSeries(measurement::SeriesKey key, bool joined = false)
+        : key_(std::move(key)), joined_(joined) {}
 
     /// What the measurements of the series have in common.
     const measurement::SeriesKey& key() const { return key_; }
@@ -49,7 +51,8 @@ class TrendSeries {
     }
 
     /// The longest time between two rows, in seconds, that is no pause: over four times the usual
-    /// spacing of the rows. Without limit until there are enough of them to tell what is usual.
+    /// spacing of the rows. Without limit where all is joined, and until there are enough of them
+    /// to tell what is usual.
     double longest_spacing() const;
 
   private:
@@ -64,6 +67,7 @@ class TrendSeries {
     void count_spacing(double seconds);
 
     measurement::SeriesKey key_;
+    bool joined_;
     TrendPoints points_;
     std::vector<TrendBlock> blocks_;
     std::size_t settled_ = 0;

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "visit_words.h"
+
+#include <QDateTime>
+#include <QStringList>
+
+namespace m47::sites {
+namespace {
+
+constexpr Bilingual kStillOpen{"not ended", "non conclusa"};
+constexpr int kLongestStem = 40;
+
+QDateTime wall_time(double seconds) {
+    constexpr int kThousand = 1000;
+    return QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(seconds * kThousand), Qt::UTC);
+}
+
+QString joined(QStringList facts) {
+    for (QString& each : facts) each = each.simplified();
+    facts.removeAll(QString());
+    return facts.join(QStringLiteral(" · "));
+}
+
+}  // namespace
+
+QString visit_time(const Visit& visit) {
+    return wall_time(visit.begun.wall()).toString(QStringLiteral("yyyy-MM-dd HH:mm"));
+}
+
+QDate day_of(const Instant& instant) {
+    return wall_time(instant.wall()).date();
+}
+
+double midnight_of(const QDate& day) {
+    return static_cast<double>(day.startOfDay(Qt::UTC).toSecsSinceEpoch());
+}
+
+QString visit_facts(const Visit& visit, const Texts& texts) {
+    return joined({visit.ended ? QString() : texts.pick(kStillOpen), visit.technician, visit.plan,
+                   visit.instrument, visit.logo, visit.remarks});
+}
+
+QString site_facts(const Site& site) {
+    return joined({site.customer, site.address, site.remarks});
+}
+
+QString file_stem(const Site& site, const QString& what) {
+    QString stem;
+    for (const QChar each : site.name.simplified().left(kLongestStem))
+        stem += each.isLetterOrNumber() ? each : QChar(u'-');
+    return stem.isEmpty() ? what : stem + u'-' + what;
+}
+
+}  // namespace m47::sites
