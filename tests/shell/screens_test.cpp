@@ -37,7 +37,7 @@ void ScreensTest::main_window_is_as_technicians_know_it() {
     const auto* later = find<QToolBar>("barrastrumenti");
     QStringList later_keys;
     for (const QAction* key : later->actions()) later_keys += key->objectName();
-    QCOMPARE(later_keys, QStringList({"band_sweep", "cmdidentify"}));
+    QCOMPARE(later_keys, QStringList({"band_sweep", "sites", "cmdidentify"}));
     QCOMPARE(later->y(), find<QToolBar>("barracomandi")->y());
     QVERIFY(find<QMenu>("cmdscreens")->actions().contains(later->actions().first()));
     QVERIFY(find<QMenu>("cmdmenu")->actions().contains(later->actions().last()));
