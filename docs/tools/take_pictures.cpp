@@ -18,6 +18,7 @@
 #include <QTableWidget>
 #include <QTest>
 #include <QTimer>
+#include <QTreeView>
 #include <algorithm>
 #include <utility>
 
@@ -26,6 +27,7 @@
 #include "process_support.h"
 #include "program.h"
 #include "realtime.h"
+#include "sample_year.h"
 
 namespace m47 {
 namespace {
@@ -83,6 +85,7 @@ class Pictures {
         meter_ = std::make_unique<MeterProcess>(
             work_.path(), QStringList{"--baud-factor", "0", "--delay", "0"} + sky);
         state_.base_dir = folder_with_separator(work_.path());
+        state_.sites_file = state_.base_dir + QLatin1String(sites::kSitesFile);
         const QString path = state_.base_dir + QLatin1String(db::kDatabaseFile);
         db::DatabaseError error{};
         if (!db::Database::create(path, error)) qFatal("no database");
@@ -108,6 +111,7 @@ class Pictures {
         plan_run();
         logger();
         sweep();
+        sites();
         satellites();
         open("configurazione");
         click_action("logo");
@@ -187,6 +191,7 @@ class Pictures {
     void plan_run();
     void logger();
     void sweep();
+    void sites();
     void satellites();
     void lost();
     void identify(const std::function<void(QDialog*)>& act);
@@ -352,6 +357,23 @@ void Pictures::sweep() {
     QTest::mouseClick(chart, Qt::RightButton, {}, {chart->width() / 2, chart->height() * 3 / 4});
     click("band_start");
     save("sweep", screen_->parentWidget());
+    program_->window().resize(kWindow);
+}
+
+void Pictures::sites() {
+    sites::fill_year(*program_->sites().open());
+    open("sites");
+    program_->window().resize(kSweepWindow);
+    screen_->parentWidget()->resize(kSweepScreen);
+    auto* tree = find<QTreeView>("sites_tree");
+    const QModelIndex site = tree->model()->index(0, 0);
+    tree->expand(site);
+    tree->setCurrentIndex(tree->model()->index(0, 0, site));
+    find<QTabWidget>("sites_views")->setCurrentIndex(1);
+    auto* with = find<QComboBox>("sites_with");
+    with->setCurrentIndex(1);
+    Q_EMIT with->activated(1);
+    save("sites", screen_->parentWidget());
     program_->window().resize(kWindow);
 }
 

@@ -9,6 +9,7 @@
 #include <QStyleFactory>
 #include <QTabWidget>
 #include <QToolBar>
+#include <QTreeView>
 #include <cmath>
 
 #include "about_box.h"
@@ -26,6 +27,7 @@
 #include "program_in_folder.h"
 #include "realtime.h"
 #include "sample_dialogs.h"
+#include "sample_year.h"
 #include "screen_table.h"
 #include "start_page.h"
 
@@ -138,6 +140,7 @@ class LayoutTest : public QObject, protected ProgramInFolder {
                     {"recorded",
                      [this](Screen*) { program().recording().start(in_folder("line.trace")); }}};
         if (key == "band_sweep") return sweep_states();
+        if (key == "sites") return sites_states();
         if (key != "realtime") return {{"as it opens"}};
         const auto press = [](const char* name) {
             return [name](Screen* screen) { screen->findChild<QAction*>(name)->trigger(); };
@@ -158,6 +161,30 @@ class LayoutTest : public QObject, protected ProgramInFolder {
             {"plan", press("group")},
             {"analog again", press("analogico")},
         };
+    }
+    QList<State> sites_states() {
+        const auto view = [this](int page) {
+            return [this, page](Screen* screen) { turn_page(screen, "sites_views", page); };
+        };
+        const auto filled = [this](Screen* screen) {
+            sites::fill_year(*program().sites().open());
+            program().sites().changed();
+            auto* tree = find<QTreeView>("sites_tree", screen);
+            tree->setCurrentIndex(tree->model()->index(0, 0));
+            tree->expandAll();
+        };
+        const auto looked_through = [this, view](Screen* screen) {
+            view(3)(screen);
+            find<QPushButton>("sites_look", screen)->click();
+            QTRY_VERIFY(find<QTableView>("sites_worse", screen)->model()->rowCount() > 0);
+        };
+        return {{"without a file"},
+                {"measurements", filled},
+                {"compared", view(1)},
+                {"with readings",
+                 [this](Screen* screen) { find<QCheckBox>("sites_readings", screen)->click(); }},
+                {"chart", view(2)},
+                {"got worse", looked_through}};
     }
     /// A meter under carriers 30 MHz wide, one each 60 MHz of the intermediate band.
     void start_under_carriers(const QSize& size) {

@@ -12,6 +12,7 @@
 #include "report_form.h"
 #include "restore_preview.h"
 #include "sample_programs.h"
+#include "site_dialog.h"
 #include "verify_dialog.h"
 
 namespace m47::shell {
@@ -211,6 +212,13 @@ QMap<QString, MakeDialog> sample_dialogs(ProgramState& state,
         dialog.show_end(outcome);
     });
     add_identification(made, state, line);
+    made["site"] = [&texts](QWidget* parent) {
+        const sites::Site site{.id = QUuid::createUuid(),
+                               .name = QString("Condominio Rossi ").repeated(12),
+                               .address = "Via Roma 7",
+                               .remarks = QString("chiavi dal portiere\n").repeated(9)};
+        return new sites::SiteDialog(site, false, texts, parent);
+    };
     made["old database"] = [&texts](QWidget* parent) {
         return new olddb::ReportDialog("M47", QString("Line of the report\n").repeated(60), texts,
                                        parent);

@@ -269,13 +269,13 @@ class ComparisonTest : public QObject {
         Site site{.id = QUuid::createUuid(), .name = QStringLiteral("Via\tRoma\n7")};
         const auto worse = worse_table({{site, compare_visits({then}, {now})[0]}}, texts(kItalian));
         QCOMPARE(QString::fromUtf8(worse.tsv()),
-                 QStringLiteral("Sito\tProgramma\tSignificato\tLivello differenza\tMER differenza\t"
+                 QStringLiteral("Sito\tProgramma\tSignificato\tLivello diff.\tMER diff.\t"
                                 "Dal\tAl\nVia Roma 7\tASTRA 001 · 11778.0 / 10600\tpeggiore\t-4.3\t"
                                 "-3.9\t2001-09-09 02:46:40\t2001-09-09 02:46:40\n"));
         const auto rows = rows_table({then, now}, {}, texts());
         QCOMPARE(rows.rows[1].join(u'|'),
-                 QStringLiteral("2001-09-09 02:46:40|ASTRA 001|11778.0|10600|dBuV|54.0|–|8.1|–|"
-                                "–|–|–||1.1|–|MER > 7"));
+                 QStringLiteral("2001-09-09 02:46:40|ASTRA 001|11778.0|10600||dBuV|54.0|–|8.1|–|"
+                                "–|–|–|1.1|–|MER > 7"));
         for (const ShownTable& each : {table, worse, rows})
             for (const QStringList& row : each.rows) QCOMPARE(row.size(), each.heading.size());
     }

@@ -3,8 +3,11 @@
 #include <QCheckBox>
 #include <QDateEdit>
 #include <QDoubleSpinBox>
+#include <QFileDialog>
 #include <QHeaderView>
 #include <QPlainTextEdit>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QStackedWidget>
 #include <QStyleFactory>
 #include <QTabWidget>
@@ -76,7 +79,8 @@ class SitesScreenTest : public QObject, protected ProgramInFolder {
         const QAbstractItemModel* model = control<SiteTableView>(table)->model();
         QStringList cells;
         for (int k = 0; k < model->columnCount(); ++k)
-            if (model->headerData(k, Qt::Horizontal).toString() == QString::fromUtf8(heading))
+            if (model->headerData(k, Qt::Horizontal).toString().trimmed() ==
+                QString::fromUtf8(heading))
                 for (int row = 0; row < model->rowCount(); ++row)
                     cells += model->index(row, k).data().toString();
         return cells;
@@ -84,7 +88,8 @@ class SitesScreenTest : public QObject, protected ProgramInFolder {
     void click_heading(const char* table, const char* heading) {
         auto* view = control<SiteTableView>(table);
         for (int k = 0; k < view->model()->columnCount(); ++k) {
-            if (view->model()->headerData(k, Qt::Horizontal).toString() != heading) continue;
+            if (view->model()->headerData(k, Qt::Horizontal).toString().trimmed() != heading)
+                continue;
             view->scrollTo(view->model()->index(0, k));
             const auto* header = view->horizontalHeader();
             QTest::mouseClick(header->viewport(), Qt::LeftButton, {},
@@ -130,6 +135,320 @@ class SitesScreenTest : public QObject, protected ProgramInFolder {
             QVERIFY2(!told().isEmpty(), key);
         }
         QVERIFY(!QFile::exists(sites_in(folder())));
+    }
+
+    void sites_are_found_as_one_types() {
+        start_with_year();
+        QCOMPARE(shown_sites(), QStringList({"Condominio Rossi", "Hotel Miramare", "Scuola Verdi",
+                                             "Villa Bianchi"}));
+        QCOMPARE(control<QLabel>("sites_found")->text(), QString("Sites: 4, visits: 9"));
+        QTest::keyClick(window().windowHandle(), Qt::Key_F, Qt::ControlModifier);
+        QVERIFY(control<QLineEdit>("sites_search")->hasFocus());
+        QTest::keyClicks(control<QLineEdit>("sites_search"), "bianchi");
+        QCOMPARE(shown_sites(), QStringList({"Condominio Rossi", "Villa Bianchi"}));
+        QTest::keyClicks(control<QLineEdit>("sites_search"), " COLLI");
+        QCOMPARE(shown_sites(), QStringList({"Villa Bianchi"}));
+        QTest::keyClicks(control<QLineEdit>("sites_search"), "x");
+        QCOMPARE(shown_sites(), QStringList());
+        QCOMPARE(control<QLabel>("sites_found")->text(), QString("Sites: 0, visits: 0"));
+    }
+
+    void dates_and_verdicts_leave_what_is_wanted() {
+        start_with_year();
+        auto* verdict = control<QComboBox>("sites_verdict");
+        verdict->setCurrentIndex(1);
+        Q_EMIT verdict->activated(1);
+        QCOMPARE(shown_sites(), QStringList({"Condominio Rossi"}));
+        choose(0);
+        QCOMPARE(tree()->model()->rowCount(tree()->model()->index(0, 0)), 1);
+        QCOMPARE(tree()->model()->index(0, 1, tree()->model()->index(0, 0)).data().toString(),
+                 QString("FAIL"));
+        verdict->setCurrentIndex(2);
+        Q_EMIT verdict->activated(2);
+        QCOMPARE(control<QLabel>("sites_found")->text(), QString("Sites: 3, visits: 8"));
+        verdict->setCurrentIndex(0);
+        Q_EMIT verdict->activated(0);
+        // Proposed is the year up to the latest visit.
+        QCOMPARE(control<QDateEdit>("sites_to")->date(), QDate(2026, 11, 21));
+        click("sites_dates");
+        control<QDateEdit>("sites_from")->setDate(QDate(2026, 2, 21));
+        control<QDateEdit>("sites_to")->setDate(QDate(2026, 2, 21));
+        QCOMPARE(shown_sites(), QStringList({"Condominio Rossi", "Scuola Verdi"}));
+        QCOMPARE(control<QLabel>("sites_found")->text(), QString("Sites: 2, visits: 2"));
+        click("sites_dates");
+        QCOMPARE(shown_sites().size(), 4);
+    }
+
+    void a_visit_is_shown_and_sorted_by_number() {
+        start_with_year();
+        choose(0);
+        QVERIFY(control<QLabel>("sites_title")
+                    ->text()
+                    .startsWith("Condominio Rossi, visit of 2026-11-21 09:30"));
+        QCOMPARE(column("sites_rows", "Verdict"),
+                 QStringList({"FAIL", "PASS", "FAIL", "PASS", "PASS", "PASS", "PASS", "PASS"}));
+        QCOMPARE(column("sites_rows", "Limits").value(0), QString("Level 45–80, MER > 9.5"));
+        // What is out of its limits is red, what is within them is not.
+        const QAbstractItemModel* model = control<SiteTableView>("sites_rows")->model();
+        const auto tone = [&](int row, const char* heading) {
+            for (int k = 0; k < model->columnCount(); ++k)
+                if (model->headerData(k, Qt::Horizontal).toString().trimmed() == heading)
+                    return static_cast<Tone>(model->index(row, k).data(kToneRole).toInt());
+            return Tone::plain;
+        };
+        QCOMPARE(tone(0, "MER"), Tone::bad);
+        QCOMPARE(tone(0, "Level"), Tone::plain);
+        QCOMPARE(tone(0, "Alarm margin"), Tone::bad);
+        QCOMPARE(tone(1, "Verdict"), Tone::good);
+        // 8.8 before 11.2, which texts would turn round; what has none stands last.
+        click_heading("sites_rows", "MER");
+        QStringList mer = column("sites_rows", "MER");
+        QCOMPARE(mer.mid(0, 2), QStringList({"8.8", "11.2"}));
+        QCOMPARE(mer.last(), QString("–"));
+        click_heading("sites_rows", "MER");
+        mer = column("sites_rows", "MER");
+        QCOMPARE(mer.first(), QString("13.1"));
+        QCOMPARE(mer.last(), QString("–"));
+        // 5.0E-4 is worse than 3.2E-5.
+        click_heading("sites_rows", "BER");
+        click_heading("sites_rows", "BER");
+        QCOMPARE(column("sites_rows", "BER").mid(0, 2), QStringList({"5.0E-4", "3.2E-5"}));
+        // Another visit comes in the same order.
+        choose(0, 4);
+        QVERIFY(control<QLabel>("sites_title")->text().contains("2025-11-22"));
+        QCOMPARE(control<SiteTableView>("sites_rows")->horizontalHeader()->sortIndicatorOrder(),
+                 Qt::DescendingOrder);
+    }
+
+    void a_visit_is_compared_with_the_last_the_first_and_any() {
+        start_with_year();
+        choose(0);
+        turn_to("view_compare");
+        auto* with = control<QComboBox>("sites_with");
+        QCOMPARE(with->currentText(), QString("The visit before: 2026-08-22 09:30"));
+        QCOMPARE(control<QLabel>("sites_summary")->text(),
+                 QString("From 2026-08-22 09:30 to 2026-11-21 09:30: lost: 1, worse: 1, same: 6."));
+        with->setCurrentIndex(1);
+        Q_EMIT with->activated(1);
+        QCOMPARE(with->currentText(), QString("The first visit: 2025-11-22 09:30"));
+        QCOMPARE(column("sites_compared", "Meaning").mid(0, 4),
+                 QStringList({"lost", "worse", "worse", "same"}));
+        QCOMPARE(column("sites_compared", "MER change").mid(0, 3),
+                 QStringList({"–", "-4.6", "-2.2"}));
+        QCOMPARE(column("sites_compared", "BER change").value(1), QString("+2.4"));
+        QCOMPARE(column("sites_compared", "Alarm margin").value(1), QString("-0.7"));
+        auto* table = control<SiteTableView>("sites_compared");
+        QVERIFY(table->isColumnHidden(2));
+        click("sites_readings");
+        QVERIFY(!table->isColumnHidden(2));
+        QCOMPARE(column("sites_compared", "MER before").value(1), QString("13.4"));
+        // An older visit keeps the choice; against a later one the older stays "before".
+        choose(0, 4);
+        QVERIFY(with->currentText().startsWith("2026-"));
+        QCOMPARE(column("sites_compared", "MER now").value(1), QString("8.8"));
+        // A site with one visit says so.
+        choose(2);
+        QVERIFY(control<QLabel>("sites_summary")->text().startsWith("There is no other visit"));
+        QCOMPARE(table->model()->rowCount(), 0);
+    }
+
+    void a_double_click_charts_the_program_over_all_visits() {
+        start_with_year();
+        choose(0);
+        turn_to("view_compare");
+        double_click("sites_compared", 1);
+        QCOMPARE(control<QTabWidget>("sites_views")->currentWidget()->objectName(),
+                 QString("view_chart"));
+        QVERIFY(control<QComboBox>("sites_program")->currentText().startsWith("ROSSI 001"));
+        QCOMPARE(control<VisitChartView>("sites_chart")->visits(), kYearVisits);
+        turn_to("view_rows");
+        control<SiteTableView>("sites_rows")
+            ->setCurrentIndex(control<SiteTableView>("sites_rows")->model()->index(4, 0));
+        QTest::keyClick(control<SiteTableView>("sites_rows"), Qt::Key_Return);
+        QVERIFY(control<QComboBox>("sites_program")->currentText().startsWith("ROSSI 005"));
+        choose(2);
+        QCOMPARE(control<VisitChartView>("sites_chart")->visits(), 1);
+        choose(3);
+        QCOMPARE(control<VisitChartView>("sites_chart")->visits(), 0);
+    }
+
+    void what_got_worse_leads_to_the_comparison() {
+        start_with_year();
+        // It is found at all sites, whatever the list shows.
+        QTest::keyClicks(control<QLineEdit>("sites_search"), "miramare");
+        look_through_all();
+        QCOMPARE(control<QLabel>("sites_worse_state")->text(),
+                 QString("Programs that got worse: 3"));
+        QCOMPARE(column("sites_worse", "Meaning"), QStringList({"lost", "worse", "worse"}));
+        QCOMPARE(column("sites_worse", "MER change"), QStringList({"–", "-4.6", "-2.2"}));
+        control<QDoubleSpinBox>("sites_by")->setValue(4);
+        look_through_all();
+        QCOMPARE(column("sites_worse", "MER change"), QStringList({"–", "-4.6"}));
+        double_click("sites_worse", 1);
+        QCOMPARE(control<QTabWidget>("sites_views")->currentWidget()->objectName(),
+                 QString("view_compare"));
+        QCOMPARE(control<QLabel>("sites_title")->text(),
+                 QString("Condominio Rossi, visit of 2026-11-21 09:30"));
+        QVERIFY(control<QLabel>("sites_summary")->text().startsWith("From 2025-11-22 09:30"));
+        // The search would have hidden it.
+        QCOMPARE(control<QLineEdit>("sites_search")->text(), QString());
+        QCOMPARE(tree()->currentIndex().data().toString(), QString("2026-11-21 09:30"));
+    }
+
+    void a_table_is_saved_as_it_is_shown() {
+        start_with_year();
+        choose(0);
+        turn_to("view_compare");
+        click_heading("sites_compared", "Program");
+        boxes_->answer([](QDialog* box) {
+            QCOMPARE(qobject_cast<QFileDialog*>(box)->selectedFiles().value(0).section(u'/', -1),
+                     QString("Condominio-Rossi-compared-20261121.tsv"));
+            QTest::keyClick(box, Qt::Key_Escape);
+        });
+        QTest::keyClick(window().windowHandle(), Qt::Key_S, Qt::ControlModifier);
+        screen_->save(in_folder("compared.tsv"));
+        QFile file(in_folder("compared.tsv"));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QList<QByteArray> lines = file.readAll().split('\n');
+        QCOMPARE(lines.size(), kYearPrograms + 2);
+        QVERIFY2(lines[0].startsWith("Program\tMeaning\tLevel change\tC/N change\tMER change"),
+                 lines[0].constData());
+        QVERIFY(lines[1].startsWith("ROSSI 001"));
+        QVERIFY(lines[8].startsWith("ROSSI 008"));
+        boxes_->press(QMessageBox::Ok);
+        screen_->save(in_folder("no/such/folder.tsv"));
+        QVERIFY(boxes_->take_seen().last().contains("The table was not saved as"));
+    }
+
+    void a_site_is_made_edited_and_removed_after_a_question() {
+        start_program(QSize(1100, 720));
+        open();
+        const auto fill = [](const char* name) {
+            return [name](QDialog* box) {
+                auto* line = box->findChild<QLineEdit*>("site_name");
+                line->selectAll();
+                QTest::keyClicks(line, name);
+                box->findChild<QPlainTextEdit*>("site_remarks")->setPlainText("keys: porter");
+                QTest::keyClick(line, Qt::Key_Return);
+            };
+        };
+        boxes_->answer(fill("Scuola Verdi"));
+        click("sites_new");
+        QVERIFY(at_work());
+        QCOMPARE(shown_sites(), QStringList({"Scuola Verdi"}));
+        QCOMPARE(control<QLabel>("sites_title")->text(), QString("Scuola Verdi, no visit"));
+        boxes_->answer(fill("Scuola Bruni"));
+        click("sites_edit");
+        QCOMPARE(shown_sites(), QStringList({"Scuola Bruni"}));
+        QCOMPARE(control<QLabel>("sites_facts")->text(), QString("keys: porter"));
+        boxes_->take_seen();
+        boxes_->answer(fill("scuola bruni"));
+        boxes_->press(QMessageBox::Ok);
+        click("sites_new");
+        QVERIFY(boxes_->take_seen().last().contains("There is a site of this name already"));
+        boxes_->press(QMessageBox::No);
+        click("sites_remove");
+        QCOMPARE(shown_sites().size(), 1);
+        boxes_->press(QMessageBox::Yes);
+        click("sites_remove");
+        QVERIFY2(boxes_->take_seen().last().contains("Remove the site Scuola Bruni?"),
+                 "no question");
+        QVERIFY(!at_work());
+    }
+
+    void a_visit_goes_with_its_measurements_and_the_site_stays() {
+        start_with_year();
+        choose(0, 0);
+        program().sites().running = screen_->visit()->id;
+        click("sites_remove");
+        QCOMPARE(told(), QString("This visit is being recorded: end it first."));
+        QVERIFY(boxes_->take_seen().isEmpty());
+        program().sites().running = {};
+        QString goes;
+        boxes_->answer([&](QDialog* box) {
+            goes = qobject_cast<QMessageBox*>(box)->informativeText();
+            QTest::mouseClick(qobject_cast<QMessageBox*>(box)->button(QMessageBox::Yes),
+                              Qt::LeftButton);
+        });
+        click("sites_remove");
+        QVERIFY2(goes.contains("(8)"), qPrintable(goes));
+        QCOMPARE(control<QLabel>("sites_found")->text(), QString("Sites: 4, visits: 8"));
+    }
+
+    void what_another_program_writes_is_shown() {
+        start_with_year();
+        choose(1);
+        const QUuid hotel = screen_->site()->id;
+        // Another process has a connection of its own.
+        const auto elsewhere = [this](const QString& statement) {
+            QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", "elsewhere");
+            other.setDatabaseName(sites_in(folder()));
+            QVERIFY(other.open());
+            QSqlQuery query(other);
+            QVERIFY(query.exec("PRAGMA foreign_keys = ON"));
+            QVERIFY2(query.exec(statement), "refused");
+        };
+        const auto done = [] { QSqlDatabase::removeDatabase("elsewhere"); };
+        QTest::qWait(5);
+        elsewhere("UPDATE sites SET name = 'Hotel Roma' WHERE name = 'Hotel Miramare'");
+        done();
+        QTRY_COMPARE(shown_sites().value(1), QString("Hotel Roma"));
+        QCOMPARE(screen_->site()->id, hotel);
+        QVERIFY(control<QLabel>("sites_title")->text().startsWith("Hotel Roma"));
+        QTest::qWait(5);
+        elsewhere("DELETE FROM sites WHERE name = 'Hotel Roma'");
+        done();
+        QTRY_COMPARE(shown_sites().size(), 3);
+        QCOMPARE(told(), QString("What was shown has been removed by another program."));
+        QCOMPARE(control<QLabel>("sites_title")->text(), QString("No site is chosen"));
+    }
+
+    void a_file_that_cannot_be_used_is_told_and_left_alone_data() {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::newRow("foreign") << QByteArray("no database at all");
+        QTest::newRow("damaged") << QByteArray();
+        QTest::newRow("newer") << QByteArray("newer");
+    }
+    void a_file_that_cannot_be_used_is_told_and_left_alone() {
+        QFETCH(QByteArray, bytes);
+        {
+            const auto store = opened_sites(folder());
+            fill_year(*store);
+        }
+        QFile file(sites_in(folder()));
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QByteArray whole = file.readAll();
+        const QByteArray sound = whole;
+        constexpr int kVersionAt = 60;
+        if (bytes == "newer") {
+            whole[kVersionAt + 3] = 99;
+        } else if (bytes.isEmpty()) {
+            whole.truncate(whole.size() / 2);
+        } else {
+            whole = bytes;
+        }
+        file.resize(0);
+        file.seek(0);
+        file.write(whole);
+        file.close();
+        start_program(QSize(1100, 720));
+        open();
+        QVERIFY(!at_work());
+        QVERIFY2(note().contains("sites.sqlite") && note().endsWith("F5 reads the file again."),
+                 qPrintable(note()));
+        QVERIFY(boxes_->take_seen().isEmpty());
+        click("sites_edit");
+        QVERIFY(!told().isEmpty());
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QCOMPARE(file.readAll(), whole);
+        // What can be used again is shown again.
+        file.resize(0);
+        file.seek(0);
+        file.write(sound);
+        file.close();
+        QTest::keyClick(window().windowHandle(), Qt::Key_F5);
+        QVERIFY(at_work());
+        QCOMPARE(shown_sites().size(), 4);
     }
 
     void pictures() {

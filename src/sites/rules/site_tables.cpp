@@ -22,9 +22,9 @@ constexpr Bilingual kTableUnit{"Unit", "Unità"};
 constexpr Bilingual kTableLimits{"Limits", "Limiti"};
 constexpr Bilingual kTableBefore{"%1 before", "%1 prima"};
 constexpr Bilingual kTableNow{"%1 now", "%1 ora"};
-constexpr Bilingual kTableChange{"%1 change", "%1 differenza"};
-constexpr Bilingual kTableAlarm{"Margin to alarm, dB", "Margine sull'allarme, dB"};
-constexpr Bilingual kTableFree{"Margin to QEF, dB", "Margine sul QEF, dB"};
+constexpr Bilingual kTableChange{"%1 change", "%1 diff."};
+constexpr Bilingual kTableAlarm{"Alarm margin", "Margine allarme"};
+constexpr Bilingual kTableFree{"QEF margin", "Margine QEF"};
 constexpr Bilingual kTableMeaning{"Meaning", "Significato"};
 constexpr Bilingual kTableSince{"Since", "Dal"};
 constexpr Bilingual kTableUntil{"Until", "Al"};
@@ -263,6 +263,8 @@ std::unique_ptr<SiteTable> table_of_rows(std::vector<VisitMeasurement> rows, Cod
              return {measurement::series_key(row.measurement).oscillator_text(),
                      mhz ? static_cast<double>(*mhz) : 0};
          }},
+        {called(kTableVerdict),
+         [](const Row& row, const Texts&) { return verdict_cell(row.measurement); }, false},
         {called(kTableUnit),
          [](const Row& row, const Texts&) -> TableCell {
              return {measurement::unit_text(row.measurement.unit)};
@@ -274,9 +276,6 @@ std::unique_ptr<SiteTable> table_of_rows(std::vector<VisitMeasurement> rows, Cod
              [quantity](const Row& row, const Texts&) {
                  return reading_cell(quantity, row.measurement);
              }});
-    columns.push_back({called(kTableVerdict),
-                       [](const Row& row, const Texts&) { return verdict_cell(row.measurement); },
-                       false});
     add_margins(columns, code_rate, [](const Row& row) { return &row; });
     columns.push_back({called(kTableLimits),
                        [](const Row& row, const Texts& texts) -> TableCell {

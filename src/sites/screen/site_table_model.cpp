@@ -58,7 +58,9 @@ QVariant SiteTableModel::data(const QModelIndex& index, int role) const {
 
 QVariant SiteTableModel::headerData(int section, Qt::Orientation orientation, int role) const {
     if (orientation != Qt::Horizontal) return {};
-    if (role == Qt::DisplayRole || role == Qt::ToolTipRole) return heading_.value(section);
+    if (role == Qt::ToolTipRole) return heading_.value(section);
+    // As much room as its cells have.
+    if (role == Qt::DisplayRole) return QChar::Nbsp + heading_.value(section) + QChar::Nbsp;
     if (role == Qt::TextAlignmentRole && table_)
         return static_cast<int>(Qt::AlignVCenter |
                                 (table_->is_number(section) ? Qt::AlignRight : Qt::AlignLeft));

@@ -19,6 +19,7 @@ class SiteTableModel : public QAbstractTableModel {
     void show(std::unique_ptr<SiteTable> table, const Texts& texts);
     /// Which row of the table the row `shown` is.
     int table_row(int shown) const { return order_[static_cast<std::size_t>(shown)]; }
+    const QStringList& heading() const { return heading_; }
     bool is_detail(int column) const { return table_ && table_->is_detail(column); }
 
     int rowCount(const QModelIndex& parent = {}) const override;

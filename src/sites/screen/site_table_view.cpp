@@ -69,7 +69,7 @@ ShownTable SiteTableView::shown() const {
             columns += column;
     ShownTable shown;
     for (const int column : columns)
-        shown.heading += model_->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString();
+        shown.heading += model_->heading()[column];
     for (int row = 0; row < model_->rowCount(); ++row) {
         QStringList cells;
         for (const int column : columns)

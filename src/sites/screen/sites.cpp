@@ -30,7 +30,7 @@ constexpr int kTreeShare = 1;
 constexpr int kViewShare = 3;
 /// The file is looked at for what others have written to it so often, in ms.
 constexpr int kLookEvery = 2000;
-/// Ticked for the first time, the dates span so many days before the latest visit.
+/// The dates proposed span so many days before the latest visit.
 constexpr int kUsualDays = 365;
 
 constexpr Bilingual kNoSites{
@@ -109,6 +109,7 @@ void Sites::set_up_looks() {
     header->setSectionResizeMode(1, QHeaderView::ResizeToContents);
     ui_->sites_work->setStretchFactor(0, kTreeShare);
     ui_->sites_work->setStretchFactor(1, kViewShare);
+    ui_->sites_by->setSuffix(QStringLiteral(" dB"));
     for (QComboBox* list : {ui_->sites_with, ui_->sites_program})
         list->setSizeAdjustPolicy(QComboBox::AdjustToContents);
     for (QDateEdit* day : {ui_->sites_from, ui_->sites_to}) day->setEnabled(false);
@@ -144,10 +145,10 @@ void Sites::connect_lists() {
          "sites_tree_Click", [this] { choose(ui_->sites_tree->currentIndex()); });
     when(ui_->sites_search, &QLineEdit::textChanged, "sites_search_KeyPress",
          [this] { show_list(); });
-    when(ui_->sites_dates, &QCheckBox::clicked, "sites_dates_Click", [this] {
-        set_dates();
-        show_list();
+    connect(ui_->sites_dates, &QCheckBox::toggled, this, [this](bool ticked) {
+        for (QDateEdit* day : {ui_->sites_from, ui_->sites_to}) day->setEnabled(ticked);
     });
+    when(ui_->sites_dates, &QCheckBox::clicked, "sites_dates_Click", [this] { show_list(); });
     for (QDateEdit* day : {ui_->sites_from, ui_->sites_to})
         when(day, &QDateEdit::dateChanged, "sites_day_KeyPress", [this] { show_list(); });
     when(ui_->sites_verdict, &QComboBox::activated, "sites_verdict_Click", [this] { show_list(); });
@@ -215,6 +216,7 @@ void Sites::read_file() {
     list_ = std::make_unique<SiteList>(*store_);
     if (list_->empty()) return show_note(program_.texts.pick(kNoSites));
     ui_->sites_pages->setCurrentWidget(ui_->sites_work);
+    propose_dates();
     keep_choice();
     show_list();
 }
@@ -259,22 +261,18 @@ SitesWanted Sites::wanted() const {
     return wanted;
 }
 
-/// The first time, the year up to the latest visit.
-void Sites::set_dates() {
-    const bool ticked = ui_->sites_dates->isChecked();
-    const bool first = !ui_->sites_from->property("set").toBool();
-    for (QDateEdit* day : {ui_->sites_from, ui_->sites_to}) day->setEnabled(ticked);
-    if (!ticked || !first || !list_) return;
+/// Once there are visits, the year up to the latest one is proposed.
+void Sites::propose_dates() {
+    if (dates_proposed_) return;
     std::optional<Instant> last;
     for (const SiteLine& line : list_->sites({}))
         if (line.last && (!last || line.last->utc > last->utc)) last = line.last;
     if (!last) return;
-    const QDate day = day_of(*last);
     const QSignalBlocker from(ui_->sites_from);
     const QSignalBlocker to(ui_->sites_to);
-    ui_->sites_from->setDate(day.addDays(-kUsualDays));
-    ui_->sites_to->setDate(day);
-    ui_->sites_from->setProperty("set", true);
+    ui_->sites_from->setDate(day_of(*last).addDays(-kUsualDays));
+    ui_->sites_to->setDate(day_of(*last));
+    dates_proposed_ = true;
 }
 
 void Sites::show_list() {
@@ -317,7 +315,6 @@ void Sites::show_all() {
     ui_->sites_search->clear();
     ui_->sites_dates->setChecked(false);
     ui_->sites_verdict->setCurrentIndex(0);
-    set_dates();
 }
 
 void Sites::show_visit(const QUuid& site, const QUuid& visit) {

@@ -70,7 +70,7 @@ class Sites : public Screen {
     void look_at_file();
     void file_failed(const StoreError& error);
     SitesWanted wanted() const;
-    void set_dates();
+    void propose_dates();
     void show_all();
     QString file_signature() const;
     // What the keys do.
@@ -110,6 +110,7 @@ class Sites : public Screen {
     std::unique_ptr<SiteList> list_;
     std::optional<Site> site_;
     std::optional<Visit> visit_;
+    bool dates_proposed_ = false;
     bool site_itself_ = false;  ///< not one of its visits is chosen
     std::vector<VisitMeasurement> rows_;
     std::vector<Visit> others_;  ///< at the site, in the order of their list

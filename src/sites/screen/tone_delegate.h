@@ -26,6 +26,8 @@ class ToneDelegate : public QStyledItemDelegate {
   protected:
     void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
         QStyledItemDelegate::initStyleOption(option, index);
+        // Room between a number and the text beside it.
+        option->text = QChar::Nbsp + option->text + QChar::Nbsp;
         const auto tone = static_cast<Tone>(index.data(kToneRole).toInt());
         const QColor ground = option->palette.color(QPalette::Base);
         if (tone != Tone::plain)
