@@ -25,6 +25,8 @@ namespace {
 constexpr int kSitesColumns = 150;
 constexpr int kSitesLines = 34;
 constexpr int kTreeColumns = 38;
+/// Some styles leave the text of a spin box so many pixels less than its line.
+constexpr int kForText = 4;
 /// The share of the width that is the tree's.
 constexpr int kTreeShare = 1;
 constexpr int kViewShare = 3;
@@ -110,9 +112,15 @@ void Sites::set_up_looks() {
     ui_->sites_work->setStretchFactor(0, kTreeShare);
     ui_->sites_work->setStretchFactor(1, kViewShare);
     ui_->sites_by->setSuffix(QStringLiteral(" dB"));
-    for (QComboBox* list : {ui_->sites_with, ui_->sites_program})
+    ui_->sites_by->setMinimumHeight(ui_->sites_by->sizeHint().height() + kForText);
+    for (QComboBox* list : {ui_->sites_with, ui_->sites_program}) {
         list->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-    for (QDateEdit* day : {ui_->sites_from, ui_->sites_to}) day->setEnabled(false);
+        list->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
+    }
+    for (QDateEdit* day : {ui_->sites_from, ui_->sites_to}) {
+        day->setEnabled(false);
+        day->setMinimumHeight(day->sizeHint().height() + kForText);
+    }
     for (std::size_t k = 0; k < std::size(kVerdicts); ++k) ui_->sites_verdict->addItem(QString());
     ui_->sites_pages->setCurrentWidget(ui_->sites_nothing);
 }

@@ -15,6 +15,9 @@ constexpr Bilingual kNoVisitChart{"No chart: %1 is missing or damaged.",
 constexpr Bilingual kNothingDrawn{"Nothing was measured of it.", "Non è stato misurato nulla."};
 constexpr Bilingual kVisitChart{"The program over all visits", "Il programma in tutte le visite"};
 
+/// The room that a chart needs beside the name in its legend, in characters: axis, curve, figures.
+constexpr int kBesideName = 50;
+
 }  // namespace
 
 VisitChartView::VisitChartView(QWidget* parent) : QStackedWidget(parent), nothing_(new QLabel) {
@@ -53,6 +56,10 @@ void VisitChartView::show_rows(const std::vector<VisitMeasurement>& rows, const 
     if (data_.empty() || !make_chart(texts)) return;
     chart_->widget()->setAccessibleName(texts.pick(kVisitChart));
     chart_->name_panels();
+    int name = 0;
+    for (const auto& series : data_.series())
+        name = std::max(name, fontMetrics().horizontalAdvance(series->name()));
+    setMinimumWidth(name + fontMetrics().averageCharWidth() * kBesideName);
     choose();
     chart_->rows_replaced();
     setCurrentWidget(chart_->widget());
