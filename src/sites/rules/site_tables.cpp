@@ -188,7 +188,8 @@ void add_quantity(std::vector<TableColumn<ProgramComparison>>& columns, Quantity
     columns.push_back({called(kTableChange, quantity),
                        [quantity, thresholds](const ProgramComparison& program, const Texts&) {
                            return change_cell(quantity, program, thresholds);
-                       }});
+                       },
+                       true, quantity == Quantity::pvber});
 }
 
 }  // namespace

@@ -133,25 +133,43 @@ void judge(ProgramComparison& program, const Thresholds& thresholds) {
         program.meaning = program.later ? Meaning::incomparable : Meaning::unasked;
 }
 
+/// Those of `visit` that count, where they are. A measurement is large: it is not copied for each
+/// repetition of its program.
+std::vector<const VisitMeasurement*> last_of_each(const std::vector<VisitMeasurement>& visit) {
+    std::vector<const VisitMeasurement*> last;
+    Places places;
+    for (const VisitMeasurement& one : visit) {
+        const auto [place, is_new] = places.try_emplace(program_key(one), last.size());
+        if (is_new)
+            last.push_back(&one);
+        else
+            last[place->second] = &one;
+    }
+    return last;
+}
+
 /// Puts the later measurements beside the earlier ones.
 class Pairing {
   public:
     std::vector<ProgramComparison> rows;
 
-    explicit Pairing(const std::vector<VisitMeasurement>& earlier) {
-        for (const VisitMeasurement& one : earlier) {
-            places_.emplace(program_key(one), rows.size());
-            rows.push_back({.key = program_key(one), .earlier = one});
+    explicit Pairing(const std::vector<const VisitMeasurement*>& earlier) {
+        rows.reserve(earlier.size());
+        for (const VisitMeasurement* one : earlier) {
+            SeriesKey key = program_key(*one);
+            places_.try_emplace(key, rows.size());
+            rows.push_back({.key = std::move(key), .earlier = *one});
         }
     }
 
-    void take(const std::vector<VisitMeasurement>& later) {
-        for (const VisitMeasurement& one : later) {
-            const auto met = places_.find(program_key(one));
+    void take(const std::vector<const VisitMeasurement*>& later) {
+        for (const VisitMeasurement* one : later) {
+            SeriesKey key = program_key(*one);
+            const auto met = places_.find(key);
             if (met != places_.end())
-                rows[met->second].later = one;
+                rows[met->second].later = *one;
             else
-                rows.push_back({.key = program_key(one), .later = one});
+                rows.push_back({.key = std::move(key), .later = *one});
         }
         join_by_tuning();
     }
@@ -198,6 +216,21 @@ bool is_worse(const ProgramComparison& one, const ProgramComparison& other) {
     return one.badness > other.badness;
 }
 
+/// Each is moved once, as it is large.
+std::vector<ProgramComparison> by_badness(std::vector<ProgramComparison> rows) {
+    std::vector<ProgramComparison*> order;
+    order.reserve(rows.size());
+    for (ProgramComparison& row : rows) order.push_back(&row);
+    std::ranges::stable_sort(order,
+                             [](const ProgramComparison* one, const ProgramComparison* other) {
+                                 return is_worse(*one, *other);
+                             });
+    std::vector<ProgramComparison> sorted;
+    sorted.reserve(rows.size());
+    for (ProgramComparison* row : order) sorted.push_back(std::move(*row));
+    return sorted;
+}
+
 }  // namespace
 
 double threshold_of(Quantity quantity, const Thresholds& thresholds) {
@@ -230,25 +263,17 @@ SeriesKey program_key(const VisitMeasurement& one) {
 
 std::vector<VisitMeasurement> counting(const std::vector<VisitMeasurement>& visit) {
     std::vector<VisitMeasurement> last;
-    Places places;
-    for (const VisitMeasurement& one : visit) {
-        const auto [place, is_new] = places.emplace(program_key(one), last.size());
-        if (is_new)
-            last.push_back(one);
-        else
-            last[place->second] = one;
-    }
+    for (const VisitMeasurement* one : last_of_each(visit)) last.push_back(*one);
     return last;
 }
 
 std::vector<ProgramComparison> compare_visits(const std::vector<VisitMeasurement>& earlier,
                                               const std::vector<VisitMeasurement>& later,
                                               const Thresholds& thresholds) {
-    Pairing pairing(counting(earlier));
-    pairing.take(counting(later));
+    Pairing pairing(last_of_each(earlier));
+    pairing.take(last_of_each(later));
     for (ProgramComparison& program : pairing.rows) judge(program, thresholds);
-    std::ranges::stable_sort(pairing.rows, is_worse);
-    return std::move(pairing.rows);
+    return by_badness(std::move(pairing.rows));
 }
 
 std::optional<double> fall_of(const ProgramComparison& compared) {
