@@ -133,17 +133,29 @@ void judge(ProgramComparison& program, const Thresholds& thresholds) {
         program.meaning = program.later ? Meaning::incomparable : Meaning::unasked;
 }
 
+/// As their program_key() says, without making any.
+bool same_program(const Measurement& one, const Measurement& other) {
+    if (!(one.program == other.program)) return false;
+    return one.program.known() ||
+           (one.frequency == other.frequency && one.oscillator == other.oscillator);
+}
+
 /// Those of `visit` that count, where they are. A measurement is large: it is not copied for each
 /// repetition of its program.
 std::vector<const VisitMeasurement*> last_of_each(const std::vector<VisitMeasurement>& visit) {
     std::vector<const VisitMeasurement*> last;
     Places places;
+    std::size_t expected = 0;
     for (const VisitMeasurement& one : visit) {
-        const auto [place, is_new] = places.try_emplace(program_key(one), last.size());
-        if (is_new)
-            last.push_back(&one);
-        else
-            last[place->second] = &one;
+        // A pass goes through its programs in the order of the pass before.
+        if (expected >= last.size() ||
+            !same_program(last[expected]->measurement, one.measurement)) {
+            const auto [place, is_new] = places.try_emplace(program_key(one), last.size());
+            if (is_new) last.push_back(nullptr);
+            expected = place->second;
+        }
+        last[expected] = &one;
+        expected = (expected + 1) % last.size();
     }
     return last;
 }
