@@ -21,6 +21,8 @@ class ClaimFile {
     /// True when the claim at `path` is ours; else it cannot be made there, or holder() has it.
     bool take(const QString& path);
     void release();
+    /// Lets go of the claim, but leaves its file, as the end of the process would.
+    void leave();
 
     /// Who has the claim that take() was refused last; nothing when it was not.
     const std::optional<RunningProcess>& holder() const { return holder_; }

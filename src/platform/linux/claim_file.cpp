@@ -80,6 +80,11 @@ void ClaimFile::release() {
     ::close(std::exchange(file_, -1));
 }
 
+void ClaimFile::leave() {
+    holder_.reset();
+    if (file_ >= 0) ::close(std::exchange(file_, -1));
+}
+
 /// The number of a pseudo-terminal is given to the next one as soon as it is gone, while whoever
 /// worked on the old one may not have noticed yet; when it was made tells the two apart.
 std::optional<QString> name_of_device(const QString& path) {

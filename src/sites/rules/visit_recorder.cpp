@@ -19,6 +19,10 @@ constexpr Bilingual kMissing{"of the visit, %1 of %2 rows are missing in the fil
                              "della visita mancano %1 righe su %2 nel file dei siti '%3'"};
 constexpr Bilingual kVisitGone{"The visit is no longer in the file of sites.",
                                "La visita non è più nel file dei siti."};
+constexpr Bilingual kVisitKept{
+    "Another window or run of this program keeps this visit: end it there first.",
+    "Un'altra finestra o un altro ciclo di questo programma tiene questa visita: terminarla prima "
+    "lì."};
 
 /// An id that grows with `moment`, ms since 1970, so that rows are added at the end of the file.
 QUuid id_at(std::int64_t moment) {
@@ -48,7 +52,13 @@ Instant instant_of(const QDateTime& moment) {
     return {static_cast<double>(moment.toMSecsSinceEpoch()) / kSecond, moment.offsetFromUtc()};
 }
 
-VisitRecorder::~VisitRecorder() = default;
+VisitRecorder::VisitRecorder(SiteStore& store)
+    : store_(store), claim_(store.connection().databaseName()) {}
+
+/// What was not ended can be gone on with.
+VisitRecorder::~VisitRecorder() {
+    if (running_) claim_.leave();
+}
 
 void VisitRecorder::start(const Visit& visit) {
     visit_ = visit;
@@ -61,32 +71,73 @@ void VisitRecorder::start(const Visit& visit) {
 }
 
 void VisitRecorder::begin(const QString& site, const VisitFacts& facts, const QDateTime& now) {
-    Visit visit{.id = QUuid::createUuid(),
-                .site = {},
-                .begun = instant_of(now),
-                .technician = facts.technician,
-                .instrument = facts.instrument,
-                .logo = facts.logo,
-                .plan = facts.plan,
-                .remarks = facts.remarks};
-    store_.together([&] {
-        std::optional<Site> place = site_named(store_, site);
-        if (!place) {
-            place = Site{.id = QUuid::createUuid(), .name = site.simplified()};
-            store_.store(*place);
-        }
-        visit.site = place->id;
-        store_.store(visit);
-    });
+    begin(site_named(store_, site)
+              .value_or(Site{.id = QUuid::createUuid(), .name = site.simplified()}),
+          facts, now);
+}
+
+void VisitRecorder::begin(const Site& site, const VisitFacts& facts, const QDateTime& now) {
+    const Visit visit{.id = QUuid::createUuid(),
+                      .site = site.id,
+                      .begun = instant_of(now),
+                      .technician = facts.technician,
+                      .instrument = facts.instrument,
+                      .logo = facts.logo,
+                      .plan = facts.plan,
+                      .remarks = facts.remarks};
+    // Nobody else can know of it yet.
+    claim_.take(visit.id);
+    try {
+        store_.together([&] {
+            const std::vector<Site> known = store_.sites();
+            if (std::ranges::find(known, site.id, &Site::id) == known.end()) store_.store(site);
+            store_.store(visit);
+        });
+    } catch (const StoreFault&) {
+        claim_.release();
+        throw;
+    }
     start(visit);
 }
 
 void VisitRecorder::resume(const QUuid& visit) {
     std::optional<Visit> found = store_.visit(visit);
     if (!found) throw Fault(kVisitGone);
+    if (!claim_.take(visit)) throw Fault(kVisitKept);
     found->ended.reset();
-    store_.store(*found);
+    try {
+        store_.store(*found);
+    } catch (const StoreFault&) {
+        claim_.leave();
+        throw;
+    }
     start(*found);
+}
+
+void VisitRecorder::tell(const VisitFacts& facts) {
+    if (!visit_) return;
+    visit_->technician = facts.technician;
+    visit_->instrument = facts.instrument;
+    visit_->logo = facts.logo;
+    visit_->plan = facts.plan;
+    visit_->remarks = facts.remarks;
+}
+
+VisitFacts VisitRecorder::facts() const {
+    if (!visit_) return {};
+    return {visit_->technician, visit_->instrument, visit_->logo, visit_->plan, visit_->remarks};
+}
+
+void VisitRecorder::try_again() {
+    if (running_) store_waiting();
+}
+
+void VisitRecorder::leave() {
+    if (!running_) return;
+    if (fails_) be_patient(kPatience);
+    store_waiting();
+    running_ = false;
+    claim_.leave();
 }
 
 QUuid VisitRecorder::next_id(double utc) {
@@ -153,15 +204,18 @@ void VisitRecorder::be_patient(int milliseconds) {
     }
 }
 
-void VisitRecorder::end(const QDateTime& now) {
+void VisitRecorder::end(const Instant& now) {
     if (!running_) return;
     running_ = false;
-    visit_->ended = instant_of(now);
+    visit_->ended = now;
     // The last chance of what waits is worth some time.
     if (fails_) be_patient(kPatience);
     store_waiting();
-    if (!trapped([this] { store_.store(*visit_); })) visit_->ended.reset();
+    const bool ended = trapped([this] { store_.store(*visit_); });
     if (fails_) be_patient(kPatience);
+    if (ended) return claim_.release();
+    visit_->ended.reset();
+    claim_.leave();
 }
 
 std::optional<Said> VisitRecorder::missing_text() const {

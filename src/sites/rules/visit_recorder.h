@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "site_store.h"
+#include "visit_claim.h"
 
 namespace m47::sites {
 
@@ -35,7 +36,7 @@ class VisitRecorder {
     static constexpr std::size_t kMostWaiting = 10'000;
 
     /// `store` has to outlive the recorder.
-    explicit VisitRecorder(SiteStore& store) : store_(store) {}
+    explicit VisitRecorder(SiteStore& store);
     ~VisitRecorder();
     VisitRecorder(const VisitRecorder&) = delete;
     VisitRecorder& operator=(const VisitRecorder&) = delete;
@@ -46,17 +47,32 @@ class VisitRecorder {
     /// Begins a visit at the site called `site`, which is made where there is none of that name. A
     /// StoreFault, and no visit, where it cannot be stored.
     void begin(const QString& site, const VisitFacts& facts, const QDateTime& now);
+    /// The same at `site`, which is stored where it is not in the file.
+    void begin(const Site& site, const VisitFacts& facts, const QDateTime& now);
 
     /// Goes on with `visit`, which was cut off or ended. A StoreFault, and no visit, where it
-    /// cannot be stored; one that is not in the file any more is a Fault.
+    /// cannot be stored; one that is not in the file any more, or that another process keeps, is a
+    /// Fault.
     void resume(const QUuid& visit);
 
     /// Stores `measured`, whose instant is that of a clock `offset` seconds ahead of UTC; nothing
     /// while no visit runs. Never a fault.
     void take(const measurement::Measurement& measured, int offset);
 
+    /// The facts as they are known now; they are stored with the end.
+    void tell(const VisitFacts& facts);
+    VisitFacts facts() const;
+
+    /// Stores what waits, where the file works again. Never a fault.
+    void try_again();
+
+    /// Leaves the visit to be gone on with later. Rows that the file does not take now are lost.
+    /// Never a fault.
+    void leave();
+
     /// Ends the visit, as far as the file takes it; nothing while none runs. Never a fault.
-    void end(const QDateTime& now);
+    void end(const QDateTime& now) { end(instant_of(now)); }
+    void end(const Instant& now);
 
     bool running() const { return running_; }
     /// The visit that runs, or that ran last.
@@ -77,6 +93,7 @@ class VisitRecorder {
     bool trapped(const std::function<void()>& work);
 
     SiteStore& store_;
+    VisitClaim claim_;
     std::optional<Visit> visit_;
     std::deque<VisitMeasurement> waiting_;
     std::size_t at_once_ = 1;       ///< rows that are stored together when the file works again
