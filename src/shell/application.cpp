@@ -144,6 +144,7 @@ void begin_work(Program& program, const unattended::Options& options) {
         program.window().open_screen(options.open);
     });
     program.start_desk().open();
+    program.look_for_visit();
 }
 
 int run_windows(Program& program, const unattended::Options& options) {

@@ -40,6 +40,10 @@ constexpr Bilingual kIdentifyWord{"Identify", "Identifica"};
 constexpr Tooltip kMenuTips[] = {
     {"cmdidentify", "Find out which satellite the dish looks at",
      "Scopre quale satellite guarda l'antenna"},
+    {"cmdendvisit", "End the visit; remarks can be added",
+     "Termina la visita; si può aggiungere una nota"},
+    {"cmdimportlog", "Make visits to a site of an existing log",
+     "Ricava da un log esistente le visite a un sito"},
     {"cmdimportdb", "Bring plans and satellites from an old database",
      "Importa piani e satelliti da un vecchio database"},
     {"cmdtrace", "Write down all that goes over the line, for whoever looks for a fault",
@@ -58,6 +62,8 @@ constexpr Caption kMenuCaptions[] = {
     {"cmdscreens", {"&Screens", "&Schermate"}},
     {"cmdreconnect", {"&Reconnect", "&Ricollega"}},
     {"cmdidentify", {"I&dentify satellite…", "I&dentifica satellite…"}},
+    {"cmdendvisit", {"&End visit…", "T&ermina visita…"}},
+    {"cmdimportlog", {"Import lo&g…", "Imp&orta log…"}},
     {"cmdimportdb", {"&Import old database…", "&Importa un vecchio database…"}},
     {"cmdtrace", {"Re&cord the line…", "Regis&tra la linea…"}},
     {"cmdreplay", {"Ope&n recording…", "Apri re&gistrazione…"}},
@@ -119,6 +125,9 @@ M47MDI::M47MDI(ProgramState& program, QWidget* parent)
 void M47MDI::connect_entries() {
     connect(ui_->cmdreconnect, &QAction::triggered, this, &M47MDI::reconnect_asked);
     connect(ui_->cmdidentify, &QAction::triggered, this, &M47MDI::identify_asked);
+    connect(ui_->cmdvisit, &QAction::triggered, this, &M47MDI::visit_asked);
+    connect(ui_->cmdendvisit, &QAction::triggered, this, &M47MDI::end_visit_asked);
+    connect(ui_->cmdimportlog, &QAction::triggered, this, &M47MDI::import_log_asked);
     connect(ui_->cmdimportdb, &QAction::triggered, this, &M47MDI::import_asked);
     connect(ui_->cmdtrace, &QAction::triggered, this, &M47MDI::trace_asked);
     connect(ui_->cmdreplay, &QAction::triggered, this, &M47MDI::replay_asked);
@@ -289,6 +298,7 @@ void M47MDI::closeEvent(QCloseEvent* event) {
         Screen* screen = screen_of(key);
         if (screen && !screen->may_be_left()) return event->ignore();
     }
+    if (may_close && !may_close()) return event->ignore();
     QMainWindow::closeEvent(event);
     if (event->isAccepted()) keep_places();
 }
@@ -380,8 +390,9 @@ void M47MDI::show_texts() {
     toolkit_language_.follow(program_.texts);
     set_tooltips(this, kMenuTips, program_.texts);
     set_captions(this, kMenuCaptions, program_.texts);
-    for (QAction* entry : {ui_->cmdidentify, ui_->cmdimportdb, ui_->cmdtrace, ui_->cmdreplay,
-                           ui_->cmdproblem, ui_->cmdmanual, ui_->cmdabout})
+    for (QAction* entry :
+         {ui_->cmdidentify, ui_->cmdendvisit, ui_->cmdimportlog, ui_->cmdimportdb, ui_->cmdtrace,
+          ui_->cmdreplay, ui_->cmdproblem, ui_->cmdmanual, ui_->cmdabout})
         entry->setStatusTip(entry->toolTip());
     ui_->cmdidentify->setIconText(program_.texts.pick(kIdentifyWord));
     for (const ScreenEntry& screen : screen_table())
@@ -461,6 +472,29 @@ void M47MDI::show_activity(link::Activity& activity) {
         ui_->status_line->insertWidget(1, activity_);
     }
     activity_->show_activity();
+}
+
+void M47MDI::show_visit_entries(const QString& begin, const QString& tip, bool can_begin,
+                                bool can_end) {
+    ui_->cmdvisit->setText(begin);
+    set_tooltip(ui_->cmdvisit, tip);
+    ui_->cmdvisit->setStatusTip(tip);
+    ui_->cmdvisit->setEnabled(can_begin);
+    ui_->cmdendvisit->setEnabled(can_end);
+}
+
+QList<QAction*> M47MDI::visit_entries() const {
+    return {ui_->cmdvisit, ui_->cmdendvisit};
+}
+
+void M47MDI::show_visit(const QString& text, const QString& more, bool pressing) {
+    if (!visit_ && text.isEmpty()) return;
+    if (!visit_) {
+        visit_ = new VisitMark(visit_entries());
+        ui_->status_line->insertPermanentWidget(0, visit_);
+    }
+    visit_->setVisible(!text.isEmpty());
+    visit_->say(text, more, pressing);
 }
 
 void M47MDI::show_recording(const QString& path) {

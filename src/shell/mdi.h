@@ -18,6 +18,7 @@
 #include "screen.h"
 #include "status_panel.h"
 #include "toolkit_language.h"
+#include "visit_mark.h"
 #include "window_fit.h"
 #include "window_menu.h"
 
@@ -85,6 +86,17 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
     /// Shows that the line is recorded into `path`; that it is not where that is empty.
     void show_recording(const QString& path);
 
+    /// What the entry "Begin visit…" is called, and which of the two entries can be chosen.
+    void show_visit_entries(const QString& begin, const QString& tip, bool can_begin, bool can_end);
+    /// Names the visit in the status line, as VisitMark::say; nothing stands there where `text` is
+    /// empty.
+    void show_visit(const QString& text, const QString& more, bool pressing);
+    /// The entries of a visit, for the menu of a screen as well.
+    QList<QAction*> visit_entries() const;
+
+    /// Asked before the window closes, behind the screens; false where the user wants to stay.
+    std::function<bool()> may_close;
+
     /// There is a port whose identification cmdreconnect can run again.
     void allow_reconnect();
 
@@ -107,6 +119,12 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
     void reconnect_asked();
     /// The menu entry and key "I&dentify satellite…".
     void identify_asked();
+    /// The menu entry "Begin &visit…".
+    void visit_asked();
+    /// The menu entry "&End visit…".
+    void end_visit_asked();
+    /// The menu entry "Import lo&g…".
+    void import_log_asked();
     /// The menu entry "&Import old database…".
     void import_asked();
     /// The menu entry "Re&cord the line…".
@@ -155,6 +173,7 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
     QLabel* notice_;
     OtherLanguages* languages_;
     SavedNotice* saved_ = nullptr;      ///< made with the first file
+    VisitMark* visit_ = nullptr;        ///< made with the first visit
     ActivityArea* activity_ = nullptr;  ///< made with the first activity
     StatusPanel* status_;
     CorrectedMenu* corrected_ = nullptr;

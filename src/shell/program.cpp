@@ -78,6 +78,7 @@ Program::Program(ProgramState& state, std::unique_ptr<db::Database> database, li
     : state_(state),
       database_(std::move(database)),
       sites_(state.sites_file),
+      visit_(sites_),
       window_(state),
       connection_(state, std::move(ports), std::move(clock), std::move(port), window_.status(),
                   window_),
@@ -86,7 +87,8 @@ Program::Program(ProgramState& state, std::unique_ptr<db::Database> database, li
       problem_command_(state, connection_, *database_, recording_, window_),
       start_(window_, connection_, state, *database_),
       import_(*database_, link(), state, window_),
-      identify_(state, link(), *database_, window_) {
+      identify_(state, link(), *database_, window_),
+      visit_command_(visit_, sites_, state, link(), window_) {
     // The logger's temporary file has no name yet, and message 0 is composed with that.
     state_.texts.load_messages(state_.temp_file_name);
     tell_faults_in(&state_.texts);
@@ -103,6 +105,7 @@ Program::Program(ProgramState& state, std::unique_ptr<db::Database> database, li
     });
     on(&window_, &M47MDI::identify_asked, &window_, "cmdidentify_Click",
        [this] { identify_.cmdidentify_Click(); });
+    connect_visit();
     on(&window_, &M47MDI::trace_asked, &window_, "cmdtrace_Click",
        [this] { recording_command_.cmdtrace_Click(); });
     on(&window_, &M47MDI::replay_asked, &window_, "cmdreplay_Click",
@@ -150,6 +153,18 @@ void Program::connect_connection() {
     on(&window_, &M47MDI::reconnect_asked, &window_, "cmdreconnect_Click", [this] { reconnect(); });
     QObject::connect(&watch_timer_, &QTimer::timeout, &window_, [this] { watch_device(); });
     watch_timer_.start(kDeviceWatchInterval);
+}
+
+void Program::connect_visit() {
+    on(&window_, &M47MDI::visit_asked, &window_, "cmdvisit_Click",
+       [this] { visit_command_.cmdvisit_Click(); });
+    on(&window_, &M47MDI::end_visit_asked, &window_, "cmdendvisit_Click",
+       [this] { visit_command_.cmdendvisit_Click(); });
+    on(&window_, &M47MDI::import_log_asked, &window_, "cmdimportlog_Click",
+       [this] { visit_command_.cmdimportlog_Click(); });
+    QObject::connect(&window_, &M47MDI::texts_shown, &window_,
+                     [this] { visit_command_.show_texts(); });
+    visit_command_.show_texts();
 }
 
 void Program::connect_activity() {
@@ -219,7 +234,7 @@ void Program::open_manual(const QStringList& folders, const QString& name) {
 }
 
 void Program::add_screens() {
-    const ScreenParts parts{window_, connection_, state_, *database_, start_, sites_};
+    const ScreenParts parts{window_, connection_, state_, *database_, start_, sites_, visit_};
     for (const ScreenEntry& screen : screen_table())
         window_.add_screen(QString::fromLatin1(screen.key),
                            [parts, make = screen.make] { return make(parts); });

@@ -22,6 +22,8 @@
 #include "recording_command.h"
 #include "serial_port.h"
 #include "start_desk.h"
+#include "visit_command.h"
+#include "visit_of_window.h"
 
 namespace m47::shell {
 
@@ -45,12 +47,16 @@ class Program {
     unattended::LineRecording& recording() { return recording_; }
     db::Database& database() { return *database_; }
     sites::OpenSites& sites() { return sites_; }
+    sites::VisitOfWindow& visit() { return visit_; }
     ProgramState& state() { return state_; }
     const ProgramState& state() const { return state_; }
 
     /// How far the work is that goes on, or came before the program was told to end; nothing where
     /// there is none.
     std::optional<Said> left_off() const;
+
+    /// Offers to go on with a visit that was cut off, where there is one.
+    void look_for_visit() { visit_command_.look_for_cut_off(); }
 
     /// Identifies the meter on port `number` (1 to 10), as picking it on the port screen does.
     void identify(int number) { connection_.identify(number); }
@@ -67,6 +73,7 @@ class Program {
     void add_screens();
     void connect_connection();
     void connect_activity();
+    void connect_visit();
     void activity_stop_Click();
     void reconnect();
     void another_device();
@@ -76,6 +83,7 @@ class Program {
     ProgramState& state_;
     std::unique_ptr<db::Database> database_;
     sites::OpenSites sites_;  ///< the screens let go of it first
+    sites::VisitOfWindow visit_;
     M47MDI window_;
     unattended::MeterConnection connection_;
     unattended::LineRecording recording_;
@@ -87,6 +95,7 @@ class Program {
     std::unique_ptr<HelpKey> help_key_;
     ImportCommand import_;
     IdentifyCommand identify_;
+    VisitCommand visit_command_;
 };
 
 }  // namespace m47::shell

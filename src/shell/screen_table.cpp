@@ -34,6 +34,12 @@ Screen* make_realtime(const ScreenParts& parts) {
         parts.connection.link(), parts.state, parts.database));
     M47MDI* window = &parts.window;
     const Texts* texts = &parts.state.texts;
+    screen->add_entries(window->visit_entries());
+    // Nothing is done without a visit.
+    screen->rules.cycle.on_measured = [&visit = parts.visit, &link = parts.connection.link()](
+                                          const measurement::Measurement& measured) {
+        visit.take(measured, link.clock().date_time().offsetFromUtc());
+    };
     QObject::connect(screen, &realtime::Realtime::progress, window, &M47MDI::show_progress);
     // No box: nobody may be there, and the next pass is not to wait for one.
     QObject::connect(screen, &realtime::Realtime::cut_short, window, [=](const QString& reason) {

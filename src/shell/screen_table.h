@@ -9,6 +9,7 @@
 #include "open_sites.h"
 #include "program_state.h"
 #include "screen.h"
+#include "visit_of_window.h"
 
 namespace m47::shell {
 
@@ -22,6 +23,7 @@ struct ScreenParts {
     db::Database& database;
     StartDesk& start;
     sites::OpenSites& sites;
+    sites::VisitOfWindow& visit;
 };
 
 /// The toolbars of the main window: the keys that technicians know, and those that came later.

@@ -12,6 +12,7 @@ const QString kDirectory = QStringLiteral("files/directory");
 const QString kLogs = QStringLiteral("files/logs");
 const QString kScreensAsTabs = QStringLiteral("windows/tabs");
 const QString kToolbarWords = QStringLiteral("windows/words");
+const QString kTechnician = QStringLiteral("letterhead/technician");
 const QString kStartsCorrected = QStringLiteral("behaviour/corrected");
 
 // A window of another size has not been one that a user left.
@@ -141,6 +142,14 @@ std::optional<bool> Preferences::unfolded(const QString& name) const {
 
 void Preferences::keep_unfolded(const QString& name, bool unfolded) const {
     keep(unfolded_key(name), unfolded);
+}
+
+QString Preferences::technician() const {
+    return value(kTechnician).toString();
+}
+
+void Preferences::keep_technician(const QString& name) const {
+    keep(kTechnician, name);
 }
 
 bool Preferences::starts_corrected() const {

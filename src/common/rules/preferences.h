@@ -84,6 +84,10 @@ class Preferences {
     std::optional<bool> unfolded(const QString& name) const;
     void keep_unfolded(const QString& name, bool unfolded) const;
 
+    /// Who measures, as was said last; empty where nobody has said it.
+    QString technician() const;
+    void keep_technician(const QString& name) const;
+
     /// Whether the user wants every corrected behaviour from the start on.
     bool starts_corrected() const;
     void keep_starts_corrected(bool wanted) const;

@@ -54,6 +54,9 @@ struct ProgramState {
 /// What has to stand over a print where a simulated meter may have measured it; else empty.
 QString simulated_mark(const ProgramState& program);
 
+/// What is told of the meter for later: its version, and that it is none where it is none.
+QString meter_text(const ProgramState& program);
+
 /// `folder` with one separator at its end: none is added where it ends in one already (a root).
 QString folder_with_separator(const QString& folder);
 

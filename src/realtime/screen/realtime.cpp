@@ -46,12 +46,6 @@ constexpr Bilingual kRecentEntry{"Recent lo&gs", "Lo&g recenti"};
 constexpr Bilingual kNoRecent{"None", "Nessuno"};
 constexpr Bilingual kLevelEntry{"Full-screen &level", "&Livello a tutto schermo"};
 constexpr Bilingual kReportEntry{"&Report…", "&Rapporto…"};
-constexpr Bilingual kSimulatedMeter{"%1 (simulated, no real measurements)",
-                                    "%1 (simulato, misure non reali)"};
-constexpr Bilingual kReplayedMeter{"%1 (recording %2, not measured now)",
-                                   "%1 (registrazione %2, misure non attuali)"};
-constexpr Bilingual kSimulatedBefore{"%1 (rows of a simulated meter may be among them)",
-                                     "%1 (possono esserci righe di uno strumento simulato)"};
 constexpr Bilingual kReportNotSaved{"The report was not saved as '%1': %2",
                                     "Il rapporto non è stato salvato come '%1': %2"};
 constexpr Bilingual kRunGoesOn{"A run is measuring: stop it first",
@@ -137,16 +131,6 @@ void Realtime::handle(const char* name, const std::function<void()>& body) {
     tell_run();
 }
 
-QString Realtime::meter_of_report() const {
-    if (!program_.simulated_before) return program_.meter_version;
-    const bool replayed = !program_.replayed.isEmpty();
-    const Bilingual& now = replayed ? kReplayedMeter : kSimulatedMeter;
-    const Bilingual& words = program_.simulated_meter ? now : kSimulatedBefore;
-    QStringList values{program_.meter_version};
-    if (program_.simulated_meter && replayed) values += program_.replayed;
-    return Said{words, values}.in(program_.texts);
-}
-
 void Realtime::tell_run() {
     auto run = acquisition.run();
     if (run) run->stop = [this, stop = run->stop] { handle("activity_stop_Click", stop); };
@@ -179,6 +163,15 @@ void Realtime::find_peak_at(const WantedCarrier& carrier) {
 
 bool Realtime::has_motor() const {
     return ui_->diseqc->opened() == dish::DiseqcState::motor;
+}
+
+QString Realtime::plan_in_force() const {
+    return rules.state.acq_kind == kPlan ? rules.panel.grp_name : QString();
+}
+
+void Realtime::add_entries(const QList<QAction*>& entries) {
+    ui_->cmdmenu->insertActions(ui_->cmdlevelview, entries);
+    ui_->cmdmenu->insertSeparator(ui_->cmdlevelview);
 }
 
 bool Realtime::told_that_run_goes_on() {
@@ -530,11 +523,10 @@ QList<report::ReportLimits> Realtime::limits_in_force() {
 }
 
 void Realtime::write_report(const QString& file, const report::ReportEntry& entry) {
-    const bool plan = rules.state.acq_kind == kPlan;
     const report::ReportContext context{.entry = entry,
                                         .meter = meter_of_report(),
                                         .made = QDateTime::currentDateTime(),
-                                        .plan = plan ? rules.panel.grp_name : QString(),
+                                        .plan = plan_in_force(),
                                         .limits = limits_in_force()};
     QApplication::setOverrideCursor(Qt::WaitCursor);
     const QString reason = report::save_report(

@@ -55,14 +55,18 @@ class Realtime : public Screen {
 
     /// The motor of a dish has been chosen.
     bool has_motor() const;
+    /// The plan that is measured; empty where none is.
+    QString plan_in_force() const;
+    /// More entries for the menu, above those of the log and the report.
+    void add_entries(const QList<QAction*>& entries);
     /// A run measures, or waits for its next time: the meter is not free for anything else. The
     /// user is told then.
     bool told_that_run_goes_on();
 
     /// Opens `file` as the log, as the key "save" does with the chosen name.
     void open_log(const QString& file);
-    /// What a report says of the meter: its version, and that it is none where it is none.
-    QString meter_of_report() const;
+    /// What a report says of the meter.
+    QString meter_of_report() const { return meter_text(program_); }
 
     /// Writes the report of the page to `file`; a failure shows one message box.
     void write_report(const QString& file, const report::ReportEntry& entry);

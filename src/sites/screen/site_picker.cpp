@@ -29,7 +29,7 @@ constexpr Bilingual kNoSite{"Which site? Choose one or type the name of a new on
                             "Quale sito? Sceglierne uno o scrivere il nome di uno nuovo."};
 constexpr Bilingual kNewSite{"A new site.", "Un sito nuovo."};
 constexpr Bilingual kNeverVisited{"A known site without a visit yet.",
-                                "Un sito noto, ancora senza visite."};
+                                  "Un sito noto, ancora senza visite."};
 constexpr Bilingual kVisits{"A known site; visits: %1, the last one on %2.",
                             "Un sito noto; visite: %1, l'ultima il %2."};
 
