@@ -49,6 +49,7 @@ void VisitOfWindow::forget() {
     site_ = {};
     visit_ = {};
     before_ = shown_ = 0;
+    sites_.running = {};
 }
 
 void VisitOfWindow::look_for_cut_off() {
@@ -71,6 +72,7 @@ void VisitOfWindow::look_for_cut_off() {
 /// Takes over what stands in the file of `visit`.
 void VisitOfWindow::show(const Visit& visit) {
     visit_ = visit;
+    sites_.running = visit.id;
     const std::vector<Site> sites = store_->sites();
     const auto found = std::ranges::find(sites, visit.site, &Site::id);
     if (found != sites.end()) site_ = *found;
@@ -87,6 +89,7 @@ void VisitOfWindow::begin(const Site& site, const VisitFacts& facts, const QDate
     recorder_->on_fault = on_fault;
     site_ = site;
     visit_ = *recorder_->visit();
+    sites_.running = visit_.id;
     before_ = shown_ = 0;
     state_ = State::running;
     sites_.changed();

@@ -4,6 +4,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QHeaderView>
+#include <QMenu>
 #include <QSignalBlocker>
 
 #include "busy_input.h"
@@ -12,6 +13,7 @@
 #include "handler.h"
 #include "message_box.h"
 #include "save_file.h"
+#include "site_commands.h"
 #include "site_dialog.h"
 #include "sites_tooltips.h"
 #include "tone_delegate.h"
@@ -139,7 +141,22 @@ void Sites::connect_keys() {
         ui_->sites_search->setFocus();
         ui_->sites_search->selectAll();
     });
+    connect_files();
     when(ui_->cmdsitesreload, &QAction::triggered, "cmdsitesreload_Click", [this] { reload(); });
+}
+
+void Sites::connect_files() {
+    auto* files = new QMenu(this);
+    files->addActions({ui_->cmdsitelog, ui_->cmdsitesimport, ui_->cmdsitesexport});
+    ui_->sites_files->setMenu(files);
+    // A new site is proposed where none is chosen.
+    when(ui_->cmdsitelog, &QAction::triggered, "cmdsitelog_Click",
+         [this] { import_log(this, sites_, program_, site_ ? site_->id : QUuid()); });
+    when(ui_->cmdsitesimport, &QAction::triggered, "cmdsitesimport_Click",
+         [this] { import_sites(this, sites_, program_); });
+    when(ui_->cmdsitesexport, &QAction::triggered, "cmdsitesexport_Click", [this] {
+        export_sites(this, sites_, program_, site_ ? QList{site_->id} : QList<QUuid>());
+    });
 }
 
 void Sites::connect_lists() {

@@ -58,6 +58,7 @@ class Sites : public Screen {
 
     void set_up_looks();
     void connect_keys();
+    void connect_files();
     void connect_lists();
     void connect_views();
     void name_views();
