@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "network_sender.h"
+
+#include <QDateTime>
+#include <QEventLoop>
+#include <QNetworkReply>
+#include <QNetworkRequest>
+#include <QTimer>
+
+namespace m47::publish {
+namespace {
+
+constexpr qint64 kMostWords = 400;  // bytes of what an engine says
+
+/// Seconds, or a date.
+std::optional<double> retry_after(const QNetworkReply& reply) {
+    if (!reply.hasRawHeader("Retry-After")) return {};
+    const QByteArray text = reply.rawHeader("Retry-After").trimmed();
+    bool is_number = false;
+    const double seconds = text.toDouble(&is_number);
+    if (is_number) return seconds;
+    const QDateTime date = QDateTime::fromString(QString::fromLatin1(text), Qt::RFC2822Date);
+    if (!date.isValid()) return {};
+    return static_cast<double>(QDateTime::currentDateTimeUtc().secsTo(date));
+}
+
+/// An answer that broke off is none, whatever its first line said.
+bool is_whole(QNetworkReply::NetworkError error) {
+    return error == QNetworkReply::NoError || error >= QNetworkReply::ContentAccessDenied;
+}
+
+HttpAnswer answer_of(QNetworkReply& reply) {
+    HttpAnswer answer;
+    const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    if (!is_whole(reply.error()) || status == 0) {
+        answer.words = reply.errorString();
+        return answer;
+    }
+    answer.status = status;
+    answer.retry_after = retry_after(reply);
+    answer.words = QString::fromUtf8(reply.read(kMostWords));
+    return answer;
+}
+
+}  // namespace
+
+NetworkSender::NetworkSender() = default;
+
+NetworkSender::~NetworkSender() {
+    give_up();
+}
+
+void NetworkSender::post(const QByteArray& body) {
+    QNetworkRequest request(target_.url);
+    request.setHeader(QNetworkRequest::ContentTypeHeader,
+                      QByteArrayLiteral("text/plain; charset=utf-8"));
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
+                         QNetworkRequest::ManualRedirectPolicy);
+    if (!target_.authorization.isEmpty())
+        request.setRawHeader("Authorization", target_.authorization);
+    reply_ = manager_.post(request, body);
+}
+
+std::optional<HttpAnswer> NetworkSender::answer() {
+    if (!reply_ || !reply_->isFinished()) return {};
+    const HttpAnswer answer = answer_of(*reply_);
+    reply_->deleteLater();
+    reply_ = nullptr;
+    return answer;
+}
+
+void NetworkSender::give_up() {
+    if (!reply_) return;
+    reply_->abort();
+    reply_->deleteLater();
+    reply_ = nullptr;
+}
+
+void NetworkSender::work(double seconds) {
+    constexpr double kMilliseconds = 1000;
+    QEventLoop loop;
+    QTimer::singleShot(static_cast<int>(seconds * kMilliseconds) + 1, &loop, &QEventLoop::quit);
+    if (reply_) connect(reply_, &QNetworkReply::finished, &loop, &QEventLoop::quit);
+    if (!reply_ || !reply_->isFinished()) loop.exec();
+}
+
+}  // namespace m47::publish

@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "publisher.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <algorithm>
+#include <utility>
+
+namespace m47::publish {
+namespace {
+
+constexpr qsizetype kMostHeld = qsizetype{4} * 1024 * 1024;  // bytes
+constexpr double kTryEvery = 10;                             // seconds, to put what is held
+constexpr double kWorkSlice = 0.05;                          // seconds
+constexpr qint64 kToldSetBack = 2000;                        // ms
+
+/// Whether the log has the line in its place, or where it was followed by others'. A log that was
+/// put away since says nothing: its rows count.
+bool log_has(const QString& path, const LogPlace& place) {
+    constexpr qint64 kLooked = 65536;
+    QFile log(path);
+    if (!log.open(QIODevice::ReadOnly) || log.size() < place.size) return true;
+    log.seek(place.size);
+    return log.read(kLooked).contains(place.line + "\r\n");
+}
+
+}  // namespace
+
+Publisher::Publisher(PublishOrder order, HttpSender& sender, link::Clock& clock, const Texts& texts,
+                     std::function<double()> chance)
+    : order_(std::move(order)),
+      sender_(sender),
+      clock_(clock),
+      texts_(texts),
+      chance_(std::move(chance)) {}
+
+/// False where the outbox fails, which is told once until it works again.
+bool Publisher::told(const std::function<void()>& work) {
+    try {
+        work();
+        fault_told_ = false;
+        return true;
+    } catch (const OutboxFault& fault) {
+        if (!fault_told_) remark(fault.text(texts_));
+        fault_told_ = true;
+        return false;
+    }
+}
+
+bool Publisher::open() {
+    OutboxError error;
+    outbox_ = Outbox::open(order_.outbox, order_.limit, error);
+    if (!outbox_ || !told([this] { settle_last_row(); })) {
+        if (!outbox_) remark(outbox_error_text(error, texts_));
+        remark(QStringLiteral("nothing is published, measuring goes on"));
+        outbox_.reset();
+        lost_ = true;
+        return false;
+    }
+    delivery_ = std::make_unique<Delivery>(*outbox_, sender_, clock_, chance_);
+    delivery_->on_remark = [this](const QString& text) { remark(text); };
+    return true;
+}
+
+/// The process before this one may have been ended between outbox and log.
+void Publisher::settle_last_row() {
+    if (!outbox_->uncounted_place()) return;
+    if (log_has(order_.log, *outbox_->uncounted_place()))
+        outbox_->count_all();
+    else
+        outbox_->drop_uncounted();
+    outbox_->tend();
+}
+
+void Publisher::before_row(const measurement::Measurement& measured, std::string_view line,
+                           const QDateTime& moment) {
+    std::optional<LogPlace> place;
+    if (!order_.log.isEmpty())
+        place = LogPlace{QFileInfo(order_.log).size(),
+                         QByteArray(line.data(), static_cast<qsizetype>(line.size()))};
+    put(LineKind::row, moment,
+        [&](qint64 milliseconds) {
+            return measurement_line(order_.station, measured, milliseconds);
+        },
+        place);
+}
+
+void Publisher::after_row() {
+    if (!outbox_) return;
+    outbox_->count_all();
+    delivery_->look();
+}
+
+void Publisher::put(LineKind kind, const QDateTime& moment,
+                    const std::function<QByteArray(qint64 milliseconds)>& line_at,
+                    const std::optional<LogPlace>& place) {
+    if (!outbox_) return;
+    const qint64 now = moment.toMSecsSinceEpoch();
+    const qint64 milliseconds = outbox_->time_after_all(now);
+    tell_set_back(now, milliseconds);
+    const QByteArray line = line_at(milliseconds);
+    const bool kept = put_held() &&
+                      told([&] { outbox_->append(kind, milliseconds, line, place); });
+    if (!kept) hold({kind, milliseconds, line});
+    if (outbox_->rows_dropped() > 0 && !std::exchange(dropping_told_, true))
+        remark(QStringLiteral("the outbox is full: its oldest rows go undelivered"));
+}
+
+/// Who sets a clock back finds the rows of that time close together, in their order.
+void Publisher::tell_set_back(qint64 now, qint64 milliseconds) {
+    const bool back = milliseconds - now > kToldSetBack;
+    if (back && !set_back_told_)
+        remark(QStringLiteral("the clock was set back by %1 s: until then rows are published with "
+                              "times just behind the last one")
+                   .arg((milliseconds - now) / 1000));
+    set_back_told_ = back;
+}
+
+/// False where the file still takes nothing.
+bool Publisher::put_held() {
+    while (!held_.empty()) {
+        const Held& line = held_.front();
+        if (!told([&] { outbox_->append(line.kind, line.milliseconds, line.line); })) return false;
+        held_bytes_ -= line.line.size();
+        held_.pop_front();
+        delivery_->look();
+    }
+    return true;
+}
+
+/// A row waits for room on the disk; how the run was is of no use later.
+void Publisher::hold(Held line) {
+    next_try_ = clock_.steady() + kTryEvery;
+    if (line.kind == LineKind::health) return;
+    held_bytes_ += line.line.size();
+    held_.push_back(std::move(line));
+    for (; held_bytes_ > kMostHeld; held_.pop_front()) {
+        held_bytes_ -= held_.front().line.size();
+        lost_ = true;
+    }
+}
+
+void Publisher::report(Health health) {
+    if (!outbox_) return;
+    const QDateTime moment = clock_.date_time();
+    health.rows_waiting = outbox_->rows_waiting() + static_cast<qint64>(held_.size());
+    health.rows_dropped = outbox_->rows_dropped();
+    health.rows_set_aside = outbox_->rows_set_aside();
+    told([&] {
+        const std::optional<qint64> oldest = outbox_->oldest_waiting();
+        const qint64 waited = oldest ? moment.toMSecsSinceEpoch() - *oldest : 0;
+        health.oldest_waiting = static_cast<double>(std::max<qint64>(waited, 0)) / 1000;
+    });
+    put(LineKind::health, moment,
+        [&](qint64 milliseconds) { return health_line(order_.station, health, milliseconds); }, {});
+    delivery_->look();
+}
+
+void Publisher::step() {
+    if (!outbox_) return;
+    if (!held_.empty() && clock_.steady() >= next_try_) {
+        next_try_ = clock_.steady() + kTryEvery;
+        put_held();
+    }
+    delivery_->step();
+    told([this] { outbox_->tend(); });
+}
+
+void Publisher::pass_time(double seconds) {
+    const double end = clock_.steady() + seconds;
+    step();
+    for (double left = seconds; left > 0; left = end - clock_.steady()) {
+        if (!outbox_ || !delivery_->due_within(left)) {
+            clock_.sleep(left);
+            return;
+        }
+        if (delivery_->busy())
+            sender_.work(left);
+        else
+            clock_.sleep(std::min(left, kWorkSlice));
+        step();
+    }
+}
+
+void Publisher::finish(double seconds, const std::function<bool()>& told_to_stop) {
+    if (!outbox_) return;
+    const double end = clock_.steady() + seconds;
+    delivery_->hurry();
+    step();
+    while (!delivery_->done() && !told_to_stop() && clock_.steady() < end)
+        pass_time(std::min(kWorkSlice, end - clock_.steady()));
+    if (!held_.empty() && !put_held()) lost_ = true;
+    told([this] { outbox_->tend(); });
+    const qint64 waiting = outbox_->rows_waiting();
+    if (waiting > 0)
+        remark(QStringLiteral("rows that wait in the outbox %1 for the next start: %2")
+                   .arg(order_.outbox)
+                   .arg(waiting));
+}
+
+void Publisher::remark(const QString& text) const {
+    if (on_remark) on_remark(text);
+}
+
+}  // namespace m47::publish
