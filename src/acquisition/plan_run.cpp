@@ -60,8 +60,10 @@ bool PlanRun::wait_for_pass() {
 PlanRun::End PlanRun::run_pass() {
     measured_ = false;
     cut_short_ = false;
+    const double begun = link_.clock().steady();
     const End end = walk();
     if (end != End::done) return end;
+    if (on_pass) on_pass(link_.clock().steady() - begun);
     if (measured_) {
         idle_ = false;
         return end;
@@ -177,7 +179,8 @@ bool PlanRun::wait(double seconds) {
                        .arg(realtime::time_left_text(static_cast<int>(std::ceil(end - now)))));
             next_report = now + kProgressInterval;
         }
-        link_.clock().sleep(std::min(kWaitSlice, end - now));
+        const double slice = std::min(kWaitSlice, end - now);
+        pass_time ? pass_time(slice) : link_.clock().sleep(slice);
     }
 }
 

@@ -35,6 +35,10 @@ class PlanRun {
     std::function<bool()> told_to_pause;
     /// Tries once to find the meter again and to prepare it. True when it can measure.
     std::function<bool()> connect;
+    /// Lets `seconds` pass; sleeps where it is empty.
+    std::function<void(double seconds)> pass_time;
+    /// Called at the end of a pass that was not broken off, with what it took.
+    std::function<void(double seconds)> on_pass;
     /// Called when it is clear what the run does now; a text of one line.
     std::function<void(const QString& text)> on_progress;
     /// Called with what a later reader has to know: a gap begins or ends, a firing fell out, a pass

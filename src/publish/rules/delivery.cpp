@@ -48,10 +48,13 @@ Delivery::Delivery(Outbox& outbox, HttpSender& sender, link::Clock& clock,
                    std::function<double()> chance)
     : outbox_(outbox), sender_(sender), clock_(clock), chance_(std::move(chance)) {}
 
+Delivery::~Delivery() {
+    if (sending_) sender_.give_up();
+}
+
 void Delivery::step() {
     try {
         step_trapped();
-        fault_told_ = false;
     } catch (const OutboxFault& fault) {
         if (sending_) sender_.give_up();
         sending_ = false;
@@ -118,6 +121,7 @@ void Delivery::begin_repeat() {
 
 void Delivery::post(const Batch& batch, bool repeat) {
     sending_ = true;
+    fault_told_ = false;
     repeat_ = repeat;
     began_ = now();
     batch_ = {.first = batch.first, .last = batch.last, .lines = batch.lines, .body = {}};

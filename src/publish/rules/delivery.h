@@ -20,6 +20,9 @@ class Delivery {
     /// `chance` gives numbers from 0 to 1, so that a thousand probes do not come back at once.
     Delivery(Outbox& outbox, HttpSender& sender, link::Clock& clock,
              std::function<double()> chance);
+    ~Delivery();
+    Delivery(const Delivery&) = delete;
+    Delivery& operator=(const Delivery&) = delete;
 
     /// Told when the engine takes nothing, when it does again, and of the first lines it refuses; a
     /// text of one line.
@@ -77,10 +80,10 @@ class Delivery {
     link::Clock& clock_;
     std::function<double()> chance_;
     std::deque<Sent> sent_;
-    Batch batch_;              ///< under way, without its body
-    qint64 sent_last_ = 0;     ///< id up to which all was acknowledged since the engine is there
-    double began_ = 0;         ///< of the request under way
-    double resume_at_ = 0;     ///< no request before
+    Batch batch_;           ///< under way, without its body
+    qint64 sent_last_ = 0;  ///< id up to which all was acknowledged since the engine is there
+    double began_ = 0;      ///< of the request under way
+    double resume_at_ = 0;  ///< no request before
     double failing_since_ = 0;
     double next_forget_ = 0;
     double pause_ = kFirstPause;

@@ -19,7 +19,7 @@ struct HttpTarget {
 struct HttpAnswer {
     int status = 0;                       ///< of HTTP; 0 where no whole answer came
     std::optional<double> retry_after{};  ///< seconds, as the engine asked for
-    QString words;                        ///< why none came, or the begin of what it said
+    QString words{};                      ///< why none came, or the begin of what it said
 };
 
 /// Sends one request at a time and waits for nothing. The libraries behind it are many and only who

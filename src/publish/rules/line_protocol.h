@@ -19,14 +19,14 @@ struct Station {
 /// How a run is, for whoever watches many of them.
 struct Health {
     bool link_up = false;
-    qint64 passes = 0;                      ///< ended since the start
+    qint64 passes = 0;                       ///< ended since the start
     std::optional<double> seconds_a_pass{};  ///< of the last one; nothing before its end
-    qint64 retries = 0;                     ///< measurements taken again since the start
-    qint64 reconnects = 0;                  ///< since the start
-    qint64 rows_waiting = 0;                ///< measured and not yet acknowledged
-    double oldest_waiting = 0;              ///< seconds since the oldest of them was measured
-    qint64 rows_dropped = 0;                ///< for want of room, since the outbox was made
-    qint64 rows_set_aside = 0;              ///< which the engine refused, since then
+    qint64 retries = 0;                      ///< measurements taken again since the start
+    qint64 reconnects = 0;                   ///< since the start
+    qint64 rows_waiting = 0;                 ///< measured and not yet acknowledged
+    double oldest_waiting = 0;               ///< seconds since the oldest of them was measured
+    qint64 rows_dropped = 0;                 ///< for want of room, since the outbox was made
+    qint64 rows_set_aside = 0;               ///< which the engine refused, since then
 };
 
 /// A measurement as a line of the InfluxDB line protocol, with its end. `milliseconds` since 1970

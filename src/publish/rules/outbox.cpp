@@ -61,8 +61,7 @@ class Outbox::File {
     bool changed = false;  ///< facts that the file does not have yet
     db::KeptQuery next_{"SELECT id, line FROM lines WHERE id > ? AND id < ? ORDER BY id LIMIT ?"};
     db::KeptQuery between_{"SELECT id, line FROM lines WHERE id BETWEEN ? AND ? ORDER BY id"};
-    db::KeptQuery oldest_{
-        "SELECT ms FROM lines WHERE id > ? AND kind = 0 ORDER BY id LIMIT 1"};
+    db::KeptQuery oldest_{"SELECT ms FROM lines WHERE id > ? AND kind = 0 ORDER BY id LIMIT 1"};
     db::KeptQuery forget_{"DELETE FROM lines WHERE id <= ?"};
     db::KeptQuery drop_{"DELETE FROM lines WHERE id BETWEEN ? AND ?"};
     db::KeptQuery aside_{"INSERT INTO set_aside SELECT * FROM lines WHERE id BETWEEN ? AND ?"};

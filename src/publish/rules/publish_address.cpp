@@ -14,9 +14,9 @@ constexpr qint64 kLongestSecret = 16384;  // bytes of its file
 
 /// Keys that engines take a secret by.
 bool holds_secret(const QUrl& url) {
-    static const QStringList kSecrets{
-        QStringLiteral("u"),     QStringLiteral("p"),       QStringLiteral("user"),
-        QStringLiteral("token"), QStringLiteral("authKey"), QStringLiteral("password")};
+    static const QStringList kSecrets{QStringLiteral("u"),       QStringLiteral("p"),
+                                      QStringLiteral("user"),    QStringLiteral("token"),
+                                      QStringLiteral("authKey"), QStringLiteral("password")};
     const auto items = QUrlQuery(url).queryItems();
     return std::any_of(items.begin(), items.end(), [](const auto& item) {
         return kSecrets.contains(item.first, Qt::CaseInsensitive);

@@ -38,7 +38,6 @@ Publisher::Publisher(PublishOrder order, HttpSender& sender, link::Clock& clock,
 bool Publisher::told(const std::function<void()>& work) {
     try {
         work();
-        fault_told_ = false;
         return true;
     } catch (const OutboxFault& fault) {
         if (!fault_told_) remark(fault.text(texts_));
@@ -78,7 +77,8 @@ void Publisher::before_row(const measurement::Measurement& measured, std::string
     if (!order_.log.isEmpty())
         place = LogPlace{QFileInfo(order_.log).size(),
                          QByteArray(line.data(), static_cast<qsizetype>(line.size()))};
-    put(LineKind::row, moment,
+    put(
+        LineKind::row, moment,
         [&](qint64 milliseconds) {
             return measurement_line(order_.station, measured, milliseconds);
         },
@@ -99,9 +99,11 @@ void Publisher::put(LineKind kind, const QDateTime& moment,
     const qint64 milliseconds = outbox_->time_after_all(now);
     tell_set_back(now, milliseconds);
     const QByteArray line = line_at(milliseconds);
-    const bool kept = put_held() &&
-                      told([&] { outbox_->append(kind, milliseconds, line, place); });
-    if (!kept) hold({kind, milliseconds, line});
+    const bool kept = put_held() && told([&] { outbox_->append(kind, milliseconds, line, place); });
+    if (kept)
+        fault_told_ = false;
+    else
+        hold({kind, milliseconds, line});
     if (outbox_->rows_dropped() > 0 && !std::exchange(dropping_told_, true))
         remark(QStringLiteral("the outbox is full: its oldest rows go undelivered"));
 }

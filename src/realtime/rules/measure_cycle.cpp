@@ -153,6 +153,7 @@ void MeasureCycle::write_row() {
         .status = measurement::verdict_text(outcome.verdict),
     });
     page_.append(row, outcome);
+    if (before_row) before_row(outcome, page_.store().line(page_.measurements() - 1), now);
     // The log comes first: who reads the rows may hold them up.
     if (log_.log_open()) log_row();
     if (on_measured) on_measured(outcome);

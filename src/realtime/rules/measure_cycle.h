@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QDateTime>
 #include <QStringList>
 #include <functional>
+#include <string_view>
 
 #include "measure_steps.h"
 #include "measurement_log.h"
@@ -24,6 +26,11 @@ class MeasureCycle {
           steps_(steps),
           page_(page),
           log_(log) {}
+
+    /// Called with what was measured at `moment` and its line, before the line goes into the log.
+    std::function<void(const measurement::Measurement&, std::string_view line,
+                       const QDateTime& moment)>
+        before_row;
 
     /// Called with what was measured, just before on_row.
     std::function<void(const measurement::Measurement&)> on_measured;

@@ -20,6 +20,7 @@ struct NamedFile {
 
 QList<NamedFile> named_files(const Options& options) {
     QList<NamedFile> files{{QStringLiteral("--log"), options.log},
+                           {QStringLiteral("--publish-token-file"), options.publish.token_file},
                            {QStringLiteral("--screenshot"), options.screenshot},
                            {QStringLiteral("--trace"), options.trace},
                            {QStringLiteral("--replay"), options.replay},

@@ -172,6 +172,28 @@ OptionList visit_options() {
     };
 }
 
+/// Where the rows are published.
+OptionList publish_options() {
+    return {
+        {"publish",
+         "Send each row to the time-series engine at URL in the InfluxDB line protocol, such as "
+         "http://host:8428/write. What it does not take waits in an outbox beside the log.",
+         "URL"},
+        {"publish-site", "With --publish: the tag site of the rows (default the machine's name).",
+         "NAME"},
+        {"publish-meter",
+         "With --publish: the tag meter of the rows (default the name of its device).", "NAME"},
+        {"publish-token-file",
+         "With --publish: the first line of FILE is the token, or user:password, for the engine; "
+         "without it $M47_PUBLISH_TOKEN is.",
+         "FILE"},
+        {"outbox-limit",
+         "With --publish: the outbox takes at most SIZE on the disk, such as 512M (default 1G); "
+         "its oldest rows go undelivered then.",
+         "SIZE"},
+    };
+}
+
 /// What is brought into the database and out of it.
 OptionList exchange_options() {
     return {
@@ -218,7 +240,7 @@ QString description(const Offer& offer) {
 void add_options(QCommandLineParser& parser, const Offer& offer) {
     parser.setApplicationDescription(description(offer));
     for (const OptionList& subject : {start_options(offer), measurement_options(), pass_options(),
-                                      output_options(), visit_options()})
+                                      output_options(), visit_options(), publish_options()})
         for (QCommandLineOption option : subject) {
             if (offer.only_measures &&
                 names_beside_measuring().contains(option.names().constLast()))

@@ -12,6 +12,7 @@
 #include "peak_options.h"
 #include "plan_name.h"
 #include "port_list.h"
+#include "publish_options.h"
 #include "stored_names.h"
 #include "sweep_options.h"
 #include "tuning_range.h"
@@ -30,6 +31,9 @@ QString check_given_once(const QCommandLineParser& parser) {
     for (const QString& name : names) {
         const QStringList values = parser.values(name);
         if (kRepeatable.contains(name)) continue;
+        // What was given may hold what is not to be told.
+        if (name == QLatin1String("publish") && values.size() > 1)
+            return QStringLiteral("--publish takes one address");
         for (const QString& value : values)
             if (value != values.constFirst())
                 return given_twice(QStringLiteral("--") + name, values.constFirst(), value);
@@ -164,7 +168,8 @@ QString read_format(const QCommandLineParser& parser, Options& options) {
 QString check_names(const QCommandLineParser& parser, const Offer& offer) {
     for (const char* name :
          {"directory", "log", "plan", "screenshot", "trace", "replay", "problem-report",
-          "scan-table", "scan-tables", "import-database", "site", "config"}) {
+          "scan-table", "scan-tables", "import-database", "site", "config", "publish",
+          "publish-site", "publish-meter", "publish-token-file"}) {
         const QString option = QString::fromLatin1(name);
         if (parser.isSet(option) && parser.value(option).trimmed().isEmpty())
             return QStringLiteral("--%1 takes a name, not an empty one").arg(option);
@@ -255,6 +260,7 @@ QString read_values(const QCommandLineParser& parser, const Offer& offer, Option
     if (error.isEmpty()) error = read_identify(parser, options);
     if (error.isEmpty()) error = read_format(parser, options);
     if (error.isEmpty()) error = read_visit(parser, options);
+    if (error.isEmpty()) error = read_publish(parser, options);
     if (error.isEmpty()) error = read_plan_files(parser, options);
     if (error.isEmpty()) error = read_alarms(parser, options.alarms);
     return error;

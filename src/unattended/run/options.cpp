@@ -11,6 +11,7 @@
 #include "option_list.h"
 #include "option_values.h"
 #include "peak_options.h"
+#include "publish_options.h"
 #include "texts.h"
 #include "visit_options.h"
 
@@ -91,7 +92,7 @@ QString check_combination(const QCommandLineParser& parser, const Options& optio
         return QStringLiteral("--freq goes with --measure or --peak only");
     name = first_set(parser, {"analog", "digital", "bandwidth", "symbol-rate", "alarm", "confirm",
                               "count", "log", "format", "screenshot", "plan", "passes", "every",
-                              "full-tune", "reconnect", "diseqc", "site"});
+                              "full-tune", "reconnect", "diseqc", "site", "publish"});
     if (!name.isEmpty()) return QStringLiteral("--%1 goes with --measure only").arg(name);
     return {};
 }
@@ -182,6 +183,7 @@ QString read_options(const QCommandLineParser& parser, const Offer& offer, Optio
         error = QStringLiteral("--directory and --user-data exclude each other");
     if (error.isEmpty()) error = check_configuration(parser, options);
     if (error.isEmpty()) error = check_visit(parser);
+    if (error.isEmpty()) error = check_publish(parser);
     if (error.isEmpty()) error = check_combination(parser, options, offer);
     if (error.isEmpty()) error = check_replay(parser);
     if (error.isEmpty()) error = check_database_work(parser);

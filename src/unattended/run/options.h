@@ -5,6 +5,7 @@
 #include <QMap>
 #include <QString>
 #include <QStringList>
+#include <QUrl>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -56,6 +57,15 @@ struct VisitOptions {
     bool resumed = false;  ///< go on with a visit that was cut off
 };
 
+/// Where the rows of a run are published, and by which names.
+struct PublishOptions {
+    QUrl address;   ///< of an engine; empty: they are not
+    QString site;   ///< empty: the machine's name
+    QString meter;  ///< empty: the name of its device
+    QString token_file;
+    qint64 limit = qint64{1024} * 1024 * 1024;  ///< bytes of the outbox
+};
+
 /// What the command line asks for.
 struct Options {
     enum class Action { run, help, version, check, wrong };
@@ -93,6 +103,7 @@ struct Options {
     QList<AlarmOption> alarms;
     QString plan;  ///< measure the monitored programs of this plan
     VisitOptions visit;
+    PublishOptions publish;
     QString log;
     QString screenshot;
     QString trace;           ///< record the line into this file

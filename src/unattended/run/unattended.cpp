@@ -14,6 +14,7 @@
 #include "numbers.h"
 #include "plan_run.h"
 #include "port_diagnosis.h"
+#include "publishing.h"
 #include "realtime_rules.h"
 #include "row_output.h"
 #include "say_on_stderr.h"
@@ -68,6 +69,7 @@ struct Run : RunSoFar {
     LineRecording recording{connection.recorder(), state.texts};
     UnattendedVisit visit{options.visit, state.texts};
     ServiceNotes service{connection.link().clock(), ServiceNotes::found()};
+    Publishing publishing{options, state.texts};
     measurement::Measurement measured{};  ///< of the row that comes next
     int asked_before = platform::times_asked_to_read_again();
     bool link_found = false;  ///< the meter has answered once
@@ -298,6 +300,7 @@ bool identify_meter(Run& run) {
         run.connection.reconnect();
     else
         run.connection.identify(run.options.on_port);
+    run.publishing.link_is(run.connection.link().port_connected);
     if (!run.connection.link().port_connected) return false;
     run.link_found = true;
     run.service.ready();
@@ -308,6 +311,7 @@ bool identify_meter(Run& run) {
 
 /// The same within a run over a plan. A signal ends the trying at once.
 bool connect_again(Run& run) {
+    run.publishing.link_is(false);
     const bool told = run.connection.other_device();
     tell_other_device(run);
     // A loss within an exchange does not show what came behind it.
@@ -318,6 +322,7 @@ bool connect_again(Run& run) {
     identify_meter(run);
     run.connection.identification().on_another_device = nullptr;
     stop_when_told(run, 2);
+    if (run.connection.link().port_connected) run.publishing.reconnected();
     return run.connection.link().port_connected;
 }
 
@@ -370,6 +375,8 @@ void measure_plan(Run& run) {
         complain(text);
         run.service.status(text, true);
     };
+    plan_run.pass_time = [&run](double seconds) { run.publishing.pass_time(seconds); };
+    plan_run.on_pass = [&run](double seconds) { run.publishing.pass_ended(seconds); };
     const KeepOutcome outcome{run, plan_run};
     // How it ended shows in the link, the signals and the rows; see status_of().
     static_cast<void>(plan_run.run());
@@ -431,15 +438,24 @@ bool prepare(Run& run, int& status) {
 void listen_to_rules(Run& run) {
     run.output.on_remark = complain;
     run.visit.on_remark = complain;
+    run.publishing.on_remark = complain;
     realtime::MeasureCycle& cycle = run.rules->cycle;
     cycle.on_row = [&run](const QStringList& row) { print_row(run, row); };
+    cycle.before_row = [&run](const measurement::Measurement& measurement, std::string_view line,
+                              const QDateTime& moment) {
+        run.publishing.before_row(measurement, line, moment);
+    };
     cycle.on_measured = [&run](const measurement::Measurement& measurement) {
+        run.publishing.after_row();
         run.measured = measurement;
         run.visit.take(measurement, run.connection.link().clock().date_time().offsetFromUtc());
         if (measurement.verdict == measurement::Verdict::fail) run.alarm_failed = true;
     };
     cycle.on_log_written = [&run](const QString& reason) { tell_log(run, reason); };
-    cycle.on_doubt = [&run](const QString& command) { tell_doubt(run, command); };
+    cycle.on_doubt = [&run](const QString& command) {
+        run.publishing.taken_again();
+        tell_doubt(run, command);
+    };
     run.state.costs.on_cost = [&state = run.state](const Bilingual& text) {
         complain(state.texts.pick(text));
     };
@@ -458,8 +474,12 @@ int end_part(Run& run, RunSoFar& so_far) {
     if (!run.next || run.next->visit.site != run.options.visit.site)
         run.visit.end(run.connection.link().clock().date_time());
     if (!run.next) write_screenshot(run);
+    // One that goes on opens the outbox again.
+    if (!run.next)
+        run.publishing.finish(kLongestEngineWait, [] { return platform::times_told_to_end() > 1; });
     run.output.finish(kLongestReaderWait, [] { return platform::times_told_to_end() > 1; });
-    run.file_lost = run.file_lost || run.output.lost() || run.recording.lost() || run.visit.lost();
+    run.file_lost = run.file_lost || run.output.lost() || run.recording.lost() ||
+                    run.visit.lost() || run.publishing.lost();
     run.alarm_failed = run.alarm_failed || run.visit.worse();
     so_far = run;
     return run.next ? kGood : status_of(run);
@@ -483,6 +503,7 @@ int run_part(ProgramState& state, db::Database& database, MeterConnection& conne
     listen_to_rules(run);
     tell_rounded(options);
     record_line(run);
+    run.publishing.open(connection.link().clock(), state.base_dir);
     try {
         int status = kGood;
         if (!prepare(run, status)) return status;

@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "publishing.h"
+
+#include <QFileInfo>
+#include <QRandomGenerator>
+#include <QRegularExpression>
+#include <QSysInfo>
+
+#include "http_sender.h"
+#include "publish_address.h"
+
+namespace m47::unattended {
+namespace {
+
+constexpr double kReportEvery = 60;  // seconds, where no pass ends before
+
+double any_chance() {
+    return QRandomGenerator::global()->generateDouble();
+}
+
+/// What stands behind the port on the command line; its number where that leaves it open.
+QString device_name(const Options& options) {
+    const QString start = QString::number(options.on_port) + u'=';
+    for (const QString& port : options.ports)
+        if (port.startsWith(start)) return QFileInfo(port.mid(start.size())).fileName();
+    return QStringLiteral("port-%1").arg(options.on_port);
+}
+
+publish::Station station_of(const Options& options) {
+    const PublishOptions& publish = options.publish;
+    return {publish.site.isEmpty() ? QSysInfo::machineHostName() : publish.site,
+            publish.meter.isEmpty() ? device_name(options) : publish.meter};
+}
+
+/// A meter's own file, also where two are measured from one folder.
+QString file_of_meter(const QString& folder, QString meter) {
+    static const QRegularExpression kOther(QStringLiteral("[^A-Za-z0-9._-]"));
+    return folder + QStringLiteral("m47-") + meter.replace(kOther, QStringLiteral("_")) +
+           QStringLiteral(".outbox");
+}
+
+}  // namespace
+
+publish::PublishOrder Publishing::order(const QString& folder) const {
+    const publish::Station station = station_of(options_);
+    const QString& log = options_.log;
+    return {.station = station,
+            .outbox = log.isEmpty() ? file_of_meter(folder, station.meter)
+                                    : log + QStringLiteral(".outbox"),
+            .log = log,
+            .limit = options_.publish.limit};
+}
+
+/// From the file, else from the environment.
+QByteArray Publishing::secret(QString& error) const {
+    if (options_.publish.token_file.isEmpty()) return qgetenv(publish::kTokenVariable).trimmed();
+    return publish::read_secret(options_.publish.token_file, error);
+}
+
+void Publishing::open(link::Clock& clock, const QString& folder) {
+    clock_ = &clock;
+    if (!wanted()) return;
+    QString error;
+    const QByteArray authorization = publish::authorization(secret(error));
+    auto* const sender = error.isEmpty() ? part_.offer<publish::HttpSender>() : nullptr;
+    if (!sender) {
+        if (error.isEmpty())
+            error = QStringLiteral("the part of the program that publishes cannot be loaded: %1")
+                        .arg(part_.fault());
+        on_remark(error + QStringLiteral("; nothing is published, measuring goes on"));
+        lost_ = true;
+        return;
+    }
+    sender->set_target({options_.publish.address, authorization});
+    publisher_ =
+        std::make_unique<publish::Publisher>(order(folder), *sender, clock, texts_, any_chance);
+    publisher_->on_remark = on_remark;
+    if (publisher_->open()) return;
+    lost_ = true;
+    publisher_.reset();
+}
+
+void Publishing::before_row(const measurement::Measurement& measured, std::string_view line,
+                            const QDateTime& moment) {
+    if (publisher_) publisher_->before_row(measured, line, moment);
+}
+
+void Publishing::after_row() {
+    if (!publisher_) return;
+    publisher_->after_row();
+    publisher_->step();
+}
+
+void Publishing::link_is(bool up) {
+    if (health_.link_up == up) return;
+    health_.link_up = up;
+    report();
+}
+
+void Publishing::pass_ended(double seconds) {
+    ++health_.passes;
+    health_.seconds_a_pass = seconds;
+    report();
+}
+
+void Publishing::report() {
+    if (!publisher_) return;
+    next_report_ = clock_->steady() + kReportEvery;
+    publisher_->report(health_);
+}
+
+void Publishing::pass_time(double seconds) {
+    if (publisher_ && clock_->steady() >= next_report_) report();
+    if (publisher_)
+        publisher_->pass_time(seconds);
+    else
+        clock_->sleep(seconds);
+}
+
+void Publishing::finish(double seconds, const std::function<bool()>& told_to_stop) {
+    if (!publisher_) return;
+    publisher_->finish(seconds, told_to_stop);
+}
+
+}  // namespace m47::unattended

@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+#include <functional>
+#include <memory>
+#include <string_view>
+
+#include "clock.h"
+#include "line_protocol.h"
+#include "measurement.h"
+#include "options.h"
+#include "part.h"
+#include "publisher.h"
+#include "texts.h"
+
+namespace m47::unattended {
+
+/// How long an engine is waited for in the end, in seconds.
+inline constexpr double kLongestEngineWait = 10;
+
+/// The rows of a run with nobody at the screen on their way to an engine. Without an address it
+/// does nothing, and loads nothing.
+class Publishing {
+  public:
+    Publishing(const Options& options, const Texts& texts) : options_(options), texts_(texts) {}
+
+    /// Told a text of one line: what fails, when rows wait and when they go again.
+    std::function<void(const QString& text)> on_remark;
+
+    /// Opens the outbox beside the log, else in `folder`. What fails is told, and nothing is
+    /// published then.
+    void open(link::Clock& clock, const QString& folder);
+
+    /// A row of `moment` is kept, before it stands in the log as `line`.
+    void before_row(const measurement::Measurement& measured, std::string_view line,
+                    const QDateTime& moment);
+    /// The row is in the log, where there is one.
+    void after_row();
+
+    void link_is(bool up);  ///< A change is published.
+    void reconnected() { ++health_.reconnects; }
+    void taken_again() { ++health_.retries; }
+    void pass_ended(double seconds);
+
+    /// Lets `seconds` pass on the clock given to open(), and delivers meanwhile.
+    void pass_time(double seconds);
+    /// Delivers for at most `seconds`, or until `told_to_stop`, and tells what still waits.
+    void finish(double seconds, const std::function<bool()>& told_to_stop);
+
+    bool wanted() const { return !options_.publish.address.isEmpty(); }
+    /// Rows are missing in the outbox.
+    bool lost() const { return lost_ || (publisher_ && publisher_->lost()); }
+
+  private:
+    publish::PublishOrder order(const QString& folder) const;
+    QByteArray secret(QString& error) const;
+    void report();
+
+    const Options& options_;
+    const Texts& texts_;
+    link::Clock* clock_ = nullptr;
+    Part part_{"m47-http"};
+    std::unique_ptr<publish::Publisher> publisher_;
+    publish::Health health_;
+    double next_report_ = 0;  ///< on the steady clock
+    bool lost_ = false;
+};
+
+}  // namespace m47::unattended
