@@ -445,12 +445,12 @@ struct Rows {
     }
 
     void print_other(const char* row, const char* name, const identify::Lnb& lnb,
-                     const SkySettings& alike) const {
+                     const SkySettings& alike, int divisor = 10) const {
         if (!wants(row)) return;
         const Bench bench = on(lnb, alike);
         std::printf("%zu candidates, %zu with enough to lock\n", bench.arc.size(),
                     bench.targets.size());
-        const Sums sums = bench.run(Sky::full, part(10), by_belief);
+        const Sums sums = bench.run(Sky::full, part(divisor), by_belief);
         print_row(name, sums);
         print_reliability(sums);
     }
@@ -475,12 +475,13 @@ int main(int argc, char** argv) {
     rows.print_growth(bench);
     rows.print_other("off-air", "30 % off air", universal, {.off_air_percent = 30});
     rows.print_other("unequal", "neighbours of unequal power", universal, {.unequal_db = 3});
-    rows.print_other("single", "one oscillator 10600", identify::Lnb::single(10600), {});
+    rows.print_other("own-powers", "orbit's own powers", universal, {.own_powers = true});
+    rows.print_other("single", "one oscillator 10600", identify::Lnb::single(10600), {}, 20);
     identify::Lnb circular = identify::Lnb::single(10750);
     circular.circular = true;
-    rows.print_other("circular", "circular, 10750", circular, {});
+    rows.print_other("circular", "circular, 10750", circular, {}, 20);
     // With a smaller dish the beam is as wide as three positions.
     rows.print_other("c-band", "C band 5150, dish of 240 cm", identify::Lnb::single(5150),
-                     {.dish_cm = 240});
+                     {.dish_cm = 240}, 20);
     return 0;
 }

@@ -21,7 +21,7 @@ constexpr double kMiddleMhz = 11725;
 meter::OrbitOptions options_of(const SkySettings& settings) {
     meter::OrbitOptions options;
     options.seed = settings.seed;
-    options.cn_db = settings.cn_db;
+    if (!settings.own_powers) options.cn_db = settings.cn_db;
     options.off_air_percent = settings.off_air_percent;
     options.dish_cm = settings.dish_cm;
     options.unlisted_percent = settings.unlisted_percent;

@@ -28,6 +28,8 @@ class SkyTables {
 struct SkySettings {
     std::uint64_t seed = 1;
     double cn_db = 12;  ///< of the satellites on the axis of the dish
+    /// Each neighbourhood has the power of its own that the simulated meter gives it, not `cn_db`.
+    bool own_powers = false;
     double east = 0;    ///< where the dish looks, degrees
     double off_air_percent = 20;
     double unlisted_percent = 10;

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <numbers>
 #include <numeric>
 
 namespace m47::identify {
@@ -29,13 +30,20 @@ double width_of(double sky_mhz, double dish_cm) {
     return 70 * kLightMetresMhz / sky_mhz / (dish_cm / 100);
 }
 
-/// The integral of a carrier's shape from its centre to `x`, both in symbol rates; its edge is
-/// taken as straight.
+/// How high a carrier stands at `x` symbol rates from its centre, 0 to 1: a raised cosine.
+double shape_at(double x) {
+    const double into = (std::abs(x) - kFlat) / (kEnd - kFlat);
+    if (into <= 0) return 1;
+    return into >= 1 ? 0 : (1 + std::cos(std::numbers::pi * into)) / 2;
+}
+
+/// The integral of that from the centre to `x`, both in symbol rates.
 double from_centre(double x) {
     const double far = std::min(std::abs(x), kEnd);
     const double into = std::max(0.0, far - kFlat);
-    const double area = std::min(far, kFlat) + into - into * into / (2 * (kEnd - kFlat));
-    return std::copysign(area, x);
+    const double wide = (kEnd - kFlat) / std::numbers::pi;
+    const double edge = into > 0 ? (into + wide * std::sin(into / wide)) / 2 : 0;
+    return std::copysign(std::min(far, kFlat) + edge, x);
 }
 
 bool is_circular(const Carrier& carrier) {
@@ -107,6 +115,12 @@ double Emitter::share(double if_mhz, double drift) const {
     const double low = (if_mhz - kFilterMhz / 2 - carrier.if_mhz - drift) / carrier.rate;
     const double high = low + kFilterMhz / carrier.rate;
     return carrier.rate * (from_centre(high) - from_centre(low)) / kFilterMhz;
+}
+
+double Emitter::slope(double if_mhz, double drift) const {
+    const double low = (if_mhz - kFilterMhz / 2 - carrier.if_mhz - drift) / carrier.rate;
+    const double high = low + kFilterMhz / carrier.rate;
+    return (shape_at(low) - shape_at(high)) / kFilterMhz;
 }
 
 Arc::Arc(std::vector<Candidate> candidates, double dish_cm) : candidates_(std::move(candidates)) {

@@ -27,6 +27,8 @@ struct Emitter {
     double loss(double east) const;
     /// The part of the measuring filter that it fills, 0 to 1, when the LNB drifts by `drift` MHz.
     double share(double if_mhz, double drift) const;
+    /// By how much that grows with each MHz of drift.
+    double slope(double if_mhz, double drift) const;
 };
 
 /// True where the two cannot be on air at once: they overlap on one satellite.

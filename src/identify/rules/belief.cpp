@@ -11,8 +11,6 @@ namespace {
 constexpr double kNoneAtFirst = 0.05;
 constexpr double kBesideAtFirst = 0.05;
 constexpr double kNothingAtFirst = 0.1;
-/// Levels are not quite independent of one another, so each counts for less.
-constexpr double kTrust = 0.5;
 /// So many candidates get a fine grid: the best so far, and the neighbours of the first of them.
 constexpr std::size_t kRefined = 16;
 constexpr std::size_t kWithNeighbours = 3;
@@ -137,9 +135,9 @@ double Belief::log_none(double best) const {
     const double places = std::log(static_cast<double>(arc_.size() + 1));
     std::vector<double> logs;
     for (std::size_t k = 0; k < arc_.size(); ++k)
-        logs.push_back(front(k).log_beside(kTrust) + std::log(kBesideAtFirst) - places);
+        logs.push_back(front(k).log_beside() + std::log(kBesideAtFirst) - places);
     for (const auto& [which, front] : unlisted_)
-        logs.push_back(unlisted(which).log_beside(kTrust) + std::log(kNoneAtFirst) - places);
+        logs.push_back(unlisted(which).log_beside() + std::log(kNoneAtFirst) - places);
     // Before anything is known of them, they are as good as the best candidate.
     if (unlisted_.empty()) logs.push_back(std::log(kNoneAtFirst) + best);
     const double most = *std::ranges::max_element(logs);
@@ -152,7 +150,7 @@ void Belief::settle() {
     const double each = std::log((1 - kNoneAtFirst - kBesideAtFirst - kNothingAtFirst) /
                                  static_cast<double>(std::max<std::size_t>(1, arc_.size())));
     std::vector<double> logs(arc_.size() + 2, kNever);
-    for (std::size_t k = 0; k < arc_.size(); ++k) logs[k] = front(k).log_named(kTrust) + each;
+    for (std::size_t k = 0; k < arc_.size(); ++k) logs[k] = front(k).log_named() + each;
     logs[arc_.size()] = log_none(*std::ranges::max_element(logs));
     logs[arc_.size() + 1] = kTrust * log_nothing_ + std::log(kNothingAtFirst);
     const double top = *std::ranges::max_element(logs);

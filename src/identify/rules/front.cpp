@@ -7,12 +7,29 @@
 namespace m47::identify {
 namespace {
 
-/// What may come over from the other polarisation, as a power ratio.
+/// What may come over from the other polarisation, as a power ratio and in dB.
 constexpr float kCrossPolar = 0.006F;
+constexpr double kCrossPolarDb = 22;
+/// How far transponders of a satellite differ from one another, dB.
+constexpr double kSpread = 0.9;
+/// Where carriers have equal power, those of this rate, MS/s, have the C/N that is told of.
+constexpr double kUsualRate = 27.5;
+/// and narrow ones that fill the filter in part stand higher by about this, dB.
+constexpr float kNarrowHigher = 5.5F;
+constexpr double kNarrowSpread = 2.2;
+/// Neighbours are as strong as the candidate, more often than they are not.
+constexpr double kEquallyStrong = 0.7;
+constexpr double kAlike = 0.6;
+constexpr double kUnequalDb = 3;
+/// The edge of a carrier makes a level uncertain by at most this, dB.
+constexpr double kMostOfEdge = 5;
+/// A cell is left out for good where it is so much less probable than the most probable one.
+constexpr float kDropped = 50;
+constexpr std::size_t kDropEach = 8;
 /// Whose carriers are weaker by more, dB, adds nothing that stands out.
 constexpr double kNearDb = 12;
 /// A carrier that fills less of the filter is not counted.
-constexpr double kLeastShare = 0.03;
+constexpr double kLeastShare = 0.01;
 constexpr double kFaintDb = 26;
 constexpr std::size_t kPartsHeld = Mixture::kMost;
 constexpr double kWidestHalf = 35;  // MHz: half of a carrier, drift and filter
@@ -29,8 +46,9 @@ constexpr double kFinestStep = 0.02;
 constexpr double kUnlistedStep = 0.17;
 constexpr double kMostDrift = 3;  // MHz
 constexpr double kAllDrifts = 7;
-constexpr double kAllCns = 12;
+constexpr double kAllCns = 20;
 constexpr double kLeastCn = 6.5;
+constexpr double kMostCn = 26;
 /// The chance that nothing is where several that exclude one another are listed is at least this.
 constexpr float kLeastDark = 0.1F;
 /// Of what no candidate is so much reaches into the filter with its edge alone.
@@ -87,10 +105,12 @@ Front::Front(const Arc& arc, std::size_t candidate, Kind kind, Grid grid)
     const bool fine = grid == Grid::fine;
     const bool finer = fine && kind == Kind::listed;
     drifts_ = fine ? steps(finer ? -kMostDrift : -2, finer ? 1.5 : 2, kMostDrift) : steps(-2, 2, 2);
-    cns_ = finer ? steps(7, 1.5, 17.5) : steps(9, 3, fine ? 18 : 15);
+    cns_ = finer ? steps(7, 1.5, kMostCn) : steps(9, 3, kMostCn);
+    drift_spread_ = (finer ? 1.5 : 2) / std::sqrt(12.0);
     const double of_others = finer ? 1.5 * 1.5 : 2 * 3;
     const double step = fine ? (finer ? kFineStep : kUnlistedStep) : kCoarseStep;
     make_losses({1});
+    make_strengths(grid);
     make_cells(step * arc.beam() * of_others);
 }
 
@@ -104,7 +124,9 @@ Front::Front(const Arc& arc, std::size_t candidate, Kind kind, const Best& aroun
     drifts_ = steps(std::max(-kMostDrift, around.drift - 0.75), drift_step,
                     std::min(kMostDrift, around.drift + 0.75));
     cns_ = steps(std::max(kLeastCn, around.cn - 2 * cn_step), cn_step, around.cn + 2 * cn_step);
+    drift_spread_ = drift_step / std::sqrt(12.0);
     make_losses(kind == Kind::listed ? std::vector<double>{} : std::vector<double>{0.2, 1.2, 2.5});
+    make_strengths_around(around);
     make_cells(step * arc.beam() * drift_step * cn_step);
 }
 
@@ -151,7 +173,29 @@ void Front::make_places(Grid grid) {
         places_.push_back({middle, true, 0, {{candidate_, 0}}});
 }
 
-void Front::make_strengths() {
+void Front::make_strengths(Grid grid) {
+    const std::vector<double> steps =
+        grid == Grid::coarse ? std::vector<double>{0} : std::vector<double>{0, -kUnequalDb, kUnequalDb};
+    for (const bool alike : {true, false})
+        for (const double others : steps) {
+            const double equal = others == 0 ? kEquallyStrong : (1 - kEquallyStrong) / 2;
+            const double chance = (alike ? kAlike : 1 - kAlike) * (steps.size() > 1 ? equal : 1);
+            strengths_.push_back({alike, others, chance});
+        }
+}
+
+void Front::make_strengths_around(const Best& best) {
+    if (best.others == 0) {
+        const double chance = (best.alike ? kAlike : 1 - kAlike) * kEquallyStrong;
+        strengths_.push_back({best.alike, 0, chance});
+        return;
+    }
+    const double chance = (best.alike ? kAlike : 1 - kAlike) * (1 - kEquallyStrong) / 2 / 3;
+    for (const double more : {-1.3, 0.0, 1.3})
+        strengths_.push_back({best.alike, best.others + more, chance});
+}
+
+void Front::make_powers() {
     for (const double cn : cns_) on_axis_.push_back(static_cast<float>(ratio(cn)));
     const auto full = [](double cn) { return static_cast<float>(10 * std::log10(1 + ratio(cn))); };
     for (const Place& place : places_)
@@ -170,43 +214,68 @@ void Front::make_losses(const std::vector<double>& losses) {
 }
 
 void Front::make_cells(double volume) {
-    make_strengths();
-    for (std::size_t drift = 0; drift < drifts_.size(); ++drift)
-        for (std::size_t place = 0; place < places_.size(); ++place)
-            for (std::size_t occupied = 0; occupied < occupied_.size(); ++occupied)
-                for (std::size_t cn = 0; cn < cns_.size(); ++cn)
-                    cells_.push_back(
-                        {static_cast<std::uint16_t>(place), static_cast<std::uint16_t>(drift),
-                         static_cast<std::uint16_t>(cn), static_cast<std::uint16_t>(occupied), 0});
+    make_powers();
+    const auto all = [](const auto& steps) { return static_cast<std::uint8_t>(steps.size()); };
+    for (std::uint8_t drift = 0; drift < all(drifts_); ++drift)
+        for (std::uint8_t place = 0; place < all(places_); ++place)
+            for (std::uint8_t occupied = 0; occupied < all(occupied_); ++occupied)
+                for (std::uint8_t strength = 0; strength < all(strengths_); ++strength) {
+                    // What is held before any evidence has its full weight.
+                    const double before = std::log(strengths_[strength].chance) / kTrust;
+                    for (std::uint32_t cn = 0; cn < cns_.size(); ++cn)
+                        cells_.push_back({{drift, place, occupied, strength},
+                                          cn,
+                                          static_cast<float>(before)});
+                }
     log_cell_ = std::log(volume / (kAllDrifts * kAllCns * 2 * kNextToIt * arc_.beam() *
                                    static_cast<double>(occupied_.size())));
 }
 
-std::vector<Front::Ray> Front::rays(int state, double if_mhz, double drift) const {
+void Front::add_rays(std::vector<Ray>& found, int state, double if_mhz, double drift,
+                     double loss) const {
     const std::vector<Emitter>& all = arc_.around(candidate_)[static_cast<std::size_t>(state)];
-    std::vector<Ray> found;
     auto next = std::ranges::lower_bound(all, if_mhz - kWidestHalf, {},
                                          [](const Emitter& e) { return e.carrier.if_mhz; });
     for (; next != all.end() && next->carrier.if_mhz < if_mhz + kWidestHalf; ++next) {
+        // What an LNB for the other kind of polarisation receives comes in either state.
+        if (loss > 0 && next->carrier.loss > 0) continue;
         const double share = next->share(if_mhz, drift);
-        if (share > kLeastShare) found.push_back({&*next, share});
+        if (share < kLeastShare) continue;
+        const double edge = std::min(
+            kMostOfEdge, 4.343 * std::abs(next->slope(if_mhz, drift)) / share * drift_spread_);
+        found.push_back({&*next, share, loss, kSpread * kSpread + edge * edge});
     }
+}
+
+std::vector<Front::Ray> Front::rays(int state, double if_mhz, double drift) const {
+    std::vector<Ray> found;
+    add_rays(found, state, if_mhz, drift, 0);
+    add_rays(found, state % 2 == 0 ? state + 1 : state - 1, if_mhz, drift, kCrossPolarDb);
     return found;
 }
 
-std::vector<Front::Heard> Front::heard(const std::vector<Ray>& rays, const Place& place, Own own) {
+std::vector<Front::Heard> Front::heard(const std::vector<Ray>& rays, const Place& place,
+                                       const Strength& strength, Own own) const {
     std::vector<Heard> found;
     for (const Ray& ray : rays) {
-        const double loss = ray.emitter->loss(place.east);
+        const Carrier& carrier = ray.emitter->carrier;
+        const bool is_other = kind_ == Kind::unlisted || ray.emitter->candidate != candidate_;
+        const double higher = strength.alike ? 1 : kUsualRate / carrier.rate;
+        const double loss = ray.emitter->loss(place.east) + ray.loss -
+                            (is_other ? strength.others : 0);
         if (loss > kFaintDb) continue;
-        const Part part{static_cast<float>(ray.share * ratio(-loss)),
-                        static_cast<float>(ray.emitter->chance)};
-        found.push_back({part, ray.emitter});
+        const Part part{.power = static_cast<float>(ray.share * higher * ratio(-loss)),
+                        .chance = static_cast<float>(ray.emitter->chance),
+                        .variance = static_cast<float>(ray.variance)};
+        found.push_back({part, ray.emitter, ray.share});
     }
-    if (own.chance > 0)
-        found.push_back(
-            {{static_cast<float>(own.power), static_cast<float>((1 - kEdges) * own.chance)},
-             nullptr});
+    if (own.chance > 0) {
+        const double spread = strength.alike ? kSpread : kNarrowSpread;
+        found.push_back({{.power = static_cast<float>(own.power),
+                          .chance = static_cast<float>((1 - kEdges) * own.chance),
+                          .variance = static_cast<float>(spread * spread)},
+                         nullptr});
+    }
     std::ranges::stable_sort(found, [](auto& a, auto& b) { return a.part.power > b.part.power; });
     return found;
 }
@@ -229,16 +298,12 @@ void Front::part_from_rivals(std::vector<Heard>& heard, std::size_t k) {
     part.odds = part.chance / std::max(kLeastDark, 1 - inside);
 }
 
-std::vector<Part> Front::parts(const std::vector<Ray>& rays, const Place& place, Own own,
-                               std::vector<const Emitter*>* order) const {
-    std::vector<Heard> found = heard(rays, place, own);
-    std::vector<Part> parts;
-    for (std::size_t k = 0; k < found.size(); ++k) {
-        part_from_rivals(found, k);
-        parts.push_back(found[k].part);
-        if (order != nullptr) order->push_back(found[k].emitter);
-    }
-    return parts;
+std::vector<Front::Heard> Front::parts(const std::vector<Ray>& rays, const Setting& setting,
+                                       Own own) const {
+    std::vector<Heard> found =
+        heard(rays, places_[setting.place], strengths_[setting.strength], own);
+    for (std::size_t k = 0; k < found.size(); ++k) part_from_rivals(found, k);
+    return found;
 }
 
 Front::Chances Front::unlisted_near(int state, double if_mhz, const Place& place) const {
@@ -248,29 +313,34 @@ Front::Chances Front::unlisted_near(int state, double if_mhz, const Place& place
     return chances;
 }
 
-Mixture Front::mixture(const std::vector<Part>& parts, const Cell& cell, const Chances& unlisted,
-                       double usual) const {
+Mixture Front::mixture(const std::vector<Heard>& parts, const Cell& cell,
+                       const Chances& unlisted, double usual) const {
     std::vector<Part>& scaled = scaled_;
-    scaled.assign(parts.begin(), parts.end());
-    for (Part& part : scaled) part.power *= on_axis_[cell.cn];
+    scaled.clear();
+    for (const Heard& heard : parts) {
+        scaled.push_back(heard.part);
+        scaled.back().power *= on_axis_[cell.cn];
+    }
     Stray stray;
-    const std::size_t first = (cell.place * cns_.size() + cell.cn) * Stray::kMost;
+    stray.narrow = strengths_[cell.setting.strength].alike ? 0 : kNarrowHigher;
+    const std::size_t first = (cell.setting.place * cns_.size() + cell.cn) * Stray::kMost;
     for (std::size_t k = 0; k < Stray::kMost; ++k)
         stray.sources[k] = {unlisted[k], near_db_[first + k]};
     if (usual > 0)
         stray.sources.back() = {static_cast<float>(kEdges * usual),
-                                own_db_[cell.occupied * cns_.size() + cell.cn]};
+                                own_db_[cell.setting.occupied * cns_.size() + cell.cn]};
     return {scaled, kCrossPolar * on_axis_[cell.cn], stray};
 }
 
-Mixture Front::mixture_at(const Cell& cell, int state, double if_mhz, std::vector<Part>* made_of,
-                          std::vector<const Emitter*>* order) const {
-    const Place& place = places_[cell.place];
-    const Own lit = own(state, if_mhz, occupied_[cell.occupied]);
-    const std::vector<Part> on_axis =
-        parts(rays(state, if_mhz, drifts_[cell.drift]), place, lit, order);
+Mixture Front::mixture_at(const Cell& cell, int state, double if_mhz,
+                          std::vector<Heard>* made_of) const {
+    const Setting& setting = cell.setting;
+    const Own lit = own(state, if_mhz, occupied_[setting.occupied]);
+    const std::vector<Heard> on_axis =
+        parts(rays(state, if_mhz, drifts_[setting.drift]), setting, lit);
     if (made_of != nullptr) *made_of = on_axis;
-    return mixture(on_axis, cell, unlisted_near(state, if_mhz, place), lit.chance);
+    return mixture(on_axis, cell, unlisted_near(state, if_mhz, places_[setting.place]),
+                   lit.chance);
 }
 
 /// The chance that what no candidate is has power there: as much as its state of the LNB shows, and
@@ -285,26 +355,39 @@ Front::Own Front::own(int state, double if_mhz, const Unlisted& unlisted) const 
 
 void Front::take(const Height& height) {
     const auto above = static_cast<float>(height.db);
-    auto cell = cells_.begin();
-    for (const double drift : drifts_) {
-        const std::vector<Ray> near = rays(height.state, height.if_mhz, drift);
-        for (const Place& place : places_) {
-            const Chances unlisted = unlisted_near(height.state, height.if_mhz, place);
-            for (const Unlisted& occupied : occupied_) {
-                const Own lit = own(height.state, height.if_mhz, occupied);
-                const std::vector<Part> on_axis = parts(near, place, lit);
-                for (std::size_t cn = 0; cn < cns_.size(); ++cn, ++cell)
-                    cell->log += mixture(on_axis, *cell, unlisted, lit.chance).log_density(above);
-            }
-        }
+    std::vector<Ray> near;
+    for (auto cell = cells_.begin(); cell != cells_.end();) {
+        const Setting setting = cell->setting;
+        if (cell == cells_.begin() || setting.drift != std::prev(cell)->setting.drift)
+            near = rays(height.state, height.if_mhz, drifts_[setting.drift]);
+        const Chances unlisted =
+            unlisted_near(height.state, height.if_mhz, places_[setting.place]);
+        const Own lit = own(height.state, height.if_mhz, occupied_[setting.occupied]);
+        const std::vector<Heard> on_axis = parts(near, setting, lit);
+        for (; cell != cells_.end() && cell->setting == setting; ++cell)
+            cell->log += mixture(on_axis, *cell, unlisted, lit.chance).log_density(above);
     }
 }
 
+/// What has become hopeless is not reckoned any further.
+void Front::drop_cells() {
+    find_most();
+    if (cells_.empty()) return;
+    const float least = cells_[most_].log - kDropped;
+    std::erase_if(cells_, [&](const Cell& cell) { return cell.log < least; });
+    find_most();
+}
+
+void Front::find_most() {
+    const auto most =
+        std::ranges::max_element(cells_, {}, [](const Cell& cell) { return cell.log; });
+    most_ = static_cast<std::size_t>(std::distance(cells_.begin(), most));
+}
+
 double Front::lock_density(const Cell& cell, const LockTry& trial) const {
-    const double drift = drifts_[cell.drift];
-    std::vector<const Emitter*> order;
-    std::vector<Part> on_axis;
-    const Mixture held = mixture_at(cell, trial.state, trial.if_mhz, &on_axis, &order);
+    const double drift = drifts_[cell.setting.drift];
+    std::vector<Heard> on_axis;
+    const Mixture held = mixture_at(cell, trial.state, trial.if_mhz, &on_axis);
     const auto shares = held.shares(static_cast<float>(trial.above));
     const double carriers = std::max(0.01, ratio(trial.above) - 1);
     double locked = 0;
@@ -316,20 +399,23 @@ double Front::lock_density(const Cell& cell, const LockTry& trial) const {
         for (int k = held.parts() - 1; k >= 0; --k)
             if ((which >> k & 1U) != 0) {
                 strongest = k;
-                sum += on_axis[static_cast<std::size_t>(k)].power;
+                sum += on_axis[static_cast<std::size_t>(k)].part.power;
             }
         if (strongest < 0) {
             locked += shares[which] * kLockOfNothing;
             continue;
         }
-        const Emitter* emitter = order[static_cast<std::size_t>(strongest)];
+        const Heard& best = on_axis[static_cast<std::size_t>(strongest)];
+        const Emitter* emitter = best.emitter;
         if (emitter == nullptr) {
             locked += shares[which] * kLockOfUnlisted;
             continue;
         }
         const double capture = captured(emitter->carrier, trial, drift);
-        const double own = carriers * on_axis[static_cast<std::size_t>(strongest)].power / sum;
-        const double cn = 10 * std::log10(own / (1 + carriers - own));
+        const double own = carriers * best.part.power / sum;
+        // The demodulator's filter is as wide as the carrier.
+        const double filled = std::min(1.0, best.share);
+        const double cn = 10 * std::log10(own / filled / (1 + carriers - own));
         locked += shares[which] *
                   (kLockOfNothing + capture * kMostLock * logistic((cn - kNeeded) / kNeededSpread) *
                                         offset_density(trial, emitter->carrier, drift));
@@ -345,29 +431,36 @@ void Front::take(const LockTry& trial) {
 void Front::catch_up(const Evidence& evidence) {
     filled_ = evidence.filled;
     if (heights_ == evidence.heights.size() && locks_ == evidence.locks.size()) return;
-    for (; heights_ < evidence.heights.size(); ++heights_) take(evidence.heights[heights_]);
+    for (; heights_ < evidence.heights.size(); ++heights_) {
+        take(evidence.heights[heights_]);
+        if (heights_ % kDropEach == kDropEach - 1) drop_cells();
+    }
     for (; locks_ < evidence.locks.size(); ++locks_) take(evidence.locks[locks_]);
-    const auto most =
-        std::ranges::max_element(cells_, {}, [](const Cell& cell) { return cell.log; });
-    most_ = static_cast<std::size_t>(std::distance(cells_.begin(), most));
+    find_most();
 }
 
-double Front::log_sum(bool named, double trust) const {
+double Front::log_sum(bool named) const {
     constexpr double kNever = -1e9;
     double most = kNever;
     for (const Cell& cell : cells_)
-        if (places_[cell.place].named == named) most = std::max(most, trust * cell.log);
+        if (places_[cell.setting.place].named == named) most = std::max<double>(most, kTrust * cell.log);
     if (most == kNever) return kNever;
     double sum = 0;
     for (const Cell& cell : cells_)
-        if (places_[cell.place].named == named) sum += std::exp(trust * cell.log - most);
+        if (places_[cell.setting.place].named == named) sum += std::exp(kTrust * cell.log - most);
     return most + std::log(sum) + log_cell_;
 }
 
 Front::Best Front::best() const {
     if (cells_.empty()) return {.log = -1e9};
     const Cell& most = cells_[most_];
-    return {drifts_[most.drift], places_[most.place].east, cns_[most.cn], most.log};
+    const Strength& strength = strengths_[most.setting.strength];
+    return {drifts_[most.setting.drift],
+            places_[most.setting.place].east,
+            cns_[most.cn],
+            most.log,
+            strength.alike,
+            strength.others};
 }
 
 Mixture::Mean Front::expect(int state, double if_mhz) const {

@@ -11,6 +11,9 @@
 
 namespace m47::identify {
 
+/// Levels are not quite independent of one another, so each counts for so much less.
+inline constexpr double kTrust = 0.5;
+
 /// A level against the noise floor.
 struct Height {
     int state = 0;
@@ -50,6 +53,8 @@ class Front {
         double east = 0;   ///< where the dish looks
         double cn = 0;     ///< dB, of a satellite on its axis
         double log = 0;
+        bool alike = true;  ///< narrow carriers stand as high as wide ones
+        double others = 0;  ///< dB by which the neighbours are stronger
     };
 
     Front(const Arc& arc, std::size_t candidate, Kind kind, Grid grid);
@@ -60,14 +65,16 @@ class Front {
     void catch_up(const Evidence& evidence);
 
     /// The logarithms of how well the evidence fits: with the dish at the candidate, and with the
-    /// dish where nothing is that could be named. `trust` (0 to 1) is the weight of the evidence.
-    double log_named(double trust) const { return log_sum(true, trust); }
-    double log_beside(double trust) const { return log_sum(false, trust); }
+    /// dish where nothing is that could be named.
+    double log_named() const { return log_sum(true); }
+    double log_beside() const { return log_sum(false); }
 
     Best best() const;
     /// True for a finest grid around just these unknowns.
     bool is_around(const Best& best) const {
-        return best.drift == around_.drift && best.east == around_.east && best.cn == around_.cn;
+        return best.drift == around_.drift && best.east == around_.east &&
+               best.cn == around_.cn && best.alike == around_.alike &&
+               best.others == around_.others;
     }
 
     /// By how many standard deviations the levels fit better (worse below 0), at the most probable
@@ -99,53 +106,74 @@ class Front {
         double fills = 0;  ///< how much of the band, against what the scan shows
         double loss = 0;   ///< dB, as it may be beside the axis
     };
+    /// How strong the satellites are beside one another.
+    struct Strength {
+        bool alike = true;  ///< carriers of any width stand equally high, else have equal power
+        double others = 0;  ///< dB by which the neighbours are stronger
+        double chance = 1;
+    };
+    /// All that the carriers at 0 dB of C/N on the axis depend on.
+    struct Setting {
+        std::uint8_t drift = 0;
+        std::uint8_t place = 0;
+        std::uint8_t occupied = 0;
+        std::uint8_t strength = 0;
+        bool operator==(const Setting&) const = default;
+    };
+    /// Those of a setting stand together.
     struct Cell {
-        std::uint16_t place = 0;
-        std::uint16_t drift = 0;
-        std::uint16_t cn = 0;
-        std::uint16_t occupied = 0;
+        Setting setting{};
+        std::uint32_t cn = 0;
         float log = 0;
     };
     /// A carrier that reaches into the filter.
     struct Ray {
         const Emitter* emitter;
         double share;
+        double loss;      ///< dB, as it comes over from the other polarisation
+        double variance;  ///< dB squared, as it is not known where in the filter its edge is
     };
 
     void make_places(Grid grid);
     void find_near(Place& place) const;
-    void make_strengths();
+    void make_strengths(Grid grid);
+    void make_strengths_around(const Best& best);
+    void make_powers();
     void make_losses(const std::vector<double>& losses);
     void add_place(double east);
     void make_cells(double volume);
     std::vector<Ray> rays(int state, double if_mhz, double drift) const;
+    void add_rays(std::vector<Ray>& found, int state, double if_mhz, double drift,
+                  double loss) const;
     /// The same as the dish hears it, from one place, at 0 dB of C/N on the axis.
     struct Heard {
         Part part;
         const Emitter* emitter;  ///< nothing for what no candidate is
+        double share = 1;        ///< of the filter
     };
     /// What no candidate is: the chance that it is there, and its power against one on the axis.
     struct Own {
         double chance = 0;
         double power = 1;
     };
-    static std::vector<Heard> heard(const std::vector<Ray>& rays, const Place& place, Own own);
+    std::vector<Heard> heard(const std::vector<Ray>& rays, const Place& place,
+                             const Strength& strength, Own own) const;
     static void part_from_rivals(std::vector<Heard>& heard, std::size_t k);
-    std::vector<Part> parts(const std::vector<Ray>& rays, const Place& place, Own own,
-                            std::vector<const Emitter*>* order = nullptr) const;
+    std::vector<Heard> parts(const std::vector<Ray>& rays, const Setting& setting, Own own) const;
     /// What nobody lists, at a frequency, but for how strong it is.
     using Chances = std::array<float, Stray::kMost>;
     Chances unlisted_near(int state, double if_mhz, const Place& place) const;
-    Mixture mixture(const std::vector<Part>& parts, const Cell& cell, const Chances& unlisted,
+    Mixture mixture(const std::vector<Heard>& parts, const Cell& cell, const Chances& unlisted,
                     double usual) const;
     Mixture mixture_at(const Cell& cell, int state, double if_mhz,
-                       std::vector<Part>* made_of = nullptr,
-                       std::vector<const Emitter*>* order = nullptr) const;
+                       std::vector<Heard>* made_of = nullptr) const;
     void take(const Height& height);
     void take(const LockTry& trial);
+    void drop_cells();
+    void find_most();
     Own own(int state, double if_mhz, const Unlisted& unlisted) const;
     double lock_density(const Cell& cell, const LockTry& trial) const;
-    double log_sum(bool named, double trust) const;
+    double log_sum(bool named) const;
 
     const Arc& arc_;
     std::size_t candidate_;
@@ -158,6 +186,8 @@ class Front {
     std::vector<float> near_db_;  ///< of who is near, by place, C/N and which of them
     std::vector<float> own_db_;   ///< of what no candidate is, by `occupied_` and C/N
     std::vector<Unlisted> occupied_;
+    std::vector<Strength> strengths_;
+    double drift_spread_ = 0;  ///< MHz, by which a drift is off its place on the grid
     std::vector<Cell> cells_;
     double log_cell_ = 0;               ///< the weight of a cell before any evidence
     mutable std::vector<Part> scaled_;  ///< kept, as it is needed for each cell of each level

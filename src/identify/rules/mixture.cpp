@@ -9,10 +9,8 @@ namespace {
 
 /// The meter's scatter and what the noise floor is off, dB.
 constexpr float kJitter = 0.3F;
-/// How far transponders of a satellite differ from one another, dB.
-constexpr float kSpread = 0.9F;
 /// The chance that something of the other polarisation is there.
-constexpr float kCrossedChance = 0.35F;
+constexpr float kCrossedChance = 0.1F;
 constexpr float kOfSquareRoot = 0.39894228F;  // 1 / sqrt(2 pi)
 /// Of a level for which there is no explanation at all.
 constexpr float kOutlier = 1e-4F;
@@ -58,12 +56,11 @@ Mixture::Case Mixture::case_of(const std::vector<Part>& parts, unsigned which, R
         if ((part.excluded & which) != 0) return {};
         one.weight *= part.odds;
         sum += part.power;
-        squares += part.power * part.power;
+        squares += part.variance * part.power * part.power;
     }
     one.db = db_of(sum);
-    one.variance =
-        kJitter * kJitter +
-        (kSpread * kSpread * squares + kDbOfPart * kDbOfPart * rest.variance) / (sum * sum);
+    one.variance = kJitter * kJitter +
+                   (squares + kDbOfPart * kDbOfPart * rest.variance) / (sum * sum);
     return one;
 }
 
@@ -103,10 +100,11 @@ float Mixture::stray_density(float above) const {
     for (const Stray::Source& source : stray_.sources) {
         if (source.chance <= 0) continue;
         const float off = (above - source.usual) / kStraySpread;
-        if (off > kMostOff) continue;
-        sum += kFull * source.chance * kOfSquareRoot / kStraySpread * std::exp(-off * off / 2);
-        if (above > least && off < 1)
-            sum += (1 - kFull) * source.chance / (source.usual + kStraySpread - least);
+        const float highest = source.usual + kStraySpread + stray_.narrow;
+        if (off < kMostOff)
+            sum += kFull * source.chance * kOfSquareRoot / kStraySpread * std::exp(-off * off / 2);
+        if (above > least && above < highest)
+            sum += (1 - kFull) * source.chance / (highest - least);
     }
     return sum;
 }
@@ -132,7 +130,7 @@ Mixture::Mean Mixture::mean() const {
 Mixture::Mean Mixture::usual_log() const {
     constexpr float kLowest = -1.5F;
     constexpr float kStep = 0.15F;
-    constexpr int kSteps = 180;
+    constexpr int kSteps = 240;
     float weight = 0;
     float mean = 0;
     float squares = 0;

@@ -11,6 +11,7 @@ struct Part {
     float power = 0;        ///< as a ratio to the noise in the filter, if it is there
     float chance = 0;       ///< that it is there
     float odds = 0;         ///< the same against that nothing is in its place
+    float variance = 0;     ///< dB squared, of its power, if it is there
     unsigned excluded = 0;  ///< bit k: it cannot be there together with part k
 };
 
@@ -22,7 +23,7 @@ struct Stray {
     };
     static constexpr int kMost = 3;
     std::array<Source, kMost> sources{};
-    float highest = 1;  ///< dB above the noise
+    float narrow = 0;  ///< dB by which a narrow one stands higher
 
     float chance() const;
 };
