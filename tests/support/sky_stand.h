@@ -30,7 +30,7 @@ struct SkySettings {
     double cn_db = 12;  ///< of the satellites on the axis of the dish
     /// Each neighbourhood has the power of its own that the simulated meter gives it, not `cn_db`.
     bool own_powers = false;
-    double east = 0;    ///< where the dish looks, degrees
+    double east = 0;  ///< where the dish looks, degrees
     double off_air_percent = 20;
     double unlisted_percent = 10;
     double dish_cm = 80;

@@ -13,11 +13,14 @@ constexpr double kBesideAtFirst = 0.05;
 constexpr double kNothingAtFirst = 0.1;
 /// So many candidates get a fine grid: the best so far, and the neighbours of the first of them.
 constexpr std::size_t kRefined = 16;
-constexpr std::size_t kWithNeighbours = 3;
+constexpr std::size_t kWithNeighbours = 2;
 constexpr std::size_t kFinest = 3;
 /// Candidates that fit so badly are not looked at closer.
-constexpr double kHopeless = 1e-18;
+constexpr double kHopeless = 1e-12;
 constexpr std::size_t kNeighboursRefined = 4;
+/// and those that fit so much worse are given up, whatever is still to come.
+constexpr double kGivenUp = 40;
+constexpr std::size_t kLevelsAtOnce = 22;
 /// Where no satellite is, there is seldom a level above the noise.
 constexpr double kStray = 0.001;
 constexpr double kStrayRange = 25;  // dB
@@ -54,7 +57,12 @@ void add_finest(const Arc& arc, const std::map<std::size_t, Front>& fine, const 
 Belief::Belief(const Arc& arc) : arc_(arc) {
     for (std::size_t k = 0; k < arc.size(); ++k)
         coarse_.emplace_back(arc, k, Front::Kind::listed, Front::Grid::coarse);
+    given_up_.assign(arc.size(), false);
     settle();
+}
+
+bool Belief::is_given_up(std::size_t candidate) const {
+    return given_up_[candidate] && !fine_.contains(candidate);
 }
 
 const Front& Belief::front(std::size_t candidate) const {
@@ -119,8 +127,29 @@ void Belief::refine_more(const Evidence& evidence) {
     add_finest(arc_, unlisted_, evidence, finest_unlisted_);
 }
 
+/// Step by step, as most of the candidates are far from it after a few levels already.
+void Belief::catch_up_coarse(const Evidence& evidence) {
+    const std::size_t all = evidence.heights.size();
+    for (std::size_t seen = nothing_seen_;;) {
+        seen = std::min(all, seen + kLevelsAtOnce);
+        double best = kNever;
+        for (std::size_t k = 0; k < coarse_.size(); ++k) {
+            if (given_up_[k]) continue;
+            coarse_[k].catch_up(evidence, seen);
+            best = std::max(best, coarse_[k].best().log);
+        }
+        give_up_far(best - kGivenUp / kTrust);
+        if (seen == all) return;
+    }
+}
+
+void Belief::give_up_far(double least) {
+    for (std::size_t k = 0; k < coarse_.size(); ++k)
+        if (coarse_[k].best().log < least) given_up_[k] = true;
+}
+
 void Belief::update(const Evidence& evidence) {
-    for (Front& front : coarse_) front.catch_up(evidence);
+    catch_up_coarse(evidence);
     for (auto* fronts : {&fine_, &unlisted_, &finest_, &finest_unlisted_})
         for (auto& [which, front] : *fronts) front.catch_up(evidence);
     weigh_nothing(evidence);
@@ -135,7 +164,8 @@ double Belief::log_none(double best) const {
     const double places = std::log(static_cast<double>(arc_.size() + 1));
     std::vector<double> logs;
     for (std::size_t k = 0; k < arc_.size(); ++k)
-        logs.push_back(front(k).log_beside() + std::log(kBesideAtFirst) - places);
+        if (!is_given_up(k))
+            logs.push_back(front(k).log_beside() + std::log(kBesideAtFirst) - places);
     for (const auto& [which, front] : unlisted_)
         logs.push_back(unlisted(which).log_beside() + std::log(kNoneAtFirst) - places);
     // Before anything is known of them, they are as good as the best candidate.
@@ -150,7 +180,8 @@ void Belief::settle() {
     const double each = std::log((1 - kNoneAtFirst - kBesideAtFirst - kNothingAtFirst) /
                                  static_cast<double>(std::max<std::size_t>(1, arc_.size())));
     std::vector<double> logs(arc_.size() + 2, kNever);
-    for (std::size_t k = 0; k < arc_.size(); ++k) logs[k] = front(k).log_named() + each;
+    for (std::size_t k = 0; k < arc_.size(); ++k)
+        if (!is_given_up(k)) logs[k] = front(k).log_named() + each;
     logs[arc_.size()] = log_none(*std::ranges::max_element(logs));
     logs[arc_.size() + 1] = kTrust * log_nothing_ + std::log(kNothingAtFirst);
     const double top = *std::ranges::max_element(logs);

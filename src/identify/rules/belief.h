@@ -35,6 +35,9 @@ class Belief {
     Ideas ideas() const;
 
   private:
+    void catch_up_coarse(const Evidence& evidence);
+    void give_up_far(double least);
+    bool is_given_up(std::size_t candidate) const;
     std::vector<std::size_t> worth_refining() const;
     void drop_hopeless(const std::vector<std::size_t>& wanted);
     void refine(const Evidence& evidence);
@@ -46,6 +49,7 @@ class Belief {
 
     const Arc& arc_;
     std::vector<Front> coarse_;
+    std::vector<bool> given_up_;  ///< whose coarse grid takes in no more
     std::map<std::size_t, Front> fine_;
     std::map<std::size_t, Front> unlisted_;
     std::map<std::size_t, Front> finest_;           ///< of the most probable ones

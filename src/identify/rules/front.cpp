@@ -17,15 +17,18 @@ constexpr double kUsualRate = 27.5;
 /// and narrow ones that fill the filter in part stand higher by about this, dB.
 constexpr float kNarrowHigher = 5.5F;
 constexpr double kNarrowSpread = 2.2;
-/// Neighbours are as strong as the candidate, more often than they are not.
-constexpr double kEquallyStrong = 0.7;
-constexpr double kAlike = 0.6;
+/// How likely neighbours are as strong as the candidate, where carriers of any width stand equally
+/// high and where they have equal power. Where they are not the levels say so soon.
+constexpr double kEqualIfAlike = 0.99;
+constexpr double kEqualIfNot = 0.5;
+constexpr double kAlike = 0.9;
 constexpr double kUnequalDb = 3;
 /// The edge of a carrier makes a level uncertain by at most this, dB.
 constexpr double kMostOfEdge = 5;
 /// A cell is left out for good where it is so much less probable than the most probable one.
-constexpr float kDropped = 50;
+constexpr float kDropped = 34;
 constexpr std::size_t kDropEach = 8;
+constexpr std::size_t kDroppedSoon = 16;
 /// Whose carriers are weaker by more, dB, adds nothing that stands out.
 constexpr double kNearDb = 12;
 /// A carrier that fills less of the filter is not counted.
@@ -173,26 +176,33 @@ void Front::make_places(Grid grid) {
         places_.push_back({middle, true, 0, {{candidate_, 0}}});
 }
 
+/// The chance of these, of `count` that there are beside equal ones.
+double Front::chance_of(bool alike, bool equal, int count) {
+    const double equally = alike ? kEqualIfAlike : kEqualIfNot;
+    return (alike ? kAlike : 1 - kAlike) * (equal ? equally : (1 - equally) / count);
+}
+
 void Front::make_strengths(Grid grid) {
-    const std::vector<double> steps =
-        grid == Grid::coarse ? std::vector<double>{0} : std::vector<double>{0, -kUnequalDb, kUnequalDb};
-    for (const bool alike : {true, false})
-        for (const double others : steps) {
-            const double equal = others == 0 ? kEquallyStrong : (1 - kEquallyStrong) / 2;
-            const double chance = (alike ? kAlike : 1 - kAlike) * (steps.size() > 1 ? equal : 1);
-            strengths_.push_back({alike, others, chance});
+    for (const bool alike : {true, false}) {
+        if (grid == Grid::coarse) {
+            strengths_.push_back({alike, 0, alike ? kAlike : 1 - kAlike});
+            continue;
         }
+        for (const double others : {0.0, -kUnequalDb, kUnequalDb}) {
+            // A stronger listed one would be what the dish looks at.
+            if (kind_ == Kind::unlisted && others > 0) continue;
+            strengths_.push_back({alike, others, chance_of(alike, others == 0, 2)});
+        }
+    }
 }
 
 void Front::make_strengths_around(const Best& best) {
     if (best.others == 0) {
-        const double chance = (best.alike ? kAlike : 1 - kAlike) * kEquallyStrong;
-        strengths_.push_back({best.alike, 0, chance});
+        strengths_.push_back({best.alike, 0, chance_of(best.alike, true, 1)});
         return;
     }
-    const double chance = (best.alike ? kAlike : 1 - kAlike) * (1 - kEquallyStrong) / 2 / 3;
     for (const double more : {-1.3, 0.0, 1.3})
-        strengths_.push_back({best.alike, best.others + more, chance});
+        strengths_.push_back({best.alike, best.others + more, chance_of(best.alike, false, 2 * 3)});
 }
 
 void Front::make_powers() {
@@ -223,9 +233,8 @@ void Front::make_cells(double volume) {
                     // What is held before any evidence has its full weight.
                     const double before = std::log(strengths_[strength].chance) / kTrust;
                     for (std::uint32_t cn = 0; cn < cns_.size(); ++cn)
-                        cells_.push_back({{drift, place, occupied, strength},
-                                          cn,
-                                          static_cast<float>(before)});
+                        cells_.push_back(
+                            {{drift, place, occupied, strength}, cn, static_cast<float>(before)});
                 }
     log_cell_ = std::log(volume / (kAllDrifts * kAllCns * 2 * kNextToIt * arc_.beam() *
                                    static_cast<double>(occupied_.size())));
@@ -261,8 +270,8 @@ std::vector<Front::Heard> Front::heard(const std::vector<Ray>& rays, const Place
         const Carrier& carrier = ray.emitter->carrier;
         const bool is_other = kind_ == Kind::unlisted || ray.emitter->candidate != candidate_;
         const double higher = strength.alike ? 1 : kUsualRate / carrier.rate;
-        const double loss = ray.emitter->loss(place.east) + ray.loss -
-                            (is_other ? strength.others : 0);
+        const double loss =
+            ray.emitter->loss(place.east) + ray.loss - (is_other ? strength.others : 0);
         if (loss > kFaintDb) continue;
         const Part part{.power = static_cast<float>(ray.share * higher * ratio(-loss)),
                         .chance = static_cast<float>(ray.emitter->chance),
@@ -313,8 +322,8 @@ Front::Chances Front::unlisted_near(int state, double if_mhz, const Place& place
     return chances;
 }
 
-Mixture Front::mixture(const std::vector<Heard>& parts, const Cell& cell,
-                       const Chances& unlisted, double usual) const {
+Mixture Front::mixture(const std::vector<Heard>& parts, const Cell& cell, const Chances& unlisted,
+                       double usual) const {
     std::vector<Part>& scaled = scaled_;
     scaled.clear();
     for (const Heard& heard : parts) {
@@ -339,8 +348,7 @@ Mixture Front::mixture_at(const Cell& cell, int state, double if_mhz,
     const std::vector<Heard> on_axis =
         parts(rays(state, if_mhz, drifts_[setting.drift]), setting, lit);
     if (made_of != nullptr) *made_of = on_axis;
-    return mixture(on_axis, cell, unlisted_near(state, if_mhz, places_[setting.place]),
-                   lit.chance);
+    return mixture(on_axis, cell, unlisted_near(state, if_mhz, places_[setting.place]), lit.chance);
 }
 
 /// The chance that what no candidate is has power there: as much as its state of the LNB shows, and
@@ -360,8 +368,7 @@ void Front::take(const Height& height) {
         const Setting setting = cell->setting;
         if (cell == cells_.begin() || setting.drift != std::prev(cell)->setting.drift)
             near = rays(height.state, height.if_mhz, drifts_[setting.drift]);
-        const Chances unlisted =
-            unlisted_near(height.state, height.if_mhz, places_[setting.place]);
+        const Chances unlisted = unlisted_near(height.state, height.if_mhz, places_[setting.place]);
         const Own lit = own(height.state, height.if_mhz, occupied_[setting.occupied]);
         const std::vector<Heard> on_axis = parts(near, setting, lit);
         for (; cell != cells_.end() && cell->setting == setting; ++cell)
@@ -428,13 +435,23 @@ void Front::take(const LockTry& trial) {
     for (Cell& cell : cells_) cell.log += static_cast<float>(std::log(lock_density(cell, trial)));
 }
 
-void Front::catch_up(const Evidence& evidence) {
+/// The highest first, as they part what is possible from what is not the soonest.
+void Front::take_new(const std::vector<Height>& heights, std::size_t end) {
+    if (heights_ >= end) return;
+    std::vector<Height> fresh(heights.begin() + static_cast<std::ptrdiff_t>(heights_),
+                              heights.begin() + static_cast<std::ptrdiff_t>(end));
+    std::ranges::stable_sort(fresh, [](const Height& a, const Height& b) { return a.db > b.db; });
+    for (const Height& height : fresh) {
+        take(height);
+        ++heights_;
+        if (heights_ < kDroppedSoon || heights_ % kDropEach == 0) drop_cells();
+    }
+}
+
+void Front::catch_up(const Evidence& evidence, std::size_t most) {
     filled_ = evidence.filled;
     if (heights_ == evidence.heights.size() && locks_ == evidence.locks.size()) return;
-    for (; heights_ < evidence.heights.size(); ++heights_) {
-        take(evidence.heights[heights_]);
-        if (heights_ % kDropEach == kDropEach - 1) drop_cells();
-    }
+    take_new(evidence.heights, std::min(most, evidence.heights.size()));
     for (; locks_ < evidence.locks.size(); ++locks_) take(evidence.locks[locks_]);
     find_most();
 }
@@ -443,7 +460,8 @@ double Front::log_sum(bool named) const {
     constexpr double kNever = -1e9;
     double most = kNever;
     for (const Cell& cell : cells_)
-        if (places_[cell.setting.place].named == named) most = std::max<double>(most, kTrust * cell.log);
+        if (places_[cell.setting.place].named == named)
+            most = std::max<double>(most, kTrust * cell.log);
     if (most == kNever) return kNever;
     double sum = 0;
     for (const Cell& cell : cells_)

@@ -61,8 +61,8 @@ class Front {
     /// The finest grid, around what was found most probable on a fine one.
     Front(const Arc& arc, std::size_t candidate, Kind kind, const Best& around);
 
-    /// Takes in what of the evidence it has not seen yet.
-    void catch_up(const Evidence& evidence);
+    /// Takes in what of the evidence it has not seen yet, of levels no more than the first `most`.
+    void catch_up(const Evidence& evidence, std::size_t most = SIZE_MAX);
 
     /// The logarithms of how well the evidence fits: with the dish at the candidate, and with the
     /// dish where nothing is that could be named.
@@ -72,9 +72,8 @@ class Front {
     Best best() const;
     /// True for a finest grid around just these unknowns.
     bool is_around(const Best& best) const {
-        return best.drift == around_.drift && best.east == around_.east &&
-               best.cn == around_.cn && best.alike == around_.alike &&
-               best.others == around_.others;
+        return best.drift == around_.drift && best.east == around_.east && best.cn == around_.cn &&
+               best.alike == around_.alike && best.others == around_.others;
     }
 
     /// By how many standard deviations the levels fit better (worse below 0), at the most probable
@@ -138,6 +137,7 @@ class Front {
     void find_near(Place& place) const;
     void make_strengths(Grid grid);
     void make_strengths_around(const Best& best);
+    static double chance_of(bool alike, bool equal, int count);
     void make_powers();
     void make_losses(const std::vector<double>& losses);
     void add_place(double east);
@@ -169,6 +169,7 @@ class Front {
                        std::vector<Heard>* made_of = nullptr) const;
     void take(const Height& height);
     void take(const LockTry& trial);
+    void take_new(const std::vector<Height>& heights, std::size_t end);
     void drop_cells();
     void find_most();
     Own own(int state, double if_mhz, const Unlisted& unlisted) const;

@@ -12,7 +12,7 @@ constexpr int kScanOfAState = 22;
 /// Levels that are chosen come in rounds, so that the LNB is switched less.
 constexpr std::size_t kRound = 10;
 constexpr int kFewestRounds = 3;
-constexpr int kMostRounds = 16;
+constexpr int kMostRounds = 26;
 constexpr double kClear = 0.998;
 /// Two levels nearer than this say much the same, MHz.
 constexpr double kNear = 12;
@@ -24,8 +24,11 @@ constexpr std::size_t kProofLevels = 16;
 constexpr double kWorthALock = 0.02;
 /// That it is none of these where levels name one but nothing of it locked.
 constexpr double kUnproven = 0.7;
-/// A name is not given where so much speaks for that it is none of these.
+/// A name is not given where so much speaks for that it is none of these; what is in no table
+/// seldom stands as near to a listed one as this, in beams.
 constexpr double kMostDoubt = 0.035;
+constexpr double kMostDoubtNear = 0.1;
+constexpr double kNearInBeams = 0.3;
 /// The most that a name is worth without any lock.
 constexpr double kByLevels = 0.9;
 constexpr int kEnoughToLock = 5;
@@ -380,7 +383,9 @@ Verdict Identifier::verdict() const {
     verdict.locks = locks_of(verdict.candidate);
     if (verdict.kind != Verdict::Kind::candidate) return verdict;
     const double none = belief_.chances()[belief_.none()];
-    const bool doubtful = none > kMostDoubt * (none + verdict.certainty);
+    const bool near = arc_.distance(verdict.candidate, best.east) < kNearInBeams * arc_.beam();
+    const double most = near ? kMostDoubtNear : kMostDoubt;
+    const bool doubtful = none > most * (none + verdict.certainty);
     if (doubtful || belief_.front(verdict.candidate).fit(evidence_) < kWorstFit)
         name_nobody(verdict);
     else if (verdict.locks == 0)

@@ -16,7 +16,7 @@ constexpr float kOfSquareRoot = 0.39894228F;  // 1 / sqrt(2 pi)
 constexpr float kOutlier = 1e-4F;
 constexpr float kBelowNoise = 0.5F;
 /// Less than this part of the noise is not worth a case of its own.
-constexpr float kFaint = 0.04F;
+constexpr float kFaint = 0.08F;
 /// What is so many times less probable than the most that it adds nothing.
 constexpr float kNothingLeft = 20;
 /// Of what nobody lists so much fills the filter.
@@ -59,8 +59,8 @@ Mixture::Case Mixture::case_of(const std::vector<Part>& parts, unsigned which, R
         squares += part.variance * part.power * part.power;
     }
     one.db = db_of(sum);
-    one.variance = kJitter * kJitter +
-                   (squares + kDbOfPart * kDbOfPart * rest.variance) / (sum * sum);
+    one.variance =
+        kJitter * kJitter + (squares + kDbOfPart * kDbOfPart * rest.variance) / (sum * sum);
     return one;
 }
 
