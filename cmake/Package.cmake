@@ -42,7 +42,7 @@ reception with an RS232 line. This program tunes it, measures level, channel
 power, BER and MER against alarm limits, keeps every measurement on a page and
 in a log, fetches what the meter's own logger has recorded, and exchanges plans
 of programs and lists of satellites with it. Plans can be measured at fixed
-times with nobody at the screen.
+times with nobody at the screen, also by m47-probe, which needs no windows.
 .
 A simulated meter, m47-meter, comes along to try everything without a device.")
 include(CPack)

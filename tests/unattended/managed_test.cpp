@@ -86,7 +86,7 @@ void ManagedTest::faults_have_their_line_data() {
     const auto row = [](const char* name, const char* content, const char* fault) {
         QTest::newRow(name) << QByteArray(content) << QString::fromLatin1(fault);
     };
-    row("unknown", "on-port = 1\nevry = 3\n", ":2: there is no key \"evry\"");
+    row("unknown", "on-port = 1\ninterval = 3\n", ":2: there is no key \"interval\"");
     row("of the command line", "config = a\n", ":1: there is no key \"config\"");
     row("section", "[probe]\n", ":1: there are no sections, \"[probe]\"");
     row("no value", "\non-port\n", ":2: the key \"on-port\" needs a value behind \"=\"");
