@@ -18,6 +18,23 @@ double any_chance() {
     return QRandomGenerator::global()->generateDouble();
 }
 
+/// In the place of one that cannot be used: the rows wait in the outbox for a better start.
+class NoSender : public publish::HttpSender {
+  public:
+    explicit NoSender(const QString& reason) : reason_(reason) {}
+
+    void set_target(const publish::HttpTarget&) override {}
+    void post(const QByteArray&) override {}
+    std::optional<publish::HttpAnswer> answer() override {
+        return publish::HttpAnswer{.status = 0, .words = reason_};
+    }
+    void give_up() override {}
+    void work(double) override {}
+
+  private:
+    QString reason_;
+};
+
 /// What stands behind the port on the command line; its number where that leaves it open.
 QString device_name(const Options& options) {
     const QString start = QString::number(options.on_port) + u'=';
@@ -62,14 +79,13 @@ void Publishing::open(link::Clock& clock, const QString& folder) {
     if (!wanted()) return;
     QString error;
     const QByteArray authorization = publish::authorization(secret(error));
-    auto* const sender = error.isEmpty() ? part_.offer<publish::HttpSender>() : nullptr;
+    auto* sender = error.isEmpty() ? part_.offer<publish::HttpSender>() : nullptr;
+    if (!sender && error.isEmpty())
+        error = QStringLiteral("the part of the program that publishes cannot be loaded: %1")
+                    .arg(part_.fault());
     if (!sender) {
-        if (error.isEmpty())
-            error = QStringLiteral("the part of the program that publishes cannot be loaded: %1")
-                        .arg(part_.fault());
-        on_remark(error + QStringLiteral("; nothing is published, measuring goes on"));
-        lost_ = true;
-        return;
+        no_sender_ = std::make_unique<NoSender>(error);
+        sender = no_sender_.get();
     }
     sender->set_target({options_.publish.address, authorization});
     publisher_ =

@@ -29,8 +29,8 @@ class Publishing {
     /// Told a text of one line: what fails, when rows wait and when they go again.
     std::function<void(const QString& text)> on_remark;
 
-    /// Opens the outbox beside the log, else in `folder`. What fails is told, and nothing is
-    /// published then.
+    /// Opens the outbox beside the log, else in `folder`. What fails is told: without an outbox
+    /// nothing is published, without a token that can be read the rows wait in it.
     void open(link::Clock& clock, const QString& folder);
 
     /// A row of `moment` is kept, before it stands in the log as `line`.
@@ -62,6 +62,7 @@ class Publishing {
     const Texts& texts_;
     link::Clock* clock_ = nullptr;
     Part part_{"m47-http"};
+    std::unique_ptr<publish::HttpSender> no_sender_;
     std::unique_ptr<publish::Publisher> publisher_;
     publish::Health health_;
     double next_report_ = 0;  ///< on the steady clock
