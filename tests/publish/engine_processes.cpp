@@ -10,7 +10,7 @@
 #include <QThread>
 #include <QUrl>
 
-namespace m47 {
+namespace m47::publish {
 
 int free_port() {
     QTcpServer server;
@@ -86,4 +86,4 @@ QList<QJsonObject> exported(const EngineProcess& store, const QString& selector)
     return series;
 }
 
-}  // namespace m47
+}  // namespace m47::publish

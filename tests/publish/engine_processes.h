@@ -8,7 +8,7 @@
 
 #include "process_support.h"
 
-namespace m47 {
+namespace m47::publish {
 
 /// A port of this machine that nobody listens on.
 int free_port();
@@ -46,4 +46,4 @@ QByteArray get(const QString& address);
 /// series.
 QList<QJsonObject> exported(const EngineProcess& store, const QString& selector);
 
-}  // namespace m47
+}  // namespace m47::publish

@@ -58,6 +58,17 @@ void PublishTest::what_was_appended_is_there_again() {
     QCOMPARE(outbox->lines(1, 2).lines, 0);
 }
 
+/// The engine's own journal has rows that the file is still too short for.
+void PublishTest::what_a_killed_process_left_is_taken_over() {
+    const auto killed = opened(path());
+    add_rows(*killed, 100, 500);
+    for (const char* part : {"", "-wal"})
+        QVERIFY(QFile::copy(path() + part, path("left.outbox") + part));
+    const auto outbox = opened(path("left.outbox"));
+    QCOMPARE(outbox->rows_waiting(), 100);
+    QCOMPARE(outbox->batch(0, 1000, 1 << 20).lines, 100);
+}
+
 void PublishTest::times_only_grow() {
     {
         const auto outbox = opened(path());

@@ -39,6 +39,7 @@ class PublishTest : public QObject {
     void limits();
 
     void what_was_appended_is_there_again();
+    void what_a_killed_process_left_is_taken_over();
     void times_only_grow();
     void a_full_outbox_drops_its_oldest();
     void what_is_acknowledged_is_no_loss();

@@ -133,6 +133,8 @@ std::optional<OutboxError> take_outbox_file(const QSqlDatabase& database, const 
                                 "PRAGMA cache_size = -256", "PRAGMA wal_autocheckpoint = 256"})
         db::Query(database, QString::fromUtf8(setting));
     db::DatabaseTransaction(database).commit();
+    // What a process that was killed has left in the journal: without it the file looks cut short.
+    db::Query(database, QStringLiteral("PRAGMA wal_checkpoint(TRUNCATE)")).finish();
     QStringList tables{QStringLiteral("facts")};
     if (QFileInfo(path).size() < kQuicklyChecked) tables.clear();
     if (const auto fault = db::damage_of(database, path, tables)) return error_of(*fault);
