@@ -114,7 +114,8 @@ void Belief::refine(const Evidence& evidence) {
     const std::vector<std::size_t> wanted = worth_refining();
     for (const std::size_t which : wanted) {
         if (fine_.contains(which)) continue;
-        fine_.emplace(which, Front(arc_, which, Front::Kind::listed, Front::Grid::fine));
+        fine_.emplace(which,
+                      Front(arc_, which, Front::Kind::listed, Front::Grid::fine, &coarse_[which]));
         unlisted_.emplace(which, Front(arc_, which, Front::Kind::unlisted, Front::Grid::fine));
     }
     drop_hopeless(wanted);

@@ -26,9 +26,9 @@ constexpr double kUnequalDb = 3;
 /// The edge of a carrier makes a level uncertain by at most this, dB.
 constexpr double kMostOfEdge = 5;
 /// A cell is left out for good where it is so much less probable than the most probable one.
-constexpr float kDropped = 34;
-constexpr std::size_t kDropEach = 8;
-constexpr std::size_t kDroppedSoon = 16;
+constexpr float kDropped = 30;
+constexpr std::size_t kDropEach = 4;
+constexpr std::size_t kDroppedSoon = 24;
 /// Whose carriers are weaker by more, dB, adds nothing that stands out.
 constexpr double kNearDb = 12;
 /// A carrier that fills less of the filter is not counted.
@@ -40,6 +40,8 @@ constexpr double kWidestHalf = 35;  // MHz: half of a carrier, drift and filter
 constexpr double kAtIt = 0.58;
 /// and next to it up to so many
 constexpr double kNextToIt = 1.5;
+/// and somebody else is in the beam no more than so many from it.
+constexpr double kBesideIt = 2.7;
 /// What nobody lists stands so far from all that is listed, in beams.
 constexpr double kApart = 0.15;
 /// How far apart places on the grids are, in beams, and how much there is of the other unknowns.
@@ -102,18 +104,19 @@ double offset_density(const LockTry& trial, const Carrier& carrier, double drift
 
 }  // namespace
 
-Front::Front(const Arc& arc, std::size_t candidate, Kind kind, Grid grid)
+Front::Front(const Arc& arc, std::size_t candidate, Kind kind, Grid grid, const Front* coarser)
     : arc_(arc), candidate_(candidate), kind_(kind) {
     make_places(grid);
     const bool fine = grid == Grid::fine;
     const bool finer = fine && kind == Kind::listed;
     drifts_ = fine ? steps(finer ? -kMostDrift : -2, finer ? 1.5 : 2, kMostDrift) : steps(-2, 2, 2);
     cns_ = finer ? steps(7, 1.5, kMostCn) : steps(9, 3, kMostCn);
+    if (coarser != nullptr) cns_ = cns_within(*coarser);
     drift_spread_ = (finer ? 1.5 : 2) / std::sqrt(12.0);
     const double of_others = finer ? 1.5 * 1.5 : 2 * 3;
     const double step = fine ? (finer ? kFineStep : kUnlistedStep) : kCoarseStep;
     make_losses({1});
-    make_strengths(grid);
+    make_strengths(grid, coarser);
     make_cells(step * arc.beam() * of_others);
 }
 
@@ -182,9 +185,37 @@ double Front::chance_of(bool alike, bool equal, int count) {
     return (alike ? kAlike : 1 - kAlike) * (equal ? equally : (1 - equally) / count);
 }
 
-void Front::make_strengths(Grid grid) {
+/// True where somebody else may be in the beam.
+bool Front::has_near_neighbour() const {
+    return std::ranges::any_of(arc_.neighbours(candidate_), [&](std::size_t other) {
+        return std::ranges::any_of(arc_.candidates()[other].positions, [&](double east) {
+            return arc_.distance(candidate_, east) < kBesideIt * arc_.beam();
+        });
+    });
+}
+
+bool Front::holds(bool alike) const {
+    return std::ranges::any_of(
+        cells_, [&](const Cell& cell) { return strengths_[cell.setting.strength].alike == alike; });
+}
+
+/// Those of this grid that are no further than a step of the coarser one from what it still holds.
+std::vector<double> Front::cns_within(const Front& coarser) const {
+    constexpr double kStep = 3;
+    std::vector<double> within;
+    for (const double cn : cns_)
+        if (std::ranges::any_of(coarser.cells_, [&](const Cell& cell) {
+                return std::abs(coarser.cns_[cell.cn] - cn) <= kStep;
+            }))
+            within.push_back(cn);
+    return within.empty() ? cns_ : within;
+}
+
+void Front::make_strengths(Grid grid, const Front* coarser) {
+    const bool alone = !has_near_neighbour();
     for (const bool alike : {true, false}) {
-        if (grid == Grid::coarse) {
+        if (coarser != nullptr && !coarser->holds(alike)) continue;
+        if (grid == Grid::coarse || alone) {
             strengths_.push_back({alike, 0, alike ? kAlike : 1 - kAlike});
             continue;
         }

@@ -57,7 +57,9 @@ class Front {
         double others = 0;  ///< dB by which the neighbours are stronger
     };
 
-    Front(const Arc& arc, std::size_t candidate, Kind kind, Grid grid);
+    /// On a fine grid what `coarser` has ruled out is left out.
+    Front(const Arc& arc, std::size_t candidate, Kind kind, Grid grid,
+          const Front* coarser = nullptr);
     /// The finest grid, around what was found most probable on a fine one.
     Front(const Arc& arc, std::size_t candidate, Kind kind, const Best& around);
 
@@ -135,7 +137,10 @@ class Front {
 
     void make_places(Grid grid);
     void find_near(Place& place) const;
-    void make_strengths(Grid grid);
+    bool has_near_neighbour() const;
+    bool holds(bool alike) const;
+    void make_strengths(Grid grid, const Front* coarser);
+    std::vector<double> cns_within(const Front& coarser) const;
     void make_strengths_around(const Best& best);
     static double chance_of(bool alike, bool equal, int count);
     void make_powers();

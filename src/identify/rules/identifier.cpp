@@ -12,7 +12,7 @@ constexpr int kScanOfAState = 22;
 /// Levels that are chosen come in rounds, so that the LNB is switched less.
 constexpr std::size_t kRound = 10;
 constexpr int kFewestRounds = 3;
-constexpr int kMostRounds = 26;
+constexpr int kMostRounds = 22;
 constexpr double kClear = 0.998;
 /// Two levels nearer than this say much the same, MHz.
 constexpr double kNear = 12;
@@ -27,7 +27,7 @@ constexpr double kUnproven = 0.7;
 /// A name is not given where so much speaks for that it is none of these; what is in no table
 /// seldom stands as near to a listed one as this, in beams.
 constexpr double kMostDoubt = 0.035;
-constexpr double kMostDoubtNear = 0.1;
+constexpr double kMostDoubtNear = 0.35;
 constexpr double kNearInBeams = 0.3;
 /// The most that a name is worth without any lock.
 constexpr double kByLevels = 0.9;

@@ -28,7 +28,8 @@ constexpr float kMostOff = 5;         // such spreads
 constexpr float kDbOfPart = 4.343F;
 
 float db_of(float ratio) {
-    return 10 * std::log10(ratio);
+    constexpr float kDbOfTwo = 3.0103F;
+    return kDbOfTwo * std::log2(ratio);
 }
 
 }  // namespace
