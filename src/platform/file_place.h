@@ -11,6 +11,10 @@ namespace m47::platform {
 /// True where both paths lead to one file, false where to two; nothing where one leads to none.
 std::optional<bool> same_file(const QString& one, const QString& other);
 
+/// What tells the file at `path` from any other one of its disk as long as it is open; nothing
+/// where there is none.
+std::optional<quint64> file_number(const QString& path);
+
 /// True where this user, or nobody, may make a file in `folder`.
 bool refuses_new_files(const QString& folder);
 

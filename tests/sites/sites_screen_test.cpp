@@ -405,6 +405,37 @@ class SitesScreenTest : public QObject, protected ProgramInFolder {
         QCOMPARE(control<QLabel>("sites_title")->text(), QString("No site is chosen"));
     }
 
+    void a_file_that_another_program_locks_or_takes_away_is_told() {
+        start_with_year();
+        choose(0);
+        program().sites().open()->wait_for_locks(20);
+        {
+            QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", "elsewhere");
+            other.setDatabaseName(sites_in(folder()));
+            QVERIFY(other.open());
+            QSqlQuery query(other);
+            QVERIFY(query.exec("BEGIN EXCLUSIVE"));
+            QTest::keyClick(window().windowHandle(), Qt::Key_F5);
+            QVERIFY(!at_work());
+            QVERIFY2(note().contains("sites.sqlite"), qPrintable(note()));
+            QVERIFY(query.exec("ROLLBACK"));
+        }
+        QSqlDatabase::removeDatabase("elsewhere");
+        QTest::keyClick(window().windowHandle(), Qt::Key_F5);
+        QVERIFY(at_work());
+        choose(0);
+        // Another file in its place is shown, and that there is none any more.
+        const QTemporaryDir other;
+        { opened_sites(other.path())->store(a_site("Altrove")); }
+        QVERIFY(QFile::remove(sites_in(folder())));
+        QVERIFY(QFile::copy(sites_in(other.path()), sites_in(folder())));
+        QTest::keyClick(window().windowHandle(), Qt::Key_F5);
+        QCOMPARE(shown_sites(), QStringList({"Altrove"}));
+        QVERIFY(QFile::remove(sites_in(folder())));
+        QTRY_VERIFY(note().startsWith("No sites yet."));
+        QVERIFY(boxes_->take_seen().isEmpty());
+    }
+
     void a_file_that_cannot_be_used_is_told_and_left_alone_data() {
         QTest::addColumn<QByteArray>("bytes");
         QTest::newRow("foreign") << QByteArray("no database at all");

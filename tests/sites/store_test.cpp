@@ -5,9 +5,14 @@
 
 #include "db_support.h"
 #include "engine.h"
+#include "open_sites.h"
+#include "sample_year.h"
+#include "site_list.h"
 #include "site_schema.h"
 #include "site_search.h"
 #include "sites_support.h"
+#include "visit_series.h"
+#include "worse_search.h"
 
 namespace m47::sites {
 namespace {
@@ -285,6 +290,90 @@ class StoreTest : public QObject {
         QCOMPARE(search.find(QStringLiteral(" verdi  temporale ")), std::vector{moon.id});
         QVERIFY(search.find(QStringLiteral("sole verdi")).empty());
         QVERIFY(search.find(QStringLiteral("solevia")).empty());
+    }
+
+    void a_list_leaves_what_is_wanted() {
+        fill_year(*store_);
+        SiteList list(*store_);
+        const auto found = [&](const SitesWanted& wanted) {
+            QStringList names;
+            for (const SiteLine& line : list.sites(wanted))
+                names += QStringLiteral("%1 %2").arg(line.site.name).arg(line.visits);
+            return names;
+        };
+        QCOMPARE(found({}).size(), 4);
+        QCOMPARE(found({.typed = QStringLiteral("bianchi")}),
+                 QStringList({"Condominio Rossi 5", "Villa Bianchi 0"}));
+        using Visits = SitesWanted::Visits;
+        QCOMPARE(found({.visits = Visits::failed}), QStringList({"Condominio Rossi 1"}));
+        QCOMPARE(found({.typed = QStringLiteral("via roma"), .visits = Visits::passed}),
+                 QStringList({"Condominio Rossi 4"}));
+        const QUuid rossi = list.sites({}).front().site.id;
+        const std::vector<Visit> visits = list.visits(rossi, {});
+        QVERIFY(list.has_failed(visits.front().id));
+        // The first instant is wanted, the one behind the last is not; both on the wall clock.
+        const double begun = visits[1].begun.wall();
+        QCOMPARE(list.visits(rossi, {.from = begun}).size(), 2U);
+        QCOMPARE(list.visits(rossi, {.until = begun}).size(), 3U);
+        QCOMPARE(list.visits(rossi, {.from = begun, .until = begun + 1}).size(), 1U);
+        QCOMPARE(found({.from = begun, .until = begun + 1}),
+                 QStringList({"Condominio Rossi 1", "Hotel Miramare 1"}));
+    }
+
+    void what_got_worse_is_looked_for_site_by_site() {
+        fill_year(*store_);
+        WorseSearch search(*store_, 2);
+        std::size_t steps = 0;
+        for (; !search.done(); ++steps) search.step();
+        QCOMPARE(steps, std::size_t{4});
+        const std::vector<GotWorse> all = what_got_worse(histories_of(*store_), 2);
+        const std::vector<GotWorse> found = search.found();
+        QCOMPARE(found.size(), 3U);
+        QVERIFY(std::ranges::equal(found, all, [](const GotWorse& one, const GotWorse& other) {
+            return one.site == other.site && one.program.key == other.program.key;
+        }));
+    }
+
+    void a_series_over_visits_has_the_last_of_each_in_one_unit() {
+        const Site site = a_site(QStringLiteral("A"));
+        std::vector<VisitMeasurement> rows;
+        for (const int hours : {0, 24}) {
+            const Visit visit = a_visit(site, hours);
+            for (const int second : {1, 2})
+                rows.push_back(a_row(visit, second, QStringLiteral("001"), 10.0F + static_cast<float>(second)));
+        }
+        rows[3].measurement.unit = kDbuv;
+        const std::vector<VisitMeasurement> series = visit_series(rows);
+        QCOMPARE(series.size(), 2U);
+        QCOMPARE(series[0].id, rows[1].id);
+        QCOMPARE(series[1].id, rows[3].id);
+        QCOMPARE(series[0].measurement.unit, std::optional(kDbuv));
+        // 58.3 dBm at 75 ohm.
+        const auto level = series[0].measurement.reading(measurement::Quantity::level).value;
+        QCOMPARE(QString::number(level, 'f', 1), QStringLiteral("167.1"));
+        QVERIFY(visit_series({}).empty());
+    }
+
+    void one_store_is_shared_and_opened_when_it_is_needed() {
+        store_.reset();
+        const QTemporaryDir elsewhere;
+        const QString file = sites_in(elsewhere.path());
+        OpenSites sites(file);
+        QVERIFY(!sites.look());
+        QVERIFY(!QFile::exists(file));
+        std::shared_ptr<SiteStore> one = sites.open();
+        QVERIFY(QFile::exists(file));
+        QCOMPARE(sites.look(), one);
+        QVERIFY(!sites.let_go());
+        QVERIFY(sites.is_open());
+        QVERIFY(!sites.was_replaced());
+        QVERIFY(QFile::rename(file, file + QStringLiteral(".away")));
+        QVERIFY(sites.was_replaced());
+        QVERIFY(QFile::copy(file + QStringLiteral(".away"), file));
+        QVERIFY(sites.was_replaced());
+        one.reset();
+        QVERIFY(sites.let_go());
+        QVERIFY(!sites.is_open());
     }
 
     void an_older_file_is_brought_up_to_date_whole_or_not_at_all() {

@@ -227,6 +227,30 @@ class TrendBlockTest : public QObject {
     }
 
     /// A pause of just four times what is usual parts nothing, also where it is summed up.
+    void nothing_parts_what_is_joined() {
+        TrendSeries apart{measurement::SeriesKey()};
+        TrendSeries joined(measurement::SeriesKey(), true);
+        for (const double time : {0.0, 60.0, 120.0, 180.0, 1e7})
+            for (TrendSeries* series : {&apart, &joined}) {
+                TrendPoint point;
+                point.time = time;
+                series->add(point);
+            }
+        QVERIFY(apart.longest_spacing() < 1000);
+        QVERIFY(std::isinf(joined.longest_spacing()));
+        TrendData data({}, true);
+        std::vector<measurement::Measurement> rows(3);
+        for (std::size_t k = 0; k < rows.size(); ++k) {
+            rows[k].instant = 100.0 * static_cast<double>(k);
+            rows[k].frequency = 11778.0F;
+        }
+        data.add(rows);
+        QCOMPARE(data.series().size(), std::size_t{1});
+        data.clear();
+        data.add(rows);
+        QVERIFY(std::isinf(data.series().front()->longest_spacing()));
+    }
+
     void the_longest_spacing_parts_no_block() {
         TrendSeries summed(measurement::SeriesKey{});
         TrendSeries plain(measurement::SeriesKey{});

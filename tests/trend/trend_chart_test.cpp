@@ -89,6 +89,12 @@ void TrendTest::the_value_axis_shows_limits_but_never_presses_the_values_flat() 
     QVERIFY(flat.lower < 12 && flat.upper > 12);
     const TrendRange zero =
         value_axis(measurement::Quantity::ber, TrendRange{1e-6, 1e-5}, TrendRange{0, 1});
+    // A side without a limit has no place.
+    constexpr double kOpen = std::numeric_limits<double>::infinity();
+    const TrendRange above =
+        value_axis(measurement::Quantity::level, values, TrendRange{40, kOpen});
+    QVERIFY(above.lower < 40);
+    QVERIFY(above.upper < 80);
     QVERIFY(zero.lower > 0 && std::isfinite(zero.upper));
 }
 

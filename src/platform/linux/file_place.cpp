@@ -22,6 +22,12 @@ std::optional<bool> same_file(const QString& one, const QString& other) {
     return first.st_dev == second.st_dev && first.st_ino == second.st_ino;
 }
 
+std::optional<quint64> file_number(const QString& path) {
+    struct stat about {};
+    if (::stat(QFile::encodeName(path).constData(), &about) != 0) return std::nullopt;
+    return about.st_ino;
+}
+
 bool refuses_new_files(const QString& folder) {
     return ::access(QFile::encodeName(folder).constData(), W_OK) != 0 &&
            (errno == EACCES || errno == EROFS);

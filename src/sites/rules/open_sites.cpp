@@ -3,6 +3,8 @@
 
 #include <QFileInfo>
 
+#include "file_place.h"
+
 namespace m47::sites {
 
 bool OpenSites::is_there() const {
@@ -19,7 +21,12 @@ std::shared_ptr<SiteStore> OpenSites::open() {
     StoreError error;
     store_ = SiteStore::open(path_, error);
     if (!store_) throw StoreFault(error);
+    number_ = platform::file_number(path_);
     return store_;
+}
+
+bool OpenSites::was_replaced() const {
+    return store_ && platform::file_number(path_) != number_;
 }
 
 bool OpenSites::let_go() {

@@ -4,6 +4,7 @@
 #include <QString>
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "site_store.h"
 
@@ -28,6 +29,8 @@ class OpenSites {
     std::shared_ptr<SiteStore> look();
     /// The store, made where there is none yet. A StoreFault where it cannot be used.
     std::shared_ptr<SiteStore> open();
+    /// The file that is open was taken away, or another one stands in its place.
+    bool was_replaced() const;
     /// Lets go of the store, so that the next look() opens the file anew; false, and nothing is
     /// done, while somebody else still has it.
     bool let_go();
@@ -44,6 +47,7 @@ class OpenSites {
   private:
     const QString& path_;
     std::shared_ptr<SiteStore> store_;
+    std::optional<quint64> number_;  ///< of the file that is open
 };
 
 }  // namespace m47::sites

@@ -68,8 +68,7 @@ ShownTable SiteTableView::shown() const {
         if (const int column = horizontalHeader()->logicalIndex(k); !isColumnHidden(column))
             columns += column;
     ShownTable shown;
-    for (const int column : columns)
-        shown.heading += model_->heading()[column];
+    for (const int column : columns) shown.heading += model_->heading()[column];
     for (int row = 0; row < model_->rowCount(); ++row) {
         QStringList cells;
         for (const int column : columns)

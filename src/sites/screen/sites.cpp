@@ -177,6 +177,11 @@ void Sites::connect_lists() {
     for (QDateEdit* day : {ui_->sites_from, ui_->sites_to})
         when(day, &QDateEdit::dateChanged, "sites_day_KeyPress", [this] { show_list(); });
     when(ui_->sites_verdict, &QComboBox::activated, "sites_verdict_Click", [this] { show_list(); });
+    // They change nothing but the view: what is done to them in a wait is done after it.
+    for (QWidget* view :
+         {static_cast<QWidget*>(ui_->sites_tree), static_cast<QWidget*>(ui_->sites_search),
+          static_cast<QWidget*>(ui_->sites_views)})
+        keep_while_busy(view);
     connect(&watch_, &QTimer::timeout, this, [this] { look_at_file(); });
     sites_.on_changed = [this] {
         if (isVisible()) reload();
@@ -229,14 +234,9 @@ void Sites::reload() {
 }
 
 void Sites::read_file() {
-    // What was taken away is not worked on any more.
-    if (!sites_.is_there()) {
-        list_.reset();
-        search_.reset();
-        store_.reset();
-        sites_.let_go();
-        return show_note(program_.texts.pick(kNoSites));
-    }
+    // The engine would go on reading the file that nobody else sees any more.
+    if (!sites_.is_there() || sites_.was_replaced()) let_go();
+    if (!sites_.is_there()) return show_note(program_.texts.pick(kNoSites));
     store_ = sites_.look();
     list_ = std::make_unique<SiteList>(*store_);
     if (list_->empty()) return show_note(program_.texts.pick(kNoSites));
@@ -244,6 +244,14 @@ void Sites::read_file() {
     propose_dates();
     keep_choice();
     show_list();
+}
+
+void Sites::let_go() {
+    looking_.stop();
+    search_.reset();
+    list_.reset();
+    store_.reset();
+    sites_.let_go();
 }
 
 /// What is chosen as the file has it now.
@@ -258,11 +266,7 @@ void Sites::keep_choice() {
 }
 
 void Sites::file_failed(const StoreError& error) {
-    looking_.stop();
-    search_.reset();
-    list_.reset();
-    store_.reset();
-    sites_.let_go();
+    let_go();
     show_note(store_error_text(error, program_.texts) + QStringLiteral("\n\n") +
               program_.texts.pick(kReadAgain));
 }

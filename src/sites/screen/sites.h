@@ -64,6 +64,7 @@ class Sites : public Screen {
     void name_views();
     // The list of sites.
     void read_file();
+    void let_go();
     void show_list();
     void show_note(const QString& text);
     void keep_choice();

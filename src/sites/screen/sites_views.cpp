@@ -324,8 +324,8 @@ void Sites::sites_save_Click() {
     dialog.setDefaultSuffix(QStringLiteral("tsv"));
     const QWidget* front = ui_->sites_views->currentWidget();
     const bool of_visit = visit_ && front != ui_->view_worse && front != ui_->view_chart;
-    const QString day = of_visit ? u'-' + day_of(visit_->begun).toString(QStringLiteral("yyyyMMdd"))
-                                 : QString();
+    const QString day =
+        of_visit ? u'-' + day_of(visit_->begun).toString(QStringLiteral("yyyyMMdd")) : QString();
     dialog.selectFile(of_visit ? front_name() + day + QStringLiteral(".tsv")
                                : proposed_name(front_name(), QStringLiteral("tsv")));
     const QString path = ask_for_file(dialog, program_, FilePurpose::sites);
