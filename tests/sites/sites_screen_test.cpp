@@ -377,6 +377,28 @@ class SitesScreenTest : public QObject, protected ProgramInFolder {
         QCOMPARE(control<QLabel>("sites_found")->text(), QString("Sites: 4, visits: 8"));
     }
 
+    void a_report_is_asked_for_where_there_is_one() {
+        start_with_year();
+        std::vector<QUuid> visits;
+        QString site;
+        screen_->set_report([&](const Site& of, const std::vector<QUuid>& chosen) {
+            site = of.name;
+            visits = chosen;
+        });
+        QTest::keyClick(window().windowHandle(), Qt::Key_P, Qt::ControlModifier);
+        QCOMPARE(told(), QString("Choose a site first."));
+        choose(0);
+        click("sites_report");
+        QCOMPARE(site, QString("Condominio Rossi"));
+        QVERIFY(visits.empty());
+        choose(0, 2);
+        click("sites_report");
+        QCOMPARE(visits, std::vector{screen_->visit()->id});
+        choose(3);
+        click("sites_report");
+        QCOMPARE(told(), QString("There is no visit at this site to report on."));
+    }
+
     void what_another_program_writes_is_shown() {
         start_with_year();
         choose(1);

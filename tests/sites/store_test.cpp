@@ -340,7 +340,8 @@ class StoreTest : public QObject {
         for (const int hours : {0, 24}) {
             const Visit visit = a_visit(site, hours);
             for (const int second : {1, 2})
-                rows.push_back(a_row(visit, second, QStringLiteral("001"), 10.0F + static_cast<float>(second)));
+                rows.push_back(a_row(visit, second, QStringLiteral("001"),
+                                     10.0F + static_cast<float>(second)));
         }
         rows[3].measurement.unit = kDbuv;
         const std::vector<VisitMeasurement> series = visit_series(rows);

@@ -210,7 +210,8 @@ ShownTable shown_table(const SiteTable& table, const Texts& texts) {
 }
 
 std::unique_ptr<SiteTable> table_of_comparison(std::vector<ProgramComparison> compared,
-                                               CodeRateOf code_rate, const Thresholds& thresholds) {
+                                               const CodeRateOf& code_rate,
+                                               const Thresholds& thresholds) {
     using Row = ProgramComparison;
     std::vector<TableColumn<Row>> columns{
         {called(kTableProgram),
@@ -247,7 +248,8 @@ std::unique_ptr<SiteTable> table_of_worse(std::vector<GotWorse> worse) {
     return std::make_unique<ColumnTable<Row>>(std::move(worse), std::move(columns));
 }
 
-std::unique_ptr<SiteTable> table_of_rows(std::vector<VisitMeasurement> rows, CodeRateOf code_rate) {
+std::unique_ptr<SiteTable> table_of_rows(std::vector<VisitMeasurement> rows,
+                                         const CodeRateOf& code_rate) {
     using Row = VisitMeasurement;
     constexpr std::array kShownOfRow{Quantity::level, Quantity::cn,  Quantity::mer,  Quantity::ber,
                                      Quantity::pvber, Quantity::cfo, Quantity::noise};

@@ -63,7 +63,7 @@ using CodeRateOf =
 /// Two visits program by program: each quantity before, now and its change, the margins of now,
 /// what it means.
 std::unique_ptr<SiteTable> table_of_comparison(std::vector<ProgramComparison> compared,
-                                               CodeRateOf code_rate,
+                                               const CodeRateOf& code_rate,
                                                const Thresholds& thresholds = {});
 ShownTable comparison_table(const std::vector<ProgramComparison>& compared,
                             const CodeRateOf& code_rate, const Texts& texts);
@@ -73,7 +73,8 @@ std::unique_ptr<SiteTable> table_of_worse(std::vector<GotWorse> worse);
 ShownTable worse_table(const std::vector<GotWorse>& worse, const Texts& texts);
 
 /// The rows of a visit, with the limits that were in force, and their margins.
-std::unique_ptr<SiteTable> table_of_rows(std::vector<VisitMeasurement> rows, CodeRateOf code_rate);
+std::unique_ptr<SiteTable> table_of_rows(std::vector<VisitMeasurement> rows,
+                                         const CodeRateOf& code_rate);
 ShownTable rows_table(const std::vector<VisitMeasurement>& rows, const CodeRateOf& code_rate,
                       const Texts& texts);
 

@@ -54,6 +54,8 @@ constexpr Bilingual kSiteChanged{
     "Nothing was stored: another program has changed or removed this site meanwhile.",
     "Nulla è stato salvato: intanto un altro programma ha modificato o eliminato questo sito."};
 constexpr Bilingual kChooseSite{"Choose a site first.", "Scegliere prima un sito."};
+constexpr Bilingual kNoVisit{"There is no visit at this site to report on.",
+                             "Non c'è una visita a questo sito di cui fare un rapporto."};
 constexpr Bilingual kChooseWhat{"Choose a site or a visit first.",
                                 "Scegliere prima un sito o una visita."};
 constexpr Bilingual kVisitRuns{"This visit is being recorded: end it first.",
@@ -136,6 +138,9 @@ void Sites::connect_keys() {
     click(ui_->sites_new, ui_->cmdsitenew, "sites_new_Click", &Sites::sites_new_Click);
     click(ui_->sites_edit, ui_->cmdsiteedit, "sites_edit_Click", &Sites::sites_edit_Click);
     click(ui_->sites_remove, ui_->cmdsiteremove, "sites_remove_Click", &Sites::sites_remove_Click);
+    click(ui_->sites_report, ui_->cmdsitereport, "sites_report_Click", &Sites::sites_report_Click);
+    ui_->sites_report->setVisible(false);
+    ui_->cmdsitereport->setVisible(false);
     click(ui_->sites_save, ui_->cmdsitesave, "sites_save_Click", &Sites::sites_save_Click);
     connect(ui_->cmdsitesfind, &QAction::triggered, this, [this] {
         ui_->sites_search->setFocus();
@@ -380,6 +385,18 @@ void Sites::sites_new_Click() {
     site_itself_ = true;
     show_all();
     reload();
+}
+
+void Sites::set_report(MakeReport report) {
+    report_ = std::move(report);
+    ui_->sites_report->setVisible(true);
+    ui_->cmdsitereport->setVisible(true);
+}
+
+void Sites::sites_report_Click() {
+    if (!site_ || !store_) return program_.costs.tell_each(kChooseSite);
+    if (!visit_) return program_.costs.tell_each(kNoVisit);
+    report_(*site_, site_itself_ ? std::vector<QUuid>() : std::vector{visit_->id});
 }
 
 /// Another program may have removed or changed it while a dialog stood there.

@@ -45,6 +45,13 @@ class Sites : public Screen {
     void show_visit(const QUuid& site, const QUuid& visit);
     /// The same, compared with the visit `other`.
     void show_comparison(const QUuid& site, const QUuid& visit, const QUuid& other);
+    /// What "Report…" does for a site and the visits chosen of it, none where it is the site
+    /// itself. There is no such key before.
+    using MakeReport = std::function<void(const Site& site, const std::vector<QUuid>& visits)>;
+    void set_report(MakeReport report);
+    /// The code rates that the plans know; never a fault.
+    CodeRateOf code_rates() const;
+
     /// Saves the table in front to `path`.
     void save(const QString& path);
 
@@ -79,6 +86,7 @@ class Sites : public Screen {
     void sites_new_Click();
     void sites_edit_Click();
     void sites_remove_Click();
+    void sites_report_Click();
     void sites_save_Click();
     bool still_so(const Site& site) const;
     bool may_remove(const Visit* visit);
@@ -95,7 +103,6 @@ class Sites : public Screen {
     void sites_look_Click();
     void look_on();
     void show_worse();
-    CodeRateOf code_rates() const;
     ShownTable front_table() const;
     QString front_name() const;
 
@@ -112,6 +119,7 @@ class Sites : public Screen {
     std::unique_ptr<SiteList> list_;
     std::optional<Site> site_;
     std::optional<Visit> visit_;
+    MakeReport report_;
     bool dates_proposed_ = false;
     bool site_itself_ = false;  ///< not one of its visits is chosen
     std::vector<VisitMeasurement> rows_;

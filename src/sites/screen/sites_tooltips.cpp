@@ -12,6 +12,8 @@ constexpr Tooltip kTooltips[] = {
      "Elimina il sito o la visita; prima chiede"},
     {"sites_files", "Import a log or a colleague's sites, export sites for one",
      "Importa un log o i siti di un collega, esporta siti per lui"},
+    {"sites_report", "A report of the visit for the customer, as PDF (Ctrl+P)",
+     "Un rapporto della visita per il cliente, in PDF (Ctrl+P)"},
     {"sites_save", "Save the table in front for other programs (TSV, Ctrl+S)",
      "Salva la tabella in vista per altri programmi (TSV, Ctrl+S)"},
     {"sites_search",
@@ -53,6 +55,7 @@ constexpr Caption kCaptions[] = {
     {"cmdsitelog", {"Import &log…", "Importa &log…"}},
     {"cmdsitesimport", {"&Import sites…", "&Importa siti…"}},
     {"cmdsitesexport", {"E&xport sites…", "Es&porta siti…"}},
+    {"sites_report", {"Report…", "Rapporto…"}},
     {"sites_save", {"Save table…", "Salva tabella…"}},
     {"sites_dates", {"From", "Dal"}},
     {"label_to", {"to", "al"}},
@@ -67,6 +70,7 @@ constexpr Caption kCaptions[] = {
     {"cmdsiteremove", {"&Remove…", "&Elimina…"}},
     {"cmdsitesfind", {"&Find", "&Cerca"}},
     {"cmdsitesreload", {"Re&ad again", "&Rileggi"}},
+    {"cmdsitereport", {"Re&port…", "Ra&pporto…"}},
     {"cmdsitesave", {"&Save table…", "&Salva tabella…"}},
 };
 

@@ -49,6 +49,7 @@ void VisitChartView::show_rows(const std::vector<VisitMeasurement>& rows, const 
     const std::vector<VisitMeasurement> last = visit_series(rows);
     data_.clear();
     std::vector<measurement::Measurement> measured;
+    measured.reserve(last.size());
     for (const VisitMeasurement& each : last) measured.push_back(each.measurement);
     data_.add(measured);
     limits_ = last.empty() ? measurement::LimitsInForce() : last.back().measurement.limits;
