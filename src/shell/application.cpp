@@ -138,13 +138,14 @@ bool database_is_sound(Program& program, const unattended::Options& options) {
 
 void begin_work(Program& program, const unattended::Options& options) {
     if (!database_is_sound(program, options)) return;
+    // Before anybody can begin another one.
+    program.look_for_visit();
     run_handler(&program.window(), "start", [&] {
         if (options.on_port > 0) program.identify(options.on_port);
         if (!options.replay.isEmpty()) program.start_desk().open_recording(options.replay);
         program.window().open_screen(options.open);
     });
     program.start_desk().open();
-    program.look_for_visit();
 }
 
 int run_windows(Program& program, const unattended::Options& options) {

@@ -491,7 +491,10 @@ void M47MDI::show_visit(const QString& text, const QString& more, bool pressing)
     if (!visit_ && text.isEmpty()) return;
     if (!visit_) {
         visit_ = new VisitMark(visit_entries());
-        ui_->status_line->insertPermanentWidget(0, visit_);
+        ui_->status_line->removeWidget(status_);
+        ui_->status_line->addPermanentWidget(visit_);
+        ui_->status_line->addPermanentWidget(status_);
+        status_->show();
     }
     visit_->setVisible(!text.isEmpty());
     visit_->say(text, more, pressing);

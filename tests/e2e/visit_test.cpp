@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <QDeadlineTimer>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
@@ -19,6 +20,7 @@
 #include "meter_in_process.h"
 #include "no_view.h"
 #include "process_support.h"
+#include "signal_stand.h"
 #include "small_disk.h"
 #include "told_lines.h"
 #include "unattended.h"
@@ -230,6 +232,7 @@ class VisitTest : public QObject {
     void a_file_locked_or_taken_away_in_the_middle_stops_nothing();
     void a_full_disk_stops_nothing_and_is_counted();
     void killed_at_any_instant_it_has_every_row_that_was_printed();
+    void a_window_killed_at_any_instant_loses_no_row_and_its_visit_goes_on();
 };
 
 void VisitTest::a_dish_that_gets_worse_over_a_year() {
@@ -417,6 +420,46 @@ void VisitTest::killed_at_any_instant_it_has_every_row_that_was_printed() {
     }
     qInfo("%d of %d kills left a journal, %d a row that was not printed", journals, kills,
           not_printed);
+}
+
+/// By hand, in a pass over the plan and at intervals: the log has a row before the visit has it.
+void VisitTest::a_window_killed_at_any_instant_loses_no_row_and_its_visit_goes_on() {
+    WindowStand window({});
+    const QString file = window.stand.path(kSites);
+    const QString log = window.stand.path("day.log");
+    QRandomGenerator random(17);
+    const QStringList begin{"trigger realtime",  "click meas_statea_0", "trigger save",
+                            "file FOLDER/day.log", "trigger cmdvisit"};
+    for (int kill = 0; kill < 3; ++kill) {
+        window.start();
+        QVERIFY(window.wait_for("VER?", kill + 1));
+        window.order(begin);
+        window.order(kill == 0 ? QStringList{"type site_name Sole", "accept"} : QStringList());
+        window.order({"trigger single_acq", "trigger group", "trigger multiple_acq"});
+        if (kill == 2) window.order({"trigger start", "choose time_delay 0", "click cmdstart"});
+        const auto before = content_of(log).count('\n');
+        QTRY_VERIFY_WITH_TIMEOUT(content_of(log).count('\n') >= before + 3, 60000);
+        QThread::msleep(random.bounded(300U));
+        window.stand.remote.kill_now();
+        window.stand.remote.wait();
+        QFile::remove("/var/lock/LCK.." +
+                      QFileInfo(window.stand.meter.link()).symLinkTarget().mid(5).replace('/', '_'));
+        const auto rows = content_of(log).count('\n');
+        const int kept = measurements(file).toInt();
+        QVERIFY2(kept <= rows && kept >= rows - 1 - kill,
+                 qPrintable(QStringLiteral("%1 of %2").arg(kept).arg(rows)));
+        QCOMPARE(ask(file, {"SELECT count(*) FROM visits WHERE ended_utc IS NULL"}),
+                 QStringList("1"));
+    }
+    const int kept = measurements(file).toInt();
+    window.start();
+    QVERIFY(window.wait_for("VER?", 4));
+    window.order(begin + QStringList{"trigger single_acq", "trigger cmdendvisit", "accept"});
+    QTRY_COMPARE_WITH_TIMEOUT(ask(file, {"SELECT count(*) FROM visits WHERE ended_utc > 0"}),
+                              QStringList("1"), 60000);
+    QCOMPARE(measurements(file).toInt(), kept + 1);
+    QCOMPARE(ask(file, {"SELECT count(*) FROM visits"}), QStringList("1"));
+    QCOMPARE(QDir(window.stand.path({})).entryList({"sites.visit-*"}), QStringList());
 }
 
 }  // namespace m47

@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "sample_dialogs.h"
 
+#include "begin_visit_dialog.h"
 #include "changed_dialog.h"
 #include "clash_dialog.h"
 #include "compare_view.h"
+#include "end_visit_dialog.h"
 #include "identify_dialog.h"
 #include "import_dialog.h"
+#include "import_log_dialog.h"
 #include "import_report.h"
+#include "merge_dialog.h"
 #include "peak_dialog.h"
 #include "report_dialog.h"
 #include "report_form.h"
@@ -131,6 +135,47 @@ void add_identification(QMap<QString, MakeDialog>& made, ProgramState& state,
     });
 }
 
+sites::Site long_site(const QString& address) {
+    return {.id = QUuid::createUuid(),
+            .name = QString("Condominio con un nome lungo ").repeated(3),
+            .address = address,
+            .customer = {},
+            .remarks = {}};
+}
+
+sites::LogPreview long_log() {
+    QByteArray lines;
+    for (int k = 0; k < 60; ++k)
+        lines += k % 7 ? "21/11/25\t10:" + QByteArray::number(10 + k % 50) +
+                             ":00\t11778.0\t10600\t58.3\t2.0E-4\t1.0E-8\t-0.5\t14.2\t\tPASS\n"
+                       : QByteArray("no measurement but a long line of words ").repeated(4) + '\n';
+    return sites::read_log(lines, "day.log", long_site({}), QTimeZone::utc());
+}
+
+void add_visits(QMap<QString, MakeDialog>& made, const Texts& texts) {
+    made["begin visit"] = [&texts](QWidget* parent) {
+        return new sites::BeginVisitDialog(nullptr, {.technician = "M. Rossi", .plan = "ROOF"},
+                                           texts, parent);
+    };
+    made["end visit"] = [&texts](QWidget* parent) {
+        static const QString none;
+        static sites::OpenSites file(none);
+        static const sites::VisitOfWindow visit(file);
+        return new sites::EndVisitDialog(visit, texts, parent);
+    };
+    made["import log"] = [&texts](QWidget* parent) {
+        return new sites::ImportLogDialog(long_log(), "measures-20251121.log", nullptr, texts,
+                                          parent);
+    };
+    made["merge sites"] = [&texts](QWidget* parent) {
+        sites::SiteMerge merge;
+        merge.new_rows = 120;
+        for (int k = 0; k < 30; ++k)
+            merge.conflicts.push_back({long_site("Via Roma 7"), long_site("Via Roma 9")});
+        return new sites::MergeDialog(merge, "M47", texts, parent);
+    };
+}
+
 }  // namespace
 
 QMap<QString, MakeDialog> sample_dialogs(ProgramState& state,
@@ -219,6 +264,7 @@ QMap<QString, MakeDialog> sample_dialogs(ProgramState& state,
                                .remarks = QString("chiavi dal portiere\n").repeated(9)};
         return new sites::SiteDialog(site, false, texts, parent);
     };
+    add_visits(made, texts);
     made["old database"] = [&texts](QWidget* parent) {
         return new olddb::ReportDialog("M47", QString("Line of the report\n").repeated(60), texts,
                                        parent);

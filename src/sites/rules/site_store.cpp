@@ -56,7 +56,8 @@ std::unique_ptr<SiteStore> SiteStore::open(const QString& path, StoreError& erro
     return nullptr;
 }
 
-SiteStore::SiteStore(const QString& path) : connection_(std::make_unique<Connection>(path)) {}
+SiteStore::SiteStore(const QString& path)
+    : path_(path), connection_(std::make_unique<Connection>(path)) {}
 
 SiteStore::~SiteStore() = default;
 

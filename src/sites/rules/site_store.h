@@ -84,9 +84,13 @@ class SiteStore {
     /// For statements of the screens' own searches and charts, read only.
     const QSqlDatabase& connection() const;
 
+    /// Of the file.
+    const QString& path() const { return path_; }
+
   private:
     explicit SiteStore(const QString& path);
 
+    const QString path_;
     class Connection;
     std::unique_ptr<Connection> connection_;
 };

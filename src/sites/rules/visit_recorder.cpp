@@ -53,7 +53,7 @@ Instant instant_of(const QDateTime& moment) {
 }
 
 VisitRecorder::VisitRecorder(SiteStore& store)
-    : store_(store), claim_(store.connection().databaseName()) {}
+    : store_(store), claim_(store.path()) {}
 
 /// What was not ended can be gone on with.
 VisitRecorder::~VisitRecorder() {
