@@ -428,7 +428,7 @@ void VisitTest::a_window_killed_at_any_instant_loses_no_row_and_its_visit_goes_o
     const QString file = window.stand.path(kSites);
     const QString log = window.stand.path("day.log");
     QRandomGenerator random(17);
-    const QStringList begin{"trigger realtime",  "click meas_statea_0", "trigger save",
+    const QStringList begin{"trigger realtime", "click meas_statea_0", "trigger save",
                             "file FOLDER/day.log", "trigger cmdvisit"};
     for (int kill = 0; kill < 3; ++kill) {
         window.start();
@@ -442,8 +442,9 @@ void VisitTest::a_window_killed_at_any_instant_loses_no_row_and_its_visit_goes_o
         QThread::msleep(random.bounded(300U));
         window.stand.remote.kill_now();
         window.stand.remote.wait();
-        QFile::remove("/var/lock/LCK.." +
-                      QFileInfo(window.stand.meter.link()).symLinkTarget().mid(5).replace('/', '_'));
+        QFile::remove(
+            "/var/lock/LCK.." +
+            QFileInfo(window.stand.meter.link()).symLinkTarget().mid(5).replace('/', '_'));
         const auto rows = content_of(log).count('\n');
         const int kept = measurements(file).toInt();
         QVERIFY2(kept <= rows && kept >= rows - 1 - kill,

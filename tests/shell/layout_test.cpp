@@ -500,6 +500,7 @@ class LayoutTest : public QObject, protected ProgramInFolder {
         window().status().show_simulated(
             program_state().texts.pick({"Recording a long name of a recording.trace",
                                         "Registrazione a long name of a recording.trace"}));
+        window().show_visit(QString("Visita interrotta: Condominio con un nome lungo"), {}, true);
         window().show_upload("OKProgram 95 of 95", "");
         window().show_notice(QString("The file cannot be written. ").repeated(8));
         link::Activity& activity = program().link().activity;

@@ -30,9 +30,7 @@ BeginVisitDialog::BeginVisitDialog(const SiteStore* store, const VisitFacts& fac
     setProperty("manual_page", QStringLiteral("visits"));
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(picker_);
-    auto* form = new QFormLayout;
-    make_boxes(form);
-    layout->addLayout(form);
+    make_boxes(picker_->rows());
     layout->addWidget(make_buttons());
     resize(fontMetrics().averageCharWidth() * 70, sizeHint().height());
     picker_->setFocus();

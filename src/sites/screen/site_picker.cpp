@@ -2,6 +2,7 @@
 #include "site_picker.h"
 
 #include <QKeyEvent>
+#include <QPalette>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -55,6 +56,7 @@ SitePicker::SitePicker(const SiteStore* store, const Texts& texts, QWidget* pare
     }
     auto* form = new QFormLayout(this);
     form->setContentsMargins(0, 0, 0, 0);
+    form_ = form;
     name_ = add_box(form, "site_name", kSiteName, kSiteNameTip);
     auto* found = new QVBoxLayout;
     make_list(found);
@@ -164,7 +166,14 @@ void SitePicker::show_choice(const SiteLine* known) {
         customer_->setText(known ? known->site.customer : QString());
         remarks_->setText(known ? known->site.remarks : QString());
     }
-    for (QLineEdit* box : {address_, customer_, remarks_}) box->setEnabled(!known);
+    for (QLineEdit* box : {address_, customer_, remarks_}) {
+        // To be read, and seen to be no box to type into.
+        box->setReadOnly(known != nullptr);
+        box->setFocusPolicy(known ? Qt::ClickFocus : Qt::StrongFocus);
+        QPalette colours = palette();
+        if (known) colours.setColor(QPalette::Base, colours.color(QPalette::Window));
+        box->setPalette(colours);
+    }
     if (!known)
         state_->setText(texts_.pick(name_->text().trimmed().isEmpty() ? kNoSite : kNewSite));
     else if (known->visits == 0)

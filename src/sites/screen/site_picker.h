@@ -27,6 +27,9 @@ class SitePicker : public QWidget {
     /// Nothing without a name. A new site has a new id.
     std::optional<Site> site() const;
 
+    /// Its rows; more can stand below them.
+    QFormLayout* rows() const { return form_; }
+
     /// Puts `site` of those that are known into the boxes; one that is not changes nothing.
     void choose(const QUuid& site);
 
@@ -51,6 +54,7 @@ class SitePicker : public QWidget {
     const Texts& texts_;
     std::vector<SiteLine> known_;
     std::unique_ptr<SiteSearch> search_;
+    QFormLayout* form_ = nullptr;
     QLineEdit* name_ = nullptr;
     QListWidget* list_ = nullptr;
     QLabel* state_ = nullptr;
