@@ -231,6 +231,28 @@ void PeakTest::the_span_is_never_left() {
     }
 }
 
+/// As far as the shaft can come to a place from the west: the play takes four steps of that side.
+void PeakTest::in_any_span_data() {
+    QTest::addColumn<int>("span");
+    QTest::addColumn<bool>("locks");
+    for (const int span : {10, 11, 13, 14, 15, 20, 30, 50})
+        for (const bool locks : {false, true})
+            QTest::addRow("%d, %s", span, locks ? "lock" : "no lock") << span << locks;
+}
+
+void PeakTest::in_any_span() {
+    QFETCH(int, span);
+    QFETCH(bool, locks);
+    for (int satellite = 4 - span; satellite <= span; ++satellite) {
+        MadeUpSky sky({{static_cast<double>(satellite), 13.0}}, span % 4);
+        sky.locks = locks;
+        QVERIFY2(search(sky, span).end == SearchEnd::found, qPrintable(QString::number(satellite)));
+        QVERIFY2(std::abs(sky.looks_at() - satellite) <= 1.0,
+                 qPrintable(QString::number(satellite)));
+        QVERIFY(sky.farthest <= span && sky.came_from_west);
+    }
+}
+
 void PeakTest::nothing_there() {
     MadeUpSky sky({}, 2);
     const SearchResult result = search(sky);
@@ -322,6 +344,10 @@ void PeakTest::under_the_simulated_sky() {
         SimulatedSky sky(orbit, start, static_cast<int>(options.seed % 4), options.seed);
         QVERIFY(search(sky).end == SearchEnd::found);
         QVERIFY2(std::abs(sky.east()) <= 0.1 + 1e-9, qPrintable(QString::number(options.seed)));
+        const double beside = -0.7 + 1.1 * static_cast<double>(options.seed - 1) / 29.0;
+        SimulatedSky near(orbit, beside, static_cast<int>(options.seed % 4), options.seed);
+        QVERIFY(search(near, 10).end == SearchEnd::found);
+        QVERIFY2(std::abs(near.east()) <= 0.1 + 1e-9, qPrintable(QString::number(options.seed)));
     }
 }
 

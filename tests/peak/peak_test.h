@@ -21,6 +21,8 @@ class PeakTest : public QObject {
     void a_strong_neighbour_does_not_draw_the_carrier();
     void on_the_peak_already();
     void the_span_is_never_left();
+    void in_any_span_data();
+    void in_any_span();
     void nothing_there();
     void nothing_better_goes_back();
     void cancelled_at_any_step();

@@ -25,6 +25,10 @@ constexpr double kPeakErrorSteps = 0.25;
 constexpr int kMostPasses = 3;
 // A centre that is off by more than this is looked at anew around the better one.
 constexpr double kCentred = 3.0;
+// Farther from the points beside which it was seen a summit is no longer sure.
+constexpr double kSeenFrom = 7.0;
+// Where fewer places than these come to lie, the look around takes smaller steps.
+constexpr int kLeastPlaces = 3;
 // Two satellites whose distances differ by less have to be known better before one is chosen.
 constexpr double kAlike = 8.0;
 constexpr int kLongestDrive = 10;
@@ -51,7 +55,18 @@ bool within(double value, double limit) {
     return std::abs(value) <= limit;
 }
 
+/// The steps of a look around from `lowest` to `highest`, small enough for a summit to show.
+int coarse_for(int coarse, int lowest, int highest) {
+    const int places = highest / coarse - lowest / coarse + 1;
+    return places < kLeastPlaces ? coarse / 2 : coarse;
+}
+
 }  // namespace
+
+PeakSearch::PeakSearch(Antenna& antenna, const SearchOptions& options)
+    : antenna_(antenna), options_(options) {
+    options_.coarse = coarse_for(options.coarse, lowest(), options.span);
+}
 
 SearchResult PeakSearch::run() {
     const Stopped stopped(antenna_);
@@ -104,7 +119,8 @@ SearchEnd PeakSearch::search() {
 }
 
 /// The look around goes on, to both sides alike, until a satellite is seen and nothing nearer can
-/// be where nobody looked.
+/// be where nobody looked. At an end of the span, or under the scatter, none stands out: where it
+/// is highest is tried last.
 std::optional<double> PeakSearch::nearest_satellite() {
     for (int reach = options_.first_look;; reach += options_.coarse) {
         const bool all = !look_as_far_as(reach);
@@ -112,8 +128,15 @@ std::optional<double> PeakSearch::nearest_satellite() {
         const double sure = all ? options_.span : reach - options_.coarse / 2.0;
         if (!seen.empty() && within(seen.front(), sure))
             if (const auto found = decide(seen)) return found;
-        if (all) return std::nullopt;
+        if (all) return decide(highest());
     }
+}
+
+/// Where the most is received of all places, if it is no noise.
+std::vector<double> PeakSearch::highest() const {
+    const auto [least, most] = std::ranges::minmax(result_.looked, {}, &Point::db);
+    if (most.db < least.db + kAboveAllDb) return {};
+    return {static_cast<double>(most.steps)};
 }
 
 /// False when there is no farther to look.
@@ -172,6 +195,8 @@ std::optional<double> PeakSearch::close_look(double about) {
             beside = beside * 2 / 3;
         }
         about = next_centre(found, beside);
+        // At an end of the span it would be the same place again.
+        if (!centred && centre_for(about, beside) == curve_.centre) break;
     }
     if (wide && !(curve_.of_carrier && is_peak())) curve_ = *wide;
     return is_peak() ? sharpened() : std::nullopt;
@@ -209,13 +234,18 @@ std::optional<double> PeakSearch::sharpened() {
         curve_.points.insert(curve_.points.end(), again.points.begin(), again.points.end());
     }
     const auto found = summit(curve_.points);
-    return found && within(*found - curve_.centre, 2.0 * kCentred) ? found : std::nullopt;
+    return found && within(*found - curve_.centre, kSeenFrom) ? found : std::nullopt;
+}
+
+/// The place nearest to `about` that has room on both sides.
+int PeakSearch::centre_for(double about, int beside) const {
+    return std::clamp(static_cast<int>(std::lround(about)), lowest() + beside,
+                      options_.span - beside);
 }
 
 PeakSearch::Curve PeakSearch::points_around(double about, int beside) {
     beside = std::min(beside, (options_.span - lowest()) / 2);
-    const int centre =
-        std::clamp(static_cast<int>(std::lround(about)), lowest() + beside, options_.span - beside);
+    const int centre = centre_for(about, beside);
     std::vector<Point> levels;
     std::vector<Point> carriers;
     bool amid = false;

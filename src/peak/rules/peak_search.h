@@ -19,7 +19,8 @@ struct SearchOptions {
     int span =
         kUsualSpan * kStepsOfDegree;  ///< steps; the shaft never leaves this around its start
     int backlash = 4;                 ///< steps; at least the play of any gear
-    int coarse = 10;      ///< steps between the points of the look around, less than a beam
+    int coarse = 10;  ///< steps between the points of the look around, less than a beam; half of
+                      ///< it where the span has room for two alone
     int first_look = 20;  ///< steps; how far the first look goes to either side
     int fine = 6;         ///< steps from the peak to the points beside it
 };
@@ -53,8 +54,7 @@ struct SearchResult {
 /// stopped however the search ends.
 class PeakSearch {
   public:
-    PeakSearch(Antenna& antenna, const SearchOptions& options)
-        : antenna_(antenna), options_(options) {}
+    PeakSearch(Antenna& antenna, const SearchOptions& options);
 
     /// Asked before each drive and each reading; true ends the search.
     std::function<bool()> cancelled;
@@ -80,10 +80,12 @@ class PeakSearch {
     SearchEnd searched();
     SearchEnd back_at_start();
     std::optional<double> nearest_satellite();
+    std::vector<double> highest() const;
     bool look_as_far_as(int reach);
     bool look_at(int steps);
     std::optional<double> decide(const std::vector<double>& satellites);
     std::optional<double> refine(double about);
+    int centre_for(double about, int beside) const;
     Curve points_around(double about, int beside);
     std::optional<double> close_look(double about);
     double next_centre(const std::optional<double>& found, int beside) const;
