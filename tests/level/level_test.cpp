@@ -123,6 +123,21 @@ class LevelTest : public QObject {
         QCOMPARE(*display.heard(), 59.0);
     }
 
+    void the_age_is_that_of_the_quantity_shown() {
+        LevelDisplay display;
+        display.measured(measurement("58.3"), 0);
+        display.show(measurement::Quantity::cn);
+        LevelPicture picture = display.picture(1, true, texts());
+        QCOMPARE(picture.value, QStringLiteral("—"));
+        QCOMPARE(picture.age, QStringLiteral("No value in the last measurement"));
+        QCOMPARE(display.picture(20, true, texts(kItalian)).age,
+                 QStringLiteral("Nessun valore nell'ultima misura"));
+        QCOMPARE(display.picture(1, false, texts()).age,
+                 QStringLiteral("The meter is not connected"));
+        display.show(measurement::Quantity::level);
+        QCOMPARE(display.picture(1, true, texts()).age, QStringLiteral("Measured 1 s ago"));
+    }
+
     void a_level_of_an_unknown_unit_is_shown_without_one() {
         LevelDisplay display;
         display.measured(measurement("58.3", measurement::Verdict::pass, {}), 0);

@@ -14,6 +14,8 @@ constexpr Bilingual kLevelNoLink{"The meter is not connected", "Lo strumento non
 constexpr Bilingual kLevelNone{"No measurement yet", "Ancora nessuna misura"};
 constexpr Bilingual kLevelNow{"Measured %1 s ago", "Misurato %1 s fa"};
 constexpr Bilingual kLevelOld{"OLD: measured %1 ago", "VECCHIO: misurato %1 fa"};
+constexpr Bilingual kNotInLast{"No value in the last measurement",
+                               "Nessun valore nell'ultima misura"};
 constexpr Bilingual kLevelRepeated{"Level alone, repeated", "Solo il livello, ripetuto"};
 constexpr Bilingual kCnRepeated{"C/N alone, repeated", "Solo il C/N, ripetuto"};
 constexpr Bilingual kMerRepeated{"MER alone, repeated", "Solo il MER, ripetuto"};
@@ -153,6 +155,8 @@ QString LevelDisplay::age_text(double now, bool linked, const Texts& texts) cons
     if (running_) return texts.pick(kLevelMeasuring);
     if (repeating_) return repeated_text(now, texts);
     if (!last_) return texts.pick(kLevelNone);
+    // The age is that of a value: a dash has none, whatever else was measured.
+    if (!held()) return texts.pick(kNotInLast);
     const int seconds = static_cast<int>(now - at_);
     if (live(now, linked)) return texts.pick(kLevelNow).arg(seconds);
     return texts.pick(kLevelOld).arg(span_text(seconds));
