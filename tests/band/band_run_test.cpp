@@ -190,7 +190,8 @@ void BandTest::a_run_that_repeats_goes_on_until_it_is_stopped() {
     QCOMPARE(end.levels, 8);
     QCOMPARE(meter.port.take_commands().last(3),
              QStringList({"LOCOSC 00", "FREQ 1178.0", "ATTEN 00"}));
-    QCOMPARE(told->in(Texts()), QString("a sweep of the band came to 8 levels, which stay"));
+    QCOMPARE(told->in(Texts()),
+             QString("a sweep of the band came to 8 levels, which were not saved"));
 }
 
 void BandTest::a_run_tells_each_end_in_one_sentence() {

@@ -64,7 +64,7 @@ void ScreensTest::a_sweep_asks_what_it_needs_and_esc_stops_it() {
     QCOMPARE(find<QLabel>("band_result", screen)->text(),
              QString("Stopped at 3 levels, carriers found: 0. The meter is as it was."));
     QCOMPARE(find<QLabel>("corrected_notice")->text(),
-             QString("Stopped: a sweep of the band came to 3 levels, which stay."));
+             QString("Stopped: a sweep of the band came to 3 levels, which were not saved."));
     QCOMPARE(screen->store().states().front().traces.live().size(), std::size_t{3});
     QVERIFY(!find<QLabel>("activity")->isVisible());
 }

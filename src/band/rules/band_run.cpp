@@ -9,8 +9,9 @@ namespace {
 
 constexpr Bilingual kBegun{"a sweep of the band has not asked for a level yet",
                            "una scansione della banda non ha ancora chiesto un livello"};
-constexpr Bilingual kSoFar{"a sweep of the band came to %1 levels, which stay",
-                           "una scansione della banda è arrivata a %1 livelli, che restano"};
+constexpr Bilingual kSoFar{"a sweep of the band came to %1 levels, which were not saved",
+                           "una scansione della banda è arrivata a %1 livelli, che non sono stati "
+                           "salvati"};
 constexpr Bilingual kDoing{"Sweeping the band", "Scansione della banda"};
 constexpr Bilingual kDoingState{"Sweeping the band, LNB state %1 of %2",
                                 "Scansione della banda, stato LNB %1 di %2"};
