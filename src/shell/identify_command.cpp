@@ -33,8 +33,11 @@ void IdentifyCommand::offer(const std::vector<plans::ImportCandidate>& programs)
 void IdentifyCommand::find_peak(const identify::Asked& carrier) {
     window_.open_screen(QStringLiteral("realtime"));
     const band::Feed feed = identify::feed_of(carrier.lnb);
-    if (auto* screen = window_.opened<realtime::Realtime>())
-        screen->find_peak_at({carrier.sky_mhz, carrier.lnb.oscillator, feed.volts, feed.tone});
+    realtime::WantedCarrier wanted{carrier.sky_mhz, carrier.lnb.oscillator, feed.volts, feed.tone};
+    // The identification has set the meter's own back, at which this carrier does not lock.
+    if (carrier.question.kind == identify::Question::Kind::lock)
+        wanted.symbol_rate = carrier.question.rate;
+    if (auto* screen = window_.opened<realtime::Realtime>()) screen->find_peak_at(wanted);
 }
 
 }  // namespace m47::shell

@@ -365,6 +365,8 @@ void ScreensTest::the_peak_of_the_named_satellite_is_searched_with_a_motor() {
     QVERIFY(!without_motor);
     realtime::Realtime* screen = open_realtime();
     find<QRadioButton>("dsqopt_1", screen)->click();
+    find<QLineEdit>("srqpsk_txt", screen)->setText("5000");
+    QTest::keyClick(find<QLineEdit>("srqpsk_txt", screen), Qt::Key_Return);
     QStringList sent;
     in_the_dialog(
         [&](QDialog* dialog) {
@@ -379,6 +381,8 @@ void ScreensTest::the_peak_of_the_named_satellite_is_searched_with_a_motor() {
     QVERIFY2(sent.contains("LNVOLT 18") && sent.contains("LNB 01"), qPrintable(sent.join(' ')));
     const double mhz = find<QLineEdit>("fsat", screen)->text().toDouble();
     QVERIFY2(std::abs(std::remainder(mhz - 10750, 90)) < 8, qPrintable(QString::number(mhz)));
+    QVERIFY2(sent.contains("SYMBRATEQPSK 27500"), "else it does not lock");
+    QCOMPARE(find<QLineEdit>("srqpsk_txt", screen)->text(), QString("27500"));
 }
 
 }  // namespace m47::shell

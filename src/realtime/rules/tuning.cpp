@@ -2,6 +2,7 @@
 #include "tuning.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "commands.h"
 #include "enter_key.h"
@@ -13,6 +14,7 @@ namespace m47::realtime {
 namespace {
 
 constexpr qsizetype kOscillatorLength = 6;
+constexpr double kSymbolRateOfMega = 1000;  // kS/s of 1 MS/s
 /// By the entry of the list of the LNB.
 constexpr std::array<int, 3> kLnbVolts{0, 13, 18};
 
@@ -136,6 +138,9 @@ void Tuning::tune_to(const WantedCarrier& carrier) {
     // The choice of the oscillator has read another one back.
     panel_.fsat = link::plain_text(carrier.mhz);
     fsat_KeyPress(kEnterKey);
+    if (!carrier.symbol_rate) return;
+    panel_.srqpsk_txt = QString::number(std::lround(*carrier.symbol_rate * kSymbolRateOfMega));
+    srqpsk_txt_KeyPress(kEnterKey);
 }
 
 void Tuning::lnb_supply_Click(int index) {

@@ -17,6 +17,7 @@ struct WantedCarrier {
     std::optional<double> oscillator{};  ///< MHz
     std::optional<int> volts{};          ///< 0, 13 or 18
     std::optional<bool> tone{};
+    std::optional<double> symbol_rate{};  ///< MS/s, of one that is to lock
 };
 
 /// The tuning controls of the real-time screen: each brings the confirmed value into its range,
@@ -36,7 +37,7 @@ class Tuning {
     /// back into `fsat`, during a recall too.
     void locopt_Click(int index);
     /// Sets the controls for `carrier` and sends them as somebody does who enters it: LNB, tone,
-    /// oscillator, frequency.
+    /// oscillator, frequency, symbol rate.
     void tune_to(const WantedCarrier& carrier);
 
     /// `index` of the entry "OFF", "13V", "18V".
