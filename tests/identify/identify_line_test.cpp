@@ -108,6 +108,27 @@ class IdentifyLineTest : public QObject {
         check_bytes(line.port.take_commands());
     }
 
+    /// Of two satellites that are a degree apart a small dish receives both, a large one one alone.
+    void the_dish_decides_what_is_expected() {
+        std::vector<Candidate> close = tables_.few();
+        for (Candidate& one : close) {
+            if (one.name != "10.0E") continue;
+            one.positions = {21.0};
+            for (Carrier& carrier : one.carriers) carrier.east = 21.0;
+        }
+        std::vector<double> certainties;
+        for (const double dish_cm : {80.0, 400.0}) {
+            Line line;
+            const MeterInProcess meter(line.port, 3, {tables_.folder(), 20.4, 3});
+            IdentificationRun run(line.link, Lnb::universal(), close, dish_cm);
+            const IdentificationEnd end = run.run();
+            QVERIFY(said(end, run).startsWith("This is 20.0E (Beta), certainty 9"));
+            certainties.push_back(end.verdict->certainty);
+        }
+        QVERIFY2(certainties[1] > certainties[0] + 0.01,
+                 qPrintable(QStringLiteral("%1, %2").arg(certainties[0]).arg(certainties[1])));
+    }
+
     void what_no_candidate_is_and_an_empty_sky() {
         Line line;
         const MeterInProcess meter(line.port, 5, {tables_.folder(), 20.2, 5});

@@ -313,12 +313,21 @@ void ScreensTest::what_cannot_be_asked_is_told() {
         choose(dialog, "identify_lnb", 1);
         type_into(dialog, "identify_oscillator", "975");
         try_it();
+        auto* dish = dialog->findChild<QLineEdit*>("identify_dish");
+        QCOMPARE(dish->text(), QString("80"));
+        choose(dialog, "identify_lnb", 2);
+        QCOMPARE(dish->text(), QString("240"));
+        type_into(dialog, "identify_dish", "20");
+        try_it();
+        choose(dialog, "identify_lnb", 0);
+        QCOMPARE(dish->text(), QString("20"));
         QVERIFY(asked_in(dialog)->rowCount() == 0);
     });
     QVERIFY2(told[0].contains("dtv-scan-tables"), qPrintable(told[0]));
     QVERIFY2(told[1].contains("13.0E or 30W"), qPrintable(told[1]));
     QVERIFY2(told[2].startsWith("No plan has a digital program"), qPrintable(told[2]));
     QVERIFY2(told[3].contains("3070 to 12000"), qPrintable(told[3]));
+    QVERIFY2(told[4].contains("30 to 1000 cm"), qPrintable(told[4]));
     QCOMPARE(line_->take_commands(), QStringList());
 }
 

@@ -150,6 +150,11 @@ void OptionsTest::wrong_data() {
             "does not go with --candidates-from-plans");
     for (const char* option : {"--candidates-from-plans", "--circular"})
         row(option, measuring({option}), "goes with --identify only");
+    for (const char* dish : {"", "29", "1001", "80.5", "-80", "80cm", "eighty"})
+        row(qPrintable(QStringLiteral("dish of '%1'").arg(QLatin1String(dish))),
+            {"--on-port", "1", "--identify", "--dish", dish},
+            "--dish takes whole centimetres from 30 to 1000");
+    row("dish of nothing", measuring({"--dish", "80"}), "--dish goes with --identify only");
     row("part of nothing", measuring({"--arc", "1E:2E"}), "--arc goes with --identify only");
     row("tables of nothing", {"--scan-tables", "x"}, "--scan-tables goes with --identify only");
     for (const char* option : {"--measure", "--sweep", "--peak", "--lnb", "--freq", "--plan",

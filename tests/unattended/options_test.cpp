@@ -91,8 +91,9 @@ void OptionsTest::identifications() {
     QVERIFY(usual.unattended() && usual.identify && !usual.identify->plans);
     QVERIFY(!usual.identify->part && usual.identify->lnb.states() == 4);
     QCOMPARE(usual.identify->folder, QString("/usr/share/dvb/dvb-s"));
-    const Options other = parse({"--on-port", "1", "--identify", "--scan-tables", "here", "--arc",
-                                 "5.5w:20E", "--oscillator", "5150", "--circular"});
+    const Options other =
+        parse({"--on-port", "1", "--identify", "--scan-tables", "here", "--arc", "5.5w:20E",
+               "--oscillator", "5150", "--circular", "--dish", "180"});
     QCOMPARE(other.error, QString());
     QCOMPARE(other.identify->folder, QString("here"));
     QCOMPARE(other.identify->part->one, -5.5);
@@ -100,6 +101,10 @@ void OptionsTest::identifications() {
     QCOMPARE(other.identify->lnb.states(), 2);
     QCOMPARE(other.identify->lnb.oscillator, 5150.0);
     QVERIFY(other.identify->lnb.circular);
+    QCOMPARE(other.identify->dish_cm(), 180);
+    QCOMPARE(usual.identify->dish_cm(), 80);
+    QCOMPARE(parse({"--on-port", "1", "--identify", "--oscillator", "5150"}).identify->dish_cm(),
+             240);
     QVERIFY(parse({"--on-port", "1", "--identify", "--candidates-from-plans"}).identify->plans);
     QVERIFY(!parse({"--on-port", "1"}).identify);
 }

@@ -13,6 +13,11 @@
 namespace m47::identify {
 namespace {
 
+constexpr int kUsualDish = 80;
+constexpr int kDishOfCBand = 240;
+/// Below it an LNB receives C band.
+constexpr double kLowestKuOscillator = 8000;
+
 constexpr double kKilosymbols = 1000;  // of 1 MS/s
 /// A place is written in tenths.
 constexpr double kBesideTheEnd = 0.05;
@@ -80,6 +85,10 @@ PlanPrograms programs_of(const db::Database& database, const QString& name) {
 }
 
 }  // namespace
+
+int usual_dish(const Lnb& lnb) {
+    return lnb.oscillator < kLowestKuOscillator ? kDishOfCBand : kUsualDish;
+}
 
 bool ArcPart::holds(double east) const {
     const double wide = arc_between(one, other);

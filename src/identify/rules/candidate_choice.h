@@ -42,12 +42,22 @@ std::vector<PlanPrograms> read_plans(const db::Database& database);
 /// supply, tone, frequency and symbol rate.
 std::vector<Candidate> candidates_of_plans(const std::vector<PlanPrograms>& plans, const Lnb& lnb);
 
+/// The diameters of dishes, cm, that an identification can be told.
+inline constexpr int kLeastDish = 30;
+inline constexpr int kMostDish = 1000;
+
+/// The diameter of the dish that usually stands before an LNB, cm: a large one for C band.
+int usual_dish(const Lnb& lnb);
+
 /// What an identification chooses from.
 struct CandidateChoice {
     QString folder = QString::fromLatin1(kTablesFolder);
     std::optional<ArcPart> part{};  ///< nothing: all of the arc
     bool plans = false;             ///< the user's plans in place of the tables
     Lnb lnb{};
+    std::optional<int> dish{};  ///< its diameter, cm; nothing: the usual one of the LNB
+
+    int dish_cm() const { return dish.value_or(usual_dish(lnb)); }
 };
 
 /// The candidates of `choice`; `database` for those of plans, where there is one. Empty where there

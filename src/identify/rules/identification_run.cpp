@@ -33,10 +33,10 @@ Said doing_of(const Question& question, std::size_t number) {
 }  // namespace
 
 IdentificationRun::IdentificationRun(link::Link& link, const Lnb& lnb,
-                                     std::vector<Candidate> candidates)
+                                     std::vector<Candidate> candidates, double dish_cm)
     : link_(link),
       lnb_(lnb),
-      arc_(std::move(candidates)),
+      arc_(std::move(candidates), dish_cm),
       identifier_(arc_, lnb.states()),
       at_first_(identifier_.belief().chances()),
       sky_(link, lnb) {}

@@ -40,8 +40,9 @@ struct IdentificationEnd {
 /// set back at the end.
 class IdentificationRun {
   public:
-    /// `candidates` as `lnb` receives them, at least one.
-    IdentificationRun(link::Link& link, const Lnb& lnb, std::vector<Candidate> candidates);
+    /// `candidates` as `lnb` receives them, at least one; the dish is of `dish_cm`.
+    IdentificationRun(link::Link& link, const Lnb& lnb, std::vector<Candidate> candidates,
+                      double dish_cm = 80);
 
     /// Asked before each question of run(); true ends it as stopped.
     std::function<bool()> cancelled;

@@ -3,6 +3,7 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
+#include <cmath>
 
 #include "box_room.h"
 #include "numbers.h"
@@ -34,6 +35,13 @@ constexpr Bilingual kCircular{"ci&rcular", "ci&rcolare"};
 constexpr Bilingual kCircularTip{"It receives right-hand at 13 V and left-hand at 18 V",
                                  "Riceve la destrorsa a 13 V e la sinistrorsa a 18 V"};
 
+constexpr Bilingual kDish{"&Dish", "Ante&nna"};
+constexpr Bilingual kDishTip{"Diameter of the dish, 30 to 1000 cm",
+                             "Diametro dell'antenna, da 30 a 1000 cm"};
+
+constexpr Bilingual kNoSuchDish{"Nothing was asked: a dish has a diameter from 30 to 1000 cm.",
+                                "Non si è chiesto niente: un'antenna ha un diametro da 30 a 1000 "
+                                "cm."};
 constexpr Bilingual kNoPlace{
     "Nothing was asked: a place on the arc is written as 13.0E or 30W, up to 180 degrees.",
     "Non si è chiesto niente: un punto dell'arco si scrive come 13.0E o 30W, fino a 180 gradi."};
@@ -53,6 +61,7 @@ Lnb lnb_of(const ChoiceBoxes& boxes) {
 
 CandidateChoice choice_of(const ChoiceBoxes& boxes) {
     CandidateChoice choice{.folder = boxes.folder, .lnb = lnb_of(boxes)};
+    choice.dish = static_cast<int>(std::lround(link::typed_value(boxes.dish)));
     choice.plans = boxes.from == ChoiceBoxes::plans;
     if (boxes.from == ChoiceBoxes::part_of_arc)
         choice.part = arc_part_of(boxes.one + u':' + boxes.other);
@@ -62,7 +71,8 @@ CandidateChoice choice_of(const ChoiceBoxes& boxes) {
 const Bilingual* fault_of(const ChoiceBoxes& boxes) {
     const CandidateChoice choice = choice_of(boxes);
     if (boxes.from == ChoiceBoxes::part_of_arc && !choice.part) return &kNoPlace;
-    return programme::is_oscillator(choice.lnb.oscillator) ? nullptr : &kNoSuchOscillator;
+    if (!programme::is_oscillator(choice.lnb.oscillator)) return &kNoSuchOscillator;
+    return choice.dish < kLeastDish || choice.dish > kMostDish ? &kNoSuchDish : nullptr;
 }
 
 ChoicePanel::ChoicePanel(const ChoiceBoxes& boxes, const Texts& texts, QWidget* parent)
@@ -112,9 +122,29 @@ void ChoicePanel::build_lnb(QGridLayout* layout, const ChoiceBoxes& boxes) {
     row->addWidget(oscillator_);
     row->addWidget(new QLabel(QStringLiteral("MHz")));
     row->addWidget(circular_);
+    build_dish(row, boxes);
     row->addStretch();
     layout->addLayout(row, 1, 2);
-    connect(lnb_, &QComboBox::currentIndexChanged, this, &ChoicePanel::enable_boxes);
+    connect(lnb_, &QComboBox::currentIndexChanged, this, &ChoicePanel::lnb_chosen);
+}
+
+void ChoicePanel::build_dish(QBoxLayout* row, const ChoiceBoxes& boxes) {
+    dish_ = box("identify_dish", boxes.dish, QStringLiteral("1000"), kDishTip);
+    usual_dish_ = usual_dish(lnb_of(boxes));
+    auto* caption = new QLabel(texts_.pick(kDish));
+    caption->setBuddy(dish_);
+    row->addSpacing(fontMetrics().averageCharWidth());
+    row->addWidget(caption);
+    row->addWidget(dish_);
+    row->addWidget(new QLabel(QStringLiteral("cm")));
+}
+
+/// A dish that nobody has told otherwise is the usual one of the LNB.
+void ChoicePanel::lnb_chosen() {
+    enable_boxes();
+    const int usual = usual_dish(lnb_of(boxes()));
+    if (dish_->text() == QString::number(usual_dish_)) dish_->setText(QString::number(usual));
+    usual_dish_ = usual;
 }
 
 QComboBox* ChoicePanel::list(const char* name, const Bilingual& caption, QGridLayout* layout,
@@ -160,6 +190,7 @@ ChoiceBoxes ChoicePanel::boxes() const {
     boxes.lnb = lnb_->currentIndex();
     boxes.oscillator = oscillator_->text();
     boxes.circular = circular_->isChecked();
+    boxes.dish = dish_->text();
     return boxes;
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QBoxLayout>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QGridLayout>
@@ -24,6 +25,7 @@ struct ChoiceBoxes {
     int lnb = universal;
     QString oscillator = QStringLiteral("9750");  ///< MHz, of a single one
     bool circular = false;
+    QString dish = QStringLiteral("80");  ///< diameter, cm
 };
 
 /// What the boxes ask for.
@@ -49,10 +51,12 @@ class ChoicePanel : public QWidget {
   private:
     void build_candidates(QGridLayout* layout, const ChoiceBoxes& boxes);
     void build_lnb(QGridLayout* layout, const ChoiceBoxes& boxes);
+    void build_dish(QBoxLayout* row, const ChoiceBoxes& boxes);
     QComboBox* list(const char* name, const Bilingual& caption, QGridLayout* layout, int row);
     QLineEdit* box(const char* name, const QString& text, const QString& longest,
                    const Bilingual& tip);
     void enable_boxes();
+    void lnb_chosen();
 
     const Texts& texts_;
     QString folder_;
@@ -63,6 +67,8 @@ class ChoicePanel : public QWidget {
     QComboBox* lnb_ = nullptr;
     QLineEdit* oscillator_ = nullptr;
     QCheckBox* circular_ = nullptr;
+    QLineEdit* dish_ = nullptr;
+    int usual_dish_ = 0;  ///< of the LNB that was chosen last, cm
 };
 
 }  // namespace m47::identify

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "identify_dialog.h"
 
-#include <QApplication>
-#include <QEvent>
 #include <QFileDialog>
 #include <QScrollArea>
 #include <algorithm>
@@ -10,7 +8,6 @@
 
 #include "belief_words.h"
 #include "best_carrier.h"
-#include "busy_input.h"
 #include "candidate_programs.h"
 #include "file_question.h"
 #include "handler.h"
@@ -52,20 +49,20 @@ constexpr Bilingual kNotSaved{"What was asked was not saved as '%1': %2",
                               "Domande e risposte non salvate come '%1': %2"};
 
 constexpr int kLinesOfViews = 4;
-constexpr int kShareOfBars = 5;
-constexpr int kShareOfTable = 6;
 constexpr int kLinesOfState = 2;
 
 }  // namespace
 
 IdentifyDialog::IdentifyDialog(IdentifyWork work, QWidget* parent)
-    : QDialog(parent), work_(std::move(work)) {
+    : RunDialog(work.program.texts, parent), work_(std::move(work)) {
     setObjectName(QStringLiteral("identify_dialog"));
     setWindowTitle(work_.program.texts.pick(kTitle));
     setProperty("manual_page", QStringLiteral("identify"));
     build();
     tell(work_.program.texts.pick(kBefore));
     show_running(false);
+    // Left alone it gets two thirds of a screen at most, which cuts the table's columns.
+    resize(sizeHint());
 }
 
 void IdentifyDialog::build() {
@@ -104,8 +101,9 @@ void IdentifyDialog::build_views(QBoxLayout* layout) {
     area->setMinimumHeight(least);
     table_->setMinimumHeight(least);
     auto* row = new QHBoxLayout;
-    row->addWidget(area, kShareOfBars);
-    row->addWidget(table_, kShareOfTable);
+    // The table has its columns' width before the bars have more than theirs.
+    row->addWidget(area, 1);
+    row->addWidget(table_);
     layout->addLayout(row, 1);
 }
 
@@ -132,7 +130,7 @@ void IdentifyDialog::build_keys(QBoxLayout* layout) {
     peak_ = add_key(keys, "identify_peak", kPeak);
     save_ = add_key(keys, "identify_save", kSave);
     keys->addStretch();
-    close_ = add_key(keys, "identify_close", kClose);
+    join_ends(stop_, add_key(keys, "identify_close", kClose));
     programs_->setToolTip(texts.pick(kProgramsTip));
     peak_->setToolTip(texts.pick(work_.find_peak ? kPeakTip : kNoMotorTip));
 }
@@ -145,23 +143,6 @@ void IdentifyDialog::join_keys() {
     on(save_, &QPushButton::clicked, this, "identify_save_Click", [this] { ask_save(); });
     on(choice_, &ChoicePanel::folder_asked, this, "identify_tables_Click",
        [this] { ask_tables(); });
-    connect(stop_, &QPushButton::clicked, this, &IdentifyDialog::stop);
-    connect(close_, &QPushButton::clicked, this, &IdentifyDialog::reject);
-    // Esc comes in the middle of an exchange too.
-    escape_ = new QAction(this);
-    escape_->setShortcut(Qt::Key_Escape);
-    addAction(escape_);
-    connect(escape_, &QAction::triggered, this, &IdentifyDialog::stop);
-    act_while_busy(stop_);
-    act_while_busy(escape_);
-}
-
-QPushButton* IdentifyDialog::add_key(QBoxLayout* keys, const char* name, const Bilingual& caption) {
-    auto* key = new QPushButton(work_.program.texts.pick(caption));
-    key->setObjectName(QString::fromLatin1(name));
-    key->setAutoDefault(false);
-    keys->addWidget(key);
-    return key;
 }
 
 void IdentifyDialog::tell(const QString& text, bool bold) {
@@ -181,33 +162,27 @@ void IdentifyDialog::show_facts() {
 
 /// What can be done with what came.
 void IdentifyDialog::enable_ends() {
-    save_->setEnabled(!running_ && !asked_.empty());
-    programs_->setEnabled(!running_ && named_ && !from_plans_ && work_.make_programs);
-    peak_->setEnabled(!running_ && named_ && work_.find_peak && best_carrier(asked_));
+    save_->setEnabled(!running() && !asked_.empty());
+    programs_->setEnabled(!running() && named_ && !from_plans_ && work_.make_programs);
+    peak_->setEnabled(!running() && named_ && work_.find_peak && best_carrier(asked_));
 }
 
-void IdentifyDialog::show_running(bool running) {
-    running_ = running;
+void IdentifyDialog::enable(bool running) {
     choice_->setEnabled(!running);
     start_->setEnabled(!running);
-    close_->setEnabled(!running);
-    stop_->setEnabled(running);
-    escape_->setEnabled(running);
     enable_ends();
-    if (running) stop_->setFocus();
 }
 
 void IdentifyDialog::start() {
     const Texts& texts = work_.program.texts;
     const ChoiceBoxes boxes = choice_->boxes();
     if (const Bilingual* fault = fault_of(boxes)) return tell(texts.pick(*fault));
-    leave_ = false;
     begin_anew();
     const CandidateChoice choice = choice_of(boxes);
     std::vector<Candidate> candidates = candidates_of(choice, work_.database);
     if (candidates.empty()) return tell(why_none(choice, texts));
     identify(choice, std::move(candidates));
-    if (leave_) reject();
+    leave_if_told();
 }
 
 void IdentifyDialog::begin_anew() {
@@ -223,36 +198,22 @@ void IdentifyDialog::begin_anew() {
 }
 
 void IdentifyDialog::identify(const CandidateChoice& choice, std::vector<Candidate> candidates) {
-    /// However it ends, the dialog can be used and left again.
-    struct Running {
-        explicit Running(IdentifyDialog& running) : dialog(running) {
-            dialog.show_running(true);
-            qApp->installEventFilter(&dialog);
-        }
-        ~Running() {
-            qApp->removeEventFilter(&dialog);
-            dialog.show_running(false);
-        }
-        Running(const Running&) = delete;
-        Running& operator=(const Running&) = delete;
-        IdentifyDialog& dialog;
-    };
     lnb_ = choice.lnb;
     from_plans_ = choice.plans;
-    IdentificationRun run(work_.link, choice.lnb, std::move(candidates));
-    follow(run);
+    IdentificationRun identification(work_.link, choice.lnb, std::move(candidates),
+                                     choice.dish_cm());
+    follow(identification);
     IdentificationEnd end;
-    {
-        const Running running(*this);
+    run([&] {
         // A lock takes six seconds without any answer.
-        const link::Waits waits(work_.link, [this, &run] {
-            seconds_ = run.seconds();
+        const link::Waits waits(work_.link, [&] {
+            seconds_ = identification.seconds();
             show_facts();
         });
-        end = run.run();
-    }
-    lines_ += verdict_line(run, end);
-    show_end(end, run.candidates());
+        end = identification.run();
+    });
+    lines_ += verdict_line(identification, end);
+    show_end(end, identification.candidates());
 }
 
 void IdentifyDialog::follow(IdentificationRun& run) {
@@ -297,27 +258,9 @@ void IdentifyDialog::show_end(const IdentificationEnd& end,
 }
 
 /// Nothing is sent from here: the run ends before its next command, and sets the meter back.
-void IdentifyDialog::stop() {
-    if (!running_) return;
+void IdentifyDialog::stop_run() {
     tell(work_.program.texts.pick(kStopping));
     work_.link.activity.stop();
-}
-
-void IdentifyDialog::reject() {
-    if (running_)
-        stop();
-    else
-        QDialog::reject();
-}
-
-/// Who closes a window while it asks wants it to end.
-bool IdentifyDialog::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() != QEvent::Close || !running_ || !watched->isWidgetType()) return false;
-    leave_ = true;
-    stop();
-    if (watched != this) return false;
-    event->ignore();
-    return true;
 }
 
 void IdentifyDialog::ask_tables() {

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QAction>
 #include <QBoxLayout>
-#include <QDialog>
 #include <QLabel>
 #include <QPushButton>
 #include <functional>
@@ -16,6 +14,7 @@
 #include "link.h"
 #include "plan_import.h"
 #include "program_state.h"
+#include "run_dialog.h"
 
 namespace m47::identify {
 
@@ -34,7 +33,7 @@ struct IdentifyWork {
 
 /// "Identify satellite…": shows what is held of each candidate while the sky is asked, and what was
 /// asked. While it asks Esc, Stop and closing any window stop it; what came stays and can be saved.
-class IdentifyDialog : public QDialog {
+class IdentifyDialog : public RunDialog {
     Q_OBJECT
   public:
     IdentifyDialog(IdentifyWork work, QWidget* parent);
@@ -48,27 +47,21 @@ class IdentifyDialog : public QDialog {
     void save(const QString& path);
 
     // As while it asks --------------------------------------------------------------------
-    /// Shows that it asks, or that it does not.
-    void show_running(bool running);
     void show_question(const Asked& asked);
     void show_beliefs(const std::vector<Standing>& standings,
                       const std::vector<Candidate>& candidates, std::optional<double> drift);
     void show_answer(const Asked& asked);
     void show_end(const IdentificationEnd& end, const std::vector<Candidate>& candidates);
 
-    bool eventFilter(QObject* watched, QEvent* event) override;
-
-  public Q_SLOTS:
-    void reject() override;
-
   private:
+    void enable(bool running) override;
+    void stop_run() override;
     void build();
     void build_choice(QBoxLayout* layout);
     void build_views(QBoxLayout* layout);
     void build_states(QBoxLayout* layout);
     void build_keys(QBoxLayout* layout);
     void join_keys();
-    QPushButton* add_key(QBoxLayout* keys, const char* name, const Bilingual& caption);
     void start();
     void identify(const CandidateChoice& choice, std::vector<Candidate> candidates);
     void follow(IdentificationRun& run);
@@ -77,7 +70,6 @@ class IdentifyDialog : public QDialog {
     void tell(const QString& text, bool bold = false);
     void show_facts();
     void enable_ends();
-    void stop();
     void ask_tables();
     void ask_save();
     void make_programs();
@@ -94,8 +86,6 @@ class IdentifyDialog : public QDialog {
     QPushButton* programs_ = nullptr;
     QPushButton* peak_ = nullptr;
     QPushButton* save_ = nullptr;
-    QPushButton* close_ = nullptr;
-    QAction* escape_ = nullptr;
     Lnb lnb_;                         ///< of what was asked last
     std::vector<Asked> asked_;        ///< with its answers
     QByteArray lines_;                ///< the same as a table
@@ -103,8 +93,6 @@ class IdentifyDialog : public QDialog {
     std::optional<double> drift_;
     double seconds_ = 0;
     bool from_plans_ = false;
-    bool running_ = false;
-    bool leave_ = false;  ///< a window was told to close while it asked
 };
 
 }  // namespace m47::identify

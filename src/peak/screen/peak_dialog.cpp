@@ -1,14 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "peak_dialog.h"
 
-#include <QAction>
-#include <QApplication>
-#include <QEvent>
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 #include <utility>
 
-#include "busy_input.h"
 #include "handler.h"
 #include "measurement.h"
 #include "message_box.h"
@@ -65,7 +61,8 @@ std::optional<LevelUnit> unit_on(const link::Link& link) {
 
 }  // namespace
 
-PeakDialog::PeakDialog(PeakWork work, QWidget* parent) : QDialog(parent), work_(std::move(work)) {
+PeakDialog::PeakDialog(PeakWork work, QWidget* parent)
+    : RunDialog(work.texts, parent), work_(std::move(work)) {
     setObjectName(QStringLiteral("peak_dialog"));
     setWindowTitle(work_.texts.pick(kTitle));
     setProperty("manual_page", QStringLiteral("motor"));
@@ -112,21 +109,12 @@ void PeakDialog::build_keys(QBoxLayout* layout) {
     auto* keys = new QHBoxLayout;
     layout->addLayout(keys);
     start_ = add_key(keys, "peak_start", kStart);
-    stop_ = add_key(keys, "peak_stop", kStop);
+    auto* stop = add_key(keys, "peak_stop", kStop);
     build_store(keys);
-    close_ = add_key(keys, "peak_close", kClose);
+    join_ends(stop, add_key(keys, "peak_close", kClose));
     start_->setDefault(true);
     on(start_, &QPushButton::clicked, this, "peak_start_Click", [this] { start(); });
     on(store_, &QPushButton::clicked, this, "peak_store_Click", [this] { store(); });
-    connect(stop_, &QPushButton::clicked, this, &PeakDialog::stop);
-    connect(close_, &QPushButton::clicked, this, &PeakDialog::reject);
-    // Esc has to reach the motor in the middle of an exchange.
-    escape_ = new QAction(this);
-    escape_->setShortcut(Qt::Key_Escape);
-    addAction(escape_);
-    connect(escape_, &QAction::triggered, this, &PeakDialog::stop);
-    act_while_busy(stop_);
-    act_while_busy(escape_);
 }
 
 void PeakDialog::build_store(QBoxLayout* keys) {
@@ -143,32 +131,18 @@ void PeakDialog::build_store(QBoxLayout* keys) {
     keys->addStretch();
 }
 
-QPushButton* PeakDialog::add_key(QBoxLayout* keys, const char* name, const Bilingual& caption) {
-    auto* key = new QPushButton(work_.texts.pick(caption));
-    key->setObjectName(QString::fromLatin1(name));
-    key->setAutoDefault(false);
-    keys->addWidget(key);
-    return key;
-}
-
-void PeakDialog::show_running(bool running) {
-    running_ = running;
+void PeakDialog::enable(bool running) {
     span_->setEnabled(!running);
     start_->setEnabled(!running);
-    close_->setEnabled(!running);
-    stop_->setEnabled(running);
-    escape_->setEnabled(running);
-    if (running) {
-        store_->setEnabled(false);
-        number_->setEnabled(false);
-        stop_->setFocus();
-    }
+    if (!running) return;
+    store_->setEnabled(false);
+    number_->setEnabled(false);
 }
 
 void PeakDialog::start() {
     if (!may_move()) return;
     search();
-    if (leave_) reject();
+    leave_if_told();
 }
 
 bool PeakDialog::may_move() {
@@ -177,30 +151,17 @@ bool PeakDialog::may_move() {
 }
 
 void PeakDialog::search() {
-    /// However the search ends, the dialog can be used and left again.
-    struct Running {
-        explicit Running(PeakDialog& running) : dialog(running) {
-            dialog.show_running(true);
-            qApp->installEventFilter(&dialog);
-        }
-        ~Running() {
-            qApp->removeEventFilter(&dialog);
-            dialog.show_running(false);
-        }
-        PeakDialog& dialog;
-    };
     SearchOptions options;
     options.span = span_->currentData().toInt() * kStepsOfDegree;
     readings_ = 0;
     curve_->begin(options.span, QString());
     state_->setText(work_.texts.pick(kBegins));
     PeakOutcome outcome;
-    {
-        const Running running(*this);
-        PeakRun run(work_.link, options, work_.tuning);
-        run.on_reading = [this](const Taken& taken) { show_reading(taken); };
-        outcome = run.run();
-    }
+    run([&] {
+        PeakRun search(work_.link, options, work_.tuning);
+        search.on_reading = [this](const Taken& taken) { show_reading(taken); };
+        outcome = search.run();
+    });
     show_end(outcome);
 }
 
@@ -226,27 +187,9 @@ void PeakDialog::show_end(const PeakOutcome& outcome) {
 }
 
 /// Nothing is sent from here: the search sends the stop, before its next command.
-void PeakDialog::stop() {
-    if (!running_) return;
+void PeakDialog::stop_run() {
     state_->setText(work_.texts.pick(kStopping));
     work_.link.activity.stop();
-}
-
-void PeakDialog::reject() {
-    if (running_)
-        stop();
-    else
-        QDialog::reject();
-}
-
-/// Who closes a window while the dish turns wants it to stand.
-bool PeakDialog::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() != QEvent::Close || !running_ || !watched->isWidgetType()) return false;
-    leave_ = true;
-    stop();
-    if (watched != this) return false;
-    event->ignore();
-    return true;
 }
 
 void PeakDialog::store() {

@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QAction>
 #include <QBoxLayout>
 #include <QComboBox>
-#include <QDialog>
 #include <QLabel>
 #include <QPushButton>
 #include <functional>
@@ -12,6 +10,7 @@
 #include "link.h"
 #include "peak_curve.h"
 #include "peak_run.h"
+#include "run_dialog.h"
 #include "texts.h"
 
 namespace m47::peak {
@@ -28,7 +27,7 @@ struct PeakWork {
 
 /// "Find the peak…": asks before anything moves, shows the levels while the dish turns, and stores
 /// the place where it is told to. While the dish turns Esc, Stop and closing any window stop it.
-class PeakDialog : public QDialog {
+class PeakDialog : public RunDialog {
     Q_OBJECT
   public:
     PeakDialog(PeakWork work, QWidget* parent);
@@ -37,24 +36,17 @@ class PeakDialog : public QDialog {
     void show_end(const PeakOutcome& outcome);
     /// Shows one reading of a search.
     void show_reading(const Taken& taken);
-    /// Shows that a search runs, or none.
-    void show_running(bool running);
-
-    bool eventFilter(QObject* watched, QEvent* event) override;
-
-  public Q_SLOTS:
-    void reject() override;
 
   private:
+    void enable(bool running) override;
+    void stop_run() override;
     void build();
     void build_span(QBoxLayout* layout);
     void build_keys(QBoxLayout* layout);
     void build_store(QBoxLayout* keys);
-    QPushButton* add_key(QBoxLayout* keys, const char* name, const Bilingual& caption);
     void start();
     bool may_move();
     void search();
-    void stop();
     void store();
 
     PeakWork work_;
@@ -62,14 +54,9 @@ class PeakDialog : public QDialog {
     PeakCurve* curve_ = nullptr;
     QLabel* state_ = nullptr;
     QPushButton* start_ = nullptr;
-    QPushButton* stop_ = nullptr;
     QPushButton* store_ = nullptr;
-    QPushButton* close_ = nullptr;
     QComboBox* number_ = nullptr;
-    QAction* escape_ = nullptr;
     int readings_ = 0;
-    bool running_ = false;
-    bool leave_ = false;  ///< a window was told to close while the dish turned
 };
 
 }  // namespace m47::peak

@@ -10,6 +10,7 @@ const QString kTables = QStringLiteral("scan-tables");
 const QString kArc = QStringLiteral("arc");
 const QString kFromPlans = QStringLiteral("candidates-from-plans");
 const QString kCircular = QStringLiteral("circular");
+const QString kDish = QStringLiteral("dish");
 
 /// Universal without a word: who has another one names its oscillator.
 identify::Lnb lnb_of(const QCommandLineParser& parser, const Options& options) {
@@ -18,6 +19,19 @@ identify::Lnb lnb_of(const QCommandLineParser& parser, const Options& options) {
         oscillator ? identify::Lnb::single(*oscillator) : identify::Lnb::universal();
     lnb.circular = parser.isSet(kCircular);
     return lnb;
+}
+
+QString read_dish(const QCommandLineParser& parser, std::optional<int>& dish) {
+    if (!parser.isSet(kDish)) return {};
+    bool good = false;
+    const int value = parser.value(kDish).toInt(&good);
+    if (!good || value < identify::kLeastDish || value > identify::kMostDish)
+        return refused(QStringLiteral("--dish takes whole centimetres from %1 to %2")
+                           .arg(identify::kLeastDish)
+                           .arg(identify::kMostDish),
+                       parser.value(kDish));
+    dish = value;
+    return {};
 }
 
 }  // namespace
@@ -34,6 +48,7 @@ QString read_identify(const QCommandLineParser& parser, Options& options) {
             return refused(QStringLiteral("--arc takes two places as 10E:30E or 5.5W:20E"),
                            parser.value(kArc));
     }
+    if (QString error = read_dish(parser, choice.dish); !error.isEmpty()) return error;
     options.identify = choice;
     return {};
 }
@@ -57,7 +72,7 @@ QString check_identify(const QCommandLineParser& parser, const Options& options)
 }
 
 QString check_without_identify(const QCommandLineParser& parser) {
-    for (const QString& option : {kTables, kArc, kFromPlans, kCircular})
+    for (const QString& option : {kTables, kArc, kFromPlans, kCircular, kDish})
         if (parser.isSet(option))
             return QStringLiteral("--%1 goes with --identify only").arg(option);
     return {};

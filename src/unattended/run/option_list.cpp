@@ -122,6 +122,10 @@ OptionList identify_options() {
          "FROM:TO"},
         {"candidates-from-plans", "With --identify: the candidates are the plans of the database."},
         {"circular", "With --identify: the LNB takes circular polarisation."},
+        {"dish",
+         "With --identify: the dish has a diameter of CM centimetres, 30 to 1000 (default 80, for "
+         "C band 240).",
+         "CM"},
     };
 }
 

@@ -66,7 +66,10 @@ int run_identification(Texts& texts, MeterConnection& connection, const Options&
         return choice.plans ? kDatabase : kUsage;
     }
     IdentifyingRun run{
-        texts, connection, options, {connection.link(), choice.lnb, std::move(candidates)}};
+        texts,
+        connection,
+        options,
+        {connection.link(), choice.lnb, std::move(candidates), double(choice.dish_cm())}};
     run.recording.on_lost = say_of_run;
     if (!options.trace.isEmpty()) run.recording.start(options.trace);
     run.output.on_remark = say_of_run;
