@@ -51,15 +51,16 @@ AskedTable::AskedTable(const Texts& texts, QWidget* parent) : QTableWidget(paren
     setTabKeyNavigation(false);
     // Once for all: measuring every row for each answer would take longer the more there are.
     const QStringList widest = widest_cells(texts);
-    for (int column = 0; column < columnCount(); ++column)
-        setColumnWidth(column,
-                       fontMetrics().horizontalAdvance(widest[column] + QStringLiteral("mm")));
+    for (int column = 0; column < columnCount(); ++column) {
+        const int wide = fontMetrics().horizontalAdvance(widest[column] + QStringLiteral("mm"));
+        setColumnWidth(column, wide);
+        all_columns_ += wide;
+    }
 }
 
 QSize AskedTable::sizeHint() const {
     const int frame = 2 * frameWidth() + verticalScrollBar()->sizeHint().width();
-    return {horizontalHeader()->length() + frame,
-            kUsualRows * verticalHeader()->defaultSectionSize()};
+    return {all_columns_ + frame, kUsualRows * verticalHeader()->defaultSectionSize()};
 }
 
 void AskedTable::showEvent(QShowEvent* event) {

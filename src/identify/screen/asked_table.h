@@ -30,6 +30,7 @@ class AskedTable : public QTableWidget {
     void add_cell(int column, const QString& text);
 
     const Texts& texts_;
+    int all_columns_ = 0;  ///< how wide they are together
 };
 
 }  // namespace m47::identify

@@ -35,7 +35,6 @@ constexpr Bilingual kCircular{"ci&rcular", "ci&rcolare"};
 constexpr Bilingual kCircularTip{"It receives right-hand at 13 V and left-hand at 18 V",
                                  "Riceve la destrorsa a 13 V e la sinistrorsa a 18 V"};
 
-constexpr Bilingual kDish{"&Dish", "Ante&nna"};
 constexpr Bilingual kDishTip{"Diameter of the dish, 30 to 1000 cm",
                              "Diametro dell'antenna, da 30 a 1000 cm"};
 
@@ -113,14 +112,14 @@ void ChoicePanel::build_lnb(QGridLayout* layout, const ChoiceBoxes& boxes) {
     for (const Bilingual& entry : {kUniversal, kSingle, kCBand}) lnb_->addItem(texts_.pick(entry));
     lnb_->setCurrentIndex(boxes.lnb);
     oscillator_ =
-        box("identify_oscillator", boxes.oscillator, QStringLiteral("12000.0"), kOscillator);
+        box("identify_oscillator", boxes.oscillator, QStringLiteral("12000"), kOscillator);
     circular_ = new QCheckBox(texts_.pick(kCircular));
     circular_->setObjectName(QStringLiteral("identify_circular"));
     circular_->setToolTip(texts_.pick(kCircularTip));
     circular_->setChecked(boxes.circular);
     auto* row = new QHBoxLayout;
+    row->setSpacing(fontMetrics().averageCharWidth() / 2);
     row->addWidget(oscillator_);
-    row->addWidget(new QLabel(QStringLiteral("MHz")));
     row->addWidget(circular_);
     build_dish(row, boxes);
     row->addStretch();
@@ -131,10 +130,8 @@ void ChoicePanel::build_lnb(QGridLayout* layout, const ChoiceBoxes& boxes) {
 void ChoicePanel::build_dish(QBoxLayout* row, const ChoiceBoxes& boxes) {
     dish_ = box("identify_dish", boxes.dish, QStringLiteral("1000"), kDishTip);
     usual_dish_ = usual_dish(lnb_of(boxes));
-    auto* caption = new QLabel(texts_.pick(kDish));
-    caption->setBuddy(dish_);
-    row->addSpacing(fontMetrics().averageCharWidth());
-    row->addWidget(caption);
+    // Words in its place are too wide for a small screen; it has its name and tip.
+    row->addWidget(new QLabel(QStringLiteral("Ø")));
     row->addWidget(dish_);
     row->addWidget(new QLabel(QStringLiteral("cm")));
 }
