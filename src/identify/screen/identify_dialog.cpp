@@ -2,6 +2,7 @@
 #include "identify_dialog.h"
 
 #include <QFileDialog>
+#include <QScreen>
 #include <QScrollArea>
 #include <algorithm>
 #include <utility>
@@ -62,7 +63,7 @@ IdentifyDialog::IdentifyDialog(IdentifyWork work, QWidget* parent)
     tell(work_.program.texts.pick(kBefore));
     show_running(false);
     // Left alone it gets two thirds of a screen at most, which cuts the table's columns.
-    resize(sizeHint());
+    resize(sizeHint().boundedTo(screen()->availableSize()));
 }
 
 void IdentifyDialog::build() {
