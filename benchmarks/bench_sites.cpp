@@ -203,9 +203,6 @@ bool measure_questions(sites::SiteStore& store, const QString& path, const Fille
     });
     compare("visits that failed", asked,
             [&](int) { asked.good = asked.good && !store.failed_visits().empty(); });
-    compare("dates of 20,000 visits", asked, [&](int) {
-        if (store.visit_dates().size() != kVisits) std::abort();
-    });
     compare_search(asked);
     const std::vector<sites::Visit>& visits = filled.of_first;
     compare("read two visits", asked, [&](int k) {

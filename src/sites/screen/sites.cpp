@@ -42,6 +42,8 @@ constexpr Bilingual kNoSites{
     "log, or by \"New site…\".",
     "Nessun sito finora.\n\nUn sito nasce con la prima visita nella schermata delle misure, con un "
     "log importato o con \"Nuovo sito…\"."};
+constexpr Bilingual kNothingToRead{"There are no sites to look at.",
+                                   "Non ci sono siti da guardare."};
 constexpr Bilingual kReadAgain{"F5 reads the file again.", "F5 rilegge il file."};
 constexpr Bilingual kFoundVisits{"Sites: %1, visits: %2", "Siti: %1, visite: %2"};
 constexpr Bilingual kSearchHere{"Search sites", "Cerca siti"};
@@ -142,12 +144,16 @@ void Sites::connect_keys() {
     ui_->sites_report->setVisible(false);
     ui_->cmdsitereport->setVisible(false);
     click(ui_->sites_save, ui_->cmdsitesave, "sites_save_Click", &Sites::sites_save_Click);
-    connect(ui_->cmdsitesfind, &QAction::triggered, this, [this] {
+    when(ui_->cmdsitesfind, &QAction::triggered, "cmdsitesfind_Click", [this] {
+        if (!list_ || list_->empty()) return program_.costs.tell_each(kNothingToRead);
         ui_->sites_search->setFocus();
         ui_->sites_search->selectAll();
     });
+    when(ui_->cmdsitesreload, &QAction::triggered, "cmdsitesreload_Click", [this] {
+        reload();
+        if (!list_) program_.costs.tell_each(kNothingToRead);
+    });
     connect_files();
-    when(ui_->cmdsitesreload, &QAction::triggered, "cmdsitesreload_Click", [this] { reload(); });
 }
 
 void Sites::connect_files() {
