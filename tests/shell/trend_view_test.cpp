@@ -356,18 +356,24 @@ void TrendViewTest::failed_rows_are_marked_in_red() {
 void TrendViewTest::limits_are_bands_as_soon_as_they_are_ticked() {
     add_rows(10);
     open_tab(1);
-    const auto bands = [this] {
+    const auto seen = [this](const char* kind) {
         int visible = 0;
-        for (int k = 0; k < plot()->itemCount(); ++k) visible += plot()->item(k)->visible();
+        for (int k = 0; k < plot()->itemCount(); ++k)
+            visible += plot()->item(k)->inherits(kind) && plot()->item(k)->visible();
         return visible;
     };
+    const auto bands = [&seen] { return seen("QCPItemRect"); };
+    // A line at each limit, where its band begins.
+    const auto lines = [&seen] { return seen("QCPItemStraightLine"); };
     QCOMPARE(bands(), 0);
+    QCOMPARE(lines(), 0);
     const QCPRange without = level_axis();
     find<QLineEdit>("lev_mina")->setText(QStringLiteral("40"));
     QTest::keyClicks(find<QLineEdit>("lev_maxa"), QStringLiteral("80"));
     find<QCheckBox>("alarm_statea_0")->click();
     QCoreApplication::processEvents();
     QCOMPARE(bands(), 2);
+    QCOMPARE(lines(), 2);
     QVERIFY(without.upper < 80 && level_axis().upper > 80);
     QVERIFY(level_axis().lower < 40);
     find<QCheckBox>("alarm_statea_0")->click();
