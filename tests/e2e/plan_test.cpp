@@ -465,6 +465,9 @@ void PlanTest::the_configuration_is_read_again() {
     write_file(path, "plan = ROOF\npasses = 0\nevery = no\nformat = csv\n");
     stand.remote.send_signal(SIGHUP);
     QVERIFY(stand.remote.wait_for_error_lines(1));
+    write_file(path, "plan = ROOFS\npasses = 0\n");
+    stand.remote.send_signal(SIGHUP);
+    QVERIFY(stand.remote.wait_for_error_lines(2));
     // The one before is in force: passes go on.
     QVERIFY(stand.remote.wait_for_lines(static_cast<int>(stand.remote.written().count('\n')) + 2));
     write_file(path, "plan = ROOF\npasses = 2\nformat = csv\n");
@@ -472,9 +475,11 @@ void PlanTest::the_configuration_is_read_again() {
     const Ending ending = stand.remote.wait();
     QCOMPARE(ending.status, 0);
     const QByteArray file = QFileInfo(path).absoluteFilePath().toUtf8();
-    QCOMPARE(ending.err, "m47-remote: the configuration stays as it was: " + file +
-                             ":3: --every takes a whole number from 1 to 31536000, not \"no\"\n" +
-                             "m47-remote: the configuration " + file + " was read again\n");
+    QCOMPARE(ending.err,
+             "m47-remote: the configuration stays as it was: " + file +
+                 ":3: --every takes a whole number from 1 to 31536000, not \"no\"\n" +
+                 "m47-remote: the configuration stays as it was: there is no plan ROOFS\n" +
+                 "m47-remote: the configuration " + file + " was read again\n");
     // Whole passes, under one line of names.
     const QList<QByteArray> lines = ending.out.trimmed().split('\n');
     QVERIFY(lines.size() >= 9 && lines.size() % 2 == 1);

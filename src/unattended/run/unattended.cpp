@@ -14,16 +14,21 @@
 #include "numbers.h"
 #include "plan_run.h"
 #include "port_diagnosis.h"
+#include "program_row.h"
 #include "publishing.h"
 #include "realtime_rules.h"
 #include "row_output.h"
 #include "say_on_stderr.h"
 #include "service_notes.h"
 #include "standard_streams.h"
+#include "tables.h"
 #include "unattended_visit.h"
 
 namespace m47::unattended {
 namespace {
+
+const QString kNoPlan = QStringLiteral("there is no plan %1");
+const QString kNothingMonitored = QStringLiteral("no program of the plan %1 is monitored");
 
 /// The line on a terminal that tells how far the run is.
 class ProgressLine {
@@ -71,8 +76,7 @@ struct Run : RunSoFar {
     ServiceNotes service{connection.link().clock(), ServiceNotes::found()};
     Publishing publishing{options, state.texts};
     measurement::Measurement measured{};  ///< of the row that comes next
-    int asked_before = platform::times_asked_to_read_again();
-    bool link_found = false;  ///< the meter has answered once
+    bool link_found = false;              ///< the meter has answered once
     bool wrong_limits = false;
     bool visit_refused = false;  ///< it could not be begun
 
@@ -268,21 +272,37 @@ bool rereads(const Run& run) {
            run.options.read_again != nullptr;
 }
 
+/// Why `plan` cannot be measured; empty where it can. In sets of its own, as the run may still
+/// stand at a program.
+QString plan_fault(const db::Database& database, const QString& plan) try {
+    const QString name = plan.trimmed().toUpper();
+    if (name.isEmpty()) return {};
+    if (database.of_plan(QLatin1String(db::table::kGruppo), name).empty()) return kNoPlan.arg(name);
+    db::Recordset programs = database.of_plan(QLatin1String(db::table::kProgrammi), name);
+    for (; !programs.empty() && !programs.end_of_set(); programs.move_next())
+        if (programme::ProgramRow(programs).monitored()) return {};
+    return kNothingMonitored.arg(name);
+} catch (const Fault& fault) {
+    return QString::fromUtf8(fault.what());
+}
+
 /// Why a run cannot go on with `next` in place of `before`; empty where it can.
-QString refusal_of(const Options& next, const Options& before, const QString& base_dir) {
+QString refusal_of(const Options& next, const Run& run) {
+    const Options& before = run.options;
     if (next.action != Options::Action::run) return next.error;
     if (next.directory != before.directory || next.user_data != before.user_data)
         return QStringLiteral("another folder to work in takes a new start");
-    return file_option_fault(next, base_dir);
+    const QString fault = plan_fault(run.rules->database, next.plan);
+    return fault.isEmpty() ? file_option_fault(next, run.state.base_dir) : fault;
 }
 
 /// True where the configuration was asked for again and is good: the run goes on with that. A bad
 /// one is told, and the one before stays in force.
 bool read_again(Run& run) {
-    const int asked = platform::times_asked_to_read_again();
-    if (asked == std::exchange(run.asked_before, asked)) return false;
+    const int times = platform::times_asked_to_read_again();
+    if (times == std::exchange(run.asked, times)) return false;
     Options next = run.options.read_again();
-    const QString refusal = refusal_of(next, run.options, run.state.base_dir);
+    const QString refusal = refusal_of(next, run);
     if (!refusal.isEmpty()) {
         complain(QStringLiteral("the configuration stays as it was: %1").arg(refusal));
         return false;
@@ -331,11 +351,11 @@ bool plan_is_there(Run& run) {
     realtime::PlanWalk& plans = run.rules->plans;
     const QString name = run.options.plan.trimmed().toUpper();
     if (!plans.choose_plan(name)) {
-        complain(QStringLiteral("there is no plan %1").arg(name));
+        complain(kNoPlan.arg(name));
         return false;
     }
     if (plans.monitored_programs() > 0) return true;
-    complain(QStringLiteral("no program of the plan %1 is monitored").arg(name));
+    complain(kNothingMonitored.arg(name));
     return false;
 }
 
@@ -500,6 +520,8 @@ int run_part(ProgramState& state, db::Database& database, MeterConnection& conne
     stop_when_told(run, 1);
     connection.link().cut_off = [] { return platform::times_told_to_end() > 1; };
     platform::let_hangups_ask(rereads(run));
+    // Whoever watches was told so before and goes on watching.
+    if (run.parts++ > 0) run.service.ready();
     listen_to_rules(run);
     tell_rounded(options);
     record_line(run);

@@ -24,6 +24,8 @@ using WritePicture =
 /// What a run has come to so far: one whose configuration was read again goes on with it.
 struct RunSoFar {
     int rows = 0;
+    int parts = 0;  ///< readings of the configuration, the first included
+    int asked = 0;  ///< how often it had been asked for at the last of them
     bool names_printed = false;
     bool incomplete = false;  ///< a pass was cut short or measured nothing
     bool alarm_failed = false;
