@@ -93,6 +93,19 @@ void write_file(const QString& path, const QByteArray& content) {
     QCOMPARE(file.write(content), content.size());
 }
 
+/// The one number that `query` asks the file for; -1 where there is none.
+qsizetype number_in(const QString& file, const char* query) {
+    qsizetype number = -1;
+    {
+        QSqlDatabase database = QSqlDatabase::addDatabase("QSQLITE", "look");
+        database.setDatabaseName(file);
+        QSqlQuery asked(database.open() ? database : QSqlDatabase());
+        if (asked.exec(QString::fromLatin1(query)) && asked.next()) number = asked.value(0).toInt();
+    }
+    QSqlDatabase::removeDatabase("look");
+    return number;
+}
+
 /// Stands for a service manager: the socket that it is told on.
 class ManagerSocket {
   public:
@@ -458,7 +471,7 @@ void PlanTest::the_configuration_is_read_again() {
     TestStand stand;
     make_plan(stand);
     const QString path = stand.path("r.conf");
-    const QByteArray before = "# all day\nplan = ROOF\npasses = 0\nformat = csv\n";
+    const QByteArray before = "# all day\nplan = ROOF\npasses = 0\nformat = csv\nsite = Roof\n";
     write_file(path, before);
     stand.start_measuring({"--config", "r.conf"});
     QVERIFY(stand.remote.wait_for_lines(3));
@@ -470,7 +483,7 @@ void PlanTest::the_configuration_is_read_again() {
     QVERIFY(stand.remote.wait_for_error_lines(2));
     // The one before is in force: passes go on.
     QVERIFY(stand.remote.wait_for_lines(static_cast<int>(stand.remote.written().count('\n')) + 2));
-    write_file(path, "plan = ROOF\npasses = 2\nformat = csv\n");
+    write_file(path, "plan = ROOF\npasses = 2\nformat = csv\nsite = Roof\n");
     stand.remote.send_signal(SIGHUP);
     const Ending ending = stand.remote.wait();
     QCOMPARE(ending.status, 0);
@@ -484,6 +497,10 @@ void PlanTest::the_configuration_is_read_again() {
     const QList<QByteArray> lines = ending.out.trimmed().split('\n');
     QVERIFY(lines.size() >= 9 && lines.size() % 2 == 1);
     QCOMPARE(ending.out.count("time"), 1);
+    // And in one visit.
+    QCOMPARE(number_in(stand.path("sites.sqlite"), "SELECT count(*) FROM visits"), 1);
+    QCOMPARE(number_in(stand.path("sites.sqlite"), "SELECT count(*) FROM measurements"),
+             lines.size() - 1);
 }
 
 void PlanTest::a_service_manager_is_told() {
