@@ -399,4 +399,51 @@ void OptionsTest::wrong_options_keep_nothing() {
     QVERIFY(!options.measure);
 }
 
+void OptionsTest::publishing_data() {
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QString>("error");
+    const QStringList address{"--publish", "http://h:8428"};
+    QTest::newRow("all") << address + QStringList{"--publish-site",       " a  b ",
+                                                  "--publish-meter",      "m",
+                                                  "--publish-token-file", "t",
+                                                  "--outbox-limit",       "2M"}
+                         << "";
+    QTest::newRow("no address") << QStringList{"--publish", "h:1"}
+                                << "--publish takes an address such as http://host:8428/write or "
+                                   "https://host/path";
+    QTest::newRow("empty") << QStringList{"--publish", ""}
+                           << "--publish takes a name, not an empty one";
+    QTest::newRow("two") << address + QStringList{"--publish", "http://other"}
+                         << "--publish takes one address";
+    QTest::newRow("a limit") << address + QStringList{"--outbox-limit", "1k"}
+                             << "--outbox-limit takes a size from 1M to 1024G, such as 512M, not "
+                                "\"1k\"";
+    for (const char* name : {"publish-site", "publish-meter", "publish-token-file", "outbox-limit"})
+        QTest::newRow(name) << QStringList{QStringLiteral("--") + name, "1M"}
+                            << QStringLiteral("--%1 needs --publish").arg(QLatin1String(name));
+}
+
+void OptionsTest::publishing() {
+    QFETCH(QStringList, options);
+    QFETCH(QString, error);
+    const Options read = parse(measuring(options));
+    QCOMPARE(read.error, error);
+    if (!error.isEmpty()) return;
+    QCOMPARE(read.publish.address.toString(), "http://h:8428/write");
+    QCOMPARE(read.publish.site, "a b");
+    QCOMPARE(read.publish.limit, qint64{2} * 1024 * 1024);
+    QCOMPARE(parse(measuring({"--publish", "http://h"})).publish.limit, qint64{1024} * 1024 * 1024);
+    QCOMPARE(parse({"--publish", "http://h"}).error, "--publish goes with --measure only");
+}
+
+void OptionsTest::publishing_keeps_secrets() {
+    for (const QStringList& options :
+         {QStringList{"--publish", "http://me:secret@h"},
+          QStringList{"--publish", "http://me:secret@h", "--publish", "http://h"}}) {
+        const Options read = parse(measuring(options));
+        QCOMPARE(read.action, Action::wrong);
+        QVERIFY2(!read.error.contains("secret"), qPrintable(read.error));
+    }
+}
+
 }  // namespace m47::unattended

@@ -49,6 +49,9 @@ class OptionsTest : public QObject {
     void visits();
     void peaks();
     void identifications();
+    void publishing_data();
+    void publishing();
+    void publishing_keeps_secrets();
     void what_a_probe_takes();
 };
 

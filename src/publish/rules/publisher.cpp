@@ -171,7 +171,8 @@ void Publisher::step() {
 void Publisher::pass_time(double seconds) {
     const double end = clock_.steady() + seconds;
     step();
-    for (double left = seconds; left > 0; left = end - clock_.steady()) {
+    double left = seconds;
+    while (left > 0) {
         if (!outbox_ || !delivery_->due_within(left)) {
             clock_.sleep(left);
             return;
@@ -181,6 +182,7 @@ void Publisher::pass_time(double seconds) {
         else
             clock_.sleep(std::min(left, kWorkSlice));
         step();
+        left = end - clock_.steady();
     }
 }
 
