@@ -246,6 +246,14 @@ QString read_whole_numbers(const QCommandLineParser& parser, Options& options) {
     return error;
 }
 
+/// Where the rows go, and how.
+QString read_destinations(const QCommandLineParser& parser, Options& options) {
+    QString error = read_format(parser, options);
+    if (error.isEmpty()) error = read_visit(parser, options);
+    if (error.isEmpty()) error = read_publish(parser, options);
+    return error;
+}
+
 }  // namespace
 
 QString read_values(const QCommandLineParser& parser, const Offer& offer, Options& options) {
@@ -258,9 +266,7 @@ QString read_values(const QCommandLineParser& parser, const Offer& offer, Option
     if (error.isEmpty()) error = read_sweep_span(parser, options);
     if (error.isEmpty()) error = read_peak_span(parser, options);
     if (error.isEmpty()) error = read_identify(parser, options);
-    if (error.isEmpty()) error = read_format(parser, options);
-    if (error.isEmpty()) error = read_visit(parser, options);
-    if (error.isEmpty()) error = read_publish(parser, options);
+    if (error.isEmpty()) error = read_destinations(parser, options);
     if (error.isEmpty()) error = read_plan_files(parser, options);
     if (error.isEmpty()) error = read_alarms(parser, options.alarms);
     return error;
