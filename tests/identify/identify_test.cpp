@@ -329,6 +329,27 @@ class IdentifyTest : public QObject {
         QVERIFY2(right >= 2, qPrintable(QString::number(right)));
     }
 
+    void satellites_of_unequal_powers_are_named() {
+        if (!QFileInfo::exists(QLatin1String(kFolder))) QSKIP("no scan tables are installed");
+        const SkyTables tables(kFolder);
+        auto near = candidates_of_tables(read_tables(QLatin1String(kFolder)), Lnb::universal());
+        std::erase_if(
+            near, [](const Candidate& one) { return arc_between(one.positions.front(), 47) > 20; });
+        const Arc arc(near);
+        struct Look {
+            std::uint64_t seed;
+            const char* name;
+            double east;
+        };
+        // Narrow carriers stand up to 24 dB over the noise.
+        for (const Look& look : {Look{101007, "54.9E/55.0E", 55.1}, Look{101010, "62.0E", 61.9}}) {
+            OrbitSky sky(tables, {.seed = look.seed, .own_powers = true, .east = look.east});
+            const Verdict verdict = identify_in(sky, arc);
+            QCOMPARE(verdict.kind, Verdict::Kind::candidate);
+            QCOMPARE(arc.candidates()[verdict.candidate].name, QLatin1String(look.name));
+        }
+    }
+
     void a_satellite_that_is_in_no_table_is_not_taken_for_its_neighbour() {
         if (!QFileInfo::exists(QLatin1String(kFolder))) QSKIP("no scan tables are installed");
         const SkyTables tables(kFolder);
