@@ -232,6 +232,7 @@ class VisitTest : public QObject {
     void a_file_locked_or_taken_away_in_the_middle_stops_nothing();
     void a_full_disk_stops_nothing_and_is_counted();
     void killed_at_any_instant_it_has_every_row_that_was_printed();
+    void a_visit_that_another_process_keeps_is_left_alone();
     void a_window_killed_at_any_instant_loses_no_row_and_its_visit_goes_on();
 };
 
@@ -420,6 +421,24 @@ void VisitTest::killed_at_any_instant_it_has_every_row_that_was_printed() {
     }
     qInfo("%d of %d kills left a journal, %d a row that was not printed", journals, kills,
           not_printed);
+}
+
+void VisitTest::a_visit_that_another_process_keeps_is_left_alone() {
+    TestStand stand;
+    const QStringList resumed{"--freq", "1000", "--site", "Sole", "--resume-visit"};
+    sites::StoreError error;
+    const auto store = sites::SiteStore::open(stand.path(kSites), error);
+    sites::VisitRecorder recorder(*store);
+    recorder.begin("Sole", {}, QDateTime::currentDateTime());
+    const Ending kept = stand.measure(resumed);
+    QCOMPARE(kept.status, 4);
+    QCOMPARE(kept.out, QByteArray());
+    QVERIFY2(kept.err.contains("keeps this visit"), kept.err);
+    recorder.leave();
+    const Ending free = stand.measure(resumed);
+    QCOMPARE(free.status, 0);
+    QCOMPARE(store->visits(store->sites().at(0).id).size(), std::size_t{1});
+    QCOMPARE(store->measurements(recorder.visit()->id).size(), std::size_t{1});
 }
 
 /// By hand, in a pass over the plan and at intervals: the log has a row before the visit has it.
