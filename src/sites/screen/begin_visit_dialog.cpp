@@ -4,6 +4,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "dialog_body.h"
 #include "dialog_buttons.h"
 
 namespace m47::sites {
@@ -29,7 +30,7 @@ BeginVisitDialog::BeginVisitDialog(const SiteStore* store, const VisitFacts& fac
     setWindowTitle(texts.pick(kBeginTitle));
     setProperty("manual_page", QStringLiteral("visits"));
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(picker_);
+    add_body(layout)->addWidget(picker_);
     make_boxes(picker_->rows());
     layout->addWidget(make_buttons());
     resize(fontMetrics().averageCharWidth() * 70, sizeHint().height());
@@ -53,8 +54,8 @@ void BeginVisitDialog::make_boxes(QFormLayout* form) {
     remarks_->setObjectName(QStringLiteral("visit_remarks"));
     remarks_->setToolTip(texts_.pick(kVisitRemarksTip));
     remarks_->setTabChangesFocus(true);
-    remarks_->setMinimumHeight(fontMetrics().height() * 2);
-    remarks_->setMaximumHeight(fontMetrics().height() * 4);
+    remarks_->setMaximumHeight(
+        qMax(fontMetrics().height() * 4, remarks_->minimumSizeHint().height()));
     form->addRow(texts_.pick(kVisitRemarks), remarks_);
 }
 

@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "cells_model.h"
+#include "dialog_body.h"
 #include "dialog_buttons.h"
 #include "row_time.h"
 
@@ -53,9 +54,10 @@ ImportLogDialog::ImportLogDialog(LogPreview log, const QString& name, const Site
     tables_->setObjectName(QStringLiteral("log_tables"));
     make_tables();
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(summary);
-    layout->addWidget(tables_, 1);
-    layout->addWidget(picker_);
+    QBoxLayout* body = add_body(layout);
+    body->addWidget(summary);
+    body->addWidget(tables_, 1);
+    body->addWidget(picker_);
     layout->addWidget(make_buttons());
     resize(fontMetrics().averageCharWidth() * 100, fontMetrics().height() * 34);
     picker_->setFocus();
@@ -75,7 +77,7 @@ void ImportLogDialog::add_table(const char* name, const Bilingual& caption,
     table->horizontalHeader()->setResizeContentsPrecision(kSampledRows);
     table->resizeColumnsToContents();
     table->horizontalHeader()->setStretchLastSection(true);
-    table->setMinimumHeight(fontMetrics().height() * 4);
+    table->setMinimumHeight(table->minimumSizeHint().height());
     tables_->addTab(table, Said{caption, {QString::number(rows)}}.in(texts_));
 }
 

@@ -8,6 +8,7 @@
 #include <QVBoxLayout>
 #include <iterator>
 
+#include "dialog_body.h"
 #include "dialog_buttons.h"
 #include "tooltips.h"
 
@@ -39,7 +40,7 @@ MergeDialog::MergeDialog(SiteMerge merge, const QString& title, const Texts& tex
     summary->setWordWrap(true);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(summary);
-    if (!merge_.conflicts.empty()) make_conflicts(layout);
+    if (!merge_.conflicts.empty()) make_conflicts(add_body(layout));
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     buttons->button(QDialogButtonBox::Ok)->setText(texts.pick(kMergeKey));
     name_buttons(buttons, texts);

@@ -88,8 +88,9 @@ void SitePicker::make_list(QBoxLayout* layout) {
     list_->setUniformItemSizes(true);
     list_->setTextElideMode(Qt::ElideRight);
     list_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    list_->setMinimumHeight(fontMetrics().height() * kListedRows / 2);
-    list_->setMaximumHeight((fontMetrics().height() + 4) * kListedRows);
+    const int least = list_->minimumSizeHint().height();
+    list_->setMinimumHeight(least);
+    list_->setMaximumHeight(qMax(least, (fontMetrics().height() + 4) * kListedRows));
     list_->setVisible(!known_.empty());
     state_ = new QLabel;
     state_->setObjectName(QStringLiteral("site_state"));
