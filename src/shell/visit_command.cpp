@@ -59,7 +59,7 @@ VisitCommand::~VisitCommand() {
 
 void VisitCommand::leave() {
     if (const std::optional<Said> missing = visit_.leave())
-        say_on_stderr(missing->in(program_.texts), Subsystem::kFiles);
+        unattended::say_on_stderr(missing->in(program_.texts), unattended::Subsystem::kFiles);
 }
 
 void VisitCommand::look_for_cut_off() {
