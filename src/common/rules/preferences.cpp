@@ -9,6 +9,8 @@ namespace m47 {
 namespace {
 
 const QString kDirectory = QStringLiteral("files/directory");
+const QString kCompany = QStringLiteral("letterhead/company");
+const QString kHasLogo = QStringLiteral("letterhead/logo");
 const QString kLogs = QStringLiteral("files/logs");
 const QString kScreensAsTabs = QStringLiteral("windows/tabs");
 const QString kToolbarWords = QStringLiteral("windows/words");
@@ -30,7 +32,7 @@ bool sensible(const QRect& rect) {
 /// In the order of FilePurpose; they stand in the user's file.
 constexpr const char* kPurposes[] = {
     "log",       "download", "slots", "plan",       "report",         "trend", "old_database",
-    "recording", "problem",  "sweep", "scan_table", "identification", "sites"};
+    "recording", "problem",  "sweep", "scan_table", "identification", "sites", "letterhead"};
 
 QString directory_key(FilePurpose purpose) {
     return kDirectory + u'_' + QLatin1String(kPurposes[static_cast<std::size_t>(purpose)]);
@@ -98,6 +100,22 @@ void Preferences::log_opened(const QString& path) const {
     logs.removeAll(absolute);
     logs.prepend(absolute);
     keep(kLogs, QStringList(logs.mid(0, kRecentLogs)));
+}
+
+QString Preferences::company() const {
+    return value(kCompany).toString();
+}
+
+void Preferences::keep_company(const QString& lines) const {
+    keep(kCompany, lines);
+}
+
+bool Preferences::has_logo() const {
+    return value(kHasLogo).toBool();
+}
+
+void Preferences::keep_has_logo(bool has_logo) const {
+    keep(kHasLogo, has_logo);
 }
 
 std::optional<WindowPlace> Preferences::place(const QString& name) const {

@@ -30,6 +30,7 @@ enum class FilePurpose {
     scan_table,
     identification,
     sites,
+    letterhead,
 };
 
 /// What the program remembers from one run to the next for the user's comfort: window places, the
@@ -60,6 +61,12 @@ class Preferences {
     /// The logs opened last that are still there, the latest first.
     QStringList recent_logs() const;
     void log_opened(const QString& path) const;
+
+    /// The lines that stand over a report, and whether a logo is kept for them.
+    QString company() const;
+    void keep_company(const QString& lines) const;
+    bool has_logo() const;
+    void keep_has_logo(bool has_logo) const;
 
     /// The place of the window `name`; nothing where none of a sensible size is known.
     std::optional<WindowPlace> place(const QString& name) const;

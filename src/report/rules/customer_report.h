@@ -5,6 +5,7 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
+#include <cstdint>
 #include <optional>
 #include <utility>
 
@@ -39,12 +40,19 @@ struct ReportContext {
     QList<ReportLimits> limits;
 };
 
+/// What a cell means to whoever looks for what is wrong.
+enum class CellTone : std::uint8_t { plain, good, doubtful, bad };
+
 /// A table of the report. Every row has as many cells as the header.
 struct ReportTable {
     QString caption;
-    QString remark;  ///< what of the whole the rows are
-    QStringList header;
-    QList<QStringList> rows;
+    QString remark{};  ///< what of the whole the rows are
+    QStringList header{};
+    QList<QStringList> rows{};
+    QList<QList<CellTone>> tones{};  ///< of the cells of each row; empty: PASS and FAIL tell theirs
+    QList<bool> numbers{};           ///< of each column: it stands at the right of its room
+    /// What stands over the header and over how many columns, from the left; may be empty.
+    QList<std::pair<QString, int>> groups{};
 };
 
 /// The report for the customer, section by section in the order in which it is read; what it looks
