@@ -10,6 +10,7 @@
 #include "realtime.h"
 #include "sites.h"
 #include "start_desk.h"
+#include "visit_report_dialog.h"
 
 namespace m47::shell {
 namespace {
@@ -96,7 +97,13 @@ Screen* make_sweep(const ScreenParts& parts) {
 }
 
 Screen* make_sites(const ScreenParts& parts) {
-    return new sites::Sites(parts.sites, parts.state, parts.database);
+    auto* screen = new sites::Sites(parts.sites, parts.state, parts.database);
+    screen->set_report([screen, state = &parts.state, sites = &parts.sites](
+                           const sites::Site& site, const std::vector<QUuid>& visits) {
+        if (const auto store = sites->look())
+            sites::show_visit_report(screen, *state, *store, site, visits, screen->code_rates());
+    });
+    return screen;
 }
 
 constexpr ScreenEntry kScreens[] = {
