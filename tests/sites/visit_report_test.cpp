@@ -93,7 +93,7 @@ class VisitReportTest : public QObject {
             store_->store(site);
             store_->store(visit);
             for (int k = 0; k < programs; ++k)
-                store_->store(a_row(visit, k, QStringLiteral("%1").arg(k, 3, 10, u'0'), 12));
+                store_->store(a_row(visit, k, QStringLiteral("%1").arg(k, 3, 10, QChar(u'0')), 12));
         });
         return site;
     }
@@ -174,12 +174,14 @@ class VisitReportTest : public QObject {
         const auto faded = std::ranges::find_if(
             before.rows, [](const QStringList& row) { return row[0].startsWith("ROSSI 001"); });
         // MER before, now and their difference; the level stands in the columns from 2 on.
-        QCOMPARE(faded->mid(8, 3), QStringList({"13.4", "9.0", "-4.4"}));
+        QCOMPARE(faded->mid(8, 3), QStringList({"13.4", "8.8", "-4.6"}));
         const report::ReportTable now = measured_table(last().visits[0], code_rate(), english_);
+        QCOMPARE(faded->mid(2, 3), QStringList({"61.5", "57.3", "-4.2"}));
+        QCOMPARE(before.groups[1].first, QString("Level (dBuV)"));
         QCOMPARE(now.rows[0].size(), now.header.size());
         QCOMPARE(now.rows[0].first(), QString("ROSSI 001"));
-        QCOMPARE(now.rows[0][now.header.indexOf("MER")], QString("9.0"));
-        QCOMPARE(now.rows[0][now.header.indexOf("To alarm")], QString("-0.5"));
+        QCOMPARE(now.rows[0][now.header.indexOf("MER")], QString("8.8"));
+        QCOMPARE(now.rows[0][now.header.indexOf("To alarm")], QString("-0.7"));
         QVERIFY(!now.rows[0][now.header.indexOf("To QEF")].isEmpty());
         QCOMPARE(now.rows[0].last(), QString("FAIL"));
     }

@@ -2,6 +2,7 @@
 #include "visit_report_file.h"
 
 #include <QBuffer>
+#include <QPainter>
 #include <QPdfWriter>
 
 #include "save_file.h"
@@ -16,7 +17,7 @@ using report::ReportPages;
 
 constexpr double kReportMargin = 15;  // mm
 constexpr int kPaperUnits = 96;       // to an inch
-constexpr double kChartHeight = 150;
+constexpr double kChartHeight = 140;
 
 constexpr Bilingual kVisitTitle{"Visit report", "Rapporto di visita"};
 constexpr Bilingual kPaperSite{"Site", "Sito"};
@@ -32,7 +33,6 @@ constexpr Bilingual kSignatures{"Signatures", "Firme"};
 constexpr Bilingual kSignedBy{"Technician: %1", "Tecnico: %1"};
 constexpr Bilingual kSignedFor{"Customer: %1", "Cliente: %1"};
 constexpr Bilingual kPageOf{"Page %1 of %2", "Pagina %1 di %2"};
-constexpr Bilingual kNoCharts{"%1 is missing or damaged", "%1 manca o è danneggiato"};
 
 /// Lays the report out on pages of one size.
 class ReportLayout {
@@ -41,10 +41,10 @@ class ReportLayout {
                  const Texts& texts)
         : pages_(pages), report_(report), letterhead_(letterhead), texts_(texts) {}
 
-    void add_all(const CodeRateOf& code_rate, VisitCharts& charts) {
+    void add_all(const CodeRateOf& code_rate, QPainter& painter) {
         add_site();
         for (const ReportedVisit& visit : report_.visits) add_visit(visit, code_rate);
-        add_charts(charts);
+        add_charts(painter);
         add_signatures();
     }
 
@@ -71,10 +71,10 @@ class ReportLayout {
         if (!visit.rows.empty()) pages_.add_table(measured_table(visit, code_rate, texts_));
     }
 
-    void add_charts(VisitCharts& charts) {
+    void add_charts(QPainter& painter) {
         bool is_first = true;
         for (const ReportedProgram& program : report_.programs) {
-            const QList<report::DrawTrend> drawings = charts.of(program);
+            const QList<report::DrawTrend> drawings = visit_charts(program, painter, texts_);
             if (drawings.isEmpty()) continue;
             if (is_first) {
                 pages_.add_heading(texts_.pick(kOverVisits), kChartHeight + kWithChart);
@@ -119,9 +119,7 @@ bool draw_pages(QPdfWriter& writer, const ReportPages& pages, QPainter& painter)
 QString save_visit_report(const QString& path, const VisitReport& report,
                           const Letterhead& letterhead, const CodeRateOf& code_rate,
                           QPageSize::PageSizeId paper, const Texts& texts) {
-    VisitCharts charts(texts);
-    const std::shared_ptr<QPainter> painter = charts.painter();
-    if (!charts.fault().isEmpty()) return texts.pick(kNoCharts).arg(charts.fault());
+    QPainter painter;
     QBuffer pdf;
     pdf.open(QIODevice::WriteOnly);
     QPdfWriter writer(&pdf);
@@ -133,8 +131,8 @@ QString save_visit_report(const QString& path, const VisitReport& report,
                           QMarginsF(kReportMargin, kReportMargin, kReportMargin, kReportMargin),
                           QPageLayout::Millimeter});
     ReportPages pages(QSizeF(writer.width(), writer.height()), texts.pick(kPageOf), title);
-    ReportLayout(pages, report, letterhead, texts).add_all(code_rate, charts);
-    if (!draw_pages(writer, pages, *painter)) return pdf.errorString();
+    ReportLayout(pages, report, letterhead, texts).add_all(code_rate, painter);
+    if (!draw_pages(writer, pages, painter)) return pdf.errorString();
     return write_whole_file(path, pdf.data());
 }
 

@@ -66,6 +66,7 @@ VisitReportForm::VisitReportForm(const ProgramState& program, const Site& site,
     visits_->setMinimumWidth(fontMetrics().averageCharWidth() * kListColumns);
     visits_->setMinimumHeight(fontMetrics().lineSpacing() * kListLines);
     visits_->setTextElideMode(Qt::ElideRight);
+    visits_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     auto* caption = new QLabel(texts.pick(kVisitsField));
     caption->setBuddy(visits_);
     form->addRow(caption, visits_);
@@ -83,7 +84,9 @@ void VisitReportForm::add_visits(const std::vector<Visit>& visits,
         QStringList facts{report_time(visit), visit.technician.simplified(), visit.plan,
                           visit.remarks.simplified()};
         facts.removeAll(QString());
-        auto* item = new QListWidgetItem(facts.join(QStringLiteral(" · ")), visits_);
+        const QString text = facts.join(QStringLiteral(" · "));
+        auto* item = new QListWidgetItem(text, visits_);
+        item->setToolTip(text.toHtmlEscaped());
         const bool is_ticked = ticked.empty() ? visit.id == visits.front().id
                                               : std::ranges::find(ticked, visit.id) != ticked.end();
         item->setData(Qt::UserRole, visit.id);

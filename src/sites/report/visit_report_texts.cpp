@@ -171,6 +171,26 @@ void fill(ReportTable& made, const SiteTable& table, const QList<int>& columns,
     }
 }
 
+/// Levels that are all in one unit have it in the heading, not in each cell.
+void name_unit_once(ReportTable& table, const std::vector<ProgramComparison>& compared) {
+    std::optional<LevelUnit> unit;
+    for (const ProgramComparison& each : compared)
+        for (const auto* one : {&each.earlier, &each.later}) {
+            if (!*one || !(*one)->measurement.reading(Quantity::level).measured()) continue;
+            const std::optional<LevelUnit>& its = (*one)->measurement.unit;
+            if (!its || (unit && unit != its)) return;
+            unit = its;
+        }
+    if (!unit) return;
+    const QString name = measurement::unit_text(unit);
+    constexpr int kLevelGroup = 1;
+    constexpr std::array kLevelColumns{2, 3};
+    table.groups[kLevelGroup].first += QStringLiteral(" (%1)").arg(name);
+    for (QStringList& row : table.rows)
+        for (const int column : kLevelColumns)
+            if (row[column].endsWith(u' ' + name)) row[column].chop(name.size() + 1);
+}
+
 /// Where in a comparison stands what was before of `quantity`; now and the change are behind it.
 int column_before(Quantity quantity) {
     constexpr int kProgramAndMeaning = 2;
@@ -228,6 +248,9 @@ ReportTable before_table(const ReportedVisit& visit, const Texts& texts) {
         table.groups += {quantity_text(quantity, texts), 3};
     }
     fill(table, *table_of_comparison(visit.compared, {}), columns, texts);
+    for (std::size_t k = 0; k < visit.compared.size(); ++k)
+        table.rows[static_cast<qsizetype>(k)][0] = short_name(visit.compared[k].key);
+    name_unit_once(table, visit.compared);
     return table;
 }
 
