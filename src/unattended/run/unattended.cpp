@@ -58,11 +58,11 @@ void complain(const QString& text) {
 
 struct Run : RunSoFar {
     Run(const RunSoFar& before, ProgramState& of_program, MeterConnection& way,
-        const Options& asked, const WritePicture& picture)
+        const Options& of_options, const WritePicture& picture)
         : RunSoFar(before),
           state(of_program),
           connection(way),
-          options(asked),
+          options(of_options),
           write_picture(picture) {}
 
     ProgramState& state;
