@@ -122,7 +122,8 @@ class IdentifyLineTest : public QObject {
             const MeterInProcess meter(line.port, 3, {tables_.folder(), 20.4, 3});
             IdentificationRun run(line.link, Lnb::universal(), close, dish_cm);
             const IdentificationEnd end = run.run();
-            QVERIFY(said(end, run).startsWith("This is 20.0E (Beta), certainty 9"));
+            QVERIFY2(said(end, run).startsWith("This is 20.0E (Beta), certainty 9"),
+                     qPrintable(QStringLiteral("%1 cm: ").arg(dish_cm) + said(end, run)));
             certainties.push_back(end.verdict->certainty);
         }
         QVERIFY2(certainties[1] > certainties[0] + 0.01,

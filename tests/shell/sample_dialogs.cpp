@@ -148,7 +148,7 @@ sites::LogPreview long_log() {
     for (int k = 0; k < 60; ++k)
         lines += k % 7 ? "21/11/25\t10:" + QByteArray::number(10 + k % 50) +
                              ":00\t11778.0\t10600\t58.3\t2.0E-4\t1.0E-8\t-0.5\t14.2\t\tPASS\n"
-                       : QByteArray("no measurement but a long line of words ").repeated(4) + '\n';
+                       : QByteArray("NO MEASUREMENT BUT A LONG LINE OF WORDS ").repeated(4) + '\n';
     return sites::read_log(lines, "day.log", long_site({}), QTimeZone::utc());
 }
 
@@ -171,7 +171,7 @@ void add_visits(QMap<QString, MakeDialog>& made, const Texts& texts) {
         sites::SiteMerge merge;
         merge.new_rows = 120;
         for (int k = 0; k < 30; ++k)
-            merge.conflicts.push_back({long_site("Via Roma 7"), long_site("Via Roma 9")});
+            merge.conflicts.push_back({long_site("VIA ROMA 7"), long_site("VIA ROMA 9")});
         return new sites::MergeDialog(merge, "M47", texts, parent);
     };
 }

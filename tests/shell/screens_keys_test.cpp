@@ -25,7 +25,10 @@ bool is_key(const QAction* action, const Screen* screen) {
 }
 
 bool is_key(const QAbstractButton* button) {
-    // A radio button that is in force, and what a tick changes, are seen as they are.
+    // A radio button that is in force, and what a tick changes, are seen as they are. A key with a
+    // menu shows that, whose entries are pressed by themselves.
+    if (const auto* push = qobject_cast<const QPushButton*>(button); push && push->menu())
+        return false;
     const bool key = qobject_cast<const QPushButton*>(button) ||
                      (qobject_cast<const QToolButton*>(button) &&
                       !qobject_cast<const QToolBar*>(button->parentWidget()));

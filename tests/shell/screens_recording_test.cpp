@@ -29,7 +29,7 @@ void choose_file(BoxAnswers& boxes, const QString& path, QString* proposed = nul
 /// Presses [Save…] of the dialog that comes, with `untick` and `tick` done.
 void save_report(BoxAnswers& boxes, const char* tick = nullptr, const char* untick = nullptr) {
     boxes.answer([=](QDialog* box) {
-        auto* list = box->findChild<QListWidget*>("unattended::problem_items");
+        auto* list = box->findChild<QListWidget*>("problem_items");
         for (int row = 0; row < list->count(); ++row) {
             if (tick && list->item(row)->text().startsWith(QLatin1String(tick)))
                 list->item(row)->setCheckState(Qt::Checked);
@@ -130,7 +130,7 @@ void ScreensTest::a_problem_is_reported_in_one_file_that_is_shown_before() {
     QStringList shown;
     QString first;
     boxes.answer([&](QDialog* box) {
-        auto* list = box->findChild<QListWidget*>("unattended::problem_items");
+        auto* list = box->findChild<QListWidget*>("problem_items");
         for (int row = 0; row < list->count(); ++row) {
             const bool ticked = list->item(row)->checkState() == Qt::Checked;
             shown += list->item(row)->text().section(u' ', 0, 0) + (ticked ? "" : " no");
