@@ -23,6 +23,7 @@ struct Steady {
     FakeLinkView view;
     link::Link link{port, clock, view};
     int levels = 0;
+    QByteArray unit = "00";
     std::function<void()> on_level;
 
     Steady() {
@@ -33,6 +34,7 @@ struct Steady {
                 if (on_level) on_level();
                 return FakePort::good(command, "  57.9");
             }
+            if (command == "UNIT?") return FakePort::good(command, unit);
             if (command == "FREQ?") return FakePort::good(command, "1178.0");
             return FakePort::good(command, command.endsWith('?') ? "00" : "");
         };
@@ -167,6 +169,8 @@ void BandTest::a_run_passes_over_all_states_and_sets_back_once() {
     QVERIFY(!end.stopped && !end.lost && end.not_set_back.empty());
     const QStringList sent = meter.port.take_commands();
     QCOMPARE(sent.filter("LNVOLT?").size(), 1);
+    // At the begin and behind each pass.
+    QCOMPARE(sent.filter("UNIT?").size(), 5);
     QCOMPARE(sent.last(6), QStringList({"LOCOSC 00", "FREQ 1178.0", "ATTEN 00", "LNVOLT 00",
                                         "LNB 00", "TONE22K 00"}));
 }
@@ -188,10 +192,52 @@ void BandTest::a_run_that_repeats_goes_on_until_it_is_stopped() {
     QCOMPARE(passed, 2);
     QVERIFY(end.stopped);
     QCOMPARE(end.levels, 8);
-    QCOMPARE(meter.port.take_commands().last(3),
-             QStringList({"LOCOSC 00", "FREQ 1178.0", "ATTEN 00"}));
+    QCOMPARE(meter.port.take_commands().last(4),
+             QStringList({"UNIT?", "LOCOSC 00", "FREQ 1178.0", "ATTEN 00"}));
     QCOMPARE(told->in(Texts()),
              QString("a sweep of the band came to 8 levels, which were not saved"));
+}
+
+void BandTest::levels_in_units_that_nobody_knows_are_left_out_data() {
+    QTest::addColumn<int>("changed");
+    QTest::addColumn<int>("stopped");
+    QTest::addColumn<int>("levels");
+    QTest::addColumn<int>("live");
+    QTest::newRow("in the first pass") << 2 << 3 << 0 << 0;
+    QTest::newRow("in the second, stopped there") << 5 << 6 << 3 << 3;
+    QTest::newRow("in the second, one more behind it") << 5 << 9 << 6 << 3;
+}
+
+void BandTest::levels_in_units_that_nobody_knows_are_left_out() {
+    QFETCH(int, changed);
+    QFETCH(int, stopped);
+    Steady meter;
+    BandChoice wanted = choice(false, 1000, 1020, 0);
+    wanted.step = 10;
+    BandRun run(meter.link, passes_of(wanted));
+    run.repeats = true;
+    BandStore store;
+    run.on_pass = [&](const BandPass& pass, std::optional<LevelUnit> unit) {
+        store.begin_pass(pass.feed, unit);
+    };
+    run.on_level = [&](const Sample& sample) { store.take(sample); };
+    run.on_mixed = [&] { store.drop_pass(); };
+    meter.on_level = [&] {
+        if (meter.levels == changed) meter.unit = "02";
+        if (meter.levels == stopped) meter.link.activity.stop();
+    };
+    const BandEnd end = run.run();
+    QVERIFY(end.stopped && end.unit_changed);
+    QTEST(end.levels, "levels");
+    const BandTraces& traces = store.states().front().traces;
+    QTEST(int(traces.live().size()), "live");
+    QCOMPARE(traces.max_hold().size(), traces.live().size());
+    // Only what is surely in it is told in a unit.
+    QCOMPARE(store.states().front().unit, std::optional(stopped == 9 ? kDbm : kDbuv));
+    const QString told = end_text(end, 0, Texts());
+    QVERIFY2(told.endsWith("The unit was changed at the meter meanwhile: the levels of that pass "
+                           "are left out."),
+             qPrintable(told));
 }
 
 void BandTest::a_run_tells_each_end_in_one_sentence() {

@@ -37,6 +37,8 @@ class BandTest : public QObject {
     void a_reference_is_that_of_its_feed_and_unit();
     void a_run_passes_over_all_states_and_sets_back_once();
     void a_run_that_repeats_goes_on_until_it_is_stopped();
+    void levels_in_units_that_nobody_knows_are_left_out_data();
+    void levels_in_units_that_nobody_knows_are_left_out();
     void a_run_tells_each_end_in_one_sentence();
     void carriers_become_programs();
     // meter_levels_test.cpp

@@ -18,6 +18,8 @@ class SweepTest : public QObject {
     void cleanupTestCase();
     void every_byte_on_the_wire();
     void carriers_with_their_names();
+    void a_unit_changed_at_the_meter_data();
+    void a_unit_changed_at_the_meter();
     void told_to_end();
     void without_a_meter();
     void a_table_that_cannot_be_read();
@@ -93,6 +95,26 @@ const QStringList kIdentifyPrepared{"LNB?",      "LNVOLT?", "TONE22K?",   "MEASU
                                     "LNVOLT 13", "LNB 01",  "TONE22K 00", "ATTEN 6"};
 const QStringList kIdentifySetBack{"LOCOSC 00", "FREQ 1000.0", "ATTEN 06",
                                    "LNVOLT 13", "LNB 00",      "TONE22K 00"};
+
+/// The recording of a meter on which somebody chooses another unit between two levels.
+void write_unit_change(const QString& path) {
+    const QByteArrayList exchanges[] = {
+        {"ATTEN?", "06"},     {"VER?", "V3.1.0 PLUS"}, {"FREQ?", "1000.0"}, {"LOCOSC?", "00"},
+        {"ATTEN?", "06"},     {"UNIT?", "00"},         {"MEASURE", ""},     {"LOCOSC 00", ""},
+        {"ATTEN 6", ""},      {"FREQ 0990.0", ""},     {"LEVANL?", "57.9"}, {"FREQ 0995.0", ""},
+        {"LEVANL?", "-51.1"}, {"UNIT?", "02"},         {"LOCOSC 00", ""},   {"FREQ 1000.0", ""},
+        {"ATTEN 06", ""}};
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) qFatal("no recording");
+    file.write("M47TRACE 1 2026-11-22T14:00:00+01:00 m47-remote 0.1.0 Qt 6.4.2\n");
+    int time = 0;
+    for (const QByteArrayList& exchange : exchanges) {
+        const QByteArray sent = QByteArray::number(++time) + ".000 ";
+        const QByteArray value = exchange[1].isEmpty() ? QByteArray() : exchange[1] + "<CR>";
+        file.write("RX " + sent + sent + exchange[0] + "<CR>\n");
+        file.write("TX " + sent + sent + exchange[0] + "<CR>" + value + "OK<CR>\n");
+    }
+}
 
 /// What the meter answered to each "LEVANL?", as a number.
 QByteArrayList levels_of(const TestStand& stand) {
@@ -171,7 +193,7 @@ void SweepTest::every_byte_on_the_wire() {
                              "LEVANL?",     "FREQ 1000.0", "LEVANL?"};
     const QStringList set_back{"LOCOSC 00", "FREQ 1000.0", "ATTEN 06",
                                "LNVOLT 13", "LNB 00",      "TONE22K 00"};
-    QCOMPARE(stand.meter.commands(), begin + levels + set_back);
+    QCOMPARE(stand.meter.commands(), begin + levels + QStringList{"UNIT?"} + set_back);
     const QByteArrayList answered = levels_of(stand);
     QCOMPARE(answered.size(), 3);
     QByteArray rows = kHeader;
@@ -206,6 +228,29 @@ void SweepTest::carriers_with_their_names() {
     }
     QCOMPARE(rows[1].constLast(), QString("FILM"));
     QCOMPARE(rows[2].constLast(), QString());
+}
+
+/// Rows that are printed already cannot be taken back: the end says what they are worth.
+void SweepTest::a_unit_changed_at_the_meter_data() {
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<int>("lines");
+    QTest::newRow("levels") << QStringList() << 3;
+    QTest::newRow("carriers") << QStringList("--carriers") << 1;
+}
+
+void SweepTest::a_unit_changed_at_the_meter() {
+    QFETCH(QStringList, options);
+    QTemporaryDir folder;
+    write_unit_change(folder.filePath("changed.trace"));
+    TestStand stand({"--replay", folder.filePath("changed.trace")});
+    const Ending ending =
+        stand.remote.run(sweeping(stand, QStringList{"--sweep", "990:995:5"} + options));
+    QCOMPARE(ending.err, QByteArray("m47-remote: the unit was changed at the meter during the "
+                                    "sweep, so its levels cannot be told apart\n"));
+    QCOMPARE(ending.status, 7);
+    QTEST(int(rows_of(ending.out).size()), "lines");
+    QCOMPARE(stand.meter.commands().last(4),
+             QStringList({"UNIT?", "LOCOSC 00", "FREQ 1000.0", "ATTEN 06"}));
 }
 
 /// What was found stands, and the meter is as it was before.

@@ -58,8 +58,8 @@ void ScreensTest::a_sweep_asks_what_it_needs_and_esc_stops_it() {
                           "MEASURE", "LOCOSC 00", "LNVOLT 13", "LNB 01", "TONE22K 01", "ATTEN 6",
                           "FREQ 1000.0", "LEVANL?", "FREQ 1010.0", "LEVANL?", "FREQ 1020.0",
                           "LEVANL?"}) +
-                 QStringList({"LOCOSC 00", "FREQ 1000.0", "ATTEN 06", "LNVOLT 13", "LNB 00",
-                              "TONE22K 00"}));
+                 QStringList({"UNIT?", "LOCOSC 00", "FREQ 1000.0", "ATTEN 06", "LNVOLT 13",
+                              "LNB 00", "TONE22K 00"}));
     QCOMPARE(meter.kept(), before);
     QCOMPARE(find<QLabel>("band_result", screen)->text(),
              QString("Stopped at 3 levels, carriers found: 0. The meter is as it was."));

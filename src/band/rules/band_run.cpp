@@ -40,6 +40,11 @@ constexpr Bilingual kLost{
 constexpr Bilingual kNoMeter{"Nothing was swept: no meter answers.",
                              "Nessuna scansione: nessuno strumento risponde."};
 
+constexpr Bilingual kUnitChanged{
+    "The unit was changed at the meter meanwhile: the levels of that pass are left out.",
+    "Nel frattempo l'unità è stata cambiata sullo strumento: i livelli di quel passaggio sono "
+    "esclusi."};
+
 const Bilingual& words_of(const BandEnd& end) {
     if (end.lost) return end.levels == 0 && end.not_set_back.empty() ? kNoMeter : kLost;
     if (!end.not_set_back.empty()) return kNotSetBack;
@@ -55,15 +60,36 @@ QString end_text(const BandEnd& end, std::size_t carriers, const Texts& texts) {
     QStringList values{QString::number(end.levels), QString::number(carriers)};
     if (&words == &kUnsure) values += QString::number(end.without_level);
     if (&words == &kLost || &words == &kNotSetBack) values += names_in(end.not_set_back, texts);
-    return Said{words, values}.in(texts);
+    const QString said = Said{words, values}.in(texts);
+    return end.unit_changed ? said + u' ' + texts.pick(kUnitChanged) : said;
 }
 
 void BandRun::note(const Sample& sample) {
-    if (sample.level.measured())
-        ++end_.levels;
-    else
-        ++end_.without_level;
+    const bool measured = sample.level.measured();
+    ++(measured ? end_.levels : end_.without_level);
+    if (measured) ++pass_levels_;
     if (on_level) on_level(sample);
+}
+
+void BandRun::check_unit(link::Work& work) {
+    if (pass_levels_ > 0 && levels_.unit_changed()) {
+        end_.unit_changed = true;
+        end_.levels -= pass_levels_;
+        work.at(kSoFar, {QString::number(end_.levels)});
+        if (on_mixed) on_mixed();
+    }
+    pass_levels_ = 0;
+}
+
+/// Also where the run was told to stop.
+void BandRun::finish(link::Work& work) {
+    const link::InOrder in_order(link_);
+    try {
+        check_unit(work);
+    } catch (const Interrupted&) {
+        // Told once more: not even that.
+    }
+    end_.not_set_back = levels_.set_back();
 }
 
 void BandRun::sweep_one(std::size_t place, link::Work& work) {
@@ -80,6 +106,7 @@ void BandRun::sweep_one(std::size_t place, link::Work& work) {
         const int to_come = static_cast<int>(passes_.size() - place - 1) * sweep.plan().expected();
         if (!repeats) work.reached(asked, asked + expected + to_come);
     }
+    check_unit(work);
     if (!levels_.lost() && on_passed) on_passed();
 }
 
@@ -99,6 +126,7 @@ BandEnd BandRun::run() {
     link::Work work(link_, kBegun);
     work.ends_with_window();
     end_ = BandEnd();
+    pass_levels_ = 0;
     if (levels_.lost()) {
         // Tells that none is connected.
         link_.send(link::command::kMeasure);
@@ -114,7 +142,7 @@ BandEnd BandRun::run() {
         static_cast<void>(levels_.set_back());
         throw;
     }
-    end_.not_set_back = levels_.set_back();
+    finish(work);
     end_.lost = levels_.lost();
     return end_;
 }

@@ -17,6 +17,8 @@ struct BandEnd {
     bool lost = false;     ///< nobody answers any more
     int levels = 0;
     int without_level = 0;  ///< frequencies at which the meter gave no sure level
+    /// The unit was changed at the meter in a pass, whose levels do not count.
+    bool unit_changed = false;
     std::vector<Bilingual> not_set_back{};
 };
 
@@ -34,6 +36,8 @@ class BandRun {
     /// Told of a pass that begins, the meter's unit known, and of each answer in it.
     std::function<void(const BandPass& pass, std::optional<LevelUnit> unit)> on_pass;
     std::function<void(const Sample& sample)> on_level;
+    /// Told that the levels of the pass that began last are in units that nobody can tell apart.
+    std::function<void()> on_mixed;
     /// Told of each pass that was gone through to its end.
     std::function<void()> on_passed;
 
@@ -44,11 +48,14 @@ class BandRun {
     void sweep_all(link::Work& work);
     void sweep_one(std::size_t place, link::Work& work);
     void note(const Sample& sample);
+    void check_unit(link::Work& work);
+    void finish(link::Work& work);
 
     link::Link& link_;
     std::vector<BandPass> passes_;
     MeterLevels levels_;
     BandEnd end_;
+    int pass_levels_ = 0;  ///< of the pass whose unit was not asked for again yet
 };
 
 }  // namespace m47::band

@@ -11,11 +11,16 @@ void BandStore::begin_pass(const Feed& feed, std::optional<LevelUnit> unit) {
     if (place == states_.end()) states_.push_back({feed, unit});
     BandState& state = states_[latest_];
     if (state.unit != unit) state = {feed, unit};
+    before_ = state.traces;
     state.traces.begin_pass();
 }
 
 void BandStore::take(const Sample& sample) {
     states_[latest_].traces.take(sample);
+}
+
+void BandStore::drop_pass() {
+    states_[latest_].traces = before_;
 }
 
 void BandStore::clear() {

@@ -30,6 +30,8 @@ class BandStore {
     void begin_pass(const Feed& feed, std::optional<LevelUnit> unit);
     /// A level of the pass that began last.
     void take(const Sample& sample);
+    /// The levels of the pass that began last were none: its state is as it was before.
+    void drop_pass();
     /// Leaves all but the reference.
     void clear();
 
@@ -53,6 +55,7 @@ class BandStore {
     std::vector<BandState> states_;
     std::vector<ReferenceCurve> references_;
     std::size_t latest_ = 0;
+    BandTraces before_;  ///< of the state of the pass that began last, as that began
 };
 
 }  // namespace m47::band

@@ -35,6 +35,10 @@ class MeterLevels : public LevelAsker {
     bool change_feed(const Feed& feed);
 
     measurement::Reading level(double mhz) override;
+    /// Asks for the unit once again: true where the meter has another one than at prepare(), as
+    /// somebody chose it at the meter's own keys. Nobody knows which levels since are in which.
+    /// False where it does not tell.
+    bool unit_changed();
     /// Of the carrier at `mhz` of the intermediate band with `kilosymbols` a second; takes six
     /// seconds. One that was not measured where no answer is sure.
     Quality quality(double mhz, int kilosymbols);
@@ -59,6 +63,7 @@ class MeterLevels : public LevelAsker {
     KeptSettings kept_;
     Feed fed_;  ///< as far as the meter has surely taken it
     bool attenuated_ = false;
+    std::optional<int> unit_;  ///< index of the one at prepare()
 };
 
 }  // namespace m47::band

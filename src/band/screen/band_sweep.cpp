@@ -226,6 +226,11 @@ void BandSweep::follow(BandRun& run) {
         store_.take(sample);
         grown_ = true;
     };
+    run.on_mixed = [this] {
+        store_.drop_pass();
+        look_.markers = {};
+        grown_ = true;
+    };
     run.on_passed = [this] { find_all_carriers(); };
 }
 

@@ -14,6 +14,7 @@
 #include "sweep.h"
 #include "sweep_table.h"
 #include "unattended.h"
+#include "work.h"
 
 namespace m47::unattended {
 namespace {
@@ -32,6 +33,7 @@ struct SweepRun {
     RowOutput output{platform::kStandardOutput};
     LineRecording recording{connection.recorder(), texts};
     int without_level = 0;
+    bool unit_changed = false;
     bool not_set_back = false;
 };
 
@@ -88,6 +90,21 @@ void ask_levels(SweepRun& run) {
     }
 }
 
+/// Where somebody chose another unit at the meter, the levels are told to be in it in vain.
+void check_unit(SweepRun& run) {
+    if (run.sweep.plan().curve().empty()) return;
+    const link::InOrder in_order(run.connection.link());
+    try {
+        run.unit_changed = run.levels.unit_changed();
+    } catch (const Interrupted&) {
+        // Told once more to end: nobody is asked.
+    }
+    if (run.unit_changed)
+        say_of_run(
+            QStringLiteral("the unit was changed at the meter during the sweep, so its levels "
+                           "cannot be told apart"));
+}
+
 /// One sentence about how the meter is left, where it is not as it was or nobody can know.
 void set_back(SweepRun& run) {
     const QString left = set_meter_back(run.levels, run.texts);
@@ -108,7 +125,7 @@ int status_of(SweepRun& run) {
                        .arg(run.sweep.plan().asked()));
         return kIncomplete;
     }
-    return run.not_set_back ? kIncomplete : kGood;
+    return run.not_set_back || run.unit_changed ? kIncomplete : kGood;
 }
 
 }  // namespace
@@ -124,12 +141,13 @@ int run_sweep(Texts& texts, MeterConnection& connection, const Options& options)
         if (!read_scan_table(run)) return kUsage;
         if (!meter_answers(connection, options.on_port)) return kNoLink;
         ask_levels(run);
+        check_unit(run);
         set_back(run);
     } catch (const Interrupted&) {
         say_of_run(QStringLiteral("ended without a link to the meter"));
         return kNoLink;
     }
-    if (options.carriers) print_carriers(run);
+    if (options.carriers && !run.unit_changed) print_carriers(run);
     run.output.finish(kLongestReaderWait, [] { return platform::times_told_to_end() > 1; });
     return status_of(run);
 }
