@@ -2,6 +2,7 @@
 // The screen "Sites" by clicks and typing, on a file with a year of visits.
 #include <QCheckBox>
 #include <QDateEdit>
+#include <QDialogButtonBox>
 #include <QDoubleSpinBox>
 #include <QFileDialog>
 #include <QHeaderView>
@@ -32,6 +33,7 @@ class SitesScreenTest : public QObject, protected ProgramInFolder {
   private:
     Sites* screen_ = nullptr;
     std::unique_ptr<BoxAnswers> boxes_;
+    QString proposed_;  ///< for the report that was asked for last
 
     Sites* open(bool english = true) {
         window().findChild<QAction*>(english ? "cmdinglese" : "cmditaliano")->trigger();
@@ -112,6 +114,26 @@ class SitesScreenTest : public QObject, protected ProgramInFolder {
     bool at_work() {
         return control<QStackedWidget>("sites_pages")->currentWidget()->objectName() ==
                "sites_work";
+    }
+    /// Lays ready what a user does in the boxes behind "Report…", up to the name of the file.
+    void save_report_as(const QString& path) {
+        boxes_->answer([](QDialog* form) {
+            // Behind this answer: what opens then is a box of its own.
+            QTimer::singleShot(0,
+                               form->findChild<QDialogButtonBox*>("report_buttons")
+                                   ->button(QDialogButtonBox::Save),
+                               &QPushButton::click);
+        });
+        boxes_->answer([this, path](QDialog* box) {
+            proposed_ = qobject_cast<QFileDialog*>(box)->selectedFiles().value(0);
+            auto* name = box->findChild<QLineEdit*>("fileNameEdit");
+            name->setText(path);
+            QTest::keyClick(name, Qt::Key_Return);
+        });
+    }
+    QByteArray head_of(const char* name) {
+        QFile file(in_folder(name));
+        return file.open(QIODevice::ReadOnly) ? file.read(4) : QByteArray();
     }
     QString told() { return find<QLabel>("corrected_notice")->text(); }
 
@@ -397,6 +419,32 @@ class SitesScreenTest : public QObject, protected ProgramInFolder {
         choose(3);
         click("sites_report");
         QCOMPARE(told(), QString("There is no visit at this site to report on."));
+    }
+
+    void a_report_is_saved_where_it_is_wanted() {
+        start_with_year();
+        choose(0);
+        save_report_as(in_folder("rossi.pdf"));
+        click("sites_report");
+        QCOMPARE(proposed_.section(u'/', -1), QString("Condominio-Rossi-report-2026-11-21.pdf"));
+        QCOMPARE(head_of("rossi.pdf"), QByteArray("%PDF"));
+        QTRY_VERIFY(find<QLabel>("saved_name")->text().contains("rossi.pdf"));
+        QVERIFY(!QApplication::activeModalWidget());
+    }
+
+    void a_report_that_cannot_be_saved_is_told_and_stays_asked_for() {
+        start_with_year();
+        choose(0);
+        // A folder that takes no file, whoever runs this.
+        save_report_as("/proc/rossi.pdf");
+        boxes_->press(QMessageBox::Ok);
+        boxes_->answer([](QDialog* form) { form->reject(); });
+        click("sites_report");
+        const QStringList seen = boxes_->take_seen();
+        QCOMPARE(seen.size(), 4);
+        QVERIFY2(seen[2].contains("|The report was not saved to /proc/rossi.pdf: "),
+                 qPrintable(seen[2]));
+        QCOMPARE(seen[3], QString("visit_report_form"));
     }
 
     void what_another_program_writes_is_shown() {
