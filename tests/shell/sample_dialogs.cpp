@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "sample_dialogs.h"
 
+#include <QPlainTextEdit>
+
 #include "begin_visit_dialog.h"
 #include "changed_dialog.h"
 #include "clash_dialog.h"
@@ -10,6 +12,7 @@
 #include "import_dialog.h"
 #include "import_log_dialog.h"
 #include "import_report.h"
+#include "letterhead_dialog.h"
 #include "merge_dialog.h"
 #include "peak_dialog.h"
 #include "report_dialog.h"
@@ -18,6 +21,7 @@
 #include "sample_programs.h"
 #include "site_dialog.h"
 #include "verify_dialog.h"
+#include "visit_report_form.h"
 
 namespace m47::shell {
 namespace {
@@ -176,6 +180,29 @@ void add_visits(QMap<QString, MakeDialog>& made, const Texts& texts) {
     };
 }
 
+/// Twenty years of visits at one site, and the letterhead of a firm with much to say.
+void add_visit_report(QMap<QString, MakeDialog>& made, const ProgramState& state) {
+    made["visit report"] = [&state](QWidget* parent) -> QDialog* {
+        const sites::Site site = long_site("VIA ROMA 7");
+        std::vector<sites::Visit> visits;
+        for (int k = 0; k < 40; ++k) {
+            sites::Visit visit{.id = QUuid::createUuid(), .site = site.id};
+            visit.begun = {.utc = 1763.8e6 - 15.8e6 * k, .offset = 3600};
+            if (k % 3) visit.ended = sites::Instant{.utc = visit.begun.utc + 2400, .offset = 3600};
+            visit.technician = "Massimiliano Bonaventura-Castellani";
+            visit.plan = "IMPIANTO CENTRALIZZATO";
+            visits.push_back(visit);
+        }
+        return new sites::VisitReportForm(state, site, visits, {}, parent);
+    };
+    made["letterhead"] = [&state](QWidget* parent) -> QDialog* {
+        auto* dialog = new sites::LetterheadDialog(state, parent);
+        dialog->findChild<QPlainTextEdit*>("letterhead_company")
+            ->setPlainText(QString("Antennista Rossi di Rossi Mario e Figli S.n.c.\n").repeated(6));
+        return dialog;
+    };
+}
+
 }  // namespace
 
 QMap<QString, MakeDialog> sample_dialogs(ProgramState& state,
@@ -265,6 +292,7 @@ QMap<QString, MakeDialog> sample_dialogs(ProgramState& state,
         return new sites::SiteDialog(site, false, texts, parent);
     };
     add_visits(made, texts);
+    add_visit_report(made, state);
     made["old database"] = [&texts](QWidget* parent) {
         return new olddb::ReportDialog("M47", QString("Line of the report\n").repeated(60), texts,
                                        parent);
