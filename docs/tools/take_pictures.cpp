@@ -119,6 +119,12 @@ class Pictures {
         lost();
     }
 
+    /// Of sites and visits alone.
+    void take_sites() {
+        click_action(language_ == kItalian ? "cmditaliano" : "cmdinglese");
+        sites();
+    }
+
     /// Of a dish between two satellites.
     void take_identification() {
         identify([this](QDialog* dialog) {
@@ -375,6 +381,17 @@ void Pictures::sites() {
     Q_EMIT with->activated(1);
     save("sites", screen_->parentWidget());
     program_->window().resize(kWindow);
+    boxes_.answer([this](QDialog* dialog) {
+        const auto type = [dialog](const char* name, const char* text) {
+            QTest::keyClicks(dialog->findChild<QLineEdit*>(QLatin1String(name)),
+                             QLatin1String(text));
+        };
+        type("visit_technician", "M. Rossi");
+        type("site_name", "o");
+        save("visit", dialog);
+        dialog->reject();
+    });
+    program_->window().findChild<QAction*>(QStringLiteral("cmdvisit"))->trigger();
 }
 
 void Pictures::satellites() {
@@ -459,11 +476,16 @@ void Pictures::leave_peak(QDialog* dialog) {
     dialog->reject();
 }
 
-int take_pictures(const QString& folder) {
+/// All, or those of sites and visits.
+int take_pictures(const QString& folder, bool sites_alone) {
     for (const int language : {int(kEnglish), int(kItalian)}) {
         const QString into =
             QStringLiteral("%1/%2/images").arg(folder, language == kItalian ? "it" : "en");
         if (!QDir().mkpath(into)) return 1;
+        if (sites_alone) {
+            Pictures(language, into).take_sites();
+            continue;
+        }
         Pictures(language, into).take();
         Pictures(language, into, {"--sky", "orbit", "--cn", "8", "--point", "9.6E", "--seed", "8"})
             .take_identification();
@@ -478,6 +500,7 @@ int take_pictures(const QString& folder) {
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
     const QStringList arguments = QApplication::arguments();
-    if (arguments.size() != 2) qFatal("take-pictures FOLDER");
-    return m47::take_pictures(arguments[1]);
+    const bool sites_alone = arguments.value(2) == QStringLiteral("sites");
+    if (arguments.size() != (sites_alone ? 3 : 2)) qFatal("take-pictures FOLDER [sites]");
+    return m47::take_pictures(arguments[1], sites_alone);
 }
