@@ -183,13 +183,14 @@ void add_visits(QMap<QString, MakeDialog>& made, const Texts& texts) {
 /// Twenty years of visits at one site, and the letterhead of a firm with much to say.
 void add_visit_report(QMap<QString, MakeDialog>& made, const ProgramState& state) {
     made["visit report"] = [&state](QWidget* parent) -> QDialog* {
-        const sites::Site site = long_site("VIA ROMA 7");
+        sites::Site site = long_site("VIA ROMA 7");
+        site.name = site.name.toUpper();
         std::vector<sites::Visit> visits;
         for (int k = 0; k < 40; ++k) {
             sites::Visit visit{.id = QUuid::createUuid(), .site = site.id};
             visit.begun = {.utc = 1763.8e6 - 15.8e6 * k, .offset = 3600};
             if (k % 3) visit.ended = sites::Instant{.utc = visit.begun.utc + 2400, .offset = 3600};
-            visit.technician = "Massimiliano Bonaventura-Castellani";
+            visit.technician = "MASSIMILIANO BONAVENTURA-CASTELLANI";
             visit.plan = "IMPIANTO CENTRALIZZATO";
             visits.push_back(visit);
         }
