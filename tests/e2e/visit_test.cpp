@@ -130,7 +130,7 @@ Told run_on(const QString& folder, const QDate& day, double fade, const QStringL
     told_lines().clear();
     Told told;
     {
-        const StdoutInto out(folder + "/out");
+        const StdoutInto printed(folder + "/out");
         told.status = unattended::run_unattended(state, *database, connection, options, {});
     }
     told.rows = content_of(folder + "/out");

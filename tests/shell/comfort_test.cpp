@@ -371,8 +371,8 @@ class ComfortTest : public QObject, protected ProgramInFolder {
             // The titles of the screens.
             "program=Plan Setup", "download=Download Data Logged",
             "realtime=Real Time Function Mode", "asl=Automatic Satellite Locator",
-            "configurazione=Configuration", "setport=RS232 Port Selection",
-            "band_sweep=Band sweep", "sites=Sites"};
+            "configurazione=Configuration", "setport=RS232 Port Selection", "band_sweep=Band sweep",
+            "sites=Sites"};
         const QStringList english = menu_texts("cmdinglese");
         QVERIFY(english.size() > 50);
         QStringList alike;

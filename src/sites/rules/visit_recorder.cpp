@@ -52,8 +52,7 @@ Instant instant_of(const QDateTime& moment) {
     return {static_cast<double>(moment.toMSecsSinceEpoch()) / kSecond, moment.offsetFromUtc()};
 }
 
-VisitRecorder::VisitRecorder(SiteStore& store)
-    : store_(store), claim_(store.path()) {}
+VisitRecorder::VisitRecorder(SiteStore& store) : store_(store), claim_(store.path()) {}
 
 /// What was not ended can be gone on with.
 VisitRecorder::~VisitRecorder() {

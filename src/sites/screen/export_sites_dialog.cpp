@@ -18,7 +18,7 @@ constexpr Bilingual kSites{"Sites", "Siti"};
 constexpr Bilingual kTickShown{"Tick &all shown", "Spunta &tutti i mostrati"};
 constexpr Bilingual kTickNone{"Tick &none", "Spunta &nessuno"};
 constexpr Bilingual kCount{"Sites ticked: %1, with %2 visits. All their measurements go along.",
-                           "Siti spuntati: %1, con %2 visite. Vi sono incluse tutte le misure."};
+                           "Siti spuntati: %1, con %2 visite. Vanno con loro tutte le misure."};
 
 constexpr int kSiteRole = Qt::UserRole;
 
