@@ -79,6 +79,8 @@ void OptionsTest::wrong_data() {
     row("recording and import", {"--import-database", "a", "--replay", "b"}, "--replay");
     row("recording of an import", {"--import-database", "a", "--trace", "b"}, "--trace");
     row("empty site", measuring({"--site", " "}), "--site takes a name");
+    row("long site", measuring({"--site", QString(10'001, u'x')}),
+        "--site takes a name of at most 10000 characters");
     row("site without a measurement", {"--site", "A"}, "--site goes with --measure only");
     row("site of a sweep", {"--on-port", "1", "--sweep", "920:2150", "--site", "A"},
         "--site does not go with --sweep");

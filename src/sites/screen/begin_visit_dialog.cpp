@@ -6,6 +6,7 @@
 
 #include "dialog_body.h"
 #include "dialog_buttons.h"
+#include "site_file.h"
 
 namespace m47::sites {
 namespace {
@@ -40,6 +41,7 @@ BeginVisitDialog::BeginVisitDialog(const SiteStore* store, const VisitFacts& fac
 QLineEdit* BeginVisitDialog::add_box(QFormLayout* form, const char* name, const Bilingual& caption,
                                      const Bilingual& tip, const QString& text) {
     auto* box = new QLineEdit(text);
+    box->setMaxLength(static_cast<int>(kMostSiteText));
     box->setObjectName(QLatin1String(name));
     box->setToolTip(texts_.pick(tip));
     form->addRow(texts_.pick(caption), box);

@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "row_time.h"
+#include "site_file.h"
 
 namespace m47::sites {
 namespace {
@@ -75,6 +76,7 @@ SitePicker::SitePicker(const SiteStore* store, const Texts& texts, QWidget* pare
 QLineEdit* SitePicker::add_box(QFormLayout* form, const char* name, const Bilingual& caption,
                                const Bilingual& tip) {
     auto* box = new QLineEdit;
+    box->setMaxLength(static_cast<int>(kMostSiteText));
     box->setObjectName(QLatin1String(name));
     box->setToolTip(texts_.pick(tip));
     form->addRow(texts_.pick(caption), box);

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "option_words.h"
+#include "site_file.h"
 
 namespace m47::unattended {
 namespace {
@@ -46,6 +47,9 @@ QString read_decibels(const QCommandLineParser& parser, VisitOptions& visit) {
 QString read_visit(const QCommandLineParser& parser, Options& options) {
     options.visit.site = parser.value(QStringLiteral("site")).simplified();
     options.visit.resumed = parser.isSet(QStringLiteral("resume-visit"));
+    if (options.visit.site.size() > sites::kMostSiteText)
+        return QStringLiteral("--site takes a name of at most %1 characters")
+            .arg(sites::kMostSiteText);
     const QString error = read_compared(parser, options.visit);
     return error.isEmpty() ? read_decibels(parser, options.visit) : error;
 }
