@@ -288,10 +288,17 @@ void VisitTest::a_run_is_kept_and_compared() {
     const Ending other =
         stand.measure({"--freq", "1100", "--site", "Sole", "--compare-with", "first"});
     QCOMPARE(other.status, 7);
-    QVERIFY2(other.err.contains(": 0 of 0 programs got worse\n"), other.err);
+    QVERIFY2(
+        other.err.contains("no earlier visit at Sole has a program of this one to compare with\n"),
+        other.err);
+    // The visit in between has nothing of it, and is passed over.
+    const Ending again =
+        stand.measure({"--freq", "1000", "--site", "Sole", "--compare-with", "last"});
+    QCOMPARE(again.status, 0);
+    QVERIFY2(again.err.contains(": 0 of 1 programs got worse\n"), again.err);
     QCOMPARE(ask(stand.path(kSites), {"SELECT count(*) || ' ' || (SELECT count(*) FROM sites) "
                                       "FROM visits"}),
-             QStringList("3 1"));
+             QStringList("4 1"));
 }
 
 void VisitTest::a_file_that_cannot_be_used_ends_the_run_untouched_data() {

@@ -21,6 +21,13 @@ QDate day_of(const sites::Visit& visit) {
         .date();
 }
 
+bool has_program_of(const std::vector<sites::VisitMeasurement>& one,
+                    const std::vector<sites::VisitMeasurement>& other) {
+    return std::ranges::any_of(
+        sites::compare_visits(one, other),
+        [](const sites::ProgramComparison& program) { return program.earlier && program.later; });
+}
+
 }  // namespace
 
 /// False where the file fails, which is told.
@@ -104,20 +111,21 @@ void UnattendedVisit::end(const QDateTime& now) {
         unreadable_ = !told([this] { compare(); });
 }
 
-bool UnattendedVisit::is_compared(const sites::Visit& visit) const {
+bool UnattendedVisit::is_meant(const sites::Visit& visit) const {
     const sites::Visit& ours = *recorder_->visit();
     if (visit.id == ours.id || visit.begun.utc > ours.begun.utc) return false;
-    if (options_.compared == VisitOptions::Compared::of_date && day_of(visit) != options_.date)
-        return false;
-    return !store_->measurements(visit.id).empty();
+    return options_.compared != VisitOptions::Compared::of_date || day_of(visit) == options_.date;
 }
 
-/// The one that is asked for, of those in which something was measured.
+/// The one that is asked for, of those in which a program of ours was measured: at a site where
+/// plans are measured in turn the others say nothing.
 std::optional<sites::Visit> UnattendedVisit::other_visit() const {
     std::vector<sites::Visit> visits = store_->visits(recorder_->visit()->site);
     if (options_.compared == VisitOptions::Compared::first) std::ranges::reverse(visits);
-    const auto found = std::ranges::find_if(
-        visits, [this](const sites::Visit& visit) { return is_compared(visit); });
+    const std::vector<sites::VisitMeasurement> ours = store_->measurements(recorder_->visit()->id);
+    const auto found = std::ranges::find_if(visits, [&](const sites::Visit& visit) {
+        return is_meant(visit) && has_program_of(store_->measurements(visit.id), ours);
+    });
     return found == visits.end() ? std::nullopt : std::optional(*found);
 }
 
@@ -127,7 +135,13 @@ void UnattendedVisit::compare() {
         return;
     }
     not_compared_ = true;
-    on_remark(QStringLiteral("there is no earlier visit at %1 to compare with").arg(options_.site));
+    const std::vector<sites::Visit> visits = store_->visits(recorder_->visit()->site);
+    const bool is_any =
+        std::ranges::any_of(visits, [this](const sites::Visit& visit) { return is_meant(visit); });
+    on_remark(
+        (is_any ? QStringLiteral("no earlier visit at %1 has a program of this one to compare with")
+                : QStringLiteral("there is no earlier visit at %1 to compare with"))
+            .arg(options_.site));
 }
 
 void UnattendedVisit::compare(const sites::Visit& other) {
@@ -148,7 +162,6 @@ void UnattendedVisit::compare(const sites::Visit& other) {
                   .arg(both));
     for (const sites::ProgramComparison& program : worse) tell_worse(program);
     worse_ = !worse.empty();
-    not_compared_ = both == 0;
 }
 
 void UnattendedVisit::tell_worse(const sites::ProgramComparison& program) const {

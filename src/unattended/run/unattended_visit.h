@@ -57,7 +57,7 @@ class UnattendedVisit {
     bool store_visit(const sites::VisitFacts& facts, const QDateTime& now);
     std::optional<sites::Visit> cut_off() const;
     std::optional<sites::Visit> other_visit() const;
-    bool is_compared(const sites::Visit& visit) const;
+    bool is_meant(const sites::Visit& visit) const;
     void compare();
     void compare(const sites::Visit& other);
     void tell_worse(const sites::ProgramComparison& program) const;
