@@ -13,6 +13,7 @@
 #include "save_file.h"
 #include "site_table_view.h"
 #include "sites.h"
+#include "tooltips.h"
 #include "ui_sites.h"
 #include "visit_series.h"
 #include "visit_words.h"
