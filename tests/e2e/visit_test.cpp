@@ -134,7 +134,7 @@ Told run_on(const QString& folder, const QDate& day, double fade, const QStringL
         told.status = unattended::run_unattended(state, *database, connection, options, {});
     }
     told.rows = content_of(folder + "/out");
-    for (const QString& line : told_lines().lines()) told.lines += line.section(" m47.run ", 1);
+    for (const QString& text : told_lines().lines()) told.lines += text.section(" m47.run ", 1);
     return told;
 }
 

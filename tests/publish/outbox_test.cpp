@@ -124,7 +124,7 @@ void PublishTest::an_unusable_outbox_is_told_data() {
     QTest::newRow("another's") << "PRAGMA application_id = 1" << int(Kind::foreign);
     QTest::newRow("no database") << "" << int(Kind::foreign);
     QTest::newRow("damaged") << "damage" << int(Kind::damaged);
-    QTest::newRow("in use") << "lock" << int(Kind::in_use);
+    QTest::newRow("in use") << "lock" << int(Kind::locked);
 }
 
 void PublishTest::an_unusable_outbox_is_told() {

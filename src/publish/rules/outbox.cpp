@@ -15,14 +15,9 @@ namespace {
 constexpr int kDroppedAtOnce = 64;  // lines
 constexpr qint64 kLastId = std::numeric_limits<qint64>::max();
 
-/// Runs `work`; what the engine says to it is told as a fault of this file.
 template <typename Work>
 auto told(const Work& work) {
-    try {
-        return work();
-    } catch (const db::EngineFault& fault) {
-        throw OutboxFault(outbox_error_of(fault));
-    }
+    return db::told_as<OutboxFault>(work);
 }
 
 }  // namespace
@@ -172,7 +167,7 @@ std::unique_ptr<Outbox> Outbox::open(const QString& path, qint64 limit, OutboxEr
         }
         error = *fault;
     } catch (const db::EngineFault& fault) {
-        error = outbox_error_of(fault);
+        error = db::own_file_error(fault);
     }
     return nullptr;
 }

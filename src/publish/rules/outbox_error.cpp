@@ -1,20 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "outbox_error.h"
 
-#include <QDir>
-#include <algorithm>
-
 namespace m47::publish {
 namespace {
 
 using Kind = OutboxError::Kind;
 
-struct Wording {
-    Kind kind;
-    Bilingual words;  ///< %1 is the file
-};
-
-constexpr Wording kWordings[] = {
+constexpr db::OwnFileWording kWordings[] = {
     {Kind::newer,
      {"The outbox '%1' was written by a newer version of the program. It has been left as it is: "
       "update the program, or move the file elsewhere to begin a new one.",
@@ -31,7 +23,7 @@ constexpr Wording kWordings[] = {
       "are in the log.",
       "La posta in uscita '%1' è danneggiata. Spostarla altrove, e il programma ne crea una nuova; "
       "le righe sono nel registro."}},
-    {Kind::in_use,
+    {Kind::locked,
      {"The outbox '%1' is in use by another process. Only one at a time can have it: end the other "
       "one, or give this run another log.",
       "La posta in uscita '%1' è usata da un altro processo. Può averla soltanto uno alla volta: "
@@ -61,9 +53,7 @@ constexpr Wording kWordings[] = {
 }  // namespace
 
 QString outbox_error_text(const OutboxError& error, const Texts& texts) {
-    const Wording* found = std::ranges::find(kWordings, error.kind, &Wording::kind);
-    const QString text = texts.pick(found->words).arg(QDir::toNativeSeparators(error.path));
-    return error.detail.isEmpty() ? text : text + QStringLiteral(" (%1)").arg(error.detail);
+    return db::own_file_text(kWordings, error, texts, u' ');
 }
 
 }  // namespace m47::publish

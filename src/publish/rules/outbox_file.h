@@ -5,7 +5,6 @@
 #include <QString>
 #include <optional>
 
-#include "engine.h"
 #include "outbox_error.h"
 
 namespace m47::publish {
@@ -17,8 +16,5 @@ std::optional<OutboxError> make_outbox_file(const QString& path);
 /// Takes the file behind `database` for this process alone. Why it cannot be used; an error of the
 /// engine is an EngineFault.
 std::optional<OutboxError> take_outbox_file(const QSqlDatabase& database, const QString& path);
-
-/// What the engine's `fault` means to an outbox.
-OutboxError outbox_error_of(const db::EngineFault& fault);
 
 }  // namespace m47::publish

@@ -5,20 +5,14 @@
 #include <functional>
 
 #include "site_connection.h"
-#include "store_check.h"
 #include "store_file.h"
 
 namespace m47::sites {
 namespace {
 
-/// Runs `work`; what the engine says to it is told as a fault of this file.
 template <typename Work>
 auto told(const Work& work) {
-    try {
-        return work();
-    } catch (const db::EngineFault& fault) {
-        throw StoreFault(store_error_of(fault));
-    }
+    return db::told_as<StoreFault>(work);
 }
 
 /// The engine knows the capitals of ASCII alone: what it has put in order is mostly, but not
@@ -51,7 +45,7 @@ std::unique_ptr<SiteStore> SiteStore::open(const QString& path, StoreError& erro
         if (!fault) return store;
         error = *fault;
     } catch (const db::EngineFault& fault) {
-        error = store_error_of(fault);
+        error = db::own_file_error(fault);
     }
     return nullptr;
 }

@@ -1,21 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "store_error.h"
 
-#include <QDir>
-#include <algorithm>
-
 namespace m47::sites {
 namespace {
 
 using Kind = StoreError::Kind;
 
-struct Wording {
-    Kind kind;
-    Bilingual words;  ///< %1 is the file
-};
-
 // What is wrong, and what helps.
-constexpr Wording kWordings[] = {
+constexpr db::OwnFileWording kWordings[] = {
     {Kind::newer,
      {"The file of sites '%1' was written by a later version of this program and has been left as "
       "it is: use that version, or work in another folder.",
@@ -65,9 +57,7 @@ constexpr Wording kWordings[] = {
 }  // namespace
 
 QString store_error_text(const StoreError& error, const Texts& texts) {
-    const Wording* found = std::ranges::find(kWordings, error.kind, &Wording::kind);
-    const QString text = texts.pick(found->words).arg(QDir::toNativeSeparators(error.path));
-    return error.detail.isEmpty() ? text : text + QStringLiteral("\n(%1)").arg(error.detail);
+    return db::own_file_text(kWordings, error, texts, u'\n');
 }
 
 }  // namespace m47::sites

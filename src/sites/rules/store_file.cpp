@@ -1,42 +1,26 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "store_file.h"
 
-#include <QFileInfo>
-
-#include "file_place.h"
-#include "medium.h"
-#include "new_file.h"
+#include "database_check.h"
+#include "own_file.h"
 #include "site_schema.h"
-#include "store_check.h"
 
 namespace m47::sites {
 namespace {
 
-using Kind = StoreError::Kind;
-
-StoreError error_of_making(const db::FileFault& fault, const QString& path) {
-    const QString folder = QFileInfo(path).absolutePath();
-    Kind kind = Kind::unreadable;
-    if (platform::is_full(fault.code())) kind = Kind::full;
-    if (QFileInfo(folder).isDir() && platform::refuses_new_files(folder)) kind = Kind::read_only;
-    return {kind, path, QString::fromStdString(fault.what())};
+/// Damage of the tables that every use reads, and a file that is too short. The measurements, of
+/// which there may be millions, are checked where they are read.
+std::optional<StoreError> fault_of_lists(const QSqlDatabase& database, const QString& path) {
+    const auto fault = db::damage_of(database, path,
+                                     {QStringLiteral("sites"), QStringLiteral("visits"),
+                                      QStringLiteral("programs"), QStringLiteral("limits")});
+    return fault ? std::optional(db::own_file_error(*fault)) : std::nullopt;
 }
 
 }  // namespace
 
 std::optional<StoreError> make_site_file(const QString& path) {
-    const QFileInfo about(path);
-    if (about.exists() || about.isSymLink()) return fault_of_site_file(path);
-    try {
-        db::make_database_file(path, make_tables);
-        return std::nullopt;
-    } catch (const db::FileFault& fault) {
-        return error_of_making(fault, path);
-    } catch (const db::EngineFault& fault) {
-        StoreError error = store_error_of(fault);
-        error.path = path;
-        return error;
-    }
+    return db::make_own_file(path, {kApplicationId, current_version()}, make_tables);
 }
 
 std::optional<StoreError> prepare_site_file(const QSqlDatabase& database, const QString& path) {
