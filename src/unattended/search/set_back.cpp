@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "set_back.h"
 
-#include "end_signals.h"
 #include "port_diagnosis.h"
-#include "say_on_stderr.h"
 #include "tuning_range.h"
-#include "unattended.h"
 
 namespace m47::unattended {
 
@@ -35,20 +32,6 @@ QString set_meter_back(band::MeterLevels& levels, const Texts& texts) {
                "the meter did not tell or take how it was set before, so these were not set back: "
                "%1")
         .arg(names);
-}
-
-void begin_run(Texts& texts, MeterConnection& connection) {
-    texts.language = kEnglish;
-    link::Link& link = connection.link();
-    link.interrupted = [] { return platform::times_told_to_end() > 0; };
-    link.cut_off = [] { return platform::times_told_to_end() > 1; };
-}
-
-bool meter_answers(MeterConnection& connection, int number) {
-    connection.identify(number);
-    if (connection.link().port_connected) return true;
-    say_of_run(no_meter_text(connection, number));
-    return false;
 }
 
 }  // namespace m47::unattended

@@ -4,27 +4,20 @@
 #include <cmath>
 
 #include "commands.h"
-#include "end_signals.h"
+#include "exit_status.h"
 #include "fault.h"
-#include "line_recording.h"
 #include "numbers.h"
 #include "peak_table.h"
-#include "row_output.h"
 #include "say_on_stderr.h"
 #include "set_back.h"
-#include "standard_streams.h"
-#include "unattended.h"
+#include "unattended_search.h"
 
 namespace m47::unattended {
 namespace {
 
 struct PeakedRun {
-    const Texts& texts;
-    MeterConnection& connection;
-    const Options& options;
-    band::MeterLevels levels{connection.link()};
-    RowOutput output{platform::kStandardOutput};
-    LineRecording recording{connection.recorder(), texts};
+    UnattendedSearch& search;
+    band::MeterLevels levels{search.link()};
     peak::PeakOutcome outcome{};
     bool not_set_back = false;
 };
@@ -37,21 +30,22 @@ QString tuning_of(const Options& options) {
 }
 
 void search_peak(PeakedRun& run) {
-    link::Link& link = run.connection.link();
-    run.levels.prepare(feed_of(run.options.antenna));
-    run.output.write(peak::peak_header());
+    link::Link& link = run.search.link();
+    run.levels.prepare(feed_of(run.search.options.antenna));
+    run.search.output.write(peak::peak_header());
     peak::SearchOptions options;
-    options.span = *run.options.peak_span;
-    peak::PeakRun search(link, options, {tuning_of(run.options)});
-    search.cancelled = [&run] { return run.output.closed(); };
+    options.span = *run.search.options.peak_span;
+    peak::PeakRun search(link, options, {tuning_of(run.search.options)});
+    search.cancelled = [&run] { return run.search.output.closed(); };
     search.on_reading = [&run, &link](const peak::Taken& taken) {
-        run.output.write(peak::peak_line(taken, measurement::unit_of_index(link.settings.unit())));
+        run.search.output.write(
+            peak::peak_line(taken, measurement::unit_of_index(link.settings.unit())));
     };
     run.outcome = search.run();
     // All of the meter is set back behind it, told together.
     run.outcome.attenuator_back = true;
     const QByteArray gain = peak::gain_line(run.outcome);
-    if (!gain.isEmpty()) run.output.write(gain);
+    if (!gain.isEmpty()) run.search.output.write(gain);
 }
 
 /// A signal in the preparation ends it like one in the search: nothing has moved.
@@ -59,26 +53,26 @@ void search_until_told(PeakedRun& run) {
     try {
         search_peak(run);
     } catch (const Interrupted&) {
-        run.outcome.linked = run.connection.link().port_connected;
+        run.outcome.linked = run.search.link().port_connected;
         run.outcome.motor_stopped = true;
     }
 }
 
 /// One line about how it ended, where the dish is not on a peak or the meter not as it was.
 void tell_end(PeakedRun& run) {
-    const QString left = set_meter_back(run.levels, run.texts);
+    const QString left = set_meter_back(run.levels, run.search.texts);
     run.not_set_back = !left.isEmpty();
     const bool good = run.outcome.search.end == peak::SearchEnd::found && run.outcome.linked &&
                       run.outcome.motor_stopped;
-    QString said = good ? QString() : peak::end_sentence(run.outcome, run.texts);
+    QString said = good ? QString() : peak::end_sentence(run.outcome, run.search.texts);
     if (!said.isEmpty() && run.not_set_back) said.replace(said.size() - 1, 1, QStringLiteral("; "));
     said += left;
     if (!said.isEmpty()) say_of_run(said);
 }
 
 int status_of(const PeakedRun& run) {
-    if (!run.connection.link().port_connected) return kNoLink;
-    if (run.output.lost() || run.recording.lost()) return kOutputLost;
+    if (!run.search.link().port_connected) return kNoLink;
+    if (run.search.output_lost()) return kOutputLost;
     const bool found = run.outcome.search.end == peak::SearchEnd::found;
     return found && run.outcome.motor_stopped && !run.not_set_back ? kGood : kIncomplete;
 }
@@ -86,21 +80,14 @@ int status_of(const PeakedRun& run) {
 }  // namespace
 
 int run_peak(Texts& texts, MeterConnection& connection, const Options& options) {
-    begin_run(texts, connection);
-    PeakedRun run{texts, connection, options};
-    run.recording.on_lost = say_of_run;
-    if (!options.trace.isEmpty()) run.recording.start(options.trace);
-    run.output.on_remark = say_of_run;
-    try {
-        if (!meter_answers(connection, options.on_port)) return kNoLink;
+    UnattendedSearch search(texts, connection, options);
+    search.record();
+    PeakedRun run{search};
+    const auto peak = [&run] {
         search_until_told(run);
         tell_end(run);
-    } catch (const Interrupted&) {
-        say_of_run(QStringLiteral("ended without a link to the meter"));
-        return kNoLink;
-    }
-    run.output.finish(kLongestReaderWait, [] { return platform::times_told_to_end() > 1; });
-    return status_of(run);
+    };
+    return search.run(peak, [&run] { return status_of(run); });
 }
 
 }  // namespace m47::unattended
