@@ -60,9 +60,9 @@ QStringList peaking(const TestStand& stand) {
                             "10600", "--lnb", "18"});
 }
 
-const QStringList kPeakPrepared{"LNB?",    "LNVOLT?", "MEASURE", "LOCOSC 00", "LNVOLT 18",
-                                "LNB 01",  "ATTEN 6", "ATTEN?",  "MEASURE",   "FREQ 0990.0",
-                                "ATTEN 6", "LEVANL?", "LEVANL?"};
+const QStringList kPeakPrepared{"LNB?",        "LNVOLT?", "MEASURE", "LOCOSC 00", "LNVOLT 18",
+                                "LNB 01",      "ATTEN 6", "ATTEN?",  "UNIT?",     "MEASURE",
+                                "FREQ 0990.0", "ATTEN 6", "LEVANL?", "LEVANL?"};
 const QStringList kPeakSetBack{"DISEQCMOT 00", "ATTEN 06",  "LOCOSC 00", "FREQ 1000.0",
                                "ATTEN 06",     "LNVOLT 13", "LNB 00"};
 
@@ -347,6 +347,7 @@ void SweepTest::a_peak_byte_by_byte() {
                              "LEVANL?",
                              "DISEQCMOT 08 05 01",
                              "LEVANL?",
+                             "UNIT?",
                              "DISEQCMOT 09 10 01",
                              "DISEQCMOT 09 04 01",
                              "DISEQCMOT 08 04 01"};

@@ -64,7 +64,8 @@ class IdentifyLineTest : public QObject {
     static void check_bytes(const QStringList& sent) {
         QCOMPARE(sent.mid(0, 13), kNoted + kPrepared);
         QVERIFY(sent[13].startsWith("FREQ 0") && sent[14] == "LEVANL?");
-        QCOMPARE(sent.mid(sent.size() - 7), kSetBack + QStringList(kRateBack));
+        QCOMPARE(sent.mid(sent.size() - 8),
+                 QStringList("UNIT?") + kSetBack + QStringList(kRateBack));
         // What the LNB has already is not sent again, nor is the supply switched on twice.
         QCOMPARE(sent.count("LNB 01"), 1);
         QCOMPARE(sent.count("LNVOLT?"), 1);
@@ -224,6 +225,38 @@ class IdentifyLineTest : public QObject {
         // Nobody is asked where nobody answers.
         IdentificationRun again(line.link, Lnb::universal(), tables_.few());
         QCOMPARE(said(again.run(), again), QString("Nothing was asked: no meter answers."));
+    }
+
+    /// Levels in two units name nobody, however early the unit was changed.
+    void a_unit_changed_at_the_meter_names_nobody_data() {
+        QTest::addColumn<int>("at");
+        QTest::newRow("in the first look") << 2;
+        QTest::newRow("among the last") << 30;
+    }
+    void a_unit_changed_at_the_meter_names_nobody() {
+        QFETCH(int, at);
+        Line line;
+        const MeterInProcess meter(line.port, 3, {tables_.folder(), 20.4, 3});
+        IdentificationRun run(line.link, Lnb::universal(), tables_.few());
+        int answers = 0;
+        run.on_answer = [&](const Asked&) {
+            if (++answers != at) return;
+            line.port.answer("UNIT 02");  // by a key of the meter: the line hears nothing of it
+            line.port.hush();
+        };
+        const IdentificationEnd end = run.run();
+        QVERIFY(answers > at);
+        QVERIFY(end.unit_changed && !end.verdict && end.not_set_back.empty());
+        QCOMPARE(said(end, run),
+                 QString("The unit was changed at the meter meanwhile, so its levels cannot be "
+                         "compared: no satellite is named. Start again."));
+        QVERIFY(said(end, run, kItalian).contains("nessun satellite viene nominato"));
+        // The unit that somebody chose there stays.
+        QVERIFY(!line.port.take_commands().filter("UNIT 0").size());
+        IdentificationRun again(line.link, Lnb::universal(), tables_.few());
+        const IdentificationEnd second = again.run();
+        QVERIFY(second.verdict && !second.unit_changed);
+        QCOMPARE(again.candidates()[second.verdict->candidate].name, QString("20.0E"));
     }
 
     /// A level of nobody knows which state of the LNB is none.

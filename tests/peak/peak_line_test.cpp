@@ -50,12 +50,18 @@ struct DishOnLine : Line {
         if (command.startsWith("DISEQCMOT") && on_drive) on_drive();
         const double widths = (shaft - satellite_) / 22.4;
         const double level =
-            45.0 + 10 * std::log10(1 + 20 * std::pow(10.0, -1.2 * widths * widths));
+            other_unit_ + 45.0 + 10 * std::log10(1 + 20 * std::pow(10.0, -1.2 * widths * widths));
         answers["LEVANL?"] = "  " + QByteArray::number(level, 'f', 1);
         return FakePort::good(command, answers.value(command));
     }
 
     PeakOutcome search() { return PeakRun(link, {}, {"FREQ 1000.0"}).run(); }
+
+    /// By a key of the meter.
+    void change_unit() {
+        answers["UNIT?"] = " 02";
+        other_unit_ = -48.75;
+    }
 
     int shaft = 0;
     int farthest = 0;
@@ -64,6 +70,7 @@ struct DishOnLine : Line {
 
   private:
     double satellite_;
+    double other_unit_ = 0;  ///< dB
 };
 
 QString said(const PeakOutcome& outcome, int language = kEnglish) {
@@ -177,6 +184,36 @@ void PeakTest::a_drive_goes_out_once() {
     QCOMPARE(sent.mid(sent.size() - 2), kEnd);
     QCOMPARE(said(outcome), QString("The meter did not surely take a drive: the motor was told to "
                                     "stop, and nobody knows how far it has turned."));
+}
+
+void PeakTest::a_unit_changed_at_the_meter_has_no_peak_data() {
+    QTest::addColumn<int>("at");
+    QTest::newRow("before the first drive") << 4;
+    QTest::newRow("in the look around") << -20;
+    QTest::newRow("near the peak") << 12;
+}
+
+/// What is higher by the other unit alone is no peak, and no reason to leave the dish there.
+void PeakTest::a_unit_changed_at_the_meter_has_no_peak() {
+    QFETCH(int, at);
+    DishOnLine dish(12.0);
+    dish.on_drive = [&] {
+        if (dish.shaft + 4 == at || dish.shaft == at) dish.change_unit();
+    };
+    const PeakOutcome outcome = dish.search();
+    QVERIFY(outcome.search.end == SearchEnd::unit_changed && outcome.linked);
+    QVERIFY(outcome.motor_stopped && outcome.attenuator_back && !outcome.gain());
+    QCOMPARE(dish.shaft, 0);
+    QVERIFY(dish.farthest <= 50);
+    QVERIFY(dish.port.take_commands().contains("UNIT?"));
+    QCOMPARE(said(outcome),
+             QString("The unit was changed at the meter meanwhile, so its levels cannot be "
+                     "compared: the dish is back at its start."));
+    QVERIFY(said(outcome, kItalian).endsWith("l'antenna è di nuovo all'inizio."));
+    // The second time it has one unit again.
+    dish.on_drive = nullptr;
+    QVERIFY(dish.search().search.end == SearchEnd::found);
+    QVERIFY(std::abs(dish.shaft - 12) <= 1);
 }
 
 void PeakTest::without_levels_it_goes_back() {

@@ -50,6 +50,7 @@ class MadeUpSky : public Antenna {
         }
         return 10.0 * std::log10(std::pow(10.0, kNoiseDb / 10.0) * (1.0 + carriers()));
     }
+    bool unit_changed() override { return false; }
     std::optional<double> mer() override {
         if (!locks) return std::nullopt;
         return 10.0 * std::log10(carriers());
@@ -110,6 +111,7 @@ class SimulatedSky : public Antenna {
     std::optional<double> level() override {
         return std::round(receiver_.level(settings_) * 10.0) / 10.0;
     }
+    bool unit_changed() override { return false; }
     std::optional<double> mer() override {
         const meter::QpskQuality quality = receiver_.qpsk(settings_);
         if (!quality.locked) return std::nullopt;

@@ -41,6 +41,8 @@ class PeakTest : public QObject {
     void lost_while_it_turns();
     void a_drive_goes_out_once();
     void without_levels_it_goes_back();
+    void a_unit_changed_at_the_meter_has_no_peak_data();
+    void a_unit_changed_at_the_meter_has_no_peak();
 
     void drives_over_the_line();
     void levels_over_the_line_data();

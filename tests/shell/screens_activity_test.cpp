@@ -219,8 +219,8 @@ void ScreensTest::the_peak_is_searched_and_all_is_as_before() {
     open_realtime();
     line_->take_commands();
     const QStringList sent = find_the_peak(QMessageBox::Yes);
-    QCOMPARE(sent.mid(0, 7), (QStringList{"ATTEN?", "MEASURE", "FREQ 1000.0", "ATTEN 6", "LEVANL?",
-                                          "LEVANL?", "DISEQCMOT 09 04 01"}));
+    QCOMPARE(sent.mid(0, 8), (QStringList{"ATTEN?", "UNIT?", "MEASURE", "FREQ 1000.0", "ATTEN 6",
+                                          "LEVANL?", "LEVANL?", "DISEQCMOT 09 04 01"}));
     QCOMPARE(sent.mid(sent.size() - 2), (QStringList{"DISEQCMOT 00", "ATTEN 06"}));
     QCOMPARE(peak_state_, QString("Nothing better was found within the span: the dish is back at "
                                   "its start."));

@@ -78,7 +78,7 @@ void MeterLevels::attenuate() {
 void MeterLevels::prepare(const Feed& feed) {
     kept_.note_tuning();
     kept_.note_feed(feed);
-    unit_ = link_.settings.unit();
+    unit_.begin();
     if (!lost()) kept_.changed();
     send(link::command::kMeasure);
     send(link::command::kNoOscillator);
@@ -118,16 +118,6 @@ measurement::Reading MeterLevels::level(double mhz) {
     for (int tried = 0; tried < kTries && !lost(); ++tried)
         if (const auto reading = sure(link_, [&] { return ask_level(mhz); })) return *reading;
     return {};
-}
-
-bool MeterLevels::unit_changed() {
-    const auto ask = [this] { return link_.ask(link::command::query(link::command::kUnit)); };
-    for (int tried = 0; tried < kTries && !lost(); ++tried) {
-        static_cast<void>(sure(link_, ask));
-        const std::optional<int> now = link_.settings.unit();
-        if (now) return unit_ && now != unit_;
-    }
-    return false;
 }
 
 Quality MeterLevels::ask_quality(double mhz, int kilosymbols) {

@@ -7,6 +7,7 @@
 #include "kept_settings.h"
 #include "level_asker.h"
 #include "link.h"
+#include "unit_watch.h"
 
 namespace m47::band {
 
@@ -23,7 +24,7 @@ struct Quality {
 /// back at the end.
 class MeterLevels : public LevelAsker {
   public:
-    explicit MeterLevels(link::Link& link) : link_(link), kept_(link) {}
+    explicit MeterLevels(link::Link& link) : link_(link), kept_(link), unit_(link) {}
 
     /// Notes how the meter is set, tunes it directly, brings the LNB to `feed` and sets all the
     /// attenuation, as before each level. Feeds follow one another without a set_back() between.
@@ -35,10 +36,8 @@ class MeterLevels : public LevelAsker {
     bool change_feed(const Feed& feed);
 
     measurement::Reading level(double mhz) override;
-    /// Asks for the unit once again: true where the meter has another one than at prepare(), as
-    /// somebody chose it at the meter's own keys. Nobody knows which levels since are in which.
-    /// False where it does not tell.
-    bool unit_changed();
+    /// As link::UnitWatch, since prepare().
+    bool unit_changed() { return unit_.changed(); }
     /// Of the carrier at `mhz` of the intermediate band with `kilosymbols` a second; takes six
     /// seconds. One that was not measured where no answer is sure.
     Quality quality(double mhz, int kilosymbols);
@@ -63,7 +62,7 @@ class MeterLevels : public LevelAsker {
     KeptSettings kept_;
     Feed fed_;  ///< as far as the meter has surely taken it
     bool attenuated_ = false;
-    std::optional<int> unit_;  ///< index of the one at prepare()
+    link::UnitWatch unit_;
 };
 
 }  // namespace m47::band

@@ -73,11 +73,22 @@ bool IdentificationRun::step() {
     return question && !is_over();
 }
 
+/// Levels in two units, which nobody can tell apart, name nobody.
+void IdentificationRun::conclude(IdentificationEnd& end) {
+    const link::InOrder in_order(link_);
+    try {
+        end.unit_changed = sky_.unit_changed();
+    } catch (const Interrupted&) {
+        // Told twice to end: nobody is asked.
+    }
+    if (!end.unit_changed) end.verdict = identifier_.verdict();
+}
+
 IdentificationEnd IdentificationRun::finish() {
     IdentificationEnd end;
     end.stopped = stopped_;
     for (const Asked& asked : asked_) end.answers += is_answered(asked.answer) ? 1 : 0;
-    if (clear_) end.verdict = identifier_.verdict();
+    if (clear_) conclude(end);
     end.not_set_back = sky_.set_back();
     end.lost = sky_.lost();
     return end;

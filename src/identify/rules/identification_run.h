@@ -30,6 +30,7 @@ struct Standing {
 /// How an identification ended, for whoever waited for it.
 struct IdentificationEnd {
     std::optional<Verdict> verdict{};  ///< nothing where it ended before it was clear
+    bool unit_changed = false;         ///< meanwhile, at the meter: its levels name nobody
     bool stopped = false;              ///< told to stop or to end
     bool lost = false;                 ///< nobody answers any more
     int answers = 0;
@@ -76,6 +77,7 @@ class IdentificationRun {
     bool is_over() const;
     std::optional<Question> next();
     void ask(const Question& question);
+    void conclude(IdentificationEnd& end);
 
     link::Link& link_;
     Lnb lnb_;

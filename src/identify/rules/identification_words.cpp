@@ -36,6 +36,11 @@ constexpr Bilingual kUnsure{
     "this is.",
     "Lo strumento non ha più dato una risposta sicura: restano %1 risposte e non è chiaro quale "
     "satellite è."};
+constexpr Bilingual kUnitChanged{
+    "The unit was changed at the meter meanwhile, so its levels cannot be compared: no satellite "
+    "is named. Start again.",
+    "Nel frattempo l'unità è stata cambiata sullo strumento, quindi i suoi livelli non si possono "
+    "confrontare: nessun satellite viene nominato. Ricominciare."};
 constexpr Bilingual kNotSetBack{" Not set back: %1.", " Non ripristinati: %1."};
 
 QString named_text(const Verdict& verdict, const std::vector<Candidate>& candidates,
@@ -51,6 +56,7 @@ QString named_text(const Verdict& verdict, const std::vector<Candidate>& candida
 QString unclear_text(const IdentificationEnd& end, const Texts& texts) {
     const QString answers = QString::number(end.answers);
     if (end.lost) return texts.pick(kLost).arg(answers);
+    if (end.unit_changed) return texts.pick(kUnitChanged);
     return texts.pick(end.stopped ? kStopped : kUnsure).arg(answers);
 }
 

@@ -19,6 +19,9 @@ class LinkSky : public SkyAsker {
     /// no sure answer or nobody answers any more. Told to end, it throws Interrupted.
     Answer ask(const Question& question) override;
 
+    /// As link::UnitWatch, since the first question.
+    bool unit_changed() { return levels_.unit_changed(); }
+
     /// Nobody answers any more.
     bool lost() const { return levels_.lost(); }
 

@@ -25,6 +25,10 @@ class Antenna {
 
     /// The MER of the carrier there, dB; nothing without lock.
     virtual std::optional<double> mer() = 0;
+
+    /// The levels are in another unit than at first, as somebody chose it at the meter: they cannot
+    /// be compared.
+    virtual bool unit_changed() = 0;
 };
 
 }  // namespace m47::peak

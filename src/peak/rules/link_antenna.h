@@ -6,6 +6,7 @@
 #include "antenna.h"
 #include "link.h"
 #include "reading.h"
+#include "unit_watch.h"
 
 namespace m47::peak {
 
@@ -21,7 +22,7 @@ struct Taken {
 /// turn the dish twice.
 class LinkAntenna : public Antenna {
   public:
-    explicit LinkAntenna(link::Link& link) : link_(link) {}
+    explicit LinkAntenna(link::Link& link) : link_(link), unit_(link) {}
 
     /// Told of each reading as it comes.
     std::function<void(const Taken& taken)> on_reading;
@@ -32,6 +33,10 @@ class LinkAntenna : public Antenna {
     /// Takes six seconds, and leaves the meter in its measuring mode, without attenuation until the
     /// next level.
     std::optional<double> mer() override;
+    bool unit_changed() override { return unit_.changed(); }
+
+    /// Levels come from here on: their unit is the one that the meter told last.
+    void begin() { unit_.begin(); }
 
     /// The meter has taken the last stop of the motor.
     bool stopped() const { return stopped_; }
@@ -42,6 +47,7 @@ class LinkAntenna : public Antenna {
     void tell(measurement::Quantity quantity, const measurement::Reading& reading) const;
 
     link::Link& link_;
+    link::UnitWatch unit_;
     int shaft_ = 0;
     bool attenuated_ = false;
     bool stopped_ = false;

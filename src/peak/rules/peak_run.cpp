@@ -38,6 +38,7 @@ PeakOutcome PeakRun::run() {
     search.cancelled = cancelled;
     try {
         prepare();
+        antenna.begin();
         static_cast<void>(search.run());
     } catch (const Interrupted&) {
         // What was found so far stands in its result.
@@ -57,7 +58,7 @@ void PeakRun::prepare() {
     bool whole = false;
     const int value = answer.value_or(QString()).trimmed().toInt(&whole);
     if (whole) attenuator_ = value;
-    if (!link_.settings.unit()) link_.send(link::command::query(link::command::kUnit));
+    link_.send(link::command::query(link::command::kUnit));
     prepared_ = link_.port_connected;
     link_.send(link::command::kMeasure);
     for (const QString& command : tuning_) link_.send(command);

@@ -74,7 +74,8 @@ SearchResult PeakSearch::run() {
     from_west_ = false;
     refuted_.clear();
     result_.end = searched();
-    if (result_.end == SearchEnd::lost && result_.moved) result_.end = back_at_start();
+    if (result_.end == SearchEnd::lost && result_.moved)
+        result_.end = back_at_start(SearchEnd::lost);
     return result_;
 }
 
@@ -87,10 +88,10 @@ SearchEnd PeakSearch::searched() {
 }
 
 /// Without values the dish is better off where it was found.
-SearchEnd PeakSearch::back_at_start() {
+SearchEnd PeakSearch::back_at_start(SearchEnd why) {
     try {
         move_to(0);
-        return SearchEnd::lost;
+        return why;
     } catch (const Ended& ended) {
         return ended.how;
     }
@@ -102,20 +103,20 @@ SearchEnd PeakSearch::search() {
     // How the play stood is not known: it is closed before anything is counted from here.
     move_to(0);
     const auto satellite = nearest_satellite();
-    if (satellite) {
-        const int peak = std::max(lowest(), static_cast<int>(std::lround(*satellite)));
-        move_to(peak);
-        const double there_db = mean_level();
-        if (there_db >= *result_.start_db - kWorseDb) {
-            result_.peak_db = there_db;
-            result_.peak = satellite;
-            result_.curve = curve_.points;
-            result_.by_carrier = curve_.of_carrier;
-            return SearchEnd::found;
-        }
-    }
-    move_to(0);
-    return SearchEnd::nothing_better;
+    const auto there_db = satellite ? std::optional(level_at(*satellite)) : std::nullopt;
+    if (antenna_.unit_changed()) return back_at_start(SearchEnd::unit_changed);
+    if (!there_db || *there_db < *result_.start_db - kWorseDb)
+        return back_at_start(SearchEnd::nothing_better);
+    result_.peak_db = there_db;
+    result_.peak = satellite;
+    result_.curve = curve_.points;
+    result_.by_carrier = curve_.of_carrier;
+    return SearchEnd::found;
+}
+
+double PeakSearch::level_at(double satellite) {
+    move_to(std::max(lowest(), static_cast<int>(std::lround(satellite))));
+    return mean_level();
 }
 
 /// The look around goes on, to both sides alike, until a satellite is seen and nothing nearer can

@@ -31,6 +31,7 @@ enum class SearchEnd {
     nothing_better,  ///< the shaft is back where it was, its play closed
     cancelled,       ///< the dish stands where it was then
     lost,            ///< the meter gave no value; the shaft is back where it was
+    unit_changed,    ///< levels in two units say nothing; the shaft is back where it was
     astray,          ///< it is not sure how far the motor has turned
 };
 
@@ -78,7 +79,8 @@ class PeakSearch {
 
     SearchEnd search();
     SearchEnd searched();
-    SearchEnd back_at_start();
+    SearchEnd back_at_start(SearchEnd why);
+    double level_at(double satellite);
     std::optional<double> nearest_satellite();
     std::vector<double> highest() const;
     bool look_as_far_as(int reach);

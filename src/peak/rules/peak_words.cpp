@@ -24,6 +24,11 @@ constexpr Bilingual kNoLevel{"The meter gave no sure level: nothing was moved.",
 constexpr Bilingual kNoLevelBack{
     "The meter gave no sure level any more: the dish is back at its start.",
     "Lo strumento non ha più dato un livello sicuro: l'antenna è di nuovo all'inizio."};
+constexpr Bilingual kUnitChanged{
+    "The unit was changed at the meter meanwhile, so its levels cannot be compared: the dish is "
+    "back at its start.",
+    "Nel frattempo l'unità è stata cambiata sullo strumento, quindi i suoi livelli non si possono "
+    "confrontare: l'antenna è di nuovo all'inizio."};
 constexpr Bilingual kAstray{
     "The meter did not surely take a drive: the motor was told to stop, and nobody knows how far "
     "it "
@@ -63,6 +68,8 @@ const Bilingual& words_of(const PeakOutcome& outcome) {
             return kAstray;
         case SearchEnd::lost:
             return moved ? kNoLevelBack : kNoLevel;
+        case SearchEnd::unit_changed:
+            return kUnitChanged;
         case SearchEnd::nothing_better:
             return kNothingBetter;
         default:
