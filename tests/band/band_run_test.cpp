@@ -127,6 +127,26 @@ void BandTest::traces_hold_the_last_the_highest_and_the_mean() {
     QVERIFY(difference(traces.live(), narrow).empty());
 }
 
+/// What is asked as needed lies elsewhere in each pass.
+void BandTest::a_weaker_pass_cuts_no_notch_into_the_highest() {
+    BandTraces traces;
+    for (const auto& [mhz, level] : {std::pair(1000.0, 60.0F), {1004.0, 62.0F}, {1002.0, 58.0F}})
+        traces.take(sample(mhz, level));
+    // Within the first pass what lies lower is the valley that it is.
+    QCOMPARE(traces.max_hold().size(), std::size_t{3});
+    traces.begin_pass();
+    for (const auto& [mhz, level] : {std::pair(1000.0, 50.0F), {1003.0, 48.0F}, {1001.0, 59.5F}})
+        traces.take(sample(mhz, level));
+    const BandCurve& held = traces.max_hold();
+    QCOMPARE(held.size(), std::size_t{4});
+    QVERIFY(!held.exactly_at(1003));
+    QCOMPARE(held.exactly_at(1001)->value, 59.5F);
+    QCOMPARE(held.exactly_at(1000)->value, 60.0F);
+    // Beyond what was held nobody knows better.
+    traces.take(sample(1010, 40));
+    QCOMPARE(held.exactly_at(1010)->value, 40.0F);
+}
+
 void BandTest::a_reference_is_that_of_its_feed_and_unit() {
     BandStore store;
     QVERIFY(store.empty());
@@ -143,9 +163,14 @@ void BandTest::a_reference_is_that_of_its_feed_and_unit() {
     QCOMPARE(store.states().size(), std::size_t{2});
     QVERIFY(store.states()[1].traces.live().empty());
     QCOMPARE(store.reference_for(store.states()[1]), nullptr);
-    store.take_reference(
-        {{sample(1000, 40), {{}, {}, kDbuv}}, {sample(1005, 41), {{}, {}, kDbuv}}});
+    store.take_reference({{sample(1000, 40), {Feed{13, false}, {}, kDbuv}},
+                          {sample(1005, 41), {Feed{13, false}, {}, kDbuv}}});
     QCOMPARE(store.reference_for(store.states()[0])->size(), std::size_t{2});
+    // Nobody knows how the LNB was fed for it: of another polarisation it says nothing.
+    store.take_reference({{sample(1000, 40), {{}, {}, kDbuv}}});
+    QCOMPARE(store.reference_for(store.states()[0]), nullptr);
+    store.begin_pass({}, kDbuv);
+    QCOMPARE(store.reference_for(store.states()[2])->size(), std::size_t{1});
     store.clear();
     QVERIFY(store.empty() && store.has_reference());
 }

@@ -34,6 +34,7 @@ class BandTest : public QObject {
     void a_choice_is_the_passes_over_the_band_data();
     void a_choice_is_the_passes_over_the_band();
     void traces_hold_the_last_the_highest_and_the_mean();
+    void a_weaker_pass_cuts_no_notch_into_the_highest();
     void a_reference_is_that_of_its_feed_and_unit();
     void a_run_passes_over_all_states_and_sets_back_once();
     void a_run_that_repeats_goes_on_until_it_is_stopped();

@@ -52,9 +52,8 @@ void BandStore::take_reference(const std::vector<SweepRow>& rows) {
 }
 
 const BandCurve* BandStore::reference_for(const BandState& state) const {
-    for (const Feed& feed : {state.feed, Feed()})
-        for (const ReferenceCurve& reference : references_)
-            if (reference.feed == feed && reference.unit == state.unit) return &reference.curve;
+    for (const ReferenceCurve& reference : references_)
+        if (reference.feed == state.feed && reference.unit == state.unit) return &reference.curve;
     return nullptr;
 }
 

@@ -45,8 +45,7 @@ class BandStore {
     /// The levels of a table become it.
     void take_reference(const std::vector<SweepRow>& rows);
     bool has_reference() const { return !references_.empty(); }
-    /// That for `state`: of the same feed, else of one that nobody told; null without one, and
-    /// where it is in another unit.
+    /// That of the same feed and unit as `state`; null without one.
     const BandCurve* reference_for(const BandState& state) const;
 
   private:

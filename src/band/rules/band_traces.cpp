@@ -6,11 +6,14 @@
 namespace m47::band {
 
 void BandTraces::take(const Sample& sample) {
-    if (std::exchange(begins_, false)) live_.clear();
+    if (std::exchange(begins_, false)) {
+        live_.clear();
+        held_before_ = max_hold_;
+    }
     if (!sample.level.measured()) return;
     live_.take(sample);
-    const auto held = max_hold_.exactly_at(sample.mhz);
-    if (!held || held->value < sample.level.value) max_hold_.take(sample);
+    const std::optional<double> held = held_before_.level_at(sample.mhz);
+    if (!held || *held < static_cast<double>(sample.level.value)) max_hold_.take(sample);
     if (sample.level.mark != measurement::RangeMark::none) return;
     Sum& sum = sums_[sample.mhz];
     sum.power += power_of(static_cast<double>(sample.level.value));

@@ -8,7 +8,9 @@
 namespace m47::band {
 
 /// What came of one state of the LNB, pass after pass: the last pass, the highest level at each
-/// frequency and the mean of their powers. Each point is at a frequency that was measured.
+/// frequency and the mean of their powers. Each point is at a frequency that was measured. What a
+/// later pass asks for the first time is held only where it is above the line of what was held
+/// before: else a weaker pass that asks elsewhere would cut notches into the highest levels.
 class BandTraces {
   public:
     /// The levels from now on are those of another pass; before its first one the last stands.
@@ -29,6 +31,7 @@ class BandTraces {
     };
 
     BandCurve live_, max_hold_, average_;
+    BandCurve held_before_;  ///< the highest levels as the pass began
     std::map<double, Sum> sums_;
     bool begins_ = true;
 };
