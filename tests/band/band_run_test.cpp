@@ -205,7 +205,7 @@ void BandTest::a_run_that_repeats_goes_on_until_it_is_stopped() {
     BandChoice wanted = choice(false, 1000, 1020, 0);
     wanted.step = 10;
     BandRun run(meter.link, passes_of(wanted));
-    run.repeats = true;
+    run.repeats = [] { return true; };
     int passed = 0;
     run.on_passed = [&] { ++passed; };
     meter.on_level = [&] {
@@ -240,7 +240,7 @@ void BandTest::levels_in_units_that_nobody_knows_are_left_out() {
     BandChoice wanted = choice(false, 1000, 1020, 0);
     wanted.step = 10;
     BandRun run(meter.link, passes_of(wanted));
-    run.repeats = true;
+    run.repeats = [] { return true; };
     BandStore store;
     run.on_pass = [&](const BandPass& pass, std::optional<LevelUnit> unit) {
         store.begin_pass(pass.feed, unit);

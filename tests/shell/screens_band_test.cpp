@@ -282,6 +282,84 @@ void ScreensTest::markers_are_set_by_clicks_and_moved_by_keys() {
     QCOMPARE(notice->text(), QString());
 }
 
+/// Not the one in which it was set: a dish is turned by what a marker says.
+void ScreensTest::a_marker_reads_the_last_pass() {
+    MeterInProcess& meter = start_with_meter();
+    band::BandSweep* screen = open_sweep(1000, 1100, "10 MHz");
+    sweep(screen);
+    auto* plot = find<QWidget>("band_plot", screen);
+    const auto* marks = find<QLabel>("band_marks", screen);
+    QTest::mouseClick(plot, Qt::LeftButton, {}, plot->rect().center());
+    const QString first = marks->text();
+    QVERIFY2(first.endsWith(" dBuV"), qPrintable(first));
+    const QString place = first.section("  ", 0, 1);
+    line_->answer("UNIT 02");  // by a key of the meter: the line hears nothing of it
+    line_->hush();
+    QStringList seen;
+    meter.on_command = [&](const QByteArray& command, const QString&) {
+        if (command == "FREQ 1010.0") click_in_the_wait(find<QCheckBox>("band_hold", screen));
+        if (command == "FREQ 1020.0") seen += marks->text();
+    };
+    sweep(screen);
+    meter.on_command = nullptr;
+    QCOMPARE(seen, QStringList(place + QStringLiteral("  –")));
+    const band::BandCurve& live = screen->store().states().front().traces.live();
+    const double mhz = place.section(' ', 2, 2).toDouble();
+    const auto level = live.exactly_at(mhz);
+    QVERIFY(level);
+    const QString now = measurement::reading_text(measurement::Quantity::level, *level);
+    QCOMPARE(marks->text(), place + "  " + now + " dBm");
+    // A pass that goes elsewhere has no level there.
+    find<QLineEdit>("band_to", screen)->setText("1020");
+    sweep(screen);
+    QCOMPARE(marks->text(), place + QStringLiteral("  –"));
+}
+
+void ScreensTest::repeat_is_chosen_while_it_sweeps() {
+    MeterInProcess& meter = start_with_meter();
+    band::BandSweep* screen = open_sweep(1000, 1040, "10 MHz");
+    auto* repeat = find<QCheckBox>("band_repeat", screen);
+    int passes = 0;
+    meter.on_command = [&](const QByteArray& command, const QString&) {
+        if (command == "FREQ 1000.0") ++passes;
+        if (command == "FREQ 1020.0" && (passes == 1 || passes == 3)) click_in_the_wait(repeat);
+    };
+    sweep(screen);
+    meter.on_command = nullptr;
+    // The fourth is where the meter is set back.
+    QCOMPARE(passes, 4);
+    QVERIFY(!repeat->isChecked());
+    QCOMPARE(find<QLabel>("band_result", screen)->text(),
+             QString("Swept: 15 levels, carriers found: 0. The meter is as it was."));
+}
+
+void ScreensTest::the_span_goes_along_to_the_other_axis() {
+    start_with_meter();
+    band::BandSweep* screen = open_sweep(950, 1150, "10 MHz");
+    const auto ends = [&] {
+        return find<QLineEdit>("band_from", screen)->text() + u' ' +
+               find<QLineEdit>("band_to", screen)->text();
+    };
+    const auto choose = [&](const char* list, int entry) {
+        auto* box = find<QComboBox>(list, screen);
+        box->setCurrentIndex(entry);
+        Q_EMIT box->activated(entry);
+    };
+    choose("band_feed", 2);
+    choose("band_axis", 1);
+    QCOMPARE(ends(), QString("11550.0 11750.0"));
+    choose("band_axis", 1);
+    QCOMPARE(ends(), QString("11550.0 11750.0"));
+    choose("band_axis", 0);
+    QCOMPARE(ends(), QString("950.0 1150.0"));
+    // An oscillator above the band turns it round.
+    find<QLineEdit>("band_high", screen)->setText("5150");
+    choose("band_axis", 1);
+    QCOMPARE(ends(), QString("4000.0 4200.0"));
+    choose("band_axis", 0);
+    QCOMPARE(ends(), QString("950.0 1150.0"));
+}
+
 void ScreensTest::carriers_become_programs_by_the_preview_of_an_import() {
     start_with_meter();
     band::BandSweep* screen = open_sweep(960, 1140, "2 MHz");

@@ -277,6 +277,9 @@ class ScreensTest : public QObject, protected ProgramInFolder {
     void a_reference_is_kept_loaded_and_held_against();
 
     void markers_are_set_by_clicks_and_moved_by_keys();
+    void a_marker_reads_the_last_pass();
+    void repeat_is_chosen_while_it_sweeps();
+    void the_span_goes_along_to_the_other_axis();
 
     void carriers_become_programs_by_the_preview_of_an_import();
 

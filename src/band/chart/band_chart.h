@@ -36,7 +36,6 @@ struct Flag {
 struct Marker {
     bool set = false;
     double mhz = 0;
-    double level = 0;
 };
 inline constexpr std::size_t kMarkers = 2;
 

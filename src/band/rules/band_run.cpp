@@ -104,7 +104,7 @@ void BandRun::sweep_one(std::size_t place, link::Work& work) {
         const int asked = end_.levels + end_.without_level;
         const int expected = sweep.plan().expected() - sweep.plan().asked();
         const int to_come = static_cast<int>(passes_.size() - place - 1) * sweep.plan().expected();
-        if (!repeats) work.reached(asked, asked + expected + to_come);
+        if (!repeats()) work.reached(asked, asked + expected + to_come);
     }
     check_unit(work);
     if (!levels_.lost() && on_passed) on_passed();
@@ -119,7 +119,7 @@ void BandRun::sweep_all(link::Work& work) {
                 work.doing(kDoingState, {QString::number(k + 1), QString::number(passes_.size())});
             sweep_one(k, work);
         }
-    } while (repeats && !levels_.lost());
+    } while (repeats() && !levels_.lost());
 }
 
 BandEnd BandRun::run() {

@@ -31,8 +31,9 @@ class BandRun {
     BandRun(link::Link& link, std::vector<BandPass> passes)
         : link_(link), passes_(std::move(passes)), levels_(link) {}
 
-    /// All passes again and again, until somebody stops it.
-    bool repeats = false;
+    /// Asked behind all passes whether they begin again; while it would say so nobody is told how
+    /// much is to come.
+    std::function<bool()> repeats = [] { return false; };
     /// Told of a pass that begins, the meter's unit known, and of each answer in it.
     std::function<void(const BandPass& pass, std::optional<LevelUnit> unit)> on_pass;
     std::function<void(const Sample& sample)> on_level;

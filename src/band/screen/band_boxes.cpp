@@ -62,6 +62,19 @@ const Bilingual* fault_of(const BandBoxes& boxes) {
     return passes_of(choice).empty() ? &kNothingThere : nullptr;
 }
 
+void turn_span(BandBoxes& boxes) {
+    const BandChoice choice = choice_of(boxes);
+    if (choice.feed == kAllFeeds) return;
+    const double oscillator = oscillator_of(choice, kFeeds[static_cast<std::size_t>(choice.feed)]);
+    if (!programme::is_oscillator(oscillator)) return;
+    const auto turned = [&](double mhz) {
+        return choice.in_the_sky ? sky_frequency(mhz, oscillator) : std::abs(mhz - oscillator);
+    };
+    const auto [from, to] = std::minmax({turned(choice.from), turned(choice.to)});
+    boxes.from = digits(from);
+    boxes.to = digits(to);
+}
+
 void fit_span(BandBoxes& boxes) {
     boxes.part = !boxes.whole;
     const BandChoice choice = choice_of(boxes);

@@ -39,6 +39,10 @@ BandChoice choice_of(const BandBoxes& boxes);
 /// `to` leave nothing: the sentence that says so; null where all can be swept.
 const Bilingual* fault_of(const BandBoxes& boxes);
 
+/// Takes `from` and `to` over to the axis that was just chosen, by the oscillator of the LNB state
+/// chosen. Of several each has a span of its own there: they stay.
+void turn_span(BandBoxes& boxes);
+
 /// Brings `from` and `to` into what can be swept: all of it where the whole band is wanted, or
 /// where they lie outside.
 void fit_span(BandBoxes& boxes);

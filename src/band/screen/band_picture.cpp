@@ -22,6 +22,7 @@ constexpr std::array<Bilingual, kTraces> kTraceNames{{{"reference", "riferimento
                                                       {"live", "attuale"},
                                                       {"difference", "differenza"}}};
 constexpr qsizetype kLongestFlag = 14;
+const QString kNoLevel = QStringLiteral("–");
 
 Curve drawn(const BandCurve& curve, const SweepTerms& terms) {
     Curve made;
@@ -42,10 +43,20 @@ QString flag_text(const Carrier& carrier) {
 }
 
 QString level_text(const Sample& sample, const SweepTerms& terms) {
-    return QStringLiteral("%1 MHz  %2 %3")
-        .arg(on_axis(sample.mhz, terms), 0, 'f', 1)
-        .arg(measurement::reading_text(measurement::Quantity::level, sample.level),
-             measurement::unit_text(terms.unit));
+    return measurement::reading_text(measurement::Quantity::level, sample.level) + u' ' +
+           measurement::unit_text(terms.unit);
+}
+
+/// The level that a marker at `mhz` reads. A pass that has not come there yet has none, nor has one
+/// that goes elsewhere.
+std::optional<Sample> marked_level(const BandCurve& live, double mhz) {
+    return live.level_at(mhz) ? nearest_level(live, mhz) : std::nullopt;
+}
+
+/// Where a marker at `mhz` stands: each pass asks at frequencies of its own.
+double place_of(const BandCurve& live, double mhz) {
+    const std::optional<Sample> marked = marked_level(live, mhz);
+    return marked ? marked->mhz : mhz;
 }
 
 QString with_sign(double value) {
@@ -104,18 +115,24 @@ BandPicture picture_of(const BandState& state, const SweepTerms& terms, const Ba
         picture.flags.push_back(
             {on_axis(found.carrier.centre, terms), found.carrier.level, flag_text(found.carrier)});
     for (std::size_t k = 0; k < kMarkers; ++k)
-        if (const auto& marked = look.markers[k])
-            picture.markers[k] = {true, on_axis(marked->mhz, terms),
-                                  static_cast<double>(marked->level.value)};
+        if (look.markers[k])
+            picture.markers[k] = {true, on_axis(place_of(traces.live(), *look.markers[k]), terms)};
     return picture;
 }
 
-QString markers_text(const BandLook& look, const SweepTerms& terms) {
+QString markers_text(const BandState& state, const BandLook& look, const SweepTerms& terms) {
+    const BandCurve& live = state.traces.live();
     QStringList parts;
-    for (std::size_t k = 0; k < kMarkers; ++k)
-        if (const auto& marked = look.markers[k])
-            parts += QStringLiteral("%1:  %2").arg(k + 1).arg(level_text(*marked, terms));
-    const auto& [first, second] = look.markers;
+    std::array<std::optional<Sample>, kMarkers> marked;
+    for (std::size_t k = 0; k < kMarkers; ++k) {
+        if (!look.markers[k]) continue;
+        marked[k] = marked_level(live, *look.markers[k]);
+        parts += QStringLiteral("%1:  %2 MHz  %3")
+                     .arg(k + 1)
+                     .arg(on_axis(place_of(live, *look.markers[k]), terms), 0, 'f', 1)
+                     .arg(marked[k] ? level_text(*marked[k], terms) : kNoLevel);
+    }
+    const auto& [first, second] = marked;
     if (first && second)
         parts += QStringLiteral("2−1:  %1 MHz  %2 dB")
                      .arg(with_sign(on_axis(second->mhz, terms) - on_axis(first->mhz, terms)),

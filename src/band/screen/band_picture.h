@@ -16,8 +16,8 @@ namespace m47::band {
 /// What of a state is drawn, and how.
 struct BandLook {
     bool in_the_sky = false;
-    std::array<bool, kTraces> traces{};  ///< in the order of Trace
-    std::array<std::optional<Sample>, kMarkers> markers{};
+    std::array<bool, kTraces> traces{};                     ///< in the order of Trace
+    std::array<std::optional<double>, kMarkers> markers{};  ///< MHz of the intermediate band
 };
 
 /// Under what `state` was measured, as the axis of `choice` tells it: in the sky with the
@@ -37,10 +37,11 @@ BandPicture picture_of(const BandState& state, const SweepTerms& terms, const Ba
                        const BandCurve* reference, const std::vector<FoundCarrier>& carriers,
                        const Texts& texts);
 
-/// "1: 1200.0 MHz 58.3 dBuV" for each marker, and what lies between them; empty without one.
-QString markers_text(const BandLook& look, const SweepTerms& terms);
+/// "1: 1200.0 MHz 58.3 dBuV" for each marker, as the last pass of `state` has it, a dash where that
+/// has no level there or not yet, and what lies between them; empty without one.
+QString markers_text(const BandState& state, const BandLook& look, const SweepTerms& terms);
 
-/// The level of `curve` next to `mhz`; nothing where there is none.
+/// The level of `curve` next to `mhz`, whatever lies between; nothing where there is none.
 std::optional<Sample> nearest_level(const BandCurve& curve, double mhz);
 /// The one above or below that of `mhz`; that itself at an end.
 std::optional<Sample> next_level(const BandCurve& curve, double mhz, bool up);

@@ -159,6 +159,7 @@ void BandSweep::connect_keys() {
     connect(ui_->cmdbandstart, &QAction::triggered, ui_->band_start, &QPushButton::click);
     act_while_busy(ui_->band_stop);
     act_while_busy(ui_->cmdbandstop);
+    act_while_busy(ui_->band_repeat);
 }
 
 void BandSweep::connect_looks() {
@@ -171,8 +172,11 @@ void BandSweep::connect_looks() {
         look_.markers = {};
         show_band();
     });
-    for (QComboBox* list : {ui_->band_feed, ui_->band_axis})
-        when(list, &QComboBox::activated, "band_choice_Click", [this] { axis_changed(); });
+    when(ui_->band_feed, &QComboBox::activated, "band_choice_Click", [this] { axis_changed(); });
+    when(ui_->band_axis, &QComboBox::activated, "band_choice_Click", [this] {
+        if (look_.in_the_sky != (boxes_.axis == 1)) turn_span(boxes_);
+        axis_changed();
+    });
     when(ui_->band_whole, &QCheckBox::clicked, "band_whole_Click", [this] { fit_span(boxes_); });
     for (QLineEdit* box : {ui_->band_low, ui_->band_high})
         when(box, &QLineEdit::editingFinished, "band_oscillator_KeyPress",
@@ -204,7 +208,7 @@ void BandSweep::axis_changed() {
 void BandSweep::band_start_Click() {
     if (const Bilingual* fault = fault_of(boxes_)) return tell_result(program_.texts.pick(*fault));
     BandRun run(link_, passes_of(choice_of(boxes_)));
-    run.repeats = boxes_.repeats;
+    run.repeats = [this] { return boxes_.repeats; };
     follow(run);
     tell_result(QString());
     BandEnd end;
@@ -279,20 +283,23 @@ void BandSweep::choose_flag(std::size_t flag) {
 void BandSweep::mark(double mhz, std::size_t marker) {
     const BandState* state = shown_state();
     if (!state) return;
-    look_.markers[marker] = nearest_level(state->traces.live(), in_the_band(mhz, shown_terms()));
-    show_band();
+    set_marker(marker, nearest_level(state->traces.live(), in_the_band(mhz, shown_terms())));
 }
 
 void BandSweep::move_marker(std::size_t marker, bool up) {
     const BandState* state = shown_state();
     if (!state || state->traces.live().empty()) return;
     const BandCurve& live = state->traces.live();
-    const std::optional<Sample> here = look_.markers[marker];
+    const std::optional<double> here = look_.markers[marker];
     const SweepTerms terms = shown_terms();
     // An oscillator above the band turns it round.
     const bool turned = on_axis(1, terms) < on_axis(0, terms);
-    look_.markers[marker] =
-        here ? next_level(live, here->mhz, up != turned) : live.samples()[live.size() / 2];
+    set_marker(marker,
+               here ? next_level(live, *here, up != turned) : live.samples()[live.size() / 2]);
+}
+
+void BandSweep::set_marker(std::size_t marker, const std::optional<Sample>& level) {
+    look_.markers[marker] = level ? std::optional(level->mhz) : std::nullopt;
     show_band();
 }
 
@@ -345,7 +352,7 @@ void BandSweep::show_band() {
     picture.from = link::typed_value(boxes_.from);
     picture.to = link::typed_value(boxes_.to);
     if (chart) chart->show_band(picture, link_.activity.working());
-    ui_->band_marks->setText(markers_text(look_, terms));
+    ui_->band_marks->setText(markers_text(drawn, look_, terms));
 }
 
 void BandSweep::show_while_waiting() {

@@ -64,6 +64,7 @@ class BandSweep : public Screen {
     void choose_flag(std::size_t flag);
     void mark(double mhz, std::size_t marker);
     void move_marker(std::size_t marker, bool up);
+    void set_marker(std::size_t marker, const std::optional<Sample>& level);
 
     void follow(BandRun& run);
     void pass_begins(const BandPass& pass, std::optional<LevelUnit> unit);
