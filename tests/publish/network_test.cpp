@@ -2,6 +2,8 @@
 // The sender of Qt Network against a server that answers as it is told, to the byte.
 #include <QElapsedTimer>
 #include <QFile>
+#include <QLocale>
+#include <QNetworkReply>
 #include <QProcess>
 #include <QSslConfiguration>
 #include <QSslKey>
@@ -11,6 +13,7 @@
 #include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTest>
+#include <cmath>
 
 #include "http_sender.h"
 #include "part.h"
@@ -78,10 +81,58 @@ class NetworkTest : public QObject {
     void answers_data();
     void answers();
     void what_goes_over_the_wire();
+    void without_an_event_loop_nothing_stays();
+    void a_date_to_try_again_data();
+    void a_date_to_try_again();
     void nothing_listens();
     void a_server_that_says_nothing_holds_nothing_up();
     void a_certificate_that_does_not_verify();
 };
+
+/// As in a run whose passes follow each other: between two exchanges with the meter the events are
+/// worked off, and no loop is ever entered.
+void NetworkTest::without_an_event_loop_nothing_stays() {
+    QTcpServer listening;
+    ScriptedServer server(listening);
+    server.answer = "HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok";
+    const auto* sender = dynamic_cast<QObject*>(sender_);
+    QVERIFY(sender);
+    sender_->set_target({server.address("http"), {}});
+    qsizetype held = 0;
+    for (int requests = 0; requests < 20; ++requests) {
+        sender_->post("body\n");
+        std::optional<HttpAnswer> answer;
+        QElapsedTimer timer;
+        for (timer.start(); !answer && timer.elapsed() < 5000; answer = sender_->answer())
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+        QVERIFY(answer && answer->status == 200);
+        server.request.clear();
+        // The first one leaves what a connection needs.
+        const auto now = sender->findChildren<QObject*>().size();
+        if (requests == 0) held = now;
+        QVERIFY2(now <= held, qPrintable(QString::number(now)));
+        QVERIFY(sender->findChildren<QNetworkReply*>().isEmpty());
+    }
+}
+
+void NetworkTest::a_date_to_try_again_data() {
+    QTest::addColumn<QByteArray>("form");
+    QTest::newRow("of HTTP") << QByteArray("ddd, dd MMM yyyy hh:mm:ss 'GMT'");
+    QTest::newRow("of mail") << QByteArray("ddd, dd MMM yyyy hh:mm:ss '+0000'");
+}
+
+void NetworkTest::a_date_to_try_again() {
+    QFETCH(QByteArray, form);
+    QTcpServer listening;
+    ScriptedServer server(listening);
+    const QDateTime when = QDateTime::currentDateTimeUtc().addSecs(100);
+    server.answer = "HTTP/1.1 429 Often\r\nRetry-After: " +
+                    QLocale::c().toString(when, QString::fromLatin1(form)).toLatin1() +
+                    "\r\nContent-Length: 0\r\n\r\n";
+    const auto answer = ask(*sender_, server.address("http"));
+    QVERIFY(answer && answer->retry_after);
+    QVERIFY2(std::abs(*answer->retry_after - 100) <= 3, server.answer);
+}
 
 void NetworkTest::answers_data() {
     QTest::addColumn<QByteArray>("bytes");

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "network_sender.h"
 
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QEventLoop>
 #include <QNetworkReply>
@@ -12,14 +13,15 @@ namespace {
 
 constexpr qint64 kMostWords = 400;  // bytes of what an engine says
 
-/// Seconds, or a date.
+/// Seconds, or a date in the form that HTTP has for it, which mail does not know.
 std::optional<double> retry_after(const QNetworkReply& reply) {
     if (!reply.hasRawHeader("Retry-After")) return {};
     const QByteArray text = reply.rawHeader("Retry-After").trimmed();
     bool is_number = false;
     const double seconds = text.toDouble(&is_number);
     if (is_number) return seconds;
-    const QDateTime date = QDateTime::fromString(QString::fromLatin1(text), Qt::RFC2822Date);
+    const QString date_text = QString::fromLatin1(text).replace(QLatin1String("GMT"), "+0000");
+    const QDateTime date = QDateTime::fromString(date_text, Qt::RFC2822Date);
     if (!date.isValid()) return {};
     return static_cast<double>(QDateTime::currentDateTimeUtc().secsTo(date));
 }
@@ -58,29 +60,34 @@ void NetworkSender::post(const QByteArray& body) {
                          QNetworkRequest::ManualRedirectPolicy);
     if (!target_.authorization.isEmpty())
         request.setRawHeader("Authorization", target_.authorization);
-    reply_ = manager_.post(request, body);
+    reply_.reset(manager_.post(request, body));
 }
 
 std::optional<HttpAnswer> NetworkSender::answer() {
     if (!reply_ || !reply_->isFinished()) return {};
-    const HttpAnswer answer = answer_of(*reply_);
-    reply_->deleteLater();
-    reply_ = nullptr;
+    HttpAnswer answer = answer_of(*reply_);
+    forget();
     return answer;
 }
 
 void NetworkSender::give_up() {
     if (!reply_) return;
     reply_->abort();
-    reply_->deleteLater();
-    reply_ = nullptr;
+    forget();
+}
+
+/// A run without pauses never comes back to an event loop, which alone would take away what is to
+/// go later: a request would stay in memory each time.
+void NetworkSender::forget() {
+    reply_.reset();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 void NetworkSender::work(double seconds) {
     constexpr double kMilliseconds = 1000;
     QEventLoop loop;
     QTimer::singleShot(static_cast<int>(seconds * kMilliseconds) + 1, &loop, &QEventLoop::quit);
-    if (reply_) connect(reply_, &QNetworkReply::finished, &loop, &QEventLoop::quit);
+    if (reply_) connect(reply_.get(), &QNetworkReply::finished, &loop, &QEventLoop::quit);
     if (!reply_ || !reply_->isFinished()) loop.exec();
 }
 

@@ -3,6 +3,7 @@
 
 #include <QNetworkAccessManager>
 #include <QObject>
+#include <memory>
 
 #include "http_sender.h"
 
@@ -27,9 +28,11 @@ class NetworkSender : public QObject, public HttpSender {
     void work(double seconds) override;
 
   private:
+    void forget();
+
     HttpTarget target_;
-    QNetworkAccessManager manager_;
-    QNetworkReply* reply_ = nullptr;
+    QNetworkAccessManager manager_{this};
+    std::unique_ptr<QNetworkReply> reply_;
 };
 
 }  // namespace m47::publish
