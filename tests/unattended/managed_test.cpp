@@ -125,6 +125,19 @@ void ManagedTest::a_check_tells_every_fault() {
     QCOMPARE(good.faults, QStringList());
     QCOMPARE(read("every = 3\nplan = A\n", {"--check-config"}).faults,
              QStringList({"m47-probe needs --on-port"}));
+    // What the run would end with before it measures.
+    const QString file = folder_.filePath("p.conf");
+    for (const char* directory : {"", "directory = .\n"}) {
+        const QByteArray head = "on-port = 1\nplan = A\n" + QByteArray(directory);
+        const QString line = QString::number(head.count('\n') + 1);
+        QCOMPARE(read(head + "log = VKDM47_03.mdb\n", {"--check-config"}).faults,
+                 QStringList(file + u':' + line + ": --log names the database: VKDM47_03.mdb"));
+        QCOMPARE(
+            read(head + "log = x.log\ntrace = ./x.log\n", {"--check-config"}).faults,
+            QStringList(file + u':' + line + ": --log and --trace name the same file: ./x.log"));
+        QCOMPARE(read(head + "log = x.log\ntrace = y.log\n", {"--check-config"}).faults,
+                 QStringList());
+    }
     QCOMPARE(parse_options({"--check-config", "--on-port", "1"}, probe_).error,
              QStringLiteral("--check-config needs --config"));
 }

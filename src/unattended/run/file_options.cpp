@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "file_options.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QList>
 #include <algorithm>
@@ -15,10 +16,11 @@ namespace {
 
 struct NamedFile {
     QString option;
-    QString path;
+    QString name;    ///< as it was given
+    QString path{};  ///< from the root
 };
 
-QList<NamedFile> named_files(const Options& options) {
+QList<NamedFile> named_files(const Options& options, const QDir& folder) {
     QList<NamedFile> files{{QStringLiteral("--log"), options.log},
                            {QStringLiteral("--publish-token-file"), options.publish.token_file},
                            {QStringLiteral("--screenshot"), options.screenshot},
@@ -28,7 +30,8 @@ QList<NamedFile> named_files(const Options& options) {
                            {QStringLiteral("--import-database"), options.import_database},
                            {QStringLiteral("--export-plan"), options.export_plan.file},
                            {QStringLiteral("--import-plan"), options.import_plan.file}};
-    files.removeIf([](const NamedFile& file) { return file.path.isEmpty(); });
+    files.removeIf([](const NamedFile& file) { return file.name.isEmpty(); });
+    for (NamedFile& file : files) file.path = folder.absoluteFilePath(file.name);
     return files;
 }
 
@@ -63,16 +66,16 @@ QString file_option_fault(const Options& options, const QString& base_dir) {
     };
     constexpr Kept kKept[] = {{db::kDatabaseFile, "the database"},
                               {sites::kSitesFile, "the file of sites"}};
-    const QList<NamedFile> files = named_files(options);
+    const QList<NamedFile> files = named_files(options, QDir(base_dir));
     for (qsizetype k = 0; k < files.size(); ++k) {
         for (const Kept& kept : kKept)
             if (is_kept_file(files[k].path, base_dir + QLatin1String(kept.name)))
                 return QStringLiteral("%1 names %2: %3")
-                    .arg(files[k].option, QLatin1String(kept.what), files[k].path);
+                    .arg(files[k].option, QLatin1String(kept.what), files[k].name);
         for (qsizetype other = 0; other < k; ++other)
             if (lead_to_one_file(files[k].path, files[other].path))
                 return QStringLiteral("%1 and %2 name the same file: %3")
-                    .arg(files[other].option, files[k].option, files[k].path);
+                    .arg(files[other].option, files[k].option, files[k].name);
     }
     return {};
 }

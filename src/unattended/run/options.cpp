@@ -7,13 +7,16 @@
 #include <algorithm>
 
 #include "configuration.h"
+#include "file_options.h"
 #include "identify_options.h"
 #include "option_list.h"
 #include "option_values.h"
 #include "peak_options.h"
+#include "program_state.h"
 #include "publish_options.h"
 #include "texts.h"
 #include "visit_options.h"
+#include "work_folder.h"
 
 namespace m47::unattended {
 namespace {
@@ -202,6 +205,16 @@ QString read_with(const Configuration& configuration, const QStringList& argumen
     return parser.parse(all) ? read_options(parser, offer, options) : parser.errorText();
 }
 
+/// The same, and what is wrong with the files that both name.
+QString check_with(const Configuration& configuration, const QStringList& arguments,
+                   const Offer& offer) {
+    Options options;
+    const QString fault = read_with(configuration, arguments, offer, options);
+    const QDir folder(QDir(offer.folder).absoluteFilePath(asked_folder(options)));
+    return fault.isEmpty() ? file_option_fault(options, folder_with_separator(folder.path()))
+                           : fault;
+}
+
 /// True where `fault` is about another option than `named`, and only comes of one of `gone`.
 bool comes_of(const QStringList& gone, const QString& fault, const QString& named) {
     return std::ranges::any_of(gone, [&](const QString& name) {
@@ -216,9 +229,8 @@ QStringList all_faults(Configuration configuration, const QStringList& arguments
     std::vector<ConfigurationFault> faults = configuration.faults;
     const bool unread = !faults.empty();
     QStringList gone;
-    Options options;
     for (;;) {
-        const QString fault = read_with(configuration, arguments, offer, options);
+        const QString fault = check_with(configuration, arguments, offer);
         const std::optional<std::size_t> place = configuration.place_of(fault);
         const QString named = place ? configuration.lines[*place].name : QString();
         // What is missing may stand in a line that could not be read.
@@ -248,7 +260,7 @@ Options take_configuration(const QCommandLineParser& command_line, const QString
     if (command_line.isSet(QStringLiteral("check-config"))) {
         Options options;
         options.action = Options::Action::check;
-        options.faults = all_faults(configuration, arguments, offer);
+        options.faults = all_faults(configuration, arguments, again);
         return options;
     }
     if (!configuration.faults.empty()) return wrong(configuration.faults.front().text);
