@@ -99,7 +99,8 @@ struct Told {
     QStringList lines;
 };
 
-Told run_on(const QString& folder, const QDate& day, double fade, const QStringList& more) {
+Told run_on(const QString& folder, const QDate& day, double fade, const QStringList& more,
+            int unit_changed_at = 0) {
     const QString file = folder_with_separator(folder) + QLatin1String(db::kDatabaseFile);
     db::DatabaseError error{};
     if (!QFile::exists(file)) {
@@ -120,7 +121,13 @@ Told run_on(const QString& folder, const QDate& day, double fade, const QStringL
     unattended::MeterConnection connection(state, ports, std::move(clock), std::move(port), view,
                                            view);
     // It leaves the line before the connection closes it for good.
-    const MeterInProcess meter(line, 1, fade);
+    MeterInProcess meter(line, 1, fade);
+    int levels = 0;
+    meter.on_command = [&](const QByteArray& command, const QString&) {
+        if (command != "LEVANL?" || ++levels != unit_changed_at) return;
+        line.answer("UNIT 02");  // by a key of the meter: the line hears nothing of it
+        line.hush();
+    };
     const unattended::Options options =
         unattended::parse_options(QStringList{"--measure", "--on-port", "1", "--plan", "ROOF",
                                               "--full-tune", "--site", "Condominio Sole"} +
@@ -226,6 +233,7 @@ class VisitTest : public QObject {
 
   private Q_SLOTS:
     void a_dish_that_gets_worse_over_a_year();
+    void a_unit_changed_at_the_meter_is_told_and_set_back();
     void a_run_is_kept_and_compared();
     void a_file_that_cannot_be_used_ends_the_run_untouched_data();
     void a_file_that_cannot_be_used_ends_the_run_untouched();
@@ -270,6 +278,20 @@ void VisitTest::a_dish_that_gets_worse_over_a_year() {
                                            "instrument <> '' AND logo <> '' AND ended_utc > "
                                            "begun_utc"}),
              QStringList("5"));
+}
+
+/// What stays in the file as a number has its own unit, or none where nobody knows it.
+void VisitTest::a_unit_changed_at_the_meter_is_told_and_set_back() {
+    const QTemporaryDir folder(folder_template());
+    const Told told =
+        run_on(folder.path(), {2026, 1, 10}, 0, {"--passes", "2", "--format", "tsv"}, 3);
+    QCOMPARE(told.status, 0);
+    QCOMPARE(told.lines, QStringList("the unit was changed at the meter: nobody knows in which one "
+                                     "the level of this row is; the meter is set back to dBuV"));
+    QCOMPARE(ask(folder.filePath(kSites),
+                 {"SELECT CASE WHEN unit IS NULL THEN '-' ELSE unit END || ' ' || (level > 0) "
+                  "FROM measurements ORDER BY utc"}),
+             QStringList({"0 1", "0 1", "- 0", "0 1", "0 1", "0 1", "0 1", "0 1"}));
 }
 
 void VisitTest::a_run_is_kept_and_compared() {

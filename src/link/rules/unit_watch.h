@@ -16,13 +16,16 @@ class UnitWatch {
     /// From here on the unit is to be the one that the meter told last.
     void begin() { first_ = link_.settings.unit(); }
 
+    /// Its index; nothing where the meter had told none.
+    std::optional<int> first() const { return first_; }
+
     /// Asks the meter for its unit, once more where the answer is doubtful. True where it is
     /// another one; false where the meter does not tell. Told to end, it throws Interrupted.
     bool changed();
 
   private:
     Link& link_;
-    std::optional<int> first_;  ///< index
+    std::optional<int> first_;
 };
 
 }  // namespace m47::link

@@ -23,6 +23,7 @@
 #include "standard_streams.h"
 #include "tables.h"
 #include "unattended_visit.h"
+#include "unit_guard.h"
 
 namespace m47::unattended {
 namespace {
@@ -75,7 +76,9 @@ struct Run : RunSoFar {
     UnattendedVisit visit{options.visit, state.texts};
     ServiceNotes service{connection.link().clock(), ServiceNotes::found()};
     Publishing publishing{options, state.texts};
+    UnitGuard unit{connection.link()};
     measurement::Measurement measured{};  ///< of the row that comes next
+    bool unit_unknown = false;            ///< that of the row that comes next
     bool link_found = false;              ///< the meter has answered once
     bool wrong_limits = false;
     bool visit_refused = false;  ///< it could not be begun
@@ -325,6 +328,7 @@ bool identify_meter(Run& run) {
     run.link_found = true;
     run.service.ready();
     prepare_meter(run);
+    run.unit.begin();
     run.visit_refused = !begin_visit(run);
     return true;
 }
@@ -435,6 +439,12 @@ int status_of(const Run& run) {
     return run.alarm_failed ? kAlarmFailed : kGood;
 }
 
+/// What outlives the run as a number, in an engine or with a visit, is to have the right unit.
+measurement::Measurement with_its_unit(const Run& run, measurement::Measurement measurement) {
+    if (run.unit_unknown) measurement.unit.reset();
+    return measurement;
+}
+
 /// False, with a complaint, where nothing can be measured: `status` says why then.
 bool prepare(Run& run, int& status) {
     if (!run.options.plan.isEmpty() && !plan_is_there(run)) {
@@ -459,16 +469,19 @@ void listen_to_rules(Run& run) {
     run.output.on_remark = complain;
     run.visit.on_remark = complain;
     run.publishing.on_remark = complain;
+    run.unit.on_remark = complain;
     realtime::MeasureCycle& cycle = run.rules->cycle;
     cycle.on_row = [&run](const QStringList& row) { print_row(run, row); };
     cycle.before_row = [&run](const measurement::Measurement& measurement, std::string_view line,
                               const QDateTime& moment) {
-        run.publishing.before_row(measurement, line, moment);
+        const bool lasts = run.publishing.wanted() || run.visit.wanted();
+        run.unit_unknown = lasts && run.unit.has_strayed();
+        run.publishing.before_row(with_its_unit(run, measurement), line, moment);
     };
     cycle.on_measured = [&run](const measurement::Measurement& measurement) {
         run.publishing.after_row();
-        run.measured = measurement;
-        run.visit.take(measurement, run.connection.link().clock().date_time().offsetFromUtc());
+        run.measured = with_its_unit(run, measurement);
+        run.visit.take(run.measured, run.connection.link().clock().date_time().offsetFromUtc());
         if (measurement.verdict == measurement::Verdict::fail) run.alarm_failed = true;
     };
     cycle.on_log_written = [&run](const QString& reason) { tell_log(run, reason); };
