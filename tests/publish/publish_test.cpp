@@ -370,6 +370,37 @@ void PublishTest::a_failing_outbox_holds_rows_until_it_works() {
     QVERIFY(!stand.publisher->lost());
 }
 
+void PublishTest::an_outbox_taken_away_is_told_data() {
+    QTest::addColumn<bool>("replaced");
+    QTest::addColumn<bool>("delivered");
+    QTest::newRow("removed") << false << false;
+    QTest::newRow("removed, the engine there") << false << true;
+    QTest::newRow("replaced") << true << false;
+}
+
+/// Its rows go on to an engine that is there; what waits at the end is lost, and no start is
+/// promised to deliver it.
+void PublishTest::an_outbox_taken_away_is_told() {
+    QFETCH(bool, replaced);
+    QFETCH(bool, delivered);
+    Stand stand(folder_->path());
+    if (!delivered) stand.engine.answers = [](const QByteArray&) { return HttpAnswer{}; };
+    stand.measure(2);
+    QVERIFY(QFile::rename(path(), path("elsewhere")));
+    if (replaced) QVERIFY(QFile::copy(path("elsewhere"), path()));
+    stand.publisher->report({});
+    stand.measure(3);
+    stand.publisher->report({});
+    stand.publisher->finish(10, never);
+    QCOMPARE(stand.told.filter("was deleted, moved or replaced").size(), 1);
+    QVERIFY(stand.told.filter("next start").isEmpty());
+    QCOMPARE(stand.publisher->lost(), !delivered);
+    if (delivered)
+        QCOMPARE(stand.stored(), stand.measured());
+    else
+        QVERIFY2(stand.told.last().contains("no start will: 5"), qPrintable(stand.told.last()));
+}
+
 void PublishTest::the_end_of_a_run_tells_what_waits() {
     Stand stand(folder_->path());
     stand.engine.answers = [](const QByteArray&) { return HttpAnswer{}; };

@@ -64,6 +64,8 @@ class PublishTest : public QObject {
     void killed_between_outbox_and_log();
     void a_failing_outbox_holds_rows_until_it_works();
     void the_end_of_a_run_tells_what_waits();
+    void an_outbox_taken_away_is_told_data();
+    void an_outbox_taken_away_is_told();
     void time_passes_as_long_as_asked();
 };
 

@@ -72,7 +72,8 @@ std::optional<HttpAnswer> NetworkSender::answer() {
 
 void NetworkSender::give_up() {
     if (!reply_) return;
-    reply_->abort();
+    // One that has ended can not be ended once more.
+    if (reply_->isRunning()) reply_->abort();
     forget();
 }
 

@@ -6,6 +6,7 @@
 
 #include "database_transaction.h"
 #include "engine.h"
+#include "file_place.h"
 #include "kept_query.h"
 #include "outbox_file.h"
 
@@ -35,8 +36,10 @@ class Outbox::File {
         LogPlace place;
     };
 
-    File(const QString& path, qint64 limit) : connection_(path), limit_(limit) {}
+    File(const QString& path, qint64 limit)
+        : connection_(path), path_(path), number_(platform::file_number(path)), limit_(limit) {}
 
+    bool in_place() const { return platform::file_number(path_) == number_; }
     const QSqlDatabase& database() const { return connection_.database(); }
     qint64 number(db::KeptQuery& statement, const QVariantList& values = {});
     void run(db::KeptQuery& statement, const QVariantList& values) {
@@ -63,6 +66,8 @@ class Outbox::File {
 
   private:
     db::Connection connection_;
+    QString path_;
+    std::optional<quint64> number_;  ///< which file it is, as long as it is open
     qint64 limit_;
     db::KeptQuery insert_{"INSERT INTO lines (kind, ms, line) VALUES (?, ?, ?)"};
     db::KeptQuery count_{"SELECT count(*) FROM lines WHERE kind = 0 AND id > ? AND id <= ?"};
@@ -279,6 +284,10 @@ void Outbox::tend() {
     if (!file_->changed) return;
     told([&] { file_->write_facts(); });
     file_->changed = false;
+}
+
+bool Outbox::in_place() const {
+    return file_->in_place();
 }
 
 qint64 Outbox::acknowledged() const {

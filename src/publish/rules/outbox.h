@@ -71,6 +71,10 @@ class Outbox {
     /// Writes down what only this object knows yet; nothing to write where it knows nothing.
     void tend();
 
+    /// The file is where it was made or found: what is in one that was moved or removed is sent by
+    /// this process, and by none after it.
+    bool in_place() const;
+
     qint64 acknowledged() const;  ///< the id of the last line that was
     qint64 rows_waiting() const;  ///< not acknowledged yet
     /// When the oldest of them was measured, milliseconds since 1970; nothing where none waits.

@@ -153,6 +153,7 @@ void Publisher::report(Health health) {
         const qint64 waited = oldest ? moment.toMSecsSinceEpoch() - *oldest : 0;
         health.oldest_waiting = static_cast<double>(std::max<qint64>(waited, 0)) / 1000;
     });
+    look_for_file();
     put(LineKind::health, moment,
         [&](qint64 milliseconds) { return health_line(order_.station, health, milliseconds); }, {});
     delivery_->look();
@@ -195,11 +196,27 @@ void Publisher::finish(double seconds, const std::function<bool()>& told_to_stop
         pass_time(std::min(kWorkSlice, end - clock_.steady()));
     if (!held_.empty() && !put_held()) lost_ = true;
     told([this] { outbox_->tend(); });
+    look_for_file();
+    tell_waiting();
+}
+
+/// Rows in a file that is gone are delivered while the process lives.
+void Publisher::look_for_file() {
+    if (gone_ || outbox_->in_place()) return;
+    gone_ = true;
+    remark(outbox_error_text({OutboxError::Kind::moved, order_.outbox, {}}, texts_));
+}
+
+void Publisher::tell_waiting() {
     const qint64 waiting = outbox_->rows_waiting();
-    if (waiting > 0)
-        remark(QStringLiteral("rows that wait in the outbox %1 for the next start: %2")
-                   .arg(order_.outbox)
-                   .arg(waiting));
+    if (waiting == 0) return;
+    lost_ = lost_ || gone_;
+    const QString text =
+        gone_ ? QStringLiteral(
+                    "rows that were not delivered, and no start will: %2, in what was "
+                    "the outbox %1")
+              : QStringLiteral("rows that wait in the outbox %1 for the next start: %2");
+    remark(text.arg(order_.outbox).arg(waiting));
 }
 
 void Publisher::remark(const QString& text) const {

@@ -69,6 +69,8 @@ class Publisher {
              const std::function<QByteArray(qint64 milliseconds)>& line_at,
              const std::optional<LogPlace>& place);
     bool put_held();
+    void look_for_file();
+    void tell_waiting();
     void hold(Held line);
     void tell_set_back(qint64 now, qint64 milliseconds);
     void remark(const QString& text) const;
@@ -86,6 +88,7 @@ class Publisher {
     bool fault_told_ = false;
     bool set_back_told_ = false;
     bool dropping_told_ = false;
+    bool gone_ = false;  ///< the file of the outbox is not where it was
     bool lost_ = false;
 };
 
