@@ -157,8 +157,16 @@ void EngineTest::an_engine_that_comes_late_gets_everything() {
         alone.err.contains("rows are not delivered now") && alone.err.contains("next start: 2"),
         alone.err);
     QVERIFY(store->start());
+    // A start whose meter is away brings what waits.
+    QStringList without_meter = probe.stand.measuring(probe.options(*store, 1));
+    without_meter.removeAll("--create-database");
+    without_meter.replaceInStrings(QRegularExpression("^1=.*"), "1=/dev/no-such-meter");
+    QCOMPARE(probe.stand.remote.run(without_meter).status, 3);
+    QStringList wanted = logged_rows(probe.log());
+    QCOMPARE(wanted.size(), 2);
+    QCOMPARE(awaited_rows(*store, probe.name, wanted), wanted);
     QCOMPARE(probe.stand.measure(probe.options(*store, 1)).status, 0);
-    const QStringList wanted = logged_rows(probe.log());
+    wanted = logged_rows(probe.log());
     QCOMPARE(wanted.size(), 3);
     QCOMPARE(awaited_rows(*store, probe.name, wanted), wanted);
 }

@@ -383,6 +383,21 @@ void OptionsTest::no_file_of_an_option_is_written_over() {
     QCOMPARE(fault(options), QString("--log and --screenshot name the same file: here/new"));
     options.screenshot = "other";
     QCOMPARE(fault(options), QString());
+    options.screenshot.clear();
+    options.configuration = here.filePath("new");
+    QCOMPARE(fault(options), QString("--config and --log name the same file: new"));
+    options.configuration.clear();
+    options.trace = "new.outbox";
+    QCOMPARE(fault(options), QString());
+    options.publish.address = QUrl("http://127.0.0.1/write");
+    for (const char* name : {"new.outbox", "here/new.outbox-wal"}) {
+        options.trace = QLatin1String(name);
+        QCOMPARE(fault(options), "--trace names the outbox: " + options.trace);
+    }
+    options.log.clear();
+    options.publish.meter = "tower 3";
+    options.trace = "m47-tower_3.outbox";
+    QCOMPARE(fault(options), QString("--trace names the outbox: m47-tower_3.outbox"));
     options = {};
     options.import_database = "VKDM47_03.mdb";
     QCOMPARE(fault(options), QString("--import-database names the database: VKDM47_03.mdb"));

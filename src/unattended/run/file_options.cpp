@@ -9,6 +9,7 @@
 
 #include "database.h"
 #include "file_place.h"
+#include "publishing.h"
 #include "site_store.h"
 
 namespace m47::unattended {
@@ -20,8 +21,15 @@ struct NamedFile {
     QString path{};  ///< from the root
 };
 
+/// What the run itself keeps.
+struct Kept {
+    QString name;
+    const char* what;
+};
+
 QList<NamedFile> named_files(const Options& options, const QDir& folder) {
-    QList<NamedFile> files{{QStringLiteral("--log"), options.log},
+    QList<NamedFile> files{{QStringLiteral("--config"), options.configuration},
+                           {QStringLiteral("--log"), options.log},
                            {QStringLiteral("--publish-token-file"), options.publish.token_file},
                            {QStringLiteral("--screenshot"), options.screenshot},
                            {QStringLiteral("--trace"), options.trace},
@@ -60,18 +68,19 @@ bool is_kept_file(const QString& path, const QString& kept) {
 }  // namespace
 
 QString file_option_fault(const Options& options, const QString& base_dir) {
-    struct Kept {
-        const char* name;
-        const char* what;
+    const QDir folder(base_dir);
+    const std::array kept{
+        Kept{QLatin1String(db::kDatabaseFile), "the database"},
+        Kept{QLatin1String(sites::kSitesFile), "the file of sites"},
+        Kept{outbox_file(options, base_dir), "the outbox"},
     };
-    constexpr Kept kKept[] = {{db::kDatabaseFile, "the database"},
-                              {sites::kSitesFile, "the file of sites"}};
-    const QList<NamedFile> files = named_files(options, QDir(base_dir));
+    const QList<NamedFile> files = named_files(options, folder);
     for (qsizetype k = 0; k < files.size(); ++k) {
-        for (const Kept& kept : kKept)
-            if (is_kept_file(files[k].path, base_dir + QLatin1String(kept.name)))
+        for (const Kept& own : kept)
+            if (!own.name.isEmpty() &&
+                is_kept_file(files[k].path, folder.absoluteFilePath(own.name)))
                 return QStringLiteral("%1 names %2: %3")
-                    .arg(files[k].option, QLatin1String(kept.what), files[k].name);
+                    .arg(files[k].option, QLatin1String(own.what), files[k].name);
         for (qsizetype other = 0; other < k; ++other)
             if (lead_to_one_file(files[k].path, files[other].path))
                 return QStringLiteral("%1 and %2 name the same file: %3")

@@ -210,6 +210,7 @@ QString check_with(const Configuration& configuration, const QStringList& argume
                    const Offer& offer) {
     Options options;
     const QString fault = read_with(configuration, arguments, offer, options);
+    options.configuration = configuration.file;
     const QDir folder(QDir(offer.folder).absoluteFilePath(asked_folder(options)));
     return fault.isEmpty() ? file_option_fault(options, folder_with_separator(folder.path()))
                            : fault;

@@ -58,13 +58,17 @@ QString file_of_meter(const QString& folder, QString meter) {
 
 }  // namespace
 
+QString outbox_file(const Options& options, const QString& folder) {
+    if (options.publish.address.isEmpty()) return {};
+    return options.log.isEmpty() ? file_of_meter(folder, station_of(options).meter)
+                                 : options.log + QStringLiteral(".outbox");
+}
+
 publish::PublishOrder Publishing::order(const QString& folder) const {
     const publish::Station station = station_of(options_);
-    const QString& log = options_.log;
     return {.station = station,
-            .outbox = log.isEmpty() ? file_of_meter(folder, station.meter)
-                                    : log + QStringLiteral(".outbox"),
-            .log = log,
+            .outbox = outbox_file(options_, folder),
+            .log = options_.log,
             .limit = options_.publish.limit};
 }
 

@@ -17,8 +17,14 @@
 
 namespace m47::unattended {
 
-/// How long an engine is waited for in the end, in seconds.
+/// How long an engine is waited for in the end, in seconds, and where a run goes on with another
+/// outbox.
 inline constexpr double kLongestEngineWait = 10;
+inline constexpr double kLongestHandover = 2;
+
+/// The outbox of a run that publishes, beside its log, else in `folder`; empty for one that does
+/// not.
+QString outbox_file(const Options& options, const QString& folder);
 
 /// The rows of a run with nobody at the screen on their way to an engine. Without an address it
 /// does nothing, and loads nothing.

@@ -500,6 +500,15 @@ void record_line(Run& run) {
     if (!run.options.trace.isEmpty()) run.recording.start(run.options.trace);
 }
 
+/// One that goes on opens its outbox again: nothing is left in another one without a word.
+void end_publishing(Run& run) {
+    const auto told = [] { return platform::times_told_to_end() > 1; };
+    if (!run.next) return run.publishing.finish(kLongestEngineWait, told);
+    const QString& folder = run.state.base_dir;
+    if (outbox_file(*run.next, folder) != outbox_file(run.options, folder))
+        run.publishing.finish(kLongestHandover, told);
+}
+
 int end_part(Run& run, RunSoFar& so_far) {
     g_progress_line.clear();
     if (!run.next) run.service.stopping();
@@ -507,9 +516,7 @@ int end_part(Run& run, RunSoFar& so_far) {
     if (!run.next || run.next->visit.site != run.options.visit.site)
         run.visit.end(run.connection.link().clock().date_time());
     if (!run.next) write_screenshot(run);
-    // One that goes on opens the outbox again.
-    if (!run.next)
-        run.publishing.finish(kLongestEngineWait, [] { return platform::times_told_to_end() > 1; });
+    end_publishing(run);
     run.output.finish(kLongestReaderWait, [] { return platform::times_told_to_end() > 1; });
     run.file_lost = run.file_lost || run.output.lost() || run.recording.lost() ||
                     run.visit.lost() || run.publishing.lost();
@@ -541,7 +548,10 @@ int run_part(ProgramState& state, db::Database& database, MeterConnection& conne
     run.publishing.open(connection.link().clock(), state.base_dir);
     try {
         int status = kGood;
-        if (!prepare(run, status)) return status;
+        if (!prepare(run, status)) {
+            end_publishing(run);
+            return status;
+        }
         if (options.plan.isEmpty())
             measure_rows(run);
         else
@@ -552,6 +562,8 @@ int run_part(ProgramState& state, db::Database& database, MeterConnection& conne
     } catch (const Fault& fault) {
         complain(fault.text(state.texts));
         run.visit.end(connection.link().clock().date_time());
+        run.next.reset();
+        end_publishing(run);
         return kDatabase;
     }
     return end_part(run, so_far);
