@@ -97,6 +97,7 @@ void ManagedTest::faults_have_their_line_data() {
         ":3: --port takes N=DEVICE with N from 1 to 10, not \"x\"");
     row("given twice", "on-port = 1\nevery = 1\nevery = 2\n",
         ":3: --every is given twice, as \"1\" and as \"2\"");
+    row("no text", "on-port = 1\nsite = Sole \xE8\n", ":2: the line is no text in UTF-8");
     row("not together", "on-port = 1\n\npasses = 3\n", ":3: --passes needs --plan");
     row("of the windows", "on-port = 1\nscreenshot = a.png\n",
         ":2: --screenshot does not go with m47-probe");

@@ -2,6 +2,7 @@
 #include "configuration.h"
 
 #include <QRegularExpression>
+#include <QStringDecoder>
 #include <algorithm>
 
 #include "option_list.h"
@@ -124,11 +125,14 @@ Configuration read_configuration(const QString& path, const Offer& offer) {
     }
     QCommandLineParser parser;
     add_options(parser, offer);
-    const QStringList lines = QString::fromUtf8(file.bytes).split(u'\n');
+    const QByteArrayList lines = file.bytes.split('\n');
     for (int number = 1; number <= lines.size(); ++number) {
-        const QString text = lines[number - 1].trimmed();
+        QStringDecoder decode(QStringDecoder::Utf8, QStringConverter::Flag::Stateless);
+        const QString text = QString(decode(lines[number - 1])).trimmed();
         if (text.isEmpty() || text.startsWith(u'#') || text.startsWith(u';')) continue;
-        const QString fault = read_line(text, parser, {number, {}, {}, false}, read);
+        const bool is_text = !decode.hasError() && !text.contains(QChar::Null);
+        const QString fault = is_text ? read_line(text, parser, {number, {}, {}, false}, read)
+                                      : QStringLiteral("the line is no text in UTF-8");
         if (fault.isEmpty()) continue;
         read.faults.push_back(fault_at(path, number, fault));
     }
