@@ -124,12 +124,25 @@ void PublishTest::addresses() {
 
 void PublishTest::secrets_are_refused_in_an_address() {
     for (const char* given : {"http://me:secret@h/", "http://secret@h/", "http://h/write?p=secret",
-                              "http://h/write?db=x&TOKEN=secret", "http://h/w?u=me&p=secret"}) {
+                              "http://h/write?db=x&TOKEN=secret", "http://h/w?u=me&p=secret",
+                              "http://h/w?access_token=secret", "http://h/w?api_key=secret"}) {
         QString error;
         QVERIFY(publish_address(given, error).isEmpty());
         QVERIFY2(error.contains("--publish-token-file"), qPrintable(error));
         QVERIFY2(!error.contains("secret"), qPrintable(error));
     }
+}
+
+/// The lines have nanoseconds, whatever an address says.
+void PublishTest::another_precision_is_refused_in_an_address() {
+    QString error;
+    for (const char* given : {"http://h/write?precision=ms", "http://h/write?db=x&precision=s",
+                              "http://h/write?precision="}) {
+        QVERIFY(publish_address(given, error).isEmpty());
+        QVERIFY2(error.contains("nanoseconds"), qPrintable(error));
+    }
+    QVERIFY(!publish_address("http://h/write?db=x&precision=ns", error).isEmpty());
+    QVERIFY(publish_address("http://h:0/write", error).isEmpty());
 }
 
 void PublishTest::secrets() {

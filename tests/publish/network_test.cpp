@@ -84,6 +84,7 @@ class NetworkTest : public QObject {
     void without_an_event_loop_nothing_stays();
     void a_date_to_try_again_data();
     void a_date_to_try_again();
+    void a_page_without_an_end_is_not_waited_for();
     void nothing_listens();
     void a_server_that_says_nothing_holds_nothing_up();
     void a_certificate_that_does_not_verify();
@@ -113,6 +114,21 @@ void NetworkTest::without_an_event_loop_nothing_stays() {
         QVERIFY2(now <= held, qPrintable(QString::number(now)));
         QVERIFY(sender->findChildren<QNetworkReply*>().isEmpty());
     }
+}
+
+void NetworkTest::a_page_without_an_end_is_not_waited_for() {
+    QTcpServer listening;
+    ScriptedServer server(listening);
+    server.answer =
+        "HTTP/1.1 500 Fault\r\nContent-Length: 100000000\r\n\r\nwhy: " + QByteArray(1000000, 'x');
+    const auto answer = ask(*sender_, server.address("http"));
+    QVERIFY(answer);
+    QCOMPARE(answer->status, 500);
+    QVERIFY(answer->words.startsWith("why: x") && answer->words.size() <= 400);
+    server.request.clear();
+    server.answer = "HTTP/1.1 204 No Content\r\n\r\n";
+    const auto next = ask(*sender_, server.address("http"));
+    QVERIFY(next && next->status == 204);
 }
 
 void NetworkTest::a_date_to_try_again_data() {

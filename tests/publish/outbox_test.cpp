@@ -106,6 +106,22 @@ void PublishTest::what_is_acknowledged_is_no_loss() {
     QCOMPARE(outbox->rows_waiting(), 1000);
 }
 
+/// With rows so long that a few fill it, those that were not sent are not dropped with the sent.
+void PublishTest::no_more_is_dropped_than_has_to() {
+    const auto outbox = opened(path(), kLittleRoom);
+    constexpr int kLong = 100000;
+    for (int row = 1; row <= 60; ++row) {
+        add_rows(*outbox, 1, kLong);
+        outbox->acknowledge(row - 2);
+        QCOMPARE(outbox->rows_dropped(), 0);
+        QCOMPARE(outbox->batch(row - 2, 9, 10 * kLong).lines, std::min(row, 2));
+    }
+    add_rows(*outbox, 30, kLong);
+    const qint64 kept = outbox->rows_waiting();
+    QVERIFY2(kept >= 7 && kept * kLong <= kLittleRoom, qPrintable(QString::number(kept)));
+    QCOMPARE(outbox->rows_dropped(), 32 - kept);
+}
+
 void PublishTest::one_process_has_the_outbox() {
     const auto outbox = opened(path());
     add_rows(*outbox, 1);

@@ -34,6 +34,7 @@ class PublishTest : public QObject {
     void addresses_data();
     void addresses();
     void secrets_are_refused_in_an_address();
+    void another_precision_is_refused_in_an_address();
     void secrets();
     void limits_data();
     void limits();
@@ -43,6 +44,7 @@ class PublishTest : public QObject {
     void times_only_grow();
     void a_full_outbox_drops_its_oldest();
     void what_is_acknowledged_is_no_loss();
+    void no_more_is_dropped_than_has_to();
     void one_process_has_the_outbox();
     void an_unusable_outbox_is_told_data();
     void an_unusable_outbox_is_told();

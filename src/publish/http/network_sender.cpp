@@ -11,7 +11,8 @@
 namespace m47::publish {
 namespace {
 
-constexpr qint64 kMostWords = 400;  // bytes of what an engine says
+constexpr qint64 kMostWords = 400;   // bytes of what an engine says
+constexpr qint64 kMostHeld = 16384;  // the same, of a page without an end
 
 /// Seconds, or a date in the form that HTTP has for it, which mail does not know.
 std::optional<double> retry_after(const QNetworkReply& reply) {
@@ -61,12 +62,14 @@ void NetworkSender::post(const QByteArray& body) {
     if (!target_.authorization.isEmpty())
         request.setRawHeader("Authorization", target_.authorization);
     reply_.reset(manager_.post(request, body));
+    reply_->setReadBufferSize(kMostHeld);
 }
 
 std::optional<HttpAnswer> NetworkSender::answer() {
-    if (!reply_ || !reply_->isFinished()) return {};
+    if (!reply_) return {};
+    if (!reply_->isFinished() && reply_->bytesAvailable() < kMostHeld) return {};
     HttpAnswer answer = answer_of(*reply_);
-    forget();
+    give_up();
     return answer;
 }
 

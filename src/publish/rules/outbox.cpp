@@ -49,6 +49,7 @@ class Outbox::File {
     void write_facts();
     qint64 insert(LineKind kind, qint64 milliseconds, const QByteArray& line);
     bool over_limit();
+    qint64 oldest_to_drop();
     void drop_oldest();
     void make_room();
     qint64 rows_between(qint64 after, qint64 last) { return number(count_, {after, last}); }
@@ -122,9 +123,16 @@ bool Outbox::File::over_limit() {
     return (number(pages_) - number(free_pages_)) * number(page_size_) > limit_;
 }
 
+/// Up to which id the oldest go at once. What an engine has acknowledged is no loss; of the others
+/// no more than has to.
+qint64 Outbox::File::oldest_to_drop() {
+    const qint64 oldest = number(oldest_ids_, {1});
+    if (oldest > facts.acknowledged) return oldest;
+    return std::min(number(oldest_ids_, {kDroppedAtOnce}), facts.acknowledged);
+}
+
 void Outbox::File::drop_oldest() {
-    const qint64 last = number(oldest_ids_, {kDroppedAtOnce});
-    // What an engine has acknowledged is no loss.
+    const qint64 last = oldest_to_drop();
     const qint64 lost = rows_between(facts.acknowledged, last);
     facts.dropped += lost;
     waiting -= lost;

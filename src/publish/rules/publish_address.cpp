@@ -14,13 +14,26 @@ constexpr qint64 kLongestSecret = 16384;  // bytes of its file
 
 /// Keys that engines take a secret by.
 bool holds_secret(const QUrl& url) {
-    static const QStringList kSecrets{QStringLiteral("u"),       QStringLiteral("p"),
-                                      QStringLiteral("user"),    QStringLiteral("token"),
-                                      QStringLiteral("authKey"), QStringLiteral("password")};
+    static const QStringList kSecrets{QStringLiteral("u"),
+                                      QStringLiteral("p"),
+                                      QStringLiteral("user"),
+                                      QStringLiteral("token"),
+                                      QStringLiteral("authKey"),
+                                      QStringLiteral("password"),
+                                      QStringLiteral("access_token"),
+                                      QStringLiteral("api_key")};
     const auto items = QUrlQuery(url).queryItems();
     return std::any_of(items.begin(), items.end(), [](const auto& item) {
         return kSecrets.contains(item.first, Qt::CaseInsensitive);
     });
+}
+
+/// An engine that takes nanoseconds for another unit drops all rows, and says that it took them.
+bool has_other_precision(const QUrl& url) {
+    const QString name = QStringLiteral("precision");
+    const QString precision = QUrlQuery(url).queryItemValue(name);
+    return QUrlQuery(url).hasQueryItem(name) && precision != QLatin1String("ns") &&
+           precision != QLatin1String("n");
 }
 
 QString fault_of(const QUrl& url) {
@@ -30,9 +43,12 @@ QString fault_of(const QUrl& url) {
             "--publish-token-file or into M47_PUBLISH_TOKEN");
     const bool web =
         url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https");
-    if (!url.isValid() || !web || url.host().isEmpty() || url.hasFragment())
+    if (!url.isValid() || !web || url.host().isEmpty() || url.hasFragment() || url.port() == 0)
         return QStringLiteral(
             "--publish takes an address such as http://host:8428/write or https://host/path");
+    if (has_other_precision(url))
+        return QStringLiteral(
+            "--publish sends times in nanoseconds: an address takes precision=ns or none");
     return {};
 }
 
