@@ -73,7 +73,9 @@ class ComparisonTest : public QObject {
         row("from the edge", Quantity::mer, "<2.0", "2.0", "≥0.0", "no less", "non meno");
         row("both below", Quantity::ber, "<1.0E-8", "<1.0E-8", "–", "", "");
         row("both below, differently", Quantity::level, "<20.0", "<25.0", "–", "", "");
-        row("no wrong bit", Quantity::ber, "0", "1.0E-6", "–", "", "");
+        row("no wrong bit", Quantity::ber, "0", "1.0E-6", "≥+2.0", "at least 2.0 decades worse",
+            "almeno peggiore di 2.0 decadi");
+        row("no wrong bit twice", Quantity::ber, "0", "<1.0E-8", "–", "", "");
         row("not measured then", Quantity::mer, "", "9.0", "–", "", "");
         row("not measured now", Quantity::mer, "9.0", "ERROR", "–", "", "");
     }
@@ -167,8 +169,8 @@ class ComparisonTest : public QObject {
     void a_program_is_told_by_its_number_and_else_by_its_frequency() {
         const VisitMeasurement plan = measured("001", {{Quantity::mer, "12"}});
         const VisitMeasurement tuned = measured("001", {{Quantity::mer, "12"}}, 11836.0F);
-        QVERIFY(only(plan, tuned).is_elsewhere());
-        QVERIFY(!only(plan, plan).is_elsewhere());
+        QVERIFY(only(plan, tuned).meaning == Meaning::elsewhere);
+        QVERIFY(only(plan, plan).meaning == Meaning::same);
         const VisitMeasurement log = measured("", {{Quantity::mer, "10"}});
         for (const auto& [then, now] : {std::pair{log, plan}, std::pair{plan, log}}) {
             const auto found = only(then, now);
@@ -180,6 +182,43 @@ class ComparisonTest : public QObject {
         const VisitMeasurement other = measured("002", {{Quantity::mer, "12"}});
         QCOMPARE(told(compare_visits({log}, {plan, other})),
                  QStringList({" not measured now", "001 new", "002 new"}));
+    }
+
+    /// The plan has changed: what its number was then says nothing of what it is now.
+    void another_transponder_under_the_number_is_not_compared() {
+        const auto row = [](const char* number, const char* mer, float mhz) {
+            return measured(number, {{Quantity::level, mer}, {Quantity::mer, mer}}, mhz);
+        };
+        const auto swapped = compare_visits({row("001", "14", 11778), row("002", "9", 11300)},
+                                            {row("001", "9", 11300), row("002", "14", 11778)});
+        QCOMPARE(told(swapped),
+                 QStringList({"001 another transponder", "002 another transponder"}));
+        QVERIFY(!swapped[0].change(Quantity::mer) && !fall_of(swapped[0]));
+        // A retuned LNB is none.
+        QVERIFY(only(row("001", "14", 11778), row("001", "9", 11780.5F)).meaning == Meaning::worse);
+        // One of two under a number in one visit counts beside the other, and is found again.
+        const std::vector<VisitMeasurement> both{row("001", "14", 11778), row("001", "9", 11300),
+                                                 row("001", "13.9", 11778)};
+        const std::vector<VisitMeasurement> last = counting(both);
+        QCOMPARE(last.size(), std::size_t{2});
+        QCOMPARE(last[0].id, both[2].id);
+        QCOMPARE(last[1].id, both[1].id);
+        QCOMPARE(told(compare_visits(both, {row("001", "9", 11300), row("001", "10", 11778)})),
+                 QStringList({"001 worse", "001 same"}));
+        QCOMPARE(told(compare_visits({row("001", "9", 11300)}, both)),
+                 QStringList({"001 same", "001 new"}));
+    }
+
+    void what_is_not_comparable_now_is_known_as_that() {
+        VisitMeasurement now = measured("001", {{Quantity::level, "40"}, {Quantity::mer, "12"}});
+        const auto then = measured(
+            "001", {{Quantity::level, "60"}, {Quantity::mer, "12"}, {Quantity::ber, "1E-6"}});
+        now.measurement.unit.reset();
+        const ProgramComparison found = only(then, now);
+        QVERIFY(found.meaning == Meaning::same);
+        QVERIFY(found.is_unknown(Quantity::level) && found.is_unknown(Quantity::ber));
+        QVERIFY(!found.is_unknown(Quantity::mer) && !found.is_unknown(Quantity::cn));
+        QVERIFY(!only(then, then).is_unknown(Quantity::level));
     }
 
     void the_margin_above_the_alarm_minimum() {

@@ -353,6 +353,15 @@ class StoreTest : public QObject {
         const auto level = series[0].measurement.reading(measurement::Quantity::level).value;
         QCOMPARE(QString::number(level, 'f', 1), QStringLiteral("167.1"));
         QVERIFY(visit_series({}).empty());
+        // A level without a unit has no place on that axis, its MER has.
+        rows[1].measurement.unit.reset();
+        const std::vector<VisitMeasurement> mixed = visit_series(rows);
+        QCOMPARE(mixed.size(), 2U);
+        QVERIFY(!mixed[0].measurement.reading(measurement::Quantity::level).measured());
+        QVERIFY(mixed[0].measurement.reading(measurement::Quantity::mer).measured());
+        // Under its number it was another transponder then.
+        rows[1].measurement.frequency = *rows[3].measurement.frequency + 40;
+        QCOMPARE(visit_series(rows).size(), 1U);
     }
 
     void one_store_is_shared_and_opened_when_it_is_needed() {

@@ -10,12 +10,15 @@
 #include "letterhead.h"
 #include "letterhead_dialog.h"
 #include "sample_year.h"
+#include "site_samples.h"
 #include "sites_support.h"
 #include "visit_report_file.h"
 #include "visit_report_form.h"
 #include "visit_report_texts.h"
 
 namespace m47::sites {
+
+using measurement::Quantity;
 
 class VisitReportTest : public QObject {
     Q_OBJECT
@@ -162,6 +165,46 @@ class VisitReportTest : public QObject {
         QCOMPARE(lines.size(), 1);
         QCOMPARE(lines[0].text, QString("Within their limits: all 8 programs."));
         QCOMPARE(lines[0].tone, report::CellTone::good);
+    }
+
+    /// The good sentence claims no more than was compared.
+    void what_could_not_be_compared_is_named() {
+        const auto row = [](const char* number, const char* level, const char* mer,
+                            float mhz = 11778.0F) {
+            VisitMeasurement made =
+                measured(number, {{Quantity::level, level}, {Quantity::mer, mer}}, mhz);
+            made.measurement.verdict = measurement::Verdict::pass;
+            return made;
+        };
+        const auto told = [this](const std::vector<VisitMeasurement>& then,
+                                 const std::vector<VisitMeasurement>& now, const Texts& texts) {
+            ReportedVisit visit{.visit = {}, .rows = counting(now)};
+            visit.before = store_->visits(rossi_.id).front();
+            visit.before->begun = {0, 0};
+            visit.compared = compare_visits(then, now);
+            QStringList words;
+            for (const VerdictLine& line : verdict_of(visit, texts))
+                words += line.text + (line.tone == report::CellTone::good ? " +" : "");
+            return words;
+        };
+        QCOMPARE(told({row("001", "60", "12")}, {row("001", "60", "12")}, english_),
+                 QStringList({"Within its limits: the one program. +",
+                              "Nothing got worse since 1970-01-01 00:00. +"}));
+        VisitMeasurement no_unit = row("001", "40", "12");
+        no_unit.measurement.unit.reset();
+        QCOMPARE(told({row("001", "60", "12"), row("002", "60", "12")},
+                      {no_unit, row("002", "60", "")}, english_),
+                 QStringList({"Within their limits: all 2 programs. +",
+                              "Read on 1970-01-01 00:00 and not comparable now: ASTRA 001 (Level), "
+                              "ASTRA 002 (MER).",
+                              "Nothing of what was compared got worse since 1970-01-01 00:00. +"}));
+        QCOMPARE(told({row("001", "60", "12"), row("002", "60", "12")},
+                      {row("001", "60", "12", 11300), row("002", "57", "9")}, italian_),
+                 QStringList({"Entro i limiti: tutti i 2 programmi. +",
+                              "Peggiorati rispetto al 1970-01-01 00:00: ASTRA 002 (MER 3.0 dB in "
+                              "meno, Livello 3.0 dB in meno).",
+                              "Su un altro transponder rispetto al 1970-01-01 00:00, e non "
+                              "confrontati: ASTRA 001."}));
     }
 
     void the_tables_say_what_was_before_and_what_is_left() {

@@ -30,6 +30,8 @@ constexpr Bilingual kNothingBefore{"no earlier visit", "nessuna visita precedent
 constexpr Bilingual kNoneMeasured{"Nothing was measured.", "Non è stato misurato nulla."};
 constexpr Bilingual kAllPass{"Within their limits: all %1 programs.",
                              "Entro i limiti: tutti i %1 programmi."};
+constexpr Bilingual kOnePasses{"Within its limits: the one program.",
+                               "Entro i limiti: l'unico programma."};
 constexpr Bilingual kSomeFail{"Outside their limits: %1 of %2 programs: %3.",
                               "Fuori dai limiti: %1 programmi su %2: %3."};
 constexpr Bilingual kUnjudged{"Measured without limits: %1 of %2 programs.",
@@ -37,7 +39,13 @@ constexpr Bilingual kUnjudged{"Measured without limits: %1 of %2 programs.",
 constexpr Bilingual kNowLost{"No reading any more since %1: %2.", "Senza più lettura dal %1: %2."};
 constexpr Bilingual kNowWorse{"Worse than on %1: %2.", "Peggiorati rispetto al %1: %2."};
 constexpr Bilingual kNowUnasked{"Not measured this time: %1.", "Non misurati questa volta: %1."};
+constexpr Bilingual kNowElsewhere{"On another transponder than on %1, and not compared: %2.",
+                                  "Su un altro transponder rispetto al %1, e non confrontati: %2."};
+constexpr Bilingual kNotCompared{"Read on %1 and not comparable now: %2.",
+                                 "Letti il %1 e ora non confrontabili: %2."};
 constexpr Bilingual kNoneWorse{"Nothing got worse since %1.", "Nulla è peggiorato dal %1."};
+constexpr Bilingual kNoneKnownWorse{"Nothing of what was compared got worse since %1.",
+                                    "Nulla di ciò che è stato confrontato è peggiorato dal %1."};
 constexpr Bilingual kAndMore{"%1 and %2 more", "%1 e altri %2"};
 
 constexpr Bilingual kBeforeCaption{"Before and after", "Prima e dopo"};
@@ -85,18 +93,42 @@ QString short_name(const measurement::SeriesKey& key) {
     return key.program.known() ? key.program.text() : key.name();
 }
 
-/// "ROSSI 001 (MER 4.8 dB less)".
+/// "ROSSI 001 (MER 4.8 dB less, level 5.0 dB less)".
 QString worse_words(const ProgramComparison& program, const Texts& texts) {
+    QStringList fallen;
     for (const Quantity quantity : {Quantity::mer, Quantity::level, Quantity::cn, Quantity::ber}) {
         const auto& change = program.change(quantity);
         if (!change) continue;
         const Change loss = loss_of(quantity, *change);
         if (!loss.least || *loss.least < threshold_of(quantity, {})) continue;
-        return QStringLiteral("%1 (%2 %3)")
-            .arg(short_name(program.key), quantity_text(quantity, texts),
-                 change_words(quantity, change, texts));
+        fallen += quantity_text(quantity, texts) + u' ' + change_words(quantity, change, texts);
     }
-    return short_name(program.key);
+    const QString name = short_name(program.key);
+    return fallen.isEmpty() ? name : QStringLiteral("%1 (%2)").arg(name, fallen.join(", "));
+}
+
+/// "ROSSI 001 (MER)": what a program that did not get worse is not known to have kept.
+QString unknown_words(const ProgramComparison& program, const Texts& texts) {
+    QStringList unknown;
+    for (const Quantity quantity : {Quantity::mer, Quantity::level, Quantity::cn, Quantity::ber})
+        if (program.is_unknown(quantity)) unknown += quantity_text(quantity, texts);
+    return QStringLiteral("%1 (%2)").arg(short_name(program.key), unknown.join(", "));
+}
+
+bool is_no_worse(const ProgramComparison& program) {
+    return program.meaning == Meaning::same || program.meaning == Meaning::better;
+}
+
+bool has_unknown(const ProgramComparison& program) {
+    const bool judged = is_no_worse(program) || program.meaning == Meaning::incomparable;
+    return judged && std::ranges::find(program.unknown, true) != program.unknown.end();
+}
+
+QStringList names_of_unknown(const ReportedVisit& visit, const Texts& texts) {
+    QStringList names;
+    for (const ProgramComparison& each : visit.compared)
+        if (has_unknown(each)) names += unknown_words(each, texts);
+    return names;
 }
 
 QStringList names_of(const ReportedVisit& visit, Meaning meaning, const Texts& texts) {
@@ -117,7 +149,8 @@ void add_limits(QList<VerdictLine>& lines, const ReportedVisit& visit, const Tex
             Said{kSomeFail, {QString::number(failed.size()), all, listed(failed, texts)}}.in(texts),
             CellTone::bad};
     else if (visit.count(Verdict::pass) == visit.rows.size())
-        lines += {Said{kAllPass, {all}}.in(texts), CellTone::good};
+        lines += {visit.rows.size() == 1 ? texts.pick(kOnePasses) : Said{kAllPass, {all}}.in(texts),
+                  CellTone::good};
     if (const std::size_t none = visit.count(Verdict::none); none > 0)
         lines += {Said{kUnjudged, {QString::number(none), all}}.in(texts), CellTone::plain};
 }
@@ -127,17 +160,24 @@ void add_changes(QList<VerdictLine>& lines, const ReportedVisit& visit, const Te
     const QStringList lost = names_of(visit, Meaning::lost, texts);
     const QStringList worse = names_of(visit, Meaning::worse, texts);
     const QStringList unasked = names_of(visit, Meaning::unasked, texts);
+    const QStringList elsewhere = names_of(visit, Meaning::elsewhere, texts);
+    const QStringList unknown = names_of_unknown(visit, texts);
     if (!lost.isEmpty())
         lines += {Said{kNowLost, {since, listed(lost, texts)}}.in(texts), CellTone::bad};
     if (!worse.isEmpty())
         lines += {Said{kNowWorse, {since, listed(worse, texts)}}.in(texts), CellTone::bad};
     if (!unasked.isEmpty())
         lines += {Said{kNowUnasked, {listed(unasked, texts)}}.in(texts), CellTone::doubtful};
-    const bool is_known = std::ranges::any_of(visit.compared, [](const ProgramComparison& each) {
-        return each.meaning == Meaning::same || each.meaning == Meaning::better;
-    });
-    if (lost.isEmpty() && worse.isEmpty() && is_known)
-        lines += {Said{kNoneWorse, {since}}.in(texts), CellTone::good};
+    if (!elsewhere.isEmpty())
+        lines +=
+            {Said{kNowElsewhere, {since, listed(elsewhere, texts)}}.in(texts), CellTone::doubtful};
+    if (!unknown.isEmpty())
+        lines +=
+            {Said{kNotCompared, {since, listed(unknown, texts)}}.in(texts), CellTone::doubtful};
+    if (!lost.isEmpty() || !worse.isEmpty() || !std::ranges::any_of(visit.compared, is_no_worse))
+        return;
+    const bool all_known = elsewhere.isEmpty() && unknown.isEmpty();
+    lines += {Said{all_known ? kNoneWorse : kNoneKnownWorse, {since}}.in(texts), CellTone::good};
 }
 
 CellTone paper_tone(Tone tone) {

@@ -24,6 +24,7 @@ constexpr Bilingual kNoWorse{"no worse", "non peggiore"};
 
 /// Readings and changes are told in tenths: what differs by less is the same.
 constexpr double kShown = 0.05;
+constexpr double kLeastRate = 1e-8;
 
 /// Where a value can lie; a side that is open is nothing.
 struct Span {
@@ -34,11 +35,12 @@ struct Span {
 std::optional<Span> span_of(Quantity quantity, const Reading& reading) {
     if (!reading.measured()) return {};
     const bool rate = measurement::is_error_rate(quantity);
-    if (rate && reading.value <= 0) return {};
-    const auto number = static_cast<double>(reading.value);
+    // Without a wrong bit it is as the meter tells the least it can: "<1.0E-8".
+    const bool none_wrong = rate && reading.value <= 0;
+    const double number = none_wrong ? kLeastRate : static_cast<double>(reading.value);
     const double value = rate ? std::log10(number) : number;
     Span span{value, value};
-    if (reading.mark == RangeMark::below) span.least.reset();
+    if (reading.mark == RangeMark::below || none_wrong) span.least.reset();
     if (reading.mark == RangeMark::above) span.most.reset();
     return span;
 }

@@ -28,8 +28,8 @@ struct Change {
 };
 
 /// The change between two readings of `quantity`; nothing where one was not measured, where both
-/// lay beyond the same end of the range, or where it can be anything. A bit error rate of 0 is no
-/// number of decades.
+/// lay beyond the same end of the range, or where it can be anything. A bit error rate of 0 lies
+/// below the range.
 std::optional<Change> change_between(measurement::Quantity quantity,
                                      const measurement::Reading& earlier,
                                      const measurement::Reading& later);

@@ -139,8 +139,8 @@ TableCell margin_cell(const std::optional<measurement::Margin>& margin) {
 }
 
 TableCell meaning_cell(const ProgramComparison& program, const Texts& texts) {
-    static constexpr std::array kTones{Tone::bad,   Tone::bad,  Tone::doubtful, Tone::doubtful,
-                                       Tone::plain, Tone::good, Tone::good};
+    static constexpr std::array kTones{Tone::bad,      Tone::bad,   Tone::doubtful, Tone::doubtful,
+                                       Tone::doubtful, Tone::plain, Tone::good,     Tone::good};
     const auto place = static_cast<std::size_t>(program.meaning);
     // Within a meaning by what is behind it, which is far below the number of thresholds here.
     constexpr double kMostBadness = 1e6;

@@ -19,10 +19,11 @@ struct MeaningWords {
     Bilingual words;
 };
 
-constexpr std::array<MeaningWords, 7> kMeanings{{
+constexpr std::array<MeaningWords, 8> kMeanings{{
     {Meaning::lost, {"lost", "perso"}},
     {Meaning::worse, {"worse", "peggiore"}},
     {Meaning::incomparable, {"not comparable", "non confrontabile"}},
+    {Meaning::elsewhere, {"another transponder", "altro transponder"}},
     {Meaning::unasked, {"not measured now", "ora non misurato"}},
     {Meaning::same, {"same", "uguale"}},
     {Meaning::better, {"better", "migliore"}},
@@ -32,7 +33,7 @@ constexpr std::array<MeaningWords, 7> kMeanings{{
 /// Further away it is another transponder, MHz; less is fine tuning.
 constexpr float kFineTuning = 3;
 
-using Places = std::unordered_map<SeriesKey, std::size_t, measurement::SeriesKeyHash>;
+using Places = std::unordered_multimap<SeriesKey, std::size_t, measurement::SeriesKeyHash>;
 
 bool received(const std::optional<VisitMeasurement>& one) {
     return one && std::ranges::any_of(one->measurement.readings,
@@ -108,13 +109,14 @@ void compare_readings(ProgramComparison& program, const Thresholds& thresholds) 
         const Quantity quantity = kComparedQuantities[k];
         const auto both =
             comparable(quantity, program.earlier->measurement, program.later->measurement);
-        if (!both) continue;
-        program.changes[k] = change_between(quantity, both->first, both->second);
+        if (both) program.changes[k] = change_between(quantity, both->first, both->second);
         if (program.changes[k])
             judgement.take(loss_of(quantity, *program.changes[k]),
                            threshold_of(quantity, thresholds));
-        else if (identical(*both))
+        else if (both && identical(*both))
             judgement.take_identical();
+        else
+            program.unknown[k] = program.earlier->measurement.reading(quantity).measured();
     }
     program.meaning = judgement.meaning();
     program.badness = judgement.badness();
@@ -123,7 +125,10 @@ void compare_readings(ProgramComparison& program, const Thresholds& thresholds) 
 void judge(ProgramComparison& program, const Thresholds& thresholds) {
     const bool then = received(program.earlier);
     const bool now = received(program.later);
-    if (then && now)
+    if (program.earlier && program.later &&
+        is_elsewhere(program.earlier->measurement, program.later->measurement))
+        program.meaning = Meaning::elsewhere;
+    else if (then && now)
         compare_readings(program, thresholds);
     else if (then)
         program.meaning = program.later ? Meaning::lost : Meaning::unasked;
@@ -133,11 +138,11 @@ void judge(ProgramComparison& program, const Thresholds& thresholds) {
         program.meaning = program.later ? Meaning::incomparable : Meaning::unasked;
 }
 
-/// As their program_key() says, without making any.
+/// As their program_key() says, without making any, and of one transponder.
 bool same_program(const Measurement& one, const Measurement& other) {
     if (!(one.program == other.program)) return false;
-    return one.program.known() ||
-           (one.frequency == other.frequency && one.oscillator == other.oscillator);
+    if (one.program.known()) return !is_elsewhere(one, other);
+    return one.frequency == other.frequency && one.oscillator == other.oscillator;
 }
 
 /// Those of `visit` that count, where they are. A measurement is large: it is not copied for each
@@ -145,15 +150,20 @@ bool same_program(const Measurement& one, const Measurement& other) {
 std::vector<const VisitMeasurement*> last_of_each(const std::vector<VisitMeasurement>& visit) {
     std::vector<const VisitMeasurement*> last;
     Places places;
+    const auto place_of = [&](const VisitMeasurement& one) {
+        SeriesKey key = program_key(one);
+        const auto [from, to] = places.equal_range(key);
+        for (auto met = from; met != to; ++met)
+            if (same_program(last[met->second]->measurement, one.measurement)) return met->second;
+        places.emplace(std::move(key), last.size());
+        last.push_back(&one);
+        return last.size() - 1;
+    };
     std::size_t expected = 0;
     for (const VisitMeasurement& one : visit) {
         // A pass goes through its programs in the order of the pass before.
-        if (expected >= last.size() ||
-            !same_program(last[expected]->measurement, one.measurement)) {
-            const auto [place, is_new] = places.try_emplace(program_key(one), last.size());
-            if (is_new) last.push_back(nullptr);
-            expected = place->second;
-        }
+        if (expected >= last.size() || !same_program(last[expected]->measurement, one.measurement))
+            expected = place_of(one);
         last[expected] = &one;
         expected = (expected + 1) % last.size();
     }
@@ -169,24 +179,35 @@ class Pairing {
         rows.reserve(earlier.size());
         for (const VisitMeasurement* one : earlier) {
             SeriesKey key = program_key(*one);
-            places_.try_emplace(key, rows.size());
+            places_.emplace(key, rows.size());
             rows.push_back({.key = std::move(key), .earlier = *one});
         }
     }
 
     void take(const std::vector<const VisitMeasurement*>& later) {
-        for (const VisitMeasurement* one : later) {
-            SeriesKey key = program_key(*one);
-            const auto met = places_.find(key);
-            if (met != places_.end())
-                rows[met->second].later = *one;
-            else
-                rows.push_back({.key = std::move(key), .later = *one});
-        }
+        std::vector<const VisitMeasurement*> left;
+        for (const VisitMeasurement* one : later)
+            if (!put(*one, true)) left.push_back(one);
+        // A number that stands for another transponder now is told as that.
+        for (const VisitMeasurement* one : left)
+            if (!put(*one, false)) rows.push_back({.key = program_key(*one), .later = *one});
         join_by_tuning();
     }
 
   private:
+    /// Beside the earlier one of its program that has none yet, `same` of its transponder alone.
+    bool put(const VisitMeasurement& one, bool same) {
+        const auto [from, to] = places_.equal_range(program_key(one));
+        for (auto met = from; met != to; ++met) {
+            ProgramComparison& row = rows[met->second];
+            if (row.later || (same && is_elsewhere(row.earlier->measurement, one.measurement)))
+                continue;
+            row.later = one;
+            return true;
+        }
+        return false;
+    }
+
     /// What of one frequency and oscillator was in one of the visits alone.
     struct Alone {
         std::vector<std::size_t> earlier;
@@ -258,13 +279,16 @@ const std::optional<Change>& ProgramComparison::change(Quantity quantity) const 
     return changes[static_cast<std::size_t>(place - kComparedQuantities.begin())];
 }
 
-bool ProgramComparison::is_elsewhere() const {
-    if (!earlier || !later) return false;
-    const Measurement& then = earlier->measurement;
-    const Measurement& now = later->measurement;
-    if (!then.frequency || !now.frequency) return false;
-    return then.oscillator.has_value() == now.oscillator.has_value() &&
-           std::fabs(*then.frequency - *now.frequency) > kFineTuning;
+bool ProgramComparison::is_unknown(Quantity quantity) const {
+    const auto place = std::ranges::find(kComparedQuantities, quantity);
+    return place != kComparedQuantities.end() &&
+           unknown[static_cast<std::size_t>(place - kComparedQuantities.begin())];
+}
+
+bool is_elsewhere(const Measurement& one, const Measurement& other) {
+    if (!one.frequency || !other.frequency) return false;
+    return one.oscillator.has_value() == other.oscillator.has_value() &&
+           std::fabs(*one.frequency - *other.frequency) > kFineTuning;
 }
 
 SeriesKey program_key(const VisitMeasurement& one) {

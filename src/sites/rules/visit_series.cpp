@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "change.h"
+#include "visit_comparison.h"
 
 namespace m47::sites {
 namespace {
@@ -17,7 +18,9 @@ std::optional<LevelUnit> last_unit(const std::vector<VisitMeasurement>& rows) {
     return found == rows.rend() ? std::nullopt : found->measurement.unit;
 }
 
+/// A level of nobody knows which unit has no place among others.
 void bring_to(LevelUnit unit, measurement::Measurement& measured) {
+    if (!measured.unit) measured.reading(Quantity::level) = {};
     if (!measured.unit || *measured.unit == unit) return;
     measurement::Reading& level = measured.reading(Quantity::level);
     const double shift = in_dbuv(0, *measured.unit) - in_dbuv(0, unit);
@@ -36,6 +39,9 @@ std::vector<VisitMeasurement> visit_series(const std::vector<VisitMeasurement>& 
         else
             *met = row;
     }
+    std::erase_if(last,
+                  [now = last.empty() ? measurement::Measurement() : last.back().measurement](
+                      const VisitMeasurement& row) { return is_elsewhere(row.measurement, now); });
     if (const std::optional<LevelUnit> unit = last_unit(last))
         for (VisitMeasurement& row : last) bring_to(*unit, row.measurement);
     return last;

@@ -148,6 +148,8 @@ void UnattendedVisit::compare(const sites::Visit& other) {
     const sites::Visit& ours = *recorder_->visit();
     const std::vector<sites::ProgramComparison> all =
         sites::compare_visits(store_->measurements(other.id), store_->measurements(ours.id));
+    const auto elsewhere =
+        std::ranges::count(all, sites::Meaning::elsewhere, &sites::ProgramComparison::meaning);
     const auto both = std::ranges::count_if(all, [](const sites::ProgramComparison& program) {
         return program.earlier && program.later;
     });
@@ -159,7 +161,11 @@ void UnattendedVisit::compare(const sites::Visit& other) {
     on_remark(QStringLiteral("compared with the visit of %1: %2 of %3 programs got worse")
                   .arg(time_of(other))
                   .arg(worse.size())
-                  .arg(both));
+                  .arg(both - elsewhere));
+    if (elsewhere > 0)
+        on_remark(
+            QStringLiteral("programs that are on another transponder now, and not compared: %1")
+                .arg(elsewhere));
     for (const sites::ProgramComparison& program : worse) tell_worse(program);
     worse_ = !worse.empty();
 }
