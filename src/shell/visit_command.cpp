@@ -19,8 +19,8 @@ using State = sites::VisitOfWindow::State;
 
 constexpr Bilingual kVisitTitle{"Visit", "Visita"};
 constexpr Bilingual kVisitRuns{"Visit: %1", "Visita: %1"};
-constexpr Bilingual kRowsMissing{"Visit: %2 rows not stored, %1",
-                                 "Visita: %2 righe non salvate, %1"};
+constexpr Bilingual kRowsMissing{"Visit: rows not stored: %2, %1",
+                                 "Visita: righe non salvate: %2, %1"};
 constexpr Bilingual kVisitCutOff{"Visit cut off: %1", "Visita interrotta: %1"};
 constexpr Bilingual kSince{"Begun %1. Each row of the page is stored in it at once.",
                            "Iniziata %1. Ogni riga della pagina vi viene subito memorizzata."};
@@ -47,6 +47,7 @@ VisitCommand::VisitCommand(sites::VisitOfWindow& visit, sites::OpenSites& sites,
     visit_.on_fault = [this](const sites::StoreError& error) {
         window_.show_notice(sites::store_error_text(error, program_.texts));
     };
+    visit_.on_gone = [this] { window_.show_notice(visit_.missing_text()->in(program_.texts)); };
     window_.may_close = [this] { return may_close(); };
 }
 
@@ -54,6 +55,7 @@ VisitCommand::~VisitCommand() {
     window_.may_close = nullptr;
     visit_.on_change = nullptr;
     visit_.on_fault = nullptr;
+    visit_.on_gone = nullptr;
     leave();
 }
 
@@ -101,6 +103,8 @@ void VisitCommand::begin() {
     if (link_.port_connected)
         facts.logo = link_.ask(link::command::query(link::command::kLogo)).value_or(QString());
     visit_.begin(dialog.site(), facts, link_.clock().date_time());
+    // What was told of the visit before is over.
+    window_.show_notice(QString());
 }
 
 /// A meter that came later is part of it too.

@@ -389,7 +389,7 @@ void VisitTest::a_file_locked_or_taken_away_in_the_middle_stops_nothing() {
     QCOMPARE(gone.err.count('\n'), 2);
     QVERIFY2(gone.err.contains("was deleted, moved or replaced"), gone.err);
     const int kept = measurements(away.path("elsewhere")).toInt();
-    const QByteArray missing = "of the visit, " + QByteArray::number(4 - kept) + " of 4 rows";
+    const QByteArray missing = "Of the visit, " + QByteArray::number(4 - kept) + " of 4 rows";
     QVERIFY2(gone.err.contains(missing), gone.err);
     QVERIFY(!QFile::exists(away.path(kSites)));
 }

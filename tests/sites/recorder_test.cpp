@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "visit_recorder.h"
 
+#include <QDir>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTimeZone>
@@ -162,11 +163,63 @@ class RecorderTest : public QObject {
         QCOMPARE(static_cast<int>(told_[0].kind), static_cast<int>(StoreError::Kind::moved));
         QCOMPARE(recorder_->missing(), 5);
         QCOMPARE(recorder_->missing_text()->in(Texts()),
-                 QStringLiteral("of the visit, 5 of 7 rows are missing in the file of sites "
+                 QStringLiteral("Of the visit, 5 of 7 rows are missing in the file of sites "
                                 "'sites.sqlite'"));
         QVERIFY(!QFile::exists(path()));
         QVERIFY(QFile::rename(away, path()));
         QCOMPARE(in_file(), 2);
+    }
+
+    void a_visit_removed_meanwhile_is_told_as_that_data() {
+        QTest::addColumn<QString>("removed");
+        QTest::addColumn<bool>("rows_follow");
+        QTest::newRow("the site") << QStringLiteral("sites") << true;
+        QTest::newRow("the visit") << QStringLiteral("visits") << true;
+        QTest::newRow("noticed at the end") << QStringLiteral("visits") << false;
+    }
+    void a_visit_removed_meanwhile_is_told_as_that() {
+        QFETCH(QString, removed);
+        QFETCH(bool, rows_follow);
+        begin();
+        int gone = 0;
+        recorder_->on_gone = [&] { ++gone; };
+        take(1, 4);
+        db::run_sql(path(), {QStringLiteral("PRAGMA foreign_keys = ON"), "DELETE FROM " + removed});
+        if (rows_follow) take(4, 7);
+        QCOMPARE(gone, rows_follow ? 1 : 0);
+        recorder_->end(at(9));
+        QCOMPARE(gone, 1);
+        QVERIFY(recorder_->gone() && !recorder_->running());
+        QVERIFY(told_.empty());
+        QCOMPARE(recorder_->stored(), 0);
+        QCOMPARE(recorder_->missing(), rows_follow ? 6 : 3);
+        QVERIFY(recorder_->missing_text()->in(Texts()).contains("none of its rows is in the file"));
+        // No visit without its rows comes back, and nothing is left to go on with.
+        QCOMPARE(db::run_sql(path(), {QStringLiteral("SELECT count(*) FROM visits")}).first(),
+                 QStringLiteral("0"));
+        QVERIFY(VisitClaim::left(path()).empty());
+        QVERIFY(QDir(folder_->path()).entryList({"sites.visit-*"}).isEmpty());
+        // The next one is as if nothing had been.
+        begin();
+        take(20, 22);
+        recorder_->end(at(30));
+        QVERIFY(!recorder_->gone() && !recorder_->missing_text());
+        QCOMPARE(in_file(), 2);
+    }
+
+    void two_sites_of_one_name_are_not_guessed() {
+        begin();
+        recorder_->end(at(1));
+        Site other = store_->sites().front();
+        other.id = QUuid::createUuid();
+        other.name = other.name.toUpper();
+        store_->store(other);
+        QVERIFY_EXCEPTION_THROWN(begin(), Fault);
+        QVERIFY(!recorder_->running());
+        recorder_->begin(other, {}, at(2));
+        take(3, 4);
+        recorder_->end(at(5));
+        QCOMPARE(store_->visits(other.id).size(), std::size_t{1});
     }
 
     void a_disk_that_stays_full_gives_up_what_is_too_much() {

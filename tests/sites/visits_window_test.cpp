@@ -13,9 +13,11 @@
 #include <QTableView>
 #include <QTableWidget>
 #include <QToolButton>
+#include <QTreeView>
 
 #include "begin_visit_dialog.h"
 #include "box_answers.h"
+#include "db_support.h"
 #include "import_log_dialog.h"
 #include "merge_dialog.h"
 #include "meter_in_process.h"
@@ -168,6 +170,8 @@ class VisitsWindowTest : public QObject, protected ProgramInFolder {
     void without_a_visit_nothing_is_made_and_nothing_more_is_sent();
     void each_row_goes_into_the_visit_at_once_until_it_is_ended();
     void a_known_site_is_found_as_somebody_types();
+    void one_of_two_sites_of_a_name_is_chosen_by_hand();
+    void a_visit_removed_meanwhile_is_told_and_offered_no_more();
     void an_empty_visit_is_none_unless_it_has_remarks();
     void closing_asks_and_the_next_start_offers_to_go_on();
     void a_visit_that_was_cut_off_can_be_ended_with_its_last_row();
@@ -296,6 +300,72 @@ void VisitsWindowTest::a_known_site_is_found_as_somebody_types() {
     QCOMPARE(store->visits(store->sites()[1].id).size(), std::size_t{4});
 }
 
+void VisitsWindowTest::one_of_two_sites_of_a_name_is_chosen_by_hand() {
+    Site second = a_site(QStringLiteral("Hotel Miramare"));
+    second.address = QStringLiteral("Via Verdi 2");
+    {
+        const auto store = opened_sites(folder());
+        fill_year(*store);
+        store->store(second);
+    }
+    start();
+    in_the_box([](QDialog* dialog) {
+        auto* begin = dialog->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok);
+        type_into(dialog, "site_name", "hotel miramare");
+        QCOMPARE(dialog->findChild<QLabel*>("site_state")->text(),
+                 QString("More than one site has this name: choose one in the list."));
+        QVERIFY(!begin->isEnabled());
+        auto* list = dialog->findChild<QListWidget*>("site_matches");
+        QCOMPARE(list->count(), 2);
+        const int row = list->item(0)->text().contains("Via Verdi 2") ? 0 : 1;
+        list->setCurrentRow(row);
+        QCOMPARE(dialog->findChild<QLineEdit*>("site_address")->text(), QString("Via Verdi 2"));
+        QVERIFY(begin->isEnabled());
+        press(dialog, QDialogButtonBox::Ok);
+    });
+    find<QAction>("cmdvisit")->trigger();
+    measure();
+    end();
+    stop();
+    QCOMPARE(opened_sites(folder())->visits(second.id).size(), std::size_t{1});
+}
+
+/// By another program on the same file.
+void VisitsWindowTest::a_visit_removed_meanwhile_is_told_and_offered_no_more() {
+    start();
+    begin("Sole");
+    measure();
+    const QStringList remove{"PRAGMA foreign_keys = ON", "DELETE FROM sites"};
+    db::run_sql(file(), remove);
+    measure();
+    const auto* notice = find<QLabel>("corrected_notice");
+    QVERIFY2(notice->text().contains("The visit was removed"), qPrintable(notice->text()));
+    in_the_box([](QDialog* dialog) {
+        const QString facts = dialog->findChild<QLabel*>("visit_facts")->text();
+        QVERIFY2(facts.contains("Rows stored: 0"), qPrintable(facts));
+        press(dialog, QDialogButtonBox::Ok);
+    });
+    find<QAction>("cmdendvisit")->trigger();
+    const QString told = last_box();
+    QVERIFY2(told.contains("none of its rows is in the file any more"), qPrintable(told));
+    QCOMPARE(mark(), QString("none"));
+    QCOMPARE(claims(), QStringList());
+    begin("Sole");
+    QCOMPARE(notice->text(), QString());
+    measure();
+    // One that was cut off and is gone is not offered any more either.
+    stop();
+    start();
+    program().look_for_visit();
+    QCOMPARE(mark_in_full(), QString("Visit cut off: Sole"));
+    db::run_sql(file(), remove);
+    find<QAction>("cmdvisit")->trigger();
+    const QString gone = last_box();
+    QVERIFY2(gone.contains("The visit is no longer in the file of sites"), qPrintable(gone));
+    QCOMPARE(mark(), QString("none"));
+    QCOMPARE(claims(), QStringList());
+}
+
 void VisitsWindowTest::an_empty_visit_is_none_unless_it_has_remarks() {
     start();
     begin("Sole");
@@ -392,6 +462,13 @@ void VisitsWindowTest::a_visit_that_another_process_keeps_is_not_offered() {
         QVERIFY_EXCEPTION_THROWN(recorder.resume(id), Fault);
         QVERIFY(!recorder.running());
     }
+    // Nor is it removed under the other one's hands.
+    window().open_screen("sites");
+    auto* tree = find<QTreeView>("sites_tree", window().screen_of("sites"));
+    tree->setCurrentIndex(tree->model()->index(0, 0));
+    find<QAction>("cmdsiteremove")->trigger();
+    QCOMPARE(find<QLabel>("corrected_notice")->text(),
+             QString("Another window or run keeps this visit just now: end it there first."));
     other.closeWriteChannel();
     QVERIFY(other.waitForFinished());
     program().look_for_visit();
@@ -406,12 +483,12 @@ void VisitsWindowTest::a_file_that_fails_in_the_middle_is_told_once_and_counted(
     measure();
     auto* notice = find<QLabel>("corrected_notice");
     QVERIFY2(notice->text().contains("was deleted, moved or replaced"), qPrintable(notice->text()));
-    QCOMPARE(mark_in_full(), QString("Visit: 1 rows not stored, Sole"));
+    QCOMPARE(mark_in_full(), QString("Visit: rows not stored: 1, Sole"));
     window().show_notice({});
     measure();
     QCOMPARE(notice->text(), QString());
     QCOMPARE(page(), 3);
-    QCOMPARE(mark_in_full(), QString("Visit: 2 rows not stored, Sole"));
+    QCOMPARE(mark_in_full(), QString("Visit: rows not stored: 2, Sole"));
     end();
     const QString told = last_box();
     QVERIFY2(told.contains("2 of 3 rows are missing"), qPrintable(told));

@@ -39,6 +39,15 @@ std::vector<QUuid> VisitClaim::left(const QString& store) {
     return left;
 }
 
+bool VisitClaim::is_kept_elsewhere(const QString& store, const QUuid& visit) {
+    const QString path = file_of(store, visit);
+    platform::ClaimFile file;
+    if (!QFileInfo::exists(path)) return false;
+    if (!file.take(path)) return file.holder().has_value();
+    file.leave();
+    return false;
+}
+
 void VisitClaim::forget(const QString& store, const QUuid& visit) {
     platform::ClaimFile file;
     if (file.take(file_of(store, visit))) file.release();

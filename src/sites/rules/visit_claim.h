@@ -27,6 +27,9 @@ class VisitClaim {
     /// The visits of the file of sites at `store` that were cut off, or left, and that nobody goes
     /// on with. Not to be asked while a claim is held: the system would drop it.
     static std::vector<QUuid> left(const QString& store);
+    /// Another process keeps `visit` of the file of sites at `store` now. Not to be asked of one
+    /// that this process keeps: the system would drop the claim.
+    static bool is_kept_elsewhere(const QString& store, const QUuid& visit);
     /// `visit` is not to be told by left() any more.
     static void forget(const QString& store, const QUuid& visit);
 

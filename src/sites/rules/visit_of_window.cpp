@@ -35,7 +35,33 @@ bool is_none(int rows, const VisitFacts& facts) {
 VisitOfWindow::~VisitOfWindow() = default;
 
 int VisitOfWindow::rows() const {
-    return before_ + (recorder_ ? recorder_->stored() : 0);
+    if (!recorder_) return before_;
+    return recorder_->gone() ? 0 : before_ + recorder_->stored();
+}
+
+std::optional<Said> VisitOfWindow::missing_text() const {
+    return recorder_ ? recorder_->missing_text() : std::nullopt;
+}
+
+void VisitOfWindow::listen() {
+    recorder_->on_fault = on_fault;
+    recorder_->on_gone = [this] {
+        if (on_gone) on_gone();
+    };
+}
+
+/// One that somebody has removed meanwhile is not offered again.
+void VisitOfWindow::resume_with(VisitRecorder& recorder) {
+    try {
+        recorder.resume(visit_.id);
+    } catch (const StoreFault&) {
+        throw;
+    } catch (const Fault&) {
+        if (store_->visit(visit_.id)) throw;
+        forget();
+        changed();
+        throw;
+    }
 }
 
 void VisitOfWindow::changed() const {
@@ -86,7 +112,7 @@ void VisitOfWindow::begin(const Site& site, const VisitFacts& facts, const QDate
     recorder->begin(site, facts, now);
     store_ = store;
     recorder_ = std::move(recorder);
-    recorder_->on_fault = on_fault;
+    listen();
     site_ = site;
     visit_ = *recorder_->visit();
     sites_.running = visit_.id;
@@ -99,9 +125,9 @@ void VisitOfWindow::begin(const Site& site, const VisitFacts& facts, const QDate
 void VisitOfWindow::go_on() {
     if (state_ != State::cut_off) return;
     auto recorder = std::make_unique<VisitRecorder>(*store_);
-    recorder->resume(visit_.id);
+    resume_with(*recorder);
     recorder_ = std::move(recorder);
-    recorder_->on_fault = on_fault;
+    listen();
     // Others may have worked on it meanwhile.
     show(*recorder_->visit());
     state_ = State::running;
@@ -135,7 +161,7 @@ void VisitOfWindow::end_cut_off(const VisitFacts& facts) {
     VisitRecorder recorder(*store_);
     std::optional<StoreError> error;
     recorder.on_fault = [&error](const StoreError& fault) { error = fault; };
-    recorder.resume(visit_.id);
+    resume_with(recorder);
     recorder.tell(facts);
     const std::vector<VisitMeasurement> rows = store_->measurements(visit_.id);
     recorder.end(rows.empty() ? visit_.begun : rows.back().instant);

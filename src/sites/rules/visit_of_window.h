@@ -28,6 +28,8 @@ class VisitOfWindow {
     std::function<void()> on_change;
     /// Told once a visit, when a row of it cannot be stored.
     std::function<void(const StoreError& error)> on_fault;
+    /// Told once a visit, when it was removed from the file while it ran; missing_text() says so.
+    std::function<void()> on_gone;
 
     State state() const { return state_; }
     /// Of the visit that runs, or was cut off; without either they are empty.
@@ -36,6 +38,8 @@ class VisitOfWindow {
     /// Rows of it that are in the file, those from before it was cut off too, and that are not.
     int rows() const;
     int missing() const { return recorder_ ? recorder_->missing() : 0; }
+    /// As VisitRecorder has it.
+    std::optional<Said> missing_text() const;
 
     /// Looks for a visit that was cut off, or left to be gone on with. The file of sites is opened
     /// only where there is one. A StoreFault where it cannot be read; the visit is offered again at
@@ -62,6 +66,8 @@ class VisitOfWindow {
 
   private:
     void show(const Visit& visit);
+    void listen();
+    void resume_with(VisitRecorder& recorder);
     void end_cut_off(const VisitFacts& facts);
     std::optional<Said> end_running(const VisitFacts& facts, const QDateTime& now);
     void forget();

@@ -15,8 +15,16 @@ constexpr int kPatience = 3000;
 constexpr int kImpatience = 20;
 constexpr std::size_t kMostAtOnce = 128;
 
-constexpr Bilingual kMissing{"of the visit, %1 of %2 rows are missing in the file of sites '%3'",
-                             "della visita mancano %1 righe su %2 nel file dei siti '%3'"};
+constexpr Bilingual kMissing{"Of the visit, %1 of %2 rows are missing in the file of sites '%3'",
+                             "Della visita mancano %1 righe su %2 nel file dei siti '%3'"};
+constexpr Bilingual kRemoved{
+    "The visit was removed from the file of sites '%1' while it ran, by another window or program: "
+    "none of its rows is in the file any more.",
+    "La visita è stata eliminata dal file dei siti '%1' mentre era in corso, da un'altra finestra "
+    "o da un altro programma: nessuna delle sue righe è più nel file."};
+constexpr Bilingual kSeveralSites{
+    "More than one site has this name: rename all but one on the screen \"Sites\".",
+    "Più di un sito ha questo nome: rinominarli tutti tranne uno nella schermata \"Siti\"."};
 constexpr Bilingual kVisitGone{"The visit is no longer in the file of sites.",
                                "La visita non è più nel file dei siti."};
 constexpr Bilingual kVisitKept{
@@ -39,13 +47,18 @@ QUuid id_at(std::int64_t moment) {
 
 }  // namespace
 
+bool is_called(const Site& site, const QString& name) {
+    return site.name.simplified().compare(name.simplified(), Qt::CaseInsensitive) == 0;
+}
+
 std::optional<Site> site_named(const SiteStore& store, const QString& name) {
-    const QString wanted = name.simplified();
-    const std::vector<Site> sites = store.sites();
-    const auto found = std::ranges::find_if(sites, [&](const Site& site) {
-        return site.name.simplified().compare(wanted, Qt::CaseInsensitive) == 0;
-    });
-    return found == sites.end() ? std::nullopt : std::optional(*found);
+    std::optional<Site> found;
+    for (const Site& site : store.sites()) {
+        if (!is_called(site, name)) continue;
+        if (found) throw Fault(kSeveralSites);
+        found = site;
+    }
+    return found;
 }
 
 Instant instant_of(const QDateTime& moment) {
@@ -65,7 +78,7 @@ void VisitRecorder::start(const Visit& visit) {
     at_once_ = 1;
     last_moment_ = 0;
     stored_ = given_up_ = 0;
-    told_ = fails_ = false;
+    told_ = fails_ = gone_ = false;
     running_ = true;
 }
 
@@ -101,7 +114,10 @@ void VisitRecorder::begin(const Site& site, const VisitFacts& facts, const QDate
 
 void VisitRecorder::resume(const QUuid& visit) {
     std::optional<Visit> found = store_.visit(visit);
-    if (!found) throw Fault(kVisitGone);
+    if (!found) {
+        VisitClaim::forget(store_.path(), visit);
+        throw Fault(kVisitGone);
+    }
     if (!claim_.take(visit)) throw Fault(kVisitKept);
     found->ended.reset();
     try {
@@ -147,7 +163,7 @@ QUuid VisitRecorder::next_id(double utc) {
 
 void VisitRecorder::take(const measurement::Measurement& measured, int offset) {
     if (!running_) return;
-    if (waiting_.size() == kMostWaiting) {
+    if (gone_ || waiting_.size() == kMostWaiting) {
         ++given_up_;
     } else {
         const Instant instant{measured.instant.value_or(0) - offset, offset};
@@ -187,12 +203,30 @@ bool VisitRecorder::trapped(const std::function<void()>& work) {
         return true;
     } catch (const StoreFault& fault) {
         at_once_ = 1;
+        if (is_gone()) return false;
         if (!fails_) be_patient(kImpatience);
         fails_ = true;
         if (!told_ && on_fault) on_fault(fault.error());
         told_ = true;
         return false;
     }
+}
+
+/// True where the visit is not in the file any more: somebody has removed it, or its site, and all
+/// that was stored with it.
+bool VisitRecorder::is_gone() {
+    if (gone_) return true;
+    try {
+        gone_ = !store_.visit(visit_->id);
+    } catch (const StoreFault&) {
+        // A file that cannot be read does not tell.
+    }
+    if (!gone_) return false;
+    given_up_ += static_cast<int>(waiting_.size()) + stored_;
+    stored_ = 0;
+    waiting_.clear();
+    if (on_gone) on_gone();
+    return true;
 }
 
 void VisitRecorder::be_patient(int milliseconds) {
@@ -210,15 +244,17 @@ void VisitRecorder::end(const Instant& now) {
     // The last chance of what waits is worth some time.
     if (fails_) be_patient(kPatience);
     store_waiting();
-    const bool ended = trapped([this] { store_.store(*visit_); });
+    // What is stored anew would be a visit without its rows.
+    const bool ended = !is_gone() && trapped([this] { store_.store(*visit_); });
     if (fails_) be_patient(kPatience);
-    if (ended) return claim_.release();
+    if (ended || gone_) return claim_.release();
     visit_->ended.reset();
     claim_.leave();
 }
 
 std::optional<Said> VisitRecorder::missing_text() const {
-    if (missing() == 0) return std::nullopt;
+    if (missing() == 0 && !gone_) return std::nullopt;
+    if (gone_) return Said{kRemoved, {QString::fromLatin1(kSitesFile)}};
     return Said{kMissing,
                 {QString::number(missing()), QString::number(missing() + stored_),
                  QString::fromLatin1(kSitesFile)}};

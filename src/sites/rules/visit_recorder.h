@@ -12,8 +12,10 @@
 
 namespace m47::sites {
 
-/// The site called `name`, whatever its capitals and the blanks around it; nothing where there is
-/// none.
+/// `site` is called `name`, whatever the capitals and the blanks around it.
+bool is_called(const Site& site, const QString& name);
+
+/// The site that is_called() `name`; nothing where there is none, a Fault where there are several.
 std::optional<Site> site_named(const SiteStore& store, const QString& name);
 
 /// `moment` with what the wall clock showed.
@@ -44,8 +46,12 @@ class VisitRecorder {
     /// Told at the first row, or end, of the visit that cannot be stored.
     std::function<void(const StoreError& error)> on_fault;
 
+    /// Told once where the visit, or its site, was removed from the file meanwhile: missing_text()
+    /// says what of it is lost.
+    std::function<void()> on_gone;
+
     /// Begins a visit at the site called `site`, which is made where there is none of that name. A
-    /// StoreFault, and no visit, where it cannot be stored.
+    /// StoreFault, and no visit, where it cannot be stored; a Fault where several have that name.
     void begin(const QString& site, const VisitFacts& facts, const QDateTime& now);
     /// The same at `site`, which is stored where it is not in the file.
     void begin(const Site& site, const VisitFacts& facts, const QDateTime& now);
@@ -75,13 +81,16 @@ class VisitRecorder {
     void end(const Instant& now);
 
     bool running() const { return running_; }
+    /// The visit was removed from the file while it ran.
+    bool gone() const { return gone_; }
     /// The visit that runs, or that ran last.
     const std::optional<Visit>& visit() const { return visit_; }
     /// Rows of the visit that are in the file by this recorder.
     int stored() const { return stored_; }
     /// Rows of the visit that are not in the file.
     int missing() const { return given_up_ + static_cast<int>(waiting_.size()); }
-    /// Both, for whoever watches: how many rows are missing of how many. Only where some are.
+    /// Both, for whoever watches: how many rows are missing of how many, or that the visit is gone.
+    /// Only where that is so.
     std::optional<Said> missing_text() const;
 
   private:
@@ -91,6 +100,7 @@ class VisitRecorder {
     void store_some();
     void be_patient(int milliseconds);
     bool trapped(const std::function<void()>& work);
+    bool is_gone();
 
     SiteStore& store_;
     VisitClaim claim_;
@@ -103,6 +113,7 @@ class VisitRecorder {
     bool running_ = false;
     bool told_ = false;
     bool fails_ = false;
+    bool gone_ = false;
 };
 
 }  // namespace m47::sites

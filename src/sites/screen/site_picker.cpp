@@ -9,6 +9,7 @@
 
 #include "row_time.h"
 #include "site_file.h"
+#include "visit_recorder.h"
 
 namespace m47::sites {
 namespace {
@@ -29,6 +30,8 @@ constexpr Bilingual kSiteRemarksTip{"What stays true of the site: keys, way, mas
                                     "Ciò che resta vero del sito: chiavi, accesso, palo"};
 constexpr Bilingual kNoSite{"Which site? Choose one or type the name of a new one.",
                             "Quale sito? Sceglierne uno o scrivere il nome di uno nuovo."};
+constexpr Bilingual kSeveral{"More than one site has this name: choose one in the list.",
+                             "Più di un sito ha questo nome: sceglierne uno nell'elenco."};
 constexpr Bilingual kNewSite{"A new site.", "Un sito nuovo."};
 constexpr Bilingual kNeverVisited{"A known site without a visit yet.",
                                   "Un sito noto, ancora senza visite."};
@@ -119,17 +122,22 @@ const SiteLine* SitePicker::line_of(const QUuid& site) const {
     return found == known_.end() ? nullptr : &*found;
 }
 
-const SiteLine* SitePicker::named(const QString& name) const {
-    const QString wanted = name.simplified();
-    const auto found = std::ranges::find_if(known_, [&](const SiteLine& line) {
-        return line.site.name.simplified().compare(wanted, Qt::CaseInsensitive) == 0;
-    });
-    return found == known_.end() ? nullptr : &*found;
+std::vector<const SiteLine*> SitePicker::named(const QString& name) const {
+    std::vector<const SiteLine*> found;
+    for (const SiteLine& line : known_)
+        if (is_called(line.site, name)) found.push_back(&line);
+    return found;
 }
 
 void SitePicker::find() {
     list_sites(name_->text());
-    show_choice(named(name_->text()));
+    const std::vector<const SiteLine*> meant = named(name_->text());
+    show_choice(meant.size() == 1 ? meant.front() : nullptr);
+}
+
+/// The name alone does not say which.
+bool SitePicker::is_ambiguous() const {
+    return chosen_.isNull() && named(name_->text()).size() > 1;
 }
 
 void SitePicker::list_sites(const QString& typed) {
@@ -177,7 +185,9 @@ void SitePicker::show_choice(const SiteLine* known) {
         if (known) colours.setColor(QPalette::Base, colours.color(QPalette::Window));
         box->setPalette(colours);
     }
-    if (!known)
+    if (is_ambiguous())
+        state_->setText(texts_.pick(kSeveral));
+    else if (!known)
         state_->setText(texts_.pick(name_->text().trimmed().isEmpty() ? kNoSite : kNewSite));
     else if (known->visits == 0)
         state_->setText(texts_.pick(kNeverVisited));
@@ -192,7 +202,7 @@ void SitePicker::show_choice(const SiteLine* known) {
 
 std::optional<Site> SitePicker::site() const {
     if (const SiteLine* known = line_of(chosen_)) return known->site;
-    if (name_->text().trimmed().isEmpty()) return std::nullopt;
+    if (name_->text().trimmed().isEmpty() || is_ambiguous()) return std::nullopt;
     return Site{.id = fresh_,
                 .name = name_->text().simplified(),
                 .address = address_->text().simplified(),

@@ -49,7 +49,8 @@ class SitePicker : public QWidget {
     void pick(int row);
     void show_choice(const SiteLine* known);
     const SiteLine* line_of(const QUuid& site) const;
-    const SiteLine* named(const QString& name) const;
+    std::vector<const SiteLine*> named(const QString& name) const;
+    bool is_ambiguous() const;
 
     const Texts& texts_;
     std::vector<SiteLine> known_;

@@ -62,6 +62,10 @@ constexpr Bilingual kChooseWhat{"Choose a site or a visit first.",
                                 "Scegliere prima un sito o una visita."};
 constexpr Bilingual kVisitRuns{"This visit is being recorded: end it first.",
                                "Questa visita è in corso: concluderla prima."};
+constexpr Bilingual kVisitRunsElsewhere{
+    "Another window or run keeps this visit just now: end it there first.",
+    "Un'altra finestra o un altro ciclo tiene questa visita in questo momento: concluderla prima "
+    "lì."};
 constexpr Bilingual kSameName{"There is a site of this name already: %1.",
                               "Esiste già un sito con questo nome: %1."};
 constexpr Bilingual kRemoveTitle{"Remove", "Elimina"};
@@ -427,11 +431,12 @@ void Sites::sites_edit_Click() {
 
 bool Sites::may_remove(const Visit* visit) {
     const std::vector<Visit> visits = visit ? std::vector{*visit} : store_->visits(site_->id);
-    for (const Visit& each : visits)
-        if (each.id == sites_.running) {
-            program_.costs.tell_each(kVisitRuns);
-            return false;
-        }
+    for (const Visit& each : visits) {
+        const bool ours = each.id == sites_.running;
+        if (!ours && !VisitClaim::is_kept_elsewhere(sites_.path(), each.id)) continue;
+        program_.costs.tell_each(ours ? kVisitRuns : kVisitRunsElsewhere);
+        return false;
+    }
     const QString rows = QString::number(count_rows(*store_, visits));
     Said question{kRemoveSite, {site_->name}};
     Said goes{kSiteGoes, {QString::number(visits.size()), rows}};

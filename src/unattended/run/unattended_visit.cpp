@@ -67,6 +67,7 @@ bool UnattendedVisit::store_visit(const sites::VisitFacts& facts, const QDateTim
     recorder_->on_fault = [this](const sites::StoreError& error) {
         on_remark(sites::store_error_text(error, texts_));
     };
+    recorder_->on_gone = [this] { on_remark(recorder_->missing_text()->in(texts_)); };
     return told([&] {
         const std::optional<sites::Visit> before =
             options_.resumed ? cut_off() : std::optional<sites::Visit>();
@@ -102,7 +103,7 @@ void UnattendedVisit::end(const QDateTime& now) {
     recorder_->end(now);
     if (const std::optional<Said> missing = recorder_->missing_text()) {
         lost_ = true;
-        on_remark(missing->in(texts_));
+        if (!recorder_->gone()) on_remark(missing->in(texts_));
     }
     const bool empty = recorder_->stored() == 0 && recorder_->missing() == 0;
     if (empty && !resumed_)
