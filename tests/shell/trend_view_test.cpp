@@ -413,6 +413,24 @@ void TrendViewTest::the_legend_names_the_unit_beside_levels_alone() {
     QCOMPARE(name(2), QStringLiteral("11778.0 / 10600"));
 }
 
+void TrendViewTest::the_legend_tells_curves_of_one_program_apart_by_their_unit() {
+    const QString line =
+        QStringLiteral("21/11/26\t10:00:10\t11778.0\t10600\t58.3\t2.0E-4\t\t\t14.2\t\tPASS");
+    measurement::Measurement measured = measurement::measurement_of_line(line.toStdString());
+    screen_->rules.page.append(line.split(u'\t'), measured);
+    measured.unit = measurement::unit_of_index(0);
+    screen_->rules.page.append(line.split(u'\t'), measured);
+    open_tab(1);
+    plot()->replot();
+    for (int panel = 0; panel < 3; ++panel) {
+        const auto* legend =
+            static_cast<trend::TrendLegend*>(plot()->plotLayout()->element(panel, 1));
+        QCOMPARE(legend->lines().size(), std::size_t(2));
+        QCOMPARE(legend->lines()[0].name, QStringLiteral("11778.0 / 10600"));
+        QCOMPARE(legend->lines()[1].name, QStringLiteral("11778.0 / 10600 · dBuV"));
+    }
+}
+
 }  // namespace m47::shell
 
 QTEST_MAIN(m47::shell::TrendViewTest)

@@ -60,6 +60,7 @@ class TrendViewTest : public QObject, protected ProgramInFolder {
     void limits_are_bands_as_soon_as_they_are_ticked();
     void the_legend_says_minimum_maximum_and_last();
     void the_legend_names_the_unit_beside_levels_alone();
+    void the_legend_tells_curves_of_one_program_apart_by_their_unit();
     void the_table_is_saved_through_the_dialog_and_reads_back();
     void the_dialog_gives_the_suffix_of_the_chosen_kind();
     void pictures_and_pages_are_whole_and_light_whatever_the_palette();

@@ -12,7 +12,10 @@ constexpr double kFailedSize = 7;
 // The most points that the curves of a chart are summed up to together, four in a column: more
 // than that make a carpet on any screen, but slow every frame.
 constexpr std::size_t kMostPoints = 60000;
-constexpr int kFailedCell = 5;  // pixels: crosses that lie closer cannot be told apart
+// So many times are aimed at along the axis, fewer where they have no room beside one another.
+constexpr int kMostTimes = 5;
+constexpr int kBetweenTimes = 8;  // pixels
+constexpr int kFailedCell = 5;    // pixels: crosses that lie closer cannot be told apart
 
 QVector<QCPGraphData> graph_data(const std::vector<TrendSpot>& spots) {
     QVector<QCPGraphData> data;
@@ -25,7 +28,7 @@ void set_up_time_axis(QCPAxis* axis) {
     const QSharedPointer<QCPAxisTickerDateTime> ticker(new QCPAxisTickerDateTime);
     // The times are those of the rows as they stand; nothing is shifted by a time zone.
     ticker->setDateTimeSpec(Qt::UTC);
-    ticker->setTickCount(5);
+    ticker->setTickCount(kMostTimes);
     axis->setTicker(ticker);
 }
 
@@ -134,6 +137,9 @@ void TrendPanel::show_curves(std::span<const TrendCurve> curves, TrendRange show
     while (drawn_.size() < curves.size()) drawn_.push_back({add_graph(), add_graph()});
     const std::size_t most = kMostPoints / 4 / std::max<std::size_t>(1, curves.size());
     columns = std::min(columns, static_cast<int>(most));
+    units_differ_ = std::ranges::any_of(curves, [&curves](const TrendCurve& each) {
+        return each.series->key().unit != curves.front().series->key().unit;
+    });
     std::vector<TrendLegend::Line> lines;
     std::vector<TrendSpot> failed;
     std::optional<TrendRange> values;
@@ -166,9 +172,10 @@ void TrendPanel::show_curves(std::span<const TrendCurve> curves, TrendRange show
     draw_failed(failed);
 }
 
-/// The unit is that of the level and of nothing else.
+/// The unit is that of the level and of nothing else, but tells curves of one program apart.
 QString TrendPanel::name_of(const TrendSeries& series) const {
-    return quantity_ == measurement::Quantity::level ? series.name() : series.key().name();
+    const bool with_unit = quantity_ == measurement::Quantity::level || units_differ_;
+    return with_unit ? series.name() : series.key().name();
 }
 
 void TrendPanel::draw_failed(const std::vector<TrendSpot>& failed) {
@@ -237,6 +244,27 @@ void TrendPanel::show_span(double seconds) {
     if (!ticker) return;
     ticker->setDateTimeFormat(seconds > kDays ? QStringLiteral("dd/MM/yy")
                                               : QStringLiteral("HH:mm:ss\ndd/MM/yy"));
+}
+
+bool TrendPanel::times_overlap(QCPAxisTicker& ticker) const {
+    QVector<double> ticks;
+    ticker.generate(time_axis()->range(), QLocale(), u'f', 0, ticks, nullptr, nullptr);
+    const int needed =
+        kBetweenTimes +
+        QFontMetrics(time_axis()->tickLabelFont()).horizontalAdvance(QStringLiteral("00/00/00"));
+    for (qsizetype k = 1; k < ticks.size(); ++k)
+        if (time_axis()->coordToPixel(ticks[k]) - time_axis()->coordToPixel(ticks[k - 1]) < needed)
+            return true;
+    return false;
+}
+
+bool TrendPanel::fit_times() {
+    const QSharedPointer<QCPAxisTicker> ticker = time_axis()->ticker();
+    const int before = ticker->tickCount();
+    int count = kMostTimes;
+    ticker->setTickCount(count);
+    while (count > 1 && times_overlap(*ticker)) ticker->setTickCount(--count);
+    return count != before;
 }
 
 }  // namespace m47::trend

@@ -47,6 +47,8 @@ class TrendPanel {
 
     /// What the time axis is written in suits a stretch of so many seconds.
     void show_span(double seconds);
+    /// Leaves out times that would be written over one another; whether that changed the axis.
+    bool fit_times();
 
     /// Keeps the value axis as the user has just set it; release_values() lets it follow what is in
     /// sight again.
@@ -63,6 +65,7 @@ class TrendPanel {
     QCPItemStraightLine* add_limit_line();
     static void place_limit_line(QCPItemStraightLine* line, double value);
     void draw_failed(const std::vector<TrendSpot>& failed);
+    bool times_overlap(QCPAxisTicker& ticker) const;
     void draw_curve(const Drawn& drawn, const TrendSamples& samples, const QColor& colour);
 
     QCustomPlot* plot_;
@@ -78,6 +81,7 @@ class TrendPanel {
     std::optional<TrendRange> limits_;
     TrendColours colours_;
     bool held_ = false;
+    bool units_differ_ = false;  ///< among the curves shown
 };
 
 }  // namespace m47::trend

@@ -47,6 +47,7 @@ TrendPlot::TrendPlot(const TrendData& rows, TrendLimits limits, const Texts& tex
     value_->setAttribute(Qt::WA_TransparentForMouseEvents);
     value_->hide();
     connect(this, &QCustomPlot::beforeReplot, this, [this] { sample(); });
+    connect(this, &QCustomPlot::afterLayout, this, [this] { fit_times(); });
     build_panels();
 }
 
@@ -106,6 +107,13 @@ void TrendPlot::sample() {
         panel->show_limits(limits_(panel->quantity()));
         panel->show_curves(shown, window_.shown(), std::max(1, width()));
     }
+}
+
+/// How wide the charts are is known when they are laid out, which is too late for that frame.
+void TrendPlot::fit_times() {
+    bool changed = false;
+    for (const auto& panel : panels_) changed |= panel->fit_times();
+    if (changed) replot(rpQueuedReplot);
 }
 
 void TrendPlot::choose(const TrendChoice& choice) {

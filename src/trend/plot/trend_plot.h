@@ -50,6 +50,7 @@ class TrendPlot : public QCustomPlot, public TrendChart {
     void on_paper(const std::function<void()>& paint);
     void set_colours(const TrendColours& colours);
     void sample();
+    void fit_times();
     void show_window();
     void range_chosen(const QCPRange& range);
     void direct_mouse(const QPointF& place, Qt::KeyboardModifiers keys);
