@@ -16,6 +16,7 @@
 
 #include "box_answers.h"
 #include "contrast_style.h"
+#include "custom_plot.h"
 #include "handler.h"
 #include "program_in_folder.h"
 #include "sample_year.h"
@@ -293,6 +294,70 @@ class SitesScreenTest : public QObject, protected ProgramInFolder {
         QCOMPARE(control<VisitChartView>("sites_chart")->visits(), 1);
         choose(3);
         QCOMPARE(control<VisitChartView>("sites_chart")->visits(), 0);
+    }
+
+    void another_site_is_charted_with_a_program_of_its_own() {
+        start_with_year();
+        choose(0);
+        turn_to("view_compare");
+        double_click("sites_compared", 1);
+        auto* program = control<QComboBox>("sites_program");
+        QVERIFY(program->currentText().startsWith("ROSSI 001"));
+        // The hotel never had that one, nor the two after it.
+        choose(1);
+        QVERIFY2(program->currentText().startsWith("ROSSI 004"),
+                 qPrintable(program->currentText()));
+        QCOMPARE(program->count(), kYearPrograms - 3);
+        QCOMPARE(control<VisitChartView>("sites_chart")->visits(), 3);
+        // One that both have stays.
+        program->setCurrentIndex(2);
+        Q_EMIT program->activated(2);
+        choose(0);
+        QVERIFY(program->currentText().startsWith("ROSSI 006"));
+    }
+
+    void where_there_is_no_room_for_all_charts_a_list_chooses() {
+        start_with_year();
+        choose(0);
+        turn_to("view_chart");
+        auto* list = control<QComboBox>("sites_first");
+        auto* chart = control<VisitChartView>("sites_chart");
+        window().resize(1300, 900);
+        QTRY_VERIFY(chart->has_room());
+        QVERIFY(!list->isVisible());
+        window().resize(1024, 600);
+        QTRY_VERIFY(list->isVisible());
+        QCOMPARE(list->currentText(), QString("MER"));
+        QCOMPARE(list->itemText(1), QString("Level"));
+        const auto first_axis = [&] {
+            return chart->findChild<QCustomPlot*>()->axisRect(0)->axis(QCPAxis::atLeft)->label();
+        };
+        QCOMPARE(first_axis(), QString("MER (dB)"));
+        list->setCurrentIndex(1);
+        Q_EMIT list->activated(1);
+        QCOMPARE(first_axis(), QString("Level"));
+        // It stays when another program is shown.
+        choose(1);
+        QCOMPARE(list->currentText(), QString("Level"));
+        QCOMPARE(first_axis(), QString("Level"));
+    }
+
+    void dates_under_a_chart_are_never_written_over_one_another() {
+        start_with_year();
+        choose(0);
+        turn_to("view_chart");
+        for (const int width : {1600, 1200, 1024, 900}) {
+            window().resize(width, 600);
+            QCoreApplication::processEvents();
+            QTest::qWait(50);
+            auto* plot = control<VisitChartView>("sites_chart")->findChild<QCustomPlot*>();
+            const QCPAxis* axis = plot->axisRect(0)->axis(QCPAxis::atBottom);
+            const int written = QFontMetrics(axis->tickLabelFont()).horizontalAdvance("00/00/00");
+            QVector<double> times;
+            axis->ticker()->generate(axis->range(), QLocale(), u'f', 0, times, nullptr, nullptr);
+            for (int k = 1; k < times.size(); ++k)
+                QVERIFY(axis->coordToPixel(times[k]) - axis->coordToPixel(times[k - 1]) > written);
+        }
     }
 
     void what_got_worse_leads_to_the_comparison() {

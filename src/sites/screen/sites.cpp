@@ -123,10 +123,11 @@ void Sites::set_up_looks() {
     ui_->sites_work->setStretchFactor(1, kViewShare);
     ui_->sites_by->setSuffix(QStringLiteral(" dB"));
     ui_->sites_by->setMinimumHeight(ui_->sites_by->sizeHint().height() + kForText);
-    for (QComboBox* list : {ui_->sites_with, ui_->sites_program}) {
+    for (QComboBox* list : {ui_->sites_with, ui_->sites_program, ui_->sites_first}) {
         list->setSizeAdjustPolicy(QComboBox::AdjustToContents);
         list->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
     }
+    ui_->sites_first->hide();
     for (QDateEdit* day : {ui_->sites_from, ui_->sites_to}) {
         day->setEnabled(false);
         day->setMinimumHeight(day->sizeHint().height() + kForText);

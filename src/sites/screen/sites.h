@@ -95,11 +95,13 @@ class Sites : public Screen {
     void show_front();
     void show_rows();
     void list_others();
+    void compare_chosen();
     void show_compared();
     std::optional<Visit> other_visit() const;
     void list_programs();
     void choose_program(const measurement::SeriesKey& key);
     void show_chart();
+    void list_charts();
     void sites_look_Click();
     void look_on();
     void show_worse();

@@ -35,6 +35,8 @@ constexpr Tooltip kTooltips[] = {
      "Programmi, il peggiore per primo; un doppio clic, o Invio, mostra il grafico"},
     {"sites_program", "The program to show over all visits",
      "Il programma da mostrare in tutte le visite"},
+    {"sites_first", "There is no room for all charts: which is shown",
+     "Non c'è posto per tutti i grafici: quale si vede"},
     {"sites_zoom",
      "Show all visits. Wheel or drag: time; with Ctrl: values; keys: arrows, +, -, Home",
      "Mostra tutte le visite. Rotella o trascinamento: tempo; con Ctrl: valori; tasti: frecce, +, "

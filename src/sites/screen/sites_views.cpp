@@ -10,6 +10,7 @@
 #include "fault.h"
 #include "file_question.h"
 #include "handler.h"
+#include "quantity_words.h"
 #include "save_file.h"
 #include "site_table_view.h"
 #include "sites.h"
@@ -82,10 +83,17 @@ void Sites::connect_views() {
          [this] { ui_->sites_compared->show_details(ui_->sites_readings->isChecked()); });
     when(ui_->sites_rows, &SiteTableView::chosen, "sites_rows_Click",
          [this](int row) { choose_program(program_key(rows_[static_cast<std::size_t>(row)])); });
-    when(ui_->sites_compared, &SiteTableView::chosen, "sites_compared_Click",
-         [this](int row) { choose_program(compared_[static_cast<std::size_t>(row)].key); });
+    when(ui_->sites_compared, &SiteTableView::chosen, "sites_compared_Click", [this](int row) {
+        // The page of the chart compares anew.
+        const measurement::SeriesKey key = compared_[static_cast<std::size_t>(row)].key;
+        choose_program(key);
+    });
     when(ui_->sites_program, &QComboBox::activated, "sites_program_Click",
          [this] { show_chart(); });
+    when(ui_->sites_first, &QComboBox::activated, "sites_first_Click", [this](int place) {
+        ui_->sites_chart->begin_with(ui_->sites_chart->measured()[static_cast<std::size_t>(place)]);
+    });
+    ui_->sites_chart->on_charts = [this] { list_charts(); };
     when(ui_->sites_zoom, &QPushButton::clicked, "sites_zoom_Click", [this] {
         if (!ui_->sites_chart->reset_zoom()) program_.costs.tell_each(kAllVisits);
     });
@@ -150,6 +158,7 @@ void Sites::show_front() {
     if (front == ui_->view_rows) show_rows();
     if (front == ui_->view_compare) show_compared();
     if (front == ui_->view_chart) {
+        compare_chosen();
         list_programs();
         show_chart();
     }
@@ -196,17 +205,25 @@ std::optional<Visit> Sites::other_visit() const {
     return found == others_.end() ? std::nullopt : std::optional(*found);
 }
 
-void Sites::show_compared() {
+/// What the visit chosen and the other one have, whoever shows it.
+void Sites::compare_chosen() {
     const std::optional<Visit> other = other_visit();
     compared_.clear();
+    if (!visit_ || !other) return;
+    const bool is_later = other->begun.utc > visit_->begun.utc;
+    const std::vector<VisitMeasurement> rows = store_->measurements(other->id);
+    compared_ = is_later ? compare_visits(rows_, rows) : compare_visits(rows, rows_);
+}
+
+void Sites::show_compared() {
+    compare_chosen();
+    const std::optional<Visit> other = other_visit();
     if (!visit_ || !other) {
         ui_->sites_summary->setText(visit_ ? program_.texts.pick(kNoOther) : QString());
         ui_->sites_compared->show_table(nullptr, program_.texts);
         return;
     }
     const bool is_later = other->begun.utc > visit_->begun.utc;
-    const std::vector<VisitMeasurement> rows = store_->measurements(other->id);
-    compared_ = is_later ? compare_visits(rows_, rows) : compare_visits(rows, rows_);
     const Visit& then = is_later ? *visit_ : *other;
     const Visit& now = is_later ? *other : *visit_;
     ui_->sites_summary->setText(Said{
@@ -248,6 +265,23 @@ void Sites::show_chart() {
         charted_ = visit_series(
             store_->over_visits(visit_->site, programs_[static_cast<std::size_t>(place)]));
     ui_->sites_chart->show_rows(charted_, program_.texts);
+}
+
+/// The charts that were measured, to begin with one of them where there is no room for all.
+void Sites::list_charts() {
+    QStringList names;
+    for (const measurement::Quantity each : ui_->sites_chart->measured())
+        names += quantity_text(each, program_.texts);
+    QStringList listed;
+    for (int k = 0; k < ui_->sites_first->count(); ++k) listed += ui_->sites_first->itemText(k);
+    if (names != listed) {
+        ui_->sites_first->clear();
+        ui_->sites_first->addItems(names);
+        ui_->sites_first->setCurrentIndex(std::max(
+            0, static_cast<int>(
+                   names.indexOf(quantity_text(ui_->sites_chart->first(), program_.texts)))));
+    }
+    ui_->sites_first->setVisible(!ui_->sites_chart->has_room());
 }
 
 void Sites::sites_look_Click() {

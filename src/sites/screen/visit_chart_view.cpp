@@ -54,6 +54,7 @@ void VisitChartView::show_rows(const std::vector<VisitMeasurement>& rows, const 
     data_.add(measured);
     limits_ = last.empty() ? measurement::LimitsInForce() : last.back().measurement.limits;
     visits_ = static_cast<int>(last.size());
+    if (on_charts) on_charts();
     if (data_.empty() || !make_chart(texts)) return;
     chart_->widget()->setAccessibleName(texts.pick(kVisitChart));
     chart_->name_panels();
@@ -66,32 +67,52 @@ void VisitChartView::show_rows(const std::vector<VisitMeasurement>& rows, const 
     setCurrentWidget(chart_->widget());
 }
 
-/// As many charts as there is room for, of what was measured.
+std::vector<measurement::Quantity> VisitChartView::measured() const {
+    std::vector<measurement::Quantity> measured;
+    for (const measurement::Quantity each :
+         {measurement::Quantity::mer, measurement::Quantity::level, measurement::Quantity::ber})
+        if (std::ranges::any_of(data_.series(), [each](const auto& series) {
+                return series->minimum(each).measured();
+            }))
+            measured.push_back(each);
+    return measured;
+}
+
+/// For so many charts there is room; for one always.
+std::size_t VisitChartView::room() const {
+    std::size_t charts = 1;
+    while (charts < measurement::kQuantities.size() &&
+           trend::height_of_charts(charts + 1, fontMetrics().height()) <= height())
+        ++charts;
+    return charts;
+}
+
+bool VisitChartView::has_room() const {
+    return measured().size() <= room();
+}
+
+void VisitChartView::begin_with(measurement::Quantity quantity) {
+    first_ = quantity;
+    if (chart_ && !data_.empty()) choose();
+}
+
+/// As many charts as there is room for, from the one that is wanted on.
 void VisitChartView::choose() {
-    const auto measured = [this](std::size_t place) {
-        return std::ranges::any_of(data_.series(), [place](const auto& series) {
-            return series->minimum(measurement::kQuantities[place]).measured();
-        });
-    };
+    const std::vector<measurement::Quantity> charts = measured();
+    const auto wanted = std::ranges::find(charts, first_);
+    const auto first =
+        wanted == charts.end() ? 0 : static_cast<std::size_t>(wanted - charts.begin());
     trend::TrendChoice choice;
     choice.quantities = {};
-    std::size_t charts = 0;
-    // The MER says most, then the level.
-    for (const measurement::Quantity each :
-         {measurement::Quantity::mer, measurement::Quantity::level, measurement::Quantity::ber}) {
-        const auto place = static_cast<std::size_t>(each);
-        if (!measured(place)) continue;
-        if (charts > 0 && trend::height_of_charts(charts + 1, fontMetrics().height()) > height())
-            break;
-        choice.quantities[place] = true;
-        ++charts;
-    }
+    for (std::size_t k = 0; k < std::min(room(), charts.size()); ++k)
+        choice.quantities[static_cast<std::size_t>(charts[(first + k) % charts.size()])] = true;
     chart_->choose(choice);
 }
 
 void VisitChartView::resizeEvent(QResizeEvent* event) {
     QStackedWidget::resizeEvent(event);
     if (chart_ && !data_.empty()) choose();
+    if (on_charts) on_charts();
 }
 
 std::optional<trend::TrendRange> VisitChartView::limits(measurement::Quantity quantity) const {

@@ -3,6 +3,7 @@
 
 #include <QLabel>
 #include <QStackedWidget>
+#include <functional>
 #include <vector>
 
 #include "part.h"
@@ -28,18 +29,30 @@ class VisitChartView : public QStackedWidget {
     /// How many visits are drawn.
     int visits() const { return visits_; }
 
+    /// What was measured, in the order of its charts: the MER says most, then the level.
+    std::vector<measurement::Quantity> measured() const;
+    /// Whether there is room for all charts.
+    bool has_room() const;
+    /// The chart that stands first where there is no room for all.
+    void begin_with(measurement::Quantity quantity);
+    measurement::Quantity first() const { return first_; }
+    /// Called when the charts, or the room for them, may have changed.
+    std::function<void()> on_charts;
+
   protected:
     void resizeEvent(QResizeEvent* event) override;
 
   private:
     bool make_chart(const Texts& texts);
     void choose();
+    std::size_t room() const;
     std::optional<trend::TrendRange> limits(measurement::Quantity quantity) const;
 
     QLabel* nothing_;
     Part part_{trend::kTrendPart};
     trend::TrendData data_{{}, true};
     measurement::LimitsInForce limits_;
+    measurement::Quantity first_ = measurement::Quantity::mer;
     int visits_ = 0;
     trend::TrendChart* chart_ = nullptr;  ///< null before the first rows, and without its part
 };
