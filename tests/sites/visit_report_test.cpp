@@ -304,6 +304,18 @@ class VisitReportTest : public QObject {
         QVERIFY2(fault.contains("cannot be read"), qPrintable(fault));
     }
 
+    void lines_that_a_report_has_no_room_for_are_told() {
+        ProgramState state;
+        state.texts = english_;
+        LetterheadDialog dialog(state);
+        auto* company = dialog.findChild<QPlainTextEdit*>("letterhead_company");
+        const auto* told = dialog.findChild<QLabel*>("letterhead_left_out");
+        company->setPlainText(QString("Via Roma 7\n\n").repeated(kMostCompanyLines));
+        QCOMPARE(told->text(), QString());
+        company->setPlainText(QString("Via Roma 7\n").repeated(kMostCompanyLines + 2));
+        QCOMPARE(told->text(), QString("A report has 6 lines of it; left out: 2."));
+    }
+
     void a_hostile_logo_is_refused() {
         const auto fault = [this](const char* name) {
             const LogoRead read = read_logo(in_folder(name), english_);

@@ -26,6 +26,13 @@ QString logo_file(const Preferences& preferences) {
     return QFileInfo(preferences.file()).dir().filePath(QStringLiteral("letterhead-logo.png"));
 }
 
+QStringList written_lines(const QString& text) {
+    QStringList lines;
+    for (const QString& line : text.split(u'\n'))
+        if (!line.trimmed().isEmpty()) lines += line.simplified();
+    return lines;
+}
+
 /// The picture in `bytes`, by what they are and not by the name of their file; null where they are
 /// none of both formats. `is_large` where it is beyond the bounds.
 QImage picture_in(QByteArray& bytes, bool& is_large) {
@@ -63,11 +70,11 @@ LogoRead read_logo(const QString& path, const Texts& texts) {
 }
 
 QStringList Letterhead::lines() const {
-    QStringList lines;
-    for (const QString& line : company.split(u'\n'))
-        if (!line.trimmed().isEmpty() && lines.size() < kMostCompanyLines)
-            lines += line.simplified();
-    return lines;
+    return written_lines(company).mid(0, kMostCompanyLines);
+}
+
+int Letterhead::lines_left_out() const {
+    return std::max(0, static_cast<int>(written_lines(company).size()) - kMostCompanyLines);
 }
 
 Letterhead kept_letterhead(const Preferences& preferences, const Texts& texts, QString* fault) {

@@ -36,6 +36,8 @@ struct Letterhead {
 
     /// The company, at most kMostCompanyLines lines.
     QStringList lines() const;
+    /// How many more there are.
+    int lines_left_out() const;
 };
 
 /// What the user has entered; `fault`, where one is wanted, says why the logo cannot be shown.

@@ -19,6 +19,8 @@ constexpr Bilingual kLetterheadTitle{"Letterhead", "Intestazione"};
 constexpr Bilingual kCompanyField{"&Company", "&Azienda"};
 constexpr Bilingual kTechnicianField{"&Technician", "&Tecnico"};
 constexpr Bilingual kLogoField{"Logo", "Logo"};
+constexpr Bilingual kLeftOut{"A report has %1 lines of it; left out: %2.",
+                             "Un rapporto ne ha %1 righe; tralasciate: %2."};
 constexpr Bilingual kNoLogo{"no logo", "nessun logo"};
 constexpr Bilingual kChooseLogo{"C&hoose…", "&Scegli…"};
 constexpr Bilingual kDropLogo{"&Remove", "&Elimina"};
@@ -46,6 +48,7 @@ LetterheadDialog::LetterheadDialog(const ProgramState& program, QWidget* parent)
     : QDialog(parent),
       program_(program),
       company_(new QPlainTextEdit),
+      left_out_(new QLabel),
       technician_(new QLineEdit),
       picture_(new QLabel) {
     const Texts& texts = program.texts;
@@ -69,6 +72,11 @@ LetterheadDialog::LetterheadDialog(const ProgramState& program, QWidget* parent)
         form->addRow(label, field);
     };
     add_row(kCompanyField, company_);
+    left_out_->setObjectName(QStringLiteral("letterhead_left_out"));
+    left_out_->setTextFormat(Qt::PlainText);
+    form->addRow(QString(), left_out_);
+    connect(company_, &QPlainTextEdit::textChanged, this, [this] { count_lines(); });
+    count_lines();
     add_row(kTechnicianField, technician_);
     add_logo(form);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
@@ -79,6 +87,13 @@ LetterheadDialog::LetterheadDialog(const ProgramState& program, QWidget* parent)
     set_tooltips(this, kLetterheadTips, texts);
     logo_ = kept.logo;
     show_logo(fault);
+}
+
+/// What a report has no room for is told while it is written.
+void LetterheadDialog::count_lines() {
+    const int more = letterhead().lines_left_out();
+    left_out_->setText(more > 0 ? program_.texts.pick(kLeftOut).arg(kMostCompanyLines).arg(more)
+                                : QString());
 }
 
 void LetterheadDialog::add_logo(QFormLayout* form) {

@@ -26,6 +26,7 @@ class LetterheadDialog : public QDialog {
     void take_logo(const QString& path);
 
   private:
+    void count_lines();
     void add_logo(QFormLayout* form);
     void show_logo(const QString& fault);
     void letterhead_logo_Click();
@@ -33,6 +34,7 @@ class LetterheadDialog : public QDialog {
 
     const ProgramState& program_;
     QPlainTextEdit* company_;
+    QLabel* left_out_;
     QLineEdit* technician_;
     QLabel* picture_;
     QImage logo_;
