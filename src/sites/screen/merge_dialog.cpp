@@ -27,6 +27,11 @@ constexpr Bilingual kKeepAll{"&Keep all that is here", "&Conserva tutto ciò che
 constexpr Bilingual kSideColumns[] = {
     {"What", "Che cosa"}, {"Here", "Qui"}, {"In the file", "Nel file"}};
 
+/// So many lines of both lists can be seen at least.
+constexpr int kLeastConflicts = 3;
+constexpr int kLeastSides = 6;
+constexpr int kAroundLine = 4;  // pixels
+
 }  // namespace
 
 MergeDialog::MergeDialog(SiteMerge merge, const QString& title, const Texts& texts, QWidget* parent)
@@ -75,6 +80,7 @@ void MergeDialog::make_conflicts(QBoxLayout* layout) {
     for (const Bilingual& column : kSideColumns) heading += texts_.pick(column);
     sides_->setHorizontalHeaderLabels(heading);
     sides_->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    give_room();
     connect(conflicts_, &QListWidget::currentRowChanged, this, &MergeDialog::show_conflict);
     connect(conflicts_, &QListWidget::itemChanged, this, &MergeDialog::take_choice);
     auto* keys = new QHBoxLayout;
@@ -86,6 +92,16 @@ void MergeDialog::make_conflicts(QBoxLayout* layout) {
     layout->addWidget(conflicts_, 1);
     layout->addWidget(sides_, 1);
     conflicts_->setCurrentRow(0);
+}
+
+/// A low window scrolls rather than leave one line of each.
+void MergeDialog::give_room() {
+    const int line = fontMetrics().height() + kAroundLine;
+    sides_->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    sides_->verticalHeader()->setDefaultSectionSize(line);
+    sides_->setMinimumHeight(sides_->horizontalHeader()->sizeHint().height() + kLeastSides * line +
+                             2 * sides_->frameWidth());
+    conflicts_->setMinimumHeight(kLeastConflicts * line + 2 * conflicts_->frameWidth());
 }
 
 void MergeDialog::add_choice_key(QBoxLayout* row, const char* name, const Bilingual& caption,

@@ -21,6 +21,7 @@ class MergeDialog : public QDialog {
 
   private:
     void make_conflicts(QBoxLayout* layout);
+    void give_room();
     void add_choice_key(QBoxLayout* row, const char* name, const Bilingual& caption, bool theirs);
     void show_conflict(int row);
     void take_choice(const QListWidgetItem* item);
