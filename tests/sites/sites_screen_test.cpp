@@ -316,6 +316,55 @@ class SitesScreenTest : public QObject, protected ProgramInFolder {
         QVERIFY(program->currentText().startsWith("ROSSI 006"));
     }
 
+    void a_long_name_leaves_the_keys_in_the_window() {
+        start_with_year();
+        choose(0);
+        const int before = screen_->centralWidget()->minimumSizeHint().width();
+        Site site = *screen_->site();
+        site.name = QString("Condominio ").repeated(30);
+        program().sites().open()->store(site);
+        QTest::keyClick(window().windowHandle(), Qt::Key_F5);
+        QVERIFY(control<QLabel>("sites_title")->text().startsWith("Condominio Condominio"));
+        QCOMPARE(screen_->centralWidget()->minimumSizeHint().width(), before);
+        QVERIFY(control<QLabel>("sites_title")->toolTip().contains("2026-11-21 09:30"));
+    }
+
+    void visits_in_the_hour_that_comes_twice_are_told_apart() {
+        {
+            const auto store = opened_sites(folder());
+            const Site site = a_site("Sole");
+            store->store(site);
+            constexpr double kTwice = 1'792'888'200;  // 2026-10-25 02:30 in summer time
+            for (const int offset : {7200, 3600}) {
+                Visit visit = a_visit(site, 0);
+                visit.begun = {kTwice + 7200 - offset, offset};
+                store->store(visit);
+            }
+            store->store(a_visit(site, 24));
+        }
+        start_program(QSize(1100, 720));
+        open();
+        choose(0, 0);
+        QCOMPARE(tree()->currentIndex().data().toString(), QString("2026-10-25 02:30 (UTC+1)"));
+        QCOMPARE(control<QLabel>("sites_title")->text(),
+                 QString("Sole, visit of 2026-10-25 02:30 (UTC+1)"));
+        turn_to("view_compare");
+        QCOMPARE(control<QComboBox>("sites_with")->currentText(),
+                 QString("The visit before: 2026-10-25 02:30 (UTC+2)"));
+        QVERIFY(control<QLabel>("sites_summary")
+                    ->text()
+                    .startsWith("From 2026-10-25 02:30 (UTC+2) to 2026-10-25 02:30 (UTC+1)"));
+        QVERIFY(!control<QComboBox>("sites_with")->itemText(4).contains("UTC"));
+    }
+
+    void the_screen_is_named_in_the_language_in_use() {
+        start_program(QSize(1100, 720));
+        QCOMPARE(open()->windowTitle(), QString("Sites"));
+        screen_->parentWidget()->close();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCOMPARE(open(false)->windowTitle(), QString("Siti"));
+    }
+
     void where_there_is_no_room_for_all_charts_a_list_chooses() {
         start_with_year();
         choose(0);

@@ -110,7 +110,7 @@ void SiteTree::fetchMore(const QModelIndex& parent) {
 
 QVariant SiteTree::data(const QModelIndex& index, int role) const {
     if (!index.isValid()) return {};
-    if (const Visit* one = visit(index)) return visit_data(*one, index.column(), role);
+    if (visit(index)) return visit_data(index, role);
     return site_data(*site(index), index.column(), role);
 }
 
@@ -126,10 +126,13 @@ QVariant SiteTree::site_data(const SiteLine& line, int column, int role) const {
     return {};
 }
 
-QVariant SiteTree::visit_data(const Visit& visit, int column, int role) const {
+QVariant SiteTree::visit_data(const QModelIndex& index, int role) const {
+    const std::vector<Visit>& beside = *branches_[branch_of(index)].visits;
+    const Visit& visit = beside[static_cast<std::size_t>(index.row())];
+    const int column = index.column();
     const bool failed = column == 1 && has_failed(visit.id);
     if (role == Qt::DisplayRole) {
-        if (column == 0) return visit_time(visit);
+        if (column == 0) return visit_time(visit, beside);
         if (!visit.ended) return texts_.pick(kOpenVisit);
         return failed ? texts_.pick(kFailedVisit) : QString();
     }

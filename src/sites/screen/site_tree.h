@@ -49,7 +49,7 @@ class SiteTree : public QAbstractItemModel {
         std::optional<std::vector<Visit>> visits;
     };
     QVariant site_data(const SiteLine& line, int column, int role) const;
-    QVariant visit_data(const Visit& visit, int column, int role) const;
+    QVariant visit_data(const QModelIndex& index, int role) const;
 
     std::vector<Branch> branches_;
     Texts texts_;

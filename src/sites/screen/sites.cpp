@@ -37,6 +37,7 @@ constexpr int kLookEvery = 2000;
 /// The dates proposed span so many days before the latest visit.
 constexpr int kUsualDays = 365;
 
+constexpr Bilingual kSitesTitle{"Sites", "Siti"};
 constexpr Bilingual kNoSites{
     "No sites yet.\n\nA site comes with its first visit on the real-time screen, with an imported "
     "log, or by \"New site…\".",
@@ -205,6 +206,7 @@ void Sites::connect_lists() {
 }
 
 void Sites::Form_Load() {
+    setWindowTitle(program_.texts.pick(kSitesTitle));
     set_captions(this, sites_captions(), program_.texts);
     set_tooltips(this, sites_tooltips(), program_.texts);
     ui_->sites_search->setPlaceholderText(program_.texts.pick(kSearchHere));
@@ -442,7 +444,7 @@ bool Sites::may_remove(const Visit* visit) {
     Said question{kRemoveSite, {site_->name}};
     Said goes{kSiteGoes, {QString::number(visits.size()), rows}};
     if (visit) {
-        question = {kRemoveVisit, {site_->name, visit_time(*visit)}};
+        question = {kRemoveVisit, {site_->name, visit_time(*visit, at_site_)}};
         goes = {kVisitGoes, {rows}};
     }
     return ask_first(this, program_.texts.pick(kRemoveTitle), question.in(program_.texts),

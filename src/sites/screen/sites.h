@@ -125,7 +125,8 @@ class Sites : public Screen {
     bool dates_proposed_ = false;
     bool site_itself_ = false;  ///< not one of its visits is chosen
     std::vector<VisitMeasurement> rows_;
-    std::vector<Visit> others_;  ///< at the site, in the order of their list
+    std::vector<Visit> at_site_;  ///< all visits there, the latest first
+    std::vector<Visit> others_;   ///< but the one chosen
     With with_ = With::last;
     QUuid with_visit_;  ///< where With::chosen
     std::vector<ProgramComparison> compared_;

@@ -136,20 +136,21 @@ CodeRateOf Sites::code_rates() const {
 void Sites::show_chosen() {
     const Texts& texts = program_.texts;
     rows_ = visit_ && store_ ? store_->measurements(visit_->id) : std::vector<VisitMeasurement>();
+    list_others();
     QString title = texts.pick(kNothingChosen);
     QString facts;
     if (site_) {
         const QString name = site_->name.simplified();
-        title = visit_ ? Said{kVisitOf, {name, visit_time(*visit_)}}.in(texts)
+        title = visit_ ? Said{kVisitOf, {name, visit_time(*visit_, at_site_)}}.in(texts)
                        : Said{kWithoutVisit, {name}}.in(texts);
         QStringList all{site_facts(*site_), visit_ ? visit_facts(*visit_, texts) : QString()};
         all.removeAll(QString());
         facts = all.join(QStringLiteral("  –  "));
     }
     ui_->sites_title->setText(title);
+    ui_->sites_title->setToolTip(plain_tooltip(title));
     ui_->sites_facts->setText(facts);
     ui_->sites_facts->setToolTip(plain_tooltip(facts));
-    list_others();
     show_front();
 }
 
@@ -171,8 +172,9 @@ void Sites::show_rows() {
 
 /// The visit before, the first one and all the others, the latest first.
 void Sites::list_others() {
-    others_.clear();
-    if (visit_ && store_) others_ = store_->visits(visit_->site);
+    at_site_.clear();
+    if (visit_ && store_) at_site_ = store_->visits(visit_->site);
+    others_ = at_site_;
     ui_->sites_with->clear();
     if (!visit_) return;
     std::erase_if(others_, [this](const Visit& each) { return each.id == visit_->id; });
@@ -184,11 +186,12 @@ void Sites::list_others() {
     const auto before = std::ranges::find_if(
         others_, [this](const Visit& each) { return each.begun.utc <= visit_->begun.utc; });
     if (before != others_.end()) {
-        add(Said{kLastVisit, {visit_time(*before)}}.in(program_.texts), before->id, With::last);
-        add(Said{kFirstVisit, {visit_time(others_.back())}}.in(program_.texts), others_.back().id,
-            With::first);
+        add(Said{kLastVisit, {visit_time(*before, at_site_)}}.in(program_.texts), before->id,
+            With::last);
+        add(Said{kFirstVisit, {visit_time(others_.back(), at_site_)}}.in(program_.texts),
+            others_.back().id, With::first);
     }
-    for (const Visit& each : others_) add(visit_time(each), each.id, With::chosen);
+    for (const Visit& each : others_) add(visit_time(each, at_site_), each.id, With::chosen);
     int place = 0;
     for (int k = 0; k < ui_->sites_with->count(); ++k) {
         const int kind = ui_->sites_with->itemData(k, Qt::UserRole + 1).toInt();
@@ -226,8 +229,9 @@ void Sites::show_compared() {
     const bool is_later = other->begun.utc > visit_->begun.utc;
     const Visit& then = is_later ? *visit_ : *other;
     const Visit& now = is_later ? *other : *visit_;
-    ui_->sites_summary->setText(Said{
-        kFromTo, {visit_time(then), visit_time(now), counted_meanings(compared_, program_.texts)}}
+    ui_->sites_summary->setText(Said{kFromTo,
+                                     {visit_time(then, at_site_), visit_time(now, at_site_),
+                                      counted_meanings(compared_, program_.texts)}}
                                     .in(program_.texts));
     ui_->sites_compared->show_table(table_of_comparison(compared_, code_rates()), program_.texts);
 }

@@ -3,6 +3,8 @@
 
 #include <QDateTime>
 #include <QStringList>
+#include <algorithm>
+#include <cstdlib>
 
 namespace m47::sites {
 namespace {
@@ -15,6 +17,16 @@ QDateTime wall_time(double seconds) {
     return QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(seconds * kThousand), Qt::UTC);
 }
 
+/// "UTC+1", "UTC-3:30".
+QString offset_text(int seconds) {
+    constexpr int kMinute = 60;
+    const int minutes = std::abs(seconds) / kMinute;
+    const QString text =
+        QStringLiteral("UTC%1%2").arg(QChar(seconds < 0 ? u'-' : u'+')).arg(minutes / kMinute);
+    const int rest = minutes % kMinute;
+    return rest == 0 ? text : text + QStringLiteral(":%1").arg(rest, 2, 10, QChar(u'0'));
+}
+
 QString joined(QStringList facts) {
     for (QString& each : facts) each = each.simplified();
     facts.removeAll(QString());
@@ -25,6 +37,14 @@ QString joined(QStringList facts) {
 
 QString visit_time(const Visit& visit) {
     return wall_time(visit.begun.wall()).toString(QStringLiteral("yyyy-MM-dd HH:mm"));
+}
+
+QString visit_time(const Visit& visit, const std::vector<Visit>& beside) {
+    const QString time = visit_time(visit);
+    const bool is_twice = std::ranges::any_of(beside, [&](const Visit& other) {
+        return other.begun.offset != visit.begun.offset && visit_time(other) == time;
+    });
+    return is_twice ? QStringLiteral("%1 (%2)").arg(time, offset_text(visit.begun.offset)) : time;
 }
 
 QDate day_of(const Instant& instant) {

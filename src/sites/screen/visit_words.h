@@ -3,6 +3,7 @@
 
 #include <QDate>
 #include <QString>
+#include <vector>
 
 #include "site_records.h"
 #include "texts.h"
@@ -11,6 +12,9 @@ namespace m47::sites {
 
 /// "2026-11-22 09:00", on the wall clock of the place.
 QString visit_time(const Visit& visit);
+/// The same with the offset, "2026-10-25 02:30 (UTC+1)", where another visit of `beside` reads
+/// alike in the hour that comes twice.
+QString visit_time(const Visit& visit, const std::vector<Visit>& beside);
 /// The day of it on the wall clock of the place.
 QDate day_of(const Instant& instant);
 /// Seconds since 1970 of the midnight that begins `day`, on a wall clock.
