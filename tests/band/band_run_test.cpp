@@ -32,7 +32,7 @@ struct Steady {
             if (command == "LEVANL?") {
                 ++levels;
                 if (on_level) on_level();
-                return FakePort::good(command, "  57.9");
+                return FakePort::good(command, unit == "02" ? "  -51.1" : "  57.9");
             }
             if (command == "UNIT?") return FakePort::good(command, unit);
             if (command == "FREQ?") return FakePort::good(command, "1178.0");
@@ -263,6 +263,22 @@ void BandTest::levels_in_units_that_nobody_knows_are_left_out() {
     QVERIFY2(told.endsWith("The unit was changed at the meter meanwhile: the levels of that pass "
                            "are left out."),
              qPrintable(told));
+}
+
+/// As by somebody who looks what another unit says and goes back.
+void BandTest::a_unit_set_back_within_a_pass_is_noticed() {
+    Steady meter;
+    BandChoice wanted = choice(false, 1000, 1040, 0);
+    wanted.step = 10;
+    BandRun run(meter.link, passes_of(wanted));
+    bool mixed = false;
+    run.on_mixed = [&] { mixed = true; };
+    meter.on_level = [&] { meter.unit = meter.levels == 2 || meter.levels == 3 ? "02" : "00"; };
+    const BandEnd end = run.run();
+    QVERIFY(mixed && end.unit_changed);
+    QCOMPARE(end.levels, 0);
+    // Asked once for it, at the first level that told it.
+    QCOMPARE(meter.port.take_commands().filter("UNIT?").size(), 2);
 }
 
 void BandTest::a_run_tells_each_end_in_one_sentence() {

@@ -40,6 +40,7 @@ class BandTest : public QObject {
     void a_run_that_repeats_goes_on_until_it_is_stopped();
     void levels_in_units_that_nobody_knows_are_left_out_data();
     void levels_in_units_that_nobody_knows_are_left_out();
+    void a_unit_set_back_within_a_pass_is_noticed();
     void a_run_tells_each_end_in_one_sentence();
     void carriers_become_programs();
     // meter_levels_test.cpp

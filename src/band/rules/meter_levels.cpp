@@ -4,7 +4,10 @@
 #include "commands.h"
 #include "fault.h"
 #include "measure_replies.h"
+#include "measurement.h"
 #include "numbers.h"
+#include "program_limits.h"
+#include "program_state.h"
 #include "qpsk_mode.h"
 
 namespace m47::band {
@@ -15,6 +18,8 @@ const QString kDone = QStringLiteral("OK");
 constexpr double kAfterRanging = 1;
 /// An LNB or a switch that is fed goes over to another voltage or tone within so many seconds.
 constexpr double kAfterFeed = 0.1;
+/// How far beyond the meter's range a level lies that is in no unit, or in another one, dB.
+constexpr double kBeyondRange = 5;
 /// A doubtful answer is asked for again so often.
 constexpr int kTries = 2;
 
@@ -79,6 +84,7 @@ void MeterLevels::prepare(const Feed& feed) {
     kept_.note_tuning();
     kept_.note_feed(feed);
     unit_.begin();
+    strayed_ = false;
     if (!lost()) kept_.changed();
     send(link::command::kMeasure);
     send(link::command::kNoOscillator);
@@ -116,8 +122,22 @@ std::optional<measurement::Reading> MeterLevels::ask_level(double mhz) {
 measurement::Reading MeterLevels::level(double mhz) {
     if (!attenuated_) attenuate();
     for (int tried = 0; tried < kTries && !lost(); ++tried)
-        if (const auto reading = sure(link_, [&] { return ask_level(mhz); })) return *reading;
+        if (const auto reading = sure(link_, [&] { return ask_level(mhz); })) {
+            look_at_unit(*reading);
+            return *reading;
+        }
     return {};
+}
+
+/// A level that the meter cannot measure in the unit of the sweep is in another one: somebody may
+/// have set that back before it is asked for again.
+void MeterLevels::look_at_unit(const measurement::Reading& reading) {
+    const std::optional<LevelUnit> unit = measurement::unit_of_index(unit_.first());
+    if (strayed_ || !unit || !reading.measured()) return;
+    const programme::LevelRange range = programme::level_range(unit_offset(*unit));
+    const auto value = static_cast<double>(reading.value);
+    if (value < range.minimum - kBeyondRange || value > range.maximum + kBeyondRange)
+        strayed_ = unit_.changed();
 }
 
 Quality MeterLevels::ask_quality(double mhz, int kilosymbols) {

@@ -36,8 +36,9 @@ class MeterLevels : public LevelAsker {
     bool change_feed(const Feed& feed);
 
     measurement::Reading level(double mhz) override;
-    /// As link::UnitWatch, since prepare().
-    bool unit_changed() { return unit_.changed(); }
+    /// As link::UnitWatch, since prepare(); also where a level in between told that, and the unit
+    /// is the first one again.
+    bool unit_changed() { return strayed_ || unit_.changed(); }
     /// Of the carrier at `mhz` of the intermediate band with `kilosymbols` a second; takes six
     /// seconds. One that was not measured where no answer is sure.
     Quality quality(double mhz, int kilosymbols);
@@ -56,6 +57,7 @@ class MeterLevels : public LevelAsker {
     void attenuate();
     bool tune(double mhz);
     std::optional<measurement::Reading> ask_level(double mhz);
+    void look_at_unit(const measurement::Reading& reading);
     Quality ask_quality(double mhz, int kilosymbols);
 
     link::Link& link_;
@@ -63,6 +65,7 @@ class MeterLevels : public LevelAsker {
     Feed fed_;  ///< as far as the meter has surely taken it
     bool attenuated_ = false;
     link::UnitWatch unit_;
+    bool strayed_ = false;  ///< a level since prepare() was in another unit
 };
 
 }  // namespace m47::band
