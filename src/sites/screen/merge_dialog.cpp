@@ -94,13 +94,16 @@ void MergeDialog::make_conflicts(QBoxLayout* layout) {
     conflicts_->setCurrentRow(0);
 }
 
-/// A low window scrolls rather than leave one line of each.
+/// Both lists share the room that there is: as high as they would like to be, the upper one alone
+/// would fill a low window.
 void MergeDialog::give_room() {
     const int line = fontMetrics().height() + kAroundLine;
     sides_->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     sides_->verticalHeader()->setDefaultSectionSize(line);
     sides_->setMinimumHeight(sides_->horizontalHeader()->sizeHint().height() + kLeastSides * line +
                              2 * sides_->frameWidth());
+    for (QWidget* list : {static_cast<QWidget*>(sides_), static_cast<QWidget*>(conflicts_)})
+        list->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);
     conflicts_->setMinimumHeight(kLeastConflicts * line + 2 * conflicts_->frameWidth());
 }
 
