@@ -194,7 +194,7 @@ class ComparisonTest : public QObject {
         QCOMPARE(told(swapped),
                  QStringList({"001 another transponder", "002 another transponder"}));
         QVERIFY(!swapped[0].change(Quantity::mer) && !fall_of(swapped[0]));
-        // A retuned LNB is none.
+        // A drift of the LNB is none.
         QVERIFY(only(row("001", "14", 11778), row("001", "9", 11780.5F)).meaning == Meaning::worse);
         // One of two under a number in one visit counts beside the other, and is found again.
         const std::vector<VisitMeasurement> both{row("001", "14", 11778), row("001", "9", 11300),
