@@ -99,10 +99,10 @@ const QStringList kIdentifySetBack{"LOCOSC 00", "FREQ 1000.0", "ATTEN 06",
 /// The recording of a meter on which somebody chooses another unit between two levels.
 void write_unit_change(const QString& path) {
     const QByteArrayList exchanges[] = {
-        {"ATTEN?", "06"},     {"VER?", "V3.1.0 PLUS"}, {"FREQ?", "1000.0"}, {"LOCOSC?", "00"},
-        {"ATTEN?", "06"},     {"UNIT?", "00"},         {"MEASURE", ""},     {"LOCOSC 00", ""},
-        {"ATTEN 6", ""},      {"FREQ 0990.0", ""},     {"LEVANL?", "57.9"}, {"FREQ 0995.0", ""},
-        {"LEVANL?", "-51.1"}, {"UNIT?", "02"},         {"LOCOSC 00", ""},   {"FREQ 1000.0", ""},
+        {"ATTEN?", "06"},      {"VER?", "V3.1.0 PLUS"}, {"FREQ?", "1000.0"},  {"LOCOSC?", "00"},
+        {"ATTEN?", "06"},      {"UNIT?", "00"},         {"MEASURE", ""},      {"LOCOSC 00", ""},
+        {"ATTEN 6", ""},       {"FREQ 0990.0", ""},     {"LEVANL?", " 57.9"}, {"FREQ 0995.0", ""},
+        {"LEVANL?", " -51.1"}, {"UNIT?", "02"},         {"LOCOSC 00", ""},    {"FREQ 1000.0", ""},
         {"ATTEN 06", ""}};
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly)) qFatal("no recording");
