@@ -5,7 +5,9 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QPushButton>
+#include <QScreen>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <iterator>
 
 #include "dialog_body.h"
@@ -27,10 +29,11 @@ constexpr Bilingual kKeepAll{"&Keep all that is here", "&Conserva tutto ciò che
 constexpr Bilingual kSideColumns[] = {
     {"What", "Che cosa"}, {"Here", "Qui"}, {"In the file", "Nel file"}};
 
-/// So many lines of both lists can be seen at least.
+/// So many lines of both lists can be seen at least, where the screen has room for them.
 constexpr int kLeastConflicts = 3;
 constexpr int kLeastSides = 6;
-constexpr int kAroundLine = 4;  // pixels
+constexpr int kAroundLine = 4;     // pixels
+constexpr int kRoomyScreen = 500;  // pixels high
 
 }  // namespace
 
@@ -100,11 +103,15 @@ void MergeDialog::give_room() {
     const int line = fontMetrics().height() + kAroundLine;
     sides_->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     sides_->verticalHeader()->setDefaultSectionSize(line);
-    sides_->setMinimumHeight(sides_->horizontalHeader()->sizeHint().height() + kLeastSides * line +
-                             2 * sides_->frameWidth());
+    const auto hold = [this](QAbstractScrollArea* list, int wanted) {
+        const bool is_roomy = screen()->availableSize().height() >= kRoomyScreen;
+        const int least = is_roomy ? wanted + 2 * list->frameWidth() : 0;
+        list->setMinimumHeight(std::max(list->minimumSizeHint().height(), least));
+    };
+    hold(sides_, sides_->horizontalHeader()->sizeHint().height() + kLeastSides * line);
+    hold(conflicts_, kLeastConflicts * line);
     for (QWidget* list : {static_cast<QWidget*>(sides_), static_cast<QWidget*>(conflicts_)})
         list->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);
-    conflicts_->setMinimumHeight(kLeastConflicts * line + 2 * conflicts_->frameWidth());
 }
 
 void MergeDialog::add_choice_key(QBoxLayout* row, const char* name, const Bilingual& caption,
