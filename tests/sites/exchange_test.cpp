@@ -155,6 +155,13 @@ class ExchangeTest : public QObject {
         row("half a version", R"({"format": "m47-sites", "version": 1.5})", "'version'");
         row("sites no list", R"({"format": "m47-sites", "version": 1, "sites": {}})", "'sites'");
         row("no site", R"({"format": "m47-sites", "version": 1, "sites": [7]})", "'sites[0]'");
+        row("a member twice", R"({"format": "m47-sites", "version": 1, "sites": [], "sites" : []})",
+            "'sites' twice, the second time at byte 52", false);
+        // The name may stand behind a quote in a text, and with blanks before its colon.
+        row("twice behind a quote",
+            "{\"format\": \"m47-sites\", \"version\": 1, \"sites\": "
+            "[{\"name\": \"a\\\": {\", \"name\" :\"b\"}]}",
+            "'name' twice", false);
         row("more than known", with_row("colour", "red"), at(".measurements[0].colour"));
         row("no id", with_row("id", QJsonValue()), at(".measurements[0].id"));
         row("null id", with_row("id", "00000000-0000-0000-0000-000000000000"), "[0].id'");

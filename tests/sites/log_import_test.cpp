@@ -140,6 +140,24 @@ class LogImportTest : public QObject {
         QVERIFY(!read({}).refused && read({}).visits.empty());
     }
 
+    /// Beside a frequency of the first IF stands the oscillator of the box, which was not used.
+    void a_frequency_of_the_first_if_has_no_oscillator() {
+        const LogPreview log = read(
+            "21/07/26\t09:10:11\t1178.0\t10600\t57.9\t\t\t\t\t\t\n"
+            "21/07/26\t09:10:12\t 3700.0\t5150\t57.9\t\t\t\t\t\t\n");
+        const auto& rows = log.visits.at(0).whole.rows;
+        QVERIFY(!rows[0].measurement.oscillator);
+        QCOMPARE(rows[1].measurement.oscillator, std::optional(5150.0F));
+    }
+
+    void a_clock_set_back_leaves_the_visit_its_time() {
+        const LogPreview log = read(line("21/11/26", "10:41:13") + line("21/11/26", "09:00:00") +
+                                    line("21/11/26", "09:30:00"));
+        QCOMPARE(log.visits.size(), 1U);
+        const Visit& visit = log.visits[0].whole.visit;
+        QCOMPARE(visit.ended->utc - visit.begun.utc, 101.0 * 60 + 13);
+    }
+
     void a_long_gap_begins_another_visit() {
         QCOMPARE(visits(line("21/11/26", "08:00:00") + line("21/11/26", "12:00:00") +
                         line("21/11/26", "16:00:01") + line("21/11/26", "19:00:00")),

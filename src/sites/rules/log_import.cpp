@@ -18,6 +18,8 @@ constexpr Bilingual kLogTooLong{"This file is longer than a log that can be impo
 constexpr Bilingual kNoLog{"This is no log: more than %1 of its lines cannot be read.",
                            "Questo non è un log: più di %1 righe non si possono leggere."};
 
+constexpr float kHighestFirstIf = 2150;  // MHz
+
 /// Of a line that cannot be read so much is told.
 constexpr std::size_t kToldLine = 200;
 
@@ -51,7 +53,7 @@ class LogReader {
 
   private:
     void add(std::string_view line) {
-        const measurement::Measurement read = measurement::measurement_of_line(line);
+        const measurement::Measurement read = as_tuned(measurement::measurement_of_line(line));
         const Instant instant = instant_at(*read.instant);
         if (preview.visits.empty() || std::fabs(*read.instant - last_) > kVisitGap)
             begin(line, instant);
@@ -63,8 +65,21 @@ class LogReader {
                                     .visit = visit.whole.visit.id,
                                     .instant = instant,
                                     .measurement = read});
-        visit.whole.visit.ended = instant;
+        stretch(visit.whole.visit, instant);
         visit.lines.push_back(number_);
+    }
+
+    /// A line has the oscillator of the box also where the meter was tuned in the first IF: an LNB
+    /// receives nothing there.
+    static measurement::Measurement as_tuned(measurement::Measurement read) {
+        if (read.frequency && *read.frequency <= kHighestFirstIf) read.oscillator.reset();
+        return read;
+    }
+
+    /// A clock that is set back takes nothing from the time of a visit.
+    static void stretch(Visit& visit, const Instant& instant) {
+        if (instant.utc < visit.begun.utc) visit.begun = instant;
+        if (!visit.ended || instant.utc > visit.ended->utc) visit.ended = instant;
     }
 
     void begin(std::string_view line, const Instant& instant) {

@@ -7,6 +7,7 @@
 #include <type_traits>
 
 #include "json_members.h"
+#include "json_repeats.h"
 #include "measurement_output.h"
 #include "site_file.h"
 #include "site_file_names.h"
@@ -25,6 +26,9 @@ constexpr Bilingual kOtherFile{"This is no file of sites.", "Questo non è un fi
 constexpr Bilingual kLaterVersion{
     "This file of sites was written by a later version of the program.",
     "Questo file di siti è stato scritto da una versione successiva del programma."};
+constexpr Bilingual kMemberTwice{
+    "This is no file of sites: an object has '%1' twice, the second time at byte %2.",
+    "Questo non è un file di siti: un oggetto ha '%1' due volte, la seconda al byte %2."};
 constexpr Bilingual kIdTwice{"This is no file of sites: the id %1 comes twice.",
                              "Questo non è un file di siti: l'id %1 compare due volte."};
 
@@ -194,6 +198,8 @@ SiteFileRead read_site_file(const QByteArray& bytes) {
     if (error.error != QJsonParseError::NoError)
         return {{}, Said{kNoJson, {error.errorString(), QString::number(error.offset)}}};
     if (!document.isObject()) return {{}, Said{kOtherFile, {}}};
+    if (const auto twice = repeated_member(bytes))
+        return {{}, Said{kMemberTwice, {twice->name, QString::number(twice->offset)}}};
     try {
         return {SiteFileReader().sites(document.object()), {}};
     } catch (const Refused& refused) {

@@ -7,7 +7,6 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QVBoxLayout>
-#include <algorithm>
 #include <iterator>
 
 #include "dialog_body.h"
@@ -98,20 +97,17 @@ void MergeDialog::make_conflicts(QBoxLayout* layout) {
 }
 
 /// Both lists share the room that there is: as high as they would like to be, the upper one alone
-/// would fill a low window.
+/// would fill a low window. On a screen that is lower still the window is scrolled.
 void MergeDialog::give_room() {
     const int line = fontMetrics().height() + kAroundLine;
     sides_->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     sides_->verticalHeader()->setDefaultSectionSize(line);
-    const auto hold = [this](QAbstractScrollArea* list, int wanted) {
-        const bool is_roomy = screen()->availableSize().height() >= kRoomyScreen;
-        const int least = is_roomy ? wanted + 2 * list->frameWidth() : 0;
-        list->setMinimumHeight(std::max(list->minimumSizeHint().height(), least));
-    };
-    hold(sides_, sides_->horizontalHeader()->sizeHint().height() + kLeastSides * line);
-    hold(conflicts_, kLeastConflicts * line);
+    if (screen()->availableSize().height() < kRoomyScreen) return;
+    sides_->setMinimumHeight(sides_->horizontalHeader()->sizeHint().height() + kLeastSides * line +
+                             2 * sides_->frameWidth());
     for (QWidget* list : {static_cast<QWidget*>(sides_), static_cast<QWidget*>(conflicts_)})
         list->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);
+    conflicts_->setMinimumHeight(kLeastConflicts * line + 2 * conflicts_->frameWidth());
 }
 
 void MergeDialog::add_choice_key(QBoxLayout* row, const char* name, const Bilingual& caption,
