@@ -18,6 +18,7 @@
 #include "sites_tooltips.h"
 #include "tone_delegate.h"
 #include "ui_sites.h"
+#include "visit_claim.h"
 #include "visit_words.h"
 
 namespace m47::sites {
