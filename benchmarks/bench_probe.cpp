@@ -22,14 +22,16 @@
 #include <vector>
 
 #include "figure.h"
+#include "willing_engine.h"
 
 namespace {
 
 constexpr int kStarts = 15;
-constexpr int kPatience = 20'000;  // ms
+constexpr int kPatience = 60'000;  // ms
 constexpr int kSettled = 1'000;    // ms, behind the last row
 constexpr int kPrograms = 2;
-constexpr double kIdle = 20;  // seconds between two passes that are looked at
+constexpr int kPasses = 3;    // behind which it is as it will be for days
+constexpr double kIdle = 10;  // seconds between two passes that are looked at
 constexpr double kMostMilliseconds = 50;
 constexpr double kMostMebibytes = 16;
 constexpr double kMostOfAProcessor = 0.005;
@@ -163,8 +165,9 @@ bool take_rows(QProcess& process, int rows) {
     return true;
 }
 
-/// What the probe costs that measures the plan; nothing where it does not come to that.
-bool measure_cost(const QString& folder, Cost& cost) {
+/// What the probe costs that measures the plan, with `more` options; nothing where it does not come
+/// to that.
+bool measure_cost(const QString& folder, Cost& cost, const QStringList& more = {}) {
     QProcess meter;
     const QString device = folder + QStringLiteral("/meter");
     if (!start(meter, QStringLiteral(METER_PROGRAM),
@@ -173,16 +176,17 @@ bool measure_cost(const QString& folder, Cost& cost) {
         !wait_for_line(meter))
         return false;
     QProcess probe;
-    const QStringList arguments{QStringLiteral("--directory"), folder,
-                                QStringLiteral("--on-port"),   QStringLiteral("1"),
-                                QStringLiteral("--port"),      QStringLiteral("1=") + device,
-                                QStringLiteral("--plan"),      QStringLiteral("R"),
-                                QStringLiteral("--passes"),    QStringLiteral("0"),
-                                QStringLiteral("--every"),     QStringLiteral("3600"),
-                                QStringLiteral("--log"),       QStringLiteral("r.log"),
-                                QStringLiteral("--reconnect"), QStringLiteral("--full-tune")};
-    const bool measures =
-        start(probe, QStringLiteral(PROBE_PROGRAM), arguments) && take_rows(probe, kPrograms);
+    QStringList arguments{QStringLiteral("--directory"), folder,
+                          QStringLiteral("--on-port"),   QStringLiteral("1"),
+                          QStringLiteral("--port"),      QStringLiteral("1=") + device,
+                          QStringLiteral("--plan"),      QStringLiteral("R"),
+                          QStringLiteral("--passes"),    QStringLiteral("0"),
+                          QStringLiteral("--every"),     QStringLiteral("30"),
+                          QStringLiteral("--log"),       QStringLiteral("r.log"),
+                          QStringLiteral("--reconnect"), QStringLiteral("--full-tune")};
+    arguments += more;
+    const bool measures = start(probe, QStringLiteral(PROBE_PROGRAM), arguments) &&
+                          take_rows(probe, kPasses * kPrograms);
     if (measures) {
         QThread::msleep(kSettled);
         const qint64 process = probe.processId();
@@ -229,10 +233,17 @@ int main(int argc, char** argv) {
         if (probe.back() < 0 || bare.back() < 0) return 1;
     }
     Cost cost;
+    Cost publishing;
+    const WillingEngine engine;
+    const QString address = QStringLiteral("http://127.0.0.1:%1/write").arg(engine.port());
     const double bare_memory = bare_mebibytes();
-    if (bare_memory <= 0 || !measure_cost(folder.path(), cost)) return 1;
+    if (bare_memory <= 0 || !measure_cost(folder.path(), cost) ||
+        !measure_cost(folder.path(), publishing, {QStringLiteral("--publish"), address}))
+        return 1;
     std::printf("probe  %6.1f ms to the first byte, %5.1f MiB resident, %.3f %% of a processor\n",
                 median(probe), cost.mebibytes, cost.of_a_processor * 100);
+    std::printf("probe that publishes        %5.1f MiB resident, %.3f %% of a processor\n",
+                publishing.mebibytes, publishing.of_a_processor * 100);
     std::printf("bare   %6.1f ms to the first byte, %5.1f MiB resident\n", median(bare),
                 bare_memory);
     const char* const against = "bare QCoreApplication with a serial port";
@@ -243,6 +254,8 @@ int main(int argc, char** argv) {
     bench::print_figure("probe: start to the first byte", median(probe) / kMostMilliseconds, 1,
                         "50 ms");
     bench::print_figure("probe: resident memory", cost.mebibytes / kMostMebibytes, 1, "16 MiB");
+    bench::print_figure("probe that publishes: resident memory",
+                        publishing.mebibytes / kMostMebibytes, 1, "16 MiB");
     bench::print_figure("probe: processor between passes", cost.of_a_processor / kMostOfAProcessor,
                         1, "0.5 % of one");
     return 0;

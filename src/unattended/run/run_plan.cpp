@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run_plan.h"
 
+#include <algorithm>
+
 #include "end_signals.h"
 #include "plan_run.h"
+#include "resident_memory.h"
 #include "run_meter.h"
 #include "run_output.h"
 #include "run_panel.h"
@@ -10,6 +13,9 @@
 
 namespace m47::unattended {
 namespace {
+
+/// Behind so many passes all that only a start needs has been done, the first delivery too.
+constexpr int kPassesOfTheStart = 2;
 
 /// Takes over what a run over a plan came to, also where a second signal broke it off.
 struct KeepOutcome {
@@ -62,7 +68,11 @@ void measure_plan(Run& run) {
         run.service.status(text, true);
     };
     plan_run.pass_time = [&run](double seconds) { run.publishing.pass_time(seconds); };
-    plan_run.on_pass = [&run](double seconds) { run.publishing.pass_ended(seconds); };
+    plan_run.on_pass = [&run, starting = kPassesOfTheStart](double seconds) mutable {
+        run.publishing.pass_ended(seconds);
+        if (starting > 0) platform::give_back_code();
+        starting = std::max(0, starting - 1);
+    };
     const KeepOutcome outcome{run, plan_run};
     // How it ended shows in the link, the signals and the rows; see status_of().
     static_cast<void>(plan_run.run());
