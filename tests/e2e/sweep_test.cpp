@@ -27,6 +27,7 @@ class SweepTest : public QObject {
     void under_each_fault();
     void a_peak_byte_by_byte();
     void a_turning_dish_is_told_to_stop();
+    void a_peak_with_a_symbol_rate();
     void a_dish_under_a_fault_data();
     void a_dish_under_a_fault();
     void which_satellite_data();
@@ -375,6 +376,23 @@ void SweepTest::a_turning_dish_is_told_to_stop() {
                                     "stays where it is.\n"));
     const QStringList sent = stand.meter.commands();
     QCOMPARE(sent.mid(sent.size() - 8), QStringList{"DISEQCMOT 09 09 01"} + kPeakSetBack);
+}
+
+/// The demodulator is told what to lock on before the first level, and the rate it had at the end.
+void SweepTest::a_peak_with_a_symbol_rate() {
+    TestStand stand;
+    stand.remote.start(peaking(stand) + QStringList{"--symbol-rate", "22000"});
+    QVERIFY(stand.meter.wait_for_command("DISEQCMOT 09 04 01"));
+    stand.remote.send_signal(SIGTERM);
+    QCOMPARE(stand.remote.wait().status, 7);
+    QStringList prepared = kPeakPrepared;
+    prepared.insert(7, "SYMBRATEQPSK?");
+    prepared.insert(8, "SYMBRATEQPSK 22000");
+    const QStringList sent = stand.meter.commands();
+    QCOMPARE(sent.mid(0, kIdentification.size() + kNoted.size() + prepared.size()),
+             kIdentification + kNoted + prepared);
+    QCOMPARE(sent.mid(sent.size() - kPeakSetBack.size() - 1),
+             kPeakSetBack + QStringList{"SYMBRATEQPSK 27500"});
 }
 
 void SweepTest::a_dish_under_a_fault_data() {

@@ -135,7 +135,7 @@ void OptionsTest::wrong_data() {
         "--move-the-dish says that nobody stands there");
     row("dish of no peak", measuring({"--move-the-dish"}), "--move-the-dish goes with --peak only");
     for (const char* option :
-         {"--measure", "--sweep", "--plan", "--diseqc", "--open", "--log", "--symbol-rate"}) {
+         {"--measure", "--sweep", "--plan", "--diseqc", "--open", "--log", "--bandwidth"}) {
         QStringList all{"--on-port",       "1",      "--freq", "1000",
                         "--move-the-dish", "--peak", "5",      option};
         if (option != QLatin1String("--measure"))

@@ -75,10 +75,11 @@ void OptionsTest::visits() {
 }
 
 void OptionsTest::peaks() {
-    const Options peak =
-        parse({"--on-port", "1", "--freq", "11590", "--oscillator", "10600", "--lnb", "18",
-               "--tone", "on", "--peak", "2.5", "--move-the-dish", "--trace", "t"});
+    const Options peak = parse({"--on-port", "1", "--freq", "11590", "--oscillator", "10600",
+                                "--lnb", "18", "--tone", "on", "--peak", "2.5", "--move-the-dish",
+                                "--trace", "t", "--symbol-rate", "22000"});
     QCOMPARE(peak.error, QString());
+    QCOMPARE(peak.symbol_rate, QString("22000"));
     QVERIFY(peak.unattended() && peak.move_the_dish && !peak.sweep);
     QCOMPARE(peak.peak_span.value(), 25);
     QCOMPARE(peak.frequency, QString("11590"));

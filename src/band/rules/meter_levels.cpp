@@ -141,8 +141,7 @@ void MeterLevels::look_at_unit(const measurement::Reading& reading) {
 }
 
 Quality MeterLevels::ask_quality(double mhz, int kilosymbols) {
-    const QString rate = link::format_number(kilosymbols, " 00000");
-    if (!tune(mhz) || link_.ask(link::command::kSymbolRate + rate) != kDone) return {};
+    if (!tune(mhz) || !change_symbol_rate(kilosymbols)) return {};
     attenuated_ = false;
     if (link_.ask(with_digits(link::command::kAttenuator, 0)) != kDone) return {};
     link::QpskMode mode(link_);
@@ -153,8 +152,12 @@ Quality MeterLevels::ask_quality(double mhz, int kilosymbols) {
             reading_behind(link::kOffsetLabel, measurement::Quantity::cfo, *answer)};
 }
 
-Quality MeterLevels::quality(double mhz, int kilosymbols) {
+bool MeterLevels::change_symbol_rate(int kilosymbols) {
     kept_.note_symbol_rate();
+    return take(link::command::kSymbolRate + link::format_number(kilosymbols, " 00000"));
+}
+
+Quality MeterLevels::quality(double mhz, int kilosymbols) {
     for (int tried = 0; tried < kTries && !lost(); ++tried) {
         const Quality found = sure(link_, [&] { return ask_quality(mhz, kilosymbols); });
         if (found.measured()) return found;

@@ -35,6 +35,9 @@ class MeterLevels : public LevelAsker {
     /// which feed.
     bool change_feed(const Feed& feed);
 
+    /// Sets the symbol rate of the demodulator. False where the meter did not surely take it.
+    bool change_symbol_rate(int kilosymbols);
+
     measurement::Reading level(double mhz) override;
     /// As link::UnitWatch, since prepare(); also where a level in between told that, and the unit
     /// is the first one again.

@@ -93,9 +93,11 @@ QString check_combination(const QCommandLineParser& parser, const Options& optio
         return QStringLiteral("--%1 goes with --measure, --sweep or --peak only").arg(name);
     if (parser.isSet(QStringLiteral("freq")))
         return QStringLiteral("--freq goes with --measure or --peak only");
-    name = first_set(parser, {"analog", "digital", "bandwidth", "symbol-rate", "alarm", "confirm",
-                              "count", "log", "format", "screenshot", "plan", "passes", "every",
-                              "full-tune", "reconnect", "diseqc", "site", "publish"});
+    if (parser.isSet(QStringLiteral("symbol-rate")))
+        return QStringLiteral("--symbol-rate goes with --measure or --peak only");
+    name = first_set(parser, {"analog", "digital", "bandwidth", "alarm", "confirm", "count", "log",
+                              "format", "screenshot", "plan", "passes", "every", "full-tune",
+                              "reconnect", "diseqc", "site", "publish"});
     if (!name.isEmpty()) return QStringLiteral("--%1 goes with --measure only").arg(name);
     return {};
 }

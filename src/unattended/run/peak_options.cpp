@@ -27,11 +27,11 @@ QString check_peak(const QCommandLineParser& parser, const Options& options) {
     if (options.on_port == 0) return QStringLiteral("--peak needs --on-port");
     if (options.frequency.isEmpty()) return QStringLiteral("--peak needs --freq");
     for (const char* other :
-         {"measure",        "sweep",   "carriers", "scan-table", "open",      "create-database",
-          "corrected",      "analog",  "digital",  "diseqc",     "bandwidth", "symbol-rate",
-          "alarm",          "confirm", "count",    "log",        "format",    "screenshot",
-          "plan",           "passes",  "every",    "full-tune",  "reconnect", "replay",
-          "problem-report", "site"})
+         {"measure",         "sweep",      "carriers", "scan-table",     "open",
+          "create-database", "corrected",  "analog",   "digital",        "diseqc",
+          "bandwidth",       "alarm",      "confirm",  "count",          "log",
+          "format",          "screenshot", "plan",     "passes",         "every",
+          "full-tune",       "reconnect",  "replay",   "problem-report", "site"})
         if (parser.isSet(QLatin1String(other)))
             return QStringLiteral("--%1 does not go with --peak").arg(QLatin1String(other));
     if (!options.move_the_dish)

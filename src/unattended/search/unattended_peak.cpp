@@ -29,9 +29,19 @@ QString tuning_of(const Options& options) {
     return link::command::kFrequency + u' ' + link::format_number(tuned, "0000.0");
 }
 
+/// Without its symbol rate a carrier does not lock, and its level is followed instead of the MER.
+void send_symbol_rate(PeakedRun& run) {
+    const QString& asked = run.search.options.symbol_rate;
+    if (asked.isEmpty()) return;
+    const auto rate = static_cast<int>(std::lround(link::typed_value(asked)));
+    if (!run.levels.change_symbol_rate(rate) && !run.levels.lost())
+        say_of_run(QStringLiteral("the meter has not taken the symbol rate %1 kS/s").arg(rate));
+}
+
 void search_peak(PeakedRun& run) {
     link::Link& link = run.search.link();
     run.levels.prepare(feed_of(run.search.options.antenna));
+    send_symbol_rate(run);
     run.search.output.write(peak::peak_header());
     peak::SearchOptions options;
     options.span = *run.search.options.peak_span;
