@@ -108,6 +108,14 @@ class OrbitSky : public SkyAsker {
 
 const char* const kFolder = "/usr/share/dvb/dvb-s";
 
+std::vector<Candidate> candidates_around(double east, double degrees) {
+    auto near = candidates_of_tables(read_tables(QLatin1String(kFolder)), Lnb::universal());
+    std::erase_if(near, [&](const Candidate& one) {
+        return arc_between(one.positions.front(), east) > degrees;
+    });
+    return near;
+}
+
 bool same(const std::vector<Question>& one, const std::vector<Question>& other) {
     return std::equal(one.begin(), one.end(), other.begin(), other.end(),
                       [](const Question& a, const Question& b) {
@@ -332,10 +340,7 @@ class IdentifyTest : public QObject {
     void satellites_of_unequal_powers_are_named() {
         if (!QFileInfo::exists(QLatin1String(kFolder))) QSKIP("no scan tables are installed");
         const SkyTables tables(kFolder);
-        auto near = candidates_of_tables(read_tables(QLatin1String(kFolder)), Lnb::universal());
-        std::erase_if(
-            near, [](const Candidate& one) { return arc_between(one.positions.front(), 47) > 20; });
-        const Arc arc(near);
+        const Arc arc(candidates_around(47, 20));
         struct Look {
             std::uint64_t seed;
             const char* name;
@@ -353,14 +358,37 @@ class IdentifyTest : public QObject {
     void a_satellite_that_is_in_no_table_is_not_taken_for_its_neighbour() {
         if (!QFileInfo::exists(QLatin1String(kFolder))) QSKIP("no scan tables are installed");
         const SkyTables tables(kFolder);
-        auto left = candidates_of_tables(read_tables(QLatin1String(kFolder)), Lnb::universal());
         // Those nearby will do.
-        std::erase_if(left, [](const Candidate& one) {
-            return one.name == u"63.0W" || arc_between(one.positions.front(), -63) > 30;
-        });
+        auto left = candidates_around(-63, 30);
+        std::erase_if(left, [](const Candidate& one) { return one.name == u"63.0W"; });
         OrbitSky sky(tables, {.seed = 101056, .cn_db = 13.7, .east = -62.6});
         const Verdict verdict = identify_in(sky, Arc(left));
         QCOMPARE(verdict.kind, Verdict::Kind::none_of_these);
+    }
+
+    void what_nobody_lists_speaks_against_a_name() {
+        if (!QFileInfo::exists(QLatin1String(kFolder))) QSKIP("no scan tables are installed");
+        const SkyTables tables(kFolder);
+        auto left = candidates_around(-68, 16);
+        std::erase_if(left, [](const Candidate& one) { return one.name == u"58.0W"; });
+        OrbitSky sky(tables, {.seed = 101236, .cn_db = 9.5, .east = -57.53});
+        const Verdict verdict = identify_in(sky, Arc(left));
+        QCOMPARE(verdict.kind, Verdict::Kind::none_of_these);
+    }
+
+    void of_two_that_the_dish_is_between_neither_is_taken_for_certain() {
+        if (!QFileInfo::exists(QLatin1String(kFolder))) QSKIP("no scan tables are installed");
+        const SkyTables tables(kFolder);
+        const Arc arc(candidates_around(31, 12));
+        OrbitSky sky(tables, {.seed = 101709, .cn_db = 13.8, .east = 30.97});
+        Identifier identifier(arc, kStates);
+        while (const auto question = identifier.next_question())
+            identifier.take(*question, sky.ask(*question));
+        const std::vector<double>& chances = identifier.belief().chances();
+        for (const char* name : {"30.5E", "31.5E"}) {
+            const double chance = chances[place_of(arc, QLatin1String(name))];
+            QVERIFY2(chance > 0.05 && chance < 0.95, qPrintable(QString::number(chance)));
+        }
     }
 
     void the_same_sky_is_asked_the_same() {

@@ -15,6 +15,7 @@ constexpr double kNothingAtFirst = 0.1;
 constexpr std::size_t kRefined = 16;
 constexpr std::size_t kWithNeighbours = 2;
 constexpr std::size_t kFinest = 3;
+constexpr int kMostMoves = 3;
 /// Candidates that fit so badly are not looked at closer.
 constexpr double kHopeless = 1e-12;
 constexpr std::size_t kNeighboursRefined = 4;
@@ -32,24 +33,73 @@ double log_of_nothing(double above) {
     return std::log((1 - kStray) * noise + kStray / kStrayRange);
 }
 
-/// The few best of `fine` on the finest grid, around what is most probable by now.
-void add_finest(const Arc& arc, const std::map<std::size_t, Front>& fine, const Evidence& evidence,
-                std::map<std::size_t, Front>& finest) {
+double log_of_sum(const std::vector<double>& logs) {
+    const double most = *std::ranges::max_element(logs);
+    double sum = 0;
+    for (const double log : logs) sum += std::exp(log - most);
+    return most + std::log(sum);
+}
+
+double log_of_all(const std::vector<FinestGrid>& grids, double (Front::*log)() const) {
+    std::vector<double> logs;
+    for (const FinestGrid& grid : grids) logs.push_back((grid.front.*log)());
+    return log_of_sum(logs);
+}
+
+const Front& most_probable(const std::vector<FinestGrid>& grids) {
+    return std::ranges::max_element(grids, {},
+                                    [](const FinestGrid& g) { return g.front.best().log; })
+        ->front;
+}
+
+/// Moves the grid on while what is most probable stands at its end.
+void catch_up(const Arc& arc, const Evidence& evidence, Front& front) {
+    front.catch_up(evidence);
+    for (int moved = 0; moved < kMostMoves && front.is_at_its_end(); ++moved) {
+        front = Front(arc, front.candidate(), front.kind(), front.best());
+        front.catch_up(evidence);
+    }
+}
+
+/// The few best of `fine`.
+std::vector<std::size_t> worth_the_finest(const std::map<std::size_t, Front>& fine) {
     std::vector<std::pair<double, std::size_t>> best;
     best.reserve(fine.size());
     for (const auto& [which, front] : fine) best.emplace_back(-front.best().log, which);
     std::ranges::sort(best);
     if (best.size() > kFinest) best.resize(kFinest);
-    std::erase_if(finest, [&](const auto& entry) {
-        return std::ranges::none_of(best, [&](const auto& one) {
-            return one.second == entry.first && entry.second.is_around(fine.at(one.second).best());
-        });
-    });
-    for (const auto& [log, which] : best) {
+    std::vector<std::size_t> found;
+    for (const auto& [log, which] : best) found.push_back(which);
+    return found;
+}
+
+/// Where the finest grids of one are to be: a coarser grid takes neighbours of another strength
+/// for a dish that looks a little farther from the candidate, or the other way round.
+std::vector<Front::Best> middles_of(const Front& fine) {
+    std::vector<Front::Best> middles{fine.best()};
+    const std::optional<Front::Best> equals = fine.best_of_equals();
+    if (middles[0].others != 0 && equals) middles.push_back(*equals);
+    return middles;
+}
+
+/// The few best of `fine` on the finest grid, around what is most probable by now.
+void add_finest(const Arc& arc, const std::map<std::size_t, Front>& fine, const Evidence& evidence,
+                Finest& finest) {
+    Finest kept;
+    for (const std::size_t which : worth_the_finest(fine)) {
         const Front& front = fine.at(which);
-        finest.try_emplace(which, arc, which, front.kind(), front.best());
-        finest.at(which).catch_up(evidence);
+        for (const Front::Best& middle : middles_of(front)) {
+            std::vector<FinestGrid>& before = finest[which];
+            const auto same = std::ranges::find_if(
+                before, [&](const FinestGrid& one) { return one.start.is_at(middle); });
+            if (same != before.end())
+                kept[which].push_back(std::move(*same));
+            else
+                kept[which].push_back({middle, Front(arc, which, front.kind(), middle)});
+            catch_up(arc, evidence, kept[which].back().front);
+        }
     }
+    finest = std::move(kept);
 }
 
 }  // namespace
@@ -67,14 +117,33 @@ bool Belief::is_given_up(std::size_t candidate) const {
 
 const Front& Belief::front(std::size_t candidate) const {
     const auto finest = finest_.find(candidate);
-    if (finest != finest_.end()) return finest->second;
+    if (finest != finest_.end()) return most_probable(finest->second);
     const auto fine = fine_.find(candidate);
     return fine != fine_.end() ? fine->second : coarse_[candidate];
 }
 
 const Front& Belief::unlisted(std::size_t candidate) const {
     const auto finest = finest_unlisted_.find(candidate);
-    return finest != finest_unlisted_.end() ? finest->second : unlisted_.at(candidate);
+    return finest != finest_unlisted_.end() ? most_probable(finest->second)
+                                            : unlisted_.at(candidate);
+}
+
+double Belief::log_named(std::size_t candidate) const {
+    const auto finest = finest_.find(candidate);
+    return finest != finest_.end() ? log_of_all(finest->second, &Front::log_named)
+                                   : front(candidate).log_named();
+}
+
+double Belief::log_beside(std::size_t candidate) const {
+    const auto finest = finest_.find(candidate);
+    return finest != finest_.end() ? log_of_all(finest->second, &Front::log_beside)
+                                   : front(candidate).log_beside();
+}
+
+double Belief::log_unlisted(std::size_t candidate) const {
+    const auto finest = finest_unlisted_.find(candidate);
+    return finest != finest_unlisted_.end() ? log_of_all(finest->second, &Front::log_beside)
+                                            : unlisted_.at(candidate).log_beside();
 }
 
 void Belief::weigh_nothing(const Evidence& evidence) {
@@ -151,8 +220,11 @@ void Belief::give_up_far(double least) {
 
 void Belief::update(const Evidence& evidence) {
     catch_up_coarse(evidence);
-    for (auto* fronts : {&fine_, &unlisted_, &finest_, &finest_unlisted_})
+    for (auto* fronts : {&fine_, &unlisted_})
         for (auto& [which, front] : *fronts) front.catch_up(evidence);
+    for (auto* fronts : {&finest_, &finest_unlisted_})
+        for (auto& [which, ones] : *fronts)
+            for (FinestGrid& one : ones) catch_up(arc_, evidence, one.front);
     weigh_nothing(evidence);
     settle();
     refine(evidence);
@@ -165,16 +237,12 @@ double Belief::log_none(double best) const {
     const double places = std::log(static_cast<double>(arc_.size() + 1));
     std::vector<double> logs;
     for (std::size_t k = 0; k < arc_.size(); ++k)
-        if (!is_given_up(k))
-            logs.push_back(front(k).log_beside() + std::log(kBesideAtFirst) - places);
+        if (!is_given_up(k)) logs.push_back(log_beside(k) + std::log(kBesideAtFirst) - places);
     for (const auto& [which, front] : unlisted_)
-        logs.push_back(unlisted(which).log_beside() + std::log(kNoneAtFirst) - places);
+        logs.push_back(log_unlisted(which) + std::log(kNoneAtFirst) - places);
     // Before anything is known of them, they are as good as the best candidate.
     if (unlisted_.empty()) logs.push_back(std::log(kNoneAtFirst) + best);
-    const double most = *std::ranges::max_element(logs);
-    double sum = 0;
-    for (const double log : logs) sum += std::exp(log - most);
-    return most + std::log(sum);
+    return log_of_sum(logs);
 }
 
 void Belief::settle() {
@@ -182,7 +250,7 @@ void Belief::settle() {
                                  static_cast<double>(std::max<std::size_t>(1, arc_.size())));
     std::vector<double> logs(arc_.size() + 2, kNever);
     for (std::size_t k = 0; k < arc_.size(); ++k)
-        if (!is_given_up(k)) logs[k] = front(k).log_named() + each;
+        if (!is_given_up(k)) logs[k] = log_named(k) + each;
     logs[arc_.size()] = log_none(*std::ranges::max_element(logs));
     logs[arc_.size() + 1] = kTrust * log_nothing_ + std::log(kNothingAtFirst);
     const double top = *std::ranges::max_element(logs);

@@ -12,6 +12,15 @@ namespace m47::identify {
 /// Ideas of the sky with the weight of each, of which the most probable has 1.
 using Ideas = std::vector<std::pair<const Front*, double>>;
 
+/// A finest grid with what it was made for; it follows what is most probable from there.
+struct FinestGrid {
+    Front::Best start;
+    Front front;
+};
+/// A candidate's: around what is most probable, and around what is so of neighbours as strong as
+/// the candidate, where that is another.
+using Finest = std::map<std::size_t, std::vector<FinestGrid>>;
+
 /// What is held of the sky after the answers so far: a chance for each candidate, for "none of
 /// these" and for "no satellite". The arc has to outlive it.
 class Belief {
@@ -44,6 +53,9 @@ class Belief {
     double log_none(double best) const;
     void refine_more(const Evidence& evidence);
     const Front& unlisted(std::size_t candidate) const;
+    double log_named(std::size_t candidate) const;
+    double log_beside(std::size_t candidate) const;
+    double log_unlisted(std::size_t candidate) const;
     void weigh_nothing(const Evidence& evidence);
     void settle();
 
@@ -52,8 +64,8 @@ class Belief {
     std::vector<bool> given_up_;  ///< whose coarse grid takes in no more
     std::map<std::size_t, Front> fine_;
     std::map<std::size_t, Front> unlisted_;
-    std::map<std::size_t, Front> finest_;           ///< of the most probable ones
-    std::map<std::size_t, Front> finest_unlisted_;  ///< the same
+    Finest finest_;           ///< of the most probable ones
+    Finest finest_unlisted_;  ///< the same
     std::vector<double> chances_;
     std::vector<std::size_t> order_;
     double log_nothing_ = 0;

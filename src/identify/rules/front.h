@@ -49,6 +49,10 @@ class Front {
     enum class Grid { coarse, fine };
     /// What is most probable of the unknowns.
     struct Best {
+        bool is_at(const Best& other) const {
+            return drift == other.drift && east == other.east && cn == other.cn &&
+                   alike == other.alike && others == other.others;
+        }
         double drift = 0;  ///< MHz
         double east = 0;   ///< where the dish looks
         double cn = 0;     ///< dB, of a satellite on its axis
@@ -72,15 +76,24 @@ class Front {
     double log_beside() const { return log_sum(false); }
 
     Best best() const;
-    /// True for a finest grid around just these unknowns.
-    bool is_around(const Best& best) const {
-        return best.drift == around_.drift && best.east == around_.east && best.cn == around_.cn &&
-               best.alike == around_.alike && best.others == around_.others;
-    }
+    /// The same of those where the neighbours are as strong as the candidate, if any are left.
+    std::optional<Best> best_of_equals() const;
+    /// True where the most probable cell is at the end of a grid, so that what is more probable may
+    /// lie beyond it.
+    bool is_at_its_end() const;
 
     /// By how many standard deviations the levels fit better (worse below 0), at the most probable
     /// unknowns, than levels that come about like this usually do.
     double fit(const Evidence& evidence) const;
+    /// What the levels come from, counted by its chances at the most probable unknowns, beside what
+    /// is usual there.
+    struct Account {
+        double strays = 0;  ///< what nobody lists
+        double usual_strays = 0;
+        double own = 0;  ///< what the candidate lists
+        double usual_own = 0;
+    };
+    Account account(const Evidence& evidence) const;
 
     /// What is expected of a level at the most probable unknowns.
     Mixture::Mean expect(int state, double if_mhz) const;
@@ -136,6 +149,7 @@ class Front {
     };
 
     void make_places(Grid grid);
+    void add_borders();
     void find_near(Place& place) const;
     bool has_near_neighbour() const;
     bool holds(bool alike) const;
@@ -177,14 +191,15 @@ class Front {
     void take_new(const std::vector<Height>& heights, std::size_t end);
     void drop_cells();
     void find_most();
+    Best best_of(const Cell& cell) const;
+    bool is_own(const std::vector<Heard>& heard, unsigned which) const;
     Own own(int state, double if_mhz, const Unlisted& unlisted) const;
     double lock_density(const Cell& cell, const LockTry& trial) const;
     double log_sum(bool named) const;
 
-    const Arc& arc_;
+    const Arc* arc_;
     std::size_t candidate_;
     Kind kind_;
-    Best around_;
     std::vector<Place> places_;
     std::vector<double> drifts_;
     std::vector<double> cns_;

@@ -85,7 +85,8 @@ class Identifier {
     bool wants_levels(double certainty) const;
     Verdict::Kind kind() const;
     void name_two(Verdict& verdict) const;
-    void doubt(Verdict& verdict) const;
+    double chance_of_listed(const Verdict& verdict) const;
+    bool is_out_of_place(const Verdict& verdict) const;
     void name_nobody(Verdict& verdict) const;
     void note_levels();
     double filled_in(int state) const;

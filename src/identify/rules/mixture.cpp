@@ -2,6 +2,7 @@
 #include "mixture.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
 namespace m47::identify {
@@ -47,22 +48,31 @@ void Mixture::count_parts(const std::vector<Part>& parts) {
         ++count_;
 }
 
-Mixture::Case Mixture::case_of(const std::vector<Part>& parts, unsigned which, Rest rest) const {
-    Case one{.weight = 1};
-    float sum = rest.power;
-    float squares = 0;
-    for (int k = 0; k < count_; ++k) {
-        if ((which >> k & 1U) == 0) continue;
-        const Part& part = parts[static_cast<std::size_t>(k)];
-        if ((part.excluded & which) != 0) return {};
-        one.weight *= part.odds;
-        sum += part.power;
-        squares += part.variance * part.power * part.power;
+/// Each case is one with a part less, and that part.
+void Mixture::weigh_cases(const std::vector<Part>& parts, Rest rest) {
+    std::array<float, 1 << kMost> sums{rest.power};
+    std::array<float, 1 << kMost> squares{};
+    cases_[0].weight = 1;
+    float all = 1;
+    for (unsigned which = 1; which < 1U << count_; ++which) {
+        const auto last = static_cast<unsigned>(std::bit_width(which) - 1);
+        const unsigned without = which ^ 1U << last;
+        const Part& part = parts[last];
+        if ((part.excluded & which) != 0) continue;
+        sums[which] = sums[without] + part.power;
+        squares[which] = squares[without] + part.variance * part.power * part.power;
+        cases_[which].weight = cases_[without].weight * part.odds;
+        all += cases_[which].weight;
     }
-    one.db = db_of(sum);
-    one.variance =
-        kJitter * kJitter + (squares + kDbOfPart * kDbOfPart * rest.variance) / (sum * sum);
-    return one;
+    const float apart = kDbOfPart * kDbOfPart * rest.variance;
+    for (unsigned which = 0; which < 1U << count_; ++which) {
+        Case& one = cases_[which];
+        one.weight /= all;
+        if (one.weight <= 0) continue;
+        const float sum = sums[which];
+        one.db = db_of(sum);
+        one.variance = kJitter * kJitter + (squares[which] + apart) / (sum * sum);
+    }
 }
 
 Mixture::Mixture(const std::vector<Part>& parts, float crossed, const Stray& stray)
@@ -74,12 +84,7 @@ Mixture::Mixture(const std::vector<Part>& parts, float crossed, const Stray& str
         rest.power += mean;
         rest.variance += mean * (parts[k].power - mean);
     }
-    float all = 0;
-    for (unsigned which = 0; which < 1U << count_; ++which) {
-        cases_[which] = case_of(parts, which, rest);
-        all += cases_[which].weight;
-    }
-    for (Case& one : cases_) one.weight /= all;
+    weigh_cases(parts, rest);
     crossed_ = cases_[0];
     crossed_.weight *= kCrossedChance;
     cases_[0].weight -= crossed_.weight;

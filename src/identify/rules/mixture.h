@@ -54,6 +54,11 @@ class Mixture {
     /// left to a sum of 1 is something that nobody lists.
     std::array<float, 1 << kMost> shares(float above) const;
     int parts() const { return count_; }
+    /// The same before the level.
+    float usual_share(unsigned which) const {
+        const float crossed = which == 0 ? crossed_.weight : 0;
+        return (1 - stray_chance_) * (cases_[which].weight + crossed);
+    }
 
   private:
     struct Case {
@@ -67,7 +72,7 @@ class Mixture {
         float variance;
     };
     void count_parts(const std::vector<Part>& parts);
-    Case case_of(const std::vector<Part>& parts, unsigned which, Rest rest) const;
+    void weigh_cases(const std::vector<Part>& parts, Rest rest);
     float density(const Case& one, float above) const;
     float stray_density(float above) const;
 
