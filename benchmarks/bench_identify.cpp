@@ -201,14 +201,21 @@ struct Trial {
     SkySettings settings;
     std::size_t target = 0;
     double lead = 0;  ///< dB by which the target is stronger in the beam than the next
+    double next = 0;  ///< beams from where the dish looks to the next one
 };
 
-double lead_of(const Arc& arc, std::size_t target, double east) {
-    const double own = arc.distance(target, east);
-    double next = 180;
-    for (const std::size_t other : arc.neighbours(target))
-        next = std::min(next, arc.distance(other, east));
-    return 12 * (next * next - own * own) / (arc.beam() * arc.beam());
+void note_next(Trial& trial, const Arc& arc) {
+    const double own = arc.distance(trial.target, trial.settings.east) / arc.beam();
+    trial.next = 180;
+    for (const std::size_t other : arc.neighbours(trial.target))
+        trial.next = std::min(trial.next, arc.distance(other, trial.settings.east) / arc.beam());
+    trial.lead = 12 * (trial.next * trial.next - own * own);
+}
+
+/// Only one is what the dish looks at: the target is the strongest, or, where that is none of the
+/// candidates, the dish looks at no other one, half a beam beside it included.
+bool is_clear(const Trial& trial, Sky kind) {
+    return kind == Sky::removed ? trial.next > 0.5 : trial.lead >= kEven;
 }
 
 /// The middles of gaps so wide that neither side is within a beam.
@@ -239,7 +246,7 @@ Trial trial_of(int number, Sky kind, const Arc& arc, const std::vector<std::size
         trial.settings.east = at + chance.around_zero(arc.beam() / 2);
         if (arc.is_nearest(trial.target, trial.settings.east)) break;
     }
-    trial.lead = lead_of(arc, trial.target, trial.settings.east);
+    note_next(trial, arc);
     if (kind == Sky::blank) trial.settings.cn_db = -40;
     if (kind == Sky::between) {
         const std::vector<double> gaps = gaps_of(arc);
@@ -253,8 +260,8 @@ struct Sums {
     int right = 0;
     int wrong = 0;
     int surely_wrong = 0;
-    int leading = 0;
-    int right_leading = 0;
+    int clear = 0;
+    int right_clear = 0;
     std::vector<double> seconds;
     std::vector<double> reckoned;  ///< seconds of this machine for a trial
     std::array<int, 12> certain{};
@@ -275,14 +282,14 @@ std::size_t class_of(double certainty) {
     return static_cast<std::size_t>(certainty * 10);
 }
 
-void count(Sums& sums, const Trial& trial, const Outcome& outcome, bool right) {
+void count(Sums& sums, bool clear, const Outcome& outcome, bool right) {
     const bool is_name = !outcome.name.isEmpty();
     ++sums.trials;
     sums.right += right ? 1 : 0;
     sums.wrong += is_name && !right ? 1 : 0;
     sums.surely_wrong += is_name && !right && outcome.verdict.certainty >= kSure ? 1 : 0;
-    sums.leading += trial.lead >= kEven ? 1 : 0;
-    sums.right_leading += right && trial.lead >= kEven ? 1 : 0;
+    sums.clear += clear ? 1 : 0;
+    sums.right_clear += right && clear ? 1 : 0;
     const std::size_t place = class_of(outcome.verdict.certainty);
     ++sums.certain[place];
     sums.certain_right[place] += right ? 1 : 0;
@@ -355,7 +362,7 @@ struct Bench {
                             number, qUtf8Printable(target), trial.settings.east, trial.lead,
                             trial.settings.cn_db, qUtf8Printable(outcome.name),
                             outcome.verdict.certainty, outcome.verdict.locks);
-            count(sums, trial, outcome, right);
+            count(sums, is_clear(trial, kind), outcome, right);
             sums.seconds.push_back(dish.seconds);
             sums.reckoned.push_back(took);
         }
@@ -366,8 +373,8 @@ struct Bench {
 void print_row(const char* what, const Sums& sums) {
     std::printf("%-32s %5d %8.1f %8.1f %8.1f %8.1f %9.1f %8.2f\n", what, sums.trials,
                 sums.percent(sums.right), sums.percent(sums.wrong), sums.percent(sums.surely_wrong),
-                sums.leading > 0 ? 100.0 * sums.right_leading / sums.leading : 0.0,
-                median(sums.seconds), median(sums.reckoned));
+                sums.clear > 0 ? 100.0 * sums.right_clear / sums.clear : 0.0, median(sums.seconds),
+                median(sums.reckoned));
     std::fflush(stdout);
 }
 
@@ -469,7 +476,7 @@ int main(int argc, char** argv) {
     std::printf("%zu candidates, %zu of them with %d transponders or more to lock\n",
                 bench.arc.size(), bench.targets.size(), kFewestTransponders);
     std::printf("%-32s %5s %8s %8s %8s %8s %9s %8s\n", "", "n", "right %", "wrong %", "sure %",
-                "leading", "median s", "cpu s");
+                "clear %", "median s", "cpu s");
     rows.print_belief(bench);
     rows.print_plain_ways(bench);
     rows.print_growth(bench);
