@@ -18,7 +18,7 @@ PR_SET_PDEATHSIG = 1
 DATABASE = "VKDM47_03.mdb"
 PLAN = "ROOF"
 # Frequency and symbol rate: a digital program, and one measured by its level.
-PROGRAMS = ((1030, "27500"), (1080, None))
+PROGRAMS = ((1127, "27500"), (1034, None))
 # Of an Engine, which knows its address.
 LISTENING = ("-httpListenAddr={address}", "-memory.allowedBytes=200MB")
 
