@@ -78,6 +78,7 @@ class MeasureCycleTest : public QObject {
     void the_level_alone_is_tuned_once_and_asked_again();
     void the_level_alone_leaves_the_screen_as_it_was();
     void the_digital_level_alone_is_ranged_anew_once_it_has_moved();
+    void a_level_alone_in_a_unit_chosen_at_the_meter_is_none();
     void a_level_alone_that_is_in_doubt_begins_anew();
     void the_level_alone_ends_with_the_link();
     void the_cn_alone_is_tuned_once_and_asked_again();

@@ -87,6 +87,28 @@ void MeasureCycleTest::the_digital_level_alone_is_ranged_anew_once_it_has_moved(
     QCOMPARE(f_->commands(), (QStringList{"LEVDCP?"}));
 }
 
+void MeasureCycleTest::a_level_alone_in_a_unit_chosen_at_the_meter_is_none() {
+    f_->values["UNIT?"] = "00";
+    f_->rules.link.send("UNIT?");
+    Pointing pointing(f_->rules);
+    QVERIFY(pointing.next()->unit == kDbuv);
+    f_->commands();
+    f_->values["UNIT?"] = "02";
+    f_->values["LEVANL?"] = "L-50.5";
+    QVERIFY(!pointing.next());
+    QCOMPARE(f_->commands(), (QStringList{"LEVANL?", "UNIT?"}));
+    const std::optional<measurement::Measurement> level = pointing.next();
+    QCOMPARE(f_->commands(), (QStringList{"MEASURE", "FREQ 1000.0", "ATTEN 6", "LEVANL?"}));
+    QCOMPARE(level_in(level), QString("-50.5"));
+    QVERIFY(level->unit == kDbm);
+    // A dish that comes upon a satellite moves a level too: that is asked once for its unit.
+    f_->values["LEVANL?"] = "L-20.5";
+    QVERIFY(pointing.next()->unit == kDbm);
+    QCOMPARE(f_->commands(), (QStringList{"LEVANL?", "UNIT?"}));
+    QVERIFY(pointing.next());
+    QCOMPARE(f_->commands(), (QStringList{"LEVANL?"}));
+}
+
 void MeasureCycleTest::a_level_alone_that_is_in_doubt_begins_anew() {
     Pointing pointing(f_->rules);
     QVERIFY(pointing.next());

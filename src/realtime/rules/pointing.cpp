@@ -2,6 +2,7 @@
 #include "pointing.h"
 
 #include <cmath>
+#include <utility>
 
 #include "commands.h"
 #include "fault.h"
@@ -17,6 +18,9 @@ constexpr Bilingual kOneAlone{"one value alone was being repeated, nothing of it
 
 /// An attenuator step is 10 dB: behind half of one the meter may need another.
 constexpr double kRangedFor = 5;
+/// Who turns a dish seldom moves a level by so much from one answer to the next; another unit moves
+/// it by 48.8 dB at least.
+constexpr double kLeap = 25;
 
 /// `panel` with `quantity` of its presentation ticked, its alarm as it was, and no more. The MER is
 /// of the digital one whichever is shown.
@@ -59,7 +63,8 @@ Pointing::Pointing(RealtimeRules& rules, measurement::Quantity quantity)
       steps_(rules.link, rules.program, panel_, state_, tuning_),
       cycle_(rules.link, panel_, state_, tuning_, steps_, rules.page, rules.log),
       program_(program_shown(rules.panel)),
-      quantity_(quantity) {
+      quantity_(quantity),
+      unit_(rules.link) {
     steps_.complete = true;
     steps_.cmdlev_Click = [this](int unit) {
         rules_.link.send(link::command::kUnit + link::format_number(unit, " 00"));
@@ -72,7 +77,7 @@ std::optional<measurement::Measurement> Pointing::next() {
         ask_again();
     else
         begin();
-    const bool sure = measured();
+    const bool sure = measured() && !unit_changed();
     if (!sure || outgrown())
         ranged_at_.reset();
     else if (!ranged_at_)
@@ -149,6 +154,19 @@ void Pointing::leave() noexcept {
 
 bool Pointing::measured() const {
     return rules_.link.port_connected && cycle_.doubt().isEmpty() && value().has_value();
+}
+
+/// True where a level has leapt because the meter tells it in another unit now.
+bool Pointing::unit_changed() {
+    if (quantity_ != measurement::Quantity::level) return false;
+    const std::optional<double> before = std::exchange(last_, value());
+    if (!before || std::abs(*value() - *before) < kLeap) {
+        unit_.begin();
+        return false;
+    }
+    if (!unit_.changed()) return false;
+    last_.reset();
+    return true;
 }
 
 /// Analog levels are read behind the whole attenuator, which holds for all of them.

@@ -8,6 +8,7 @@
 #include "measure_steps.h"
 #include "realtime_rules.h"
 #include "tuning.h"
+#include "unit_watch.h"
 
 namespace m47::realtime {
 
@@ -22,8 +23,9 @@ class Pointing {
     explicit Pointing(RealtimeRules& rules,
                       measurement::Quantity quantity = measurement::Quantity::level);
 
-    /// One value, the first behind a whole cycle. Nothing where the meter gave none that is sure;
-    /// the next one tunes and ranges anew then. Told to end, it ends with link::Interrupted.
+    /// One value, the first behind a whole cycle. Nothing where the meter gave none that is sure,
+    /// or one in a unit that somebody has just chosen at its keys; the next one tunes and ranges
+    /// anew then. Told to end, it ends with link::Interrupted.
     std::optional<measurement::Measurement> next();
 
     /// Brings the meter back into its measuring mode, where it is in another. Never throws.
@@ -37,6 +39,7 @@ class Pointing {
     void ask();
     void sure(const std::function<void()>& take);
     bool outgrown() const;
+    bool unit_changed();
     std::optional<double> value() const;
 
     RealtimeRules& rules_;
@@ -48,7 +51,9 @@ class Pointing {
     measurement::ProgramIdentity program_;
     measurement::Quantity quantity_;
     std::optional<double>
-        ranged_at_;         ///< the value behind the whole cycle, which set the attenuator
+        ranged_at_;               ///< the value behind the whole cycle, which set the attenuator
+    std::optional<double> last_;  ///< the value before, in the unit of then
+    link::UnitWatch unit_;
     bool in_qpsk_ = false;  ///< the meter may be in its QPSK mode
 };
 
