@@ -158,6 +158,8 @@ bool MeterLevels::change_symbol_rate(int kilosymbols) {
 }
 
 Quality MeterLevels::quality(double mhz, int kilosymbols) {
+    // Before the tuning, so that nothing stands between the carrier and its lock.
+    kept_.note_symbol_rate();
     for (int tried = 0; tried < kTries && !lost(); ++tried) {
         const Quality found = sure(link_, [&] { return ask_quality(mhz, kilosymbols); });
         if (found.measured()) return found;
