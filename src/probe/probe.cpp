@@ -8,6 +8,7 @@
 #include "alone.h"
 #include "database_error.h"
 #include "end_signals.h"
+#include "last_resort.h"
 #include "program_state.h"
 #include "say_on_stderr.h"
 #include "standard_streams.h"
@@ -81,7 +82,7 @@ int run_probe(int argc, char** argv) {
         case unattended::Options::Action::run:
             break;
     }
-    return run_with_options(argc, argv, options);
+    return unattended::with_last_resort([&] { return run_with_options(argc, argv, options); });
 }
 
 }  // namespace m47::probe

@@ -14,6 +14,7 @@
 #include "handler.h"
 #include "icons.h"
 #include "import_command.h"
+#include "last_resort.h"
 #include "message_box.h"
 #include "no_database.h"
 #include "no_view.h"
@@ -257,7 +258,7 @@ int run_program(int argc, char** argv) {
             return unattended::kNoDisplay;
         }
     }
-    return run_with_options(argc, argv, options);
+    return unattended::with_last_resort([&] { return run_with_options(argc, argv, options); });
 }
 
 }  // namespace m47::shell

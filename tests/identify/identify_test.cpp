@@ -316,6 +316,25 @@ class IdentifyTest : public QObject {
         }
     }
 
+    /// A small dish sees satellites a degree apart as one: nothing unlisted has a place there.
+    void satellites_that_a_small_dish_does_not_tell_apart() {
+        constexpr double kSmallest = 30;  // cm
+        std::vector<NamedTable> close;
+        const char* const names[] = {"Alpha-10.0E", "Beta-10.7E", "Gamma-11.4E", "Delta-12.1E"};
+        double first = 10720;
+        for (const char* name : names)
+            close.push_back(
+                {QLatin1String(name), table_of(row_of(first += 7, 80, 12), 'V', 22000)});
+        const Arc arc(candidates_of_tables(close, Lnb::universal()), kSmallest);
+        std::vector<Carrier> all;
+        for (const Candidate& one : arc.candidates())
+            all.insert(all.end(), one.carriers.begin(), one.carriers.end());
+        PlainSky sky(all, 0.5);
+        const Verdict verdict = identify_in(sky, arc);
+        QCOMPARE(verdict.kind, Verdict::Kind::candidate);
+        QVERIFY2(verdict.certainty < 0.95, qPrintable(QString::number(verdict.certainty)));
+    }
+
     void satellites_of_the_simulated_orbit_are_named() {
         if (!QFileInfo::exists(QLatin1String(kFolder))) QSKIP("no scan tables are installed");
         const SkyTables tables(kFolder);

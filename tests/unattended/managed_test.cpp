@@ -8,10 +8,16 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
+#include <memory>
+#include <stdexcept>
 
+#include "exit_status.h"
+#include "fault.h"
+#include "last_resort.h"
 #include "options.h"
 #include "service_manager.h"
 #include "service_notes.h"
+#include "told_lines.h"
 #include "virtual_clock.h"
 
 namespace m47::unattended {
@@ -30,6 +36,7 @@ class ManagedTest : public QObject {
     void what_a_manager_is_told();
     void without_a_manager_nothing_is_told();
     void a_datagram_to_the_socket();
+    void a_fault_that_nobody_trapped_ends_it_in_words();
 
   private:
     QString write(const QByteArray& content) const;
@@ -235,6 +242,21 @@ void ManagedTest::a_datagram_to_the_socket() {
     QVERIFY(platform::watchdog_time());
     for (const char* name : {"NOTIFY_SOCKET", "WATCHDOG_USEC", "WATCHDOG_PID"}) qunsetenv(name);
     close(descriptor);
+}
+
+void ManagedTest::a_fault_that_nobody_trapped_ends_it_in_words() {
+    QCOMPARE(with_last_resort([] { return int(kAlarmFailed); }), int(kAlarmFailed));
+    QCOMPARE(with_last_resort([]() -> int { throw Fault("the plan is not open"); }),
+             int(kIncomplete));
+    QVERIFY(told_lines().lines().constLast().endsWith("m47.end the plan is not open"));
+    bool closed = false;
+    const auto fault_amid_work = [&]() -> int {
+        const std::unique_ptr<bool, void (*)(bool*)> open(&closed, [](bool* end) { *end = true; });
+        throw std::length_error("vector::reserve");
+    };
+    QCOMPARE(with_last_resort(fault_amid_work), int(kIncomplete));
+    QVERIFY(closed);
+    QVERIFY(told_lines().lines().constLast().endsWith("an unexpected fault: vector::reserve"));
 }
 
 }  // namespace m47::unattended

@@ -44,4 +44,7 @@ class DoubtfulAnswer : public Fault {
 /// measurement waits: no fault, so that no error trap of a cycle swallows it.
 class Interrupted {};
 
+/// What is told of a fault that nobody trapped on purpose, in the language of `texts`.
+QString words_of(const std::exception& exception, const Texts& texts);
+
 }  // namespace m47

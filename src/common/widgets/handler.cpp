@@ -3,7 +3,6 @@
 
 #include <QApplication>
 #include <QLoggingCategory>
-#include <new>
 #include <utility>
 
 #include "fault.h"
@@ -15,12 +14,6 @@ namespace {
 
 // Silent unless a developer asks: QT_LOGGING_RULES="m47.handler.debug=true".
 Q_LOGGING_CATEGORY(kHandlerLog, "m47.handler", QtInfoMsg)
-
-constexpr Bilingual kNoMemory{
-    "There is not enough memory for this. Close other programs, then try again.",
-    "La memoria non basta per questa operazione. Chiudere altri programmi e riprovare."};
-constexpr Bilingual kUnexpected{"This could not be done because of an unexpected fault: %1",
-                                "Operazione non riuscita per un errore imprevisto: %1"};
 
 void show_box(QWidget* screen, const QString& what) {
     show_message_box(screen, QMessageBox::Critical, QStringLiteral("M47"), what);
@@ -39,12 +32,6 @@ const Texts*& language_of_faults() {
 const char*& innermost() {
     static const char* name = nullptr;
     return name;
-}
-
-QString words_of(const std::exception& exception, const Texts& texts) {
-    if (const auto* fault = dynamic_cast<const Fault*>(&exception)) return fault->text(texts);
-    if (dynamic_cast<const std::bad_alloc*>(&exception)) return texts.pick(kNoMemory);
-    return texts.pick(kUnexpected).arg(QString::fromUtf8(exception.what()));
 }
 
 }  // namespace

@@ -65,7 +65,8 @@ void catch_up(const Arc& arc, const Evidence& evidence, Front& front) {
 std::vector<std::size_t> worth_the_finest(const std::map<std::size_t, Front>& fine) {
     std::vector<std::pair<double, std::size_t>> best;
     best.reserve(fine.size());
-    for (const auto& [which, front] : fine) best.emplace_back(-front.best().log, which);
+    for (const auto& [which, front] : fine)
+        if (!front.holds_nothing()) best.emplace_back(-front.best().log, which);
     std::ranges::sort(best);
     if (best.size() > kFinest) best.resize(kFinest);
     std::vector<std::size_t> found;

@@ -75,6 +75,8 @@ class Front {
     double log_named() const { return log_sum(true); }
     double log_beside() const { return log_sum(false); }
 
+    /// Where satellites stand so close, in beams, that nothing unlisted has a place between them.
+    bool holds_nothing() const { return cells_.empty(); }
     Best best() const;
     /// The same of those where the neighbours are as strong as the candidate, if any are left.
     std::optional<Best> best_of_equals() const;
