@@ -208,6 +208,40 @@ class LevelTest : public QObject {
         QVERIFY(!display.new_peak());
     }
 
+    void a_peak_at_the_end_of_the_range_is_marked_data() {
+        QTest::addColumn<QStringList>("readings");
+        QTest::addColumn<QString>("peak");
+        QTest::addColumn<QString>("below");
+        QTest::newRow("beyond") << QStringList{">60.0"} << "Peak >60.0 dBuV"
+                                << "";
+        QTest::newRow("behind it") << QStringList{">60.0", "47.2"} << "Peak >60.0 dBuV"
+                                   << ">12.8 dB below the peak";
+        QTest::newRow("just at its end") << QStringList{">60.0", "60.0"} << "Peak >60.0 dBuV"
+                                         << ">0.0 dB below the peak";
+        QTest::newRow("beyond what was measured")
+            << QStringList{"60.0", ">60.0"} << "Peak >60.0 dBuV"
+            << "";
+        QTest::newRow("below the range") << QStringList{"<20.0"} << "Peak <20.0 dBuV"
+                                         << "";
+        QTest::newRow("risen into it") << QStringList{"<20.0", "20.0"} << "Peak 20.0 dBuV"
+                                       << "at the peak";
+        QTest::newRow("fallen below it") << QStringList{"58.3", "<20.0"} << "Peak 58.3 dBuV"
+                                         << ">38.3 dB below the peak";
+        QTest::newRow("above a peak beyond it") << QStringList{">60.0", "71.0"} << "Peak 71.0 dBuV"
+                                                << "at the peak";
+    }
+    void a_peak_at_the_end_of_the_range_is_marked() {
+        QFETCH(QStringList, readings);
+        QFETCH(QString, peak);
+        QFETCH(QString, below);
+        LevelDisplay display;
+        for (const QString& reading : readings) display.measured(measurement(reading), 0);
+        const LevelPicture picture = display.picture(0, true, texts());
+        QCOMPARE(picture.value, readings.constLast());
+        QCOMPARE(picture.peak, peak);
+        QCOMPARE(picture.below, below);
+    }
+
     void another_quantity_has_its_own_peak_and_scale() {
         LevelDisplay display;
         measurement::Measurement all = measurement("58.3");

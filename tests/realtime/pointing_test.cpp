@@ -16,6 +16,7 @@ QString level_in(const std::optional<measurement::Measurement>& measured) {
 }  // namespace
 
 void MeasureCycleTest::the_level_alone_is_tuned_once_and_asked_again() {
+    f_->values["UNIT?"] = "00";
     panel().meas_statea = {true, true, true};
     panel().alarm_statea = {true, true};
     panel().lev_mina = "30";
@@ -24,8 +25,9 @@ void MeasureCycleTest::the_level_alone_is_tuned_once_and_asked_again() {
     Pointing pointing(f_->rules);
     QVERIFY(f_->commands().isEmpty());
     std::optional<measurement::Measurement> level = pointing.next();
-    QCOMPARE(f_->commands(), (QStringList{"MEASURE", "FREQ 1000.0", "ATTEN 6", "LEVANL?"}));
-    QCOMPARE(f_->pauses(), (QList<int>{0, 0, 0, 10}));
+    QCOMPARE(f_->commands(),
+             (QStringList{"UNIT?", "MEASURE", "FREQ 1000.0", "ATTEN 6", "LEVANL?"}));
+    QCOMPARE(f_->pauses(), (QList<int>{0, 0, 0, 0, 10}));
     QCOMPARE(level_in(level), QString("58.3"));
     QVERIFY(level->verdict == measurement::Verdict::pass);
     QCOMPARE(*level->frequency, 1000.0F);
@@ -37,10 +39,11 @@ void MeasureCycleTest::the_level_alone_is_tuned_once_and_asked_again() {
     level = pointing.next();
     QVERIFY(level->verdict == measurement::Verdict::pass);
     QCOMPARE(f_->commands(), (QStringList{"LEVANL?", "LEVANL?"}));
-    QCOMPARE(f_->pauses().mid(4), (QList<int>{0, 0}));
+    QCOMPARE(f_->pauses().mid(5), (QList<int>{0, 0}));
 }
 
 void MeasureCycleTest::the_level_alone_leaves_the_screen_as_it_was() {
+    f_->values["UNIT?"] = "00";
     f_->rules.log.open(f_->path("day.log"), page());
     panel().meas_stated[kChber] = true;
     panel().alarm_statea[0] = true;
@@ -71,11 +74,12 @@ void MeasureCycleTest::the_digital_level_alone_is_ranged_anew_once_it_has_moved(
     const QStringList cycle{"MEASURE", "FREQ 1000.0", "CHBW 08", "ATTEN 6", "UNIT 00",
                             "ATTEN?",  "LEVANL?",     "UNIT 02", "LEVDCP?"};
     f_->program.unit_index = panel().cmdlev = kDbm;
+    f_->values["UNIT?"] = "02";
     show_digital();
     tick({kDcpLevel, kCnDigital, kMer});
     Pointing pointing(f_->rules);
     QCOMPARE(level_in(pointing.next()), QString("61.5"));
-    QCOMPARE(f_->commands(), cycle);
+    QCOMPARE(f_->commands(), QStringList("UNIT?") + cycle);
     f_->values["LEVDCP?"] = "P 66.5";
     QCOMPARE(level_in(pointing.next()), QString("66.5"));
     f_->values["LEVDCP?"] = "P 66.6";
@@ -90,8 +94,10 @@ void MeasureCycleTest::the_digital_level_alone_is_ranged_anew_once_it_has_moved(
 void MeasureCycleTest::a_level_alone_in_a_unit_chosen_at_the_meter_is_none() {
     f_->values["UNIT?"] = "00";
     f_->rules.link.send("UNIT?");
+    // Chosen before the first one.
+    f_->values["UNIT?"] = "01";
     Pointing pointing(f_->rules);
-    QVERIFY(pointing.next()->unit == kDbuv);
+    QVERIFY(pointing.next()->unit == kDbmv);
     f_->commands();
     f_->values["UNIT?"] = "02";
     f_->values["LEVANL?"] = "L-50.5";
@@ -110,6 +116,7 @@ void MeasureCycleTest::a_level_alone_in_a_unit_chosen_at_the_meter_is_none() {
 }
 
 void MeasureCycleTest::a_level_alone_that_is_in_doubt_begins_anew() {
+    f_->values["UNIT?"] = "00";
     Pointing pointing(f_->rules);
     QVERIFY(pointing.next());
     static_cast<void>(f_->commands());
@@ -124,6 +131,7 @@ void MeasureCycleTest::a_level_alone_that_is_in_doubt_begins_anew() {
 }
 
 void MeasureCycleTest::the_level_alone_ends_with_the_link() {
+    f_->values["UNIT?"] = "00";
     Pointing pointing(f_->rules);
     QVERIFY(pointing.next());
     f_->port.hush();

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "mer_margin.h"
 
@@ -42,6 +43,12 @@ double on_bar(measurement::Quantity quantity, double value) {
     const double from = level ? kBarFrom : 0;
     const double to = level ? kBarTo : kRatioBarTo;
     return std::clamp((value - from) / (to - from), 0.0, 1.0);
+}
+
+/// Of two readings of the same number the one beyond the range is the higher one.
+int height_of(measurement::RangeMark mark) {
+    if (mark == measurement::RangeMark::none) return 0;
+    return mark == measurement::RangeMark::above ? 1 : -1;
 }
 
 QString name_of(measurement::Quantity quantity) {
@@ -96,7 +103,11 @@ void LevelDisplay::hold_peak() {
     const std::optional<double> value = held();
     if (!value) return;
     new_peak_ = peak_ && *value > *peak_ + kSame;
-    peak_ = std::max(peak_.value_or(*value), *value);
+    const measurement::RangeMark mark = last_->reading(quantity_).mark;
+    const auto higher = std::pair(*value, height_of(mark));
+    if (peak_ && higher <= std::pair(*peak_, height_of(peak_mark_))) return;
+    peak_ = value;
+    peak_mark_ = mark;
 }
 
 void LevelDisplay::forget_peak() {
@@ -170,16 +181,31 @@ QString LevelDisplay::repeated_text(double now, const Texts& texts) const {
         .arg(span_text(static_cast<int>(now - at_)));
 }
 
+QString LevelDisplay::peak_text(const LevelPicture& picture, const Texts& texts) const {
+    const measurement::Reading peak{static_cast<float>(*peak_ - offset()), peak_mark_};
+    return texts.pick(kPeak)
+        .arg(measurement::reading_text(quantity_, peak), picture.unit)
+        .trimmed();
+}
+
+/// Of a value at an end of the meter's range, and of a peak there, nobody knows how far beyond it
+/// they are: the one is lower by more, and of two nothing can be told.
+QString LevelDisplay::below_text(const Texts& texts) const {
+    using measurement::RangeMark;
+    const RangeMark mark = last_->reading(quantity_).mark;
+    const double below = *peak_ - *held();
+    if (mark == RangeMark::above || peak_mark_ == RangeMark::below) return {};
+    const bool more = mark == RangeMark::below || peak_mark_ == RangeMark::above;
+    if (below < kSame && !more) return texts.pick(kAtPeak);
+    return texts.pick(kBelow).arg((more ? QStringLiteral(">") : QString()) +
+                                  QString::number(below, 'f', 1));
+}
+
 void LevelDisplay::show_peak(LevelPicture& picture, const Texts& texts) const {
     if (!peak_) return;
     picture.bar_peak = on_bar(quantity_, *peak_);
-    picture.peak =
-        texts.pick(kPeak).arg(QString::number(*peak_ - offset(), 'f', 1), picture.unit).trimmed();
-    const std::optional<double> value = held();
-    if (!value) return;
-    const double below = *peak_ - *value;
-    picture.below = below < kSame ? texts.pick(kAtPeak)
-                                  : texts.pick(kBelow).arg(QString::number(below, 'f', 1));
+    picture.peak = peak_text(picture, texts);
+    if (held()) picture.below = below_text(texts);
 }
 
 LevelPicture LevelDisplay::picture(double now, bool linked, const Texts& texts) const {

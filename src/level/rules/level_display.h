@@ -74,6 +74,8 @@ class LevelDisplay {
     double offset() const;
     std::optional<double> held() const;
     void hold_peak();
+    QString peak_text(const LevelPicture& picture, const Texts& texts) const;
+    QString below_text(const Texts& texts) const;
     void show_peak(LevelPicture& picture, const Texts& texts) const;
 
     std::optional<measurement::Measurement> last_;
@@ -82,7 +84,10 @@ class LevelDisplay {
     bool repeating_ = false;
     bool new_peak_ = false;
     measurement::Quantity quantity_ = measurement::Quantity::level;
-    std::optional<double> peak_;  ///< the highest, dBuV or dB, of what has been received lately
+    /// The highest, dBuV or dB, of what has been received lately.
+    std::optional<double> peak_;
+    /// Where the meter's range ended there, the peak itself is beyond it.
+    measurement::RangeMark peak_mark_ = measurement::RangeMark::none;
 };
 
 }  // namespace m47::level

@@ -91,6 +91,9 @@ std::optional<measurement::Measurement> Pointing::next() {
 }
 
 void Pointing::begin() {
+    // Nobody watched the meter's keys before the first level.
+    const bool first = !std::exchange(begun_, true);
+    if (first && quantity_ == measurement::Quantity::level) static_cast<void>(unit_.changed());
     if (quantity_ != measurement::Quantity::mer) return cycle_.measure({}, program_);
     const link::Measuring measuring(rules_.link);
     steps_.outcome = measurement::Measurement();

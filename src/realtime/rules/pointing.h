@@ -54,6 +54,7 @@ class Pointing {
         ranged_at_;               ///< the value behind the whole cycle, which set the attenuator
     std::optional<double> last_;  ///< the value before, in the unit of then
     link::UnitWatch unit_;
+    bool begun_ = false;
     bool in_qpsk_ = false;  ///< the meter may be in its QPSK mode
 };
 
