@@ -301,6 +301,7 @@ struct Bench {
     identify::Lnb converter;
     SkySettings usual;  ///< what all its skies have alike
     int first = 0;
+    std::size_t programs = 0;  ///< above 0: the candidates are ten plans of so many programs each
     std::vector<Candidate> candidates = identify::candidates_of_tables(
         identify::read_tables(QString::fromLatin1(kFolder)), converter);
     Arc arc{candidates, usual.dish_cm};
@@ -338,7 +339,31 @@ struct Bench {
         return known;
     }
 
+    /// Programs of the target by chance, where it is not removed, and of others.
+    std::vector<Candidate> plans_of(const Trial& trial, Sky kind) const {
+        constexpr std::size_t kPlans = 10;
+        meter::Jitter chance(trial.settings.seed);
+        std::vector<Candidate> plans;
+        while (plans.size() < kPlans) {
+            const bool own = plans.empty() && kind == Sky::full;
+            const std::size_t which = own ? trial.target : targets[chance.below(targets.size())];
+            if (!own && which == trial.target) continue;
+            const Candidate& table = candidates[which];
+            Candidate plan{.name = table.name, .is_plan = true};
+            std::vector<identify::Carrier> measured = table.carriers;
+            std::erase_if(measured, [](const auto& carrier) { return !carrier.lockable; });
+            for (std::size_t k = 0; k < programs; ++k) {
+                plan.carriers.push_back(measured[chance.below(measured.size())]);
+                plan.carriers.back().east.reset();
+            }
+            identify::join_same_carriers(plan);
+            plans.push_back(plan);
+        }
+        return plans;
+    }
+
     std::vector<Candidate> known_of(const Trial& trial, Sky kind, std::size_t count) const {
+        if (programs > 0) return plans_of(trial, kind);
         if (count > 0) return known_of(trial, count);
         std::vector<Candidate> known = candidates;
         if (kind == Sky::removed)
@@ -452,6 +477,19 @@ struct Rows {
                       bench.run(Sky::full, part(25), by_belief, count));
     }
 
+    void print_plans(Bench bench) const {
+        if (!wants("plans")) return;
+        for (const std::size_t programs : {10U, 30U, 100U}) {
+            bench.programs = programs;
+            const QString of = QStringLiteral("plans of %1 programs").arg(programs);
+            const Sums sums = bench.run(Sky::full, part(10), by_belief);
+            print_row(qUtf8Printable(of), sums);
+            print_row(qUtf8Printable(of + QLatin1String(", none its")),
+                      bench.run(Sky::removed, part(10), by_belief));
+            print_reliability(sums);
+        }
+    }
+
     void print_other(const char* row, const char* name, const identify::Lnb& lnb,
                      const SkySettings& alike, int divisor = 10) const {
         if (!wants(row)) return;
@@ -481,6 +519,8 @@ int main(int argc, char** argv) {
     rows.print_belief(bench);
     rows.print_plain_ways(bench);
     rows.print_growth(bench);
+    // Whoever measures a program has seen it on air.
+    rows.print_plans(rows.on(universal, {.off_air_percent = 5}));
     rows.print_other("off-air", "30 % off air", universal, {.off_air_percent = 30});
     rows.print_other("unequal", "neighbours of unequal power", universal, {.unequal_db = 3});
     rows.print_other("own-powers", "orbit's own powers", universal, {.own_powers = true});

@@ -396,6 +396,21 @@ class IdentifyLineTest : public QObject {
             QVERIFY2(!arc_part_of(wrong), wrong);
     }
 
+    /// What the bars show in the end is what the sentence says.
+    void the_standings_are_those_of_the_verdict() {
+        Line line;
+        const MeterInProcess meter(line.port, 3, {tables_.folder(), 40.4, 3});
+        IdentificationRun run(line.link, Lnb::universal(), tables_.few());
+        const IdentificationEnd end = run.run();
+        QVERIFY(end.verdict);
+        const std::vector<Standing> standings = run.standings();
+        QVERIFY(standings.front().kind == end.verdict->kind);
+        QCOMPARE(standings.front().chance, end.verdict->certainty);
+        double sum = 0;
+        for (const Standing& one : standings) sum += one.chance;
+        QVERIFY2(std::abs(sum - 1) < 1e-6, qPrintable(QString::number(sum)));
+    }
+
     void plans_are_candidates() {
         programme::ProgramRecord program;
         program.frequenza = "11778";
@@ -417,6 +432,7 @@ class IdentifyLineTest : public QObject {
         const auto found = candidates_of_plans({plan, {"EMPTY", {}, {}}}, Lnb::universal());
         QCOMPARE(found.size(), std::size_t{1});
         QCOMPARE(candidate_text(found[0]), QString("ROOF"));
+        QVERIFY(found[0].is_plan);
         const std::vector<Carrier>& carriers = found[0].carriers;
         QCOMPARE(carriers.size(), std::size_t{2});
         QCOMPARE(carriers[0].state, 2);

@@ -410,6 +410,35 @@ class IdentifyTest : public QObject {
         }
     }
 
+    /// Of what is up there a plan has a small part: that the rest is not in it speaks against
+    /// nothing, and that some of it locks speaks for it.
+    void a_plan_of_a_few_programs_is_recognised() {
+        if (!QFileInfo::exists(QLatin1String(kFolder))) QSKIP("no scan tables are installed");
+        const SkyTables tables(kFolder);
+        std::vector<Candidate> plans;
+        for (const double east : {13.0, 28.2}) {
+            Candidate plan = candidates_around(east, 0.2).front();
+            std::erase_if(plan.carriers, [](const Carrier& carrier) { return !carrier.lockable; });
+            std::vector<Carrier> few;
+            for (std::size_t k = 3; k < plan.carriers.size(); k += 7)
+                few.push_back(plan.carriers[k]);
+            plan.carriers = few;
+            for (Carrier& carrier : plan.carriers) carrier.east.reset();
+            plan.positions.clear();
+            plan.is_plan = true;
+            plans.push_back(plan);
+        }
+        const Arc arc(plans);
+        OrbitSky own(tables, {.seed = 101003, .cn_db = 13, .east = 13.1});
+        const Verdict verdict = identify_in(own, arc);
+        QCOMPARE(verdict.kind, Verdict::Kind::candidate);
+        QCOMPARE(verdict.candidate, std::size_t{0});
+        QVERIFY(verdict.locks >= 2);
+        QVERIFY2(verdict.certainty > 0.8, qPrintable(QString::number(verdict.certainty)));
+        OrbitSky other(tables, {.seed = 101004, .cn_db = 13, .east = 42.2});
+        QCOMPARE(identify_in(other, arc).kind, Verdict::Kind::none_of_these);
+    }
+
     void the_same_sky_is_asked_the_same() {
         const Arc arc(candidates());
         PlainSky one(arc.candidates()[2].carriers, -1);

@@ -24,6 +24,8 @@ constexpr double kNearListed = 200;
 constexpr double kUsualWidth = 18;
 constexpr double kLeastUnlisted = 0.004;
 constexpr double kMostUnlisted = 0.3;
+/// Of a satellite of which a plan has a part, most of the rest is there as well.
+constexpr double kBesidePlans = 0.6;
 constexpr double kLightMetresMhz = 299.792458;
 
 double width_of(double sky_mhz, double dish_cm) {
@@ -218,6 +220,7 @@ void Arc::add_unlisted(Band& band, const Emitter& emitter) {
 }
 
 double Arc::unlisted(std::size_t candidate, int state, double if_mhz) const {
+    if (candidates_[candidate].is_plan) return kBesidePlans;
     const double chance =
         unlisted_[candidate][static_cast<std::size_t>(state)][usual_place(if_mhz)];
     return std::clamp(chance, kLeastUnlisted, kMostUnlisted);

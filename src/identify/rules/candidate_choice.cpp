@@ -121,7 +121,7 @@ std::vector<PlanPrograms> read_plans(const db::Database& database) {
 std::vector<Candidate> candidates_of_plans(const std::vector<PlanPrograms>& plans, const Lnb& lnb) {
     std::vector<Candidate> candidates;
     for (const PlanPrograms& plan : plans) {
-        Candidate candidate{.name = plan.name};
+        Candidate candidate{.name = plan.name, .is_plan = true};
         for (const programme::ProgramRecord& program : plan.programs)
             if (const auto carrier = carrier_of(program, plan.oscillators, lnb))
                 candidate.carriers.push_back(*carrier);

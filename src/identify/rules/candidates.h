@@ -28,6 +28,8 @@ struct Candidate {
     QStringList satellites{};         ///< names of the tables that it is made of
     std::vector<double> positions{};  ///< degrees east, from west to east; none for a plan
     std::vector<Carrier> carriers{};
+    /// A plan has what its user measures, of which standard nobody knows; a table has all there is.
+    bool is_plan = false;
 
     int lockable() const;
 };

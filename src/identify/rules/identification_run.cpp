@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "identification_run.h"
 
+#include <algorithm>
+#include <functional>
 #include <utility>
 
 #include "commands.h"
@@ -116,6 +118,21 @@ IdentificationEnd IdentificationRun::run() {
     return finish();
 }
 
+/// What a verdict rests on besides the levels counts in the end.
+void IdentificationRun::weigh_verdict(std::vector<Standing>& found) const {
+    const Verdict verdict = identifier_.verdict();
+    const auto is_named = [&](const Standing& one) {
+        return one.kind == verdict.kind &&
+               (one.kind != Verdict::Kind::candidate || one.candidate == verdict.candidate);
+    };
+    const auto named = std::ranges::find_if(found, is_named);
+    if (named == found.end()) return;
+    const double others = part_of_others(named->chance, verdict.certainty);
+    for (Standing& one : found)
+        one.chance = is_named(one) ? verdict.certainty : one.chance * others;
+    std::ranges::stable_sort(found, std::greater(), &Standing::chance);
+}
+
 std::vector<Standing> IdentificationRun::standings() const {
     const Belief& belief = identifier_.belief();
     std::vector<Standing> found;
@@ -126,6 +143,7 @@ std::vector<Standing> IdentificationRun::standings() const {
         if (which == belief.nothing()) standing.kind = Verdict::Kind::no_satellite;
         found.push_back(standing);
     }
+    if (clear_) weigh_verdict(found);
     return found;
 }
 

@@ -64,8 +64,8 @@ class IdentificationRun {
     const std::vector<Candidate>& candidates() const { return arc_.candidates(); }
     /// All questions that have an answer, in order.
     const std::vector<Asked>& asked() const { return asked_; }
-    /// What is held of all possible answers, the most probable first; empty as long as nothing is
-    /// known, which is before the band was looked over.
+    /// What is held of all possible answers, the most probable first, in the end as the verdict has
+    /// it; empty as long as nothing is known, which is before the band was looked over.
     std::vector<Standing> standings() const;
     /// Of the LNB if the most probable candidate is the right one, MHz; nothing while nothing is
     /// known.
@@ -78,6 +78,7 @@ class IdentificationRun {
     std::optional<Question> next();
     void ask(const Question& question);
     void conclude(IdentificationEnd& end);
+    void weigh_verdict(std::vector<Standing>& found) const;
 
     link::Link& link_;
     Lnb lnb_;

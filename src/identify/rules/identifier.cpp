@@ -13,13 +13,13 @@ constexpr int kScanOfAState = 22;
 constexpr std::size_t kRound = 10;
 constexpr int kFewestRounds = 3;
 constexpr int kMostRounds = 22;
+/// Which plan it may be is clear soon, and which one it is tell the locks.
+constexpr int kRoundsOfPlans = 8;
 constexpr double kClear = 0.998;
 /// Two levels nearer than this say much the same, MHz.
 constexpr double kNear = 12;
 /// A level for a lock has to stand on its carrier.
 constexpr double kSamePlace = 1.5;
-constexpr int kProof = 2;
-constexpr int kMostLocks = 5;
 constexpr std::size_t kProofLevels = 16;
 constexpr double kWorthALock = 0.02;
 /// That it is none of these where levels name one but nothing of it locked.
@@ -195,13 +195,13 @@ double Identifier::worth_of_lock(const LockTry& trial, std::size_t candidate,
     const double told = (squares / weights - mean * mean) / (mean * (1 - mean));
     const double own = belief_.front(candidate).lock_chance(trial);
     const double proof = own * (1.2 - (others > 0 ? of_others / others : 0));
-    return told + proof * belief_.chances()[candidate];
+    return told + proof * share(candidate);
 }
 
 std::vector<std::size_t> Identifier::probable() const {
     std::vector<std::size_t> found;
     for (const std::size_t which : belief_.order())
-        if (which < arc_.size() && (found.empty() || belief_.chances()[which] > kWorthALock))
+        if (which < arc_.size() && (found.empty() || share(which) > kWorthALock))
             found.push_back(which);
     return found;
 }
@@ -268,10 +268,11 @@ void Identifier::plan_proof() {
 
 /// True where a round of levels is still worth it.
 bool Identifier::wants_levels(double certainty) const {
+    if (among_plans()) return batches_ < kRoundsOfPlans;
     if (batches_ >= kMostRounds) return false;
     if (certainty <= kClear || batches_ < kFewestRounds) return true;
     // What nothing has proven is asked of to the end.
-    return tried_locks_ >= kMostLocks && belief_.best() < arc_.size() &&
+    return tried_locks_ >= most_locks() && belief_.best() < arc_.size() &&
            locks_of(belief_.best()) == 0;
 }
 
@@ -279,7 +280,8 @@ void Identifier::plan() {
     note_levels();
     belief_.update(evidence_);
     const double certainty = belief_.chances()[belief_.best()];
-    if (belief_.best() == belief_.nothing() && certainty > kClear && batches_ > 0) {
+    if (belief_.best() == belief_.nothing() && certainty > kClear &&
+        batches_ >= (among_plans() ? kRoundsOfPlans : 1)) {
         done_ = true;
         return;
     }
@@ -288,15 +290,14 @@ void Identifier::plan() {
         plan_levels();
         if (!planned_.empty()) return;
     }
-    const bool proven = belief_.best() < arc_.size() && locks_of(belief_.best()) >= kProof;
-    if (proven || tried_locks_ >= kMostLocks) {
+    if (is_settled()) {
         done_ = true;
         return;
     }
     if (!proof_planned_) plan_proof();
     if (!planned_.empty() || plan_lock()) return;
     // Nothing to lock: levels have to do.
-    tried_locks_ = kMostLocks;
+    tried_locks_ = most_locks();
     if (wants_levels(certainty)) {
         ++batches_;
         plan_levels();
@@ -321,19 +322,20 @@ void Identifier::take(const Question& question, const Answer& answer) {
                                    *answer.locked, answer.offset});
 }
 
-bool Identifier::supports(const LockTry& lock, std::size_t candidate) const {
+/// True where it was tried on a transponder of the candidate.
+bool Identifier::is_of(const LockTry& lock, std::size_t candidate) const {
     const double drift = belief_.front(candidate).best().drift;
-    return lock.locked &&
-           std::ranges::any_of(arc_.candidates()[candidate].carriers, [&](const Carrier& carrier) {
-               return carrier.lockable && carrier.state == lock.state &&
-                      std::abs(carrier.rate - lock.rate) < 0.01 * lock.rate &&
-                      std::abs(carrier.if_mhz + drift - lock.if_mhz) < kCapture * lock.rate + 1;
-           });
+    return std::ranges::any_of(arc_.candidates()[candidate].carriers, [&](const Carrier& carrier) {
+        return carrier.lockable && carrier.state == lock.state &&
+               std::abs(carrier.rate - lock.rate) < 0.01 * lock.rate &&
+               std::abs(carrier.if_mhz + drift - lock.if_mhz) < kCapture * lock.rate + 1;
+    });
 }
 
 int Identifier::locks_of(std::size_t candidate) const {
-    return static_cast<int>(std::ranges::count_if(
-        evidence_.locks, [&](const LockTry& lock) { return supports(lock, candidate); }));
+    return static_cast<int>(std::ranges::count_if(evidence_.locks, [&](const LockTry& lock) {
+        return lock.locked && is_of(lock, candidate);
+    }));
 }
 
 /// The chance that it is the candidate, and not something that is in no table, of a name that the
@@ -401,15 +403,21 @@ Verdict Identifier::verdict() const {
     const Front::Best best = belief_.front(verdict.candidate).best();
     verdict.drift = best.drift;
     verdict.locks = locks_of(verdict.candidate);
-    if (verdict.kind != Verdict::Kind::candidate) return verdict;
+    weigh_name(verdict);
+    if (verdict.kind == Verdict::Kind::candidate)
+        verdict.runner_up_chance *=
+            part_of_others(belief_.chances()[verdict.candidate], verdict.certainty);
+    return verdict;
+}
+
+/// What counts besides the levels: whether there is a name at all, and how certain it is.
+void Identifier::weigh_name(Verdict& verdict) const {
+    if (among_plans() && verdict.kind != Verdict::Kind::no_satellite) return name_plan(verdict);
+    if (verdict.kind != Verdict::Kind::candidate) return;
     const double listed = chance_of_listed(verdict);
-    if (is_out_of_place(verdict) || listed < kLeastListed) {
-        name_nobody(verdict);
-        return verdict;
-    }
+    if (is_out_of_place(verdict) || listed < kLeastListed) return name_nobody(verdict);
     verdict.certainty = listed * verdict.certainty / (1 - belief_.chances()[belief_.none()]);
     if (verdict.locks == 0) verdict.certainty = std::min(kByLevels, verdict.certainty);
-    return verdict;
 }
 
 }  // namespace m47::identify

@@ -55,6 +55,10 @@ struct Verdict {
     int locks = 0;     ///< how many transponders of its table locked
 };
 
+/// What the chances of all others are to be multiplied by, where the levels gave `of_levels` to
+/// what has `certainty` once all is weighed.
+double part_of_others(double of_levels, double certainty);
+
 /// Asks until it is clear which satellite a dish points at. The same answers lead to the same
 /// questions. One is for one sky.
 class Identifier {
@@ -96,7 +100,14 @@ class Identifier {
     double worth_of_lock(const LockTry& trial, std::size_t candidate, const Ideas& ideas) const;
     std::vector<std::size_t> probable() const;
     bool lock_tried(const Carrier& carrier, double if_mhz) const;
-    bool supports(const LockTry& lock, std::size_t candidate) const;
+    bool is_of(const LockTry& lock, std::size_t candidate) const;
+    bool among_plans() const;
+    int most_locks() const;
+    double chance_of_plan(std::size_t plan) const;
+    double share(std::size_t candidate) const;
+    bool is_settled() const;
+    void name_plan(Verdict& verdict) const;
+    void weigh_name(Verdict& verdict) const;
     int locks_of(std::size_t candidate) const;
 
     const Arc& arc_;
