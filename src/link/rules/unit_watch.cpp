@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "unit_watch.h"
 
+#include <cmath>
+#include <utility>
+
 #include "commands.h"
 #include "fault.h"
 
@@ -9,6 +12,9 @@ namespace {
 
 /// A doubtful answer is asked for again so often.
 constexpr int kTries = 2;
+/// Who turns a dish seldom moves a level by so much from one answer to the next, dB; another unit
+/// moves it by 48.8 at least.
+constexpr double kLeap = 25;
 
 }  // namespace
 
@@ -24,6 +30,13 @@ bool UnitWatch::changed() {
         if (now) return first_ && now != first_;
     }
     return false;
+}
+
+bool UnitWatch::changed_at(double level) {
+    const std::optional<double> before = std::exchange(last_, level);
+    if (!before || std::abs(level - *before) < kLeap || !changed()) return false;
+    last_.reset();
+    return true;
 }
 
 }  // namespace m47::link

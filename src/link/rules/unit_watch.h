@@ -23,9 +23,14 @@ class UnitWatch {
     /// another one; false where the meter does not tell. Told to end, it throws Interrupted.
     bool changed();
 
+    /// Looks at a level that came. True where it lies so far from the one before that the meter was
+    /// asked for its unit, and tells another one: the two cannot be compared then.
+    bool changed_at(double level);
+
   private:
     Link& link_;
     std::optional<int> first_;
+    std::optional<double> last_;
 };
 
 }  // namespace m47::link

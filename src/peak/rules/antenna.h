@@ -29,6 +29,8 @@ class Antenna {
     /// The levels are in another unit than at first, as somebody chose it at the meter: they cannot
     /// be compared.
     virtual bool unit_changed() = 0;
+    /// That was noticed already: there are no more levels.
+    virtual bool strayed() const { return false; }
 };
 
 }  // namespace m47::peak

@@ -48,9 +48,12 @@ void LinkAntenna::stop() noexcept {
 }
 
 std::optional<double> LinkAntenna::level() {
+    if (strayed_) return std::nullopt;
     const link::Measuring measuring(link_);
     const auto reading = sure([this] { return ask_level(); });
     if (!reading || !reading->measured()) return std::nullopt;
+    strayed_ = unit_.changed_at(reading->value);
+    if (strayed_) return std::nullopt;
     tell(measurement::Quantity::level, *reading);
     // Beyond the range the reading stands still, which looks like a summit.
     if (reading->mark == measurement::RangeMark::above) return std::nullopt;

@@ -33,7 +33,8 @@ class LinkAntenna : public Antenna {
     /// Takes six seconds, and leaves the meter in its measuring mode, without attenuation until the
     /// next level.
     std::optional<double> mer() override;
-    bool unit_changed() override { return unit_.changed(); }
+    bool unit_changed() override { return strayed_ || unit_.changed(); }
+    bool strayed() const override { return strayed_; }
 
     /// Levels come from here on: their unit is the one that the meter told last.
     void begin() { unit_.begin(); }
@@ -49,6 +50,7 @@ class LinkAntenna : public Antenna {
     link::Link& link_;
     link::UnitWatch unit_;
     int shaft_ = 0;
+    bool strayed_ = false;
     bool attenuated_ = false;
     bool stopped_ = false;
 };

@@ -74,8 +74,6 @@ SearchResult PeakSearch::run() {
     from_west_ = false;
     refuted_.clear();
     result_.end = searched();
-    if (result_.end == SearchEnd::lost && result_.moved)
-        result_.end = back_at_start(SearchEnd::lost);
     return result_;
 }
 
@@ -83,7 +81,8 @@ SearchEnd PeakSearch::searched() {
     try {
         return search();
     } catch (const Ended& ended) {
-        return ended.how;
+        const bool no_levels = ended.how == SearchEnd::lost || ended.how == SearchEnd::unit_changed;
+        return no_levels && result_.moved ? back_at_start(ended.how) : ended.how;
     }
 }
 
@@ -277,7 +276,7 @@ double PeakSearch::level() {
         ++result_.readings;
         if (const auto value = antenna_.level()) return *value;
     }
-    throw Ended{SearchEnd::lost};
+    throw Ended{antenna_.strayed() ? SearchEnd::unit_changed : SearchEnd::lost};
 }
 
 double PeakSearch::mean_level() {

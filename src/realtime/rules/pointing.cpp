@@ -18,9 +18,6 @@ constexpr Bilingual kOneAlone{"one value alone was being repeated, nothing of it
 
 /// An attenuator step is 10 dB: behind half of one the meter may need another.
 constexpr double kRangedFor = 5;
-/// Who turns a dish seldom moves a level by so much from one answer to the next; another unit moves
-/// it by 48.8 dB at least.
-constexpr double kLeap = 25;
 
 /// `panel` with `quantity` of its presentation ticked, its alarm as it was, and no more. The MER is
 /// of the digital one whichever is shown.
@@ -162,14 +159,9 @@ bool Pointing::measured() const {
 /// True where a level has leapt because the meter tells it in another unit now.
 bool Pointing::unit_changed() {
     if (quantity_ != measurement::Quantity::level) return false;
-    const std::optional<double> before = std::exchange(last_, value());
-    if (!before || std::abs(*value() - *before) < kLeap) {
-        unit_.begin();
-        return false;
-    }
-    if (!unit_.changed()) return false;
-    last_.reset();
-    return true;
+    if (unit_.changed_at(*value())) return true;
+    unit_.begin();
+    return false;
 }
 
 /// Analog levels are read behind the whole attenuator, which holds for all of them.

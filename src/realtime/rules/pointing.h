@@ -51,8 +51,7 @@ class Pointing {
     measurement::ProgramIdentity program_;
     measurement::Quantity quantity_;
     std::optional<double>
-        ranged_at_;               ///< the value behind the whole cycle, which set the attenuator
-    std::optional<double> last_;  ///< the value before, in the unit of then
+        ranged_at_;  ///< the value behind the whole cycle, which set the attenuator
     link::UnitWatch unit_;
     bool begun_ = false;
     bool in_qpsk_ = false;  ///< the meter may be in its QPSK mode
