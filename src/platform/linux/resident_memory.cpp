@@ -6,6 +6,8 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <cstddef>
+
 namespace m47::platform {
 namespace {
 
