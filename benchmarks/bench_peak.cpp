@@ -91,6 +91,7 @@ class Stand : public m47::peak::Antenna {
         if (!quality.locked) return std::nullopt;
         return one_decimal(quality.mer_db);
     }
+    bool unit_changed() override { return false; }
 
     double east() const { return dish_.east(); }
     double seconds() const { return seconds_; }
