@@ -42,6 +42,7 @@ double log_of_sum(const std::vector<double>& logs) {
 
 double log_of_all(const std::vector<FinestGrid>& grids, double (Front::*log)() const) {
     std::vector<double> logs;
+    logs.reserve(grids.size());
     for (const FinestGrid& grid : grids) logs.push_back((grid.front.*log)());
     return log_of_sum(logs);
 }
@@ -70,6 +71,7 @@ std::vector<std::size_t> worth_the_finest(const std::map<std::size_t, Front>& fi
     std::ranges::sort(best);
     if (best.size() > kFinest) best.resize(kFinest);
     std::vector<std::size_t> found;
+    found.reserve(best.size());
     for (const auto& [log, which] : best) found.push_back(which);
     return found;
 }

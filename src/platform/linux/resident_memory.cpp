@@ -6,6 +6,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <bit>
 #include <cstddef>
 
 namespace m47::platform {
@@ -17,7 +18,7 @@ void give_back(const dl_phdr_info& object, const ElfW(Phdr) & part) {
     const auto page = static_cast<ElfW(Addr)>(sysconf(_SC_PAGESIZE));
     const ElfW(Addr) first = (object.dlpi_addr + part.p_vaddr + page - 1) / page * page;
     const ElfW(Addr) end = (object.dlpi_addr + part.p_vaddr + part.p_filesz) / page * page;
-    if (end > first) madvise(reinterpret_cast<void*>(first), end - first, MADV_DONTNEED);
+    if (end > first) madvise(std::bit_cast<void*>(first), end - first, MADV_DONTNEED);
 }
 
 int give_back_object(dl_phdr_info* object, std::size_t /*size*/, void* /*none*/) {

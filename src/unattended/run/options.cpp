@@ -73,18 +73,8 @@ QString check_sweep(const QCommandLineParser& parser, const Options& options) {
     return {};
 }
 
-QString check_combination(const QCommandLineParser& parser, const Options& options,
-                          const Offer& offer) {
-    if (options.identify) return check_identify(parser, options);
-    const QString unused = check_without_identify(parser);
-    if (!unused.isEmpty()) return unused;
-    if (options.peak_span) return check_peak(parser, options);
-    if (options.move_the_dish) return QStringLiteral("--move-the-dish goes with --peak only");
-    if (options.sweep) return check_sweep(parser, options);
-    for (const char* option : {"carriers", "scan-table"})
-        if (parser.isSet(QString::fromLatin1(option)))
-            return QStringLiteral("--%1 goes with --sweep only").arg(QLatin1String(option));
-    if (options.measure) return check_measurement(parser, options, offer);
+/// What a start that opens the window does not take.
+QString check_nothing_measured(const QCommandLineParser& parser) {
     if (parser.isSet(QStringLiteral("oscillator")))
         return QStringLiteral(
             "--oscillator goes with --measure, --sweep, --peak or --identify only");
@@ -100,6 +90,21 @@ QString check_combination(const QCommandLineParser& parser, const Options& optio
                               "reconnect", "diseqc", "site", "publish"});
     if (!name.isEmpty()) return QStringLiteral("--%1 goes with --measure only").arg(name);
     return {};
+}
+
+QString check_combination(const QCommandLineParser& parser, const Options& options,
+                          const Offer& offer) {
+    if (options.identify) return check_identify(parser, options);
+    const QString unused = check_without_identify(parser);
+    if (!unused.isEmpty()) return unused;
+    if (options.peak_span) return check_peak(parser, options);
+    if (options.move_the_dish) return QStringLiteral("--move-the-dish goes with --peak only");
+    if (options.sweep) return check_sweep(parser, options);
+    for (const char* option : {"carriers", "scan-table"})
+        if (parser.isSet(QString::fromLatin1(option)))
+            return QStringLiteral("--%1 goes with --sweep only").arg(QLatin1String(option));
+    if (options.measure) return check_measurement(parser, options, offer);
+    return check_nothing_measured(parser);
 }
 
 /// Alone it is written at once, of a machine on which nothing was recorded yet.
