@@ -176,7 +176,7 @@ class LevelTest : public QObject {
     void a_repeated_level_is_old_after_two_seconds() {
         LevelDisplay display;
         display.measured(measurement("70.0"), 0);
-        display.repeats(true);
+        display.repeats(true, 0);
         QVERIFY(display.picture(0, true, texts()).peak.isEmpty());
         display.measured(measurement("58.3"), 10);
         QVERIFY(display.picture(12, true, texts()).colour == LevelColour::live);
@@ -184,8 +184,29 @@ class LevelTest : public QObject {
         QVERIFY(display.picture(12.1, true, texts()).colour == LevelColour::stale);
         QCOMPARE(display.picture(15, true, texts()).age, QStringLiteral("OLD: no level for 5 s"));
         QVERIFY(display.picture(11, false, texts()).colour == LevelColour::stale);
-        display.repeats(false);
+        display.repeats(false, 15);
         QVERIFY(display.picture(15, true, texts()).colour == LevelColour::live);
+    }
+
+    /// A meter that answers what cannot be read is not one that measures.
+    void a_repeated_level_that_never_comes_is_told() {
+        LevelDisplay display;
+        display.repeats(true, 100);
+        display.begins();
+        QCOMPARE(display.picture(105, true, texts()).age, QStringLiteral("Measuring…"));
+        QCOMPARE(display.picture(112, true, texts()).age, QStringLiteral("No level for 12 s"));
+        display.show(measurement::Quantity::mer);
+        QCOMPARE(display.picture(112, true, texts(kItalian)).age,
+                 QStringLiteral("Nessun valore da 12 s"));
+        display.show(measurement::Quantity::level);
+        display.measured(measurement("58.3"), 113);
+        display.repeats(true, 200);
+        display.begins();
+        QCOMPARE(display.picture(202, true, texts()).age, QStringLiteral("Measuring…"));
+        QVERIFY(display.picture(202, true, texts()).colour == LevelColour::stale);
+        QCOMPARE(display.picture(212, true, texts()).age, QStringLiteral("OLD: no level for 12 s"));
+        display.measured(measurement("58.4"), 213);
+        QCOMPARE(display.picture(213, true, texts()).age, QStringLiteral("Level alone, repeated"));
     }
 
     void how_far_below_the_peak_it_is() {

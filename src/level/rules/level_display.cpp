@@ -22,6 +22,8 @@ constexpr Bilingual kCnRepeated{"C/N alone, repeated", "Solo il C/N, ripetuto"};
 constexpr Bilingual kMerRepeated{"MER alone, repeated", "Solo il MER, ripetuto"};
 constexpr Bilingual kLevelBroken{"OLD: no level for %1", "VECCHIO: nessun livello da %1"};
 constexpr Bilingual kValueBroken{"OLD: no value for %1", "VECCHIO: nessun valore da %1"};
+constexpr Bilingual kNoLevelYet{"No level for %1", "Nessun livello da %1"};
+constexpr Bilingual kNoValueYet{"No value for %1", "Nessun valore da %1"};
 constexpr Bilingual kBelow{"%1 dB below the peak", "%1 dB sotto il massimo"};
 constexpr Bilingual kAtPeak{"at the peak", "al massimo"};
 constexpr Bilingual kMargin{"MER: %1", "MER: %1"};
@@ -121,8 +123,9 @@ void LevelDisplay::show(measurement::Quantity quantity) {
     hold_peak();
 }
 
-void LevelDisplay::repeats(bool on) {
+void LevelDisplay::repeats(bool on, double now) {
     repeating_ = on;
+    repeated_since_ = now;
     if (on) forget_peak();
 }
 
@@ -163,8 +166,8 @@ std::optional<double> LevelDisplay::heard() const {
 
 QString LevelDisplay::age_text(double now, bool linked, const Texts& texts) const {
     if (!linked) return texts.pick(kLevelNoLink);
-    if (running_) return texts.pick(kLevelMeasuring);
     if (repeating_) return repeated_text(now, texts);
+    if (running_) return texts.pick(kLevelMeasuring);
     if (!last_) return texts.pick(kLevelNone);
     // The age is that of a value: a dash has none, whatever else was measured.
     if (!held()) return texts.pick(kNotInLast);
@@ -175,10 +178,16 @@ QString LevelDisplay::age_text(double now, bool linked, const Texts& texts) cons
 
 QString LevelDisplay::repeated_text(double now, const Texts& texts) const {
     if (live(now, true)) return texts.pick(repeated_words(quantity_));
-    if (!last_) return texts.pick(kLevelMeasuring);
+    // Until the first value is here, none at all looks like a slow one.
+    if (running_ && now - repeated_since_ <= kLiveSeconds) return texts.pick(kLevelMeasuring);
+    return broken_text(now - (running_ ? repeated_since_ : at_), texts);
+}
+
+QString LevelDisplay::broken_text(double seconds, const Texts& texts) const {
     const bool level = quantity_ == measurement::Quantity::level;
-    return texts.pick(level ? kLevelBroken : kValueBroken)
-        .arg(span_text(static_cast<int>(now - at_)));
+    const Bilingual& words =
+        last_ ? (level ? kLevelBroken : kValueBroken) : (level ? kNoLevelYet : kNoValueYet);
+    return texts.pick(words).arg(span_text(static_cast<int>(seconds)));
 }
 
 QString LevelDisplay::peak_text(const LevelPicture& picture, const Texts& texts) const {

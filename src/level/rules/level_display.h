@@ -35,8 +35,8 @@ struct LevelPicture {
 /// The level, C/N or MER for somebody who stands three metres away. It never shows an old value as
 /// a live one: that turns grey after kLiveSeconds, when the next measurement begins, and when the
 /// link is lost. While the level is repeated alone one value follows the other, and
-/// kRepeatedSeconds without one make it old. Times are in seconds on any clock that only goes
-/// forward.
+/// kRepeatedSeconds without one make it old; the first one may take kLiveSeconds. Times are in
+/// seconds on any clock that only goes forward.
 class LevelDisplay {
   public:
     static constexpr double kLiveSeconds = 10;
@@ -49,7 +49,7 @@ class LevelDisplay {
     void ended() { running_ = false; }
 
     /// The level is repeated alone from now on, or no longer.
-    void repeats(bool on);
+    void repeats(bool on, double now);
     bool repeating() const { return repeating_; }
     /// The highest value is held from here on anew.
     void forget_peak();
@@ -69,6 +69,7 @@ class LevelDisplay {
   private:
     QString age_text(double now, bool linked, const Texts& texts) const;
     QString repeated_text(double now, const Texts& texts) const;
+    QString broken_text(double seconds, const Texts& texts) const;
     QString unit() const;
     QString margin_text(const Texts& texts) const;
     double offset() const;
@@ -80,6 +81,7 @@ class LevelDisplay {
 
     std::optional<measurement::Measurement> last_;
     double at_ = 0;
+    double repeated_since_ = 0;
     bool running_ = false;
     bool repeating_ = false;
     bool new_peak_ = false;

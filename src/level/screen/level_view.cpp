@@ -177,18 +177,19 @@ void LevelView::ended() {
 }
 
 void LevelView::repeats(bool on) {
-    display_.repeats(on);
+    display_.repeats(on, now());
     on ? display_.begins() : display_.ended();
     refresh();
 }
 
 void LevelView::grows_old() {
-    if (was_live_ && !display_.live(now(), linked_())) refresh();
+    if (isVisible() && display_.picture(now(), linked_(), texts_).age != age_) refresh();
 }
 
 void LevelView::refresh() {
     if (!isVisible()) return;
     const LevelPicture shown = display_.picture(now(), linked_(), texts_);
+    age_ = shown.age;
     const bool was_live = std::exchange(was_live_, display_.live(now(), linked_()));
     // Who has it read aloud would never hear a sentence to its end.
     if (!repeating() || was_live != was_live_ || sender() == &ageing_) speak(shown);

@@ -31,7 +31,7 @@ class LevelView : public QWidget {
     /// The level is repeated alone from now on, or no longer.
     void repeats(bool on);
     bool repeating() const { return display_.repeating(); }
-    /// Shows a value that has grown old while the next one is waited for.
+    /// Shows that a value has grown old, or none has come yet, while the next one is waited for.
     void grows_old();
 
     void open();
@@ -78,6 +78,7 @@ class LevelView : public QWidget {
     bool tone_ = false;
     bool chime_ = false;
     bool was_live_ = false;
+    QString age_;  ///< as it stands on the screen
     bool told_of_no_device_ = false;
     QString remark_;
 };
