@@ -429,9 +429,9 @@ void M47MDI::show_remark(const QString& text) {
 }
 
 /// Before another deed of the user, of which it need not be true any more; not before what that
-/// deed does in turn.
+/// deed does in turn. What a deed has opened a dialog for is one of its own.
 void M47MDI::end_remark() {
-    if (running_handler()) return;
+    if (running_handler() && !QApplication::activeModalWidget()) return;
     const QString remark = std::exchange(remark_, QString());
     if (!remark.isEmpty() && notice_->text() == remark) show_notice(QString());
 }

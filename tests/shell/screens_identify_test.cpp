@@ -166,6 +166,31 @@ void ScreensTest::it_is_asked_again_and_the_choice_is_kept() {
     QVERIFY2(bars == 5, "three on that part of the arc, and two that are none");
 }
 
+/// Also within the dialog, whose own key is still being handled.
+void ScreensTest::what_was_told_of_a_stopped_one_ends_with_the_next() {
+    MeterInProcess& meter = start_under_the_orbit();
+    const auto* notice = find<QLabel>("corrected_notice");
+    QStringList told;
+    in_the_dialog([&](QDialog* dialog) {
+        for (int run = 0; run < 2; ++run) {
+            int levels = 0;
+            meter.on_command = [&](const QByteArray& command, const QString&) {
+                if (command != "LEVANL?" || ++levels != 10) return;
+                told += notice->text();
+                click_in_the_wait(dialog->findChild<QPushButton*>("identify_stop"));
+            };
+            press(dialog, "identify_start");
+            meter.on_command = nullptr;
+            told += notice->text();
+        }
+    });
+    QCOMPARE(told.size(), 4);
+    QVERIFY2(told[1].startsWith("Stopped: "), qPrintable(told[1]));
+    QVERIFY2(told[3].startsWith("Stopped: "), qPrintable(told[3]));
+    QCOMPARE(told[0], QString());
+    QCOMPARE(told[2], QString());
+}
+
 void ScreensTest::transponders_of_the_satellite_become_programs() {
     start_under_the_orbit();
     int offered = 0;

@@ -292,6 +292,7 @@ class ScreensTest : public QObject, protected ProgramInFolder {
     void ten_satellites_have_a_bar_and_what_is_none();
 
     void it_is_asked_again_and_the_choice_is_kept();
+    void what_was_told_of_a_stopped_one_ends_with_the_next();
 
     void transponders_of_the_satellite_become_programs();
 
