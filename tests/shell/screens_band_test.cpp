@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The screen of the band sweep, by clicks and keys, before the simulated meter.
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTableWidget>
 #include <algorithm>
 
 #include "band_chart_view.h"
+#include "band_picture.h"
 #include "program_set.h"
 #include "screens_test.h"
 
@@ -181,6 +183,48 @@ void ScreensTest::four_states_of_the_lnb_are_swept_in_a_row() {
     sweep(screen);
     QCOMPARE(line_->take_commands().filter("FREQ 14"),
              QStringList({"FREQ 1400.0", "FREQ 1410.0", "FREQ 1400.0", "FREQ 1410.0"}));
+}
+
+/// Also where another state, another oscillator or a smaller part is chosen for the next sweep.
+void ScreensTest::the_axis_goes_over_all_of_the_last_pass() {
+    start_with_meter();
+    band::BandSweep* screen = open_sweep(1000, 1030, "10 MHz");
+    sweep(screen);
+    const band::BandState& state = screen->store().states().front();
+    for (const double oscillator : {10600.0, 5150.0}) {
+        band::SweepTerms terms;
+        terms.oscillator = oscillator;
+        const auto [low, high] =
+            std::minmax({band::on_axis(1000, terms), band::on_axis(1030, terms)});
+        band::BandPicture picture;
+        band::fit_axis(picture, low + 10, low + 20, state, terms);
+        QCOMPARE(picture.from, low);
+        QCOMPARE(picture.to, high);
+        band::fit_axis(picture, low - 500, high + 500, state, terms);
+        QCOMPARE(picture.from, low - 500);
+        QCOMPARE(picture.to, high + 500);
+    }
+    band::BandPicture picture;
+    band::fit_axis(picture, 950, 2150, {}, {});
+    QCOMPARE(picture.from, 950.0);
+    QCOMPARE(picture.to, 2150.0);
+}
+
+void ScreensTest::a_sweep_is_saved_under_the_name_that_is_proposed() {
+    start_with_meter();
+    band::BandSweep* screen = open_sweep(1000, 1030, "10 MHz");
+    sweep(screen);
+    QString proposed;
+    BoxAnswers boxes;
+    boxes.answer([&](QDialog* dialog) {
+        auto* name = dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        proposed = name->text();
+        QTest::keyClick(name, Qt::Key_Return);
+    });
+    QTest::mouseClick(find<QPushButton>("band_save", screen), Qt::LeftButton);
+    static const QRegularExpression pattern(QStringLiteral("^sweep-\\d{8}-\\d{6}$"));
+    QVERIFY2(pattern.match(proposed).hasMatch(), qPrintable(proposed));
+    QVERIFY(!QImage(in_folder(qPrintable(proposed + QStringLiteral(".png")))).isNull());
 }
 
 void ScreensTest::the_chart_is_used_while_it_grows() {

@@ -271,6 +271,8 @@ class ScreensTest : public QObject, protected ProgramInFolder {
     void a_sweep_finds_carriers_and_a_click_tunes_to_one();
 
     void four_states_of_the_lnb_are_swept_in_a_row();
+    void the_axis_goes_over_all_of_the_last_pass();
+    void a_sweep_is_saved_under_the_name_that_is_proposed();
 
     void the_chart_is_used_while_it_grows();
 

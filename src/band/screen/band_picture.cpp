@@ -120,6 +120,18 @@ BandPicture picture_of(const BandState& state, const SweepTerms& terms, const Ba
     return picture;
 }
 
+void fit_axis(BandPicture& picture, double from, double to, const BandState& state,
+              const SweepTerms& terms) {
+    picture.from = from;
+    picture.to = to;
+    const BandCurve& live = state.traces.live();
+    if (live.empty()) return;
+    const auto [low, high] =
+        std::minmax({on_axis(live.mhz(0), terms), on_axis(live.mhz(live.size() - 1), terms)});
+    picture.from = std::min(from, low);
+    picture.to = std::max(to, high);
+}
+
 QString markers_text(const BandState& state, const BandLook& look, const SweepTerms& terms) {
     const BandCurve& live = state.traces.live();
     QStringList parts;

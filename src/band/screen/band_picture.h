@@ -37,6 +37,11 @@ BandPicture picture_of(const BandState& state, const SweepTerms& terms, const Ba
                        const BandCurve* reference, const std::vector<FoundCarrier>& carriers,
                        const Texts& texts);
 
+/// Lets the axis go over what is chosen to be swept, on the axis itself, and over the last pass of
+/// `state`, which may have been of another choice.
+void fit_axis(BandPicture& picture, double from, double to, const BandState& state,
+              const SweepTerms& terms);
+
 /// "1: 1200.0 MHz 58.3 dBuV" for each marker, as the last pass of `state` has it, a dash where that
 /// has no level there or not yet, and what lies between them; empty without one.
 QString markers_text(const BandState& state, const BandLook& look, const SweepTerms& terms);

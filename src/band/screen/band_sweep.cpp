@@ -349,8 +349,7 @@ void BandSweep::show_band() {
     const SweepTerms terms = terms_of(drawn, choice_of(boxes_));
     BandPicture picture = picture_of(drawn, terms, look_, store_.reference_for(drawn),
                                      shown_carriers(), program_.texts);
-    picture.from = link::typed_value(boxes_.from);
-    picture.to = link::typed_value(boxes_.to);
+    fit_axis(picture, link::typed_value(boxes_.from), link::typed_value(boxes_.to), drawn, terms);
     if (chart) chart->show_band(picture, link_.activity.working());
     ui_->band_marks->setText(markers_text(drawn, look_, terms));
 }

@@ -82,16 +82,19 @@ const Bilingual* kept_at(const QString& path, const ProgramState& program) {
     return lead_to_one_file(path, program.sites_file) ? &kIsSitesFile : nullptr;
 }
 
-}  // namespace
-
-QString proposed_name(const QString& stem, const QString& suffix) {
-    const QString name = stem + u'-' + QDate::currentDate().toString(QStringLiteral("yyyyMMdd"));
+QString name_of_now(const QString& stem, const QString& format, const QString& suffix) {
+    const QString name = stem + u'-' + QDateTime::currentDateTime().toString(format);
     return suffix.isEmpty() ? name : name + u'.' + suffix;
 }
 
+}  // namespace
+
+QString proposed_name(const QString& stem, const QString& suffix) {
+    return name_of_now(stem, QStringLiteral("yyyyMMdd"), suffix);
+}
+
 QString proposed_name_with_time(const QString& stem, const QString& suffix) {
-    const QDateTime now = QDateTime::currentDateTime();
-    return stem + u'-' + now.toString(QStringLiteral("yyyyMMdd-HHmmss")) + u'.' + suffix;
+    return name_of_now(stem, QStringLiteral("yyyyMMdd-HHmmss"), suffix);
 }
 
 QString ask_for_file(QFileDialog& dialog, const ProgramState& program, FilePurpose purpose) {

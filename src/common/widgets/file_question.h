@@ -11,8 +11,8 @@ namespace m47 {
 /// first one that is the folder the program works in. The chosen file, empty when cancelled.
 QString ask_for_file(QFileDialog& dialog, const ProgramState& program, FilePurpose purpose);
 
-/// A name to propose for a new file, `stem`, the day and `suffix`, where there is one:
-/// "measures-20261122.log".
+/// A name to propose for a new file, `stem`, the day and `suffix`, where there is one (else that of
+/// the kind of file that is chosen comes behind it): "measures-20261122.log".
 QString proposed_name(const QString& stem, const QString& suffix);
 
 /// The same with the time of day, for what is made more than once a day:
