@@ -137,6 +137,19 @@ class BusyPumpTest : public QObject {
         QVERIFY(window.paints > before);
     }
 
+    void the_cross_of_a_tab_closes_it_behind_the_wait() {
+        Stand stand;
+        stand.tabs->setTabsClosable(true);
+        int closed = 0;
+        connect(stand.tabs, &QTabBar::tabCloseRequested, this, [&closed] { ++closed; });
+        QCoreApplication::processEvents();
+        const QWidget* cross = stand.tabs->tabButton(1, QTabBar::RightSide);
+        QVERIFY(cross && cross->isVisible());
+        stand.in_the_wait([&] { stand.click(cross); });
+        QCOMPARE(closed, 0);
+        QTRY_COMPARE(closed, 1);
+    }
+
     void ticks_come_late_and_once() {
         BusyPump pump;
         QTimer timer;

@@ -74,6 +74,12 @@ bool is_view(const QWidget* widget) {
            is_text_box(widget);
 }
 
+/// The cross of a tab is a child of the bar, and a click on it one on the bar.
+bool is_cross_of_tab(const QWidget* widget) {
+    return is_one_of<QAbstractButton>(widget) && !is_one_of<QToolButton>(widget) &&
+           is_one_of<QTabBar>(widget->parentWidget());
+}
+
 bool moves_about(const QWidget* focus, int key) {
     // Elsewhere these two take the screen to another program.
     if (key == Qt::Key_PageUp || key == Qt::Key_PageDown) return pages_by_keyboard(focus);
@@ -162,7 +168,7 @@ bool press_is_kept(const QWidget* target, QPoint place) {
     if (is_kept(target) || (key && is_kept(key->defaultAction()))) return true;
     if (is_refused(target)) return false;
     // The page of a view is a child of it.
-    return is_view(target) ||
+    return is_view(target) || is_cross_of_tab(target) ||
            (target && !is_one_of<QAbstractButton>(target) && is_view(target->parentWidget()));
 }
 
