@@ -233,7 +233,9 @@ void IdentifyDialog::show_question(const Asked& asked) {
 void IdentifyDialog::show_beliefs(const std::vector<Standing>& standings,
                                   const std::vector<Candidate>& candidates,
                                   std::optional<double> drift) {
-    drift_ = drift;
+    // What nothing was received through has none that anybody knows.
+    const bool of_one = !standings.empty() && standings.front().kind == Verdict::Kind::candidate;
+    drift_ = of_one ? drift : std::nullopt;
     show_facts();
     bars_->show_bars(bars_of(standings, candidates, work_.program.texts));
 }
