@@ -46,6 +46,7 @@ struct DishOnLine : Line {
         if (command == spoilt) return {};
         if (command.startsWith("DISEQCMOT 08 ")) shaft += command.mid(13, 2).toInt();
         if (command.startsWith("DISEQCMOT 09 ")) shaft -= command.mid(13, 2).toInt();
+        shaft = std::clamp(shaft, western_limit, eastern_limit);
         farthest = std::max(farthest, std::abs(shaft));
         if (command.startsWith("DISEQCMOT") && on_drive) on_drive();
         const double widths = (shaft - satellite_) / 22.4;
@@ -65,6 +66,8 @@ struct DishOnLine : Line {
 
     int shaft = 0;
     int farthest = 0;
+    int western_limit = -1000;  ///< beyond which the motor takes a drive and does not turn
+    int eastern_limit = 1000;
     QByteArray spoilt;  ///< a command without any answer
     std::function<void()> on_drive;
 
@@ -99,6 +102,39 @@ void PeakTest::a_whole_search_over_the_line() {
     QCOMPARE(said(outcome), QString("The peak is found: 1.2° east of the start, 3.2 dB better than "
                                     "there."));
     QCOMPARE(dish.link.activity.working(), false);
+}
+
+/// What is out of the span is no peak, but no reason to look elsewhere either.
+void PeakTest::a_level_that_rises_to_the_end_of_the_span_is_told() {
+    for (const double peak : {66.0, -66.0}) {
+        DishOnLine dish(peak);
+        const PeakOutcome outcome = dish.search();
+        QVERIFY(outcome.search.end == SearchEnd::nothing_better);
+        QCOMPARE(dish.shaft, 0);
+        const QString text = said(outcome);
+        QVERIFY2(
+            text.startsWith("No peak within the span, but the level rises towards its end: ") &&
+                text.contains(peak > 0 ? "° east of the start" : "° west of the start") &&
+                text.endsWith(" The dish is back at its start."),
+            qPrintable(text));
+    }
+}
+
+/// It takes a drive beyond and stands: what is counted from then on is not where the dish is.
+void PeakTest::a_motor_at_its_limit_is_noticed_where_the_level_shows_it() {
+    for (const int limit : {0, 7, 13, 24})
+        for (const int side : {1, -1}) {
+            DishOnLine dish(-15.0 * side);
+            (side > 0 ? dish.eastern_limit : dish.western_limit) = limit * side;
+            const PeakOutcome outcome = dish.search();
+            const QString where = QStringLiteral("limit %1: ").arg(limit * side) + said(outcome);
+            QVERIFY2(dish.farthest <= 50, qPrintable(where));
+            if (outcome.search.end == SearchEnd::found)
+                QVERIFY2(std::abs(outcome.search.shaft - dish.shaft) <= 4, qPrintable(where));
+            else
+                QVERIFY2(outcome.search.end == SearchEnd::held && outcome.motor_stopped,
+                         qPrintable(where));
+        }
 }
 
 void PeakTest::nothing_better_over_the_line() {

@@ -34,6 +34,8 @@ class PeakTest : public QObject {
     void under_the_simulated_sky();
 
     void a_whole_search_over_the_line();
+    void a_level_that_rises_to_the_end_of_the_span_is_told();
+    void a_motor_at_its_limit_is_noticed_where_the_level_shows_it();
     void nothing_better_over_the_line();
     void readings_are_told_with_their_place();
     void stopped_while_it_turns_data();

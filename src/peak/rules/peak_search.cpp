@@ -34,6 +34,10 @@ constexpr double kAlike = 8.0;
 constexpr int kLongestDrive = 10;
 constexpr double kWorseDb = 0.5;
 
+// A place that is come to again has the same level, but for scatter and slow fading.
+constexpr double kSameDb = 1.0;
+constexpr double kSameButForPlayDb = 2.0;
+
 /// How a search ends before its end.
 struct Ended {
     SearchEnd how;
@@ -72,6 +76,7 @@ SearchResult PeakSearch::run() {
     const Stopped stopped(antenna_);
     result_ = {};
     from_west_ = false;
+    unsure_side_ = 0;
     refuted_.clear();
     result_.end = searched();
     return result_;
@@ -151,9 +156,32 @@ bool PeakSearch::look_at(int steps) {
     if (steps < lowest() || steps > options_.span) return false;
     if (std::ranges::any_of(result_.looked, known)) return false;
     move_to(steps);
-    result_.looked.push_back({steps, level()});
+    const double db = level();
+    if (steps == 0) hold_against_the_start(db);
+    if (steps != 0) unsure_side_ = steps > 0 ? 1 : -1;
+    result_.looked.push_back({steps, db});
     if (on_point) on_point(result_.looked.back(), true);
     return true;
+}
+
+/// At a limit of its own a motor takes a drive and stands. What is counted from then on is wrong by
+/// all that it did not turn, and so is where the span ends on the other side. Nothing tells but the
+/// level at a place that is known, and only where that is another one.
+void PeakSearch::make_sure_of_the_start() {
+    unsure_side_ = 0;
+    move_to(0);
+    hold_against_the_start(level());
+}
+
+void PeakSearch::hold_against_the_start(double db) {
+    unsure_side_ = 0;
+    const auto known = std::ranges::find(result_.looked, 0, &Point::steps);
+    const bool looked = known != result_.looked.end();
+    // Before the first move the play may have been open.
+    const double there = looked ? known->db : *result_.start_db;
+    const double same = looked ? kSameDb : kSameButForPlayDb;
+    if (within(db - there, same)) return;
+    if (!within(mean_level() - there, same)) throw Ended{SearchEnd::held};
 }
 
 /// The first of them, from the nearest on, that proves to be one; of two whose distances are alike,
@@ -296,6 +324,7 @@ double PeakSearch::mean_level() {
 
 void PeakSearch::move_to(int steps) {
     steps = std::clamp(steps, lowest(), options_.span);
+    if (steps * unsure_side_ < 0) make_sure_of_the_start();
     if (steps < result_.shaft || !from_west_) drive_to(steps - options_.backlash);
     from_west_ = true;
     drive_to(steps);

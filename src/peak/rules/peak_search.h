@@ -33,6 +33,7 @@ enum class SearchEnd {
     lost,            ///< the meter gave no value; the shaft is back where it was
     unit_changed,    ///< levels in two units say nothing; the shaft is back where it was
     astray,          ///< it is not sure how far the motor has turned
+    held,  ///< the motor took its drives and did not turn as far, as at a limit of its own
 };
 
 /// What a search has found, and what it took.
@@ -85,6 +86,8 @@ class PeakSearch {
     std::vector<double> highest() const;
     bool look_as_far_as(int reach);
     bool look_at(int steps);
+    void make_sure_of_the_start();
+    void hold_against_the_start(double db);
     std::optional<double> decide(const std::vector<double>& satellites);
     std::optional<double> refine(double about);
     int centre_for(double about, int beside) const;
@@ -108,6 +111,7 @@ class PeakSearch {
     Curve curve_;
     std::vector<double> refuted_;  ///< what looked like a satellite and is none
     bool from_west_ = false;       ///< the play is closed as every place is come to
+    int unsure_side_ = 0;  ///< where it has turned since the start was seen: 1 east, -1 west
 };
 
 }  // namespace m47::peak

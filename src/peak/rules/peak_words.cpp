@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <algorithm>
 #include <cstdlib>
 
 #include "peak_run.h"
 
 namespace m47::peak {
 namespace {
+
+// A level that is higher by less at an end of the span is one of noise.
+constexpr double kRisesDb = 1;
 
 constexpr Bilingual kEast{"%1° east", "%1° a est"};
 constexpr Bilingual kWest{"%1° west", "%1° a ovest"};
@@ -15,6 +19,11 @@ constexpr Bilingual kFoundAtStart{"The dish stood on the peak already: %1 dB bet
 constexpr Bilingual kNothingBetter{
     "Nothing better was found within the span: the dish is back at its start.",
     "Nell'arco non si è trovato niente di meglio: l'antenna è di nuovo all'inizio."};
+constexpr Bilingual kRises{
+    "No peak within the span, but the level rises towards its end: %1 dB more %2 of the start. The "
+    "dish is back at its start.",
+    "Nessun massimo nell'arco, ma il livello sale verso un suo estremo: %1 dB in più %2 "
+    "dell'inizio. L'antenna è di nuovo all'inizio."};
 constexpr Bilingual kNothingMoved{"Stopped before anything moved.",
                                   "Fermato prima di ogni movimento."};
 constexpr Bilingual kStopped{"Stopped: the motor was told to stop, and the dish stays where it is.",
@@ -35,6 +44,12 @@ constexpr Bilingual kAstray{
     "has turned.",
     "Lo strumento non ha accettato con certezza un movimento: il motore ha ricevuto lo stop e non "
     "si sa di quanto abbia girato."};
+constexpr Bilingual kHeld{
+    "At the start the level is not what it was: the motor took its drives but did not turn as far, "
+    "as at a limit of its own. It was told to stop, and nobody knows how far it has turned.",
+    "All'inizio il livello non è più quello di prima: il motore ha accettato i movimenti ma non ha "
+    "girato altrettanto, come a un suo fine corsa. Ha ricevuto lo stop e non si sa di quanto abbia "
+    "girato."};
 constexpr Bilingual kNotTold{
     "The link to the meter was lost and the motor could not be told to stop; its last drive, 1° at "
     "most, ends by itself.",
@@ -59,6 +74,24 @@ QString found_text(const PeakOutcome& outcome, const Texts& texts) {
     return texts.pick(kFound).arg(place_text(outcome.search.shaft, texts), gain);
 }
 
+/// Where the level was highest, if that was at an end of all places looked at: what nothing in the
+/// span is the peak of may lie beyond it.
+std::optional<Point> highest_at_an_end(const SearchResult& search) {
+    if (search.looked.empty() || !search.start_db) return {};
+    const auto [west, east] = std::ranges::minmax(search.looked, {}, &Point::steps);
+    const Point& higher = west.db > east.db ? west : east;
+    const double most = std::ranges::max(search.looked, {}, &Point::db).db;
+    const bool rises = higher.db >= most && higher.db >= *search.start_db + kRisesDb;
+    return rises ? std::optional(higher) : std::nullopt;
+}
+
+QString nothing_better_text(const SearchResult& search, const Texts& texts) {
+    const std::optional<Point> higher = highest_at_an_end(search);
+    if (!higher) return texts.pick(kNothingBetter);
+    return texts.pick(kRises).arg(one_decimal(higher->db - *search.start_db),
+                                  place_text(higher->steps, texts));
+}
+
 const Bilingual& words_of(const PeakOutcome& outcome) {
     const bool moved = outcome.search.moved;
     if (!outcome.linked) return moved ? kNotTold : kLost;
@@ -66,15 +99,22 @@ const Bilingual& words_of(const PeakOutcome& outcome) {
     switch (outcome.search.end) {
         case SearchEnd::astray:
             return kAstray;
+        case SearchEnd::held:
+            return kHeld;
         case SearchEnd::lost:
             return moved ? kNoLevelBack : kNoLevel;
         case SearchEnd::unit_changed:
             return kUnitChanged;
-        case SearchEnd::nothing_better:
-            return kNothingBetter;
         default:
             return moved ? kStopped : kNothingMoved;
     }
+}
+
+QString unfound_text(const PeakOutcome& outcome, const Texts& texts) {
+    const bool at_its_start =
+        outcome.linked && outcome.motor_stopped && outcome.search.end == SearchEnd::nothing_better;
+    return at_its_start ? nothing_better_text(outcome.search, texts)
+                        : texts.pick(words_of(outcome));
 }
 
 }  // namespace
@@ -88,7 +128,7 @@ QString place_text(int steps, const Texts& texts) {
 QString end_sentence(const PeakOutcome& outcome, const Texts& texts) {
     const bool found = outcome.search.end == SearchEnd::found;
     const bool good = found && outcome.linked && outcome.motor_stopped;
-    const QString sentence = good ? found_text(outcome, texts) : texts.pick(words_of(outcome));
+    const QString sentence = good ? found_text(outcome, texts) : unfound_text(outcome, texts);
     return outcome.attenuator_back ? sentence : sentence + texts.pick(kAttenuator);
 }
 
