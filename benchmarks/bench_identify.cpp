@@ -195,7 +195,12 @@ Outcome by_correlation(Dish& dish, const Arc& arc) {
     return named(arc, verdict);
 }
 
-enum class Sky { full, blank, between, removed };
+enum class Sky { full, blank, between, removed, removed_on_axis };
+
+/// The dish looks at what is not among the candidates.
+bool is_removed(Sky kind) {
+    return kind == Sky::removed || kind == Sky::removed_on_axis;
+}
 
 struct Trial {
     SkySettings settings;
@@ -215,7 +220,7 @@ void note_next(Trial& trial, const Arc& arc) {
 /// Only one is what the dish looks at: the target is the strongest, or, where that is none of the
 /// candidates, the dish looks at no other one, half a beam beside it included.
 bool is_clear(const Trial& trial, Sky kind) {
-    return kind == Sky::removed ? trial.next > 0.5 : trial.lead >= kEven;
+    return is_removed(kind) ? trial.next > 0.5 : trial.lead >= kEven;
 }
 
 /// The middles of gaps so wide that neither side is within a beam.
@@ -240,10 +245,12 @@ Trial trial_of(int number, Sky kind, const Arc& arc, const std::vector<std::size
     trial.settings.cn_db = between(chance, 8, 16);
     trial.target = targets[static_cast<std::size_t>(number) % targets.size()];
     const std::vector<double>& positions = arc.candidates()[trial.target].positions;
+    // Beams to either side: on the axis is what a dish that has been peaked looks at.
+    const double beside = kind == Sky::removed_on_axis ? 0.05 : 0.5;
     constexpr int kTries = 1000;
     for (int tries = 0; tries < kTries; ++tries) {
         const double at = positions[chance.below(positions.size())];
-        trial.settings.east = at + chance.around_zero(arc.beam() / 2);
+        trial.settings.east = at + chance.around_zero(beside * arc.beam());
         if (arc.is_nearest(trial.target, trial.settings.east)) break;
     }
     note_next(trial, arc);
@@ -366,7 +373,7 @@ struct Bench {
         if (programs > 0) return plans_of(trial, kind);
         if (count > 0) return known_of(trial, count);
         std::vector<Candidate> known = candidates;
-        if (kind == Sky::removed)
+        if (is_removed(kind))
             known.erase(known.begin() + static_cast<std::ptrdiff_t>(trial.target));
         return known;
     }
@@ -460,6 +467,8 @@ struct Rows {
         print_nobody(bench, "between", "by belief, between satellites", Sky::between, part(10),
                      all);
         print_nobody(bench, "removed", "by belief, satellite removed", Sky::removed, part(3), all);
+        print_nobody(bench, "removed-on", "the same, dish peaked on it", Sky::removed_on_axis,
+                     part(3), all);
         print_reliability(all);
     }
 

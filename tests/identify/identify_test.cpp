@@ -395,6 +395,23 @@ class IdentifyTest : public QObject {
         QCOMPARE(verdict.kind, Verdict::Kind::none_of_these);
     }
 
+    /// Of levels alone less out of place is enough to name nobody.
+    void a_far_satellite_that_looks_much_the_same_is_not_named_without_a_lock() {
+        if (!QFileInfo::exists(QLatin1String(kFolder))) QSKIP("no scan tables are installed");
+        const SkyTables tables(kFolder);
+        auto left = candidates_around(-79, 30);
+        std::erase_if(left, [](const Candidate& one) { return one.name == u"79.0W/78.8W"; });
+        const Arc arc(left);
+        OrbitSky sky(tables, {.seed = 101409, .cn_db = 13.1, .east = -79});
+        Identifier identifier(arc, kStates);
+        while (const auto question = identifier.next_question())
+            identifier.take(*question, sky.ask(*question));
+        // The levels themselves would have named one.
+        QVERIFY(identifier.belief().best() < arc.size());
+        QCOMPARE(identifier.verdict().locks, 0);
+        QCOMPARE(identifier.verdict().kind, Verdict::Kind::none_of_these);
+    }
+
     void of_two_that_the_dish_is_between_neither_is_taken_for_certain() {
         if (!QFileInfo::exists(QLatin1String(kFolder))) QSKIP("no scan tables are installed");
         const SkyTables tables(kFolder);

@@ -42,7 +42,8 @@ constexpr double kCarrier = 4;
 /// Nobody is named where so much more comes from what nobody lists, or less from what the candidate
 /// lists, in standard deviations;
 constexpr double kMostOutOfPlace = 6.5;
-/// where nothing locked, nobody of whose own less than this part shows.
+/// where nothing locked, by this much, or where less than this part of the candidate's own shows.
+constexpr double kMostOutOfPlaceUnlocked = 3;
 constexpr double kLeastOwn = 0.5;
 /// What a lock counts where its level has to be taken first.
 constexpr double kWithoutLevel = 0.7;
@@ -359,11 +360,12 @@ bool Identifier::is_out_of_place(const Verdict& verdict) const {
     const Front& front = belief_.front(verdict.candidate);
     const Front::Account account = front.account(evidence_);
     const double missing = (account.usual_own - account.own) / std::sqrt(account.usual_own + 1);
-    if (front.fit(evidence_) < kWorstFit || strays_of(account) + missing > kMostOutOfPlace)
-        return true;
+    const double out_of_place = strays_of(account) + missing;
+    if (front.fit(evidence_) < kWorstFit || out_of_place > kMostOutOfPlace) return true;
     // Levels alone tell less: they name nobody of whom hardly anything could lock.
     return verdict.locks == 0 &&
-           (arc_.candidates()[verdict.candidate].lockable() < kEnoughToLock ||
+           (out_of_place > kMostOutOfPlaceUnlocked ||
+            arc_.candidates()[verdict.candidate].lockable() < kEnoughToLock ||
             account.own < kLeastOwn * account.usual_own || front.best().cn < kFaintCn);
 }
 
