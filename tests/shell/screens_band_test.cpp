@@ -267,6 +267,13 @@ void ScreensTest::a_reference_is_kept_loaded_and_held_against() {
     find<QPushButton>("band_clear", screen)->click();
     QVERIFY(screen->store().empty());
     // A second pass, the table of the first one in between, its end cut off.
+    QFile bare(in_folder("bare.tsv"));
+    QVERIFY(bare.open(QIODevice::WriteOnly));
+    bare.write(band::sweep_header());
+    bare.close();
+    screen->load_reference(bare.fileName());
+    QCOMPARE(find<QLabel>("band_result", screen)->text(),
+             QString("bare.tsv has no level: the reference is as it was."));
     QFile cut(in_folder("cut.tsv"));
     QVERIFY(cut.open(QIODevice::WriteOnly));
     cut.write(bytes_of(in_folder("first.tsv")).chopped(9));

@@ -45,6 +45,8 @@ constexpr Bilingual kKept{"The last pass is the reference now.",
                           "L'ultimo passaggio è ora il riferimento."};
 constexpr Bilingual kReferenceRead{"Levels read as the reference: %1.",
                                    "Livelli letti come riferimento: %1."};
+constexpr Bilingual kNoLevelThere{"%1 has no level: the reference is as it was.",
+                                  "%1 non contiene livelli: il riferimento resta com'era."};
 constexpr Bilingual kOtherUnit{
     "The reference is of another unit or LNB state than the sweep: they cannot be compared.",
     "Il riferimento è di un'altra unità o stato LNB: non si può confrontare."};
@@ -413,6 +415,8 @@ void BandSweep::save(const QString& path) {
 
 void BandSweep::load_reference(const QString& path) {
     const SweepRead read = read_sweep(read_table(path, program_.texts));
+    if (read.rows.empty() && !read.fault)
+        tell_result(Said{kNoLevelThere, {QFileInfo(path).fileName()}}.in(program_.texts));
     if (!read.rows.empty()) {
         store_.take_reference(read.rows);
         const Said told{kReferenceRead, {QString::number(read.rows.size())}};
