@@ -121,6 +121,21 @@ void ScreensTest::a_satellite_is_identified_while_its_bar_grows() {
     QVERIFY(!program().link().activity.working());
 }
 
+/// A drift is that of the LNB through which something was received.
+void ScreensTest::beside_no_satellite_stands_no_drift() {
+    if (!satellites_) satellites_ = std::make_unique<SatelliteTables>();
+    start_with_meter(DishInProcess{satellites_->folder(), 120, 3});
+    find<QAction>("cmdinglese")->trigger();
+    QString verdict, facts;
+    in_the_dialog([&](QDialog* dialog) {
+        press(dialog, "identify_start");
+        verdict = text_of(dialog, "identify_state");
+        facts = text_of(dialog, "identify_facts");
+    });
+    QVERIFY2(verdict.startsWith("No satellite"), qPrintable(verdict));
+    QVERIFY2(facts.startsWith("Answers: ") && !facts.contains("drift"), qPrintable(facts));
+}
+
 void ScreensTest::ten_satellites_have_a_bar_and_what_is_none() {
     using Kind = identify::Verdict::Kind;
     std::vector<identify::Candidate> candidates;

@@ -291,6 +291,7 @@ class ScreensTest : public QObject, protected ProgramInFolder {
 
     void a_satellite_is_identified_while_its_bar_grows();
 
+    void beside_no_satellite_stands_no_drift();
     void ten_satellites_have_a_bar_and_what_is_none();
 
     void it_is_asked_again_and_the_choice_is_kept();
