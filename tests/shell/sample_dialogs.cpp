@@ -284,6 +284,24 @@ QMap<QString, MakeDialog> sample_dialogs(ProgramState& state,
         outcome.attenuator_back = false;
         dialog.show_end(outcome);
     });
+    made["peak held"] = peak([](peak::PeakDialog& dialog) {
+        show_levels(dialog);
+        peak::PeakOutcome outcome;
+        outcome.search.end = peak::SearchEnd::held;
+        outcome.search.moved = outcome.linked = outcome.motor_stopped = true;
+        outcome.attenuator_back = false;
+        dialog.show_end(outcome);
+    });
+    made["peak beyond"] = peak([](peak::PeakDialog& dialog) {
+        show_levels(dialog);
+        peak::PeakOutcome outcome;
+        outcome.search.end = peak::SearchEnd::nothing_better;
+        outcome.search.start_db = 48.3;
+        outcome.search.looked = {{-46, 59.6}, {0, 48.3}};
+        outcome.search.moved = outcome.linked = outcome.motor_stopped = true;
+        outcome.attenuator_back = false;
+        dialog.show_end(outcome);
+    });
     add_identification(made, state, line);
     made["site"] = [&texts](QWidget* parent) {
         const sites::Site site{.id = QUuid::createUuid(),

@@ -45,11 +45,10 @@ constexpr Bilingual kAstray{
     "Lo strumento non ha accettato con certezza un movimento: il motore ha ricevuto lo stop e non "
     "si sa di quanto abbia girato."};
 constexpr Bilingual kHeld{
-    "At the start the level is not what it was: the motor took its drives but did not turn as far, "
-    "as at a limit of its own. It was told to stop, and nobody knows how far it has turned.",
-    "All'inizio il livello non è più quello di prima: il motore ha accettato i movimenti ma non ha "
-    "girato altrettanto, come a un suo fine corsa. Ha ricevuto lo stop e non si sa di quanto abbia "
-    "girato."};
+    "The motor has not turned as told, perhaps at a limit: at the start the level is another one. "
+    "It was told to stop.",
+    "Il motore non ha girato come detto, forse a un fine corsa: all'inizio il livello è un altro. "
+    "Ha ricevuto lo stop."};
 constexpr Bilingual kNotTold{
     "The link to the meter was lost and the motor could not be told to stop; its last drive, 1° at "
     "most, ends by itself.",
