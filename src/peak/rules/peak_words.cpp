@@ -40,8 +40,7 @@ constexpr Bilingual kUnitChanged{
     "confrontare: l'antenna è di nuovo all'inizio."};
 constexpr Bilingual kAstray{
     "The meter did not surely take a drive: the motor was told to stop, and nobody knows how far "
-    "it "
-    "has turned.",
+    "it has turned.",
     "Lo strumento non ha accettato con certezza un movimento: il motore ha ricevuto lo stop e non "
     "si sa di quanto abbia girato."};
 constexpr Bilingual kHeld{
