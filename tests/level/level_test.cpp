@@ -177,7 +177,6 @@ class LevelTest : public QObject {
         LevelDisplay display;
         display.measured(measurement("70.0"), 0);
         display.repeats(true, 0);
-        QVERIFY(display.picture(0, true, texts()).peak.isEmpty());
         display.measured(measurement("58.3"), 10);
         QVERIFY(display.picture(12, true, texts()).colour == LevelColour::live);
         QCOMPARE(display.picture(12, true, texts()).age, QStringLiteral("Level alone, repeated"));
@@ -284,6 +283,56 @@ class LevelTest : public QObject {
         QVERIFY(!display.heard());
         display.show(measurement::Quantity::level);
         QCOMPARE(display.picture(0, true, texts()).peak, QStringLiteral("Peak 58.3 dBuV"));
+    }
+
+    /// The dish is turned with one eye on the level and one on the MER, with rests between.
+    void the_peak_outlives_a_rest_and_a_look_at_another_quantity() {
+        LevelDisplay display;
+        display.opens();
+        measurement::Measurement all = measurement("70.0");
+        all.reading(measurement::Quantity::mer) =
+            measurement::reading_of(measurement::Quantity::mer, QString("12.0"));
+        display.measured(all, 0);
+        display.measured(measurement("66.0"), 1);
+        display.repeats(true, 2);
+        display.measured(measurement("66.5"), 3);
+        display.repeats(false, 4);
+        QCOMPARE(display.picture(4, true, texts()).below, QStringLiteral("3.5 dB below the peak"));
+        display.show(measurement::Quantity::mer);
+        QCOMPARE(display.picture(4, true, texts()).peak, QStringLiteral("Peak 12.0 dB"));
+        display.forget_peak();
+        QVERIFY(display.picture(4, true, texts()).peak.isEmpty());
+        display.show(measurement::Quantity::level);
+        QCOMPARE(display.picture(4, true, texts()).peak, QStringLiteral("Peak 70.0 dBuV"));
+        display.opens();
+        QCOMPARE(display.picture(4, true, texts()).peak, QStringLiteral("Peak 66.5 dBuV"));
+    }
+
+    /// The meter turns dBuV into dBm by 108.75, the limits by 109: neither is what it would send.
+    void another_unit_has_a_peak_of_its_own() {
+        LevelDisplay display;
+        display.measured(measurement("60.0"), 0);
+        display.measured(measurement("-50.6", {}, kDbm), 1);
+        QCOMPARE(display.picture(1, true, texts()).peak, QStringLiteral("Peak -50.6 dBm"));
+        QCOMPARE(display.picture(1, true, texts()).below, QStringLiteral("at the peak"));
+        QVERIFY(!display.new_peak());
+        display.measured(measurement("58.2"), 2);
+        QCOMPARE(display.picture(2, true, texts()).peak, QStringLiteral("Peak 58.2 dBuV"));
+    }
+
+    /// A digit that the line turned into another one is shown as it came, and no peak for ever.
+    void what_no_meter_can_read_is_no_peak() {
+        LevelDisplay display;
+        display.measured(measurement("58.3"), 0);
+        display.measured(measurement("999.9"), 1);
+        QVERIFY(!display.new_peak());
+        LevelPicture picture = display.picture(1, true, texts());
+        QCOMPARE(picture.value, QStringLiteral("999.9"));
+        QCOMPARE(picture.peak, QStringLiteral("Peak 58.3 dBuV"));
+        QVERIFY(picture.below.isEmpty());
+        display.measured(measurement("58.0"), 2);
+        picture = display.picture(2, true, texts());
+        QCOMPARE(picture.below, QStringLiteral("0.3 dB below the peak"));
     }
 
     void what_is_left_of_the_mer_above_its_limit() {

@@ -40,6 +40,17 @@ constexpr double kRatioHeard = 45;
 // The meter tells tenths; what differs by less is the same.
 constexpr double kSame = 0.05;
 
+constexpr std::array kShown{measurement::Quantity::level, measurement::Quantity::cn,
+                            measurement::Quantity::mer};
+
+// The line has no check sum: what no meter can read was no peak, but a digit that came as another.
+constexpr double kBeyondBar = 20;
+
+bool beyond_the_meter(measurement::Quantity quantity, double value) {
+    const bool level = quantity == measurement::Quantity::level;
+    return value > (level ? kBarTo : kRatioBarTo) + kBeyondBar;
+}
+
 double on_bar(measurement::Quantity quantity, double value) {
     const bool level = quantity == measurement::Quantity::level;
     const double from = level ? kBarFrom : 0;
@@ -69,10 +80,12 @@ const Bilingual& repeated_words(measurement::Quantity quantity) {
     return quantity == measurement::Quantity::mer ? kMerRepeated : kLevelRepeated;
 }
 
-/// Values of two programs, or of two presentations, have no peak in common.
+/// Values of two programs, two presentations or two units have no peak in common: the meter turns
+/// one unit into another by more digits than it tells.
 bool same_signal(const measurement::Measurement& one, const measurement::Measurement& other) {
     return one.program == other.program && one.mode == other.mode &&
-           one.frequency == other.frequency && one.oscillator == other.oscillator;
+           one.frequency == other.frequency && one.oscillator == other.oscillator &&
+           one.unit == other.unit;
 }
 
 QString span_text(int seconds) {
@@ -93,40 +106,51 @@ QString name_of(const measurement::Measurement& of) {
 }  // namespace
 
 void LevelDisplay::measured(const measurement::Measurement& measurement, double now) {
-    if (last_ && !same_signal(*last_, measurement)) forget_peak();
+    if (last_ && !same_signal(*last_, measurement)) forget_peaks();
     new_peak_ = false;
     last_ = measurement;
     at_ = now;
     running_ = false;
-    hold_peak();
+    hold_peaks();
 }
 
-void LevelDisplay::hold_peak() {
-    const std::optional<double> value = held();
-    if (!value) return;
-    new_peak_ = peak_ && *value > *peak_ + kSame;
-    const measurement::RangeMark mark = last_->reading(quantity_).mark;
-    const auto higher = std::pair(*value, height_of(mark));
-    if (peak_ && higher <= std::pair(*peak_, height_of(peak_mark_))) return;
-    peak_ = value;
-    peak_mark_ = mark;
+void LevelDisplay::hold_peaks() {
+    for (const measurement::Quantity quantity : kShown) {
+        const std::optional<double> value = value_of(quantity);
+        if (!value || beyond_the_meter(quantity, *value)) continue;
+        std::optional<Peak>& peak = peaks_[static_cast<std::size_t>(quantity)];
+        if (quantity == quantity_) new_peak_ = peak && *value > peak->value + kSame;
+        const measurement::RangeMark mark = last_->reading(quantity).mark;
+        const auto higher = std::pair(*value, height_of(mark));
+        if (!peak || higher > std::pair(peak->value, height_of(peak->mark)))
+            peak = Peak{*value, mark};
+    }
+}
+
+void LevelDisplay::forget_peaks() {
+    peaks_ = {};
+    new_peak_ = false;
 }
 
 void LevelDisplay::forget_peak() {
-    peak_.reset();
+    peaks_[static_cast<std::size_t>(quantity_)].reset();
     new_peak_ = false;
 }
 
 void LevelDisplay::show(measurement::Quantity quantity) {
     quantity_ = quantity;
-    forget_peak();
-    hold_peak();
+    new_peak_ = false;
+}
+
+void LevelDisplay::opens() {
+    show(measurement::Quantity::level);
+    forget_peaks();
+    hold_peaks();
 }
 
 void LevelDisplay::repeats(bool on, double now) {
     repeating_ = on;
     repeated_since_ = now;
-    if (on) forget_peak();
 }
 
 bool LevelDisplay::live(double now, bool linked) const {
@@ -135,8 +159,8 @@ bool LevelDisplay::live(double now, bool linked) const {
 }
 
 /// dB by which dBuV are more than what is shown.
-double LevelDisplay::offset() const {
-    if (quantity_ != measurement::Quantity::level || !last_) return 0;
+double LevelDisplay::offset(measurement::Quantity quantity) const {
+    if (quantity != measurement::Quantity::level || !last_) return 0;
     return unit_offset(last_->unit.value_or(kDbuv));
 }
 
@@ -145,11 +169,11 @@ QString LevelDisplay::unit() const {
     return measurement::unit_text(last_->unit);
 }
 
-std::optional<double> LevelDisplay::held() const {
+std::optional<double> LevelDisplay::value_of(measurement::Quantity quantity) const {
     if (!last_) return {};
-    const measurement::Reading& reading = last_->reading(quantity_);
+    const measurement::Reading& reading = last_->reading(quantity);
     if (!reading.measured()) return {};
-    return static_cast<double>(reading.value) + offset();
+    return static_cast<double>(reading.value) + offset(quantity);
 }
 
 QString LevelDisplay::margin_text(const Texts& texts) const {
@@ -191,9 +215,10 @@ QString LevelDisplay::broken_text(double seconds, const Texts& texts) const {
 }
 
 QString LevelDisplay::peak_text(const LevelPicture& picture, const Texts& texts) const {
-    const measurement::Reading peak{static_cast<float>(*peak_ - offset()), peak_mark_};
+    const measurement::Reading highest{static_cast<float>(peak()->value - offset(quantity_)),
+                                       peak()->mark};
     return texts.pick(kPeak)
-        .arg(measurement::reading_text(quantity_, peak), picture.unit)
+        .arg(measurement::reading_text(quantity_, highest), picture.unit)
         .trimmed();
 }
 
@@ -202,19 +227,19 @@ QString LevelDisplay::peak_text(const LevelPicture& picture, const Texts& texts)
 QString LevelDisplay::below_text(const Texts& texts) const {
     using measurement::RangeMark;
     const RangeMark mark = last_->reading(quantity_).mark;
-    const double below = *peak_ - *held();
-    if (mark == RangeMark::above || peak_mark_ == RangeMark::below) return {};
-    const bool more = mark == RangeMark::below || peak_mark_ == RangeMark::above;
+    const double below = peak()->value - *held();
+    if (mark == RangeMark::above || peak()->mark == RangeMark::below) return {};
+    const bool more = mark == RangeMark::below || peak()->mark == RangeMark::above;
     if (below < kSame && !more) return texts.pick(kAtPeak);
     return texts.pick(kBelow).arg((more ? QStringLiteral(">") : QString()) +
                                   QString::number(below, 'f', 1));
 }
 
 void LevelDisplay::show_peak(LevelPicture& picture, const Texts& texts) const {
-    if (!peak_) return;
-    picture.bar_peak = on_bar(quantity_, *peak_);
+    if (!peak()) return;
+    picture.bar_peak = on_bar(quantity_, peak()->value);
     picture.peak = peak_text(picture, texts);
-    if (held()) picture.below = below_text(texts);
+    if (held() && !beyond_the_meter(quantity_, *held())) picture.below = below_text(texts);
 }
 
 LevelPicture LevelDisplay::picture(double now, bool linked, const Texts& texts) const {

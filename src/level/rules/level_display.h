@@ -3,6 +3,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <array>
 #include <optional>
 
 #include "measurement.h"
@@ -51,9 +52,11 @@ class LevelDisplay {
     /// The level is repeated alone from now on, or no longer.
     void repeats(bool on, double now);
     bool repeating() const { return repeating_; }
-    /// The highest value is held from here on anew.
+    /// The level is shown first, and what stands there is the first peak of each quantity.
+    void opens();
+    /// The highest value of what is shown is held from here on anew.
     void forget_peak();
-    /// Shows `quantity` (level, C/N or MER) from now on, and holds its highest value anew.
+    /// Shows `quantity` (level, C/N or MER) from now on, with the peak that it had meanwhile.
     void show(measurement::Quantity quantity);
     measurement::Quantity quantity() const { return quantity_; }
     /// The last value is higher than all those before it that were held.
@@ -67,14 +70,23 @@ class LevelDisplay {
     std::optional<double> heard() const;
 
   private:
+    struct Peak {
+        double value;  ///< dBuV or dB
+        /// Where the meter's range ended there, the peak itself is beyond it.
+        measurement::RangeMark mark;
+    };
+
     QString age_text(double now, bool linked, const Texts& texts) const;
     QString repeated_text(double now, const Texts& texts) const;
     QString broken_text(double seconds, const Texts& texts) const;
     QString unit() const;
     QString margin_text(const Texts& texts) const;
-    double offset() const;
-    std::optional<double> held() const;
-    void hold_peak();
+    double offset(measurement::Quantity quantity) const;
+    std::optional<double> value_of(measurement::Quantity quantity) const;
+    std::optional<double> held() const { return value_of(quantity_); }
+    const std::optional<Peak>& peak() const { return peaks_[static_cast<std::size_t>(quantity_)]; }
+    void hold_peaks();
+    void forget_peaks();
     QString peak_text(const LevelPicture& picture, const Texts& texts) const;
     QString below_text(const Texts& texts) const;
     void show_peak(LevelPicture& picture, const Texts& texts) const;
@@ -86,10 +98,8 @@ class LevelDisplay {
     bool repeating_ = false;
     bool new_peak_ = false;
     measurement::Quantity quantity_ = measurement::Quantity::level;
-    /// The highest, dBuV or dB, of what has been received lately.
-    std::optional<double> peak_;
-    /// Where the meter's range ended there, the peak itself is beyond it.
-    measurement::RangeMark peak_mark_ = measurement::RangeMark::none;
+    /// The highest of each quantity, of what has been received lately.
+    std::array<std::optional<Peak>, measurement::kAllQuantities> peaks_{};
 };
 
 }  // namespace m47::level

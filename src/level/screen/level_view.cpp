@@ -120,8 +120,7 @@ LevelView::LevelView(const Texts& texts, std::function<bool()> linked, QWidget* 
 void LevelView::open() {
     setWindowTitle(texts_.pick(kLevelTitle));
     ageing_.start(std::chrono::seconds(1));
-    // Each opening begins with the level and its peak.
-    display_.show(measurement::Quantity::level);
+    display_.opens();
     // A display without a window manager makes nothing larger by itself.
     setGeometry(parentWidget()->screen()->geometry());
     showFullScreen();
