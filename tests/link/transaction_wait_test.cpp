@@ -55,9 +55,12 @@ void TransactionTest::windows_are_pumped_while_waiting() {
     QVERIFY(view_->pumps > 240 / 0.03);
     QVERIFY(view_->pumps < 240 / 0.019);
     view_->pumps = 0;
+    int told = 0;
+    link_->on_waited = [&told] { ++told; };
     link_->wait_time(10);
     QVERIFY(view_->pumps > 10 / 0.03);
     QVERIFY(view_->pumps < 10 / 0.019);
+    QCOMPARE(told, view_->pumps);
 }
 
 void TransactionTest::a_wait_ends_on_the_first_reading_beyond_it() {

@@ -116,7 +116,9 @@ void Link::wait(double seconds, bool interruptible) {
         // Towards the end it goes tick by tick: the wait ends with the first reading beyond it.
         const bool far = seconds - passed > kPumpInterval;
         clock_.sleep(far ? kPumpInterval : clock_.until_next_tick());
-        if (far) view_.pump();
+        if (!far) continue;
+        if (on_waited) on_waited();
+        view_.pump();
     }
 }
 
