@@ -14,6 +14,8 @@ namespace {
 
 constexpr int kGap = 6;
 constexpr int kBarMargin = 3;
+/// An advance is rounded: the longest name would be cut where it was rounded down.
+constexpr int kRounding = 1;
 /// A name takes this part of the width at most.
 constexpr double kNameShare = 0.55;
 /// What is shown of a name at least, and of a bar, in characters.
@@ -64,7 +66,7 @@ QSize BeliefBars::minimumSizeHint() const {
 int BeliefBars::name_width() const {
     int widest = 0;
     for (const Bar& bar : bars_)
-        widest = std::max(widest, fontMetrics().horizontalAdvance(bar.name));
+        widest = std::max(widest, fontMetrics().horizontalAdvance(bar.name) + kRounding);
     return std::min(widest, static_cast<int>(width() * kNameShare));
 }
 
