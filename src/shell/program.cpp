@@ -234,7 +234,8 @@ void Program::open_manual(const QStringList& folders, const QString& name) {
 }
 
 void Program::add_screens() {
-    const ScreenParts parts{window_, connection_, state_, *database_, start_, sites_, visit_};
+    const ScreenParts parts{window_, connection_, state_, *database_,
+                            start_,  sites_,      visit_, band_};
     for (const ScreenEntry& screen : screen_table())
         window_.add_screen(QString::fromLatin1(screen.key),
                            [parts, make = screen.make] { return make(parts); });

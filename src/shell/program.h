@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 
+#include "band_desk.h"
 #include "database.h"
 #include "device_watch.h"
 #include "help_key.h"
@@ -84,6 +85,7 @@ class Program {
     std::unique_ptr<db::Database> database_;
     sites::OpenSites sites_;  ///< the screens let go of it first
     sites::VisitOfWindow visit_;
+    band::BandDesk band_;
     M47MDI window_;
     unattended::MeterConnection connection_;
     unattended::LineRecording recording_;

@@ -83,7 +83,7 @@ void tune_to(M47MDI& window, const band::FoundCarrier& found) {
 }
 
 Screen* make_sweep(const ScreenParts& parts) {
-    auto* screen = new band::BandSweep(parts.connection.link(), parts.state);
+    auto* screen = new band::BandSweep(parts.connection.link(), parts.state, parts.band);
     M47MDI* window = &parts.window;
     QObject::connect(screen, &band::BandSweep::carrier_chosen, window,
                      [window](const band::FoundCarrier& found) { tune_to(*window, found); });

@@ -3,6 +3,7 @@
 
 #include <span>
 
+#include "band_desk.h"
 #include "database.h"
 #include "mdi.h"
 #include "meter_connection.h"
@@ -24,6 +25,7 @@ struct ScreenParts {
     StartDesk& start;
     sites::OpenSites& sites;
     sites::VisitOfWindow& visit;
+    band::BandDesk& band;
 };
 
 /// The toolbars of the main window: the keys that technicians know, and those that came later.

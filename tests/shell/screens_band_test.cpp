@@ -93,6 +93,31 @@ void ScreensTest::a_sweep_ends_with_the_window_and_old_words_go() {
     QTRY_VERIFY(!open);
 }
 
+/// A sweep takes minutes, a slip on the cross of its tab none.
+void ScreensTest::a_sweep_outlives_its_tab() {
+    start_with_meter();
+    band::BandSweep* screen = open_sweep(1000, 1100, "10 MHz");
+    find<QComboBox>("band_feed", screen)->setCurrentIndex(2);
+    sweep(screen);
+    const auto levels = screen->store().states().front().traces.live().size();
+    QVERIFY(levels > 10);
+    QTest::mouseClick(find<QPushButton>("band_keep", screen), Qt::LeftButton);
+    const QPointer<band::BandSweep> open(screen);
+    screen->parentWidget()->close();
+    QTRY_VERIFY(!open);
+    line_->take_commands();
+    find<QAction>("band_sweep")->trigger();
+    screen = qobject_cast<band::BandSweep*>(window().screen_of("band_sweep"));
+    QCOMPARE(screen->store().states().front().traces.live().size(), levels);
+    QVERIFY(screen->store().has_reference());
+    QCOMPARE(find<QLineEdit>("band_to", screen)->text(), QString("1100"));
+    QCOMPARE(find<QComboBox>("band_feed", screen)->currentIndex(), 2);
+    QCOMPARE(find<QComboBox>("band_shown", screen)->count(), 1);
+    QCOMPARE(line_->take_commands(), QStringList());
+    QTest::mouseClick(find<QPushButton>("band_clear", screen), Qt::LeftButton);
+    QVERIFY(screen->store().empty());
+}
+
 void ScreensTest::what_a_stopped_sweep_found_can_be_saved() {
     MeterInProcess& meter = start_with_meter();
     band::BandSweep* screen = open_sweep(1000, 1100, "5 MHz");

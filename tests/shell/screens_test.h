@@ -266,6 +266,7 @@ class ScreensTest : public QObject, protected ProgramInFolder {
     void a_sweep_asks_what_it_needs_and_esc_stops_it();
 
     void a_sweep_ends_with_the_window_and_old_words_go();
+    void a_sweep_outlives_its_tab();
     void what_a_stopped_sweep_found_can_be_saved();
 
     void a_sweep_finds_carriers_and_a_click_tunes_to_one();

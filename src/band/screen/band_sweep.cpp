@@ -81,8 +81,14 @@ QByteArray read_table(const QString& path, const Texts& texts) {
 
 }  // namespace
 
-BandSweep::BandSweep(link::Link& link, ProgramState& program, QWidget* parent)
-    : Screen(parent), link_(link), program_(program), ui_(std::make_unique<Ui::BandSweep>()) {
+BandSweep::BandSweep(link::Link& link, ProgramState& program, BandDesk& desk, QWidget* parent)
+    : Screen(parent),
+      link_(link),
+      program_(program),
+      ui_(std::make_unique<Ui::BandSweep>()),
+      boxes_(desk.boxes),
+      store_(desk.store),
+      listed_(desk.listed) {
     ui_->setupUi(this);
     fill_lists(*ui_, program_.texts);
     fit_span(boxes_);
@@ -107,7 +113,8 @@ void BandSweep::Form_Load() {
     set_captions(this, band_captions(), program_.texts);
     set_tooltips(this, band_tooltips(), program_.texts);
     fill_lists(*ui_, program_.texts);
-    ui_->band_carriers->show_carriers(carriers_, program_.texts);
+    list_states(store_.latest());
+    find_all_carriers();
     show_band();
 }
 

@@ -5,9 +5,8 @@
 #include <functional>
 #include <memory>
 
-#include "band_boxes.h"
+#include "band_desk.h"
 #include "band_run.h"
-#include "carrier_names.h"
 #include "screen.h"
 
 class QFileDialog;
@@ -23,7 +22,8 @@ namespace m47::band {
 class BandSweep : public Screen {
     Q_OBJECT
   public:
-    BandSweep(link::Link& link, ProgramState& program, QWidget* parent = nullptr);
+    /// `desk` outlives the screen, which begins with what lies there.
+    BandSweep(link::Link& link, ProgramState& program, BandDesk& desk, QWidget* parent = nullptr);
     ~BandSweep() override;
 
     /// Wide enough for chart and table.
@@ -83,10 +83,10 @@ class BandSweep : public Screen {
     link::Link& link_;
     ProgramState& program_;
     std::unique_ptr<Ui::BandSweep> ui_;
-    BandBoxes boxes_;
+    BandBoxes& boxes_;
     BandLook look_;
-    BandStore store_;
-    std::vector<ListedTransponder> listed_;
+    BandStore& store_;
+    std::vector<ListedTransponder>& listed_;
     std::vector<FoundCarrier> carriers_;
     bool grown_ = false;  ///< what came last is not shown yet
     QElapsedTimer shown_at_;
