@@ -400,8 +400,8 @@ void SweepTest::a_dish_under_a_fault_data() {
     QTest::addColumn<QByteArray>("said");
     const QByteArray lost =
         "m47-remote: The link to the meter was lost and the motor could not be told to stop; its "
-        "last drive, 1° at most, ends by itself; the link to the meter was lost, so these were not "
-        "set back: local oscillator, tuned frequency, attenuator, LNB supply\n";
+        "last drive, 1° at most, ends by itself; these were not set back: local oscillator, tuned "
+        "frequency, attenuator, LNB supply\n";
     const QByteArray astray =
         "m47-remote: The meter did not surely take a drive: the motor was told to stop, and nobody "
         "knows how far it has turned.\n";

@@ -209,6 +209,40 @@ void PeakTest::lost_while_it_turns() {
     QCOMPARE(dish.port.take_commands().mid(7, 1), QStringList("DISEQCMOT 09 04 01"));
 }
 
+/// A meter that refuses has not gone: it is told to stop, and who reads on knows where the dish is.
+void PeakTest::a_level_refused_three_times_leaves_the_dish_where_it_says() {
+    DishOnLine dish(12.0);
+    int unsent = 0;
+    dish.link.on_unsent = [&unsent] { ++unsent; };
+    PeakRun run(dish.link, {});
+    run.on_reading = [&](const Taken& taken) {
+        if (taken.steps == -20)
+            dish.port.answer = [&dish](const QByteArray& command) {
+                return command == "LEVANL?" ? command + "\rERROR\r" : dish.answer(command);
+            };
+    };
+    const PeakOutcome outcome = run.run();
+    QVERIFY(!outcome.linked && outcome.motor_stopped && outcome.attenuator_back);
+    QCOMPARE(unsent, 0);
+    const QStringList sent = dish.port.take_commands();
+    QCOMPARE(sent.mid(sent.size() - 5), QStringList(3, "LEVANL?") + kEnd);
+    QCOMPARE(outcome.place.value(), dish.shaft);
+    QCOMPARE(said(outcome),
+             QString("The meter refused LEVANL? three times, which ends the link: the motor was "
+                     "told to stop, and the dish stays 1.0° west of its start."));
+    QVERIFY(said(outcome, kItalian).endsWith("l'antenna resta 1.0° a ovest dell'inizio."));
+}
+
+void PeakTest::a_refused_stop_is_told() {
+    DishOnLine dish(12.0);
+    dish.port.answer = [&dish](const QByteArray& command) {
+        return command == "DISEQCMOT 00" ? command + "\rERROR\r" : dish.answer(command);
+    };
+    const PeakOutcome outcome = dish.search();
+    QVERIFY(!outcome.linked && !outcome.motor_stopped);
+    QVERIFY(said(outcome).startsWith("The meter did not take the stop of the motor"));
+}
+
 /// A drive that was repeated could have turned the dish twice.
 void PeakTest::a_drive_goes_out_once() {
     DishOnLine dish(12.0);

@@ -41,6 +41,8 @@ class PeakTest : public QObject {
     void stopped_while_it_turns_data();
     void stopped_while_it_turns();
     void lost_while_it_turns();
+    void a_level_refused_three_times_leaves_the_dish_where_it_says();
+    void a_refused_stop_is_told();
     void a_drive_goes_out_once();
     void without_levels_it_goes_back();
     void a_unit_changed_at_the_meter_has_no_peak_data();

@@ -37,18 +37,25 @@ std::optional<measurement::Reading> sure(Asked asked) {
 }  // namespace
 
 bool LinkAntenna::drive(int steps) {
-    if (link_.ask_once(drive_command(steps)) != QStringLiteral("OK")) return false;
+    if (!link_.can_send()) return false;
+    unsure_ = link_.ask_once(drive_command(steps)) != QStringLiteral("OK");
+    if (unsure_) return false;
     shaft_ += steps;
     link_.wait_time(std::abs(steps) / kStepsPerSecond + kUntilItStands);
     return true;
 }
 
 void LinkAntenna::stop() noexcept {
-    stopped_ = link::send_at_the_end(link_, link::command::kDiseqcMotor + QStringLiteral(" 00"));
+    // The next command takes it away.
+    refused_ = link_.refused();
+    const link::InOrder in_order(link_);
+    stopped_ = link_.can_send() &&
+               link::send_at_the_end(link_, link::command::kDiseqcMotor + QStringLiteral(" 00"));
+    if (refused_.isEmpty()) refused_ = link_.refused();
 }
 
 std::optional<double> LinkAntenna::level() {
-    if (strayed_) return std::nullopt;
+    if (strayed_ || !link_.can_send()) return std::nullopt;
     const link::Measuring measuring(link_);
     const auto reading = sure([this] { return ask_level(); });
     if (!reading || !reading->measured()) return std::nullopt;
@@ -72,6 +79,7 @@ std::optional<measurement::Reading> LinkAntenna::ask_level() {
 }
 
 std::optional<double> LinkAntenna::mer() {
+    if (!link_.can_send()) return std::nullopt;
     const link::Measuring measuring(link_);
     attenuated_ = false;
     const auto reading = sure([this] { return ask_mer(); });

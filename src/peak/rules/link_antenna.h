@@ -41,6 +41,12 @@ class LinkAntenna : public Antenna {
 
     /// The meter has taken the last stop of the motor.
     bool stopped() const { return stopped_; }
+    /// Steps that the shaft has turned east of where it stood first; nothing where a drive was not
+    /// surely taken.
+    std::optional<int> place() const { return unsure_ ? std::nullopt : std::optional(shaft_); }
+    /// The command that the meter refused, which ended the link before the motor was stopped or
+    /// with that; else empty.
+    const QString& refused() const { return refused_; }
 
   private:
     std::optional<measurement::Reading> ask_level();
@@ -53,6 +59,8 @@ class LinkAntenna : public Antenna {
     bool strayed_ = false;
     bool attenuated_ = false;
     bool stopped_ = false;
+    bool unsure_ = false;
+    QString refused_;
 };
 
 }  // namespace m47::peak

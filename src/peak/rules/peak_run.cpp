@@ -20,6 +20,11 @@ const QString kDone = QStringLiteral("OK");
 
 }  // namespace
 
+bool PeakOutcome::came_to_its_end() const {
+    const bool whole = search.end == SearchEnd::found || search.end == SearchEnd::nothing_better;
+    return motor_stopped && whole;
+}
+
 std::optional<double> PeakOutcome::gain() const {
     if (!search.peak_db || !search.start_db) return std::nullopt;
     return *search.peak_db - *search.start_db;
@@ -48,6 +53,8 @@ PeakOutcome PeakRun::run() {
     }
     outcome.search = search.result();
     outcome.motor_stopped = !outcome.search.moved || antenna.stopped();
+    outcome.refused = antenna.refused();
+    outcome.place = antenna.place();
     outcome.attenuator_back = set_back();
     outcome.linked = link_.port_connected;
     return outcome;

@@ -16,7 +16,13 @@ struct PeakOutcome {
     bool linked = false;          ///< the meter still answers
     bool motor_stopped = false;   ///< the meter has taken the stop of the motor
     bool attenuator_back = true;  ///< the attenuator is as it was
+    /// The command over whose refusal the link was lost; empty where it was lost otherwise.
+    QString refused{};
+    /// Steps that the dish stands east of its start; nothing where nobody knows.
+    std::optional<int> place{};
 
+    /// It came to its own end, with the motor stopped; the link may have been lost since then.
+    bool came_to_its_end() const;
     /// How many dB are gained by what was found; nothing where nothing was.
     std::optional<double> gain() const;
 };

@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "peak_run.h"
+#include "port_diagnosis.h"
 
 namespace m47::peak {
 namespace {
@@ -57,8 +58,17 @@ constexpr Bilingual kNoStop{
     "The meter did not take the stop of the motor; its last drive, 1° at most, ends by itself.",
     "Lo strumento non ha accettato lo stop del motore; il suo ultimo movimento, 1° al massimo, "
     "finisce da solo."};
-constexpr Bilingual kLost{"The link to the meter was lost before anything moved.",
-                          "Il collegamento con lo strumento è caduto prima di ogni movimento."};
+constexpr Bilingual kGone{"The link to the meter was lost",
+                          "Il collegamento con lo strumento è caduto"};
+constexpr Bilingual kEndsLink{"%1, which ends the link", "%1, e ciò chiude il collegamento"};
+constexpr Bilingual kNoneMoved{"%1: nothing was moved.", "%1: nulla si è mosso."};
+constexpr Bilingual kLeft{"%1: the motor was told to stop, and the dish stays %2.",
+                          "%1: il motore ha ricevuto lo stop e l'antenna resta %2."};
+constexpr Bilingual kLeftUnsure{
+    "%1: the motor was told to stop, and nobody knows how far it has turned.",
+    "%1: il motore ha ricevuto lo stop e non si sa di quanto abbia girato."};
+constexpr Bilingual kAtItsStart{"at its start", "all'inizio"};
+constexpr Bilingual kOffItsStart{"%1 of its start", "%1 dell'inizio"};
 constexpr Bilingual kAttenuator{" The attenuator was not set back.",
                                 " L'attenuatore non è stato reimpostato."};
 
@@ -90,9 +100,27 @@ QString nothing_better_text(const SearchResult& search, const Texts& texts) {
                                   place_text(higher->steps, texts));
 }
 
+/// Why nothing goes out any more: "The meter refused LEVANL? three times, which ends the link".
+QString lost_because(const PeakOutcome& outcome, const Texts& texts) {
+    if (outcome.refused.isEmpty()) return texts.pick(kGone);
+    QString why = texts.pick(kEndsLink).arg(link::refused_text(outcome.refused, texts));
+    why.front() = why.front().toUpper();
+    return why;
+}
+
+QString lost_text(const PeakOutcome& outcome, const Texts& texts) {
+    const QString why = lost_because(outcome, texts);
+    if (!outcome.search.moved) return texts.pick(kNoneMoved).arg(why);
+    if (!outcome.motor_stopped) return texts.pick(outcome.refused.isEmpty() ? kNotTold : kNoStop);
+    if (!outcome.place) return texts.pick(kLeftUnsure).arg(why);
+    const QString place = *outcome.place == 0
+                              ? texts.pick(kAtItsStart)
+                              : texts.pick(kOffItsStart).arg(place_text(*outcome.place, texts));
+    return texts.pick(kLeft).arg(why, place);
+}
+
 const Bilingual& words_of(const PeakOutcome& outcome) {
     const bool moved = outcome.search.moved;
-    if (!outcome.linked) return moved ? kNotTold : kLost;
     if (!outcome.motor_stopped) return kNoStop;
     switch (outcome.search.end) {
         case SearchEnd::astray:
@@ -109,10 +137,8 @@ const Bilingual& words_of(const PeakOutcome& outcome) {
 }
 
 QString unfound_text(const PeakOutcome& outcome, const Texts& texts) {
-    const bool at_its_start =
-        outcome.linked && outcome.motor_stopped && outcome.search.end == SearchEnd::nothing_better;
-    return at_its_start ? nothing_better_text(outcome.search, texts)
-                        : texts.pick(words_of(outcome));
+    if (outcome.came_to_its_end()) return nothing_better_text(outcome.search, texts);
+    return outcome.linked ? texts.pick(words_of(outcome)) : lost_text(outcome, texts);
 }
 
 }  // namespace
@@ -124,8 +150,7 @@ QString place_text(int steps, const Texts& texts) {
 }
 
 QString end_sentence(const PeakOutcome& outcome, const Texts& texts) {
-    const bool found = outcome.search.end == SearchEnd::found;
-    const bool good = found && outcome.linked && outcome.motor_stopped;
+    const bool good = outcome.came_to_its_end() && outcome.search.end == SearchEnd::found;
     const QString sentence = good ? found_text(outcome, texts) : unfound_text(outcome, texts);
     return outcome.attenuator_back ? sentence : sentence + texts.pick(kAttenuator);
 }

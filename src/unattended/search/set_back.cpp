@@ -15,11 +15,14 @@ band::Feed feed_of(const AntennaOptions& antenna) {
     return feed;
 }
 
-QString set_meter_back(band::MeterLevels& levels, const Texts& texts) {
+QString set_meter_back(band::MeterLevels& levels, const Texts& texts, bool told) {
     const bool lost = levels.lost();
     const QString refused = levels.refused();
     const std::vector<Bilingual> left = levels.set_back();
     const QString names = band::names_in(left, texts);
+    if (told)
+        return left.empty() ? QStringLiteral("the meter is set as it was before")
+                            : QStringLiteral("these were not set back: ") + names;
     if (lost || levels.lost()) {
         const QString why = refused.isEmpty() ? QStringLiteral("the link to the meter was lost")
                                               : link::refused_text(refused, texts) +

@@ -70,7 +70,8 @@ void search_until_told(PeakedRun& run) {
 
 /// One line about how it ended, where the dish is not on a peak or the meter not as it was.
 void tell_end(PeakedRun& run) {
-    const QString left = set_meter_back(run.levels, run.search.texts);
+    const bool told = !run.outcome.linked && !run.outcome.came_to_its_end();
+    const QString left = set_meter_back(run.levels, run.search.texts, told);
     run.not_set_back = !left.isEmpty();
     const bool good = run.outcome.search.end == peak::SearchEnd::found && run.outcome.linked &&
                       run.outcome.motor_stopped;
