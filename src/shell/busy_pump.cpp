@@ -70,6 +70,7 @@ void BusyPump::timerEvent(QTimerEvent* event) {
         return;
     }
     const auto windows = std::exchange(closing_, {});
+    if (on_closing_now) on_closing_now();
     for (const auto& window : windows)
         if (window) window->close();
 }

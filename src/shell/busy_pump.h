@@ -30,6 +30,8 @@ class BusyPump : public QObject {
     bool pumping() const { return pumping_; }
     /// Told of a window that was told to close and does so only later.
     std::function<void()> on_close_put_off;
+    /// Told before those close.
+    std::function<void()> on_closing_now;
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 

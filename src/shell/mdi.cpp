@@ -436,6 +436,10 @@ void M47MDI::end_remark() {
     if (!remark.isEmpty() && notice_->text() == remark) show_notice(QString());
 }
 
+void M47MDI::end_remark(const QString& text) {
+    if (notice_->text() == text) show_notice(QString());
+}
+
 void M47MDI::show_saved(const QString& path) {
     if (!saved_) {
         saved_ = new SavedNotice(program_.texts);

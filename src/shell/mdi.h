@@ -76,6 +76,8 @@ class M47MDI : public QMainWindow, public link::MainWindowView {
     void show_notice(const QString& text);
     /// The same for what is true until the user does something else, such as why nothing was done.
     void show_remark(const QString& text);
+    /// `text` is true no more; does nothing where something else stands there.
+    void end_remark(const QString& text);
 
     /// Shows `page`, which belongs to this window then, where no screen lies, as large as the room.
     void put_behind_screens(QWidget* page);

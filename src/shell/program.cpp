@@ -132,6 +132,7 @@ Program::~Program() {
     link().on_unsent = nullptr;
     link().on_refused = nullptr;
     window_.status().busy().on_close_put_off = nullptr;
+    window_.status().busy().on_closing_now = nullptr;
     link().activity.on_change = nullptr;
     link().activity.on_stopped = nullptr;
     tell_faults_in(nullptr);
@@ -181,6 +182,9 @@ void Program::connect_activity() {
     window_.status().busy().on_close_put_off = [this, &activity] {
         if (activity.ends_with_window()) return activity.stop();
         window_.show_remark(state_.texts.pick(kClosesLater));
+    };
+    window_.status().busy().on_closing_now = [this] {
+        window_.end_remark(state_.texts.pick(kClosesLater));
     };
     on(&window_, &M47MDI::stop_asked, &window_, "activity_stop_Click",
        [this] { activity_stop_Click(); });

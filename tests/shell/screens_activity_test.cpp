@@ -178,6 +178,26 @@ void ScreensTest::the_large_level_opens_in_the_middle_of_an_exchange() {
     QCOMPARE(screen->rules.page.measurements(), 1);
 }
 
+void ScreensTest::what_closes_later_is_told_until_it_closes() {
+    MeterInProcess& meter = start_with_meter();
+    find<QAction>("cmdinglese")->trigger();
+    realtime::Realtime* screen = open_realtime();
+    find<QCheckBox>("meas_statea_0", screen)->setChecked(true);
+    find<QAction>("cmdlevelview", screen)->trigger();
+    auto* view = find<QWidget>("level_view");
+    QString told;
+    meter.on_command = [&](const QByteArray& command, const QString&) {
+        if (command == "LEVANL?") told = find<QLabel>("corrected_notice")->text();
+        if (command == "MEASURE")
+            QMetaObject::invokeMethod(view, &QWidget::close, Qt::QueuedConnection);
+    };
+    find<QAction>("single_acq", screen)->trigger();
+    meter.on_command = nullptr;
+    QCOMPARE(told, QString("It closes when the work at the meter has ended."));
+    QTRY_VERIFY(!view->isVisible());
+    QCOMPARE(find<QLabel>("corrected_notice")->text(), QString());
+}
+
 /// Presses "Find the peak…" and [Start…] on the line of a meter whose level is the same everywhere,
 /// answers the question, and leaves the dialog in the end. All that was sent.
 QStringList ScreensTest::find_the_peak(QMessageBox::StandardButton answer) {

@@ -197,6 +197,7 @@ class ScreensTest : public QObject, protected ProgramInFolder {
     void stop_ends_a_timed_run_with_the_measurement_in_it();
 
     void the_large_level_opens_in_the_middle_of_an_exchange();
+    void what_closes_later_is_told_until_it_closes();
 
     void nothing_moves_before_the_answer_is_yes();
 
