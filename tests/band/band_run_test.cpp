@@ -24,6 +24,9 @@ struct Steady {
     link::Link link{port, clock, view};
     int levels = 0;
     QByteArray unit = "00";
+    /// The same level in each unit.
+    const QHash<QByteArray, QByteArray> levels_in{
+        {"00", "  57.9"}, {"01", "  -2.1"}, {"02", "  -51.1"}};
     std::function<void()> on_level;
 
     Steady() {
@@ -32,7 +35,7 @@ struct Steady {
             if (command == "LEVANL?") {
                 ++levels;
                 if (on_level) on_level();
-                return FakePort::good(command, unit == "02" ? "  -51.1" : "  57.9");
+                return FakePort::good(command, levels_in.value(unit));
             }
             if (command == "UNIT?") return FakePort::good(command, unit);
             if (command == "FREQ?") return FakePort::good(command, "1178.0");
@@ -228,11 +231,14 @@ void BandTest::levels_in_units_that_nobody_knows_are_left_out_data() {
     QTest::addColumn<int>("stopped");
     QTest::addColumn<int>("levels");
     QTest::addColumn<int>("live");
-    QTest::newRow("in the first pass") << 2 << 3 << 0 << 0;
-    QTest::newRow("in the second, stopped there") << 5 << 6 << 3 << 3;
-    QTest::newRow("in the second, one more behind it") << 5 << 9 << 6 << 3;
+    QTest::addColumn<LevelUnit>("unit");
+    QTest::newRow("in the first pass, in the old unit yet") << 2 << 2 << 0 << 0 << kDbuv;
+    QTest::newRow("in the first pass, one more behind it") << 2 << 5 << 3 << 3 << kDbmv;
+    QTest::newRow("in the second, stopped there") << 5 << 5 << 3 << 3 << kDbuv;
+    QTest::newRow("in the second, one more behind it") << 5 << 8 << 6 << 3 << kDbmv;
 }
 
+/// 57.9 can be a level in dBuV and in dBmV: which were which nobody knows.
 void BandTest::levels_in_units_that_nobody_knows_are_left_out() {
     QFETCH(int, changed);
     QFETCH(int, stopped);
@@ -248,21 +254,61 @@ void BandTest::levels_in_units_that_nobody_knows_are_left_out() {
     run.on_level = [&](const Sample& sample) { store.take(sample); };
     run.on_mixed = [&] { store.drop_pass(); };
     meter.on_level = [&] {
-        if (meter.levels == changed) meter.unit = "02";
+        if (meter.levels == changed) meter.unit = "01";
         if (meter.levels == stopped) meter.link.activity.stop();
     };
     const BandEnd end = run.run();
-    QVERIFY(end.stopped && end.unit_changed);
+    QVERIFY(end.stopped && end.unit_changed && end.pass_left_out);
     QTEST(end.levels, "levels");
     const BandTraces& traces = store.states().front().traces;
     QTEST(int(traces.live().size()), "live");
     QCOMPARE(traces.max_hold().size(), traces.live().size());
     // Only what is surely in it is told in a unit.
-    QCOMPARE(store.states().front().unit, std::optional(stopped == 9 ? kDbm : kDbuv));
+    QFETCH(LevelUnit, unit);
+    QCOMPARE(store.states().front().unit, std::optional(unit));
     const QString told = end_text(end, 0, Texts());
     QVERIFY2(told.endsWith("The unit was changed at the meter meanwhile: the levels of that pass "
                            "are left out."),
              qPrintable(told));
+}
+
+/// No level in dBuV can be one in dBm: those before the change are what they say.
+void BandTest::a_pass_ends_where_the_unit_was_changed() {
+    Steady meter;
+    BandChoice wanted = choice(false, 1000, 1040, 0);
+    wanted.step = 10;
+    BandRun run(meter.link, passes_of(wanted));
+    std::vector<double> levels;
+    run.on_level = [&](const Sample& sample) { levels.push_back(sample.level.value); };
+    bool mixed = false;
+    run.on_mixed = [&] { mixed = true; };
+    int passed = 0;
+    run.on_passed = [&] { ++passed; };
+    meter.on_level = [&] {
+        if (meter.levels == 3) meter.unit = "02";
+    };
+    const BandEnd end = run.run();
+    QVERIFY(end.unit_changed && !mixed && !end.stopped);
+    QCOMPARE(end.levels, 2);
+    QCOMPARE(passed, 1);
+    QVERIFY(std::ranges::all_of(levels, [](double level) { return level > 50; }));
+    QCOMPARE(meter.levels, 3);
+    QCOMPARE(end_text(end, 0, Texts()),
+             QString("Stopped at 2 levels, carriers found: 0. The meter is as it was. The unit was "
+                     "changed at the meter meanwhile: that pass ended there."));
+}
+
+void BandTest::a_unit_changed_between_two_passes_is_told() {
+    Steady meter;
+    BandChoice wanted = choice(false, 1000, 1020, 5);
+    wanted.step = 10;
+    BandRun run(meter.link, passes_of(wanted));
+    meter.on_level = [&] {
+        if (meter.levels == 4) meter.unit = "02";
+    };
+    const BandEnd end = run.run();
+    QVERIFY(end.unit_changed);
+    QCOMPARE(end.levels, 9);
 }
 
 /// As by somebody who looks what another unit says and goes back.
@@ -275,8 +321,8 @@ void BandTest::a_unit_set_back_within_a_pass_is_noticed() {
     run.on_mixed = [&] { mixed = true; };
     meter.on_level = [&] { meter.unit = meter.levels == 2 || meter.levels == 3 ? "02" : "00"; };
     const BandEnd end = run.run();
-    QVERIFY(mixed && end.unit_changed);
-    QCOMPARE(end.levels, 0);
+    QVERIFY(end.unit_changed && !mixed);
+    QCOMPARE(end.levels, 1);
     // Asked once for it, at the first level that told it.
     QCOMPARE(meter.port.take_commands().filter("UNIT?").size(), 2);
 }

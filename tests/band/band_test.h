@@ -40,6 +40,8 @@ class BandTest : public QObject {
     void a_run_that_repeats_goes_on_until_it_is_stopped();
     void levels_in_units_that_nobody_knows_are_left_out_data();
     void levels_in_units_that_nobody_knows_are_left_out();
+    void a_pass_ends_where_the_unit_was_changed();
+    void a_unit_changed_between_two_passes_is_told();
     void a_unit_set_back_within_a_pass_is_noticed();
     void a_run_tells_each_end_in_one_sentence();
     void carriers_become_programs();

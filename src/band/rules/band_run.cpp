@@ -44,11 +44,14 @@ constexpr Bilingual kUnitChanged{
     "The unit was changed at the meter meanwhile: the levels of that pass are left out.",
     "Nel frattempo l'unità è stata cambiata sullo strumento: i livelli di quel passaggio sono "
     "esclusi."};
+constexpr Bilingual kUnitEnded{
+    "The unit was changed at the meter meanwhile: that pass ended there.",
+    "Nel frattempo l'unità è stata cambiata sullo strumento: quel passaggio è finito lì."};
 
 const Bilingual& words_of(const BandEnd& end) {
     if (end.lost) return end.levels == 0 && end.not_set_back.empty() ? kNoMeter : kLost;
     if (!end.not_set_back.empty()) return kNotSetBack;
-    if (end.stopped) return kStopped;
+    if (end.stopped || (end.unit_changed && !end.pass_left_out)) return kStopped;
     return end.without_level > 0 ? kUnsure : kDone;
 }
 
@@ -61,7 +64,8 @@ QString end_text(const BandEnd& end, std::size_t carriers, const Texts& texts) {
     if (&words == &kUnsure) values += QString::number(end.without_level);
     if (&words == &kLost || &words == &kNotSetBack) values += names_in(end.not_set_back, texts);
     const QString said = Said{words, values}.in(texts);
-    return end.unit_changed ? said + u' ' + texts.pick(kUnitChanged) : said;
+    if (!end.unit_changed) return said;
+    return said + u' ' + texts.pick(end.pass_left_out ? kUnitChanged : kUnitEnded);
 }
 
 void BandRun::note(const Sample& sample) {
@@ -72,13 +76,19 @@ void BandRun::note(const Sample& sample) {
 }
 
 void BandRun::check_unit(link::Work& work) {
-    if (pass_levels_ > 0 && levels_.unit_changed()) {
+    const bool begun = pass_levels_ > 0 || levels_.strayed();
+    if (begun && levels_.unit_changed()) {
         end_.unit_changed = true;
-        end_.levels -= pass_levels_;
-        work.at(kSoFar, {QString::number(end_.levels)});
-        if (on_mixed) on_mixed();
+        if (!levels_.told_apart()) leave_out_pass(work);
     }
     pass_levels_ = 0;
+}
+
+void BandRun::leave_out_pass(link::Work& work) {
+    end_.pass_left_out = true;
+    end_.levels -= pass_levels_;
+    work.at(kSoFar, {QString::number(end_.levels)});
+    if (on_mixed) on_mixed();
 }
 
 /// Also where the run was told to stop.

@@ -17,8 +17,10 @@ struct BandEnd {
     bool lost = false;     ///< nobody answers any more
     int levels = 0;
     int without_level = 0;  ///< frequencies at which the meter gave no sure level
-    /// The unit was changed at the meter in a pass, whose levels do not count.
+    /// The unit was changed at the meter in a pass, which ended there with the levels before; where
+    /// nobody can tell which those are, none of the pass counts.
     bool unit_changed = false;
+    bool pass_left_out = false;
     std::vector<Bilingual> not_set_back{};
 };
 
@@ -50,6 +52,7 @@ class BandRun {
     void sweep_one(std::size_t place, link::Work& work);
     void note(const Sample& sample);
     void check_unit(link::Work& work);
+    void leave_out_pass(link::Work& work);
     void finish(link::Work& work);
 
     link::Link& link_;

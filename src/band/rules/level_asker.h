@@ -16,6 +16,9 @@ class LevelAsker {
 
     /// Nobody answers any more.
     virtual bool lost() const = 0;
+
+    /// The last level was in another unit than those before it.
+    virtual bool strayed() const { return false; }
 };
 
 }  // namespace m47::band

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "meter_levels.h"
 
+#include <algorithm>
+
 #include "commands.h"
 #include "fault.h"
 #include "measure_replies.h"
@@ -39,6 +41,11 @@ measurement::Reading reading_behind(const QString& label, measurement::Quantity 
     const std::optional<QString> text = link::labelled(label, answer);
     if (!text || !link::can_be_value(*text)) return {};
     return measurement::reading_of(quantity, *text);
+}
+
+bool can_be_of(LevelUnit unit, double level) {
+    const programme::LevelRange range = programme::level_range(unit_offset(unit));
+    return level >= range.minimum - kBeyondRange && level <= range.maximum + kBeyondRange;
 }
 
 }  // namespace
@@ -84,7 +91,8 @@ void MeterLevels::prepare(const Feed& feed) {
     kept_.note_tuning();
     kept_.note_feed(feed);
     unit_.begin();
-    strayed_ = false;
+    strayed_ = told_apart_ = false;
+    told_.clear();
     if (!lost()) kept_.changed();
     send(link::command::kMeasure);
     send(link::command::kNoOscillator);
@@ -134,10 +142,12 @@ measurement::Reading MeterLevels::level(double mhz) {
 void MeterLevels::look_at_unit(const measurement::Reading& reading) {
     const std::optional<LevelUnit> unit = measurement::unit_of_index(unit_.first());
     if (strayed_ || !unit || !reading.measured()) return;
-    const programme::LevelRange range = programme::level_range(unit_offset(*unit));
     const auto value = static_cast<double>(reading.value);
-    if (value < range.minimum - kBeyondRange || value > range.maximum + kBeyondRange)
-        strayed_ = unit_.changed();
+    if (!can_be_of(*unit, value)) strayed_ = unit_.changed();
+    if (!strayed_) return told_.push_back(value);
+    const std::optional<LevelUnit> now = measurement::unit_of_index(link_.settings.unit());
+    told_apart_ =
+        now && std::ranges::none_of(told_, [&](double told) { return can_be_of(*now, told); });
 }
 
 Quality MeterLevels::ask_quality(double mhz, int kilosymbols) {

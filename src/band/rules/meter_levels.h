@@ -42,6 +42,10 @@ class MeterLevels : public LevelAsker {
     /// As link::UnitWatch, since prepare(); also where a level in between told that, and the unit
     /// is the first one again.
     bool unit_changed() { return strayed_ || unit_.changed(); }
+    /// A level since prepare() was in another unit.
+    bool strayed() const override { return strayed_; }
+    /// Where one was: none of those before it can have been.
+    bool told_apart() const { return told_apart_; }
     /// Of the carrier at `mhz` of the intermediate band with `kilosymbols` a second; takes six
     /// seconds. One that was not measured where no answer is sure.
     Quality quality(double mhz, int kilosymbols);
@@ -68,7 +72,9 @@ class MeterLevels : public LevelAsker {
     Feed fed_;  ///< as far as the meter has surely taken it
     bool attenuated_ = false;
     link::UnitWatch unit_;
-    bool strayed_ = false;  ///< a level since prepare() was in another unit
+    bool strayed_ = false;
+    bool told_apart_ = false;
+    std::vector<double> told_;  ///< the levels since prepare(), as the meter told them
 };
 
 }  // namespace m47::band

@@ -14,12 +14,12 @@ class Sweep {
     Sweep(LevelAsker& asker, const SweepSpan& span) : asker_(asker), plan_(span) {}
 
     /// Asks the next question; its answer, which may be none. Nothing at the end, or where nobody
-    /// answers any more.
+    /// answers any more, or in another unit.
     std::optional<Sample> step() {
-        const std::optional<double> mhz = asker_.lost() ? std::nullopt : plan_.next();
+        const std::optional<double> mhz = is_cut() ? std::nullopt : plan_.next();
         if (!mhz) return std::nullopt;
         const Sample sample{*mhz, asker_.level(*mhz)};
-        if (asker_.lost()) return std::nullopt;
+        if (is_cut()) return std::nullopt;
         plan_.take(sample);
         return sample;
     }
@@ -29,6 +29,8 @@ class Sweep {
     bool whole() { return !plan_.next(); }
 
   private:
+    bool is_cut() const { return asker_.lost() || asker_.strayed(); }
+
     LevelAsker& asker_;
     SweepPlan plan_;
 };

@@ -94,7 +94,12 @@ void check_unit(SweepRun& run) {
     } catch (const Interrupted&) {
         // Told once more to end: nobody is asked.
     }
-    if (run.unit_changed)
+    if (!run.unit_changed) return;
+    if (run.levels.told_apart())
+        say_of_run(
+            QStringLiteral("the unit was changed at the meter during the sweep, which ends "
+                           "with the levels before that"));
+    else
         say_of_run(
             QStringLiteral("the unit was changed at the meter during the sweep, so its levels "
                            "cannot be told apart"));
@@ -135,7 +140,8 @@ int run_sweep(Texts& texts, MeterConnection& connection, const Options& options)
         ask_levels(run);
         check_unit(run);
         set_back(run);
-        if (run.search.options.carriers && !run.unit_changed) print_carriers(run);
+        const bool known = !run.unit_changed || run.levels.told_apart();
+        if (run.search.options.carriers && known) print_carriers(run);
     };
     return search.run(sweep, [&run] { return status_of(run); });
 }
