@@ -37,9 +37,9 @@ StatementFault& statement_fault() {
     return current;
 }
 
-void fail_on_purpose(const QString& address) {
+void fail_on_purpose(const QString& statement, const QString& address) {
     if (!statement_fault()) return;
-    if (const auto error = statement_fault()()) throw EngineFault(*error, address);
+    if (const auto error = statement_fault()(statement)) throw EngineFault(*error, address);
 }
 
 }  // namespace
@@ -54,13 +54,13 @@ EngineFault::EngineFault(const QSqlError& error, const QString& address)
 Query::Query(const QSqlDatabase& database, const QString& statement, const QVariantList& values)
     : query_(database), address_(database.databaseName()) {
     query_.setForwardOnly(true);
-    fail_on_purpose(address_);
+    fail_on_purpose(statement, address_);
     if (!query_.prepare(statement)) throw EngineFault(query_.lastError(), address_);
     run(values);
 }
 
 void Query::again(const QVariantList& values) {
-    fail_on_purpose(address_);
+    fail_on_purpose(query_.lastQuery(), address_);
     run(values);
 }
 
@@ -70,7 +70,7 @@ void Query::run(const QVariantList& values) {
 }
 
 bool Query::next() {
-    fail_on_purpose(address_);
+    fail_on_purpose(query_.lastQuery(), address_);
     if (query_.next()) return true;
     if (query_.lastError().isValid()) throw EngineFault(query_.lastError(), address_);
     return false;

@@ -2,14 +2,15 @@
 #pragma once
 
 #include <QSqlError>
+#include <QString>
 #include <functional>
 #include <optional>
 
 namespace m47::db {
 
-/// Asked before each call of the database engine: executing a statement, reading its next row.
+/// Asked before each call of the database engine: executing `statement`, reading its next row.
 /// With an answer the call is not made and fails with that error.
-using StatementFault = std::function<std::optional<QSqlError>()>;
+using StatementFault = std::function<std::optional<QSqlError>(const QString& statement)>;
 
 /// For tests alone, which let any call of the engine fail; the program never sets one. An empty
 /// `fault` lets every call pass again.

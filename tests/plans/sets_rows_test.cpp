@@ -248,7 +248,7 @@ void SetsTest::the_table_follows_the_plan_row_by_row() {
     int statements = 0;
     const auto follow = [&](const std::vector<db::Bookmark>& changed) {
         statements = 0;
-        db::set_statement_fault([&]() -> std::optional<QSqlError> {
+        db::set_statement_fault([&](const QString&) -> std::optional<QSqlError> {
             ++statements;
             return std::nullopt;
         });

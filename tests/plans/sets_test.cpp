@@ -39,7 +39,7 @@ void SetsTest::with_another_program_at_each_call(const QStringList& statements,
         init();
         make_two_plans();
         calls = 0;
-        db::set_statement_fault([&]() -> std::optional<QSqlError> {
+        db::set_statement_fault([&](const QString&) -> std::optional<QSqlError> {
             if (++calls == nth && elsewhere(statements)) ++came_in;
             return std::nullopt;
         });

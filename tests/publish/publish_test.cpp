@@ -143,6 +143,14 @@ struct Stand {
     std::unique_ptr<Publisher> publisher;
 };
 
+/// From here on everything can be read and nothing written.
+void fill_disk() {
+    db::set_statement_fault([](const QString& statement) -> std::optional<QSqlError> {
+        if (statement.startsWith("SELECT") || statement.startsWith("PRAGMA")) return {};
+        return QSqlError(QString(), "full", QSqlError::StatementError, "13");
+    });
+}
+
 bool never() {
     return false;
 }
@@ -357,9 +365,7 @@ void PublishTest::killed_between_outbox_and_log() {
 void PublishTest::a_failing_outbox_holds_rows_until_it_works() {
     Stand stand(folder_->path());
     stand.measure(2);
-    db::set_statement_fault([]() -> std::optional<QSqlError> {
-        return QSqlError(QString(), "full", QSqlError::StatementError, "13");
-    });
+    fill_disk();
     stand.measure(5);
     db::set_statement_fault({});
     QVERIFY(!stand.told.isEmpty() && stand.told.size() <= 2);
@@ -368,6 +374,107 @@ void PublishTest::a_failing_outbox_holds_rows_until_it_works() {
     stand.pass(100);
     QCOMPARE(stand.stored(), stand.measured());
     QVERIFY(!stand.publisher->lost());
+}
+
+void PublishTest::what_a_full_disk_refused_is_sent_at_the_end_data() {
+    QTest::addColumn<bool>("engine_there");
+    QTest::newRow("to an engine") << true;
+    QTest::newRow("to nobody") << false;
+}
+
+void PublishTest::what_a_full_disk_refused_is_sent_at_the_end() {
+    QFETCH(bool, engine_there);
+    Stand stand(folder_->path());
+    stand.measure(2);
+    fill_disk();
+    if (!engine_there) stand.engine.answers = [](const QByteArray&) { return HttpAnswer{}; };
+    stand.measure(5);
+    stand.publisher->finish(10, never);
+    db::set_statement_fault({});
+    QCOMPARE(stand.publisher->lost(), !engine_there);
+    QCOMPARE(stand.stored().size(), engine_there ? 7 : 2);
+    const QStringList told = stand.told.filter("had no room and which were not delivered: 5");
+    QCOMPARE(told.size(), engine_there ? 0 : 1);
+}
+
+/// As where a configuration is read again in the middle.
+void PublishTest::what_a_full_disk_refused_is_handed_on() {
+    Stand stand(folder_->path());
+    stand.measure(2);
+    fill_disk();
+    stand.measure(5);
+    const std::deque<HeldLine> held = stand.publisher->take_held();
+    db::set_statement_fault({});
+    stand.start();
+    stand.publisher->hold_on(held);
+    stand.measure(2);
+    stand.pass(20);
+    QCOMPARE(stand.stored(), stand.measured());
+    QVERIFY(!stand.publisher->lost());
+}
+
+/// Taking away what was stored long ago needs room, too.
+void PublishTest::a_full_disk_does_not_stop_what_is_there() {
+    Stand stand(folder_->path());
+    stand.measure(100, 10);
+    fill_disk();
+    stand.engine.kill(15);
+    QCOMPARE(stand.stored().size(), 99);
+    stand.pass(200);
+    db::set_statement_fault({});
+    QCOMPARE(stand.stored(), stand.measured());
+}
+
+/// Engines leave out what lies days ahead, and would so for as many days.
+void PublishTest::a_clock_that_stood_far_ahead() {
+    constexpr double kDay = 86400;
+    Stand stand(folder_->path());
+    stand.clock.set_by(4 * kDay);
+    stand.measure(3);
+    stand.clock.set_by(-4 * kDay);
+    const qint64 now = stand.clock.date_time().toMSecsSinceEpoch();
+    const auto newest = [&stand] {
+        return stand.engine.order.last().split(' ').last().toLongLong() / 1000000;
+    };
+    stand.measure(3);
+    QVERIFY2(std::abs(newest() - now) < 60000, qPrintable(QString::number(newest() - now)));
+    QCOMPARE(stand.told.filter("set back by").size(), 1);
+    stand.start();
+    stand.measure(3);
+    QCOMPARE(stand.stored(), QList<int>({4, 5, 6, 7, 8, 9, 1, 2, 3}));
+    QVERIFY(std::abs(newest() - now) < 60000);
+    QCOMPARE(stand.told.filter("set back by").size(), 1);
+}
+
+void PublishTest::how_long_rows_wait_is_told_behind_a_clock_set_back() {
+    Stand stand(folder_->path());
+    const auto told_to_wait = [&stand] {
+        QByteArray told;
+        stand.engine.answers = [&told](const QByteArray& body) {
+            const qsizetype place = body.lastIndexOf("oldest_waiting=") + 15;
+            told = body.mid(place, body.indexOf(',', place) - place);
+            return HttpAnswer{};
+        };
+        stand.publisher->report({});
+        stand.pass(130);
+        stand.engine.answers = [](const QByteArray&) { return HttpAnswer{}; };
+        return told.toDouble();
+    };
+    stand.measure(1);
+    stand.engine.answers = [](const QByteArray&) { return HttpAnswer{}; };
+    stand.clock.set_by(-3600);
+    stand.measure(40);
+    QVERIFY2(std::abs(told_to_wait() - 40) < 11, "what waits since the clock was set back");
+    const double later = told_to_wait();
+    QVERIFY2(std::abs(later - 170) < 11, qPrintable(QString::number(later)));
+    stand.engine.answers = nullptr;
+    stand.pass(130);
+    stand.clock.set_by(3600);
+    stand.measure(1);
+    stand.engine.answers = [](const QByteArray&) { return HttpAnswer{}; };
+    stand.measure(20);
+    const double again = told_to_wait();
+    QVERIFY2(std::abs(again - 20) < 2, qPrintable(QString::number(again)));
 }
 
 void PublishTest::an_outbox_taken_away_is_told_data() {

@@ -65,6 +65,12 @@ class PublishTest : public QObject {
     void killed_between_outbox_and_log_data();
     void killed_between_outbox_and_log();
     void a_failing_outbox_holds_rows_until_it_works();
+    void what_a_full_disk_refused_is_sent_at_the_end_data();
+    void what_a_full_disk_refused_is_sent_at_the_end();
+    void what_a_full_disk_refused_is_handed_on();
+    void a_full_disk_does_not_stop_what_is_there();
+    void a_clock_that_stood_far_ahead();
+    void how_long_rows_wait_is_told_behind_a_clock_set_back();
     void the_end_of_a_run_tells_what_waits();
     void an_outbox_taken_away_is_told_data();
     void an_outbox_taken_away_is_told();

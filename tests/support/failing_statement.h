@@ -26,7 +26,7 @@ inline constexpr std::array<int, 6> kEngineCodes{
 class FailingStatement {
   public:
     FailingStatement(int nth, int code) {
-        db::set_statement_fault([this, nth, code]() -> std::optional<QSqlError> {
+        db::set_statement_fault([this, nth, code](const QString&) -> std::optional<QSqlError> {
             if (++calls_ != nth) return std::nullopt;
             return QSqlError(QString(), QStringLiteral("failed on purpose"),
                              QSqlError::StatementError, QString::number(code));

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "texts.h"
 
@@ -15,8 +16,6 @@ constexpr double kForgetEvery = 60;                      // seconds
 enum class Meaning { taken, too_long, refused, later };
 
 // HTTP's own numbers.
-constexpr int kGoodFrom = 200;
-constexpr int kGoodTo = 299;
 constexpr int kClientFrom = 400;
 constexpr int kClientTo = 499;
 constexpr int kTooLong = 413;
@@ -28,8 +27,9 @@ bool says_nothing_of_lines(int status) {
     return std::ranges::find(kStatuses, status) != std::end(kStatuses);
 }
 
-Meaning meaning_of(int status) {
-    if (status >= kGoodFrom && status <= kGoodTo) return Meaning::taken;
+Meaning meaning_of(const HttpAnswer& answer) {
+    const int status = answer.status;
+    if (is_taken(answer)) return Meaning::taken;
     if (status == kTooLong) return Meaning::too_long;
     if (status < kClientFrom || status > kClientTo) return Meaning::later;
     return says_nothing_of_lines(status) ? Meaning::later : Meaning::refused;
@@ -85,8 +85,8 @@ bool Delivery::due_within(double seconds) const {
 }
 
 void Delivery::begin() {
-    forget_old();
     if (!begin_new()) begin_repeat();
+    forget_old();
 }
 
 bool Delivery::begin_new() {
@@ -129,7 +129,7 @@ void Delivery::post(const Batch& batch, bool repeat) {
 }
 
 void Delivery::take_answer(const HttpAnswer& answer) {
-    switch (meaning_of(answer.status)) {
+    switch (meaning_of(answer)) {
         case Meaning::taken:
             return acknowledged();
         case Meaning::too_long:
@@ -209,12 +209,18 @@ void Delivery::pause(double at_least) {
 void Delivery::forget_old() {
     if (now() < next_forget_) return;
     next_forget_ = now() + kForgetEvery;
-    qint64 last = 0;
-    while (!sent_.empty() && sent_.front().twice && now() - sent_.front().when >= kKept) {
-        last = sent_.front().last;
-        sent_.pop_front();
+    const auto is_old = [this](const Sent& sent) {
+        return sent.twice && now() - sent.when >= kKept;
+    };
+    const auto end = std::ranges::find_if_not(sent_, is_old);
+    if (end == sent_.begin()) return;
+    try {
+        outbox_.forget(std::prev(end)->last);
+    } catch (const OutboxFault&) {
+        // Taking away needs room too; what lies there longer does no harm.
+        return;
     }
-    if (last > 0) outbox_.forget(last);
+    sent_.erase(sent_.begin(), end);
 }
 
 void Delivery::remark(const QString& text) const {

@@ -22,6 +22,13 @@ struct HttpAnswer {
     QString words{};                      ///< why none came, or the begin of what it said
 };
 
+/// The engine has what it was sent, as HTTP says it.
+inline bool is_taken(const HttpAnswer& answer) {
+    constexpr int kGoodFrom = 200;
+    constexpr int kGoodTo = 299;
+    return answer.status >= kGoodFrom && answer.status <= kGoodTo;
+}
+
 /// Sends one request at a time and waits for nothing. The libraries behind it are many and only who
 /// publishes needs them.
 class HttpSender {

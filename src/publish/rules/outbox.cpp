@@ -191,7 +191,12 @@ Outbox::~Outbox() = default;
 
 qint64 Outbox::time_after_all(qint64 now) {
     // In the file with the line that has it.
-    file_->facts.last_ms = std::max(now, file_->facts.last_ms + 1);
+    const qint64 behind = file_->facts.last_ms + 1;
+    file_->facts.last_ms = behind - now > kMostAhead ? now : std::max(now, behind);
+    return file_->facts.last_ms;
+}
+
+qint64 Outbox::last_time() const {
     return file_->facts.last_ms;
 }
 

@@ -43,8 +43,12 @@ class Outbox {
     Outbox& operator=(const Outbox&) = delete;
 
     /// The time for a line written at `now`, milliseconds since 1970: later than that of every line
-    /// before, also where the clock was set back.
+    /// before, also where the clock was set back by kMostAhead at most. Beyond that it is `now`:
+    /// engines leave out what lies far in the future, without a word.
     qint64 time_after_all(qint64 now);
+    /// That of the line before; 0 for none.
+    qint64 last_time() const;
+    static constexpr qint64 kMostAhead = qint64{24} * 3600 * 1000;
 
     /// Adds a line. With a `place` it is not delivered before count_all() was told that the log
     /// has it. Where there is no room within the limit the oldest lines go.

@@ -10,6 +10,7 @@ namespace m47::publish {
 namespace {
 
 constexpr qsizetype kMostHeld = qsizetype{4} * 1024 * 1024;  // bytes
+constexpr qsizetype kMostAtOnce = qsizetype{64} * 1024;      // bytes of a request from memory
 constexpr double kTryEvery = 10;                             // seconds, to put what is held
 constexpr double kWorkSlice = 0.05;                          // seconds
 constexpr qint64 kToldSetBack = 2000;                        // ms
@@ -96,8 +97,16 @@ void Publisher::put(LineKind kind, const QDateTime& moment,
                     const std::optional<LogPlace>& place) {
     if (!outbox_) return;
     const qint64 now = moment.toMSecsSinceEpoch();
+    const qint64 last = outbox_->last_time();
     const qint64 milliseconds = outbox_->time_after_all(now);
-    tell_set_back(now, milliseconds);
+    if (milliseconds < last)
+        tell_far_back((last - milliseconds) / 1000);
+    else
+        tell_set_back(now, milliseconds);
+    if (milliseconds > now)
+        times_.note(milliseconds, clock_.steady());
+    else
+        times_.end(milliseconds);
     const QByteArray line = line_at(milliseconds);
     const bool kept = put_held() && told([&] { outbox_->append(kind, milliseconds, line, place); });
     if (kept)
@@ -118,10 +127,17 @@ void Publisher::tell_set_back(qint64 now, qint64 milliseconds) {
     set_back_told_ = back;
 }
 
+void Publisher::tell_far_back(qint64 seconds) const {
+    remark(
+        QStringLiteral("the clock was set back by %1 s, more than a day: rows are published with "
+                       "its times again; an engine may have left out those that lay so far ahead")
+            .arg(seconds));
+}
+
 /// False where the file still takes nothing.
 bool Publisher::put_held() {
     while (!held_.empty()) {
-        const Held& line = held_.front();
+        const HeldLine& line = held_.front();
         if (!told([&] { outbox_->append(line.kind, line.milliseconds, line.line); })) return false;
         held_bytes_ -= line.line.size();
         held_.pop_front();
@@ -131,7 +147,7 @@ bool Publisher::put_held() {
 }
 
 /// A row waits for room on the disk; how the run was is of no use later.
-void Publisher::hold(Held line) {
+void Publisher::hold(HeldLine line) {
     next_try_ = clock_.steady() + kTryEvery;
     if (line.kind == LineKind::health) return;
     held_bytes_ += line.line.size();
@@ -142,17 +158,23 @@ void Publisher::hold(Held line) {
     }
 }
 
+/// Seconds, also where the clock stands behind the row's own time.
+double Publisher::oldest_waiting(const QDateTime& moment) {
+    const std::optional<qint64> oldest = outbox_->oldest_waiting();
+    if (!oldest) times_.clear();
+    if (!oldest) return 0;
+    const double by_time = static_cast<double>(moment.toMSecsSinceEpoch() - *oldest) / 1000;
+    const std::optional<double> measured = times_.of(*oldest);
+    return std::max({by_time, measured ? clock_.steady() - *measured : 0, 0.0});
+}
+
 void Publisher::report(Health health) {
     if (!outbox_) return;
     const QDateTime moment = clock_.date_time();
     health.rows_waiting = outbox_->rows_waiting() + static_cast<qint64>(held_.size());
     health.rows_dropped = outbox_->rows_dropped();
     health.rows_set_aside = outbox_->rows_set_aside();
-    told([&] {
-        const std::optional<qint64> oldest = outbox_->oldest_waiting();
-        const qint64 waited = oldest ? moment.toMSecsSinceEpoch() - *oldest : 0;
-        health.oldest_waiting = static_cast<double>(std::max<qint64>(waited, 0)) / 1000;
-    });
+    told([&] { health.oldest_waiting = oldest_waiting(moment); });
     look_for_file();
     put(LineKind::health, moment,
         [&](qint64 milliseconds) { return health_line(order_.station, health, milliseconds); }, {});
@@ -190,14 +212,56 @@ void Publisher::pass_time(double seconds) {
 void Publisher::finish(double seconds, const std::function<bool()>& told_to_stop) {
     if (!outbox_) return;
     const double end = clock_.steady() + seconds;
+    put_held();
     delivery_->hurry();
     step();
     while (!delivery_->done() && !told_to_stop() && clock_.steady() < end)
         pass_time(std::min(kWorkSlice, end - clock_.steady()));
-    if (!held_.empty() && !put_held()) lost_ = true;
+    if (!put_held()) send_held(end, told_to_stop);
+    lost_ = lost_ || !held_.empty();
     told([this] { outbox_->tend(); });
     look_for_file();
     tell_waiting();
+}
+
+/// What no file has goes from memory, behind all the rest: no later start would have it.
+void Publisher::send_held(double end, const std::function<bool()>& told_to_stop) {
+    while (!held_.empty() && delivery_->done()) {
+        QByteArray body;
+        std::size_t lines = 0;
+        while (lines < held_.size() && (lines == 0 || body.size() < kMostAtOnce))
+            body += held_[lines++].line;
+        if (!send(body, end, told_to_stop)) return;
+        held_.erase(held_.begin(), held_.begin() + static_cast<std::ptrdiff_t>(lines));
+    }
+}
+
+/// True where the engine has taken it before the time is over.
+bool Publisher::send(const QByteArray& body, double end,
+                     const std::function<bool()>& told_to_stop) {
+    sender_.post(body);
+    while (clock_.steady() < end && !told_to_stop()) {
+        if (const auto answer = sender_.answer()) return is_taken(*answer);
+        sender_.work(kWorkSlice);
+    }
+    sender_.give_up();
+    return false;
+}
+
+std::deque<HeldLine> Publisher::take_held() {
+    held_bytes_ = 0;
+    return std::exchange(held_, {});
+}
+
+void Publisher::hold_on(std::deque<HeldLine> lines) {
+    if (!outbox_) lost_ = lost_ || !lines.empty();
+    if (!outbox_) return;
+    for (HeldLine& line : lines) {
+        // What comes is behind it.
+        static_cast<void>(outbox_->time_after_all(line.milliseconds));
+        hold(std::move(line));
+    }
+    put_held();
 }
 
 /// Rows in a file that is gone are delivered while the process lives.
@@ -208,6 +272,11 @@ void Publisher::look_for_file() {
 }
 
 void Publisher::tell_waiting() {
+    if (!held_.empty())
+        remark(QStringLiteral("rows for which the outbox %1 had no room and which were not "
+                              "delivered: %2")
+                   .arg(order_.outbox)
+                   .arg(held_.size()));
     const qint64 waiting = outbox_->rows_waiting();
     if (waiting == 0) return;
     lost_ = lost_ || gone_;

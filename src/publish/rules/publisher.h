@@ -8,6 +8,7 @@
 #include <memory>
 #include <string_view>
 
+#include "append_times.h"
 #include "clock.h"
 #include "delivery.h"
 #include "line_protocol.h"
@@ -21,6 +22,13 @@ struct PublishOrder {
     QString outbox;    ///< its file
     QString log;       ///< the log that has the rows as well; empty for none
     qint64 limit = 0;  ///< bytes of the outbox
+};
+
+/// A line that a failing file has not taken yet.
+struct HeldLine {
+    LineKind kind;
+    qint64 milliseconds;
+    QByteArray line;
 };
 
 /// The rows of a run on their way to an engine. Nothing of it ever waits for the engine or throws:
@@ -52,17 +60,15 @@ class Publisher {
     /// Delivers for at most `seconds`, or until `told_to_stop`, and tells what still waits.
     void finish(double seconds, const std::function<bool()>& told_to_stop);
 
+    /// What the outbox has not taken yet, for the publisher that goes on with it.
+    std::deque<HeldLine> take_held();
+    /// Takes over what the one before it had.
+    void hold_on(std::deque<HeldLine> lines);
+
     /// A row is neither in the outbox nor delivered.
     bool lost() const { return lost_; }
 
   private:
-    /// A line that a failing file has not taken yet.
-    struct Held {
-        LineKind kind;
-        qint64 milliseconds;
-        QByteArray line;
-    };
-
     bool told(const std::function<void()>& work);
     void settle_last_row();
     void put(LineKind kind, const QDateTime& moment,
@@ -70,9 +76,13 @@ class Publisher {
              const std::optional<LogPlace>& place);
     bool put_held();
     void look_for_file();
+    double oldest_waiting(const QDateTime& moment);
     void tell_waiting();
-    void hold(Held line);
+    void hold(HeldLine line);
+    void send_held(double end, const std::function<bool()>& told_to_stop);
+    bool send(const QByteArray& body, double end, const std::function<bool()>& told_to_stop);
     void tell_set_back(qint64 now, qint64 milliseconds);
+    void tell_far_back(qint64 seconds) const;
     void remark(const QString& text) const;
 
     PublishOrder order_;
@@ -82,7 +92,8 @@ class Publisher {
     std::function<double()> chance_;
     std::unique_ptr<Outbox> outbox_;
     std::unique_ptr<Delivery> delivery_;
-    std::deque<Held> held_;
+    AppendTimes times_;
+    std::deque<HeldLine> held_;
     qsizetype held_bytes_ = 0;
     double next_try_ = 0;  ///< to put what is held
     bool fault_told_ = false;

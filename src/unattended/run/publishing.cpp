@@ -137,6 +137,22 @@ void Publishing::pass_time(double seconds) {
         clock_->sleep(seconds);
 }
 
+PublishedSoFar Publishing::so_far(bool same_outbox) {
+    PublishedSoFar found{.health = health_};
+    if (publisher_ && same_outbox) found.held = publisher_->take_held();
+    return found;
+}
+
+void Publishing::go_on(PublishedSoFar so_far) {
+    health_.passes = so_far.health.passes;
+    health_.retries = so_far.health.retries;
+    health_.reconnects = so_far.health.reconnects;
+    if (publisher_)
+        publisher_->hold_on(std::move(so_far.held));
+    else
+        lost_ = lost_ || !so_far.held.empty();
+}
+
 void Publishing::finish(double seconds, const std::function<bool()>& told_to_stop) {
     if (!publisher_) return;
     publisher_->finish(seconds, told_to_stop);

@@ -3,6 +3,7 @@
 
 #include <QDateTime>
 #include <QString>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <string_view>
@@ -21,6 +22,12 @@ namespace m47::unattended {
 /// outbox.
 inline constexpr double kLongestEngineWait = 10;
 inline constexpr double kLongestHandover = 2;
+
+/// What a run that goes on with another configuration takes along.
+struct PublishedSoFar {
+    std::deque<publish::HeldLine> held{};  ///< which the outbox had no room for
+    publish::Health health{};              ///< counted since the start
+};
 
 /// The outbox of a run that publishes, beside its log, else in `folder`; empty for one that does
 /// not.
@@ -54,6 +61,11 @@ class Publishing {
     void pass_time(double seconds);
     /// Delivers for at most `seconds`, or until `told_to_stop`, and tells what still waits.
     void finish(double seconds, const std::function<bool()>& told_to_stop);
+
+    /// For a run that goes on. Where that has the same outbox it has what this one could not take.
+    PublishedSoFar so_far(bool same_outbox);
+    /// Goes on from there, once it is open.
+    void go_on(PublishedSoFar so_far);
 
     bool wanted() const { return !options_.publish.address.isEmpty(); }
     /// Rows are missing in the outbox.

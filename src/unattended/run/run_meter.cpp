@@ -67,11 +67,12 @@ bool connect_again(Run& run) {
     run.connection.identification().on_another_device = [&run, told] {
         if (!told) tell_other_device(run);
     };
+    const bool was_there = run.link_found;
     stop_when_told(run, 1);
     identify_meter(run);
     run.connection.identification().on_another_device = nullptr;
     stop_when_told(run, 2);
-    if (run.connection.link().port_connected) run.publishing.reconnected();
+    if (was_there && run.connection.link().port_connected) run.publishing.reconnected();
     return run.connection.link().port_connected;
 }
 

@@ -104,8 +104,9 @@ void end_publishing(Run& run) {
     const auto told = [] { return platform::times_told_to_end() > 1; };
     if (!run.next) return run.publishing.finish(kLongestEngineWait, told);
     const QString& folder = run.state.base_dir;
-    if (outbox_file(*run.next, folder) != outbox_file(run.options, folder))
-        run.publishing.finish(kLongestHandover, told);
+    const bool same = outbox_file(*run.next, folder) == outbox_file(run.options, folder);
+    if (!same) run.publishing.finish(kLongestHandover, told);
+    run.published = run.publishing.so_far(same);
 }
 
 int end_part(Run& run, RunSoFar& so_far) {
@@ -145,9 +146,11 @@ int run_part(ProgramState& state, db::Database& database, MeterConnection& conne
     tell_rounded(options);
     record_line(run);
     run.publishing.open(connection.link().clock(), state.base_dir);
+    run.publishing.go_on(std::exchange(run.published, {}));
     try {
         int status = kGood;
         if (!prepare(run, status)) {
+            run.next.reset();
             end_publishing(run);
             return status;
         }

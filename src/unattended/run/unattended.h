@@ -9,6 +9,7 @@
 #include "exit_status.h"
 #include "meter_connection.h"
 #include "options.h"
+#include "publishing.h"
 #include "realtime_rules.h"
 
 namespace m47::unattended {
@@ -31,6 +32,7 @@ struct RunSoFar {
     bool alarm_failed = false;
     bool file_lost = false;
     bool row_missing = false;
+    PublishedSoFar published{};
     /// The run ended between two passes to go on with these; nothing: it is at its end.
     std::optional<Options> next{};
 };
