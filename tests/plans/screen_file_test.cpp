@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Whole plans, and files that take nothing.
+#include "import_words.h"
 #include "screen_test.h"
 
 namespace m47::plans {
@@ -137,6 +138,20 @@ void tick(QWidget* front, int row, bool wanted) {
 }
 
 }  // namespace
+
+void PlanScreenTest::what_is_left_out_is_told_in_one_line() {
+    ImportCandidate candidate;
+    candidate.beyond_qpsk = true;
+    ImportRow row;
+    row.problem = ImportProblem::no_number;
+    Texts texts;
+    texts.language = kEnglish;
+    QCOMPARE(import_cells(candidate, row, texts).last(),
+             QString("Left out: the plan is full; DVB-S2 or 8PSK: the meter measures QPSK, of this "
+                     "the level alone"));
+    candidate.beyond_qpsk = false;
+    QCOMPARE(import_cells(candidate, row, texts).last(), QString("Left out: the plan is full."));
+}
 
 void PlanScreenTest::the_rows_of_an_import_are_chosen() {
     start_alone();

@@ -225,6 +225,7 @@ class PlanScreenTest : public QObject, protected ProgramInFolder {
     void transponders_of_a_scan_table_are_imported_and_uploaded();
 
     void the_rows_of_an_import_are_chosen();
+    void what_is_left_out_is_told_in_one_line();
 
     void a_plan_of_any_name_is_proposed_as_a_file();
     void an_exported_plan_comes_back_edited();

@@ -101,6 +101,8 @@ void ScreensTest::a_satellite_is_identified_while_its_bar_grows() {
         verdict = text_of(dialog, "identify_state");
         facts = text_of(dialog, "identify_facts");
         last = bars->bars().front().name;
+        const QString certain = identify::percent_text(bars->bars().front().chance);
+        QVERIFY2(verdict.contains("certainty " + certain), qPrintable(certain));
         rows = asked_in(dialog)->rowCount();
         newest_in_sight = asked_in(dialog)->viewport()->rect().contains(
             asked_in(dialog)->visualItemRect(asked_in(dialog)->item(rows - 1, 0)).center());
@@ -174,6 +176,12 @@ void ScreensTest::it_is_asked_again_and_the_choice_is_kept() {
         press(dialog, "identify_start");
         verdicts += text_of(dialog, "identify_state").left(20);
         bars = int(dialog->findChild<identify::BeliefBars*>("identify_bars")->bars().size());
+        // What came stays where the next run has nothing to ask.
+        const int rows = asked_in(dialog)->rowCount();
+        static_cast<identify::IdentifyDialog*>(dialog)->take_tables(in_folder("nowhere"));
+        press(dialog, "identify_start");
+        QVERIFY(rows > 0 && asked_in(dialog)->rowCount() == rows);
+        QVERIFY(dialog->findChild<QPushButton*>("identify_save")->isEnabled());
     });
     QCOMPARE(verdicts, QStringList(3, "This is 20.0E (Beta)"));
     QCOMPARE(from, 1);

@@ -178,10 +178,10 @@ void IdentifyDialog::start() {
     const Texts& texts = work_.program.texts;
     const ChoiceBoxes boxes = choice_->boxes();
     if (const Bilingual* fault = fault_of(boxes)) return tell(texts.pick(*fault));
-    begin_anew();
     const CandidateChoice choice = choice_of(boxes);
     std::vector<Candidate> candidates = candidates_of(choice, work_.database);
     if (candidates.empty()) return tell(why_none(choice, texts));
+    begin_anew();
     identify(choice, std::move(candidates));
     leave_if_told();
 }
@@ -214,6 +214,10 @@ void IdentifyDialog::identify(const CandidateChoice& choice, std::vector<Candida
         end = identification.run();
     });
     lines_ += verdict_line(identification, end);
+    // The verdict weighs more than the last answer did.
+    if (end.verdict)
+        show_beliefs(identification.standings(), identification.candidates(),
+                     identification.drift());
     show_end(end, identification.candidates());
 }
 

@@ -54,6 +54,8 @@ QString result_of(const ImportCandidate& candidate, const ImportRow& row, const 
     QStringList parts{outcome(candidate, row, texts)};
     if (candidate.streams > 1) parts += texts.pick(kStreams).arg(candidate.streams);
     if (candidate.beyond_qpsk && candidate.comes()) parts += texts.pick(kBeyondQpsk);
+    // A whole sentence among parts has no end of its own.
+    if (parts.size() > 1 && parts.first().endsWith(u'.')) parts.first().chop(1);
     return joined(parts);
 }
 
