@@ -142,12 +142,13 @@ void NetworkTest::a_date_to_try_again() {
     QTcpServer listening;
     ScriptedServer server(listening);
     const QDateTime when = QDateTime::currentDateTimeUtc().addSecs(100);
-    server.answer = "HTTP/1.1 429 Often\r\nRetry-After: " +
-                    QLocale::c().toString(when, QString::fromLatin1(form)).toLatin1() +
+    const QByteArray date = QLocale::c().toString(when, QString::fromLatin1(form)).toLatin1();
+    server.answer = "HTTP/1.1 429 Often\r\nRetry-After: " + date + "\r\nDate: " + date +
                     "\r\nContent-Length: 0\r\n\r\n";
     const auto answer = ask(*sender_, server.address("http"));
     QVERIFY(answer && answer->retry_after);
     QVERIFY2(std::abs(*answer->retry_after - 100) <= 3, server.answer);
+    QVERIFY2(answer->ahead && std::abs(*answer->ahead + 100) <= 3, server.answer);
 }
 
 void NetworkTest::answers_data() {
@@ -191,7 +192,7 @@ void NetworkTest::answers() {
     QVERIFY(answer);
     QCOMPARE(answer->status, status);
     QCOMPARE(answer->retry_after.value_or(-1), retry_after);
-    QVERIFY(!answer->words.contains("secret"));
+    QVERIFY(!answer->words.contains("secret") && !answer->ahead);
     if (status == 400) QCOMPARE(answer->words, "why");
     if (status == 0) QVERIFY(!answer->words.isEmpty());
 }

@@ -446,6 +446,27 @@ void PublishTest::a_clock_that_stood_far_ahead() {
     QCOMPARE(stand.told.filter("set back by").size(), 1);
 }
 
+void PublishTest::a_clock_that_is_not_the_engines_is_told() {
+    Stand stand(folder_->path());
+    double ahead = 599;
+    stand.engine.answers = [&ahead](const QByteArray&) {
+        return HttpAnswer{.status = 204, .ahead = ahead};
+    };
+    stand.measure(2);
+    QCOMPARE(stand.told, QStringList());
+    ahead = 86400;
+    stand.measure(3);
+    QCOMPARE(stand.told, QStringList("the clock of this machine is 86400 s ahead of that of the "
+                                     "engine, which may leave out rows of such times"));
+    ahead = 0;
+    stand.measure(1);
+    ahead = -700;
+    stand.measure(2);
+    QCOMPARE(stand.told.size(), 2);
+    QVERIFY2(stand.told[1].contains("700 s behind"), qPrintable(stand.told[1]));
+    QCOMPARE(stand.stored(), stand.measured());
+}
+
 void PublishTest::how_long_rows_wait_is_told_behind_a_clock_set_back() {
     Stand stand(folder_->path());
     const auto told_to_wait = [&stand] {

@@ -70,6 +70,7 @@ class PublishTest : public QObject {
     void what_a_full_disk_refused_is_handed_on();
     void a_full_disk_does_not_stop_what_is_there();
     void a_clock_that_stood_far_ahead();
+    void a_clock_that_is_not_the_engines_is_told();
     void how_long_rows_wait_is_told_behind_a_clock_set_back();
     void the_end_of_a_run_tells_what_waits();
     void an_outbox_taken_away_is_told_data();

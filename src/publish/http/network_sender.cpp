@@ -14,17 +14,26 @@ namespace {
 constexpr qint64 kMostWords = 400;   // bytes of what an engine says
 constexpr qint64 kMostHeld = 16384;  // the same, of a page without an end
 
-/// Seconds, or a date in the form that HTTP has for it, which mail does not know.
+/// Seconds from now to a date in the form that HTTP has for it, which mail does not know.
+std::optional<double> seconds_to(const QByteArray& date) {
+    const QString text = QString::fromLatin1(date).replace(QLatin1String("GMT"), "+0000");
+    const QDateTime moment = QDateTime::fromString(text, Qt::RFC2822Date);
+    if (!moment.isValid()) return {};
+    return static_cast<double>(QDateTime::currentDateTimeUtc().secsTo(moment));
+}
+
+/// Seconds, or a date.
 std::optional<double> retry_after(const QNetworkReply& reply) {
     if (!reply.hasRawHeader("Retry-After")) return {};
     const QByteArray text = reply.rawHeader("Retry-After").trimmed();
     bool is_number = false;
     const double seconds = text.toDouble(&is_number);
-    if (is_number) return seconds;
-    const QString date_text = QString::fromLatin1(text).replace(QLatin1String("GMT"), "+0000");
-    const QDateTime date = QDateTime::fromString(date_text, Qt::RFC2822Date);
-    if (!date.isValid()) return {};
-    return static_cast<double>(QDateTime::currentDateTimeUtc().secsTo(date));
+    return is_number ? seconds : seconds_to(text);
+}
+
+std::optional<double> ahead_of(const QNetworkReply& reply) {
+    const std::optional<double> engine = seconds_to(reply.rawHeader("Date").trimmed());
+    return engine ? std::optional(-*engine) : std::nullopt;
 }
 
 /// An answer that broke off is none, whatever its first line said.
@@ -41,6 +50,7 @@ HttpAnswer answer_of(QNetworkReply& reply) {
     }
     answer.status = status;
     answer.retry_after = retry_after(reply);
+    answer.ahead = ahead_of(reply);
     answer.words = QString::fromUtf8(reply.read(kMostWords));
     return answer;
 }

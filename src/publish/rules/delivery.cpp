@@ -128,7 +128,19 @@ void Delivery::post(const Batch& batch, bool repeat) {
     sender_.post(batch.body);
 }
 
+void Delivery::look_at_clock(const HttpAnswer& answer) {
+    if (!answer.ahead) return;
+    const bool differs = std::abs(*answer.ahead) >= kClocksDiffer;
+    if (differs && !clock_told_)
+        remark(QStringLiteral("the clock of this machine is %1 s %2 that of the engine, which may "
+                              "leave out rows of such times")
+                   .arg(std::lround(std::abs(*answer.ahead)))
+                   .arg(*answer.ahead > 0 ? QStringLiteral("ahead of") : QStringLiteral("behind")));
+    clock_told_ = differs;
+}
+
 void Delivery::take_answer(const HttpAnswer& answer) {
+    look_at_clock(answer);
     switch (meaning_of(answer)) {
         case Meaning::taken:
             return acknowledged();

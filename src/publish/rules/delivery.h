@@ -14,7 +14,9 @@ namespace m47::publish {
 /// Hands what is in an outbox to an engine, in order, and never waits for it. An engine that is
 /// killed loses what it acknowledged within the last seconds: so everything is sent a second time
 /// after kRepeatAfter, is kept for kKept, and is all sent again once an engine that was away or
-/// answered otherwise is back. Engines keep one of two lines of the same series and time.
+/// answered otherwise is back. Engines keep one of two lines of the same series and time. An
+/// engine leaves out without a word what its own clock calls too old or not yet measured: where the
+/// two clocks differ by kClocksDiffer, that is told.
 class Delivery {
   public:
     /// `chance` gives numbers from 0 to 1, so that a thousand probes do not come back at once.
@@ -48,6 +50,7 @@ class Delivery {
     static constexpr double kFirstPause = 1;
     static constexpr double kLongestPause = 60;
     static constexpr double kLongestRetryAfter = 3600;
+    static constexpr double kClocksDiffer = 600;
     static constexpr int kMostLines = 1000;
 
   private:
@@ -70,6 +73,7 @@ class Delivery {
     void split();
     void refused(const HttpAnswer& answer);
     void failed(const HttpAnswer& answer);
+    void look_at_clock(const HttpAnswer& answer);
     void pause(double at_least);
     void forget_old();
     double now() const { return clock_.steady(); }
@@ -93,6 +97,7 @@ class Delivery {
     bool repeat_ = false;  ///< what is under way is sent the second time
     bool failing_ = false;
     bool refusal_told_ = false;
+    bool clock_told_ = false;
     bool fault_told_ = false;
 };
 

@@ -20,6 +20,7 @@ struct HttpAnswer {
     int status = 0;                       ///< of HTTP; 0 where no whole answer came
     std::optional<double> retry_after{};  ///< seconds, as the engine asked for
     QString words{};                      ///< why none came, or the begin of what it said
+    std::optional<double> ahead{};        ///< seconds of this machine's clock before the engine's
 };
 
 /// The engine has what it was sent, as HTTP says it.
